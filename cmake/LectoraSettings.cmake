@@ -1,0 +1,32 @@
+# Compiler settings and third-party packages, in one place for every target.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+find_package(Threads REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0 gthread-2.0)
+pkg_check_modules(GTK2 REQUIRED IMPORTED_TARGET gtk+-2.0 x11)
+pkg_check_modules(ALSA REQUIRED IMPORTED_TARGET alsa)
+
+add_library(lectora_options INTERFACE)
+target_compile_options(lectora_options INTERFACE
+    -fno-exceptions -fno-strict-aliasing
+    -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual)
+if(LECTORA_WERROR)
+    target_compile_options(lectora_options INTERFACE -Werror)
+endif()
+target_include_directories(lectora_options INTERFACE
+    "${PROJECT_SOURCE_DIR}" "${PROJECT_BINARY_DIR}/generated")
+target_link_libraries(lectora_options INTERFACE Threads::Threads)
+if(LECTORA_SANITIZE)
+    add_compile_options(-fsanitize=${LECTORA_SANITIZE} -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${LECTORA_SANITIZE})
+    if(LECTORA_SANITIZE MATCHES "undefined")
+        add_compile_options(-fno-sanitize-recover=undefined)
+    endif()
+endif()

@@ -1,0 +1,35 @@
+# lectora_library(NAME [LINK target...]): a static library of every *.cpp in the calling folder.
+# lectora_test(NAME [LINK target...] [DISPLAY] [SERIAL]): a GoogleTest program NAME_tests of every *.cpp in the
+# calling folder, its cases labelled NAME in CTest. DISPLAY runs each case in a private virtual desktop.
+
+function(lectora_library name)
+    cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+    add_library(${name} STATIC ${sources})
+    target_link_libraries(${name} PUBLIC lectora_options ${ARG_LINK})
+endfunction()
+
+function(lectora_test name)
+    cmake_parse_arguments(ARG "DISPLAY;SERIAL" "TIMEOUT" "LINK" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+    add_executable(${name}_tests ${sources})
+    target_link_libraries(${name}_tests PRIVATE lectora_options ${ARG_LINK}
+                          GTest::gmock GTest::gtest GTest::gtest_main)
+    set(properties LABELS "${name}")
+    if(ARG_SERIAL)
+        list(APPEND properties RUN_SERIAL ON)
+    endif()
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    list(APPEND properties TIMEOUT ${ARG_TIMEOUT})
+    if(ARG_DISPLAY)
+        # One desktop serves the whole program: starting an X server for every case would cost minutes.
+        add_test(NAME ${name} COMMAND "${PROJECT_SOURCE_DIR}/tests/support/virtual-desktop" --
+                 $<TARGET_FILE:${name}_tests>)
+        set_tests_properties(${name} PROPERTIES ${properties})
+    else()
+        include(GoogleTest)
+        gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+    endif()
+endfunction()
