@@ -5,6 +5,10 @@
 function(lectora_library name)
     cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+    if(NOT sources)
+        add_library(${name} INTERFACE)
+        return()
+    endif()
     add_library(${name} STATIC ${sources})
     target_link_libraries(${name} PUBLIC lectora_options ${ARG_LINK})
 endfunction()
@@ -29,7 +33,12 @@ function(lectora_test name)
                  $<TARGET_FILE:${name}_tests>)
         set_tests_properties(${name} PROPERTIES ${properties})
     else()
+        # The settings stores and the log make their folders before main; tests keep them out of the real ones.
+        file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/test-home" "${CMAKE_BINARY_DIR}/test-root")
         include(GoogleTest)
-        gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+        gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES ${properties}
+            # Two properties, because a list does not survive the way to CTest.
+            ENVIRONMENT "HOME=${CMAKE_BINARY_DIR}/test-home"
+            ENVIRONMENT_MODIFICATION "LECTORA_ROOT=set:${CMAKE_BINARY_DIR}/test-root")
     endif()
 endfunction()
