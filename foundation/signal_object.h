@@ -3,8 +3,9 @@
 
 #include "foundation/unique_fd.h"
 
-// Borrowed read end of a signal; copyable, must not outlive its LSignalObject. Safe from any thread. Waits never
-// consume the signal. A signal whose pipe could not be made is never signalled: waits time out.
+// Borrowed read end of a signal; copyable, must not outlive its LSignalObject. Safe from any
+// thread. Waits never consume the signal. A signal whose pipe could not be made is never signalled:
+// waits time out.
 class LSignalObjectRef {
 public:
     LSignalObjectRef() = default;
@@ -15,7 +16,8 @@ public:
     bool IsSignaled() const;
     // True when any of them is signalled within the time.
     bool WaitSignalDual(LSignalObjectRef second, unsigned int milliseconds) const;
-    bool WaitSignalTriple(LSignalObjectRef second, LSignalObjectRef third, unsigned int milliseconds) const;
+    bool WaitSignalTriple(LSignalObjectRef second, LSignalObjectRef third,
+                          unsigned int milliseconds) const;
 
     int ReadFd() const { return readFd_; }  // for poll; -1 when the pipe could not be made
 

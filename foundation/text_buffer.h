@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-constexpr std::size_t kTextBufferSize = 260;  // paths, keys, values, labels: 259 characters and the terminator
+constexpr std::size_t kTextBufferSize =
+    260;  // paths, keys, values, labels: 259 characters and the terminator
 
 // Copies text cut to the buffer and always terminates it.
 template <std::size_t N>
@@ -21,7 +22,8 @@ inline void CopyText(char* out, std::size_t size, std::string_view text) {
     out[length] = '\0';
 }
 
-// A growable text, always terminated; may hold NUL bytes, so use View() where content comes from a file.
+// A growable text, always terminated; may hold NUL bytes, so use View() where content comes from a
+// file.
 template <typename Char>
 class LStringLongTemplate {
 public:
@@ -41,11 +43,13 @@ private:
     std::basic_string<Char> text_;
 };
 
-// Writes into a caller's buffer; what does not fit is dropped silently. The buffer stays terminated.
+// Writes into a caller's buffer; what does not fit is dropped silently. The buffer stays
+// terminated.
 template <typename Char>
 class LFixedLengthStringWriterTemplate {
 public:
-    LFixedLengthStringWriterTemplate(Char* buffer, std::size_t capacity) : buffer_(buffer), capacity_(capacity) {
+    LFixedLengthStringWriterTemplate(Char* buffer, std::size_t capacity)
+        : buffer_(buffer), capacity_(capacity) {
         if (capacity_ > 0)
             buffer_[0] = Char();
     }

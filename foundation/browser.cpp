@@ -1,0 +1,48 @@
+#include "foundation/browser.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "foundation/child_process.h"
+#include "foundation/text_buffer.h"
+
+namespace {
+
+// The address stands between double quotes in the command: what the shell would still read there is
+// written as the address syntax has it.
+std::string WithoutShellCharacters(const std::string& address) {
+    std::string safe;
+    for (const char character : address) {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool plain = byte > 0x20 && byte != 0x7F && byte != '"' && byte != '$' &&
+                           byte != '`' && byte != '\\';
+        if (plain) {
+            safe += character;
+        } else {
+            char escaped[4];
+            std::snprintf(escaped, sizeof escaped, "%%%02X", byte);
+            safe += escaped;
+        }
+    }
+    return safe;
+}
+
+}  // namespace
+
+std::string BrowserCommand(const std::string& address) {
+    const bool inKde = std::getenv("KDE_FULL_SESSION") != nullptr;
+    const std::string quoted = " \"" + WithoutShellCharacters(address) + "\"";
+    std::string command;
+    if (IsProgramInstalled(inKde ? "kfmclient" : "gnome-open"))
+        command = (inKde ? "kfmclient exec" : "gnome-open") + quoted;
+    else
+        command = "xdg-open" + quoted + " &";  // it may stay as long as the browser does
+    // The command text ends at 259 characters: cut there it has lost its closing quote and cannot
+    // run.
+    return command.size() < kTextBufferSize ? command : std::string();
+}
+
+bool OpenInBrowser(const std::string& address) {
+    const std::string command = BrowserCommand(address);
+    return !command.empty() && RunShellCommand(command.c_str()) == 0;
+}

@@ -1,0 +1,207 @@
+#include "foundation/dat_file_native.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include "foundation/ascii.h"
+#include "foundation/file_io.h"
+#include "foundation/file_readers.h"
+#include "foundation/file_rewrite.h"
+#include "foundation/flock_timed.h"
+#include "foundation/text_buffer.h"
+#include "foundation/ticks.h"
+
+LDatFileNativeSystem gDatFileNativeSystem;
+
+namespace {
+
+constexpr std::size_t kLineBufferSize = 552;
+constexpr int kLockMilliseconds = 1000;
+constexpr std::int64_t kLargestSize = std::int64_t{16} << 20;
+
+std::string_view Cut(std::string_view text) {
+    return text.substr(0, kTextBufferSize - 1);
+}
+
+// A line break would start another line of the file.
+std::string_view CutLine(std::string_view text) {
+    return Cut(text.substr(0, text.find_first_of("\r\n")));
+}
+
+std::string IndexKey(std::string_view text) {
+    return ToLower(CutLine(text));
+}
+
+}  // namespace
+
+const std::string* LDatFileNativeSection::Find(std::string_view key) const {
+    const auto found = index_.find(IndexKey(key));
+    return found == index_.end() ? nullptr : &found->second->second;
+}
+
+void LDatFileNativeSection::SetValue(std::string_view key, std::string_view value) {
+    const auto [found, added] = index_.try_emplace(IndexKey(key));
+    if (added)
+        found->second = entries_.emplace(entries_.end(), CutLine(key), CutLine(value));
+    else
+        found->second->second = CutLine(value);
+}
+
+void LDatFileNativeSection::DeleteKey(std::string_view key) {
+    const auto found = index_.find(IndexKey(key));
+    if (found == index_.end())
+        return;
+    entries_.erase(found->second);
+    index_.erase(found);
+}
+
+void LDatFileNativeSection::AppendTo(std::string& text) const {
+    text.append("[").append(name_).append("]\r\n");
+    for (const auto& [key, value] : entries_)
+        text.append(key).append("=").append(value).append("\r\n");
+    text.append("\r\n");
+}
+
+LDatFileNativeSection* LDatFileNativeFile::Find(std::string_view section) {
+    const auto found = index_.find(IndexKey(section));
+    return found == index_.end() ? nullptr : &*found->second;
+}
+
+LDatFileNativeSection& LDatFileNativeFile::FindOrAppend(std::string_view section) {
+    const auto [found, added] = index_.try_emplace(IndexKey(section));
+    if (added)
+        found->second = sections_.emplace(sections_.end(), CutLine(section));
+    return *found->second;
+}
+
+void LDatFileNativeFile::Load() {
+    index_.clear();
+    sections_.clear();
+    dirty_ = false;
+    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDONLY);
+    if (file.IsOpen())
+        flocktimed(file.Get(), LOCK_SH | LOCK_NB, kLockMilliseconds);
+    unreadable_ = file.IsOpen() ? LReadFileRef(file.Get()).GetSize() > kLargestSize
+                                : access(path_.c_str(), F_OK) == 0;
+    if (!file.IsOpen() || unreadable_)
+        return;
+    LReadFileBuffered reader(file.Get());
+    LDatFileNativeSection* section = nullptr;
+    char line[kLineBufferSize];
+    while (reader.ReadLine(line, sizeof line)) {
+        const std::string_view text(line);
+        const std::size_t equals = text.find('=');
+        if (text.starts_with('['))
+            section = &FindOrAppend(text.substr(1, text.find(']') - 1));
+        else if (section && equals != std::string_view::npos)
+            section->SetValue(text.substr(0, equals), text.substr(equals + 1));
+    }
+}
+
+std::string LDatFileNativeFile::Text() const {
+    std::string text;
+    for (const LDatFileNativeSection& section : sections_)
+        section.AppendTo(text);
+    return text;
+}
+
+void LDatFileNativeFile::Save() {
+    dirty_ = false;
+    if (unreadable_)
+        return;
+    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT, 0666);
+    if (!file.IsOpen())
+        return;
+    flocktimed(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
+    std::string content;
+    if (ReadWholeFile(file.Get(), kLargestSize, content))
+        RewriteFile(file.Get(), content, Text());
+}
+
+const std::string* LDatFileNativeFile::GetValue(std::string_view section, std::string_view key,
+                                                std::uint32_t now) {
+    lastAccess_ = now;
+    const LDatFileNativeSection* known = Find(section);
+    return known ? known->Find(key) : nullptr;
+}
+
+void LDatFileNativeFile::SetValue(std::string_view section, const char* key, const char* value,
+                                  std::uint32_t now) {
+    dirty_ = true;
+    lastAccess_ = now;
+    if (!key) {
+        const auto found = index_.find(IndexKey(section));
+        if (found != index_.end()) {
+            sections_.erase(found->second);
+            index_.erase(found);
+        }
+        return;
+    }
+    // Deleting from a missing section creates it: its bare header line is written out.
+    LDatFileNativeSection& known = FindOrAppend(section);
+    if (value)
+        known.SetValue(key, value);
+    else
+        known.DeleteKey(key);
+}
+
+LDatFileNativeSystem::~LDatFileNativeSystem() {
+    for (LDatFileNativeFile& file : files_) {
+        if (file.IsDirty())
+            file.Save();
+    }
+}
+
+LDatFileNativeFile* LDatFileNativeSystem::Find(std::string_view file) {
+    for (LDatFileNativeFile& known : files_) {
+        if (EqualsNoCase(known.Path(), Cut(file)))
+            return &known;
+    }
+    return nullptr;
+}
+
+LDatFileNativeFile& LDatFileNativeSystem::Open(const char* file, std::uint32_t now) {
+    if (LDatFileNativeFile* known = Find(file))
+        return *known;
+    LDatFileNativeFile& added = files_.emplace_front(Cut(file), now);
+    added.Load();
+    return added;
+}
+
+void LDatFileNativeSystem::GetValue(const char* file, const char* section, const char* key,
+                                    const char* defaultValue, char* out) {
+    const std::lock_guard lock(mutex_);
+    const std::uint32_t now = GetTickCount();
+    const std::string* value = Open(file, now).GetValue(section, key, now);
+    CopyText(out, kTextBufferSize, value ? *value : defaultValue ? defaultValue : "");
+}
+
+void LDatFileNativeSystem::SetValue(const char* file, const char* section, const char* key,
+                                    const char* value) {
+    const std::lock_guard lock(mutex_);
+    const std::uint32_t now = GetTickCount();
+    Open(file, now).SetValue(section, key, value, now);
+}
+
+void LDatFileNativeSystem::Flush(const char* file) {
+    const std::lock_guard lock(mutex_);
+    LDatFileNativeFile* known = Find(file);
+    if (known && known->IsDirty())
+        known->Save();
+}
+
+void LDatFileNativeSystem::Flush(std::uint32_t now) {
+    const std::lock_guard lock(mutex_);
+    for (LDatFileNativeFile& file : files_) {
+        if (file.IsDirty())
+            file.Save();
+    }
+    files_.remove_if(
+        [now](const LDatFileNativeFile& file) { return file.IsIdle(now, kIdleMilliseconds); });
+}
+
+bool LDatFileNativeSystem::IsCached(const char* file) {
+    const std::lock_guard lock(mutex_);
+    return Find(file) != nullptr;
+}

@@ -1,0 +1,143 @@
+// The file choosers of LFile; GUI thread, GDK lock held.
+#include <gtk/gtk.h>
+#include <sys/stat.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "foundation/file.h"
+#include "foundation/machine_root.h"
+#include "foundation/text_buffer.h"
+#include "gui/icons.h"
+#include "gui/message_box.h"
+
+namespace {
+
+struct GFree {
+    void operator()(char* text) const { g_free(text); }
+};
+using OwnedText = std::unique_ptr<char, GFree>;
+
+// A chooser window, destroyed with this object.
+class Chooser {
+public:
+    Chooser(GtkWidget* parent, const char* title, GtkFileChooserAction action, const char* acceptButton) {
+        dialog_ = gtk_file_chooser_dialog_new(title, parent == nullptr ? nullptr : GTK_WINDOW(parent), action,
+                                              "gtk-cancel", GTK_RESPONSE_CANCEL, acceptButton,
+                                              GTK_RESPONSE_ACCEPT, nullptr);
+        SetWindowIcon(GTK_WINDOW(dialog_), 1);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog_), GTK_RESPONSE_ACCEPT);
+        gtk_file_chooser_set_do_overwrite_confirmation(Self(), TRUE);
+    }
+    ~Chooser() { gtk_widget_destroy(dialog_); }
+    Chooser(const Chooser&) = delete;
+    Chooser& operator=(const Chooser&) = delete;
+
+    GtkFileChooser* Self() const { return GTK_FILE_CHOOSER(dialog_); }
+    GtkWidget* Widget() const { return dialog_; }
+    bool Run() { return gtk_dialog_run(GTK_DIALOG(dialog_)) == GTK_RESPONSE_ACCEPT; }
+    std::string File() const {
+        const OwnedText name(gtk_file_chooser_get_filename(Self()));
+        return name ? name.get() : "";
+    }
+
+    void StartIn(const char* folder) {
+        const std::string start = folder == nullptr || *folder == '\0' ? HomeFolder() : folder;
+        gtk_file_chooser_set_current_folder(Self(), start.c_str());
+    }
+    // A name, a NUL, patterns separated by ";", and a double NUL.
+    void AddFilter(const char* filter) {
+        if (filter == nullptr)
+            return;
+        GtkFileFilter* entry = gtk_file_filter_new();
+        gtk_file_filter_set_name(entry, filter);
+        std::string_view patterns(filter + std::char_traits<char>::length(filter) + 1);
+        while (!patterns.empty()) {
+            const std::size_t end = patterns.find(';');
+            std::string_view pattern = patterns.substr(0, end);
+            pattern.remove_prefix(std::min(pattern.find_first_not_of(' '), pattern.size()));
+            if (!pattern.empty())
+                gtk_file_filter_add_pattern(entry, std::string(pattern).c_str());
+            patterns.remove_prefix(end == std::string_view::npos ? patterns.size() : end + 1);
+        }
+        gtk_file_chooser_add_filter(Self(), entry);
+    }
+    bool HasChosenExistingFile() const {
+        struct stat status {};
+        return ::stat(File().c_str(), &status) == 0;
+    }
+
+private:
+    GtkWidget* dialog_;
+};
+
+bool Accept(const Chooser& chooser, char* path, char* folder) {
+    const std::string file = chooser.File();
+    CopyText(path, kTextBufferSize, file);
+    LFile::_GetFolderFromPath(folder, path);
+    return true;
+}
+
+}  // namespace
+
+bool LFile::BrowseReadFilePath(GtkWidget* parent, char* path, const char* title, char* folder,
+                               const char* filter) {
+    Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_OPEN, "gtk-open");
+    chooser.StartIn(folder);
+    if (*path != '\0')
+        gtk_file_chooser_set_filename(chooser.Self(), path);
+    chooser.AddFilter(filter);
+    while (chooser.Run()) {
+        if (chooser.HasChosenExistingFile())
+            return Accept(chooser, path, folder);
+        const std::string text = "The File " + chooser.File() + " is not valid. Please choose another file.";
+        MessageBoxRun(chooser.Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora", text.c_str(), "");
+    }
+    *path = '\0';
+    return false;
+}
+
+bool LFile::BrowseSaveFilePath(GtkWidget* parent, char* path, const char* title, char* folder,
+                               const char* filter) {
+    Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_SAVE, "gtk-save");
+    chooser.StartIn(folder);
+    if (*path != '\0') {
+        char name[kTextBufferSize];
+        _GetFileFromPath(name, path);
+        gtk_file_chooser_set_current_name(chooser.Self(), name);
+    }
+    chooser.AddFilter(filter);
+    if (chooser.Run() && !chooser.File().empty())
+        return Accept(chooser, path, folder);
+    *path = '\0';
+    return false;
+}
+
+bool LFile::BrowseMultipleReadFiles(GtkWidget* parent, BrowseMultiplePaths& paths, const char* title,
+                                    char* folder, const char* filter) {
+    Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_OPEN, "gtk-open");
+    chooser.StartIn(folder);
+    chooser.AddFilter(filter);
+    gtk_file_chooser_set_select_multiple(chooser.Self(), TRUE);
+    paths.clear();
+    if (!chooser.Run())
+        return false;
+    GSList* names = gtk_file_chooser_get_filenames(chooser.Self());
+    for (GSList* name = names; name != nullptr; name = name->next) {
+        const OwnedText text(static_cast<char*>(name->data));
+        paths.emplace_back(text.get());
+    }
+    g_slist_free(names);
+    if (!paths.empty())
+        _GetFolderFromPath(folder, paths.front().c_str());
+    return !paths.empty();
+}
+
+bool LFile::BrowseFolder(GtkWidget* parent, char* path, const char* title) {
+    Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER, "gtk-open");
+    chooser.StartIn(path);
+    const bool accepted = chooser.Run() && !chooser.File().empty();
+    CopyText(path, kTextBufferSize, accepted ? chooser.File() : "");
+    return accepted;
+}

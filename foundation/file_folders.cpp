@@ -1,0 +1,119 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "foundation/child_process.h"
+#include "foundation/file.h"
+#include "foundation/folder_iterator.h"
+#include "foundation/machine_root.h"
+#include "foundation/text_buffer.h"
+
+namespace {
+
+constexpr int kDeepestCopy = 64;  // folders within folders; deeper paths do not fit their buffers
+
+// Creates every missing folder of the path, the first `given` characters of which are taken as they
+// are.
+void MakeFolders(const std::string& path, std::size_t given) {
+    for (std::size_t at = path.find('/', given + 1); at != std::string::npos;
+         at = path.find('/', at + 1))
+        mkdir(path.substr(0, at).c_str(), 0777);
+    mkdir(path.c_str(), 0777);
+}
+
+bool IsFolder(const std::string& path, bool followLink) {
+    struct stat status {};
+    const int result = followLink ? stat(path.c_str(), &status) : lstat(path.c_str(), &status);
+    return result == 0 && S_ISDIR(status.st_mode);
+}
+
+bool IsSameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    return std::filesystem::equivalent(a, b, error) && !error;
+}
+
+std::vector<std::string> NamesIn(const char* folder) {
+    std::vector<std::string> names;
+    LFile::FolderIteratorAllFiles entries;
+    if (!entries.Open(folder))
+        return names;
+    while (entries.Next())
+        names.emplace_back(entries.Name());
+    return names;
+}
+
+void CopyTree(const std::string& from, const std::string& to, const std::string& topTarget,
+              int depth) {
+    // All names first: the target may stand inside the source.
+    const std::vector<std::string> names = NamesIn(from.c_str());
+    mkdir(to.c_str(), 0777);
+    for (const std::string& name : names) {
+        const std::string source = from + "/" + name;
+        const std::string target = to + "/" + name;
+        struct stat status {};
+        if (IsFolder(source, false)) {
+            if (depth < kDeepestCopy && !IsSameFile(source, topTarget))
+                CopyTree(source, target, topTarget, depth + 1);
+        } else if (stat(source.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+            LFile::CopyFile(source.c_str(), target.c_str());
+        }
+    }
+}
+
+}  // namespace
+
+void LFile::GetSharedDataFolderApp(char* out) {
+    const std::string folder = MachinePath("/opt/quillon/lectora");
+    MakeFolders(folder, 0);
+    CopyText(out, kTextBufferSize, folder + "/etc");
+}
+
+void LFile::GetSharedDataFolderAppSubFolder(const char* name, char* out) {
+    GetSharedDataFolderApp(out);
+    mkdir(out, 0777);
+    _FilePathCat(out, name);
+    mkdir(out, 0777);
+}
+
+void LFile::GetUserDataFolderAppSubFolder(const char* name, char* out) {
+    const std::string home = HomeFolder();
+    const std::string folder = home + "/.quillon/lectora/" + name;
+    MakeFolders(folder, home.size());
+    CopyText(out, kTextBufferSize, folder);
+}
+
+void LFile::SetFolderSecurityAllAccess(const char* folder) {
+    std::string command = "chmod -Rf 777 \"";
+    for (const char c : std::string_view(folder)) {
+        if (std::string_view("\"\\$`").find(c) != std::string_view::npos)
+            command += '\\';
+        command += c;
+    }
+    RunShellCommand((command + "\"").c_str());
+}
+
+void LFile::CopyFolderFiles(const char* from, const char* to) {
+    if (IsFolder(from, true))
+        CopyTree(from, to, to, 0);
+    else
+        mkdir(to, 0777);
+}
+
+void LFile::DeleteFolderAndFiles(const char* folder) {
+    if (!IsFolder(folder, false)) {
+        unlink(folder);
+        return;
+    }
+    for (const std::string& name : NamesIn(folder))
+        unlink((std::string(folder) + "/" + name).c_str());  // refuses sub-folders
+    rmdir(folder);
+}
+
+void LFile::DeleteFolderTree(const char* folder) {
+    std::error_code error;
+    std::filesystem::remove_all(folder, error);
+}

@@ -1,0 +1,76 @@
+// The two settings stores: per user ("$HOME/.quillon/lectora") and machine-wide
+// ("/opt/quillon/lectora/etc").
+#pragma once
+
+#include <forward_list>
+#include <mutex>
+#include <string>
+
+#include "foundation/settings_file.h"
+
+// A folder of section files. Any thread: one mutex is held across each whole operation. `out` holds
+// 260 bytes.
+class LSettingsSectionList {
+public:
+    explicit LSettingsSectionList(const char* folder);
+    LSettingsSectionList(const LSettingsSectionList&) = delete;
+    LSettingsSectionList& operator=(const LSettingsSectionList&) = delete;
+
+    void GetString(const char* section, const char* key, const char* defaultValue, char* out);
+    void SetString(const char* section, const char* key, const char* value);  // null deletes
+    // Does nothing in a section that was not read or set through this list before: callers read
+    // before they delete.
+    void DeleteItem(const char* section, const char* key);
+
+private:
+    struct Section {
+        std::string name;  // as first given
+        LSettingsFile file;
+    };
+    LSettingsFile* FindSection(const char* section);
+    LSettingsFile& OpenSection(const char* section);
+
+    std::mutex mutex_;
+    std::string folder_;
+    std::forward_list<Section> sections_;  // newest first
+};
+
+class LUserSettings : public LSettingsSectionList {
+public:
+    LUserSettings();
+};
+class LLocalSettings : public LSettingsSectionList {
+public:
+    LLocalSettings();
+};
+
+extern LLocalSettings gLLocalSettings;  // built first, both before main
+extern LUserSettings gLUserSettings;
+
+// --- per user
+void _LUserSettingGetString(const char* section, const char* key, const char* defaultValue,
+                            char* out);
+void LUserSettingSetString(const char* section, const char* key, const char* value);
+void LUserSettingDeleteItem(const char* section, const char* key);
+std::string LUserSettingGet(const char* section, const char* key, const char* defaultValue = "");
+int LUserSettingGetInt(const char* section, const char* key, int defaultValue);
+void LUserSettingSetInt(const char* section, const char* key, int value);
+bool LUserSettingGetBool(const char* section, const char* key,
+                         bool defaultValue);  // on: not empty, not "0"
+void LUserSettingSetBool(const char* section, const char* key, bool value);
+
+// --- machine-wide
+void _LSettingGetString(const char* section, const char* key, const char* defaultValue, char* out);
+void LSettingSetString(const char* section, const char* key, const char* value);
+void LSettingDeleteItem(const char* section, const char* key);
+void LSettingGetPassword(const char* section, const char* key, const char* defaultValue,
+                         char* out);  // plain text
+std::string LSettingGet(const char* section, const char* key, const char* defaultValue = "");
+
+// --- where files stand; `out` holds 260 bytes
+void LSettingsGetUserFolder(char* out);    // created when missing
+void LSettingsGetSharedFolder(char* out);  // created when missing
+void LSettingSectionFile(char* out, const char* folder, const char* section);
+void LSettingGetSubListPath(char* out, const char* path);
+void LSettingSubListSection(char* out, const char* path,
+                            const char* name);  // creates the sub-list folder

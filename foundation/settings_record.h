@@ -1,0 +1,26 @@
+// A settings file that may have sub-records: files in a folder named after it.
+#pragma once
+
+#include "foundation/settings_file.h"
+
+// Owner's thread only, like its base.
+class LSettingsRecord : public LSettingsFile {
+public:
+    LSettingsRecord() = default;
+    explicit LSettingsRecord(const char* path) : LSettingsFile(path) {}
+    // The machine-wide record <name> of a section; the folders on the way are created.
+    LSettingsRecord(const char* section, const char* name);
+
+    // Decimal text; absent or empty is the default, junk reads as its leading number or 0.
+    int GetInt(const char* key, int defaultValue);
+    void SetInt(const char* key, int value);
+    bool GetBool(const char* key, bool defaultValue);  // "0..." is false, any other text true
+    void SetBool(const char* key, bool value);
+
+    bool TestSubRecordExists(const char* name) const;
+    void OpenSubRecord(const char* name,
+                       LSettingsRecord& out) const;  // creates the folder, not the file
+    bool CreateSubRecord(const char* name,
+                         LSettingsRecord& out) const;  // true when it was not there before
+    void DeleteSubRecord(const char* name);            // the sub-record's own sub-records stay
+};

@@ -1,0 +1,248 @@
+// What the settings hold when several processes write, are killed, or find no room.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/file.h>
+#include <sys/mount.h>
+#include <sys/ptrace.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <map>
+#include <optional>
+#include <random>
+
+#include "foundation/dat_file.h"
+#include "foundation/settings.h"
+#include "foundation/unique_fd.h"
+#include "tests/foundation/forked.h"
+#include "tests/foundation/scratch_folder.h"
+
+namespace {
+
+// The format's rules once more, as any other program would follow them: first key wins.
+std::map<std::string, std::string> ParseLocked(const std::string& path) {
+    const UniqueFd file(open(path.c_str(), O_RDONLY));
+    flock(file.Get(), LOCK_SH);
+    std::string text;
+    char block[65536];
+    for (ssize_t got; (got = read(file.Get(), block, sizeof block)) > 0;)
+        text.append(block, static_cast<std::size_t>(got));
+    std::map<std::string, std::string> entries;
+    std::string line;
+    text += '\n';
+    for (const char c : text) {
+        if (c != '\r' && c != '\n') {
+            if (!line.empty() || static_cast<unsigned char>(c) >= 33)
+                line += c;
+            continue;
+        }
+        const std::size_t sign = std::min(line.find('='), line.size());
+        const std::size_t value = std::min(line.find_first_not_of('=', sign), line.size());
+        if (sign > 0)
+            entries.emplace(line.substr(0, sign), line.substr(value));
+        line.clear();
+    }
+    return entries;
+}
+
+std::string KeyOf(int index) {
+    return "key" + std::to_string(index);
+}
+
+// A value that shows whether it is whole and whose it is.
+std::string ValueOf(int index, int length) {
+    return std::to_string(index) + ":" + std::to_string(length) + ":" +
+           std::string(static_cast<std::size_t>(length), 'v');
+}
+
+bool IsWhole(const std::string& value, int index) {
+    const std::size_t colon = value.find(':');
+    return colon != std::string::npos &&
+           value == ValueOf(index, std::atoi(value.c_str() + colon + 1));
+}
+
+void ExpectWhole(const std::string& path, int keys) {
+    const auto entries = ParseLocked(path);
+    EXPECT_EQ(entries.size(), static_cast<std::size_t>(keys));
+    for (int i = 0; i < keys; ++i) {
+        const auto entry = entries.find(KeyOf(i));
+        ASSERT_TRUE(entry != entries.end()) << KeyOf(i);
+        ASSERT_TRUE(IsWhole(entry->second, i)) << KeyOf(i) << "=" << entry->second;
+    }
+}
+
+void Fill(const std::string& path, int keys) {
+    LSettingsFile file(path.c_str());
+    for (int i = 0; i < keys; ++i)
+        file.SetString(KeyOf(i).c_str(), ValueOf(i, i % 23).c_str());
+}
+
+TEST(SettingsSurvival, FourProcessesLoseNoKeyOfEachOther) {
+    constexpr int kProcesses = 4;
+    constexpr int kKeys = 1000;
+    const ScratchFolder folder;
+    std::vector<pid_t> writers;
+    for (int writer = 0; writer < kProcesses; ++writer) {
+        writers.push_back(StartForked([&] {
+            LSettingsSectionList list(folder.Path().c_str());
+            int lost = 0;
+            for (int i = 0; i < kKeys; ++i) {
+                const int mine = i * kProcesses + writer;
+                list.SetString("Shared", KeyOf(mine).c_str(), ValueOf(mine, 5).c_str());
+                const int earlier = i / 3 * kProcesses + writer;
+                char out[260];
+                list.GetString("Shared", KeyOf(earlier).c_str(), "", out);
+                lost += out != ValueOf(earlier, 5);
+            }
+            return lost > 255 ? 255 : lost;
+        }));
+    }
+    for (const pid_t writer : writers)
+        EXPECT_EQ(WaitForked(writer), 0);
+    ExpectWhole(folder / "shared", kProcesses * kKeys);
+}
+
+TEST(SettingsSurvival, KilledWritersLeaveEveryOtherKey) {
+    constexpr int kKeys = 600;
+    const ScratchFolder folder;
+    const std::string path = folder / "s";
+    Fill(path, kKeys);
+    std::mt19937 random(20);
+    for (int round = 0; round < 400 && !HasFailure(); ++round) {
+        const auto seed = random();
+        const pid_t writer = StartForked([&] {
+            std::mt19937 choice(seed);
+            LSettingsFile file(path.c_str());
+            for (;;) {
+                const int i = static_cast<int>(choice() % kKeys);
+                file.SetString(KeyOf(i).c_str(),
+                               ValueOf(i, static_cast<int>(choice() % 200)).c_str());
+            }
+            return 0;
+        });
+        usleep(200 + static_cast<unsigned>(random() % 2500));
+        kill(writer, SIGKILL);
+        WaitForked(writer);
+        ExpectWhole(path, kKeys);
+    }
+    // What the killed left over goes with the next write.
+    LSettingsFile(path.c_str()).SetString("key0", "0:1:v");
+    EXPECT_EQ(folder.Read("s").find("\r\n\r\n"), std::string::npos);
+    EXPECT_EQ(folder.Read("s").find("\n="), std::string::npos);
+}
+
+// Runs body in a child that is killed at its given system call; false when it ended before.
+template <typename Body>
+std::optional<bool> KilledAtCall(int call, Body body) {
+    const pid_t child = StartForked([&] {
+        if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0)
+            return 2;
+        raise(SIGSTOP);
+        body();
+        return 0;
+    });
+    int status = 0;
+    waitpid(child, &status, 0);
+    for (int stop = 0; WIFSTOPPED(status) && stop < 2 * call; ++stop) {
+        ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
+        waitpid(child, &status, 0);
+    }
+    if (WIFEXITED(status))
+        return WEXITSTATUS(status) == 2 ? std::nullopt : std::optional(false);
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+    return true;
+}
+
+TEST(SettingsSurvival, IsWholeWhicheverSystemCallIsTheLast) {
+    constexpr int kKeys = 500;
+    const struct {
+        const char* about;
+        const char* key;
+        int length;  // of the new value, -1 deletes
+        int keysAfter;
+    } changes[] = {{"grows near the start", "key1", 120, kKeys},
+                   {"shrinks", "key22", 1, kKeys},
+                   {"a new key", "key500", 200, kKeys + 1},
+                   {"a key goes", "key3", -1, kKeys - 1}};
+    for (const auto& change : changes) {
+        SCOPED_TRACE(change.about);
+        const int index = std::atoi(change.key + 3);
+        const std::string value = ValueOf(index, std::max(change.length, 0));
+        bool ended = false;
+        for (int call = 1; !ended && !HasFailure(); ++call) {
+            SCOPED_TRACE(call);
+            const ScratchFolder folder;
+            const std::string path = folder / "s";
+            Fill(path, kKeys);
+            const std::string before = folder.Read("s");
+            const std::optional<bool> killed = KilledAtCall(call, [&] {
+                LSettingsFile(path.c_str())
+                    .SetString(change.key, change.length < 0 ? nullptr : value.c_str());
+            });
+            if (!killed)
+                GTEST_SKIP() << "tracing a child is not permitted here";
+            ended = !*killed;
+            auto entries = ParseLocked(path);
+            const auto changed = entries.find(change.key);
+            if (changed != entries.end()) {
+                EXPECT_TRUE(IsWhole(changed->second, index)) << changed->second;
+            }
+            entries.erase(change.key);
+            EXPECT_EQ(entries.size(), static_cast<std::size_t>(kKeys) - (index < kKeys));
+            for (const auto& [key, text] : entries)
+                EXPECT_TRUE(IsWhole(text, std::atoi(key.c_str() + 3))) << key << "=" << text;
+            // Our own reader sees the same and the next write tidies up.
+            LSettingsFile next(path.c_str());
+            next.SetString("other", "1");
+            next.SetString("other", nullptr);
+            const std::string tidy = folder.Read("s");
+            EXPECT_EQ(ParseLocked(path).size(), std::count(tidy.begin(), tidy.end(), '='));
+            if (ended) {
+                EXPECT_EQ(ParseLocked(path).size(), static_cast<std::size_t>(change.keysAfter));
+                EXPECT_NE(tidy, before);
+            }
+        }
+    }
+}
+
+TEST(SettingsSurvival, AFullDiskKeepsTheOldContent) {
+    const ScratchFolder folder;
+    const int result = RunForked([&] {
+        const bool ours =
+            getuid() == 0 ? unshare(CLONE_NEWNS) == 0 : unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
+        if (!ours || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("tmpfs", folder.Path().c_str(), "tmpfs", 0, "size=64k") != 0)
+            return 77;
+        Fill(folder / "s", 500);
+        folder.Write("d", "[A]\r\nk=" + std::string(250, 'v') + "\r\n\r\n");
+        folder.Write("empty", "");
+        const std::string settings = folder.Read("s");
+        const std::string data = folder.Read("d");
+        const UniqueFd filler(open((folder / "filler").c_str(), O_WRONLY | O_CREAT, 0666));
+        const std::string block(512, 'f');
+        while (write(filler.Get(), block.data(), block.size()) > 0) {
+        }
+        LSettingsFile file((folder / "s").c_str());
+        for (int i = 0; i < 40; ++i)
+            file.SetString(("new" + std::to_string(i)).c_str(), std::string(250, 'n').c_str());
+        file.SetString("key1", std::string(250, 'n').c_str());
+        LSettingsFile((folder / "empty").c_str()).SetString("k", "v");
+        LDatFile foreign((folder / "d").c_str());
+        for (int i = 0; i < 40; ++i)
+            foreign.SetString("A", std::to_string(i).c_str(), std::string(250, 'n').c_str());
+        foreign.Flush();
+        char out[260];
+        file.GetString("key1", "", out);
+        // Keys that fit into the last page may have been added; nothing that was there is gone.
+        const bool kept = folder.Read("s").starts_with(settings) && out == ValueOf(1, 1);
+        return !kept ? 1 : folder.Read("d") != data ? 2 : folder.Read("empty") != "" ? 3 : 0;
+    });
+    if (result == 77)
+        GTEST_SKIP() << "mounting a small file system is not permitted here";
+    EXPECT_EQ(result, 0);
+}
+
+}  // namespace
