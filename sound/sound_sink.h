@@ -6,7 +6,8 @@
 // Abstract sink. Counted by LSoundSink handles; not atomic, so one thread at a time.
 class LSoundSinkBase {
 public:
-    // 0 channels become 1 with status 1; the rate is stored as given (sinks, unlike sources, do not check it).
+    // 0 channels become 1 with status 1; the rate is stored as given (sinks, unlike sources, do not
+    // check it).
     LSoundSinkBase(int rate, unsigned char channels);
     virtual ~LSoundSinkBase();
     LSoundSinkBase(const LSoundSinkBase&) = delete;
@@ -21,13 +22,14 @@ public:
     unsigned char Channels() const { return channels_; }
     std::uint8_t Status() const { return status_; }  // 0 good, 1 placeholder or invalid format
 
-    // errno of the first write that the system refused or cut short, 0 when there was none. Write itself reports
-    // nothing, so programs ask here before they call an output whole.
+    // errno of the first write that the system refused or cut short, 0 when there was none. Write
+    // itself reports nothing, so programs ask here before they call an output whole.
     int WriteError() const { return writeError_; }
 
 protected:
     void NoteWriteError(int error) {
-        if (writeError_ == 0) writeError_ = error;
+        if (writeError_ == 0)
+            writeError_ = error;
     }
 
     std::int32_t framesWritten_ = 0;
@@ -48,7 +50,8 @@ public:
     void Write(const int* buffer, int frames) override;
 };
 
-// Counted reference to a sink; never null. A file is complete when its sink's last handle is closed or gone.
+// Counted reference to a sink; never null. A file is complete when its sink's last handle is closed
+// or gone.
 class LSoundSink {
 public:
     LSoundSink();                                 // an error placeholder

@@ -1,8 +1,9 @@
 // The pull side of the sound pipeline.
 //
-// A *sample* is one signed 32-bit integer of one channel: a 16-bit value times 16, full scale +-524288. A *frame* holds
-// one sample for each channel, interleaved. Every count below is in frames: Read(buffer, 100) of a stereo source writes
-// 200 integers. No single call asks for more than kMaxBlockFrames.
+// A *sample* is one signed 32-bit integer of one channel: a 16-bit value times 16, full scale
+// +-524288. A *frame* holds one sample for each channel, interleaved. Every count below is in
+// frames: Read(buffer, 100) of a stereo source writes 200 integers. No single call asks for more
+// than kMaxBlockFrames.
 #pragma once
 
 #include <cstdint>
@@ -13,25 +14,26 @@ constexpr int kMaxPcm16Peak = 524272;  // 32767 * 16, the largest value a 16-bit
 // Values of a source's status byte; everything but kGood means "reads as silence, do not play".
 namespace SoundStatus {
 constexpr std::uint8_t kGood = 0;
-constexpr std::uint8_t kPlaceholder = 1;   // closed handle, or a raw codec nobody knows
-constexpr std::uint8_t kInnerNotGood = 2;  // a wrapper around a source that was not good
-constexpr std::uint8_t kInvalidFormat = 3; // malformed file, or a format replaced by a default
+constexpr std::uint8_t kPlaceholder = 1;    // closed handle, or a raw codec nobody knows
+constexpr std::uint8_t kInnerNotGood = 2;   // a wrapper around a source that was not good
+constexpr std::uint8_t kInvalidFormat = 3;  // malformed file, or a format replaced by a default
 constexpr std::uint8_t kCannotOpen = 4;
-constexpr std::uint8_t kUnsupported = 5;   // well-formed, but in a format that is not read here
+constexpr std::uint8_t kUnsupported = 5;  // well-formed, but in a format that is not read here
 }  // namespace SoundStatus
 
-// Abstract source. Counted by LSoundSource handles; the count is not atomic, so an object and everything it reaches
-// belong to one thread at a time.
+// Abstract source. Counted by LSoundSource handles; the count is not atomic, so an object and
+// everything it reaches belong to one thread at a time.
 class LSoundSourceBase {
 public:
-    // rate in frames a second, peakMagnitude the largest absolute sample that Read can deliver. A rate below 1 becomes
-    // 44100 and 0 channels become 1, both with status kInvalidFormat.
+    // rate in frames a second, peakMagnitude the largest absolute sample that Read can deliver. A
+    // rate below 1 becomes 44100 and 0 channels become 1, both with status kInvalidFormat.
     LSoundSourceBase(int rate, unsigned char channels, int peakMagnitude);
     virtual ~LSoundSourceBase();
     LSoundSourceBase(const LSoundSourceBase&) = delete;
     LSoundSourceBase& operator=(const LSoundSourceBase&) = delete;
 
-    // Fills buffer with the next frames * Channels() samples and advances; past the end it delivers silence.
+    // Fills buffer with the next frames * Channels() samples and advances; past the end it delivers
+    // silence.
     virtual void Read(int* buffer, int frames) = 0;
     virtual int GetPositionSample() const = 0;  // frames; negative while in a lead-in of silence
     virtual int GetEndSample() const = 0;       // frames
@@ -87,8 +89,8 @@ private:
     LSoundSourceBase* object_;
 };
 
-// A source that transforms another: rate, channels and peak come from the inner source unless the derived class
-// changes them, and everything but Read forwards.
+// A source that transforms another: rate, channels and peak come from the inner source unless the
+// derived class changes them, and everything but Read forwards.
 class LSoundProcessBase : public LSoundSourceBase {
 public:
     explicit LSoundProcessBase(const LSoundSource& inner);
@@ -96,7 +98,9 @@ public:
     int GetEndSample() const override { return inner_->GetEndSample(); }
     void Seek(int frame) override { inner_->Seek(frame); }
     bool IsStreaming() const override { return inner_->IsStreaming(); }
-    void WaitForStreamingData(int milliseconds) override { inner_->WaitForStreamingData(milliseconds); }
+    void WaitForStreamingData(int milliseconds) override {
+        inner_->WaitForStreamingData(milliseconds);
+    }
 
 protected:
     LSoundSource inner_;

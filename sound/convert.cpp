@@ -1,0 +1,42 @@
+#include "sound/convert.h"
+
+#include <algorithm>
+
+#include "sound/convert_channels.h"
+#include "sound/convert_rate.h"
+#include "sound/peak_limit.h"
+
+LSoundSource LSPConvChannels::OpenSource(const LSoundSource& source) const {
+    if (source->Status() != SoundStatus::kGood)
+        return source;
+    if (source->Channels() == 2 && channels_ == 1)
+        return LSoundSource(new LSRCConvStereoMono(source));
+    if (source->Channels() == 1 && channels_ == 2)
+        return LSoundSource(new LSRCConvMonoStereo(source));
+    return source;
+}
+
+LSoundSource LSPConvertRate::OpenSource(const LSoundSource& source) const {
+    if (source->Status() != SoundStatus::kGood || source->SampleRate() == rate_)
+        return source;
+    if (rate_ > 0 && source->SampleRate() / 4 > rate_) {
+        const LSoundSource between(new LSRCConvertRate(source, rate_ * 2, true));
+        return LSoundSource(new LSRCConvertRate(between, rate_, false));
+    }
+    return LSoundSource(new LSRCConvertRate(source, rate_, false));
+}
+
+LSoundSource LSPPeakLimit::OpenSource(const LSoundSource& source) const {
+    if (source->Status() != SoundStatus::kGood)
+        return source;
+    return LSoundSource(new LSRCPeakLimit(source, std::min(limit_, LSRCPeakLimit::kHighestLimit)));
+}
+
+void LSPConvertSourceRateChannels(int rate, unsigned char channels, LSoundSource& source) {
+    if (source->Channels() > channels)
+        source = LSPConvChannels(channels).OpenSource(source);
+    if (source->SampleRate() != rate)
+        source = LSPConvertRate(rate).OpenSource(source);
+    if (source->Channels() != channels)
+        source = LSPConvChannels(channels).OpenSource(source);
+}

@@ -1,0 +1,61 @@
+// Pumps a source into a sink, telling a progress object how far it got.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "foundation/process_result.h"
+#include "foundation/progress.h"
+#include "sound/convert.h"
+#include "sound/sound_sink.h"
+#include "sound/sound_source.h"
+
+struct LPRSourceToSink {
+    const char* title = "";  // the first label; borrowed
+    LSoundSource source;
+    LSoundSink sink;  // finishing it is the caller's business
+};
+
+// The source in the sink's rate and channels, limited to what 16 bits hold. Its channels still
+// differ from the sink's when one of them has more than two.
+LSoundSource AdaptSourceToSink(const LSoundSource& source, const LSoundSinkBase& sink);
+
+// Runs on the calling thread. Done: every frame was handed to the sink. Stopped: the progress
+// object asked for it; the sink keeps what it got. Failed: source or sink is not usable, nothing
+// was written. Errors while writing are not seen here (see LSoundSinkBase::WriteError).
+template <LProgress P>
+LProcessResult Process(P& progress, LPRSourceToSink& request) {
+    if (progress.IsShown()) {
+        progress.SetFirstLabel(request.title);
+        progress.SetSecondLabel("Please wait...");
+        progress.SetFraction(0.0);
+    }
+    LSoundSource source = request.source;
+    const LSoundSink sink = request.sink;
+    if (source->Status() != SoundStatus::kGood || (sink->Status() & 1) != 0)
+        return kProcessFailed;
+    source = AdaptSourceToSink(source, *sink);
+    if (source->Channels() != sink->Channels())
+        return kProcessFailed;
+
+    int remaining = source->GetEndSample() - source->GetPositionSample();
+    if (remaining < 1)
+        return kProcessDone;
+    const double step = static_cast<double>(kMaxBlockFrames) / remaining;
+    double fraction = 0.0;
+    std::vector<int> block(static_cast<std::size_t>(kMaxBlockFrames) * source->Channels());
+    while (true) {
+        if (progress.IsToStop())
+            return kProcessStopped;
+        const int frames = std::min(remaining, kMaxBlockFrames);
+        source->Read(block.data(), frames);
+        sink->Write(block.data(), frames);
+        if (progress.IsShown())
+            progress.SetFraction(fraction);
+        remaining -= frames;
+        if (remaining < 1)
+            return kProcessDone;
+        fraction += step;
+    }
+}

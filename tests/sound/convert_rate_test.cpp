@@ -1,0 +1,251 @@
+#include "sound/convert_rate.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "sound/convert.h"
+#include "tests/sound/sound_witness.h"
+#include "tests/support/memory_sound.h"
+
+namespace {
+
+struct RatePair {
+    int input;
+    int output;
+};
+constexpr RatePair kRates[] = {{16000, 44100}, {48000, 44100}, {44100, 22050}, {22050, 44100},
+                               {44100, 48000}, {8000, 48000},  {48000, 16000}, {11025, 8000},
+                               {48000, 12000}, {8000, 192000}, {48000, 47999}};
+constexpr LKernelChoice kKernels[] = {LKernelChoice::kPortable, LKernelChoice::kSse2,
+                                      LKernelChoice::kAvx2};
+
+class ConvertRateTest : public testing::Test {
+protected:
+    ~ConvertRateTest() override { SelectSoundKernels(LKernelChoice::kBest); }
+};
+
+// Quiet, loud, clipped and beyond full scale in turn, so that the shift changes from block to
+// block; then signals whose products add up as far as they can.
+std::vector<int> DemandingSignal(const FilterTable& table) {
+    std::vector<int> samples;
+    unsigned seed = 1;
+    for (const int peak : {20, 32767, 32768, 65535, 524272, 524287, 2097152, 1 << 28, 32767, 0}) {
+        const std::vector<int> part = RandomSamples(6000, peak, seed++);
+        samples.insert(samples.end(), part.begin(), part.end());
+        samples.insert(samples.end(), 70, peak);
+        samples.insert(samples.end(), 70, -peak);
+    }
+    for (std::size_t row = 0; row + 63 <= table.rows.size(); row += 63) {
+        for (std::size_t k = 0; k < 63; ++k)
+            samples.push_back(table.rows[row + k] >= 0 ? 524272 : -524288);
+    }
+    const std::vector<int> clipped = RandomSamples(20000, 4000000, seed);
+    for (const int sample : clipped)
+        samples.push_back(std::clamp(sample, -524288, 524272));
+    return samples;
+}
+
+TEST_F(ConvertRateTest, FilterEqualsTheScriptsTable) {
+    const std::tuple<int, int, bool> cases[] = {
+        {44100, 22050, false}, {22050, 44100, false}, {48000, 44100, false}, {48000, 16000, true},
+        {16000, 44100, false}, {192000, 22050, true}, {100, 44100, false},   {64000, 3000, false},
+        {70000, 1, true},      {8000, 48000, false}};
+    for (const auto& [input, output, wide] : cases) {
+        const FilterTable expected = FilterTableFromScript(input, output, wide);
+        struct Filter : LConvertRateBase {
+            using LConvertRateBase::LConvertRateBase;
+        } const filter(input, output, wide);
+        ASSERT_EQ(filter.Phases(), expected.phases) << input << " to " << output;
+        ASSERT_EQ(filter.Step(), expected.step) << input << " to " << output;
+        ASSERT_EQ(expected.rows.size(), static_cast<std::size_t>(expected.phases) * 63);
+        for (std::size_t i = 0; i < expected.rows.size(); ++i)
+            ASSERT_EQ(filter.Coefficient(static_cast<int>(i / 63), static_cast<int>(i % 63)),
+                      expected.rows[i])
+                << input << " to " << output << ", " << i;
+    }
+}
+
+TEST_F(ConvertRateTest, EveryKernelEqualsTheScalarReference) {
+    for (const RatePair& rates : kRates) {
+        const FilterTable table = FilterTableFromScript(rates.input, rates.output, false);
+        const std::vector<int> left = DemandingSignal(table);
+        std::vector<int> right(left.rbegin(), left.rend());
+        std::vector<int> both;
+        for (std::size_t i = 0; i < left.size(); ++i)
+            both.insert(both.end(), {left[i], right[i]});
+        const int frames = static_cast<int>(std::min<std::int64_t>(
+            std::int64_t{static_cast<int>(left.size())} * table.phases / table.step, 150000));
+
+        ReferenceResampler reference(table, left);
+        std::vector<int> expected(static_cast<std::size_t>(frames));
+        std::generate(expected.begin(), expected.end(), [&] { return reference.Next(); });
+        for (const LKernelChoice kernel : kKernels) {
+            if (!SelectSoundKernels(kernel))
+                continue;
+            LSoundSource mono(new LSRCConvertRate(LSoundSource(new MemorySource(left, rates.input)),
+                                                  rates.output, false));
+            ASSERT_EQ(ReadFrames(mono, frames), expected)
+                << SoundKernels().name << ' ' << rates.input << " to " << rates.output;
+        }
+        // Two channels share their shifts, so each is compared with itself under another kernel.
+        std::vector<std::vector<int>> stereo;
+        for (const LKernelChoice kernel : kKernels) {
+            if (!SelectSoundKernels(kernel))
+                continue;
+            LSoundSource source(new LSRCConvertRate(
+                LSoundSource(new MemorySource(both, rates.input, 2)), rates.output, false));
+            stereo.push_back(ReadFrames(source, frames / 2, 777));
+            ASSERT_EQ(stereo.back(), stereo.front()) << SoundKernels().name;
+        }
+    }
+}
+
+TEST_F(ConvertRateTest, ChannelsWithEqualSamplesEqualTheMonoStream) {
+    const std::vector<int> mono = RandomSamples(30000, 524272, 5);
+    for (const std::uint8_t channels : {std::uint8_t{2}, std::uint8_t{3}}) {
+        std::vector<int> many;
+        for (const int sample : mono)
+            many.insert(many.end(), channels, sample);
+        LSoundSource one(
+            new LSRCConvertRate(LSoundSource(new MemorySource(mono, 44100)), 32000, false));
+        LSoundSource several(new LSRCConvertRate(
+            LSoundSource(new MemorySource(many, 44100, channels)), 32000, false));
+        const std::vector<int> expected = ReadFrames(one, 20000);
+        const std::vector<int> interleaved = ReadFrames(several, 20000);
+        for (std::size_t i = 0; i < interleaved.size(); ++i)
+            ASSERT_EQ(interleaved[i], expected[i / channels]) << i;
+    }
+}
+
+TEST_F(ConvertRateTest, StreamDoesNotDependOnRequestSizes) {
+    for (const RatePair& rates : kRates) {
+        const std::vector<int> samples = RandomSamples(40000, 524272, 7);
+        std::vector<int> expected;
+        for (const int chunk : {kMaxBlockFrames, 1, 2, 3, 4001}) {
+            LSoundSource source =
+                LSPConvertRate(rates.output)
+                    .OpenSource(LSoundSource(new MemorySource(samples, rates.input)));
+            const std::vector<int> got = ReadFrames(source, 30000, chunk);
+            if (expected.empty())
+                expected = got;
+            ASSERT_EQ(got, expected) << rates.input << " to " << rates.output << ", " << chunk;
+        }
+    }
+}
+
+TEST_F(ConvertRateTest, PositionEndAndSeek) {
+    for (const RatePair& rates : kRates) {
+        const std::vector<int> samples = RandomSamples(100000, 32000, 9);
+        auto* const inner = new MemorySource(samples, rates.input);
+        auto* const converter = new LSRCConvertRate(LSoundSource(inner), rates.output, false);
+        LSoundSource source(converter);
+        const std::int64_t phases = converter->Phases();
+        const std::int64_t step = converter->Step();
+        EXPECT_EQ(source->GetPositionSample(), 0);
+        EXPECT_EQ(source->GetEndSample(), 100000 * phases / step);
+        EXPECT_EQ(source->SampleRate(), rates.output);
+        EXPECT_EQ(source->PeakMagnitude(), 2 * kMaxPcm16Peak);
+
+        const std::vector<int> whole = ReadFrames(source, 20000);
+        const auto aligned = static_cast<int>(20000 * step / phases);  // whole input frames
+        EXPECT_EQ(source->GetPositionSample(), aligned * phases / step);
+
+        for (const int frame : {7001, 12345, 0}) {
+            source->Seek(frame);
+            EXPECT_EQ(inner->seeks.back(), frame * step / phases - 31);
+            EXPECT_EQ(source->GetPositionSample(), frame * step / phases * phases / step);
+            const std::vector<int> got = ReadFrames(source, 500);
+            // One window slot holds silence after a seek: everything after it is the same stream.
+            const auto first = static_cast<std::ptrdiff_t>(phases / step) + 1;
+            EXPECT_TRUE(std::equal(got.begin() + first, got.end(), whole.begin() + frame + first))
+                << rates.input << " to " << rates.output << " at " << frame;
+        }
+    }
+}
+
+TEST_F(ConvertRateTest, BadRatesAndSources) {
+    LSoundSource source(new LSRCConvertRate(LSoundSource(new MemorySource({}, 44100)), 0, false));
+    EXPECT_EQ(source->SampleRate(), 44100);
+    EXPECT_EQ(source->Status(), SoundStatus::kInvalidFormat);
+    LSoundSource wrapped(new LSRCConvertRate(LSoundSource(), 8000, false));
+    EXPECT_EQ(wrapped->Status(), SoundStatus::kInnerNotGood);
+    EXPECT_EQ(ReadFrames(wrapped, 100), std::vector<int>(100, 0));
+    for (const RatePair& rates : {RatePair{2147483647, 8000000}, RatePair{1, 2147483647},
+                                  RatePair{8000, 2147483647}, RatePair{192000, 8000}}) {
+        auto* const inner =
+            new MemorySource(RandomSamples(50000, 2147483647, 3), rates.input, 2, 2147483647);
+        LSoundSource extreme = LSPConvertRate(rates.output).OpenSource(LSoundSource(inner));
+        EXPECT_EQ(extreme->SampleRate(), rates.output);
+        extreme->Seek(2000000000);
+        extreme->Seek(-5);
+        ReadFrames(extreme, 20);
+    }
+}
+
+// A stream is followed without touching what has not arrived, and sounds like the same data in a
+// file.
+TEST_F(ConvertRateTest, StreamingSourceIsFollowedToItsEnd) {
+    const std::vector<int> samples = RandomSamples(20000, 32000, 11);
+    auto* const inner = new MemorySource(samples, 22050);
+    inner->SetStreaming(0, 777);
+    LSoundSource source = LSPConvertRate(48000).OpenSource(LSoundSource(inner));
+    std::vector<int> got;
+    for (int turns = 0; turns < 1000; ++turns) {
+        const std::vector<int> part = ReadAll(source, 501);
+        got.insert(got.end(), part.begin(), part.end());
+        if (!source->IsStreaming())
+            break;
+        source->WaitForStreamingData(100);
+    }
+    LSoundSource file =
+        LSPConvertRate(48000).OpenSource(LSoundSource(new MemorySource(samples, 22050)));
+    EXPECT_EQ(got, ReadAll(file));
+}
+
+// Gains of tones beside those of sox, and images or aliases below what this filter promises.
+TEST_F(ConvertRateTest, SpectraMatchSox) {
+    struct Case {
+        RatePair rates;
+        std::vector<double> passed;
+        std::vector<double> stopped;
+        double tolerance;  // decibels
+    };
+    const Case cases[] = {{{16000, 44100}, {200, 1000, 3000, 6000, 6900}, {}, 0.4},
+                          {{48000, 44100}, {200, 1000, 5000, 12000, 18000}, {23500}, 0.2},
+                          {{44100, 22050}, {200, 1000, 4000, 8500}, {12500, 16000, 20000}, 0.2},
+                          {{48000, 8000}, {200, 1000, 2000, 2800}, {5500, 9000, 15000, 22000}, 0.3},
+                          {{8000, 48000}, {200, 1000, 3000}, {}, 0.4}};
+    for (const Case& test : cases) {
+        const auto measure = [&](double hertz, bool isPassed) {
+            const std::vector<int> tone =
+                Tone(hertz, test.rates.input, 4 * test.rates.input / 5, 300000);
+            auto* const inner = new MemorySource(tone, test.rates.input);
+            LSoundSource source = LSPConvertRate(test.rates.output).OpenSource(LSoundSource(inner));
+            const std::vector<int> ours = ReadAll(source);
+            // The ratio is an approximation: the tone comes out where the real one puts it.
+            const double ratio =
+                static_cast<double>(tone.size()) / static_cast<double>(ours.size());
+            double cycles = hertz / test.rates.input * ratio;
+            cycles = std::abs(cycles - std::round(cycles));
+            const double gain = 20 * std::log10(AmplitudeAt(ours, cycles) / 300000);
+            if (!isPassed) {
+                EXPECT_LT(gain, -42) << hertz << " of " << test.rates.input;
+                return;
+            }
+            const std::vector<int> theirs =
+                ResampleWithSox(tone, test.rates.input, test.rates.output);
+            ASSERT_GT(theirs.size(), tone.size() / 8);
+            const double peerGain =
+                20 * std::log10(AmplitudeAt(theirs, hertz / test.rates.output) / 300000);
+            EXPECT_NEAR(gain, peerGain, test.tolerance) << hertz << " of " << test.rates.input;
+            EXPECT_NEAR(ratio * test.rates.output / test.rates.input, 1.0, 0.003);
+        };
+        for (const double hertz : test.passed)
+            measure(hertz, true);
+        for (const double hertz : test.stopped)
+            measure(hertz, false);
+    }
+}
+
+}  // namespace

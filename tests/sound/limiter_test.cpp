@@ -1,0 +1,179 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "sound/convert.h"
+#include "sound/convert_channels.h"
+#include "sound/kernels.h"
+#include "sound/peak_limit.h"
+#include "tests/sound/sound_witness.h"
+#include "tests/support/memory_sound.h"
+
+namespace {
+
+constexpr int kRate = 8000;
+constexpr int kBlock = kRate / 35;
+
+std::vector<int> Limited(const std::vector<int>& samples, int limit, unsigned char channels = 1,
+                         int chunk = kMaxBlockFrames) {
+    LSoundSource source =
+        LSPPeakLimit(limit).OpenSource(LSoundSource(new MemorySource(samples, kRate, channels)));
+    return ReadAll(source, chunk);
+}
+
+TEST(PeakLimitTest, StaysWithinTheLimitWhateverComes) {
+    std::vector<std::vector<int>> signals;
+    for (const int peak : {524273, 600000, 2097152, 2147483647})
+        signals.push_back(RandomSamples(40 * kBlock, peak, 3));
+    // Blocks whose peaks jump, each peak at the first, the last or any frame.
+    std::mt19937 engine(17);
+    for (int round = 0; round < 60; ++round) {
+        std::vector<int> samples(static_cast<std::size_t>(30 * kBlock));
+        for (std::size_t block = 0; block < 30; ++block) {
+            const std::size_t places[] = {0, kBlock - 1, engine() % kBlock};
+            const int peak = static_cast<int>(engine() >> (1 + engine() % 15));
+            samples[block * kBlock + places[engine() % 3]] = engine() % 2 != 0 ? peak : -peak;
+        }
+        signals.push_back(samples);
+    }
+    std::vector<int> square(30 * kBlock, 20000);
+    std::fill(square.begin() + 10 * kBlock, square.begin() + 11 * kBlock, 4 * kMaxPcm16Peak);
+    signals.push_back(square);
+    for (const std::vector<int>& signal : signals) {
+        for (const int limit : {kMaxPcm16Peak, 1000, 4194303}) {
+            const std::vector<int> out = Limited(signal, limit);
+            ASSERT_EQ(out.size(), signal.size());
+            const auto [low, high] = std::minmax_element(out.begin(), out.end());
+            EXPECT_LE(*high, limit);
+            EXPECT_GE(*low, -limit - 2);
+        }
+    }
+}
+
+TEST(PeakLimitTest, WhatStaysWithinTheLimitPassesUnchanged) {
+    for (const unsigned char channels : {std::uint8_t{1}, std::uint8_t{2}, std::uint8_t{3}}) {
+        const std::vector<int> samples = RandomSamples(12000, kMaxPcm16Peak, 5);
+        for (const int chunk : {1, 3, 229, 8192})
+            EXPECT_EQ(Limited(samples, kMaxPcm16Peak, channels, chunk), samples);
+    }
+}
+
+// The gain's course over one loud block among quiet ones, and the arithmetic of each sample, for
+// every channel count and kernel.
+TEST(PeakLimitTest, GainFallsBeforeAndRecoversAfterALoudBlock) {
+    constexpr int kQuiet = 262144;
+    constexpr int kLoudBlock = 10;
+    const int unity = LSRCPeakLimit::kUnityGain;
+    const int half = kMaxPcm16Peak * 512 / ((2 * kMaxPcm16Peak + 64) / 64) * 512;
+    const auto target = [&](int block) {  // gain at the end of a block
+        std::vector<int> gains;
+        for (int i = block - 1; i <= block + 2; ++i)
+            gains.push_back(i == kLoudBlock ? half : unity);
+        const int mean = (gains[0] + gains[1] + gains[2] + gains[3]) / 4;
+        return std::min({gains[1], gains[2], gains[3], mean});
+    };
+    std::vector<int> mono(30 * kBlock, kQuiet);
+    mono[kLoudBlock * kBlock + 5] = 2 * kMaxPcm16Peak;
+    std::vector<int> expected;
+    int gain = unity;
+    for (int block = 0; block < 30; ++block) {
+        const int difference = target(block) - gain;
+        gain += difference % kBlock;
+        for (int i = 0; i < kBlock; ++i, gain += difference / kBlock) {
+            const int s = mono[static_cast<std::size_t>(block * kBlock + i)];
+            expected.push_back((s >> 12) * (gain >> 12) + ((gain >> 12) * (s & 4095) >> 12) +
+                               ((s >> 12) * (gain & 4095) >> 12));
+        }
+    }
+    EXPECT_LT(expected[(kLoudBlock - 1) * kBlock], kQuiet * 6 / 10);
+    EXPECT_EQ(expected.back(), kQuiet);
+    for (const auto kernel : {LKernelChoice::kPortable, LKernelChoice::kBest}) {
+        SelectSoundKernels(kernel);
+        for (const unsigned char channels : {std::uint8_t{1}, std::uint8_t{2}, std::uint8_t{5}}) {
+            std::vector<int> many;
+            for (const int sample : mono)
+                many.insert(many.end(), channels, sample);
+            const std::vector<int> out = Limited(many, kMaxPcm16Peak, channels, 1001);
+            for (std::size_t i = 0; i < out.size(); ++i)
+                ASSERT_EQ(out[i], expected[i / channels]) << i << " of " << int{channels};
+        }
+    }
+}
+
+TEST(PeakLimitTest, BlocksPositionsAndStreaming) {
+    const std::pair<int, int> blocks[] = {{44100, 1260}, {100, 16}, {2000000, 8192}};
+    for (const auto& [rate, frames] : blocks) {
+        LSRCPeakLimit limiter(LSoundSource(new MemorySource({}, rate)), 1);
+        EXPECT_EQ(limiter.BlockFrames(), frames);
+    }
+    LSoundSource source(new LSRCPeakLimit(
+        LSoundSource(new MemorySource(RandomSamples(5000, 1000, 1), kRate, 1, 2000000)), 5000));
+    EXPECT_EQ(source->PeakMagnitude(), 5000);
+    for (int position = 0; position < 1000; position += 77) {
+        EXPECT_EQ(source->GetPositionSample(), position);
+        ReadFrames(source, 77);
+    }
+    source->Seek(4000);
+    EXPECT_EQ(source->GetPositionSample(), 4000);
+    EXPECT_EQ(ReadFrames(source, 1), std::vector<int>(1, RandomSamples(5000, 1000, 1)[4000]));
+
+    const std::vector<int> samples = RandomSamples(5000, 1000, 2);
+    auto* const stream = new MemorySource(samples, kRate);
+    stream->SetStreaming(0, 321);
+    LSoundSource limited = LSPPeakLimit(2000).OpenSource(LSoundSource(stream));
+    std::vector<int> got;
+    for (int turns = 0; turns < 100; ++turns) {
+        const std::vector<int> part = ReadAll(limited, 100);
+        got.insert(got.end(), part.begin(), part.end());
+        if (!limited->IsStreaming())
+            break;
+        limited->WaitForStreamingData(1);
+    }
+    EXPECT_EQ(got, samples);
+}
+
+TEST(ConvertFactoriesTest, ChannelsAndChoices) {
+    for (const auto kernel : {LKernelChoice::kPortable, LKernelChoice::kBest}) {
+        SelectSoundKernels(kernel);
+        const std::vector<int> samples = RandomSamples(2 * 9001, 1 << 30, 8);
+        LSoundSource left =
+            LSPConvChannels(1).OpenSource(LSoundSource(new MemorySource(samples, kRate, 2)));
+        const std::vector<int> kept = ReadFrames(left, 9001, 9001);
+        LSoundSource doubled =
+            LSPConvChannels(2).OpenSource(LSoundSource(new MemorySource(kept, kRate)));
+        const std::vector<int> both = ReadFrames(doubled, 9001, 3000);
+        for (std::size_t i = 0; i < kept.size(); ++i) {
+            ASSERT_EQ(kept[i], samples[2 * i]);
+            ASSERT_EQ(both[2 * i], kept[i]);
+            ASSERT_EQ(both[2 * i + 1], kept[i]);
+        }
+    }
+    const LSoundSource good(new MemorySource({}, kRate, 2));
+    const LSoundSource surround(new MemorySource({}, kRate, 6));
+    const LSoundSource bad;
+    EXPECT_EQ(LSPConvChannels(2).OpenSource(good).Get(), good.Get());
+    EXPECT_EQ(LSPConvChannels(2).OpenSource(surround).Get(), surround.Get());
+    EXPECT_EQ(LSPConvertRate(kRate).OpenSource(good).Get(), good.Get());
+    EXPECT_NE(LSPPeakLimit(1 << 30).OpenSource(good).Get(), good.Get());
+    for (const LSoundSource& same :
+         {LSPConvChannels(2).OpenSource(bad), LSPConvertRate(8000).OpenSource(bad),
+          LSPPeakLimit(100).OpenSource(bad)})
+        EXPECT_EQ(same.Get(), bad.Get());
+
+    // Channels are reduced before the rate is converted and added after it.
+    struct Case {
+        std::uint8_t from;
+        std::uint8_t to;
+    };
+    for (const Case& test : {Case{2, 1}, Case{1, 2}}) {
+        auto* const inner = new MemorySource({}, 22050, test.from);
+        LSoundSource source(inner);
+        LSPConvertSourceRateChannels(44100, test.to, source);
+        EXPECT_EQ(source->Channels(), test.to);
+        EXPECT_EQ(source->SampleRate(), 44100);
+        EXPECT_EQ(dynamic_cast<LSRCConvMonoStereo*>(source.Get()) != nullptr, test.to == 2);
+    }
+}
+
+}  // namespace

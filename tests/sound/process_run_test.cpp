@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include "sound/source_to_sink.h"
+#include "tests/sound/sound_witness.h"
+#include "tests/support/memory_sound.h"
+
+namespace {
+
+struct TestRun {
+    LPRSourceToSink request;
+    RecordingSink* sink;
+    RecordingProgress progress;
+
+    TestRun(MemorySource* source, int rate, unsigned char channels)
+        : sink(new RecordingSink(rate, channels)) {
+        request = {"Save", LSoundSource(source), LSoundSink(sink)};
+    }
+};
+
+TEST(SourceToSinkTest, BlocksFractionsAndLabels) {
+    const std::vector<int> samples = RandomSamples(20000, kMaxPcm16Peak, 1);
+    TestRun run(new MemorySource(samples, 8000), 8000, 1);
+    EXPECT_EQ(Process(run.progress, run.request), kProcessDone);
+    EXPECT_EQ(run.sink->samples, samples);
+    EXPECT_EQ(run.sink->blockFrames, (std::vector<int>{8192, 8192, 3616}));
+    const double expected[] = {0, 0, 0.4096, 0.8192};  // the first before the run begins
+    ASSERT_EQ(run.progress.fractions.size(), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i)
+        EXPECT_NEAR(run.progress.fractions[i], expected[i], 1e-9);
+    EXPECT_EQ(run.progress.firstLabels, std::vector<std::string>{"Save"});
+    EXPECT_EQ(run.progress.secondLabels, std::vector<std::string>{"Please wait..."});
+}
+
+TEST(SourceToSinkTest, StartsAtThePositionAndStaysSilentWhenHidden) {
+    const std::vector<int> samples = RandomSamples(9000, 1000, 2);
+    TestRun run(new MemorySource(samples, 8000), 8000, 1);
+    run.progress.isShown = false;
+    run.request.source->Seek(500);
+    EXPECT_EQ(Process(run.progress, run.request), kProcessDone);
+    EXPECT_EQ(run.sink->samples, std::vector<int>(samples.begin() + 500, samples.end()));
+    EXPECT_TRUE(run.progress.fractions.empty());
+    EXPECT_TRUE(run.progress.firstLabels.empty());
+}
+
+TEST(SourceToSinkTest, AdaptsRateChannelsAndPeak) {
+    const std::vector<int> loud = Tone(400, 22050, 22050, 4.0 * kMaxPcm16Peak);
+    TestRun run(new MemorySource(loud, 22050, 1, 4 * kMaxPcm16Peak), 44100, 2);
+    EXPECT_EQ(Process(run.progress, run.request), kProcessDone);
+    EXPECT_EQ(run.sink->FramesWritten(), 44100);
+    std::vector<int> left;
+    for (std::size_t i = 0; i < run.sink->samples.size(); i += 2) {
+        ASSERT_EQ(run.sink->samples[i], run.sink->samples[i + 1]);
+        ASSERT_LE(std::abs(run.sink->samples[i]), kMaxPcm16Peak + 2);
+        left.push_back(run.sink->samples[i]);
+    }
+    EXPECT_GT(AmplitudeAt(left, 400.0 / 44100), 0.97 * kMaxPcm16Peak);
+}
+
+TEST(SourceToSinkTest, CancelKeepsWhatWasWritten) {
+    for (const int blocks : {0, 1, 2}) {
+        TestRun run(new MemorySource(std::vector<int>(20000), 8000), 8000, 1);
+        run.progress.stopAfter = blocks;
+        EXPECT_EQ(Process(run.progress, run.request), kProcessStopped);
+        EXPECT_EQ(run.sink->FramesWritten(), blocks * 8192);
+    }
+}
+
+TEST(SourceToSinkTest, UnusableEndsFailAndEmptySourcesAreDone) {
+    struct Case {
+        std::uint8_t sourceStatus;
+        std::uint8_t sinkStatus;
+        std::uint8_t sourceChannels;
+        LProcessResult result;
+    };
+    const Case cases[] = {{SoundStatus::kInnerNotGood, 0, 1, kProcessFailed},
+                          {SoundStatus::kGood, 1, 1, kProcessFailed},
+                          {SoundStatus::kGood, 3, 1, kProcessFailed},
+                          {SoundStatus::kGood, 2, 1, kProcessDone},  // only bit 0 refuses
+                          {SoundStatus::kGood, 0, 6, kProcessFailed}};
+    for (const Case& test : cases) {
+        TestRun run(new MemorySource(std::vector<int>(600), 8000, test.sourceChannels), 8000, 1);
+        static_cast<MemorySource*>(run.request.source.Get())->SetStatus(test.sourceStatus);
+        run.sink->SetStatus(test.sinkStatus);
+        EXPECT_EQ(Process(run.progress, run.request), test.result);
+        EXPECT_EQ(run.sink->samples.empty(), test.result == kProcessFailed);
+    }
+    TestRun empty(new MemorySource({}, 8000), 44100, 2);
+    EXPECT_EQ(Process(empty.progress, empty.request), kProcessDone);
+    EXPECT_EQ(empty.sink->FramesWritten(), 0);
+}
+
+}  // namespace

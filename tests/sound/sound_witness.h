@@ -1,0 +1,168 @@
+// Independent witnesses for the converters: a plain rendering of the arithmetic, and other
+// programs' output.
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <numbers>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+// What a command prints.
+inline std::string RunCommand(const std::string& command) {
+    std::string output;
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::array<char, 65536> part;
+    while (pipe != nullptr) {
+        const std::size_t size = fread(part.data(), 1, part.size(), pipe.get());
+        if (size == 0)
+            break;
+        output.append(part.data(), size);
+    }
+    return output;
+}
+
+struct FilterTable {
+    int phases = 0;
+    int step = 0;
+    std::vector<int> rows;
+};
+
+inline FilterTable FilterTableFromScript(int inputRate, int outputRate, bool wideBand) {
+    const auto script = std::filesystem::path(__FILE__).parent_path() / "filter_table.py";
+    std::ostringstream command;
+    command << "python3 '" << script.string() << "' " << inputRate << ' ' << outputRate << ' '
+            << (wideBand ? 1 : 0);
+    std::istringstream output(RunCommand(command.str()));
+    FilterTable table;
+    output >> table.phases >> table.step;
+    for (int value = 0; output >> value;)
+        table.rows.push_back(value);
+    return table;
+}
+
+// One channel through the filter, frame by frame, on a history of the full size.
+class ReferenceResampler {
+public:
+    ReferenceResampler(FilterTable table, std::vector<int> input)
+        : table_(std::move(table)), input_(std::move(input)), history_(32768 + 63) {}
+
+    int Next() {
+        while (read_ + 63 > write_)
+            Refill();
+        std::array<std::uint32_t, 2> sums{};
+        for (std::size_t k = 0; k < 63; ++k) {
+            const int coefficient = table_.rows[static_cast<std::size_t>(phase_) * 63 + k];
+            const int sample = history_[static_cast<std::size_t>(read_) + k];
+            sums[k / 32] += static_cast<std::uint32_t>(coefficient * std::int64_t{sample});
+        }
+        const std::uint32_t both = Half(sums[0]) + Half(sums[1]) + (1u << (15 - shift_)) / 2;
+        phase_ += table_.step;
+        read_ += phase_ / table_.phases;
+        phase_ %= table_.phases;
+        return static_cast<int>(both) >> (15 - shift_);
+    }
+
+private:
+    static std::uint32_t Half(std::uint32_t sum) {
+        return static_cast<std::uint32_t>(static_cast<int>(sum) >> 1);
+    }
+    void Refill() {
+        if (write_ > 32511) {
+            std::copy(history_.begin() + write_ - 63, history_.begin() + write_, history_.begin());
+            read_ -= write_ - 63;
+            write_ = 63;
+        }
+        const int frames = std::min(8192, 32768 - write_);
+        const int first = std::max(write_ - 63, 0);
+        for (int i = first; i < write_; ++i)
+            At(i) <<= shift_;
+        for (int i = 0; i < frames; ++i, ++next_)
+            At(write_ + i) = next_ < input_.size() ? input_[next_] : 0;
+        write_ += frames;
+        int peak = 0;
+        for (int i = first; i < write_; ++i)
+            peak = std::max(peak, std::abs(At(i)));
+        for (shift_ = 0; (peak >> shift_) > 32767;)
+            ++shift_;
+        for (int i = first; i < write_ && shift_ > 0; ++i)
+            At(i) = (At(i) + (1 << (shift_ - 1))) >> shift_;
+    }
+    int& At(int index) { return history_[static_cast<std::size_t>(index)]; }
+
+    FilterTable table_;
+    std::vector<int> input_;
+    std::vector<int> history_;
+    std::size_t next_ = 0;
+    int write_ = 32;
+    int read_ = 0;
+    int phase_ = 0;
+    int shift_ = 0;
+};
+
+inline std::vector<int> RandomSamples(std::size_t count, int peak, unsigned seed) {
+    std::mt19937 engine(seed);
+    std::uniform_int_distribution<int> distribution(-peak, peak);
+    std::vector<int> samples(count);
+    for (int& sample : samples)
+        sample = distribution(engine);
+    return samples;
+}
+
+inline std::vector<int> Tone(double hertz, int rate, int frames, double amplitude) {
+    std::vector<int> samples(static_cast<std::size_t>(frames));
+    for (int i = 0; i < frames; ++i)
+        samples[static_cast<std::size_t>(i)] = static_cast<int>(
+            std::lround(amplitude * std::sin(2 * std::numbers::pi * hertz * i / rate)));
+    return samples;
+}
+
+// Amplitude of one frequency, in cycles per sample, under a Hann window; the ends are left out.
+inline double AmplitudeAt(const std::vector<int>& samples, double cyclesPerSample) {
+    const std::size_t skip = samples.size() / 8;
+    const std::size_t count = samples.size() - 2 * skip;
+    double real = 0;
+    double imaginary = 0;
+    double weights = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double place = static_cast<double>(i) / static_cast<double>(count);
+        const double weight = 1 - std::cos(2 * std::numbers::pi * place);
+        const double angle = 2 * std::numbers::pi * cyclesPerSample * static_cast<double>(i);
+        real += weight * samples[skip + i] * std::cos(angle);
+        imaginary += weight * samples[skip + i] * std::sin(angle);
+        weights += weight;
+    }
+    return 2 * std::hypot(real, imaginary) / weights;
+}
+
+// The mono samples (values times 16) as sox makes them at another rate.
+inline std::vector<int> ResampleWithSox(const std::vector<int>& samples, int inputRate,
+                                        int outputRate) {
+    const auto path = std::filesystem::temp_directory_path() /
+                      ("resample-" + std::to_string(std::random_device{}()) + ".raw");
+    {
+        std::ofstream file(path, std::ios::binary);
+        for (const int sample : samples) {
+            const int value = (sample + 8) >> 4;
+            file.put(static_cast<char>(value & 255)).put(static_cast<char>(value >> 8));
+        }
+    }
+    const std::string format = " -t raw -e signed -b 16 -L -c 1 -r ";
+    const std::string output =
+        RunCommand("sox -D" + format + std::to_string(inputRate) + " '" + path.string() + "'" +
+                   format + std::to_string(outputRate) + " - rate -h");
+    std::filesystem::remove(path);
+    std::vector<int> result;
+    for (std::size_t i = 0; i + 1 < output.size(); i += 2)
+        result.push_back(static_cast<std::int16_t>(static_cast<unsigned char>(output[i]) |
+                                                   static_cast<unsigned char>(output[i + 1]) << 8) *
+                         16);
+    return result;
+}

@@ -1,0 +1,202 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "sound/level.h"
+#include "sound/sound_time.h"
+#include "tests/sound/sound_witness.h"
+#include "tests/support/memory_sound.h"
+
+namespace {
+
+TEST(StreamModelTest, InvalidFormatsAreReplacedAndFlagged) {
+    struct Case {
+        int rate;
+        std::uint8_t channels;
+        int sourceRate;
+        std::uint8_t sourceStatus;
+        std::uint8_t sinkStatus;
+    };
+    const Case cases[] = {{44100, 2, 44100, 0, 0}, {0, 1, 44100, 3, 0}, {-5, 2, 44100, 3, 0},
+                          {8000, 0, 8000, 3, 1},   {0, 0, 44100, 3, 1}, {1, 255, 1, 0, 0}};
+    for (const Case& test : cases) {
+        const MemorySource source({}, test.rate, test.channels);
+        EXPECT_EQ(source.SampleRate(), test.sourceRate);
+        EXPECT_EQ(source.Channels(), test.channels == 0 ? 1 : test.channels);
+        EXPECT_EQ(source.Status(), test.sourceStatus);
+        const RecordingSink sink(test.rate, test.channels);
+        EXPECT_EQ(sink.SampleRate(), test.rate);
+        EXPECT_EQ(sink.Channels(), test.channels == 0 ? 1 : test.channels);
+        EXPECT_EQ(sink.Status(), test.sinkStatus);
+    }
+}
+
+class CountedSource : public MemorySource {
+public:
+    explicit CountedSource(int& alive) : MemorySource({1, 2, 3}, 8000), alive_(alive) { ++alive_; }
+    ~CountedSource() override { --alive_; }
+
+private:
+    int& alive_;
+};
+
+class PassThrough : public LSoundProcessBase {
+public:
+    using LSoundProcessBase::LSoundProcessBase;
+    void Read(int* buffer, int frames) override { inner_->Read(buffer, frames); }
+};
+
+TEST(StreamModelTest, HandlesShareAndNeverPointAtNothing) {
+    int alive = 0;
+    {
+        LSoundSource first(new CountedSource(alive));
+        LSoundSource second = first;
+        const LSoundSource& self = first;
+        first = self;
+        first.Close();
+        EXPECT_EQ(alive, 1);
+        EXPECT_EQ(first->SampleRate(), 11025);
+        EXPECT_EQ(first->Channels(), 1);
+        EXPECT_EQ(first->PeakMagnitude(), 2097152);
+        EXPECT_EQ(first->Status(), SoundStatus::kPlaceholder);
+        EXPECT_EQ(first->GetEndSample(), 0);
+        EXPECT_EQ(ReadFrames(first, 5), std::vector<int>(5, 0));
+        // A wrapper keeps its inner source, and replacing a handle by what it wraps is safe.
+        second = LSoundSource(new PassThrough(second));
+        EXPECT_EQ(alive, 1);
+        EXPECT_EQ(ReadFrames(second, 4), (std::vector<int>{1, 2, 3, 0}));
+        EXPECT_EQ(second->GetPositionSample(), 4);
+        EXPECT_EQ(second->Status(), SoundStatus::kGood);
+        EXPECT_EQ(PassThrough(first).Status(), SoundStatus::kInnerNotGood);
+        second = first;
+        EXPECT_EQ(alive, 0);
+    }
+    LSoundSink sink(new RecordingSink(8000, 2));
+    sink = LSoundSink(sink);
+    EXPECT_EQ(sink->Status(), 0);
+    sink.Close();
+    const int frame[] = {1, 2};
+    sink->Write(frame, 1);
+    EXPECT_EQ(sink->SampleRate(), 44100);
+    EXPECT_EQ(sink->Status(), 1);
+}
+
+TEST(SoundTimeTest, ReadsClockTexts) {
+    const std::pair<const char*, int> cases[] = {{"1:02:03.5", 3723500},
+                                                 {"90", 90000},
+                                                 {"1:30", 90000},
+                                                 {"-0:01.25", -1250},
+                                                 {"1.2345", 1234},
+                                                 {"abc", 0},
+                                                 {"", 0},
+                                                 {"1.2.3", 1230},
+                                                 {"5-", -5000},
+                                                 {"12:34:56", 45296000},
+                                                 {" 7 s", 7000},
+                                                 {"0.05", 50},
+                                                 {nullptr, 0}};
+    for (const auto& [text, milliseconds] : cases) {
+        LSoundTime time(99);
+        time.SetText(text);
+        EXPECT_EQ(time.Milliseconds(), milliseconds) << (text != nullptr ? text : "null");
+    }
+    LSoundTime endless;
+    endless.SetText("99999999999999999999:99:99999999999999");
+}
+
+TEST(SoundTimeTest, WritesEveryForm) {
+    using Writer = void (LSoundTime::*)(char*) const;
+    struct Case {
+        Writer writer;
+        int milliseconds;
+        const char* text;
+    };
+    const Case cases[] = {{&LSoundTime::_GetText0, 3723456, "1:02:03"},
+                          {&LSoundTime::_GetText1, 3723456, "1:02:03.5"},
+                          {&LSoundTime::_GetText2, 3723456, "1:02:03.46"},
+                          {&LSoundTime::_GetText, 3723456, "1:02:03.456"},
+                          {&LSoundTime::_GetTextHMMSSFFF, 3723456, "1:02:03.456"},
+                          {&LSoundTime::_GetTextHMMSSFF, 3723456, "1:02:03.45"},
+                          {&LSoundTime::_GetTextHMMSSF, 3723456, "1:02:03.4"},
+                          {&LSoundTime::_GetTextMMSSF, 3723456, "02:03.4"},
+                          {&LSoundTime::_GetTextMMSS, 3723456, "02:03"},
+                          {&LSoundTime::_GetText0, 1499, "0:00:01"},
+                          {&LSoundTime::_GetText0, 1500, "0:00:02"},
+                          {&LSoundTime::_GetText0, -61000, "-0:01:01"},
+                          {&LSoundTime::_GetText0, 59 * 60000 + 59500, "1:00:00"},
+                          {&LSoundTime::_GetText2, -5, "-0:00:00.01"},
+                          {&LSoundTime::_GetTextMMSS, -1, "-00:00"},
+                          {&LSoundTime::_GetText, 0, "0:00:00.000"},
+                          {&LSoundTime::_GetText0, 2147483647, "596:31:24"},
+                          {&LSoundTime::_GetText, -2147483647 - 1, "-596:31:23.648"}};
+    for (const Case& test : cases) {
+        char text[kSoundTimeTextSize];
+        (LSoundTime(test.milliseconds).*test.writer)(text);
+        EXPECT_STREQ(text, test.text);
+    }
+    EXPECT_EQ(LSoundTime::FromFrames(2147483647, 44100).Milliseconds(), 48695774);
+    EXPECT_EQ(LSoundTime(48695774).ToFrames(44100), 2147483633);
+    EXPECT_EQ(LSoundTime::FromFrames(5, 0).Milliseconds(), 0);
+}
+
+TEST(LevelTest, DecibelsTextsAndTables) {
+    const std::pair<const char*, int> cases[] = {
+        {"-6", -6}, {"300", 127}, {"-300", -127},       {"--", -127},  {"+12 dB", 12}, {"", 0},
+        {"abc", 0}, {"7-", -7},   {"99999999999", 127}, {"--5", -127}, {nullptr, 0}};
+    for (const auto& [text, value] : cases) {
+        LDB level(5);
+        level.SetText(text);
+        EXPECT_EQ(level.Value(), value) << (text != nullptr ? text : "null");
+    }
+    EXPECT_EQ(LDB::tab.Amplitude(LDB(0)), 16777216);
+    EXPECT_EQ(LDB::tab.Power(LDB(0)), 16777216);
+    EXPECT_EQ(LDB::tab.Amplitude(LDB(-127)), 0);
+    EXPECT_EQ(LDB::tab.Power(LDB(-127)), 0);
+    EXPECT_EQ(LDB::tab.Amplitude(LDB(20)), 167772160);
+    EXPECT_EQ(LDB::tab.Power(LDB(-20)), 167772);
+    EXPECT_EQ(LDB::tab.Amplitude(LDB(-6)), 8408526);
+    EXPECT_EQ(LDB::tab.Amplitude(LDB(127)), 2147483647);
+    EXPECT_EQ(LDB::tab.Power(LDB(22)), 2147483647);
+
+    LDBMC levels(2, LDB(-3));
+    levels[1] = LDB(-9);
+    LDBMC copy;
+    copy = levels;
+    EXPECT_EQ(copy.Channels(), 2);
+    EXPECT_EQ(copy[0].Value(), -3);
+    EXPECT_EQ(copy[1].Value(), -9);
+}
+
+TEST(LevelTest, BufferRoutines) {
+    const int samples[] = {5, -9, 7, 3200, -2147483647 - 1};
+    EXPECT_EQ(GetBufferPeak(samples, 3, 1), 9);
+    EXPECT_EQ(GetBufferPeak(samples, 0, 1), 0);
+    EXPECT_EQ(GetBufferPeak(samples, -1, 1), 0);
+    EXPECT_EQ(GetBufferPeak(samples, 5, 1), 2147483647);
+    EXPECT_EQ(GetBufferPeakChan(0, samples, 2, 2), 7);
+    EXPECT_EQ(GetBufferPeakChan(1, samples, 1, 2), 9);
+    EXPECT_EQ(GetBufferMeanSquare(samples + 3, 1, 1), 8192);  // 10000 without the dropped bits
+    EXPECT_EQ(GetBufferMeanSquare(samples, 0, 1), 0);
+    const int stereo[] = {3200, 524272, -3200, -524272, 0, 0};
+    EXPECT_EQ(GetBufferMeanSquareChan(0, stereo, 3, 2), 2 * 8192 / 3);
+    EXPECT_EQ(GetBufferMeanSquareChan(0, stereo, 6, 1), GetBufferMeanSquare(stereo, 6, 1));
+    EXPECT_EQ(GetBufferLevels(stereo, 2, 2)[1].Value(), 15);
+
+    const std::pair<int, int> meters[] = {{0, -127},        {8388626, 0},  {1, -69},
+                                          {268419072, 15},  {838863, -10}, {7475000, -1},
+                                          {2147483647, 24}, {7480000, 0}};
+    for (const auto& [meanSquare, level] : meters)
+        EXPECT_EQ(GetMeterLevel(meanSquare).Value(), level) << meanSquare;
+
+    int clipped[] = {524273, 524272, -524289, -524288, 1 << 30};
+    LSoundPeakLimit(clipped, 5);
+    EXPECT_EQ(std::vector<int>(clipped, clipped + 5),
+              (std::vector<int>{524272, 524272, -524288, -524288, 524272}));
+    int gained[] = {1000, -1000, 1 << 30, 77};
+    GainAudioBufferQuick(1024, gained, 3);
+    EXPECT_EQ(std::vector<int>(gained, gained + 4), (std::vector<int>{2000, -2000, 0, 77}));
+    GainAudioBufferQuickChan(1, 256, gained, 2, 2);
+    EXPECT_EQ(std::vector<int>(gained, gained + 4), (std::vector<int>{2000, -1000, 0, 38}));
+}
+
+}  // namespace
