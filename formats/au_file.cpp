@@ -1,0 +1,105 @@
+#include "formats/au_file.h"
+
+#include <cstring>
+
+#include "formats/file_io.h"
+
+namespace {
+
+constexpr std::size_t kHeaderBytes = 24;
+constexpr std::uint32_t kMuLaw = 1;
+constexpr std::uint32_t kLinear8 = 2;
+constexpr std::uint32_t kLinear16 = 3;
+constexpr std::uint32_t kALaw = 27;
+
+LSoundSource Failed(std::uint8_t status) {
+    return LSoundSource(new LSoundSourceError(status));
+}
+
+template <typename Stored>
+LSoundSource SourceOf(HeaderReader& file, std::uint32_t rate, std::uint32_t channels,
+                      std::uint32_t dataBytes) {
+    return LSoundSource(new LRawFileDataSoundSource<Stored>(
+        file.Finish(), static_cast<int>(rate), static_cast<unsigned char>(channels), dataBytes));
+}
+
+template <typename Stored>
+LSoundSink SinkOf(const char* path, int rate, unsigned char channels, LHeaderWriter writeHeader) {
+    return LSoundSink(new LRawFileDataSoundSink<Stored>(path, rate, channels, 0, writeHeader));
+}
+
+}  // namespace
+
+LSoundSource LAuFile::OpenSource(const char* path) {
+    HeaderReader file(OpenFileForReading(path));
+    if (!file.IsOpen())
+        return Failed(SoundStatus::kCannotOpen);
+    // The header-size field is not looked at: samples are taken from offset 24 on, so that an
+    // annotation is heard, and the lengths and positions shown for such files depend on it.
+    std::uint8_t header[kHeaderBytes];
+    if (!file.Read(header, sizeof(header)) || std::memcmp(header, ".snd", 4) != 0)
+        return Failed(SoundStatus::kInvalidFormat);
+    const std::uint32_t dataBytes = LoadBE32(header + 8);
+    const std::uint32_t encoding = LoadBE32(header + 12);
+    const std::uint32_t rate = LoadBE32(header + 16);
+    const std::uint32_t channels = LoadBE32(header + 20);
+    if (rate < 1 || rate > INT32_MAX || channels < 1 || channels > 255)
+        return Failed(SoundStatus::kInvalidFormat);
+    switch (encoding) {
+        case kMuLaw:
+            return SourceOf<LSFULAW>(file, rate, channels, dataBytes);
+        case kLinear8:
+            return SourceOf<LSFS8>(file, rate, channels, dataBytes);
+        case kLinear16:
+            return SourceOf<LSFBE16>(file, rate, channels, dataBytes);
+        case kALaw:
+            return SourceOf<LSFALAW>(file, rate, channels, dataBytes);
+        default:
+            return Failed(SoundStatus::kUnsupported);
+    }
+}
+
+LSoundSink OpenAuSink(const char* path, LAuSettings& settings) {
+    const int rate = settings.sampleRate;
+    const unsigned char channels = settings.channels;
+    switch (settings.codec) {
+        case kAuPcm16:
+            return SinkOf<LSFBE16>(path, rate, channels, WriteHeaderAU_16PCM);
+        case kAuPcm8:
+            return SinkOf<LSFS8>(path, rate, channels, WriteHeaderAU_8PCM);
+        case kAuALaw:
+            return SinkOf<LSFALAW>(path, rate, channels, WriteHeaderAU_ALAW);
+        case kAuMuLaw:
+            return SinkOf<LSFULAW>(path, rate, channels, WriteHeaderAU_ULAW);
+        default:
+            return SinkOf<LSFBE16>(path, 44100, 2, WriteHeaderAU_16PCM);
+    }
+}
+
+int WriteHeaderAU(LRawFileDataSoundSinkBase& sink, bool final, std::uint32_t encoding) {
+    std::uint8_t header[kHeaderBytes];
+    std::memcpy(header, ".snd", 4);
+    StoreBE32(header + 4, kHeaderBytes);
+    StoreBE32(header + 8, final ? sink.DataBytes(0) : kUnknownBytes);
+    StoreBE32(header + 12, encoding);
+    StoreBE32(header + 16, static_cast<std::uint32_t>(sink.SampleRate()));
+    StoreBE32(header + 20, sink.Channels());
+    sink.WriteHeaderBytes(header, sizeof(header));
+    return static_cast<int>(sizeof(header));
+}
+
+int WriteHeaderAU_16PCM(LRawFileDataSoundSinkBase& sink, bool final) {
+    return WriteHeaderAU(sink, final, kLinear16);
+}
+
+int WriteHeaderAU_8PCM(LRawFileDataSoundSinkBase& sink, bool final) {
+    return WriteHeaderAU(sink, final, kLinear8);
+}
+
+int WriteHeaderAU_ALAW(LRawFileDataSoundSinkBase& sink, bool final) {
+    return WriteHeaderAU(sink, final, kALaw);
+}
+
+int WriteHeaderAU_ULAW(LRawFileDataSoundSinkBase& sink, bool final) {
+    return WriteHeaderAU(sink, final, kMuLaw);
+}

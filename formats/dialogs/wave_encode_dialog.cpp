@@ -1,0 +1,134 @@
+#include "formats/dialogs/wave_encode_dialog.h"
+
+#include <algorithm>
+#include <string>
+
+#include "formats/dialogs/standard_lists.h"
+#include "formats/wave_file.h"
+#include "foundation/settings.h"
+#include "gui/dialog_gen_context.h"
+
+namespace {
+
+// Control ids; each label is one above.
+constexpr int kSettings = 101;
+constexpr int kFormat = 103;
+constexpr int kRate = 105;
+constexpr int kChannels = 107;
+constexpr int kDefaults = 110;
+
+enum Preset { kAuto, kHigh, kMedium, kLow, kCustom };
+constexpr int kListAuto = 0;  // first item of the other lists
+constexpr int kFormatPcm = 1;
+constexpr int kFormatGsm = 2;
+constexpr int kChannelsMono = 1;
+
+constexpr const char* kPresets[] = {"Auto",        "High Quality", "Medium Quality",
+                                    "Low Quality", "Custom",       nullptr};
+constexpr const char* kFormats[] = {"Auto", "PCM", "GSM", nullptr};
+constexpr const char* kAutoOnly[] = {"Auto", nullptr};
+constexpr const char* kChannelCounts[] = {"Auto", "1", "2", nullptr};
+
+}  // namespace
+
+void DlgGenLWaveEncodeDlg(LDialogGenContext& context) {
+    context.SetWidth(420);
+    context.AddPullDownList(kSettings, "Settings:");
+    context.AddPullDownList(kFormat, "Format:");
+    context.AddPullDownList(kRate, "Sample Rate:");
+    context.AddPullDownList(kChannels, "Channels:");
+    context.AddSpecialOkCancelHelp(kDefaults, "Defaults", nullptr, false, false, false);
+}
+
+bool LWaveEncodeDlg::Run(GtkWidget* parent) {
+    return Open(parent, {"Wave Encoder Options", false, DlgGenLWaveEncodeDlg}, true);
+}
+
+bool LWaveFile::WaveFormatSelectDialog(LWaveFileFormat& format, unsigned char, const char*) {
+    return LWaveEncodeDlg(format).Run(nullptr);
+}
+
+void LWaveEncodeDlg::InitDialog() {
+    PDLFill(kSettings, kPresets);
+    PDLFill(kFormat, kFormats);
+    PDLFill(kRate, kAutoOnly);
+    PDLFill(kRate, kStandardRates);
+    PDLFill(kChannels, kChannelCounts);
+    const int preset = LUserSettingGetInt("Settings", "WavFormatPreset", 0);
+    PDLSetCurSel(kSettings, preset >= kAuto && preset <= kCustom ? preset : kAuto);
+    if (IsCustom())
+        ShowCustomFormat();
+    else
+        SetListsToAuto();
+    HandlePDLSelChange(kSettings);
+    HandlePDLSelChange(kFormat);
+    EnableControls();
+}
+
+bool LWaveEncodeDlg::IsCustom() const {
+    return PDLGetCurSel(kSettings) == kCustom;
+}
+
+void LWaveEncodeDlg::ShowCustomFormat() {
+    PDLSetCurSel(kFormat, format_.tag == kWaveTagPcm ? kFormatPcm : kFormatGsm);
+    PDLSetText(kRate, std::to_string(format_.samplesPerSecond).c_str());
+    PDLSetCurSel(kChannels, std::min<int>(format_.channels, 2));
+}
+
+void LWaveEncodeDlg::SetListsToAuto() {
+    for (const int list : {kFormat, kRate, kChannels})
+        PDLSetCurSel(list, kListAuto);
+}
+
+void LWaveEncodeDlg::EnableControls() {
+    const bool custom = IsCustom();
+    const bool free = custom && PDLGetCurSel(kFormat) != kFormatGsm;
+    for (const int offset : {0, 1}) {  // the list and its label
+        EnableControl(kFormat + offset, custom);
+        EnableControl(kRate + offset, free);
+        EnableControl(kChannels + offset, free);
+    }
+}
+
+void LWaveEncodeDlg::Command(int command) {
+    if (command == kDefaults)
+        PDLSetCurSel(kSettings, kAuto);
+    else if (command == kSettings && !IsCustom())
+        SetListsToAuto();
+}
+
+void LWaveEncodeDlg::TakeCustomFormat() {
+    if (PDLGetCurSel(kFormat) == kFormatGsm) {  // which has one rate and one channel
+        format_.tag = kWaveTagGsm610;
+        format_.channels = 1;
+        format_.samplesPerSecond = 8000;
+        return;
+    }
+    if (PDLGetCurSel(kRate) > kListAuto)
+        format_.samplesPerSecond = static_cast<std::uint32_t>(PDLGetInt(kRate));
+    if (PDLGetCurSel(kChannels) == kChannelsMono)
+        format_.channels = 1;
+}
+
+bool LWaveEncodeDlg::CmOk() {
+    const int preset = PDLGetCurSel(kSettings);
+    LUserSettingSetInt("Settings", "WavFormatPreset", preset);
+    format_.tag = kWaveTagPcm;
+    format_.channels = 2;
+    switch (preset) {
+        case kMedium:
+            format_.samplesPerSecond = 22050;
+            break;
+        case kLow:
+            format_.samplesPerSecond = 8000;
+            format_.channels = 1;
+            break;
+        case kCustom:
+            TakeCustomFormat();
+            break;
+        default:
+            format_.samplesPerSecond = 44100;
+            break;
+    }
+    return true;
+}

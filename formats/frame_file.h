@@ -1,0 +1,113 @@
+// The frames of an open sound file: what WAV, raw, AU and AIFF sources and sinks have in common.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "formats/sample_formats.h"
+#include "foundation/unique_fd.h"
+#include "sound/sound_source.h"
+
+constexpr int kUnknownLength = -1;                   // frames
+constexpr std::uint32_t kUnknownBytes = 0xFFFFFFFF;  // in size fields
+
+// Frame counts are signed 32-bit throughout; longer files are cut there.
+int ClampFrames(std::int64_t frames);
+
+// Reads frames one after the other from a file that may grow or shrink meanwhile. Frames before 0
+// and after the end are silence.
+class FrameReader {
+public:
+    // The descriptor stands at the first frame; dataBytes may be kUnknownBytes. bytesPerFrame is at
+    // least 1.
+    FrameReader(UniqueFd file, int bytesPerFrame, std::uint32_t dataBytes);
+
+    template <typename Stored>
+    void Read(int* buffer, int frames, int channels) {
+        while (frames > 0) {
+            const int block = std::min(frames, kMaxBlockFrames);
+            const Block next = Fetch(block);
+            const int silent = next.leadIn * channels;
+            const int samples = static_cast<int>(next.bytes / sizeof(Stored));
+            std::fill_n(buffer, silent, 0);
+            ConvertSamplesIn(reinterpret_cast<const Stored*>(buffer_.get()), buffer + silent,
+                             samples);
+            std::fill(buffer + silent + samples, buffer + block * channels, 0);
+            buffer += block * channels;
+            frames -= block;
+        }
+    }
+
+    // Keeps the position given, negative or past the end; places the file within [0, end].
+    void Seek(int frame, int end);
+    int Position() const { return position_; }
+    int Length() const { return length_; }
+    void SetLength(std::uint32_t dataBytes);
+    int FramesInFile() const;  // whole frames behind the first one now
+    int Descriptor() const { return file_.Get(); }
+    std::int64_t DataStart() const { return dataStart_; }
+
+private:
+    struct Block {
+        int leadIn;         // silent frames before frame 0
+        std::size_t bytes;  // then that many bytes in buffer_
+    };
+    Block Fetch(int frames);
+
+    UniqueFd file_;
+    std::int64_t dataStart_;
+    int bytesPerFrame_;
+    int position_ = 0;
+    int length_;
+    std::unique_ptr<std::byte[]> buffer_;
+};
+
+// Writes frames behind a header. After the first error nothing more is written, so the file stays a
+// clean prefix.
+class FrameWriter {
+public:
+    // Opens or creates path without truncating it. When that fails nothing is ever written, and
+    // every operation is harmless. bytesPerFrame is at least 1.
+    FrameWriter(const char* path, std::size_t bytesPerFrame);
+
+    // These return 0 or an errno.
+    int WriteHeader(const void* header, std::size_t size);  // at the current position
+    template <typename Stored>
+    int Write(const int* buffer, int frames, int channels) {
+        while (frames > 0 && failed_ == 0) {
+            const int block = std::min(frames, kMaxBlockFrames);
+            ConvertSamplesOut(buffer, reinterpret_cast<Stored*>(buffer_.get()), block * channels);
+            Put(buffer_.get(), static_cast<std::size_t>(block) * bytesPerFrame_);
+            buffer += block * channels;
+            frames -= block;
+        }
+        return failed_;
+    }
+    int Truncate(std::int64_t bytes);  // and continue there
+
+    // Moves to frame behind headerLength bytes, but not past the end of the file.
+    void SeekForward(std::int64_t headerLength, int frame);
+    void SeekTo(std::int64_t offset);
+    std::int64_t Offset() const;
+    bool IsOpen() const { return file_.IsOpen(); }
+    int OpenError() const { return openError_; }  // errno, 0 when open
+    std::size_t BytesPerFrame() const { return bytesPerFrame_; }
+
+private:
+    void Put(const void* data, std::size_t size);
+
+    int openError_ = 0;
+    UniqueFd file_;
+    std::size_t bytesPerFrame_;
+    int failed_ = 0;
+    std::unique_ptr<std::byte[]> buffer_;
+};
+
+// frames * bytesPerFrame as a 32-bit size field with room for `overhead` more, or kUnknownBytes
+// when it does not fit: readers then go by the file's size.
+std::uint32_t DataSizeField(int frames, std::size_t bytesPerFrame, std::uint32_t overhead);
+
+// The sinks' frame counter; stays at the largest count once there.
+int AddFrames(int written, int frames);

@@ -1,0 +1,8 @@
+// Where optional add-on programs stand.
+#pragma once
+
+// Looks for the component's folder under the home folder's "components", then under the machine's
+// "/opt/quillon". True: path (260 bytes) is the program file inside it. False: path names a fresh
+// empty file in /tmp, which is left there: whoever goes on to download the component uses that
+// name.
+bool GetComponentPath(const char* name, char* path);

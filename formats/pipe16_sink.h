@@ -1,0 +1,30 @@
+// A sink that streams 16-bit little-endian samples into a command's standard input.
+#pragma once
+
+#include <memory>
+
+#include "formats/sample_formats.h"
+#include "foundation/pipes.h"
+#include "sound/sound_sink.h"
+
+// The process must block or ignore SIGPIPE: a command that ends early then only shows in
+// WriteError().
+class LPipe16Sink final : public LSoundSinkBase {
+public:
+    // command is for the shell; status 1 when it cannot be started.
+    LPipe16Sink(const char* command, int rate, unsigned char channels);
+    ~LPipe16Sink() override;  // as Finish
+
+    void Write(const int* buffer, int frames) override;
+    void Write(const void* bytes, int length);  // as they are; not counted as frames
+
+    // Ends the command's input and blocks until it has ended, by which time its output is whole.
+    // The command's wait status, -1 when there was none; later calls give the same.
+    int Finish();
+
+private:
+    LPipeOut pipe_;
+    std::unique_ptr<LSF16[]> block_;
+    bool isFinished_ = false;
+    int waitStatus_ = -1;
+};

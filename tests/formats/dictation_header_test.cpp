@@ -1,0 +1,142 @@
+#include "formats/dictation_header.h"
+
+#include "formats/file_io.h"
+#include "tests/formats/format_files.h"
+
+namespace {
+
+struct Dictation {  // a header whose fields can be changed one at a time
+    std::uint32_t version = 3, flags = 6, extra = 2, second = 3, endMark = 1;
+    std::int32_t sizeError = 0;
+    std::uint32_t attachmentSize = 2048;
+    std::uint32_t attachmentNameLength = 5;
+    std::string notes = Bytes().U8(5).Text("hello").Fill(9).U8(2).Text("by").Str();
+
+    std::string Build() const {
+        Bytes tail;
+        tail.LE32(flags).Fill(8, 'r');
+        if (version == 3)
+            tail.LE32(extra).Fill(extra < 100 ? extra : 0, 'x');
+        tail.Fill(4, 'r').Text(notes).Fill(1, 'r').LE32(second).Fill(second < 100 ? second : 0,
+                                                                     'y');
+        if ((flags & 4) != 0) {
+            tail.U8(2).U8(attachmentNameLength).Text("a.txt").LE32(attachmentSize);
+            tail.Fill(attachmentSize < 5000 ? attachmentSize : 0, 'd').U8(0).LE32(0);
+        }
+        if (version >= 1)
+            tail.U8(endMark);
+        const auto size = static_cast<std::int64_t>(tail.Str().size()) + 6 + 4 + sizeError;
+        Bytes whole;
+        whole.LE16(version).LE32(static_cast<std::uint32_t>(size)).Text(tail.Str()).Text("SND!");
+        return whole.Str();
+    }
+};
+
+class DictationHeader : public FormatTest {
+protected:
+    // Description of a valid header, "refused" for another. Checks where a valid one leaves the
+    // file.
+    std::string Describe(const std::string& bytes, bool quiet = false) const {
+        const std::string path = Store("d.dct", bytes);
+        LSharedReadFile file(path.c_str());
+        LStringLongTemplate<char> text(std::string_view("old"));
+        LSharedReadFile skipped(path.c_str());
+        const bool valid = ReadDCTHeader(file, text, quiet);
+        EXPECT_EQ(SkipDCTHeader(skipped), valid);
+        EXPECT_EQ(ReadDCTHeader(path.c_str(), text, quiet), valid);
+        if (!valid)
+            return "refused";
+        char rest[8];
+        EXPECT_EQ(std::string(rest, file.Read(rest, sizeof(rest))), "SND!");
+        EXPECT_EQ(skipped.Tell(), file.Tell() - 4);
+        return std::string(text.View());
+    }
+};
+
+TEST_F(DictationHeader, IsDescribedAndSkipped) {
+    EXPECT_EQ(Describe(Dictation().Build()),
+              "Version: 3\r\nEncrypted: Yes\r\n\r\nOther Notes:\r\n\r\nhello\r\nby\r\n"
+              "\r\nAttachments:\r\n\r\nFile: a.txt\r\n (2.00 KB)\r\n");
+    Dictation plain;
+    plain.version = 0;
+    plain.flags = 2;  // means nothing before version 2
+    plain.notes = std::string(11, '\0');
+    EXPECT_EQ(Describe(plain.Build()), "Version: 0\r\nEncrypted: No\r\n\r\nOther Notes:\r\n\r\n");
+    plain.version = 2;
+    EXPECT_EQ(Describe(plain.Build()).substr(0, 28), "Version: 2\r\nEncrypted: Yes\r\n");
+    // A quiet call keeps the text and still appends the headings; twice, here.
+    const std::string headings = "\r\nOther Notes:\r\n\r\n\r\nAttachments:\r\n\r\n";
+    EXPECT_EQ(Describe(Dictation().Build(), true), "old" + headings + headings);
+}
+
+TEST_F(DictationHeader, OneChangedFieldACase) {
+    struct Case {
+        const char* name;
+        void (*change)(Dictation&);
+        bool valid;
+    };
+    const Case cases[] = {
+        {"version 4", [](Dictation& d) { d.version = 4; }, false},
+        {"version 65535", [](Dictation& d) { d.version = 65535; }, false},
+        {"size one more", [](Dictation& d) { d.sizeError = 1; }, false},
+        {"size one less", [](Dictation& d) { d.sizeError = -1; }, false},
+        {"extra block past the end", [](Dictation& d) { d.extra = 1 << 20; }, false},
+        {"extra block 2^31", [](Dictation& d) { d.extra = 1U << 31; }, false},
+        {"extra block 2^32-1", [](Dictation& d) { d.extra = 0xFFFFFFFF; }, false},
+        {"second block past the end", [](Dictation& d) { d.second = 1 << 20; }, false},
+        {"second block 2^32-1", [](Dictation& d) { d.second = 0xFFFFFFFF; }, false},
+        {"attachment past the end", [](Dictation& d) { d.attachmentSize = 1 << 20; }, false},
+        {"attachment 2^32-1", [](Dictation& d) { d.attachmentSize = 0xFFFFFFFF; }, false},
+        {"attachment name past the end",
+         [](Dictation& d) { d.attachmentNameLength = 255, d.attachmentSize = 0; }, false},
+        {"note past the end",
+         [](Dictation& d) {
+             d.notes = "\xFF";
+             d.flags = 0;
+         },
+         false},
+        {"no end mark", [](Dictation& d) { d.endMark = 0; }, false},
+        {"end mark 255", [](Dictation& d) { d.endMark = 255; }, true},
+        {"empty blocks", [](Dictation& d) { d.extra = d.second = 0; }, true},
+    };
+    for (const Case& c : cases) {
+        Dictation header;
+        c.change(header);
+        EXPECT_EQ(Describe(header.Build()) != "refused", c.valid) << c.name;
+    }
+    // An extra block as long as the file is refused on the spot, one byte less is walked.
+    for (const std::uint32_t extra : {60U, 59U}) {
+        const std::string bytes = Bytes().LE16(3).LE32(60).Fill(12).LE32(extra).Fill(38).Str();
+        LSharedReadFile file(Store("x.dct", bytes).c_str());
+        EXPECT_FALSE(SkipDCTHeader(file));
+        EXPECT_EQ(file.Tell(), extra == 60 ? 22 : 60);
+    }
+}
+
+TEST_F(DictationHeader, TruncationAtEveryByteIsRefused) {
+    const std::string whole = Dictation().Build();
+    for (std::size_t size = 0; size < whole.size() - 4; size += size < 80 ? 1 : 97) {
+        std::string cut = whole.substr(0, size);
+        EXPECT_EQ(Describe(cut), "refused") << size;
+        if (size >= 6) {  // even when the stored size is right
+            cut.replace(2, 4, Bytes().LE32(static_cast<std::uint32_t>(size)).Str());
+            EXPECT_EQ(Describe(cut), "refused") << size;
+        }
+    }
+    LStringLongTemplate<char> text;
+    EXPECT_FALSE(ReadDCTHeader(Path("missing").c_str(), text, false));
+    EXPECT_FALSE(ReadDCTHeader(Path("").c_str(), text, false));
+}
+
+TEST_F(DictationHeader, SkipsOneString) {
+    const std::string path = Store("s",
+                                   "\x03"
+                                   "abcX\xFFyz");
+    LSharedReadFile file(path.c_str());
+    LDCTDecode::SkipDCTString(file);
+    EXPECT_EQ(file.Tell(), 4);
+    LDCTDecode::SkipDCTString(file);  // length 'X', past the end: stops there
+    EXPECT_EQ(file.Tell(), 8);
+}
+
+}  // namespace

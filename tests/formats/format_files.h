@@ -1,0 +1,113 @@
+// Byte builders, a private folder and whole-file helpers for the format tests.
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "sound/sound_sink.h"
+#include "sound/sound_source.h"
+
+// Builds a file's bytes field by field.
+class Bytes {
+public:
+    Bytes& Text(const std::string& text) {
+        data_ += text;
+        return *this;
+    }
+    Bytes& LE16(std::uint32_t v) { return Little(v, 2); }
+    Bytes& LE32(std::uint32_t v) { return Little(v, 4); }
+    Bytes& BE16(std::uint32_t v) { return Big(v, 2); }
+    Bytes& BE32(std::uint32_t v) { return Big(v, 4); }
+    Bytes& U8(std::uint32_t v) { return Little(v, 1); }
+    Bytes& Fill(std::size_t count, char value = 0) {
+        data_.append(count, value);
+        return *this;
+    }
+    const std::string& Str() const { return data_; }
+
+private:
+    Bytes& Little(std::uint32_t v, int bytes) {
+        for (int i = 0; i < bytes; ++i)
+            data_ += static_cast<char>(v >> (8 * i));
+        return *this;
+    }
+    Bytes& Big(std::uint32_t v, int bytes) {
+        for (int i = bytes; i-- > 0;)
+            data_ += static_cast<char>(v >> (8 * i));
+        return *this;
+    }
+    std::string data_;
+};
+
+// A test with a folder of its own, removed afterwards.
+class FormatTest : public ::testing::Test {
+protected:
+    FormatTest() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "formatsXXXXXX").string();
+        folder_ = ::mkdtemp(pattern.data());
+    }
+    ~FormatTest() override { std::filesystem::remove_all(folder_); }
+
+    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+    std::string Store(const std::string& name, const std::string& bytes) const {
+        std::ofstream(Path(name), std::ios::binary) << bytes;
+        return Path(name);
+    }
+    static std::string Load(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+private:
+    std::string folder_;
+};
+
+// Reads the whole source by requests of `step` frames and checks that what follows the end is
+// silence.
+inline std::vector<int> ReadAll(LSoundSource source, int step = kMaxBlockFrames) {
+    const int channels = source->Channels();
+    const int end = source->GetEndSample();
+    std::vector<int> all;
+    std::vector<int> block(static_cast<std::size_t>(step) * source->Channels());
+    for (int at = 0; at <= end; at += step) {
+        std::fill(block.begin(), block.end(), 0x5A5A5A5A);
+        source->Read(block.data(), step);
+        all.insert(all.end(), block.begin(), block.end());
+    }
+    const auto samples = static_cast<std::size_t>(end) * static_cast<std::size_t>(channels);
+    EXPECT_TRUE(std::all_of(all.begin() + static_cast<std::ptrdiff_t>(samples), all.end(),
+                            [](int s) { return s == 0; }));
+    all.resize(samples);
+    return all;
+}
+
+inline void WriteAll(LSoundSink sink, const std::vector<int>& samples, int step = kMaxBlockFrames) {
+    const int frames = static_cast<int>(samples.size()) / sink->Channels();
+    for (int at = 0; at < frames; at += step)
+        sink->Write(samples.data() + at * sink->Channels(), std::min(step, frames - at));
+}
+
+// A signal that visits the whole 16-bit range and both ends of it, never repeating within a block.
+inline std::vector<int> TestSignal(std::size_t samples) {
+    std::vector<int> signal(samples);
+    std::uint32_t state = 12345;
+    for (std::size_t i = 0; i < samples; ++i) {
+        state = state * 1664525 + 1013904223;
+        signal[i] = static_cast<std::int16_t>(state >> 16) * 16;
+    }
+    if (samples > 2) {
+        signal[0] = -524288;
+        signal[1] = 524272;
+    }
+    return signal;
+}

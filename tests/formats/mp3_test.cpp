@@ -1,0 +1,186 @@
+// MP3 output: the encoder's command line, and the sink that feeds it. LAME stands in for the
+// component.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "formats/mp3_component.h"
+#include "formats/mp3_sink.h"
+#include "formats/pipe16_sink.h"
+
+namespace {
+
+class Mp3Test : public testing::Test {
+protected:
+    Mp3Test() {
+        ::signal(SIGPIPE, SIG_IGN);
+        char pattern[] = "/tmp/lectora-mp3-XXXXXX";
+        home_ = ::mkdtemp(pattern);
+        ::setenv("HOME", home_.c_str(), 1);
+        ::setenv("LECTORA_ROOT", (home_ + "/root").c_str(), 1);
+    }
+    ~Mp3Test() override { std::filesystem::remove_all(home_); }
+
+    // The component is a program that swaps bytes on -x of its own accord.
+    void InstallEncoder(const std::string& base, const std::string& script) const {
+        std::filesystem::create_directories(base + "/components/mp3el");
+        const std::string program = base + "/components/mp3el/mp3el";
+        std::ofstream(program) << "#!/bin/sh\n" << script << "\n";
+        ::chmod(program.c_str(), 0755);
+    }
+    std::string home_;
+};
+
+constexpr const char* kLameWithoutSwap =
+    "for a; do shift; [ \"$a\" = -x ] || set -- \"$@\" \"$a\"; done; exec lame \"$@\"";
+
+TEST_F(Mp3Test, CommandLineFollowsTheSettings) {
+    InstallEncoder(home_, "exit 0");
+    const std::string encoder = "\"" + home_ + "/components/mp3el/mp3el\"";
+    struct Case {
+        LMp3EncodeSettings settings;
+        int inRate;
+        unsigned char inChannels;
+        int rate;
+        int channels;
+        std::string options;
+    };
+    const LMp3EncodeSettings cbr192{.cbrBitRate = 192};
+    const LMp3EncodeSettings cbr31{.cbrBitRate = 31};
+    const LMp3EncodeSettings vbr{.constantBitRate = false, .vbrMinBitRate = 8};
+    std::vector<Case> cases = {
+        {{}, 44100, 2, 44100, 2, "-m j -b 128 -h -r -x -s 44.100 -S -"},
+        {{.highQuality = false, .errorProtection = true, .channelMode = 7},
+         48000,
+         2,
+         48000,
+         2,
+         "-m j -p -b 128 -r -x -s 48.000 -S -"},
+        {{.channelMode = 3}, 44100, 2, 44100, 2, " -a -m m -b 128 -h -r -x -s 44.100 -S -"},
+        {{.channelMode = 0}, 8000, 2, 8000, 2, "-m s -b 128 -h -r -x -s 8.000 -S -"},
+        {{.channelMode = 2}, 22050, 1, 22050, 1, "-m m -b 128 -h -r -x -s 22.050 -S -"},
+        {{.cbrBitRate = 16, .channelMode = 2},
+         8000,
+         2,
+         8000,
+         1,
+         "-m m -b 16 -h -r -x -s 8.000 -S -"},
+        {vbr, 44100, 2, 22050, 1, "-m m -v -b 8 -B 128 -V 4 -r -x -s 22.050 -S -"},
+        {cbr192, 22050, 2, 44100, 2, "-m j -b 192 -h -r -x -s 44.100 -S -"},
+        {cbr192, 32000, 2, 32000, 2, "-m j -b 192 -h -r -x -s 32.000 -S -"},
+        {cbr31, 22050, 2, 22050, 2, "-m j -b 31 -h -r -x -s 22.050 -S -"},
+        {cbr31, 22051, 2, 22050, 2, "-m j -b 31 -h -r -x -s 22.050 -S -"},
+    };
+    const int rates[][2] = {{96000, 48000}, {47999, 44100}, {44101, 44100}, {44099, 44100},
+                            {32001, 44100}, {31999, 32000}, {24001, 32000}, {24000, 24000},
+                            {23999, 22050}, {22049, 22050}, {16001, 22050}, {16000, 16000},
+                            {15999, 11025}, {12000, 11025}, {11025, 11025}, {8001, 11025},
+                            {8000, 8000},   {6000, 8000}};
+    for (const auto& rate : rates) {
+        char kilohertz[16];
+        std::snprintf(kilohertz, sizeof kilohertz, "%d.%.3d", rate[1] / 1000, rate[1] % 1000);
+        cases.push_back({{},
+                         rate[0],
+                         2,
+                         rate[1],
+                         2,
+                         "-m j -b 128 -h -r -x -s " + std::string(kilohertz) + " -S -"});
+    }
+    for (Case& c : cases) {
+        char line[kMp3CommandLineSize];
+        int rate = 0;
+        unsigned char channels = 0;
+        ASSERT_TRUE(Mp3CreateEncoderCommandLine(line, rate, channels, "/tmp/a b.mp3", c.settings,
+                                                c.inRate, c.inChannels));
+        const std::string gap = c.options[0] == ' ' ? "" : " ";
+        EXPECT_EQ(line, encoder + gap + c.options + " \"/tmp/a b.mp3\"");
+        EXPECT_EQ(rate, c.rate) << line;
+        EXPECT_EQ(channels, c.channels) << line;
+    }
+}
+
+TEST_F(Mp3Test, NoNameReachesTheShellAsCodeAndNoLineIsCut) {
+    InstallEncoder(home_, "for a; do :; done; cat > \"$a\"");
+    const std::string path = home_ + "/$(touch x) `touch y` \"z\" \\ .mp3";
+    LMp3EncodeSettings settings;
+    {
+        LSoundSink sink = OpenMp3Sink(path.c_str(), settings, 44100, 2);
+        ASSERT_EQ(sink->Status(), 0);
+        sink->Write(std::vector<int>(20).data(), 10);
+    }
+    EXPECT_EQ(std::filesystem::file_size(path), 40u);
+    EXPECT_FALSE(std::filesystem::exists("x") || std::filesystem::exists("y"));
+    EXPECT_NE(OpenMp3Sink(std::string(900, 'n').c_str(), settings, 44100, 2)->Status(), 0);
+}
+
+TEST_F(Mp3Test, HomeComponentWinsOverTheSharedOneAndNoneIsAnErrorSink) {
+    char path[260];
+    EXPECT_FALSE(GetComponentPath("mp3el", path));
+    EXPECT_TRUE(std::filesystem::is_empty(path))
+        << path;  // the stray file that a download goes on to use
+    std::filesystem::remove(path);
+    LMp3EncodeSettings settings;
+    LSoundSink sink = OpenMp3Sink((home_ + "/a.mp3").c_str(), settings, 44100, 2);
+    EXPECT_EQ(sink->Status(), 1);
+    EXPECT_EQ(sink->Channels(), 1);
+    std::filesystem::create_directories(home_ + "/root/opt");
+    InstallEncoder(home_ + "/root/opt/quillon", "exit 0");
+    EXPECT_TRUE(GetComponentPath("mp3el", path));
+    EXPECT_EQ(path, home_ + "/root/opt/quillon/components/mp3el/mp3el");
+    InstallEncoder(home_, "exit 0");
+    EXPECT_TRUE(GetComponentPath("mp3el", path));
+    EXPECT_EQ(path, home_ + "/components/mp3el/mp3el");
+}
+
+TEST_F(Mp3Test, AToneComesBackFromTheEncodedFile) {
+    InstallEncoder(home_, kLameWithoutSwap);
+    const std::string path = home_ + "/tone.mp3";
+    LMp3EncodeSettings settings;
+    LSoundSink sink = OpenMp3Sink(path.c_str(), settings, 44100, 2);
+    ASSERT_EQ(sink->SampleRate(), 44100);
+    std::vector<int> tone(44100 * 2);
+    for (std::size_t i = 0; i < tone.size(); i++)
+        tone[i] = static_cast<int>(
+            200000 * std::sin(2 * std::acos(-1.0) * 440 * static_cast<double>(i / 2) / 44100));
+    for (int at = 0; at < 44100; at += 8192)
+        sink->Write(&tone[static_cast<std::size_t>(at) * 2], std::min(8192, 44100 - at));
+    EXPECT_EQ(static_cast<LPipe16Sink*>(sink.Get())->Finish(), 0);
+    EXPECT_EQ(sink->WriteError(), 0);
+    EXPECT_EQ(sink->FramesWritten(), 44100);
+    ASSERT_EQ(std::system(("lame --quiet --decode -t " + path + " " + home_ + "/out.raw").c_str()),
+              0);
+    std::ifstream in(home_ + "/out.raw", std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(in), {});
+    int crossings = 0;
+    std::int16_t before = 0;
+    for (std::size_t i = 0; i + 3 < bytes.size(); i += 4) {
+        const auto left =
+            static_cast<std::int16_t>(static_cast<unsigned char>(bytes[i]) | bytes[i + 1] << 8);
+        crossings += before < 0 && left >= 0;
+        before = left;
+    }
+    EXPECT_NEAR(crossings, 440, 4);
+}
+
+TEST_F(Mp3Test, AnEncoderThatDiesIsNoticed) {
+    InstallEncoder(home_, "head -c 10 >/dev/null; exit 3");
+    LMp3EncodeSettings settings;
+    LSoundSink sink = OpenMp3Sink((home_ + "/a.mp3").c_str(), settings, 44100, 2);
+    const std::vector<int> block(8192 * 2);
+    for (int i = 0; i < 40; i++)
+        sink->Write(block.data(), 8192);
+    EXPECT_EQ(sink->WriteError(), EPIPE);
+    EXPECT_EQ(WEXITSTATUS(static_cast<LPipe16Sink*>(sink.Get())->Finish()), 3);
+}
+
+}  // namespace

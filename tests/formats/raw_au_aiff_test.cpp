@@ -1,0 +1,317 @@
+// Raw, AU and AIFF files: bytes on disk, hostile headers, and what the two headers' oddities do.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <climits>
+#include <cstring>
+
+#include "formats/aiff_file.h"
+#include "formats/au_file.h"
+#include "formats/raw_file.h"
+#include "tests/formats/format_files.h"
+
+namespace {
+
+using namespace SoundStatus;
+
+class RowFiles : public FormatTest {};
+
+std::string AuHeader(std::uint32_t headerSize, std::uint32_t dataSize, std::uint32_t encoding,
+                     std::uint32_t rate, std::uint32_t channels) {
+    Bytes b;
+    b.Text(".snd").BE32(headerSize).BE32(dataSize).BE32(encoding).BE32(rate).BE32(channels);
+    return b.Str();
+}
+
+struct Aiff {  // a file whose fields can be changed one at a time
+    std::string form = "FORM", type = "AIFF", before, between, commTail;
+    std::uint32_t commSize = 18, channels = 1, bits = 16, ssndSize = 8 + 6;
+    std::string rate = std::string("\x40\x0E\xAC\x44\0\0\0\0\0\0", 10);
+
+    std::string Build() const {
+        Bytes b;
+        b.Text(form).BE32(99).Text(type).Text(before).Text("COMM").BE32(commSize);
+        b.BE16(channels).BE32(3).BE16(bits).Text(rate).Text(commTail).Text(between);
+        b.Text("SSND").BE32(ssndSize).BE32(0).BE32(0).BE16(1).BE16(2).BE16(0xFFFF);
+        return b.Str();
+    }
+};
+const std::vector<int> kThreeValues = {16, 32, -16};
+
+std::string Rate(std::initializer_list<int> bytes) {
+    std::string text(10, '\0');
+    std::size_t i = 0;
+    for (const int byte : bytes)
+        text[i++] = static_cast<char>(byte);
+    return text;
+}
+
+TEST_F(RowFiles, RawFilesHoldNothingButSamples) {
+    struct Case {
+        int codec, peak;
+        std::string bytes;
+    };
+    const int samples[] = {0, 160000, -160000, 16};
+    const Case cases[] = {
+        {kRawMuLaw, 516096, "\xFF\x9C\x1C\xFF"},
+        {kRawALaw, 516096, "\xD5\xB6\x36\xD5"},
+        {kRawPcm16, 524272, Bytes().LE16(0).LE16(10000).LE16(0xD8F0).LE16(1).Str()},
+        {kRawUnsigned8, 524272, "\x80\xA7\x59\x80"},
+        {kRawSigned8, 524272, std::string("\x00\x27\xD9\x00", 4)},
+        {kRawPcm16BigEndian, 524272, Bytes().BE16(0).BE16(10000).BE16(0xD8F0).BE16(1).Str()},
+        {kRawFloat, 1048744,
+         Bytes().LE32(0).LE32(0x3E9C4000).LE32(0xBE9C4000).LE32(0x38000000).Str()},
+        {kRawFloatBigEndian, 1048744,
+         Bytes().BE32(0).BE32(0x3E9C4139).BE32(0xBE9C4139).BE32(0x38000100).Str()},
+    };
+    for (const Case& c : cases) {
+        const std::string path = Store("old", "what was here before goes");
+        WriteAll(LRawFile::OpenSink(path.c_str(), {8000, 2, c.codec}), {samples, samples + 4});
+        EXPECT_EQ(Load(path), c.bytes) << c.codec;
+        const LSoundSource source = LRawFile::OpenSource(path.c_str(), {8000, 2, c.codec});
+        EXPECT_EQ(source->PeakMagnitude(), c.peak) << c.codec;
+        EXPECT_EQ(source->GetEndSample(), 2) << c.codec;
+        EXPECT_EQ(source->SampleRate(), 8000);
+        const std::vector<int> all = ReadAll(source);
+        for (const int step : {1, 2, 3})
+            EXPECT_EQ(ReadAll(LRawFile::OpenSource(path.c_str(), {8000, 2, c.codec}), step), all);
+        for (std::size_t i = 0; i < 4; ++i)
+            EXPECT_NEAR(all[i], samples[i], 8192) << c.codec;
+    }
+}
+
+TEST_F(RowFiles, RawSettingsOfAnyKindAreSurvived) {
+    const std::string path = Store("r", "123");
+    const LSoundSource empty = LRawFile::OpenSource(Store("e", "").c_str(), {8000, 1, kRawPcm16});
+    EXPECT_EQ(empty->GetEndSample(), 0);
+    EXPECT_EQ(ReadAll(empty).size(), 0U);
+    for (const int codec : {-1, 9, INT_MAX, INT_MIN}) {
+        EXPECT_EQ(LRawFile::OpenSource(path.c_str(), {8000, 1, codec})->Status(), kPlaceholder);
+        EXPECT_EQ(LRawFile::OpenSink(path.c_str(), {8000, 1, codec})->Status(), 1);
+    }
+    EXPECT_EQ(Load(path), "123");
+    for (int codec = 0; codec <= 8; ++codec) {
+        EXPECT_EQ(LRawFile::OpenSource(Path("no").c_str(), {8000, 1, codec})->Status(),
+                  kCannotOpen);
+        EXPECT_EQ(LRawFile::OpenSource(Path("").c_str(), {8000, 1, codec})->Status(), kCannotOpen);
+        EXPECT_EQ(LRawFile::OpenSink(Path("no/no").c_str(), {8000, 1, codec})->WriteError(),
+                  ENOENT);
+        LSoundSink full = LRawFile::OpenSink("/dev/full", {8000, 1, codec});
+        WriteAll(full, TestSignal(64));
+        EXPECT_EQ(full->WriteError(), ENOSPC) << codec;
+        for (const int rate : {0, INT_MIN, INT_MAX}) {
+            const LSoundSource odd = LRawFile::OpenSource(path.c_str(), {rate, 255, codec});
+            EXPECT_EQ(odd->Status(), rate > 0 ? kGood : kInvalidFormat) << codec;
+            EXPECT_EQ(odd->SampleRate(), rate > 0 ? rate : 44100);
+            EXPECT_EQ(odd->GetEndSample(), codec == 0 ? 6 : 0);
+            std::vector<int> block(255 * 2, 9);
+            odd->Read(block.data(), 2);
+            EXPECT_NE(block[1], 9);
+        }
+    }
+    const LSoundSource mono = LRawFile::OpenSource(path.c_str(), {8000, 0, kRawSigned8});
+    EXPECT_EQ(mono->Status(), kInvalidFormat);
+    EXPECT_EQ(ReadAll(mono).size(), 3U);
+}
+
+TEST_F(RowFiles, RawSinksStepBackButNotForward) {
+    const std::string path = Path("r");
+    {
+        LSoundSink sink = LRawFile::OpenSink(path.c_str(), {8000, 1, kRawSigned8});
+        WriteAll(sink, {4096, 8192, 12288, 16384});
+        sink->Seek(9);
+        EXPECT_EQ(sink->FramesWritten(), 4);
+        sink->Seek(2);
+        WriteAll(sink, {-4096});
+    }
+    EXPECT_EQ(Load(path), "\x01\x02\xFF");
+    const LSoundSource source = LRawFile::OpenSource(path.c_str(), {8000, 1, kRawSigned8});
+    int block[4];
+    source->Seek(-2);
+    source->Read(block, 4);
+    EXPECT_EQ(std::vector<int>(block, block + 4), (std::vector<int>{0, 0, 4096, 8192}));
+    std::ofstream(path, std::ios::app) << "\x05";
+    EXPECT_EQ(source->GetEndSample(), 4);  // a file that grows is followed
+    source->Read(block, 4);
+    EXPECT_EQ(std::vector<int>(block, block + 4), (std::vector<int>{-4096, 20480, 0, 0}));
+}
+
+TEST_F(RowFiles, AuHeaders) {
+    struct Case {
+        const char* name;
+        std::string header;
+        int status, frames;
+    };
+    const std::uint32_t big = 0xFFFFFFFF;
+    const Case cases[] = {
+        {"mu-law", AuHeader(24, 4, 1, 8000, 1), kGood, 4},
+        {"8 bits", AuHeader(24, 4, 2, 8000, 2), kGood, 2},
+        {"16 bits", AuHeader(24, 5, 3, 8000, 1), kGood, 2},
+        {"A-law", AuHeader(24, 0, 27, 8000, 1), kGood, 0},
+        {"size unknown", AuHeader(24, big, 3, 8000, 1), kGood, 2},
+        {"size 2^31", AuHeader(24, 1U << 31, 1, 8000, 1), kGood, INT_MAX},
+        {"header size not looked at", AuHeader(big, 4, 1, 8000, 1), kGood, 4},
+        {"float", AuHeader(24, 4, 6, 8000, 1), kUnsupported, 0},
+        {"encoding 0", AuHeader(24, 4, 0, 8000, 1), kUnsupported, 0},
+        {"rate 0", AuHeader(24, 4, 1, 0, 1), kInvalidFormat, 0},
+        {"rate 2^31-1", AuHeader(24, 4, 1, INT_MAX, 1), kGood, 4},
+        {"rate 2^32-1", AuHeader(24, 4, 1, big, 1), kInvalidFormat, 0},
+        {"no channels", AuHeader(24, 4, 1, 8000, 0), kInvalidFormat, 0},
+        {"256 channels", AuHeader(24, 4, 1, 8000, 256), kInvalidFormat, 0},
+        {"257 channels", AuHeader(24, 4, 1, 8000, 257), kInvalidFormat, 0},
+        {"2^32-1 channels", AuHeader(24, 4, 1, 8000, big), kInvalidFormat, 0},
+        {"magic", "x" + AuHeader(24, 4, 1, 8000, 1).substr(1), kInvalidFormat, 0},
+    };
+    for (const Case& c : cases) {
+        const std::string path = Store("a.au", c.header + "\x01\x02\x03\x04");
+        const LSoundSource source = LAuFile::OpenSource(path.c_str());
+        EXPECT_EQ(source->Status(), c.status) << c.name;
+        EXPECT_EQ(source->GetEndSample(), c.frames) << c.name;
+    }
+    for (std::size_t size = 0; size < 24; ++size) {
+        const std::string path = Store("t.au", cases[0].header.substr(0, size));
+        EXPECT_EQ(LAuFile::OpenSource(path.c_str())->Status(), kInvalidFormat) << size;
+    }
+    const std::string noted = AuHeader(32, 12, 2, 8000, 1) + "annotate\x01\x02\x03\x04";
+    EXPECT_EQ(ReadAll(LAuFile::OpenSource(Store("n.au", noted).c_str()))[0], 'a' * 4096);
+    EXPECT_EQ(LAuFile::OpenSource(Path("missing").c_str())->Status(), kCannotOpen);
+}
+
+TEST_F(RowFiles, AuSinksWriteTheHeaderOfTheirCodec) {
+    const std::string path = Path("a.au");
+    const struct {
+        int codec;
+        std::uint32_t encoding, frameBytes, rate, channels;
+    } cases[] = {{kAuPcm16, 3, 6, 22050, 3}, {kAuPcm8, 2, 3, 22050, 3}, {kAuALaw, 27, 3, 22050, 3},
+                 {kAuMuLaw, 1, 3, 22050, 3}, {4, 3, 4, 44100, 2},       {-1, 3, 4, 44100, 2}};
+    for (const auto& c : cases) {
+        LAuSettings settings{c.codec, 22050, 3};
+        {
+            LSoundSink sink = OpenAuSink(path.c_str(), settings);
+            EXPECT_EQ(Load(path), AuHeader(24, 0xFFFFFFFF, c.encoding, c.rate, c.channels));
+            WriteAll(sink, TestSignal(c.channels * 5));
+        }
+        EXPECT_EQ(Load(path).substr(0, 24),
+                  AuHeader(24, 5 * c.frameBytes, c.encoding, c.rate, c.channels));
+        EXPECT_EQ(Load(path).size(), 24 + 5 * c.frameBytes);
+    }
+}
+
+TEST_F(RowFiles, AiffOneChangedFieldACase) {
+    struct Case {
+        const char* name;
+        void (*change)(Aiff&);
+        int status, rate;
+    };
+    const Case cases[] = {
+        {"as it is", [](Aiff&) {}, kGood, 44100},
+        {"not a FORM", [](Aiff& a) { a.form = "RIFF"; }, kInvalidFormat, 0},
+        {"AIFF-C", [](Aiff& a) { a.type = "AIFC"; }, kInvalidFormat, 0},
+        {"COMM of 17", [](Aiff& a) { a.commSize = 17; }, kInvalidFormat, 0},
+        {"COMM of 0", [](Aiff& a) { a.commSize = 0; }, kInvalidFormat, 0},
+        {"COMM of 2^31", [](Aiff& a) { a.commSize = 1U << 31; }, kInvalidFormat, 0},
+        {"COMM of 2^32-1", [](Aiff& a) { a.commSize = 0xFFFFFFFF; }, kInvalidFormat, 0},
+        {"longer COMM", [](Aiff& a) { a.commSize = 21, a.commTail = "abc"; }, kGood, 44100},
+        {"odd chunks are not padded",
+         [](Aiff& a) { a.before = std::string("NAME\0\0\0\3abc", 11); }, kGood, 44100},
+        {"empty chunks",
+         [](Aiff& a) {
+             for (int i = 0; i < 20000; ++i)
+                 a.between += std::string("null\0\0\0\0", 8);
+         },
+         kGood, 44100},
+        {"chunk of 2^31-1", [](Aiff& a) { a.before = "NAME\x7F\xFF\xFF\xFF"; }, kInvalidFormat, 0},
+        {"chunk of 2^31", [](Aiff& a) { a.between = std::string("NAME\x80\0\0\0", 8); },
+         kInvalidFormat, 0},
+        {"SSND before COMM is skipped", [](Aiff& a) { a.before = std::string("SSND\0\0\0\1x", 9); },
+         kGood, 44100},
+        {"no channels", [](Aiff& a) { a.channels = 0; }, kInvalidFormat, 0},
+        {"256 channels", [](Aiff& a) { a.channels = 256; }, kInvalidFormat, 0},
+        {"0 bits", [](Aiff& a) { a.bits = 0; }, kInvalidFormat, 0},
+        {"9 bits", [](Aiff& a) { a.bits = 9; }, kGood, 44100},
+        {"17 bits", [](Aiff& a) { a.bits = 17; }, kUnsupported, 0},
+        {"65535 bits", [](Aiff& a) { a.bits = 65535; }, kUnsupported, 0},
+        {"rate zero", [](Aiff& a) { a.rate = Rate({}); }, kInvalidFormat, 0},
+        {"rate infinite",
+         [](Aiff& a) {
+             a.rate = Rate({0x7F, 0xFF, 0x80});
+         },
+         kInvalidFormat, 0},
+        {"rate no number",
+         [](Aiff& a) {
+             a.rate = Rate({0x7F, 0xFF, 0xC0});
+         },
+         kInvalidFormat, 0},
+        {"rate 2^31",
+         [](Aiff& a) {
+             a.rate = Rate({0x40, 30, 0x80});
+         },
+         kInvalidFormat, 0},
+        {"rate 2^31-1",
+         [](Aiff& a) {
+             a.rate = Rate({0x40, 29, 0xFF, 0xFF, 0xFF, 0xFE});
+         },
+         kGood, INT_MAX},
+        {"SSND unfinished", [](Aiff& a) { a.ssndSize = 0xFFFFFFFF; }, kGood, 44100},
+    };
+    for (const Case& c : cases) {
+        Aiff aiff;
+        c.change(aiff);
+        const LSoundSource source = LAifFile::OpenSource(Store("a.aif", aiff.Build()).c_str());
+        EXPECT_EQ(source->Status(), c.status) << c.name;
+        if (c.status != kGood)
+            continue;
+        EXPECT_EQ(source->SampleRate(), c.rate) << c.name;
+        EXPECT_EQ(ReadAll(source), kThreeValues) << c.name;
+    }
+    Aiff small;
+    small.ssndSize = 7;
+    EXPECT_EQ(LAifFile::OpenSource(Store("s.aif", small.Build()).c_str())->GetEndSample(), 0);
+    small.bits = 8;
+    small.ssndSize = 14;
+    EXPECT_EQ(ReadAll(LAifFile::OpenSource(Store("s.aif", small.Build()).c_str()))[1], 4096);
+    const std::string whole = Aiff().Build();
+    for (std::size_t size = 0; size < whole.size() - 6; ++size) {
+        const std::string path = Store("t.aif", whole.substr(0, size));
+        EXPECT_EQ(LAifFile::OpenSource(path.c_str())->Status(), kInvalidFormat) << size;
+    }
+    EXPECT_EQ(LAifFile::OpenSource(Path("").c_str())->Status(), kCannotOpen);
+}
+
+TEST_F(RowFiles, AiffFilesLoseTheirLastEightBytesWhenReadBack) {
+    const std::string path = Path("w.aif");
+    const std::vector<int> signal = TestSignal(20);
+    {
+        LSoundSink sink = OpenAIFFSink(path.c_str(), 44100, 2);
+        EXPECT_EQ(Load(path).substr(4, 4) + Load(path).substr(42, 4),
+                  Bytes().BE32(46).BE32(0xFFFFFFFF).Str());
+        WriteAll(sink, signal);
+    }
+    Bytes header;
+    header.Text("FORM").BE32(86).Text("AIFFCOMM").BE32(18).BE16(2).BE32(10).BE16(16);
+    header.Text(Rate({0x40, 0x0E, 0xAC, 0x44})).Text("SSND").BE32(40).BE32(0).BE32(0);
+    EXPECT_EQ(Load(path).substr(0, 54), header.Str());
+    const std::vector<int> back = ReadAll(LAifFile::OpenSource(path.c_str()));
+    EXPECT_EQ(back, std::vector<int>(signal.begin(), signal.begin() + 16));
+}
+
+TEST(AiffRate, ConvertsBothWays) {
+    for (const std::uint32_t rate : {2U, 3U, 8000U, 32000U, 44100U, 48000U, 65535U, 65536U, 196000U,
+                                     0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
+        std::uint8_t bytes[10];
+        convert32to80(rate, bytes);
+        EXPECT_EQ(convert80to32(bytes), rate);
+    }
+    std::uint8_t bytes[10];
+    convert32to80(44100, bytes);
+    EXPECT_EQ(std::memcmp(bytes, "\x40\x0E\xAC\x44\0\0\0\0\0\0", 10), 0);
+    const std::uint8_t half[10] = {0x40, 0x0D, 0xFA, 0x01};  // 32000.5 rounds up
+    EXPECT_EQ(convert80to32(half), 32001U);
+    for (int exponent = 0; exponent < 256; ++exponent) {
+        const std::uint8_t any[10] = {0,   static_cast<std::uint8_t>(exponent), 0xFF, 0xFF, 0xFF,
+                                      0xFF};
+        EXPECT_EQ(convert80to32(any) == 0, exponent > 30) << exponent;
+    }
+}
+
+}  // namespace

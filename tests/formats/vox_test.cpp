@@ -1,0 +1,151 @@
+#include "formats/vox_file.h"
+
+#include <cstdlib>
+
+#include "formats/raw_file.h"
+#include "tests/formats/format_files.h"
+
+namespace {
+
+// The codec as it is written down, with its divisions and its clamp in front.
+struct PlainVox {
+    std::int64_t index = 0, predictor = 0;
+
+    int Step(int code) {
+        index = std::clamp<std::int64_t>(index, 0, 48);
+        predictor += -(predictor >> 6) + LVox::StepTable[index] * LVox::CodeTable[code];
+        index += LVox::StepAdjustTable[code];
+        return static_cast<int>(predictor);
+    }
+    int Encode(int sample) {
+        index = std::clamp<std::int64_t>(index, 0, 48);
+        std::int64_t d =
+            (sample - (predictor - (predictor >> 6))) / LVox::StepTable[static_cast<int>(index)];
+        int code = 0;
+        if (d < 0)
+            code = 8, d = -d;
+        if (d > 131)
+            code |= 4, d -= 132;
+        if (d > 65)
+            code |= 2, d -= 66;
+        if (d > 32)
+            code |= 1;
+        Step(code);
+        return code;
+    }
+};
+
+class Vox : public FormatTest {
+protected:
+    const LRawSettings settings_{8000, 1, kRawDialogicAdpcm};
+    LSoundSource Open(const std::string& path) const {
+        return LRawFile::OpenSource(path.c_str(), settings_);
+    }
+};
+
+TEST_F(Vox, CodecMatchesThePlainOneOnEverySignal) {
+    std::uint32_t state = 7;
+    const auto random = [&] { return state = state * 1664525 + 1013904223, state >> 4; };
+    for (const int span : {1, 30, 400, 6000, 90000, 524288, 8000000, INT32_MAX}) {
+        PlainVox plain;
+        LVox fast;
+        for (int i = 0; i < 20000; ++i) {
+            int sample = static_cast<int>(random() % (2 * static_cast<unsigned>(span))) - span;
+            if (i % 1000 > 700)  // hold a level, so that the smallest steps are met too
+                sample = span / 3;
+            if (i % 997 == 0)
+                sample = i % 2 != 0 ? INT32_MAX : INT32_MIN;
+            ASSERT_EQ(fast.EncodeSample(sample), static_cast<unsigned>(plain.Encode(sample)))
+                << span << ", " << i;
+        }
+        PlainVox plainDecoder;
+        LVox fastDecoder;
+        for (int i = 0; i < 20000; ++i) {
+            const unsigned code = i % 100 < 50 ? random() % 16 : static_cast<unsigned>(span) % 16;
+            ASSERT_EQ(fastDecoder.DecodeCode(code), plainDecoder.Step(static_cast<int>(code)));
+        }
+    }
+}
+
+TEST_F(Vox, SilenceStaysNearSilence) {
+    const std::string path = Path("z.vox");
+    WriteAll(LRawFile::OpenSink(path.c_str(), settings_), std::vector<int>(1000, 0));
+    EXPECT_EQ(Load(path).size(), 500U);
+    for (const int sample : ReadAll(Open(path)))
+        EXPECT_LT(std::abs(sample), 1100);
+}
+
+TEST_F(Vox, EvenBlocksOfAnySizeGiveTheSameBytesAndAnyRequestTheSameSamples) {
+    const std::vector<int> signal = TestSignal(20000);
+    const std::string path = Path("s.vox");
+    WriteAll(LRawFile::OpenSink(path.c_str(), settings_), signal);
+    const std::string bytes = Load(path);
+    for (const int step : {2, 6, 4096, 20000}) {
+        WriteAll(LRawFile::OpenSink(path.c_str(), settings_), signal, step);
+        EXPECT_EQ(Load(path), bytes) << step;
+    }
+    const std::vector<int> samples = ReadAll(Open(path));
+    ASSERT_EQ(samples.size(), 20000U);
+    for (const int step : {1, 2, 3, 777, 8191, 20000})
+        EXPECT_EQ(ReadAll(Open(path), step), samples) << step;
+}
+
+// A nibble left over from an odd block takes the next block's first sample, drops its second, and
+// the block ends one sample past its end, where the last one counts again.
+TEST_F(Vox, OddBlocksSkipASample) {
+    const int a[] = {16000, -32000, 48000};
+    const int b[] = {64000, 99, -80000};
+    const std::string path = Path("o.vox");
+    LSoundSink sink = LRawFile::OpenSink(path.c_str(), settings_);
+    sink->Write(a, 3);
+    EXPECT_EQ(Load(path).size(), 1U);
+    sink->Write(b, 3);
+    EXPECT_EQ(Load(path).size(), 3U);
+    sink->Write(b, 1);
+    EXPECT_EQ(Load(path).size(), 3U);  // pending
+    sink->Write(b, 2);                 // completes it, skips, keeps the value past the end
+    EXPECT_EQ(Load(path).size(), 4U);
+    sink->Write(b, 1);
+    EXPECT_EQ(sink->FramesWritten(), 10);
+    sink->Write(a, 1);
+    sink.Close();
+    PlainVox plain;
+    Bytes expected;
+    const int taken[] = {a[0], a[1], a[2], b[0], b[2], b[2], b[0], b[0], b[1], b[0]};
+    for (int i = 0; i < 10; i += 2) {
+        const int high = plain.Encode(taken[i]);
+        expected.U8(static_cast<std::uint32_t>(high << 4 | plain.Encode(taken[i + 1])));
+    }
+    EXPECT_EQ(Load(path), expected.Str());
+}
+
+TEST_F(Vox, SeeksLandOnTheNibbleAndKeepTheState) {
+    const std::string path = Store("k.vox", std::string(1000, '\x3C'));
+    const LSoundSource source = LRawFile::OpenSource(path.c_str(), {6000, 2, kRawDialogicAdpcm});
+    EXPECT_EQ(source->GetEndSample(), 2000);
+    EXPECT_EQ(source->Channels(), 1);
+    EXPECT_EQ(source->SampleRate(), 6000);
+    EXPECT_EQ(source->PeakMagnitude(), 2097152);
+    PlainVox plain;
+    int block[8];
+    source->Read(block, 5);
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(block[i], plain.Step(i % 2 == 0 ? 3 : 12));
+    source->Seek(3);
+    EXPECT_EQ(source->GetPositionSample(), 3);
+    source->Read(block, 2);
+    EXPECT_EQ(block[0], plain.Step(12));  // the low nibble of byte 1, in the state reached
+    EXPECT_EQ(block[1], plain.Step(3));
+    source->Seek(-2);
+    source->Read(block, 3);
+    EXPECT_EQ(std::vector<int>(block, block + 2), std::vector<int>(2, 0));
+    EXPECT_EQ(block[2], plain.Step(3));
+    for (const int frame : {1999, 2000, 2001, 5000, INT32_MAX}) {
+        source->Seek(frame);
+        source->Read(block, 3);
+        EXPECT_EQ(block[0] != 0, frame == 1999) << frame;
+        EXPECT_EQ(block[1], 0) << frame;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,383 @@
+#include "formats/wave_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "formats/wave_codec_names.h"
+#include "tests/formats/format_files.h"
+
+namespace {
+
+using namespace SoundStatus;
+
+struct Wave {  // a header whose fields can be changed one at a time
+    std::uint32_t riffSize = 36;
+    std::uint32_t fmtSize = 16;
+    std::uint32_t tag = 1, channels = 1, rate = 8000, align = 2, bits = 16;
+    std::uint32_t dataSize = 8;
+    std::string beforeFmt, beforeData;
+
+    std::string Build(const std::string& samples) const {
+        Bytes b;
+        b.Text("RIFF").LE32(riffSize).Text("WAVE").Text(beforeFmt).Text("fmt ").LE32(fmtSize);
+        Bytes f;
+        f.LE16(tag).LE16(channels).LE32(rate).LE32(rate * align).LE16(align).LE16(bits);
+        const std::string fields = f.Fill(9000).Str();
+        return b.Text(fields.substr(0, std::min(fmtSize, 9000U)))
+            .Text(beforeData)
+            .Text("data")
+            .LE32(dataSize)
+            .Text(samples)
+            .Str();
+    }
+};
+
+std::string Chunk(const std::string& id, std::uint32_t size, const std::string& body) {
+    return Bytes().Text(id).LE32(size).Text(body).Str();
+}
+
+const std::string kFourSamples = Bytes().LE16(1).LE16(2).LE16(3).LE16(0xFFFF).Str();
+const std::vector<int> kFourValues = {16, 32, 48, -16};
+
+class WaveFile : public FormatTest {};
+
+TEST_F(WaveFile, OneChangedFieldACase) {
+    struct Case {
+        const char* name;
+        void (*change)(Wave&);
+        int status;
+    };
+    const Case cases[] = {
+        {"as it is", [](Wave&) {}, kGood},
+        {"fmt of 18", [](Wave& w) { w.fmtSize = 18; }, kGood},
+        {"fmt of 8192", [](Wave& w) { w.fmtSize = 8192; }, kGood},
+        {"fmt of 15", [](Wave& w) { w.fmtSize = 15; }, kInvalidFormat},
+        {"fmt of 8193", [](Wave& w) { w.fmtSize = 8193; }, kInvalidFormat},
+        {"fmt of 0", [](Wave& w) { w.fmtSize = 0; }, kInvalidFormat},
+        {"fmt of 2^31-1", [](Wave& w) { w.fmtSize = 0x7FFFFFFF; }, kInvalidFormat},
+        {"fmt of 2^32-1", [](Wave& w) { w.fmtSize = 0xFFFFFFFF; }, kInvalidFormat},
+        {"no channels", [](Wave& w) { w.channels = 0; }, kInvalidFormat},
+        {"256 channels", [](Wave& w) { w.channels = 256; }, kInvalidFormat},
+        {"65535 channels", [](Wave& w) { w.channels = 65535; }, kInvalidFormat},
+        {"rate 0", [](Wave& w) { w.rate = 0; }, kInvalidFormat},
+        {"rate 196000", [](Wave& w) { w.rate = 196000; }, kGood},
+        {"rate 196001", [](Wave& w) { w.rate = 196001; }, kInvalidFormat},
+        {"rate 2^32-1", [](Wave& w) { w.rate = 0xFFFFFFFF; }, kInvalidFormat},
+        {"float", [](Wave& w) { w.tag = 3; }, kUnsupported},
+        {"extensible", [](Wave& w) { w.tag = 0xFFFE; }, kUnsupported},
+        {"24 bits", [](Wave& w) { w.bits = 24; }, kUnsupported},
+        {"65535 bits", [](Wave& w) { w.bits = 65535; }, kUnsupported},
+        {"0 bits", [](Wave& w) { w.bits = 0; }, kInvalidFormat},
+        {"12 bits", [](Wave& w) { w.bits = 12; }, kGood},
+        {"block align 0", [](Wave& w) { w.align = 0; }, kGood},
+        {"block align 65535", [](Wave& w) { w.align = 65535; }, kGood},
+        {"RIFF size 0", [](Wave& w) { w.riffSize = 0; }, kGood},
+        {"RIFF size 2^32-1", [](Wave& w) { w.riffSize = 0xFFFFFFFF; }, kGood},
+        {"chunk of 2^31-1", [](Wave& w) { w.beforeFmt = Chunk("LIST", 0x7FFFFFFF, ""); },
+         kInvalidFormat},
+        {"chunk of 2^31", [](Wave& w) { w.beforeFmt = Chunk("LIST", 0x80000000, ""); },
+         kInvalidFormat},
+        {"chunk past the end", [](Wave& w) { w.beforeData = Chunk("fact", 1000, "1234"); },
+         kInvalidFormat},
+        {"empty and odd chunks",
+         [](Wave& w) {
+             w.beforeFmt = Chunk("LIST", 0, "") + Chunk("junk", 3, "abc\0");
+             w.beforeFmt += std::string(1, '\0');
+             w.beforeData = Chunk("fact", 4, "1234");
+         },
+         kGood},
+        {"doubled fmt: the first counts", [](Wave& w) { w.beforeData = Chunk("fmt ", 4, "junk"); },
+         kGood},
+        {"data before fmt is skipped", [](Wave& w) { w.beforeFmt = Chunk("data", 2, "xx"); },
+         kGood},
+    };
+    for (const Case& c : cases) {
+        Wave wave;
+        c.change(wave);
+        const std::string path = Store("w.wav", wave.Build(kFourSamples));
+        const LSoundSource source = LWaveFile::OpenSource(path.c_str());
+        EXPECT_EQ(source->Status(), c.status) << c.name;
+        if (c.status != kGood)
+            continue;
+        EXPECT_EQ(source->PeakMagnitude(), 524272) << c.name;
+        EXPECT_EQ(ReadAll(source), kFourValues) << c.name;
+    }
+}
+
+TEST_F(WaveFile, WhatIsNotAFileOfSamplesIsRefused) {
+    const std::string fifo = Path("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    for (const std::string& path : {fifo, Path(""), Path("missing"), std::string("/dev/zero")}) {
+        EXPECT_EQ(LWaveFile::OpenSource(path.c_str())->Status(), kCannotOpen) << path;
+        EXPECT_FALSE(LWaveFile::TestPCM(path.c_str())) << path;
+    }
+    std::string noFmt = Wave().Build(kFourSamples).replace(12, 4, "nope");
+    for (const std::string& bytes : {std::string(), std::string("R"), noFmt})
+        EXPECT_EQ(LWaveFile::OpenSource(Store("s.wav", bytes).c_str())->Status(), kInvalidFormat);
+}
+
+TEST_F(WaveFile, TruncationAtEveryHeaderByte) {
+    Wave wave;
+    wave.fmtSize = 18;
+    wave.beforeFmt = Chunk("LIST", 5, "abcde ");
+    const std::string whole = wave.Build(kFourSamples);
+    const std::size_t header = whole.size() - kFourSamples.size();
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        const std::string path = Store("t.wav", whole.substr(0, size));
+        const LSoundSource source = LWaveFile::OpenSource(path.c_str());
+        ASSERT_EQ(source->Status(), size < header ? kInvalidFormat : kGood) << size;
+        if (size < header)
+            continue;
+        std::vector<int> expected(kFourValues.begin(),
+                                  kFourValues.begin() + static_cast<long>((size - header) / 2));
+        expected.resize(4);  // what the file does not hold is silence
+        EXPECT_EQ(ReadAll(source), expected) << size;
+    }
+}
+
+TEST_F(WaveFile, TwentyThousandEmptyChunksAndForeignOnesInFront) {
+    Wave wave;
+    for (int i = 0; i < 20000; ++i)
+        wave.beforeData += Chunk("null", 0, "");
+    const std::string foreign = Chunk("odds", 7, "1234567 ");
+    const std::string path = Store("c.wav", foreign + wave.Build(kFourSamples));
+    EXPECT_EQ(ReadAll(LWaveFile::OpenSource(path.c_str())), kFourValues);
+    // Foreign chunks of 3 bytes or less cannot be crossed: their header is read twelve bytes at a
+    // time.
+    const std::string small = Store("d.wav", Chunk("odds", 2, "ab") + wave.Build(kFourSamples));
+    EXPECT_EQ(LWaveFile::OpenSource(small.c_str())->Status(), kInvalidFormat);
+}
+
+TEST_F(WaveFile, RequestsOfAnySizeGiveTheSameSamples) {
+    const std::vector<int> signal = TestSignal(20001 * 2);
+    for (const unsigned short bits : {std::uint16_t{8}, std::uint16_t{16}}) {
+        const std::string path = Path("r.wav");
+        WriteAll(LWaveFile::OpenSinkPCM(path.c_str(), 48000, 2, bits, 0), signal, 777);
+        const std::vector<int> whole = ReadAll(LWaveFile::OpenSource(path.c_str()));
+        if (bits == 16) {
+            ASSERT_EQ(whole, signal);
+        }
+        ASSERT_EQ(whole.size(), signal.size());
+        for (const int step : {1, 2, 3, 4097, 8191, 20000})
+            EXPECT_EQ(ReadAll(LWaveFile::OpenSource(path.c_str()), step), whole) << step;
+    }
+}
+
+TEST_F(WaveFile, SeeksKeepTheirPositionAndLeadInIsSilent) {
+    std::vector<int> signal = TestSignal(100);
+    const std::string path = Path("s.wav");
+    WriteAll(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 0), signal);
+    const LSoundSource source = LWaveFile::OpenSource(path.c_str());
+    for (const int start : {-40, -1, 0, 1, 60, 99, 100, 5000, -2147483647, 2147483647}) {
+        source->Seek(start);
+        EXPECT_EQ(source->GetPositionSample(), start);
+        std::vector<int> block(100, 9);
+        source->Read(block.data(), 100);
+        for (std::int64_t i = 0; i < 100; ++i) {
+            const std::int64_t frame = start + i;
+            const int expected =
+                frame >= 0 && frame < 100 ? signal[static_cast<std::size_t>(frame)] : 0;
+            ASSERT_EQ(block[static_cast<std::size_t>(i)], expected) << start << " + " << i;
+        }
+    }
+    EXPECT_EQ(source->GetPositionSample(), 2147483647);  // no way past the last frame number
+}
+
+TEST_F(WaveFile, HeaderOfAFinishedFile) {
+    const std::string path = Path("h.wav");
+    {
+        LSoundSink sink = LWaveFile::OpenSinkPCM(path.c_str(), 44100, 2, 16, 0);
+        const std::string open = Load(path);
+        ASSERT_EQ(open.size(), 46U);
+        EXPECT_EQ(open.substr(4, 4) + open.substr(42, 4), std::string(8, '\xFF'));
+        WriteAll(sink, std::vector<int>(20, 160));
+        EXPECT_EQ(sink->FramesWritten(), 10);
+    }
+    const std::string expected = Bytes()
+                                     .Text("RIFF")
+                                     .LE32(78)
+                                     .Text("WAVEfmt ")
+                                     .LE32(18)
+                                     .LE16(1)
+                                     .LE16(2)
+                                     .LE32(44100)
+                                     .LE32(176400)
+                                     .LE16(4)
+                                     .LE16(16)
+                                     .LE16(0)
+                                     .Text("data")
+                                     .LE32(40)
+                                     .Str();
+    EXPECT_EQ(Load(path).substr(0, 46), expected);
+    EXPECT_EQ(Load(path).size(), 86U);
+}
+
+TEST_F(WaveFile, SinksOnExistingFilesKeepTheFramesAskedFor) {
+    const std::vector<int> signal = TestSignal(500);
+    const std::string path = Path("k.wav");
+    const auto make = [&] {
+        WriteAll(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 0), signal);
+    };
+    make();
+    { EXPECT_EQ(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 1000)->FramesWritten(), 1000); }
+    EXPECT_EQ(Load(path).size(), 46U + 1000U);
+    make();
+    WriteAll(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 100), {16, 32});
+    std::vector<int> expected(signal.begin(), signal.begin() + 100);
+    expected.insert(expected.end(), {16, 32});
+    EXPECT_EQ(ReadAll(LWaveFile::OpenSource(path.c_str())), expected);
+    {
+        LSoundSink sink = LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, -3);
+        EXPECT_EQ(Load(path).size(), 46U);
+        WriteAll(sink, signal);
+        sink->Seek(501);  // forward: ignored
+        EXPECT_EQ(sink->FramesWritten(), 500);
+        sink->Seek(10);
+        WriteAll(sink, {-16});
+    }
+    expected.assign(signal.begin(), signal.begin() + 10);
+    expected.push_back(-16);
+    EXPECT_EQ(ReadAll(LWaveFile::OpenSource(path.c_str())), expected);
+}
+
+TEST_F(WaveFile, AFileBeingWrittenIsReadAsItGrows) {
+    const std::string path = Path("g.wav");
+    LSoundSink sink = LWaveFile::OpenSinkPCM(path.c_str(), 8000, 2, 16, 0);
+    const LSoundSource source = LWaveFile::OpenSource(path.c_str());
+    EXPECT_TRUE(source->IsStreaming());
+    EXPECT_EQ(source->GetEndSample(), 0);
+    const std::vector<int> signal = TestSignal(2000);
+    WriteAll(sink, signal);
+    EXPECT_EQ(source->GetEndSample(), 1000);
+    EXPECT_TRUE(source->IsStreaming());
+    std::vector<int> block(2000);
+    source->Read(block.data(), 1000);
+    EXPECT_EQ(block, signal);
+    WriteAll(sink, signal);
+    sink.Close();
+    EXPECT_EQ(source->GetEndSample(), 2000);
+    EXPECT_FALSE(source->IsStreaming());
+    source->Read(block.data(), 1000);
+    EXPECT_EQ(block, signal);
+    ASSERT_EQ(::truncate(path.c_str(), 50), 0);  // and one that shrinks
+    source->Seek(0);
+    source->Read(block.data(), 1000);
+    EXPECT_EQ(block[1], signal[1]);
+    EXPECT_EQ(block[2], 0);
+}
+
+// The reader may meet the end in the middle of a frame; the next one must not swap the channels.
+TEST_F(WaveFile, AGrowingFileKeepsItsChannelsApart) {
+    Wave wave;
+    wave.channels = 2;
+    wave.dataSize = 0xFFFFFFFF;
+    const std::string path = Store("o.wav", wave.Build(Bytes().LE16(1).LE16(2).LE16(3).Str()));
+    const LSoundSource source = LWaveFile::OpenSource(path.c_str());
+    int block[4];
+    source->Read(block, 2);
+    EXPECT_EQ(std::vector<int>(block, block + 4), (std::vector<int>{16, 32, 48, 0}));
+    std::ofstream(path, std::ios::binary | std::ios::app) << Bytes().LE16(4).LE16(5).LE16(6).Str();
+    source->Read(block, 2);
+    EXPECT_EQ(std::vector<int>(block, block + 4), (std::vector<int>{80, 96, 0, 0}));
+}
+
+TEST_F(WaveFile, SizesBeyondTheFieldsAreLeftUnknown) {
+    // A sparse file stands in for 4 GiB of samples: the start frame puts the counter there.
+    struct Case {
+        int frames;
+        std::uint32_t riff, data;
+    };
+    const Case cases[] = {{0x3FFFFFF5, 0xFFFFFFFA, 0xFFFFFFD4},
+                          {0x3FFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF},
+                          {0x20000000, 0x80000026, 0x80000000},
+                          {0x7FFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF}};
+    for (const Case& c : cases) {
+        const std::string path = Path("big.wav");
+        { LWaveFile::OpenSinkPCM(path.c_str(), 48000, 2, 16, c.frames); }
+        const std::string header = Load(path);
+        EXPECT_EQ(header.substr(4, 4), Bytes().LE32(c.riff).Str()) << c.frames;
+        EXPECT_EQ(header.substr(42, 4), Bytes().LE32(c.data).Str()) << c.frames;
+    }
+    Wave wave;
+    wave.dataSize = 0xFFFFFFFE;
+    wave.bits = 8;
+    const std::string path = Store("long.wav", wave.Build(kFourSamples));
+    const LSoundSource source = LWaveFile::OpenSource(path.c_str());
+    EXPECT_EQ(source->GetEndSample(), 2147483647);
+    source->Seek(source->GetEndSample());
+    int block[4];
+    source->Read(block, 4);
+    EXPECT_EQ(block[0], 0);
+}
+
+TEST_F(WaveFile, SinksThatCannotWriteSaySo) {
+    LSoundSink missing = LWaveFile::OpenSinkPCM(Path("no/such.wav").c_str(), 8000, 1, 16, 0);
+    EXPECT_EQ(missing->Status(), 1);
+    EXPECT_EQ(missing->WriteError(), ENOENT);
+    WriteAll(missing, {1, 2, 3});
+    missing->Seek(1);
+    EXPECT_EQ(LWaveFile::OpenSinkPCM(Path("").c_str(), 8000, 1, 16, 0)->Status(), 1);
+    const std::string fifo = Path("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_EQ(LWaveFile::OpenSinkPCM(fifo.c_str(), 8000, 1, 16, 0)->Status(), 1);
+    LSoundSink full = LWaveFile::OpenSinkPCM("/dev/full", 8000, 1, 16, 0);
+    WriteAll(full, TestSignal(100));
+    EXPECT_EQ(full->WriteError(), ENOSPC);
+    EXPECT_EQ(full->FramesWritten(), 100);
+    const std::string path = Path("x.wav");
+    EXPECT_EQ(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 24, 0)->Status(), 1);
+    EXPECT_EQ(LWaveFile::OpenSink(path.c_str(), LWaveFileFormat(8000, 1, "ALAW"))->Status(), 1);
+    EXPECT_FALSE(std::filesystem::exists(path));
+    LSoundSink none = LWaveFile::OpenSinkPCM(path.c_str(), 8000, 0, 16, 0);
+    EXPECT_EQ(none->Status(), 1);
+    WriteAll(none, {16, 32});
+}
+
+TEST_F(WaveFile, FormatRecordsAndCodecNames) {
+    struct Case {
+        const char* name;
+        int tag, bits, align;
+    };
+    for (const Case& c : {Case{"PCM16", 1, 16, 4}, Case{"pcm8", 1, 8, 2}, Case{"Alaw", 6, 8, 2},
+                          Case{"ULAW", 7, 8, 2}, Case{"MuLaw", 7, 8, 2}, Case{"", 1, 16, 4}}) {
+        const LWaveFileFormat format(22050, 2, c.name);
+        EXPECT_EQ(format.tag, c.tag) << c.name;
+        EXPECT_EQ(format.bitsPerSample, c.bits) << c.name;
+        EXPECT_EQ(format.blockAlign, c.align) << c.name;
+        EXPECT_EQ(format.averageBytesPerSecond, 22050U * static_cast<unsigned>(c.align)) << c.name;
+        EXPECT_EQ(format.extraSize, 0);
+    }
+    Wave wave;
+    wave.tag = 0x55;
+    wave.fmtSize = 20;
+    const std::string path = Store("n.wav", wave.Build(""));
+    WAVEFORMATEX* format = nullptr;
+    ASSERT_TRUE(LGetWaveFormatEx(path.c_str(), &format));
+    EXPECT_EQ(format->wFormatTag, 0x55);
+    EXPECT_EQ(format->nSamplesPerSec, 8000U);
+    EXPECT_EQ(format->cbSize, 0);
+    FreeWaveFormatEx(format);
+    EXPECT_FALSE(LWaveFile::TestPCM(path.c_str()));
+    char name[kWaveCodecNameSize];
+    const auto nameOf = [&](std::uint32_t tag) {
+        wave.tag = tag;
+        LGetWaveFileCodecName(name, Store("n.wav", wave.Build("")).c_str());
+        return std::string(name);
+    };
+    EXPECT_EQ(nameOf(0x55), "MPEG-1 Layer 3 (MP3)");
+    EXPECT_EQ(nameOf(0x31), "Microsoft GSM 6.10");
+    EXPECT_EQ(nameOf(0x2001), "Dolby DTS (Digital Theater System)");
+    EXPECT_EQ(nameOf(0xFFFF), "In Development / Unregistered");
+    EXPECT_EQ(nameOf(0x1234), "Microsoft Unknown Wave Format");
+    LGetWaveFileCodecName(name, Path("missing").c_str());
+    EXPECT_STREQ(name, "Microsoft Unknown Wave Format");
+    for (std::size_t i = 0; i < kWaveCodecCount; ++i) {
+        EXPECT_LT(std::strlen(WaveCodecs[i].name), kWaveCodecNameSize);
+        EXPECT_TRUE(i == 0 || WaveCodecs[i - 1].tag < WaveCodecs[i].tag) << i;
+    }
+}
+
+}  // namespace
