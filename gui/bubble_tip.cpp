@@ -1,0 +1,157 @@
+#include "gui/bubble_tip.h"
+
+#include <dlfcn.h>
+
+#include "gui/accessible.h"
+#include "gui/display_text.h"
+#include "gui/gdk_lock.h"
+
+namespace {
+
+constexpr int kShownMs = 6000;
+
+// The notification library, loaded at first use; whole or not at all. It stays loaded: its types
+// cannot be unloaded.
+struct NotifyLibrary {
+    gboolean (*init)(const char* appName) = nullptr;
+    GObject* (*newNotification)(const char* summary, const char* body, const char* icon) = nullptr;
+    void (*setTimeout)(GObject* notification, gint milliseconds) = nullptr;
+    gboolean (*show)(GObject* notification, GError** error) = nullptr;
+    gboolean (*close)(GObject* notification, GError** error) = nullptr;
+    GType (*getType)() = nullptr;
+    bool usable = false;
+
+    NotifyLibrary() {
+        void* library = dlopen("libnotify.so", RTLD_LAZY | RTLD_LOCAL);
+        if (library == nullptr)
+            return;
+        const bool whole = Load(library, "notify_init", init) &&
+                           Load(library, "notify_notification_new", newNotification) &&
+                           Load(library, "notify_notification_set_timeout", setTimeout) &&
+                           Load(library, "notify_notification_show", show) &&
+                           Load(library, "notify_notification_close", close) &&
+                           Load(library, "notify_notification_get_type", getType);
+        usable = whole && init("Lectora");
+    }
+
+private:
+    template <typename F>
+    static bool Load(void* library, const char* name, F& function) {
+        function = reinterpret_cast<F>(dlsym(library, name));
+        return function != nullptr;
+    }
+};
+
+const NotifyLibrary& Notify() {
+    static const NotifyLibrary library;
+    return library;
+}
+
+GtkWidget* NewTipContent(const char* title, const char* text) {
+    GtkWidget* box = gtk_vbox_new(FALSE, 4);
+    gtk_container_set_border_width(GTK_CONTAINER(box), 8);
+    GtkWidget* heading = gtk_label_new(nullptr);
+    char* markup = g_markup_printf_escaped("<b>%s</b>", DisplayText(title).c_str());
+    gtk_label_set_markup(GTK_LABEL(heading), markup);
+    g_free(markup);
+    gtk_box_pack_start(GTK_BOX(box), heading, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), gtk_label_new(DisplayText(text).c_str()), FALSE, FALSE, 0);
+    GtkWidget* frame = gtk_frame_new(nullptr);
+    gtk_container_add(GTK_CONTAINER(frame), box);
+    return frame;
+}
+
+// Just below the control.
+void PlacePopUp(GtkWidget* popUp, GtkWidget* control) {
+    GdkWindow* window = control != nullptr ? gtk_widget_get_window(control) : nullptr;
+    if (window == nullptr) {
+        gtk_window_set_position(GTK_WINDOW(popUp), GTK_WIN_POS_CENTER);
+        return;
+    }
+    int x = 0;
+    int y = 0;
+    gdk_window_get_origin(window, &x, &y);
+    GtkAllocation place;
+    gtk_widget_get_allocation(control, &place);
+    if (!gtk_widget_get_has_window(control)) {
+        x += place.x;
+        y += place.y;
+    }
+    gtk_window_move(GTK_WINDOW(popUp), x, y + place.height);
+}
+
+}  // namespace
+
+struct LBubbleTipCallbacks {
+    static void GCClosed(GObject*, gpointer tip) {
+        auto* self = static_cast<LBubbleTip*>(tip);
+        g_signal_handler_disconnect(self->notification_.Get(), self->closedHandler_);
+        self->notification_.Reset();
+    }
+    static gboolean GCTimer(gpointer tip) {
+        const GdkLock lock;
+        static_cast<LBubbleTip*>(tip)->Hide();
+        return FALSE;
+    }
+    static gboolean GCClick(GtkWidget*, GdkEventButton*, gpointer tip) {
+        static_cast<LBubbleTip*>(tip)->Hide();
+        return TRUE;
+    }
+    static void GCDestroyed(GtkWidget*, gpointer tip) {
+        static_cast<LBubbleTip*>(tip)->popUp_ = nullptr;
+    }
+};
+
+void LBubbleTip::Show(GtkWidget* control, const char* title, const char* text) {
+    Hide();
+    if (!ShowNotification(title, text))
+        ShowPopUp(control, title, text);
+}
+
+bool LBubbleTip::ShowNotification(const char* title, const char* text) {
+    const NotifyLibrary& notify = Notify();
+    if (!notify.usable)
+        return false;
+    notification_ = GObjectRef<GObject>::Adopt(
+        notify.newNotification(DisplayText(title).c_str(), DisplayText(text).c_str(), nullptr));
+    if (!G_TYPE_CHECK_INSTANCE_TYPE(notification_.Get(), notify.getType())) {
+        notification_.Reset();
+        return false;
+    }
+    notify.setTimeout(notification_.Get(), kShownMs);
+    closedHandler_ = g_signal_connect(notification_.Get(), "closed",
+                                      G_CALLBACK(LBubbleTipCallbacks::GCClosed), this);
+    if (notify.show(notification_.Get(), nullptr))
+        return true;
+    g_signal_handler_disconnect(notification_.Get(), closedHandler_);
+    notification_.Reset();
+    return false;
+}
+
+void LBubbleTip::ShowPopUp(GtkWidget* control, const char* title, const char* text) {
+    popUp_ = gtk_window_new(GTK_WINDOW_POPUP);
+    gtk_window_set_type_hint(GTK_WINDOW(popUp_), GDK_WINDOW_TYPE_HINT_NOTIFICATION);
+    atk_object_set_role(gtk_widget_get_accessible(popUp_), ATK_ROLE_ALERT);
+    SetAccessibleName(popUp_, DisplayText(text).c_str());
+    gtk_container_add(GTK_CONTAINER(popUp_), NewTipContent(title, text));
+    gtk_widget_add_events(popUp_, GDK_BUTTON_PRESS_MASK);
+    g_signal_connect(popUp_, "button-press-event", G_CALLBACK(LBubbleTipCallbacks::GCClick), this);
+    g_signal_connect(popUp_, "destroy", G_CALLBACK(LBubbleTipCallbacks::GCDestroyed), this);
+    PlacePopUp(popUp_, control);
+    gtk_widget_show_all(popUp_);
+    timer_ = g_timeout_add(kShownMs, LBubbleTipCallbacks::GCTimer, this);
+}
+
+void LBubbleTip::Hide() {
+    if (notification_) {
+        g_signal_handler_disconnect(notification_.Get(), closedHandler_);
+        Notify().close(notification_.Get(), nullptr);
+        notification_.Reset();
+    }
+    if (timer_ != 0) {
+        g_source_remove(timer_);
+        timer_ = 0;
+    }
+    if (popUp_ != nullptr)
+        gtk_widget_destroy(popUp_);  // the "destroy" handler forgets it
+}

@@ -1,0 +1,25 @@
+#include "gui/control_factory.h"
+
+GtkWidget* NewDropDownList() {
+    return gtk_combo_box_text_new();
+}
+
+GtkWidget* NewComboBox() {
+    return gtk_combo_box_text_new_with_entry();
+}
+
+LEditWidgets NewEdit(bool readOnly, GtkPolicyType verticalScrollBar) {
+    LEditWidgets edit{gtk_scrolled_window_new(nullptr, nullptr), gtk_text_view_new()};
+    GtkTextView* view = GTK_TEXT_VIEW(edit.textView);
+    gtk_text_view_set_left_margin(view, 2);
+    gtk_text_view_set_right_margin(view, 2);
+    gtk_text_view_set_border_window_size(view, GTK_TEXT_WINDOW_BOTTOM, 10);
+    gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD);
+    gtk_text_view_set_editable(view, !readOnly);
+    gtk_text_view_set_accepts_tab(view, FALSE);
+    GtkScrolledWindow* scrolled = GTK_SCROLLED_WINDOW(edit.scrolledWindow);
+    gtk_scrolled_window_set_policy(scrolled, GTK_POLICY_NEVER, verticalScrollBar);
+    gtk_scrolled_window_set_shadow_type(scrolled, GTK_SHADOW_ETCHED_IN);
+    gtk_container_add(GTK_CONTAINER(scrolled), edit.textView);
+    return edit;
+}

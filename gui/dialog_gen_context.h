@@ -1,0 +1,100 @@
+// What a dialog's generator function lays the dialog out with.
+//
+// Each call makes a widget, places it in the current container and registers it under its id in the
+// dialog. A label made beside a control goes under id + 1 and speaks for the control to screen
+// readers. Id -1 stands for widgets that are never addressed. Containers form a stack: every
+// Start... and AddGroup has its End. Sizes are pixels; texts are plain.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <vector>
+
+class LDialog;
+
+class LDialogGenContext {
+public:
+    LDialogGenContext(LDialog& dialog, GtkWidget* rootTable);
+    LDialogGenContext(const LDialogGenContext&) = delete;
+    LDialogGenContext& operator=(const LDialogGenContext&) = delete;
+
+    LDialog& Dialog() { return dialog_; }
+
+    // Containers.
+    void StartVBox(int width);
+    void StartHBox();
+    void EndVBox();
+    void EndHBox();
+    void AddGroup(int id, const char* title, int width, int unused = 0);
+    void GroupEnd();
+    void StartPanels();  // panels lie over each other; the dialog shows one of them
+    void StartPanel(int id = -1);
+    void EndPanel();
+    void EndPanels();
+    void IndentStart() { indent_ += 3; }
+    void IndentEnd() { indent_ -= 3; }
+    void SetWidth(int width);
+    void Finalize();
+
+    // Placement of a widget made elsewhere; a left item leaves its row open for a right item.
+    void AddSpan(GtkWidget* widget, int id, unsigned int leftColumn, unsigned int rightColumn);
+    void AddSpanFull(GtkWidget* widget, int id);
+    void AddSpanLeft(GtkWidget* widget, int id);
+    void AddSpanRight(GtkWidget* widget, int id);
+
+    // Texts. What comes after a title is indented further.
+    void AddStatic(int id, const char* text, int width = 0, int height = 0);
+    void AddStaticLeft(int id, const char* text);
+    void AddStaticTitle(int id, const char* text, int height = 0);
+    void AddHorizontalLine(int id, const char* text);
+
+    // Controls. AddRadioButtonGroup adds the first button of a new group.
+    void AddInput(int id, const char* text, int width = 0);
+    void AddInputPassword(int id, const char* text, int width = 0);
+    void AddInputUpDown(int id, const char* text);  // range: LWindow::UDInit
+    void AddEdit(int id, const char* text, int height = 0);
+    void AddEditReadOnly(int id, const char* text, int height = 0);
+    void AddPullDownList(int id, const char* text, int width = 0);
+    void AddPullDownList(int id);
+    void AddComboBox(int id, const char* text, int width = 0);
+    void AddComboBox(int id);
+    void AddList(int id, int height);  // its scrolled window is id + 1
+    void AddButton(int id, const char* text, int align = 0, int width = 0, int height = 0);
+    void AddCheckBox(int id, const char* text, int width = 0, int unused = 0);
+    void AddRadioButtonGroup(int id, const char* text, int unused = 0);
+    void AddRadioButton(int id, const char* text, int unused = 0);
+    void AddScrollBar(int id, const char* text);  // range: LWindow::SBSetRange
+    void AddScrollBar(int id);
+    void AddProgressBar(int id);
+
+    // The action area. A null label keeps the stock text of the OK button; without a label and with
+    // all three buttons unwanted there is no action area at all.
+    void AddOkCancelHelp(const char* label, bool noHelp, bool noCancel, bool noOk);
+    void AddOkCancelHelp(bool noHelp, bool noCancel, bool noOk);
+    void AddSpecialOkCancelHelp(int id, const char* stockId, const char* label, bool noHelp,
+                                bool noCancel, bool noOk);
+
+private:
+    enum class Kind { kBox, kRootTable, kGroup, kPanels };
+    struct Frame {
+        GtkWidget* container;
+        Kind kind;
+        unsigned int row;  // next free row, tables only
+    };
+    Frame& Top() { return containers_.back(); }
+    bool InTable();
+    void Push(GtkWidget* container, Kind kind) { containers_.push_back({container, kind, 0}); }
+    void PopBox();
+    void AttachContainer(GtkWidget* widget, GtkAttachOptions horizontal, unsigned int padding);
+    void AddLabelled(GtkWidget* control, int id, const char* text);
+    void AddEditWidget(int id, const char* text, int height, bool readOnly);
+    GtkWidget* FindButtonBox();
+    void SetUpActionButton(GtkWidget* button, const char* label, bool noHelp, bool noCancel,
+                           bool noOk);
+
+    LDialog& dialog_;
+    int indent_ = 1;
+    int width_ = -1;
+    GtkWidget* radioGroup_ = nullptr;  // first button of the current group
+    std::vector<Frame> containers_;    // innermost last; never empty
+};

@@ -1,0 +1,177 @@
+#include "gui/accessible.h"
+#include "gui/control_factory.h"
+#include "gui/dialog.h"
+#include "gui/dialog_gen_context.h"
+#include "gui/display_text.h"
+
+namespace {
+
+constexpr int kFieldHeight = 24;
+constexpr int kButtonWidth = 110;
+constexpr int kTitleWidth = 400;
+
+GtkWidget* NewLabel(const char* text) {
+    return gtk_label_new(DisplayText(text).c_str());
+}
+
+}  // namespace
+
+void LDialogGenContext::AddStatic(int id, const char* text, int width, int height) {
+    GtkWidget* label = NewLabel(text);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.5F, 0.5F);
+    if (height >= 1) {
+        gtk_widget_set_size_request(label, width > 0 ? width : -1, height);
+        gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+        gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_FILL);
+    } else if (width > 0) {
+        gtk_widget_set_size_request(label, width, -1);
+    }
+    AddSpanFull(label, id);
+}
+
+void LDialogGenContext::AddStaticLeft(int id, const char* text) {
+    GtkWidget* label = NewLabel(text);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    AddSpanLeft(label, id);
+}
+
+void LDialogGenContext::AddStaticTitle(int id, const char* text, int height) {
+    GtkWidget* label = gtk_label_new(nullptr);
+    char* markup = g_markup_printf_escaped("<span weight=\"bold\" size=\"large\"> %s </span>",
+                                           DisplayText(text).c_str());
+    gtk_label_set_markup(GTK_LABEL(label), markup);
+    g_free(markup);
+    if (height >= 1) {
+        gtk_widget_set_size_request(label, kTitleWidth, height);
+        gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    }
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    AddSpanFull(label, id);
+    IndentStart();  // for the rest of the dialog: what follows stands under the title
+}
+
+void LDialogGenContext::AddHorizontalLine(int id, const char* text) {
+    GtkWidget* line = gtk_hbox_new(FALSE, 5);
+    GtkWidget* label = NewLabel(text);
+    gtk_box_pack_start(GTK_BOX(line), label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(line), gtk_hseparator_new(), TRUE, TRUE, 0);
+    dialog_.SetControlID(label, id);
+    AddSpanFull(line, -1);
+}
+
+void LDialogGenContext::AddLabelled(GtkWidget* control, int id, const char* text) {
+    AddStaticLeft(id + 1, text);
+    LabelWidget(dialog_.GetControlByID(id + 1), control);
+    AddSpanRight(control, id);
+}
+
+void LDialogGenContext::AddInput(int id, const char* text, int width) {
+    GtkWidget* entry = gtk_entry_new();
+    if (width > 0)
+        gtk_widget_set_size_request(entry, width, kFieldHeight);
+    AddLabelled(entry, id, text);
+}
+
+void LDialogGenContext::AddInputPassword(int id, const char* text, int width) {
+    AddInput(id, text, width);
+    gtk_entry_set_visibility(GTK_ENTRY(dialog_.GetControlByID(id)), FALSE);
+}
+
+void LDialogGenContext::AddInputUpDown(int id, const char* text) {
+    AddLabelled(gtk_spin_button_new_with_range(0, 100, 1), id, text);
+}
+
+void LDialogGenContext::AddEditWidget(int id, const char* text, int height, bool readOnly) {
+    const LEditWidgets edit = NewEdit(readOnly, GTK_POLICY_AUTOMATIC);
+    if (height > 0)
+        gtk_widget_set_size_request(edit.scrolledWindow, -1, height);
+    AddSpanFull(edit.scrolledWindow, -1);
+    dialog_.SetControlID(edit.textView, id);
+    dialog_.SetEditText(id, text);
+}
+
+void LDialogGenContext::AddEdit(int id, const char* text, int height) {
+    AddEditWidget(id, text, height, false);
+}
+
+void LDialogGenContext::AddEditReadOnly(int id, const char* text, int height) {
+    AddEditWidget(id, text, height, true);
+}
+
+void LDialogGenContext::AddPullDownList(int id, const char* text, int width) {
+    GtkWidget* list = NewDropDownList();
+    if (width > 0)
+        gtk_widget_set_size_request(list, width, -1);
+    AddLabelled(list, id, text);
+}
+
+void LDialogGenContext::AddPullDownList(int id) {
+    AddSpanFull(NewDropDownList(), id);
+}
+
+void LDialogGenContext::AddComboBox(int id, const char* text, int width) {
+    GtkWidget* box = NewComboBox();
+    if (width > 0)
+        gtk_widget_set_size_request(box, width, -1);
+    AddLabelled(box, id, text);
+}
+
+void LDialogGenContext::AddComboBox(int id) {
+    AddSpanFull(NewComboBox(), id);
+}
+
+void LDialogGenContext::AddList(int id, int height) {
+    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    GtkWidget* list = gtk_tree_view_new();
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_ETCHED_IN);
+    gtk_widget_set_size_request(list, -1, height > 0 ? height : -1);
+    gtk_container_add(GTK_CONTAINER(scrolled), list);
+    AddSpanFull(scrolled, id + 1);
+    dialog_.SetControlID(list, id);
+}
+
+void LDialogGenContext::AddButton(int id, const char* text, int align, int width, int height) {
+    GtkWidget* button = gtk_button_new_with_label(DisplayText(text).c_str());
+    gtk_widget_set_size_request(button, width > 0 ? width : kButtonWidth, height > 0 ? height : -1);
+    if (align == 1)
+        gtk_button_set_alignment(GTK_BUTTON(button), 0.0F, 0.5F);
+    dialog_.SetButtonCommandHandler(button, id);
+    AddSpanFull(button, id);
+}
+
+void LDialogGenContext::AddCheckBox(int id, const char* text, int width, int) {
+    GtkWidget* button = gtk_check_button_new_with_label(DisplayText(text).c_str());
+    if (width > 0)
+        gtk_widget_set_size_request(button, width, -1);
+    AddSpanFull(button, id);
+    dialog_.SetRadioCheckButtonCommandHandler(button, id);
+}
+
+void LDialogGenContext::AddRadioButtonGroup(int id, const char* text, int unused) {
+    radioGroup_ = nullptr;
+    AddRadioButton(id, text, unused);
+}
+
+void LDialogGenContext::AddRadioButton(int id, const char* text, int) {
+    GtkWidget* button = gtk_radio_button_new_with_label_from_widget(
+        radioGroup_ != nullptr ? GTK_RADIO_BUTTON(radioGroup_) : nullptr,
+        DisplayText(text).c_str());
+    if (radioGroup_ == nullptr)
+        radioGroup_ = button;
+    AddSpanFull(button, id);
+    dialog_.SetRadioCheckButtonCommandHandler(button, id);
+}
+
+void LDialogGenContext::AddScrollBar(int id, const char* text) {
+    AddLabelled(gtk_hscrollbar_new(nullptr), id, text);
+}
+
+void LDialogGenContext::AddScrollBar(int id) {
+    AddSpanFull(gtk_hscrollbar_new(nullptr), id);
+}
+
+void LDialogGenContext::AddProgressBar(int id) {
+    AddSpanFull(gtk_progress_bar_new(), id);
+}

@@ -1,0 +1,18 @@
+// Numbered images from the program's share folder.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include "gui/gobject_ref.h"
+
+// The program's own icon, worn by its windows and message boxes.
+constexpr int kAppIconNumber = 1;
+
+// Empty when the file is missing or unreadable.
+GObjectRef<GdkPixbuf> LoadIcon(int number);
+
+// A missing icon leaves the window without one.
+void SetWindowIcon(GtkWindow* window, int number);
+
+// A new image widget (floating), empty when the file is missing.
+GtkWidget* NewIconImage(int number);

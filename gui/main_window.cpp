@@ -1,0 +1,176 @@
+#include "gui/main_window.h"
+
+#include <algorithm>
+
+#include "foundation/settings.h"
+#include "gui/icons.h"
+
+namespace {
+
+constexpr const char* kPlacement = "MainWindow";
+
+}  // namespace
+
+struct LMainWindowCallbacks {
+    static gboolean GCExit(GtkWidget*, GdkEvent*, gpointer window) {
+        static_cast<LMainWindow*>(window)->CmClose();
+        return TRUE;
+    }
+    // Runs before GTK spreads the new size, so that the controls move in the same pass.
+    static gboolean GCConfigure(GtkWidget*, GdkEventConfigure* event, gpointer data) {
+        auto* window = static_cast<LMainWindow*>(data);
+        if (event->width != window->width_ || event->height != window->height_) {
+            window->width_ = event->width;
+            window->height_ = event->height;
+            window->LayoutControls(event->width, event->height);
+        }
+        return FALSE;
+    }
+    static void GCDestroyed(GtkWidget*, gpointer window) {
+        static_cast<LMainWindow*>(window)->fixed_ = nullptr;
+    }
+};
+
+void LMainWindow::Run(const char* title, const char* const* arguments, int count) {
+    if (!LUserSettingGetBool("Settings", "Installed", false)) {
+        OnFirstRun();
+        LUserSettingSetString("Settings", "Installed", "1");
+    }
+    CreateMainWindow(title);
+    InitDialog();
+    Layout();
+    EvRunArguments(arguments, count);
+    if (IsOpen()) {
+        gtk_widget_show_all(Widget());
+        EvShown();
+        gtk_main();
+    }
+}
+
+void LMainWindow::CreateMainWindow(const char* title) {
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    AttachWidget(window);
+    gtk_window_set_title(GTK_WINDOW(window), title);
+    gtk_widget_add_events(window, GDK_ALL_EVENTS_MASK);
+    HandleKeys(window);
+    CreateAccelerators();
+    g_signal_connect(window, "delete_event", G_CALLBACK(LMainWindowCallbacks::GCExit), this);
+    g_signal_connect(window, "configure-event", G_CALLBACK(LMainWindowCallbacks::GCConfigure),
+                     this);
+    g_signal_connect(window, "destroy", G_CALLBACK(LMainWindowCallbacks::GCDestroyed), this);
+
+    GtkWidget* box = gtk_vbox_new(FALSE, 0);
+    fixed_ = gtk_fixed_new();
+    gtk_box_pack_start(GTK_BOX(box), fixed_, TRUE, TRUE, 0);
+    gtk_box_pack_end(GTK_BOX(box), CreateStatusBar(), FALSE, FALSE, 0);
+    gtk_container_add(GTK_CONTAINER(window), box);
+
+    // An explicit minimum also lets the window shrink below what the fixed container asks for.
+    GdkGeometry geometry{};
+    geometry.min_width = kMinimumWidth;
+    geometry.min_height = kMinimumHeight;
+    gtk_window_set_resizable(GTK_WINDOW(window), TRUE);
+    gtk_window_set_geometry_hints(GTK_WINDOW(window), window, &geometry, GDK_HINT_MIN_SIZE);
+    ApplyPlacement();
+    SetAppIcon(kAppIconNumber);
+}
+
+void LMainWindow::ApplyPlacement() {
+    GtkWindow* window = GTK_WINDOW(Widget());
+    if (LUserSettingGetBool(kPlacement, "Maximized", false))
+        gtk_window_maximize(window);
+    gtk_window_move(window, LUserSettingGetInt(kPlacement, "X", 160),
+                    LUserSettingGetInt(kPlacement, "Y", 80));
+    gtk_window_set_default_size(
+        window, std::max(LUserSettingGetInt(kPlacement, "Width", 800), kMinimumWidth),
+        std::max(LUserSettingGetInt(kPlacement, "Height", 600), kMinimumHeight));
+}
+
+void LMainWindow::StorePlacement() const {
+    GtkWindow* window = GTK_WINDOW(Widget());
+    int width = 0;
+    int height = 0;
+    int x = 0;
+    int y = 0;
+    gtk_window_get_size(window, &width, &height);
+    gtk_window_get_position(window, &x, &y);
+    LUserSettingSetInt(kPlacement, "Width", width);
+    LUserSettingSetInt(kPlacement, "Height", height);
+    LUserSettingSetInt(kPlacement, "X", x);
+    LUserSettingSetInt(kPlacement, "Y", y);
+}
+
+void LMainWindow::LayoutBase(int& left, int& top, int&, int& height) {
+    left = 0;
+    top = 0;
+    height = std::max(0, height - LStatusBar::kHeight);
+}
+
+void LMainWindow::Layout() {
+    if (!IsOpen())
+        return;
+    if (width_ == 0)  // not shown yet
+        gtk_window_get_default_size(GTK_WINDOW(Widget()), &width_, &height_);
+    LayoutControls(width_, height_);
+}
+
+void LMainWindow::CmClose() {
+    if (!IsOpen())
+        return;
+    // A hidden window has no place of its own to store.
+    if (gtk_widget_get_visible(Widget()))
+        StorePlacement();
+    gtk_widget_hide(Widget());
+}
+
+void LMainWindow::CmExit() {
+    if (CmCancel())
+        Close(GTK_RESPONSE_CANCEL);
+}
+
+void LMainWindow::Close(int response) {
+    LKeyDialog::Close(response);
+    if (gtk_main_level() > 0)
+        gtk_main_quit();
+}
+
+void LMainWindow::CmOpen() {
+    if (!IsOpen())
+        return;
+    gtk_window_deiconify(GTK_WINDOW(Widget()));
+    ApplyPlacement();
+    gtk_widget_show_all(Widget());
+    gtk_window_present(GTK_WINDOW(Widget()));
+}
+
+void LMainWindow::AddControl(GtkWidget* control, int id, GtkWidget* placed) {
+    gtk_fixed_put(GTK_FIXED(fixed_), placed != nullptr ? placed : control, 0, 0);
+    SetControlID(control, id);
+}
+
+GtkWidget* LMainWindow::PlacedControl(int id) const {
+    GtkWidget* control = GetControlByID(id);
+    while (control != nullptr && gtk_widget_get_parent(control) != fixed_)
+        control = gtk_widget_get_parent(control);
+    return control;
+}
+
+void LMainWindow::SetFocusOrder(std::span<const int> ids) {
+    if (fixed_ == nullptr)
+        return;
+    GList* chain = nullptr;
+    for (const int id : ids) {
+        if (GtkWidget* control = PlacedControl(id))
+            chain = g_list_append(chain, control);
+    }
+    gtk_container_set_focus_chain(GTK_CONTAINER(fixed_), chain);
+    g_list_free(chain);
+}
+
+void LMainWindow::MoveControl(int id, int x, int y, int width, int height) {
+    GtkWidget* control = PlacedControl(id);
+    if (control == nullptr)
+        return;
+    gtk_widget_set_size_request(control, std::max(width, 1), std::max(height, 1));
+    gtk_fixed_move(GTK_FIXED(fixed_), control, x, y);
+}

@@ -1,0 +1,54 @@
+// The application's main window: its place kept in the settings, free layout, keys, a status bar,
+// hidden where other windows close.
+#pragma once
+
+#include <span>
+
+#include "gui/key_dialog.h"
+#include "gui/status_bar.h"
+
+class LMainWindow : public LKeyDialog, public LStatusBar {
+public:
+    static constexpr int kMinimumWidth = 280;
+    static constexpr int kMinimumHeight = 225;
+
+    // Builds the window, runs InitDialog, the first layout and EvRunArguments, shows the window
+    // (EvShown) and runs the main loop until Close. Called and returns with the GDK lock held.
+    // Arguments are borrowed; argument 0 is the program.
+    void Run(const char* title, const char* const* arguments, int count);
+
+    // Places the controls, by MoveControl; on every change of the window's size in pixels.
+    virtual void LayoutControls(int width, int height) = 0;
+    // In: the window's size. Out: the area left for controls, in container coordinates.
+    virtual void LayoutBase(int& left, int& top, int& width, int& height);
+    virtual void EvRunArguments(const char* const* arguments, int count) = 0;
+    virtual void OnFirstRun() {}  // once an account, before the window is built
+    virtual void EvShown() {}     // once, just before the main loop
+
+    void CmClose() override;            // stores the placement and hides; the program goes on
+    void CmExit() override;             // asks CmCancel; true ends
+    void Close(int response) override;  // ends the main loop
+    void CmOpen();                      // back on the screen where it was, in front
+
+    void Layout();  // runs LayoutControls with the present size
+
+protected:
+    void CreateMainWindow(const char* title);
+    GtkWidget* FixedContainer() const { return fixed_; }  // borrowed; null while closed
+    // Adds a control to the free area and registers it; one that lies in a scrolled window names
+    // that as `placed`.
+    void AddControl(GtkWidget* control, int id, GtkWidget* placed = nullptr);
+    void MoveControl(int id, int x, int y, int width, int height);
+    // The way of the Tab key through the controls; without it, the way is by position.
+    void SetFocusOrder(std::span<const int> ids);
+
+private:
+    friend struct LMainWindowCallbacks;
+    GtkWidget* PlacedControl(int id) const;  // child of the container, or null
+    void ApplyPlacement();
+    void StorePlacement() const;
+
+    GtkWidget* fixed_ = nullptr;  // owned by the window
+    int width_ = 0;
+    int height_ = 0;
+};

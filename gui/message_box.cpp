@@ -1,0 +1,44 @@
+#include "gui/message_box.h"
+
+#include "gui/display_text.h"
+#include "gui/icons.h"
+
+namespace {
+
+GtkWidget* NewMessageBox(GtkWidget* parent, GtkMessageType type, GtkButtonsType buttons,
+                         const char* title, const char* primary, const char* secondary) {
+    GtkWindow* owner = GTK_IS_WINDOW(parent) ? GTK_WINDOW(parent) : nullptr;
+    GtkWidget* box = gtk_message_dialog_new(owner, GTK_DIALOG_MODAL, type, buttons, "%s",
+                                            DisplayText(primary).c_str());
+    if (secondary != nullptr && *secondary != '\0')
+        gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(box), "%s",
+                                                 DisplayText(secondary).c_str());
+    gtk_window_set_title(GTK_WINDOW(box), DisplayText(title).c_str());
+    SetWindowIcon(GTK_WINDOW(box), kAppIconNumber);
+    return box;
+}
+
+int RunAndDestroy(GtkWidget* box) {
+    const int response = gtk_dialog_run(GTK_DIALOG(box));
+    gtk_widget_destroy(box);
+    return response;
+}
+
+}  // namespace
+
+int MessageBoxRun(GtkWidget* parent, GtkMessageType type, GtkButtonsType buttons, const char* title,
+                  const char* primary, const char* secondary) {
+    return RunAndDestroy(NewMessageBox(parent, type, buttons, title, primary, secondary));
+}
+
+int MessageBoxRunYesNoCancel(GtkWidget* parent, const char* title, const char* primary,
+                             const char* secondary) {
+    GtkWidget* box =
+        NewMessageBox(parent, GTK_MESSAGE_QUESTION, GTK_BUTTONS_NONE, title, primary, secondary);
+    GtkDialog* dialog = GTK_DIALOG(box);
+    gtk_dialog_add_button(dialog, GTK_STOCK_YES, GTK_RESPONSE_YES);
+    gtk_dialog_add_button(dialog, GTK_STOCK_NO, GTK_RESPONSE_NO);
+    gtk_dialog_add_button(dialog, GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL);
+    gtk_dialog_set_default_response(dialog, GTK_RESPONSE_CANCEL);
+    return RunAndDestroy(box);
+}

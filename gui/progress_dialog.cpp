@@ -1,0 +1,125 @@
+#include "gui/progress_dialog.h"
+
+#include <algorithm>
+
+#include "gui/accessible.h"
+#include "gui/display_text.h"
+#include "gui/icons.h"
+
+namespace {
+
+constexpr unsigned int kWaitStepMs = 75;
+constexpr int kCancelResponse = -2;
+
+GtkWidget* Pack(GtkWidget* content, GtkWidget* widget, int height) {
+    gtk_widget_set_size_request(widget, 160, height);
+    gtk_box_pack_start(GTK_BOX(content), widget, TRUE, TRUE, 0);
+    return widget;
+}
+
+void SetLabel(GtkWidget* label, const char* text) {
+    if (label != nullptr)
+        gtk_label_set_text(GTK_LABEL(label), DisplayText(text).c_str());
+}
+
+}  // namespace
+
+struct LProgressCallbacks {
+    static void GCStop(GtkDialog*, gint, gpointer dialog) {
+        auto* self = static_cast<LProgressDialog*>(dialog);
+        self->stop_ = true;
+        self->DestroyDialog();
+    }
+    // The window stays until the work has noticed the stop.
+    static gboolean GCDelete(GtkWidget*, GdkEvent*, gpointer) { return TRUE; }
+    static void GCDestroyed(GtkWidget*, gpointer dialog) {
+        auto* self = static_cast<LProgressDialog*>(dialog);
+        self->bar_ = nullptr;
+        self->firstLabel_ = nullptr;
+        self->secondLabel_ = nullptr;
+    }
+};
+
+void LProgressDialog::Build(GtkWidget* parent) {
+    GtkWindow* owner = GTK_IS_WINDOW(parent) ? GTK_WINDOW(parent) : nullptr;
+    const auto flags = GtkDialogFlags(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT);
+    GtkWidget* window = gtk_dialog_new_with_buttons("Lectora", owner, flags, GTK_STOCK_CANCEL,
+                                                    kCancelResponse, nullptr);
+    AttachWidget(window);
+    SetAppIcon(kAppIconNumber);
+    g_signal_connect(window, "response", G_CALLBACK(LProgressCallbacks::GCStop), this);
+    g_signal_connect(window, "delete-event", G_CALLBACK(LProgressCallbacks::GCDelete), this);
+    g_signal_connect(window, "destroy", G_CALLBACK(LProgressCallbacks::GCDestroyed), this);
+
+    GtkWidget* content = gtk_dialog_get_content_area(GTK_DIALOG(window));
+    firstLabel_ = Pack(content, gtk_label_new(DisplayText(title_).c_str()), 12);
+    secondLabel_ = Pack(content, gtk_label_new(""), 12);
+    bar_ = Pack(content, gtk_progress_bar_new(), 16);
+    SetAccessibleName(bar_, title_);
+    gtk_widget_set_size_request(window, 300, 110);
+    gtk_widget_show_all(window);
+}
+
+bool LProgressDialog::Open(GtkWidget* parent) {
+    if (IsOpen())
+        return true;
+    Build(parent);
+    MainFunction();
+    if (IsOpen())
+        gtk_widget_destroy(Widget());
+    return true;
+}
+
+void LProgressDialog::SetFirstLabel(const char* text) {
+    SetLabel(firstLabel_, text);
+    Pump();
+}
+
+void LProgressDialog::SetSecondLabel(const char* text) {
+    SetLabel(secondLabel_, text);
+    Pump();
+}
+
+void LProgressDialog::SetFraction(double fraction) {
+    if (bar_ != nullptr)
+        gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(bar_), std::clamp(fraction, 0.0, 1.0));
+    Pump();
+}
+
+bool LProgressDialog::Pump() {
+    while (!stop_ && gtk_events_pending()) {
+        // Outside any main loop GTK always reports a quit; files named on the command line are
+        // read there.
+        if (gtk_main_iteration_do(FALSE) && gtk_main_level() > 0)
+            stop_ = true;
+    }
+    return stop_;
+}
+
+bool LProgressDialog::IsToStop() {
+    return Pump();
+}
+
+LProcessResult LProgressDialog::ProcessWaitSignal(LSignalObjectRef signal,
+                                                  unsigned int milliseconds) {
+    for (;; milliseconds -= kWaitStepMs) {
+        if (Pump())
+            return kProcessStopped;
+        if (signal.WaitSignal(kWaitStepMs))
+            return kProcessDone;
+        if (milliseconds <= kWaitStepMs)
+            return kProcessFailed;
+    }
+}
+
+LProcessResult LProgressDialog::ProcessWait(unsigned int milliseconds) {
+    for (;; milliseconds -= kWaitStepMs) {
+        if (Pump())
+            return kProcessStopped;
+        g_usleep(kWaitStepMs * 1000);
+        if (milliseconds <= kWaitStepMs)
+            return kProcessDone;
+    }
+}
+
+static_assert(LProgress<LProgressDialog>);

@@ -1,0 +1,62 @@
+// The small modal dialog that long work on the GUI thread shows: two lines, a bar, Cancel.
+//
+// The work runs inside Open and keeps the interface alive by asking IsToStop or waiting through
+// the dialog. It models LProgress, so that work written over a progress object runs under it
+// unchanged. GUI thread only, GDK lock held.
+#pragma once
+
+#include "foundation/progress.h"
+#include "gui/dialog.h"
+
+class LProgressDialog : public LDialog {
+public:
+    // The title is shown as the first line; it is not copied and must outlive the dialog.
+    explicit LProgressDialog(const char* title) : title_(title) {}
+
+    // Shows the dialog, calls MainFunction, destroys the dialog and returns true. `parent` may be
+    // null.
+    bool Open(GtkWidget* parent);
+    // The work itself; the returned value is not used.
+    virtual bool MainFunction() = 0;
+
+    bool IsShown() const { return IsOpen(); }
+    void SetFirstLabel(const char* text);
+    void SetSecondLabel(const char* text);
+    void SetFraction(double fraction);
+    // Also true when the main loop is asked to quit.
+    bool IsToStop();
+    // In steps of 75 ms; running out of time is kProcessFailed.
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds);
+    // In steps of 75 ms; running out of time is kProcessDone.
+    LProcessResult ProcessWait(unsigned int milliseconds);
+
+private:
+    friend struct LProgressCallbacks;
+    void Build(GtkWidget* parent);
+    bool Pump();  // handles pending events; true once the work is to stop
+
+    const char* title_;
+    // Owned by the dialog window, null while it is not shown.
+    GtkWidget* bar_ = nullptr;
+    GtkWidget* firstLabel_ = nullptr;
+    GtkWidget* secondLabel_ = nullptr;
+    bool stop_ = false;  // never cleared once set
+};
+
+// Runs the request's Process under a progress dialog. The request must outlive the dialog.
+template <typename Request>
+class LProcessDialog final : public LProgressDialog {
+public:
+    LProcessDialog(const char* title, Request& request)
+        : LProgressDialog(title), request_(&request) {}
+
+    bool MainFunction() override {
+        result_ = Process(static_cast<LProgressDialog&>(*this), *request_);
+        return true;
+    }
+    LProcessResult Result() const { return result_; }  // kProcessFailed before the run
+
+private:
+    Request* request_;
+    LProcessResult result_ = kProcessFailed;
+};

@@ -1,0 +1,27 @@
+#include "gui/status_bar.h"
+
+#include "gui/display_text.h"
+
+LStatusBar::~LStatusBar() {
+    if (bar_ != nullptr)
+        g_object_remove_weak_pointer(G_OBJECT(bar_), reinterpret_cast<gpointer*>(&bar_));
+}
+
+GtkWidget* LStatusBar::CreateStatusBar() {
+    if (bar_ != nullptr)
+        g_object_remove_weak_pointer(G_OBJECT(bar_), reinterpret_cast<gpointer*>(&bar_));
+    bar_ = gtk_statusbar_new();
+    g_object_add_weak_pointer(G_OBJECT(bar_), reinterpret_cast<gpointer*>(&bar_));
+    gtk_statusbar_set_has_resize_grip(GTK_STATUSBAR(bar_), TRUE);
+    gtk_widget_set_size_request(bar_, -1, kHeight);
+    return bar_;
+}
+
+void LStatusBar::SetStatusText(const char* text) {
+    if (bar_ == nullptr)
+        return;
+    GtkStatusbar* bar = GTK_STATUSBAR(bar_);
+    const guint context = gtk_statusbar_get_context_id(bar, "text");
+    gtk_statusbar_pop(bar, context);
+    gtk_statusbar_push(bar, context, DisplayText(text).c_str());
+}

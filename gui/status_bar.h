@@ -1,0 +1,23 @@
+// The line of text at the bottom of a window.
+#pragma once
+
+#include <gtk/gtk.h>
+
+class LStatusBar {
+public:
+    static constexpr int kHeight = 24;  // pixels
+
+    // Replaces the text; plain, copied. Does nothing before the window exists.
+    void SetStatusText(const char* text);
+
+protected:
+    LStatusBar() = default;
+    ~LStatusBar();
+    LStatusBar(const LStatusBar&) = delete;
+    LStatusBar& operator=(const LStatusBar&) = delete;
+
+    GtkWidget* CreateStatusBar();  // with a resize grip; floating, to be packed once
+
+private:
+    GtkWidget* bar_ = nullptr;  // owned by its window; cleared when destroyed
+};

@@ -1,0 +1,148 @@
+// Drop-down lists and combo boxes; column 0 of the list holds the text.
+#include <string_view>
+
+#include "foundation/settings.h"
+#include "gui/decimal_number.h"
+#include "gui/display_text.h"
+#include "gui/window.h"
+
+namespace {
+
+// The count comes from a file that anybody may have edited.
+constexpr int kMaxAutoItems = 1000;
+
+std::string RowText(GtkTreeModel* model, GtkTreeIter* row) {
+    char* text = nullptr;
+    gtk_tree_model_get(model, row, 0, &text, -1);
+    std::string out = text != nullptr ? text : "";
+    g_free(text);
+    return out;
+}
+
+std::string ItemKey(int number) {
+    return "Item " + std::to_string(number);
+}
+
+}  // namespace
+
+GtkListStore* LWindow::ListOf(int id) const {
+    auto* box = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX);
+    GtkTreeModel* model = box != nullptr ? gtk_combo_box_get_model(box) : nullptr;
+    return GTK_IS_LIST_STORE(model) ? GTK_LIST_STORE(model) : nullptr;
+}
+
+void LWindow::PDLInit(int id) {
+    auto* box = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX);
+    if (box == nullptr)
+        return;
+    auto store = GObjectRef<GtkListStore>::Adopt(gtk_list_store_new(1, G_TYPE_STRING));
+    gtk_combo_box_set_model(box, GTK_TREE_MODEL(store.Get()));
+    if (gtk_combo_box_get_has_entry(box)) {
+        gtk_combo_box_set_entry_text_column(box, 0);
+    } else if (!GTK_IS_COMBO_BOX_TEXT(box)) {  // that one shows its text already
+        GtkCellRenderer* cell = gtk_cell_renderer_text_new();
+        gtk_cell_layout_clear(GTK_CELL_LAYOUT(box));
+        gtk_cell_layout_pack_start(GTK_CELL_LAYOUT(box), cell, TRUE);
+        gtk_cell_layout_set_attributes(GTK_CELL_LAYOUT(box), cell, "text", 0, nullptr);
+    }
+}
+
+void LWindow::PDLClear(int id) {
+    if (GtkListStore* list = ListOf(id))
+        gtk_list_store_clear(list);
+}
+
+void LWindow::PDLAddString(int id, const char* text) {
+    if (GtkListStore* list = ListOf(id))
+        gtk_list_store_insert_with_values(list, nullptr, -1, 0, DisplayText(text).c_str(), -1);
+}
+
+void LWindow::PDLFill(int id, const char* const* texts) {
+    for (; *texts != nullptr; ++texts)
+        PDLAddString(id, *texts);
+}
+
+int LWindow::PDLGetCount(int id) const {
+    GtkListStore* list = ListOf(id);
+    return list != nullptr ? gtk_tree_model_iter_n_children(GTK_TREE_MODEL(list), nullptr) : 0;
+}
+
+int LWindow::PDLGetCurSel(int id) const {
+    auto* box = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX);
+    return box != nullptr ? gtk_combo_box_get_active(box) : -1;
+}
+
+void LWindow::PDLSetCurSel(int id, int item) {
+    if (auto* box = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX))
+        gtk_combo_box_set_active(box, item < -1 ? -1 : item);
+}
+
+void LWindow::PDLGetText(int id, char (&out)[kTextBufferSize]) const {
+    CopyText(out, PDLGetText(id));
+}
+
+std::string LWindow::PDLGetText(int id) const {
+    return EntryOf(id) != nullptr ? GetText(id) : PDLGetItem(id, PDLGetCurSel(id));
+}
+
+std::string LWindow::PDLGetItem(int id, int item) const {
+    GtkListStore* list = ListOf(id);
+    GtkTreeIter row;
+    if (list == nullptr || item < 0 ||
+        !gtk_tree_model_iter_nth_child(GTK_TREE_MODEL(list), &row, nullptr, item))
+        return "";
+    return RowText(GTK_TREE_MODEL(list), &row);
+}
+
+void LWindow::PDLSetText(int id, const char* text) {
+    PDLSetCurSel(id, PDLFindString(id, text));
+    if (EntryOf(id) != nullptr)
+        SetText(id, text);
+}
+
+int LWindow::PDLFindString(int id, const char* text) const {
+    const int count = PDLGetCount(id);
+    const std::string wanted = DisplayText(text);
+    for (int item = 0; item < count; ++item) {
+        if (PDLGetItem(id, item) == wanted)
+            return item;
+    }
+    return -1;
+}
+
+void LWindow::PDLDeleteItem(int id, int item) {
+    GtkListStore* list = ListOf(id);
+    GtkTreeIter row;
+    if (list != nullptr && item >= 0 &&
+        gtk_tree_model_iter_nth_child(GTK_TREE_MODEL(list), &row, nullptr, item))
+        gtk_list_store_remove(list, &row);
+}
+
+int LWindow::PDLGetInt(int id) const {
+    return DecimalNumber(PDLGetText(id).c_str());
+}
+
+void LWindow::PDLSetInt(int id, int value) {
+    PDLSetText(id, std::to_string(value).c_str());
+}
+
+void LWindow::PDLAutoFill(int id, const char* section) {
+    PDLClear(id);
+    const int count = LUserSettingGetInt(section, "Count", 0);
+    const int selected = LUserSettingGetInt(section, "Set", 0);
+    for (int item = 1; item <= count && item <= kMaxAutoItems; ++item)
+        PDLAddString(id, LUserSettingGet(section, ItemKey(item).c_str(), "").c_str());
+    PDLSetCurSel(id, selected);
+}
+
+void LWindow::PDLAutoGet(int id, const char* section) const {
+    const int count = PDLGetCount(id);
+    for (int item = 1; item <= count; ++item) {
+        const std::string key = ItemKey(item);
+        const std::string text = PDLGetItem(id, item - 1);
+        if (LUserSettingGet(section, key.c_str(), "") != text)
+            LUserSettingSetString(section, key.c_str(), text.c_str());
+    }
+    LUserSettingSetInt(section, "Count", count);
+    LUserSettingSetInt(section, "Set", PDLGetCurSel(id));
+}

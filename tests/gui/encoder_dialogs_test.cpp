@@ -1,0 +1,106 @@
+// The dialogs that set up file formats.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "formats/dialogs/raw_settings_dialog.h"
+#include "formats/dialogs/wave_encode_dialog.h"
+#include "formats/wave_file.h"
+#include "foundation/settings.h"
+#include "tests/gui/gui_fixtures.h"
+
+namespace {
+
+enum : int { kSettings = 101, kFormat = 103, kRate = 105, kChannels = 107, kDefaults = 110 };
+enum : int { kRawCodecList = 101, kRawRate = 103, kRawChannels = 105 };
+
+TEST(WaveEncodeDialog, FillsTheRecordByPresetOrChoice) {
+    const struct {
+        int preset, format, rate, channels;
+        unsigned tag, channelCount, samplesPerSecond;
+    } cases[] = {
+        {0, 0, 0, 0, 1, 2, 44100}, {1, 0, 0, 0, 1, 2, 44100}, {2, 0, 0, 0, 1, 2, 22050},
+        {3, 0, 0, 0, 1, 1, 8000},  {4, 1, 2, 2, 1, 2, 8000},  {4, 0, 12, 1, 1, 1, 196000},
+        {4, 0, 0, 0, 1, 2, 11025},  // Auto leaves the record's rate
+        {4, 2, 7, 2, 49, 1, 8000},  // GSM has one rate
+    };
+    for (const auto& c : cases) {
+        LUserSettingSetString("Settings", "WavFormatPreset", "");
+        LWaveFileFormat format(11025, 1, "PCM");
+        LWaveEncodeDlg dialog(format);
+        UserScript user({[&] {
+            EXPECT_EQ(dialog.PDLGetCurSel(kSettings), 0);
+            EXPECT_FALSE(dialog.IsControlEnabled(kRate));
+            dialog.PDLSetCurSel(kSettings, c.preset);
+            dialog.PDLSetCurSel(kRate, c.rate);
+            dialog.PDLSetCurSel(kChannels, c.channels);
+            dialog.PDLSetCurSel(kFormat, c.format);
+            EXPECT_EQ(dialog.IsControlEnabled(kFormat), c.preset == 4);
+            EXPECT_EQ(dialog.IsControlEnabled(kRate + 1), c.preset == 4 && c.format != 2);
+            dialog.DoOKButton();
+        }});
+        EXPECT_TRUE(dialog.Run(nullptr));
+        EXPECT_EQ(format.tag, c.tag);
+        EXPECT_EQ(format.channels, c.channelCount);
+        EXPECT_EQ(format.samplesPerSecond, c.samplesPerSecond);
+        EXPECT_EQ(format.bitsPerSample, 16);
+        EXPECT_EQ(LUserSettingGetInt("Settings", "WavFormatPreset", -1), c.preset);
+    }
+}
+
+TEST(WaveEncodeDialog, ShowsTheRecordWhenCustomAndCancelsWithoutTrace) {
+    LUserSettingSetString("Settings", "WavFormatPreset", "4");
+    LWaveFileFormat format(22050, 2, "ULAW");
+    LWaveEncodeDlg dialog(format);
+    UserScript user({[&] {
+        EXPECT_EQ(dialog.PDLGetText(kFormat), "GSM");  // whatever is not PCM
+        EXPECT_EQ(dialog.PDLGetText(kRate), "22050");
+        EXPECT_EQ(dialog.PDLGetText(kChannels), "2");
+        gtk_button_clicked(ButtonOf(dialog, kDefaults));
+        EXPECT_EQ(dialog.PDLGetCurSel(kSettings), 0);
+        EXPECT_EQ(dialog.PDLGetText(kRate), "Auto");
+        dialog.DoCANCELButton();
+    }});
+    EXPECT_FALSE(dialog.Run(nullptr));
+    EXPECT_EQ(format.samplesPerSecond, 22050u);
+    EXPECT_EQ(LUserSettingGet("Settings", "WavFormatPreset"), "4");
+}
+
+TEST(RawSettingsDialog, AcceptsRatesFrom6000To196000) {
+    const struct {
+        const char* typed;
+        bool accepted;
+    } cases[] = {{"5999", false},       {"196001", false}, {"", false},
+                 {"4294973296", false}, {"6000", true},    {"196000", true}};
+    for (const auto& c : cases) {
+        LRawSettings settings{44100, 2, kRawMuLaw};
+        LRawSettingsDialog dialog(settings, "GuiTestRaw");
+        EXPECT_FALSE(dialog.Open(nullptr));
+        EXPECT_FALSE(dialog.IsOpen());
+        bool stillOpen = false;
+        UserScript user({[&] {
+                             EXPECT_EQ(dialog.PDLGetText(kRawCodecList), "G711 uLaw");
+                             EXPECT_EQ(dialog.PDLGetText(kRawRate), "44100");
+                             EXPECT_EQ(dialog.PDLGetText(kRawChannels), "Stereo");
+                             dialog.PDLSetCurSel(kRawCodecList, kRawFloat);
+                             dialog.PDLSetCurSel(kRawChannels, 0);
+                             dialog.PDLSetText(kRawRate, c.typed);
+                             dialog.DoOKButton();
+                         },
+                         [&] {
+                             stillOpen = dialog.IsOpen();
+                             dialog.DoCANCELButton();
+                         }});
+        LDialog& shown = dialog;
+        EXPECT_EQ(shown.Open(nullptr, {"Raw", false, DlgGenRawSettings}, true), c.accepted)
+            << c.typed;
+        EXPECT_EQ(settings.codec, c.accepted ? kRawFloat : kRawMuLaw);
+        EXPECT_EQ(settings.channels, c.accepted ? 1 : 2);
+        if (c.accepted) {
+            EXPECT_EQ(LUserSettingGet("GuiTestRaw", "SampleRate"), c.typed);
+        } else {
+            EXPECT_TRUE(stillOpen);
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+// Windows that record what they are told, and ways of acting like a user while a nested main loop
+// runs.
+#pragma once
+
+#include <gdk/gdkkeysyms.h>
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "gui/dialog.h"
+#include "gui/dialog_gen_context.h"
+#include "gui/gdk_lock.h"
+
+inline void PumpPending() {
+    while (gtk_events_pending())
+        gtk_main_iteration_do(FALSE);
+}
+
+// Runs the main loop until `done` or the time is up; true when done.
+inline bool PumpUntil(const std::function<bool()>& done, int milliseconds) {
+    const gint64 end = g_get_monotonic_time() + gint64{1000} * milliseconds;
+    while (!done()) {
+        if (g_get_monotonic_time() > end)
+            return false;
+        PumpPending();
+        g_usleep(2000);
+    }
+    return true;
+}
+
+// Actions performed one after the other from timeouts, inside whatever main loop is running then.
+class UserScript {
+public:
+    explicit UserScript(std::vector<std::function<void()>> actions) : actions_(std::move(actions)) {
+        source_ = g_timeout_add(20, Step, this);
+    }
+    UserScript(const UserScript&) = delete;
+    UserScript& operator=(const UserScript&) = delete;
+    ~UserScript() {
+        if (source_ != 0)
+            g_source_remove(source_);
+    }
+    bool IsDone() const { return next_ == actions_.size(); }
+
+private:
+    static gboolean Step(gpointer script) {
+        const GdkLock lock;
+        auto* self = static_cast<UserScript*>(script);
+        if (self->IsDone()) {
+            self->source_ = 0;
+            return FALSE;
+        }
+        self->actions_[self->next_++]();
+        return TRUE;
+    }
+    std::vector<std::function<void()>> actions_;
+    std::size_t next_ = 0;
+    guint source_ = 0;
+};
+
+template <typename Base>
+class Recorder : public Base {
+public:
+    using Base::Base;
+    void InitDialog() override {
+        calls += "init ";
+        if (onInit)
+            onInit();
+    }
+    void DestroyDialog() override { calls += "destroy "; }
+    bool CmOk() override {
+        calls += "ok ";
+        return Answer(okAnswers);
+    }
+    bool CmCancel() override {
+        calls += "cancel ";
+        return Answer(cancelAnswers);
+    }
+    void CmHelp() override { calls += "help "; }
+    void EnableControls() override { ++enableCalls; }
+    void Command(int command) override { commands.push_back(command); }
+
+    std::string calls;
+    std::vector<int> commands;
+    int enableCalls = 0;
+    std::vector<bool> okAnswers;  // taken from the front; true when there is none left
+    std::vector<bool> cancelAnswers;
+    std::function<void()> onInit;
+
+private:
+    static bool Answer(std::vector<bool>& answers) {
+        if (answers.empty())
+            return true;
+        const bool answer = answers.front();
+        answers.erase(answers.begin());
+        return answer;
+    }
+};
+
+using RecordingDialog = Recorder<LDialog>;
+
+inline GtkButton* ButtonOf(const LWindow& window, int id) {
+    return GTK_BUTTON(window.GetControlByID(id));
+}
+
+// As the Escape key does in a dialog that has the focus.
+inline void PressEscape(GtkWidget* window) {
+    gtk_bindings_activate(GTK_OBJECT(window), GDK_KEY_Escape, GdkModifierType(0));
+}
+
+// As the window manager's close button does.
+inline void PressClose(GtkWidget* window) {
+    GdkEvent* close = gdk_event_new(GDK_DELETE);
+    close->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
+    gtk_main_do_event(close);
+    gdk_event_free(close);
+}

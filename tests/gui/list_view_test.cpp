@@ -1,0 +1,92 @@
+// List views: rows, selection, check boxes, widths that come back.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "foundation/settings.h"
+#include "gui/list_view.h"
+#include "tests/gui/gui_fixtures.h"
+
+namespace {
+
+constexpr int kId = 108;
+constexpr LListColumn kColumns[] = {{"Key", 200}, {"Command", 90}};
+
+class ListView : public testing::Test {
+protected:
+    void SetUp() override {
+        const auto generate = [](LDialogGenContext& context) { context.AddList(kId, 128); };
+        dialog.Open(nullptr, {"List", false, generate}, false);
+    }
+    std::string Cell(int row, int column) {
+        char text[kTextBufferSize];
+        dialog.LVGetColumnString(kId, row, column, text);
+        return text;
+    }
+    RecordingDialog dialog;
+};
+
+TEST_F(ListView, RowsTextsDataAndSelection) {
+    EXPECT_EQ(dialog.LVAddString(kId, "too early"), -1);
+    dialog.LVInit(kId, {LListColumns::kPixels, kColumns});
+    EXPECT_EQ(dialog.LVAddString(kId, "Ctrl+B", 7), 0);
+    EXPECT_EQ(dialog.LVAddString(kId, "Ctrl+O", 9), 1);
+    EXPECT_EQ(dialog.LVInsertString(kId, 0, "Ctrl+A", 5), 0);
+    dialog.LVSetColumnString(kId, 2, 1, "Read text");
+    dialog.LVSetColumnString(kId, 2, 2, "no such column");
+    dialog.LVSetColumnString(kId, 3, 0, "no such row");
+    EXPECT_EQ(Cell(2, 1), "Read text");
+    EXPECT_EQ(Cell(2, 2) + Cell(-1, 0) + Cell(9, 0) + Cell(0, -1), "");
+    EXPECT_EQ(dialog.LVFindString(kId, "Ctrl+O"), 2);
+    EXPECT_EQ(dialog.LVFindColumnString(kId, 1, "Ctrl+O"), -1);
+    EXPECT_EQ(dialog.LVGetItemData(kId, 1), 7);
+
+    dialog.HandleLVSelChange(kId);
+    dialog.HandleLVDoubleClick(kId, 1080);
+    EXPECT_EQ(dialog.LVGetFirstSel(kId), -1);
+    dialog.LVSetCurSel(kId, 2);
+    EXPECT_EQ(dialog.LVGetFirstSel(kId), 2);
+    EXPECT_EQ(dialog.LVGetSelCount(kId), 1);
+    GtkTreeView* view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
+    GtkTreePath* path = gtk_tree_path_new_from_indices(2, -1);
+    gtk_tree_view_row_activated(view, path, gtk_tree_view_get_column(view, 0));
+    gtk_tree_path_free(path);
+    EXPECT_THAT(dialog.commands, testing::ElementsAre(kId, 1080));
+
+    dialog.LVDeleteItem(kId, 0);
+    dialog.LVDeleteItem(kId, 5);
+    EXPECT_EQ(dialog.LVGetCount(kId), 2);
+    EXPECT_TRUE(dialog.LVGetSel(kId, 1));  // the selection stays on its row
+    dialog.LVClear(kId);
+    EXPECT_EQ(dialog.LVGetCount(kId), 0);
+}
+
+TEST_F(ListView, CheckBoxesStandBesideTheTexts) {
+    dialog.LVSetStyleCheck(kId);
+    dialog.LVInit(kId, {LListColumns::kDynamic, kColumns});
+    dialog.LVAddString(kId, "a");
+    dialog.LVAddString(kId, "b");
+    dialog.LVSetCheck(kId, 1, true);
+    EXPECT_FALSE(dialog.LVGetCheck(kId, 0));
+    EXPECT_TRUE(dialog.LVGetCheck(kId, 1));
+    dialog.LVSetColumnName(kId, 0, "First text");
+    GtkTreeView* view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
+    EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(view, 1)), "First text");
+}
+
+TEST_F(ListView, WidthsComeBackFromTheSettings) {
+    LUserSettingSetString("GuiTestColumns", "Col1", nullptr);
+    LUserSettingSetString("GuiTestColumns", "Col2", "123");
+    const LListColumns columns{LListColumns::kStoredPixels, kColumns, "GuiTestColumns"};
+    dialog.LVInit(kId, columns);
+    PumpPending();
+    EXPECT_EQ(dialog.LVGetColumnWidth(kId, 0), 200);
+    dialog.LVSetColumnWidth(kId, 0, 77);
+    PumpPending();
+    dialog.LVDestroy(kId);
+    EXPECT_EQ(LUserSettingGetInt("GuiTestColumns", "Col1", 0), 77);
+    dialog.LVInit(kId, columns);
+    PumpPending();
+    EXPECT_EQ(dialog.LVGetColumnWidth(kId, 0), 77);
+}
+
+}  // namespace

@@ -1,0 +1,81 @@
+// The main window: placement, free layout, keys, hiding.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "foundation/settings.h"
+#include "gui/main_window.h"
+#include "tests/gui/gui_fixtures.h"
+
+namespace {
+
+class TestWindow : public Recorder<LMainWindow> {
+public:
+    void InitDialog() override {
+        Recorder::InitDialog();
+        AddControl(gtk_entry_new(), 1);
+        SetStatusText("before");
+        SetStatusText("ready");
+    }
+    void LayoutControls(int width, int height) override {
+        int left = 0;
+        int top = 0;
+        LayoutBase(left, top, width, height);
+        laidOut = {width, height};
+        MoveControl(1, left + 5, top, width - 10, height);
+        MoveControl(99, 0, 0, 10, 10);
+    }
+    void EvRunArguments(const char* const* arguments, int count) override {
+        for (int i = 1; i < count; ++i)
+            calls += std::string(arguments[i]) + " ";
+    }
+    void OnFirstRun() override { calls += "first "; }
+    void EvShown() override {
+        calls += "shown ";
+        onShown();
+    }
+    std::pair<int, int> laidOut;
+    std::function<void()> onShown = [] {};
+};
+
+TEST(MainWindow, RunsInOrderAndComesBackWhereItWas) {
+    for (const char* key : {"Width", "Height", "X", "Y"})
+        LUserSettingSetString("MainWindow", key, nullptr);
+    LUserSettingSetString("Settings", "Installed", "0");
+    LUserSettingSetString("MainWindow", "Width", "640");
+    TestWindow window;
+    const char* arguments[] = {"program", "book.txt"};
+    bool hidden = false;
+    UserScript user({
+        [&] { gtk_window_resize(GTK_WINDOW(window.Widget()), 300, 230); },
+        [] {},
+        [] {},
+        [&] {
+            EXPECT_EQ(
+                window.laidOut,
+                std::make_pair(300, 230 - LStatusBar::kHeight));  // smaller than its controls were
+            PressClose(window.Widget());
+        },
+        [&] {
+            hidden = window.IsOpen() && !gtk_widget_get_visible(window.Widget());
+            window.CmOpen();
+            EXPECT_TRUE(gtk_widget_get_visible(window.Widget()));
+            window.cancelAnswers = {false, true};
+            window.CmExit();
+            EXPECT_TRUE(window.IsOpen());
+            window.CmExit();
+        },
+    });
+    window.onShown = [&] {
+        EXPECT_EQ(window.laidOut, std::make_pair(640, 600 - LStatusBar::kHeight));
+    };
+    window.Run("Lectora", arguments, 2);
+    EXPECT_TRUE(user.IsDone());
+    EXPECT_TRUE(hidden);
+    EXPECT_EQ(window.calls, "first init book.txt shown cancel cancel destroy ");
+    EXPECT_FALSE(window.IsOpen());
+    EXPECT_EQ(LUserSettingGetInt("MainWindow", "Width", 0), 300);
+    EXPECT_EQ(LUserSettingGetInt("MainWindow", "Height", 0), 230);
+    EXPECT_EQ(LUserSettingGet("Settings", "Installed"), "1");
+}
+
+}  // namespace
