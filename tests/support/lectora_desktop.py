@@ -1,0 +1,295 @@
+"""The real program for tests (and script/demo.py): its widgets, real keys, and the sound card.
+
+Runs below tests/support/virtual-desktop. Widgets are read through the accessibility bus; keys and
+clicks are real ones.
+"""
+import array
+import math
+import operator
+import os
+import subprocess
+import time
+import wave
+
+import pyatspi
+
+HERE = os.path.dirname(os.path.realpath(__file__))
+DESKTOP = os.environ["LECTORA_DESKTOP"]
+BUILD = os.environ["LECTORA_BUILD"]
+HOME = os.environ["HOME"]
+SPEECH = os.path.join(HOME, "speech.wav")
+
+
+class TimeOut(AssertionError):
+    pass
+
+
+def wait_until(condition, what, seconds=10.0):
+    """The first true value of condition(); a widget that vanishes meanwhile is not there yet."""
+    deadline = time.monotonic() + seconds
+    while True:
+        try:
+            value = condition()
+            if value:
+                return value
+        except (
+            Exception
+        ) as error:  # pyatspi raises GLib errors of many kinds for a widget that has just gone
+            if isinstance(error, AssertionError) and not isinstance(error, TimeOut):
+                raise
+        if time.monotonic() > deadline:
+            raise TimeOut(f"waited {seconds} s for {what}")
+        time.sleep(0.02)
+
+
+def xdotool(*arguments):
+    return subprocess.run(
+        ["xdotool", *map(str, arguments)], capture_output=True, text=True, check=False
+    ).stdout
+
+
+def press_keys(*keys):
+    xdotool("key", "--delay", "20", *keys)
+
+
+def screenshot(path):
+    os.makedirs(os.path.dirname(os.path.realpath(path)), exist_ok=True)
+    subprocess.run(["import", "-window", "root", path], check=True)
+
+
+def tell_engine(*lines):
+    """What the fake engine (tests/support/engine) does from now on."""
+    with open(os.path.join(DESKTOP, "engine"), "w") as file:
+        file.write("\n".join(lines) + "\n")
+
+
+def engine_calls():
+    try:
+        with open(os.path.join(DESKTOP, "engine.log"), encoding="utf-8", errors="replace") as file:
+            return file.read().splitlines()
+    except OSError:
+        return []
+
+
+class Sound:
+    def __init__(self, path):
+        with wave.open(path) as file:
+            self.rate, self.channels = file.getframerate(), file.getnchannels()
+            self.samples = array.array("h", file.readframes(file.getnframes()))
+
+    @property
+    def frames(self):
+        return len(self.samples) // self.channels
+
+    def channel(self, number):
+        return self.samples[number :: self.channels]
+
+
+def correlation(first, second):
+    length = min(len(first), len(second))
+    first, second = first[:length], second[:length]
+    norm = math.sqrt(sum(map(operator.mul, first, first)) * sum(map(operator.mul, second, second)))
+    return sum(map(operator.mul, first, second)) / norm if norm else 0.0
+
+
+def best_correlation(first, second, most_lag):
+    """The highest correlation with either sound shifted by up to most_lag samples."""
+    probe = range(0, most_lag + 1)
+    return max(
+        max(correlation(first[lag:], second) for lag in probe),
+        max(correlation(first, second[lag:]) for lag in probe),
+    )
+
+
+class Card:
+    """A virtual sound card; see tests/support/vcard/card_folder.h for what it can be told."""
+
+    def __init__(self, number=0):
+        self.folder = os.path.join(os.environ["LECTORA_VCARD"], f"card{number}")
+        self.seen = len(self.streams())
+
+    def tell(self, *lines):
+        """Replaces what the card is told, as "rates 48000", "fault vanish 9000"."""
+        os.makedirs(self.folder, exist_ok=True)
+        fresh = os.path.join(self.folder, "settings.new")
+        with open(fresh, "w") as file:
+            file.write("\n".join(("name Virtual Card A", "element Master 0 87", *lines)) + "\n")
+        os.replace(fresh, os.path.join(self.folder, "settings"))
+        try:
+            os.unlink(os.path.join(self.folder, "gone"))
+        except FileNotFoundError:
+            pass
+
+    def streams(self):
+        return sorted(name[:-4] for name in os.listdir(self.folder) if name.endswith(".wav"))
+
+    def next_stream(self, seconds=30.0):
+        """The name of the next stream that the test has not asked for yet."""
+        wait_until(lambda: len(self.streams()) > self.seen, "a stream at the card", seconds)
+        self.seen += 1
+        return self.streams()[self.seen - 1]
+
+    def events(self, stream):
+        """(monotonic seconds, event, frames received, frames played, more) of each log line."""
+        with open(os.path.join(self.folder, stream + ".log")) as file:
+            rows = [line.split() for line in file]
+        return [
+            (int(row[0]) / 1e6, row[1], int(row[2]), int(row[3]), [int(word) for word in row[4:]])
+            for row in rows
+        ]
+
+    def wait_for(self, stream, event, seconds=60.0):
+        return wait_until(
+            lambda: [row for row in self.events(stream) if row[1] == event],
+            f"'{event}' at the card",
+            seconds,
+        )[0]
+
+    def sound(self, stream):
+        return Sound(os.path.join(self.folder, stream + ".wav"))
+
+
+class Lectora:
+    """The real program. Ends with the object; what it left running is told by leftovers()."""
+
+    def __init__(self, *arguments, fake_engine=True, path=None, **environment):
+        everything = dict(os.environ, **environment)
+        if path is not None:
+            everything["PATH"] = path
+        if fake_engine:
+            everything["PATH"] = os.path.join(HERE, "engine") + ":" + everything["PATH"]
+        self.started = time.monotonic()
+        self.process = subprocess.Popen(
+            [os.path.join(BUILD, "bin/lectora"), *arguments],
+            env=everything,
+            stdin=subprocess.DEVNULL,
+        )
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.end()
+
+    def end(self):
+        self.process.kill()  # the main thread blocks every signal that can be blocked
+        self.process.wait()
+
+    def alive(self):
+        return self.process.poll() is None
+
+    # Widgets.
+
+    def application(self):
+        return next(
+            each
+            for each in pyatspi.Registry.getDesktop(0)
+            if each and each.get_process_id() == self.process.pid
+        )
+
+    def find_all(self, role, name=None):
+        def walk(widget):
+            if widget.getRoleName() == role and (name is None or widget.name == name):
+                yield widget
+            for child in widget:
+                if child:
+                    yield from walk(child)
+
+        return list(walk(self.application()))
+
+    def find(self, role, name=None, seconds=10.0):
+        return wait_until(lambda: self.find_all(role, name), f"a {role} '{name or ''}'", seconds)[0]
+
+    def shows(self, role, name=None):
+        try:
+            return any(
+                widget.getState().contains(pyatspi.STATE_SHOWING)
+                for widget in self.find_all(role, name)
+            )
+        except Exception:  # a window that is just going, see wait_until
+            return False
+
+    def window(self, seconds=10.0):
+        return wait_until(
+            lambda: xdotool(
+                "search", "--onlyvisible", "--pid", self.process.pid, "--name", "^Lectora$"
+            ).split(),
+            "the main window",
+            seconds,
+        )[0]
+
+    def focus(self):
+        xdotool("windowactivate", "--sync", self.window())
+
+    def box_text(self):
+        """Everything that the topmost message box says; '' without a box."""
+        boxes = self.find_all("alert")
+        return "\n".join(label.name for label in _labels(boxes[-1])) if boxes else ""
+
+    def wait_for_box(self, text, seconds=15.0):
+        return wait_until(
+            lambda: text in self.box_text() and self.box_text(), f"a box saying '{text}'", seconds
+        )
+
+    def text_box(self):
+        return self.find("text", "Text to read")
+
+    def text(self):
+        return self.text_box().queryText().getText(0, -1)
+
+    def set_text(self, text):
+        self.text_box().queryEditableText().setTextContents(text)
+
+    def click(self, widget):
+        """Presses the widget with the pointer, where it stands on the screen."""
+        box = widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "click", 1)
+
+    def press(self, role, name):
+        self.click(self.find(role, name))
+
+    def can_press(self, role, name):
+        return self.find(role, name).getState().contains(pyatspi.STATE_SENSITIVE)
+
+    # The process as the kernel sees it.
+
+    def threads(self):
+        return len(os.listdir(f"/proc/{self.process.pid}/task"))
+
+    def descriptors(self):
+        folder = f"/proc/{self.process.pid}/fd"
+        return sorted(
+            filter(None, (_link(os.path.join(folder, name)) for name in os.listdir(folder)))
+        )
+
+    def resident_megabytes(self):
+        with open(f"/proc/{self.process.pid}/status") as file:
+            return next(int(line.split()[1]) for line in file if line.startswith("VmRSS")) / 1024
+
+
+def _labels(widget):
+    found = [widget] if widget.getRoleName() == "label" else []
+    for child in widget:
+        if child:
+            found += _labels(child)
+    return found
+
+
+def _link(path):
+    try:
+        # Pipes and sockets carry a number that changes; their kind is what counts.
+        return os.readlink(path).split("[")[0]
+    except OSError:
+        return None
+
+
+def processes():
+    """Process id -> command line of everything in this desktop."""
+    found = {}
+    for name in filter(str.isdigit, os.listdir("/proc")):
+        try:
+            with open(f"/proc/{name}/cmdline", "rb") as file:
+                found[int(name)] = file.read().replace(b"\0", b" ").decode(errors="replace").strip()
+        except OSError:
+            pass
+    return found

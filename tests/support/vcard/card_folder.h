@@ -1,0 +1,70 @@
+// What a virtual card is and does, as its folder says. A test (or a person) writes `settings`
+// there, at any time:
+//
+//   name Virtual Card 0      what the control interface answers
+//   rates 22050 48000        the rates granted; none means every rate from 4000 to 192000
+//   channels 2               the channel counts granted; none means 1 and 2
+//   speed 8                  how many times faster than a real card's its clock runs
+//   element Master 0 87      a mixer element with its lowest and highest raw volume
+//   fault busy               opening answers -EBUSY
+//   fault vanish 22050       after 22050 frames played the card is gone: -ENODEV, later opens too
+//   fault underrun 22050     the stream runs dry once: -EPIPE until it is prepared again
+//   fault suspend 22050 3    the stream is suspended once: -ESTRPIPE; the first three resumes
+//                            change nothing (ALSA reports a plug-in's refusal as done)
+//   fault again 22050        one write answers -EAGAIN
+//
+// A card exists when its `settings` does. Frames of faults count from the opening of a stream.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct CardFault {
+    enum class Kind { kBusy, kVanish, kUnderrun, kSuspend, kAgain };
+    Kind kind = Kind::kBusy;
+    std::uint64_t frame = 0;
+    int refusals = 0;  // how often a suspended stream refuses to resume
+
+    bool operator==(const CardFault&) const = default;
+};
+
+struct CardElement {
+    std::string name;
+    long minimum = 0;
+    long maximum = 0;
+};
+
+struct CardSettings {
+    std::string name;
+    std::vector<unsigned int> rates;
+    std::vector<unsigned int> channels;
+    double speed = 1.0;
+    std::vector<CardElement> elements;
+    std::vector<CardFault> faults;
+
+    bool HasFault(CardFault::Kind kind) const;
+};
+
+CardSettings ParseCardSettings(const std::string& text);
+
+// The folder of one card under $LECTORA_VCARD. One thread at a time.
+class CardFolder {
+public:
+    explicit CardFolder(int card);
+
+    bool Exists() const;
+    const std::string& Path() const { return path_; }
+    // As the file says now; read again only when it changed.
+    const CardSettings& Settings();
+
+private:
+    std::string path_;
+    CardSettings settings_;
+    struct stat read_ {};
+};
+
+// The whole file, "" when there is none.
+std::string ReadSmallFile(const std::string& path);
