@@ -24,6 +24,7 @@ FrameReader::FrameReader(UniqueFd file, int bytesPerFrame, std::uint32_t dataByt
     : file_(std::move(file)),
       dataStart_(std::max<std::int64_t>(0, ::lseek(file_.Get(), 0, SEEK_CUR))),
       bytesPerFrame_(bytesPerFrame),
+      capacity_(static_cast<std::size_t>(bytesPerFrame) * kMaxBlockFrames),
       buffer_(MakeBlockBuffer(static_cast<std::size_t>(bytesPerFrame))) {
     SetLength(dataBytes);
 }
@@ -34,29 +35,39 @@ void FrameReader::SetLength(std::uint32_t dataBytes) {
                   : ClampFrames(static_cast<std::int64_t>(dataBytes) / bytesPerFrame_);
 }
 
-FrameReader::Block FrameReader::Fetch(int frames) {
+FrameReader::Request FrameReader::Advance(int frames) {
     constexpr std::int64_t kLast = std::numeric_limits<std::int32_t>::max();
     const std::int64_t start = position_;
     const std::int64_t end = start + frames;
-    position_ = static_cast<int>(std::min(end, kLast));  // advances by the whole request
+    position_ = static_cast<int>(std::min(end, kLast));
     if (end <= 0)
         return {frames, 0};
-    const int leadIn = start < 0 ? static_cast<int>(-start) : 0;
-    std::int64_t wanted = frames - leadIn;
-    if (length_ != kUnknownLength && end > length_)
-        wanted = std::max<std::int64_t>(0, wanted - (end - length_));
-    const std::size_t bytes =
-        ReadFully(file_.Get(), buffer_.get(), static_cast<std::size_t>(wanted * bytesPerFrame_));
-    // A file that grows may end inside a frame for now. The rest of it is taken as silence, so that
-    // what follows keeps its channels.
-    const auto torn = static_cast<std::int64_t>(bytes % static_cast<std::size_t>(bytesPerFrame_));
-    if (torn != 0)
-        ::lseek(file_.Get(), bytesPerFrame_ - torn, SEEK_CUR);
-    return {leadIn, bytes};
+    const std::int64_t last =
+        length_ == kUnknownLength ? end : std::min<std::int64_t>(end, length_);
+    const std::int64_t first = std::max<std::int64_t>(start, 0);
+    return {static_cast<int>(first - start),
+            static_cast<int>(std::max<std::int64_t>(0, last - first))};
+}
+
+FrameReader::Run FrameReader::Take(int frames) {
+    const auto frameBytes = static_cast<std::size_t>(bytesPerFrame_);
+    if (used_ == filled_) {
+        used_ = 0;
+        filled_ = ReadFully(file_.Get(), buffer_.get(), capacity_);
+        // A file that grows may end inside a frame for now; what follows must keep its channels.
+        if (const std::size_t torn = filled_ % frameBytes; torn != 0)
+            ::lseek(file_.Get(), static_cast<off_t>(frameBytes - torn), SEEK_CUR);
+    }
+    const std::size_t wanted = static_cast<std::size_t>(frames) * frameBytes;
+    const std::size_t bytes = std::min(wanted, filled_ - used_);
+    const std::byte* const data = buffer_.get() + used_;
+    used_ += bytes;
+    return {data, bytes, static_cast<int>((bytes + frameBytes - 1) / frameBytes)};
 }
 
 void FrameReader::Seek(int frame, int end) {
     position_ = frame;
+    used_ = filled_ = 0;
     const std::int64_t target = std::max(0, std::min(frame, end));
     ::lseek(file_.Get(), dataStart_ + target * bytesPerFrame_, SEEK_SET);
 }

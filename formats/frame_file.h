@@ -26,18 +26,21 @@ public:
 
     template <typename Stored>
     void Read(int* buffer, int frames, int channels) {
-        while (frames > 0) {
-            const int block = std::min(frames, kMaxBlockFrames);
-            const Block next = Fetch(block);
-            const int silent = next.leadIn * channels;
-            const int samples = static_cast<int>(next.bytes / sizeof(Stored));
-            std::fill_n(buffer, silent, 0);
-            ConvertSamplesIn(reinterpret_cast<const Stored*>(buffer_.get()), buffer + silent,
-                             samples);
-            std::fill(buffer + silent + samples, buffer + block * channels, 0);
-            buffer += block * channels;
-            frames -= block;
+        const Request request = Advance(frames);
+        int* const end = buffer + static_cast<std::ptrdiff_t>(frames) * channels;
+        int* out = std::fill_n(buffer, request.leadIn * channels, 0);
+        for (int wanted = request.inFile; wanted > 0;) {
+            const Run run = Take(wanted);
+            if (run.frames == 0)
+                break;
+            const int samples = static_cast<int>(run.bytes / sizeof(Stored));
+            ConvertSamplesIn(reinterpret_cast<const Stored*>(run.data), out, samples);
+            // Of a frame that the file holds only in part, the rest is silence.
+            std::fill(out + samples, out + run.frames * channels, 0);
+            out += run.frames * channels;
+            wanted -= run.frames;
         }
+        std::fill(out, end, 0);
     }
 
     // Keeps the position given, negative or past the end; places the file within [0, end].
@@ -50,17 +53,28 @@ public:
     std::int64_t DataStart() const { return dataStart_; }
 
 private:
-    struct Block {
-        int leadIn;         // silent frames before frame 0
-        std::size_t bytes;  // then that many bytes in buffer_
+    struct Request {
+        int leadIn;  // silent frames before frame 0
+        int inFile;  // then as many from the file, the rest is past the end
     };
-    Block Fetch(int frames);
+    struct Run {
+        const std::byte* data;
+        std::size_t bytes;
+        int frames;  // a torn last one included; 0 at the end of the file
+    };
+    Request Advance(int frames);  // moves the position by the whole request
+    Run Take(int frames);         // the next frames in the buffer, which is filled when empty
 
     UniqueFd file_;
     std::int64_t dataStart_;
     int bytesPerFrame_;
     int position_ = 0;
     int length_;
+    // What was read ahead. A file that is being written shows its new data once the buffer is used
+    // up, since a read at the end of the file leaves the buffer short, not waiting.
+    std::size_t capacity_;
+    std::size_t used_ = 0;
+    std::size_t filled_ = 0;
     std::unique_ptr<std::byte[]> buffer_;
 };
 

@@ -28,8 +28,8 @@ struct LSFFRE32 {
     std::uint32_t bits;  // full scale 524272, unlike LSFF32: files already written depend on both
 };
 
-// G.711 on the pipeline scale. Get and Set compute one sample; ConvertSamplesIn and
-// ConvertSamplesOut look up tables made from them.
+// G.711 on the pipeline scale. Get and Set compute one sample as the laws are written down;
+// ConvertSamplesIn and ConvertSamplesOut give the same, faster.
 struct LSFULAW {
     std::uint8_t bits;
     int Get() const;

@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "foundation/crash_box_program.h"
 #include "foundation/signal_stack.h"
@@ -83,7 +85,8 @@ struct Arming {
         for (const int number : {SIGILL, SIGUSR1, SIGSEGV})
             SetDisposition(number, &LDebugSignalHandler);
         // Never taken down: the process may fault until its last instruction.
-        [[maybe_unused]] static const auto* const stack = new LSignalStack;
+        alignas(LSignalStack) static std::byte stack[sizeof(LSignalStack)];
+        new (stack) LSignalStack;
     }
 };
 static_assert(SIGILL == 4 && SIGUSR1 == 10 && SIGSEGV == 11);

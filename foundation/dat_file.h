@@ -32,8 +32,8 @@ public:
     // An absent or empty value is the default for all of these.
     int GetLong(const char* section, const char* key, int defaultValue) const;
     void SetLong(const char* section, const char* key, int value);
-    bool GetBool(const char* section, const char* key,
-                 bool defaultValue) const;  // true: begins with "t"
+    // True for what begins with "t".
+    bool GetBool(const char* section, const char* key, bool defaultValue) const;
     LDateTime GetDateTime(const char* section, const char* key, LDateTime defaultValue) const;
     void SetDateTime(const char* section, const char* key, LDateTime value);
     LDayTime GetDayTime(const char* section, const char* key, LDayTime defaultValue) const;

@@ -15,12 +15,11 @@ class LFile {
 public:
     // --- paths
     static void _FilePathCat(char* path, const char* name);
-    static void _FilePathCat(char* path, const char* name,
-                             const char* ext);  // ext without separator
+    static void _FilePathCat(char* path, const char* name, const char* ext);  // no separator
     static void _GetFolderFromPath(char* out, const char* path);
     static void _GetFileFromPath(char* out, const char* path);
-    static void _GetFileNameFromPath(char* out,
-                                     const char* path);  // the file part without extension
+    // The file part without its extension.
+    static void _GetFileNameFromPath(char* out, const char* path);
     // From the last dot of the file part on, dot included. A dot that begins the whole path begins
     // no extension.
     static void _GetFileExtensionFromPath(char* out, const char* path);
@@ -32,16 +31,15 @@ public:
     // copied.
     static void MakeRelativeFilePath(char* out, const char* path, const char* base);
 
-    // --- folders; created with mode 0777 less the process's mask, failures show only as missing
-    // folders
+    // --- folders: created with mode 0777 less the process's mask; failures show as missing folders
     static void GetSharedDataFolderApp(char* out);
     static void GetSharedDataFolderAppSubFolder(const char* name, char* out);
     static void GetUserDataFolderAppSubFolder(const char* name, char* out);
     static void SetFolderSecurityAllAccess(const char* folder);  // waits for the shell command
     // Links to folders are not followed; what is neither file nor folder is left out.
     static void CopyFolderFiles(const char* from, const char* to);
-    static void DeleteFolderAndFiles(
-        const char* folder);  // its sub-folders keep it alive; a file is just removed
+    // Its sub-folders keep it alive; a path that names a file has the file removed.
+    static void DeleteFolderAndFiles(const char* folder);
     static void DeleteFolderTree(const char* folder);  // links are removed, never followed
     class FolderIterator;                              // folder_iterator.h
     class FolderIteratorAllFiles;

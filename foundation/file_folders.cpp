@@ -81,7 +81,7 @@ void LFile::GetSharedDataFolderAppSubFolder(const char* name, char* out) {
 
 void LFile::GetUserDataFolderAppSubFolder(const char* name, char* out) {
     const std::string home = HomeFolder();
-    const std::string folder = home + "/.quillon/lectora/" + name;
+    const std::string folder = home + (home.ends_with('/') ? "" : "/") + ".quillon/lectora/" + name;
     MakeFolders(folder, home.size());
     CopyText(out, kTextBufferSize, folder);
 }

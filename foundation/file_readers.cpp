@@ -59,8 +59,7 @@ bool LReadFileRef::Seek(std::int64_t offset) {
 
 bool LReadFileRef::Skip(std::int64_t bytes) {
     const std::int64_t here = Tell();
-    std::int64_t target = 0;
-    return here >= 0 && !__builtin_add_overflow(here, bytes, &target) && Seek(target);
+    return here >= 0 && bytes <= INT64_MAX - here && Seek(here + bytes);
 }
 
 std::int64_t LReadFileRef::Tell() const {

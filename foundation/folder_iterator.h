@@ -12,9 +12,9 @@
 // One thread. Not open for what is not a readable folder: then there are no entries.
 class LFile::FolderIterator {
 public:
-    bool Open(const char* folder,
-              const char* pattern);  // shell wildcards, names beginning with a dot included
-    bool Open(const char* folder);   // every name
+    // Shell wildcards; "*" takes names beginning with a dot too. Without a pattern, every name.
+    bool Open(const char* folder, const char* pattern);
+    bool Open(const char* folder);
     // Goes to the next entry that matches; false at the end.
     bool SkipToMatch();
 

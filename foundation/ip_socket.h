@@ -54,5 +54,5 @@ constexpr std::ptrdiff_t kSocketWouldBlock = -1;
 constexpr std::ptrdiff_t kSocketError = -2;
 std::ptrdiff_t SendSome(LIPSocketTCPRef socket, const void* data, std::size_t length);
 std::ptrdiff_t ReceiveSome(LIPSocketTCPRef socket, void* buffer, std::size_t length);
-std::ptrdiff_t PeekSome(LIPSocketTCPRef socket, void* buffer,
-                        std::size_t length);  // leaves the bytes
+// Leaves the bytes to be received.
+std::ptrdiff_t PeekSome(LIPSocketTCPRef socket, void* buffer, std::size_t length);

@@ -11,7 +11,7 @@
 #include "foundation/signal_object.h"
 
 template <typename P>
-concept LProgress = requires(P progress, const P constProgress, const char* text, double fraction,
+concept LProgress = requires(P& progress, const P& constProgress, const char* text, double fraction,
                              LSignalObjectRef signal, unsigned int milliseconds) {
     { constProgress.IsShown() } -> std::same_as<bool>;  // false: labels and fraction go nowhere
     progress.SetFirstLabel(

@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <charconv>
 
-#include "foundation/tcp_steps.h"
-
 namespace {
 
 struct AddressListRelease {
@@ -84,11 +82,4 @@ void* LHostLookup::Run(void* shared) {
 std::vector<LIPAddressWithPort> LHostLookup::Addresses() const {
     const std::lock_guard lock(shared_->mutex);
     return shared_->addresses;
-}
-
-void ProcessHTTPSplitHost(const char* address, char* host, char* path) {
-    const std::string_view whole(address);
-    const std::size_t slash = std::min(whole.find('/'), whole.size());
-    CopyText(host, kTextBufferSize, whole.substr(0, slash));
-    CopyText(path, kTextBufferSize, whole.substr(slash));
 }

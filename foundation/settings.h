@@ -55,16 +55,16 @@ void LUserSettingDeleteItem(const char* section, const char* key);
 std::string LUserSettingGet(const char* section, const char* key, const char* defaultValue = "");
 int LUserSettingGetInt(const char* section, const char* key, int defaultValue);
 void LUserSettingSetInt(const char* section, const char* key, int value);
-bool LUserSettingGetBool(const char* section, const char* key,
-                         bool defaultValue);  // on: not empty, not "0"
+// A flag is on when its value is neither empty nor "0".
+bool LUserSettingGetBool(const char* section, const char* key, bool defaultValue);
 void LUserSettingSetBool(const char* section, const char* key, bool value);
 
 // --- machine-wide
 void _LSettingGetString(const char* section, const char* key, const char* defaultValue, char* out);
 void LSettingSetString(const char* section, const char* key, const char* value);
 void LSettingDeleteItem(const char* section, const char* key);
-void LSettingGetPassword(const char* section, const char* key, const char* defaultValue,
-                         char* out);  // plain text
+// Kept as plain text.
+void LSettingGetPassword(const char* section, const char* key, const char* defaultValue, char* out);
 std::string LSettingGet(const char* section, const char* key, const char* defaultValue = "");
 
 // --- where files stand; `out` holds 260 bytes
@@ -72,5 +72,5 @@ void LSettingsGetUserFolder(char* out);    // created when missing
 void LSettingsGetSharedFolder(char* out);  // created when missing
 void LSettingSectionFile(char* out, const char* folder, const char* section);
 void LSettingGetSubListPath(char* out, const char* path);
-void LSettingSubListSection(char* out, const char* path,
-                            const char* name);  // creates the sub-list folder
+// Creates the sub-list folder.
+void LSettingSubListSection(char* out, const char* path, const char* name);

@@ -18,9 +18,9 @@ public:
     void SetBool(const char* key, bool value);
 
     bool TestSubRecordExists(const char* name) const;
-    void OpenSubRecord(const char* name,
-                       LSettingsRecord& out) const;  // creates the folder, not the file
-    bool CreateSubRecord(const char* name,
-                         LSettingsRecord& out) const;  // true when it was not there before
-    void DeleteSubRecord(const char* name);            // the sub-record's own sub-records stay
+    // Points out at the sub-record; creates the folder, not the file.
+    void OpenSubRecord(const char* name, LSettingsRecord& out) const;
+    // The same with the file, empty; true when it was not there before.
+    bool CreateSubRecord(const char* name, LSettingsRecord& out) const;
+    void DeleteSubRecord(const char* name);  // the sub-record's own sub-records stay
 };

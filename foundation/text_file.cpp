@@ -13,7 +13,7 @@ void SaveBytes(const char* path, std::string_view bytes) {
     if (!fd.IsOpen())
         return;
     static_cast<void>(flock(fd.Get(), LOCK_EX | LOCK_NB));
-    if (ftruncate(fd.Get(), 0) == 0 || bytes.empty())
+    if (ftruncate(fd.Get(), 0) == 0)
         WriteAll(fd.Get(), bytes);
 }
 

@@ -13,7 +13,6 @@ LEditWidgets NewEdit(bool readOnly, GtkPolicyType verticalScrollBar) {
     GtkTextView* view = GTK_TEXT_VIEW(edit.textView);
     gtk_text_view_set_left_margin(view, 2);
     gtk_text_view_set_right_margin(view, 2);
-    gtk_text_view_set_border_window_size(view, GTK_TEXT_WINDOW_BOTTOM, 10);
     gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD);
     gtk_text_view_set_editable(view, !readOnly);
     gtk_text_view_set_accepts_tab(view, FALSE);

@@ -1,5 +1,6 @@
 #include "gui/cool_button.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "gui/accessible.h"
@@ -8,6 +9,7 @@
 namespace {
 
 constexpr const char* kDataKey = "cool-button";
+constexpr int kMaxImageSize = 32;  // pixels
 
 struct CoolButton {
     LCoolButtonKind kind;
@@ -38,13 +40,39 @@ void SetLook(GtkToggleButton* button, bool down, CoolButton* state) {
                                       state);
 }
 
+// Larger pictures would leave no room for the text.
+GtkWidget* NewFaceImage(int number) {
+    const auto icon = LoadIcon(number);
+    const int width = icon ? gdk_pixbuf_get_width(icon.Get()) : 0;
+    const int height = icon ? gdk_pixbuf_get_height(icon.Get()) : 0;
+    const int larger = std::max(width, height);
+    if (larger <= kMaxImageSize)
+        return gtk_image_new_from_pixbuf(icon.Get());
+    const auto scaled = GObjectRef<GdkPixbuf>::Adopt(
+        gdk_pixbuf_scale_simple(icon.Get(), std::max(1, width * kMaxImageSize / larger),
+                                std::max(1, height * kMaxImageSize / larger), GDK_INTERP_BILINEAR));
+    return gtk_image_new_from_pixbuf(scaled.Get());
+}
+
+// A label breaks its lines by its requested width, not by the width it gets.
+void GCLabelSize(GtkWidget* label, GtkAllocation* place, gpointer) {
+    GtkRequisition wanted;
+    gtk_widget_get_child_requisition(label, &wanted);
+    if (place->width < wanted.width)
+        gtk_widget_set_size_request(label, place->width, -1);
+}
+
 void SetFace(GtkToggleButton* button, int imageNumber, const char* text) {
     if (GtkWidget* old = gtk_bin_get_child(GTK_BIN(button)))
         gtk_container_remove(GTK_CONTAINER(button), old);
     GtkWidget* face = gtk_hbox_new(FALSE, 4);
     if (imageNumber >= 0)
-        gtk_box_pack_start(GTK_BOX(face), NewIconImage(imageNumber), FALSE, FALSE, 2);
-    gtk_box_pack_start(GTK_BOX(face), gtk_label_new(text), TRUE, TRUE, 0);
+        gtk_box_pack_start(GTK_BOX(face), NewFaceImage(imageNumber), FALSE, FALSE, 2);
+    GtkWidget* label = gtk_label_new(text);
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
+    g_signal_connect(label, "size-allocate", G_CALLBACK(GCLabelSize), nullptr);
+    gtk_box_pack_start(GTK_BOX(face), label, TRUE, TRUE, 0);
     gtk_container_add(GTK_CONTAINER(button), face);
     gtk_widget_show_all(face);
     SetAccessibleName(GTK_WIDGET(button), text);

@@ -1,6 +1,7 @@
 // Containers, placement and the action area; the controls are in dialog_gen_controls.cpp.
 #include "gui/dialog_gen_context.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "gui/dialog.h"
@@ -10,6 +11,7 @@ namespace {
 
 constexpr unsigned int kPadding = 8;
 constexpr unsigned int kColumns = 2;
+constexpr int kActionButtonSize = 40;
 constexpr auto kExpandFill = GtkAttachOptions(GTK_EXPAND | GTK_FILL);
 
 unsigned int IndentPixels(int indent) {
@@ -19,6 +21,14 @@ unsigned int IndentPixels(int indent) {
 // A table without rows would be an error to GTK.
 void ShrinkTable(GtkWidget* table, unsigned int rows) {
     gtk_table_resize(GTK_TABLE(table), rows > 0 ? rows : 1, kColumns);
+}
+
+// GTK takes a size request for the size itself, which would cut longer texts.
+void SetMinimumSize(GtkWidget* widget, int size) {
+    GtkRequisition natural;
+    gtk_widget_size_request(widget, &natural);
+    gtk_widget_set_size_request(widget, std::max(natural.width, size),
+                                std::max(natural.height, size));
 }
 
 struct Buttons {
@@ -203,7 +213,7 @@ void LDialogGenContext::SetUpActionButton(GtkWidget* button, const char* label, 
         dialog_.SetButtonCommandHandler(button, kCommandCancel);
     else if (help)
         dialog_.SetButtonCommandHandler(button, kCommandHelp);
-    gtk_widget_set_size_request(button, 40, 40);
+    SetMinimumSize(button, kActionButtonSize);
 }
 
 void LDialogGenContext::AddOkCancelHelp(const char* label, bool noHelp, bool noCancel, bool noOk) {

@@ -83,6 +83,7 @@ void LDialogGenContext::AddInputUpDown(int id, const char* text) {
 
 void LDialogGenContext::AddEditWidget(int id, const char* text, int height, bool readOnly) {
     const LEditWidgets edit = NewEdit(readOnly, GTK_POLICY_AUTOMATIC);
+    gtk_text_view_set_border_window_size(GTK_TEXT_VIEW(edit.textView), GTK_TEXT_WINDOW_BOTTOM, 10);
     if (height > 0)
         gtk_widget_set_size_request(edit.scrolledWindow, -1, height);
     AddSpanFull(edit.scrolledWindow, -1);

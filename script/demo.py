@@ -24,7 +24,7 @@ def read(lectora, card, folder, number, path, begin):
     tell(f"{name}: {first - begin:.1f} s until the first sound reached the card")
     time.sleep(1.0)
     picture = os.path.join(folder, f"{number}-{name}.png")
-    desktop.screenshot(picture)
+    desktop.screenshot(picture, lectora.window())
     ended = card.wait_for(stream, "close", 24 * 3600)
     sound = card.sound(stream)
     tell(f"{name}: read to the end in {ended[0] - first:.1f} s")

@@ -99,7 +99,9 @@ void LSRCConvertRate::Refill() {
     if (writePosition_ > kMoveAfter)
         writePosition_ = kOverlap;
     const int frames = RefillFrames();
+    blockStart_ = inner_->GetPositionSample();
     inner_->Read(block_.data(), frames);
+    blockEnd_ = inner_->GetPositionSample();
     KeepOverlap();
     ChooseShift(frames);
     LoadHistory(frames);
@@ -188,7 +190,12 @@ int LSRCConvertRate::Scale(std::int64_t inputFrames) const {
 // The phase is left out, so that several frames in a row may share a position when the rate goes
 // up.
 int LSRCConvertRate::GetPositionSample() const {
-    return Scale(inner_->GetPositionSample() - (heldFrames_ - readIndex_) + kFilterDelay);
+    const std::int64_t fromEnd = heldFrames_ - readIndex_ - kFilterDelay;
+    const int blockFrames = heldFrames_ - kOverlap;
+    if (blockFrames == 0)
+        return Scale(inner_->GetPositionSample() - fromEnd);
+    // A source that winds moves its position by more or less than what was read, or not at all.
+    return Scale(blockEnd_ - fromEnd * (blockEnd_ - blockStart_) / blockFrames);
 }
 
 int LSRCConvertRate::GetEndSample() const {

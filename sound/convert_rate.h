@@ -80,8 +80,10 @@ private:
     // Write position as a buffer of 32768 + 63 frames would have it: it decides how much each
     // refill reads. Kept is only what the next windows need: kOverlap frames and one block.
     int writePosition_ = 0;
-    std::int64_t readIndex_ = 0;  // window of the next output frame, from the history's start
-    int heldFrames_ = 0;          // frames in the history, the overlap included
+    std::int64_t readIndex_ = 0;   // window of the next output frame, from the history's start
+    int heldFrames_ = 0;           // frames in the history, the overlap included
+    std::int64_t blockStart_ = 0;  // positions of the inner source around the last refill
+    std::int64_t blockEnd_ = 0;
     int phase_ = 0;
     int shift_ = 0;
     bool isWide_ = false;                // this block runs through wide_

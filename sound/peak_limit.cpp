@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 
 #include "sound/kernels.h"
 #include "sound/level.h"
@@ -62,7 +61,7 @@ void LSRCPeakLimit::Read(int* buffer, int frames) {
 
 void LSRCPeakLimit::Fill() {
     ReadNewest();
-    std::rotate(blocks_.begin(), blocks_.begin() + 1, blocks_.end());
+    Rotate();
     ReadNewest();
     gain_ = TargetGain();
     isFilled_ = true;
@@ -70,8 +69,13 @@ void LSRCPeakLimit::Fill() {
 }
 
 // The newest block becomes the current one, and so on; the oldest makes room.
-void LSRCPeakLimit::Enter() {
+void LSRCPeakLimit::Rotate() {
     std::rotate(blocks_.begin(), blocks_.begin() + 1, blocks_.end());
+    std::rotate(starts_.begin(), starts_.begin() + 1, starts_.end());
+}
+
+void LSRCPeakLimit::Enter() {
+    Rotate();
     ReadNewest();
     const int difference = TargetGain() - gain_;
     increment_ = difference / blockFrames_;
@@ -80,6 +84,7 @@ void LSRCPeakLimit::Enter() {
 }
 
 void LSRCPeakLimit::ReadNewest() {
+    starts_[2] = inner_->GetPositionSample();
     inner_->Read(blocks_[2], blockFrames_);
     std::copy_backward(gains_.begin(), gains_.end() - 1, gains_.end());
     gains_[0] = BlockGain(GetBufferPeak(blocks_[2], blockFrames_, channels_));
@@ -97,26 +102,22 @@ int LSRCPeakLimit::TargetGain() const {
     return std::min({gains_[0], gains_[1], gains_[2], mean});
 }
 
-int LSRCPeakLimit::HeldFrames() const {
-    return isFilled_ ? 3 * blockFrames_ - readPosition_ : 0;
-}
-
 int LSRCPeakLimit::GetPositionSample() const {
-    return inner_->GetPositionSample() - HeldFrames();
+    if (!isFilled_)
+        return inner_->GetPositionSample();
+    // A source that winds moves its position by more or less than what was read, or not at all.
+    const std::int64_t moved = starts_[1] - starts_[0];
+    return static_cast<int>(starts_[0] + moved * readPosition_ / blockFrames_);
 }
 
 int LSRCPeakLimit::GetEndSample() const {
     const int end = inner_->GetEndSample();
     if (!inner_->IsStreaming())
         return end;
-    // The oldest block can be read to its end; each further whole block that has arrived frees one
-    // more.
-    const std::int64_t blockStart = std::int64_t{GetPositionSample()} - readPosition_;
-    const std::int64_t whole = (end - blockStart) / blockFrames_;
-    const std::int64_t free =
-        isFilled_ ? std::max<std::int64_t>(whole - 2, 1) : std::max<std::int64_t>(whole - 2, 0);
-    return static_cast<int>(
-        std::min<std::int64_t>(blockStart + free * blockFrames_, std::numeric_limits<int>::max()));
+    // The oldest block can be read to its end; each further whole block that has arrived frees one.
+    const std::int64_t start = isFilled_ ? starts_[0] : inner_->GetPositionSample();
+    const std::int64_t free = std::max<std::int64_t>((end - start) / blockFrames_ - 2, isFilled_);
+    return static_cast<int>(std::min<std::int64_t>(start + free * blockFrames_, end));
 }
 
 void LSRCPeakLimit::Seek(int frame) {

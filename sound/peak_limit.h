@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <vector>
 
 #include "sound/sound_source.h"
@@ -38,17 +39,18 @@ public:
 private:
     void Reset();
     void Fill();
+    void Rotate();
     void Enter();
     void ReadNewest();
     int BlockGain(int peak) const;
     int TargetGain() const;
-    int HeldFrames() const;
 
     int limit_;
     int blockFrames_;
     std::vector<int> storage_;
-    std::array<int*, 3> blocks_;  // oldest, current, newest; in storage_
-    std::array<int, 4> gains_;    // of the last four blocks, newest first
+    std::array<int*, 3> blocks_;            // oldest, current, newest; in storage_
+    std::array<std::int64_t, 3> starts_{};  // their positions in the inner source
+    std::array<int, 4> gains_;              // of the last four blocks, newest first
     bool isFilled_ = false;
     int gain_ = kUnityGain;  // of the next frame
     int increment_ = 0;

@@ -19,7 +19,9 @@ public:
             nullptr, GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, "%s", text);
         GtkWindow* const window = GTK_WINDOW(box);
         gtk_window_set_title(window, title);
-        gtk_window_set_icon_from_file(window, IconPath(1).c_str(), nullptr);
+        GError* missing = nullptr;
+        gtk_window_set_icon_from_file(window, IconPath(1).c_str(), &missing);
+        g_clear_error(&missing);
         gtk_window_set_position(window, GTK_WIN_POS_CENTER);
         gtk_window_set_keep_above(window, TRUE);  // the crashed window cannot give way
         const gint answer = gtk_dialog_run(GTK_DIALOG(box));

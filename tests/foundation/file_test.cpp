@@ -102,7 +102,7 @@ TEST(FilePaths, BecomeNamesAndRelativePaths) {
 TEST(FileFolders, AreMadeWhereTheSystemKeepsItsThings) {
     const ScratchFolder folder;
     const ScopedVariable root("LECTORA_ROOT", (folder.Path() + "/").c_str());
-    const ScopedVariable home("HOME", folder.Path().c_str());
+    const ScopedVariable home("HOME", (folder.Path() + "/").c_str());
     char out[260];
     LFile::GetSharedDataFolderAppSubFolder("Sub", out);
     EXPECT_EQ(out, folder.Path() + "/opt/quillon/lectora/etc/Sub");

@@ -110,6 +110,15 @@ inline void PressEscape(GtkWidget* window) {
     gtk_bindings_activate(GTK_OBJECT(window), GDK_KEY_Escape, GdkModifierType(0));
 }
 
+// As the window manager does when it makes the window the active one.
+inline void Activate(GtkWidget* window) {
+    GdkEvent* focus = gdk_event_new(GDK_FOCUS_CHANGE);
+    focus->focus_change.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
+    focus->focus_change.in = TRUE;
+    gtk_main_do_event(focus);
+    gdk_event_free(focus);
+}
+
 // As the window manager's close button does.
 inline void PressClose(GtkWidget* window) {
     GdkEvent* close = gdk_event_new(GDK_DELETE);

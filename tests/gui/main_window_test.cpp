@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/settings.h"
+#include "gui/control_factory.h"
 #include "gui/main_window.h"
 #include "tests/gui/gui_fixtures.h"
 
@@ -12,7 +13,12 @@ class TestWindow : public Recorder<LMainWindow> {
 public:
     void InitDialog() override {
         Recorder::InitDialog();
+        const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
         AddControl(gtk_entry_new(), 1);
+        AddControl(edit.textView, 2, edit.scrolledWindow);
+        AddControl(gtk_button_new(), 3);
+        static constexpr int kOrder[] = {2, 99, 3, 1};
+        SetFocusOrder(kOrder);
         SetStatusText("before");
         SetStatusText("ready");
     }
@@ -66,6 +72,15 @@ TEST(MainWindow, RunsInOrderAndComesBackWhereItWas) {
         },
     });
     window.onShown = [&] {
+        // The Tab key goes the stated way and is not caught in the text box.
+        Activate(window.Widget());
+        gtk_widget_grab_focus(window.GetControlByID(1));
+        for (const int id : {2, 3, 1, 2}) {
+            gtk_widget_child_focus(window.Widget(), GTK_DIR_TAB_FORWARD);
+            EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(window.Widget())), window.GetControlByID(id));
+        }
+        EXPECT_FALSE(gtk_text_view_get_accepts_tab(GTK_TEXT_VIEW(window.GetControlByID(2))));
+
         EXPECT_EQ(window.laidOut, std::make_pair(640, 600 - LStatusBar::kHeight));
     };
     window.Run("Lectora", arguments, 2);

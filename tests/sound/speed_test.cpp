@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "sound/convert.h"
 #include "tests/sound/sound_witness.h"
 #include "tests/support/memory_sound.h"
 
@@ -151,6 +152,24 @@ TEST(SpeedTest, EndsAndOddSources) {
     }
     const LSoundSource bad;
     EXPECT_EQ(LSPSpeed(2, 2, LSoundTime(0)).OpenSource(bad).Get(), bad.Get());
+}
+
+// As on a card of another rate: positions follow the winding, and both ends stop it.
+TEST(SpeedTest, ThroughLimiterAndRateConverter) {
+    for (const double factor : {-3.0, 3.0, 7.0}) {
+        LSoundSource source = OpenSpeed(std::vector<int>(20 * kRate, 9000), factor, factor);
+        source->Seek(10 * kRate);
+        source = LSPPeakLimit(8000).OpenSource(source);
+        LSPConvertSourceRateChannels(2 * kRate, 2, source);
+        for (int second = 0; second <= 1; ++second) {
+            EXPECT_NEAR(source->GetPositionSample(), (10 + factor * second) * 2 * kRate,
+                        0.5 * kRate);
+            ReadFrames(source, 2 * kRate);
+        }
+        const double left = 2 * kRate * (10 / std::abs(factor) - 2);
+        EXPECT_NEAR(static_cast<double>(Play(source, 500).size()) / 2, std::max(left, 0.0),
+                    0.8 * kRate);
+    }
 }
 
 // Winding forward through speech that is still being made never plays what has not arrived.

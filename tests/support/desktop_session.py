@@ -3,6 +3,7 @@
 Called by desktop_keeper.py as `desktop_session.py SIZE SCREENSHOT COMMAND...`, in the environment
 that it made; often as process 1 of a PID namespace, where it also has to reap orphans.
 """
+import ctypes
 import os
 import signal
 import subprocess
@@ -60,14 +61,30 @@ class Servers:
                 pass
 
 
-def wait_for(what, command, accepted=lambda output: True):
+def wait_until(what, condition):
     deadline = time.monotonic() + START_SECONDS
-    while time.monotonic() < deadline:
-        result = subprocess.run(command, capture_output=True, text=True, check=False)
-        if result.returncode == 0 and accepted(result.stdout):
-            return
+    while not condition():
+        if time.monotonic() > deadline:
+            raise StartFailure(f"{what} did not come up in {START_SECONDS} s")
         time.sleep(0.02)
-    raise StartFailure(f"{what} did not come up in {START_SECONDS} s")
+
+
+def answers(command, part):
+    """Whether the command succeeds and its output holds the part."""
+    result = subprocess.run(command, capture_output=True, text=True, check=False)
+    return result.returncode == 0 and part in result.stdout
+
+
+def tray_is_there():
+    """Whether somebody owns the tray's selection. Its panel shows no window while it is empty."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    x11.XInternAtom.restype = x11.XGetSelectionOwner.restype = ctypes.c_ulong
+    display = ctypes.c_void_p(x11.XOpenDisplay(None))
+    tray = ctypes.c_ulong(x11.XInternAtom(display, b"_NET_SYSTEM_TRAY_S0", 0))
+    owner = x11.XGetSelectionOwner(display, tray)
+    x11.XCloseDisplay(display)
+    return owner != 0
 
 
 def remove_stale_locks():
@@ -87,18 +104,7 @@ def remove_stale_locks():
 def start_display(servers, size):
     # Numbers are fought over by desktops that start together: the loser of a number tries again.
     for _ in range(10):
-        arguments = [
-            "-displayfd",
-            "{fd}",
-            "-screen",
-            "0",
-            size + "x24",
-            "-nolisten",
-            "tcp",
-            "-noreset",
-            "-s",
-            "0",
-        ]
+        arguments = f"-displayfd {{fd}} -screen 0 {size}x24 -nolisten tcp -noreset -s 0".split()
         if os.geteuid() == 0:
             arguments.append("-nolock")
         number = servers.start_announcing("Xvfb", arguments)
@@ -117,39 +123,22 @@ def start_display(servers, size):
 
 def start_desktop(servers, size):
     start_display(servers, size)
+    bus = "--address=unix:path=" + os.path.join(os.environ["XDG_RUNTIME_DIR"], "bus")
     os.environ["DBUS_SESSION_BUS_ADDRESS"] = servers.start_announcing(
-        "dbus-daemon",
-        [
-            "--session",
-            "--nofork",
-            "--nopidfile",
-            "--print-address={fd}",
-            "--address=unix:path=" + os.path.join(os.environ["XDG_RUNTIME_DIR"], "bus"),
-        ],
+        "dbus-daemon", ["--session", "--nofork", "--nopidfile", "--print-address={fd}", bus]
     )
     servers.start("openbox", "--sm-disable")
     os.environ["PATH"] += ":/usr/libexec:/usr/lib/at-spi2-core"
     servers.start("at-spi-bus-launcher", "--launch-immediately")
-    wait_for(
-        "the window manager",
-        ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"],
-        lambda text: "window id" in text,
-    )
-    servers.start(
-        "trayer", "--edge", "bottom", "--align", "right", "--height", "24", "--widthtype", "request"
-    )
-    wait_for(
-        "the accessibility bus",
-        [
-            "dbus-send",
-            "--session",
-            "--print-reply",
-            "--dest=org.a11y.Bus",
-            "/org/a11y/bus",
-            "org.a11y.Bus.GetAddress",
-        ],
-    )
-    wait_for("the notification area", ["xdotool", "search", "--onlyvisible", "--class", "trayer"])
+    window_manager = ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"]
+    wait_until("the window manager", lambda: answers(window_manager, "window id"))
+    # The tray is a GTK program too: it would hang on an accessibility bus that is just coming up.
+    address = "dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus"
+    address = (address + " org.a11y.Bus.GetAddress").split()
+    wait_until("the accessibility bus", lambda: answers(address, "unix:"))
+    tray = "trayer --edge bottom --align right --height 24 --widthtype request"
+    servers.start(*tray.split())
+    wait_until("the notification area", tray_is_there)
 
 
 def run_command(command):

@@ -52,9 +52,11 @@ def press_keys(*keys):
     xdotool("key", "--delay", "20", *keys)
 
 
-def screenshot(path):
+def screenshot(path, window="root"):
+    """A PNG of the screen, or of a window with its frame; without the pointer's tooltips."""
     os.makedirs(os.path.dirname(os.path.realpath(path)), exist_ok=True)
-    subprocess.run(["import", "-window", "root", path], check=True)
+    xdotool("mousemove", 0, 0, "sleep", 0.1)
+    subprocess.run(["import", "-frame", "-window", window, path], check=True)
 
 
 def tell_engine(*lines):
@@ -187,44 +189,47 @@ class Lectora:
             if each and each.get_process_id() == self.process.pid
         )
 
-    def find_all(self, role, name=None):
-        def walk(widget):
+    def walk(self, role, name=None):
+        """The widgets of that role and name, those of the newest window first.
+
+        A program that waits for the engine answers each question here only once in 75 ms, so that
+        whoever needs one widget should not ask for all.
+        """
+
+        def below(widget):
             if widget.getRoleName() == role and (name is None or widget.name == name):
                 yield widget
             for child in widget:
                 if child:
-                    yield from walk(child)
+                    yield from below(child)
 
-        return list(walk(self.application()))
+        for window in reversed(list(self.application())):
+            if window:
+                yield from below(window)
+
+    def find_all(self, role, name=None):
+        return list(self.walk(role, name))
 
     def find(self, role, name=None, seconds=10.0):
-        return wait_until(lambda: self.find_all(role, name), f"a {role} '{name or ''}'", seconds)[0]
+        what = f"a {role} '{name or ''}'"
+        return wait_until(lambda: next(self.walk(role, name), None), what, seconds)
 
-    def shows(self, role, name=None):
-        try:
-            return any(
-                widget.getState().contains(pyatspi.STATE_SHOWING)
-                for widget in self.find_all(role, name)
-            )
-        except Exception:  # a window that is just going, see wait_until
-            return False
+    def windows(self):
+        """The X windows that it shows; dialogs carry the main window's title too."""
+        return xdotool(
+            "search", "--onlyvisible", "--pid", self.process.pid, "--name", "^Lectora$"
+        ).split()
 
     def window(self, seconds=10.0):
-        return wait_until(
-            lambda: xdotool(
-                "search", "--onlyvisible", "--pid", self.process.pid, "--name", "^Lectora$"
-            ).split(),
-            "the main window",
-            seconds,
-        )[0]
+        return wait_until(self.windows, "the main window", seconds)[0]
 
     def focus(self):
         xdotool("windowactivate", "--sync", self.window())
 
     def box_text(self):
         """Everything that the topmost message box says; '' without a box."""
-        boxes = self.find_all("alert")
-        return "\n".join(label.name for label in _labels(boxes[-1])) if boxes else ""
+        box = next(self.walk("alert"), None)
+        return "\n".join(label.name for label in _labels(box)) if box else ""
 
     def wait_for_box(self, text, seconds=15.0):
         return wait_until(

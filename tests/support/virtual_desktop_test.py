@@ -29,7 +29,7 @@ class VirtualDesktopTest(unittest.TestCase):
         self.environment = dict(os.environ, DESKTOP_TEST_MARK=self.mark)
 
     def start(self, *arguments, prefix=(), **options):
-        return subprocess.Popen(
+        process = subprocess.Popen(
             [*prefix, DESKTOP, *arguments],
             env=self.environment,
             stdout=subprocess.PIPE,
@@ -37,6 +37,8 @@ class VirtualDesktopTest(unittest.TestCase):
             text=True,
             **options,
         )
+        self.addCleanup(process.stdout.close)
+        return process
 
     def first_line(self, process):
         return process.stdout.readline().strip()
@@ -59,7 +61,8 @@ class VirtualDesktopTest(unittest.TestCase):
         self.environment["OLD_HOME"] = os.environ.get("HOME", "")
         process = self.start("--cards", "2", "--size", "800x600", "--", "sh", "-c", script)
         folder = self.first_line(process)
-        rest = process.communicate(timeout=60)[0]
+        rest = process.stdout.read()
+        process.wait(60)
         self.assertEqual(process.returncode, 7, rest)
         self.assertIn("800 600", rest)
         self.assertIn("card0\ncard1", rest)
@@ -84,7 +87,6 @@ class VirtualDesktopTest(unittest.TestCase):
                 self.assertGreater(len(processes_with(self.mark)), 5)
                 process.send_signal(ending)
                 process.wait(30)
-                process.stdout.close()
                 self.assert_gone(folder, display)
 
     def test_nothing_outlives_a_killed_caller(self):
@@ -98,7 +100,6 @@ class VirtualDesktopTest(unittest.TestCase):
         folder = self.first_line(process)
         process.kill()
         process.wait(30)
-        process.stdout.close()
         self.assert_gone(folder)
 
     def test_two_run_at_once(self):
@@ -125,7 +126,8 @@ class VirtualDesktopTest(unittest.TestCase):
                 prefix=("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"),
             )
             folder = self.first_line(process)
-            rest = process.communicate(timeout=60)[0]
+            rest = process.stdout.read()
+            process.wait(60)
             self.assertEqual((process.returncode, rest), (0, "65534\n1280 900\n"))
             self.assert_gone(folder)
 

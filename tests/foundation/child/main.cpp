@@ -2,8 +2,10 @@
 // links them.
 //   crash WAY BOX  crashes in the given way, with BOX as the program that asks
 //   log COUNT TEXT writes COUNT lines of every kind
+//   run leave|end  marks a run in progress, and leaves it so or ends it cleanly
 #include <pthread.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -12,21 +14,25 @@
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <thread>
 
 #include "foundation/crash_box_program.h"
 #include "foundation/crash_handler.h"
+#include "foundation/hang_detector.h"
 #include "foundation/log.h"
 #include "foundation/thread.h"
 
 namespace {
 
 void Fault() {
-    volatile int* volatile nowhere = nullptr;
+    volatile int* volatile nowhere = reinterpret_cast<int*>(16);
     *nowhere = 1;
 }
 
-// malloc_stats prints each arena's figures with that arena's lock held.
+// malloc_stats prints each arena's figures with that arena's lock held. The heap minds its locks
+// only in a process with several threads.
 void FaultWithHeapLocked() {
+    std::thread([] { ::pause(); }).detach();
     cookie_io_functions_t functions{};
     functions.write = [](void*, const char*, size_t length) {
         Fault();
@@ -107,6 +113,7 @@ void WriteLog(int count, const char* text) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that is stopped leaves nothing behind
     const rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
     if (argc == 4 && !std::strcmp(argv[1], "crash")) {
@@ -117,5 +124,10 @@ int main(int argc, char** argv) {
     }
     if (argc == 4 && !std::strcmp(argv[1], "log"))
         WriteLog(std::atoi(argv[2]), argv[3]);
+    if (argc == 3 && !std::strcmp(argv[1], "run")) {
+        LDebugHangDetectorInit();
+        if (!std::strcmp(argv[2], "leave"))
+            ::_exit(0);
+    }
     return 0;
 }

@@ -28,7 +28,7 @@ bool ParseFault(std::istringstream& line, CardFault& fault) {
     if (found == kinds.end())
         return false;
     fault.kind = found->second;
-    line >> fault.frame >> fault.refusals;
+    line >> fault.frame;
     return true;
 }
 

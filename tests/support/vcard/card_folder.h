@@ -9,8 +9,8 @@
 //   fault busy               opening answers -EBUSY
 //   fault vanish 22050       after 22050 frames played the card is gone: -ENODEV, later opens too
 //   fault underrun 22050     the stream runs dry once: -EPIPE until it is prepared again
-//   fault suspend 22050 3    the stream is suspended once: -ESTRPIPE; the first three resumes
-//                            change nothing (ALSA reports a plug-in's refusal as done)
+//   fault suspend 22050      the stream is suspended once: -ESTRPIPE until it is resumed, at once
+//                            (ALSA hides a plug-in's refusal to resume from the player)
 //   fault again 22050        one write answers -EAGAIN
 //
 // A card exists when its `settings` does. Frames of faults count from the opening of a stream.
@@ -26,7 +26,6 @@ struct CardFault {
     enum class Kind { kBusy, kVanish, kUnderrun, kSuspend, kAgain };
     Kind kind = Kind::kBusy;
     std::uint64_t frame = 0;
-    int refusals = 0;  // how often a suspended stream refuses to resume
 
     bool operator==(const CardFault&) const = default;
 };

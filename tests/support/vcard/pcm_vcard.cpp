@@ -71,7 +71,6 @@ private:
         0;  // the moment, in microseconds, at which frame 0 since prepare was played
     snd_pcm_uframes_t boundary_ = 0;
     snd_pcm_uframes_t availMin_ = 1;
-    int resumeRefusals_ = 0;
 };
 
 VirtualPcm& Self(snd_pcm_ioplug_t* io) {
@@ -252,7 +251,6 @@ void VirtualPcm::ApplyFaults() {
             ::open((folder_.Path() + "/gone").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
         StopClock(SND_PCM_STATE_DISCONNECTED, "vanish");
     } else if (TakeFault(CardFault::Kind::kSuspend, frame, fault)) {
-        resumeRefusals_ = fault.refusals;
         StopClock(SND_PCM_STATE_SUSPENDED, "suspend");
     } else if (TakeFault(CardFault::Kind::kUnderrun, frame, fault)) {
         StopClock(SND_PCM_STATE_XRUN, "underrun");
@@ -298,11 +296,6 @@ snd_pcm_sframes_t VirtualPcm::Transfer(const snd_pcm_channel_area_t* areas,
 }
 
 int VirtualPcm::Resume() {
-    if (resumeRefusals_ > 0) {
-        --resumeRefusals_;
-        Log("refuse");
-        return -EAGAIN;
-    }
     StartClock();
     snd_pcm_ioplug_set_state(&io_, SND_PCM_STATE_RUNNING);
     Log("resume");

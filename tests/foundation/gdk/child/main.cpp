@@ -3,22 +3,28 @@
 //   foundation_gdk_child   (the real box program stands beside it)
 #include <gdk/gdk.h>
 #include <malloc.h>
+#include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <thread>
 
 #include "foundation/crash_handler.h"
 
 int main(int argc, char** argv) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that is stopped leaves nothing behind
     const rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
     LDebugBlockSignals();
     gdk_threads_init();
     gdk_init(&argc, &argv);
     gdk_threads_enter();
+    std::thread([] { ::pause(); }).detach();  // the heap minds its locks only among several threads
     cookie_io_functions_t functions{};
     functions.write = [](void*, const char*, size_t length) {
-        volatile int* volatile nowhere = nullptr;
+        volatile int* volatile nowhere = reinterpret_cast<int*>(16);
         *nowhere = 1;
         return static_cast<ssize_t>(length);
     };

@@ -1,0 +1,316 @@
+#include "app/main_dialog.h"
+
+#include <gdk/gdkkeysyms.h>
+#include <strings.h>
+
+#include <algorithm>
+
+#include "app/loaded_text.h"
+#include "app/save_speech.h"
+#include "app/start_up.h"
+#include "foundation/browser.h"
+#include "foundation/file.h"
+#include "foundation/hosts.h"
+#include "foundation/settings.h"
+#include "foundation/text_file.h"
+#include "gui/accessible.h"
+#include "gui/control_factory.h"
+#include "gui/message_box.h"
+#include "speech/voices.h"
+
+namespace {
+
+constexpr int kTextBox = 101;
+constexpr int kVoiceLabel = 402;
+constexpr int kVoiceList = 500;
+constexpr int kReadButton = 510;
+constexpr int kSaveButton = 511;
+constexpr int kReadImage = 12;
+constexpr int kSaveImage = 13;
+
+constexpr int kTextChanged = 1111;
+constexpr int kUpdateFromSelection = 1000;
+constexpr int kLoadFile = 1005;
+constexpr int kReadFromSelection = 1009;
+constexpr int kReadCurrent = 1011;
+constexpr int kSaveCurrent = 1012;
+constexpr int kSaveFromSelection = 1015;
+constexpr int kReadFromFile = 1019;
+constexpr int kSaveFromFile = 1063;
+constexpr int kOpenWindow = 4001;
+
+constexpr char kBanner[] = "Lectora v 1.05";
+
+constexpr LKeyToCommandMap kKeyMap[] = {
+    {kKeyControl | GDK_B, kUpdateFromSelection},
+    {kKeyControl | GDK_O, kLoadFile},
+    {kKeyControl | kKeyShift | GDK_R, kReadCurrent},
+    {kKeyControl | kKeyShift | GDK_B, kReadFromSelection},
+    {kKeyControl | kKeyShift | GDK_O, kReadFromFile},
+    {kKeyControl | kKeyAlt | GDK_V, kSaveCurrent},
+    {kKeyControl | kKeyAlt | GDK_B, kSaveFromSelection},
+    {kKeyControl | kKeyAlt | GDK_O, kSaveFromFile},
+};
+
+}  // namespace
+
+MainDialog::MainDialog() : reading_(*this) {}
+
+void MainDialog::Run() {
+    LMainWindow::Run("Lectora", gargv, gargc);
+}
+
+void MainDialog::CreateControls() {
+    const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
+    AddControl(edit.textView, kTextBox, edit.scrolledWindow);
+    SetAccessibleName(edit.textView, "Text to read");
+    SetTooltip(kTextBox, "Enter your text here or click on the Update Text button");
+
+    GtkWidget* label = gtk_label_new("Choose Voice: ");
+    gtk_widget_set_size_request(label, 40, 20);
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    AddControl(label, kVoiceLabel);
+    GtkWidget* voices = NewComboBox();
+    AddControl(voices, kVoiceList);
+    LabelWidget(label, voices);
+
+    AddControl(gtk_toggle_button_new(), kReadButton);
+    CoolButtonInit(kReadButton, kReadImage, "Read Aloud");
+    SetTooltip(kReadButton, "Read the current text aloud (Ctrl+Shift+R)");
+    AddControl(gtk_toggle_button_new(), kSaveButton);
+    CoolButtonInit(kSaveButton, kSaveImage, "Save as Speech");
+    SetTooltip(kSaveButton, "Save as Speech (Ctrl+Alt+V)");
+}
+
+void MainDialog::InitDialog() {
+    CreateControls();
+    SetStatusText(kBanner);
+    SetKeyMap(kKeyMap);
+    FillVoices();
+    if (PDLGetCount(kVoiceList) < 1)
+        ShowNoSpeechEngine();
+    HandleEditTextChange(kTextBox, kTextChanged);
+    EnableControls();
+    FocusControl(kTextBox);
+}
+
+void MainDialog::DestroyDialog() {
+    reading_.Stop();
+    LUserSettingSetInt("Settings", "TextToSpeechVoice", PDLGetCurSel(kVoiceList));
+}
+
+void MainDialog::FillVoices() {
+    const int count = TTSGetNumSpeakers();
+    if (count < 1)
+        return;
+    PDLClear(kVoiceList);
+    for (int voice = 0; voice < count; ++voice) {
+        char name[kTextBufferSize];
+        TTSGetDictSpeakerName(voice, name);
+        PDLAddString(kVoiceList, name);
+    }
+    const int stored = LUserSettingGetInt("Settings", "TextToSpeechVoice", 0);
+    PDLSetCurSel(kVoiceList, stored >= 0 && stored < count ? stored : 0);
+}
+
+void MainDialog::ShowNoSpeechEngine() {
+    MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "No Speech Engine Found",
+                  "No Speech Engine Found",
+                  "No voice is installed on this computer. Please download the speech engine from the "
+                  "speech web page, which opens when you close this message.");
+    OpenInBrowser(WebAddress("speech"));
+}
+
+int MainDialog::SelectedVoice() {
+    // The engine may have been installed, or have woken up, since the program was started.
+    if (PDLGetCount(kVoiceList) < 1)
+        FillVoices();
+    const int voice = PDLGetCurSel(kVoiceList);
+    if (voice < 0)
+        ShowNoSpeechEngine();
+    return voice;
+}
+
+void MainDialog::LayoutControls(int width, int height) {
+    int left = 0;
+    int top = 0;
+    LayoutBase(left, top, width, height);
+    const int bottomRow = top + height - 60;
+    const int voiceWidth = std::clamp(width - 324, 150, 286);
+    MoveControl(kSaveButton, width - 154, bottomRow, 150, 54);
+    MoveControl(kReadButton, width - 308, bottomRow, 150, 54);
+    MoveControl(kVoiceLabel, left + 8, bottomRow + 2, voiceWidth, 24);
+    MoveControl(kVoiceList, left + 8, bottomRow + 30, voiceWidth, 24);
+    MoveControl(kTextBox, left + 5, top, width - left - 5, height - 66);
+}
+
+void MainDialog::EnableControls() {
+    const bool hasText = GetEditTextLength(kTextBox) > 0;
+    EnableControl(kReadButton, hasText || reading_.IsReading());
+    EnableControl(kSaveButton, hasText);
+}
+
+void MainDialog::Command(int command) {
+    switch (command) {
+        case kReadButton:
+            // The button stays down while it reads; pressing it then lets go.
+            if (reading_.IsReading())
+                reading_.Stop();
+            else
+                CmRead();
+            break;
+        case kReadCurrent:
+            CmRead();
+            break;
+        case kSaveButton:
+        case kSaveCurrent:
+            CmSave();
+            break;
+        case kUpdateFromSelection:
+            CmCopyFromClipboard();
+            break;
+        case kLoadFile:
+            CmOpenFile();
+            break;
+        // The second step runs even when the first brought nothing new.
+        case kReadFromFile:
+            CmOpenFile();
+            CmRead();
+            break;
+        case kReadFromSelection:
+            CmCopyFromClipboard();
+            CmRead();
+            break;
+        case kSaveFromFile:
+            CmOpenFile();
+            CmSave();
+            break;
+        case kSaveFromSelection:
+            CmCopyFromClipboard();
+            CmSave();
+            break;
+        case kTextChanged:
+            EnableControls();
+            break;
+        case kOpenWindow:
+            CmOpen();
+            break;
+        default:
+            break;
+    }
+}
+
+bool MainDialog::EvKeyDown(unsigned int key) {
+    if (key == GDK_Escape && reading_.IsReading()) {
+        reading_.Stop();
+        return true;
+    }
+    return LMainWindow::EvKeyDown(key);
+}
+
+void MainDialog::CmClose() {
+    LMainWindow::CmClose();
+    // Nothing could bring a hidden window back but a second start, so closing ends the program.
+    Close(GTK_RESPONSE_CANCEL);
+}
+
+void MainDialog::Speak(SpeakFunction speak) {
+    if (speaking_)
+        return;
+    speaking_ = true;
+    const std::string text = GetEditText(kTextBox);
+    const int voice = text.empty() ? -1 : SelectedVoice();
+    if (voice >= 0)
+        (this->*speak)(text.c_str(), voice);
+    speaking_ = false;
+}
+
+void MainDialog::ReadText(const char* text, int voice) {
+    reading_.Start(Widget(), text, voice);
+}
+
+void MainDialog::SaveText(const char* text, int voice) {
+    reading_.Stop();
+    SaveSpeech(Widget(), text, voice);
+}
+
+void MainDialog::CmRead() {
+    Speak(&MainDialog::ReadText);
+    ReadWaitingFiles();
+}
+
+void MainDialog::CmSave() {
+    Speak(&MainDialog::SaveText);
+    ReadWaitingFiles();
+}
+
+void MainDialog::ReadWaitingFiles() {
+    while (!speaking_ && !waitingFiles_.empty()) {
+        const std::string path = waitingFiles_.front();
+        waitingFiles_.pop_front();
+        if (IsOpen() && LoadFile(path.c_str()))
+            Speak(&MainDialog::ReadText);
+    }
+}
+
+bool MainDialog::CmCopyFromClipboard() {
+    GtkClipboard* selection = gtk_clipboard_get(GDK_SELECTION_PRIMARY);
+    gchar* text = gtk_clipboard_wait_for_text(selection);
+    const bool hasText = text != nullptr && *text != '\0';
+    if (hasText)
+        SetEditText(kTextBox, text);
+    g_free(text);
+    return hasText;
+}
+
+void MainDialog::CmOpenFile() {
+    char path[kTextBufferSize] = "";
+    char folder[kTextBufferSize];
+    _LUserSettingGetString("Settings", "OpenFileDir", "", folder);
+    static constexpr char kFilter[] = "Text Documents\0*.txt;*.text;*.TXT;*\0";
+    if (!LFile::BrowseReadFilePath(Widget(), path, "Locate File to Read Text", folder, kFilter))
+        return;
+    LUserSettingSetString("Settings", "OpenFileDir", folder);
+    LoadFile(path);
+}
+
+bool MainDialog::LoadFile(const char* path) {
+    LStringLongTemplate<char> bytes;
+    if (!LoadText(path, bytes))
+        return false;
+    SetEditText(kTextBox, TextForDisplay(bytes.View()).c_str());
+    return true;
+}
+
+void MainDialog::EvRunArguments(const char* const* arguments, int count) {
+    if (count < 2)
+        CmOpen();
+    EnableControls();
+    for (int index = 1; index < count; ++index) {
+        const char* argument = arguments[index];
+        if (strcasecmp(argument, "-logon") == 0 || strcasecmp(argument, "-block") == 0)
+            continue;
+        waitingFiles_.emplace_back(argument);
+    }
+    // While a progress dialog is up, the files wait until its work is done.
+    ReadWaitingFiles();
+}
+
+void MainDialog::EvReadingStarted() {
+    SetCoolButtonDown(kReadButton);
+}
+
+void MainDialog::EvReadingTime(LSoundTime position, LSoundTime length) {
+    char now[kSoundTimeTextSize];
+    char whole[kSoundTimeTextSize];
+    position._GetText0(now);
+    length._GetText0(whole);
+    SetStatusText(("Reading aloud: " + std::string(now) + " of " + whole + " (Esc stops)").c_str());
+}
+
+void MainDialog::EvReadingEnded() {
+    SetCoolButtonUp(kReadButton);
+    SetStatusText(kBanner);
+    EnableControls();
+}

@@ -1,0 +1,58 @@
+// The application's one main window: text, voice, and the commands that read or save speech.
+#pragma once
+
+#include <deque>
+#include <string>
+
+#include "app/read_aloud.h"
+#include "gui/main_window.h"
+
+// Lives for the whole run. GUI thread.
+class MainDialog final : public LMainWindow, private ReadAloudListener {
+public:
+    MainDialog();
+
+    // Builds and shows the window, processes this process's own arguments, and runs the main loop until the user ends it.
+    void Run();
+
+    // arguments[0] is the program; every other argument but "-logon" and "-block" is a text file to load and read. A file
+    // that cannot be loaded is skipped.
+    void EvRunArguments(const char* const* arguments, int count) override;
+
+    void InitDialog() override;
+    void DestroyDialog() override;
+    void LayoutControls(int width, int height) override;
+    void EnableControls() override;
+    void Command(int command) override;
+    bool EvKeyDown(unsigned int key) override;
+    void CmClose() override;
+
+    void CmRead();
+    void CmSave();
+    bool CmCopyFromClipboard();  // from the primary selection; false when it holds no text
+    void CmOpenFile();
+    bool LoadFile(const char* path);  // false: unreadable, the text stays
+
+private:
+    void EvReadingStarted() override;
+    void EvReadingTime(LSoundTime position, LSoundTime length) override;
+    void EvReadingEnded() override;
+
+    using SpeakFunction = void (MainDialog::*)(const char* text, int voice);
+
+    // Runs speak on the text box's text and the chosen voice, unless there is none or such a run is under way (its
+    // progress dialog pumps events, and a second start may hand a file over meanwhile).
+    void Speak(SpeakFunction speak);
+    void ReadText(const char* text, int voice);
+    void SaveText(const char* text, int voice);
+    void ReadWaitingFiles();
+
+    void CreateControls();
+    void FillVoices();
+    int SelectedVoice();  // below 0: none, and the user has been told
+    void ShowNoSpeechEngine();
+
+    ReadAloud reading_;
+    bool speaking_ = false;
+    std::deque<std::string> waitingFiles_;  // from the command line or another start, to be read in order
+};

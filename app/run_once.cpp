@@ -1,0 +1,178 @@
+#include "app/run_once.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "foundation/file.h"
+#include "foundation/machine_root.h"
+#include "foundation/text_buffer.h"
+
+namespace {
+
+// A peer that stalls must not freeze the window, and one that lies about sizes must not fill the memory.
+constexpr int kReceiveLimitMilliseconds = 1000;
+constexpr std::int32_t kMaxArguments = 65536;
+constexpr std::int32_t kMaxArgumentBytes = 1 << 20;
+
+sockaddr_un AddressOf(const std::string& path) {
+    sockaddr_un address{};
+    static_assert(sizeof address == 110);
+    address.sun_family = AF_UNIX;
+    CopyText(address.sun_path, path);
+    return address;
+}
+
+UniqueFd NewSocket() {
+    return UniqueFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+}
+
+bool BindTo(int fd, const sockaddr_un& address) {
+    return ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+bool SendAll(int fd, const void* data, std::size_t size) {
+    const char* bytes = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t sent = ::send(fd, bytes, size, MSG_NOSIGNAL);
+        if (sent < 0 && errno == EINTR)
+            continue;
+        if (sent <= 0)
+            return false;
+        bytes += sent;
+        size -= static_cast<std::size_t>(sent);
+    }
+    return true;
+}
+
+bool SendNumber(int fd, std::size_t number) {
+    const auto word = static_cast<std::int32_t>(number);
+    return SendAll(fd, &word, sizeof word);
+}
+
+// No header, no terminators, host byte order: the peer is always this program on this machine.
+void SendArguments(int fd, const std::vector<std::string>& arguments) {
+    if (!SendNumber(fd, arguments.size()))
+        return;
+    for (const std::string& argument : arguments) {
+        if (!SendNumber(fd, argument.size()) || !SendAll(fd, argument.data(), argument.size()))
+            return;
+    }
+}
+
+// Reads from one connection until a common deadline.
+class HandOverReader {
+public:
+    explicit HandOverReader(int fd) : fd_(fd) {}
+
+    bool Read(void* out, std::size_t size) {
+        char* bytes = static_cast<char*>(out);
+        while (size > 0) {
+            pollfd entry{fd_, POLLIN, 0};
+            if (::poll(&entry, 1, RemainingMilliseconds()) <= 0)
+                return false;
+            const ssize_t got = ::recv(fd_, bytes, size, MSG_DONTWAIT);
+            if (got < 0 && (errno == EINTR || errno == EAGAIN))
+                continue;
+            if (got <= 0)
+                return false;
+            bytes += got;
+            size -= static_cast<std::size_t>(got);
+        }
+        return true;
+    }
+    bool ReadNumber(std::int32_t& number) { return Read(&number, sizeof number); }
+
+private:
+    int RemainingMilliseconds() const {
+        const auto left = deadline_ - std::chrono::steady_clock::now();
+        const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(left).count();
+        return milliseconds > 0 ? static_cast<int>(milliseconds) : 0;
+    }
+
+    int fd_;
+    std::chrono::steady_clock::time_point deadline_ =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(kReceiveLimitMilliseconds);
+};
+
+}  // namespace
+
+std::string RunOnceSocket::DefaultPath() {
+    char path[kTextBufferSize];
+    CopyText(path, HomeFolder());
+    LFile::_FilePathCat(path, ".Lectora.runonce");
+    return path;
+}
+
+RunOnceSocket::~RunOnceSocket() {
+    listening_.Reset();
+    if (!path_.empty())
+        ::unlink(path_.c_str());
+}
+
+RunOnceSocket::Claim RunOnceSocket::ClaimPath(const std::string& path,
+                                              const std::vector<std::string>& arguments) {
+    const sockaddr_un address = AddressOf(path);
+    listening_ = NewSocket();
+    bool bound = BindTo(listening_.Get(), address);
+    if (!bound) {
+        UniqueFd client = NewSocket();
+        if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+            SendArguments(client.Get(), arguments);
+            listening_.Reset();
+            return Claim::kHandedOver;
+        }
+        // Nobody listens: the path was left by a crash.
+        ::unlink(address.sun_path);
+        bound = BindTo(listening_.Get(), address);
+    }
+    if (bound)
+        path_ = address.sun_path;
+    ::listen(listening_.Get(), 5);
+    return Claim::kServer;
+}
+
+bool RunOnceSocket::Receive(std::vector<std::string>& arguments) const {
+    arguments.clear();
+    const UniqueFd connection(::accept4(listening_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!connection.IsOpen())
+        return true;
+    HandOverReader reader(connection.Get());
+    std::int32_t count = 0;
+    if (!reader.ReadNumber(count))
+        return true;
+    if (count < 0)
+        return false;
+    for (std::int32_t index = 0; index < count && index < kMaxArguments; ++index) {
+        std::int32_t length = 0;
+        if (!reader.ReadNumber(length) || length < 0 || length > kMaxArgumentBytes)
+            break;
+        std::string argument(static_cast<std::size_t>(length), '\0');
+        if (!reader.Read(argument.data(), argument.size()))
+            break;
+        arguments.push_back(argument);
+    }
+    return true;
+}
+
+std::vector<std::string> ArgumentsForHandOver(int argc, char* const* argv) {
+    std::vector<std::string> arguments(argv, argv + argc);
+    for (std::size_t index = 1; index < arguments.size(); ++index) {
+        const std::string& argument = arguments[index];
+        struct stat status {};
+        if (argument.empty() || argument[0] == '/' || ::stat(argument.c_str(), &status) != 0)
+            continue;
+        char* absolute = ::realpath(argument.c_str(), nullptr);
+        if (absolute != nullptr)
+            arguments[index] = absolute;
+        std::free(absolute);
+    }
+    return arguments;
+}

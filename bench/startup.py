@@ -1,0 +1,123 @@
+#!/usr/bin/python3
+"""How fast the real program is: start to window, press to first sound, and memory.
+
+    bench/startup.py [BUILD_FOLDER]        (build/dev)
+
+The speech engine is the stand-in of tests/support/engine, whose own time is measured and told
+apart. The card's clock runs 200 times too fast for the hour of speech. Prints figures; fails only
+when something does not work at all.
+"""
+import os
+import statistics
+import sys
+import time
+
+TOP = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
+SUPPORT = os.path.join(TOP, "tests/support")
+ROUNDS = 7
+
+if "LECTORA_DESKTOP" not in os.environ:
+    build = os.path.realpath(sys.argv[1]) if len(sys.argv) > 1 else os.path.join(TOP, "build/dev")
+    os.execv(
+        os.path.join(SUPPORT, "virtual-desktop"),
+        [
+            "virtual-desktop",
+            "--build",
+            build,
+            "--",
+            "/usr/bin/python3",
+            "-B",
+            os.path.realpath(__file__),
+        ],
+    )
+
+sys.path.insert(0, SUPPORT)
+import lectora_desktop as desktop  # noqa: E402
+
+
+def engine_seconds(program):
+    """How long the last run of that program of the engine took."""
+    with open(os.path.join(desktop.DESKTOP, "engine.times")) as file:
+        rows = [line.split() for line in file if line.startswith(program)]
+    begin = [float(row[2]) for row in rows if row[1] == "begin"][-1]
+    end = [float(row[2]) for row in rows if row[1] == "end"][-1]
+    return end - begin
+
+
+def report(what, values, unit="ms", aim=""):
+    print(
+        f"{what:52} median {statistics.median(values):7.0f} {unit}   "
+        f"range {min(values):.0f} to {max(values):.0f}{'   aim: ' + aim if aim else ''}",
+        flush=True,
+    )
+
+
+def measure_start():
+    shown, queries = [], []
+    for _ in range(ROUNDS):
+        with desktop.Lectora() as lectora:
+            lectora.window(20)
+            shown.append(1000 * (time.monotonic() - lectora.started))
+            time.sleep(0.2)
+            queries.append(1000 * engine_seconds("festival"))
+    report("process start to window shown", shown)
+    report("  of which the voice query", queries)
+    report("  everything else", [all_of_it - query for all_of_it, query in zip(shown, queries)])
+
+
+def measure_press(card, lectora):
+    lags = []
+    box = (
+        lectora.find("toggle button", "Read Aloud")
+        .queryComponent()
+        .getExtents(desktop.pyatspi.DESKTOP_COORDS)
+    )
+    desktop.xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2)
+    for _ in range(ROUNDS):
+        pressed = time.monotonic()
+        desktop.xdotool("click", 1)
+        stream = card.next_stream()
+        first = card.wait_for(stream, "first")[0]
+        lags.append(1000 * (first - pressed - engine_seconds("text2wave")))
+        card.wait_for(stream, "close")
+        time.sleep(0.3)
+    report("press to first frame at the card, less the engine", lags, aim="under 150 ms")
+
+
+def measure_memory(card, lectora):
+    idle = lectora.resident_megabytes()
+    desktop.tell_engine("text2wave long 3600")
+    card.tell("speed 200")
+    lectora.press("toggle button", "Read Aloud")
+    stream = card.next_stream(60)
+    reading = []
+    while not [row for row in card.events(stream) if row[1] == "close"]:
+        reading.append(lectora.resident_megabytes())
+        time.sleep(0.1)
+    report("resident memory idle", [idle], "MB", "under 60 MB")
+    report(
+        f"  while reading {card.sound(stream).frames / card.sound(stream).rate / 60:.0f} minutes",
+        reading,
+        "MB",
+        "under 60 MB, not growing",
+    )
+    quarter = len(reading) // 4
+    print(
+        f"  growth from the second to the last quarter: "
+        f"{statistics.mean(reading[-quarter:]) - statistics.mean(reading[quarter:2 * quarter]):.2f} MB"
+    )
+
+
+def main():
+    card = desktop.Card()
+    card.tell("speed 8")
+    measure_start()
+    with desktop.Lectora() as lectora:
+        lectora.window(20)
+        lectora.set_text("one two")
+        time.sleep(6)  # the splash screen goes after 5 s
+        measure_press(card, lectora)
+        measure_memory(card, lectora)
+
+
+main()

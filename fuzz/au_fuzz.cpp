@@ -1,0 +1,8 @@
+// AU reader.
+#include "formats/au_file.h"
+#include "fuzz/fuzz_file.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    ExerciseSource(FuzzFile(data, size), size, LAuFile::OpenSource);
+    return 0;
+}

@@ -1,0 +1,185 @@
+#!/usr/bin/python3
+"""Writes the seed corpora: tiny files that between them take every branch of a header. Run after a format changes."""
+import os
+import struct
+import sys
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+TONE = bytes(range(0, 240, 3))
+
+
+def save(corpus, name, data):
+    folder = os.path.join(HERE, "corpus", corpus)
+    os.makedirs(folder, exist_ok=True)
+    with open(os.path.join(folder, name), "wb") as file:
+        file.write(data)
+
+
+def chunk(name, data, size=None, pad=True):
+    padding = b"\0" if pad and len(data) % 2 else b""
+    return name + struct.pack("<I", len(data) if size is None else size) + data + padding
+
+
+def fmt(tag=1, channels=1, rate=8000, bits=16, extra=b"", align=None):
+    align = channels * bits // 8 if align is None else align
+    return chunk(
+        b"fmt ",
+        struct.pack("<HHIIHH", tag, channels, rate, rate * align & 0xFFFFFFFF, align, bits) + extra,
+    )
+
+
+def riff(*chunks, size=None):
+    body = b"WAVE" + b"".join(chunks)
+    return b"RIFF" + struct.pack("<I", len(body) if size is None else size) + body
+
+
+def wav():
+    data = chunk(b"data", TONE)
+    save("wav", "plain", riff(fmt(), data))
+    save("wav", "cbsize", riff(fmt(extra=b"\0\0"), data))
+    save("wav", "stereo8", riff(fmt(channels=2, bits=8), data))
+    save("wav", "streaming", riff(fmt(), chunk(b"data", TONE, 0xFFFFFFFF), size=0xFFFFFFFF))
+    save(
+        "wav", "chunks", riff(chunk(b"LIST", b"INFOodd"), fmt(), chunk(b"fact", b"\1\0\0\0"), data)
+    )
+    save("wav", "foreign", chunk(b"JUNK", b"12345678") + riff(fmt(), data))
+    save("wav", "empty_chunks", riff(*[chunk(b"JUNK", b"")] * 200, fmt(), data))
+    save("wav", "float", riff(fmt(tag=3, bits=32), data))
+    save("wav", "bits24", riff(fmt(bits=24), data))
+    save("wav", "mp3_tag", riff(fmt(tag=0x55, bits=0, extra=b"\x0c\0" + b"\1" * 12), data))
+    save("wav", "zeros", riff(fmt(channels=0, rate=0, bits=0, align=0), data))
+    save("wav", "large", riff(fmt(channels=255, rate=196000), data))
+    for size in (0x7FFFFFFF, 0x80000000, 0xFFFFFFFE):
+        save("wav", f"chunk_{size:x}", riff(chunk(b"LIST", b"ab", size), fmt(), data))
+        save("wav", f"data_{size:x}", riff(fmt(), chunk(b"data", TONE, size)))
+    save("wav", "fmt_short", riff(chunk(b"fmt ", b"\1\0\1\0" * 3 + b"\0"), data))
+    save("wav", "fmt_twice", riff(fmt(), fmt(channels=2), data))
+    save("wav", "data_first", riff(data, fmt()))
+
+
+def au():
+    for encoding in (0, 1, 2, 3, 6, 27):
+        save(
+            "au",
+            f"encoding_{encoding}",
+            struct.pack(">4sIIIII", b".snd", 24, len(TONE), encoding, 8000, 1) + TONE,
+        )
+    save("au", "unknown_size", struct.pack(">4sIIIII", b".snd", 32, 0xFFFFFFFF, 3, 44100, 2) + TONE)
+    save(
+        "au",
+        "extremes",
+        struct.pack(">4sIIIII", b".snd", 0, 0x80000000, 3, 0xFFFFFFFF, 0xFFFFFFFF) + TONE,
+    )
+    save("au", "zeros", struct.pack(">4sIIIII", b".snd", 24, 0, 3, 0, 0) + TONE)
+    save("au", "short", b".snd\0\0\0\x18")
+
+
+def aiff():
+    def chunk_be(name, data, size=None):
+        return name + struct.pack(">I", len(data) if size is None else size) + data
+
+    def comm(channels=1, frames=40, bits=16, rate=b"\x40\x0b\xfa" + b"\0" * 7, more=b""):
+        return chunk_be(b"COMM", struct.pack(">HIH", channels, frames, bits) + rate + more)
+
+    def form(*chunks, kind=b"AIFF"):
+        return chunk_be(b"FORM", kind + b"".join(chunks))
+
+    ssnd = chunk_be(b"SSND", b"\0" * 8 + TONE)
+    save("aiff", "plain", form(comm(), ssnd))
+    save("aiff", "bytes", form(comm(channels=2, bits=8), ssnd))
+    save("aiff", "long_comm", form(comm(more=b"more"), ssnd))
+    save(
+        "aiff",
+        "other_chunks",
+        form(chunk_be(b"NAME", b"odd"), comm(), chunk_be(b"MARK", b""), ssnd),
+    )
+    save("aiff", "aifc", form(comm(more=b"NONE\0\0"), ssnd, kind=b"AIFC"))
+    save("aiff", "bits24", form(comm(bits=24), ssnd))
+    for name, rate in (
+        ("zero", b"\0" * 10),
+        ("infinity", b"\x7f\xff\x80" + b"\0" * 7),
+        ("nan", b"\x7f\xff" + b"\xff" * 8),
+        ("negative", b"\xc0\x0b\xfa" + b"\0" * 7),
+        ("huge", b"\x40\x1e" + b"\xff" * 8),
+    ):
+        save("aiff", "rate_" + name, form(comm(rate=rate), ssnd))
+    for size in (0, 4, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF):
+        save("aiff", f"ssnd_{size:x}", form(comm(), chunk_be(b"SSND", b"\0" * 8 + TONE, size)))
+        save("aiff", f"comm_{size:x}", form(chunk_be(b"COMM", b"\0" * 18, size), ssnd))
+
+
+def headerless():
+    for codec in range(10):
+        for channels in (0, 1, 2, 255):
+            save("raw", f"codec_{codec}_{channels}", bytes([codec, channels]) + TONE)
+    infinities = struct.pack("<6f", float("inf"), float("-inf"), float("nan"), 1e30, -1e30, 0.5)
+    save("raw", "float_extremes", bytes([7, 1]) + infinities)
+    save(
+        "raw",
+        "float_be_extremes",
+        bytes([8, 1]) + b"".join(infinities[i : i + 4][::-1] for i in range(0, 24, 4)),
+    )
+    save("vox", "tone", TONE)
+    save("vox", "one", b"\x08")
+    save("gsm", "frames", (b"\xd0" + TONE[:32]) * 4)
+    save("gsm", "partial", b"\xd0" + b"\xff" * 32 + b"\xd5\x55")
+    save("gsm", "noise", bytes((i * i * 37 + i * 11) & 255 for i in range(1300)))
+    for corpus in (
+        "raw",
+        "vox",
+        "gsm",
+        "wav",
+        "au",
+        "aiff",
+        "dictation",
+        "settings_file",
+        "dat_file",
+    ):
+        save(corpus, "empty", b"")
+
+
+def dictation():
+    def header(version, flags, rest, size=None):
+        extra = struct.pack("<I", 3) + b"abc" if version == 3 else b""
+        body = b"\0" * 8 + extra + b"\0" * 4 + rest
+        return struct.pack("<HII", version, 10 + len(body) if size is None else size, flags) + body
+
+    notes = b"\5Smith" + b"\0" * 9 + b"\xff" + b"n" * 255
+    tail = b"\0" + struct.pack("<I", 2) + b"xy"
+    files = b"\2" + b"\3a.b" + struct.pack("<I", 4) + b"data" + b"\0" + struct.pack("<I", 0)
+    save("dictation", "version0", header(0, 0, b"\0" * 11 + tail))
+    save("dictation", "version1", header(1, 0, notes + tail + b"\1"))
+    save("dictation", "attachments", header(2, 6, notes + tail + files + b"\1"))
+    save("dictation", "version3", header(3, 4, notes + tail + files + b"\1audio"))
+    save("dictation", "version4", header(4, 0, notes + tail + b"\1"))
+    save("dictation", "no_end_mark", header(1, 0, notes + tail + b"\0"))
+    save("dictation", "long_block", header(1, 0, notes + b"\0" + struct.pack("<I", 0xFFFFFFFF)))
+    save(
+        "dictation",
+        "long_file",
+        header(2, 4, notes + tail + b"\1\0" + struct.pack("<I", 0x7FFFFFFF)),
+    )
+    save("dictation", "wrong_size", header(1, 0, notes + tail + b"\1", 7))
+
+
+def settings():
+    save("settings_file", "plain", b"rate=44100\r\nsome key=old\r\nempty=\r\n")
+    save("settings_file", "odd", b"a==b\n=c\rKey=V\n\r  x = y = z\r\r\nnothing\n\0=\0")
+    save("settings_file", "long", b"k" * 300 + b"=" + b"v" * 300 + b"\nsome key=1\nsome key=2")
+    save("dat_file", "plain", b"[one]\r\na=1\r\nb=2\r\n\r\n[section]\r\nkey=old\r\n\r\n")
+    save(
+        "dat_file",
+        "odd",
+        b"early=1\n[ONE\na=1\nA=2\n[]x\n=v\n[one]]\nb\n\0[\0=\0\n\r\n\n\r[section\nKEY=1",
+    )
+    save(
+        "dat_file",
+        "long",
+        b"[" + b"s" * 600 + b"]\n" + b"k" * 300 + b"=" + b"v" * 300 + b"\n" + b"x" * 551 + b"=y\n",
+    )
+
+
+if __name__ == "__main__":
+    for make in (wav, au, aiff, headerless, dictation, settings):
+        make()
+    sys.exit(0)

@@ -1,0 +1,88 @@
+#include "playback/pcm_out.h"
+
+#include <memory>
+
+#include "playback/alsa_card.h"
+
+namespace {
+
+constexpr snd_pcm_uframes_t kPeriodFrames = 8192;
+constexpr unsigned int kPeriods = 2;
+
+struct ParametersFree {
+    void operator()(snd_pcm_hw_params_t* parameters) const { snd_pcm_hw_params_free(parameters); }
+};
+
+}  // namespace
+
+PcmOut& PcmOut::operator=(PcmOut&& other) noexcept {
+    if (this != &other) {
+        Close();
+        pcm_ = std::exchange(other.pcm_, nullptr);
+        rate_ = other.rate_;
+        channels_ = other.channels_;
+    }
+    return *this;
+}
+
+int PcmOut::Open(int card) {
+    Close();
+    // A blocking open of a card in use would wait for its other user, and whoever joins this thread
+    // with it; so only the stream blocks, not the opening.
+    const int error =
+        snd_pcm_open(&pcm_, CardDevice(card).c_str(), SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK);
+    if (error < 0) {
+        pcm_ = nullptr;
+        return error;
+    }
+    return snd_pcm_nonblock(pcm_, 0);
+}
+
+void PcmOut::Close() {
+    if (pcm_ != nullptr)
+        snd_pcm_close(std::exchange(pcm_, nullptr));
+}
+
+int PcmOut::SetParameters(int rate, std::uint8_t channels) {
+    snd_pcm_hw_params_t* allocated = nullptr;
+    if (const int error = snd_pcm_hw_params_malloc(&allocated); error < 0)
+        return error;
+    const std::unique_ptr<snd_pcm_hw_params_t, ParametersFree> owner(allocated);
+    snd_pcm_hw_params_t* const wanted = owner.get();
+    rate_ = static_cast<unsigned int>(rate);
+    channels_ = channels;
+    snd_pcm_uframes_t period = kPeriodFrames;
+    unsigned int periods = kPeriods;
+    int direction = 0;
+    int error = snd_pcm_hw_params_any(pcm_, wanted);
+    if (error >= 0)
+        error = snd_pcm_hw_params_set_access(pcm_, wanted, SND_PCM_ACCESS_RW_INTERLEAVED);
+    if (error >= 0)
+        error = snd_pcm_hw_params_set_format(pcm_, wanted, SND_PCM_FORMAT_S16_LE);
+    if (error >= 0)
+        error = snd_pcm_hw_params_set_rate_near(pcm_, wanted, &rate_, &direction);
+    direction = 0;
+    if (error >= 0)
+        error = snd_pcm_hw_params_set_period_size_near(pcm_, wanted, &period, &direction);
+    direction = 0;
+    if (error >= 0)
+        error = snd_pcm_hw_params_set_periods_near(pcm_, wanted, &periods, &direction);
+    snd_pcm_uframes_t buffer = period * periods / 4;
+    if (error >= 0)
+        error = snd_pcm_hw_params_set_buffer_size_near(pcm_, wanted, &buffer);
+    if (error >= 0)
+        error = snd_pcm_hw_params_set_channels_near(pcm_, wanted, &channels_);
+    if (error >= 0)
+        error = snd_pcm_hw_params(pcm_, wanted);
+    return error < 0 ? error : 0;
+}
+
+snd_pcm_sframes_t PcmOut::Write(const std::int16_t* block, int frames) {
+    return snd_pcm_writei(pcm_, block, static_cast<snd_pcm_uframes_t>(frames));
+}
+
+snd_pcm_sframes_t PcmOut::Delay() {
+    // A card that has played everything out reports an underrun here, one that is gone an error.
+    snd_pcm_sframes_t delay = 0;
+    return snd_pcm_delay(pcm_, &delay) < 0 ? 0 : delay;
+}

@@ -1,0 +1,18 @@
+#include "speech/dialogs/synthesis_dialog.h"
+
+#include <string>
+
+#include "gui/message_box.h"
+#include "gui/progress_dialog.h"
+
+bool ProcessDialogRun(GtkWidget* parent, LTTS& request) {
+    constexpr const char* kTitle = "Synthesize Voice";
+    LProcessDialog<LTTS> dialog(kTitle, request);
+    dialog.Open(parent);
+    if (dialog.Result() == kProcessDone)
+        return true;
+    const std::string message = SynthesisMessage(request.outcome);
+    if (!message.empty())
+        MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, message.c_str(), nullptr);
+    return false;
+}

@@ -1,0 +1,93 @@
+// One run of the speech engine: a text becomes a WAV file.
+//
+// Threads: the caller waits (its progress object decides how); a detached worker runs and reaps the
+// engine. A waiter that gives up leaves worker and engine running. Each run therefore writes to a
+// file of its own beside the output path, which is renamed onto it only when the run succeeded in
+// time: an engine that was left behind never writes into the file of a later run, and its own file
+// goes when it ends.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "foundation/process_result.h"
+#include "foundation/progress.h"
+#include "foundation/signal_object.h"
+
+constexpr unsigned int kSynthesisTimeoutMilliseconds = 20000;
+
+enum class SynthesisOutcome {
+    Spoken,
+    Stopped,  // by the user
+    TimedOut,
+    NothingToSay,  // the text holds nothing that can be said; the engine was not started
+    EngineMissing,
+    NoSound,      // the engine ended without a single sample
+    Incomplete,   // the engine ended before all that it announced was there
+    CannotWrite,  // the text or the sound could not be written
+};
+
+// One plain sentence for the user; empty for Spoken and Stopped.
+std::string SynthesisMessage(SynthesisOutcome outcome);
+
+// A request. The texts are borrowed and outlive the run.
+struct LTTS {
+    const char* text = "";
+    const char* outputPath = "";
+    int voice = 0;           // index into the voice table, clamped
+    unsigned char flag = 1;  // always 1
+    LSignalObject done;      // signalled when the run has ended, well or not
+    LProcessResult result = kProcessFailed;
+    SynthesisOutcome outcome = SynthesisOutcome::NoSound;
+};
+
+// The word as the shell reads it back: quoted when it holds anything but A-Z a-z 0-9 _ . / -
+std::string ShellWord(std::string_view word);
+
+// The engine's command line; the voice name is quoted in any case.
+std::string SynthesisCommand(std::string_view voice, std::string_view textPath,
+                             std::string_view soundPath);
+
+// The steps around the wait, on the waiter's thread: Start, wait for Finished(), Finish.
+class SynthesisRun {
+public:
+    explicit SynthesisRun(LTTS& request);
+    ~SynthesisRun();
+    SynthesisRun(const SynthesisRun&) = delete;
+    SynthesisRun& operator=(const SynthesisRun&) = delete;
+
+    // False: the engine was not started and the request's outcome says why; Finish is still due.
+    bool Start();
+    LSignalObjectRef Finished() const;  // after a good Start only
+    // Judges the run, stores result and outcome in the request, signals it done and removes the
+    // temporary files.
+    LProcessResult Finish(LProcessResult waited);
+
+private:
+    struct Record;  // shared with the worker
+
+    static void* ProcessRunThreadCallback(void* record);
+    bool WriteText(const std::string& text);
+    bool ChooseCommand(std::string_view voice, std::string& command);
+    bool StartWorker(std::string command);
+    SynthesisOutcome Judge() const;
+    bool Deliver() const;
+
+    LTTS& request_;
+    std::string textPath_;   // empty when there is no such file
+    std::string soundPath_;  // likewise
+    std::shared_ptr<Record> record_;
+};
+
+// Speaks request.text into request.outputPath. Done, stopped by the progress object, or failed
+// (request.outcome).
+template <LProgress P>
+LProcessResult Process(P& progress, LTTS& request) {
+    progress.SetFirstLabel("Synthesizing Voice");
+    progress.SetSecondLabel("Please wait");
+    SynthesisRun run(request);
+    if (!run.Start())
+        return run.Finish(kProcessFailed);
+    return run.Finish(progress.ProcessWaitSignal(run.Finished(), kSynthesisTimeoutMilliseconds));
+}

@@ -1,0 +1,93 @@
+#include "speech/tts_sound_source.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <thread>
+
+#include "formats/wave_file.h"
+#include "foundation/file.h"
+#include "foundation/ticks.h"
+#include "foundation/unique_fd.h"
+
+namespace {
+
+constexpr int kPathAttempts = 100;
+constexpr int kThreadPriority = -10;  // nice 10
+constexpr unsigned int kConstructionTimeoutMilliseconds = 60000;
+constexpr int kProvisionalPeak = 2097152;
+
+}  // namespace
+
+LTTSSoundSource::LTTSSoundSource(const char* text, int voice)
+    : LSoundSourceBase(8000, 1, kProvisionalPeak), text_(text) {
+    request_.text = text_.c_str();
+    request_.outputPath = path_;
+    request_.voice = voice;
+    if (!ChoosePath())
+        return;
+    Start(kThreadPriority);
+    if (request_.done.Ref().WaitSignal(kConstructionTimeoutMilliseconds)) {
+        Join();
+        outcome_ = request_.outcome;
+    } else {
+        outcome_ = SynthesisOutcome::TimedOut;
+    }
+    OpenInner();
+}
+
+LTTSSoundSource::~LTTSSoundSource() {
+    StopThreadSoon();
+    Join();
+    inner_.Close();
+    if (path_[0] != '\0')
+        ::unlink(path_);
+}
+
+bool LTTSSoundSource::ChoosePath() {
+    for (int attempt = 0; attempt < kPathAttempts; ++attempt) {
+        char name[32];
+        std::snprintf(name, sizeof name, "%u.wav", static_cast<unsigned int>(GetTickCount()));
+        CopyText(path_, "/tmp");
+        LFile::_FilePathCat(path_, name);
+        const UniqueFd file(::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        if (file.IsOpen()) {
+            ::flock(file.Get(), LOCK_EX | LOCK_NB);
+            return ::ftruncate(file.Get(), 0) == 0;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));  // to the next tick
+    }
+    path_[0] = '\0';
+    return false;
+}
+
+void LTTSSoundSource::OpenInner() {
+    inner_ = LWaveFile::OpenSource(path_);
+    sampleRate_ = inner_->SampleRate();
+    channels_ = inner_->Channels();
+    peakMagnitude_ = inner_->PeakMagnitude();
+    if (sampleRate_ < 1) {
+        sampleRate_ = 44100;
+        status_ = SoundStatus::kInvalidFormat;
+    }
+    if (channels_ == 0) {
+        channels_ = 1;
+        status_ = SoundStatus::kInvalidFormat;
+    }
+}
+
+void LTTSSoundSource::ThreadFunction() {
+    SynthesisRun run(request_);
+    const LProcessResult waited =
+        run.Start() ? ProcessWaitSignal(*this, run.Finished(), kSynthesisTimeoutMilliseconds)
+                    : kProcessFailed;
+    run.Finish(waited);
+}
+
+LSoundSource OpenTTSSoundSource(const char* text, int voice) {
+    return LSoundSource(new LTTSSoundSource(text, voice));
+}

@@ -1,0 +1,45 @@
+// A text as a sound source: speaks it into a temporary WAV file and reads that.
+#pragma once
+
+#include <string>
+
+#include "foundation/process_result.h"
+#include "foundation/text_buffer.h"
+#include "foundation/thread.h"
+#include "sound/sound_source.h"
+#include "speech/synthesis.h"
+
+// Construction blocks until the synthesis has ended, 60 s at most. Without a sound (no engine,
+// nothing to say, nowhere to write) it reads as silence of length 0 with status 0; Outcome() tells
+// why. The synthesis runs on the source's own thread (nice 10), which never touches the inner
+// source.
+class LTTSSoundSource final : private LThread, public LSoundSourceBase {
+public:
+    // text is copied.
+    LTTSSoundSource(const char* text, int voice);
+    ~LTTSSoundSource() override;  // asks the thread to stop, joins it and deletes the WAV file
+
+    void Read(int* buffer, int frames) override { inner_->Read(buffer, frames); }
+    int GetPositionSample() const override { return inner_->GetPositionSample(); }
+    int GetEndSample() const override { return inner_->GetEndSample(); }
+    void Seek(int frame) override { inner_->Seek(frame); }
+    bool IsStreaming() const override { return inner_->IsStreaming(); }
+    void WaitForStreamingData(int milliseconds) override {
+        inner_->WaitForStreamingData(milliseconds);
+    }
+
+    SynthesisOutcome Outcome() const { return outcome_; }
+
+private:
+    void ThreadFunction() override;
+    bool ChoosePath();
+    void OpenInner();
+
+    std::string text_;
+    LTTS request_;
+    SynthesisOutcome outcome_ = SynthesisOutcome::CannotWrite;
+    LSoundSource inner_;
+    char path_[kTextBufferSize] = "";
+};
+
+LSoundSource OpenTTSSoundSource(const char* text, int voice);

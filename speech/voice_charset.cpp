@@ -1,0 +1,99 @@
+#include "speech/voice_charset.h"
+
+#include <glib.h>
+#include <unistd.h>
+
+#include <fcntl.h>
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "foundation/machine_root.h"
+#include "foundation/unique_fd.h"
+
+namespace {
+
+constexpr std::size_t kMaxDescription = 1 << 20;  // voice files are some 10 KB
+
+struct NamedCharset {
+    std::string_view name;
+    VoiceCharset charset;
+};
+constexpr NamedCharset kCharsets[] = {
+    {"ascii", VoiceCharset::Ascii},        {"us-ascii", VoiceCharset::Ascii},
+    {"iso-8859-1", VoiceCharset::Latin1},  {"latin1", VoiceCharset::Latin1},
+    {"iso-8859-2", VoiceCharset::Latin2},  {"latin2", VoiceCharset::Latin2},
+    {"iso-8859-15", VoiceCharset::Latin9}, {"latin9", VoiceCharset::Latin9},
+    {"utf-8", VoiceCharset::Utf8},         {"utf8", VoiceCharset::Utf8},
+};
+
+// Voices by the beginning of their names, for those whose description is not at hand or states no
+// charset although they read one.
+constexpr NamedCharset kKnownVoices[] = {
+    {"czech_", VoiceCharset::Latin2},  {"upc_ca_", VoiceCharset::Latin9},
+    {"lp_", VoiceCharset::Latin1},     {"pc_", VoiceCharset::Latin1},
+    {"el_", VoiceCharset::Latin1},     {"hy_fi_", VoiceCharset::Latin1},
+    {"suo_fi_", VoiceCharset::Latin1}, {"hindi_", VoiceCharset::Utf8},
+    {"telugu_", VoiceCharset::Utf8},   {"marathi_", VoiceCharset::Utf8},
+    {"msu_ru_", VoiceCharset::Utf8},
+};
+
+std::string ReadDescription(const std::string& path) {
+    const UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    std::string text;
+    char part[8192];
+    while (file.IsOpen() && text.size() < kMaxDescription) {
+        const ssize_t got = ::read(file.Get(), part, sizeof part);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            break;
+        text.append(part, static_cast<std::size_t>(got));
+    }
+    return text;
+}
+
+// Voices lie one folder below their language.
+std::string InstalledDescription(std::string_view voiceName) {
+    const std::string name(voiceName);
+    const std::string tail = "/" + name + "/festvox/" + name + ".scm";
+    std::error_code error;
+    std::filesystem::directory_iterator languages(MachinePath("/usr/share/festival/voices"), error);
+    for (; !error && languages != std::filesystem::directory_iterator(); languages.increment(error))
+        if (std::string text = ReadDescription(languages->path().string() + tail); !text.empty())
+            return text;
+    return {};
+}
+
+}  // namespace
+
+std::optional<VoiceCharset> CharsetInDescription(std::string_view voiceFile) {
+    constexpr std::string_view kCoding = "(coding ";
+    const std::size_t found = voiceFile.find(kCoding);
+    if (found == std::string_view::npos)
+        return std::nullopt;
+    voiceFile.remove_prefix(found + kCoding.size());
+    std::string name(
+        voiceFile.substr(0, std::min(voiceFile.find_first_of(")\n"), std::size_t{40})));
+    std::erase_if(name, [](char character) { return character == ' ' || character == '"'; });
+    std::transform(name.begin(), name.end(), name.begin(), g_ascii_tolower);
+    for (const NamedCharset& known : kCharsets)
+        if (known.name == name)
+            return known.charset;
+    return std::nullopt;
+}
+
+VoiceCharset CharsetOfVoice(std::string_view voiceName) {
+    // A name with a slash is no voice's and would lead out of the voice folder.
+    if (voiceName.empty() || voiceName.find('/') != std::string_view::npos)
+        return VoiceCharset::Ascii;
+    if (const auto stated = CharsetInDescription(InstalledDescription(voiceName)))
+        return *stated;
+    for (const NamedCharset& known : kKnownVoices)
+        if (voiceName.starts_with(known.name))
+            return known.charset;
+    return VoiceCharset::Ascii;
+}

@@ -1,0 +1,142 @@
+#include "speech/voices.h"
+
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "foundation/pipes.h"
+#include "foundation/text_buffer.h"
+
+namespace {
+
+constexpr std::string_view kListCommand = "(voice.list)\n";
+constexpr std::string_view kPrompt = "festival>";
+constexpr int kMaxPolls = 11;
+constexpr std::chrono::milliseconds kPollInterval(100);
+
+std::vector<std::string>& VoiceTable() {
+    static std::vector<std::string> table;
+    return table;
+}
+
+// Keeps a write to an engine that has gone from ending this program.
+class BrokenPipeGuard {
+public:
+    BrokenPipeGuard() {
+        sigemptyset(&brokenPipe_);
+        sigaddset(&brokenPipe_, SIGPIPE);
+        sigset_t pending;
+        sigpending(&pending);
+        wasPending_ = sigismember(&pending, SIGPIPE) == 1;
+        pthread_sigmask(SIG_BLOCK, &brokenPipe_, &before_);
+    }
+    BrokenPipeGuard(const BrokenPipeGuard&) = delete;
+    BrokenPipeGuard& operator=(const BrokenPipeGuard&) = delete;
+    ~BrokenPipeGuard() {
+        const timespec now{};
+        if (!wasPending_)
+            sigtimedwait(&brokenPipe_, nullptr, &now);
+        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    }
+
+private:
+    sigset_t brokenPipe_;
+    sigset_t before_;
+    bool wasPending_;
+};
+
+void WriteAll(int fd, std::string_view text) {
+    const BrokenPipeGuard guard;
+    while (!text.empty()) {
+        const ssize_t written = ::write(fd, text.data(), text.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return;  // an engine that has gone may have answered all the same
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+int WaitingBytes(int fd) {
+    int waiting = 0;
+    return ::ioctl(fd, FIONREAD, &waiting) == 0 ? waiting : 0;
+}
+
+// The number of bytes once the engine's output has stopped growing for one interval, 0 when it
+// never came.
+int AwaitReply(int fd) {
+    int before = WaitingBytes(fd);
+    for (int poll = 0; poll < kMaxPolls; ++poll) {
+        std::this_thread::sleep_for(kPollInterval);
+        const int now = WaitingBytes(fd);
+        if (now != 0 && now == before)
+            return now;
+        before = now;
+    }
+    return 0;
+}
+
+std::string ReadExactly(int fd, int size) {
+    std::string reply(static_cast<std::size_t>(size), '\0');
+    std::size_t filled = 0;
+    while (filled < reply.size()) {
+        const ssize_t got = ::read(fd, reply.data() + filled, reply.size() - filled);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            break;
+        filled += static_cast<std::size_t>(got);
+    }
+    reply.resize(filled);
+    return reply;
+}
+
+}  // namespace
+
+std::vector<std::string> ParseVoiceList(std::string_view reply) {
+    const std::size_t prompt = reply.find(kPrompt);
+    std::size_t at = prompt == std::string_view::npos ? reply.size() : prompt + kPrompt.size();
+    while (at < reply.size() && static_cast<unsigned char>(reply[at]) < 33)
+        ++at;
+    std::vector<std::string> names;
+    // The end of the reply does not end the list: it is filled up with empty names.
+    while (names.size() < kMaxVoices && (at >= reply.size() || reply[at] != ')')) {
+        at = std::min(at + 1, reply.size());
+        const std::size_t end = std::min(reply.find_first_of(" )", at), reply.size());
+        names.emplace_back(reply.substr(at, std::min(end - at, kMaxVoiceName)));
+        at = end;
+    }
+    return names;
+}
+
+int TTSGetNumSpeakers() {
+    std::vector<std::string>& table = VoiceTable();
+    if (table.empty()) {
+        // The shell would tell only on its standard error; this saves the wait for a reply.
+        if (!IsProgramInstalled("festival"))
+            return 0;
+        LPipeInOut engine;
+        if (!engine._Open("festival -i"))
+            return 0;
+        WriteAll(engine.WriteFd(), kListCommand);
+        if (const int size = AwaitReply(engine.ReadFd()); size > 0)
+            table = ParseVoiceList(ReadExactly(engine.ReadFd(), size));
+    }
+    return static_cast<int>(table.size());
+}
+
+void TTSGetDictSpeakerName(int index, char* out) {
+    const int count = TTSGetNumSpeakers();
+    if (count < 1) {
+        CopyText(out, kTextBufferSize, "No Voices Found");
+        return;
+    }
+    const int clamped = std::clamp(index, 0, count - 1);
+    CopyText(out, kTextBufferSize, VoiceTable()[static_cast<std::size_t>(clamped)]);
+}

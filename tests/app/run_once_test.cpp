@@ -1,0 +1,122 @@
+#include "app/run_once.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "foundation/text_buffer.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class RunOnceTest : public testing::Test {
+protected:
+    RunOnceTest() {
+        char name[] = "/tmp/lectora-run-once-XXXXXX";
+        folder_ = ::mkdtemp(name);
+        path_ = folder_ + "/socket";
+    }
+    ~RunOnceTest() override { std::filesystem::remove_all(folder_); }
+
+    UniqueFd Connect() const {
+        UniqueFd fd(::socket(AF_UNIX, SOCK_STREAM, 0));
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        CopyText(address.sun_path, path_);
+        EXPECT_EQ(0, ::connect(fd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address));
+        return fd;
+    }
+    // Sends raw words and bytes as a client would and closes, unless it is told to stay.
+    std::vector<std::string> ReceivedAfter(const std::string& message, bool& goOn, bool stay = false) {
+        UniqueFd client = Connect();
+        EXPECT_EQ(static_cast<ssize_t>(message.size()), ::write(client.Get(), message.data(), message.size()));
+        if (!stay)
+            client.Reset();
+        std::vector<std::string> arguments;
+        goOn = server_.Receive(arguments);
+        return arguments;
+    }
+    static std::string Word(std::int32_t number) {
+        return std::string(reinterpret_cast<const char*>(&number), sizeof number);
+    }
+
+    std::string folder_;
+    std::string path_;
+    RunOnceSocket server_;
+};
+
+TEST_F(RunOnceTest, SecondStartHandsItsWholeCommandLineOver) {
+    ASSERT_EQ(RunOnceSocket::Claim::kServer, server_.ClaimPath(path_, {"lectora"}));
+    RunOnceSocket second;
+    EXPECT_EQ(RunOnceSocket::Claim::kHandedOver, second.ClaimPath(path_, {"/usr/bin/lectora", "", "/a b\n.txt"}));
+    std::vector<std::string> arguments;
+    EXPECT_TRUE(server_.Receive(arguments));
+    EXPECT_THAT(arguments, ElementsAre("/usr/bin/lectora", "", "/a b\n.txt"));
+}
+
+TEST_F(RunOnceTest, PathLeftByACrashIsTakenOverAndRemovedAtTheEnd) {
+    {
+        RunOnceSocket crashed;
+        crashed.ClaimPath(path_, {});
+        std::filesystem::create_hard_link(path_, path_ + "2");
+    }
+    std::filesystem::rename(path_ + "2", path_);
+    {
+        RunOnceSocket next;
+        EXPECT_EQ(RunOnceSocket::Claim::kServer, next.ClaimPath(path_, {}));
+        RunOnceSocket third;
+        EXPECT_EQ(RunOnceSocket::Claim::kHandedOver, third.ClaimPath(path_, {"x"}));
+        EXPECT_TRUE(std::filesystem::exists(path_));
+    }
+    EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
+TEST_F(RunOnceTest, BrokenMessagesNeitherCrashNorHang) {
+    server_.ClaimPath(path_, {});
+    bool goOn = false;
+    EXPECT_THAT(ReceivedAfter("", goOn), IsEmpty());
+    EXPECT_TRUE(goOn);
+    EXPECT_THAT(ReceivedAfter(Word(3) + Word(1) + "a" + Word(5) + "b", goOn), ElementsAre("a"));
+    EXPECT_TRUE(goOn);
+    EXPECT_THAT(ReceivedAfter(Word(2) + Word(-7), goOn), IsEmpty());
+    EXPECT_THAT(ReceivedAfter(Word(1) + Word(0x7fffffff), goOn), IsEmpty());
+    EXPECT_TRUE(goOn);
+    // A negative count stops listening for good.
+    ReceivedAfter(Word(-1), goOn);
+    EXPECT_FALSE(goOn);
+}
+
+TEST_F(RunOnceTest, StallingClientIsGivenUp) {
+    server_.ClaimPath(path_, {});
+    const auto start = std::chrono::steady_clock::now();
+    bool goOn = false;
+    EXPECT_THAT(ReceivedAfter(Word(2) + Word(1), goOn, true), IsEmpty());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_TRUE(goOn);
+}
+
+TEST_F(RunOnceTest, NamesOfExistingFilesAreHandedOverAbsolute) {
+    std::ofstream(folder_ + "/book.txt") << "text";
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder_);
+    std::string arguments[] = {"lectora", "book.txt", "-logon", "missing.txt", "/etc/passwd"};
+    char* pointers[5];
+    for (int index = 0; index < 5; ++index)
+        pointers[index] = arguments[index].data();
+    EXPECT_THAT(ArgumentsForHandOver(5, pointers),
+                ElementsAre("lectora", std::filesystem::canonical(folder_).string() + "/book.txt", "-logon",
+                            "missing.txt", "/etc/passwd"));
+    std::filesystem::current_path(before);
+}
+
+}  // namespace

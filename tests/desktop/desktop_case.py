@@ -1,0 +1,54 @@
+"""What tests of the real program share: a fresh home, a card, a picture of the screen on failure."""
+import os
+import shutil
+import sys
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "../support"))
+import lectora_desktop as desktop  # noqa: E402
+
+PICTURES = os.path.join(desktop.BUILD, "screenshots")
+SHARE = os.path.join(os.path.dirname(os.path.realpath(__file__)), "../../share")
+
+
+class DesktopCase(unittest.TestCase):
+    def setUp(self):
+        shutil.rmtree(desktop.HOME, ignore_errors=True)
+        os.mkdir(desktop.HOME)
+        desktop.tell_engine()
+        self.card = desktop.Card()
+        self.card.tell("speed 8")
+
+    def picture(self, name):
+        desktop.screenshot(os.path.join(PICTURES, name + ".png"))
+
+    def file(self, name, content):
+        path = os.path.join(desktop.HOME, name)
+        with open(path, "wb") as file:
+            file.write(content.encode() if isinstance(content, str) else content)
+        return path
+
+    def start(self, *arguments, **options):
+        """Lectora with its window open; ends with the test."""
+        lectora = desktop.Lectora(*arguments, **options)
+        self.addCleanup(self._end, lectora)
+        lectora.window(20)
+        return lectora
+
+    def _end(self, lectora):
+        if not self._outcome.success and lectora.alive():
+            self.picture("failed-" + self.id().rsplit(".", 1)[-1])
+        lectora.end()
+
+    def read_aloud(self, lectora):
+        """Presses the button and gives back the stream that then played to its end."""
+        lectora.press("toggle button", "Read Aloud")
+        stream = self.card.next_stream()
+        self.card.wait_for(stream, "close")
+        return stream
+
+    def assert_usable(self, lectora, text):
+        """The text is still there, and reading works."""
+        self.assertEqual(lectora.text(), text)
+        stream = self.read_aloud(lectora)
+        self.assertGreater(self.card.sound(stream).frames, 0)

@@ -1,0 +1,84 @@
+"""A speech engine in trouble: the user is told, keeps the text, and can go on."""
+import os
+import unittest
+
+from desktop_case import DesktopCase, desktop
+
+TEXT = "one two three"
+
+
+class EngineTroubleTest(DesktopCase):
+    def test_no_engine(self):
+        # A PATH with the shell's few helpers and nothing else.
+        folder = os.path.join(desktop.HOME, "bin")
+        os.mkdir(folder)
+        for program in ("sh", "rm", "cat"):
+            os.symlink("/bin/" + program, os.path.join(folder, program))
+        lectora = desktop.Lectora(self.file("text.txt", TEXT), fake_engine=False, path=folder)
+        self.addCleanup(lectora.end)
+        lectora.wait_for_box("No voice is installed")
+        self.picture("no-engine")
+
+    def test_voices_as_the_engine_tells_them(self):
+        for told, voices in (("voices 12", 10), ("voices 1", 1)):
+            with self.subTest(told):
+                desktop.tell_engine("festival " + told)
+                lectora = self.start()
+                combo = lectora.find("combo box")
+                items = desktop.wait_until(
+                    lambda: [item.name for item in combo[0] if item.getRoleName() == "menu item"],
+                    "the voices",
+                )
+                self.assertEqual(items, [f"voice{number}" for number in range(1, voices + 1)])
+                lectora.end()
+
+    def test_an_engine_that_lists_no_voices(self):
+        for told in ("hang", "nothing"):
+            with self.subTest(told):
+                desktop.tell_engine("festival " + told)
+                lectora = desktop.Lectora()
+                self.addCleanup(lectora.end)
+                lectora.wait_for_box("No voice is installed")
+                lectora.press("push button", "OK")
+                page = "browser http://quillon.example/speech"
+                desktop.wait_until(lambda: page in desktop.engine_calls(), "the speech web page")
+                # The engine has come to: reading asks it again.
+                desktop.tell_engine()
+                lectora.set_text(TEXT)
+                self.assert_usable(lectora, TEXT)
+                lectora.end()
+
+    def test_an_engine_that_fails_to_speak(self):
+        for told, message in (
+            ("silent", "produced no sound"),
+            ("nothing", "produced no sound"),
+            ("die", "stopped before the end"),
+            ("full", "stopped before the end"),
+        ):
+            with self.subTest(told):
+                lectora = self.start()
+                lectora.set_text(TEXT)
+                desktop.tell_engine("text2wave " + told)
+                streams = len(self.card.streams())
+                lectora.press("toggle button", "Read Aloud")
+                lectora.wait_for_box(message)
+                self.picture("engine-" + told)
+                self.assertEqual(len(self.card.streams()), streams)
+                lectora.press("push button", "OK")
+                desktop.tell_engine()
+                self.assert_usable(lectora, TEXT)
+                lectora.end()
+
+    def test_an_engine_that_hangs_is_given_up(self):
+        lectora = self.start()
+        lectora.set_text(TEXT)
+        desktop.tell_engine("text2wave hang")
+        lectora.press("toggle button", "Read Aloud")
+        lectora.wait_for_box("did not finish within 20 seconds", 40)
+        lectora.press("push button", "OK")
+        desktop.tell_engine()
+        self.assert_usable(lectora, TEXT)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,128 @@
+"""Reading aloud: what the card received, buttons and keys, cancelling, nothing left behind."""
+import os
+import subprocess
+import time
+import unittest
+
+from desktop_case import SHARE, DesktopCase, desktop
+
+SAMPLE = os.path.join(SHARE, "sample.txt")
+
+
+class ReadingTest(DesktopCase):
+    def test_the_card_receives_the_engines_own_sound(self):
+        self.card.tell("speed 4")
+        lectora = self.start(SAMPLE, fake_engine=False)
+        stream = self.card.next_stream()
+        time.sleep(1)
+        self.picture("reading")
+        self.card.wait_for(stream, "close")
+        received, spoken = self.card.sound(stream), desktop.Sound(desktop.SPEECH)
+        self.assertEqual((received.rate, received.channels), (spoken.rate, spoken.channels))
+        self.assertGreater(spoken.frames, 5 * spoken.rate)
+        self.assertLessEqual(abs(received.frames - spoken.frames), spoken.rate // 4)
+        self.assertGreater(desktop.correlation(received.samples, spoken.samples), 0.99)
+        with open(SAMPLE) as file:
+            self.assertEqual(lectora.text(), file.read())
+
+    def test_a_card_of_48_khz_stereo_receives_the_same_speech(self):
+        self.card.tell("speed 4", "rates 48000", "channels 2")
+        self.start(
+            self.file("text.txt", "The quick brown fox jumps over the lazy dog."), fake_engine=False
+        )
+        stream = self.card.next_stream()
+        self.card.wait_for(stream, "close")
+        received, spoken = self.card.sound(stream), desktop.Sound(desktop.SPEECH)
+        self.assertEqual((received.rate, received.channels), (48000, 2))
+        self.assertLess(abs(received.frames / 48000 - spoken.frames / spoken.rate), 0.25)
+        reference = os.path.join(desktop.HOME, "reference.wav")
+        subprocess.run(["sox", desktop.SPEECH, "-r", "48000", "-c", "2", reference], check=True)
+        reference = desktop.Sound(reference)
+        for channel in (0, 1):
+            # Two filters may be some frames apart; half a second is enough to find out how far.
+            part = slice(24000, 48000)
+            self.assertGreater(
+                desktop.best_correlation(
+                    received.channel(channel)[part], reference.channel(channel)[part], 100
+                ),
+                0.9,
+            )
+
+    def test_typing_one_character_enables_the_buttons(self):
+        lectora = self.start()
+        buttons = [("toggle button", "Read Aloud"), ("toggle button", "Save as Speech")]
+        self.assertEqual([lectora.can_press(*button) for button in buttons], [False, False])
+        self.picture("empty")
+        lectora.focus()
+        desktop.press_keys("a")
+        for button in buttons:
+            desktop.wait_until(
+                lambda: lectora.can_press(*button), f"{button} to become sensitive", 2
+            )
+        self.assertEqual(lectora.text(), "a")
+        desktop.press_keys("BackSpace")
+        for button in buttons:
+            desktop.wait_until(
+                lambda: not lectora.can_press(*button), f"{button} to become insensitive", 2
+            )
+
+    def test_cancel_stops_at_once_and_the_next_reading_works(self):
+        lectora = self.start()
+        lectora.set_text("one two three")
+        desktop.tell_engine("text2wave slow 15")
+        lectora.press("toggle button", "Read Aloud")
+        lectora.find("label", "Synthesizing Voice")
+        streams = len(self.card.streams())
+        self.picture("progress")
+        cancel = lectora.find("push button", "Cancel")
+        pressed = time.monotonic()
+        lectora.click(cancel)
+        desktop.wait_until(lambda: len(lectora.windows()) == 1, "the dialog to go", 5)
+        self.assertLess(time.monotonic() - pressed, 1.0)
+        self.assertEqual(len(self.card.streams()), streams)
+        desktop.tell_engine()
+        self.assert_usable(lectora, "one two three")
+
+    def test_escape_and_a_second_press_stop_the_reading(self):
+        self.card.tell("speed 1")
+        desktop.tell_engine("text2wave long 60")
+        lectora = self.start()
+        lectora.set_text("a long story")
+        lectora.focus()
+        for stop in (
+            lambda: desktop.press_keys("Escape"),
+            lambda: lectora.press("toggle button", "Read Aloud"),
+        ):
+            lectora.press("toggle button", "Read Aloud")
+            stream = self.card.next_stream()
+            self.card.wait_for(stream, "start")
+            stop()
+            self.card.wait_for(stream, "close", 2)
+
+    def test_twenty_readings_leave_nothing_behind(self):
+        self.card.tell("speed 50")
+        lectora = self.start()
+        lectora.set_text("word")
+        lectora.focus()
+
+        def settled():
+            # The engine's worker ends a moment after the reading.
+            before = lectora.threads(), lectora.descriptors()
+            time.sleep(0.3)
+            return before if (lectora.threads(), lectora.descriptors()) == before else None
+
+        self.read_aloud(lectora)
+        before = desktop.wait_until(settled, "the first reading to settle")
+        running = set(desktop.processes())
+        for _ in range(20):
+            desktop.press_keys("ctrl+shift+r")
+            self.card.wait_for(self.card.next_stream(), "close")
+        self.assertEqual(desktop.wait_until(settled, "the last reading to settle"), before)
+        self.assertEqual(set(desktop.processes()) - running, set())
+        self.assertEqual(
+            [name for name in os.listdir("/tmp") if name.startswith("0") and len(name) == 7], []
+        )
+
+
+if __name__ == "__main__":
+    unittest.main()

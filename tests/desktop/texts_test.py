@@ -1,0 +1,64 @@
+"""Files of every kind as arguments, and texts with nothing to say."""
+import os
+import time
+import unittest
+
+from desktop_case import DesktopCase, desktop
+
+
+class TextsTest(DesktopCase):
+    def test_files_that_cannot_be_loaded_leave_the_text_alone(self):
+        closed = os.path.join(desktop.HOME, "folder")
+        os.mkdir(closed)
+        lectora = self.start(self.file("first.txt", "first text"))
+        self.card.wait_for(self.card.next_stream(), "close")
+        for path in (closed, os.path.join(desktop.HOME, "not there.txt")):
+            with desktop.Lectora(path) as second:
+                self.assertEqual(second.process.wait(20), 0)
+        time.sleep(0.5)
+        self.assert_usable(lectora, "first text")
+
+    def test_an_empty_file_empties_the_text_and_reads_nothing(self):
+        lectora = self.start(self.file("empty.txt", ""))
+        desktop.wait_until(lambda: lectora.text() == "", "the empty text")
+        time.sleep(0.3)
+        self.assertFalse(lectora.can_press("toggle button", "Read Aloud"))
+        self.assertEqual(
+            [call for call in desktop.engine_calls() if call.startswith("text2wave")], []
+        )
+
+    def test_binary_bytes_are_shown_and_read(self):
+        desktop.tell_engine("text2wave long 1")
+        content = bytes(range(256)) * 40 + b" words in between " + bytes(range(255, -1, -1)) * 40
+        lectora = self.start(self.file("binary.bin", content))
+        self.card.wait_for(self.card.next_stream(), "close")
+        self.assertIn("words in between", lectora.text())
+
+    def test_five_megabytes(self):
+        desktop.tell_engine("text2wave long 1")
+        text = "All work and no play makes Jack a dull boy.\n" * 120000
+        lectora = self.start(self.file("huge.txt", text))
+        self.card.wait_for(self.card.next_stream(60), "close")
+        self.assertEqual(len(lectora.text()), len(text))
+
+    def test_a_text_with_nothing_to_say_does_not_start_the_engine(self):
+        lectora = self.start()
+        calls = len(desktop.engine_calls())
+        lectora.set_text("---- … ????\n!!! ***")
+        lectora.press("toggle button", "Read Aloud")
+        lectora.wait_for_box("There is nothing in this text")
+        self.picture("nothing-to-say")
+        lectora.press("push button", "OK")
+        self.assertEqual(len(desktop.engine_calls()), calls)
+        self.assertEqual(lectora.text(), "---- … ????\n!!! ***")
+
+    def test_typographic_text_reaches_the_engine_in_plain_ascii(self):
+        self.start(self.file("quotes.txt", "“It’s a café” — he said…"))
+        self.card.wait_for(self.card.next_stream(), "close")
+        call = desktop.engine_calls()[-1]
+        self.assertTrue(call.isascii(), call)
+        self.assertIn("It's a cafe", call)
+
+
+if __name__ == "__main__":
+    unittest.main()

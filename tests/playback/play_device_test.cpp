@@ -1,0 +1,62 @@
+#include "playback/play_device.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "foundation/text_buffer.h"
+#include "playback/mixer.h"
+#include "tests/support/virtual_card.h"
+
+namespace {
+
+TEST(Mixer, MapsDecibelsLinearlyToRawValues) {
+    const struct {
+        long decibels, minimum, maximum, raw;
+    } cases[] = {
+        {-36, 0, 87, 0}, {12, 0, 87, 87}, {-12, 0, 87, 43},
+        {20, 0, 87, 87}, {-50, 0, 87, 0}, {12, 10, 58, 48},  // not offset by the minimum
+        {0, 0, 0, 0},    {0, 50, 0, 0},   {12, 0, 2147483647L, 2147483647L},
+    };
+    for (const auto& test : cases)
+        EXPECT_EQ(MixerRawVolume(test.decibels, test.minimum, test.maximum), test.raw)
+            << test.decibels << " in " << test.minimum << ".." << test.maximum;
+}
+
+TEST(PlayDevice, SetsEveryElementButCapture) {
+    VirtualCards cards;
+    cards.Insert(0,
+                 "name One\nelement Master 0 87\nelement Capture 0 31\nelement Mic_Capture 0 15\n");
+    const LSoundPlayDevice device(0);
+    device.SetVolumeStandard(LDB(-36));
+    EXPECT_EQ(cards.Mixer(0), "Master 0 0\nCapture 31 31\nMic_Capture 0 0\n");
+    device.SetVolume(LDB(12));
+    EXPECT_EQ(cards.Mixer(0), "Master 87 87\nCapture 31 31\nMic_Capture 15 15\n");
+    device.SetVolumeOverride(LDB(-12), LDB(12));
+    EXPECT_EQ(cards.Mixer(0), "Master 43 43\nCapture 31 31\nMic_Capture 7 7\n");
+    EXPECT_EQ(device.GetVolumeStandard(), LDB(-36));
+    EXPECT_EQ(device.InitVolume(true, -36), 0);
+    const LSoundPlayDevice missing(5);
+    EXPECT_EQ(missing.InitVolume(true, 0), -1);
+    EXPECT_EQ(missing.GetVolumeStandard(), LDB(0));
+}
+
+TEST(PlayDevice, IsFoundByTheNameOfItsCard) {
+    VirtualCards cards;
+    cards.Insert(0, "name First Card\n");
+    cards.Insert(3, "name Second Card\n");
+    const struct {
+        const char* name;
+        int card;
+    } cases[] = {{"First Card", 0}, {"Second Card", 3},          {"second card", 0},
+                 {"Second", 0},     {"Default Sound Device", 0}, {"", 0}};
+    for (const auto& test : cases)
+        EXPECT_EQ(LSoundPlayDevice(test.name).Card(), test.card) << test.name;
+    char name[kTextBufferSize];
+    LSoundPlayDevice(3).GetDeviceName(name);
+    EXPECT_STREQ(name, "Second Card");
+    LSoundPlayDevice::GetListDeviceName(1, name);
+    EXPECT_STREQ(name, "");
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+// A player on a virtual card, with a listener that writes down what it is told.
+#pragma once
+
+#include <glib.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "playback/sound_player.h"
+#include "tests/support/memory_sound.h"
+#include "tests/support/virtual_card.h"
+
+class LogListener : public LSoundPlayerNotify {
+public:
+    void spntfPlay(int id) override { Add("play", id); }
+    void spntfStop(int id) override { Add("stop", id); }
+    void spntfCue(int id) override { Add("cue", id); }
+    void spntfPause(int id) override { Add("pause", id); }
+    void spntfTime(LSoundTime time, int id) override {
+        Add("time " + std::to_string(time.Milliseconds()), id);
+    }
+    void spntfLevel(const LDBMC& levels, int id) override {
+        std::string text = "level";
+        for (int channel = 0; channel < levels.Channels(); ++channel)
+            text += " " + std::to_string(levels[channel].Value());
+        Add(text, id);
+    }
+
+    bool Has(const std::string& entry) const {
+        return std::find(log.begin(), log.end(), entry) != log.end();
+    }
+
+    std::vector<std::string> log;
+
+private:
+    void Add(const std::string& entry, int id) {
+        EXPECT_EQ(id, 7);
+        EXPECT_EQ(std::this_thread::get_id(), thread_);
+        log.push_back(entry);
+    }
+
+    const std::thread::id thread_ = std::this_thread::get_id();
+};
+
+class PlayerTest : public testing::Test {
+protected:
+    // Runs the main loop until the condition holds, ten seconds at most.
+    template <typename Condition>
+    static bool RunUntil(Condition condition) {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!condition() && std::chrono::steady_clock::now() < limit) {
+            while (g_main_context_iteration(nullptr, FALSE)) {
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return condition();
+    }
+    bool RunUntilTold(const std::string& entry) {
+        return RunUntil([&] { return listener_.Has(entry); });
+    }
+    static void RunFor(int milliseconds) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+        RunUntil([end] { return std::chrono::steady_clock::now() >= end; });
+    }
+
+    // Each frame tells its number; every channel holds the same.
+    static std::vector<int> Numbered(int frames, int channels = 1) {
+        std::vector<int> samples;
+        for (int frame = 0; frame < frames; ++frame)
+            samples.insert(samples.end(), static_cast<std::size_t>(channels), frame % 30000 * 16);
+        return samples;
+    }
+    static LSoundSource NumberedSource(int frames, int rate = 16000, unsigned char channels = 1) {
+        return LSoundSource(new MemorySource(Numbered(frames, channels), rate, channels));
+    }
+    static std::vector<std::int16_t> NumbersFrom(int first, std::size_t count) {
+        std::vector<std::int16_t> numbers;
+        for (std::size_t i = 0; i < count; ++i)
+            numbers.push_back(
+                static_cast<std::int16_t>((static_cast<std::size_t>(first) + i) % 30000));
+        return numbers;
+    }
+
+    VirtualCards cards_;
+    LogListener listener_;
+    LSoundPlayer player_{&listener_, 7, LSoundPlayDevice(0)};
+};

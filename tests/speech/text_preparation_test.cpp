@@ -1,0 +1,148 @@
+#include "speech/text_preparation.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+namespace {
+
+struct Case {
+    const char* what;
+    std::string text;
+    std::string expected;
+    VoiceCharset charset = VoiceCharset::Ascii;
+};
+
+void Check(const std::vector<Case>& cases) {
+    for (const Case& test : cases)
+        EXPECT_EQ(PrepareText(test.text, test.charset).text, test.expected) << test.what;
+}
+
+TEST(TextPreparation, PlainTextWithSomethingToSayInEachLinePassesUnchanged) {
+    for (const std::string text :
+         {"Hello world.", "One line,\nand another - with a dash.\n\nA paragraph.\n",
+          "\"Quoted!\" she said; (he) didn't...  Two  blanks\tand a tab", "a -- b: c :-) d",
+          "$5.00 + 50% = x_y @ http://www.example.com/a?b=c#d", "1.\n2)\n- three\n* four",
+          "He left. - She stayed.", "\n\n leading and trailing \n\n",
+          "etc. etc., e.g. Mr. Smith"}) {
+        const PreparedText prepared = PrepareText(text, VoiceCharset::Ascii);
+        EXPECT_EQ(prepared.text, text);
+        EXPECT_TRUE(prepared.hasWords) << text;
+    }
+}
+
+TEST(TextPreparation, TypographyBecomesPlainForEveryVoice) {
+    for (const VoiceCharset charset :
+         {VoiceCharset::Ascii, VoiceCharset::Latin1, VoiceCharset::Utf8})
+        Check({{"quotes", "“It’s” ‘so’ «there» „low“", "\"It's\" 'so' \"there\" \"low\"", charset},
+               {"number range", "pages 3–5, non‑breaking", "pages 3-5, non-breaking", charset},
+               {"dash with a pause", "one – two — three—four", "one -- two -- three -- four",
+                charset},
+               {"ellipsis", "wait…what… now", "wait... what... now", charset},
+               {"ligatures", "oﬃce ﬁre ﬂow", "office fire flow", charset},
+               {"blanks", "a\u00A0b\u2009c\u3000d\u200Be", "a b c de", charset},
+               {"invisible", "\uFEFFso\u00ADft hy\u2060phen", "soft hyphen", charset},
+               {"line ends", "a\r\nb\rc\u2028d\fe", "a\nb\nc\nd\ne", charset},
+               {"control bytes",
+                std::string("a\0b\x07"
+                            "c\x7F"
+                            "d",
+                            7),
+                "abcd", charset},
+               {"invalid bytes", "o\xC3k \xFF\xE2\x82 then\xF0\x9F", "ok  then", charset}});
+}
+
+TEST(TextPreparation, EnglishVoicesGetAsciiWithAccentsFoldedAndSignsInWords) {
+    Check({{"accents", "café naïve Ångström Dvořák", "cafe naive Angstrom Dvorak"},
+           {"combining accents", "cafe\u0301", "cafe"},
+           {"letters of their own", "straße, Łódź, smørrebrød, Æsop, þing",
+            "strasse, Lodz, smorrebrod, AEsop, thing"},
+           {"full width", "ＡＢ１２", "AB12"},
+           {"amounts", "€5, 5€ or £1 and £2.50. ¥3 million!",
+            "5 euros, 5 euros or 1 pound and 2.50 pounds. 3 million yen!"},
+           {"the bare sign", "the € sign", "the euro sign"},
+           {"temperatures", "20°C to 68 °F at 90°.",
+            "20 degrees Celsius to 68 degrees Fahrenheit at 90 degrees."},
+           {"fractions", "½ cup, 2½ cups, ¾", "one half cup, 2 and one half cups, three quarters"},
+           {"arithmetic", "5×3 ≤ 16 ± 1", "5 times 3 less than or equal to 16 plus or minus 1"},
+           {"powers and footnotes", "10 m², 10⁶, E=mc²; word¹ H₂O",
+            "10 m squared, 10 to the 6, E=mc squared; word H2O"},
+           {"Greek symbol, Greek word", "π is 3; Αθήνα is far", "pi is 3;  is far"},
+           {"trade", "© 2020 Foo™", "copyright 2020 Foo trademark"},
+           {"nothing stands for it", "I❤you 😀. Привет, friend", "I you., friend"}});
+}
+
+TEST(TextPreparation, OtherVoicesGetTheirCharset) {
+    Check({{"Latin 1", "café œuf ő €", "caf\xE9 oeuf o ", VoiceCharset::Latin1},
+           {"Latin 2", "Dvořák ő", "Dvo\xF8\xE1k \xF5", VoiceCharset::Latin2},
+           {"Latin 9", "œ € ½ Š", "\xBD \xA4 1/2 \xA6", VoiceCharset::Latin9},
+           {"letter and mark", "e\u0301 r\u030C", "e\u0301 r\u030C", VoiceCharset::Utf8},
+           {"letter and mark joined", "e\u0301 r\u030C", "\xE9 \xF8", VoiceCharset::Latin2},
+           {"Hindi", "नमस्ते 😀 दुनिया।", "नमस्ते  दुनिया।", VoiceCharset::Utf8}});
+}
+
+TEST(TextPreparation, LinesAndPunctuationWithNothingToSayGoAndTheirPauseStays) {
+    Check({{"line of dashes", "Hello.\n----\nWorld.", "Hello.\n\nWorld."},
+           {"line of stars", "Hello\n * * * \nWorld", "Hello\n\nWorld"},
+           {"lone quote between paragraphs", "Hi!\n\n\"\n\nBye", "Hi!\n\n\n\nBye"},
+           {"after sentence punctuation", "He said \"!!!\" \"???\" and left.",
+            "He said \"!!!\" and left."},
+           {"between sentences", "Stop! ??? Go. Now? ... Yes", "Stop! Go. Now? Yes"},
+           {"dashes in a row", "a -- -- b", "a -- b"},
+           {"at the ends", "... so! ***", " so!"},
+           {"dropped letters leave punctuation", "One! (Привет!) Two", "One! Two"},
+           {"only in another script", "One\nПривет!\nTwo", "One\n\nTwo"}});
+}
+
+TEST(TextPreparation, TextWithoutWordsSaysSo) {
+    for (const std::string text :
+         {"", "   \n\t", "----", "?!", "😀😀", "Привет", "\x01\x02", "\xFF\xFE"})
+        EXPECT_FALSE(PrepareText(text, VoiceCharset::Ascii).hasWords) << text;
+    EXPECT_TRUE(PrepareText("Привет", VoiceCharset::Utf8).hasWords);
+    EXPECT_TRUE(PrepareText("ő", VoiceCharset::Latin2).hasWords);
+}
+
+TEST(TextPreparation, LongRunsAndUnitsAreCut) {
+    const auto longestUnit = [](const std::string& text) {
+        std::size_t longest = 0;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t end = std::min(text.find("\n\n", at), text.size());
+            longest = std::max(longest, end - at);
+            at = end + 2;
+        }
+        return longest;
+    };
+    std::string addresses;
+    for (int i = 0; i < 500; ++i)
+        addresses += "http://www.example.com/a/rather/long/path/page.html?x=1\n";
+    for (const VoiceCharset charset : {VoiceCharset::Ascii, VoiceCharset::Utf8}) {
+        EXPECT_LE(longestUnit(PrepareText(std::string(100000, 'a'), charset).text), 256U);
+        EXPECT_LE(longestUnit(PrepareText(addresses, charset).text), 2300U);
+    }
+    std::string hindi;
+    for (int i = 0; i < 1000; ++i)
+        hindi += "न";
+    std::string cut = PrepareText(hindi, VoiceCharset::Utf8).text;
+    std::erase(cut, '\n');
+    EXPECT_EQ(cut, hindi) << "cut inside a character";
+}
+
+TEST(TextPreparation, FiveMegabytesTakeNoLongerThanLinear) {
+    const auto seconds = [](const std::string& unit, std::size_t size) {
+        std::string text;
+        while (text.size() < size)
+            text += unit;
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_LE(PrepareText(text, VoiceCharset::Ascii).text.size(), 12 * size + 100);
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    for (const std::string unit : {"It was the best of times. ", "é", "\n", " ", "!! ", "- ",
+                                   "-- \n", "😀 ", "€", "²", "a 😀", "a- ", "\xE2\x80"}) {
+        const double half = seconds(unit, 1250000);
+        const double whole = seconds(unit, 5000000);
+        EXPECT_LT(whole, 8 * half + 0.5) << unit;
+    }
+}
+
+}  // namespace

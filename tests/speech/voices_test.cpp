@@ -1,0 +1,100 @@
+#include "speech/voices.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "foundation/text_buffer.h"
+#include "speech/voice_charset.h"
+#include "tests/speech/fake_engine.h"
+
+namespace {
+
+using Names = std::vector<std::string>;
+constexpr const char* kBanner =
+    "Festival Speech Synthesis System 2.5.0:release December 2017\n"
+    "Copyright (C) University of Edinburgh, 1996-2010. All rights reserved.\n\n"
+    "For details type `(festival_warranty)'\nfestival> ";
+
+TEST(VoiceList, IsReadFromTheEnginesReply) {
+    const std::string banner = kBanner;
+    Names twelve;
+    std::string list;
+    for (int i = 0; i < 12; ++i) {
+        twelve.push_back("voice" + std::to_string(i));
+        list += (i ? " " : "(") + twelve.back();
+    }
+    twelve.resize(10);
+    const std::string longName(60, 'v');
+    const struct {
+        const char* what;
+        std::string reply;
+        Names names;
+    } cases[] = {
+        {"one voice", banner + "(kal_diphone)\nfestival> ", {"kal_diphone"}},
+        {"two voices", "festival>(voice_a voice_b)", {"voice_a", "voice_b"}},
+        {"on a line of its own", "festival>\n\t (a b)\n", {"a", "b"}},
+        {"no more than ten", banner + list + ")\nfestival> ", twelve},
+        {"over-long name", "festival> (" + longName + " b)", {longName.substr(0, 49), "b"}},
+        {"empty list", "festival> ()", {""}},
+        {"no parenthesis", "festival> (a b", {"a", "b", "", "", "", "", "", "", "", ""}},
+        {"no prompt", "(a b)", Names(10)},
+        {"prompt only", "festival> ", Names(10)},
+        {"nothing", "", Names(10)},
+    };
+    for (const auto& test : cases)
+        EXPECT_EQ(ParseVoiceList(test.reply), test.names) << test.what;
+}
+
+void AskUntilThereIsOne() {
+    const FakeEngine engine(true);
+    char name[kTextBufferSize];
+    std::filesystem::remove(engine.Folder() + "/bin/festival");
+    EXPECT_EQ(TTSGetNumSpeakers(), 0) << "not installed";
+    TTSGetDictSpeakerName(0, name);
+    EXPECT_STREQ(name, "No Voices Found");
+    engine.Script("festival", "exit 3");
+    EXPECT_EQ(TTSGetNumSpeakers(), 0) << "dies at once";
+    engine.Script("festival", "read line; read line");
+    EXPECT_EQ(TTSGetNumSpeakers(), 0) << "prints nothing";
+    engine.Script("festival",
+                  "read line; echo \"$line\" >$here/asked; printf 'festival> (un deux)\\n'");
+    EXPECT_EQ(TTSGetNumSpeakers(), 2);
+    EXPECT_EQ(ReadFile(engine.Folder() + "/asked"), "(voice.list)\n");
+    engine.Script("festival", "exit 3");
+    EXPECT_EQ(TTSGetNumSpeakers(), 2) << "remembered";
+    for (const auto& [index, expected] :
+         {std::pair{0, "un"}, {1, "deux"}, {7, "deux"}, {-3, "un"}}) {
+        TTSGetDictSpeakerName(index, name);
+        EXPECT_STREQ(name, expected) << index;
+    }
+}
+
+TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
+    InFreshProcess(AskUntilThereIsOne);
+}
+
+TEST(VoiceCharset, IsTheStatedOneOrAsKnown) {
+    EXPECT_EQ(
+        CharsetInDescription("(proclaim_voice 'x '((language italian)\n (coding ISO-8859-1)))"),
+        VoiceCharset::Latin1);
+    EXPECT_EQ(CharsetInDescription("   (coding utf-8)"), VoiceCharset::Utf8);
+    EXPECT_EQ(CharsetInDescription("(coding ISO-8859-15)"), VoiceCharset::Latin9);
+    for (const char* none : {"", "(coding", "(coding )", "(coding KOI-7)", "(language english)"})
+        EXPECT_EQ(CharsetInDescription(none), std::nullopt) << none;
+
+    const FakeEngine folder;
+    const std::string voice = folder.Folder() + "/usr/share/festival/voices/polish/pl_ewa/festvox";
+    std::filesystem::create_directories(voice);
+    std::ofstream(voice + "/pl_ewa.scm") << ";; a voice\n(coding ISO-8859-2)";
+    const char* const root = std::getenv("LECTORA_ROOT");
+    const std::string before = root ? root : "";
+    ::setenv("LECTORA_ROOT", folder.Folder().c_str(), 1);
+    EXPECT_EQ(CharsetOfVoice("pl_ewa"), VoiceCharset::Latin2) << "installed description";
+    EXPECT_EQ(CharsetOfVoice("czech_ph"), VoiceCharset::Latin2) << "known voice";
+    EXPECT_EQ(CharsetOfVoice("hindi_NSK_diphone"), VoiceCharset::Utf8);
+    for (const char* english : {"kal_diphone", "", "No Voices Found", "../polish/pl_ewa"})
+        EXPECT_EQ(CharsetOfVoice(english), VoiceCharset::Ascii) << english;
+    ::setenv("LECTORA_ROOT", before.c_str(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,204 @@
+"""Holds the layers of docs/architecture.md: who includes whom, who sees which library, file sizes.
+
+    check_includes.py ROOT
+
+Prints a line for each wrong include and fails when there is one. Before that it checks itself on
+a tree with planted violations, so that it cannot rot into a check that never fails.
+"""
+import os
+import re
+import sys
+import tempfile
+
+# Folder -> what it may include, beside itself. The longest matching folder counts.
+MAY_INCLUDE = {
+    "foundation": [],
+    "foundation/gdk": ["foundation"],
+    "foundation/crash_box": ["foundation"],
+    "sound": ["foundation"],
+    "formats": ["sound", "foundation"],
+    "gui": ["foundation", "foundation/gdk", "sound/level.h"],
+    "foundation/dialogs": ["foundation", "gui"],
+    "formats/dialogs": ["formats", "sound", "gui", "foundation", "foundation/dialogs"],
+    "speech": ["formats", "sound", "foundation"],
+    "speech/dialogs": ["speech", "formats", "sound", "gui", "foundation"],
+    "playback": ["formats", "sound", "gui", "foundation", "foundation/gdk"],
+    "playback/dialogs": ["playback", "formats", "sound", "gui", "foundation", "foundation/gdk"],
+    "desktop": ["gui", "foundation"],
+    "app": [
+        "desktop",
+        "playback",
+        "playback/dialogs",
+        "speech",
+        "speech/dialogs",
+        "formats",
+        "formats/dialogs",
+        "gui",
+        "sound",
+        "foundation",
+        "foundation/gdk",
+        "foundation/dialogs",
+    ],
+    "tools": ["speech", "formats", "sound", "foundation"],
+    "bench": ["tools", "speech", "formats", "sound", "foundation", "gui", "playback"],
+    "fuzz": ["speech", "formats", "sound", "foundation"],
+    "tests/support": ["sound", "foundation"],
+}
+# Libraries by the start of their headers -> the folders that may see them.
+LIBRARIES = {
+    "gtk/": [
+        "gui",
+        "app",
+        "playback",
+        "desktop",
+        "foundation/crash_box",
+        "foundation/dialogs",
+        "formats/dialogs",
+        "speech/dialogs",
+        "playback/dialogs",
+    ],
+    "gdk/": [
+        "gui",
+        "app",
+        "playback",
+        "desktop",
+        "foundation/gdk",
+        "foundation/dialogs",
+        "formats/dialogs",
+        "speech/dialogs",
+        "playback/dialogs",
+    ],
+    "X11/": ["gui", "app"],
+    "alsa/": ["playback", "tests/support"],
+}
+SUFFIXES = (".h", ".cpp")
+MAIN_LINES = 60
+MOST_LINES = 600
+INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]')
+
+
+def folder_of(path, folders):
+    """The longest of the folders that the path lies in; None when it lies in none."""
+    inside = [folder for folder in folders if path == folder or path.startswith(folder + "/")]
+    return max(inside, key=len, default=None)
+
+
+def rules_for(path):
+    """(folder, what it may include). A test may do what its folder may, and use the support."""
+    folder = folder_of(path, MAY_INCLUDE)
+    if folder is None and path.startswith("tests/"):
+        tested = folder_of(path[len("tests/") :], MAY_INCLUDE)
+        if tested is None:
+            return None, []
+        dialogs = [name for name in MAY_INCLUDE if name.startswith(tested + "/")]
+        below = [name for name in dialogs for name in MAY_INCLUDE[name]]
+        return tested, [
+            tested,
+            *MAY_INCLUDE[tested],
+            *dialogs,
+            *below,
+            "tests/support",
+            "tests/" + tested,
+        ]
+    return folder, MAY_INCLUDE.get(folder, []) + [folder]
+
+
+def included_folder(header):
+    return folder_of(header, [*MAY_INCLUDE, "tests"])
+
+
+def allowed(header, permitted):
+    if header in permitted:
+        return True
+    folder = included_folder(header)
+    if folder == "tests":
+        return any(header.startswith(name + "/") for name in permitted if name.startswith("tests/"))
+    return folder in permitted
+
+
+def check_include(root, path, quote, header):
+    folder, permitted = rules_for(path)
+    if quote == '"':
+        # A header made at configure time stands as its template.
+        if not any(os.path.exists(os.path.join(root, header + suffix)) for suffix in ("", ".in")):
+            return f"{header} is not there, seen from the root"
+        if not allowed(header, permitted):
+            return f"{folder}/ may not include {header}"
+    for library, users in LIBRARIES.items():
+        seer = folder_of(path[len("tests/") :], MAY_INCLUDE) if path.startswith("tests/") else None
+        if header.startswith(library) and folder_of(path, MAY_INCLUDE) not in users:
+            # A test of a folder that may see a library may see it as well.
+            if library == "alsa/" or seer not in users + ["foundation"]:
+                return f"{path.rsplit('/', 1)[0]}/ may not see {library}"
+    return None
+
+
+def check(root):
+    problems = []
+    for base, folders, files in os.walk(root):
+        relative = os.path.relpath(base, root)
+        if relative == ".":
+            folders[:] = [name for name in folders if not name.startswith(".") and name != "build"]
+        for name in sorted(files):
+            if not name.endswith(SUFFIXES):
+                continue
+            path = os.path.normpath(os.path.join(relative, name))
+            with open(os.path.join(base, name), encoding="utf-8") as file:
+                lines = file.readlines()
+            limit = (
+                MAIN_LINES if name == "main.cpp" and not path.startswith("tests/") else MOST_LINES
+            )
+            if len(lines) > limit:
+                problems.append(f"{path}:{len(lines)}: longer than {limit} lines")
+            for number, line in enumerate(lines, 1):
+                match = INCLUDE.match(line)
+                wrong = match and check_include(root, path, *match.groups())
+                if wrong:
+                    problems.append(f"{path}:{number}: {wrong}")
+    return problems
+
+
+def check_itself():
+    """Every planted line must be found, and nothing else."""
+    planted = {
+        "sound/wrong_layer.cpp": '#include "formats/reader.h"\n',
+        "formats/reader.h": "#include <gtk/gtk.h>\n",
+        "foundation/core.cpp": "#  include <gdk/gdk.h>\n",
+        "gui/meter.cpp": '#include "sound/stream.h"\n',
+        "speech/mixer.cpp": "#include <alsa/asoundlib.h>\n",
+        "speech/missing.cpp": '#include "not_there.h"\n',
+        "tools/main.cpp": "\n" * 61,
+        "tests/sound/peeks.cpp": '#include "gui/meter.h"\n',
+        "sound/uses_tests.cpp": '#include "tests/support/double.h"\n',
+        "app/long.cpp": "\n" * 601,
+    }
+    fine = {
+        "sound/stream.h": '#include "foundation/core.h"\n',
+        "foundation/core.h": "",
+        "sound/level.h": "",
+        "gui/meter.h": '#include "sound/level.h"\n#include <gtk/gtk.h>\n',
+        "speech/dialogs/box.cpp": '#include "gui/meter.h"\n#include "speech/voices.h"\n',
+        "speech/voices.h": '#include "formats/reader.h"\n',
+        "tests/sound/good.cpp": '#include "sound/stream.h"\n#include "tests/support/double.h"\n',
+        "tests/support/double.h": '#include "sound/stream.h"\n#include <alsa/asoundlib.h>\n',
+        "playback/card.cpp": '#include <alsa/asoundlib.h>\n#include "gui/meter.h"\n',
+    }
+    with tempfile.TemporaryDirectory() as root:
+        for path, text in {**planted, **fine}.items():
+            os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
+            with open(os.path.join(root, path), "w") as file:
+                file.write(text)
+        found = sorted(problem.split(":")[0] for problem in check(root))
+    if found != sorted(planted):
+        sys.exit(f"the check itself is wrong: planted {sorted(planted)}, found {found}")
+
+
+def main():
+    check_itself()
+    problems = check(sys.argv[1])
+    print("\n".join(problems) or "every include keeps to the layers")
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,399 @@
+#!/usr/bin/python3
+"""lectora-convert, run as its users run it. sox and ffprobe are the witnesses."""
+import array
+import itertools
+import math
+import os
+import pty
+import resource
+import signal
+import struct
+import subprocess
+import time
+import unittest
+
+from program_case import CONVERT, ProgramCase
+
+# Headerless data as sox has to be told of it.
+SOX_RAW = {
+    "pcm16": ["-e", "signed", "-b", "16", "-L"],
+    "pcm8": ["-e", "unsigned", "-b", "8"],
+    "ulaw": ["-e", "mu-law", "-b", "8"],
+    "alaw": ["-e", "a-law", "-b", "8"],
+    "pcm16be": ["-e", "signed", "-b", "16", "-B"],
+    "pcm8s": ["-e", "signed", "-b", "8"],
+    "float": ["-e", "float", "-b", "32", "-L"],
+    "floatbe": ["-e", "float", "-b", "32", "-B"],
+}
+HELD = {
+    "wav": {"pcm16", "pcm8"},
+    "au": {"pcm16", "pcm16be", "pcm8", "pcm8s", "ulaw", "alaw"},
+    "aiff": {"pcm16", "pcm16be"},
+    "gsm": {"gsm"},
+    "vox": {"adpcm"},
+    "raw": set(SOX_RAW) | {"adpcm"},
+    "ul": {"ulaw"},
+    "al": {"alaw"},
+    "mp3": set(),
+}
+
+
+def tone(frames, channels=1, rate=8000, frequency=440):
+    samples = [round(9000 * math.sin(2 * math.pi * frequency * i / rate)) for i in range(frames)]
+    return array.array("h", (s for s in samples for _ in range(channels)))
+
+
+def wav(samples, channels=1, rate=8000, bits=16, tag=1, data_size=None):
+    data = samples.tobytes() if isinstance(samples, array.array) else samples
+    align = channels * bits // 8
+    header = struct.pack("<HHIIHH", tag, channels, rate, rate * align, align, bits)
+    size = len(data) if data_size is None else data_size
+    riff = b"WAVEfmt " + struct.pack("<I", 16) + header + b"data" + struct.pack("<I", size) + data
+    return b"RIFF" + struct.pack("<I", (len(riff)) & 0xFFFFFFFF) + riff
+
+
+def noise_ratio(wanted, got):
+    count = min(len(wanted), len(got))
+    signal_power = sum(s * s for s in wanted[:count])
+    noise = sum((a - b) ** 2 for a, b in zip(wanted[:count], got[:count]))
+    return 10 * math.log10(signal_power / max(noise, 1e-9))
+
+
+class ConvertTest(ProgramCase):
+    def heard(self, name, *input_format):
+        """What sox reads from a file, as 16-bit samples."""
+        self.sox(
+            "-D", *input_format, name, "-t", "raw", "-e", "signed", "-b", "16", "-L", "heard.s16"
+        )
+        return array.array("h", self.load("heard.s16"))
+
+    def heard_as(self, kind, name):
+        raw = ["-t", "raw", "-r", "8000", "-c", "1"]
+        known = {
+            "raw": raw + SOX_RAW["pcm16"],
+            "ul": raw + SOX_RAW["ulaw"],
+            "al": raw + SOX_RAW["alaw"],
+        }
+        if kind == "vox":  # sox's decoder knows nothing of the leak, so it hears a tilted sound
+            self.check(CONVERT, "-f", name, "heard.wav")
+            return self.heard("heard.wav")
+        return self.heard(name, *known.get(kind, []))
+
+    def test_every_pair_of_types_keeps_the_sound(self):
+        self.install_encoder()
+        original = tone(8000)
+        self.save("in.wav", wav(original))
+        readable = [kind for kind in HELD if kind != "mp3"]
+        least = {"gsm": 6, "vox": 14, "ul": 30, "al": 30}
+        for kind in readable:
+            self.check(CONVERT, "-f", "in.wav", f"in.{kind}")
+        for source, target in itertools.product(readable, HELD):
+            with self.subTest(source=source, target=target):
+                raw = ["--raw-rate=8000", "--raw-channels=1"] if source == "raw" else []
+                self.check(CONVERT, *raw, f"in.{source}", f"{source}-to.{target}")
+                if target == "mp3":
+                    probe = self.run_program(
+                        "ffprobe",
+                        "-v",
+                        "error",
+                        "-show_entries",
+                        "format=duration",
+                        f"{source}-to.mp3",
+                    )
+                    self.assertIn(b"duration=1.", probe.stdout)
+                    continue
+                heard = self.heard_as(target, f"{source}-to.{target}")
+                self.assertAlmostEqual(len(heard), 8000, delta=160)
+                floor = min(least.get(source, 80), least.get(target, 80))
+                self.assertGreater(noise_ratio(original, heard), floor)
+
+    def test_encodings_are_taken_where_the_type_holds_them(self):
+        original = tone(4000)
+        self.save("in.wav", wav(original))
+        for kind, encoding in itertools.product(HELD, list(SOX_RAW) + ["adpcm", "gsm"]):
+            with self.subTest(kind=kind, encoding=encoding):
+                name = f"{encoding}.{kind}"
+                if encoding not in HELD[kind]:
+                    self.check(CONVERT, "-e", encoding, "in.wav", name, status=2, says=name)
+                    continue
+                self.check(CONVERT, "-e", encoding, "in.wav", name)
+                if kind not in ("raw", "wav", "au", "aiff") or encoding == "adpcm":
+                    continue
+                raw = (
+                    ["-t", "raw", "-r", "8000", "-c", "1", *SOX_RAW[encoding]]
+                    if kind == "raw"
+                    else []
+                )
+                floor = 30 if "8" in encoding or "law" in encoding else 80
+                self.assertGreater(noise_ratio(original, self.heard(name, *raw)), floor)
+                # And back, told how to read it where the file does not say.
+                told = (
+                    ["--raw-rate", "8000", "--raw-channels", "1", "--raw-encoding", encoding]
+                    if kind == "raw"
+                    else []
+                )
+                self.check(CONVERT, "-f", *told, name, "back.wav")
+                self.assertGreater(noise_ratio(original, self.heard("back.wav")), floor)
+
+    def test_rate_and_channels(self):
+        self.save("in.wav", wav(tone(16000, 2, 16000), 2, 16000))
+        for rate, channels in ((44100, 2), (22050, 1), (8000, 1), (48000, 2)):
+            self.check(CONVERT, "-f", "-r", rate, "-c", channels, "in.wav", "out.wav")
+            told = self.run_program("soxi", "out.wav").stdout.decode()
+            self.assertIn(f"Channels       : {channels}", told)
+            self.assertIn(f"Sample Rate    : {rate}", told)
+            heard = self.heard("out.wav")[::channels]
+            # Ratios are met to a thousandth.
+            self.assertAlmostEqual(len(heard), rate, delta=rate * 0.003)
+            crossings = sum(a < 0 <= b for a, b in zip(heard, heard[1:]))
+            self.assertAlmostEqual(crossings, 440, delta=2)
+            self.assertAlmostEqual(max(heard), 9000, delta=100)
+        for arguments in (
+            ["-r", "16000", "in.wav", "a.gsm"],
+            ["-c", "2", "in.wav", "a.gsm"],
+            ["-c2", "in.wav", "a.vox"],
+        ):
+            self.check(CONVERT, *arguments, status=2, says=arguments[-1])
+        self.save("six.wav", wav(tone(100, 6), 6))
+        self.check(CONVERT, "six.wav", "six.au")
+        self.check(CONVERT, "-c", "2", "six.wav", "two.au", status=1, says="6 channels")
+
+    def test_seconds_cuts_what_the_whole_holds_there(self):
+        self.save("in.wav", wav(tone(16000)))
+        for kind in ("wav", "gsm", "vox", "al"):
+            self.check(CONVERT, "-f", "in.wav", f"in.{kind}")
+            self.check(CONVERT, "-f", f"in.{kind}", "whole.raw")
+            whole = self.load("whole.raw")
+            for span, start, end in (
+                ("0.5-1.25", 4000, 10000),
+                ("-0.25", 0, 2000),
+                ("0:01-", 8000, 16000),
+                ("1.9-99", 15200, 16000),
+            ):
+                with self.subTest(kind=kind, span=span):
+                    self.check(CONVERT, "-f", "--seconds", span, f"in.{kind}", "part.raw")
+                    part = self.load("part.raw")
+                    self.assertEqual(len(part), 2 * (end - start))
+                    # The limiter, at work on GSM and VOX, starts anew at the cut.
+                    near = noise_ratio(
+                        array.array("h", whole[2 * start : 2 * end]), array.array("h", part)
+                    )
+                    self.assertGreater(near, 25 if kind in ("gsm", "vox") else 150)
+        for span in ("5", "-", "2-1", "a-b", "1:2:3:4-", "1e3-2e3"):
+            self.check(CONVERT, "--seconds", span, "in.wav", "no.wav", status=2, says=span)
+        self.check(
+            CONVERT, "--seconds", "2-3", "in.wav", "no.wav", status=1, says="in.wav: holds no sound"
+        )
+
+    def test_info(self):
+        self.save("a.wav", wav(tone(12000, 2), 2))
+        self.save("mp3.wav", wav(b"1234", tag=0x55))
+        self.check(CONVERT, "-e", "alaw", "a.wav", "a.au")
+        told = self.check(CONVERT, "--info", "a.wav", "mp3.wav", "a.au")
+        for line in (
+            "a.wav:\n  Type: wav\n  Codec: Microsoft PCM Format\n  Rate: 8000\n  Channels: 2\n  Frames: 12000\n  Time: 0:00:01.500",
+            "mp3.wav:\n  Type: wav\n  Codec: MPEG-1 Layer 3 (MP3)\n  Rate: 8000",
+            "a.au:\n  Type: au\n  Codec: Microsoft ALAW (CCITT A-Law)",
+        ):
+            self.assertIn(line, told)
+        rest = b"\0" * 12 + b"\x0bTo Mr Smith" + b"\0" * 10 + b"\0" * 5 + b"\1"
+        self.save("letter.dct", struct.pack("<HII", 1, 10 + len(rest), 0) + rest)
+        self.assertIn(
+            "Type: dictation\n  Version: 1\n  Encrypted: No",
+            self.check(CONVERT, "--info", "letter.dct"),
+        )
+        self.assertIn("To Mr Smith", self.check(CONVERT, "--info", "letter.dct"))
+        told = self.check(
+            CONVERT, "--info", "gone.wav", "a.wav", status=1, says="gone.wav: No such file"
+        )
+        self.assertIn("a.wav", told)
+
+    def test_what_cannot_be_done_is_said_and_leaves_nothing(self):
+        good = wav(tone(1000))
+        for name, data in (
+            ("good.wav", good),
+            ("empty.wav", b""),
+            ("one.wav", b"R"),
+            ("text.wav", b"hello " * 20),
+            ("deep.wav", wav(b"\0" * 30, bits=24)),
+            ("text.au", b"x" * 99),
+            ("noext", b"12"),
+            ("short.aiff", b"FORM\0\0\0\0AIFF"),
+            ("there.wav", b"mine"),
+        ):
+            self.save(name, data)
+        os.mkfifo(self.path("fifo.wav"))
+        os.mkdir(self.path("folder.wav"))
+        os.symlink("loop.wav", self.path("loop.wav"))
+        before = self.files()
+        failures = [
+            (["gone.wav", "o.wav"], 1, "gone.wav: No such file"),
+            (["empty.wav", "o.wav"], 1, "empty.wav: is not a valid wav file"),
+            (["one.wav", "o.wav"], 1, "one.wav: is not a valid"),
+            (["text.wav", "o.wav"], 1, "text.wav: is not a valid"),
+            (["deep.wav", "o.wav"], 1, "deep.wav: holds wav data in an encoding"),
+            (["text.au", "o.wav"], 1, "text.au: is not a valid au"),
+            (["short.aiff", "o.wav"], 1, "short.aiff: is not a valid"),
+            (["fifo.wav", "o.wav"], 1, "fifo.wav: is not a regular file"),
+            (["folder.wav", "o.wav"], 1, "folder.wav: is a folder"),
+            (["loop.wav", "o.wav"], 1, "loop.wav: Too many levels"),
+            (["noext", "o.wav"], 1, "noext: has no extension"),
+            (["good.wav", "there.wav"], 1, "there.wav: exists already"),
+            (["-f", "good.wav", "folder.wav"], 1, "folder.wav: is a folder"),
+            (["-f", "good.wav", "fifo.wav"], 1, "fifo.wav: is not a regular file"),
+            (["good.wav", "no/such/o.wav"], 1, "no/such/o.wav: No such file"),
+            (["good.wav", "n" * 300 + ".wav"], 1, "File name too long"),
+            (["good.wav", "o.mp3"], 1, "o.mp3: the MP3 encoder component is not installed"),
+            (["-f", "good.wav", "/dev/full", "-t", "raw"], 1, "/dev/full: No space left"),
+            (["good.wav", "-"], 2, "not supported"),
+            (["-", "o.wav"], 2, "not supported"),
+            (["good.wav"], 2, "an input and an output"),
+            (["a", "b", "c"], 2, "an input and an output"),
+            (["good.wav", "o.xyz"], 2, "o.xyz"),
+            (["-r", "999", "good.wav", "o.wav"], 2, "999"),
+            (["-c", "3", "good.wav", "o.wav"], 2, "3"),
+            (["-e", "pcm24", "good.wav", "o.wav"], 2, "pcm24"),
+            (["-t", "flac", "good.wav", "o.wav"], 2, "flac"),
+            (["--nonsense"], 2, "nonsense"),
+            (["--info"], 2, "at least one file"),
+        ]
+        for arguments, status, says in failures:
+            with self.subTest(arguments=arguments):
+                self.check(CONVERT, *arguments, status=status, says=says)
+                self.assertEqual(self.files(), before)
+        self.assertEqual(self.load("there.wav"), b"mine")
+        self.assertIn("Usage:", self.check(CONVERT, "--help"))
+        self.assertEqual(self.check(CONVERT, "--version"), "lectora-convert 1.05\n")
+
+    def test_overwriting_replaces_the_file_and_keeps_its_mode_and_links(self):
+        self.save("a.wav", wav(tone(1000)))
+        self.save("there.wav", b"mine")
+        os.chmod(self.path("there.wav"), 0o640)
+        os.symlink("there.wav", self.path("link.wav"))
+        self.check(CONVERT, "-f", "a.wav", "link.wav")
+        self.assertTrue(os.path.islink(self.path("link.wav")))
+        self.assertEqual(os.stat(self.path("there.wav")).st_mode & 0o777, 0o640)
+        self.check(CONVERT, "-f", "-e", "pcm8", "a.wav", "a.wav")  # onto itself
+        self.assertEqual(len(self.load("a.wav")), 1046)
+        self.assertEqual(self.files(), ["a.wav", "link.wav", "there.wav"])
+
+    def test_a_full_disk_or_a_dying_encoder_leaves_no_output(self):
+        self.save("a.wav", wav(tone(100000)))
+        for target in ("o.wav", "o.au", "o.aiff", "o.raw", "o.ul", "o.vox", "o.gsm"):
+            limit = 2000
+            self.check(
+                CONVERT,
+                "a.wav",
+                target,
+                status=1,
+                says="File too large",
+                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)),
+            )
+            self.assertEqual(self.files(), ["a.wav"])
+        self.install_encoder("#!/bin/sh\nhead -c 99 >/dev/null\nexit 3\n")
+        self.check(CONVERT, "a.wav", "o.mp3", status=1, says="o.mp3: ")
+        self.assertEqual(self.files(), ["a.wav"])
+
+    def test_sizes_beyond_what_headers_and_counters_hold_are_refused(self):
+        for name, size, target, says in (
+            ("in.ul", 2200 << 20, "o.wav", "too long"),
+            ("in.ul", 2200 << 20, "o.raw", "too long"),
+            ("stereo.raw", 3 << 30, "o.wav", None),
+        ):
+            with open(self.path(name), "wb") as file:
+                file.truncate(size)
+            raw = (
+                ["--raw-rate=8000", "--raw-channels=2", "--raw-encoding=pcm8s"]
+                if name == "stereo.raw"
+                else []
+            )
+            self.check(CONVERT, *raw, name, target, status=1, says=says or "4 GiB")
+            self.assertEqual(self.files(), [name])
+            os.unlink(self.path(name))
+
+    def test_an_interrupted_run_leaves_nothing(self):
+        with open(self.path("long.wav"), "wb") as file:
+            file.write(wav(b"", data_size=1 << 30))
+            file.truncate(1 << 30)
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGKILL):
+            with self.subTest(number=number):
+                run = subprocess.Popen(
+                    [CONVERT, "-r", "16000", "long.wav", "o.wav"],
+                    cwd=self.work,
+                    env=self.environment,
+                    stderr=subprocess.PIPE,
+                )
+                deadline = time.time() + 20
+                while len(self.files()) < 2 and time.time() < deadline:
+                    time.sleep(0.01)
+                run.send_signal(number)
+                message = run.communicate(timeout=20)[1].decode()
+                left = [name for name in self.files() if name != "long.wav"]
+                if (
+                    number == signal.SIGKILL
+                ):  # nothing runs any more that could clean up, but nothing looks whole
+                    self.assertFalse(
+                        [name for name in left if not name.startswith(".") or name.endswith(".wav")]
+                    )
+                else:
+                    self.assertEqual((run.returncode, left), (1, []))
+                    self.assertIn("o.wav: stopped", message)
+
+    def test_progress_stands_on_a_terminal_only(self):
+        self.save("a.wav", wav(tone(400000)))
+        ours, theirs = pty.openpty()
+        run = subprocess.Popen(
+            [CONVERT, "-r", "44100", "a.wav", "o.wav"],
+            cwd=self.work,
+            env=self.environment,
+            stderr=theirs,
+        )
+        os.close(theirs)
+        seen = b""
+        try:
+            while block := os.read(ours, 4096):
+                seen += block
+        except OSError:
+            pass  # how a terminal reports that its other end is closed
+        os.close(ours)
+        self.assertEqual(run.wait(), 0)
+        self.assertRegex(seen.decode(), r"a\.wav [1-9]\d %")
+        self.assertTrue(seen.endswith(b"\r\x1b[K"))
+
+    def test_mp3_takes_the_stored_settings(self):
+        self.install_encoder()
+        self.save("a.wav", wav(tone(44100, 2, 44100), 2, 44100))
+        self.check(CONVERT, "a.wav", "a.mp3")
+        with open(self.home + "/encoder.log") as log:
+            self.assertIn("-m j -b 128 -h -r -x -s 44.100 -S -", log.read())
+        os.makedirs(self.home + "/.quillon/lectora", exist_ok=True)
+        with open(self.home + "/.quillon/lectora/mp3encoder", "w") as file:
+            file.write(
+                "constantbitrate=0\r\nvbrmaxbitrate=192\r\nvbrminbitrate=8\r\nvbrquality=7\r\nchannelmode=0\r\nerrorprotection=1\r\n"
+            )
+        self.check(CONVERT, "-f", "a.wav", "a.mp3")
+        with open(self.home + "/encoder.log") as log:
+            self.assertIn("-m s -p -v -b 32 -B 192 -V 7 -r -x -s 44.100 -S -", log.read())
+
+    def test_two_workers_make_what_one_makes(self):
+        for number in range(6):
+            self.save(f"{number}.wav", wav(tone(30000 + number, frequency=300 + 50 * number)))
+            self.check(CONVERT, f"{number}.wav", f"{number}-alone.gsm")
+        self.check(
+            "sh",
+            "-c",
+            f"printf '%s\\0' ?.wav | xargs -0 -P 2 -I IN sh -c '{CONVERT} \"$1\" \"${{1%.wav}}.gsm\"' sh IN",
+        )
+        for number in range(6):
+            self.assertEqual(self.load(f"{number}.gsm"), self.load(f"{number}-alone.gsm"))
+        self.check(
+            "sh",
+            "-c",
+            f"ls ?.wav gone.wav 2>/dev/null | (cat; echo gone.wav) | xargs -P 2 -I IN {CONVERT} -f IN IN.au",
+            status=123,
+            says="gone.wav",
+        )
+
+
+if __name__ == "__main__":
+    unittest.main()

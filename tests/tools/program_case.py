@@ -1,0 +1,77 @@
+"""A test case that runs the command-line programs in a folder, home and machine root of its own."""
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+PROGRAMS = os.environ["LECTORA_PROGRAMS"]
+CONVERT = os.path.join(PROGRAMS, "lectora-convert")
+SAY = os.path.join(PROGRAMS, "lectora-say")
+
+# LAME stands in for the encoder component, which swaps bytes on -x of its own accord.
+ENCODER = """#!/bin/sh
+echo "$@" > "$HOME/encoder.log"
+for a; do shift; [ "$a" = -x ] || set -- "$@" "$a"; done
+exec lame "$@" 2>/dev/null
+"""
+
+
+class ProgramCase(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="lectora-tools-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.home = os.path.join(self.folder, "home")
+        self.work = os.path.join(self.folder, "work")
+        os.makedirs(self.home)
+        os.makedirs(self.work)
+        self.environment = dict(
+            os.environ, HOME=self.home, LECTORA_ROOT=os.path.join(self.folder, "root"), LC_ALL="C"
+        )
+
+    def path(self, name):
+        return os.path.join(self.work, name)
+
+    def save(self, name, data):
+        with open(self.path(name), "wb") as file:
+            file.write(data)
+        return self.path(name)
+
+    def load(self, name):
+        with open(self.path(name), "rb") as file:
+            return file.read()
+
+    def files(self):
+        return sorted(os.listdir(self.work))
+
+    def install_encoder(self, script=ENCODER):
+        folder = os.path.join(self.home, "components/mp3el")
+        os.makedirs(folder)
+        with open(folder + "/mp3el", "w") as file:
+            file.write(script)
+        os.chmod(folder + "/mp3el", 0o755)
+
+    def run_program(self, *command, **options):
+        return subprocess.run(
+            [str(word) for word in command],
+            cwd=self.work,
+            env=self.environment,
+            capture_output=True,
+            timeout=60,
+            **options,
+        )
+
+    def check(self, *command, status=0, says=None, **options):
+        """Runs a program to the exit status; says: what standard error holds."""
+        result = self.run_program(*command, **options)
+        message = result.stderr.decode()
+        self.assertEqual(result.returncode, status, f"{command}: {message}")
+        if says is None:
+            self.assertEqual(message, "", command)
+        else:
+            self.assertIn(says, message, command)
+        return result.stdout.decode(errors="replace")
+
+    def sox(self, *command):
+        result = self.run_program("sox", *command)
+        self.assertEqual(result.returncode, 0, result.stderr.decode())

@@ -1,0 +1,201 @@
+#!/usr/bin/python3
+"""lectora-say with a speech engine that speaks a tone for each word (50 ms a letter)."""
+import os
+import signal
+import subprocess
+import time
+import unittest
+
+from program_case import CONVERT, SAY, ProgramCase
+
+ENGINE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support/engine")
+
+
+class SayTest(ProgramCase):
+    def setUp(self):
+        super().setUp()
+        self.desktop = os.path.join(self.folder, "desktop")
+        temporary = os.path.join(self.folder, "tmp")
+        os.makedirs(self.desktop)
+        os.makedirs(temporary)
+        self.environment.update(
+            LECTORA_DESKTOP=self.desktop, TMPDIR=temporary, PATH=ENGINE + ":" + os.environ["PATH"]
+        )
+
+    def tell_engine(self, line):
+        with open(self.desktop + "/engine", "w") as file:
+            file.write(line + "\n")
+
+    def said(self):
+        """What the engine was given: (voice, text) for each run."""
+        with open(self.desktop + "/engine.log", encoding="latin-1") as log:
+            lines = [line.rstrip("\n").split(" ", 2) for line in log]
+        return [(line[1], line[2]) for line in lines if line[0] == "text2wave"]
+
+    def frames(self, name):
+        told = self.check(CONVERT, "--info", name)
+        return int(told.split("Frames: ")[1].split("\n")[0])
+
+    def test_text_becomes_a_sound_file_of_any_type(self):
+        self.install_encoder()
+        self.save("a.txt", b"Hello wonderful world.\n")
+        frames = 800 * 20
+        for kind, factor in (
+            ("wav", 1),
+            ("au", 1),
+            ("aiff", 1),
+            ("raw", 1),
+            ("ul", 1),
+            ("gsm", 0.5),
+            ("vox", 0.5),
+        ):
+            self.check(SAY, "-o", f"a.{kind}", "a.txt")
+            raw = ["--raw-rate=16000", "--raw-channels=1"] if kind == "raw" else []
+            told = self.check(CONVERT, "--info", *raw, f"a.{kind}")
+            self.assertAlmostEqual(
+                int(told.split("Frames: ")[1].split()[0]), frames * factor, delta=160, msg=kind
+            )
+        self.check(SAY, "-o", "a.mp3", "a.txt")
+        self.assertGreater(len(self.load("a.mp3")), 1000)
+        self.check(SAY, "-t", "au", "-o", "named", input="Hello caf\u00e9 \u2013 world".encode())
+        self.assertEqual(self.load("named")[:4], b".snd")
+        self.assertEqual(self.said()[-1][0], "(voice_voice1)")
+        self.assertIn("cafe", self.said()[-1][1])
+        self.assertEqual(os.listdir(self.environment["TMPDIR"]), [])
+
+    def test_voices_by_name_and_number(self):
+        self.tell_engine("festival voices 3")
+        self.assertEqual(self.check(SAY, "--list-voices"), "0 voice1\n1 voice2\n2 voice3\n")
+        self.save("a.txt", b"word")
+        for voice, name in (("voice2", "voice2"), ("2", "voice3"), ("0", "voice1")):
+            self.check(SAY, "-f", "-v", voice, "-o", "a.wav", "a.txt")
+            self.assertEqual(self.said()[-1][0], f"(voice_{name})")
+        for voice in ("3", "-1", "voice9", "", "(quit)"):
+            self.check(
+                SAY,
+                "-f",
+                "-v",
+                voice,
+                "-o",
+                "b.wav",
+                "a.txt",
+                status=1,
+                says=voice + ": no such voice",
+            )
+        self.tell_engine("festival nothing")
+        self.check(SAY, "-o", "b.wav", "a.txt", status=1, says="no speech engine")
+        self.check(SAY, "--list-voices", status=1, says="no speech engine")
+        self.assertEqual(self.files(), ["a.txt", "a.wav"])
+
+    def test_a_long_text_is_spoken_whole_in_pieces(self):
+        words = 1000
+        text = "".join(
+            "word" + (".\n\n" if i % 50 == 49 else ". " if i % 10 == 9 else " ")
+            for i in range(words)
+        )
+        self.save("book.txt", text.encode())
+        self.check(SAY, "-o", "book.ul", "book.txt")
+        letters = sum(len(word) for word in text.split())
+        self.assertEqual(len(self.load("book.ul")), 800 * letters)
+        pieces = self.said()
+        self.assertGreater(len(pieces), 1)
+        self.assertEqual(
+            "".join(piece.replace("\\n", " ") for _, piece in pieces).split(), text.split()
+        )
+        self.assertTrue(all(piece.rstrip("\\n ").endswith(".") for _, piece in pieces))
+        # Odd pieces must not shift the nibbles of ADPCM.
+        self.check(SAY, "-o", "book.vox", "book.txt")
+        self.assertAlmostEqual(self.frames("book.vox"), 400 * letters, delta=2 * len(pieces))
+
+    def test_many_files_make_one_output_each(self):
+        os.mkdir(self.path("out"))
+        os.mkdir(self.path("in"))
+        for name in ("a.txt", "in/b.tar.md", ".profile", "plain"):
+            self.save(name, f"text of {name}".encode())
+        self.check(SAY, "-o", "out/", "-t", "au", "a.txt", "in/b.tar.md", ".profile", "plain")
+        self.assertEqual(
+            sorted(os.listdir(self.path("out"))), [".profile.au", "a.au", "b.tar.au", "plain.au"]
+        )
+        result = self.run_program(SAY, "-o", "out", "a.txt", "gone.txt", "plain")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("gone.txt: No such file", result.stderr.decode())
+        self.assertIn("plain.wav", os.listdir(self.path("out")))
+        self.check(
+            "sh", "-c", f"printf '%s\\n' a.txt plain | xargs -P 2 -n 1 {SAY} -f -t vox -o out/"
+        )
+        self.assertIn("a.vox", os.listdir(self.path("out")))
+
+    def test_usage(self):
+        self.save("a.txt", b"word")
+        os.mkdir(self.path("out"))
+        for arguments, says in (
+            (["a.txt"], "-o names"),
+            (["-o", "-", "a.txt"], "not supported"),
+            (["-o", "a.wav", "-"], "'-'"),
+            (["-o", "a.xyz", "a.txt"], "a.xyz"),
+            (["-o", "a.wav", "a.txt", "b.txt"], "need a folder"),
+            (["-o", "out/"], "needs files"),
+            (["-o", "out/", "a.txt", "x/a.md"], "two of the files"),
+            (["-t", "flac", "-o", "x", "a.txt"], "flac"),
+            (["--what"], "what"),
+        ):
+            self.check(SAY, *arguments, status=2, says=says)
+        self.assertEqual(self.check(SAY, "--version"), "lectora-say 1.05\n")
+        self.assertIn("--list-voices", self.check(SAY, "--help"))
+
+    def test_trouble_is_told_and_leaves_no_output(self):
+        for name, data in (
+            ("a.txt", b"some words"),
+            ("empty.txt", b""),
+            ("mute.txt", b"----\n...\n\x01\x02"),
+            ("there.wav", b"mine"),
+            ("binary.txt", b"words \x00\xff\xfe more\x00 words"),
+        ):
+            self.save(name, data)
+        before = self.files()
+        for engine, arguments, says in (
+            ("", ["-o", "o.wav", "gone.txt"], "gone.txt: No such file"),
+            ("", ["-o", "o.wav", "."], ".: is not a regular file"),
+            ("", ["-o", "o.wav", "empty.txt"], "empty.txt: There is nothing"),
+            ("", ["-o", "o.wav", "mute.txt"], "mute.txt: There is nothing"),
+            ("", ["-o", "there.wav", "a.txt"], "there.wav: exists already"),
+            ("", ["-o", "no/o.wav", "a.txt"], "no/o.wav: No such file"),
+            ("", ["-o", "o.mp3", "a.txt"], "o.mp3: the MP3 encoder component is not installed"),
+            ("text2wave silent", ["-o", "o.wav", "a.txt"], "a.txt: The speech engine"),
+            ("text2wave nothing", ["-o", "o.wav", "a.txt"], "a.txt: The speech engine"),
+            ("text2wave die", ["-o", "o.wav", "a.txt"], "a.txt: The speech engine"),
+            ("text2wave full", ["-o", "o.wav", "a.txt"], "a.txt: The speech"),
+        ):
+            with self.subTest(engine=engine, arguments=arguments):
+                self.tell_engine(engine)
+                self.check(SAY, *arguments, status=1, says=says)
+                self.assertEqual(self.files(), before)
+        self.tell_engine("")
+        self.check(SAY, "-o", "binary.wav", "binary.txt")
+        self.assertEqual(self.said()[-1][1].split(), ["words", "more", "words"])
+
+    def test_an_interrupted_run_leaves_nothing(self):
+        self.save("a.txt", b"some words")
+        self.tell_engine("text2wave hang")
+        run = subprocess.Popen(
+            [SAY, "-o", "o.wav", "a.txt"],
+            cwd=self.work,
+            env=self.environment,
+            stderr=subprocess.PIPE,
+            start_new_session=True,
+        )
+        deadline = time.time() + 20
+        while not os.path.exists(self.desktop + "/engine.log") or not self.said():
+            self.assertLess(time.time(), deadline)
+            time.sleep(0.05)
+        os.killpg(run.pid, signal.SIGINT)  # as a terminal does
+        started = time.time()
+        self.assertIn(b"a.txt: stopped", run.communicate(timeout=20)[1])
+        self.assertLess(time.time() - started, 3)
+        self.assertEqual(run.returncode, 1)
+        self.assertEqual(self.files(), ["a.txt"])
+        self.assertEqual(os.listdir(self.environment["TMPDIR"]), [])
+
+
+if __name__ == "__main__":
+    unittest.main()

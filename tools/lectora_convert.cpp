@@ -1,0 +1,11 @@
+// lectora-convert: converts sound files. One process a file, with nothing shared.
+#include "tools/convert_run.h"
+#include "tools/interruption.h"
+
+int main(int argc, char** argv) {
+    CatchInterruptions();
+    ConvertOptions options;
+    if (const std::optional<int> status = ParseConvertOptions(argc, argv, options))
+        return *status;
+    return RunConvert(options);
+}

@@ -1,0 +1,11 @@
+// lectora-say: speaks texts into sound files. One process a file, with nothing shared.
+#include "tools/interruption.h"
+#include "tools/say_run.h"
+
+int main(int argc, char** argv) {
+    CatchInterruptions();
+    SayOptions options;
+    if (const std::optional<int> status = ParseSayOptions(argc, argv, options))
+        return *status;
+    return RunSay(options);
+}

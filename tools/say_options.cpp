@@ -1,0 +1,140 @@
+#include "tools/say_options.h"
+
+#include <getopt.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <set>
+
+#include "tools/tool_texts.h"
+
+namespace {
+
+constexpr const char* kProgram = "lectora-say";
+
+enum LongOption : int { kListVoices = 256, kHelp, kVersion };
+
+const option kLongOptions[] = {
+    {"voice", required_argument, nullptr, 'v'},  {"list-voices", no_argument, nullptr, kListVoices},
+    {"output", required_argument, nullptr, 'o'}, {"type", required_argument, nullptr, 't'},
+    {"force", no_argument, nullptr, 'f'},        {"help", no_argument, nullptr, kHelp},
+    {"version", no_argument, nullptr, kVersion}, {nullptr, 0, nullptr, 0}};
+
+// What the command line says, before it is put together.
+struct Words {
+    std::string output;
+    std::optional<SoundType> type;
+    std::vector<std::string> files;
+};
+
+int ShowHelp() {
+    std::printf(
+        "Usage: %s [OPTION...] -o OUTPUT [FILE]\n"
+        "       %s [OPTION...] -o FOLDER/ [-t TYPE] FILE...\n"
+        "       %s --list-voices\n"
+        "Speaks a text (FILE, or standard input) into a sound file, or each of many into one of "
+        "its own.\n\n"
+        "  -o, --output=OUTPUT  sound file, or the folder for many\n"
+        "  -t, --type=TYPE      type of sound file; from OUTPUT's extension without it, in a "
+        "folder wav:\n"
+        "                       %s\n"
+        "  -v, --voice=VOICE    name or number of a voice; the first without it\n"
+        "      --list-voices    list the installed voices\n"
+        "  -f, --force          overwrite sound files\n"
+        "      --help           show this text\n"
+        "      --version        show the version\n",
+        kProgram, kProgram, kProgram, AllSoundTypeNames().c_str());
+    return kExitDone;
+}
+
+bool IsFolder(const std::string& path) {
+    struct stat info;
+    return path.back() == '/' || (::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode));
+}
+
+std::string SoundNameFor(const std::string& textPath, SoundType type) {
+    const std::string file = textPath.substr(textPath.rfind('/') + 1);
+    const std::size_t dot = file.rfind('.');
+    return (dot == 0 ? file : file.substr(0, dot)) + "." + NameOf(type);
+}
+
+std::optional<int> PlanFolder(const Words& words, SayOptions& options) {
+    if (words.files.empty())
+        return UsageError(kProgram, "a folder as output needs files as input");
+    const std::string folder = words.output.back() == '/' ? words.output : words.output + "/";
+    std::set<std::string> taken;
+    for (const std::string& file : words.files) {
+        const SoundType type = words.type.value_or(SoundType::Wav);
+        const SayJob job{file, folder + SoundNameFor(file, type), type};
+        if (!taken.insert(job.sound).second)
+            return UsageError(kProgram, job.sound + ": two of the files would be written there");
+        options.jobs.push_back(job);
+    }
+    return std::nullopt;
+}
+
+std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
+    if (words.output.empty())
+        return UsageError(kProgram, "-o names the sound file to write");
+    if (words.output == "-")
+        return UsageError(kProgram, "standard output (-) is not supported: name a file");
+    for (const std::string& file : words.files) {
+        if (file.empty() || file == "-")
+            return UsageError(
+                kProgram,
+                "'" + file + "' is no file; without files the text comes from standard input");
+    }
+    if (IsFolder(words.output))
+        return PlanFolder(words, options);
+    if (words.files.size() > 1)
+        return UsageError(kProgram, words.output + ": many files need a folder as output");
+    const std::optional<SoundType> type = words.type ? words.type : SoundTypeOfPath(words.output);
+    if (!type)
+        return UsageError(kProgram, words.output + ": no extension that names a type (" +
+                                        AllSoundTypeNames() + "); -t names it");
+    options.jobs.push_back({words.files.empty() ? "" : words.files[0], words.output, *type});
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& options) {
+    Words words;
+    optind = 1;
+    for (;;) {
+        const int option = ::getopt_long(argc, argv, "v:o:t:f", kLongOptions, nullptr);
+        if (option == -1)
+            break;
+        switch (option) {
+            case 'v':
+                options.voice = optarg;
+                break;
+            case 'o':
+                words.output = optarg;
+                break;
+            case 't':
+                words.type = SoundTypeFromName(optarg);
+                if (!words.type)
+                    return UsageError(kProgram, std::string("no such type: ") + optarg);
+                break;
+            case 'f':
+                options.overwrite = true;
+                break;
+            case kListVoices:
+                options.listsVoices = true;
+                break;
+            case kHelp:
+                return ShowHelp();
+            case kVersion:
+                return ShowVersion(kProgram);
+            default:
+                std::fprintf(stderr, "Try '%s --help'.\n",
+                             kProgram);  // getopt_long has told the rest
+                return kExitUsage;
+        }
+    }
+    words.files.assign(argv + optind, argv + argc);
+    if (options.listsVoices)
+        return std::nullopt;
+    return PlanJobs(words, options);
+}

@@ -1,0 +1,121 @@
+#include "tools/sound_input.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "formats/aiff_file.h"
+#include "formats/au_file.h"
+#include "formats/gsm_file.h"
+#include "formats/raw_file.h"
+#include "formats/wave_file.h"
+#include "tools/tool_texts.h"
+
+namespace {
+
+// Why a file cannot be opened, in words; empty when it can be.
+std::string OpeningProblem(const std::string& path) {
+    struct stat info;
+    if (::stat(path.c_str(), &info) != 0)
+        return ErrorText(errno);
+    if (S_ISDIR(info.st_mode))
+        return "is a folder";
+    if (!S_ISREG(info.st_mode))
+        return "is not a regular file";
+    return ::access(path.c_str(), R_OK) == 0 ? "" : ErrorText(errno);
+}
+
+std::string StatusProblem(const SoundInput& input) {
+    switch (input.source->Status()) {
+        case SoundStatus::kGood:
+            return "";
+        case SoundStatus::kUnsupported:
+            return std::string("holds ") + NameOf(input.type) +
+                   " data in an encoding that cannot be read";
+        case SoundStatus::kCannotOpen:
+            return "cannot be opened";
+        default:
+            return std::string("is not a valid ") + NameOf(input.type) + " file";
+    }
+}
+
+LSoundSource OpenHeaderless(const std::string& path, const RawReading& raw, SoundInput& input) {
+    const bool isPlainRaw = input.type == SoundType::Raw;
+    input.encoding =
+        raw.encoding.value_or(DefaultEncoding(input.type).value_or(SampleEncoding::Pcm16));
+    if (input.encoding == SampleEncoding::Gsm)
+        return LGSMFile::OpenSource(path.c_str());
+    const LRawSettings settings{
+        raw.rate.value_or(isPlainRaw ? 44100 : 8000),
+        static_cast<unsigned char>(raw.channels.value_or(isPlainRaw ? 2 : 1)),
+        RawCodecOf(input.encoding)};
+    return LRawFile::OpenSource(path.c_str(), settings);
+}
+
+}  // namespace
+
+SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
+    SoundInput input;
+    input.error = OpeningProblem(path);
+    if (!input.error.empty())
+        return input;
+    const std::optional<SoundType> type = SoundTypeOfPath(path);
+    if (!type && !raw.IsAsked()) {
+        input.error = "has no extension that names a sound type (" + AllSoundTypeNames() +
+                      "); --raw-rate, --raw-channels and --raw-encoding say how to read it";
+        return input;
+    }
+    input.type = type.value_or(SoundType::Raw);
+    switch (input.type) {
+        case SoundType::Wav:
+            input.source = LWaveFile::OpenSource(path.c_str());
+            break;
+        case SoundType::Au:
+            input.source = LAuFile::OpenSource(path.c_str());
+            break;
+        case SoundType::Aiff:
+            input.source = LAifFile::OpenSource(path.c_str());
+            break;
+        case SoundType::Gsm:
+            input.encoding = SampleEncoding::Gsm;
+            input.source = LGSMFile::OpenSource(path.c_str());
+            break;
+        case SoundType::Mp3:
+            input.error = "is MP3, which can be written but not read";
+            return input;
+        default:
+            input.source = OpenHeaderless(path, raw, input);
+    }
+    input.error = StatusProblem(input);
+    return input;
+}
+
+SectionSource::SectionSource(const LSoundSource& inner, int start, int end)
+    : LSoundProcessBase(inner), start_(start), end_(end) {}
+
+int SectionSource::GetPositionSample() const {
+    return inner_->GetPositionSample() - start_;
+}
+
+void SectionSource::Read(int* buffer, int frames) {
+    const int left = std::clamp(end_ - inner_->GetPositionSample(), 0, frames);
+    inner_->Read(buffer, frames);
+    std::fill(buffer + left * Channels(), buffer + frames * Channels(), 0);
+}
+
+void CutInput(SoundInput& input, int start, int end) {
+    const bool decodesInSequence =
+        input.encoding == SampleEncoding::Gsm || input.encoding == SampleEncoding::Adpcm;
+    if (decodesInSequence) {
+        std::vector<int> skipped(kMaxBlockFrames);
+        for (int left = start; left > 0; left -= kMaxBlockFrames)
+            input.source->Read(skipped.data(), std::min(left, kMaxBlockFrames));
+    } else {
+        input.source->Seek(start);
+    }
+    input.source = LSoundSource(new SectionSource(input.source, start, end));
+}

@@ -1,0 +1,85 @@
+// Writing any sound file that can be written, whole or not at all.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "foundation/progress.h"
+#include "sound/sound_sink.h"
+#include "sound/sound_source.h"
+#include "sound/source_to_sink.h"
+#include "tools/output_file.h"
+#include "tools/sound_types.h"
+
+struct OutputChoice {
+    SoundType type = SoundType::Wav;
+    std::optional<SampleEncoding> encoding;  // the type's default
+    std::optional<int> rate;                 // the source's; 8000 for GSM and VOX
+    std::optional<int> channels;             // the source's; 1 for GSM and VOX
+};
+
+// What is contradictory about a choice, empty when nothing is.
+std::string ProblemWith(const OutputChoice& choice);
+
+// Progress of a run that also ends when its sink can write no more.
+template <LProgress P>
+class WriteErrorStops {
+public:
+    WriteErrorStops(P& inner, const LSoundSink& sink) : inner_(inner), sink_(sink) {}
+    bool IsShown() const { return inner_.IsShown(); }
+    void SetFirstLabel(const char* text) { inner_.SetFirstLabel(text); }
+    void SetSecondLabel(const char* text) { inner_.SetSecondLabel(text); }
+    void SetFraction(double fraction) { inner_.SetFraction(fraction); }
+    bool IsToStop() { return inner_.IsToStop() || sink_->WriteError() != 0; }
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) {
+        return inner_.ProcessWaitSignal(signal, milliseconds);
+    }
+    LProcessResult ProcessWait(unsigned int milliseconds) {
+        return inner_.ProcessWait(milliseconds);
+    }
+
+private:
+    P& inner_;
+    const LSoundSink& sink_;
+};
+
+// One output, to which one or more sources are written one after the other.
+class SoundOutput {
+public:
+    // Refuses as OutputFile does.
+    SoundOutput(const std::string& path, bool overwrite, const OutputChoice& choice);
+
+    // Why the output cannot be made, or what went wrong first; empty while all is well. Without the
+    // path.
+    const std::string& Error() const { return error_; }
+
+    // Appends the rest of the source. The first one settles what the choice left open, and opens
+    // the sink.
+    template <LProgress P>
+    LProcessResult Append(P& progress, const char* title, const LSoundSource& source) {
+        LPRSourceToSink request;
+        if (!Prepare(source, request))
+            return kProcessFailed;
+        request.title = title;
+        WriteErrorStops watched(progress, request.sink);
+        return Judge(Process(watched, request));
+    }
+
+    // Finishes the file and gives it its name, if it is whole; Error() tells otherwise.
+    bool Commit();
+
+private:
+    bool Fail(const std::string& error);
+    bool Prepare(const LSoundSource& source, LPRSourceToSink& request);
+    bool OpenSink(const LSoundSource& source);
+    bool FitsIntoFile(const LSoundSource& source);
+    LProcessResult Judge(LProcessResult result);
+    bool FinishSink();
+    long long ExpectedSize(long long frames) const;  // bytes, at least
+
+    OutputFile file_;
+    OutputChoice choice_;
+    LSoundSink sink_;
+    bool isOpen_ = false;
+    std::string error_;
+};
