@@ -13,8 +13,9 @@ struct GFree {
 // Unrepresentable input gives the empty text; bytes that end in half a character are cut there.
 std::string Converted(std::string_view bytes, const char* charset) {
     gsize written = 0;
-    const std::unique_ptr<char, GFree> text(g_convert_with_fallback(
-        bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8", charset, "?", nullptr, &written, nullptr));
+    const std::unique_ptr<char, GFree> text(
+        g_convert_with_fallback(bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8", charset,
+                                "?", nullptr, &written, nullptr));
     return text ? std::string(text.get(), written) : std::string();
 }
 
@@ -41,7 +42,8 @@ std::string TextForDisplay(std::string_view bytes) {
         bytes.remove_prefix(3);
     if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) {
         const char* charset = bytes[0] == '\xff' ? "UTF-16LE" : "UTF-16BE";
-        std::string text = Converted(bytes.substr(2, (bytes.size() - 2) & ~std::size_t{1}), charset);
+        std::string text =
+            Converted(bytes.substr(2, (bytes.size() - 2) & ~std::size_t{1}), charset);
         if (!text.empty())
             return WithoutNul(std::move(text));
     }

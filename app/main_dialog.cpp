@@ -115,10 +115,11 @@ void MainDialog::FillVoices() {
 }
 
 void MainDialog::ShowNoSpeechEngine() {
-    MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "No Speech Engine Found",
-                  "No Speech Engine Found",
-                  "No voice is installed on this computer. Please download the speech engine from the "
-                  "speech web page, which opens when you close this message.");
+    MessageBoxRun(
+        Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "No Speech Engine Found",
+        "No Speech Engine Found",
+        "No voice is installed on this computer. Please download the speech engine from the "
+        "speech web page, which opens when you close this message.");
     OpenInBrowser(WebAddress("speech"));
 }
 

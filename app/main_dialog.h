@@ -12,11 +12,12 @@ class MainDialog final : public LMainWindow, private ReadAloudListener {
 public:
     MainDialog();
 
-    // Builds and shows the window, processes this process's own arguments, and runs the main loop until the user ends it.
+    // Builds and shows the window, processes this process's own arguments, and runs the main loop
+    // until the user ends it.
     void Run();
 
-    // arguments[0] is the program; every other argument but "-logon" and "-block" is a text file to load and read. A file
-    // that cannot be loaded is skipped.
+    // arguments[0] is the program; every other argument but "-logon" and "-block" is a text file to
+    // load and read. A file that cannot be loaded is skipped.
     void EvRunArguments(const char* const* arguments, int count) override;
 
     void InitDialog() override;
@@ -40,8 +41,9 @@ private:
 
     using SpeakFunction = void (MainDialog::*)(const char* text, int voice);
 
-    // Runs speak on the text box's text and the chosen voice, unless there is none or such a run is under way (its
-    // progress dialog pumps events, and a second start may hand a file over meanwhile).
+    // Runs speak on the text box's text and the chosen voice, unless there is none or such a run is
+    // under way (its progress dialog pumps events, and a second start may hand a file over
+    // meanwhile).
     void Speak(SpeakFunction speak);
     void ReadText(const char* text, int voice);
     void SaveText(const char* text, int voice);
@@ -54,5 +56,6 @@ private:
 
     ReadAloud reading_;
     bool speaking_ = false;
-    std::deque<std::string> waitingFiles_;  // from the command line or another start, to be read in order
+    std::deque<std::string>
+        waitingFiles_;  // from the command line or another start, to be read in order
 };

@@ -17,15 +17,16 @@ public:
     virtual void EvReadingEnded() = 0;
 };
 
-// One reading at a time. GUI thread only; Start blocks with a progress dialog while the engine speaks, playing then goes
-// on by itself.
+// One reading at a time. GUI thread only; Start blocks with a progress dialog while the engine
+// speaks, playing then goes on by itself.
 class ReadAloud : private LSoundPlayerNotify {
 public:
     // listener outlives this object.
     explicit ReadAloud(ReadAloudListener& listener);
     ~ReadAloud() override;
 
-    // Speaks text with the voice and plays it; stops what was playing. Troubles are told to the user here.
+    // Speaks text with the voice and plays it; stops what was playing. Troubles are told to the
+    // user here.
     void Start(GtkWidget* parent, const char* text, int voice);
     void Stop();
     bool IsReading() const { return player_.IsLoaded(); }

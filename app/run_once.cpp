@@ -17,7 +17,8 @@
 
 namespace {
 
-// A peer that stalls must not freeze the window, and one that lies about sizes must not fill the memory.
+// A peer that stalls must not freeze the window, and one that lies about sizes must not fill the
+// memory.
 constexpr int kReceiveLimitMilliseconds = 1000;
 constexpr std::int32_t kMaxArguments = 65536;
 constexpr std::int32_t kMaxArgumentBytes = 1 << 20;
@@ -93,7 +94,8 @@ public:
 private:
     int RemainingMilliseconds() const {
         const auto left = deadline_ - std::chrono::steady_clock::now();
-        const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(left).count();
+        const auto milliseconds =
+            std::chrono::duration_cast<std::chrono::milliseconds>(left).count();
         return milliseconds > 0 ? static_cast<int>(milliseconds) : 0;
     }
 
@@ -124,7 +126,8 @@ RunOnceSocket::Claim RunOnceSocket::ClaimPath(const std::string& path,
     bool bound = BindTo(listening_.Get(), address);
     if (!bound) {
         UniqueFd client = NewSocket();
-        if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+        if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) ==
+            0) {
             SendArguments(client.Get(), arguments);
             listening_.Reset();
             return Claim::kHandedOver;

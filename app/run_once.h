@@ -1,4 +1,5 @@
-// One Lectora per user: the socket in the home folder through which a second start hands its command line over.
+// One Lectora per user: the socket in the home folder through which a second start hands its
+// command line over.
 #pragma once
 
 #include <string>
@@ -33,6 +34,6 @@ private:
     std::string path_;  // what this process bound and will remove
 };
 
-// The arguments as the running instance should see them: it has a working folder of its own, so a relative name of an
-// existing file is made absolute. Argument 0 stays.
+// The arguments as the running instance should see them: it has a working folder of its own, so a
+// relative name of an existing file is made absolute. Argument 0 stays.
 std::vector<std::string> ArgumentsForHandOver(int argc, char* const* argv);

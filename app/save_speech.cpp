@@ -31,6 +31,14 @@ bool HasExtension(const std::string& path, const char* extension) {
     return strcasecmp(found, extension) == 0;
 }
 
+bool MayReplace(GtkWidget* parent, const std::string& path) {
+    if (::access(path.c_str(), F_OK) != 0)
+        return true;
+    const std::string question = "The file " + path + " exists. Do you want to replace it?";
+    return MessageBoxRun(parent, GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, "Lectora",
+                         question.c_str(), "") == GTK_RESPONSE_YES;
+}
+
 // False: the user thought better of it.
 bool ChooseTarget(GtkWidget* parent, Target& target) {
     static constexpr char kWavFilter[] = "Wav Files\0*.wav;*.WAV\0";
@@ -47,8 +55,12 @@ bool ChooseTarget(GtkWidget* parent, Target& target) {
     char extension[kTextBufferSize];
     LFile::_GetFileExtensionFromPath(extension, path);
     target.path = path;
-    if (extension[0] == '\0')
+    if (extension[0] == '\0') {
         target.path += mp3ByDefault ? ".mp3" : ".wav";
+        // The chooser asked about the name without its extension.
+        if (!MayReplace(parent, target.path))
+            return false;
+    }
     target.mp3 = target.askFormat ? HasExtension(target.path, ".mp3") : mp3ByDefault;
     return true;
 }
@@ -66,13 +78,15 @@ LSoundSink OpenTarget(const Target& target) {
     }
     LWaveFileFormat format(44100, 1, "PCM");
     if (target.askFormat)
-        LWaveFile::WaveFormatSelectDialog(format, 0, "Select Wave File Format");  // Cancel keeps the format shown
+        LWaveFile::WaveFormatSelectDialog(
+            format, 0, "Select Wave File Format");  // Cancel keeps the format shown
     else
         LoadDefaultWaveFormat(format);
     return LWaveFile::OpenSink(target.path.c_str(), format);
 }
 
-void ShowError(GtkWidget* parent, const char* title, const char* text, const std::string& detail = "") {
+void ShowError(GtkWidget* parent, const char* title, const char* text,
+               const std::string& detail = "") {
     MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, title, text, detail.c_str());
 }
 
@@ -85,7 +99,8 @@ void CopySpeech(GtkWidget* parent, const LSoundSource& source, LSoundSink& sink)
     request.sink.Close();
     sink.Close();
     if (error != 0)
-        ShowError(parent, "Save Error", "Cannot save the file. Please try again.", g_strerror(error));
+        ShowError(parent, "Save Error", "Cannot save the file. Please try again.",
+                  g_strerror(error));
 }
 
 }  // namespace

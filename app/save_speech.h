@@ -3,6 +3,7 @@
 
 #include <gtk/gtk.h>
 
-// Asks for a file, speaks the text and writes it there as WAV, or as MP3 when the name or the stored default says so and
-// the encoder is installed. Blocks with dialogs; every failure is told to the user. GUI thread.
+// Asks for a file, speaks the text and writes it there as WAV, or as MP3 when the name or the
+// stored default says so and the encoder is installed. Blocks with dialogs; every failure is told
+// to the user. GUI thread.
 void SaveSpeech(GtkWidget* parent, const char* text, int voice);

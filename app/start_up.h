@@ -5,5 +5,6 @@
 extern int gargc;
 extern char** gargv;
 
-// Returns the process exit status: 0 after a run or a hand-over, -1 without a display and without arguments.
+// Returns the process exit status: 0 after a run or a hand-over, -1 without a display and without
+// arguments.
 int RunLectora(int argc, char** argv);

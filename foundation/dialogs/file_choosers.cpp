@@ -22,10 +22,11 @@ using OwnedText = std::unique_ptr<char, GFree>;
 // A chooser window, destroyed with this object.
 class Chooser {
 public:
-    Chooser(GtkWidget* parent, const char* title, GtkFileChooserAction action, const char* acceptButton) {
-        dialog_ = gtk_file_chooser_dialog_new(title, parent == nullptr ? nullptr : GTK_WINDOW(parent), action,
-                                              "gtk-cancel", GTK_RESPONSE_CANCEL, acceptButton,
-                                              GTK_RESPONSE_ACCEPT, nullptr);
+    Chooser(GtkWidget* parent, const char* title, GtkFileChooserAction action,
+            const char* acceptButton) {
+        dialog_ = gtk_file_chooser_dialog_new(
+            title, parent == nullptr ? nullptr : GTK_WINDOW(parent), action, "gtk-cancel",
+            GTK_RESPONSE_CANCEL, acceptButton, GTK_RESPONSE_ACCEPT, nullptr);
         SetWindowIcon(GTK_WINDOW(dialog_), 1);
         gtk_dialog_set_default_response(GTK_DIALOG(dialog_), GTK_RESPONSE_ACCEPT);
         gtk_file_chooser_set_do_overwrite_confirmation(Self(), TRUE);
@@ -91,8 +92,10 @@ bool LFile::BrowseReadFilePath(GtkWidget* parent, char* path, const char* title,
     while (chooser.Run()) {
         if (chooser.HasChosenExistingFile())
             return Accept(chooser, path, folder);
-        const std::string text = "The File " + chooser.File() + " is not valid. Please choose another file.";
-        MessageBoxRun(chooser.Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora", text.c_str(), "");
+        const std::string text =
+            "The File " + chooser.File() + " is not valid. Please choose another file.";
+        MessageBoxRun(chooser.Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora", text.c_str(),
+                      "");
     }
     *path = '\0';
     return false;
@@ -114,8 +117,8 @@ bool LFile::BrowseSaveFilePath(GtkWidget* parent, char* path, const char* title,
     return false;
 }
 
-bool LFile::BrowseMultipleReadFiles(GtkWidget* parent, BrowseMultiplePaths& paths, const char* title,
-                                    char* folder, const char* filter) {
+bool LFile::BrowseMultipleReadFiles(GtkWidget* parent, BrowseMultiplePaths& paths,
+                                    const char* title, char* folder, const char* filter) {
     Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_OPEN, "gtk-open");
     chooser.StartIn(folder);
     chooser.AddFilter(filter);

@@ -22,8 +22,12 @@ TEST(LoadedTextTest, ShowsWhateverAFileHolds) {
         {"UTF-16 big-endian", "\xfe\xff\0h\0i"s, "hi"},
         {"UTF-16 cut in half a character", "\xff\xfeh\0i"s, "h"},
         {"byte order mark alone", "\xff\xfe"s, "\xc3\xbf\xc3\xbe"},
-        {"Windows-1252", "caf\xe9 \x93x\x94 \x80", "caf\xc3\xa9 \xe2\x80\x9cx\xe2\x80\x9d \xe2\x82\xac"},
-        {"bytes that Windows-1252 lacks", "a\x81" "b\xff", "a?b\xc3\xbf"},
+        {"Windows-1252", "caf\xe9 \x93x\x94 \x80",
+         "caf\xc3\xa9 \xe2\x80\x9cx\xe2\x80\x9d \xe2\x82\xac"},
+        {"bytes that Windows-1252 lacks",
+         "a\x81"
+         "b\xff",
+         "a?b\xc3\xbf"},
         {"NUL bytes", "a\0b"s, "ab"},
     };
     for (const auto& item : cases)

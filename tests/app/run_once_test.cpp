@@ -37,9 +37,11 @@ protected:
         return fd;
     }
     // Sends raw words and bytes as a client would and closes, unless it is told to stay.
-    std::vector<std::string> ReceivedAfter(const std::string& message, bool& goOn, bool stay = false) {
+    std::vector<std::string> ReceivedAfter(const std::string& message, bool& goOn,
+                                           bool stay = false) {
         UniqueFd client = Connect();
-        EXPECT_EQ(static_cast<ssize_t>(message.size()), ::write(client.Get(), message.data(), message.size()));
+        EXPECT_EQ(static_cast<ssize_t>(message.size()),
+                  ::write(client.Get(), message.data(), message.size()));
         if (!stay)
             client.Reset();
         std::vector<std::string> arguments;
@@ -58,7 +60,8 @@ protected:
 TEST_F(RunOnceTest, SecondStartHandsItsWholeCommandLineOver) {
     ASSERT_EQ(RunOnceSocket::Claim::kServer, server_.ClaimPath(path_, {"lectora"}));
     RunOnceSocket second;
-    EXPECT_EQ(RunOnceSocket::Claim::kHandedOver, second.ClaimPath(path_, {"/usr/bin/lectora", "", "/a b\n.txt"}));
+    EXPECT_EQ(RunOnceSocket::Claim::kHandedOver,
+              second.ClaimPath(path_, {"/usr/bin/lectora", "", "/a b\n.txt"}));
     std::vector<std::string> arguments;
     EXPECT_TRUE(server_.Receive(arguments));
     EXPECT_THAT(arguments, ElementsAre("/usr/bin/lectora", "", "/a b\n.txt"));
@@ -114,8 +117,8 @@ TEST_F(RunOnceTest, NamesOfExistingFilesAreHandedOverAbsolute) {
     for (int index = 0; index < 5; ++index)
         pointers[index] = arguments[index].data();
     EXPECT_THAT(ArgumentsForHandOver(5, pointers),
-                ElementsAre("lectora", std::filesystem::canonical(folder_).string() + "/book.txt", "-logon",
-                            "missing.txt", "/etc/passwd"));
+                ElementsAre("lectora", std::filesystem::canonical(folder_).string() + "/book.txt",
+                            "-logon", "missing.txt", "/etc/passwd"));
     std::filesystem::current_path(before);
 }
 

@@ -295,6 +295,26 @@ TEST_F(RowFiles, AiffFilesLoseTheirLastEightBytesWhenReadBack) {
     EXPECT_EQ(back, std::vector<int>(signal.begin(), signal.begin() + 16));
 }
 
+TEST_F(RowFiles, SizesBeyondTheFieldsAreLeftUnknown) {
+    struct Case {
+        LHeaderWriter writer;
+        int frames, offset;
+        std::uint32_t size;
+    };
+    const Case cases[] = {{WriteHeaderAIFF, 0x3FFFFFF3, 42, 0xFFFFFFCC},
+                          {WriteHeaderAIFF, 0x3FFFFFF5, 42, 0xFFFFFFFF},
+                          {WriteHeaderAU_16PCM, 0x3FFFFFFF, 8, 0xFFFFFFFC},
+                          {WriteHeaderAU_16PCM, 0x40000000, 8, 0xFFFFFFFF},
+                          {WriteHeaderAU_16PCM, INT_MAX, 8, 0xFFFFFFFF}};
+    for (const Case& c : cases) {
+        const std::string path = Path("big");
+        { LRawFileDataSoundSink<LSFBE16> sink(path.c_str(), 8000, 2, c.frames, c.writer); }
+        EXPECT_EQ(Load(path).substr(static_cast<std::size_t>(c.offset), 4),
+                  Bytes().BE32(c.size).Str())
+            << c.frames;
+    }
+}
+
 TEST(AiffRate, ConvertsBothWays) {
     for (const std::uint32_t rate : {2U, 3U, 8000U, 32000U, 44100U, 48000U, 65535U, 65536U, 196000U,
                                      0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {

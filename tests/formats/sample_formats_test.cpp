@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "formats/sample_kernels.h"
+
 #include <bit>
 #include <climits>
 #include <cmath>
@@ -194,6 +196,46 @@ TEST(SampleFormats, BlocksOfAnyLengthConvertLikeSingleSamples) {
     ExpectOddLengthsMatchSingles<LSFFRE32>();
     ExpectOddLengthsMatchSingles<LSFULAW>();
     ExpectOddLengthsMatchSingles<LSFALAW>();
+}
+
+// Whatever the processor offers gives the bits of the plain loops, also on samples far outside.
+TEST(SampleFormats, EveryKernelGivesTheSameBits) {
+    std::vector<int> samples;
+    std::uint32_t state = 99;
+    for (int i = 0; i < 40000; ++i) {
+        state = state * 1664525 + 1013904223;
+        samples.push_back(static_cast<std::int32_t>(state) >> (i % 20));
+    }
+    samples.insert(samples.end(), {INT_MIN, INT_MIN + 1, INT_MAX, 0, -1, 1, 63, 64, -64});
+    const LSampleKernels& fast = SampleKernels();
+    const LSampleKernels& plain = kPlainSampleKernels;
+    const int count = static_cast<int>(samples.size());
+    const auto compare = [&]<typename Stored>(auto out, auto in, Stored) {
+        std::vector<Stored> a(samples.size());
+        std::vector<Stored> b(samples.size());
+        (fast.*out)(samples.data(), a.data(), count);
+        (plain.*out)(samples.data(), b.data(), count);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            ASSERT_EQ(a[i].bits, b[i].bits) << samples[i];
+        if constexpr (!std::is_same_v<decltype(in), std::nullptr_t>) {
+            for (std::size_t i = 0; i < samples.size(); ++i)  // any bits at all, as in a file
+                a[i].bits = static_cast<decltype(Stored::bits)>(samples[i]);
+            std::vector<int> c(samples.size());
+            std::vector<int> d(samples.size());
+            (fast.*in)(a.data(), c.data(), count);
+            (plain.*in)(a.data(), d.data(), count);
+            ASSERT_EQ(c, d);
+        }
+    };
+    using K = LSampleKernels;
+    compare(&K::out16, &K::in16, LSF16{});
+    compare(&K::outBE16, &K::inBE16, LSFBE16{});
+    compare(&K::outS8, &K::inS8, LSFS8{});
+    compare(&K::outU8, &K::inU8, LSFU8{});
+    compare(&K::outF32, &K::inF32, LSFF32{});
+    compare(&K::outRE32, &K::inRE32, LSFFRE32{});
+    compare(&K::outMuLaw, nullptr, LSFULAW{});
+    compare(&K::outALaw, nullptr, LSFALAW{});
 }
 
 }  // namespace

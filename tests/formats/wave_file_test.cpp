@@ -1,9 +1,11 @@
 #include "formats/wave_file.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 
 #include "formats/wave_codec_names.h"
@@ -334,6 +336,55 @@ TEST_F(WaveFile, SinksThatCannotWriteSaySo) {
     LSoundSink none = LWaveFile::OpenSinkPCM(path.c_str(), 8000, 0, 16, 0);
     EXPECT_EQ(none->Status(), 1);
     WriteAll(none, {16, 32});
+}
+
+TEST_F(WaveFile, AWriteCutShortEndsTheFileThere) {
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
+    const rlimit tight{10001, old.rlim_max};
+    const std::string path = Path("short.wav");
+    const std::vector<int> signal = TestSignal(9000);
+    ::setrlimit(RLIMIT_FSIZE, &tight);
+    LSoundSink sink = LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 0);
+    WriteAll(sink, signal, 1000);
+    const int error = sink->WriteError();
+    const int frames = sink->FramesWritten();
+    sink.Close();
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+    EXPECT_EQ(error, EFBIG);
+    EXPECT_EQ(frames, 9000);
+    EXPECT_EQ(Load(path).size(), 10001U);
+    const std::vector<int> all = ReadAll(LWaveFile::OpenSource(path.c_str()));
+    const auto whole = std::vector<int>::difference_type{(10001 - 46) / 2};
+    EXPECT_TRUE(std::equal(all.begin(), all.begin() + whole, signal.begin()));
+    EXPECT_EQ(std::count(all.begin() + whole, all.end(), 0), 9000 - whole);
+}
+
+TEST_F(WaveFile, TheDefaultFormatIsKeptWhole) {
+    const char* const home = std::getenv("HOME");
+    const std::string oldHome = home != nullptr ? home : "";
+    ::setenv("HOME", Path("").c_str(), 1);
+    LWaveFileFormat stored(22050, 1, "PCM8");
+    stored.extra[1009] = 7;
+    LWaveFileFormat loaded(44100, 2, "");
+    LoadDefaultWaveFormat(loaded);  // nothing there yet
+    EXPECT_EQ(loaded.samplesPerSecond, 44100U);
+    EXPECT_TRUE(SaveDefaultWaveFormat(stored));
+    LoadDefaultWaveFormat(loaded);
+    EXPECT_EQ(std::memcmp(&loaded, &stored, 1028), 0);
+    const std::string path = Path(".quillon/lectora/WavCodec.wff");
+    const std::string bytes = Load(path);
+    EXPECT_EQ(bytes.size(), 1028U);
+    EXPECT_EQ(bytes.substr(0, 18),
+              Bytes().LE16(1).LE16(1).LE32(22050).LE32(22050).LE16(1).LE16(8).LE16(0).Str());
+    std::ofstream(path, std::ios::binary) << bytes.substr(0, 4);  // a short file
+    LWaveFileFormat half(44100, 2, "");
+    LoadDefaultWaveFormat(half);
+    EXPECT_EQ(half.channels, 1);
+    EXPECT_EQ(half.samplesPerSecond, 44100U);
+    ::setenv("HOME", oldHome.c_str(), 1);
 }
 
 TEST_F(WaveFile, FormatRecordsAndCodecNames) {

@@ -248,8 +248,7 @@ TEST(SettingsRecord, KeepsSubRecordsInAFolderOfItsName) {
     EXPECT_TRUE(folder.Has("hotkey_/one_/deep"));  // its own sub-records stay
 }
 
-// Runs only in the child of the next test, whose stores were built in folders of its own.
-TEST(SettingsStores, DISABLED_InTheirFolders) {
+void UseBothStores() {
     LUserSettingSetString("MainWindow", "Width", "640");
     LUserSettingSetInt("MainWindow", "Height", 480);
     LUserSettingSetBool("MainWindow", "Flag", false);
@@ -270,14 +269,21 @@ TEST(SettingsStores, DISABLED_InTheirFolders) {
     EXPECT_STREQ(out, "default");
 }
 
+// The test program starts itself again, so that its stores are built in folders of the test's own.
 TEST(SettingsStores, AreBuiltBeforeMainInTheFoldersOfUserAndMachine) {
+    constexpr char kInChild[] = "LECTORA_TEST_STORES_CHILD";
+    if (std::getenv(kInChild)) {
+        UseBothStores();
+        return;
+    }
     const ScratchFolder folder;
     mkdir((folder / "home").c_str(), 0777);
     const ScopedVariable root("LECTORA_ROOT", folder.Path().c_str());
     const ScopedVariable home("HOME", (folder / "home").c_str());
+    const ScopedVariable inChild(kInChild, "1");
     EXPECT_EQ(RunForked([] {
-                  execl("/proc/self/exe", "tests", "--gtest_also_run_disabled_tests",
-                        "--gtest_filter=*DISABLED_InTheirFolders", "--gtest_brief=1", nullptr);
+                  execl("/proc/self/exe", "tests", "--gtest_filter=SettingsStores.*",
+                        "--gtest_brief=1", nullptr);
                   return 99;
               }),
               0);

@@ -206,7 +206,7 @@ void SpeakWithRealEngine() {
     const std::string texts[] = {
         "Hello.\n----\nWorld.",
         "He said \"!!!\" \"???\" and left.",
-        std::string("Control \x01 bytes.\n\x02\nEnd", 24),
+        "Control \x01 bytes.\n\x02\nEnd",
         "Faces 😀.\n😀😀\nEnd",
         "“Curly” — ‘quotes’ …\n…\n“”",
         "a -- -- b ... -- !\n\n\"\n\nEnd! ?",
