@@ -4,9 +4,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "foundation/ascii.h"
 #include "foundation/file_io.h"
-#include "foundation/file_readers.h"
 #include "foundation/file_rewrite.h"
 #include "foundation/flock_timed.h"
 #include "foundation/text_buffer.h"
@@ -16,9 +17,8 @@ LDatFileNativeSystem gDatFileNativeSystem;
 
 namespace {
 
-constexpr std::size_t kLineBufferSize = 552;
+constexpr std::size_t kLongestLine = 551;  // what follows is dropped
 constexpr int kLockMilliseconds = 1000;
-constexpr std::int64_t kLargestSize = std::int64_t{16} << 20;
 
 std::string_view Cut(std::string_view text) {
     return text.substr(0, kTextBufferSize - 1);
@@ -82,20 +82,24 @@ void LDatFileNativeFile::Load() {
     const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDONLY);
     if (file.IsOpen())
         flocktimed(file.Get(), LOCK_SH | LOCK_NB, kLockMilliseconds);
-    unreadable_ = file.IsOpen() ? LReadFileRef(file.Get()).GetSize() > kLargestSize
+    std::string content;
+    unreadable_ = file.IsOpen() ? !ReadWholeFile(file.Get(), kLargestDataFile, content)
                                 : access(path_.c_str(), F_OK) == 0;
-    if (!file.IsOpen() || unreadable_)
-        return;
-    LReadFileBuffered reader(file.Get());
+    Parse(WholeTextOf(content));
+}
+
+void LDatFileNativeFile::Parse(std::string_view text) {
     LDatFileNativeSection* section = nullptr;
-    char line[kLineBufferSize];
-    while (reader.ReadLine(line, sizeof line)) {
-        const std::string_view text(line);
-        const std::size_t equals = text.find('=');
-        if (text.starts_with('['))
-            section = &FindOrAppend(text.substr(1, text.find(']') - 1));
+    while (!text.empty()) {
+        const std::size_t length = std::min(text.find_first_of("\r\n"), text.size());
+        std::string_view line = text.substr(0, std::min(length, kLongestLine));
+        line = line.substr(0, line.find('\0'));
+        text.remove_prefix(std::min(length + 1, text.size()));
+        const std::size_t equals = line.find('=');
+        if (line.starts_with('['))
+            section = &FindOrAppend(line.substr(1, line.find(']') - 1));
         else if (section && equals != std::string_view::npos)
-            section->SetValue(text.substr(0, equals), text.substr(equals + 1));
+            section->SetValue(line.substr(0, equals), line.substr(equals + 1));
     }
 }
 
@@ -115,7 +119,7 @@ void LDatFileNativeFile::Save() {
         return;
     flocktimed(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
     std::string content;
-    if (ReadWholeFile(file.Get(), kLargestSize, content))
+    if (ReadWholeFile(file.Get(), kLargestDataFile, content))
         RewriteFile(file.Get(), content, Text());
 }
 

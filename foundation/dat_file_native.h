@@ -51,6 +51,7 @@ public:
     void SetValue(std::string_view section, const char* key, const char* value, std::uint32_t now);
 
 private:
+    void Parse(std::string_view text);
     LDatFileNativeSection* Find(std::string_view section);
     LDatFileNativeSection& FindOrAppend(std::string_view section);
     std::string Text() const;

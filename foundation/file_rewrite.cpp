@@ -28,6 +28,11 @@
 //      left over goes with the next change, which compares with what the file really holds.
 namespace {
 
+// A data file of more than a page has its whole new text written behind the old one first, between
+// these lines, and only then over it. They hold no "=" and no "[", so other readers ignore them.
+constexpr std::string_view kRewriteBegins = "\r\n; The file is what follows, up to the end.\r\n";
+constexpr std::string_view kRewriteEnds = "; The end.\r\n";
+
 constexpr std::size_t kPage = 4096;  // divides the page size of every machine
 
 std::size_t PageEnd(std::size_t offset) {
@@ -114,6 +119,15 @@ bool OverwriteFrom(int fd, std::string_view oldText, std::string_view newText, s
     return newText.size() >= oldText.size() || CutAt(fd, newText.size());
 }
 
+bool WriteBehind(int fd, std::string_view oldText, std::string_view behind) {
+    if (!ReserveRoom(fd, oldText.size(), oldText.size() + behind.size()))
+        return false;
+    if (WriteAt(fd, behind, oldText.size()))
+        return true;
+    CutAt(fd, oldText.size());
+    return false;
+}
+
 // The lines, with blanks wherever the next one would cross a page; begins on a page.
 std::string CopiesOf(std::string_view lines) {
     std::string copies(LSettingsEntries::kCopiesFollow);
@@ -154,12 +168,8 @@ bool RewriteAcrossPages(int fd, std::string_view oldText, std::string_view newTe
     const std::size_t copiesAt = PageEnd(std::max(oldText.size(), newText.size()));
     // The blanks also end a last line that has no line end of its own.
     const std::string behind = Blanks(copiesAt - oldText.size()) + CopiesOf(newText.substr(from));
-    if (!ReserveRoom(fd, oldText.size(), oldText.size() + behind.size()))
+    if (oldText.size() + behind.size() > kLargestReadableFile || !WriteBehind(fd, oldText, behind))
         return false;
-    if (!WriteAt(fd, behind, oldText.size())) {
-        CutAt(fd, oldText.size());
-        return false;
-    }
     return BlankPages(fd, from, copiesAt) && WritePagesBackwards(fd, newText, from) &&
            CutAt(fd, newText.size());
 }
@@ -169,9 +179,29 @@ bool RewriteAcrossPages(int fd, std::string_view oldText, std::string_view newTe
 bool RewriteFile(int fd, std::string_view oldText, std::string_view newText) {
     if (oldText == newText)
         return true;
-    return newText.size() <= kLargestStoredFile &&
-           ReserveRoom(fd, oldText.size(), newText.size()) &&
-           OverwriteFrom(fd, oldText, newText, 0);
+    const std::size_t end = std::max(oldText.size(), newText.size());
+    if (end <= kPage)
+        return ReserveRoom(fd, oldText.size(), newText.size()) &&
+               OverwriteFrom(fd, oldText, newText, 0);
+    std::string behind = Blanks(end - oldText.size());
+    behind.append(kRewriteBegins).append(newText).append(kRewriteEnds);
+    if (oldText.size() + behind.size() > kLargestDataFile || !WriteBehind(fd, oldText, behind))
+        return false;
+    return WriteAt(fd, std::string(newText) + Blanks(end - newText.size()), 0) &&
+           CutAt(fd, newText.size());
+}
+
+std::string_view WholeTextOf(std::string_view content) {
+    for (;;) {
+        const std::size_t begin = content.rfind(kRewriteBegins);
+        if (begin == std::string_view::npos)
+            return content;
+        const std::string_view text = content.substr(begin + kRewriteBegins.size());
+        const std::size_t end = text.rfind(kRewriteEnds);
+        if (end != std::string_view::npos && (end == 0 || text[end - 1] == '\n'))
+            return text.substr(0, end);
+        content = content.substr(0, begin);  // killed before the old text was touched
+    }
 }
 
 bool RewriteSettingsLines(int fd, std::string_view oldText, std::string_view newText) {

@@ -14,6 +14,7 @@
 #include <random>
 
 #include "foundation/dat_file.h"
+#include "foundation/dat_file_native.h"
 #include "foundation/settings.h"
 #include "foundation/unique_fd.h"
 #include "tests/foundation/forked.h"
@@ -206,6 +207,66 @@ TEST(SettingsSurvival, IsWholeWhicheverSystemCallIsTheLast) {
             }
         }
     }
+}
+
+// Killed at each system call and at random moments, a data file is all old or all new.
+TEST(DatFileSurvival, IsTheOldOrTheNewFileWhoeverIsKilled) {
+    constexpr int kKeys = 300;
+    const ScratchFolder folder;
+    const std::string path = folder / "d";
+    const auto setAll = [&](LDatFileNativeSystem& cache, int version) {
+        for (int i = 0; i < kKeys; ++i)
+            cache.SetValue(path.c_str(), i % 2 ? "Odd" : "Even", KeyOf(i).c_str(),
+                           ValueOf(version, (i + version * 37) % 150).c_str());
+        cache.Flush(path.c_str());
+    };
+    const auto versionNow = [&] {
+        LDatFileNativeSystem cache;
+        int version = -1;
+        for (int i = 0; i < kKeys; ++i) {
+            char out[260];
+            cache.GetValue(path.c_str(), i % 2 ? "Odd" : "Even", KeyOf(i).c_str(), "", out);
+            const int found = std::atoi(out);
+            EXPECT_TRUE(i == 0 || found == version) << KeyOf(i) << "=" << out;
+            EXPECT_EQ(out, ValueOf(found, (i + found * 37) % 150));
+            version = found;
+        }
+        return version;
+    };
+    LDatFileNativeSystem first;
+    setAll(first, 1);
+    int version = 1;
+    bool ended = false;
+    for (int call = 1; !ended && !HasFailure(); ++call) {
+        const auto killed = KilledAtCall(call, [&] {
+            LDatFileNativeSystem cache;
+            setAll(cache, version + 1);
+        });
+        if (!killed)
+            GTEST_SKIP() << "tracing a child is not permitted here";
+        ended = !*killed;
+        const int now = versionNow();
+        EXPECT_TRUE(now == version || now == version + 1);
+        version = now;
+    }
+    EXPECT_TRUE(ended);
+    for (unsigned round = 0; round < 100 && !HasFailure(); ++round) {
+        const pid_t writer = StartForked([&] {
+            LDatFileNativeSystem cache;
+            for (int next = version + 1;; ++next)
+                setAll(cache, next);
+            return 0;
+        });
+        usleep(500 + round * 37);
+        kill(writer, SIGKILL);
+        WaitForked(writer);
+        version = versionNow();
+    }
+    // A whole save afterwards leaves nothing else behind.
+    LDatFileNativeSystem last;
+    setAll(last, 1);
+    EXPECT_EQ(folder.Read("d").find(';'), std::string::npos);
+    EXPECT_TRUE(folder.Read("d").ends_with("\r\n\r\n"));
 }
 
 TEST(SettingsSurvival, AFullDiskKeepsTheOldContent) {

@@ -56,6 +56,14 @@ TEST(SourceToSinkTest, AdaptsRateChannelsAndPeak) {
     EXPECT_GT(AmplitudeAt(left, 400.0 / 44100), 0.97 * kMaxPcm16Peak);
 }
 
+TEST(SourceToSinkTest, CopiesThatFitSixteenBitsAreExactEvenAtNegativeFullScale) {
+    std::vector<int> samples = RandomSamples(9000, kMaxPcm16Peak, 3);
+    samples[4000] = -524288;  // what a 16-bit reader makes of -32768
+    TestRun run(new MemorySource(samples, 8000), 8000, 1);
+    EXPECT_EQ(Process(run.progress, run.request), kProcessDone);
+    EXPECT_EQ(run.sink->samples, samples);
+}
+
 TEST(SourceToSinkTest, CancelKeepsWhatWasWritten) {
     for (const int blocks : {0, 1, 2}) {
         TestRun run(new MemorySource(std::vector<int>(20000), 8000), 8000, 1);

@@ -216,9 +216,9 @@ class Lectora:
 
     def windows(self):
         """The X windows that it shows; dialogs carry the main window's title too."""
-        return xdotool(
-            "search", "--onlyvisible", "--pid", self.process.pid, "--name", "^Lectora$"
-        ).split()
+        mine = xdotool("search", "--onlyvisible", "--pid", self.process.pid, "--name", "Lectora")
+        # The search does not mind case, and a tooltip is named after the program.
+        return [window for window in mine.split() if "Lectora" in xdotool("getwindowname", window)]
 
     def window(self, seconds=10.0):
         return wait_until(self.windows, "the main window", seconds)[0]
