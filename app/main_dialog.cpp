@@ -81,6 +81,8 @@ void MainDialog::CreateControls() {
     AddControl(gtk_toggle_button_new(), kSaveButton);
     CoolButtonInit(kSaveButton, kSaveImage, "Save as Speech");
     SetTooltip(kSaveButton, "Save as Speech (Ctrl+Alt+V)");
+    static constexpr int kFocusOrder[] = {kTextBox, kVoiceList, kReadButton, kSaveButton};
+    SetFocusOrder(kFocusOrder);
 }
 
 void MainDialog::InitDialog() {

@@ -108,3 +108,5 @@ BENCHMARK(VoxEncode);
 BENCHMARK(VoxDecode);
 
 }  // namespace
+
+BENCHMARK_MAIN();

@@ -40,8 +40,8 @@ void LGSMDecoder::ShortTermSynthesisFilter(const LGSMFrame& frame, const std::in
 void LGSMDecoder::Postprocess(const std::int16_t* words, int* samples) {
     int before = emphasisMemory_;
     for (int i = 0; i < kFrameSamples; i++) {
-        // The filter's gain of 7 keeps the result within 24 bits, but its product needs more
-        // than 32.
+        // The filter's gain of 7 keeps the result within 24 bits, but its product needs more than
+        // 32.
         before = words[i] * 32 + static_cast<int>((std::int64_t{before} * 880 + 512) >> 10);
         samples[i] = before;
     }

@@ -1,8 +1,8 @@
 // The coded parameters of one GSM 06.10 frame (20 ms, 260 bits) and their two byte packings.
 //
 // Normal: 33 bytes, most significant bit first, led by the four bits 0xD. Wave: two frames in 65
-// bytes, least significant bit first, without a signature; the second frame starts at bit 4 of
-// byte 32.
+// bytes, least significant bit first, without a signature; the second frame starts at bit 4 of byte
+// 32.
 #pragma once
 
 #include <cstddef>

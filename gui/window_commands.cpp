@@ -90,16 +90,11 @@ void LWindowCallbacks::GCTABSwitch(GtkWidget* tabs, gpointer, guint, gpointer wi
     Deliver(window, tabs, "switch-page");
 }
 
-// The first layout of the window shows the selected tab's controls for the first time.
+// Once: the first layout of the window shows the selected tab's controls for the first time.
 gboolean LWindowCallbacks::GCTABFirstLayout(GtkWidget* widget, GdkEvent*, gpointer tabs) {
     const gpointer handler = g_object_steal_data(G_OBJECT(tabs), "_configureTAB");
-    if (handler != nullptr) {
-        g_signal_handler_disconnect(widget, GPOINTER_TO_SIZE(handler));
-        const gint page = gtk_notebook_get_current_page(GTK_NOTEBOOK(tabs));
-        g_signal_emit_by_name(tabs, "switch-page",
-                              gtk_notebook_get_nth_page(GTK_NOTEBOOK(tabs), page),
-                              static_cast<guint>(page < 0 ? 0 : page));
-    }
+    g_signal_handler_disconnect(widget, GPOINTER_TO_SIZE(handler));
+    Deliver(g_object_get_data(G_OBJECT(tabs), "_windowTAB"), tabs, "switch-page");
     return FALSE;
 }
 
@@ -190,10 +185,12 @@ void LWindow::HandleTABSelChange(int id, int command) {
         return;
     ConnectOnce(tabs, "switch-page", G_CALLBACK(LWindowCallbacks::GCTABSwitch), this,
                 G_CONNECT_AFTER);
-    if (widget_ != nullptr) {
-        const gulong handler = g_signal_connect(
-            widget_, "configure-event", G_CALLBACK(LWindowCallbacks::GCTABFirstLayout), tabs);
+    if (widget_ != nullptr && g_object_get_data(G_OBJECT(tabs), "_configureTAB") == nullptr) {
+        const gulong handler = g_signal_connect_object(
+            widget_, "configure-event", G_CALLBACK(LWindowCallbacks::GCTABFirstLayout), tabs,
+            GConnectFlags(0));
         g_object_set_data(G_OBJECT(tabs), "_configureTAB", GSIZE_TO_POINTER(handler));
+        g_object_set_data(G_OBJECT(tabs), "_windowTAB", this);
     }
 }
 

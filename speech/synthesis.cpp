@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <pthread.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -10,6 +9,9 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <set>
 #include <utility>
 
 #include "formats/wave_file.h"
@@ -61,6 +63,38 @@ bool IsShorterThanAnnounced(const std::string& path, int frames) {
     FreeWaveFormatEx(format);
     return FileSize(path) < announced;
 }
+
+// Sound files of engines that were left behind. Their workers remove them; the end of the program,
+// which does not wait for engines, removes the rest. Never destroyed, since workers may outlast
+// every static object.
+class LeftoverFiles {
+public:
+    static LeftoverFiles& Get() {
+        static LeftoverFiles* const files = [] {
+            std::atexit([] { Get().RemoveAll(); });
+            return new LeftoverFiles;
+        }();
+        return *files;
+    }
+    void Add(const std::string& path) {
+        const std::lock_guard lock(mutex_);
+        paths_.insert(path);
+    }
+    void Remove(const std::string& path) {
+        const std::lock_guard lock(mutex_);
+        ::unlink(path.c_str());
+        paths_.erase(path);
+    }
+
+private:
+    void RemoveAll() {
+        const std::lock_guard lock(mutex_);
+        for (const std::string& path : paths_)
+            ::unlink(path.c_str());
+    }
+    std::mutex mutex_;
+    std::set<std::string> paths_;
+};
 
 }  // namespace
 
@@ -198,7 +232,7 @@ void* SynthesisRun::ProcessRunThreadCallback(void* share) {
     record->finished.Signal();
     record->released.Ref().WaitSignalForever();
     if (record->abandoned.load())
-        ::unlink(record->soundPath.c_str());
+        LeftoverFiles::Get().Remove(record->soundPath);
     return nullptr;
 }
 
@@ -210,6 +244,8 @@ LProcessResult SynthesisRun::Finish(LProcessResult waited) {
             request_.outcome = SynthesisOutcome::TimedOut;
         else
             request_.outcome = Judge();
+        if (waited != kProcessDone)
+            LeftoverFiles::Get().Add(soundPath_);
         record_->abandoned.store(waited != kProcessDone);
         record_->released.Signal();
     }

@@ -16,7 +16,6 @@ constexpr int kDefaults = 110;
 
 constexpr int kLowestRate = 6000;
 constexpr int kHighestRate = 196000;
-constexpr int kStereo = 1;
 
 constexpr const char* kCodecs[] = {"Dialogic ADPCM",
                                    "G711 uLaw",

@@ -7,3 +7,4 @@ inline constexpr const char* kStandardRates[] = {"6000",  "8000",   "11025", "16
                                                  "96000", "196000", nullptr};
 inline constexpr int kStandardRate44100 = 6;  // index of the default rate
 inline constexpr const char* kMonoStereo[] = {"Mono", "Stereo", nullptr};
+inline constexpr int kStereo = 1;  // index

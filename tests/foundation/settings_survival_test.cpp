@@ -234,6 +234,7 @@ TEST(DatFileSurvival, IsTheOldOrTheNewFileWhoeverIsKilled) {
         return version;
     };
     LDatFileNativeSystem first;
+    first.SetValue(path.c_str(), "Even", "pad", "");
     setAll(first, 1);
     int version = 1;
     bool ended = false;
@@ -253,14 +254,17 @@ TEST(DatFileSurvival, IsTheOldOrTheNewFileWhoeverIsKilled) {
     for (unsigned round = 0; round < 100 && !HasFailure(); ++round) {
         const pid_t writer = StartForked([&] {
             LDatFileNativeSystem cache;
-            for (int next = version + 1;; ++next)
-                setAll(cache, next);
+            for (std::size_t length = round;; ++length) {  // moves every line of the file
+                const std::string pad(length % 200, 'p');
+                cache.SetValue(path.c_str(), "Even", "pad", pad.c_str());
+                cache.Flush(path.c_str());
+            }
             return 0;
         });
         usleep(500 + round * 37);
         kill(writer, SIGKILL);
         WaitForked(writer);
-        version = versionNow();
+        EXPECT_EQ(versionNow(), version);
     }
     // A whole save afterwards leaves nothing else behind.
     LDatFileNativeSystem last;

@@ -1,3 +1,5 @@
+#include "foundation/thread.h"
+
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/resource.h>
@@ -8,7 +10,6 @@
 #include <thread>
 
 #include "foundation/detached_thread.h"
-#include "foundation/thread.h"
 
 namespace {
 
@@ -19,81 +20,56 @@ public:
         StopThreadSoon();
         Join();
     }
-    using LThread::SetStopFlag;
 
 private:
     void ThreadFunction() override { body_(*this); }
     std::function<void(Worker&)> body_;
 };
 
-void UntilStopped(Worker& worker) {
-    worker.StopSignal().WaitSignalForever();
+TEST(Thread, StartWhileRunningDoesNothingAndStartAfterwardsRunsAgain) {
+    std::atomic<int> runs{0};
+    LSignalObject entered;
+    {
+        Worker worker([&](Worker& self) {
+            ++runs;
+            entered.Signal();
+            self.StopSignal().WaitSignalForever();
+        });
+        for (int run = 1; run <= 3; ++run) {
+            worker.Start(0);
+            worker.Start(0);
+            EXPECT_TRUE(worker.IsRunning());
+            // A new run starts without the old request.
+            EXPECT_FALSE(worker.IsStopping());
+            EXPECT_FALSE(worker.StopSignal().IsSignaled());
+            ASSERT_TRUE(entered.Ref().WaitSignal(10000));
+            entered.Reset();
+            worker.StopThreadSoon();
+            while (worker.IsRunning())
+                std::this_thread::yield();
+            EXPECT_EQ(runs, run);
+        }
+        worker.Join();
+        worker.Start(0);
+    }
+    EXPECT_EQ(runs, 4) << "the end of the object stops and joins";
 }
 
 struct Scheduling {
     int policy = -1;
     int realTime = -1;
     int nice = -100;
+    static Scheduling Current() {
+        const auto id = static_cast<pid_t>(::syscall(SYS_gettid));
+        sched_param parameters{};
+        ::sched_getparam(id, &parameters);
+        return {::sched_getscheduler(id), parameters.sched_priority,
+                ::getpriority(PRIO_PROCESS, static_cast<id_t>(id))};
+    }
 };
 
-Scheduling CurrentScheduling() {
-    const auto id = static_cast<pid_t>(::syscall(SYS_gettid));
-    sched_param parameters{};
-    ::sched_getparam(id, &parameters);
-    return {::sched_getscheduler(id), parameters.sched_priority,
-            ::getpriority(PRIO_PROCESS, static_cast<id_t>(id))};
-}
-
-TEST(Thread, StartWhileRunningDoesNothingAndStartAfterwardsRunsAgain) {
-    std::atomic<int> runs{0};
-    LSignalObject entered;
-    Worker worker([&](Worker& self) {
-        ++runs;
-        entered.Signal();
-        UntilStopped(self);
-    });
-    EXPECT_FALSE(worker.IsRunning());
-    for (int run = 1; run <= 3; ++run) {
-        worker.Start(0);
-        worker.Start(0);
-        EXPECT_TRUE(worker.IsRunning());
-        // A new run starts without the old request.
-        EXPECT_FALSE(worker.IsStopping());
-        EXPECT_FALSE(worker.StopSignal().IsSignaled());
-        ASSERT_TRUE(entered.Ref().WaitSignal(10000));
-        entered.Reset();
-        worker.StopThreadSoon();
-        while (worker.IsRunning())
-            std::this_thread::yield();
-        EXPECT_EQ(runs, run);
-    }
-    worker.Join();
-    worker.Join();
-    EXPECT_TRUE(worker.IsStopping());
-}
-
-TEST(Thread, DestructionStopsAndJoins) {
-    std::atomic<bool> ended{false};
-    {
-        Worker worker([&](Worker& self) {
-            UntilStopped(self);
-            ended = true;
-        });
-        worker.Start(0);
-    }
-    EXPECT_TRUE(ended);
-}
-
-TEST(Thread, ABodyMayEndItself) {
-    Worker worker([](Worker& self) { self.SetStopFlag(); });
-    worker.Start(0);
-    worker.Join();
-    EXPECT_TRUE(worker.IsStopping());
-    EXPECT_FALSE(worker.StopSignal().IsSignaled()) << "the flag alone wakes nobody";
-}
-
 TEST(Thread, PriorityIsNiceBelowOneAndRoundRobinAbove) {
-    const Scheduling before = CurrentScheduling();
+    const Scheduling before = Scheduling::Current();
     if (before.nice > 10)
         GTEST_SKIP() << "started with a nice value that may not be lowered";
     // What this machine grants to a thread that asks for itself.
@@ -109,10 +85,10 @@ TEST(Thread, PriorityIsNiceBelowOneAndRoundRobinAbove) {
     LSignalObject started;
     LSignalObject goOn;
     Worker worker([&](Worker&) {
-        atStart = CurrentScheduling();
+        atStart = Scheduling::Current();
         started.Signal();
         goOn.Ref().WaitSignalForever();
-        raised = CurrentScheduling();
+        raised = Scheduling::Current();
     });
     worker.Start(-10);
     ASSERT_TRUE(started.Ref().WaitSignal(10000));
@@ -123,9 +99,7 @@ TEST(Thread, PriorityIsNiceBelowOneAndRoundRobinAbove) {
     EXPECT_EQ(atStart.nice, 10);
     EXPECT_EQ(raised.policy, realTimeAllowed ? SCHED_RR : SCHED_OTHER);
     EXPECT_EQ(raised.realTime, realTimeAllowed ? 91 : 0);
-    EXPECT_EQ(CurrentScheduling().nice, before.nice)
-        << "only the worker's own scheduling may change";
-    worker.SetPriority(-5);  // of a thread that has ended: kept for nobody, harms nobody
+    EXPECT_EQ(Scheduling::Current().nice, before.nice) << "only the worker's own may change";
 }
 
 TEST(Thread, WaitsAnswerStopBeforeDoneBeforeTimeOut) {
@@ -159,17 +133,20 @@ TEST(Thread, WaitsAnswerStopBeforeDoneBeforeTimeOut) {
         group.Add(first.Ref());
         group.Add(second.Ref());
         EXPECT_EQ(worker.ProcessWaitSignalObjectGroup(group, 5), each.two);
-        EXPECT_EQ(group.Count(), 3);
     }
 }
 
-TEST(Thread, AFullGroupHasNoRoomForTheStopSignal) {
+TEST(Thread, AGroupTakesTheStopSignalOnlyBelow255AndNeverMoreThan256) {
     Worker worker([](Worker&) {});
     worker.StopThreadSoon();
     LSignalObject silent;
     LSignalObjectGroup group;
     for (int i = 0; i < 255; ++i)
         group.Add(silent.Ref());
+    EXPECT_EQ(worker.ProcessWaitSignalObjectGroup(group, 5), kProcessFailed);
+    group.Add(silent.Ref());
+    group.Add(worker.StopSignal());
+    EXPECT_EQ(group.Count(), 256);
     EXPECT_EQ(worker.ProcessWaitSignalObjectGroup(group, 5), kProcessFailed);
     silent.Signal();
     EXPECT_EQ(worker.ProcessWaitSignalObjectGroup(group, 5), kProcessStopped)
@@ -204,26 +181,12 @@ TEST(DetachedThreads, DeleteThemselvesOrAreDeletedByTheOwnerExactlyOnce) {
         owner.StopThreadsNow();
         ASSERT_EQ(alive, 0) << "round " << round;
     }
-    (new Counted(alive, false))->StartDetached(owner, 0);
+    (new Counted(alive, true))->StartDetached(owner, 0);
+    EXPECT_EQ(alive, 1);
+    owner.StopThreadsSoon();
     while (alive > 0)
         std::this_thread::yield();
     owner.StopThreadsNow();
-    EXPECT_EQ(alive, 0);
-}
-
-TEST(DetachedThreads, StopSoonOnlyAsks) {
-    std::atomic<int> alive{0};
-    {
-        LDetachedThreadsOwner owner;
-        (new Counted(alive, true))->StartDetached(owner, 0);
-        (new Counted(alive, true))->StartDetached(owner, 0);
-        EXPECT_EQ(alive, 2);
-        owner.StopThreadsSoon();
-        while (alive > 0)
-            std::this_thread::yield();
-        (new Counted(alive, true))->StartDetached(owner, 0);
-    }
-    EXPECT_EQ(alive, 0) << "the owner's end stops its threads";
 }
 
 }  // namespace

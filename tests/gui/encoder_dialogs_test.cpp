@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "formats/dialogs/aiff_settings_dialog.h"
+#include "formats/dialogs/au_settings_dialog.h"
 #include "formats/dialogs/raw_settings_dialog.h"
 #include "formats/dialogs/wave_encode_dialog.h"
 #include "formats/wave_file.h"
@@ -101,6 +103,52 @@ TEST(RawSettingsDialog, AcceptsRatesFrom6000To196000) {
             EXPECT_TRUE(stillOpen);
         }
     }
+}
+
+TEST(AuAndAiffDialogs, KeepTheirChoicesInTheSettings) {
+    for (const char* section : {"AuEncoder", "AIFFEncode"}) {
+        for (const char* key : {"SampleRate", "Channels", "CodecIndex"})
+            LUserSettingSetString(section, key, nullptr);
+    }
+    LAuSettingsDlg au;
+    LAIFFSettingsDlg aiff;
+    EXPECT_FALSE(aiff.Open(nullptr));
+    EXPECT_FALSE(aiff.IsOpen());
+    LDialog& aiffShown = aiff;
+    const struct {
+        std::function<bool()> open;
+        LDialog& dialog;
+        int codec, rate, channels;  // control ids, -1 for none
+        const char* section;
+    } cases[] = {
+        {[&] { return au.Run(nullptr); }, au, 101, 103, 105, "AuEncoder"},
+        {[&] {
+             return aiffShown.Open(nullptr, {"AIFF", false, DlgGenAIFFEncode}, true);
+         },
+         aiff, -1, 101, 103, "AIFFEncode"},
+    };
+    for (const auto& c : cases) {
+        UserScript user({[&] {
+            EXPECT_EQ(c.dialog.PDLGetText(c.rate), "44100");
+            EXPECT_EQ(c.dialog.PDLGetText(c.channels), "Stereo");
+            c.dialog.PDLSetCurSel(c.codec, 3);
+            c.dialog.PDLSetCurSel(c.rate, 1);
+            c.dialog.PDLSetCurSel(c.channels, 0);
+            c.dialog.DoOKButton();
+        }});
+        EXPECT_TRUE(c.open());
+        EXPECT_EQ(LUserSettingGet(c.section, "SampleRate"), "8000");
+        EXPECT_EQ(LUserSettingGet(c.section, "Channels"), "1");
+        UserScript again({[&] {
+            EXPECT_EQ(c.dialog.PDLGetText(c.rate) + c.dialog.PDLGetText(c.channels), "8000Mono");
+            gtk_button_clicked(ButtonOf(c.dialog, kDefaults));
+            EXPECT_EQ(c.dialog.PDLGetText(c.rate) + c.dialog.PDLGetText(c.channels), "44100Stereo");
+            c.dialog.DoCANCELButton();
+        }});
+        EXPECT_FALSE(c.open());
+        EXPECT_EQ(LUserSettingGet(c.section, "SampleRate"), "8000");
+    }
+    EXPECT_EQ(LUserSettingGet("AuEncoder", "CodecIndex"), "3");
 }
 
 }  // namespace

@@ -47,6 +47,12 @@ protected:
         gdk_event_free(event);
         return handled != FALSE;
     }
+    void SendConfigure() {
+        GdkEvent* event = gdk_event_new(GDK_CONFIGURE);
+        event->configure.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(dialog.Widget())));
+        gtk_main_do_event(event);
+        gdk_event_free(event);
+    }
     RecordingDialog dialog;
 };
 
@@ -106,6 +112,9 @@ TEST_F(WindowCommands, ListsTabsAndBars) {
     dialog.TABInsertTab(12, 1, "Two");
     dialog.HandleTABSelChange(12, 120);
     dialog.TABSetCurSel(12, 1);
+    EXPECT_THAT(Taken(), ElementsAre(120));
+    SendConfigure();  // the first layout
+    SendConfigure();
     EXPECT_THAT(Taken(), ElementsAre(120));
     char text[kTextBufferSize];
     dialog.TABGetText(12, 1, text);

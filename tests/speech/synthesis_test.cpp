@@ -149,6 +149,21 @@ TEST(Synthesis, AnEngineLeftBehindNeverTouchesALaterRun) {
     }
 }
 
+TEST(Synthesis, TheEndOfTheProgramRemovesTheFileOfAnEngineLeftBehind) {
+    const FakeEngine engine;
+    engine.Speak("sleep 1");
+    ::signal(SIGCHLD, SIG_DFL);
+    GTEST_FLAG_SET(death_test_style, "fast");
+    EXPECT_EXIT(
+        {
+            Request request("Hello", engine.Folder() + "/s.wav");
+            const bool timedOut = request.Run(ImpatientProgress(100)) == SynthesisOutcome::TimedOut;
+            std::exit(timedOut && FilesLike(engine.Folder(), ".speech") == 1 ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+    EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 0U);
+}
+
 TEST(Synthesis, ManyRunsLeaveNoDescriptorAndNoTextFileBehind) {
     const FakeEngine engine;
     engine.Speak(

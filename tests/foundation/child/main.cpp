@@ -1,18 +1,16 @@
 // A program that the tests crash, and that logs: crash handler and log arm themselves in whatever
 // links them.
-//   crash WAY BOX  crashes in the given way, with BOX as the program that asks
-//   log COUNT TEXT writes COUNT lines of every kind
+//   crash WAY BOX  crashes in the given way, with BOX (if not empty) as the program that asks
+//   log TEXT       writes a line of every kind
 //   run leave|end  marks a run in progress, and leaves it so or ends it cleanly
-#include <pthread.h>
+#include <gdk/gdk.h>
+#include <malloc.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <malloc.h>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <string_view>
 #include <thread>
 
@@ -29,9 +27,11 @@ void Fault() {
     *nowhere = 1;
 }
 
-// malloc_stats prints each arena's figures with that arena's lock held. The heap minds its locks
-// only in a process with several threads.
-void FaultWithHeapLocked() {
+// malloc_stats prints each arena's figures with that arena's lock held, which the heap minds only
+// among several threads.
+void FaultWithGdkAndHeapLocked() {
+    gdk_threads_init();
+    gdk_threads_enter();
     std::thread([] { ::pause(); }).detach();
     cookie_io_functions_t functions{};
     functions.write = [](void*, const char*, size_t length) {
@@ -52,62 +52,31 @@ int Recurse(volatile char* above) {
 }
 
 class StackEater final : public LThread {
-public:
-    ~StackEater() override { Join(); }
-
-private:
     void ThreadFunction() override {
         volatile char start = 0;
-        std::exit(Recurse(&start));
-    }
-};
-
-class Trapper final : public LThread {
-public:
-    ~Trapper() override { Join(); }
-
-private:
-    void ThreadFunction() override {
-        while (bLLibExceptionAlreadyTrapped == 0)
-            ::usleep(1000);
-        ::usleep(300000);  // the box is up
-        ::raise(SIGILL);
+        ::_exit(Recurse(&start));
     }
 };
 
 void Crash(std::string_view way) {
     if (way == "heap")
-        FaultWithHeapLocked();
+        FaultWithGdkAndHeapLocked();
     if (way == "stack") {
-        StackEater thread;
+        static StackEater thread;
         thread.Start(0);
+        ::pause();
     }
-    if (way == "thread") {
-        Trapper thread;
-        thread.Start(0);
-        Fault();
+    if (way == "twice") {
+        std::thread([] {
+            while (bLLibExceptionAlreadyTrapped == 0)
+                ::usleep(1000);
+            ::usleep(300000);  // the box is up
+            ::raise(SIGILL);
+        }).detach();
     }
     if (way == "illegal")
         ::raise(SIGILL);
-    if (way == "user") {
-        sigset_t user;
-        sigemptyset(&user);
-        sigaddset(&user, SIGUSR1);
-        ::raise(SIGUSR1);  // stays pending while blocked
-        ::pthread_sigmask(SIG_UNBLOCK, &user, nullptr);
-    }
     Fault();
-}
-
-void WriteLog(int count, const char* text) {
-    for (int i = 0; i < count; ++i) {
-        LOG(text);
-        LOGERROR(text, i);
-        LOGWARN(text, text);
-        LOGINFOF("%s %d %%", text, i);
-    }
-    LLogWrite("named.txt", text);
-    LLogMonthlyWrite(951782400, "monthly.txt", text);  // 29 February 2000
 }
 
 }  // namespace
@@ -116,17 +85,22 @@ int main(int argc, char** argv) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that is stopped leaves nothing behind
     const rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
-    if (argc == 4 && !std::strcmp(argv[1], "crash")) {
+    const std::string_view what = argc > 2 ? argv[1] : "";
+    if (what == "crash" && argc > 3) {
         LDebugBlockSignals();
         if (*argv[3])
             SetCrashBoxProgram(argv[3]);
         Crash(argv[2]);
-    }
-    if (argc == 4 && !std::strcmp(argv[1], "log"))
-        WriteLog(std::atoi(argv[2]), argv[3]);
-    if (argc == 3 && !std::strcmp(argv[1], "run")) {
+    } else if (what == "log") {
+        LOG(argv[2]);
+        LOGERROR(argv[2], -1);
+        LOGWARN(argv[2], "+");
+        LOGINFOF("%s %d %%", argv[2], 2);
+        LLogWrite("named.txt", argv[2]);
+        LLogMonthlyWrite(951782400, "monthly.txt", argv[2]);  // 29 February 2000
+    } else if (what == "run") {
         LDebugHangDetectorInit();
-        if (!std::strcmp(argv[2], "leave"))
+        if (std::string_view(argv[2]) == "leave")
             ::_exit(0);
     }
     return 0;

@@ -1,0 +1,46 @@
+#include "formats/dialogs/aiff_settings_dialog.h"
+
+#include "formats/dialogs/standard_lists.h"
+#include "foundation/settings.h"
+#include "gui/dialog_gen_context.h"
+
+namespace {
+
+constexpr const char* kSection = "AIFFEncode";
+
+// Control ids; each label is one above.
+constexpr int kRate = 101;
+constexpr int kChannels = 103;
+constexpr int kDefaults = 110;
+
+}  // namespace
+
+void DlgGenAIFFEncode(LDialogGenContext& context) {
+    context.AddPullDownList(kRate, "Sample Rate");
+    context.AddPullDownList(kChannels, "Channels");
+    context.AddSpecialOkCancelHelp(kDefaults, "Restore Defaults", nullptr, false, false, false);
+}
+
+bool LAIFFSettingsDlg::Open(GtkWidget*) {
+    return false;
+}
+
+void LAIFFSettingsDlg::InitDialog() {
+    PDLFill(kRate, kStandardRates);
+    PDLFill(kChannels, kMonoStereo);
+    PDLSetText(kRate, LUserSettingGet(kSection, "SampleRate", "44100").c_str());
+    PDLSetCurSel(kChannels, LUserSettingGetInt(kSection, "Channels", kStereo + 1) - 1);
+}
+
+void LAIFFSettingsDlg::Command(int command) {
+    if (command == kDefaults) {
+        PDLSetCurSel(kRate, kStandardRate44100);
+        PDLSetCurSel(kChannels, kStereo);
+    }
+}
+
+bool LAIFFSettingsDlg::CmOk() {
+    LUserSettingSetInt(kSection, "SampleRate", PDLGetInt(kRate));
+    LUserSettingSetInt(kSection, "Channels", PDLGetCurSel(kChannels) + 1);
+    return true;
+}
