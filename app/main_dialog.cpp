@@ -9,6 +9,7 @@
 #include "app/save_speech.h"
 #include "app/start_up.h"
 #include "foundation/browser.h"
+#include "foundation/child_process.h"
 #include "foundation/file.h"
 #include "foundation/hosts.h"
 #include "foundation/settings.h"
@@ -31,12 +32,18 @@ constexpr int kSaveImage = 13;
 constexpr int kTextChanged = 1111;
 constexpr int kUpdateFromSelection = 1000;
 constexpr int kLoadFile = 1005;
+constexpr int kReadAllOfWindow = 1006;
+constexpr int kReadSelectionOfWindow = 1007;
+constexpr int kReadFromFileMenu = 1008;
 constexpr int kReadFromSelection = 1009;
 constexpr int kReadCurrent = 1011;
 constexpr int kSaveCurrent = 1012;
+constexpr int kSaveAllOfWindow = 1013;
+constexpr int kSaveFromFileMenu = 1014;
 constexpr int kSaveFromSelection = 1015;
 constexpr int kReadFromFile = 1019;
 constexpr int kSaveFromFile = 1063;
+constexpr int kSaveSelectionOfWindow = 1222;
 constexpr int kOpenWindow = 4001;
 
 constexpr char kBanner[] = "Lectora v 1.05";
@@ -55,6 +62,11 @@ constexpr LKeyToCommandMap kKeyMap[] = {
 }  // namespace
 
 MainDialog::MainDialog() : reading_(*this) {}
+
+MainDialog::~MainDialog() {
+    if (nextFile_ != 0)
+        g_source_remove(nextFile_);
+}
 
 void MainDialog::Run() {
     LMainWindow::Run("Lectora", gargv, gargc);
@@ -90,6 +102,9 @@ void MainDialog::InitDialog() {
     SetStatusText(kBanner);
     SetKeyMap(kKeyMap);
     FillVoices();
+    // From a cold disk the engine may answer too late; the second time it is warm.
+    if (PDLGetCount(kVoiceList) < 1 && IsProgramInstalled("festival"))
+        FillVoices();
     if (PDLGetCount(kVoiceList) < 1)
         ShowNoSpeechEngine();
     HandleEditTextChange(kTextBox, kTextChanged);
@@ -98,8 +113,11 @@ void MainDialog::InitDialog() {
 }
 
 void MainDialog::DestroyDialog() {
-    reading_.Stop();
-    LUserSettingSetInt("Settings", "TextToSpeechVoice", PDLGetCurSel(kVoiceList));
+    StopReading();
+    // Without a selection (no voices, or an edited name) the last choice stays.
+    const int voice = PDLGetCurSel(kVoiceList);
+    if (voice >= 0)
+        LUserSettingSetInt("Settings", "TextToSpeechVoice", voice);
 }
 
 void MainDialog::FillVoices() {
@@ -159,15 +177,19 @@ void MainDialog::Command(int command) {
         case kReadButton:
             // The button stays down while it reads; pressing it then lets go.
             if (reading_.IsReading())
-                reading_.Stop();
+                StopReading();
             else
                 CmRead();
             break;
         case kReadCurrent:
+        case kReadAllOfWindow:
+        case kReadSelectionOfWindow:
             CmRead();
             break;
         case kSaveButton:
         case kSaveCurrent:
+        case kSaveAllOfWindow:
+        case kSaveSelectionOfWindow:
             CmSave();
             break;
         case kUpdateFromSelection:
@@ -177,6 +199,7 @@ void MainDialog::Command(int command) {
             CmOpenFile();
             break;
         // The second step runs even when the first brought nothing new.
+        case kReadFromFileMenu:
         case kReadFromFile:
             CmOpenFile();
             CmRead();
@@ -185,6 +208,7 @@ void MainDialog::Command(int command) {
             CmCopyFromClipboard();
             CmRead();
             break;
+        case kSaveFromFileMenu:
         case kSaveFromFile:
             CmOpenFile();
             CmSave();
@@ -206,7 +230,7 @@ void MainDialog::Command(int command) {
 
 bool MainDialog::EvKeyDown(unsigned int key) {
     if (key == GDK_Escape && reading_.IsReading()) {
-        reading_.Stop();
+        StopReading();
         return true;
     }
     return LMainWindow::EvKeyDown(key);
@@ -248,8 +272,13 @@ void MainDialog::CmSave() {
     ReadWaitingFiles();
 }
 
+void MainDialog::StopReading() {
+    waitingFiles_.clear();
+    reading_.Stop();
+}
+
 void MainDialog::ReadWaitingFiles() {
-    while (!speaking_ && !waitingFiles_.empty()) {
+    while (!speaking_ && !reading_.IsReading() && !waitingFiles_.empty()) {
         const std::string path = waitingFiles_.front();
         waitingFiles_.pop_front();
         if (IsOpen() && LoadFile(path.c_str()))
@@ -290,13 +319,19 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
     if (count < 2)
         CmOpen();
     EnableControls();
+    std::deque<std::string> files;
     for (int index = 1; index < count; ++index) {
         const char* argument = arguments[index];
-        if (strcasecmp(argument, "-logon") == 0 || strcasecmp(argument, "-block") == 0)
-            continue;
-        waitingFiles_.emplace_back(argument);
+        if (strcasecmp(argument, "-logon") != 0 && strcasecmp(argument, "-block") != 0)
+            files.emplace_back(argument);
     }
-    // While a progress dialog is up, the files wait until its work is done.
+    if (files.empty())
+        return;
+    // What was asked for last is heard at once, unless a progress dialog is up: then it waits for
+    // that to end. Several files are read one after the other.
+    if (!speaking_)
+        StopReading();
+    waitingFiles_.insert(waitingFiles_.end(), files.begin(), files.end());
     ReadWaitingFiles();
 }
 
@@ -312,8 +347,21 @@ void MainDialog::EvReadingTime(LSoundTime position, LSoundTime length) {
     SetStatusText(("Reading aloud: " + std::string(now) + " of " + whole + " (Esc stops)").c_str());
 }
 
-void MainDialog::EvReadingEnded() {
+void MainDialog::EvReadingEnded(bool inTrouble) {
     SetCoolButtonUp(kReadButton);
     SetStatusText(kBanner);
     EnableControls();
+    // The next file would meet the same trouble, and its box would hide this one's.
+    if (inTrouble)
+        waitingFiles_.clear();
+    // From the main loop: the player is still in the middle of ending this reading.
+    if (!waitingFiles_.empty() && nextFile_ == 0)
+        nextFile_ = gdk_threads_add_idle(ReadNextFile, this);
+}
+
+int MainDialog::ReadNextFile(void* self) {
+    auto* window = static_cast<MainDialog*>(self);
+    window->nextFile_ = 0;
+    window->ReadWaitingFiles();
+    return FALSE;
 }

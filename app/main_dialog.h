@@ -11,6 +11,7 @@
 class MainDialog final : public LMainWindow, private ReadAloudListener {
 public:
     MainDialog();
+    ~MainDialog() override;
 
     // Builds and shows the window, processes this process's own arguments, and runs the main loop
     // until the user ends it.
@@ -37,7 +38,7 @@ public:
 private:
     void EvReadingStarted() override;
     void EvReadingTime(LSoundTime position, LSoundTime length) override;
-    void EvReadingEnded() override;
+    void EvReadingEnded(bool inTrouble) override;
 
     using SpeakFunction = void (MainDialog::*)(const char* text, int voice);
 
@@ -47,7 +48,9 @@ private:
     void Speak(SpeakFunction speak);
     void ReadText(const char* text, int voice);
     void SaveText(const char* text, int voice);
-    void ReadWaitingFiles();
+    void ReadWaitingFiles();  // the next one, when nothing is being read
+    static int ReadNextFile(void* self);
+    void StopReading();  // and forgets the files that wait
 
     void CreateControls();
     void FillVoices();
@@ -56,6 +59,7 @@ private:
 
     ReadAloud reading_;
     bool speaking_ = false;
+    unsigned int nextFile_ = 0;  // idle source that goes on with the waiting files; 0 when none
     std::deque<std::string>
         waitingFiles_;  // from the command line or another start, to be read in order
 };

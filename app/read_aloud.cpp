@@ -48,6 +48,11 @@ void ReadAloud::Start(GtkWidget* parent, const char* text, int voice) {
     if (!ProcessDialogRun(parent, request))
         return;
     const LSoundSource source = LWaveFile::OpenSource(path.c_str());
+    if (source->Status() != SoundStatus::kGood) {
+        MessageBoxRun(parent_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Synthesize Voice",
+                      SynthesisMessage(SynthesisOutcome::NoSound).c_str(), "");
+        return;
+    }
     length_ = LSoundTime::FromFrames(source->GetEndSample(), source->SampleRate());
     // The card is looked up at each reading: it may have been plugged in since the last.
     player_.SetDevice(StoredDevice());
@@ -68,9 +73,10 @@ void ReadAloud::spntfTime(LSoundTime time, int) {
 }
 
 void ReadAloud::spntfStop(int) {
-    listener_.EvReadingEnded();
-    if (player_.Trouble() != PlayTrouble::None)
-        ShowTrouble(player_.Trouble());
+    const PlayTrouble trouble = player_.Trouble();
+    listener_.EvReadingEnded(trouble != PlayTrouble::None);
+    if (trouble != PlayTrouble::None)
+        ShowTrouble(trouble);
 }
 
 void ReadAloud::EvTrouble(PlayTrouble) {

@@ -14,7 +14,7 @@ public:
     virtual ~ReadAloudListener() = default;
     virtual void EvReadingStarted() = 0;
     virtual void EvReadingTime(LSoundTime position, LSoundTime length) = 0;
-    virtual void EvReadingEnded() = 0;
+    virtual void EvReadingEnded(bool inTrouble) = 0;  // inTrouble: the user will be told
 };
 
 // One reading at a time. GUI thread only; Start blocks with a progress dialog while the engine

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include "foundation/file.h"
 #include "foundation/machine_root.h"
@@ -20,6 +21,9 @@ namespace {
 // A peer that stalls must not freeze the window, and one that lies about sizes must not fill the
 // memory.
 constexpr int kReceiveLimitMilliseconds = 1000;
+constexpr int kHandOverLimitSeconds = 5;
+constexpr int kHandOverAttempts = 4;
+constexpr std::chrono::milliseconds kHandOverPause{50};
 constexpr std::int32_t kMaxArguments = 65536;
 constexpr std::int32_t kMaxArgumentBytes = 1 << 20;
 
@@ -31,12 +35,16 @@ sockaddr_un AddressOf(const std::string& path) {
     return address;
 }
 
-UniqueFd NewSocket() {
-    return UniqueFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+UniqueFd NewSocket(int flags) {
+    return UniqueFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
 }
 
-bool BindTo(int fd, const sockaddr_un& address) {
-    return ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+// The socket's mode lets everybody connect; the text box is not everybody's.
+bool IsFromThisUser(int connection) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
+           (peer.uid == ::geteuid() || peer.uid == 0);
 }
 
 bool SendAll(int fd, const void* data, std::size_t size) {
@@ -114,38 +122,64 @@ std::string RunOnceSocket::DefaultPath() {
 }
 
 RunOnceSocket::~RunOnceSocket() {
+    Close();
+}
+
+void RunOnceSocket::Close() {
     listening_.Reset();
-    if (!path_.empty())
+    struct stat now {};
+    if (bound_.st_ino != 0 && ::stat(path_.c_str(), &now) == 0 && now.st_dev == bound_.st_dev &&
+        now.st_ino == bound_.st_ino)
         ::unlink(path_.c_str());
+    bound_ = {};
+}
+
+bool RunOnceSocket::Bind() {
+    listening_ = NewSocket(SOCK_NONBLOCK);
+    const sockaddr_un address = AddressOf(path_);
+    const bool bound =
+        ::bind(listening_.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    return bound && ::listen(listening_.Get(), 5) == 0 && ::stat(path_.c_str(), &bound_) == 0;
+}
+
+// kServer: nobody listens on the path.
+RunOnceSocket::Claim RunOnceSocket::HandOver(const std::vector<std::string>& arguments) const {
+    const UniqueFd client = NewSocket(0);
+    const timeval limit{kHandOverLimitSeconds, 0};
+    ::setsockopt(client.Get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    const sockaddr_un address = AddressOf(path_);
+    if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        return errno == EAGAIN ? Claim::kBusy : Claim::kServer;
+    SendArguments(client.Get(), arguments);
+    return Claim::kHandedOver;
 }
 
 RunOnceSocket::Claim RunOnceSocket::ClaimPath(const std::string& path,
                                               const std::vector<std::string>& arguments) {
-    const sockaddr_un address = AddressOf(path);
-    listening_ = NewSocket();
-    bool bound = BindTo(listening_.Get(), address);
-    if (!bound) {
-        UniqueFd client = NewSocket();
-        if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) ==
-            0) {
-            SendArguments(client.Get(), arguments);
+    path_ = AddressOf(path).sun_path;
+    if (Bind())
+        return Claim::kServer;
+    // An instance that started in the same moment may have bound but not listen yet.
+    for (int attempt = 0; attempt < kHandOverAttempts; ++attempt) {
+        if (attempt > 0)
+            std::this_thread::sleep_for(kHandOverPause);
+        const Claim claim = HandOver(arguments);
+        if (claim != Claim::kServer) {
             listening_.Reset();
-            return Claim::kHandedOver;
+            return claim;
         }
-        // Nobody listens: the path was left by a crash.
-        ::unlink(address.sun_path);
-        bound = BindTo(listening_.Get(), address);
     }
-    if (bound)
-        path_ = address.sun_path;
-    ::listen(listening_.Get(), 5);
+    // Left by a crash. A second failure only means that this instance receives no hand-overs.
+    ::unlink(path_.c_str());
+    if (!Bind())
+        listening_.Reset();
     return Claim::kServer;
 }
 
 bool RunOnceSocket::Receive(std::vector<std::string>& arguments) const {
     arguments.clear();
     const UniqueFd connection(::accept4(listening_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
-    if (!connection.IsOpen())
+    if (!connection.IsOpen() || !IsFromThisUser(connection.Get()))
         return true;
     HandOverReader reader(connection.Get());
     std::int32_t count = 0;

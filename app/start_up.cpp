@@ -6,10 +6,15 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
 
 #include "app/main_dialog.h"
 #include "app/run_once.h"
 #include "foundation/crash_handler.h"
+#include "foundation/file.h"
+#include "foundation/text_buffer.h"
 
 int gargc = 0;
 char** gargv = nullptr;
@@ -30,37 +35,80 @@ struct HandOverTarget {
     MainDialog& window;
 };
 
-// GUI thread, inside the main loop, which has released the GDK lock for the callback.
+struct HandedOver {
+    MainDialog& window;
+    std::vector<std::string> arguments;
+};
+
+gboolean RunHandedOver(gpointer user) {
+    auto* handed = static_cast<HandedOver*>(user);
+    std::vector<char*> pointers;
+    for (std::string& argument : handed->arguments)
+        pointers.push_back(argument.data());
+    const int count = static_cast<int>(pointers.size());
+    handed->window.EvRunArguments(pointers.data(), count);
+    // Also when EvRunArguments did so: a start without arguments always brings the window back.
+    if (count < 2)
+        handed->window.CmOpen();
+    return FALSE;
+}
+
+void DeleteHandedOver(gpointer user) {
+    delete static_cast<HandedOver*>(user);
+}
+
+// GUI thread, inside the main loop. The arguments run from a callback of their own: a watch is not
+// called again while its callback runs, and reading a file takes as long as the engine does.
 gboolean GSRunOnceServerCallback(GIOChannel*, GIOCondition, gpointer user) {
     auto* target = static_cast<HandOverTarget*>(user);
     std::vector<std::string> arguments;
     // A negative count ends listening for the rest of the run; later starts then run by themselves.
-    if (!target->socket.Receive(arguments))
+    if (!target->socket.Receive(arguments)) {
+        target->socket.Close();
         return FALSE;
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments)
-        pointers.push_back(argument.data());
-    gdk_threads_enter();
-    const int count = static_cast<int>(pointers.size());
-    target->window.EvRunArguments(pointers.data(), count);
-    if (count < 2)
-        target->window.CmOpen();
-    gdk_threads_leave();
+    }
+    gdk_threads_add_idle_full(G_PRIORITY_DEFAULT_IDLE, RunHandedOver,
+                              new HandedOver{target->window, std::move(arguments)},
+                              DeleteHandedOver);
     return TRUE;
 }
 
 int RunFirstInstance(RunOnceSocket& socket) {
     MainDialog window;
+    if (socket.ListeningFd() < 0) {
+        window.Run();
+        gdk_threads_leave();
+        return 0;
+    }
     HandOverTarget target{socket, window};
     GIOChannel* channel = g_io_channel_unix_new(socket.ListeningFd());
-    const guint watch = g_io_add_watch(channel, G_IO_IN, GSRunOnceServerCallback, &target);
+    g_io_add_watch(channel, G_IO_IN, GSRunOnceServerCallback, &target);
     window.Run();
     gdk_threads_leave();
-    if (g_main_context_find_source_by_id(nullptr, watch) != nullptr)
-        g_source_remove(watch);
-    g_io_channel_shutdown(channel, FALSE, nullptr);
-    g_io_channel_unref(channel);
+    g_source_remove_by_user_data(&target);
+    g_io_channel_unref(channel);  // does not close the descriptor, which is the socket's
+    // Before the window goes, so that nobody hands over to an instance that no longer listens.
+    socket.Close();
     return 0;
+}
+
+// A damaged installer, run as a program of that name, ends without a word: whoever started it finds
+// nothing installed and fetches it again. The box is made, never shown.
+void MakeCorruptInstallBox() {
+    GtkWidget* box = gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR,
+                                            GTK_BUTTONS_OK, "Install Error");
+    gtk_window_set_title(GTK_WINDOW(box), "Lectora");
+    gtk_message_dialog_format_secondary_text(
+        GTK_MESSAGE_DIALOG(box),
+        "Installation file corrupt.\n\nA checksum error was detected in your install file, please "
+        "redownload file and install again.");
+    g_signal_connect(box, "response", G_CALLBACK(gtk_widget_destroy), nullptr);
+}
+
+bool IsNamedSetup(const char* program) {
+    char name[kTextBufferSize];
+    LFile::_GetFileFromPath(name, program);
+    return std::strstr(name, "setup") != nullptr;
 }
 
 }  // namespace
@@ -69,6 +117,7 @@ int RunLectora(int argc, char** argv) {
     LDebugBlockSignals();
     gargc = argc;
     gargv = argv;
+    // Everything made later gets exactly the mode it asks for: the files are shared between users.
     umask(0);
     if (std::getenv("DISPLAY") == nullptr && argc < 2) {
         std::puts("You must have a display manager running to use this program.");
@@ -87,5 +136,13 @@ int RunLectora(int argc, char** argv) {
         socket.ClaimPath(RunOnceSocket::DefaultPath(), ArgumentsForHandOver(gargc, gargv));
     if (claim == RunOnceSocket::Claim::kHandedOver)
         return 0;
+    if (claim == RunOnceSocket::Claim::kBusy) {
+        std::fputs("Lectora is running but does not answer; please try again.\n", stderr);
+        return 1;
+    }
+    if (gargc > 0 && IsNamedSetup(gargv[0])) {
+        MakeCorruptInstallBox();
+        return 0;
+    }
     return RunFirstInstance(socket);
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "foundation/process_result.h"
@@ -33,22 +34,23 @@ LProcessResult Process(P& progress, LPRSourceToSink& request) {
     }
     LSoundSource source = request.source;
     const LSoundSink sink = request.sink;
+    // Only bit 0 of a sink's status says that it cannot be written.
     if (source->Status() != SoundStatus::kGood || (sink->Status() & 1) != 0)
         return kProcessFailed;
     source = AdaptSourceToSink(source, *sink);
     if (source->Channels() != sink->Channels())
         return kProcessFailed;
 
-    int remaining = source->GetEndSample() - source->GetPositionSample();
+    std::int64_t remaining = std::int64_t{source->GetEndSample()} - source->GetPositionSample();
     if (remaining < 1)
         return kProcessDone;
-    const double step = static_cast<double>(kMaxBlockFrames) / remaining;
+    const double step = kMaxBlockFrames / static_cast<double>(remaining);
     double fraction = 0.0;
     std::vector<int> block(static_cast<std::size_t>(kMaxBlockFrames) * source->Channels());
     while (true) {
         if (progress.IsToStop())
             return kProcessStopped;
-        const int frames = std::min(remaining, kMaxBlockFrames);
+        const int frames = static_cast<int>(std::min<std::int64_t>(remaining, kMaxBlockFrames));
         source->Read(block.data(), frames);
         sink->Write(block.data(), frames);
         if (progress.IsShown())
