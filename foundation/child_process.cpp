@@ -25,7 +25,6 @@ public:
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
         sigfillset(&signals);
         ::posix_spawnattr_setsigdefault(&attributes_, &signals);
-        ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
     SpawnSetup(const SpawnSetup&) = delete;
     SpawnSetup& operator=(const SpawnSetup&) = delete;
@@ -35,7 +34,12 @@ public:
     }
 
     bool Connect(const LChildStreams& streams) {
-        int error = 0;
+        const int group = streams.ownGroup ? POSIX_SPAWN_SETPGROUP : 0;
+        int error = ::posix_spawnattr_setflags(
+            &attributes_,
+            static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | group));
+        if (error != 0)
+            return false;
         if (streams.emptyInput)
             error = ::posix_spawn_file_actions_addopen(&actions_, 0, "/dev/null", O_RDONLY, 0);
         else if (streams.input >= 0)

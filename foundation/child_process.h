@@ -17,6 +17,7 @@ struct LChildStreams {
     int input = -1;
     int output = -1;
     bool emptyInput = false;  // input reads as empty (wins over input)
+    bool ownGroup = false;    // the child leads a process group of its own
 };
 
 // Sole owner of a started child. Destruction waits for it, so that no zombie is left.
@@ -46,9 +47,8 @@ public:
     // Blocks until the child ended and answers its wait status; 0 when the status is lost because
     // SIGCHLD is ignored (the kernel then collects children itself), -1 when there is no child.
     int Wait();
-    pid_t Release() {
-        return std::exchange(pid_, -1);
-    }  // whoever takes it, or the kernel, collects the child
+    // Whoever takes it, or the kernel, collects the child.
+    pid_t Release() { return std::exchange(pid_, -1); }
 
 private:
     explicit LChildProcess(pid_t pid) : pid_(pid) {}

@@ -1,6 +1,9 @@
 #include "foundation/pipes.h"
 
+#include <poll.h>
 #include <signal.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 bool LPipeStream::Adopt(UniqueFd ourEnd, const char* mode, LChildProcess child) {
     if (!child.IsStarted())
@@ -59,12 +62,14 @@ bool LPipeInOut::_Open(const char* commandLine) {
     // Before the start: a child that ends while SIGCHLD still has its default stays a zombie.
     ::signal(SIGCHLD, SIG_IGN);
     LChildStreams streams;
+    streams.ownGroup = true;
     streams.input = toChild.readEnd.Get();
     streams.output = fromChild.writeEnd.Get();
     LChildProcess child = LChildProcess::StartShell(commandLine, streams);
     if (!child.IsStarted())
         return false;
     pid_ = child.Release();
+    process_.Reset(static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)));
     readEnd_ = std::move(fromChild.readEnd);
     writeEnd_ = std::move(toChild.writeEnd);
     return true;
@@ -73,4 +78,10 @@ bool LPipeInOut::_Open(const char* commandLine) {
 void LPipeInOut::Close() {
     readEnd_.Reset();
     writeEnd_.Reset();
+}
+
+void LPipeInOut::Kill() {
+    pollfd ended{process_.Get(), POLLIN, 0};
+    if (process_.IsOpen() && ::poll(&ended, 1, 0) == 0)
+        ::kill(-pid_, SIGKILL);
 }

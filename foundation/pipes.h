@@ -55,18 +55,18 @@ public:
 
     bool _Open(const char* commandLine);
     bool IsOpen() const { return readEnd_.IsOpen(); }
-    int ReadFd() const {
-        return readEnd_.Get();
-    }  // the command's standard output; -1 when not open
-    int WriteFd() const {
-        return writeEnd_.Get();
-    }                                   // the command's standard input; -1 when not open
+    // The command's standard output and input; -1 when not open.
+    int ReadFd() const { return readEnd_.Get(); }
+    int WriteFd() const { return writeEnd_.Get(); }
     pid_t Pid() const { return pid_; }  // last command started, -1 before; may have ended already
     void CloseWrite() { writeEnd_.Reset(); }  // the command reads the end of its input
     void Close();                             // does not wait
+    // Ends the command and what it has started, if it still runs. Works until the next _Open.
+    void Kill();
 
 private:
     UniqueFd readEnd_;
     UniqueFd writeEnd_;
+    UniqueFd process_;  // tells whether pid_ is still this command: ids are used again
     pid_t pid_ = -1;
 };

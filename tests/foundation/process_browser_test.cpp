@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
-
 #include "foundation/browser.h"
 #include "foundation/hosts.h"
 #include "foundation/settings.h"
@@ -42,19 +39,6 @@ TEST(Browser, TheShellReadsTheAddressAsOneLiteralWordOrNotAtAll) {
     const std::size_t room = 259 - std::string("gnome-open \"\"").size();
     EXPECT_EQ(BrowserCommand(std::string(room, 'a')).size(), 259u);
     EXPECT_FALSE(OpenInBrowser(std::string(room + 1, 'a')));
-}
-
-TEST(Browser, AGenericOpenerThatStaysDoesNotHoldTheCallerUp) {
-    const ScratchFolder folder;
-    folder.WriteProgram("xdg-open", "echo \"$1\" >" + (folder / "opened") + "\nexec /bin/sleep 3");
-    const ScopedVariable path("PATH", folder.Path().c_str());
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(OpenInBrowser("http://page"));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-    while (folder.Read("opened").empty() &&
-           std::chrono::steady_clock::now() - start < std::chrono::seconds(10))
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    EXPECT_EQ(folder.Read("opened"), "http://page\n");
 }
 
 TEST(Hosts, TheMachineWideSettingsStandBeforeTheDefaults) {

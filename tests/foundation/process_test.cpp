@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -159,11 +160,23 @@ TEST_F(ProcessTest, TwoWayPipesConverseAndLeaveTheCommandToItself) {
     both.CloseWrite();
     EXPECT_EQ(ReadAll(both.ReadFd()), "end\n");
 
-    ASSERT_TRUE(both._Open("exec sleep 60"));
+    // A command that ignores the end of its input goes on after Close and ends, with its own
+    // children, by Kill.
+    LPipeIn watched;  // reads its end when the last of them has ended
+    const ScratchFolder folder;
+    ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+    ASSERT_TRUE(watched._Open(("exec cat " + (folder / "fifo")).c_str()));
+    ASSERT_TRUE(both._Open(
+        ("exec 2>" + (folder / "fifo") + "; echo up; trap '' HUP TERM; sleep 60 & sleep 60")
+            .c_str()));
+    ASSERT_EQ(::read(both.ReadFd(), reply, sizeof reply), 3);
     const auto start = Clock::now();
     both.Close();
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
-    EXPECT_EQ(::kill(both.Pid(), SIGTERM), 0);
+    EXPECT_EQ(::kill(both.Pid(), 0), 0);
+    both.Kill();
+    EXPECT_EQ(ReadAll(watched.Fd()), "");
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(30));
+    both.Kill();  // nothing left to end
 }
 
 TEST_F(ProcessTest, APipeIsNeverAStandardDescriptorOfTheChild) {

@@ -85,6 +85,7 @@ TEST(SettingsSurvival, FourProcessesLoseNoKeyOfEachOther) {
     constexpr int kKeys = 1000;
     const ScratchFolder folder;
     std::vector<pid_t> writers;
+    writers.reserve(kProcesses);
     for (int writer = 0; writer < kProcesses; ++writer) {
         writers.push_back(StartForked([&] {
             LSettingsSectionList list(folder.Path().c_str());

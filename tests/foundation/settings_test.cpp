@@ -161,6 +161,7 @@ TEST(SettingsSectionList, ServesManyThreadsAtOnce) {
     const ScratchFolder folder;
     LSettingsSectionList list(folder.Path().c_str());
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&list, thread] {
             for (int i = 0; i < kKeys; ++i)

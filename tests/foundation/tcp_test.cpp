@@ -38,7 +38,7 @@ UniqueFd Listen(std::uint16_t& port, int backlog = 8) {
     const LIPAddressWithPort any(INADDR_LOOPBACK, 0);
     sockaddr_in bound = any.Raw();
     socklen_t size = sizeof bound;
-    bind(listener.Get(), reinterpret_cast<sockaddr*>(&bound), size);
+    EXPECT_EQ(bind(listener.Get(), reinterpret_cast<sockaddr*>(&bound), size), 0);
     listen(listener.Get(), backlog);
     getsockname(listener.Get(), reinterpret_cast<sockaddr*>(&bound), &size);
     port = ntohs(bound.sin_port);

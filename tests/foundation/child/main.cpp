@@ -76,6 +76,8 @@ void Crash(std::string_view way) {
     }
     if (way == "illegal")
         ::raise(SIGILL);
+    if (way == "user")
+        ::raise(SIGUSR1);
     Fault();
 }
 
@@ -87,7 +89,8 @@ int main(int argc, char** argv) {
     ::setrlimit(RLIMIT_CORE, &noCore);
     const std::string_view what = argc > 2 ? argv[1] : "";
     if (what == "crash" && argc > 3) {
-        LDebugBlockSignals();
+        if (std::string_view(argv[2]) != "user")
+            LDebugBlockSignals();
         if (*argv[3])
             SetCrashBoxProgram(argv[3]);
         Crash(argv[2]);
