@@ -66,9 +66,10 @@ LSoundSink OpenAIFFSink(const char* path, int rate, unsigned char channels) {
 int WriteHeaderAIFF(LRawFileDataSoundSinkBase& sink, bool final) {
     const std::uint32_t dataBytes = sink.DataBytes(kAroundData);
     std::uint8_t header[kHeaderBytes] = {};
-    std::memcpy(header, "FORM", 4);
+    StoreId(header, "FORM");
     StoreBE32(header + 4, dataBytes == kUnknownBytes ? kUnknownBytes : dataBytes + kAroundData);
-    std::memcpy(header + 8, "AIFFCOMM", 8);
+    StoreId(header + 8, "AIFF");
+    StoreId(header + 12, "COMM");
     StoreBE32(header + 16, kCommBytes);
     StoreBE16(header + 20, sink.Channels());
     StoreBE32(header + 22, static_cast<std::uint32_t>(sink.FramesWritten()));
@@ -76,7 +77,7 @@ int WriteHeaderAIFF(LRawFileDataSoundSinkBase& sink, bool final) {
     std::uint8_t rate[10];
     convert32to80(static_cast<std::uint32_t>(sink.SampleRate()), rate);
     std::memcpy(header + 28, rate, sizeof(rate));
-    std::memcpy(header + 38, "SSND", 4);
+    StoreId(header + 38, "SSND");
     // The size leaves out the 8 bytes of the two fields after it, so readers lose the last 8 bytes:
     // existing files and their lengths depend on it.
     StoreBE32(header + 42, final ? dataBytes : kUnknownBytes);
@@ -117,7 +118,7 @@ void convert32to80(std::uint32_t rate, std::uint8_t (&out)[10]) {
     std::memset(out, 0, sizeof(out));
     if (rate == 0)
         return;
-    const int log2 = std::bit_width(rate) - 1;
+    const int log2 = static_cast<int>(std::bit_width(rate)) - 1;
     out[0] = 0x40;
     // Below 2 the biased exponent is 16383, whose high byte is 0x3F; nobody records at 1 Hz, and
     // the byte is not read.

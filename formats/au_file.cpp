@@ -78,7 +78,7 @@ LSoundSink OpenAuSink(const char* path, LAuSettings& settings) {
 
 int WriteHeaderAU(LRawFileDataSoundSinkBase& sink, bool final, std::uint32_t encoding) {
     std::uint8_t header[kHeaderBytes];
-    std::memcpy(header, ".snd", 4);
+    StoreId(header, ".snd");
     StoreBE32(header + 4, kHeaderBytes);
     StoreBE32(header + 8, final ? sink.DataBytes(0) : kUnknownBytes);
     StoreBE32(header + 12, encoding);

@@ -54,6 +54,12 @@ inline void StoreBE32(std::uint8_t* p, std::uint32_t value) {
     StoreBE16(p + 2, value);
 }
 
+// Chunk identifiers and magic numbers: four characters without a terminator.
+inline void StoreId(std::uint8_t* p, const char (&id)[5]) {
+    for (int i = 0; i < 4; ++i)
+        p[i] = static_cast<std::uint8_t>(id[i]);
+}
+
 // Walks a header through a small buffer of its own, so that a file of millions of empty chunks is
 // crossed in a few reads. Leaves the descriptor's own position alone until Finish.
 class HeaderReader {

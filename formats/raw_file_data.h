@@ -15,6 +15,7 @@ public:
     int GetPositionSample() const override { return reader_.Position(); }
     int GetEndSample() const override;
     void Seek(int frame) override;
+    int FramesInFile() const { return reader_.FramesInFile(); }  // that are really there by now
 
 protected:
     FrameReader reader_;

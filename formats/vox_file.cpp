@@ -13,6 +13,10 @@ namespace {
 constexpr int kVoxPeak = 2097152;
 constexpr int kBlockBytes = kMaxBlockFrames / 2 + 1;
 
+std::uint8_t ByteOf(unsigned high, unsigned low) {
+    return static_cast<std::uint8_t>(high << 4 | low);
+}
+
 }  // namespace
 
 LSRCVOX::LSRCVOX(UniqueFd file, int rate)
@@ -99,7 +103,7 @@ void LSNKVOX::WriteBlock(const int* buffer, int frames) {
     int at = 0;
     int left = frames;
     if (holding_) {
-        bytes_[0] = static_cast<std::uint8_t>(held_ << 4U | EncodeSample(buffer[0]));
+        bytes_[0] = ByteOf(held_, EncodeSample(buffer[0]));
         holding_ = false;
         bytes = 1;
         // The sample after this one is skipped, and the call ends one past its last: files made in
@@ -108,15 +112,15 @@ void LSNKVOX::WriteBlock(const int* buffer, int frames) {
         --left;
     }
     const int inside = std::min(left, std::max(frames - at, 0)) / 2;
-    EncodeBytes(buffer + at, bytes_.get() + bytes, inside);
+    if (inside > 0)
+        EncodeBytes(buffer + at, bytes_.get() + bytes, inside);
     bytes += inside;
     at += 2 * inside;
     left -= 2 * inside;
     const auto sampleAt = [&](int index) { return buffer[std::min(index, frames - 1)]; };
     if (left >= 2) {
         const unsigned high = EncodeSample(sampleAt(at));
-        bytes_[static_cast<std::size_t>(bytes++)] =
-            static_cast<std::uint8_t>(high << 4U | EncodeSample(sampleAt(at + 1)));
+        bytes_[static_cast<std::size_t>(bytes++)] = ByteOf(high, EncodeSample(sampleAt(at + 1)));
         at += 2;
         left -= 2;
     }

@@ -1,7 +1,5 @@
 #include "formats/wave_sink.h"
 
-#include <cstring>
-
 #include "formats/file_io.h"
 #include "formats/wave_format.h"
 
@@ -45,9 +43,10 @@ void LSNKPCMFileBase::WriteRIFF(bool final) {
         final ? DataSizeField(framesWritten_, blockAlign, kAroundData) : kUnknownBytes;
     const auto rate = static_cast<std::uint32_t>(sampleRate_);
     std::uint8_t header[kWaveHeaderBytes] = {};
-    std::memcpy(header, "RIFF", 4);
+    StoreId(header, "RIFF");
     StoreLE32(header + 4, dataBytes == kUnknownBytes ? kUnknownBytes : dataBytes + kAroundData);
-    std::memcpy(header + 8, "WAVEfmt ", 8);
+    StoreId(header + 8, "WAVE");
+    StoreId(header + 12, "fmt ");
     StoreLE32(header + 16, kWaveFormatExBytes);
     StoreLE16(header + 20, kWaveTagPcm);
     StoreLE16(header + 22, channels_);
@@ -55,7 +54,7 @@ void LSNKPCMFileBase::WriteRIFF(bool final) {
     StoreLE32(header + 28, rate * blockAlign);
     StoreLE16(header + 32, blockAlign);
     StoreLE16(header + 34, bytesPerSample_ * 8);
-    std::memcpy(header + 38, "data", 4);
+    StoreId(header + 38, "data");
     StoreLE32(header + 42, dataBytes);
     NoteWriteError(writer_.WriteHeader(header, sizeof(header)));
 }

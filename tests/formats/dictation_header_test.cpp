@@ -7,27 +7,30 @@ namespace {
 
 struct Dictation {  // a header whose fields can be changed one at a time
     std::uint32_t version = 3, flags = 6, extra = 2, second = 3, endMark = 1;
-    std::int32_t sizeError = 0;
-    std::uint32_t attachmentSize = 2048;
-    std::uint32_t attachmentNameLength = 5;
-    std::string notes = Bytes().U8(5).Text("hello").Fill(9).U8(2).Text("by").Str();
+    std::uint32_t sizeError = 0, attachmentSize = 2048, attachmentNameLength = 5;
+    std::uint32_t firstNoteLength = 5;
+    std::string notes = Bytes().Text("hello").Fill(9).U8(2).Text("by").Str();
 
     std::string Build() const {
         Bytes tail;
         tail.LE32(flags).Fill(8, 'r');
         if (version == 3)
             tail.LE32(extra).Fill(extra < 100 ? extra : 0, 'x');
-        tail.Fill(4, 'r').Text(notes).Fill(1, 'r').LE32(second).Fill(second < 100 ? second : 0,
-                                                                     'y');
+        tail.Fill(4, 'r')
+            .U8(firstNoteLength)
+            .Text(notes)
+            .Fill(1, 'r')
+            .LE32(second)
+            .Fill(second < 100 ? second : 0, 'y');
         if ((flags & 4) != 0) {
             tail.U8(2).U8(attachmentNameLength).Text("a.txt").LE32(attachmentSize);
             tail.Fill(attachmentSize < 5000 ? attachmentSize : 0, 'd').U8(0).LE32(0);
         }
         if (version >= 1)
             tail.U8(endMark);
-        const auto size = static_cast<std::int64_t>(tail.Str().size()) + 6 + 4 + sizeError;
+        const auto size = static_cast<std::uint32_t>(tail.Str().size()) + 6 + 4 + sizeError;
         Bytes whole;
-        whole.LE16(version).LE32(static_cast<std::uint32_t>(size)).Text(tail.Str()).Text("SND!");
+        whole.LE16(version).LE32(size).Text(tail.Str()).Text("SND!");
         return whole.Str();
     }
 };
@@ -60,7 +63,8 @@ TEST_F(DictationHeader, IsDescribedAndSkipped) {
     Dictation plain;
     plain.version = 0;
     plain.flags = 2;  // means nothing before version 2
-    plain.notes = std::string(11, '\0');
+    plain.firstNoteLength = 0;
+    plain.notes = std::string(10, '\0');
     EXPECT_EQ(Describe(plain.Build()), "Version: 0\r\nEncrypted: No\r\n\r\nOther Notes:\r\n\r\n");
     plain.version = 2;
     EXPECT_EQ(Describe(plain.Build()).substr(0, 28), "Version: 2\r\nEncrypted: Yes\r\n");
@@ -70,39 +74,31 @@ TEST_F(DictationHeader, IsDescribedAndSkipped) {
 }
 
 TEST_F(DictationHeader, OneChangedFieldACase) {
-    struct Case {
-        const char* name;
-        void (*change)(Dictation&);
+    const struct {
+        std::uint32_t Dictation::*field;
+        std::vector<std::uint32_t> values;
         bool valid;
-    };
-    const Case cases[] = {
-        {"version 4", [](Dictation& d) { d.version = 4; }, false},
-        {"version 65535", [](Dictation& d) { d.version = 65535; }, false},
-        {"size one more", [](Dictation& d) { d.sizeError = 1; }, false},
-        {"size one less", [](Dictation& d) { d.sizeError = -1; }, false},
-        {"extra block past the end", [](Dictation& d) { d.extra = 1 << 20; }, false},
-        {"extra block 2^31", [](Dictation& d) { d.extra = 1U << 31; }, false},
-        {"extra block 2^32-1", [](Dictation& d) { d.extra = 0xFFFFFFFF; }, false},
-        {"second block past the end", [](Dictation& d) { d.second = 1 << 20; }, false},
-        {"second block 2^32-1", [](Dictation& d) { d.second = 0xFFFFFFFF; }, false},
-        {"attachment past the end", [](Dictation& d) { d.attachmentSize = 1 << 20; }, false},
-        {"attachment 2^32-1", [](Dictation& d) { d.attachmentSize = 0xFFFFFFFF; }, false},
-        {"attachment name past the end",
-         [](Dictation& d) { d.attachmentNameLength = 255, d.attachmentSize = 0; }, false},
-        {"note past the end",
-         [](Dictation& d) {
-             d.notes = "\xFF";
-             d.flags = 0;
-         },
-         false},
-        {"no end mark", [](Dictation& d) { d.endMark = 0; }, false},
-        {"end mark 255", [](Dictation& d) { d.endMark = 255; }, true},
-        {"empty blocks", [](Dictation& d) { d.extra = d.second = 0; }, true},
-    };
-    for (const Case& c : cases) {
-        Dictation header;
-        c.change(header);
-        EXPECT_EQ(Describe(header.Build()) != "refused", c.valid) << c.name;
+    } cases[] = {{&Dictation::version, {4, 65535}, false},
+                 {&Dictation::sizeError, {1, 0xFFFFFFFF}, false},
+                 {&Dictation::extra, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
+                 {&Dictation::second, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
+                 {&Dictation::attachmentSize, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
+                 {&Dictation::attachmentNameLength, {255}, false},
+                 {&Dictation::firstNoteLength, {255}, false},
+                 {&Dictation::endMark, {0}, false},
+                 {&Dictation::endMark, {1, 255}, true},
+                 {&Dictation::extra, {0}, true},
+                 {&Dictation::second, {0}, true}};
+    for (const auto& c : cases) {
+        for (const std::uint32_t value : c.values) {
+            Dictation header;
+            header.*c.field = value;
+            if (c.field == &Dictation::attachmentNameLength ||
+                c.field == &Dictation::firstNoteLength)
+                header.attachmentSize = 0;  // so that the length reaches past the end
+            EXPECT_EQ(Describe(header.Build()) != "refused", c.valid)
+                << &c - cases << ": " << value;
+        }
     }
     // An extra block as long as the file is refused on the spot, one byte less is walked.
     for (const std::uint32_t extra : {60U, 59U}) {

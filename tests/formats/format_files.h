@@ -74,7 +74,7 @@ private:
 
 // Reads the whole source by requests of `step` frames and checks that what follows the end is
 // silence.
-inline std::vector<int> ReadAll(LSoundSource source, int step = kMaxBlockFrames) {
+inline std::vector<int> ReadAll(const LSoundSource& source, int step = kMaxBlockFrames) {
     const int channels = source->Channels();
     const int end = source->GetEndSample();
     std::vector<int> all;
@@ -91,7 +91,8 @@ inline std::vector<int> ReadAll(LSoundSource source, int step = kMaxBlockFrames)
     return all;
 }
 
-inline void WriteAll(LSoundSink sink, const std::vector<int>& samples, int step = kMaxBlockFrames) {
+inline void WriteAll(const LSoundSink& sink, const std::vector<int>& samples,
+                     int step = kMaxBlockFrames) {
     const int frames = static_cast<int>(samples.size()) / sink->Channels();
     for (int at = 0; at < frames; at += step)
         sink->Write(samples.data() + at * sink->Channels(), std::min(step, frames - at));

@@ -255,9 +255,9 @@ TEST_F(GsmTest, OtherDecodersHearWhatOursHears) {
 
 TEST_F(GsmTest, CodesAsWellAsAnotherEncoder) {
     const std::vector<int> voice = Voice(kGsmRate * 4);
-    std::vector<std::int16_t> words;
-    for (const int sample : voice)
-        words.push_back(static_cast<std::int16_t>(sample / 16));
+    std::vector<std::int16_t> words(voice.size());
+    std::transform(voice.begin(), voice.end(), words.begin(),
+                   [](int sample) { return static_cast<std::int16_t>(sample / 16); });
     Save("in.raw", words.data(), words.size() * 2);
     const std::vector<int> theirs =
         Witness("toast -l -c in.raw > voice.gsm && toast -d -l -c voice.gsm > out.raw");

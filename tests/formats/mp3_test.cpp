@@ -149,9 +149,10 @@ TEST_F(Mp3Test, AToneComesBackFromTheEncodedFile) {
     LSoundSink sink = OpenMp3Sink(path.c_str(), settings, 44100, 2);
     ASSERT_EQ(sink->SampleRate(), 44100);
     std::vector<int> tone(44100 * 2);
-    for (std::size_t i = 0; i < tone.size(); i++)
-        tone[i] = static_cast<int>(
-            200000 * std::sin(2 * std::acos(-1.0) * 440 * static_cast<double>(i / 2) / 44100));
+    for (std::size_t i = 0; i < tone.size(); i++) {
+        const auto frame = static_cast<double>(i >> 1);
+        tone[i] = static_cast<int>(200000 * std::sin(2 * std::acos(-1.0) * 440 * frame / 44100));
+    }
     for (int at = 0; at < 44100; at += 8192)
         sink->Write(&tone[static_cast<std::size_t>(at) * 2], std::min(8192, 44100 - at));
     EXPECT_EQ(static_cast<LPipe16Sink*>(sink.Get())->Finish(), 0);

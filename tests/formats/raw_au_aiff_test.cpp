@@ -198,72 +198,62 @@ TEST_F(RowFiles, AuSinksWriteTheHeaderOfTheirCodec) {
 }
 
 TEST_F(RowFiles, AiffOneChangedFieldACase) {
-    struct Case {
-        const char* name;
-        void (*change)(Aiff&);
-        int status, rate;
-    };
-    const Case cases[] = {
-        {"as it is", [](Aiff&) {}, kGood, 44100},
-        {"not a FORM", [](Aiff& a) { a.form = "RIFF"; }, kInvalidFormat, 0},
-        {"AIFF-C", [](Aiff& a) { a.type = "AIFC"; }, kInvalidFormat, 0},
-        {"COMM of 17", [](Aiff& a) { a.commSize = 17; }, kInvalidFormat, 0},
-        {"COMM of 0", [](Aiff& a) { a.commSize = 0; }, kInvalidFormat, 0},
-        {"COMM of 2^31", [](Aiff& a) { a.commSize = 1U << 31; }, kInvalidFormat, 0},
-        {"COMM of 2^32-1", [](Aiff& a) { a.commSize = 0xFFFFFFFF; }, kInvalidFormat, 0},
-        {"longer COMM", [](Aiff& a) { a.commSize = 21, a.commTail = "abc"; }, kGood, 44100},
-        {"odd chunks are not padded",
-         [](Aiff& a) { a.before = std::string("NAME\0\0\0\3abc", 11); }, kGood, 44100},
-        {"empty chunks",
-         [](Aiff& a) {
-             for (int i = 0; i < 20000; ++i)
-                 a.between += std::string("null\0\0\0\0", 8);
-         },
-         kGood, 44100},
-        {"chunk of 2^31-1", [](Aiff& a) { a.before = "NAME\x7F\xFF\xFF\xFF"; }, kInvalidFormat, 0},
-        {"chunk of 2^31", [](Aiff& a) { a.between = std::string("NAME\x80\0\0\0", 8); },
-         kInvalidFormat, 0},
-        {"SSND before COMM is skipped", [](Aiff& a) { a.before = std::string("SSND\0\0\0\1x", 9); },
-         kGood, 44100},
-        {"no channels", [](Aiff& a) { a.channels = 0; }, kInvalidFormat, 0},
-        {"256 channels", [](Aiff& a) { a.channels = 256; }, kInvalidFormat, 0},
-        {"0 bits", [](Aiff& a) { a.bits = 0; }, kInvalidFormat, 0},
-        {"9 bits", [](Aiff& a) { a.bits = 9; }, kGood, 44100},
-        {"17 bits", [](Aiff& a) { a.bits = 17; }, kUnsupported, 0},
-        {"65535 bits", [](Aiff& a) { a.bits = 65535; }, kUnsupported, 0},
-        {"rate zero", [](Aiff& a) { a.rate = Rate({}); }, kInvalidFormat, 0},
-        {"rate infinite",
-         [](Aiff& a) {
-             a.rate = Rate({0x7F, 0xFF, 0x80});
-         },
-         kInvalidFormat, 0},
-        {"rate no number",
-         [](Aiff& a) {
-             a.rate = Rate({0x7F, 0xFF, 0xC0});
-         },
-         kInvalidFormat, 0},
-        {"rate 2^31",
-         [](Aiff& a) {
-             a.rate = Rate({0x40, 30, 0x80});
-         },
-         kInvalidFormat, 0},
-        {"rate 2^31-1",
-         [](Aiff& a) {
-             a.rate = Rate({0x40, 29, 0xFF, 0xFF, 0xFF, 0xFE});
-         },
-         kGood, INT_MAX},
-        {"SSND unfinished", [](Aiff& a) { a.ssndSize = 0xFFFFFFFF; }, kGood, 44100},
-    };
-    for (const Case& c : cases) {
-        Aiff aiff;
-        c.change(aiff);
+    const auto expect = [this](const Aiff& aiff, int status, int rate, const std::string& what) {
         const LSoundSource source = LAifFile::OpenSource(Store("a.aif", aiff.Build()).c_str());
-        EXPECT_EQ(source->Status(), c.status) << c.name;
-        if (c.status != kGood)
-            continue;
-        EXPECT_EQ(source->SampleRate(), c.rate) << c.name;
-        EXPECT_EQ(ReadAll(source), kThreeValues) << c.name;
+        EXPECT_EQ(source->Status(), status) << what;
+        if (status != kGood)
+            return;
+        EXPECT_EQ(source->SampleRate(), rate) << what;
+        EXPECT_EQ(ReadAll(source), kThreeValues) << what;
+    };
+    const struct {
+        std::uint32_t Aiff::*field;
+        std::vector<std::uint32_t> values;
+        int status;
+    } numbers[] = {{&Aiff::commSize, {0, 17, 0x7FFFFFFF, 1U << 31, 0xFFFFFFFF}, kInvalidFormat},
+                   {&Aiff::channels, {0, 256, 65535}, kInvalidFormat},
+                   {&Aiff::bits, {9, 16}, kGood},
+                   {&Aiff::bits, {0}, kInvalidFormat},
+                   {&Aiff::bits, {17, 65535}, kUnsupported},
+                   {&Aiff::ssndSize, {14, 15, 0xFFFFFFFF}, kGood}};
+    for (const auto& c : numbers) {
+        for (const std::uint32_t value : c.values) {
+            Aiff aiff;
+            aiff.*c.field = value;
+            expect(aiff, c.status, 44100,
+                   std::to_string(&c - numbers) + ": " + std::to_string(value));
+        }
     }
+    std::string empty;
+    for (int i = 0; i < 20000; ++i)
+        empty += std::string("null\0\0\0\0", 8);
+    const struct {
+        std::string Aiff::*field;
+        std::string value;
+        int status, rate;
+    } texts[] = {
+        {&Aiff::form, "RIFF", kInvalidFormat, 0},
+        {&Aiff::type, "AIFC", kInvalidFormat, 0},
+        {&Aiff::before, std::string("NAME\0\0\0\3abc", 11), kGood, 44100},  // no pad byte
+        {&Aiff::before, std::string("SSND\0\0\0\1x", 9), kGood, 44100},
+        {&Aiff::before, "NAME\x7F\xFF\xFF\xFF", kInvalidFormat, 0},
+        {&Aiff::between, std::string("NAME\x80\0\0\0", 8), kInvalidFormat, 0},
+        {&Aiff::between, empty, kGood, 44100},
+        {&Aiff::rate, Rate({}), kInvalidFormat, 0},
+        {&Aiff::rate, Rate({0x7F, 0xFF, 0x80}), kInvalidFormat, 0},  // infinity
+        {&Aiff::rate, Rate({0x7F, 0xFF, 0xC0}), kInvalidFormat, 0},  // not a number
+        {&Aiff::rate, Rate({0x40, 30, 0x80}), kInvalidFormat, 0},    // 2^31
+        {&Aiff::rate, Rate({0x40, 29, 0xFF, 0xFF, 0xFF, 0xFE}), kGood, INT_MAX},
+    };
+    for (const auto& c : texts) {
+        Aiff aiff;
+        aiff.*c.field = c.value;
+        expect(aiff, c.status, c.rate, std::to_string(&c - texts) + " in texts");
+    }
+    Aiff longer;
+    longer.commSize = 21;
+    longer.commTail = "abc";
+    expect(longer, kGood, 44100, "longer COMM");
     Aiff small;
     small.ssndSize = 7;
     EXPECT_EQ(LAifFile::OpenSource(Store("s.aif", small.Build()).c_str())->GetEndSample(), 0);

@@ -118,48 +118,22 @@ TEST(SampleFormats, G711DecodesAsTheRecommendation) {
     EXPECT_EQ(lowered, 32);  // segment 5, both signs, one 14-bit step low
 }
 
-// The recommendation's decision values lie half way between decoded neighbours (up to the lowered
-// segment).
-TEST(SampleFormats, G711EncodesEverySampleToTheStatedByte) {
-    constexpr int kMuBase[] = {0, 1984, 6080, 14272, 30656, 63360, 128960, 260032};
-    constexpr int kABase[] = {0, 4096, 8192, 16384, 32768, 65536, 131072, 262144};
-    std::vector<int> samples;
-    for (int s = -600000; s <= 600000; ++s)
-        samples.push_back(s);
-    for (const int s : {INT_MIN, INT_MIN + 1, INT_MAX, -2097152, 2097152, 1 << 22, -(1 << 30)})
-        samples.push_back(s);
-    std::vector<LSFULAW> mu(samples.size());
-    std::vector<LSFALAW> a(samples.size());
-    ConvertSamplesOut(samples.data(), mu.data(), static_cast<int>(samples.size()));
-    ConvertSamplesOut(samples.data(), a.data(), static_cast<int>(samples.size()));
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        const int s = samples[i];
-        const std::int64_t magnitude = std::abs(static_cast<std::int64_t>(s));
-        int segment = 7;
-        while (magnitude < kMuBase[segment])
-            --segment;
-        const std::int64_t muMantissa =
-            std::min<std::int64_t>((magnitude - kMuBase[segment]) >> (segment + 7), 15);
-        const auto muByte = ~((s < 0 ? 0x80 : 0) | segment << 4 | muMantissa) & 0xFF;
-        ASSERT_EQ(mu[i].bits, muByte) << s;
-        segment = 7;
-        while (magnitude < kABase[segment])
-            --segment;
-        const std::int64_t aMantissa =
-            std::min<std::int64_t>((magnitude - kABase[segment]) / LSFALAW::D[segment], 15);
-        const auto aByte = ((s < 0 ? 0 : 0x80) | segment << 4 | aMantissa) ^ 0x55;
-        ASSERT_EQ(a[i].bits, aByte) << s;
-        LSFULAW oneMu;
-        LSFALAW oneA;
-        oneMu.Set(s);
-        oneA.Set(s);
-        ASSERT_EQ(oneMu.bits, mu[i].bits) << s;
-        ASSERT_EQ(oneA.bits, a[i].bits) << s;
+TEST(SampleFormats, G711CodesBeginAtTheirThresholds) {
+    // First and last magnitude of a code, in pipeline units; beyond the largest it stays.
+    struct Case {
+        int first, last;
+        std::uint32_t muLaw;
+    };
+    for (const Case& c :
+         {Case{0, 127, 0xFF}, Case{128, 255, 0xFE}, Case{1920, 1983, 0xF0}, Case{1984, 2239, 0xEF},
+          Case{61376, 63359, 0xB0}, Case{63360, 67455, 0xAF}, Case{124800, 128959, 0xA0},
+          Case{128960, 137151, 0x9F}, Case{505792, INT_MAX, 0x80}}) {
+        for (const int sample : {c.first, c.last}) {
+            EXPECT_EQ(Out<LSFULAW>(sample), c.muLaw) << sample;
+            EXPECT_EQ(Out<LSFULAW>(-std::max(sample, 1)), c.muLaw & 0x7F) << sample;
+        }
     }
     for (std::uint32_t byte = 0; byte < 256; ++byte) {
-        const auto bits = static_cast<std::uint8_t>(byte);
-        EXPECT_EQ(LSFULAW{bits}.Get(), In<LSFULAW>(byte));
-        EXPECT_EQ(LSFALAW{bits}.Get(), In<LSFALAW>(byte));
         EXPECT_EQ(Out<LSFALAW>(In<LSFALAW>(byte)), byte);
         const std::uint32_t expected = byte == 0x7F ? 0xFF : byte;  // minus zero becomes zero
         EXPECT_EQ(Out<LSFULAW>(In<LSFULAW>(byte)), expected);
@@ -167,75 +141,66 @@ TEST(SampleFormats, G711EncodesEverySampleToTheStatedByte) {
 }
 
 template <typename Stored>
-void ExpectOddLengthsMatchSingles() {
-    std::vector<int> samples;
-    for (int i = 0; i < 1100; ++i)
-        samples.push_back((i * 7919 % 65536 - 32768) * 16 + i % 16);
-    for (const int count : {0, 1, 2, 3, 7, 8, 9, 17, 511, 513, 1031}) {
-        std::vector<Stored> stored(1100, Stored{0x5A});
-        ConvertSamplesOut(samples.data(), stored.data(), count);
-        std::vector<int> back(1100, 77);
-        ConvertSamplesIn(stored.data(), back.data(), count);
-        for (int i = 0; i < count; ++i) {
-            ASSERT_EQ(stored[static_cast<std::size_t>(i)].bits,
-                      Out<Stored>(samples[static_cast<std::size_t>(i)]));
-            ASSERT_EQ(back[static_cast<std::size_t>(i)],
-                      In<Stored>(stored[static_cast<std::size_t>(i)].bits));
-        }
-        EXPECT_EQ(stored[static_cast<std::size_t>(count)].bits, 0x5A);
-        EXPECT_EQ(back[static_cast<std::size_t>(count)], 77);
+void ExpectBlocksMatchTheLaw() {
+    std::vector<int> samples = {INT_MIN, INT_MIN + 1, INT_MAX};
+    for (int s = -600000; s <= 600000; ++s)
+        samples.push_back(s);
+    std::vector<Stored> block(samples.size());
+    ConvertSamplesOut(samples.data(), block.data(), static_cast<int>(samples.size()));
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        Stored one;
+        one.Set(samples[i]);
+        ASSERT_EQ(one.bits, block[i].bits) << samples[i];
+        ASSERT_EQ(one.Get(), In<Stored>(one.bits)) << samples[i];
     }
 }
 
-TEST(SampleFormats, BlocksOfAnyLengthConvertLikeSingleSamples) {
-    ExpectOddLengthsMatchSingles<LSF16>();
-    ExpectOddLengthsMatchSingles<LSFBE16>();
-    ExpectOddLengthsMatchSingles<LSFS8>();
-    ExpectOddLengthsMatchSingles<LSFU8>();
-    ExpectOddLengthsMatchSingles<LSFF32>();
-    ExpectOddLengthsMatchSingles<LSFFRE32>();
-    ExpectOddLengthsMatchSingles<LSFULAW>();
-    ExpectOddLengthsMatchSingles<LSFALAW>();
+TEST(SampleFormats, G711BlocksMatchTheLawOverTheWholeDomain) {
+    ExpectBlocksMatchTheLaw<LSFULAW>();
+    ExpectBlocksMatchTheLaw<LSFALAW>();
 }
 
-// Whatever the processor offers gives the bits of the plain loops, also on samples far outside.
-TEST(SampleFormats, EveryKernelGivesTheSameBits) {
-    std::vector<int> samples;
+// Whatever the processor offers gives the bits of the plain loops, for blocks of any length and on
+// samples far outside.
+template <typename Stored>
+void ExpectKernelsAgree(void (*LSampleKernels::*out)(const int*, Stored*, int),
+                        void (*LSampleKernels::*in)(const Stored*, int*, int)) {
+    std::vector<int> samples = {INT_MIN, INT_MIN + 1, INT_MAX, 0, -1, 1, 63, 64, -64};
     std::uint32_t state = 99;
     for (int i = 0; i < 40000; ++i) {
         state = state * 1664525 + 1013904223;
         samples.push_back(static_cast<std::int32_t>(state) >> (i % 20));
     }
-    samples.insert(samples.end(), {INT_MIN, INT_MIN + 1, INT_MAX, 0, -1, 1, 63, 64, -64});
-    const LSampleKernels& fast = SampleKernels();
-    const LSampleKernels& plain = kPlainSampleKernels;
-    const int count = static_cast<int>(samples.size());
-    const auto compare = [&]<typename Stored>(auto out, auto in, Stored) {
-        std::vector<Stored> a(samples.size());
-        std::vector<Stored> b(samples.size());
-        (fast.*out)(samples.data(), a.data(), count);
-        (plain.*out)(samples.data(), b.data(), count);
-        for (std::size_t i = 0; i < samples.size(); ++i)
-            ASSERT_EQ(a[i].bits, b[i].bits) << samples[i];
-        if constexpr (!std::is_same_v<decltype(in), std::nullptr_t>) {
-            for (std::size_t i = 0; i < samples.size(); ++i)  // any bits at all, as in a file
-                a[i].bits = static_cast<decltype(Stored::bits)>(samples[i]);
-            std::vector<int> c(samples.size());
-            std::vector<int> d(samples.size());
-            (fast.*in)(a.data(), c.data(), count);
-            (plain.*in)(a.data(), d.data(), count);
-            ASSERT_EQ(c, d);
+    const LSampleKernels* const both[] = {&SampleKernels(), &kPlainSampleKernels};
+    for (const int count : {0, 1, 2, 3, 7, 8, 9, 17, 511, 513, 40009}) {
+        std::vector<Stored> stored[2];
+        std::vector<int> back[2];
+        for (std::size_t k = 0; k < 2; ++k) {
+            stored[k].assign(samples.size() + 1, Stored{0x5A});
+            back[k].assign(samples.size() + 1, 77);
+            (both[k]->*out)(samples.data(), stored[k].data(), count);
+            if (in != nullptr)  // any bits at all, as in a file
+                (both[k]->*in)(reinterpret_cast<const Stored*>(samples.data()), back[k].data(),
+                               count);
+            EXPECT_EQ(stored[k][static_cast<std::size_t>(count)].bits, 0x5A);
+            EXPECT_EQ(back[k][static_cast<std::size_t>(count)], 77);
         }
-    };
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            ASSERT_EQ(stored[0][i].bits, stored[1][i].bits) << samples[i];
+        ASSERT_EQ(back[0], back[1]);
+    }
+}
+
+TEST(SampleFormats, EveryKernelGivesTheSameBits) {
     using K = LSampleKernels;
-    compare(&K::out16, &K::in16, LSF16{});
-    compare(&K::outBE16, &K::inBE16, LSFBE16{});
-    compare(&K::outS8, &K::inS8, LSFS8{});
-    compare(&K::outU8, &K::inU8, LSFU8{});
-    compare(&K::outF32, &K::inF32, LSFF32{});
-    compare(&K::outRE32, &K::inRE32, LSFFRE32{});
-    compare(&K::outMuLaw, nullptr, LSFULAW{});
-    compare(&K::outALaw, nullptr, LSFALAW{});
+    ExpectKernelsAgree<LSF16>(&K::out16, &K::in16);
+    ExpectKernelsAgree<LSFBE16>(&K::outBE16, &K::inBE16);
+    ExpectKernelsAgree<LSFS8>(&K::outS8, &K::inS8);
+    ExpectKernelsAgree<LSFU8>(&K::outU8, &K::inU8);
+    ExpectKernelsAgree<LSFF32>(&K::outF32, &K::inF32);
+    ExpectKernelsAgree<LSFFRE32>(&K::outRE32, &K::inRE32);
+    ExpectKernelsAgree<LSFULAW>(&K::outMuLaw, nullptr);
+    ExpectKernelsAgree<LSFALAW>(&K::outALaw, nullptr);
 }
 
 }  // namespace
