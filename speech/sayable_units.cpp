@@ -18,6 +18,12 @@ constexpr int kMaxWordlessRow = 20;
 constexpr std::string_view kClosingPunctuation = "\"'`.,:;!?(){}[]";
 constexpr std::string_view kBlanks = " \t";
 
+// Letters and digits, but neither fractions and superscripts nor the ordinal signs.
+bool IsSayable(char32_t character) {
+    return g_unichar_isdigit(character) ||
+           (g_unichar_isalpha(character) && character != 0x00AA && character != 0x00BA);
+}
+
 std::string_view TrailingPunctuation(std::string_view word) {
     const std::size_t last = word.find_last_not_of(kClosingPunctuation);
     return last == std::string_view::npos ? word : word.substr(last + 1);
@@ -38,17 +44,25 @@ bool MayEndUnit(std::string_view word, std::string_view whitespaceAfter) {
     return TrailingPunctuation(word).size() > 1 || whitespaceAfter != " ";
 }
 
+// The same for a word of punctuation, as the engine takes it apart: opening marks, a name of at
+// least one character, closing marks. "..." ends a unit, "?" and ":-)" do not.
 bool MayEndWordlessUnit(std::string_view word) {
-    return word.find_first_of(".?:!;") != std::string_view::npos ||
-           word.find("--") != std::string_view::npos;
+    const std::size_t start = std::min(word.find_first_not_of("\"'`({["), word.size());
+    const std::string_view rest = word.substr(start);
+    if (rest.empty())
+        return false;
+    const std::string_view trailing = TrailingPunctuation(rest);
+    const std::size_t nameLength = std::max<std::size_t>(rest.size() - trailing.size(), 1);
+    const std::string_view name = rest.substr(0, nameLength);
+    return rest.find_first_of(".?:!;", nameLength) != std::string_view::npos ||
+           (name.size() > 1 && name.find_first_not_of('-') == std::string_view::npos);
 }
 
 class UnitFilter {
 public:
     UnitFilter(std::string_view text, VoiceCharset charset) : text_(text), charset_(charset) {
         for (std::size_t byte = 0; byte < sayable_.size(); ++byte)
-            sayable_[byte] =
-                g_unichar_isalnum(CharacterOfByte(static_cast<unsigned char>(byte), charset));
+            sayable_[byte] = IsSayable(CharacterOfByte(static_cast<unsigned char>(byte), charset));
         out_.reserve(text.size() + text.size() / 64);
     }
 
@@ -78,7 +92,7 @@ private:
             });
         const char* const end = part.data() + part.size();
         for (const char* at = part.data(); at < end; at = g_utf8_next_char(at))
-            if (g_unichar_isalnum(g_utf8_get_char(at)))
+            if (IsSayable(g_utf8_get_char(at)))
                 return true;
         return false;
     }

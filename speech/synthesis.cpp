@@ -10,8 +10,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
-#include <set>
 #include <utility>
 
 #include "formats/wave_file.h"
@@ -64,38 +62,6 @@ bool IsShorterThanAnnounced(const std::string& path, int frames) {
     return FileSize(path) < announced;
 }
 
-// Sound files of engines that were left behind. Their workers remove them; the end of the program,
-// which does not wait for engines, removes the rest. Never destroyed, since workers may outlast
-// every static object.
-class LeftoverFiles {
-public:
-    static LeftoverFiles& Get() {
-        static LeftoverFiles* const files = [] {
-            std::atexit([] { Get().RemoveAll(); });
-            return new LeftoverFiles;
-        }();
-        return *files;
-    }
-    void Add(const std::string& path) {
-        const std::lock_guard lock(mutex_);
-        paths_.insert(path);
-    }
-    void Remove(const std::string& path) {
-        const std::lock_guard lock(mutex_);
-        ::unlink(path.c_str());
-        paths_.erase(path);
-    }
-
-private:
-    void RemoveAll() {
-        const std::lock_guard lock(mutex_);
-        for (const std::string& path : paths_)
-            ::unlink(path.c_str());
-    }
-    std::mutex mutex_;
-    std::set<std::string> paths_;
-};
-
 }  // namespace
 
 std::string SynthesisMessage(SynthesisOutcome outcome) {
@@ -109,6 +75,8 @@ std::string SynthesisMessage(SynthesisOutcome outcome) {
             return "There is nothing in this text that the chosen voice can speak.";
         case SynthesisOutcome::EngineMissing:
             return "The speech engine is not installed: the program \"text2wave\" was not found.";
+        case SynthesisOutcome::CannotStart:
+            return "The speech engine could not be started: the system is out of resources.";
         case SynthesisOutcome::NoSound:
             return "The speech engine produced no sound for this text.";
         case SynthesisOutcome::Incomplete:
@@ -174,7 +142,7 @@ bool SynthesisRun::Start() {
         return false;
     }
     if (!StartWorker(std::move(command))) {
-        request_.outcome = SynthesisOutcome::NoSound;
+        request_.outcome = SynthesisOutcome::CannotStart;
         return false;
     }
     return true;
@@ -207,7 +175,10 @@ bool SynthesisRun::ChooseCommand(std::string_view voice, std::string& command) {
 
 bool SynthesisRun::StartWorker(std::string command) {
     record_ = std::make_shared<Record>();
-    record_->command = std::move(command);
+    // The text file goes when the waiter gives up: the shell then removes the sound that nobody
+    // will fetch, also when this program has ended by that time.
+    record_->command = std::move(command) + "; test -e " + ShellWord(textPath_) + " || rm -f " +
+                       ShellWord(soundPath_);
     record_->soundPath = soundPath_;
     auto* const share = new std::shared_ptr<Record>(record_);
     pthread_attr_t attributes;
@@ -232,7 +203,7 @@ void* SynthesisRun::ProcessRunThreadCallback(void* share) {
     record->finished.Signal();
     record->released.Ref().WaitSignalForever();
     if (record->abandoned.load())
-        LeftoverFiles::Get().Remove(record->soundPath);
+        ::unlink(record->soundPath.c_str());
     return nullptr;
 }
 
@@ -242,10 +213,10 @@ LProcessResult SynthesisRun::Finish(LProcessResult waited) {
             request_.outcome = SynthesisOutcome::Stopped;
         else if (waited == kProcessFailed)
             request_.outcome = SynthesisOutcome::TimedOut;
+        else if (record_->result.load() == kProcessFailed)
+            request_.outcome = SynthesisOutcome::CannotStart;
         else
             request_.outcome = Judge();
-        if (waited != kProcessDone)
-            LeftoverFiles::Get().Add(soundPath_);
         record_->abandoned.store(waited != kProcessDone);
         record_->released.Signal();
     }

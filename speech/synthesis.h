@@ -23,6 +23,7 @@ enum class SynthesisOutcome {
     TimedOut,
     NothingToSay,  // the text holds nothing that can be said; the engine was not started
     EngineMissing,
+    CannotStart,  // the system has no room for another process or thread
     NoSound,      // the engine ended without a single sample
     Incomplete,   // the engine ended before all that it announced was there
     CannotWrite,  // the text or the sound could not be written

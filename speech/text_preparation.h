@@ -14,5 +14,7 @@ struct PreparedText {
 };
 
 // Pure function of its arguments, linear in the text's length; text is UTF-8, invalid bytes are
-// dropped. Plain ASCII with something to say in each line comes back unchanged.
+// dropped. Plain ASCII with something to say in each line comes back unchanged, except where the
+// engine would make a unit of punctuation alone and die on it: such a word ("--" or "..." behind a
+// sentence's end or at the beginning) goes, as the pause is there already.
 PreparedText PrepareText(std::string_view text, VoiceCharset charset);

@@ -13,6 +13,7 @@
 #include "foundation/file.h"
 #include "foundation/ticks.h"
 #include "foundation/unique_fd.h"
+#include "speech/voices.h"
 
 namespace {
 
@@ -30,6 +31,7 @@ LTTSSoundSource::LTTSSoundSource(const char* text, int voice)
     request_.voice = voice;
     if (!ChoosePath())
         return;
+    TTSGetNumSpeakers();  // on this thread, so that the source's own finds the voice table filled
     Start(kThreadPriority);
     if (request_.done.Ref().WaitSignal(kConstructionTimeoutMilliseconds)) {
         Join();

@@ -127,6 +127,9 @@ int TTSGetNumSpeakers() {
         WriteAll(engine.WriteFd(), kListCommand);
         if (const int size = AwaitReply(engine.ReadFd()); size > 0)
             table = ParseVoiceList(ReadExactly(engine.ReadFd(), size));
+        // An engine that answers leaves at the end of its input; one that hangs would stay.
+        else
+            engine.Kill();
     }
     return static_cast<int>(table.size());
 }

@@ -149,19 +149,21 @@ TEST(Synthesis, AnEngineLeftBehindNeverTouchesALaterRun) {
     }
 }
 
-TEST(Synthesis, TheEndOfTheProgramRemovesTheFileOfAnEngineLeftBehind) {
+TEST(Synthesis, AnEngineThatOutlivesTheProgramLeavesNoFileBehind) {
     const FakeEngine engine;
-    engine.Speak("sleep 1");
+    engine.Speak("sleep 1; yes late | head -n 5000 >\"$5\"; touch $here/late");
     ::signal(SIGCHLD, SIG_DFL);
     GTEST_FLAG_SET(death_test_style, "fast");
     EXPECT_EXIT(
         {
             Request request("Hello", engine.Folder() + "/s.wav");
-            const bool timedOut = request.Run(ImpatientProgress(100)) == SynthesisOutcome::TimedOut;
-            std::exit(timedOut && FilesLike(engine.Folder(), ".speech") == 1 ? 0 : 1);
+            const bool timedOut = request.Run(ImpatientProgress(250)) == SynthesisOutcome::TimedOut;
+            std::exit(timedOut ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
-    EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 0U);
+    EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 1U) << "the engine is still at work";
+    EXPECT_TRUE(Eventually([&] { return FilesLike(engine.Folder(), "late") == 1; }));
+    EXPECT_TRUE(Eventually([&] { return FilesLike(engine.Folder(), ".speech") == 0; }));
 }
 
 TEST(Synthesis, ManyRunsLeaveNoDescriptorAndNoTextFileBehind) {
@@ -175,8 +177,10 @@ TEST(Synthesis, ManyRunsLeaveNoDescriptorAndNoTextFileBehind) {
         EXPECT_EQ(Request("Hello", engine.Folder() + "/s.wav").Run(), SynthesisOutcome::Spoken);
     EXPECT_TRUE(Eventually([&] { return OpenDescriptors() <= before; }));
     std::ifstream texts(engine.Folder() + "/texts");
-    for (std::string path; std::getline(texts, path);)
+    int runs = 0;
+    for (std::string path; std::getline(texts, path); ++runs)
         EXPECT_FALSE(std::filesystem::exists(path)) << path;
+    EXPECT_EQ(runs, 6);
     EXPECT_EQ(ReadFile(engine.Folder() + "/fds"), "0\n1\n2\n3\n") << "3 is the listing's own";
 }
 

@@ -26,8 +26,8 @@ TEST(TextPreparation, PlainTextWithSomethingToSayInEachLinePassesUnchanged) {
          {"Hello world.", "One line,\nand another - with a dash.\n\nA paragraph.\n",
           "\"Quoted!\" she said; (he) didn't...  Two  blanks\tand a tab", "a -- b: c :-) d",
           "$5.00 + 50% = x_y @ http://www.example.com/a?b=c#d", "1.\n2)\n- three\n* four",
-          "He left. - She stayed.", "\n\n leading and trailing \n\n",
-          "etc. etc., e.g. Mr. Smith"}) {
+          "He left. - She stayed.", "Hello! :-) Bye.", "Really? ? (Yes)!", "So. ... and on",
+          "\n\n leading and trailing \n\n", "etc. etc., e.g. Mr. Smith"}) {
         const PreparedText prepared = PrepareText(text, VoiceCharset::Ascii);
         EXPECT_EQ(prepared.text, text);
         EXPECT_TRUE(prepared.hasWords) << text;
@@ -91,9 +91,11 @@ TEST(TextPreparation, LinesAndPunctuationWithNothingToSayGoAndTheirPauseStays) {
            {"after sentence punctuation", "He said \"!!!\" \"???\" and left.",
             "He said \"!!!\" and left."},
            {"between sentences", "Stop! ??? Go. Now? ... Yes", "Stop! Go. Now? Yes"},
+           {"behind a colon or more", "I said: -- no. Really?! ... Yes. Well... -- yes",
+            "I said: no. Really?! Yes. Well... yes"},
            {"dashes in a row", "a -- -- b", "a -- b"},
            {"at the ends", "... so! ***", " so!"},
-           {"dropped letters leave punctuation", "One! (Привет!) Two", "One! Two"},
+           {"dropped letters leave punctuation", "One! (Привет!) Two", "One! (!) Two"},
            {"only in another script", "One\nПривет!\nTwo", "One\n\nTwo"}});
 }
 
@@ -101,6 +103,8 @@ TEST(TextPreparation, TextWithoutWordsSaysSo) {
     for (const std::string text :
          {"", "   \n\t", "----", "?!", "😀😀", "Привет", "\x01\x02", "\xFF\xFE"})
         EXPECT_FALSE(PrepareText(text, VoiceCharset::Ascii).hasWords) << text;
+    for (const std::string text : {"½ ²", "ª º"})
+        EXPECT_FALSE(PrepareText(text, VoiceCharset::Latin1).hasWords) << text;
     EXPECT_TRUE(PrepareText("Привет", VoiceCharset::Utf8).hasWords);
     EXPECT_TRUE(PrepareText("ő", VoiceCharset::Latin2).hasWords);
 }

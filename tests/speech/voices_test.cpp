@@ -54,8 +54,12 @@ void AskUntilThereIsOne() {
     EXPECT_STREQ(name, "No Voices Found");
     engine.Script("festival", "exit 3");
     EXPECT_EQ(TTSGetNumSpeakers(), 0) << "dies at once";
-    engine.Script("festival", "read line; read line");
-    EXPECT_EQ(TTSGetNumSpeakers(), 0) << "prints nothing";
+    engine.Script("festival", "echo $$ >$here/pid; exec /bin/sleep 60");
+    EXPECT_EQ(TTSGetNumSpeakers(), 0) << "hangs";
+    const int hung = std::stoi(ReadFile(engine.Folder() + "/pid"));
+    for (int i = 0; i < 100 && ::kill(hung, 0) == 0; ++i)
+        ::usleep(10000);
+    EXPECT_NE(::kill(hung, 0), 0) << "is ended";
     engine.Script("festival",
                   "read line; echo \"$line\" >$here/asked; printf 'festival> (un deux)\\n'");
     EXPECT_EQ(TTSGetNumSpeakers(), 2);
