@@ -73,7 +73,7 @@ bool ParseTime(const std::string& text, long long& milliseconds) {
         double field = 0;
         for (; at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])); at++)
             field = field * 10 + (text[at] - '0');
-        if (at == start || field > 1e9)
+        if (at == start || field > 1e6)
             return false;
         seconds = seconds * 60 + field;
         if (at == text.size() || text[at] != ':')

@@ -1,7 +1,6 @@
 #include "tools/convert_run.h"
 
 #include <algorithm>
-#include <climits>
 
 #include "tools/sound_info.h"
 #include "tools/sound_output.h"
@@ -17,9 +16,20 @@ int Fail(const std::string& path, const std::string& error) {
     return kExitFailed;
 }
 
-int FrameAt(long long milliseconds, const LSoundSourceBase& source) {
-    const long long end = source.GetEndSample();
-    return static_cast<int>(std::min(milliseconds * source.SampleRate() / 1000, end));
+int FrameAt(long long milliseconds, int rate, int end) {
+    return static_cast<int>(std::min<long long>(milliseconds * rate / 1000, end));
+}
+
+// Leaves of the input what was asked for and is there; false when that is nothing.
+bool CutToSize(const ConvertOptions& options, SoundInput& input) {
+    const int end = input.source->GetEndSample() - input.missingFrames;
+    const int rate = input.source->SampleRate();
+    const TimeSpan span = options.span.value_or(TimeSpan{});
+    const int first = FrameAt(span.start, rate, end);
+    const int last = span.end ? FrameAt(*span.end, rate, end) : end;
+    if (options.span || input.missingFrames > 0)
+        CutInput(input, first, last);
+    return first < last || !options.span;
 }
 
 int ShowInfo(const ConvertOptions& options) {
@@ -42,13 +52,13 @@ int RunConvert(const ConvertOptions& options) {
     SoundInput input = OpenSoundInput(inputPath, options.raw);
     if (!input.error.empty())
         return Fail(inputPath, input.error);
-    if (options.span) {
-        const int start = FrameAt(options.span->start, *input.source);
-        const int end = FrameAt(options.span->end.value_or(INT_MAX), *input.source);
-        if (start >= end)
-            return Fail(inputPath, "holds no sound in that part");
-        CutInput(input, start, end);
-    }
+    if (input.missingFrames > 0)
+        Complain(kProgram, inputPath + ": is cut short: the last " +
+                               std::to_string(input.missingFrames) + " of " +
+                               std::to_string(input.source->GetEndSample()) +
+                               " frames are not there");
+    if (!CutToSize(options, input))
+        return Fail(inputPath, "holds no sound in that part");
     SoundOutput output(outputPath, options.overwrite, options.output);
     if (!output.Error().empty())
         return Fail(outputPath, output.Error());

@@ -167,7 +167,8 @@ private:
         if (request.outcome == SynthesisOutcome::Spoken)
             sizer_.Took(
                 std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-        return request.outcome;
+        // A terminal interrupts the engine as well, which then fails before the wait here ends.
+        return IsInterrupted() ? SynthesisOutcome::Stopped : request.outcome;
     }
 
     bool AppendPiece() {

@@ -117,5 +117,7 @@ std::string PrintSoundInfo(const std::string& path, const RawReading& raw) {
     if (isUnsupportedWave)
         return PrintUnsupportedWave(path) ? "" : input.error;
     PrintSource(*input.source);
+    if (input.missingFrames > 0)
+        std::printf("  Missing: %d frames at the end\n", input.missingFrames);
     return "";
 }

@@ -12,7 +12,9 @@
 #include "formats/au_file.h"
 #include "formats/gsm_file.h"
 #include "formats/raw_file.h"
+#include "formats/raw_file_data.h"
 #include "formats/wave_file.h"
+#include "formats/wave_source.h"
 #include "tools/tool_texts.h"
 
 namespace {
@@ -41,6 +43,15 @@ std::string StatusProblem(const SoundInput& input) {
         default:
             return std::string("is not a valid ") + NameOf(input.type) + " file";
     }
+}
+
+int FramesMissing(const LSoundSourceBase& source) {
+    int present = source.GetEndSample();
+    if (const auto* wave = dynamic_cast<const LSRCPCMFileBase*>(&source))
+        present = wave->FramesInFile();
+    else if (const auto* rows = dynamic_cast<const LRawFileDataSoundSourceBase*>(&source))
+        present = rows->FramesInFile();
+    return std::max(source.GetEndSample() - present, 0);
 }
 
 LSoundSource OpenHeaderless(const std::string& path, const RawReading& raw, SoundInput& input) {
@@ -91,6 +102,8 @@ SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
             input.source = OpenHeaderless(path, raw, input);
     }
     input.error = StatusProblem(input);
+    if (input.error.empty())
+        input.missingFrames = FramesMissing(*input.source);
     return input;
 }
 

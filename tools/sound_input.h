@@ -21,7 +21,8 @@ struct SoundInput {
     SoundType type = SoundType::Wav;
     SampleEncoding encoding = SampleEncoding::Pcm16;  // of headerless files
     LSoundSource source;                              // good when error is empty
-    std::string error;                                // without the path
+    int missingFrames = 0;  // that the header announces and the file does not hold, at the end
+    std::string error;      // without the path
 };
 
 // The type comes from the extension; a file of another or no extension is headerless when raw says

@@ -265,6 +265,15 @@ class ConvertTest(ProgramCase):
         self.assertIn("Usage:", self.check(CONVERT, "--help"))
         self.assertEqual(self.check(CONVERT, "--version"), "lectora-convert 1.05\n")
 
+    def test_a_file_shorter_than_its_header_says_is_told_of_and_not_filled_up(self):
+        self.save("whole.wav", wav(tone(1000)))
+        for kind, rest in (("wav", 1046), ("au", 1024), ("aiff", 1054)):
+            self.check(CONVERT, "-f", "whole.wav", f"cut.{kind}")
+            os.truncate(self.path(f"cut.{kind}"), rest)
+            self.check(CONVERT, "-f", f"cut.{kind}", "out.raw", says=f"cut.{kind}: is cut short")
+            self.assertEqual(self.load("out.raw"), tone(500).tobytes())
+            self.assertIn("Missing: ", self.check(CONVERT, "--info", f"cut.{kind}"))
+
     def test_overwriting_replaces_the_file_and_keeps_its_mode_and_links(self):
         self.save("a.wav", wav(tone(1000)))
         self.save("there.wav", b"mine")
