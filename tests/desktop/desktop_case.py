@@ -18,6 +18,12 @@ class DesktopCase(unittest.TestCase):
         desktop.tell_engine()
         self.card = desktop.Card()
         self.card.tell("speed 8")
+        self.troubles_before = self._troubles()
+
+    def _troubles(self):
+        """How many tests of this run have failed by now."""
+        result = self._outcome.result
+        return len(result.failures) + len(result.errors)
 
     def picture(self, name):
         desktop.screenshot(os.path.join(PICTURES, name + ".png"))
@@ -36,7 +42,7 @@ class DesktopCase(unittest.TestCase):
         return lectora
 
     def _end(self, lectora):
-        if not self._outcome.success and lectora.alive():
+        if self._troubles() > self.troubles_before and lectora.alive():
             self.picture("failed-" + self.id().rsplit(".", 1)[-1])
         lectora.end()
 

@@ -90,7 +90,13 @@ def rules_for(path):
         tested = folder_of(path[len("tests/") :], MAY_INCLUDE)
         if tested is None:
             return None, []
-        dialogs = [name for name in MAY_INCLUDE if name.startswith(tested + "/")]
+        # The dialogs of every folder are tried with gui's own, under one display.
+        above = "/dialogs" if tested == "gui" else None
+        dialogs = [
+            name
+            for name in MAY_INCLUDE
+            if name.startswith(tested + "/") or (above and name.endswith(above))
+        ]
         below = [name for name in dialogs for name in MAY_INCLUDE[name]]
         return tested, [
             tested,
