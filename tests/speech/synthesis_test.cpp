@@ -151,7 +151,9 @@ TEST(Synthesis, AnEngineLeftBehindNeverTouchesALaterRun) {
 
 TEST(Synthesis, AnEngineThatOutlivesTheProgramLeavesNoFileBehind) {
     const FakeEngine engine;
-    engine.Speak("sleep 1; yes late | head -n 5000 >\"$5\"; touch $here/late");
+    engine.Speak(
+        "for wait in $(seq 200); do test -e $here/go && break; sleep 0.05; done;"
+        "yes late | head -n 5000 >\"$5\"; touch $here/late");
     ::signal(SIGCHLD, SIG_DFL);
     GTEST_FLAG_SET(death_test_style, "fast");
     EXPECT_EXIT(
@@ -162,6 +164,7 @@ TEST(Synthesis, AnEngineThatOutlivesTheProgramLeavesNoFileBehind) {
         },
         testing::ExitedWithCode(0), "");
     EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 1U) << "the engine is still at work";
+    std::ofstream(engine.Folder() + "/go").close();
     EXPECT_TRUE(Eventually([&] { return FilesLike(engine.Folder(), "late") == 1; }));
     EXPECT_TRUE(Eventually([&] { return FilesLike(engine.Folder(), ".speech") == 0; }));
 }
