@@ -289,10 +289,14 @@ def _link(path):
 
 
 def processes():
-    """Process id -> command line of everything in this desktop."""
+    """Process id -> command line of everything in this desktop, known by its environment."""
+    mark = b"LECTORA_DESKTOP=" + os.fsencode(DESKTOP) + b"\0"
     found = {}
     for name in filter(str.isdigit, os.listdir("/proc")):
         try:
+            with open(f"/proc/{name}/environ", "rb") as file:
+                if mark not in file.read():
+                    continue
             with open(f"/proc/{name}/cmdline", "rb") as file:
                 found[int(name)] = file.read().replace(b"\0", b" ").decode(errors="replace").strip()
         except OSError:

@@ -117,13 +117,16 @@ class VirtualDesktopTest(unittest.TestCase):
     def test_works_for_an_ordinary_user(self):
         with tempfile.TemporaryDirectory() as scratch:
             os.chmod(scratch, 0o777)
+            other = ("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups")
+            if subprocess.run([*other, "test", "-r", os.path.realpath(__file__)]).returncode != 0:
+                self.skipTest("this folder is root's alone")
             self.environment.update(HOME=scratch)
             process = self.start(
                 "--",
                 "sh",
                 "-c",
                 "echo $LECTORA_DESKTOP; id -u; xdotool getdisplaygeometry",
-                prefix=("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"),
+                prefix=other,
             )
             folder = self.first_line(process)
             rest = process.stdout.read()
