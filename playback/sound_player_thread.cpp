@@ -104,6 +104,9 @@ bool LSoundPlayer::AwaitEnd(PcmOut& pcm) {
 
 LSoundPlayer::BlockResult LSoundPlayer::PlayBlock(PcmOut& pcm, int position, int frames) {
     source_->Read(block_.data(), frames);
+    // A rate converter overshoots; beyond full scale samples would wrap around to loud clicks.
+    if (source_->PeakMagnitude() > kMaxPcm16Peak)
+        LSoundPeakLimit(block_.data(), frames * source_->Channels());
     ConvertBlock(frames, pcm.Channels());
     const BlockResult result = WriteBlock(pcm, frames);
     if (result == BlockResult::Written) {

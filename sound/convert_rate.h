@@ -1,8 +1,11 @@
 // Sample rate conversion with a bank of windowed-sinc filters, in integers.
 //
 // What every kernel keeps, bit for bit:
-// - Taps 0 to 31 make the first sum, taps 32 to 62 the second. Sums, and the addition of both
-//   halves and the rounding constant, wrap modulo 2^32; shifts are arithmetic.
+// - Taps 0 to 31 make the first sum, taps 32 to 62 the second. Of taps 31 and 32, the heaviest,
+// 32768
+//   times the sample is added only once the sums are halved: so no sum overflows at a step at full
+//   scale. Sums, and the addition of both halves and the rounding constant, wrap modulo 2^32 for
+//   signals made to overflow them; shifts are arithmetic.
 // - Frame 0 comes from 32 zeros and the first 31 input frames; after a seek, from one zero, the 31
 //   frames before the wanted one and 31 from it on. Output so lags by one input frame.
 // - A refill happens only when the next window is not complete, so that the stream does not depend

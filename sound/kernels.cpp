@@ -7,11 +7,11 @@
 
 namespace {
 
-int Finish(std::uint32_t first, std::uint32_t second, int rounding, int outputShift) {
-    const int firstHalf = static_cast<std::int32_t>(first) >> 1;
-    const int secondHalf = static_cast<std::int32_t>(second) >> 1;
-    const auto sum = static_cast<std::uint32_t>(firstHalf) +
-                     static_cast<std::uint32_t>(secondHalf) + static_cast<std::uint32_t>(rounding);
+int Finish(std::uint32_t first, std::uint32_t second, std::int64_t halvedBias, int rounding,
+           int outputShift) {
+    const std::int64_t halves = std::int64_t{static_cast<std::int32_t>(first) >> 1} +
+                                (static_cast<std::int32_t>(second) >> 1);
+    const auto sum = static_cast<std::uint32_t>(halves + halvedBias + rounding);
     return static_cast<std::int32_t>(sum) >> outputShift;
 }
 
@@ -24,21 +24,16 @@ std::uint32_t SumProducts(const Sample* samples, const Coefficient* coefficients
     return sum;
 }
 
-std::uint32_t Biased(std::int16_t sample) {
-    return static_cast<std::uint32_t>(std::int32_t{sample}) * kPackedBias;
-}
-
 void PortableResample(const LNarrowSpan& span) {
     WindowStep step{span.phase};
     for (int frame = 0; frame < span.frames; ++frame, step.Advance(span)) {
         const std::int16_t* const window = span.history + step.offset;
         const std::int16_t* const row = span.rows + step.phase * kPackedRowSize;
-        const std::uint32_t first =
-            SumProducts(window, row, kFirstHalfTaps) + Biased(window[kFirstHalfTaps - 1]);
+        const std::uint32_t first = SumProducts(window, row, kFirstHalfTaps);
         const std::uint32_t second =
-            SumProducts(window + kFirstHalfTaps - 1, row + kFirstHalfTaps, kFirstHalfTaps) +
-            Biased(window[kFirstHalfTaps]);
-        span.out[frame * span.outStride] = Finish(first, second, span.rounding, span.outputShift);
+            SumProducts(window + kFirstHalfTaps - 1, row + kFirstHalfTaps, kFirstHalfTaps);
+        span.out[frame * span.outStride] =
+            Finish(first, second, HalvedBias(window), span.rounding, span.outputShift);
     }
 }
 
@@ -91,9 +86,14 @@ void ResampleWide(const LWideSpan& span) {
     for (int frame = 0; frame < span.frames; ++frame, step.Advance(span)) {
         const std::int32_t* const window = span.history + step.offset;
         const std::int32_t* const row = span.rows + step.phase * kFilterTaps;
-        const std::uint32_t first = SumProducts(window, row, kFirstHalfTaps);
+        const std::int64_t last = window[kFirstHalfTaps - 1];
+        const std::int64_t next = window[kFirstHalfTaps];
+        const std::uint32_t first = SumProducts(window, row, kFirstHalfTaps) -
+                                    static_cast<std::uint32_t>(last * kPackedBias);
         const std::uint32_t second = SumProducts(window + kFirstHalfTaps, row + kFirstHalfTaps,
-                                                 kFilterTaps - kFirstHalfTaps);
-        span.out[frame * span.outStride] = Finish(first, second, span.rounding, span.outputShift);
+                                                 kFilterTaps - kFirstHalfTaps) -
+                                     static_cast<std::uint32_t>(next * kPackedBias);
+        span.out[frame * span.outStride] = Finish(first, second, (last + next) * (kPackedBias / 2),
+                                                  span.rounding, span.outputShift);
     }
 }

@@ -14,34 +14,32 @@ __m256i Multiply(__m256i samples, const std::int16_t* row) {
     return _mm256_madd_epi16(samples, _mm256_load_si256(reinterpret_cast<const __m256i*>(row)));
 }
 
-// Eight partial sums, the two halves alternating in pairs. The bias is subtracted times -32768, the
-// one multiple that 16 bits can hold.
-__m256i SumWindow(const std::int16_t* window, const std::int16_t* row) {
-    const __m256i biasOfLast =
-        _mm256_set_epi16(-kPackedBias, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
-    const __m256i biasOfSecond =
-        _mm256_set_epi16(0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, -kPackedBias, 0);
-    const __m256i withLast = Load(window + 16);
-    const __m256i withSecond = Load(window + 31);
-    const __m256i first = _mm256_sub_epi32(
-        _mm256_add_epi32(Multiply(Load(window), row), Multiply(withLast, row + 16)),
-        _mm256_madd_epi16(withLast, biasOfLast));
-    const __m256i second = _mm256_sub_epi32(
-        _mm256_add_epi32(Multiply(withSecond, row + 32), Multiply(Load(window + 47), row + 48)),
-        _mm256_madd_epi16(withSecond, biasOfSecond));
-    return _mm256_hadd_epi32(first, second);
+// A window's sums without the bias, and what the bias is worth once they are halved.
+struct WindowSums {
+    __m256i partial;  // eight, the two halves alternating in pairs
+    int bias;
+};
+
+WindowSums SumWindow(const std::int16_t* window, const std::int16_t* row) {
+    const __m256i first =
+        _mm256_add_epi32(Multiply(Load(window), row), Multiply(Load(window + 16), row + 16));
+    const __m256i second = _mm256_add_epi32(Multiply(Load(window + 31), row + 32),
+                                            Multiply(Load(window + 47), row + 48));
+    return {_mm256_hadd_epi32(first, second), HalvedBias(window)};
 }
 
 // Four frames' results in order.
-__m128i Finish(__m256i a, __m256i b, __m256i c, __m256i d, __m128i rounding, __m128i shift) {
-    const __m256i ab = _mm256_hadd_epi32(a, b);
-    const __m256i cd = _mm256_hadd_epi32(c, d);
+__m128i Finish(const WindowSums& a, const WindowSums& b, const WindowSums& c, const WindowSums& d,
+               __m128i rounding, __m128i shift) {
+    const __m256i ab = _mm256_hadd_epi32(a.partial, b.partial);
+    const __m256i cd = _mm256_hadd_epi32(c.partial, d.partial);
+    const __m128i bias = _mm_setr_epi32(a.bias, b.bias, c.bias, d.bias);
     const __m256i sums = _mm256_add_epi32(_mm256_permute2x128_si256(ab, cd, 0x20),
                                           _mm256_permute2x128_si256(ab, cd, 0x31));
     const __m256i halves = _mm256_srai_epi32(sums, 1);
     const __m128i total =
         _mm_hadd_epi32(_mm256_castsi256_si128(halves), _mm256_extracti128_si256(halves, 1));
-    return _mm_sra_epi32(_mm_add_epi32(total, rounding), shift);
+    return _mm_sra_epi32(_mm_add_epi32(_mm_add_epi32(total, bias), rounding), shift);
 }
 
 void Store(__m128i results, int* out, int stride) {
@@ -60,7 +58,7 @@ void Avx2Resample(const LNarrowSpan& span) {
     const __m128i shift = _mm_cvtsi32_si128(span.outputShift);
     WindowStep step{span.phase};
     const auto next = [&] {
-        const __m256i sums =
+        const WindowSums sums =
             SumWindow(span.history + step.offset, span.rows + step.phase * kPackedRowSize);
         step.Advance(span);
         return sums;
@@ -68,14 +66,14 @@ void Avx2Resample(const LNarrowSpan& span) {
     int* out = span.out;
     int frame = 0;
     for (; frame + 4 <= span.frames; frame += 4, out += 4 * span.outStride) {
-        const __m256i a = next();
-        const __m256i b = next();
-        const __m256i c = next();
-        const __m256i d = next();
+        const WindowSums a = next();
+        const WindowSums b = next();
+        const WindowSums c = next();
+        const WindowSums d = next();
         Store(Finish(a, b, c, d, rounding, shift), out, span.outStride);
     }
     for (; frame < span.frames; ++frame, out += span.outStride) {
-        const __m256i last = next();
+        const WindowSums last = next();
         *out = _mm_cvtsi128_si32(Finish(last, last, last, last, rounding, shift));
     }
 }

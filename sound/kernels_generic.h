@@ -74,6 +74,11 @@ inline int ScaleSample(int sample, int gain) {
     }
 }
 
+// The bias of the taps beside the middle, halved as the sums are.
+[[maybe_unused]] inline int HalvedBias(const std::int16_t* window) {
+    return (window[kFirstHalfTaps - 1] + window[kFirstHalfTaps]) * (kPackedBias / 2);
+}
+
 // Moves a window one output frame on.
 struct WindowStep {
     int phase;

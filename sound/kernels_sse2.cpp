@@ -17,20 +17,16 @@ __m128i Multiply(const std::int16_t* samples, const std::int16_t* row) {
 struct HalfSums {
     __m128i first;
     __m128i second;
+    int bias;  // what it is worth once the sums, which lack it, are halved
 };
 
-// Four partial sums of each half. The bias is subtracted times -32768, the one multiple that 16
-// bits can hold.
+// Four partial sums of each half.
 HalfSums SumWindow(const std::int16_t* window, const std::int16_t* row) {
-    const __m128i biasOfLast = _mm_set_epi16(-kPackedBias, 0, 0, 0, 0, 0, 0, 0);
-    const __m128i biasOfSecond = _mm_set_epi16(0, 0, 0, 0, 0, 0, -kPackedBias, 0);
-    HalfSums sums{Multiply(window, row), Multiply(window + 31, row + 32)};
+    HalfSums sums{Multiply(window, row), Multiply(window + 31, row + 32), HalvedBias(window)};
     for (int i = 8; i < kFirstHalfTaps; i += 8) {
         sums.first = _mm_add_epi32(sums.first, Multiply(window + i, row + i));
         sums.second = _mm_add_epi32(sums.second, Multiply(window + 31 + i, row + 32 + i));
     }
-    sums.first = _mm_sub_epi32(sums.first, _mm_madd_epi16(Load(window + 24), biasOfLast));
-    sums.second = _mm_sub_epi32(sums.second, _mm_madd_epi16(Load(window + 31), biasOfSecond));
     return sums;
 }
 
@@ -43,7 +39,8 @@ __m128i FinishPair(const HalfSums& a, const HalfSums& b, __m128i rounding, __m12
     const __m128i sums = _mm_add_epi32(_mm_unpacklo_epi64(a01, b01), _mm_unpackhi_epi64(a01, b01));
     const __m128i halves = _mm_srai_epi32(sums, 1);
     const __m128i total = _mm_add_epi32(halves, _mm_srli_epi64(halves, 32));
-    return _mm_sra_epi32(_mm_add_epi32(total, rounding), shift);
+    const __m128i bias = _mm_setr_epi32(a.bias, 0, b.bias, 0);
+    return _mm_sra_epi32(_mm_add_epi32(_mm_add_epi32(total, bias), rounding), shift);
 }
 
 void Sse2Resample(const LNarrowSpan& span) {

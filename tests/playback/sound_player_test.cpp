@@ -97,6 +97,22 @@ TEST_F(PlayerTest, SeekGoesOnFromThereAndSoundsEvenWhenCued) {
     EXPECT_EQ(cards_.Received(0, 3), NumbersFrom(44000, 4000));
 }
 
+TEST_F(PlayerTest, LoudSoundIsCutOffAndNeverWrapsAroundWhenConverted) {
+    cards_.Insert(0, "rates 48000\nchannels 1\nspeed 8\n");
+    // Long steps at full scale: the converter overshoots at each.
+    std::vector<int> steps(11025);
+    for (std::size_t i = 0; i < steps.size(); ++i)
+        steps[i] = i / 441 % 2 == 0 ? kMaxPcm16Peak : -kMaxPcm16Peak;
+    player_.Start(LSoundSource(new MemorySource(steps, 22050)));
+    ASSERT_TRUE(RunUntilTold("stop"));
+    int jumps = 0;
+    const std::vector<std::int16_t> received = cards_.Received(0);
+    for (std::size_t i = 1; i < received.size(); ++i)
+        jumps += std::abs(received[i] - received[i - 1]) > 60000;
+    EXPECT_GT(received.size(), 23000U);
+    EXPECT_EQ(jumps, 0) << "a step takes several frames; only wrapping jumps the whole scale";
+}
+
 TEST_F(PlayerTest, ConvertsToWhatTheCardGrants) {
     cards_.Insert(0, "rates 48000\nchannels 2\nspeed 8\n");
     std::vector<int> tone(22050);

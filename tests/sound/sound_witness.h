@@ -57,13 +57,19 @@ public:
     int Next() {
         while (read_ + 63 > write_)
             Refill();
-        std::array<std::uint32_t, 2> sums{};
+        // The heavy taps beside the middle give 32768 times their sample after the halving.
+        std::array<std::int64_t, 2> sums{};
+        std::int64_t heavy = 0;
         for (std::size_t k = 0; k < 63; ++k) {
             const int coefficient = table_.rows[static_cast<std::size_t>(phase_) * 63 + k];
-            const int sample = history_[static_cast<std::size_t>(read_) + k];
-            sums[k / 32] += static_cast<std::uint32_t>(coefficient * std::int64_t{sample});
+            const std::int64_t sample = history_[static_cast<std::size_t>(read_) + k];
+            const int bias = k == 31 || k == 32 ? 32768 : 0;
+            sums[k / 32] += (coefficient - bias) * sample;
+            heavy += bias / 2 * sample;
         }
-        const std::uint32_t both = Half(sums[0]) + Half(sums[1]) + (1u << (15 - shift_)) / 2;
+        const std::int64_t halves =
+            (static_cast<int>(sums[0]) >> 1) + std::int64_t{static_cast<int>(sums[1]) >> 1};
+        const auto both = static_cast<std::uint32_t>(halves + heavy + (1 << (15 - shift_)) / 2);
         phase_ += table_.step;
         read_ += phase_ / table_.phases;
         phase_ %= table_.phases;
@@ -71,9 +77,6 @@ public:
     }
 
 private:
-    static std::uint32_t Half(std::uint32_t sum) {
-        return static_cast<std::uint32_t>(static_cast<int>(sum) >> 1);
-    }
     void Refill() {
         if (write_ > 32511) {
             std::copy(history_.begin() + write_ - 63, history_.begin() + write_, history_.begin());
