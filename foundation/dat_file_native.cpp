@@ -24,32 +24,41 @@ std::string_view Cut(std::string_view text) {
     return text.substr(0, kTextBufferSize - 1);
 }
 
-// A line break would start another line of the file.
-std::string_view CutLine(std::string_view text) {
-    return Cut(text.substr(0, text.find_first_of("\r\n")));
+// What ends each part for every reader of the file.
+constexpr const char* kSectionEnds = "]\r\n";
+constexpr const char* kKeyEnds = "=\r\n";
+constexpr const char* kValueEnds = "\r\n";
+
+std::string_view CutAt(const char* ends, std::string_view text) {
+    return Cut(text.substr(0, text.find_first_of(ends)));
 }
 
-std::string IndexKey(std::string_view text) {
-    return ToLower(CutLine(text));
+std::string KeyIndex(std::string_view key) {
+    return ToLower(CutAt(kKeyEnds, key));
+}
+
+std::string SectionIndex(std::string_view section) {
+    return ToLower(CutAt(kSectionEnds, section));
 }
 
 }  // namespace
 
 const std::string* LDatFileNativeSection::Find(std::string_view key) const {
-    const auto found = index_.find(IndexKey(key));
+    const auto found = index_.find(KeyIndex(key));
     return found == index_.end() ? nullptr : &found->second->second;
 }
 
 void LDatFileNativeSection::SetValue(std::string_view key, std::string_view value) {
-    const auto [found, added] = index_.try_emplace(IndexKey(key));
+    const auto [found, added] = index_.try_emplace(KeyIndex(key));
     if (added)
-        found->second = entries_.emplace(entries_.end(), CutLine(key), CutLine(value));
+        found->second =
+            entries_.emplace(entries_.end(), CutAt(kKeyEnds, key), CutAt(kValueEnds, value));
     else
-        found->second->second = CutLine(value);
+        found->second->second = CutAt(kValueEnds, value);
 }
 
 void LDatFileNativeSection::DeleteKey(std::string_view key) {
-    const auto found = index_.find(IndexKey(key));
+    const auto found = index_.find(KeyIndex(key));
     if (found == index_.end())
         return;
     entries_.erase(found->second);
@@ -64,14 +73,14 @@ void LDatFileNativeSection::AppendTo(std::string& text) const {
 }
 
 LDatFileNativeSection* LDatFileNativeFile::Find(std::string_view section) {
-    const auto found = index_.find(IndexKey(section));
+    const auto found = index_.find(SectionIndex(section));
     return found == index_.end() ? nullptr : &*found->second;
 }
 
 LDatFileNativeSection& LDatFileNativeFile::FindOrAppend(std::string_view section) {
-    const auto [found, added] = index_.try_emplace(IndexKey(section));
+    const auto [found, added] = index_.try_emplace(SectionIndex(section));
     if (added)
-        found->second = sections_.emplace(sections_.end(), CutLine(section));
+        found->second = sections_.emplace(sections_.end(), CutAt(kSectionEnds, section));
     return *found->second;
 }
 
@@ -135,13 +144,15 @@ void LDatFileNativeFile::SetValue(std::string_view section, const char* key, con
     dirty_ = true;
     lastAccess_ = now;
     if (!key) {
-        const auto found = index_.find(IndexKey(section));
+        const auto found = index_.find(SectionIndex(section));
         if (found != index_.end()) {
             sections_.erase(found->second);
             index_.erase(found);
         }
         return;
     }
+    if (value && (CutAt(kKeyEnds, key).empty() || *key == '['))
+        return;  // read back, the line would be none or a section
     // Deleting from a missing section creates it: its bare header line is written out.
     LDatFileNativeSection& known = FindOrAppend(section);
     if (value)

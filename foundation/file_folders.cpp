@@ -104,6 +104,7 @@ void LFile::CopyFolderFiles(const char* from, const char* to) {
 }
 
 void LFile::DeleteFolderAndFiles(const char* folder) {
+    // A finished download, which is a file, is taken away through here too.
     if (!IsFolder(folder, false)) {
         unlink(folder);
         return;

@@ -31,6 +31,7 @@ public:
 
     // One line without its end: CR, LF, CR LF or LF CR. Bytes past size - 1 are dropped. False only
     // when the file had ended already. Reads byte by byte, so that the position stays exact.
+    // Seekable files only: it looks one byte past a line end.
     bool ReadLine(char* out, std::size_t size);
     // length bytes as text; out holds length + 1. False when the file ends before.
     bool ReadStringUTF8(char* out, std::size_t length);

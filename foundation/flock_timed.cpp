@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -11,7 +12,8 @@
 namespace {
 
 constexpr std::int64_t kNanosecondsAMillisecond = 1000000;
-constexpr std::int64_t kTurnPause = 200000;  // nanoseconds
+constexpr std::int64_t kFirstTurnPause = 200000;     // nanoseconds
+constexpr std::int64_t kLongestTurnPause = 5000000;  // likewise
 
 void SleepNanoseconds(std::int64_t nanoseconds) {
     timespec rest{};
@@ -29,12 +31,14 @@ bool WaitForTurn(int fd, bool exclusive, int timeoutMilliseconds) {
     turn.l_whence = SEEK_SET;
     const auto end =
         std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMilliseconds);
+    std::int64_t pause = kFirstTurnPause;
     while (fcntl(fd, F_OFD_SETLK, &turn) != 0) {
         if (errno != EAGAIN && errno != EACCES)
             return true;
         if (std::chrono::steady_clock::now() >= end)
             return false;
-        SleepNanoseconds(kTurnPause);
+        SleepNanoseconds(pause);
+        pause = std::min(pause + pause / 8, kLongestTurnPause);
     }
     return true;
 }
@@ -56,7 +60,11 @@ bool flocktimed(int fd, int operation, int timeoutMilliseconds) {
 }
 
 bool LockInTurn(int fd, int operation, int timeoutMilliseconds) {
-    if (WaitForTurn(fd, (operation & LOCK_EX) != 0, timeoutMilliseconds))
-        return flocktimed(fd, operation, timeoutMilliseconds);
-    return flock(fd, operation) == 0;
+    const auto start = std::chrono::steady_clock::now();
+    if (!WaitForTurn(fd, (operation & LOCK_EX) != 0, timeoutMilliseconds))
+        return flock(fd, operation) == 0;
+    const auto queued = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - start);
+    const std::int64_t left = timeoutMilliseconds - queued.count();
+    return flocktimed(fd, operation, static_cast<int>(std::max(left, std::int64_t{0})));
 }

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "foundation/file.h"
+#include "foundation/file_io.h"
 #include "foundation/flock_timed.h"
-#include "foundation/unique_fd.h"
 
 namespace {
 
@@ -21,17 +21,12 @@ std::time_t WallClock() {
 
 // A file that cannot be opened takes nothing; one that cannot be locked is written all the same.
 void AppendToFile(const char* path, std::string_view text) {
-    const UniqueFd file(::open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+    const UniqueFd file = OpenRegularFile(path, O_WRONLY | O_CREAT, 0666);
     if (!file.IsOpen())
         return;
     flocktimed(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
     ::lseek(file.Get(), 0, SEEK_END);
-    while (!text.empty()) {
-        const ssize_t written = ::write(file.Get(), text.data(), text.size());
-        if (written <= 0)
-            return;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
+    WriteAll(file.Get(), text);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ std::string MachinePath(std::string_view absolutePath) {
 
 std::string HomeFolder() {
     const char* home = std::getenv("HOME");
+    // An empty HOME would put the settings into whatever folder the program was started in.
     return home && *home ? std::string(home) : MachinePath("/opt");
 }
 

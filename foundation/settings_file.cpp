@@ -25,6 +25,14 @@ std::string_view CutValue(const char* text) {
     return value.substr(0, value.find_first_of("\r\n"));
 }
 
+// What a reader of the file takes for the key; one written otherwise would never be found again.
+std::string_view CutKey(const char* text) {
+    std::string_view key = text ? text : "";
+    while (!key.empty() && static_cast<unsigned char>(key.front()) < 33)
+        key.remove_prefix(1);
+    return key.substr(0, key.find_first_of("=\r\n")).substr(0, kSettingsTextLimit);
+}
+
 }  // namespace
 
 LSettingsFile& LSettingsFile::operator=(const LSettingsFile& other) {
@@ -57,7 +65,7 @@ void LSettingsFile::GetString(const char* key, const char* defaultValue, char* o
         LockInTurn(file.Get(), LOCK_SH | LOCK_NB, kReadLockMilliseconds);
         ReloadIfChanged(file.Get());
     }
-    const std::size_t entry = entries_.Find(ToLower(Cut(key)));
+    const std::size_t entry = entries_.Find(ToLower(CutKey(key)));
     CopyText(out, kTextBufferSize,
              entry == LSettingsEntries::kNone ? Cut(defaultValue) : entries_.Value(entry));
 }
@@ -68,10 +76,13 @@ bool LSettingsFile::TestFieldExists(const char* key) {
         LockInTurn(file.Get(), LOCK_SH | LOCK_NB, kTestLockMilliseconds);
         ReloadIfChanged(file.Get());
     }
-    return entries_.FindAnyCase(Cut(key)) != LSettingsEntries::kNone;
+    return entries_.FindAnyCase(CutKey(key)) != LSettingsEntries::kNone;
 }
 
 void LSettingsFile::SetString(const char* key, const char* value) {
+    const std::string lowered = ToLower(CutKey(key));
+    if (lowered.empty())
+        return;  // lines without a key are the rewrite's own
     const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT, 0666);
     if (!file.IsOpen())
         return;
@@ -86,7 +97,6 @@ void LSettingsFile::SetString(const char* key, const char* value) {
         entries_.Parse(content);
         stamps_ = now;
     }
-    const std::string lowered = ToLower(Cut(key));
     const std::size_t entry = entries_.Find(lowered);
     if (entry == LSettingsEntries::kNone) {
         if (!value)

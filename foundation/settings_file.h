@@ -10,7 +10,8 @@
 
 // Each access opens the file, locks it and loads it again when its time or size changed, so what
 // other processes wrote is seen. Nothing reports errors: a file that cannot be opened reads as the
-// default, and what is set is lost. Keys are lowered. Not for several threads at once.
+// default, and what is set is lost. Keys are lowered and end at
+// "=" or a line break; an empty one is not written. Not for several threads at once.
 class LSettingsFile {
 public:
     LSettingsFile() = default;

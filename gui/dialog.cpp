@@ -36,9 +36,9 @@ private:
 struct LDialogCallbacks {
     static gboolean GCExitDlg(GtkWidget* widget, GdkEvent*, gpointer dialog) {
         if (auto* parent =
-                static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(widget), "parent_grabbed"))) {
-            g_object_set_data(G_OBJECT(widget), "parent_grabbed", nullptr);
+                static_cast<GtkWidget*>(g_object_steal_data(G_OBJECT(widget), "parent_grabbed"))) {
             gtk_grab_add(parent);
+            g_object_unref(parent);
         }
         static_cast<LDialog*>(dialog)->CmClose();
         return TRUE;

@@ -62,7 +62,8 @@ void LDialogGenContext::AddSpan(GtkWidget* widget, int id, unsigned int leftColu
         gtk_fixed_put(GTK_FIXED(top.container), widget, 0, 0);
     } else {
         gtk_box_pack_end(GTK_BOX(top.container), widget, TRUE, TRUE, 0);
-        // Packing at the end stands the newest child first; readers and the Tab key go by position.
+        // At position 0 the newest of those packed at the end stands last: fields read, and the Tab
+        // key goes, in the order in which they are asked for.
         gtk_box_reorder_child(GTK_BOX(top.container), widget, 0);
     }
     dialog_.SetControlID(widget, id);

@@ -20,7 +20,7 @@ void LDialogGenContext::AddStatic(int id, const char* text, int width, int heigh
     GtkWidget* label = NewLabel(text);
     gtk_misc_set_alignment(GTK_MISC(label), 0.5F, 0.5F);
     if (height >= 1) {
-        gtk_widget_set_size_request(label, width > 0 ? width : -1, height);
+        gtk_widget_set_size_request(label, -1, height);
         gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
         gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_FILL);
     } else if (width > 0) {

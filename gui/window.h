@@ -64,6 +64,7 @@ public:
 
     // Command registration. A button is also registered under its command. The edit's maximum
     // command takes the place of the change command above 65536 characters.
+    // 0 is no command for clicks and edits: it ends what was registered before.
     void SetButtonCommandHandler(GtkWidget* button, int command);
     void SetRadioCheckButtonCommandHandler(GtkWidget* button, int command);
     void HandleClick(int id, int command = kUseControlId);
@@ -133,8 +134,9 @@ public:
     void PDLDeleteItem(int id, int item);
     int PDLGetInt(int id) const;
     void PDLSetInt(int id, int value);
-    void PDLAutoFill(int id, const char* section);       // from the per-user settings section
-    void PDLAutoGet(int id, const char* section) const;  // back into it
+    // From the per-user settings section and back into it: the first 1000 items, both ways.
+    void PDLAutoFill(int id, const char* section);
+    void PDLAutoGet(int id, const char* section) const;
 
     // List view; rows count from 0, columns from 0, the check box not among them. See list_view.h.
     void LVInit(int id, const LListColumns& columns);

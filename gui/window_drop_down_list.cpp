@@ -1,4 +1,5 @@
 // Drop-down lists and combo boxes; column 0 of the list holds the text.
+#include <algorithm>
 #include <string_view>
 
 #include "foundation/settings.h"
@@ -136,7 +137,7 @@ void LWindow::PDLAutoFill(int id, const char* section) {
 }
 
 void LWindow::PDLAutoGet(int id, const char* section) const {
-    const int count = PDLGetCount(id);
+    const int count = std::min(PDLGetCount(id), kMaxAutoItems);
     for (int item = 1; item <= count; ++item) {
         const std::string key = ItemKey(item);
         const std::string text = PDLGetItem(id, item - 1);

@@ -60,8 +60,12 @@ TEST(DatFile, DeletesKeysAndSectionsAndKeepsBareHeaders) {
     file.DeleteSection("b");
     file.DeleteKey("New", "x");
     file.SetString("A", "b", "two\n[C]");
+    for (const char* key : {"", "=x", "[D]", "\nb"})
+        file.SetString("A", key, "no");
+    for (int time = 0; time < 3; ++time)
+        file.SetString("P]Q\n", "p=q", "3");
     file.Flush();
-    EXPECT_EQ(folder.Read("f"), "[A]\r\nb=two\r\n\r\n[New]\r\n\r\n");
+    EXPECT_EQ(folder.Read("f"), "[A]\r\nb=two\r\n\r\n[New]\r\n\r\n[P]\r\np=3\r\n\r\n");
     // The cache is what counts until the file leaves it.
     folder.Write("f", "[A]\nb=foreign\n");
     EXPECT_EQ(Get(path, "A", "b"), "two");

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -86,7 +87,9 @@ TEST_F(LogTest, TheStatusWindowSeesLinesAlsoWhenNoFileCanBeWritten) {
     EXPECT_FALSE(folder_.Has("missing"));
 }
 
-TEST_F(LogTest, ALockedFileIsWrittenAfterTheTimeLimit) {
+TEST_F(LogTest, ALockedFileIsWrittenAfterTheTimeLimitAndAPipeNotAtAll) {
+    ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0666), 0);
+    log_.Write("pipe", "text");  // returns
     const UniqueFd other(::open((folder_ / kDayFile).c_str(), O_RDONLY | O_CREAT, 0666));
     ASSERT_EQ(::flock(other.Get(), LOCK_EX), 0);
     const auto start = std::chrono::steady_clock::now();

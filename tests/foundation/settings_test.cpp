@@ -84,6 +84,24 @@ TEST(SettingsFile, WritesInFileOrderAndOnlyWhatChanged) {
     EXPECT_EQ(folder.Read("s"),
               "Key=1\r\nkey=2\r\nnew=" + std::string(258, 'v') + "a\r\nbroken=first\r\n");
 
+    // A key is what a reader takes for it, whatever is asked for.
+    const struct {
+        const char* key;
+        const char* line;
+        int times;
+    } keys[] = {{"x\ny", "x=1\r\n", 1}, {"p=q", "p=1\r\n", 3}, {"\tk", "k=1\r\n", 1}, {"", "", 1}};
+    for (const auto& [key, line, times] : keys) {
+        SCOPED_TRACE(key);
+        LSettingsFile odd((folder / "odd").c_str());
+        for (int time = 0; time < times; ++time)
+            odd.SetString(key, "1");
+        EXPECT_EQ(folder.Read("odd"), line);
+        EXPECT_EQ(odd.TestFieldExists(key), *line != '\0');
+        EXPECT_EQ(Get(odd, key), *line ? "1" : "(none)");
+        odd.SetString(key, nullptr);
+        EXPECT_EQ(folder.Read("odd"), "");
+    }
+
     const std::int64_t before = NanosecondsOf(folder / "s");
     file.SetString("key", "2");
     file.SetString("absent", nullptr);
@@ -299,7 +317,10 @@ double MeasureLocked(const std::string& path, Call call) {
     const UniqueFd holder(open(path.c_str(), O_RDWR | O_CREAT, 0666));
     flock(holder.Get(), LOCK_EX);
     const auto start = std::chrono::steady_clock::now();
-    call();
+    if constexpr (std::is_invocable_v<Call, const UniqueFd&>)
+        call(holder);
+    else
+        call();
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
         .count();
 }
@@ -331,21 +352,36 @@ TEST(FlockTimed, WaitsByItsScheduleAndThenGoesOn) {
     EXPECT_LE(took, 2300);
     EXPECT_EQ(value, "v");
 
-    // A lock that becomes free is taken at the next try: 63 ms for a limit of 2000.
-    const pid_t child = StartForked([&] {
-        const UniqueFd holder(open(path.c_str(), O_RDWR));
-        flock(holder.Get(), LOCK_EX);
-        usleep(40000);
-        return 0;
+    // A lock that becomes free is taken at the next try, not before and not at the one after it.
+    const std::pair<unsigned, double> frees[] = {{150, 189}, {400, 441}, {900, 945}};
+    for (const auto& [freeAt, triedAt] : frees) {
+        SCOPED_TRACE(freeAt);
+        std::thread release;
+        const double waited = MeasureLocked(path, [&, after = freeAt](const UniqueFd& holder) {
+            release = std::thread([&holder, after] {
+                usleep(after * 1000);
+                flock(holder.Get(), LOCK_UN);
+            });
+            EXPECT_TRUE(flocktimed(file.Get(), LOCK_EX | LOCK_NB, 2000));
+            release.join();
+        });
+        EXPECT_GE(waited, triedAt - 3);
+        EXPECT_LE(waited, triedAt * 1.4 + 40);
+        flock(file.Get(), LOCK_UN);
+    }
+
+    // The limit holds for queueing behind another waiter and for the lock together.
+    const double both = MeasureLocked(path, [&] {
+        std::thread first([&] {
+            const UniqueFd own(open(path.c_str(), O_RDWR));
+            EXPECT_FALSE(LockInTurn(own.Get(), LOCK_EX | LOCK_NB, 300));
+        });
+        usleep(50000);
+        EXPECT_FALSE(LockInTurn(file.Get(), LOCK_EX | LOCK_NB, 500));
+        first.join();
     });
-    usleep(15000);
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(flocktimed(file.Get(), LOCK_EX | LOCK_NB, 2000));
-    const double seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    EXPECT_GE(seconds, 0.060);
-    EXPECT_LE(seconds, 0.180);  // not the try after it, at 189 ms
-    WaitForked(child);
+    EXPECT_GE(both, 400);
+    EXPECT_LE(both, 680);  // two whole limits would take 800
 }
 
 }  // namespace

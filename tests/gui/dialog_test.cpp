@@ -78,15 +78,21 @@ TEST_F(DialogRun, SecondOpenIsRefusedWhileOpen) {
 }
 
 TEST_F(DialogRun, ModelessAnswersAreCommandsAndClosingHides) {
-    EXPECT_TRUE(dialog.Open(nullptr, {"Run", false, GenerateButtons}, false));
+    gtk_grab_add(parent);
+    const guint references = G_OBJECT(parent)->ref_count;
+    EXPECT_TRUE(dialog.Open(parent, {"Run", false, GenerateButtons}, false));
     gtk_button_clicked(ButtonOf(dialog, kCommandOk));
     gtk_button_clicked(ButtonOf(dialog, kCommandHelp));
     EXPECT_THAT(dialog.commands, testing::ElementsAre(kCommandOk, kCommandHelp));
+    EXPECT_EQ(gtk_grab_get_current(), nullptr);
     PressEscape(dialog.Widget());
     PumpPending();
     ASSERT_TRUE(dialog.IsOpen());
     EXPECT_FALSE(gtk_widget_get_visible(dialog.Widget()));
+    EXPECT_EQ(gtk_grab_get_current(), parent);
+    gtk_grab_remove(parent);
     dialog.Close(0);
+    EXPECT_EQ(G_OBJECT(parent)->ref_count, references - 1);  // the grab's own
     EXPECT_EQ(dialog.calls, "init destroy ");
 }
 
@@ -104,7 +110,7 @@ Cell CellOf(const LWindow& dialog, int id) {
 }
 
 void GenerateLayout(LDialogGenContext& context) {
-    context.AddStatic(1, "Top");
+    context.AddStatic(1, "Top", 300, 30);
     context.AddInput(2, "Name");
     context.AddGroup(4, "Group", 0);
     context.AddInput(5, "Inside");
@@ -142,7 +148,11 @@ TEST(DialogLayout, RowsColumnsAndIndents) {
         gtk_widget_get_allocation(dialog.GetControlByID(id), &place);
         return place.x;
     };
-    EXPECT_LT(x(8), x(9));  // boxes keep the order of the calls
+    int width = 0;
+    int height = 0;
+    gtk_widget_get_size_request(dialog.GetControlByID(1), &width, &height);
+    EXPECT_EQ(std::pair(width, height), std::pair(-1, 30));  // a height leaves the width free
+    EXPECT_LT(x(8), x(9));                                   // boxes keep the order of the calls
     EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(dialog.GetControlByID(10))), " Title & more ");
     guint rows = 0;
     g_object_get(gtk_widget_get_parent(dialog.GetControlByID(1)), "n-rows", &rows, nullptr);

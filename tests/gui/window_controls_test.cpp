@@ -190,7 +190,11 @@ TEST_F(WindowControls, DropDownListComesBackFromTheSettings) {
 
     LUserSettingSetString("GuiTestList", "Count", "2000000000");
     dialog.PDLAutoFill(kList, "GuiTestList");  // a foreign count must not fill the memory
-    EXPECT_LE(dialog.PDLGetCount(kList), 1000);
+    ASSERT_EQ(dialog.PDLGetCount(kList), 1000);
+    dialog.PDLAddString(kList, "one too many");
+    dialog.PDLAutoGet(kList, "GuiTestList");
+    EXPECT_EQ(LUserSettingGet("GuiTestList", "Count"), "1000");
+    EXPECT_EQ(LUserSettingGet("GuiTestList", "Item 1001"), "");
     dialog.PDLAutoFill(kList, "GuiTestEmpty");
     EXPECT_EQ(dialog.PDLGetCount(kList), 0);
 }
