@@ -98,9 +98,9 @@ void CopySpeech(GtkWidget* parent, const LSoundSource& source, LSoundSink& sink)
     const int error = sink->WriteError();
     request.sink.Close();
     sink.Close();
-    if (error != 0)
+    if (error != 0 || dialog.Result() == kProcessFailed)
         ShowError(parent, "Save Error", "Cannot save the file. Please try again.",
-                  g_strerror(error));
+                  error != 0 ? g_strerror(error) : "");
 }
 
 }  // namespace

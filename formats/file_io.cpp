@@ -11,14 +11,16 @@
 
 namespace {
 
-// Reads at an offset; stops early at the end of the file or at an error.
-std::size_t ReadFullyAt(int fd, void* buffer, std::size_t size, std::int64_t offset) {
+// Calls read(done) until size bytes, the end of the file or an error.
+template <typename Read>
+std::size_t ReadAll(std::size_t size, int* error, Read read) {
     std::size_t done = 0;
     while (done < size) {
-        const ssize_t got = ::pread(fd, static_cast<char*>(buffer) + done, size - done,
-                                    offset + static_cast<std::int64_t>(done));
+        const ssize_t got = read(done);
         if (got < 0 && errno == EINTR)
             continue;
+        if (got < 0 && error != nullptr)
+            *error = errno;
         if (got <= 0)
             break;
         done += static_cast<std::size_t>(got);
@@ -27,6 +29,19 @@ std::size_t ReadFullyAt(int fd, void* buffer, std::size_t size, std::int64_t off
 }
 
 }  // namespace
+
+std::size_t ReadFully(int fd, void* buffer, std::size_t size, int* error) {
+    return ReadAll(size, error, [&](std::size_t done) {
+        return ::read(fd, static_cast<char*>(buffer) + done, size - done);
+    });
+}
+
+std::size_t ReadFullyAt(int fd, void* buffer, std::size_t size, std::int64_t offset, int* error) {
+    return ReadAll(size, error, [&](std::size_t done) {
+        return ::pread(fd, static_cast<char*>(buffer) + done, size - done,
+                       offset + static_cast<std::int64_t>(done));
+    });
+}
 
 UniqueFd OpenFileForReading(const char* path) {
     UniqueFd file(::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
@@ -51,19 +66,6 @@ UniqueFd OpenFileForWriting(const char* path, int* error) {
     }
     (void)::flock(file.Get(), LOCK_SH | LOCK_NB);  // an unlocked file is written all the same
     return file;
-}
-
-std::size_t ReadFully(int fd, void* buffer, std::size_t size) {
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t got = ::read(fd, static_cast<char*>(buffer) + done, size - done);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            break;
-        done += static_cast<std::size_t>(got);
-    }
-    return done;
 }
 
 int WriteFully(int fd, const void* data, std::size_t size) {

@@ -17,8 +17,12 @@ UniqueFd OpenFileForReading(const char* path);
 // FIFOs and sockets are refused.
 UniqueFd OpenFileForWriting(const char* path, int* error);
 
-// Reads until size bytes, the end of the file or an error; returns how many arrived.
-std::size_t ReadFully(int fd, void* buffer, std::size_t size);
+// Reads until size bytes, the end of the file or an error; returns how many arrived. *error, when
+// given, is set to the errno of a read that failed and left alone otherwise.
+std::size_t ReadFully(int fd, void* buffer, std::size_t size, int* error = nullptr);
+// The same at an offset, which leaves the descriptor's position alone.
+std::size_t ReadFullyAt(int fd, void* buffer, std::size_t size, std::int64_t offset,
+                        int* error = nullptr);
 
 // Writes everything; returns 0, or the errno of the write that failed.
 int WriteFully(int fd, const void* data, std::size_t size);

@@ -53,7 +53,7 @@ FrameReader::Run FrameReader::Take(int frames) {
     const auto frameBytes = static_cast<std::size_t>(bytesPerFrame_);
     if (used_ == filled_) {
         used_ = 0;
-        filled_ = ReadFully(file_.Get(), buffer_.get(), capacity_);
+        filled_ = ReadFully(file_.Get(), buffer_.get(), capacity_, &readError_);
         // A file that grows may end inside a frame for now; what follows must keep its channels.
         if (const std::size_t torn = filled_ % frameBytes; torn != 0)
             ::lseek(file_.Get(), static_cast<off_t>(frameBytes - torn), SEEK_CUR);

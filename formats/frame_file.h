@@ -48,7 +48,8 @@ public:
     int Position() const { return position_; }
     int Length() const { return length_; }
     void SetLength(std::uint32_t dataBytes);
-    int FramesInFile() const;  // whole frames behind the first one now
+    int FramesInFile() const;                     // whole frames behind the first one now
+    int ReadError() const { return readError_; }  // errno of the last read that failed, else 0
     int Descriptor() const { return file_.Get(); }
     std::int64_t DataStart() const { return dataStart_; }
 
@@ -75,6 +76,7 @@ private:
     std::size_t capacity_;
     std::size_t used_ = 0;
     std::size_t filled_ = 0;
+    int readError_ = 0;
     std::unique_ptr<std::byte[]> buffer_;
 };
 

@@ -19,14 +19,6 @@ int FramesInFile(int fd) {
     return ClampFrames(coded * kFrameSamples) / kFrameSamples * kFrameSamples;
 }
 
-std::size_t ReadAt(int fd, unsigned char* out, std::size_t size, std::int64_t offset) {
-    for (;;) {
-        const ssize_t got = ::pread(fd, out, size, offset);
-        if (got >= 0 || errno != EINTR)
-            return got > 0 ? static_cast<std::size_t>(got) : 0;
-    }
-}
-
 }  // namespace
 
 LGSMFileSink::LGSMFileSink(const char* path) : LSoundSinkBase(kGsmRate, 1) {
@@ -107,7 +99,9 @@ const unsigned char* LGSMFileSource::NextCodedFrame() {
             std::min(kInputBytes, static_cast<std::size_t>(left) * kGsmNormalBytes);
         const std::int64_t offset =
             std::int64_t{nextCodedFrame_} * static_cast<std::int64_t>(kGsmNormalBytes);
-        const std::size_t got = ReadAt(file_.Get(), input_.get(), wanted, offset);
+        int error = 0;
+        const std::size_t got = ReadFullyAt(file_.Get(), input_.get(), wanted, offset, &error);
+        NoteReadError(error);
         inputAt_ = 0;
         inputEnd_ = got - got % kGsmNormalBytes;
         if (inputEnd_ == 0)

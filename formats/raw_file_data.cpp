@@ -56,5 +56,8 @@ void LRawFileDataSoundSinkBase::WriteHeaderBytes(const void* header, std::size_t
 }
 
 std::uint32_t LRawFileDataSoundSinkBase::DataBytes(std::uint32_t overhead) const {
+    // A file that could not be written whole must not look whole.
+    if (WriteError() != 0)
+        return kUnknownBytes;
     return DataSizeField(framesWritten_, writer_.BytesPerFrame(), overhead);
 }

@@ -15,6 +15,7 @@ public:
     int GetPositionSample() const override { return reader_.Position(); }
     int GetEndSample() const override;
     void Seek(int frame) override;
+    int ReadError() const override { return reader_.ReadError(); }
     int FramesInFile() const { return reader_.FramesInFile(); }  // that are really there by now
 
 protected:

@@ -65,7 +65,9 @@ void LSRCVOX::ReadBlock(int* buffer, int frames) {
         return;
     int done = TakeHeldNibble(buffer);
     const auto wanted = static_cast<std::size_t>(frames - done + 1) / 2;
-    const int got = static_cast<int>(ReadFully(file_.Get(), bytes_.get(), wanted));
+    int error = 0;
+    const int got = static_cast<int>(ReadFully(file_.Get(), bytes_.get(), wanted, &error));
+    NoteReadError(error);
     const int whole = std::min(got, (frames - done) / 2);
     DecodeBytes(bytes_.get(), whole, buffer + done);
     done += 2 * whole;

@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::uint32_t kMinFmtBytes = 16;
 constexpr std::uint32_t kMaxFmtBytes = 8192;
-constexpr std::uint32_t kMaxRate = 196000;
 
 struct FmtChunk {
     std::uint32_t size;
@@ -76,7 +75,7 @@ void DecodeFmt(const std::uint8_t* bytes, WAVEFORMATEX& format) {
 std::uint8_t CheckFormat(const WAVEFORMATEX& format) {
     if (format.nChannels < 1 || format.nChannels > 255)
         return SoundStatus::kInvalidFormat;
-    if (format.nSamplesPerSec < 1 || format.nSamplesPerSec > kMaxRate)
+    if (format.nSamplesPerSec < 1 || format.nSamplesPerSec > kHighestRate)
         return SoundStatus::kInvalidFormat;
     if (format.wFormatTag != kWaveTagPcm || format.wBitsPerSample > 16)
         return SoundStatus::kUnsupported;
@@ -114,7 +113,7 @@ LSoundSource LWaveFile::OpenSource(const char* path) {
 }
 
 LSoundSink LWaveFile::OpenSink(const char* path, const LWaveFileFormat& format) {
-    if (format.tag != kWaveTagPcm)
+    if (format.tag != kWaveTagPcm || format.channels > 255)
         return LSoundSink(new LSoundSinkError());
     return OpenSinkPCM(path, static_cast<int>(format.samplesPerSecond),
                        static_cast<unsigned char>(format.channels), format.bitsPerSample, 0);
@@ -142,7 +141,9 @@ bool LGetWaveFormatEx(const char* path, WAVEFORMATEX** format) {
     auto* copy = new std::byte[size]();
     *format = new (copy) WAVEFORMATEX;
     DecodeFmt(fmt.bytes, **format);
-    if (fmt.size > kWaveFormatExBytes)
+    const auto extra = fmt.size > kWaveFormatExBytes ? fmt.size - kWaveFormatExBytes : 0;
+    (*format)->cbSize = static_cast<std::uint16_t>(std::min<std::size_t>((*format)->cbSize, extra));
+    if (extra > 0)
         std::memcpy(copy + kWaveFormatExBytes, fmt.bytes + kWaveFormatExBytes,
                     fmt.size - kWaveFormatExBytes);
     return true;

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+constexpr int kHighestRate = 196000;  // frames a second that WAVE readers accept
+
 constexpr std::uint16_t kWaveTagPcm = 1;
 constexpr std::uint16_t kWaveTagALaw = 6;
 constexpr std::uint16_t kWaveTagMuLaw = 7;

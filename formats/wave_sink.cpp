@@ -39,8 +39,9 @@ void LSNKPCMFileBase::Seek(int frame) {
 void LSNKPCMFileBase::WriteRIFF(bool final) {
     constexpr std::uint32_t kAroundData = kWaveHeaderBytes - 8;
     const auto blockAlign = static_cast<std::uint32_t>(writer_.BytesPerFrame());
-    const std::uint32_t dataBytes =
-        final ? DataSizeField(framesWritten_, blockAlign, kAroundData) : kUnknownBytes;
+    const std::uint32_t dataBytes = final && WriteError() == 0
+                                        ? DataSizeField(framesWritten_, blockAlign, kAroundData)
+                                        : kUnknownBytes;
     const auto rate = static_cast<std::uint32_t>(sampleRate_);
     std::uint8_t header[kWaveHeaderBytes] = {};
     StoreId(header, "RIFF");

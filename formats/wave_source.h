@@ -15,6 +15,7 @@ public:
     // until it is filled in.
     int GetEndSample() const override;
     void Seek(int frame) override;
+    int ReadError() const override { return reader_.ReadError(); }
     int FramesInFile() const { return reader_.FramesInFile(); }  // that are really there by now
     bool IsStreaming() const override { return reader_.Length() == kUnknownLength; }
 

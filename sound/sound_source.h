@@ -43,12 +43,21 @@ public:
     // Blocks until more data may be available; the base just sleeps.
     virtual void WaitForStreamingData(int milliseconds);
 
+    // errno of the first read that the system refused, 0 when there was none. Read delivers silence
+    // then, so programs ask here before they call what they read whole.
+    virtual int ReadError() const { return readError_; }
+
     int SampleRate() const { return sampleRate_; }
     int PeakMagnitude() const { return peakMagnitude_; }
     unsigned char Channels() const { return channels_; }
     std::uint8_t Status() const { return status_; }
 
 protected:
+    void NoteReadError(int error) {
+        if (readError_ == 0)
+            readError_ = error;
+    }
+
     std::int32_t sampleRate_;
     std::int32_t peakMagnitude_;
     std::uint8_t channels_;
@@ -57,6 +66,7 @@ protected:
 private:
     friend class LSoundSource;
     std::uint16_t references_ = 0;
+    int readError_ = 0;
 };
 
 // What a closed or failed handle points at: 11025 Hz mono silence of length 0.
@@ -98,6 +108,7 @@ public:
     int GetEndSample() const override { return inner_->GetEndSample(); }
     void Seek(int frame) override { inner_->Seek(frame); }
     bool IsStreaming() const override { return inner_->IsStreaming(); }
+    int ReadError() const override { return inner_->ReadError(); }
     void WaitForStreamingData(int milliseconds) override {
         inner_->WaitForStreamingData(milliseconds);
     }

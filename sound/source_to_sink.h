@@ -38,7 +38,8 @@ LProcessResult Process(P& progress, LPRSourceToSink& request) {
     if (source->Status() != SoundStatus::kGood || (sink->Status() & 1) != 0)
         return kProcessFailed;
     source = AdaptSourceToSink(source, *sink);
-    if (source->Channels() != sink->Channels())
+    if (source->Status() != SoundStatus::kGood || source->SampleRate() != sink->SampleRate() ||
+        source->Channels() != sink->Channels())
         return kProcessFailed;
 
     std::int64_t remaining = std::int64_t{source->GetEndSample()} - source->GetPositionSample();

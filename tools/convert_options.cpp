@@ -13,8 +13,6 @@
 namespace {
 
 constexpr const char* kProgram = "lectora-convert";
-constexpr int kLowestRate = 1000;
-constexpr int kHighestRate = 196000;  // what WAV readers accept
 
 enum LongOption : int {
     kInfo = 256,
@@ -58,7 +56,7 @@ int ShowHelp() {
         "      --info              tell what the files hold\n"
         "      --help              show this text\n"
         "      --version           show the version\n",
-        kProgram, kProgram, kLowestRate, kHighestRate, AllSampleEncodingNames().c_str(),
+        kProgram, kProgram, kLowestToolRate, kHighestRate, AllSampleEncodingNames().c_str(),
         AllSoundTypeNames().c_str());
     return kExitDone;
 }
@@ -132,7 +130,7 @@ bool ParseType(const char* text, ConvertOptions& options) {
 bool TakeOption(int option, ConvertOptions& options) {
     switch (option) {
         case 'r':
-            return ParseOptionalNumber(optarg, kLowestRate, kHighestRate, options.output.rate);
+            return ParseOptionalNumber(optarg, kLowestToolRate, kHighestRate, options.output.rate);
         case 'c':
             return ParseOptionalNumber(optarg, 1, 2, options.output.channels);
         case 'e':
@@ -148,7 +146,7 @@ bool TakeOption(int option, ConvertOptions& options) {
         case kSeconds:
             return ParseSpan(optarg, options.span);
         case kRawRate:
-            return ParseOptionalNumber(optarg, 1, kHighestRate, options.raw.rate);
+            return ParseOptionalNumber(optarg, kLowestToolRate, kHighestRate, options.raw.rate);
         case kRawChannels:
             return ParseOptionalNumber(optarg, 1, 255, options.raw.channels);
         default:

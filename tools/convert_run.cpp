@@ -17,6 +17,8 @@ int Fail(const std::string& path, const std::string& error) {
 }
 
 int FrameAt(long long milliseconds, int rate, int end) {
+    if (milliseconds / 1000 > end / rate)
+        return end;  // the product below then fits
     return static_cast<int>(std::min<long long>(milliseconds * rate / 1000, end));
 }
 
@@ -52,6 +54,8 @@ int RunConvert(const ConvertOptions& options) {
     SoundInput input = OpenSoundInput(inputPath, options.raw);
     if (!input.error.empty())
         return Fail(inputPath, input.error);
+    if (const std::string problem = RateProblem(input); !problem.empty())
+        return Fail(inputPath, problem);
     if (input.missingFrames > 0)
         Complain(kProgram, inputPath + ": is cut short: the last " +
                                std::to_string(input.missingFrames) + " of " +
@@ -65,6 +69,9 @@ int RunConvert(const ConvertOptions& options) {
     LTerminalProgress progress;
     const LProcessResult result = output.Append(progress, inputPath.c_str(), input.source);
     LTerminalProgress::ClearLine();
+    const std::string problem = ReadingProblem(input);
+    if (!problem.empty())
+        return Fail(inputPath, problem);
     if (result != kProcessDone || !output.Commit())
         return Fail(outputPath, output.Error());
     return kExitDone;

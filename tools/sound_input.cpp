@@ -102,9 +102,27 @@ SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
             input.source = OpenHeaderless(path, raw, input);
     }
     input.error = StatusProblem(input);
-    if (input.error.empty())
-        input.missingFrames = FramesMissing(*input.source);
+    if (!input.error.empty())
+        return input;
+    input.file = input.source;
+    input.missingFrames = FramesMissing(*input.source);
     return input;
+}
+
+std::string RateProblem(const SoundInput& input) {
+    const int rate = input.source->SampleRate();
+    if (rate >= kLowestToolRate && rate <= kHighestRate)
+        return "";
+    return "has a rate of " + std::to_string(rate) + " Hz; rates from " +
+           std::to_string(kLowestToolRate) + " to " + std::to_string(kHighestRate) +
+           " are converted";
+}
+
+std::string ReadingProblem(const SoundInput& input) {
+    if (input.file->ReadError() != 0)
+        return ErrorText(input.file->ReadError());
+    return FramesMissing(*input.file) > input.missingFrames ? "was cut short while it was read"
+                                                            : "";
 }
 
 SectionSource::SectionSource(const LSoundSource& inner, int start, int end)

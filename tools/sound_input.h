@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "formats/wave_format.h"
 #include "sound/sound_source.h"
 #include "tools/sound_types.h"
 
@@ -17,10 +18,13 @@ struct RawReading {
     bool IsAsked() const { return rate || channels || encoding; }
 };
 
+constexpr int kLowestToolRate = 1000;  // frames a second; the highest is kHighestRate
+
 struct SoundInput {
     SoundType type = SoundType::Wav;
     SampleEncoding encoding = SampleEncoding::Pcm16;  // of headerless files
     LSoundSource source;                              // good when error is empty
+    LSoundSource file;                                // the same before any cut
     int missingFrames = 0;  // that the header announces and the file does not hold, at the end
     std::string error;      // without the path
 };
@@ -28,6 +32,13 @@ struct SoundInput {
 // The type comes from the extension; a file of another or no extension is headerless when raw says
 // how to read it.
 SoundInput OpenSoundInput(const std::string& path, const RawReading& raw);
+
+// Why a good input cannot be converted: a rate outside what the converters are good for, which only
+// damaged or made-up files have. Empty when it can.
+std::string RateProblem(const SoundInput& input);
+
+// What went wrong while the input was read, in words; empty when nothing did.
+std::string ReadingProblem(const SoundInput& input);
 
 // A part of a source: frames [start, end) of it, as a source of its own. The inner source stands at
 // start already.

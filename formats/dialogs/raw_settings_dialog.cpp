@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "formats/dialogs/standard_lists.h"
+#include "formats/wave_format.h"
 #include "foundation/settings.h"
 #include "gui/dialog_gen_context.h"
 
@@ -15,7 +16,6 @@ constexpr int kChannels = 105;
 constexpr int kDefaults = 110;
 
 constexpr int kLowestRate = 6000;
-constexpr int kHighestRate = 196000;
 
 constexpr const char* kCodecs[] = {"Dialogic ADPCM",
                                    "G711 uLaw",

@@ -348,7 +348,8 @@ TEST_F(WaveFile, AWriteCutShortEndsTheFileThere) {
     const std::vector<int> all = ReadAll(LWaveFile::OpenSource(path.c_str()));
     const auto whole = std::vector<int>::difference_type{(10001 - 46) / 2};
     EXPECT_TRUE(std::equal(all.begin(), all.begin() + whole, signal.begin()));
-    EXPECT_EQ(std::count(all.begin() + whole, all.end(), 0), 9000 - whole);
+    EXPECT_EQ(all.size(), static_cast<std::size_t>(whole))
+        << "the header claims no frame that is not there";
 }
 
 TEST_F(WaveFile, TheDefaultFormatIsKeptWhole) {

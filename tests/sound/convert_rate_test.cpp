@@ -183,6 +183,18 @@ TEST_F(ConvertRateTest, BadRatesAndSources) {
     }
 }
 
+// One filter has too few phases and too few taps for these.
+TEST_F(ConvertRateTest, ExtremeRatiosKeepLengthAndLevel) {
+    for (const RatePair& rates : {RatePair{100, 44100}, RatePair{192000, 8000}}) {
+        const std::vector<int> level(static_cast<std::size_t>(rates.input), 300000);
+        LSoundSource source = LSPConvertRate(rates.output)
+                                  .OpenSource(LSoundSource(new MemorySource(level, rates.input)));
+        EXPECT_NEAR(source->GetEndSample(), rates.output, rates.output * 0.005);
+        const std::vector<int> got = ReadFrames(source, rates.output / 2);
+        EXPECT_NEAR(got.back(), 300000, 6000) << rates.input << " to " << rates.output;
+    }
+}
+
 // A stream is followed without touching what has not arrived, and sounds like the same data in a
 // file.
 TEST_F(ConvertRateTest, StreamingSourceIsFollowedToItsEnd) {

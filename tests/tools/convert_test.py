@@ -219,6 +219,7 @@ class ConvertTest(ProgramCase):
             ("text.au", b"x" * 99),
             ("noext", b"12"),
             ("short.aiff", b"FORM\0\0\0\0AIFF"),
+            ("wild.au", b".snd" + struct.pack(">5I", 24, 600, 3, 0x7FFFFFFF, 255) + bytes(600)),
             ("there.wav", b"mine"),
         ):
             self.save(name, data)
@@ -234,6 +235,8 @@ class ConvertTest(ProgramCase):
             (["deep.wav", "o.wav"], 1, "deep.wav: holds wav data in an encoding"),
             (["text.au", "o.wav"], 1, "text.au: is not a valid au"),
             (["short.aiff", "o.wav"], 1, "short.aiff: is not a valid"),
+            (["wild.au", "o.wav"], 1, "wild.au: has a rate of 2147483647 Hz"),
+            (["--seconds", "400000:00:00-", "good.wav", "o.wav"], 1, "holds no sound in that part"),
             (["fifo.wav", "o.wav"], 1, "fifo.wav: is not a regular file"),
             (["folder.wav", "o.wav"], 1, "folder.wav: is a folder"),
             (["loop.wav", "o.wav"], 1, "loop.wav: Too many levels"),
