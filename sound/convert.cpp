@@ -26,7 +26,7 @@ LSoundSource LSPConvertRate::OpenSource(const LSoundSource& source) const {
         const LSoundSource between(new LSRCConvertRate(source, rate_ * 2, true));
         return LSoundSource(new LSRCConvertRate(between, rate_, false));
     }
-    // So far up, a filter's phases miss the ratio by much; 16 is met exactly.
+    // So far up, a filter has too few phases for the ratio; 16 is met exactly.
     if (rate_ / 32 > source->SampleRate())
         return OpenSource(LSPConvertRate(source->SampleRate() * 16).OpenSource(source));
     return LSoundSource(new LSRCConvertRate(source, rate_, false));
