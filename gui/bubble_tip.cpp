@@ -2,9 +2,9 @@
 
 #include <dlfcn.h>
 
+#include "foundation/gdk/gdk_lock.h"
 #include "gui/accessible.h"
 #include "gui/display_text.h"
-#include "gui/gdk_lock.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "gui/splash_screen.h"
 
+#include "foundation/gdk/gdk_lock.h"
 #include "gui/accessible.h"
-#include "gui/gdk_lock.h"
 #include "gui/icons.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <forward_list>
 
-#include "gui/gdk_lock.h"
+#include "foundation/gdk/gdk_lock.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "foundation/numbers.h"
 #include "foundation/settings.h"
-#include "gui/decimal_number.h"
 #include "gui/display_text.h"
 #include "gui/window.h"
 
@@ -120,7 +120,7 @@ void LWindow::PDLDeleteItem(int id, int item) {
 }
 
 int LWindow::PDLGetInt(int id) const {
-    return DecimalNumber(PDLGetText(id).c_str());
+    return DecimalFromText(PDLGetText(id).c_str());
 }
 
 void LWindow::PDLSetInt(int id, int value) {

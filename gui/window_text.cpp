@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "foundation/numbers.h"
 #include "gui/accessible.h"
-#include "gui/decimal_number.h"
 #include "gui/display_text.h"
 #include "gui/icons.h"
 #include "gui/window.h"
@@ -56,7 +56,7 @@ void LWindow::SetInt(int id, int value) {
 int LWindow::GetInt(int id) const {
     char text[kTextBufferSize];
     GetText(id, text);
-    return DecimalNumber(text);
+    return DecimalFromText(text);
 }
 
 void LWindow::SetPasswordText(int id, const char* text) {

@@ -2,22 +2,17 @@
 #include <gtk/gtk.h>
 #include <sys/stat.h>
 
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "foundation/file.h"
 #include "foundation/machine_root.h"
+#include "foundation/owned_text.h"
 #include "foundation/text_buffer.h"
 #include "gui/icons.h"
 #include "gui/message_box.h"
 
 namespace {
-
-struct GFree {
-    void operator()(char* text) const { g_free(text); }
-};
-using OwnedText = std::unique_ptr<char, GFree>;
 
 // A chooser window, destroyed with this object.
 class Chooser {

@@ -1,9 +1,9 @@
 #include "foundation/gdk/queued_notify.h"
 
-#include <gdk/gdk.h>
-
 #include <algorithm>
 #include <cstring>
+
+#include "foundation/gdk/gdk_lock.h"
 
 namespace {
 
@@ -42,14 +42,12 @@ void LThreadQueuedNotify::QueueNotify() {
 gboolean LThreadQueuedNotify::SourceFunc(gpointer self) {
     auto* const notify = static_cast<LThreadQueuedNotify*>(self);
     const guint source = g_source_get_id(g_main_current_source());
-    gdk_threads_enter();
+    const GdkLock gdk;
     {
         const std::lock_guard lock(notify->mutex_);
         std::erase(notify->pending_, source);
     }
     notify->EvNotify();
-    gdk_flush();
-    gdk_threads_leave();
     return FALSE;
 }
 

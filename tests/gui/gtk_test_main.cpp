@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
-#include "gui/gdk_lock.h"
+#include "foundation/gdk/gdk_lock.h"
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);

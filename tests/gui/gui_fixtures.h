@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "foundation/gdk/gdk_lock.h"
 #include "gui/dialog.h"
 #include "gui/dialog_gen_context.h"
-#include "gui/gdk_lock.h"
 
 inline void PumpPending() {
     while (gtk_events_pending())
