@@ -72,7 +72,7 @@ void LDatFile::SetLong(const char* section, const char* key, int value) {
 }
 
 bool LDatFile::GetBool(const char* section, const char* key, bool defaultValue) const {
-    // Session files write "true"; "1" and "yes" have never counted.
+    // Session files write "true"; "1" and "yes" do not count.
     return GetString(section, key, defaultValue ? "true" : "").starts_with('t');
 }
 

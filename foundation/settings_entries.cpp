@@ -61,8 +61,8 @@ void LSettingsEntries::Parse(std::string_view fileText) {
             break;
         const std::size_t keyEnd = std::min(fileText.find_first_of("=\r\n", at), fileText.size());
         const std::string_view key = Cut(fileText.substr(at, keyEnd - at));
-        // All "=" are skipped, so a value loses those it begins with: files have always been read
-        // so.
+        // All "=" are skipped, so a value loses those it begins with: every program that reads
+        // these files splits a line there.
         at = std::min(fileText.find_first_not_of('=', keyEnd), fileText.size());
         const std::size_t valueEnd = std::min(fileText.find_first_of("\r\n", at), fileText.size());
         const std::string_view value = Cut(fileText.substr(at, valueEnd - at));

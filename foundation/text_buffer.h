@@ -1,4 +1,4 @@
-// Text holders of the older interfaces: a growable text and the fixed 260-byte buffers.
+// Text holders: a growable text, and the fixed 260-byte buffers of paths, keys and labels.
 #pragma once
 
 #include <cstddef>
