@@ -1,29 +1,27 @@
 #include "foundation/hosts.h"
 
-#include "foundation/host_defaults.h"
-#include "foundation/settings.h"
-#include "foundation/text_buffer.h"
+#include "foundation/settings_keys.h"
 
 namespace {
 
-std::string Host(const char* key, const char* defaultHost) {
-    char host[kTextBufferSize];
-    _LSettingGetString("Hosts", key, defaultHost, host);
-    return host[0] ? host : defaultHost;
+// An empty value is none.
+std::string Host(const MachineSetting<const char*>& setting) {
+    const std::string host = setting.Get();
+    return host.empty() ? setting.defaultValue : host;
 }
 
 }  // namespace
 
 std::string WebHost() {
-    return Host("Web", kDefaultWebHost);
+    return Host(kWebHostSetting);
 }
 
 std::string ComponentsHost() {
-    return Host("Components", kDefaultComponentsHost);
+    return Host(kComponentsHostSetting);
 }
 
 std::string ReportHost() {
-    return Host("Report", kDefaultReportHost);
+    return Host(kReportHostSetting);
 }
 
 std::string WebAddress(std::string_view page) {
