@@ -1,33 +1,17 @@
-// Whole reads and writes on descriptors, and a walker over file headers. Nothing here reports
-// through messages.
+// What sound files need beyond the common file steps: an opener for writing, byte order, and a
+// walker over headers. Nothing here reports through messages.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 
-#include "foundation/unique_fd.h"
+#include "foundation/file_io.h"
 
-// Opens a regular file for reading. Not open when the path names anything else: a FIFO would block,
-// a device never end.
-UniqueFd OpenFileForReading(const char* path);
-
-// Opens or creates (mode 0666) a file for reading and writing, without truncating it, and takes a
-// shared advisory lock that is not waited for. Not open on failure, *error then holds the errno;
-// FIFOs and sockets are refused.
+// Opens or creates (mode 0666 less the mask of the start) a file for reading and writing, without
+// truncating it, and takes a shared advisory lock that is not waited for. Not open on failure,
+// *error then holds the errno; FIFOs and sockets are refused.
 UniqueFd OpenFileForWriting(const char* path, int* error);
-
-// Reads until size bytes, the end of the file or an error; returns how many arrived. *error, when
-// given, is set to the errno of a read that failed and left alone otherwise.
-std::size_t ReadFully(int fd, void* buffer, std::size_t size, int* error = nullptr);
-// The same at an offset, which leaves the descriptor's position alone.
-std::size_t ReadFullyAt(int fd, void* buffer, std::size_t size, std::int64_t offset,
-                        int* error = nullptr);
-
-// Writes everything; returns 0, or the errno of the write that failed.
-int WriteFully(int fd, const void* data, std::size_t size);
-
-std::int64_t FileSize(int fd);  // bytes, 0 when it cannot be told
 
 inline std::uint16_t LoadLE16(const std::uint8_t* p) {
     return static_cast<std::uint16_t>(p[0] | p[1] << 8);

@@ -36,7 +36,7 @@ std::string BrowserCommand(const std::string& address) {
     if (IsProgramInstalled(inKde ? "kfmclient" : "gnome-open"))
         command = (inKde ? "kfmclient exec" : "gnome-open") + quoted;
     else
-        command = "xdg-open" + quoted + " &";  // it may stay as long as the browser does
+        command = "xdg-open" + quoted;
     // The command text ends at 259 characters: cut there it has lost its closing quote and cannot
     // run.
     return command.size() < kTextBufferSize ? command : std::string();
@@ -44,5 +44,5 @@ std::string BrowserCommand(const std::string& address) {
 
 bool OpenInBrowser(const std::string& address) {
     const std::string command = BrowserCommand(address);
-    return !command.empty() && RunShellCommand(command.c_str()) == 0;
+    return !command.empty() && StartShellCommand(command.c_str());
 }

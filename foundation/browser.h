@@ -8,5 +8,6 @@
 // characters.
 std::string BrowserCommand(const std::string& address);
 
-// Starts the browser on the address; false when no command could be run. Any thread.
+// Starts the browser on the address and does not wait for it; false when the command is too long
+// or no shell could be run. Any thread.
 bool OpenInBrowser(const std::string& address);

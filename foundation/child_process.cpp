@@ -2,68 +2,79 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "foundation/file_mask.h"
+
 namespace {
 
 constexpr int kFirstPrivateFd = 3;
 
-class SpawnSetup {
-public:
-    SpawnSetup() {
-        ::posix_spawn_file_actions_init(&actions_);
-        ::posix_spawnattr_init(&attributes_);
-        sigset_t signals;
-        sigemptyset(&signals);
-        ::posix_spawnattr_setsigmask(&attributes_, &signals);
-        sigfillset(&signals);
-        ::posix_spawnattr_setsigdefault(&attributes_, &signals);
-    }
-    SpawnSetup(const SpawnSetup&) = delete;
-    SpawnSetup& operator=(const SpawnSetup&) = delete;
-    ~SpawnSetup() {
-        ::posix_spawnattr_destroy(&attributes_);
-        ::posix_spawn_file_actions_destroy(&actions_);
-    }
+void SetDefaultSignals() {
+    struct sigaction action {};
+    action.sa_handler = SIG_DFL;
+    for (int number = 1; number < NSIG; ++number)
+        ::sigaction(number, &action, nullptr);
+}
 
-    bool Connect(const LChildStreams& streams) {
-        const int group = streams.ownGroup ? POSIX_SPAWN_SETPGROUP : 0;
-        int error = ::posix_spawnattr_setflags(
-            &attributes_,
-            static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | group));
-        if (error != 0)
-            return false;
-        if (streams.emptyInput)
-            error = ::posix_spawn_file_actions_addopen(&actions_, 0, "/dev/null", O_RDONLY, 0);
-        else if (streams.input >= 0)
-            error = ::posix_spawn_file_actions_adddup2(&actions_, streams.input, 0);
-        if (error == 0 && streams.output >= 0)
-            error = ::posix_spawn_file_actions_adddup2(&actions_, streams.output, 1);
-        // Libraries open descriptors without close-on-exec (display connections, sound cards).
-        if (error == 0)
-            error = ::posix_spawn_file_actions_addclosefrom_np(&actions_, kFirstPrivateFd);
-        return error == 0;
-    }
+// Everything from the first private descriptor on is gone once the program runs, also what
+// libraries opened without close-on-exec (display connections, sound cards).
+void CloseOnExecFromFirstPrivate() {
+    if (::close_range(kFirstPrivateFd, ~0U, CLOSE_RANGE_CLOEXEC) == 0)
+        return;
+    for (int fd = kFirstPrivateFd; fd < 1024; ++fd)  // a kernel before 5.11
+        ::fcntl(fd, F_SETFD, FD_CLOEXEC);
+}
 
-    pid_t Spawn(const char* const* arguments) const {
-        pid_t pid = -1;
-        // posix_spawn takes the list as modifiable by convention only.
-        char* const* list = const_cast<char* const*>(arguments);
-        const int error = ::posix_spawn(&pid, arguments[0], &actions_, &attributes_, list, environ);
-        return error == 0 ? pid : -1;
-    }
+bool ConnectStandardStreams(const LChildStreams& streams) {
+    const int input = streams.emptyInput ? ::open("/dev/null", O_RDONLY) : streams.input;
+    if (streams.emptyInput && input < 0)
+        return false;
+    return (input <= 0 || ::dup2(input, 0) == 0) &&
+           (streams.output < 0 || ::dup2(streams.output, 1) == 1);
+}
 
-private:
-    posix_spawn_file_actions_t actions_;
-    posix_spawnattr_t attributes_;
-};
+// Between fork and exec: async-signal-safe calls only. errno goes to the descriptor when the
+// program cannot be run.
+[[noreturn]] void BecomeProgram(const char* const* arguments, const LChildStreams& streams,
+                                mode_t mask, int failure) {
+    SetDefaultSignals();
+    if (streams.ownGroup)
+        ::setpgid(0, 0);
+    ::umask(mask);
+    if (ConnectStandardStreams(streams)) {
+        CloseOnExecFromFirstPrivate();
+        sigset_t none;
+        sigemptyset(&none);
+        ::sigprocmask(SIG_SETMASK, &none, nullptr);
+        // execv takes the list as modifiable by convention only.
+        ::execv(arguments[0], const_cast<char* const*>(arguments));
+    }
+    const int error = errno;
+    static_cast<void>(!::write(failure, &error, sizeof error));
+    ::_exit(127);
+}
+
+bool ReadsNothing(const UniqueFd& fd) {
+    char byte;
+    ssize_t got;
+    do {
+        got = ::read(fd.Get(), &byte, 1);
+    } while (got < 0 && errno == EINTR);
+    return got == 0;
+}
+
+void Collect(pid_t pid, int* status) {
+    while (::waitpid(pid, status, 0) < 0 && errno == EINTR) {
+    }
+}
 
 // A process started with descriptors 0 to 2 closed must not hand a pipe to its child as one of
 // those by accident.
@@ -79,13 +90,43 @@ bool IsRunnableFile(const char* path) {
     return ::stat(path, &status) == 0 && S_ISREG(status.st_mode) && ::access(path, X_OK) == 0;
 }
 
+// The child's id once the program runs, -1 when it could not be run. A detached one belongs to
+// nobody: its id is not told, 0 stands for it.
+pid_t StartProgram(const char* const* arguments, const LChildStreams& streams, bool detached) {
+    LPipePair failure = LPipePair::Make();
+    if (!failure.IsOpen())
+        return -1;
+    const mode_t mask = StartMask();
+    // No handler of this process may run in the child.
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before);
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        if (detached && ::fork() != 0)
+            ::_exit(0);
+        if (detached)
+            ::setsid();
+        BecomeProgram(arguments, streams, mask, failure.writeEnd.Get());
+    }
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (pid < 0)
+        return -1;
+    failure.writeEnd.Reset();
+    if (detached)
+        Collect(pid, nullptr);
+    if (ReadsNothing(failure.readEnd))
+        return detached ? 0 : pid;
+    if (!detached)
+        Collect(pid, nullptr);
+    return -1;
+}
+
 }  // namespace
 
 LChildProcess LChildProcess::Start(const char* const* arguments, const LChildStreams& streams) {
-    SpawnSetup setup;
-    if (!setup.Connect(streams))
-        return LChildProcess();
-    return LChildProcess(setup.Spawn(arguments));
+    return LChildProcess(StartProgram(arguments, streams, false));
 }
 
 LChildProcess LChildProcess::StartShell(const char* command, const LChildStreams& streams) {
@@ -97,12 +138,8 @@ int LChildProcess::Wait() {
     if (pid_ <= 0)
         return -1;
     int status = 0;
-    pid_t result;
-    do {
-        result = ::waitpid(pid_, &status, 0);
-    } while (result < 0 && errno == EINTR);
-    pid_ = -1;
-    return result > 0 ? status : 0;
+    Collect(std::exchange(pid_, -1), &status);
+    return status;
 }
 
 LPipePair LPipePair::Make() {
@@ -119,6 +156,13 @@ int RunShellCommand(const char* command) {
     LChildStreams streams;
     streams.emptyInput = true;
     return LChildProcess::StartShell(command, streams).Wait();
+}
+
+bool StartShellCommand(const char* command) {
+    LChildStreams streams;
+    streams.emptyInput = true;
+    const char* const arguments[] = {"/bin/sh", "-c", command, nullptr};
+    return StartProgram(arguments, streams, true) == 0;
 }
 
 bool IsProgramInstalled(const char* name) {

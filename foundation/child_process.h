@@ -1,8 +1,8 @@
 // Starting and collecting child processes.
 //
-// Every child starts with default signal dispositions and nothing blocked, whatever this process
-// ignores or blocks, and inherits descriptors 0 to 2 only. Safe from any thread: nothing but
-// posix_spawn runs between fork and exec.
+// Every child starts with default signal dispositions, nothing blocked and the file mask that this
+// process was started with, whatever this process ignores, blocks or masks, and inherits
+// descriptors 0 to 2 only. Safe from any thread.
 #pragma once
 
 #include <sys/types.h>
@@ -67,6 +67,10 @@ struct LPipePair {
 // Runs the command through the shell with an empty standard input and waits for its end. The wait
 // status as from LChildProcess::Wait(), -1 when it could not be started.
 int RunShellCommand(const char* command);
+
+// Starts the command with an empty standard input, in a session of its own, and leaves it alone: it
+// may run as long as it likes and outlive this process. False when the shell could not be run.
+bool StartShellCommand(const char* command);
 
 // True when a program of this name can be run from the folders of PATH.
 bool IsProgramInstalled(const char* name);

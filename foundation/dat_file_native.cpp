@@ -88,7 +88,7 @@ void LDatFileNativeFile::Load() {
     index_.clear();
     sections_.clear();
     dirty_ = false;
-    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDONLY);
+    const UniqueFd file = OpenFileForReading(path_.c_str());
     if (file.IsOpen())
         flocktimed(file.Get(), LOCK_SH | LOCK_NB, kLockMilliseconds);
     std::string content;
@@ -123,7 +123,7 @@ void LDatFileNativeFile::Save() {
     dirty_ = false;
     if (unreadable_)
         return;
-    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT, 0666);
+    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT);
     if (!file.IsOpen())
         return;
     flocktimed(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);

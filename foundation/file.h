@@ -31,7 +31,7 @@ public:
     // copied.
     static void MakeRelativeFilePath(char* out, const char* path, const char* base);
 
-    // --- folders: created with mode 0777 less the process's mask; failures show as missing folders
+    // --- folders: created by MakeFolder() (file_mask.h); failures show as missing folders
     static void GetSharedDataFolderApp(char* out);
     static void GetSharedDataFolderAppSubFolder(const char* name, char* out);
     static void GetUserDataFolderAppSubFolder(const char* name, char* out);

@@ -12,7 +12,7 @@
 namespace {
 
 bool IsLockRefused(const char* path, int operation) {
-    const UniqueFd file = OpenRegularFile(path, O_RDONLY);
+    const UniqueFd file = OpenFileForReading(path);
     return file.IsOpen() && flock(file.Get(), operation | LOCK_NB) != 0 && errno == EWOULDBLOCK;
 }
 
@@ -26,11 +26,11 @@ bool IsSameFile(int a, int b) {
 }  // namespace
 
 bool LFile::CopyFile(const char* from, const char* to) {
-    const UniqueFd source = OpenRegularFile(from, O_RDONLY);
+    const UniqueFd source = OpenFileForReading(from);
     if (!source.IsOpen())
         return false;
     static_cast<void>(flock(source.Get(), LOCK_SH | LOCK_NB));
-    const UniqueFd target = OpenRegularFile(to, O_RDWR | O_CREAT, 0666);
+    const UniqueFd target = OpenRegularFile(to, O_RDWR | O_CREAT);
     if (!target.IsOpen())
         return false;
     if (IsSameFile(source.Get(), target.Get()))
@@ -42,8 +42,7 @@ bool LFile::CopyFile(const char* from, const char* to) {
         const ssize_t got = read(source.Get(), block, sizeof block);
         if (got < 0 && errno == EINTR)
             continue;
-        if (got <= 0 ||
-            !WriteAll(target.Get(), std::string_view(block, static_cast<std::size_t>(got))))
+        if (got <= 0 || WriteFully(target.Get(), block, static_cast<std::size_t>(got)) != 0)
             return true;
     }
 }

@@ -8,6 +8,7 @@
 
 #include "foundation/child_process.h"
 #include "foundation/file.h"
+#include "foundation/file_mask.h"
 #include "foundation/folder_iterator.h"
 #include "foundation/machine_root.h"
 #include "foundation/text_buffer.h"
@@ -21,8 +22,8 @@ constexpr int kDeepestCopy = 64;  // folders within folders; deeper paths do not
 void MakeFolders(const std::string& path, std::size_t given) {
     for (std::size_t at = path.find('/', given + 1); at != std::string::npos;
          at = path.find('/', at + 1))
-        mkdir(path.substr(0, at).c_str(), 0777);
-    mkdir(path.c_str(), 0777);
+        MakeFolder(path.substr(0, at).c_str());
+    MakeFolder(path.c_str());
 }
 
 bool IsFolder(const std::string& path, bool followLink) {
@@ -50,7 +51,7 @@ void CopyTree(const std::string& from, const std::string& to, const std::string&
               int depth) {
     // All names first: the target may stand inside the source.
     const std::vector<std::string> names = NamesIn(from.c_str());
-    mkdir(to.c_str(), 0777);
+    MakeFolder(to.c_str());
     for (const std::string& name : names) {
         const std::string source = from + "/" + name;
         const std::string target = to + "/" + name;
@@ -74,9 +75,9 @@ void LFile::GetSharedDataFolderApp(char* out) {
 
 void LFile::GetSharedDataFolderAppSubFolder(const char* name, char* out) {
     GetSharedDataFolderApp(out);
-    mkdir(out, 0777);
+    MakeFolder(out);
     _FilePathCat(out, name);
-    mkdir(out, 0777);
+    MakeFolder(out);
 }
 
 void LFile::GetUserDataFolderAppSubFolder(const char* name, char* out) {
@@ -100,7 +101,7 @@ void LFile::CopyFolderFiles(const char* from, const char* to) {
     if (IsFolder(from, true))
         CopyTree(from, to, to, 0);
     else
-        mkdir(to, 0777);
+        MakeFolder(to);
 }
 
 void LFile::DeleteFolderAndFiles(const char* folder) {

@@ -105,19 +105,19 @@ bool LReadFileRef::ReadStringLenUTF8(char (&out)[kLengthStringBufferSize]) {
 }
 
 bool LWriteFileRef::Write(const void* bytes, std::size_t count) {
-    return WriteAll(fd_, std::string_view(static_cast<const char*>(bytes), count));
+    return WriteFully(fd_, bytes, count) == 0;
 }
 
 bool LWriteFileRef::WriteString(const char* text) {
-    return WriteAll(fd_, text);
+    return WriteFully(fd_, text) == 0;
 }
 
 bool LWriteFileRef::WriteLineCRLF(const char* text) {
-    return WriteAll(fd_, std::string(text) + "\r\n");
+    return WriteFully(fd_, std::string(text) + "\r\n") == 0;
 }
 
 bool LWriteFileRef::WriteLineLF(const char* text) {
-    return WriteAll(fd_, std::string(text) + "\n");
+    return WriteFully(fd_, std::string(text) + "\n") == 0;
 }
 
 bool LWriteFileRef::WriteStringLenUTF8(const char* text) {
@@ -132,7 +132,7 @@ bool LWriteFileRef::WriteStringLenUTF8(const char* text) {
         for (int shift = 0; shift < 32; shift += 8)
             bytes += static_cast<char>(length >> shift & 255);
     }
-    return WriteAll(fd_, bytes.append(text));
+    return WriteFully(fd_, bytes.append(text)) == 0;
 }
 
 int fprintf(LWriteFileRef file, const char* format, ...) {
@@ -146,7 +146,7 @@ int fprintf(LWriteFileRef file, const char* format, ...) {
     if (length > 0)
         std::vsnprintf(text.data(), text.size() + 1, format, again);
     va_end(again);
-    return length >= 0 && WriteAll(file.Fd(), text) ? length : -1;
+    return length >= 0 && WriteFully(file.Fd(), text) == 0 ? length : -1;
 }
 
 bool LReadFileBuffered::Refill() {
@@ -183,7 +183,7 @@ bool LReadFileBuffered::ReadLine(char* out, std::size_t size) {
 }
 
 bool LSharedReadFile::Open(const char* path) {
-    owner_ = OpenRegularFile(path, O_RDONLY);
+    owner_ = OpenFileForReading(path);
     fd_ = owner_.Get();
     if (fd_ >= 0)
         static_cast<void>(flock(fd_, LOCK_SH | LOCK_NB));

@@ -40,7 +40,7 @@ std::size_t PageEnd(std::size_t offset) {
 }
 
 bool WriteAt(int fd, std::string_view bytes, std::size_t offset) {
-    return WriteAllAt(fd, bytes, static_cast<off_t>(offset));
+    return WriteFullyAt(fd, bytes, static_cast<std::int64_t>(offset)) == 0;
 }
 
 bool CutAt(int fd, std::size_t size) {

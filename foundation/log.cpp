@@ -21,12 +21,12 @@ std::time_t WallClock() {
 
 // A file that cannot be opened takes nothing; one that cannot be locked is written all the same.
 void AppendToFile(const char* path, std::string_view text) {
-    const UniqueFd file = OpenRegularFile(path, O_WRONLY | O_CREAT, 0666);
+    const UniqueFd file = OpenRegularFile(path, O_WRONLY | O_CREAT);
     if (!file.IsOpen())
         return;
     flocktimed(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
     ::lseek(file.Get(), 0, SEEK_END);
-    WriteAll(file.Get(), text);
+    WriteFully(file.Get(), text);
 }
 
 }  // namespace

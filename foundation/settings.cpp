@@ -1,9 +1,8 @@
 #include "foundation/settings.h"
 
-#include <sys/stat.h>
-
 #include "foundation/ascii.h"
 #include "foundation/file.h"
+#include "foundation/file_mask.h"
 #include "foundation/machine_root.h"
 #include "foundation/numbers.h"
 #include "foundation/text_buffer.h"
@@ -128,13 +127,13 @@ void LSettingsGetUserFolder(char* out) {
     CopyText(out, kTextBufferSize, HomeFolder());
     for (const char* level : {".quillon", "lectora"}) {
         LFile::_FilePathCat(out, level);
-        mkdir(out, 0777);
+        MakeFolder(out);
     }
 }
 
 void LSettingsGetSharedFolder(char* out) {
     LFile::GetSharedDataFolderApp(out);
-    mkdir(out, 0777);
+    MakeFolder(out);
 }
 
 void LSettingSectionFile(char* out, const char* folder, const char* section) {
@@ -149,6 +148,6 @@ void LSettingGetSubListPath(char* out, const char* path) {
 void LSettingSubListSection(char* out, const char* path, const char* name) {
     char folder[kTextBufferSize];
     LSettingGetSubListPath(folder, path);
-    mkdir(folder, 0777);
+    MakeFolder(folder);
     LSettingSectionFile(out, folder, name);
 }

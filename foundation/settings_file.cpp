@@ -60,7 +60,7 @@ LSettingsFile::Stamps LSettingsFile::StampsOf(int fd) {
 }
 
 void LSettingsFile::GetString(const char* key, const char* defaultValue, char* out) {
-    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDONLY);
+    const UniqueFd file = OpenFileForReading(path_.c_str());
     if (file.IsOpen()) {
         LockInTurn(file.Get(), LOCK_SH | LOCK_NB, kReadLockMilliseconds);
         ReloadIfChanged(file.Get());
@@ -71,7 +71,7 @@ void LSettingsFile::GetString(const char* key, const char* defaultValue, char* o
 }
 
 bool LSettingsFile::TestFieldExists(const char* key) {
-    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDONLY);
+    const UniqueFd file = OpenFileForReading(path_.c_str());
     if (file.IsOpen()) {
         LockInTurn(file.Get(), LOCK_SH | LOCK_NB, kTestLockMilliseconds);
         ReloadIfChanged(file.Get());
@@ -83,7 +83,7 @@ void LSettingsFile::SetString(const char* key, const char* value) {
     const std::string lowered = ToLower(CutKey(key));
     if (lowered.empty())
         return;  // lines without a key are the rewrite's own
-    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT, 0666);
+    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT);
     if (!file.IsOpen())
         return;
     LockInTurn(file.Get(), LOCK_EX | LOCK_NB, kWriteLockMilliseconds);

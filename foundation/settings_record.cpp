@@ -7,6 +7,7 @@
 #include <string>
 #include <tuple>
 
+#include "foundation/file_mask.h"
 #include "foundation/numbers.h"
 #include "foundation/settings.h"
 #include "foundation/text_buffer.h"
@@ -67,7 +68,8 @@ void LSettingsRecord::OpenSubRecord(const char* name, LSettingsRecord& out) cons
 
 bool LSettingsRecord::CreateSubRecord(const char* name, LSettingsRecord& out) const {
     OpenSubRecord(name, out);
-    const UniqueFd file(open(out.Path(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    const UniqueFd file(
+        open(out.Path(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, CreationMode(out.Path(), 0666)));
     if (!file.IsOpen())
         return false;
     // A reader may have come in between: the lock orders it, the cut empties what it cannot have

@@ -4,17 +4,19 @@
 #include <sys/file.h>
 
 #include "foundation/file_io.h"
+#include "foundation/file_mask.h"
 #include "foundation/flock_timed.h"
 
 namespace {
 
 void SaveBytes(const char* path, std::string_view bytes) {
-    UniqueFd fd(open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666));
+    UniqueFd fd(
+        open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, CreationMode(path, 0666)));
     if (!fd.IsOpen())
         return;
     static_cast<void>(flock(fd.Get(), LOCK_EX | LOCK_NB));
     if (ftruncate(fd.Get(), 0) == 0)
-        WriteAll(fd.Get(), bytes);
+        WriteFully(fd.Get(), bytes);
 }
 
 }  // namespace
@@ -28,7 +30,7 @@ void SaveText(const char* path, const LStringLongTemplate<char>& text) {
 }
 
 bool LoadText(const char* path, LStringLongTemplate<char>& text) {
-    const UniqueFd fd = OpenRegularFile(path, O_RDONLY);
+    const UniqueFd fd = OpenFileForReading(path);
     if (!fd.IsOpen())
         return false;
     flocktimed(fd.Get(), LOCK_SH | LOCK_NB, 1000);

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <thread>
 
+#include "foundation/file_io.h"
 #include "foundation/pipes.h"
 #include "foundation/text_buffer.h"
 
@@ -51,16 +52,9 @@ private:
     bool wasPending_;
 };
 
-void WriteAll(int fd, std::string_view text) {
+void WriteUnlessGone(int fd, std::string_view text) {
     const BrokenPipeGuard guard;
-    while (!text.empty()) {
-        const ssize_t written = ::write(fd, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return;  // an engine that has gone may have answered all the same
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
+    WriteFully(fd, text);  // an engine that has gone may have answered all the same
 }
 
 int WaitingBytes(int fd) {
@@ -124,7 +118,7 @@ int TTSGetNumSpeakers() {
         LPipeInOut engine;
         if (!engine._Open("festival -i"))
             return 0;
-        WriteAll(engine.WriteFd(), kListCommand);
+        WriteUnlessGone(engine.WriteFd(), kListCommand);
         if (const int size = AwaitReply(engine.ReadFd()); size > 0)
             table = ParseVoiceList(ReadExactly(engine.ReadFd(), size));
         // An engine that answers leaves at the end of its input; one that hangs would stay.

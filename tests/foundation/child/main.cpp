@@ -2,22 +2,34 @@
 // links them.
 //   crash WAY BOX  crashes in the given way, with BOX (if not empty) as the program that asks
 //   log TEXT       writes a line of every kind
+//   files NAME     makes a file of every kind in the home folder and the machine-wide one, without
+//   a
+//                  mask of its own
 //   run leave|end  marks a run in progress, and leaves it so or ends it cleanly
 #include <gdk/gdk.h>
 #include <malloc.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <string_view>
 #include <thread>
 
+#include "foundation/child_process.h"
 #include "foundation/crash_box_program.h"
 #include "foundation/crash_handler.h"
+#include "foundation/dat_file.h"
+#include "foundation/file.h"
 #include "foundation/hang_detector.h"
+#include "foundation/lock_file.h"
 #include "foundation/log.h"
+#include "foundation/machine_root.h"
+#include "foundation/settings.h"
+#include "foundation/settings_record.h"
+#include "foundation/text_file.h"
 #include "foundation/thread.h"
 
 namespace {
@@ -81,6 +93,24 @@ void Crash(std::string_view way) {
     Fault();
 }
 
+void MakeFiles(const char* name) {
+    ::umask(0);
+    const std::string home = HomeFolder() + "/";
+    LUserSettingSetString(name, "key", "value");
+    LSettingSetString(name, "key", "value");
+    LSettingsRecord record;
+    LSettingsRecord((home + "record").c_str()).CreateSubRecord(name, record);
+    LOG(name);
+    LDatFile((home + "data").c_str()).SetString("section", name, "value");
+    LDatFileFlush();
+    SaveText((home + "text").c_str(), name);
+    LFile::CopyFolderFiles(home.c_str(), (home + "copy").c_str());
+    RunShellCommand("umask >\"$HOME/umask\"");
+    LLockFile lock;
+    lock.Lock((home + "run.pid").c_str());
+    ::_exit(0);  // the lock stays for the test to look at
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -101,6 +131,8 @@ int main(int argc, char** argv) {
         LOGINFOF("%s %d %%", argv[2], 2);
         LLogWrite("named.txt", argv[2]);
         LLogMonthlyWrite(951782400, "monthly.txt", argv[2]);  // 29 February 2000
+    } else if (what == "files") {
+        MakeFiles(argv[2]);
     } else if (what == "run") {
         LDebugHangDetectorInit();
         if (std::string_view(argv[2]) == "leave")
