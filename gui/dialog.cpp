@@ -1,53 +1,44 @@
 #include "gui/dialog.h"
 
+#include "gui/dialog_frame.h"
 #include "gui/dialog_gen_context.h"
-#include "gui/display_text.h"
-#include "gui/icons.h"
 
 namespace {
 
 constexpr int kTableRows = 100;
 constexpr int kTableColumns = 2;
+constexpr const char* kParentGrabbed = "parent_grabbed";
 
-GtkWindow* OwnerOf(GtkWidget* parent) {
-    return GTK_IS_WINDOW(parent) ? GTK_WINDOW(parent) : nullptr;
+// A parent that holds the pointer would leave a modeless dialog dead; it gets the pointer back when
+// the dialog closes.
+void TakeGrab(GtkWidget* dialog, GtkWidget* parent) {
+    if (parent == nullptr || gtk_grab_get_current() != parent)
+        return;
+    g_object_set_data_full(G_OBJECT(dialog), kParentGrabbed, g_object_ref(parent), g_object_unref);
+    gtk_grab_remove(parent);
 }
 
-// Keeps the parent from being used while the dialog runs; it may be destroyed meanwhile.
-class DisabledParent {
-public:
-    explicit DisabledParent(GtkWidget* parent) : parent_(GObjectRef<GtkWidget>::Share(parent)) {
-        if (parent_)
-            gtk_widget_set_sensitive(parent_.Get(), FALSE);
+void GiveGrabBack(GtkWidget* dialog) {
+    if (auto* parent =
+            static_cast<GtkWidget*>(g_object_steal_data(G_OBJECT(dialog), kParentGrabbed))) {
+        gtk_grab_add(parent);
+        g_object_unref(parent);
     }
-    DisabledParent(const DisabledParent&) = delete;
-    DisabledParent& operator=(const DisabledParent&) = delete;
-    ~DisabledParent() {
-        if (parent_)
-            gtk_widget_set_sensitive(parent_.Get(), TRUE);
-    }
-
-private:
-    GObjectRef<GtkWidget> parent_;
-};
+}
 
 }  // namespace
 
-struct LDialogCallbacks {
-    static gboolean GCExitDlg(GtkWidget* widget, GdkEvent*, gpointer dialog) {
-        if (auto* parent =
-                static_cast<GtkWidget*>(g_object_steal_data(G_OBJECT(widget), "parent_grabbed"))) {
-            gtk_grab_add(parent);
-            g_object_unref(parent);
-        }
-        static_cast<LDialog*>(dialog)->CmClose();
-        return TRUE;
-    }
-};
+GtkWidget* GenerateTable(LDialog& dialog, void (*generator)(LDialogGenContext& context)) {
+    GtkWidget* table = gtk_table_new(kTableRows, kTableColumns, FALSE);
+    LDialogGenContext context(dialog, table);
+    generator(context);
+    context.Finalize();
+    return table;
+}
 
 bool LDialog::Open(GtkWidget* parent, OpenGenData genData, bool modal) {
     if (IsOpen())
-        return false;
+        return ShowAgain(parent);
     Build(parent, genData);
     InitDialog();
     if (modal)
@@ -59,58 +50,57 @@ bool LDialog::Open(GtkWidget* parent, OpenGenData genData, bool modal) {
 void LDialog::Build(GtkWidget* parent, const OpenGenData& genData) {
     const auto flags = GtkDialogFlags(GTK_DIALOG_DESTROY_WITH_PARENT |
                                       (genData.noSeparator ? GTK_DIALOG_NO_SEPARATOR : 0));
-    GtkWidget* window = gtk_dialog_new_with_buttons(
-        DisplayText(genData.title).c_str(), OwnerOf(parent), flags, GTK_STOCK_OK, GTK_RESPONSE_OK,
-        GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL, GTK_STOCK_HELP, GTK_RESPONSE_HELP, nullptr);
+    GtkWidget* window = NewDialogWindow(parent, genData.title, flags,
+                                        {{GTK_STOCK_OK, GTK_RESPONSE_OK},
+                                         {GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL},
+                                         {GTK_STOCK_HELP, GTK_RESPONSE_HELP}});
     gtk_dialog_set_has_separator(GTK_DIALOG(window), !genData.noSeparator);
     gtk_dialog_set_default_response(GTK_DIALOG(window), GTK_RESPONSE_ACCEPT);
     gtk_window_set_resizable(GTK_WINDOW(window), FALSE);
     AttachWidget(window);
-    SetAppIcon(kAppIconNumber);
 
-    GtkWidget* table = gtk_table_new(kTableRows, kTableColumns, FALSE);
-    LDialogGenContext context(*this, table);
-    genData.generator(context);
-    context.Finalize();
+    GtkWidget* table = GenerateTable(*this, genData.generator);
     CreateAccelerators();
     GtkWidget* content = gtk_dialog_get_content_area(GTK_DIALOG(window));
     gtk_box_pack_start(GTK_BOX(content), table, TRUE, TRUE, 0);
 }
 
 bool LDialog::RunModal(GtkWidget* parent) {
+    if (!IsOpen())  // closed by InitDialog
+        return false;
     gtk_window_set_modal(GTK_WINDOW(Widget()), TRUE);
     gtk_widget_show_all(Widget());
-    const DisabledParent disabled(parent);
-    for (;;) {
-        if (!IsOpen())  // destroyed by a handler of ours
-            return false;
-        const int response = gtk_dialog_run(GTK_DIALOG(Widget()));
-        if (response == GTK_RESPONSE_OK) {
-            if (CmOk()) {
-                Close(response);
-                return true;
-            }
-        } else if (response == GTK_RESPONSE_HELP || response == kCommandHelp) {
-            CmHelp();
-        } else if (CmCancel()) {
-            if (response == GTK_RESPONSE_NONE)  // destroyed under the loop
-                return false;
-            Close(response);
-            return false;
-        }
-    }
+    const LDisabledParent disabled(parent);
+    const std::weak_ptr<const void> life = Life();
+    const LDialogEnd end = RunDialog(
+        Widget(), {[this] { return CmOk(); }, [this] { return CmCancel(); }, [this] { CmHelp(); }});
+    if (!life.expired() && end != LDialogEnd::kGone)
+        Close(end == LDialogEnd::kOk ? GTK_RESPONSE_OK : GTK_RESPONSE_CANCEL);
+    return end == LDialogEnd::kOk;
 }
 
 void LDialog::RunModeless(GtkWidget* parent) {
+    if (!IsOpen())
+        return;
     SetModeless(true);
     gtk_widget_show_all(Widget());
-    if (parent != nullptr && gtk_grab_get_current() == parent) {
-        g_object_set_data_full(G_OBJECT(Widget()), "parent_grabbed", g_object_ref(parent),
-                               g_object_unref);
-        gtk_grab_remove(parent);
-    }
-    g_signal_connect(Widget(), "delete_event", G_CALLBACK(LDialogCallbacks::GCExitDlg),
-                     static_cast<LDialog*>(this));
+    TakeGrab(Widget(), parent);
+    Connect(Widget(), "delete_event", G_CALLBACK(GCExitDlg));
+}
+
+bool LDialog::ShowAgain(GtkWidget* parent) {
+    if (!IsModeless() || gtk_widget_get_visible(Widget()))
+        return false;
+    gtk_widget_show_all(Widget());
+    gtk_window_present(GTK_WINDOW(Widget()));
+    TakeGrab(Widget(), parent);
+    return true;
+}
+
+gboolean LDialog::GCExitDlg(GtkWidget* widget, GdkEvent*, gpointer host) {
+    GiveGrabBack(widget);
+    dynamic_cast<LDialog&>(HostOf(host)).CmClose();
+    return TRUE;
 }
 
 void LDialog::DoOKButton() {

@@ -16,8 +16,9 @@ public:
 
     // Builds the dialog, calls InitDialog and runs it. Modal: returns when it ended, true for OK.
     // Modeless: returns true at once; the dialog object must outlive its window, OK, Cancel and
-    // Help arrive as commands, and closing the window hides it. False at once when already open.
-    // `parent` may be null. GUI thread, GDK lock held.
+    // Help arrive as commands, and closing the window hides it; Open then shows it again as it was
+    // left. False at once when already on the screen. `parent` may be null. GUI thread, GDK lock
+    // held.
     bool Open(GtkWidget* parent, OpenGenData genData, bool modal);
 
     // As if the buttons had been pressed.
@@ -25,8 +26,12 @@ public:
     void DoCANCELButton();
 
 private:
-    friend struct LDialogCallbacks;
     void Build(GtkWidget* parent, const OpenGenData& genData);
     bool RunModal(GtkWidget* parent);
     void RunModeless(GtkWidget* parent);
+    bool ShowAgain(GtkWidget* parent);
+    static gboolean GCExitDlg(GtkWidget* widget, GdkEvent* event, gpointer host);
 };
+
+// A table filled by the generator, floating; the controls are registered in the dialog.
+GtkWidget* GenerateTable(LDialog& dialog, void (*generator)(LDialogGenContext& context));

@@ -51,8 +51,8 @@ bool LDialogGenContext::InTable() {
     return Top().kind == Kind::kRootTable || Top().kind == Kind::kGroup;
 }
 
-void LDialogGenContext::AddSpan(GtkWidget* widget, int id, unsigned int leftColumn,
-                                unsigned int rightColumn) {
+void LDialogGenContext::Place(GtkWidget* widget, unsigned int leftColumn,
+                              unsigned int rightColumn) {
     Frame& top = Top();
     if (InTable()) {
         gtk_table_attach(GTK_TABLE(top.container), widget, leftColumn, rightColumn, top.row,
@@ -66,6 +66,11 @@ void LDialogGenContext::AddSpan(GtkWidget* widget, int id, unsigned int leftColu
         // key goes, in the order in which they are asked for.
         gtk_box_reorder_child(GTK_BOX(top.container), widget, 0);
     }
+}
+
+void LDialogGenContext::AddSpan(GtkWidget* widget, int id, unsigned int leftColumn,
+                                unsigned int rightColumn) {
+    Place(widget, leftColumn, rightColumn);
     dialog_.SetControlID(widget, id);
 }
 

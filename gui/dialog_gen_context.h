@@ -83,6 +83,7 @@ private:
     };
     Frame& Top() { return containers_.back(); }
     bool InTable();
+    void Place(GtkWidget* widget, unsigned int leftColumn, unsigned int rightColumn);
     void Push(GtkWidget* container, Kind kind) { containers_.push_back({container, kind, 0}); }
     void PopBox();
     void AttachContainer(GtkWidget* widget, GtkAttachOptions horizontal, unsigned int padding);

@@ -60,8 +60,11 @@ void LDialogGenContext::AddHorizontalLine(int id, const char* text) {
 }
 
 void LDialogGenContext::AddLabelled(GtkWidget* control, int id, const char* text) {
-    AddStaticLeft(id + 1, text);
-    LabelWidget(dialog_.GetControlByID(id + 1), control);
+    GtkWidget* label = NewLabel(text);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    Place(label, 0, 1);
+    dialog_.SetCompanionID(label, id + 1);
+    LabelWidget(label, control);
     AddSpanRight(control, id);
 }
 
@@ -129,7 +132,9 @@ void LDialogGenContext::AddList(int id, int height) {
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_ETCHED_IN);
     gtk_widget_set_size_request(list, -1, height > 0 ? height : -1);
     gtk_container_add(GTK_CONTAINER(scrolled), list);
-    AddSpanFull(scrolled, id + 1);
+    Place(scrolled, 0, 2);
+    ++Top().row;
+    dialog_.SetCompanionID(scrolled, id + 1);
     dialog_.SetControlID(list, id);
 }
 

@@ -1,39 +1,30 @@
-// A window that turns key presses into commands through a table.
+// A window that sees its keys first, and turns them into commands through a table.
 #pragma once
 
-#include <cstdint>
-#include <span>
-
 #include "gui/dialog.h"
-
-// Bits 0-15: upper-cased GDK key value; bits 16-31: modifiers.
-using LKeyCode = std::uint32_t;
-constexpr LKeyCode kKeyShift = 1u << 16;
-constexpr LKeyCode kKeyControl = 4u << 16;
-constexpr LKeyCode kKeyAlt = 8u << 16;
-
-struct LKeyToCommandMap {
-    LKeyCode key;
-    int command;
-};
+#include "gui/key_map.h"
 
 class LKeyDialog : public LDialog {
 public:
-    // Every key press of the window, before the focused control sees it; true takes the key away
-    // from the control. The default sends the mapped command.
+    // Every key press and release of the window, before the focused control sees it; true takes the
+    // key away from the control. By default a press sends the command of the key map or else of
+    // the menu item with that accelerator.
     virtual bool EvKeyDown(unsigned int key);
+    virtual bool EvKeyUp(unsigned int) { return false; }
 
     // The table is borrowed and must outlive the window.
-    void SetKeyMap(std::span<const LKeyToCommandMap> map) { keyMap_ = map; }
-    // The command of a key code, or 0.
-    int MapKeyToCommand(LKeyCode key) const;
+    void SetKeyMap(LKeyMap map) { keyMap_ = map; }
+    LKeyMap KeyMap() const { return keyMap_; }
+    // Sends the command of the first row with this key; false when there is none.
+    bool MapKeyToCommand(LKeyCode key, LKeyMap map);
 
 protected:
-    void HandleKeys(GtkWidget* window);  // connects the key handlers
+    void WidgetAttached(GtkWidget* widget) override;  // connects the keys
 
 private:
-    std::span<const LKeyToCommandMap> keyMap_;
-};
+    static gboolean GCKeyPress(GtkWidget* widget, GdkEventKey* event, gpointer host);
+    static gboolean GCKeyRelease(GtkWidget* widget, GdkEventKey* event, gpointer host);
+    static LKeyDialog& DialogOf(gpointer host);
 
-// The key code of a key event; the other modifiers (Caps Lock and the like) do not count.
-LKeyCode KeyCodeOfEvent(const GdkEventKey& event);
+    LKeyMap keyMap_;
+};

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "foundation/settings.h"
+#include "gui/display_text.h"
 #include "gui/icons.h"
 
 namespace {
@@ -12,22 +13,20 @@ constexpr const char* kPlacement = "MainWindow";
 }  // namespace
 
 struct LMainWindowCallbacks {
-    static gboolean GCExit(GtkWidget*, GdkEvent*, gpointer window) {
-        static_cast<LMainWindow*>(window)->CmClose();
+    static LMainWindow& WindowOf(gpointer host) { return dynamic_cast<LMainWindow&>(HostOf(host)); }
+    static gboolean GCExit(GtkWidget*, GdkEvent*, gpointer host) {
+        WindowOf(host).CmClose();
         return TRUE;
     }
     // Runs before GTK spreads the new size, so that the controls move in the same pass.
-    static gboolean GCConfigure(GtkWidget*, GdkEventConfigure* event, gpointer data) {
-        auto* window = static_cast<LMainWindow*>(data);
+    static gboolean GCConfigure(GtkWidget*, GdkEventConfigure* event, gpointer host) {
+        auto* window = &WindowOf(host);
         if (event->width != window->width_ || event->height != window->height_) {
             window->width_ = event->width;
             window->height_ = event->height;
             window->LayoutControls(event->width, event->height);
         }
         return FALSE;
-    }
-    static void GCDestroyed(GtkWidget*, gpointer window) {
-        static_cast<LMainWindow*>(window)->fixed_ = nullptr;
     }
 };
 
@@ -50,14 +49,11 @@ void LMainWindow::Run(const char* title, const char* const* arguments, int count
 void LMainWindow::CreateMainWindow(const char* title) {
     GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     AttachWidget(window);
-    gtk_window_set_title(GTK_WINDOW(window), title);
+    gtk_window_set_title(GTK_WINDOW(window), DisplayText(title).c_str());
     gtk_widget_add_events(window, GDK_ALL_EVENTS_MASK);
-    HandleKeys(window);
     CreateAccelerators();
-    g_signal_connect(window, "delete_event", G_CALLBACK(LMainWindowCallbacks::GCExit), this);
-    g_signal_connect(window, "configure-event", G_CALLBACK(LMainWindowCallbacks::GCConfigure),
-                     this);
-    g_signal_connect(window, "destroy", G_CALLBACK(LMainWindowCallbacks::GCDestroyed), this);
+    Connect(window, "delete_event", G_CALLBACK(LMainWindowCallbacks::GCExit));
+    Connect(window, "configure-event", G_CALLBACK(LMainWindowCallbacks::GCConfigure));
 
     GtkWidget* box = gtk_vbox_new(FALSE, 0);
     fixed_ = gtk_fixed_new();
@@ -129,6 +125,8 @@ void LMainWindow::CmExit() {
 }
 
 void LMainWindow::Close(int response) {
+    if (!IsOpen())
+        return;
     LKeyDialog::Close(response);
     if (gtk_main_level() > 0)
         gtk_main_quit();

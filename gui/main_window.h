@@ -33,6 +33,7 @@ public:
     void Layout();  // runs LayoutControls with the present size
 
 protected:
+    void WidgetDetached() override { fixed_ = nullptr; }
     void CreateMainWindow(const char* title);
     GtkWidget* FixedContainer() const { return fixed_; }  // borrowed; null while closed
     // Adds a control to the free area and registers it; one that lies in a scrolled window names

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "gui/accessible.h"
+#include "gui/dialog_frame.h"
 #include "gui/display_text.h"
-#include "gui/icons.h"
 
 namespace {
 
@@ -24,32 +24,30 @@ void SetLabel(GtkWidget* label, const char* text) {
 
 }  // namespace
 
-struct LProgressCallbacks {
-    static void GCStop(GtkDialog*, gint, gpointer dialog) {
-        auto* self = static_cast<LProgressDialog*>(dialog);
-        self->stop_ = true;
-        self->DestroyDialog();
-    }
-    // The window stays until the work has noticed the stop.
-    static gboolean GCDelete(GtkWidget*, GdkEvent*, gpointer) { return TRUE; }
-    static void GCDestroyed(GtkWidget*, gpointer dialog) {
-        auto* self = static_cast<LProgressDialog*>(dialog);
-        self->bar_ = nullptr;
-        self->firstLabel_ = nullptr;
-        self->secondLabel_ = nullptr;
-    }
-};
+void LProgressDialog::GCStop(GtkDialog*, gint, gpointer host) {
+    auto& self = dynamic_cast<LProgressDialog&>(HostOf(host));
+    self.stop_ = true;
+    self.DestroyDialog();
+}
+
+// The window stays until the work has noticed the stop.
+gboolean LProgressDialog::GCDelete(GtkWidget*, GdkEvent*, gpointer) {
+    return TRUE;
+}
+
+void LProgressDialog::WidgetDetached() {
+    bar_ = nullptr;
+    firstLabel_ = nullptr;
+    secondLabel_ = nullptr;
+}
 
 void LProgressDialog::Build(GtkWidget* parent) {
-    GtkWindow* owner = GTK_IS_WINDOW(parent) ? GTK_WINDOW(parent) : nullptr;
     const auto flags = GtkDialogFlags(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT);
-    GtkWidget* window = gtk_dialog_new_with_buttons("Lectora", owner, flags, GTK_STOCK_CANCEL,
-                                                    kCancelResponse, nullptr);
+    GtkWidget* window =
+        NewDialogWindow(parent, "Lectora", flags, {{GTK_STOCK_CANCEL, kCancelResponse}});
     AttachWidget(window);
-    SetAppIcon(kAppIconNumber);
-    g_signal_connect(window, "response", G_CALLBACK(LProgressCallbacks::GCStop), this);
-    g_signal_connect(window, "delete-event", G_CALLBACK(LProgressCallbacks::GCDelete), this);
-    g_signal_connect(window, "destroy", G_CALLBACK(LProgressCallbacks::GCDestroyed), this);
+    Connect(window, "response", G_CALLBACK(GCStop));
+    Connect(window, "delete-event", G_CALLBACK(GCDelete));
 
     GtkWidget* content = gtk_dialog_get_content_area(GTK_DIALOG(window));
     firstLabel_ = Pack(content, gtk_label_new(DisplayText(title_).c_str()), 12);

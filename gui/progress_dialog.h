@@ -30,8 +30,12 @@ public:
     // In steps of 75 ms; running out of time is kProcessDone.
     LProcessResult ProcessWait(unsigned int milliseconds);
 
+protected:
+    void WidgetDetached() override;
+
 private:
-    friend struct LProgressCallbacks;
+    static void GCStop(GtkDialog* dialog, gint response, gpointer host);
+    static gboolean GCDelete(GtkWidget* widget, GdkEvent* event, gpointer host);
     void Build(GtkWidget* parent);
     bool Pump();  // handles pending events; true once the work is to stop
 

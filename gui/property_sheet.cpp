@@ -1,8 +1,9 @@
 #include "gui/property_sheet.h"
 
-#include "gui/dialog_gen_context.h"
+#include <algorithm>
+
+#include "gui/dialog_frame.h"
 #include "gui/display_text.h"
-#include "gui/icons.h"
 
 namespace {
 
@@ -16,23 +17,19 @@ void LPropertySheet::AddPage(LPropertyPage& page, LDialog::OpenGenData genData) 
 }
 
 GtkWidget* LPropertySheet::Build(GtkWidget* parent, const char* title) {
-    GtkWindow* owner = GTK_IS_WINDOW(parent) ? GTK_WINDOW(parent) : nullptr;
     const auto flags = GtkDialogFlags(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT);
-    GtkWidget* window = gtk_dialog_new_with_buttons(
-        DisplayText(title).c_str(), owner, flags, GTK_STOCK_OK, GTK_RESPONSE_OK, GTK_STOCK_CANCEL,
-        GTK_RESPONSE_CANCEL, GTK_STOCK_HELP, GTK_RESPONSE_HELP, nullptr);
+    GtkWidget* window = NewDialogWindow(parent, title, flags,
+                                        {{GTK_STOCK_OK, GTK_RESPONSE_OK},
+                                         {GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL},
+                                         {GTK_STOCK_HELP, GTK_RESPONSE_HELP}});
     gtk_dialog_set_default_response(GTK_DIALOG(window), GTK_RESPONSE_ACCEPT);
     gtk_widget_set_size_request(window, kSheetWidth, -1);
     gtk_window_set_default_size(GTK_WINDOW(window), 500, -1);
     gtk_window_set_resizable(GTK_WINDOW(window), FALSE);
-    SetWindowIcon(GTK_WINDOW(window), kAppIconNumber);
 
     notebook_ = gtk_notebook_new();
     for (const Page& page : pages_) {
-        GtkWidget* table = gtk_table_new(100, 2, FALSE);
-        LDialogGenContext context(*page.page, table);
-        page.genData.generator(context);
-        context.Finalize();
+        GtkWidget* table = GenerateTable(*page.page, page.genData.generator);
         page.page->AttachWidget(window, true);
         gtk_notebook_append_page(GTK_NOTEBOOK(notebook_), table,
                                  gtk_label_new(DisplayText(page.genData.title).c_str()));
@@ -42,30 +39,14 @@ GtkWidget* LPropertySheet::Build(GtkWidget* parent, const char* title) {
     return window;
 }
 
-bool LPropertySheet::AcceptAll(bool ok) {
-    for (const Page& page : pages_) {
-        if (!(ok ? page.page->CmOk() : page.page->CmCancel()))
-            return false;
-    }
-    return true;
+bool LPropertySheet::AllPages(bool (LWindow::*answer)()) const {
+    return std::ranges::all_of(pages_, [&](const Page& page) { return (page.page->*answer)(); });
 }
 
-bool LPropertySheet::Run(GtkWidget* window) {
-    for (;;) {
-        const int response = gtk_dialog_run(GTK_DIALOG(window));
-        if (response == GTK_RESPONSE_HELP) {
-            const int shown = gtk_notebook_get_current_page(GTK_NOTEBOOK(notebook_));
-            if (shown >= 0 && static_cast<std::size_t>(shown) < pages_.size())
-                pages_[static_cast<std::size_t>(shown)].page->CmHelp();
-        } else if (response == GTK_RESPONSE_NONE) {  // destroyed under the loop
-            AcceptAll(false);
-            return false;
-        } else {
-            const bool ok = response == GTK_RESPONSE_OK;
-            if (AcceptAll(ok))
-                return ok && !pages_.empty();
-        }
-    }
+void LPropertySheet::Help() const {
+    const int shown = gtk_notebook_get_current_page(GTK_NOTEBOOK(notebook_));
+    if (shown >= 0 && static_cast<std::size_t>(shown) < pages_.size())
+        pages_[static_cast<std::size_t>(shown)].page->CmHelp();
 }
 
 bool LPropertySheet::Open(GtkWidget* parent, const char* title, int startPage) {
@@ -78,10 +59,12 @@ bool LPropertySheet::Open(GtkWidget* parent, const char* title, int startPage) {
     gtk_widget_show_all(window.Get());
     if (startPage != 0)
         gtk_notebook_set_current_page(GTK_NOTEBOOK(notebook_), startPage);
-    const bool result = Run(window.Get());
+    const LDialogEnd end = RunDialog(
+        window.Get(), {[this] { return AllPages(&LWindow::CmOk); },
+                       [this] { return AllPages(&LWindow::CmCancel); }, [this] { Help(); }});
     for (const Page& page : pages_)
         page.page->DestroyDialog();
     gtk_widget_destroy(window.Get());
     notebook_ = nullptr;
-    return result;
+    return end == LDialogEnd::kOk && !pages_.empty();
 }

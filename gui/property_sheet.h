@@ -26,8 +26,8 @@ private:
         LDialog::OpenGenData genData;
     };
     GtkWidget* Build(GtkWidget* parent, const char* title);
-    bool Run(GtkWidget* window);
-    bool AcceptAll(bool ok);
+    bool AllPages(bool (LWindow::*answer)()) const;  // in order, up to the first that says no
+    void Help() const;                               // of the page shown
 
     std::vector<Page> pages_;
     GtkWidget* notebook_ = nullptr;  // owned by the sheet's window

@@ -1,7 +1,18 @@
 #include "gui/window.h"
 
+#include "gui/display_text.h"
 #include "gui/help_page.h"
 #include "gui/icons.h"
+
+namespace {
+
+// What is laid out for a control: itself, or the scrolled window around it.
+GtkWidget* PlacedWidget(GtkWidget* control) {
+    GtkWidget* parent = control != nullptr ? gtk_widget_get_parent(control) : nullptr;
+    return GTK_IS_SCROLLED_WINDOW(parent) ? parent : control;
+}
+
+}  // namespace
 
 LWindow::~LWindow() {
     GtkWidget* widget = widget_;
@@ -21,34 +32,41 @@ void LWindow::CmClose() {
 }
 
 void LWindow::Close(int) {
+    if (!IsOpen() || closing_)
+        return;
+    closing_ = true;
+    const std::weak_ptr<const void> life = Life();
     DestroyDialog();
-    if (widget_ != nullptr && !shared_)
-        gtk_widget_destroy(widget_);  // the "destroy" handler forgets it
+    if (life.expired())
+        return;
+    closing_ = false;
+    GtkWidget* widget = widget_;
+    const bool own = !shared_;
     DetachWidget();
+    if (widget != nullptr && own)
+        gtk_widget_destroy(widget);
 }
 
 void LWindow::AttachWidget(GtkWidget* widget, bool shared) {
     widget_ = widget;
     shared_ = shared;
-    g_signal_connect(widget, "destroy", G_CALLBACK(GCWindowDestroyed), this);
+    Connect(widget, "destroy", G_CALLBACK(GCWindowDestroyed));
+    WidgetAttached(widget);
 }
 
 // The widget may also go because its parent goes; nothing may be left pointing at it then.
-void LWindow::GCWindowDestroyed(GtkWidget*, gpointer window) {
-    static_cast<LWindow*>(window)->DetachWidget();
+void LWindow::GCWindowDestroyed(GtkWidget*, gpointer host) {
+    dynamic_cast<LWindow&>(HostOf(host)).DetachWidget();
 }
 
 void LWindow::DetachWidget() {
-    if (widget_ != nullptr) {
-        g_signal_handlers_disconnect_by_func(widget_, reinterpret_cast<gpointer>(GCWindowDestroyed),
-                                             this);
-        widget_ = nullptr;
-    }
+    widget_ = nullptr;
     shared_ = false;
     modeless_ = false;
     accelerators_.Reset();
     bubbleTip_.Hide();
-    registry_.clear();
+    ForgetControls();
+    WidgetDetached();
 }
 
 void LWindow::CreateAccelerators() {
@@ -61,17 +79,14 @@ void LWindow::SetAppIcon(int number) {
         SetWindowIcon(GTK_WINDOW(widget_), number);
 }
 
-void LWindow::SetControlID(GtkWidget* control, int id) {
-    registry_.push_front({id, GObjectRef<GtkWidget>::Share(control)});
-    g_object_set_data(G_OBJECT(control), "_cmd", GINT_TO_POINTER(id));
-}
-
-GtkWidget* LWindow::GetControlByID(int id) const {
-    for (const Entry& entry : registry_) {
-        if (entry.id == id)
-            return entry.control.Get();
-    }
-    return nullptr;
+// Nobody waits for the answers of a modeless dialog: there they are commands.
+bool LWindow::TakeAnswer(int command) {
+    const bool answer =
+        command == kCommandOk || command == kCommandCancel || command == kCommandHelp;
+    if (!answer || IsModeless() || !GTK_IS_DIALOG(widget_))
+        return false;
+    gtk_dialog_response(GTK_DIALOG(widget_), command);
+    return true;
 }
 
 void LWindow::EnableControl(int id, bool enabled) {
@@ -85,8 +100,15 @@ bool LWindow::IsControlEnabled(int id) const {
 }
 
 void LWindow::ShowControl(int id, bool shown) {
-    if (GtkWidget* control = GetControlByID(id))
-        gtk_widget_set_visible(control, shown);
+    GtkWidget* placed = PlacedWidget(GetControlByID(id));
+    if (placed == nullptr)
+        return;
+    // Showing the window shows everything in it that does not say otherwise.
+    gtk_widget_set_no_show_all(placed, !shown);
+    if (shown)
+        gtk_widget_show_all(placed);
+    else
+        gtk_widget_hide(placed);
 }
 
 void LWindow::FocusControl(int id) {
@@ -96,7 +118,7 @@ void LWindow::FocusControl(int id) {
 
 void LWindow::SetTooltip(int id, const char* text) {
     if (GtkWidget* control = GetControlByID(id))
-        gtk_widget_set_tooltip_text(control, text);
+        gtk_widget_set_tooltip_text(control, DisplayText(text).c_str());
 }
 
 void LWindow::SetControlInvalid(int id, const char* message, const char* title) {
@@ -111,9 +133,4 @@ void LWindow::BubbleTipRun(int id, const char* title, const char* text) {
 
 void LWindow::BubbleTipHide() {
     bubbleTip_.Hide();
-}
-
-void LWindow::DeliverCommand(int command) {
-    Command(command);
-    EnableControls();
 }

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/settings.h"
-#include "gui/list_view.h"
+#include "gui/list_view_columns.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

@@ -1,12 +1,11 @@
-// List views: rows of texts, optionally with a check box, data of the caller's and stored widths.
+#include "gui/list_view_controls.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include "foundation/settings.h"
 #include "gui/display_text.h"
-#include "gui/list_view.h"
-#include "gui/window.h"
 
 namespace {
 
@@ -46,6 +45,15 @@ std::string CellText(GtkTreeView* view, int row, int column) {
     std::string out = text != nullptr ? text : "";
     g_free(text);
     return out;
+}
+
+void GCDialogListViewCurChanged(GtkWidget* list, gpointer host) {
+    DeliverStored(host, list, "cursor-changed");
+}
+
+void GCDialogListViewRowActivated(GtkWidget* list, GtkTreePath*, GtkTreeViewColumn*,
+                                  gpointer host) {
+    DeliverStored(host, list, "row-doubleclicked");
 }
 
 std::string WidthKey(int column) {
@@ -98,11 +106,11 @@ void AddCheckColumn(GtkTreeView* view) {
 
 }  // namespace
 
-GtkTreeView* LWindow::ListViewOf(int id) const {
+GtkTreeView* LListViewControls::ListViewOf(int id) const {
     return ControlAs<GtkTreeView>(id, GTK_TYPE_TREE_VIEW);
 }
 
-void LWindow::LVInit(int id, const LListColumns& columns) {
+void LListViewControls::LVInit(int id, const LListColumns& columns) {
     GtkTreeView* view = ListViewOf(id);
     if (view == nullptr)
         return;
@@ -124,7 +132,7 @@ void LWindow::LVInit(int id, const LListColumns& columns) {
                            g_free);
 }
 
-void LWindow::LVDestroy(int id) {
+void LListViewControls::LVDestroy(int id) {
     GtkTreeView* view = ListViewOf(id);
     const auto* section =
         view != nullptr ? static_cast<char*>(g_object_get_data(G_OBJECT(view), "colSet")) : nullptr;
@@ -137,21 +145,21 @@ void LWindow::LVDestroy(int id) {
     }
 }
 
-void LWindow::LVSetStyleCheck(int id) {
+void LListViewControls::LVSetStyleCheck(int id) {
     if (GtkTreeView* view = ListViewOf(id))
         g_object_set_data(G_OBJECT(view), "iCheck", GINT_TO_POINTER(1));
 }
 
-bool LWindow::LVIsStyleCheck(int id) const {
+bool LListViewControls::LVIsStyleCheck(int id) const {
     GtkTreeView* view = ListViewOf(id);
     return view != nullptr && g_object_get_data(G_OBJECT(view), "iCheck") != nullptr;
 }
 
-int LWindow::LVAddString(int id, const char* text, int data) {
+int LListViewControls::LVAddString(int id, const char* text, int data) {
     return LVInsertString(id, LVGetCount(id), text, data);
 }
 
-int LWindow::LVInsertString(int id, int row, const char* text, int data) {
+int LListViewControls::LVInsertString(int id, int row, const char* text, int data) {
     GtkListStore* store = StoreOf(ListViewOf(id));
     if (store == nullptr || row < 0)
         return -1;
@@ -161,11 +169,11 @@ int LWindow::LVInsertString(int id, int row, const char* text, int data) {
     return place;
 }
 
-void LWindow::LVSetString(int id, int row, const char* text) {
+void LListViewControls::LVSetString(int id, int row, const char* text) {
     LVSetColumnString(id, row, 0, text);
 }
 
-void LWindow::LVSetColumnString(int id, int row, int column, const char* text) {
+void LListViewControls::LVSetColumnString(int id, int row, int column, const char* text) {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     if (column >= 0 && column < ColumnsOf(view) && RowOf(view, row, iter))
@@ -173,15 +181,16 @@ void LWindow::LVSetColumnString(int id, int row, int column, const char* text) {
                            -1);
 }
 
-void LWindow::LVGetColumnString(int id, int row, int column, char (&out)[kTextBufferSize]) const {
+void LListViewControls::LVGetColumnString(int id, int row, int column,
+                                          char (&out)[kTextBufferSize]) const {
     CopyText(out, CellText(ListViewOf(id), row, column));
 }
 
-int LWindow::LVFindString(int id, const char* text) const {
+int LListViewControls::LVFindString(int id, const char* text) const {
     return LVFindColumnString(id, 0, text);
 }
 
-int LWindow::LVFindColumnString(int id, int column, const char* text) const {
+int LListViewControls::LVFindColumnString(int id, int column, const char* text) const {
     GtkTreeView* view = ListViewOf(id);
     const std::string wanted = DisplayText(text);
     const int count = column < ColumnsOf(view) ? LVGetCount(id) : 0;
@@ -192,31 +201,31 @@ int LWindow::LVFindColumnString(int id, int column, const char* text) const {
     return -1;
 }
 
-void LWindow::LVDeleteItem(int id, int row) {
+void LListViewControls::LVDeleteItem(int id, int row) {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     if (RowOf(view, row, iter))
         gtk_list_store_remove(StoreOf(view), &iter);
 }
 
-void LWindow::LVClear(int id) {
+void LListViewControls::LVClear(int id) {
     if (GtkListStore* store = StoreOf(ListViewOf(id)))
         gtk_list_store_clear(store);
 }
 
-int LWindow::LVGetCount(int id) const {
+int LListViewControls::LVGetCount(int id) const {
     GtkListStore* store = StoreOf(ListViewOf(id));
     return store != nullptr ? gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) : 0;
 }
 
-bool LWindow::LVGetSel(int id, int row) const {
+bool LListViewControls::LVGetSel(int id, int row) const {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     return RowOf(view, row, iter) &&
            gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(view), &iter) != FALSE;
 }
 
-void LWindow::LVSetSel(int id, int row, bool selected) {
+void LListViewControls::LVSetSel(int id, int row, bool selected) {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     if (!RowOf(view, row, iter))
@@ -227,7 +236,7 @@ void LWindow::LVSetSel(int id, int row, bool selected) {
         gtk_tree_selection_unselect_iter(gtk_tree_view_get_selection(view), &iter);
 }
 
-void LWindow::LVSetCurSel(int id, int row) {
+void LListViewControls::LVSetCurSel(int id, int row) {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     if (!RowOf(view, row, iter))
@@ -237,7 +246,7 @@ void LWindow::LVSetCurSel(int id, int row) {
     gtk_tree_path_free(path);
 }
 
-int LWindow::LVGetFirstSel(int id) const {
+int LListViewControls::LVGetFirstSel(int id) const {
     const int count = LVGetCount(id);
     for (int row = 0; row < count; ++row) {
         if (LVGetSel(id, row))
@@ -246,14 +255,14 @@ int LWindow::LVGetFirstSel(int id) const {
     return -1;
 }
 
-int LWindow::LVGetSelCount(int id) const {
+int LListViewControls::LVGetSelCount(int id) const {
     GtkTreeView* view = ListViewOf(id);
     return StoreOf(view) != nullptr
                ? gtk_tree_selection_count_selected_rows(gtk_tree_view_get_selection(view))
                : 0;
 }
 
-void LWindow::LVEnsureVisible(int id, int row) {
+void LListViewControls::LVEnsureVisible(int id, int row) {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     if (!RowOf(view, row, iter))
@@ -263,7 +272,7 @@ void LWindow::LVEnsureVisible(int id, int row) {
     gtk_tree_path_free(path);
 }
 
-int LWindow::LVGetItemData(int id, int row) const {
+int LListViewControls::LVGetItemData(int id, int row) const {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     gint data = 0;
@@ -272,7 +281,7 @@ int LWindow::LVGetItemData(int id, int row) const {
     return data;
 }
 
-bool LWindow::LVGetCheck(int id, int row) const {
+bool LListViewControls::LVGetCheck(int id, int row) const {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     gboolean checked = FALSE;
@@ -281,31 +290,45 @@ bool LWindow::LVGetCheck(int id, int row) const {
     return checked != FALSE;
 }
 
-void LWindow::LVSetCheck(int id, int row, bool checked) {
+void LListViewControls::LVSetCheck(int id, int row, bool checked) {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     if (RowOf(view, row, iter))
         gtk_list_store_set(StoreOf(view), &iter, kListStoreCheck, checked ? TRUE : FALSE, -1);
 }
 
-int LWindow::LVGetColumnWidth(int id, int column) const {
+int LListViewControls::LVGetColumnWidth(int id, int column) const {
     GtkTreeViewColumn* found = ColumnOf(ListViewOf(id), column);
     return found != nullptr ? gtk_tree_view_column_get_width(found) : 0;
 }
 
-void LWindow::LVSetColumnWidth(int id, int column, int width) {
+void LListViewControls::LVSetColumnWidth(int id, int column, int width) {
     if (GtkTreeViewColumn* found = ColumnOf(ListViewOf(id), column)) {
         gtk_tree_view_column_set_sizing(found, GTK_TREE_VIEW_COLUMN_FIXED);
         gtk_tree_view_column_set_fixed_width(found, std::max(1, width));
     }
 }
 
-void LWindow::LVSetColumnName(int id, int column, const char* name) {
+void LListViewControls::LVSetColumnName(int id, int column, const char* name) {
     if (GtkTreeViewColumn* found = ColumnOf(ListViewOf(id), column))
         gtk_tree_view_column_set_title(found, DisplayText(name).c_str());
 }
 
-void LWindow::LVShowColumn(int id, int column, bool shown) {
+void LListViewControls::LVShowColumn(int id, int column, bool shown) {
     if (GtkTreeViewColumn* found = ColumnOf(ListViewOf(id), column))
         gtk_tree_view_column_set_visible(found, shown);
+}
+
+void LListViewControls::HandleLVSelChange(int id, int command) {
+    if (GtkTreeView* list = ListViewOf(id)) {
+        StoreCommand(list, "cursor-changed", command, id);
+        Connect(list, "cursor-changed", G_CALLBACK(GCDialogListViewCurChanged));
+    }
+}
+
+void LListViewControls::HandleLVDoubleClick(int id, int command) {
+    if (GtkTreeView* list = ListViewOf(id)) {
+        StoreCommand(list, "row-doubleclicked", command, id);
+        Connect(list, "row-activated", G_CALLBACK(GCDialogListViewRowActivated));
+    }
 }

@@ -1,8 +1,18 @@
-// Multi-line edits.
+#include "gui/edit_controls.h"
+
 #include "gui/display_text.h"
-#include "gui/window.h"
 
 namespace {
+
+constexpr int kMaxEditCharacters = 65536;
+
+void GCEditChange(GtkTextBuffer* buffer, gpointer host) {
+    const bool tooLong = gtk_text_buffer_get_char_count(buffer) > kMaxEditCharacters &&
+                         StoredCommand(buffer, "max") != 0;
+    const char* key = tooLong ? "max" : "changed";
+    if (StoredCommand(buffer, key) != 0)
+        DeliverStored(host, buffer, key);
+}
 
 // Owned by the caller's scope; a text view may hold megabytes, so it is copied once only.
 struct BufferText {
@@ -29,39 +39,43 @@ GtkClipboard* Clipboard(GtkWidget* widget) {
     return gtk_widget_get_clipboard(widget, GDK_SELECTION_CLIPBOARD);
 }
 
+gboolean IsEditable(GtkWidget* view) {
+    return gtk_text_view_get_editable(GTK_TEXT_VIEW(view));
+}
+
 }  // namespace
 
-GtkTextBuffer* LWindow::EditBufferOf(int id) const {
+GtkTextBuffer* LEditControls::EditBufferOf(int id) const {
     auto* view = ControlAs<GtkTextView>(id, GTK_TYPE_TEXT_VIEW);
     return view != nullptr ? gtk_text_view_get_buffer(view) : nullptr;
 }
 
-void LWindow::SetEditText(int id, const char* text) {
+void LEditControls::SetEditText(int id, const char* text) {
     SetBufferText(EditBufferOf(id), text);
 }
 
-void LWindow::SetEditText(int id, const LStringLongTemplate<char>& text) {
+void LEditControls::SetEditText(int id, const LStringLongTemplate<char>& text) {
     SetBufferText(EditBufferOf(id), text.View());
 }
 
-void LWindow::GetEditText(int id, LStringLongTemplate<char>& out) const {
+void LEditControls::GetEditText(int id, LStringLongTemplate<char>& out) const {
     if (GtkTextBuffer* buffer = EditBufferOf(id))
         out.Assign(BufferText(buffer).text);
     else
         out.Clear();
 }
 
-std::string LWindow::GetEditText(int id) const {
+std::string LEditControls::GetEditText(int id) const {
     GtkTextBuffer* buffer = EditBufferOf(id);
     return buffer != nullptr ? BufferText(buffer).text : "";
 }
 
-int LWindow::GetEditTextLength(int id) const {
+int LEditControls::GetEditTextLength(int id) const {
     GtkTextBuffer* buffer = EditBufferOf(id);
     return buffer != nullptr ? gtk_text_buffer_get_char_count(buffer) : 0;
 }
 
-void LWindow::SetEditTextSelection(int id, int start, int end) {
+void LEditControls::SetEditTextSelection(int id, int start, int end) {
     GtkTextBuffer* buffer = EditBufferOf(id);
     if (buffer == nullptr)
         return;
@@ -72,11 +86,11 @@ void LWindow::SetEditTextSelection(int id, int start, int end) {
     gtk_text_buffer_select_range(buffer, &last, &first);
 }
 
-void LWindow::SetEditTextSelectionAll(int id) {
+void LEditControls::SetEditTextSelectionAll(int id) {
     SetEditTextSelection(id, 0, -1);
 }
 
-void LWindow::EditTextInsert(int id, const char* text) {
+void LEditControls::EditTextInsert(int id, const char* text) {
     if (GtkTextBuffer* buffer = EditBufferOf(id)) {
         gtk_text_buffer_begin_user_action(buffer);
         gtk_text_buffer_delete_selection(buffer, TRUE, TRUE);
@@ -85,18 +99,34 @@ void LWindow::EditTextInsert(int id, const char* text) {
     }
 }
 
-void LWindow::EditTextCut(int id) {
+void LEditControls::EditTextCut(int id) {
     if (GtkTextBuffer* buffer = EditBufferOf(id))
-        gtk_text_buffer_cut_clipboard(buffer, Clipboard(GetControlByID(id)), IsTextEditable(id));
+        gtk_text_buffer_cut_clipboard(buffer, Clipboard(GetControlByID(id)),
+                                      IsEditable(GetControlByID(id)));
 }
 
-void LWindow::EditTextCopy(int id) {
+void LEditControls::EditTextCopy(int id) {
     if (GtkTextBuffer* buffer = EditBufferOf(id))
         gtk_text_buffer_copy_clipboard(buffer, Clipboard(GetControlByID(id)));
 }
 
-void LWindow::EditTextPaste(int id) {
+void LEditControls::EditTextPaste(int id) {
     if (GtkTextBuffer* buffer = EditBufferOf(id))
         gtk_text_buffer_paste_clipboard(buffer, Clipboard(GetControlByID(id)), nullptr,
-                                        IsTextEditable(id));
+                                        IsEditable(GetControlByID(id)));
+}
+
+void LEditControls::HandleEditSignal(int id, const char* key, int command) {
+    if (GtkTextBuffer* buffer = EditBufferOf(id)) {
+        StoreCommand(buffer, key, command, id);
+        Connect(buffer, "changed", G_CALLBACK(GCEditChange));
+    }
+}
+
+void LEditControls::HandleEditTextChange(int id, int command) {
+    HandleEditSignal(id, "changed", command);
+}
+
+void LEditControls::HandleEditTextMax(int id, int command) {
+    HandleEditSignal(id, "max", command);
 }

@@ -1,11 +1,13 @@
-// Drop-down lists and combo boxes; column 0 of the list holds the text.
+// Column 0 of a list holds its text.
+#include "gui/drop_down_controls.h"
+
 #include <algorithm>
 #include <string_view>
 
 #include "foundation/numbers.h"
 #include "foundation/settings.h"
 #include "gui/display_text.h"
-#include "gui/window.h"
+#include "gui/text_controls.h"
 
 namespace {
 
@@ -20,19 +22,23 @@ std::string RowText(GtkTreeModel* model, GtkTreeIter* row) {
     return out;
 }
 
+void GCDialogPDLChanged(GtkWidget* list, gpointer host) {
+    DeliverStored(host, list, "changed");
+}
+
 std::string ItemKey(int number) {
     return "Item " + std::to_string(number);
 }
 
 }  // namespace
 
-GtkListStore* LWindow::ListOf(int id) const {
+GtkListStore* LDropDownControls::ListOf(int id) const {
     auto* box = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX);
     GtkTreeModel* model = box != nullptr ? gtk_combo_box_get_model(box) : nullptr;
     return GTK_IS_LIST_STORE(model) ? GTK_LIST_STORE(model) : nullptr;
 }
 
-void LWindow::PDLInit(int id) {
+void LDropDownControls::PDLInit(int id) {
     auto* box = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX);
     if (box == nullptr)
         return;
@@ -48,45 +54,46 @@ void LWindow::PDLInit(int id) {
     }
 }
 
-void LWindow::PDLClear(int id) {
+void LDropDownControls::PDLClear(int id) {
     if (GtkListStore* list = ListOf(id))
         gtk_list_store_clear(list);
 }
 
-void LWindow::PDLAddString(int id, const char* text) {
+void LDropDownControls::PDLAddString(int id, const char* text) {
     if (GtkListStore* list = ListOf(id))
         gtk_list_store_insert_with_values(list, nullptr, -1, 0, DisplayText(text).c_str(), -1);
 }
 
-void LWindow::PDLFill(int id, const char* const* texts) {
+void LDropDownControls::PDLFill(int id, const char* const* texts) {
     for (; *texts != nullptr; ++texts)
         PDLAddString(id, *texts);
 }
 
-int LWindow::PDLGetCount(int id) const {
+int LDropDownControls::PDLGetCount(int id) const {
     GtkListStore* list = ListOf(id);
     return list != nullptr ? gtk_tree_model_iter_n_children(GTK_TREE_MODEL(list), nullptr) : 0;
 }
 
-int LWindow::PDLGetCurSel(int id) const {
+int LDropDownControls::PDLGetCurSel(int id) const {
     auto* box = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX);
     return box != nullptr ? gtk_combo_box_get_active(box) : -1;
 }
 
-void LWindow::PDLSetCurSel(int id, int item) {
+void LDropDownControls::PDLSetCurSel(int id, int item) {
     if (auto* box = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX))
         gtk_combo_box_set_active(box, item < -1 ? -1 : item);
 }
 
-void LWindow::PDLGetText(int id, char (&out)[kTextBufferSize]) const {
+void LDropDownControls::PDLGetText(int id, char (&out)[kTextBufferSize]) const {
     CopyText(out, PDLGetText(id));
 }
 
-std::string LWindow::PDLGetText(int id) const {
-    return EntryOf(id) != nullptr ? GetText(id) : PDLGetItem(id, PDLGetCurSel(id));
+std::string LDropDownControls::PDLGetText(int id) const {
+    GtkEntry* entry = EntryOf(GetControlByID(id));
+    return entry != nullptr ? gtk_entry_get_text(entry) : PDLGetItem(id, PDLGetCurSel(id));
 }
 
-std::string LWindow::PDLGetItem(int id, int item) const {
+std::string LDropDownControls::PDLGetItem(int id, int item) const {
     GtkListStore* list = ListOf(id);
     GtkTreeIter row;
     if (list == nullptr || item < 0 ||
@@ -95,13 +102,13 @@ std::string LWindow::PDLGetItem(int id, int item) const {
     return RowText(GTK_TREE_MODEL(list), &row);
 }
 
-void LWindow::PDLSetText(int id, const char* text) {
+void LDropDownControls::PDLSetText(int id, const char* text) {
     PDLSetCurSel(id, PDLFindString(id, text));
-    if (EntryOf(id) != nullptr)
-        SetText(id, text);
+    if (GtkEntry* entry = EntryOf(GetControlByID(id)))
+        gtk_entry_set_text(entry, DisplayText(text).c_str());
 }
 
-int LWindow::PDLFindString(int id, const char* text) const {
+int LDropDownControls::PDLFindString(int id, const char* text) const {
     const int count = PDLGetCount(id);
     const std::string wanted = DisplayText(text);
     for (int item = 0; item < count; ++item) {
@@ -111,7 +118,7 @@ int LWindow::PDLFindString(int id, const char* text) const {
     return -1;
 }
 
-void LWindow::PDLDeleteItem(int id, int item) {
+void LDropDownControls::PDLDeleteItem(int id, int item) {
     GtkListStore* list = ListOf(id);
     GtkTreeIter row;
     if (list != nullptr && item >= 0 &&
@@ -119,15 +126,15 @@ void LWindow::PDLDeleteItem(int id, int item) {
         gtk_list_store_remove(list, &row);
 }
 
-int LWindow::PDLGetInt(int id) const {
+int LDropDownControls::PDLGetInt(int id) const {
     return DecimalFromText(PDLGetText(id).c_str());
 }
 
-void LWindow::PDLSetInt(int id, int value) {
+void LDropDownControls::PDLSetInt(int id, int value) {
     PDLSetText(id, std::to_string(value).c_str());
 }
 
-void LWindow::PDLAutoFill(int id, const char* section) {
+void LDropDownControls::PDLAutoFill(int id, const char* section) {
     PDLClear(id);
     const int count = LUserSettingGetInt(section, "Count", 0);
     const int selected = LUserSettingGetInt(section, "Set", 0);
@@ -136,7 +143,7 @@ void LWindow::PDLAutoFill(int id, const char* section) {
     PDLSetCurSel(id, selected);
 }
 
-void LWindow::PDLAutoGet(int id, const char* section) const {
+void LDropDownControls::PDLAutoGet(int id, const char* section) const {
     const int count = std::min(PDLGetCount(id), kMaxAutoItems);
     for (int item = 1; item <= count; ++item) {
         const std::string key = ItemKey(item);
@@ -146,4 +153,11 @@ void LWindow::PDLAutoGet(int id, const char* section) const {
     }
     LUserSettingSetInt(section, "Count", count);
     LUserSettingSetInt(section, "Set", PDLGetCurSel(id));
+}
+
+void LDropDownControls::HandlePDLSelChange(int id, int command) {
+    if (auto* list = ControlAs<GtkComboBox>(id, GTK_TYPE_COMBO_BOX)) {
+        StoreCommand(list, "changed", command, id);
+        Connect(list, "changed", G_CALLBACK(GCDialogPDLChanged));
+    }
 }

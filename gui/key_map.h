@@ -1,0 +1,38 @@
+// Keys as numbers, and tables that turn them into commands: one form for key presses, menu
+// accelerators and what tooltips say of them.
+#pragma once
+
+#include <gdk/gdk.h>
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+// Bits 0-15: upper-cased GDK key value; bits 16-31: modifiers.
+using LKeyCode = std::uint32_t;
+constexpr LKeyCode kKeyShift = 1u << 16;
+constexpr LKeyCode kKeyControl = 4u << 16;
+constexpr LKeyCode kKeyAlt = 8u << 16;
+
+struct LKeyToCommandMap {
+    LKeyCode key;
+    int command;
+};
+using LKeyMap = std::span<const LKeyToCommandMap>;
+
+// The key code of a key event; the other modifiers (Caps Lock and the like) do not count.
+LKeyCode KeyCodeOfEvent(const GdkEventKey& event);
+
+int CommandOfKey(LKeyMap map, LKeyCode key);      // of the first row with this key; 0 for none
+LKeyCode KeyOfCommand(LKeyMap map, int command);  // of the first row with this command; 0 for none
+
+inline guint KeyValue(LKeyCode key) {
+    return key & 0xFFFFu;
+}
+inline GdkModifierType KeyModifiers(LKeyCode key) {
+    return GdkModifierType(key >> 16);
+}
+
+// "Ctrl+Alt+Shift+" as far as set, then GDK's name of the key value: "Ctrl+Shift+R". The name is
+// empty when GDK has none.
+std::string KeyDescription(LKeyCode key);
