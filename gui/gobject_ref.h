@@ -31,6 +31,7 @@ public:
 
     T* Get() const { return object_; }  // borrowed; null when none
     explicit operator bool() const { return object_ != nullptr; }
+    T* Release() { return std::exchange(object_, nullptr); }  // the reference becomes the caller's
     void Reset() {
         if (T* old = std::exchange(object_, nullptr))
             g_object_unref(old);

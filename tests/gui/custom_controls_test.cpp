@@ -1,0 +1,242 @@
+// The controls that draw themselves, in a real window.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "gui/widgets/db_display.h"
+#include "gui/widgets/db_edit.h"
+#include "gui/widgets/explorer_bar.h"
+#include "gui/widgets/meter_ballistics.h"
+#include "tests/gui/gui_fixtures.h"
+
+namespace {
+
+class CustomControls : public testing::Test {
+protected:
+    ~CustomControls() override { gtk_widget_destroy(window_); }
+    void Show(GtkWidget* control) {
+        gtk_container_add(GTK_CONTAINER(window_), control);
+        gtk_widget_show_all(window_);
+        EXPECT_TRUE(PumpUntil([&] { return gtk_widget_get_mapped(control) != FALSE; }, 10000));
+        PumpPending();
+    }
+    GtkWidget* const window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+};
+
+// Track of 96 pixels: two for a decibel.
+class DBEdit : public CustomControls {
+protected:
+    DBEdit() {
+        gtk_widget_set_size_request(display_, 109, 15);
+        LDBEdit::Init(108, box_);
+        g_signal_connect(box_, kVolumeChangeSignal, G_CALLBACK(+[](GtkWidget*, int i, void* out) {
+                             static_cast<std::vector<int>*>(out)->push_back(i);
+                         }),
+                         &told_);
+        Show(box_);
+        EXPECT_EQ(display_->allocation.width, 109);
+    }
+    void Pointer(GdkEventType type, int x) {
+        GdkEvent* event = gdk_event_new(type);
+        event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(display_)));
+        if (type == GDK_MOTION_NOTIFY) {
+            event->motion.x = x;
+        } else {
+            event->button.x = x;
+            event->button.button = 1;
+        }
+        gtk_widget_event(display_, event);
+        gdk_event_free(event);
+    }
+    static void Key(GtkWidget* widget, GdkEventType type, guint key) {
+        GdkEvent* event = gdk_event_new(type);
+        event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(widget)));
+        event->key.keyval = key;
+        gtk_widget_event(widget, event);
+        gdk_event_free(event);
+    }
+    int Level() const { return LDBEdit::GetLevel(box_).Value(); }
+    int Data(const char* key) const {
+        return GPOINTER_TO_INT(g_object_get_data(G_OBJECT(display_), key));
+    }
+    std::string Text() const { return gtk_entry_get_text(GTK_ENTRY(entry_)); }
+
+    GtkWidget* const box_ = LDBEdit::CreateControl();
+    GtkWidget* const display_ = LDBEdit::GetHandle(box_, false);
+    GtkWidget* const entry_ = LDBEdit::GetHandle(box_, true);
+    std::vector<int> told_;
+};
+
+TEST_F(DBEdit, TheProgramSetsItWithinItsRangeAndSilently) {
+    const struct {
+        int set, shown, position;
+        const char* text;
+    } cases[] = {
+        {-6, -6, 52, "-6dB"}, {20, 16, 96, "16dB"}, {-60, -32, 0, "-32dB"}, {0, 0, 64, "0dB"}};
+    for (const auto& c : cases) {
+        LDBEdit::SetLevel(box_, LDB(c.set));
+        EXPECT_EQ(Level(), c.shown);
+        EXPECT_EQ(Data("iCurrentPos"), c.position);
+        EXPECT_EQ(Text(), c.text);
+    }
+    EXPECT_EQ(Data("iChange"), 32);
+    LDBEdit::SetLevel(box_, LDB(0));
+    EXPECT_EQ(Data("iChange"), 0);
+    LDBEdit::Init(5, box_);
+    EXPECT_EQ(Level(), 0) << "wiring again keeps the level";
+    EXPECT_TRUE(told_.empty());
+}
+
+TEST_F(DBEdit, ThePointerGrabsTheHandleNearItAndJumpsFromAfar) {
+    LDBEdit::SetLevel(box_, LDB(-12));  // handle at 40
+    Pointer(GDK_BUTTON_PRESS, 50);
+    Pointer(GDK_MOTION_NOTIFY, 50);
+    EXPECT_EQ(Level(), -12);
+    EXPECT_TRUE(told_.empty());
+    Pointer(GDK_MOTION_NOTIFY, 57);  // 51 pixels: 25.5 decibels above the lowest
+    EXPECT_EQ(Level(), -7);
+    Pointer(GDK_MOTION_NOTIFY, 400);
+    EXPECT_EQ(Level(), 16);
+    Pointer(GDK_BUTTON_RELEASE, 400);
+    Pointer(GDK_MOTION_NOTIFY, 20);
+    EXPECT_EQ(Level(), 16);
+    Pointer(GDK_BUTTON_PRESS, 85);  // 11 from the handle
+    Pointer(GDK_MOTION_NOTIFY, 20);
+    EXPECT_EQ(Level(), 7) << "a jump is no drag";
+    EXPECT_EQ(told_, (std::vector{25, 48, 39}));
+}
+
+TEST_F(DBEdit, TypedTextMovesTheHandleAndEnterTellsTheWindow) {
+    gtk_entry_set_text(GTK_ENTRY(entry_), "");
+    for (const char* typed : {"-", "-1", "-12"}) {
+        gtk_entry_set_text(GTK_ENTRY(entry_), typed);
+        Key(entry_, GDK_KEY_RELEASE, GDK_KEY_2);
+        EXPECT_EQ(Text(), typed) << "the cursor must stay behind what was typed";
+    }
+    EXPECT_EQ(Level(), -12);
+    EXPECT_EQ(Data("iCurrentPos"), 40);
+    EXPECT_TRUE(told_.empty());
+    gtk_widget_activate(entry_);
+    EXPECT_EQ(Text(), "-12dB");
+    EXPECT_EQ(told_, std::vector{20});
+    Key(display_, GDK_KEY_PRESS, GDK_KEY_Up);
+    Key(display_, GDK_KEY_PRESS, GDK_KEY_End);
+    Key(display_, GDK_KEY_PRESS, GDK_KEY_End);
+    EXPECT_EQ(told_, (std::vector{20, 21, 48})) << "no change, no notification";
+}
+
+TEST_F(DBEdit, AScreenReaderReadsAndSetsTheLevel) {
+    LDBEdit::SetLevel(box_, LDB(-6));
+    LDBEdit::SetName(box_, "Volume");
+    AtkObject* accessible = gtk_widget_get_accessible(display_);
+    EXPECT_STREQ(atk_object_get_name(accessible), "Volume");
+    if (!GTK_IS_ACCESSIBLE(accessible))
+        GTEST_SKIP() << "without the toolkit's accessibility module there is nothing to ask";
+    EXPECT_EQ(atk_object_get_role(accessible), ATK_ROLE_SLIDER);
+    AtkValue* slider = ATK_VALUE(accessible);
+    const AtkValueIface* ask = ATK_VALUE_GET_IFACE(slider);
+    GValue value = G_VALUE_INIT;
+    ask->get_current_value(slider, &value);
+    EXPECT_EQ(g_value_get_double(&value), -6);
+    g_value_set_double(&value, 3);
+    EXPECT_TRUE(ask->set_current_value(slider, &value));
+    EXPECT_EQ(Level(), 3);
+    EXPECT_EQ(told_, std::vector{35});
+}
+
+TEST(Meter, BarsFallSmoothlyUnderAHeldPeak) {
+    constexpr std::int64_t kSecond = 1'000'000;
+    LMeterBallistics meter;
+    LDBMC levels(2, LDB(-4));
+    levels[1] = LDB(40);
+    meter.SetLevels(levels, 0);
+    EXPECT_EQ(meter.Bar(1, 0), LMeterBallistics::kHighest);
+    meter.SetLevels(LDBMC(2), 0);
+    const struct {
+        double seconds, bar, peak;
+    } cases[] = {{0, -4, -4}, {0.5, -19, -4}, {1.5, -36, -4}, {2, -36, -14}, {9, -36, -36}};
+    for (const auto& c : cases) {
+        const auto now = static_cast<std::int64_t>(c.seconds * kSecond);
+        EXPECT_DOUBLE_EQ(meter.Bar(0, now), c.bar) << c.seconds;
+        EXPECT_DOUBLE_EQ(meter.Peak(0, now), c.peak) << c.seconds;
+        EXPECT_EQ(meter.IsMoving(now), c.seconds < 9) << c.seconds;
+    }
+    meter.SetLevels(LDBMC(2, LDB(-20)), kSecond / 2);
+    EXPECT_DOUBLE_EQ(meter.Bar(0, kSecond), -20) << "it falls no lower than the level";
+    meter.SetLevels(LDBMC(1), kSecond);
+    meter.SetLevels(LDBMC(2), kSecond);
+    EXPECT_DOUBLE_EQ(meter.Peak(1, kSecond), -36) << "a new channel has no past";
+}
+
+class ExplorerBar : public CustomControls {
+protected:
+    ExplorerBar() {
+        GtkWidget* widget = bar_->Create([this](int command) { sent_.push_back(command); });
+        read_ = bar_->AddTopic("Read Aloud");
+        bar_->AddItem(read_, "Read current text", "tip", 1011);
+        bar_->AddItem(read_, "Read \xFF", nullptr, 1019);
+        bar_->AddTopic("Empty");
+        Show(widget);
+    }
+    // The widget that is called so, if it can be seen.
+    GtkWidget* Seen(GtkWidget* from, const char* name) {
+        if (gtk_widget_get_mapped(from) &&
+            g_strcmp0(atk_object_get_name(gtk_widget_get_accessible(from)), name) == 0 &&
+            (GTK_IS_BUTTON(from) || GTK_IS_EXPANDER(from)))
+            return from;
+        if (!GTK_IS_CONTAINER(from))
+            return nullptr;
+        GtkWidget* found = nullptr;
+        GList* children = gtk_container_get_children(GTK_CONTAINER(from));
+        for (GList* child = children; child != nullptr && found == nullptr; child = child->next)
+            found = Seen(GTK_WIDGET(child->data), name);
+        g_list_free(children);
+        return found;
+    }
+    bool IsSeen(const char* name) {
+        PumpPending();
+        return Seen(window_, name) != nullptr;
+    }
+    std::unique_ptr<LExplorerBar> bar_ = std::make_unique<LExplorerBar>();
+    int read_ = -1;
+    std::vector<int> sent_;
+};
+
+TEST_F(ExplorerBar, TopicsFoldAndItemsHide) {
+    EXPECT_FALSE(IsSeen("Empty"));
+    gtk_button_clicked(GTK_BUTTON(Seen(window_, "Read current text")));
+    EXPECT_EQ(sent_, std::vector{1011});
+    gtk_widget_activate(Seen(window_, "Read Aloud"));
+    EXPECT_TRUE(PumpUntil([&] { return !IsSeen("Read current text"); }, 10000));
+    EXPECT_TRUE(bar_->IsTopicFolded(read_));
+    bar_->FoldTopic(read_, false);
+    EXPECT_TRUE(PumpUntil([&] { return IsSeen("Read current text"); }, 10000));
+
+    bar_->ShowItem(1011, false);
+    gtk_widget_show_all(window_);
+    EXPECT_FALSE(IsSeen("Read current text"));
+    EXPECT_FALSE(bar_->IsItemShown(1011));
+    EXPECT_TRUE(IsSeen("Read \xC3\xBF"));
+    bar_->ShowItem(1019, false);
+    EXPECT_FALSE(IsSeen("Read Aloud")) << "a topic without items";
+    bar_->ShowItem(1011, true);
+    bar_->SetItemText(1011, "Read all");
+    EXPECT_TRUE(IsSeen("Read all"));
+    bar_->ShowItem(7, true);
+    EXPECT_FALSE(bar_->IsItemShown(7));
+}
+
+TEST_F(ExplorerBar, BarAndWidgetsGoInAnyOrder) {
+    GtkWidget* item = Seen(window_, "Read current text");
+    bar_.reset();
+    gtk_button_clicked(GTK_BUTTON(item));
+    EXPECT_TRUE(sent_.empty());
+    LExplorerBar gone;
+    gtk_widget_destroy(gone.Create(nullptr));
+    gone.ShowItem(1011, false);
+    gone.FoldTopic(0, true);
+}
+
+}  // namespace
