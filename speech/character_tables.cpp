@@ -225,23 +225,23 @@ int ByteInCharset(char32_t character, VoiceCharset charset) {
     if (character < 0x80)
         return static_cast<int>(character);
     switch (charset) {
-        case VoiceCharset::Latin1:
+        case VoiceCharset::kLatin1:
             return character >= 0xA0 && character <= 0xFF ? static_cast<int>(character) : -1;
-        case VoiceCharset::Latin2:
+        case VoiceCharset::kLatin2:
             return ByteInLatin2(character);
-        case VoiceCharset::Latin9:
+        case VoiceCharset::kLatin9:
             return ByteInLatin9(character);
-        case VoiceCharset::Ascii:
-        case VoiceCharset::Utf8:
+        case VoiceCharset::kAscii:
+        case VoiceCharset::kUtf8:
             break;
     }
     return -1;
 }
 
 char32_t CharacterOfByte(unsigned char byte, VoiceCharset charset) {
-    if (byte >= 0xA0 && charset == VoiceCharset::Latin2)
+    if (byte >= 0xA0 && charset == VoiceCharset::kLatin2)
         return kLatin2[byte - 0xA0U];
-    if (charset == VoiceCharset::Latin9)
+    if (charset == VoiceCharset::kLatin9)
         for (const ByteOf& entry : kLatin9)
             if (entry.byte == byte)
                 return entry.character;

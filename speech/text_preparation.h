@@ -2,19 +2,54 @@
 // and dies on a unit with nothing to say.
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
 // What the bytes of a prepared text mean. English voices read ASCII.
-enum class VoiceCharset { Ascii, Latin1, Latin2, Latin9, Utf8 };
+enum class VoiceCharset { kAscii, kLatin1, kLatin2, kLatin9, kUtf8 };
+
+// What the engine itself ends as an utterance, about a sentence. So units can be spoken in runs of
+// one or several, and the runs' sound joined is what one run gives for all.
+struct TextUnit {
+    // In the voice's charset, without NUL and control bytes but tab and newline; with the white
+    // space behind it, and that at the very beginning of the text. Always holds something to say.
+    std::string text;
+    // The bytes of the user's text from its first word to its last. Never before those of the unit
+    // before it.
+    std::size_t sourceBegin = 0;
+    std::size_t sourceEnd = 0;
+};
+
+// The units of a text in order. Reads only as far ahead as the unit's end needs, so the first
+// sentence of a book costs what it costs alone; what cannot be said is passed over in linear time
+// and constant memory. Any thread, one at a time.
+//
+// The text is UTF-8, invalid bytes are dropped. Plain ASCII with something to say in each line
+// comes out unchanged, except where the engine would make a unit of punctuation alone and die on
+// it: such a word ("--" or "..." behind a sentence's end or at the beginning) goes, as the pause is
+// there already. What holds no sentence end is cut at 300 to 500 characters by an empty line,
+// because the engine's time for a unit grows with the square of its length.
+class TextUnits {
+public:
+    // The text's bytes must outlive this.
+    TextUnits(std::string_view text, VoiceCharset charset);
+    ~TextUnits();
+    TextUnits(TextUnits&&) noexcept;
+    TextUnits& operator=(TextUnits&&) noexcept;
+
+    // False at the end.
+    bool Next(TextUnit& unit);
+
+private:
+    struct Stages;
+    std::unique_ptr<Stages> stages_;
+};
 
 struct PreparedText {
-    std::string text;  // in the voice's charset, without NUL and control bytes but tab and newline
+    std::string text;       // all units together
     bool hasWords = false;  // false: nothing in it can be said, do not start the engine
 };
 
-// Pure function of its arguments, linear in the text's length; text is UTF-8, invalid bytes are
-// dropped. Plain ASCII with something to say in each line comes back unchanged, except where the
-// engine would make a unit of punctuation alone and die on it: such a word ("--" or "..." behind a
-// sentence's end or at the beginning) goes, as the pause is there already.
 PreparedText PrepareText(std::string_view text, VoiceCharset charset);

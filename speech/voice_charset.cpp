@@ -23,22 +23,22 @@ struct NamedCharset {
     VoiceCharset charset;
 };
 constexpr NamedCharset kCharsets[] = {
-    {"ascii", VoiceCharset::Ascii},        {"us-ascii", VoiceCharset::Ascii},
-    {"iso-8859-1", VoiceCharset::Latin1},  {"latin1", VoiceCharset::Latin1},
-    {"iso-8859-2", VoiceCharset::Latin2},  {"latin2", VoiceCharset::Latin2},
-    {"iso-8859-15", VoiceCharset::Latin9}, {"latin9", VoiceCharset::Latin9},
-    {"utf-8", VoiceCharset::Utf8},         {"utf8", VoiceCharset::Utf8},
+    {"ascii", VoiceCharset::kAscii},        {"us-ascii", VoiceCharset::kAscii},
+    {"iso-8859-1", VoiceCharset::kLatin1},  {"latin1", VoiceCharset::kLatin1},
+    {"iso-8859-2", VoiceCharset::kLatin2},  {"latin2", VoiceCharset::kLatin2},
+    {"iso-8859-15", VoiceCharset::kLatin9}, {"latin9", VoiceCharset::kLatin9},
+    {"utf-8", VoiceCharset::kUtf8},         {"utf8", VoiceCharset::kUtf8},
 };
 
 // Voices by the beginning of their names, for those whose description is not at hand or states no
 // charset although they read one.
 constexpr NamedCharset kKnownVoices[] = {
-    {"czech_", VoiceCharset::Latin2},  {"upc_ca_", VoiceCharset::Latin9},
-    {"lp_", VoiceCharset::Latin1},     {"pc_", VoiceCharset::Latin1},
-    {"el_", VoiceCharset::Latin1},     {"hy_fi_", VoiceCharset::Latin1},
-    {"suo_fi_", VoiceCharset::Latin1}, {"hindi_", VoiceCharset::Utf8},
-    {"telugu_", VoiceCharset::Utf8},   {"marathi_", VoiceCharset::Utf8},
-    {"msu_ru_", VoiceCharset::Utf8},
+    {"czech_", VoiceCharset::kLatin2},  {"upc_ca_", VoiceCharset::kLatin9},
+    {"lp_", VoiceCharset::kLatin1},     {"pc_", VoiceCharset::kLatin1},
+    {"el_", VoiceCharset::kLatin1},     {"hy_fi_", VoiceCharset::kLatin1},
+    {"suo_fi_", VoiceCharset::kLatin1}, {"hindi_", VoiceCharset::kUtf8},
+    {"telugu_", VoiceCharset::kUtf8},   {"marathi_", VoiceCharset::kUtf8},
+    {"msu_ru_", VoiceCharset::kUtf8},
 };
 
 std::string ReadDescription(const std::string& path) {
@@ -89,11 +89,11 @@ std::optional<VoiceCharset> CharsetInDescription(std::string_view voiceFile) {
 VoiceCharset CharsetOfVoice(std::string_view voiceName) {
     // A name with a slash is no voice's and would lead out of the voice folder.
     if (voiceName.empty() || voiceName.find('/') != std::string_view::npos)
-        return VoiceCharset::Ascii;
+        return VoiceCharset::kAscii;
     if (const auto stated = CharsetInDescription(InstalledDescription(voiceName)))
         return *stated;
     for (const NamedCharset& known : kKnownVoices)
         if (voiceName.starts_with(known.name))
             return known.charset;
-    return VoiceCharset::Ascii;
+    return VoiceCharset::kAscii;
 }

@@ -1,6 +1,7 @@
 #include "speech/text_preparation.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <ctime>
@@ -13,7 +14,7 @@ struct Case {
     const char* what;
     std::string text;
     std::string expected;
-    VoiceCharset charset = VoiceCharset::Ascii;
+    VoiceCharset charset = VoiceCharset::kAscii;
 };
 
 void Check(const std::vector<Case>& cases) {
@@ -28,7 +29,7 @@ TEST(TextPreparation, PlainTextWithSomethingToSayInEachLinePassesUnchanged) {
           "$5.00 + 50% = x_y @ http://www.example.com/a?b=c#d", "1.\n2)\n- three\n* four",
           "He left. - She stayed.", "Hello! :-) Bye.", "Really? ? (Yes)!", "So. ... and on",
           "\n\n leading and trailing \n\n", "etc. etc., e.g. Mr. Smith"}) {
-        const PreparedText prepared = PrepareText(text, VoiceCharset::Ascii);
+        const PreparedText prepared = PrepareText(text, VoiceCharset::kAscii);
         EXPECT_EQ(prepared.text, text);
         EXPECT_TRUE(prepared.hasWords) << text;
     }
@@ -36,7 +37,7 @@ TEST(TextPreparation, PlainTextWithSomethingToSayInEachLinePassesUnchanged) {
 
 TEST(TextPreparation, TypographyBecomesPlainForEveryVoice) {
     for (const VoiceCharset charset :
-         {VoiceCharset::Ascii, VoiceCharset::Latin1, VoiceCharset::Utf8})
+         {VoiceCharset::kAscii, VoiceCharset::kLatin1, VoiceCharset::kUtf8})
         Check({{"quotes", "“It’s” ‘so’ «there» „low“", "\"It's\" 'so' \"there\" \"low\"", charset},
                {"number range", "pages 3–5, non‑breaking", "pages 3-5, non-breaking", charset},
                {"dash with a pause", "one – two — three—four", "one -- two -- three -- four",
@@ -76,12 +77,12 @@ TEST(TextPreparation, EnglishVoicesGetAsciiWithAccentsFoldedAndSignsInWords) {
 }
 
 TEST(TextPreparation, OtherVoicesGetTheirCharset) {
-    Check({{"Latin 1", "café œuf ő €", "caf\xE9 oeuf o ", VoiceCharset::Latin1},
-           {"Latin 2", "Dvořák ő", "Dvo\xF8\xE1k \xF5", VoiceCharset::Latin2},
-           {"Latin 9", "œ € ½ Š", "\xBD \xA4 1/2 \xA6", VoiceCharset::Latin9},
-           {"letter and mark", "e\u0301 r\u030C", "e\u0301 r\u030C", VoiceCharset::Utf8},
-           {"letter and mark joined", "e\u0301 r\u030C", "\xE9 \xF8", VoiceCharset::Latin2},
-           {"Hindi", "नमस्ते 😀 दुनिया।", "नमस्ते  दुनिया।", VoiceCharset::Utf8}});
+    Check({{"Latin 1", "café œuf ő €", "caf\xE9 oeuf o ", VoiceCharset::kLatin1},
+           {"Latin 2", "Dvořák ő", "Dvo\xF8\xE1k \xF5", VoiceCharset::kLatin2},
+           {"Latin 9", "œ € ½ Š", "\xBD \xA4 1/2 \xA6", VoiceCharset::kLatin9},
+           {"letter and mark", "e\u0301 r\u030C", "e\u0301 r\u030C", VoiceCharset::kUtf8},
+           {"letter and mark joined", "e\u0301 r\u030C", "\xE9 \xF8", VoiceCharset::kLatin2},
+           {"Hindi", "नमस्ते 😀 दुनिया।", "नमस्ते  दुनिया।", VoiceCharset::kUtf8}});
 }
 
 TEST(TextPreparation, LinesAndPunctuationWithNothingToSayGoAndTheirPauseStays) {
@@ -94,7 +95,7 @@ TEST(TextPreparation, LinesAndPunctuationWithNothingToSayGoAndTheirPauseStays) {
            {"behind a colon or more", "I said: -- no. Really?! ... Yes. Well... -- yes",
             "I said: no. Really?! Yes. Well... yes"},
            {"dashes in a row", "a -- -- b", "a -- b"},
-           {"at the ends", "... so! ***", " so!"},
+           {"at the ends", "... so! ***", " so! "},
            {"dropped letters leave punctuation", "One! (Привет!) Two", "One! (!) Two"},
            {"only in another script", "One\nПривет!\nTwo", "One\n\nTwo"}});
 }
@@ -102,52 +103,127 @@ TEST(TextPreparation, LinesAndPunctuationWithNothingToSayGoAndTheirPauseStays) {
 TEST(TextPreparation, TextWithoutWordsSaysSo) {
     for (const std::string text :
          {"", "   \n\t", "----", "?!", "😀😀", "Привет", "\x01\x02", "\xFF\xFE"})
-        EXPECT_FALSE(PrepareText(text, VoiceCharset::Ascii).hasWords) << text;
+        EXPECT_FALSE(PrepareText(text, VoiceCharset::kAscii).hasWords) << text;
     for (const std::string text : {"½ ²", "ª º"})
-        EXPECT_FALSE(PrepareText(text, VoiceCharset::Latin1).hasWords) << text;
-    EXPECT_TRUE(PrepareText("Привет", VoiceCharset::Utf8).hasWords);
-    EXPECT_TRUE(PrepareText("ő", VoiceCharset::Latin2).hasWords);
+        EXPECT_FALSE(PrepareText(text, VoiceCharset::kLatin1).hasWords) << text;
+    EXPECT_TRUE(PrepareText("Привет", VoiceCharset::kUtf8).hasWords);
+    EXPECT_TRUE(PrepareText("ő", VoiceCharset::kLatin2).hasWords);
+}
+
+// Each unit with the stretch of the user's text that it stands for.
+std::string UnitsAndSources(const std::string& text) {
+    std::string shown;
+    TextUnits units(text, VoiceCharset::kAscii);
+    for (TextUnit unit; units.Next(unit);)
+        shown += unit.text + "<" +
+                 text.substr(unit.sourceBegin, unit.sourceEnd - unit.sourceBegin) + ">|";
+    return shown;
+}
+
+TEST(TextPreparation, UnitsAreTheEnginesOwnAndKnowTheirPlaceInTheText) {
+    const struct {
+        std::string text;
+        std::string units;
+    } cases[] = {
+        {"It’s Dr. Smith. He’s in. “Café!”",
+         "It's Dr. Smith. <It’s Dr. Smith.>|He's in. <He’s in.>|\"Cafe!\"<“Café!”>|"},
+        {"one. two.\nthree etc.\nfour etc.  Five",
+         "one. two.\n<one. two.>|"
+         "three etc.\nfour etc.  <three etc.\nfour etc.>|"
+         "Five<Five>|"},
+        {"In the U.S.S.R., it (is)... Well?! 20°C; €5 million: ok",
+         "In the U.S.S.R., it (is)... <In the U.S.S.R., it (is)...>|Well?! <Well?!>|"
+         "20 degrees Celsius; <20°C;>|5 million euros: <€5 million:>|ok<ok>|"},
+        {"\n😀 a — b\n\n***\n\nc ... ... *** \n\nd 😀\n",
+         "\n a -- <a —>|b\n\n<b>|\n\nc ... <c ...>| \n\nd \n<d>|"},
+        {"Yes! ** no. ** - \n\n😀 ** ! ok",
+         "Yes! <Yes!>|** no. ** - \n\n<** no. ** ->| ** ! ok<** ! ok>|"},
+    };
+    for (const auto& test : cases)
+        EXPECT_EQ(UnitsAndSources(test.text), test.units);
+}
+
+// A text whose later part cannot be touched.
+class GuardedText {
+public:
+    explicit GuardedText(const std::string& text) {
+        size_ = text.size() & ~std::size_t{4095};
+        at_ = static_cast<char*>(
+            ::mmap(nullptr, 2 * size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        std::copy_n(text.data(), size_, at_);
+        ::mprotect(at_ + size_, size_, PROT_NONE);
+    }
+    ~GuardedText() { ::munmap(at_, 2 * size_); }
+    GuardedText(const GuardedText&) = delete;
+    GuardedText& operator=(const GuardedText&) = delete;
+    std::string_view View() const { return {at_, 2 * size_}; }
+
+private:
+    std::size_t size_;
+    char* at_;
+};
+
+TEST(TextPreparation, FirstUnitNeedsNoMoreOfTheTextThanItself) {
+    for (const std::string rest : {"More. ", "a", "😀", " ", "-", "- ", "---\n", "\xE2\x80"}) {
+        std::string text = "A first sentence. ";
+        while (text.size() < 16384)
+            text += rest;
+        const GuardedText guarded(text);
+        TextUnits units(guarded.View(), VoiceCharset::kAscii);
+        TextUnit unit;
+        ASSERT_TRUE(units.Next(unit));
+        EXPECT_TRUE(unit.text.starts_with("A first sentence.")) << unit.text;
+        EXPECT_LT(unit.sourceEnd, 600U);
+    }
 }
 
 TEST(TextPreparation, LongRunsAndUnitsAreCut) {
-    const auto longestUnit = [](const std::string& text) {
-        std::size_t longest = 0;
-        for (std::size_t at = 0; at < text.size();) {
-            const std::size_t end = std::min(text.find("\n\n", at), text.size());
-            longest = std::max(longest, end - at);
-            at = end + 2;
-        }
-        return longest;
-    };
     std::string addresses;
-    for (int i = 0; i < 500; ++i)
+    std::string clauses;
+    for (int i = 0; i < 500; ++i) {
         addresses += "http://www.example.com/a/rather/long/path/page.html?x=1\n";
-    for (const VoiceCharset charset : {VoiceCharset::Ascii, VoiceCharset::Utf8}) {
-        EXPECT_LE(longestUnit(PrepareText(std::string(100000, 'a'), charset).text), 256U);
-        EXPECT_LE(longestUnit(PrepareText(addresses, charset).text), 2300U);
+        clauses += "a clause of some thirty letters, ";
     }
     std::string hindi;
     for (int i = 0; i < 1000; ++i)
         hindi += "न";
-    std::string cut = PrepareText(hindi, VoiceCharset::Utf8).text;
+    for (const VoiceCharset charset : {VoiceCharset::kAscii, VoiceCharset::kUtf8}) {
+        const struct {
+            std::string text;
+            std::size_t shortest;
+            std::size_t longest;
+        } cases[] = {{std::string(100000, 'a'), 150, 260},
+                     {addresses, 440, 510},
+                     {clauses, 300, 340},
+                     {std::string(100000, '-') + "end", 3, 300}};
+        for (const auto& test : cases) {
+            TextUnits units(test.text, charset);
+            for (TextUnit unit; units.Next(unit);) {
+                EXPECT_LE(unit.text.size(), test.longest);
+                const bool isLast = unit.sourceEnd + 600 > test.text.size();
+                EXPECT_GE(unit.text.size(), isLast ? 1 : test.shortest);
+            }
+        }
+    }
+    std::string cut = PrepareText(hindi, VoiceCharset::kUtf8).text;
     std::erase(cut, '\n');
     EXPECT_EQ(cut, hindi) << "cut inside a character";
 }
 
-TEST(TextPreparation, FiveMegabytesTakeNoLongerThanLinear) {
+TEST(TextPreparation, AMegabyteTakesNoLongerThanLinear) {
     const auto seconds = [](const std::string& unit, std::size_t size) {
         std::string text;
         while (text.size() < size)
             text += unit;
         const std::clock_t start = std::clock();
-        EXPECT_LE(PrepareText(text, VoiceCharset::Ascii).text.size(), 12 * size + 100);
+        EXPECT_LE(PrepareText(text, VoiceCharset::kAscii).text.size(), 12 * size + 100);
         return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     };
     for (const std::string unit : {"It was the best of times. ", "é", "\n", " ", "!! ", "- ",
                                    "-- \n", "😀 ", "€", "²", "a 😀", "a- ", "\xE2\x80"}) {
-        const double half = seconds(unit, 1250000);
-        const double whole = seconds(unit, 5000000);
-        EXPECT_LT(whole, 8 * half + 0.5) << unit;
+        const double half = seconds(unit, 250000);
+        const double whole = seconds(unit, 1000000);
+        EXPECT_LT(whole, 8 * half + 0.2) << unit;
     }
 }
 

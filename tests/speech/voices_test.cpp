@@ -87,9 +87,9 @@ TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
 TEST(VoiceCharset, IsTheStatedOneOrAsKnown) {
     EXPECT_EQ(
         CharsetInDescription("(proclaim_voice 'x '((language italian)\n (coding ISO-8859-1)))"),
-        VoiceCharset::Latin1);
-    EXPECT_EQ(CharsetInDescription("   (coding utf-8)"), VoiceCharset::Utf8);
-    EXPECT_EQ(CharsetInDescription("(coding ISO-8859-15)"), VoiceCharset::Latin9);
+        VoiceCharset::kLatin1);
+    EXPECT_EQ(CharsetInDescription("   (coding utf-8)"), VoiceCharset::kUtf8);
+    EXPECT_EQ(CharsetInDescription("(coding ISO-8859-15)"), VoiceCharset::kLatin9);
     for (const char* none : {"", "(coding", "(coding )", "(coding KOI-7)", "(language english)"})
         EXPECT_EQ(CharsetInDescription(none), std::nullopt) << none;
 
@@ -100,11 +100,11 @@ TEST(VoiceCharset, IsTheStatedOneOrAsKnown) {
     const char* const root = std::getenv("LECTORA_ROOT");
     const std::string before = root ? root : "";
     ::setenv("LECTORA_ROOT", folder.Folder().c_str(), 1);
-    EXPECT_EQ(CharsetOfVoice("pl_ewa"), VoiceCharset::Latin2) << "installed description";
-    EXPECT_EQ(CharsetOfVoice("czech_ph"), VoiceCharset::Latin2) << "known voice";
-    EXPECT_EQ(CharsetOfVoice("hindi_NSK_diphone"), VoiceCharset::Utf8);
+    EXPECT_EQ(CharsetOfVoice("pl_ewa"), VoiceCharset::kLatin2) << "installed description";
+    EXPECT_EQ(CharsetOfVoice("czech_ph"), VoiceCharset::kLatin2) << "known voice";
+    EXPECT_EQ(CharsetOfVoice("hindi_NSK_diphone"), VoiceCharset::kUtf8);
     for (const char* english : {"kal_diphone", "", "No Voices Found", "../polish/pl_ewa"})
-        EXPECT_EQ(CharsetOfVoice(english), VoiceCharset::Ascii) << english;
+        EXPECT_EQ(CharsetOfVoice(english), VoiceCharset::kAscii) << english;
     ::setenv("LECTORA_ROOT", before.c_str(), 1);
 }
 

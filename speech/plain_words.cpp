@@ -1,0 +1,378 @@
+#include "speech/plain_words.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <array>
+
+#include "speech/character_tables.h"
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\n";
+// 256 letters in one run take the engine 0.1 s, 1,000 take 0.4 s and 5,000 take 5 s.
+constexpr std::size_t kMaxRun = 256;
+constexpr std::size_t kReadAhead = 1024;
+constexpr std::size_t kLookBack = 64;       // bytes that the rules may look back into
+constexpr std::size_t kLongStretch = 4096;  // of the text, with nothing kept
+constexpr std::size_t kMaxAmount = 40;
+constexpr int kMaxBlanks = 64;
+
+bool IsAsciiLetterOrDigit(char32_t character) {
+    return character < 0x80 && g_ascii_isalnum(static_cast<gchar>(character));
+}
+
+bool IsDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+bool IsBlank(char character) {
+    return kBlanks.find(character) != std::string_view::npos;
+}
+
+bool IsGreek(char32_t character) {
+    return character >= 0x0370 && character < 0x0400;
+}
+
+}  // namespace
+
+char32_t Utf8Reader::Next() {
+    const auto first = static_cast<unsigned char>(text_[at_]);
+    if (first < 0x80) {
+        ++at_;
+        return first;
+    }
+    const auto left = static_cast<gssize>(std::min<std::size_t>(text_.size() - at_, 4));
+    const gunichar character = g_utf8_get_char_validated(text_.data() + at_, left);
+    if (character == static_cast<gunichar>(-1) || character == static_cast<gunichar>(-2)) {
+        ++at_;
+        return 0;
+    }
+    at_ += static_cast<std::size_t>(g_unichar_to_utf8(character, nullptr));
+    return character;
+}
+
+char32_t Utf8Reader::Peek() const {
+    Utf8Reader ahead = *this;
+    return ahead.AtEnd() ? 0 : ahead.Next();
+}
+
+bool PlainWords::Next(PlainWord& word) {
+    Fill();
+    return TakeWord(word);
+}
+
+// Until a word and what follows it are there, however the following characters change it.
+void PlainWords::Fill() {
+    if (taken_ > 4 * kReadAhead) {
+        const std::size_t gone = taken_ - kLookBack;
+        out_.erase(0, gone);
+        sources_.erase(sources_.begin(), sources_.begin() + static_cast<std::ptrdiff_t>(gone));
+        taken_ -= gone;
+    }
+    if (skipsLongStretch_ && taken_ < out_.size())
+        return;
+    while (!reader_.AtEnd() && out_.size() - taken_ < kReadAhead) {
+        ReadCharacter();
+        if (skipsLongStretch_ || reader_.At() - keptEnd_ <= kLongStretch)
+            continue;
+        // Nobody waits for the end of it to hear what stands before.
+        Append('\n');
+        Append('\n');
+        skipsLongStretch_ = true;
+        return;
+    }
+}
+
+void PlainWords::ReadCharacter() {
+    const std::size_t before = out_.size();
+    characterBegin_ = reader_.At();
+    const char32_t character = reader_.Next();
+    if (character == 0)
+        return;
+    if (character < 0x80)
+        AddAscii(static_cast<char>(character));
+    else
+        AddOther(character);
+    previous_ = character;
+    for (std::size_t at = before; at < out_.size(); ++at)
+        sources_[at].end = reader_.At();
+}
+
+bool PlainWords::TakeWord(PlainWord& word) {
+    if (taken_ == out_.size())
+        return false;
+    const std::size_t first = std::min(out_.find_first_not_of(kBlanks, taken_), out_.size());
+    const std::size_t end = std::min(out_.find_first_of(kBlanks, first), out_.size());
+    const std::size_t length = LengthOfPiece(first, end);
+    word.gap.assign(out_, taken_, first - taken_);
+    word.text.assign(out_, first, length);
+    word.isCutFromRun = nextIsCutFromRun_;
+    nextIsCutFromRun_ = length < end - first;
+    if (length > 0) {
+        word.sourceBegin = sources_[first].begin;
+        word.sourceEnd = sources_[first + length - 1].end;
+    }
+    taken_ = first + length;
+    return true;
+}
+
+// Never in the middle of a character.
+std::size_t PlainWords::LengthOfPiece(std::size_t from, std::size_t end) const {
+    if (end - from <= kMaxRun)
+        return end - from;
+    std::size_t length = kMaxRun;
+    if (charset_ == VoiceCharset::kUtf8)
+        while (length > 1 && (static_cast<unsigned char>(out_[from + length]) & 0xC0U) == 0x80U)
+            --length;
+    return length;
+}
+
+void PlainWords::AddAscii(char character) {
+    if (character == '\r') {
+        if (reader_.Peek() != '\n')
+            Put('\n');
+    } else if (character == '\f' || character == '\v') {
+        Put('\n');
+    } else if ((character >= ' ' && character != 0x7F) || character == '\t' || character == '\n') {
+        Put(character);
+    }
+}
+
+void PlainWords::AddOther(char32_t character) {
+    if (const char* plain = PlainForm(character)) {
+        AddPlainForm(character, plain);
+    } else if (charset_ == VoiceCharset::kUtf8) {
+        AddUtf8(character);
+    } else if (g_unichar_ismark(character)) {
+        AddMark(character);
+    } else if (const int byte = ByteInCharset(character, charset_); byte >= 0) {
+        Put(static_cast<char>(byte));
+    } else if (charset_ != VoiceCharset::kAscii || !AddSign(character)) {
+        AddFolded(character);
+    }
+}
+
+void PlainWords::AddPlainForm(char32_t character, std::string_view plain) {
+    // A lone "-" is read without a pause, "--" with one.
+    const bool spacedDash =
+        character == 0x2013 && EndsInBlank() && g_unichar_isspace(reader_.Peek());
+    if (plain == "--" || spacedDash) {
+        AddWords("--");
+        return;
+    }
+    AddText(plain);
+    // "wait...what" would be read "wait dot dot dot what".
+    if (plain == "...")
+        blankBeforeWord_ = true;
+}
+
+void PlainWords::AddUtf8(char32_t character) {
+    switch (g_unichar_type(character)) {
+        case G_UNICODE_CONTROL:
+        case G_UNICODE_SURROGATE:
+        case G_UNICODE_PRIVATE_USE:
+        case G_UNICODE_UNASSIGNED:
+        case G_UNICODE_OTHER_SYMBOL:
+            Drop();
+            return;
+        default:
+            break;
+    }
+    std::array<char, 6> bytes;
+    const int length = g_unichar_to_utf8(character, bytes.data());
+    AddText(std::string_view(bytes.data(), static_cast<std::size_t>(length)));
+}
+
+// A mark joins the letter before it when the charset holds the two as one.
+void PlainWords::AddMark(char32_t mark) {
+    gunichar joined = 0;
+    if (charset_ == VoiceCharset::kAscii || out_.empty() ||
+        !g_unichar_compose(CharacterOfByte(static_cast<unsigned char>(out_.back()), charset_), mark,
+                           &joined))
+        return;
+    if (const int byte = ByteInCharset(joined, charset_); byte >= 0)
+        out_.back() = static_cast<char>(byte);
+}
+
+// Signs in words, for English voices; false when the character is none.
+bool PlainWords::AddSign(char32_t sign) {
+    if (const Currency* currency = FindCurrency(sign)) {
+        AddCurrency(*currency);
+    } else if (const char digit = SuperscriptDigit(sign); digit != '\0') {
+        AddSuperscript(digit);
+    } else if (const char* words = SpokenSign(sign)) {
+        if (g_unichar_type(sign) == G_UNICODE_OTHER_NUMBER && LastWordIsNumber())
+            AddWords("and");
+        AddWords(words);
+        AddDegreeScale(sign);
+    } else if (const char* name = GreekLetterName(sign)) {
+        // Said by name as a symbol, dropped as part of a Greek word.
+        if (IsGreek(previous_) || IsGreek(reader_.Peek()))
+            Drop();
+        else
+            AddWords(name);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void PlainWords::AddDegreeScale(char32_t sign) {
+    const std::string_view rest = reader_.Rest();
+    if (sign != 0x00B0 || rest.empty() || (rest[0] != 'C' && rest[0] != 'F') ||
+        (rest.size() > 1 && g_ascii_isalnum(rest[1])))
+        return;
+    AddWords(rest[0] == 'C' ? "Celsius" : "Fahrenheit");
+    reader_.Skip(1);
+}
+
+// The unit is said behind the amount: "5 euros", "2.50 pounds", "3 million yen".
+void PlainWords::AddCurrency(const Currency& currency) {
+    const std::string_view amount = AmountAhead();
+    if (!amount.empty()) {
+        AddWords(amount);
+        reader_.Skip(amount.size());
+        AddWords(amount == "1" ? currency.one : currency.many);
+    } else if (LastWordIsNumber()) {
+        AddWords(LastWord() == "1" ? currency.one : currency.many);
+    } else {
+        AddWords(currency.one);
+    }
+}
+
+// Digits with inner points and commas, and a scale word behind them.
+std::string_view PlainWords::AmountAhead() const {
+    const std::string_view rest = reader_.Rest();
+    std::size_t end = 0;
+    while (end < std::min(rest.size(), kMaxAmount) &&
+           (IsDigit(rest[end]) || (end > 0 && (rest[end] == '.' || rest[end] == ',') &&
+                                   end + 1 < rest.size() && IsDigit(rest[end + 1]))))
+        ++end;
+    if (end == 0)
+        return {};
+    for (const std::string_view scale : {" thousand", " million", " billion", " trillion"})
+        if (rest.substr(end, scale.size()) == scale &&
+            (end + scale.size() == rest.size() || !g_ascii_isalnum(rest[end + scale.size()])))
+            return rest.substr(0, end + scale.size());
+    return rest.substr(0, end);
+}
+
+void PlainWords::AddSuperscript(char digit) {
+    const bool continues = SuperscriptDigit(previous_) != '\0';
+    if (out_.empty() ||
+        (!IsAsciiLetterOrDigit(static_cast<unsigned char>(out_.back())) && out_.back() != ')'))
+        return;
+    const bool alone = SuperscriptDigit(reader_.Peek()) == '\0' && !continues;
+    if (alone && (digit == '2' || digit == '3')) {
+        AddWords(digit == '2' ? "squared" : "cubed");
+    } else if (continues) {
+        Put(digit);
+    } else if (IsDigit(out_.back())) {
+        AddWords("to the");
+        AddWords(std::string_view(&digit, 1));
+    }  // else the number of a footnote
+}
+
+void PlainWords::AddFolded(char32_t character) {
+    if (const char* letters = PlainLetters(character)) {
+        AddText(letters);
+        return;
+    }
+    std::array<gunichar, G_UNICHAR_MAX_DECOMPOSITION_LENGTH> parts;
+    const gsize count = g_unichar_fully_decompose(character, TRUE, parts.data(), parts.size());
+    bool added = false;
+    for (gsize i = 0; i < count && i < parts.size(); ++i)
+        added = AddPart(parts[i]) || added;
+    if (!added)
+        Drop();
+}
+
+bool PlainWords::AddPart(char32_t part) {
+    if (const char* plain = PlainForm(part)) {
+        AddText(plain);
+    } else if (const int byte = ByteInCharset(part, charset_); byte >= 0) {
+        Put(static_cast<char>(byte));
+    } else if (const char* letters = PlainLetters(part)) {
+        AddText(letters);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool PlainWords::EndsInBlank() const {
+    return !out_.empty() && g_ascii_isspace(out_.back());
+}
+
+std::string_view PlainWords::LastWord() const {
+    const std::size_t last = out_.find_last_not_of(' ');
+    if (last == std::string::npos)
+        return {};
+    const std::size_t limit = last > 32 ? last - 32 : 0;
+    std::size_t first = last + 1;
+    while (first > limit && !g_ascii_isspace(out_[first - 1]))
+        --first;
+    return std::string_view(out_).substr(first, last + 1 - first);
+}
+bool PlainWords::LastWordIsNumber() const {
+    const std::string_view word = LastWord();
+    return !word.empty() && IsDigit(word.back());
+}
+
+// What is left out parts words, but leaves no gap before punctuation.
+void PlainWords::Drop() {
+    if (!out_.empty() && IsAsciiLetterOrDigit(static_cast<unsigned char>(out_.back())))
+        blankBeforeWord_ = true;
+    dropped_ = true;
+}
+
+void PlainWords::AddWords(std::string_view words) {
+    if (words.empty())
+        return;
+    if (!out_.empty() && !EndsInBlank() &&
+        std::string_view("(\"'[/-").find(out_.back()) == std::string_view::npos)
+        Append(' ');
+    blankBeforeWord_ = false;
+    for (const char character : words)
+        Append(character);
+    blankBeforeWord_ = true;
+}
+
+void PlainWords::AddText(std::string_view text) {
+    for (const char character : text)
+        Put(character);
+}
+
+void PlainWords::Put(char character) {
+    const bool blank = character == ' ' || character == '\n' || character == '\t';
+    if (blankBeforeWord_ && !blank &&
+        std::string_view(".,:;!?)]}\"'-/%").find(character) == std::string_view::npos)
+        Append(' ');
+    blankBeforeWord_ = false;
+    if (dropped_ && std::string_view(".,:;!?").find(character) != std::string_view::npos)
+        while (out_.size() > taken_ && out_.back() == ' ')
+            RemoveLast();
+    dropped_ = dropped_ && blank;
+    Append(character);
+}
+
+void PlainWords::Append(char character) {
+    if (IsBlank(character)) {
+        // Of endless white space a little stands for all, an empty line in it counts.
+        if (blanks_ >= kMaxBlanks && (character != '\n' || blanks_ >= kMaxBlanks + 2))
+            return;
+        ++blanks_;
+    } else {
+        blanks_ = 0;
+        keptEnd_ = reader_.At();
+        skipsLongStretch_ = false;
+    }
+    out_ += character;
+    sources_.push_back({characterBegin_, reader_.At()});
+}
+
+void PlainWords::RemoveLast() {
+    out_.pop_back();
+    sources_.pop_back();
+}
