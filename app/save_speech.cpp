@@ -95,7 +95,7 @@ void CopySpeech(GtkWidget* parent, const LSoundSource& source, LSoundSink& sink)
     LPRSourceToSink request{"Saving File", source, sink};
     LProcessDialog<LPRSourceToSink> dialog("Saving File", request);
     dialog.Open(parent);
-    const int error = sink->WriteError();
+    const int error = sink->Finish();
     request.sink.Close();
     sink.Close();
     if (error != 0 || dialog.Result() == kProcessFailed)

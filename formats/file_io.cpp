@@ -28,6 +28,11 @@ UniqueFd OpenFileForWriting(const char* path, int* error) {
     return file;
 }
 
+int CloseFile(UniqueFd& file) {
+    // An interrupted close has closed.
+    return !file.IsOpen() || ::close(file.Release()) == 0 || errno == EINTR ? 0 : errno;
+}
+
 HeaderReader::HeaderReader(UniqueFd file)
     : file_(std::move(file)), buffer_(std::make_unique<std::uint8_t[]>(kBufferSize)) {
     if (file_.IsOpen())

@@ -13,6 +13,9 @@
 // *error then holds the errno; FIFOs and sockets are refused.
 UniqueFd OpenFileForWriting(const char* path, int* error);
 
+// Closes it; returns 0, or the errno of what was written before and is lost.
+int CloseFile(UniqueFd& file);
+
 inline std::uint16_t LoadLE16(const std::uint8_t* p) {
     return static_cast<std::uint16_t>(p[0] | p[1] << 8);
 }

@@ -54,9 +54,15 @@ FrameReader::Run FrameReader::Take(int frames) {
     if (used_ == filled_) {
         used_ = 0;
         filled_ = ReadFully(file_.Get(), buffer_.get(), capacity_, &readError_);
-        // A file that grows may end inside a frame for now; what follows must keep its channels.
-        if (const std::size_t torn = filled_ % frameBytes; torn != 0)
+        // A file that grows may end inside a frame for now, of which the rest comes with the next
+        // look. Whoever asks for the torn frame itself gets what there is, and what follows keeps
+        // its channels.
+        if (const std::size_t torn = filled_ % frameBytes; filled_ > frameBytes && torn != 0) {
+            filled_ -= torn;
+            ::lseek(file_.Get(), -static_cast<off_t>(torn), SEEK_CUR);
+        } else if (torn != 0) {
             ::lseek(file_.Get(), static_cast<off_t>(frameBytes - torn), SEEK_CUR);
+        }
     }
     const std::size_t wanted = static_cast<std::size_t>(frames) * frameBytes;
     const std::size_t bytes = std::min(wanted, filled_ - used_);
@@ -108,6 +114,10 @@ void FrameWriter::SeekForward(std::int64_t headerLength, int frame) {
 
 void FrameWriter::SeekTo(std::int64_t offset) {
     ::lseek(file_.Get(), offset, SEEK_SET);
+}
+
+int FrameWriter::Close() {
+    return CloseFile(file_);
 }
 
 std::int64_t FrameWriter::Offset() const {

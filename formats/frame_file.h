@@ -48,8 +48,10 @@ public:
     int Position() const { return position_; }
     int Length() const { return length_; }
     void SetLength(std::uint32_t dataBytes);
+    void SetFrames(int frames) { length_ = frames; }
     int FramesInFile() const;                     // whole frames behind the first one now
     int ReadError() const { return readError_; }  // errno of the last read that failed, else 0
+    void NoteReadError(int error) { readError_ = error; }
     int Descriptor() const { return file_.Get(); }
     std::int64_t DataStart() const { return dataStart_; }
 
@@ -106,6 +108,7 @@ public:
     // Moves to frame behind headerLength bytes, but not past the end of the file.
     void SeekForward(std::int64_t headerLength, int frame);
     void SeekTo(std::int64_t offset);
+    int Close();  // nothing is written from here on
     std::int64_t Offset() const;
     bool IsOpen() const { return file_.IsOpen(); }
     int OpenError() const { return openError_; }  // errno, 0 when open

@@ -36,10 +36,16 @@ LGSMFileSink::LGSMFileSink(const char* path) : LSoundSinkBase(kGsmRate, 1) {
 }
 
 LGSMFileSink::~LGSMFileSink() {
-    if (pendingCount_ == 0)
-        return;
-    std::fill(pending_ + pendingCount_, pending_ + kFrameSamples, 0);
-    WriteFrame(pending_);
+    Complete();
+}
+
+void LGSMFileSink::Complete() {
+    if (pendingCount_ > 0) {
+        std::fill(pending_ + pendingCount_, pending_ + kFrameSamples, 0);
+        WriteFrame(pending_);
+        pendingCount_ = 0;
+    }
+    NoteWriteError(CloseFile(file_));
 }
 
 void LGSMFileSink::Put(const unsigned char* bytes, std::size_t size) {

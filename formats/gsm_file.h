@@ -18,10 +18,12 @@ class LGSMFileSink final : public LSoundSinkBase {
 public:
     // Empties or creates the file; status 1 when it cannot be opened.
     explicit LGSMFileSink(const char* path);
-    // Pads a partial frame with silence and writes it.
     ~LGSMFileSink() override;
     void Write(const int* buffer, int frames) override;
     void WriteFrame(const int* samples160);  // not counted as written
+
+protected:
+    void Complete() override;  // pads a partial frame with silence and writes it
 
 private:
     void Put(const unsigned char* bytes, std::size_t size);

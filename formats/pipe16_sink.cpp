@@ -1,5 +1,7 @@
 #include "formats/pipe16_sink.h"
 
+#include <errno.h>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -15,7 +17,7 @@ LPipe16Sink::LPipe16Sink(const char* command, int rate, unsigned char channels)
 }
 
 LPipe16Sink::~LPipe16Sink() {
-    Finish();
+    Complete();
 }
 
 void LPipe16Sink::Write(const int* buffer, int frames) {
@@ -35,11 +37,12 @@ void LPipe16Sink::Write(const void* bytes, int length) {
         NoteWriteError(WriteFully(pipe_.Fd(), bytes, static_cast<std::size_t>(length)));
 }
 
-int LPipe16Sink::Finish() {
-    if (!isFinished_) {
-        isFinished_ = true;
-        block_.reset();
-        waitStatus_ = pipe_.Close();
-    }
-    return waitStatus_;
+void LPipe16Sink::Complete() {
+    if (isFinished_)
+        return;
+    isFinished_ = true;
+    block_.reset();
+    waitStatus_ = pipe_.Close();
+    if (waitStatus_ != 0)
+        NoteWriteError(EIO);
 }

@@ -13,14 +13,18 @@ class LPipe16Sink final : public LSoundSinkBase {
 public:
     // command is for the shell; status 1 when it cannot be started.
     LPipe16Sink(const char* command, int rate, unsigned char channels);
-    ~LPipe16Sink() override;  // as Finish
+    ~LPipe16Sink() override;
 
     void Write(const int* buffer, int frames) override;
     void Write(const void* bytes, int length);  // as they are; not counted as frames
 
-    // Ends the command's input and blocks until it has ended, by which time its output is whole.
-    // The command's wait status, -1 when there was none; later calls give the same.
-    int Finish();
+    // The wait status of the command once the sink is finished, -1 when there was none.
+    int WaitStatus() const { return waitStatus_; }
+
+protected:
+    // Ends the command's input and blocks until it has ended, by which time its output is whole. A
+    // command that fails is a write error of EIO.
+    void Complete() override;
 
 private:
     LPipeOut pipe_;

@@ -37,10 +37,15 @@ LRawFileDataSoundSinkBase::LRawFileDataSoundSinkBase(const char* path, int rate,
 }
 
 LRawFileDataSoundSinkBase::~LRawFileDataSoundSinkBase() {
+    LRawFileDataSoundSinkBase::Complete();
+}
+
+void LRawFileDataSoundSinkBase::Complete() {
     if (!writer_.IsOpen())
         return;
     writer_.SeekTo(0);
     writeHeader_(*this, true);
+    NoteWriteError(writer_.Close());
 }
 
 void LRawFileDataSoundSinkBase::Seek(int frame) {

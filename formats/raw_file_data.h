@@ -36,7 +36,7 @@ public:
 class LRawFileDataSoundSinkBase;
 
 // Writes a file's header at the current position and returns its length in bytes. Called when the
-// sink opens its file and, with final set, from offset 0 when the sink is destroyed.
+// sink opens its file and, with final set, from offset 0 when the sink is finished.
 using LHeaderWriter = int (*)(LRawFileDataSoundSinkBase& sink, bool final);
 
 int WriteHeaderRAW(LRawFileDataSoundSinkBase& sink, bool final);  // no header at all
@@ -57,6 +57,8 @@ public:
     std::uint32_t DataBytes(std::uint32_t overhead) const;
 
 protected:
+    void Complete() override;
+
     FrameWriter writer_;
 
 private:

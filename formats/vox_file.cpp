@@ -90,6 +90,14 @@ LSNKVOX::LSNKVOX(const char* path, int rate)
         NoteWriteError(errno);
 }
 
+LSNKVOX::~LSNKVOX() {
+    Complete();
+}
+
+void LSNKVOX::Complete() {
+    NoteWriteError(CloseFile(file_));
+}
+
 void LSNKVOX::Write(const int* buffer, int frames) {
     framesWritten_ = AddFrames(framesWritten_, frames);
     while (frames > 0) {

@@ -33,9 +33,13 @@ class LSNKVOX final : public LSoundSinkBase, private LVox {
 public:
     // Creates or empties the file. A failed open gives status 1.
     LSNKVOX(const char* path, int rate);
+    ~LSNKVOX() override;
 
     // Whole bytes go out; an odd sample waits for the next call, and is lost when there is none.
     void Write(const int* buffer, int frames) override;
+
+protected:
+    void Complete() override;
 
 private:
     void WriteBlock(const int* buffer, int frames);

@@ -22,10 +22,15 @@ LSNKPCMFileBase::LSNKPCMFileBase(const char* path, int rate, unsigned char chann
 }
 
 LSNKPCMFileBase::~LSNKPCMFileBase() {
+    LSNKPCMFileBase::Complete();
+}
+
+void LSNKPCMFileBase::Complete() {
     if (!writer_.IsOpen())
         return;
     writer_.SeekTo(0);
     WriteRIFF(true);
+    NoteWriteError(writer_.Close());
 }
 
 void LSNKPCMFileBase::Seek(int frame) {

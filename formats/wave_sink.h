@@ -1,5 +1,5 @@
 // Sinks that write PCM WAVE files. The 46-byte header says "unknown" in both size fields until the
-// sink is gone, so a file can be played while it grows.
+// sink is finished, so a file can be played while it grows.
 #pragma once
 
 #include "formats/frame_file.h"
@@ -22,6 +22,8 @@ public:
     void WriteRIFF(bool final);
 
 protected:
+    void Complete() override;
+
     FrameWriter writer_;
 
 private:

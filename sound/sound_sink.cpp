@@ -12,6 +12,11 @@ LSoundSinkBase::~LSoundSinkBase() = default;
 
 void LSoundSinkBase::Seek(int) {}
 
+int LSoundSinkBase::Finish() {
+    Complete();
+    return writeError_;
+}
+
 LSoundSinkError::LSoundSinkError() : LSoundSinkBase(44100, 1) {
     status_ = 1;
 }

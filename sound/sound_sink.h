@@ -22,11 +22,21 @@ public:
     unsigned char Channels() const { return channels_; }
     std::uint8_t Status() const { return status_; }  // 0 good, 1 placeholder or invalid format
 
+    // Completes the output (header rewritten, file closed, command ended) and tells whether it is
+    // whole: 0, or the errno of the first thing that went wrong since the sink was opened. Whatever
+    // is not finished so is completed by the destructor, which can report nothing. Later calls give
+    // the same, later writes go nowhere.
+    int Finish();
+
     // errno of the first write that the system refused or cut short, 0 when there was none. Write
-    // itself reports nothing, so programs ask here before they call an output whole.
+    // itself reports nothing.
     int WriteError() const { return writeError_; }
 
 protected:
+    // What Finish does for this kind of sink, problems through NoteWriteError. Called once or more;
+    // destructors of derived classes call it too.
+    virtual void Complete() {}
+
     void NoteWriteError(int error) {
         if (writeError_ == 0)
             writeError_ = error;

@@ -23,8 +23,10 @@ struct LPRSourceToSink {
 LSoundSource AdaptSourceToSink(const LSoundSource& source, const LSoundSinkBase& sink);
 
 // Runs on the calling thread. Done: every frame was handed to the sink. Stopped: the progress
-// object asked for it; the sink keeps what it got. Failed: source or sink is not usable, nothing
-// was written. Errors while writing are not seen here (see LSoundSinkBase::WriteError).
+// object asked for it; the sink keeps what it got. Failed: source or sink is not usable and nothing
+// was written, or the sink can write no more. Whether the output is whole is known once it is
+// finished (see LSoundSinkBase::Finish). A source that is still being produced is followed to its
+// end; the fraction stands still meanwhile, since nobody knows the whole.
 template <LProgress P>
 LProcessResult Process(P& progress, LPRSourceToSink& request) {
     if (progress.IsShown()) {
@@ -42,23 +44,36 @@ LProcessResult Process(P& progress, LPRSourceToSink& request) {
         source->Channels() != sink->Channels())
         return kProcessFailed;
 
-    std::int64_t remaining = std::int64_t{source->GetEndSample()} - source->GetPositionSample();
-    if (remaining < 1)
-        return kProcessDone;
-    const double step = kMaxBlockFrames / static_cast<double>(remaining);
+    constexpr int kWaitMilliseconds = 100;
+    const auto left = [&source] {
+        return std::int64_t{source->GetEndSample()} - source->GetPositionSample();
+    };
+    std::int64_t remaining = left();
+    bool isGrowing = source->IsStreaming();
+    const double step = isGrowing ? 0 : kMaxBlockFrames / static_cast<double>(remaining);
     double fraction = 0.0;
     std::vector<int> block(static_cast<std::size_t>(kMaxBlockFrames) * source->Channels());
-    while (true) {
+    while (remaining > 0 || isGrowing) {
         if (progress.IsToStop())
             return kProcessStopped;
+        if (isGrowing) {
+            isGrowing = source->IsStreaming();
+            remaining = left();
+        }
+        if (remaining < 1) {
+            if (isGrowing)
+                source->WaitForStreamingData(kWaitMilliseconds);
+            continue;
+        }
         const int frames = static_cast<int>(std::min<std::int64_t>(remaining, kMaxBlockFrames));
         source->Read(block.data(), frames);
         sink->Write(block.data(), frames);
+        if (sink->WriteError() != 0)
+            return kProcessFailed;
         if (progress.IsShown())
             progress.SetFraction(fraction);
         remaining -= frames;
-        if (remaining < 1)
-            return kProcessDone;
         fraction += step;
     }
+    return kProcessDone;
 }

@@ -8,7 +8,6 @@
 #include "formats/au_file.h"
 #include "formats/gsm_file.h"
 #include "formats/mp3_sink.h"
-#include "formats/pipe16_sink.h"
 #include "formats/raw_file.h"
 #include "formats/wave_file.h"
 #include "tools/sound_input.h"
@@ -200,16 +199,10 @@ LProcessResult SoundOutput::Judge(LProcessResult result) {
 
 bool SoundOutput::FinishSink() {
     const long long expected = ExpectedSize(sink_->FramesWritten());
-    int status = 0;
-    if (auto* pipe = dynamic_cast<LPipe16Sink*>(sink_.Get()))
-        status = pipe->Finish();
-    const int error = sink_->WriteError();
+    const int error = sink_->Finish();
     sink_.Close();
     if (error != 0)
-        return Fail(ErrorText(error));
-    if (status != 0)
-        return Fail("the MP3 encoder failed");
-    // The last bytes are written while closing, where nothing can be asked any more.
+        return Fail(choice_.type == SoundType::Mp3 ? "the MP3 encoder failed" : ErrorText(error));
     if (!file_.IsDevice() && file_.Size() < expected)
         return Fail("could not be written whole");
     return true;

@@ -21,28 +21,6 @@ struct OutputChoice {
 // What is contradictory about a choice, empty when nothing is.
 std::string ProblemWith(const OutputChoice& choice);
 
-// Progress of a run that also ends when its sink can write no more.
-template <LProgress P>
-class WriteErrorStops {
-public:
-    WriteErrorStops(P& inner, const LSoundSink& sink) : inner_(inner), sink_(sink) {}
-    bool IsShown() const { return inner_.IsShown(); }
-    void SetFirstLabel(const char* text) { inner_.SetFirstLabel(text); }
-    void SetSecondLabel(const char* text) { inner_.SetSecondLabel(text); }
-    void SetFraction(double fraction) { inner_.SetFraction(fraction); }
-    bool IsToStop() { return inner_.IsToStop() || sink_->WriteError() != 0; }
-    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) {
-        return inner_.ProcessWaitSignal(signal, milliseconds);
-    }
-    LProcessResult ProcessWait(unsigned int milliseconds) {
-        return inner_.ProcessWait(milliseconds);
-    }
-
-private:
-    P& inner_;
-    const LSoundSink& sink_;
-};
-
 // One output, to which one or more sources are written one after the other.
 class SoundOutput {
 public:
@@ -61,8 +39,7 @@ public:
         if (!Prepare(source, request))
             return kProcessFailed;
         request.title = title;
-        WriteErrorStops watched(progress, request.sink);
-        return Judge(Process(watched, request));
+        return Judge(Process(progress, request));
     }
 
     // Finishes the file and gives it its name, if it is whole; Error() tells otherwise.

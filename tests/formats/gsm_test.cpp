@@ -354,7 +354,7 @@ TEST_F(GsmTest, WhatCannotBeOpenedOrWrittenIsNoticed) {
     LSoundSink full = LGSMFile::OpenSink("/dev/full");
     EXPECT_EQ(full->Status(), 0);
     full->Write(std::vector<int>(160).data(), 160);
-    EXPECT_EQ(full->WriteError(), ENOSPC);
+    EXPECT_EQ(full->Finish(), ENOSPC);
 }
 
 }  // namespace

@@ -98,7 +98,7 @@ TEST_F(RowFiles, RawSettingsOfAnyKindAreSurvived) {
                   ENOENT);
         LSoundSink full = LRawFile::OpenSink("/dev/full", {8000, 1, codec});
         WriteAll(full, TestSignal(64));
-        EXPECT_EQ(full->WriteError(), ENOSPC) << codec;
+        EXPECT_EQ(full->Finish(), ENOSPC) << codec;
         for (const int rate : {0, INT_MIN, INT_MAX}) {
             const LSoundSource odd = LRawFile::OpenSource(path.c_str(), {rate, 255, codec});
             EXPECT_EQ(odd->Status(), rate > 0 ? kGood : kInvalidFormat) << codec;

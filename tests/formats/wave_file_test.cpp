@@ -316,7 +316,7 @@ TEST_F(WaveFile, SinksThatCannotWriteSaySo) {
     EXPECT_EQ(LWaveFile::OpenSinkPCM(fifo.c_str(), 8000, 1, 16, 0)->Status(), 1);
     LSoundSink full = LWaveFile::OpenSinkPCM("/dev/full", 8000, 1, 16, 0);
     WriteAll(full, TestSignal(100));
-    EXPECT_EQ(full->WriteError(), ENOSPC);
+    EXPECT_EQ(full->Finish(), ENOSPC);
     EXPECT_EQ(full->FramesWritten(), 100);
     const std::string path = Path("x.wav");
     EXPECT_EQ(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 24, 0)->Status(), 1);

@@ -73,6 +73,21 @@ TEST(SourceToSinkTest, CancelKeepsWhatWasWritten) {
     }
 }
 
+TEST(SourceToSinkTest, FollowsAStreamingSourceAndEndsWithASinkThatCanWriteNoMore) {
+    const std::vector<int> samples = RandomSamples(20000, 1000, 4);
+    for (const bool isFull : {false, true}) {
+        auto* source = new MemorySource(samples, 8000);
+        source->SetStreaming(0, 3000);
+        TestRun run(source, 8000, 1);
+        if (isFull)
+            run.sink->FailWrites(ENOSPC);
+        EXPECT_EQ(Process(run.progress, run.request), isFull ? kProcessFailed : kProcessDone);
+        EXPECT_EQ(run.sink->Finish(), isFull ? ENOSPC : 0);
+        EXPECT_EQ(run.sink->FramesWritten(), isFull ? 3000 : 20000);
+        EXPECT_EQ(run.sink->samples == samples, !isFull);
+    }
+}
+
 TEST(SourceToSinkTest, UnusableEndsFailAndEmptySourcesAreDone) {
     struct Case {
         std::uint8_t sourceStatus;
