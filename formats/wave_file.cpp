@@ -94,6 +94,10 @@ bool ReadFmtOf(const char* path, FmtChunk& fmt) {
 }  // namespace
 
 LSoundSource LWaveFile::OpenSource(const char* path) {
+    return OpenFollowingSource(path, LSignalObjectRef());
+}
+
+LSoundSource LWaveFile::OpenFollowingSource(const char* path, LSignalObjectRef interrupt) {
     HeaderReader file(OpenFileForReading(path));
     if (!file.IsOpen())
         return Failed(SoundStatus::kCannotOpen);
@@ -108,8 +112,10 @@ LSoundSource LWaveFile::OpenSource(const char* path) {
     const auto rate = static_cast<int>(format.nSamplesPerSec);
     const auto channels = static_cast<unsigned char>(format.nChannels);
     if (format.wBitsPerSample <= 8)
-        return LSoundSource(new LSRCPCMFile<LSFU8>(file.Finish(), rate, channels, dataBytes));
-    return LSoundSource(new LSRCPCMFile<LSF16>(file.Finish(), rate, channels, dataBytes));
+        return LSoundSource(
+            new LSRCPCMFile<LSFU8>(file.Finish(), rate, channels, dataBytes, interrupt));
+    return LSoundSource(
+        new LSRCPCMFile<LSF16>(file.Finish(), rate, channels, dataBytes, interrupt));
 }
 
 LSoundSink LWaveFile::OpenSink(const char* path, const LWaveFileFormat& format) {

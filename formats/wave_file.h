@@ -2,6 +2,7 @@
 #pragma once
 
 #include "formats/wave_format.h"
+#include "foundation/signal_object.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 
@@ -9,8 +10,10 @@ class LWaveFile {
 public:
     // A good source, or a placeholder with status 3 (malformed), 4 (cannot be opened) or 5 (not
     // PCM, or over 16 bits). A file still being written (size fields 0xFFFFFFFF) opens as a
-    // streaming source.
+    // streaming source, which follows it until its writer has finished or is gone.
     static LSoundSource OpenSource(const char* path);
+    // The same; when interrupt, which outlives the source, is signalled, a wait for more data ends.
+    static LSoundSource OpenFollowingSource(const char* path, LSignalObjectRef interrupt);
 
     // PCM only: every other tag, GSM 6.10 included, yields a placeholder, and the options dialog
     // relies on that to make saving in such a format fail.
