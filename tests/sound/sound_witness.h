@@ -36,7 +36,7 @@ struct FilterTable {
 };
 
 inline FilterTable FilterTableFromScript(int inputRate, int outputRate, bool wideBand) {
-    const auto script = std::filesystem::path(__FILE__).parent_path() / "filter_table.py";
+    const auto script = std::filesystem::path(SOUND_TESTS_FOLDER) / "filter_table.py";
     std::ostringstream command;
     command << "python3 '" << script.string() << "' " << inputRate << ' ' << outputRate << ' '
             << (wideBand ? 1 : 0);
