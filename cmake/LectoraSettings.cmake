@@ -11,6 +11,7 @@ find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0 gthread-2.0)
 pkg_check_modules(GTK2 REQUIRED IMPORTED_TARGET gtk+-2.0 x11)
+pkg_check_modules(SOUNDTOUCH REQUIRED IMPORTED_TARGET soundtouch)
 pkg_check_modules(ALSA REQUIRED IMPORTED_TARGET alsa)
 
 add_library(lectora_options INTERFACE)

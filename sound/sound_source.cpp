@@ -21,6 +21,10 @@ LSoundSourceBase::~LSoundSourceBase() = default;
 
 void LSoundSourceBase::Seek(int) {}
 
+int LSoundSourceBase::ReadableFrames() const {
+    return std::max(0, GetEndSample() - GetPositionSample());
+}
+
 bool LSoundSourceBase::IsStreaming() const {
     return false;
 }

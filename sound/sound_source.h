@@ -38,6 +38,9 @@ public:
     virtual int GetPositionSample() const = 0;  // frames; negative while in a lead-in of silence
     virtual int GetEndSample() const = 0;       // frames
     virtual void Seek(int frame);
+    // Frames that Read can deliver before it runs past what is there. More or fewer than from
+    // position to end where a source plays faster or slower than its own time.
+    virtual int ReadableFrames() const;
     // True while the end is not yet known because data is still being produced.
     virtual bool IsStreaming() const;
     // Blocks until more data may be available; the base just sleeps.

@@ -1,0 +1,105 @@
+#include "sound/tempo.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "tests/sound/sound_witness.h"
+#include "tests/support/memory_sound.h"
+
+namespace {
+
+constexpr int kRate = 16000;
+constexpr int kFrames = 10 * kRate;
+
+struct Heard {
+    std::vector<int> samples;
+    std::vector<int> positions;  // of the source before each block of kBlock frames
+};
+constexpr int kBlock = 400;
+
+// What a player does: never asks for more than is there, and waits where a source grows.
+Heard Play(LTempoSource& source) {
+    Heard heard;
+    for (int idle = 0; idle < 1000;) {
+        const int readable = source.ReadableFrames();
+        if (readable < 1 && !source.IsStreaming())
+            break;
+        if (readable < 1) {
+            source.WaitForStreamingData(1);
+            ++idle;
+            continue;
+        }
+        heard.positions.push_back(source.GetPositionSample());
+        std::vector<int> block(static_cast<std::size_t>(std::min(kBlock, readable)));
+        source.Read(block.data(), static_cast<int>(block.size()));
+        heard.samples.insert(heard.samples.end(), block.begin(), block.end());
+    }
+    heard.positions.push_back(source.GetPositionSample());
+    return heard;
+}
+
+// A tone that steps up each second, so that a place in the text is known by its pitch.
+std::vector<int> Scale() {
+    std::vector<int> samples;
+    double phase = 0;
+    for (int i = 0; i < kFrames; ++i) {
+        phase += 2 * std::numbers::pi * (200 + 50 * (i / kRate)) / kRate;
+        samples.push_back(static_cast<int>(300000 * std::sin(phase)));
+    }
+    return samples;
+}
+
+TEST(TempoTest, TimeFollowsTheTempoAndPitchDoesNot) {
+    for (const int percent : {50, 80, 150, 200, 300}) {
+        for (const bool grows : {false, true}) {
+            auto* inner = new MemorySource(Scale(), kRate);
+            if (grows)
+                inner->SetStreaming(0, 3000);
+            const LSoundSource handle(inner);
+            auto tempo = std::make_shared<LTempo>();
+            tempo->Set(percent);
+            LTempoSource source(handle, tempo);
+            const Heard heard = Play(source);
+            EXPECT_NEAR(static_cast<double>(heard.samples.size()), kFrames * 100.0 / percent,
+                        0.05 * kRate)
+                << percent << grows;
+            EXPECT_EQ(heard.positions.back(), kFrames) << percent << grows;
+            // Half a second into each second of the text its own tone is heard, and nothing of the
+            // neighbours.
+            for (int second = 0; second < 10; ++second) {
+                const auto at = static_cast<std::size_t>((second + 0.5) * kRate * 100 / percent);
+                const std::vector<int> here(heard.samples.begin() + static_cast<long>(at) - 1600,
+                                            heard.samples.begin() + static_cast<long>(at) + 1600);
+                EXPECT_GT(AmplitudeAt(here, (200.0 + 50 * second) / kRate), 250000)
+                    << percent << grows << second;
+                // ... when the source says that it stands there.
+                const auto block = at / kBlock;
+                if (!grows) {
+                    EXPECT_NEAR(heard.positions[block], (second + 0.5) * kRate, 0.06 * kRate)
+                        << percent << second;
+                }
+            }
+        }
+    }
+}
+
+TEST(TempoTest, OwnTempoPassesUnchangedAndChangesAreHeardAtOnce) {
+    const std::vector<int> samples = Scale();
+    auto tempo = std::make_shared<LTempo>();
+    const LSoundSource handle(new MemorySource(samples, kRate));
+    LTempoSource source(handle, tempo);
+    std::vector<int> block(4000);
+    source.Read(block.data(), 4000);
+    EXPECT_TRUE(std::equal(block.begin(), block.end(), samples.begin()));
+    tempo->Set(1000);
+    source.Read(block.data(), 4000);
+    EXPECT_NEAR(source.GetPositionSample(), 4000 + 3 * 4000, 0.1 * kRate);
+    tempo->Set(LTempo::kOwnPercent);
+    source.Seek(20000);
+    source.Read(block.data(), 4000);
+    EXPECT_TRUE(std::equal(block.begin(), block.end(), samples.begin() + 20000));
+}
+
+}  // namespace
