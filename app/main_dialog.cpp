@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
-#include "app/loaded_text.h"
 #include "app/save_speech.h"
 #include "app/start_up.h"
+#include "documents/document.h"
 #include "foundation/browser.h"
 #include "foundation/child_process.h"
 #include "foundation/file.h"
@@ -308,10 +308,12 @@ void MainDialog::CmOpenFile() {
 }
 
 bool MainDialog::LoadFile(const char* path) {
-    LStringLongTemplate<char> bytes;
-    if (!LoadText(path, bytes))
+    const Document document = LoadDocument(path);
+    if (!document.problem.empty()) {
+        SetStatusText(document.problem.c_str());
         return false;
-    SetEditText(kTextBox, TextForDisplay(bytes.View()).c_str());
+    }
+    SetEditText(kTextBox, document.text.c_str());
     return true;
 }
 

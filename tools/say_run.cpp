@@ -2,7 +2,6 @@
 
 #include <errno.h>
 #include <stdlib.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "documents/document.h"
 #include "formats/wave_file.h"
 #include "foundation/text_buffer.h"
 #include "foundation/text_file.h"
@@ -75,18 +75,17 @@ std::string ReadStandardInput(std::string& text) {
 
 // Why the text cannot be read, or empty.
 std::string ReadText(const std::string& path, std::string& text) {
-    if (path.empty())
-        return ReadStandardInput(text);
-    LStringLongTemplate<char> loaded;
-    errno = 0;
-    if (!LoadText(path.c_str(), loaded)) {
-        struct stat info;
-        if (::stat(path.c_str(), &info) != 0)
-            return ErrorText(errno);
-        return S_ISREG(info.st_mode) ? "cannot be read" : "is not a regular file";
+    Document document;
+    if (path.empty()) {
+        std::string bytes;
+        if (std::string problem = ReadStandardInput(bytes); !problem.empty())
+            return problem;
+        document = ReadDocument(bytes, IsInterrupted);
+    } else {
+        document = LoadDocument(path.c_str(), IsInterrupted);
     }
-    text = std::move(loaded.Storage());
-    return "";
+    text = std::move(document.text);
+    return std::move(document.problem);
 }
 
 // Position in the list of voices, -1 when there is no such voice.
@@ -127,7 +126,6 @@ public:
     std::string Speak(std::string text) {
         if (!output_.Error().empty())
             return OutputProblem();
-        std::replace(text.begin(), text.end(), '\0', ' ');
         std::string_view rest = text;
         bool hasSpoken = false;
         while (!rest.empty()) {

@@ -21,6 +21,7 @@ MAY_INCLUDE = {
     "foundation/dialogs": ["foundation", "gui"],
     "formats/dialogs": ["formats", "sound", "gui", "foundation", "foundation/dialogs"],
     "speech": ["formats", "sound", "foundation"],
+    "documents": ["foundation"],
     "speech/dialogs": ["speech", "formats", "sound", "gui", "foundation"],
     "playback": ["formats", "sound", "gui", "foundation", "foundation/gdk"],
     "playback/dialogs": ["playback", "formats", "sound", "gui", "foundation", "foundation/gdk"],
@@ -31,6 +32,7 @@ MAY_INCLUDE = {
         "playback/dialogs",
         "speech",
         "speech/dialogs",
+        "documents",
         "formats",
         "formats/dialogs",
         "gui",
@@ -39,9 +41,9 @@ MAY_INCLUDE = {
         "foundation/gdk",
         "foundation/dialogs",
     ],
-    "tools": ["speech", "formats", "sound", "foundation"],
+    "tools": ["speech", "documents", "formats", "sound", "foundation"],
     "bench": ["tools", "speech", "formats", "sound", "foundation", "gui", "playback"],
-    "fuzz": ["speech", "formats", "sound", "foundation"],
+    "fuzz": ["documents", "speech", "formats", "sound", "foundation"],
     "tests/support": ["sound", "foundation"],
 }
 # Libraries by the start of their headers -> the folders that may see them.

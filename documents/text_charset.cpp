@@ -1,0 +1,140 @@
+#include "documents/text_charset.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace {
+
+constexpr std::string_view kReplacement = "\xef\xbf\xbd";
+// A text with fewer valid multi-byte characters for each bad byte has them by chance.
+constexpr std::size_t kBadBytesPerCharacter = 10;
+
+// 0x80 to 0x9F of Windows-1252; the others are those of Unicode. 0 where it has none.
+constexpr std::array<char16_t, 32> kWindows1252 = {
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178,
+};
+
+void AppendCharacter(std::string& text, char32_t character) {
+    std::array<char, 6> bytes;
+    const int length = g_unichar_to_utf8(character == 0 ? U' ' : character, bytes.data());
+    text.append(bytes.data(), static_cast<std::size_t>(length));
+}
+
+void AppendWindows1252(std::string& text, unsigned char byte) {
+    const char32_t character = byte >= 0x80 && byte < 0xA0 ? kWindows1252[byte - 0x80U] : byte;
+    if (character == 0 && byte != 0)
+        text += kReplacement;
+    else
+        AppendCharacter(text, character);
+}
+
+// Half a pair of surrogates, and half a unit at the end, become U+FFFD.
+std::string FromUtf16(std::string_view bytes, bool isBigEndian) {
+    const auto unitAt = [bytes, isBigEndian](std::size_t at) {
+        const auto first = static_cast<unsigned char>(bytes[at]);
+        const auto second = static_cast<unsigned char>(bytes[at + 1]);
+        return static_cast<char32_t>(isBigEndian ? first << 8 | second : second << 8 | first);
+    };
+    std::string text;
+    text.reserve(bytes.size());
+    std::size_t at = 0;
+    while (at + 1 < bytes.size()) {
+        const char32_t unit = unitAt(at);
+        at += 2;
+        if (unit < 0xD800 || unit > 0xDFFF) {
+            AppendCharacter(text, unit);
+            continue;
+        }
+        const char32_t low = unit < 0xDC00 && at + 1 < bytes.size() ? unitAt(at) : 0;
+        if (low >= 0xDC00 && low <= 0xDFFF) {
+            AppendCharacter(text, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
+            at += 2;
+        } else {
+            text += kReplacement;
+        }
+    }
+    if (at < bytes.size())
+        text += kReplacement;
+    return text;
+}
+
+// Western text in UTF-16 has a NUL in nearly every other byte, on one side.
+bool LooksLikeUtf16(std::string_view bytes, bool isBigEndian) {
+    const std::size_t units = std::min<std::size_t>(bytes.size(), 4096) / 2;
+    std::size_t highNuls = 0;
+    std::size_t lowNuls = 0;
+    for (std::size_t unit = 0; unit < units; ++unit) {
+        const std::size_t high = 2 * unit + (isBigEndian ? 0 : 1);
+        highNuls += bytes[high] == '\0' ? 1U : 0U;
+        lowNuls += bytes[high ^ 1U] == '\0' ? 1U : 0U;
+    }
+    return units > 1 && highNuls * 5 > units * 2 && lowNuls * 20 <= units;
+}
+
+struct Utf8Step {
+    std::size_t length;
+    enum class Kind { kCharacter, kBroken, kForeign } kind;
+};
+
+// What stands at the beginning of the bytes.
+Utf8Step NextStep(std::string_view bytes) {
+    const auto first = static_cast<unsigned char>(bytes[0]);
+    if (first < 0x80)
+        return {1, Utf8Step::Kind::kCharacter};
+    const auto left = static_cast<gssize>(std::min<std::size_t>(bytes.size(), 4));
+    const gunichar character = g_utf8_get_char_validated(bytes.data(), left);
+    if (character < 0x110000)
+        return {static_cast<std::size_t>(g_unichar_to_utf8(character, nullptr)),
+                Utf8Step::Kind::kCharacter};
+    const std::size_t expected = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC2 ? 2 : 1;
+    std::size_t length = 1;
+    while (length < std::min(expected, bytes.size()) &&
+           (static_cast<unsigned char>(bytes[length]) & 0xC0U) == 0x80U)
+        ++length;
+    const bool isCut = length > 1 || (expected > 1 && bytes.size() == 1);
+    return {length, isCut ? Utf8Step::Kind::kBroken : Utf8Step::Kind::kForeign};
+}
+
+std::string FromUtf8(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size());
+    std::size_t characters = 0;
+    std::size_t badBytes = 0;
+    for (std::size_t at = 0; at < bytes.size();) {
+        const Utf8Step step = NextStep(bytes.substr(at, 4));
+        if (step.kind == Utf8Step::Kind::kCharacter) {
+            text += bytes[at] == '\0' ? std::string_view(" ") : bytes.substr(at, step.length);
+            characters += step.length > 1 ? 1U : 0U;
+        } else {
+            badBytes += step.length;
+            if (step.kind == Utf8Step::Kind::kBroken)
+                text += kReplacement;
+            else
+                AppendWindows1252(text, static_cast<unsigned char>(bytes[at]));
+        }
+        at += step.length;
+    }
+    if (badBytes <= characters * kBadBytesPerCharacter)
+        return text;
+    text.clear();
+    for (const char byte : bytes)
+        AppendWindows1252(text, static_cast<unsigned char>(byte));
+    return text;
+}
+
+}  // namespace
+
+std::string DecodeText(std::string_view bytes) {
+    if (bytes.starts_with("\xef\xbb\xbf"))
+        bytes.remove_prefix(3);
+    else if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff"))
+        return FromUtf16(bytes.substr(2), bytes[0] == '\xfe');
+    else if (LooksLikeUtf16(bytes, false) || LooksLikeUtf16(bytes, true))
+        return FromUtf16(bytes, LooksLikeUtf16(bytes, true));
+    return FromUtf8(bytes);
+}
