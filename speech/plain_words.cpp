@@ -15,8 +15,8 @@ constexpr std::size_t kMaxRun = 256;
 constexpr std::size_t kReadAhead = 1024;
 constexpr std::size_t kLookBack = 64;       // bytes that the rules may look back into
 constexpr std::size_t kLongStretch = 4096;  // of the text, with nothing kept
-constexpr std::size_t kMaxAmount = 40;
 constexpr int kMaxBlanks = 64;
+constexpr char32_t kMinusSign = 0x2212;
 
 bool IsAsciiLetterOrDigit(char32_t character) {
     return character < 0x80 && g_ascii_isalnum(static_cast<gchar>(character));
@@ -28,10 +28,6 @@ bool IsDigit(char character) {
 
 bool IsBlank(char character) {
     return kBlanks.find(character) != std::string_view::npos;
-}
-
-bool IsGreek(char32_t character) {
-    return character >= 0x0370 && character < 0x0400;
 }
 
 }  // namespace
@@ -140,7 +136,9 @@ void PlainWords::AddAscii(char character) {
 }
 
 void PlainWords::AddOther(char32_t character) {
-    if (const char* plain = PlainForm(character)) {
+    if (charset_ == VoiceCharset::kAscii && character == kMinusSign) {
+        AddMinus();
+    } else if (const char* plain = PlainForm(character)) {
         AddPlainForm(character, plain);
     } else if (charset_ == VoiceCharset::kUtf8) {
         AddUtf8(character);
@@ -193,85 +191,6 @@ void PlainWords::AddMark(char32_t mark) {
         return;
     if (const int byte = ByteInCharset(joined, charset_); byte >= 0)
         out_.back() = static_cast<char>(byte);
-}
-
-// Signs in words, for English voices; false when the character is none.
-bool PlainWords::AddSign(char32_t sign) {
-    if (const Currency* currency = FindCurrency(sign)) {
-        AddCurrency(*currency);
-    } else if (const char digit = SuperscriptDigit(sign); digit != '\0') {
-        AddSuperscript(digit);
-    } else if (const char* words = SpokenSign(sign)) {
-        if (g_unichar_type(sign) == G_UNICODE_OTHER_NUMBER && LastWordIsNumber())
-            AddWords("and");
-        AddWords(words);
-        AddDegreeScale(sign);
-    } else if (const char* name = GreekLetterName(sign)) {
-        // Said by name as a symbol, dropped as part of a Greek word.
-        if (IsGreek(previous_) || IsGreek(reader_.Peek()))
-            Drop();
-        else
-            AddWords(name);
-    } else {
-        return false;
-    }
-    return true;
-}
-
-void PlainWords::AddDegreeScale(char32_t sign) {
-    const std::string_view rest = reader_.Rest();
-    if (sign != 0x00B0 || rest.empty() || (rest[0] != 'C' && rest[0] != 'F') ||
-        (rest.size() > 1 && g_ascii_isalnum(rest[1])))
-        return;
-    AddWords(rest[0] == 'C' ? "Celsius" : "Fahrenheit");
-    reader_.Skip(1);
-}
-
-// The unit is said behind the amount: "5 euros", "2.50 pounds", "3 million yen".
-void PlainWords::AddCurrency(const Currency& currency) {
-    const std::string_view amount = AmountAhead();
-    if (!amount.empty()) {
-        AddWords(amount);
-        reader_.Skip(amount.size());
-        AddWords(amount == "1" ? currency.one : currency.many);
-    } else if (LastWordIsNumber()) {
-        AddWords(LastWord() == "1" ? currency.one : currency.many);
-    } else {
-        AddWords(currency.one);
-    }
-}
-
-// Digits with inner points and commas, and a scale word behind them.
-std::string_view PlainWords::AmountAhead() const {
-    const std::string_view rest = reader_.Rest();
-    std::size_t end = 0;
-    while (end < std::min(rest.size(), kMaxAmount) &&
-           (IsDigit(rest[end]) || (end > 0 && (rest[end] == '.' || rest[end] == ',') &&
-                                   end + 1 < rest.size() && IsDigit(rest[end + 1]))))
-        ++end;
-    if (end == 0)
-        return {};
-    for (const std::string_view scale : {" thousand", " million", " billion", " trillion"})
-        if (rest.substr(end, scale.size()) == scale &&
-            (end + scale.size() == rest.size() || !g_ascii_isalnum(rest[end + scale.size()])))
-            return rest.substr(0, end + scale.size());
-    return rest.substr(0, end);
-}
-
-void PlainWords::AddSuperscript(char digit) {
-    const bool continues = SuperscriptDigit(previous_) != '\0';
-    if (out_.empty() ||
-        (!IsAsciiLetterOrDigit(static_cast<unsigned char>(out_.back())) && out_.back() != ')'))
-        return;
-    const bool alone = SuperscriptDigit(reader_.Peek()) == '\0' && !continues;
-    if (alone && (digit == '2' || digit == '3')) {
-        AddWords(digit == '2' ? "squared" : "cubed");
-    } else if (continues) {
-        Put(digit);
-    } else if (IsDigit(out_.back())) {
-        AddWords("to the");
-        AddWords(std::string_view(&digit, 1));
-    }  // else the number of a footnote
 }
 
 void PlainWords::AddFolded(char32_t character) {

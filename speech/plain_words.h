@@ -64,10 +64,12 @@ private:
     void AddUtf8(char32_t character);
     void AddMark(char32_t mark);
     bool AddSign(char32_t sign);
-    void AddDegreeScale(char32_t sign);
+    void AddDegreeScale();
+    void AddMinus();
     void AddCurrency(const struct Currency& currency);
-    std::string_view AmountAhead() const;
-    void AddSuperscript(char digit);
+    bool AddAmountAhead(const struct Currency& currency, std::size_t blank);
+    void AddExponent(char32_t first);
+    bool StandsBehindNumber() const;
     void AddFolded(char32_t character);
     bool AddPart(char32_t part);
 

@@ -71,6 +71,15 @@ TEST(TextPreparation, EnglishVoicesGetAsciiWithAccentsFoldedAndSignsInWords) {
            {"arithmetic", "5×3 ≤ 16 ± 1", "5 times 3 less than or equal to 16 plus or minus 1"},
            {"powers and footnotes", "10 m², 10⁶, E=mc²; word¹ H₂O",
             "10 m squared, 10 to the 6, E=mc squared; word H2O"},
+           {"signed and long powers", "10⁻⁶ m, 9.8 m s⁻², 2¹⁰ (a+b)³ x⁴",
+            "10 to the minus 6 m, 9.8 m s to the minus 2, 2 to the 10 (a+b) cubed x to the 4"},
+           {"footnotes", "word¹², claim¹⁰ said² ⁵", "word, claim said "},
+           {"minus", "5 − 3, x − y, −4 °C; so − he",
+            "5 minus 3, x minus y, minus 4 degrees Celsius; so - he"},
+           {"amounts in short", "€3bn, £250k; € 5 or ¥1.5m. € 1, 5k, £3by",
+            "3 billion euros, 250 thousand pounds; 5 euros or 1.5 million yen. 1 euro, 5k, 3 "
+            "pounds by"},
+           {"ohms", "5 Ω, 1 Ω, 10kΩ, 2 kΩ; Ω", "5 ohms, 1 ohm, 10k ohms, 2 k ohms; omega"},
            {"Greek symbol, Greek word", "π is 3; Αθήνα is far", "pi is 3;  is far"},
            {"trade", "© 2020 Foo™", "copyright 2020 Foo trademark"},
            {"nothing stands for it", "I❤you 😀. Привет, friend", "I you., friend"}});
