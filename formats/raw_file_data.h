@@ -16,7 +16,9 @@ public:
     int GetEndSample() const override;
     void Seek(int frame) override;
     int ReadError() const override { return reader_.ReadError(); }
-    int FramesInFile() const { return reader_.FramesInFile(); }  // that are really there by now
+    int FramesMissing() const override {
+        return std::max(GetEndSample() - reader_.FramesInFile(), 0);
+    }
 
 protected:
     FrameReader reader_;

@@ -21,7 +21,9 @@ public:
     // ESTALE also when the file turned out to be cut or rewritten while it was followed; what is
     // there of it then is the whole.
     int ReadError() const override { return reader_.ReadError(); }
-    int FramesInFile() const { return reader_.FramesInFile(); }  // that are really there by now
+    int FramesMissing() const override {
+        return std::max(GetEndSample() - reader_.FramesInFile(), 0);
+    }
     // Changes only within GetEndSample and WaitForStreamingData, so the two agree.
     bool IsStreaming() const override { return reader_.Length() == kUnknownLength; }
     // Until there is another end than GetEndSample told last. Sleeps until the file changes.

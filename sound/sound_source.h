@@ -50,6 +50,10 @@ public:
     // then, so programs ask here before they call what they read whole.
     virtual int ReadError() const { return readError_; }
 
+    // Frames that the source was said to have, by its header mostly, and that are not there: more
+    // than 0 when a file was cut short.
+    virtual int FramesMissing() const { return 0; }
+
     int SampleRate() const { return sampleRate_; }
     int PeakMagnitude() const { return peakMagnitude_; }
     unsigned char Channels() const { return channels_; }

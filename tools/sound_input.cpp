@@ -45,15 +45,6 @@ std::string StatusProblem(const SoundInput& input) {
     }
 }
 
-int FramesMissing(const LSoundSourceBase& source) {
-    int present = source.GetEndSample();
-    if (const auto* wave = dynamic_cast<const LSRCPCMFileBase*>(&source))
-        present = wave->FramesInFile();
-    else if (const auto* rows = dynamic_cast<const LRawFileDataSoundSourceBase*>(&source))
-        present = rows->FramesInFile();
-    return std::max(source.GetEndSample() - present, 0);
-}
-
 LSoundSource OpenHeaderless(const std::string& path, const RawReading& raw, SoundInput& input) {
     const bool isPlainRaw = input.type == SoundType::Raw;
     input.encoding =
@@ -105,7 +96,7 @@ SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
     if (!input.error.empty())
         return input;
     input.file = input.source;
-    input.missingFrames = FramesMissing(*input.source);
+    input.missingFrames = input.source->FramesMissing();
     return input;
 }
 
@@ -121,7 +112,7 @@ std::string RateProblem(const SoundInput& input) {
 std::string ReadingProblem(const SoundInput& input) {
     if (input.file->ReadError() != 0)
         return ErrorText(input.file->ReadError());
-    return FramesMissing(*input.file) > input.missingFrames ? "was cut short while it was read"
+    return input.file->FramesMissing() > input.missingFrames ? "was cut short while it was read"
                                                             : "";
 }
 
