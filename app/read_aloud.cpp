@@ -50,7 +50,7 @@ void ReadAloud::Start(GtkWidget* parent, const char* text, int voice) {
     const LSoundSource source = LWaveFile::OpenSource(path.c_str());
     if (source->Status() != SoundStatus::kGood) {
         MessageBoxRun(parent_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Synthesize Voice",
-                      SynthesisMessage(SynthesisOutcome::NoSound).c_str(), "");
+                      SynthesisMessage(SynthesisOutcome::kNoSound).c_str(), "");
         return;
     }
     length_ = LSoundTime::FromFrames(source->GetEndSample(), source->SampleRate());

@@ -1,7 +1,7 @@
 #include "speech/synthesis.h"
 
-#include <fcntl.h>
 #include <pthread.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -9,7 +9,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
+#include <mutex>
 #include <utility>
 
 #include "formats/wave_file.h"
@@ -17,7 +17,7 @@
 #include "foundation/file.h"
 #include "foundation/text_buffer.h"
 #include "foundation/text_file.h"
-#include "foundation/unique_fd.h"
+#include "speech/run_files.h"
 #include "speech/text_preparation.h"
 #include "speech/voice_charset.h"
 #include "speech/voices.h"
@@ -27,14 +27,6 @@ namespace {
 constexpr const char* kTemporaryFolder = "/tmp/";
 constexpr std::size_t kMaxCommand = 260;
 constexpr unsigned long kFullDiskBytes = 65536;  // fewer free bytes count as a full disk
-
-// Creates a private file from a pattern that ends in XXXXXX and `suffix`; empty when that is
-// refused.
-std::string MakeTemporaryFile(std::string pattern, std::string_view suffix) {
-    pattern += suffix;
-    const UniqueFd file(::mkostemps(pattern.data(), static_cast<int>(suffix.size()), O_CLOEXEC));
-    return file.IsOpen() ? pattern : std::string();
-}
 
 std::string FolderOf(std::string_view path) {
     const std::size_t slash = path.rfind('/');
@@ -52,36 +44,26 @@ long long FileSize(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 ? static_cast<long long>(status.st_size) : -1;
 }
 
-// The header's frame count is written last; a disk that fills leaves fewer bytes than it announces.
-bool IsShorterThanAnnounced(const std::string& path, int frames) {
-    WAVEFORMATEX* format = nullptr;
-    if (!LGetWaveFormatEx(path.c_str(), &format))
-        return true;
-    const long long announced = static_cast<long long>(frames) * format->nBlockAlign;
-    FreeWaveFormatEx(format);
-    return FileSize(path) < announced;
-}
-
 }  // namespace
 
 std::string SynthesisMessage(SynthesisOutcome outcome) {
     switch (outcome) {
-        case SynthesisOutcome::Spoken:
-        case SynthesisOutcome::Stopped:
+        case SynthesisOutcome::kSpoken:
+        case SynthesisOutcome::kStopped:
             return {};
-        case SynthesisOutcome::TimedOut:
+        case SynthesisOutcome::kTimedOut:
             return "The speech engine did not finish within 20 seconds. Please try a shorter text.";
-        case SynthesisOutcome::NothingToSay:
+        case SynthesisOutcome::kNothingToSay:
             return "There is nothing in this text that the chosen voice can speak.";
-        case SynthesisOutcome::EngineMissing:
+        case SynthesisOutcome::kEngineMissing:
             return "The speech engine is not installed: the program \"text2wave\" was not found.";
-        case SynthesisOutcome::CannotStart:
+        case SynthesisOutcome::kCannotStart:
             return "The speech engine could not be started: the system is out of resources.";
-        case SynthesisOutcome::NoSound:
+        case SynthesisOutcome::kNoSound:
             return "The speech engine produced no sound for this text.";
-        case SynthesisOutcome::Incomplete:
+        case SynthesisOutcome::kIncomplete:
             return "The speech engine stopped before the end of the text.";
-        case SynthesisOutcome::CannotWrite:
+        case SynthesisOutcome::kCannotWrite:
             return "The speech could not be written: the disk is full or the folder is not "
                    "writable.";
     }
@@ -113,16 +95,47 @@ std::string SynthesisCommand(std::string_view voice, std::string_view textPath,
 // Worker and waiter each hold a reference; whoever is last frees it.
 struct SynthesisRun::Record {
     std::string command;
-    std::string soundPath;
     LSignalObject finished;  // by the worker: the command has ended
-    LSignalObject released;  // by the waiter: it needs the files no longer
     std::atomic<int> result{1};
-    std::atomic<bool> abandoned{false};
+
+    void RunEngine();  // on the worker, until the engine has ended
+    void KillEngine();
+
+private:
+    std::mutex mutex_;
+    pid_t engine_ = -1;  // leads its process group; -1 while it does not run
+    bool isUnwanted_ = false;
 };
+
+void SynthesisRun::Record::RunEngine() {
+    LChildStreams streams;
+    streams.emptyInput = true;
+    streams.ownGroup = true;
+    LChildProcess engine;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (!isUnwanted_)
+            engine = LChildProcess::StartShell(command.c_str(), streams);
+        engine_ = engine.Pid();
+    }
+    result.store(engine.IsStarted() ? kProcessDone : kProcessFailed);
+    engine.Wait();
+    const std::lock_guard<std::mutex> lock(mutex_);
+    engine_ = -1;
+}
+
+void SynthesisRun::Record::KillEngine() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    isUnwanted_ = true;
+    if (engine_ > 0)
+        ::kill(-engine_, SIGKILL);
+}
 
 SynthesisRun::SynthesisRun(LTTS& request) : request_(request) {}
 
-SynthesisRun::~SynthesisRun() = default;
+SynthesisRun::~SynthesisRun() {
+    End();
+}
 
 LSignalObjectRef SynthesisRun::Finished() const {
     return record_->finished.Ref();
@@ -133,26 +146,33 @@ bool SynthesisRun::Start() {
     TTSGetDictSpeakerName(request_.voice, voice);
     const PreparedText prepared = PrepareText(request_.text, CharsetOfVoice(voice));
     if (!prepared.hasWords) {
-        request_.outcome = SynthesisOutcome::NothingToSay;
+        request_.outcome = SynthesisOutcome::kNothingToSay;
         return false;
     }
+    return StartPrepared(prepared.text);
+}
+
+bool SynthesisRun::StartPrepared(std::string_view text) {
+    char voice[kTextBufferSize];
+    TTSGetDictSpeakerName(request_.voice, voice);
+    RemoveFilesOfDeadRuns(FolderOf(request_.outputPath));
     std::string command;
-    if (!WriteText(prepared.text) || !ChooseCommand(voice, command)) {
-        request_.outcome = SynthesisOutcome::CannotWrite;
+    if (!WriteText(text) || !ChooseCommand(voice, command)) {
+        request_.outcome = SynthesisOutcome::kCannotWrite;
         return false;
     }
     if (!StartWorker(std::move(command))) {
-        request_.outcome = SynthesisOutcome::CannotStart;
+        request_.outcome = SynthesisOutcome::kCannotStart;
         return false;
     }
     return true;
 }
 
-bool SynthesisRun::WriteText(const std::string& text) {
-    textPath_ = MakeTemporaryFile(std::string(kTemporaryFolder) + "0XXXXXX", "");
+bool SynthesisRun::WriteText(std::string_view text) {
+    textPath_ = MakeRunTextFile();
     if (textPath_.empty())
         return false;
-    SaveText(textPath_.c_str(), text.c_str());
+    SaveText(textPath_.c_str(), std::string(text).c_str());
     return FileSize(textPath_) == static_cast<long long>(text.size());
 }
 
@@ -161,7 +181,7 @@ bool SynthesisRun::WriteText(const std::string& text) {
 bool SynthesisRun::ChooseCommand(std::string_view voice, std::string& command) {
     for (const std::string& folder :
          {FolderOf(request_.outputPath), std::string(kTemporaryFolder)}) {
-        soundPath_ = MakeTemporaryFile(folder + ".speechXXXXXX", ".wav");
+        soundPath_ = MakeRunSoundFile(folder, textPath_);
         if (soundPath_.empty())
             return false;
         command = SynthesisCommand(voice, textPath_, soundPath_);
@@ -175,11 +195,7 @@ bool SynthesisRun::ChooseCommand(std::string_view voice, std::string& command) {
 
 bool SynthesisRun::StartWorker(std::string command) {
     record_ = std::make_shared<Record>();
-    // The text file goes when the waiter gives up: the shell then removes the sound that nobody
-    // will fetch, also when this program has ended by that time.
-    record_->command = std::move(command) + "; test -e " + ShellWord(textPath_) + " || rm -f " +
-                       ShellWord(soundPath_);
-    record_->soundPath = soundPath_;
+    record_->command = std::move(command);
     auto* const share = new std::shared_ptr<Record>(record_);
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
@@ -198,39 +214,42 @@ bool SynthesisRun::StartWorker(std::string command) {
 void* SynthesisRun::ProcessRunThreadCallback(void* share) {
     const std::shared_ptr<Record> record = *static_cast<std::shared_ptr<Record>*>(share);
     delete static_cast<std::shared_ptr<Record>*>(share);
-    const int status = RunShellCommand(record->command.c_str());
-    record->result.store(status < 0 ? kProcessFailed : kProcessDone);
+    record->RunEngine();
     record->finished.Signal();
-    record->released.Ref().WaitSignalForever();
-    if (record->abandoned.load())
-        ::unlink(record->soundPath.c_str());
     return nullptr;
 }
 
 LProcessResult SynthesisRun::Finish(LProcessResult waited) {
     if (record_) {
         if (waited == kProcessStopped)
-            request_.outcome = SynthesisOutcome::Stopped;
+            request_.outcome = SynthesisOutcome::kStopped;
         else if (waited == kProcessFailed)
-            request_.outcome = SynthesisOutcome::TimedOut;
+            request_.outcome = SynthesisOutcome::kTimedOut;
         else if (record_->result.load() == kProcessFailed)
-            request_.outcome = SynthesisOutcome::CannotStart;
+            request_.outcome = SynthesisOutcome::kCannotStart;
         else
             request_.outcome = Judge();
-        record_->abandoned.store(waited != kProcessDone);
-        record_->released.Signal();
     }
-    if (!soundPath_.empty() && (!record_ || waited == kProcessDone))
-        ::unlink(soundPath_.c_str());
-    if (!textPath_.empty())
-        ::unlink(textPath_.c_str());
-    if (request_.outcome == SynthesisOutcome::Spoken)
+    End();
+    if (request_.outcome == SynthesisOutcome::kSpoken)
         request_.result = kProcessDone;
     else
         request_.result =
-            request_.outcome == SynthesisOutcome::Stopped ? kProcessStopped : kProcessFailed;
+            request_.outcome == SynthesisOutcome::kStopped ? kProcessStopped : kProcessFailed;
     request_.done.Signal();
     return request_.result;
+}
+
+// A killed engine opens no file any more, so its files can go at once.
+void SynthesisRun::End() {
+    if (record_)
+        record_->KillEngine();
+    record_.reset();
+    for (std::string* path : {&soundPath_, &textPath_}) {
+        if (!path->empty())
+            ::unlink(path->c_str());
+        path->clear();
+    }
 }
 
 // By the file alone: the engine exits with 0 when it crashed half-way, found no voice or filled the
@@ -240,14 +259,15 @@ SynthesisOutcome SynthesisRun::Judge() const {
     const int frames = sound->GetEndSample();
     if (sound->Status() != SoundStatus::kGood || frames < 1) {
         if (!IsProgramInstalled("text2wave"))
-            return SynthesisOutcome::EngineMissing;
-        return IsDiskFull(FolderOf(soundPath_)) ? SynthesisOutcome::CannotWrite
-                                                : SynthesisOutcome::NoSound;
+            return SynthesisOutcome::kEngineMissing;
+        return IsDiskFull(FolderOf(soundPath_)) ? SynthesisOutcome::kCannotWrite
+                                                : SynthesisOutcome::kNoSound;
     }
-    if (IsShorterThanAnnounced(soundPath_, frames))
-        return IsDiskFull(FolderOf(soundPath_)) ? SynthesisOutcome::CannotWrite
-                                                : SynthesisOutcome::Incomplete;
-    return Deliver() ? SynthesisOutcome::Spoken : SynthesisOutcome::CannotWrite;
+    // The header's frame count is written last; a disk that fills leaves fewer frames than that.
+    if (sound->FramesMissing() > 0)
+        return IsDiskFull(FolderOf(soundPath_)) ? SynthesisOutcome::kCannotWrite
+                                                : SynthesisOutcome::kIncomplete;
+    return Deliver() ? SynthesisOutcome::kSpoken : SynthesisOutcome::kCannotWrite;
 }
 
 bool SynthesisRun::Deliver() const {

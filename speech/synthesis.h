@@ -1,10 +1,9 @@
 // One run of the speech engine: a text becomes a WAV file.
 //
 // Threads: the caller waits (its progress object decides how); a detached worker runs and reaps the
-// engine. A waiter that gives up leaves worker and engine running. Each run therefore writes to a
-// file of its own beside the output path, which is renamed onto it only when the run succeeded in
-// time: an engine that was left behind never writes into the file of a later run, and its own file
-// goes when it ends.
+// engine. A waiter that gives up has the engine killed with all that it started, and an engine dies
+// with this program. Each run writes to a file of its own beside the output path, which is renamed
+// onto it only when the run succeeded: the output is always whole.
 #pragma once
 
 #include <memory>
@@ -18,18 +17,18 @@
 constexpr unsigned int kSynthesisTimeoutMilliseconds = 20000;
 
 enum class SynthesisOutcome {
-    Spoken,
-    Stopped,  // by the user
-    TimedOut,
-    NothingToSay,  // the text holds nothing that can be said; the engine was not started
-    EngineMissing,
-    CannotStart,  // the system has no room for another process or thread
-    NoSound,      // the engine ended without a single sample
-    Incomplete,   // the engine ended before all that it announced was there
-    CannotWrite,  // the text or the sound could not be written
+    kSpoken,
+    kStopped,  // by the user
+    kTimedOut,
+    kNothingToSay,  // the text holds nothing that can be said; the engine was not started
+    kEngineMissing,
+    kCannotStart,  // the system has no room for another process or thread
+    kNoSound,      // the engine ended without a single sample
+    kIncomplete,   // the engine ended before all that it announced was there
+    kCannotWrite,  // the text or the sound could not be written
 };
 
-// One plain sentence for the user; empty for Spoken and Stopped.
+// One plain sentence for the user; empty for kSpoken and kStopped.
 std::string SynthesisMessage(SynthesisOutcome outcome);
 
 // A request. The texts are borrowed and outlive the run.
@@ -40,7 +39,7 @@ struct LTTS {
     unsigned char flag = 1;  // always 1
     LSignalObject done;      // signalled when the run has ended, well or not
     LProcessResult result = kProcessFailed;
-    SynthesisOutcome outcome = SynthesisOutcome::NoSound;
+    SynthesisOutcome outcome = SynthesisOutcome::kNoSound;
 };
 
 // The word as the shell reads it back: quoted when it holds anything but A-Z a-z 0-9 _ . / -
@@ -54,12 +53,14 @@ std::string SynthesisCommand(std::string_view voice, std::string_view textPath,
 class SynthesisRun {
 public:
     explicit SynthesisRun(LTTS& request);
-    ~SynthesisRun();
+    ~SynthesisRun();  // a run that was not finished is ended
     SynthesisRun(const SynthesisRun&) = delete;
     SynthesisRun& operator=(const SynthesisRun&) = delete;
 
     // False: the engine was not started and the request's outcome says why; Finish is still due.
     bool Start();
+    // The same for a text that the voice can take as it stands, instead of the request's.
+    bool StartPrepared(std::string_view text);
     LSignalObjectRef Finished() const;  // after a good Start only
     // Judges the run, stores result and outcome in the request, signals it done and removes the
     // temporary files.
@@ -69,11 +70,12 @@ private:
     struct Record;  // shared with the worker
 
     static void* ProcessRunThreadCallback(void* record);
-    bool WriteText(const std::string& text);
+    bool WriteText(std::string_view text);
     bool ChooseCommand(std::string_view voice, std::string& command);
     bool StartWorker(std::string command);
     SynthesisOutcome Judge() const;
     bool Deliver() const;
+    void End();
 
     LTTS& request_;
     std::string textPath_;   // empty when there is no such file

@@ -37,7 +37,7 @@ LTTSSoundSource::LTTSSoundSource(const char* text, int voice)
         Join();
         outcome_ = request_.outcome;
     } else {
-        outcome_ = SynthesisOutcome::TimedOut;
+        outcome_ = SynthesisOutcome::kTimedOut;
     }
     OpenInner();
 }

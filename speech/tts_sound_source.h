@@ -37,7 +37,7 @@ private:
 
     std::string text_;
     LTTS request_;
-    SynthesisOutcome outcome_ = SynthesisOutcome::CannotWrite;
+    SynthesisOutcome outcome_ = SynthesisOutcome::kCannotWrite;
     LSoundSource inner_;
     char path_[kTextBufferSize] = "";
 };

@@ -1,60 +1,35 @@
 #include "speech/voices.h"
 
-#include <signal.h>
 #include <sys/ioctl.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <mutex>
 #include <thread>
 
-#include "foundation/file_io.h"
 #include "foundation/pipes.h"
 #include "foundation/text_buffer.h"
+#include "speech/engine_input.h"
 
 namespace {
 
-constexpr std::string_view kListCommand = "(voice.list)\n";
 constexpr std::string_view kPrompt = "festival>";
 constexpr int kMaxPolls = 11;
 constexpr std::chrono::milliseconds kPollInterval(100);
 
+std::mutex gTableMutex;
+
+// gTableMutex held.
 std::vector<std::string>& VoiceTable() {
     static std::vector<std::string> table;
     return table;
 }
 
-// Keeps a write to an engine that has gone from ending this program.
-class BrokenPipeGuard {
-public:
-    BrokenPipeGuard() {
-        sigemptyset(&brokenPipe_);
-        sigaddset(&brokenPipe_, SIGPIPE);
-        sigset_t pending;
-        sigpending(&pending);
-        wasPending_ = sigismember(&pending, SIGPIPE) == 1;
-        pthread_sigmask(SIG_BLOCK, &brokenPipe_, &before_);
-    }
-    BrokenPipeGuard(const BrokenPipeGuard&) = delete;
-    BrokenPipeGuard& operator=(const BrokenPipeGuard&) = delete;
-    ~BrokenPipeGuard() {
-        const timespec now{};
-        if (!wasPending_)
-            sigtimedwait(&brokenPipe_, nullptr, &now);
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    }
-
-private:
-    sigset_t brokenPipe_;
-    sigset_t before_;
-    bool wasPending_;
-};
-
-void WriteUnlessGone(int fd, std::string_view text) {
-    const BrokenPipeGuard guard;
-    WriteFully(fd, text);  // an engine that has gone may have answered all the same
+int CountVoices() {
+    const std::lock_guard<std::mutex> lock(gTableMutex);
+    return static_cast<int>(VoiceTable().size());
 }
 
 int WaitingBytes(int fd) {
@@ -109,23 +84,31 @@ std::vector<std::string> ParseVoiceList(std::string_view reply) {
     return names;
 }
 
+void KeepVoices(std::vector<std::string> names) {
+    const std::lock_guard<std::mutex> lock(gTableMutex);
+    if (VoiceTable().empty())
+        VoiceTable() = std::move(names);
+}
+
+bool AreVoicesKnown() {
+    return CountVoices() > 0;
+}
+
 int TTSGetNumSpeakers() {
-    std::vector<std::string>& table = VoiceTable();
-    if (table.empty()) {
-        // The shell would tell only on its standard error; this saves the wait for a reply.
-        if (!IsProgramInstalled("festival"))
-            return 0;
-        LPipeInOut engine;
-        if (!engine._Open("festival -i"))
-            return 0;
-        WriteUnlessGone(engine.WriteFd(), kListCommand);
-        if (const int size = AwaitReply(engine.ReadFd()); size > 0)
-            table = ParseVoiceList(ReadExactly(engine.ReadFd(), size));
-        // An engine that answers leaves at the end of its input; one that hangs would stay.
-        else
-            engine.Kill();
-    }
-    return static_cast<int>(table.size());
+    // The shell would tell of a missing program only on its standard error; looking first saves the
+    // wait for a reply.
+    if (AreVoicesKnown() || !IsProgramInstalled("festival"))
+        return CountVoices();
+    LPipeInOut engine;
+    if (!engine._Open("festival -i"))
+        return CountVoices();
+    WriteToEngine(engine.WriteFd(), kVoiceListCommand);
+    if (const int size = AwaitReply(engine.ReadFd()); size > 0)
+        KeepVoices(ParseVoiceList(ReadExactly(engine.ReadFd(), size)));
+    // An engine that answers leaves at the end of its input; one that hangs would stay.
+    else
+        engine.Kill();
+    return CountVoices();
 }
 
 void TTSGetDictSpeakerName(int index, char* out) {
@@ -135,5 +118,6 @@ void TTSGetDictSpeakerName(int index, char* out) {
         return;
     }
     const int clamped = std::clamp(index, 0, count - 1);
+    const std::lock_guard<std::mutex> lock(gTableMutex);
     CopyText(out, kTextBufferSize, VoiceTable()[static_cast<std::size_t>(clamped)]);
 }

@@ -14,6 +14,7 @@
 #include "foundation/text_buffer.h"
 #include "foundation/text_file.h"
 #include "speech/synthesis.h"
+#include "speech/voice_list_query.h"
 #include "speech/voices.h"
 #include "tools/interruption.h"
 #include "tools/sound_output.h"
@@ -102,6 +103,16 @@ int FindVoice(const SayOptions& options, int count) {
     return ParseNumber(options.voice->c_str(), 0, count - 1, index) ? index : -1;
 }
 
+// How many there are; 0 when there are none, which has been told.
+int AskForVoices() {
+    LTerminalProgress progress;
+    VoiceListQuery query;
+    const LProcessResult asked = Process(progress, query);
+    if (asked == kProcessFailed)
+        Complain(kProgram, "no speech engine answers: is festival installed, with a voice?");
+    return asked == kProcessDone ? TTSGetNumSpeakers() : 0;
+}
+
 int ListVoices(int count) {
     for (int i = 0; i < count; i++) {
         char name[kTextBufferSize];
@@ -132,19 +143,19 @@ public:
             ShowShare(text.size() - rest.size(), text.size());
             const std::size_t length = PieceLength(rest, sizer_.Limit());
             const SynthesisOutcome outcome = SpeakPiece(std::string(rest.substr(0, length)));
-            if (outcome == SynthesisOutcome::TimedOut && sizer_.Shorten())
+            if (outcome == SynthesisOutcome::kTimedOut && sizer_.Shorten())
                 continue;
-            if (outcome == SynthesisOutcome::Stopped)
+            if (outcome == SynthesisOutcome::kStopped)
                 return subject_ + ": stopped";
-            if (outcome == SynthesisOutcome::Spoken && !AppendPiece())
+            if (outcome == SynthesisOutcome::kSpoken && !AppendPiece())
                 return OutputProblem();
-            if (outcome != SynthesisOutcome::Spoken && outcome != SynthesisOutcome::NothingToSay)
+            if (outcome != SynthesisOutcome::kSpoken && outcome != SynthesisOutcome::kNothingToSay)
                 return subject_ + ": " + SynthesisMessage(outcome);
-            hasSpoken |= outcome == SynthesisOutcome::Spoken;
+            hasSpoken |= outcome == SynthesisOutcome::kSpoken;
             rest.remove_prefix(length);
         }
         if (!hasSpoken)
-            return subject_ + ": " + SynthesisMessage(SynthesisOutcome::NothingToSay);
+            return subject_ + ": " + SynthesisMessage(SynthesisOutcome::kNothingToSay);
         return output_.Commit() ? "" : OutputProblem();
     }
 
@@ -162,11 +173,11 @@ private:
         request.voice = voice_;
         const auto start = std::chrono::steady_clock::now();
         Process(progress_, request);
-        if (request.outcome == SynthesisOutcome::Spoken)
+        if (request.outcome == SynthesisOutcome::kSpoken)
             sizer_.Took(
                 std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
         // A terminal interrupts the engine as well, which then fails before the wait here ends.
-        return IsInterrupted() ? SynthesisOutcome::Stopped : request.outcome;
+        return IsInterrupted() ? SynthesisOutcome::kStopped : request.outcome;
     }
 
     bool AppendPiece() {
@@ -199,11 +210,9 @@ int SayOne(const SayJob& job, int voice, bool overwrite, const WorkFolder& folde
 }  // namespace
 
 int RunSay(const SayOptions& options) {
-    const int count = TTSGetNumSpeakers();
-    if (count == 0) {
-        Complain(kProgram, "no speech engine answers: is festival installed, with a voice?");
+    const int count = AskForVoices();
+    if (count == 0)
         return kExitFailed;
-    }
     if (options.listsVoices)
         return ListVoices(count);
     const int voice = FindVoice(options, count);

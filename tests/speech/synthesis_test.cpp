@@ -3,29 +3,41 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <thread>
 
 #include "foundation/child_process.h"
+#include "speech/run_files.h"
 #include "speech/text_preparation.h"
 #include "speech/tts_sound_source.h"
+#include "speech/voice_list_query.h"
 #include "tests/speech/fake_engine.h"
 
 namespace {
 
-// Gives up early, or as if the user had cancelled.
+template <typename Condition>
+bool Eventually(Condition condition) {
+    for (int i = 0; i < 2000 && !condition(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return condition();
+}
+
+// Gives up once the engine is at work, or cancels as the user would; without a condition it waits
+// for the engine.
 class ImpatientProgress : public LSilentProgress {
 public:
-    explicit ImpatientProgress(unsigned int patience, bool cancel = false)
-        : patience_(patience), cancel_(cancel) {}
+    explicit ImpatientProgress(std::function<bool()> isEnough = {}, bool cancel = false)
+        : isEnough_(std::move(isEnough)), cancel_(cancel) {}
     LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) {
         EXPECT_EQ(milliseconds, 20000U);
-        if (signal.WaitSignal(patience_))
-            return kProcessDone;
+        if (!isEnough_)
+            return LSilentProgress::ProcessWaitSignal(signal, milliseconds);
+        EXPECT_TRUE(Eventually(isEnough_));
         return cancel_ ? kProcessStopped : kProcessFailed;
     }
 
 private:
-    unsigned int patience_;  // milliseconds
+    std::function<bool()> isEnough_;
     bool cancel_;
 };
 
@@ -34,7 +46,7 @@ struct Request {
         tts.text = text_.c_str();
         tts.outputPath = output_.c_str();
     }
-    SynthesisOutcome Run(ImpatientProgress progress = ImpatientProgress(5000)) {
+    SynthesisOutcome Run(ImpatientProgress progress = ImpatientProgress()) {
         const LProcessResult result = Process(progress, tts);
         EXPECT_EQ(result, tts.result);
         EXPECT_TRUE(tts.done.Ref().IsSignaled());
@@ -53,13 +65,6 @@ std::size_t FilesLike(const std::string& folder, const std::string& beginning) {
     return count;
 }
 
-template <typename Condition>
-bool Eventually(Condition condition) {
-    for (int i = 0; i < 500 && !condition(); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return condition();
-}
-
 std::size_t OpenDescriptors() {
     return FilesLike("/proc/self/fd", "");
 }
@@ -71,7 +76,7 @@ TEST(Synthesis, HandsThePreparedTextToTheEngineAndDeliversItsFile) {
         const std::string output = engine.Folder() + "/" + folder;
         std::filesystem::create_directory(output);
         Request request("It’s a café.\n----\nYes", output + "/speech.wav");
-        EXPECT_EQ(request.Run(), SynthesisOutcome::Spoken) << folder;
+        EXPECT_EQ(request.Run(), SynthesisOutcome::kSpoken) << folder;
         EXPECT_EQ(ReadFile(output + "/speech.wav"), ReadFile(engine.Folder() + "/good.wav"));
         EXPECT_EQ(ReadFile(engine.Folder() + "/heard"), "It's a cafe.\n\nYes");
         EXPECT_EQ(ReadFile(engine.Folder() + "/voice"), "(voice_one)\n");
@@ -81,7 +86,7 @@ TEST(Synthesis, HandsThePreparedTextToTheEngineAndDeliversItsFile) {
     std::string deep = engine.Folder() + "/" + std::string(120, 'd');
     std::filesystem::create_directory(deep);
     Request request("Hello", deep + "/" + std::string(100, 'f') + ".wav");
-    EXPECT_EQ(request.Run(), SynthesisOutcome::Spoken);
+    EXPECT_EQ(request.Run(), SynthesisOutcome::kSpoken);
     EXPECT_EQ(ReadFile(request.tts.outputPath), ReadFile(engine.Folder() + "/good.wav"));
 }
 
@@ -93,26 +98,26 @@ TEST(Synthesis, IsJudgedByTheFileAndSaysWhy) {
         const char* file;
         SynthesisOutcome outcome;
     } cases[] = {
-        {"exits without a file", "rm \"$5\"", "Hi", "s.wav", SynthesisOutcome::NoSound},
-        {"writes nothing", "exit 0", "Hi", "s.wav", SynthesisOutcome::NoSound},
+        {"exits without a file", "rm \"$5\"", "Hi", "s.wav", SynthesisOutcome::kNoSound},
+        {"writes nothing", "exit 0", "Hi", "s.wav", SynthesisOutcome::kNoSound},
         {"dies before its first sample", "head -c 46 $here/good.wav >\"$5\"; kill -SEGV $$", "Hi",
-         "s.wav", SynthesisOutcome::Incomplete},
+         "s.wav", SynthesisOutcome::kIncomplete},
         {"dies with an empty header",
          "head -c 42 $here/good.wav >\"$5\"; printf '\\0\\0\\0\\0abcdef' >>\"$5\"; kill -SEGV $$",
-         "Hi", "s.wav", SynthesisOutcome::NoSound},
+         "Hi", "s.wav", SynthesisOutcome::kNoSound},
         {"writes half", "head -c 1000 $here/good.wav >\"$5\"", "Hi", "s.wav",
-         SynthesisOutcome::Incomplete},
+         SynthesisOutcome::kIncomplete},
         {"writes something else", "yes | head -n 5000 >\"$5\"", "Hi", "s.wav",
-         SynthesisOutcome::NoSound},
+         SynthesisOutcome::kNoSound},
         {"fails after a whole file", "cp $here/good.wav \"$5\"; exit 1", "Hi", "s.wav",
-         SynthesisOutcome::Spoken},
+         SynthesisOutcome::kSpoken},
         {"is not asked for nothing", "touch $here/started; cp $here/good.wav \"$5\"", "...\n😀",
-         "s.wav", SynthesisOutcome::NothingToSay},
+         "s.wav", SynthesisOutcome::kNothingToSay},
         {"no such folder", "touch $here/started", "Hi", "none/s.wav",
-         SynthesisOutcome::CannotWrite},
+         SynthesisOutcome::kCannotWrite},
         {"output is a folder", "cp $here/good.wav \"$5\"", "Hi", "bin",
-         SynthesisOutcome::CannotWrite},
-        {"not installed", nullptr, "Hi", "s.wav", SynthesisOutcome::EngineMissing},
+         SynthesisOutcome::kCannotWrite},
+        {"not installed", nullptr, "Hi", "s.wav", SynthesisOutcome::kEngineMissing},
     };
     for (const auto& test : cases) {
         const FakeEngine engine(test.engine == nullptr);
@@ -120,7 +125,7 @@ TEST(Synthesis, IsJudgedByTheFileAndSaysWhy) {
             engine.Speak(test.engine);
         Request request(test.text, engine.Folder() + "/" + test.file);
         EXPECT_EQ(request.Run(), test.outcome) << test.what;
-        const bool spoken = test.outcome == SynthesisOutcome::Spoken;
+        const bool spoken = test.outcome == SynthesisOutcome::kSpoken;
         EXPECT_EQ(request.tts.result, spoken ? kProcessDone : kProcessFailed) << test.what;
         EXPECT_EQ(SynthesisMessage(test.outcome).empty(), spoken) << test.what;
         EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 0U) << test.what;
@@ -129,44 +134,64 @@ TEST(Synthesis, IsJudgedByTheFileAndSaysWhy) {
     }
 }
 
-TEST(Synthesis, AnEngineLeftBehindNeverTouchesALaterRun) {
+// Eventually gone: an ended process counts as gone, however long its parent takes to collect it.
+bool IsGone(const std::string& process) {
+    return Eventually([&] {
+        const std::string status = ReadFile("/proc/" + process + "/stat");
+        const std::size_t name = status.rfind(')');
+        return name == std::string::npos || status.compare(name, 3, ") Z") == 0;
+    });
+}
+
+TEST(Synthesis, ARunThatIsGivenUpEndsItsEngineWithAllThatItStarted) {
     const FakeEngine engine;
     const std::string output = engine.Folder() + "/s.wav";
     for (const bool cancel : {true, false}) {
-        engine.Speak("sleep 1; yes late | head -n 5000 >\"$5\"; touch $here/late");
+        engine.Speak("sleep 100 & echo $$ >$here/engine; echo $! >$here/child; wait");
+        const auto isAtWork = [&] { return !ReadFile(engine.Folder() + "/child").empty(); };
         Request first("Hello", output);
-        EXPECT_EQ(first.Run(ImpatientProgress(250, cancel)),
-                  cancel ? SynthesisOutcome::Stopped : SynthesisOutcome::TimedOut);
+        EXPECT_EQ(first.Run(ImpatientProgress(isAtWork, cancel)),
+                  cancel ? SynthesisOutcome::kStopped : SynthesisOutcome::kTimedOut);
         EXPECT_EQ(first.tts.result, cancel ? kProcessStopped : kProcessFailed);
         EXPECT_EQ(SynthesisMessage(first.tts.outcome).empty(), cancel);
-        engine.Speak("cp $here/good.wav \"$5\"");
-        Request second("Hello", output);
-        EXPECT_EQ(second.Run(), SynthesisOutcome::Spoken);
-        EXPECT_TRUE(Eventually([&] { return FilesLike(engine.Folder(), "late") == 1; }));
-        EXPECT_TRUE(Eventually([&] { return FilesLike(engine.Folder(), ".speech") == 0; }));
-        EXPECT_EQ(ReadFile(output), ReadFile(engine.Folder() + "/good.wav"));
-        std::filesystem::remove(engine.Folder() + "/late");
+        for (const char* process : {"/engine", "/child"}) {
+            std::string id;
+            std::ifstream(engine.Folder() + process) >> id;
+            EXPECT_TRUE(IsGone(id)) << process;
+        }
+        EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 0U);
+        EXPECT_FALSE(std::filesystem::exists(output));
+        std::filesystem::remove(engine.Folder() + "/child");
     }
 }
 
-TEST(Synthesis, AnEngineThatOutlivesTheProgramLeavesNoFileBehind) {
+TEST(Synthesis, FilesOfDeadRunsAreRemovedByAgeAndOnlyThose) {
     const FakeEngine engine;
-    engine.Speak(
-        "for wait in $(seq 200); do test -e $here/go && break; sleep 0.05; done;"
-        "yes late | head -n 5000 >\"$5\"; touch $here/late");
-    ::signal(SIGCHLD, SIG_DFL);
-    GTEST_FLAG_SET(death_test_style, "fast");
-    EXPECT_EXIT(
-        {
-            Request request("Hello", engine.Folder() + "/s.wav");
-            const bool timedOut = request.Run(ImpatientProgress(250)) == SynthesisOutcome::TimedOut;
-            std::exit(timedOut ? 0 : 1);
-        },
-        testing::ExitedWithCode(0), "");
-    EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 1U) << "the engine is still at work";
-    std::ofstream(engine.Folder() + "/go").close();
-    EXPECT_TRUE(Eventually([&] { return FilesLike(engine.Folder(), "late") == 1; }));
-    EXPECT_TRUE(Eventually([&] { return FilesLike(engine.Folder(), ".speech") == 0; }));
+    const auto old = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+    const auto make = [&](const std::string& path, bool isOld) {
+        std::ofstream(path) << "x";
+        if (isOld)
+            std::filesystem::last_write_time(path, old);
+        return path;
+    };
+    const std::string textOfDead = MakeRunTextFile();
+    const std::string textOfLiving = MakeRunTextFile();
+    const std::string stranger = MakeRunTextFile();
+    const std::string folder = engine.Folder() + "/";
+    const std::string dead = make(MakeRunSoundFile(folder, textOfDead), true);
+    const std::string living = make(MakeRunSoundFile(folder, textOfLiving), false);
+    for (const std::string& text : {textOfDead, stranger})
+        make(text, true);
+    const std::string others[] = {folder + ".speech.wav", folder + ".speeches-of-2026-a.wav",
+                                  folder + "speech.wav"};
+    for (const std::string& path : others)
+        make(path, true);
+    RemoveFilesOfDeadRuns(folder);
+    for (const std::string& path : {dead, textOfDead})
+        EXPECT_FALSE(std::filesystem::exists(path)) << path;
+    for (const std::string& path :
+         {living, textOfLiving, stranger, others[0], others[1], others[2]})
+        EXPECT_TRUE(std::filesystem::remove(path)) << path;
 }
 
 TEST(Synthesis, ManyRunsLeaveNoDescriptorAndNoTextFileBehind) {
@@ -174,10 +199,10 @@ TEST(Synthesis, ManyRunsLeaveNoDescriptorAndNoTextFileBehind) {
     engine.Speak(
         "ls /proc/self/fd >$here/fds; echo \"$3\" >>$here/texts; cp $here/good.wav \"$5\"");
     Request warmUp("Hello", engine.Folder() + "/s.wav");
-    EXPECT_EQ(warmUp.Run(), SynthesisOutcome::Spoken);
+    EXPECT_EQ(warmUp.Run(), SynthesisOutcome::kSpoken);
     const std::size_t before = OpenDescriptors();
     for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(Request("Hello", engine.Folder() + "/s.wav").Run(), SynthesisOutcome::Spoken);
+        EXPECT_EQ(Request("Hello", engine.Folder() + "/s.wav").Run(), SynthesisOutcome::kSpoken);
     EXPECT_TRUE(Eventually([&] { return OpenDescriptors() <= before; }));
     std::ifstream texts(engine.Folder() + "/texts");
     int runs = 0;
@@ -210,7 +235,7 @@ TEST(TtsSoundSource, WithoutSpeechIsSilenceThatTellsWhy) {
     const struct {
         const char* text;
         SynthesisOutcome outcome;
-    } cases[] = {{"", SynthesisOutcome::NothingToSay}, {"Hello", SynthesisOutcome::NoSound}};
+    } cases[] = {{"", SynthesisOutcome::kNothingToSay}, {"Hello", SynthesisOutcome::kNoSound}};
     for (const auto& test : cases) {
         LTTSSoundSource* const object = new LTTSSoundSource(test.text, 0);
         const LSoundSource source(object);
@@ -234,11 +259,14 @@ void SpeakWithRealEngine() {
         "a -- -- b ... -- !\n\n\"\n\nEnd! ?",
         std::string(600, 'x') + " = " + std::string(500, '='),
     };
+    LSilentProgress waiting;
+    VoiceListQuery voices;
+    ASSERT_EQ(Process(waiting, voices), kProcessDone);
     char folder[] = "/tmp/lectora-real-XXXXXX";
     ASSERT_NE(::mkdtemp(folder), nullptr);
     for (const std::string& text : texts) {
         Request request(text, std::string(folder) + "/s.wav");
-        EXPECT_EQ(request.Run(ImpatientProgress(20000)), SynthesisOutcome::Spoken) << text;
+        EXPECT_EQ(request.Run(), SynthesisOutcome::kSpoken) << text;
     }
     std::filesystem::remove_all(folder);
 }

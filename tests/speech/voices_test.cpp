@@ -5,6 +5,7 @@
 
 #include "foundation/text_buffer.h"
 #include "speech/voice_charset.h"
+#include "speech/voice_list_query.h"
 #include "tests/speech/fake_engine.h"
 
 namespace {
@@ -80,8 +81,52 @@ void AskUntilThereIsOne() {
     }
 }
 
+void AskInTheBackground() {
+    const FakeEngine engine(true);
+    LSilentProgress progress;
+    int told = 0;
+    VoiceListQuery query([&] { ++told; });
+    EXPECT_EQ(query.State(), VoiceListState::kAsking);
+    std::filesystem::remove(engine.Folder() + "/bin/festival");
+    EXPECT_EQ(Process(progress, query), kProcessFailed);
+    EXPECT_EQ(query.State(), VoiceListState::kNoEngine);
+    for (const char* voiceless : {"printf 'festival> ()\\n'", "exit 3"}) {
+        engine.Script("festival", voiceless);
+        EXPECT_EQ(Process(progress, query), kProcessFailed) << voiceless;
+        EXPECT_EQ(query.State(), VoiceListState::kNoVoices) << voiceless;
+    }
+    // Later than the other way of asking would wait, and bit by bit.
+    engine.Script("festival",
+                  "read line; /bin/sleep 1.5; printf 'festival> (un'; /bin/sleep 0.3;"
+                  "printf ' deux)\n'");
+    EXPECT_EQ(Process(progress, query), kProcessDone);
+    EXPECT_EQ(query.State(), VoiceListState::kKnown);
+    EXPECT_EQ(told, 4);
+    engine.Script("festival", "exit 3");
+    char name[kTextBufferSize];
+    TTSGetDictSpeakerName(1, name);
+    EXPECT_STREQ(name, "deux");
+}
+
+void StopAsking() {
+    const FakeEngine engine(true);
+    engine.Script("festival", "echo $$ >$here/pid; exec /bin/sleep 60");
+    {
+        VoiceListQuery query;
+        query.Ask();
+        for (int i = 0; i < 1000 && ReadFile(engine.Folder() + "/pid").empty(); ++i)
+            ::usleep(10000);
+    }
+    const int hung = std::stoi(ReadFile(engine.Folder() + "/pid"));
+    for (int i = 0; i < 1000 && IsAtWork(hung); ++i)
+        ::usleep(10000);
+    EXPECT_FALSE(IsAtWork(hung));
+}
+
 TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
     InFreshProcess(AskUntilThereIsOne);
+    InFreshProcess(AskInTheBackground);
+    InFreshProcess(StopAsking);
 }
 
 TEST(VoiceCharset, IsTheStatedOneOrAsKnown) {

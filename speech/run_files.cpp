@@ -1,0 +1,79 @@
+#include "speech/run_files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string_view>
+
+#include "foundation/unique_fd.h"
+
+namespace {
+
+constexpr std::string_view kSoundBeginning = ".speech";
+constexpr std::string_view kSoundEnd = ".wav";
+constexpr std::size_t kTextNameLength = 7;  // "0XXXXXX"
+constexpr std::size_t kSoundNameLength =
+    kSoundBeginning.size() + kTextNameLength + 7 + kSoundEnd.size();
+constexpr time_t kDeadSeconds = 600;
+
+// `pattern` ends in XXXXXX and the suffix.
+std::string MakePrivateFile(std::string pattern, std::size_t suffixLength) {
+    const UniqueFd file(::mkostemps(pattern.data(), static_cast<int>(suffixLength), O_CLOEXEC));
+    return file.IsOpen() ? pattern : std::string();
+}
+
+bool IsNameOfRunSound(std::string_view name) {
+    return name.size() == kSoundNameLength && name.starts_with(kSoundBeginning) &&
+           name.ends_with(kSoundEnd) && name[kSoundBeginning.size()] == '0' &&
+           name[kSoundBeginning.size() + kTextNameLength] == '-';
+}
+
+void RemoveDead(const std::string& path, time_t now) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+        status.st_uid == ::geteuid() && status.st_mtime < now - kDeadSeconds)
+        ::unlink(path.c_str());
+}
+
+bool IsFirstLookAt(const std::string& folder) {
+    static std::mutex mutex;
+    static std::set<std::string> seen;
+    const std::lock_guard<std::mutex> lock(mutex);
+    return seen.insert(folder).second;
+}
+
+}  // namespace
+
+std::string MakeRunTextFile() {
+    return MakePrivateFile(std::string(kRunTextFolder) + "0XXXXXX", 0);
+}
+
+std::string MakeRunSoundFile(const std::string& folder, const std::string& textPath) {
+    const std::string textName = textPath.substr(textPath.rfind('/') + 1);
+    return MakePrivateFile(
+        folder + std::string(kSoundBeginning) + textName + "-XXXXXX" + std::string(kSoundEnd),
+        kSoundEnd.size());
+}
+
+void RemoveFilesOfDeadRuns(const std::string& folder) {
+    if (!IsFirstLookAt(folder))
+        return;
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
+    if (!entries)
+        return;
+    const time_t now = ::time(nullptr);
+    while (const dirent* entry = ::readdir(entries.get())) {
+        const std::string name = entry->d_name;
+        if (!IsNameOfRunSound(name))
+            continue;
+        RemoveDead(folder + name, now);
+        RemoveDead(kRunTextFolder + name.substr(kSoundBeginning.size(), kTextNameLength), now);
+    }
+}

@@ -1,0 +1,62 @@
+// Asking for the voices without keeping anybody waiting.
+//
+// The engine answers within a tenth of a second when it is warm, and after many seconds on a busy
+// machine or from a cold disk. A query asks on a thread of its own until it knows.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <string>
+
+#include "foundation/progress.h"
+#include "foundation/thread.h"
+
+class LPipeInOut;
+
+enum class VoiceListState {
+    kAsking,    // not asked yet, or not answered yet
+    kKnown,     // the functions in voices.h answer from memory
+    kNoEngine,  // the engine's program is not installed
+    kNoVoices,  // it answers without a voice, or ends without an answer
+};
+
+// Belongs to one thread, which starts and destroys it and asks for its state.
+class VoiceListQuery : private LThread {
+public:
+    // `answered` runs on the query's thread each time that an answer is there: it may do no more
+    // than queue a notification. What it refers to outlives this object.
+    explicit VoiceListQuery(std::function<void()> answered = {});
+    ~VoiceListQuery() override;  // ends an engine that has not answered
+
+    // Asks, unless it is asking already or knows. Returns at once; asking again after kNoEngine or
+    // kNoVoices finds an engine that was installed meanwhile.
+    void Ask();
+    VoiceListState State() const { return state_.load(); }
+    LSignalObjectRef Answered() const { return answeredSignal_.Ref(); }  // the state is not kAsking
+
+private:
+    void ThreadFunction() override;
+    VoiceListState AskUntilAnswered();
+    VoiceListState Converse();
+    bool ReadReply(LPipeInOut& engine, std::string& reply) const;
+
+    std::function<void()> answered_;
+    std::atomic<VoiceListState> state_{VoiceListState::kAsking};
+    LSignalObject answeredSignal_;
+};
+
+// Waits for the answer, for as long as it takes. Done: the voices are known; stopped by the
+// progress object; failed: there are none, the query's state says why.
+template <LProgress P>
+LProcessResult Process(P& progress, VoiceListQuery& query) {
+    constexpr unsigned int kPatienceMilliseconds = 20000;  // between two looks at nothing new
+    progress.SetFirstLabel("Waiting for the Speech Engine");
+    progress.SetSecondLabel("Please wait");
+    query.Ask();
+    LProcessResult waited = kProcessFailed;
+    while (waited == kProcessFailed)
+        waited = progress.ProcessWaitSignal(query.Answered(), kPatienceMilliseconds);
+    if (waited == kProcessStopped)
+        return kProcessStopped;
+    return query.State() == VoiceListState::kKnown ? kProcessDone : kProcessFailed;
+}
