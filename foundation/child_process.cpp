@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -48,6 +49,8 @@ bool ConnectStandardStreams(const LChildStreams& streams) {
     SetDefaultSignals();
     if (streams.ownGroup)
         ::setpgid(0, 0);
+    if (streams.diesWithStarter)
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     ::umask(mask);
     if (ConnectStandardStreams(streams)) {
         CloseOnExecFromFirstPrivate();

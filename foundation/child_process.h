@@ -18,6 +18,9 @@ struct LChildStreams {
     int output = -1;
     bool emptyInput = false;  // input reads as empty (wins over input)
     bool ownGroup = false;    // the child leads a process group of its own
+    // The child is killed when the thread that started it ends, as it does when this process is
+    // killed. Not inherited by the child's own children.
+    bool diesWithStarter = false;
 };
 
 // Sole owner of a started child. Destruction waits for it, so that no zombie is left.

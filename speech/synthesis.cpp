@@ -111,11 +111,13 @@ void SynthesisRun::Record::RunEngine() {
     LChildStreams streams;
     streams.emptyInput = true;
     streams.ownGroup = true;
+    streams.diesWithStarter = true;
     LChildProcess engine;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         if (!isUnwanted_)
-            engine = LChildProcess::StartShell(command.c_str(), streams);
+            // In place of the shell, so that the engine itself dies with its starter.
+            engine = LChildProcess::StartShell(("exec " + command).c_str(), streams);
         engine_ = engine.Pid();
     }
     result.store(engine.IsStarted() ? kProcessDone : kProcessFailed);

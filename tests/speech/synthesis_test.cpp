@@ -165,6 +165,20 @@ TEST(Synthesis, ARunThatIsGivenUpEndsItsEngineWithAllThatItStarted) {
     }
 }
 
+TEST(Synthesis, AnEngineDiesWithTheProgram) {
+    const FakeEngine engine;
+    engine.Speak("echo $$ >$here/engine; exec sleep 100");
+    const auto isAtWork = [&] { return !ReadFile(engine.Folder() + "/engine").empty(); };
+    const auto isKilled = [&] { return isAtWork() && ::kill(::getpid(), SIGKILL) != 0; };
+    ::signal(SIGCHLD, SIG_DFL);  // a voice query had it ignored, which hides the child's end
+    GTEST_FLAG_SET(death_test_style, "fast");
+    EXPECT_EXIT(Request("Hello", engine.Folder() + "/s.wav").Run(ImpatientProgress(isKilled)),
+                testing::KilledBySignal(SIGKILL), "");
+    std::string id;
+    std::ifstream(engine.Folder() + "/engine") >> id;
+    EXPECT_TRUE(IsGone(id)) << id;
+}
+
 TEST(Synthesis, FilesOfDeadRunsAreRemovedByAgeAndOnlyThose) {
     const FakeEngine engine;
     const auto old = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
