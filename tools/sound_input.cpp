@@ -113,7 +113,7 @@ std::string ReadingProblem(const SoundInput& input) {
     if (input.file->ReadError() != 0)
         return ErrorText(input.file->ReadError());
     return input.file->FramesMissing() > input.missingFrames ? "was cut short while it was read"
-                                                            : "";
+                                                             : "";
 }
 
 SectionSource::SectionSource(const LSoundSource& inner, int start, int end)
