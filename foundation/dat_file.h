@@ -1,8 +1,8 @@
 // Foreign configuration files of "[section]" and "key=value" lines.
 //
 // Files are cached and changed in memory; they are written by a flush or when the process ends. Any
-// thread. Nothing reports errors: a file that cannot be read is empty, one that cannot be written
-// keeps its old content.
+// thread. Nothing reports errors: a file that cannot be read is empty; one that cannot be written
+// keeps its old content, and the change waits in memory for the next flush.
 #pragma once
 
 #include <string>

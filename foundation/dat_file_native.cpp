@@ -10,6 +10,7 @@
 #include "foundation/file_io.h"
 #include "foundation/file_rewrite.h"
 #include "foundation/flock_timed.h"
+#include "foundation/log.h"
 #include "foundation/text_buffer.h"
 #include "foundation/ticks.h"
 
@@ -119,17 +120,19 @@ std::string LDatFileNativeFile::Text() const {
     return text;
 }
 
-void LDatFileNativeFile::Save() {
-    dirty_ = false;
+bool LDatFileNativeFile::Save() {
+    if (!dirty_)
+        return true;
     if (unreadable_)
-        return;
+        return false;
     const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT);
     if (!file.IsOpen())
-        return;
+        return false;
     flocktimed(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
     std::string content;
-    if (ReadWholeFile(file.Get(), kLargestDataFile, content))
-        RewriteFile(file.Get(), content, Text());
+    dirty_ = !ReadWholeFile(file.Get(), kLargestDataFile, content) ||
+             !RewriteFile(file.Get(), content, Text());
+    return !dirty_;
 }
 
 const std::string* LDatFileNativeFile::GetValue(std::string_view section, std::string_view key,
@@ -162,10 +165,8 @@ void LDatFileNativeFile::SetValue(std::string_view section, const char* key, con
 }
 
 LDatFileNativeSystem::~LDatFileNativeSystem() {
-    for (LDatFileNativeFile& file : files_) {
-        if (file.IsDirty())
-            file.Save();
-    }
+    for (LDatFileNativeFile& file : files_)
+        file.Save();
 }
 
 LDatFileNativeFile* LDatFileNativeSystem::Find(std::string_view file) {
@@ -202,18 +203,20 @@ void LDatFileNativeSystem::SetValue(const char* file, const char* section, const
 void LDatFileNativeSystem::Flush(const char* file) {
     const std::lock_guard lock(mutex_);
     LDatFileNativeFile* known = Find(file);
-    if (known && known->IsDirty())
+    if (known)
         known->Save();
 }
 
 void LDatFileNativeSystem::Flush(std::uint32_t now) {
     const std::lock_guard lock(mutex_);
-    for (LDatFileNativeFile& file : files_) {
-        if (file.IsDirty())
-            file.Save();
-    }
-    files_.remove_if(
-        [now](const LDatFileNativeFile& file) { return file.IsIdle(now, kIdleMilliseconds); });
+    files_.remove_if([now](LDatFileNativeFile& file) {
+        const bool saved = file.Save();
+        if (!file.IsIdle(now, kIdleMilliseconds))
+            return false;
+        if (!saved)
+            LOGERROR("Changes cannot be saved and are kept in memory: ", file.Path().c_str());
+        return saved;
+    });
 }
 
 bool LDatFileNativeSystem::IsCached(const char* file) {

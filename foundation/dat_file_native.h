@@ -37,13 +37,14 @@ public:
     LDatFileNativeFile(std::string_view path, std::uint32_t now) : path_(path), lastAccess_(now) {}
 
     const std::string& Path() const { return path_; }
-    bool IsDirty() const { return dirty_; }
     bool IsIdle(std::uint32_t now, std::uint32_t milliseconds) const {
         return now - lastAccess_ >= milliseconds;  // unsigned: right across a wrap of the counter
     }
 
     void Load();  // what is missing or cannot be read is an empty file
-    void Save();  // a failure is silent and leaves the old content
+    // What is dirty. A failure leaves the old content, and the file dirty; true when nothing is
+    // left to save.
+    bool Save();
 
     const std::string* GetValue(std::string_view section, std::string_view key, std::uint32_t now);
     // Texts end at a line break. A null value deletes the key, a null key the section. Even what
@@ -79,7 +80,8 @@ public:
                   char* out);
     void SetValue(const char* file, const char* section, const char* key, const char* value);
     void Flush(const char* file);
-    void Flush(std::uint32_t now);  // takes idle files out, saves all others that are dirty
+    // Saves all and takes idle files out; one that cannot be saved stays, and the log tells.
+    void Flush(std::uint32_t now);
     bool IsCached(const char* file);
 
 private:
