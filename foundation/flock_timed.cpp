@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
+#include <optional>
 
 namespace {
 
@@ -23,24 +24,27 @@ void SleepNanoseconds(std::int64_t nanoseconds) {
     }
 }
 
-// True when it is ours or the file system has no such locks, false when somebody kept it all the
-// time.
-bool WaitForTurn(int fd, bool exclusive, int timeoutMilliseconds) {
-    struct flock turn {};
-    turn.l_type = exclusive ? F_WRLCK : F_RDLCK;
-    turn.l_whence = SEEK_SET;
-    const auto end =
-        std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMilliseconds);
+using Clock = std::chrono::steady_clock;
+
+// Calls tryOnce() until it answers something, with short pauses; false at the end of the time.
+template <typename Try>
+bool Poll(Clock::time_point end, Try tryOnce) {
     std::int64_t pause = kFirstTurnPause;
-    while (fcntl(fd, F_OFD_SETLK, &turn) != 0) {
-        if (errno != EAGAIN && errno != EACCES)
-            return true;
-        if (std::chrono::steady_clock::now() >= end)
+    for (;;) {
+        if (const std::optional<bool> result = tryOnce())
+            return *result;
+        if (Clock::now() >= end)
             return false;
         SleepNanoseconds(pause);
         pause = std::min(pause + pause / 8, kLongestTurnPause);
     }
-    return true;
+}
+
+bool SetTurn(int fd, short type) {
+    struct flock turn {};
+    turn.l_type = type;
+    turn.l_whence = SEEK_SET;
+    return fcntl(fd, F_OFD_SETLK, &turn) == 0;
 }
 
 }  // namespace
@@ -60,11 +64,20 @@ bool flocktimed(int fd, int operation, int timeoutMilliseconds) {
 }
 
 bool LockInTurn(int fd, int operation, int timeoutMilliseconds) {
-    const auto start = std::chrono::steady_clock::now();
-    if (!WaitForTurn(fd, (operation & LOCK_EX) != 0, timeoutMilliseconds))
-        return flock(fd, operation) == 0;
-    const auto queued = std::chrono::duration_cast<std::chrono::milliseconds>(
-        std::chrono::steady_clock::now() - start);
-    const std::int64_t left = timeoutMilliseconds - queued.count();
-    return flocktimed(fd, operation, static_cast<int>(std::max(left, std::int64_t{0})));
+    const auto end = Clock::now() + std::chrono::milliseconds(timeoutMilliseconds);
+    const bool exclusive = (operation & LOCK_EX) != 0;
+    // A file system without record locks lets everybody through.
+    Poll(end, [&]() -> std::optional<bool> {
+        if (SetTurn(fd, exclusive ? F_WRLCK : F_RDLCK))
+            return true;
+        return errno == EAGAIN || errno == EACCES ? std::nullopt : std::optional(false);
+    });
+    const bool locked = Poll(end, [&]() -> std::optional<bool> {
+        if (flock(fd, operation) == 0)
+            return true;
+        return errno == EWOULDBLOCK ? std::nullopt : std::optional(false);
+    });
+    if (!exclusive)
+        SetTurn(fd, F_UNLCK);
+    return locked;
 }

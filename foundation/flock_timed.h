@@ -7,9 +7,9 @@
 // because the lock only orders processes that ask for it.
 bool flocktimed(int fd, int operation, int timeoutMilliseconds);
 
-// The same lock for files that many processes write at once. flocktimed() alone would let a process
-// meet a busy file at each of its few tries and then write without the lock; so our own processes
-// first queue for a record lock, asked for every few milliseconds at the least, and find the flock
-// free when they have it. The limit holds for the whole wait. operation is LOCK_SH or LOCK_EX with
-// LOCK_NB; both locks end with the descriptor.
+// The same lock for files that many processes write at once, asked for every few milliseconds at
+// the least. Whoever writes first queues for a record lock, which keeps other writers and new
+// readers of ours away until the readers before are done: otherwise readers that follow each other
+// without a pause would starve it. The limit holds for the whole wait. operation is LOCK_SH or
+// LOCK_EX with LOCK_NB; all locks end with the descriptor.
 bool LockInTurn(int fd, int operation, int timeoutMilliseconds);

@@ -19,13 +19,13 @@ std::time_t WallClock() {
     return std::time(nullptr);
 }
 
-// A file that cannot be opened takes nothing; one that cannot be locked is written all the same.
+// A file that cannot be opened takes nothing; one that cannot be locked is written all the same,
+// and appending keeps that line whole too wherever the file system is local.
 void AppendToFile(const char* path, std::string_view text) {
-    const UniqueFd file = OpenRegularFile(path, O_WRONLY | O_CREAT);
+    const UniqueFd file = OpenRegularFile(path, O_WRONLY | O_CREAT | O_APPEND);
     if (!file.IsOpen())
         return;
-    flocktimed(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
-    ::lseek(file.Get(), 0, SEEK_END);
+    LockInTurn(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
     WriteFully(file.Get(), text);
 }
 
