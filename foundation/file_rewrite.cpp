@@ -19,9 +19,10 @@
 //   1. Behind the old text, from a page of their own on, go copies of all lines that change or
 //      move, none of them crossing a page. Readers take the first of a key, so the old lines still
 //      count.
-//   2. The old lines are blanked, page by page. Each blanked page ends with "=", so that the rest
-//      of a line that crossed into the next page is a line with an empty key, which readers drop.
-//      Now the copies count.
+//   2. The old lines are blanked, last page first: of two lines with one key the first counts to
+//      the end. Each blanked page ends with "=", so that the rest of a line that crosses into the
+//      next page is a line with an empty key, which readers drop; that rest is blanked after the
+//      line's beginning. Now the copies count.
 //   3. The new lines are written over the blanks, last page first: a line that crosses pages is
 //      dropped in the same way until its beginning is down too.
 //   4. The file is cut behind the new lines, which takes the copies away. What a killed process
@@ -142,12 +143,35 @@ std::string CopiesOf(std::string_view lines) {
     return copies;
 }
 
-bool BlankPages(int fd, std::size_t from, std::size_t to) {
-    for (std::size_t at = from; at < to; at = PageEnd(at)) {
-        std::string page = Blanks(PageEnd(at) - at);
-        page.back() = '=';
-        if (!WriteAt(fd, page, at))
-            return false;
+// Start of the first line that begins on the page, the page's end when none does.
+std::size_t FirstLineOn(std::string_view text, std::size_t page, std::size_t pageEnd) {
+    if (page >= text.size())
+        return page;
+    const std::size_t lineEnd = text.substr(0, pageEnd).find_first_of("\r\n", page - 1);
+    return lineEnd == std::string_view::npos ? pageEnd : std::min(lineEnd + 1, pageEnd);
+}
+
+bool BlankPagesBackwards(int fd, std::string_view oldText, std::size_t from, std::size_t to) {
+    std::size_t blankFrom = to;  // what lies behind is blanked
+    std::size_t end = to;
+    while (end > from) {
+        const std::size_t page = std::max(from, (end - 1) / kPage * kPage);
+        const std::size_t lines = page == from ? from : FirstLineOn(oldText, page, end);
+        if (lines < end) {
+            std::string blanks = Blanks(end - lines);
+            blanks.back() = '=';
+            if (!WriteAt(fd, blanks, lines))
+                return false;
+            // The rest of the last of these lines.
+            for (std::size_t rest = blankFrom; rest > end;) {
+                const std::size_t start = std::max(end, (rest - 1) / kPage * kPage);
+                if (!WriteAt(fd, Blanks(rest - start), start))
+                    return false;
+                rest = start;
+            }
+            blankFrom = lines;
+        }
+        end = page;
     }
     return true;
 }
@@ -170,8 +194,8 @@ bool RewriteAcrossPages(int fd, std::string_view oldText, std::string_view newTe
     const std::string behind = Blanks(copiesAt - oldText.size()) + CopiesOf(newText.substr(from));
     if (oldText.size() + behind.size() > kLargestReadableFile || !WriteBehind(fd, oldText, behind))
         return false;
-    return BlankPages(fd, from, copiesAt) && WritePagesBackwards(fd, newText, from) &&
-           CutAt(fd, newText.size());
+    return BlankPagesBackwards(fd, oldText, from, copiesAt) &&
+           WritePagesBackwards(fd, newText, from) && CutAt(fd, newText.size());
 }
 
 }  // namespace

@@ -132,6 +132,18 @@ void LSettingsEntries::Remove(std::size_t entry) {
     Shift(entry, -static_cast<std::int64_t>(size));
 }
 
+void LSettingsEntries::DropShadowed() {
+    std::unordered_set<std::string_view> known;
+    known.reserve(Count());
+    LSettingsEntries kept;
+    for (std::size_t entry = 0; entry < Count(); ++entry) {
+        if (known.insert(Key(entry)).second)
+            kept.Append(Key(entry), Value(entry));
+    }
+    if (kept.Count() < Count())
+        *this = std::move(kept);
+}
+
 void LSettingsEntries::Shift(std::size_t firstEntry, std::int64_t bytes) {
     for (std::size_t entry = firstEntry; bytes != 0 && entry < index_.size(); ++entry)
         index_[entry].offset = static_cast<std::uint32_t>(index_[entry].offset + bytes);

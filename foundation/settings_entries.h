@@ -32,6 +32,7 @@ public:
     void Append(std::string_view key, std::string_view value);
     void SetValue(std::size_t entry, std::string_view value);
     void Remove(std::size_t entry);
+    void DropShadowed();  // the lines that Find() never answers, because another has their key
 
     const std::string& Text() const { return text_; }  // "key=value\r\n" for each entry
     std::size_t MemoryBytes() const { return text_.capacity() + index_.capacity() * sizeof(Line); }

@@ -95,6 +95,8 @@ void LSettingsFile::SetString(const char* key, const char* value) {
     const Stamps now = StampsOf(file.Get());
     if (!(now == stamps_) || content != entries_.Text()) {
         entries_.Parse(content);
+        // A line behind another of its key would come to light when that one goes.
+        entries_.DropShadowed();
         stamps_ = now;
     }
     const std::size_t entry = entries_.Find(lowered);
