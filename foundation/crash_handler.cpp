@@ -20,6 +20,8 @@ static_assert(std::atomic<std::uint8_t>::is_always_lock_free, "used in a signal 
 
 namespace {
 
+std::atomic<pid_t> gTrappedThread{0};
+
 // Copied before main(): the thread that faults may be in the middle of changing the environment.
 char** gEnvironment = nullptr;
 
@@ -95,9 +97,16 @@ const Arming gArming;
 }  // namespace
 
 void LDebugSignalHandler(int signal) {
-    SetDisposition(signal, SIG_IGN);
-    if (bLLibExceptionAlreadyTrapped.exchange(1) == 0)
+    // The disposition stays as it is meanwhile: a thread that faults with the same signal would end
+    // the process at once, before the box is up. This thread has the signal blocked here.
+    const pid_t self = ::gettid();
+    if (bLLibExceptionAlreadyTrapped.exchange(1) == 0) {
+        gTrappedThread = self;
         RunCrashBox(signal);
+    } else if (gTrappedThread != self) {
+        for (;;)
+            ::pause();  // the thread before ends the process once the user has answered
+    }
     SetDisposition(signal, SIG_DFL);
     sigset_t own;
     sigemptyset(&own);

@@ -4,6 +4,9 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <string_view>
+#include <tuple>
+
 #include "foundation/file.h"
 #include "foundation/file_io.h"
 #include "foundation/text_buffer.h"
@@ -25,21 +28,29 @@ bool LLockFile::Lock(const char* path) {
     Unlock();
     char lockPath[kTextBufferSize];
     LFile::_ApplyNewFileExtension(lockPath, path, ".lck");
+    // A path without an extension names the lock file itself, and whatever else may stand there: a
+    // lock holds nothing, so what holds something is left alone.
+    const bool isLockName = std::string_view(lockPath).ends_with(".lck");
     for (;;) {
-        UniqueFd file = OpenRegularFile(lockPath, O_RDWR | O_CREAT | O_TRUNC, 0777);
-        if (!file.IsOpen() || flock(file.Get(), LOCK_EX | LOCK_NB) != 0)
+        const bool existed = access(lockPath, F_OK) == 0;
+        UniqueFd file = OpenRegularFile(lockPath, O_RDWR | O_CREAT, 0777);
+        if (!file.IsOpen() || (!isLockName && FileSize(file.Get()) > 0) ||
+            flock(file.Get(), LOCK_EX | LOCK_NB) != 0)
             return false;
-        if (IsStillThere(file.Get(), lockPath)) {
-            file_ = std::move(file);
-            path_ = lockPath;
-            return true;
-        }
+        if (!IsStillThere(file.Get(), lockPath))
+            continue;
+        std::ignore = ftruncate(file.Get(), 0);
+        file_ = std::move(file);
+        path_ = lockPath;
+        isOurs_ = isLockName || !existed;
+        return true;
     }
 }
 
 void LLockFile::Unlock() {
     if (!file_.IsOpen())
         return;
-    unlink(path_.c_str());  // before the close: afterwards it might be another process's lock
+    if (isOurs_)
+        unlink(path_.c_str());  // before the close: afterwards it might be another process's lock
     file_.Reset();
 }

@@ -13,8 +13,9 @@ public:
     LLockFile& operator=(const LLockFile&) = delete;
     ~LLockFile() { Unlock(); }
 
-    // The lock file is path with its extension replaced by ".lck". Releases a lock held before.
-    // False when the file cannot be opened or another process holds it.
+    // The lock file is path with its extension replaced by ".lck", or path itself when it has none.
+    // Releases a lock held before. False when the file cannot be opened, another process holds it,
+    // or it has no such extension and is not empty.
     bool Lock(const char* path);
     void Unlock();
     bool IsLocked() const { return file_.IsOpen(); }
@@ -22,4 +23,5 @@ public:
 private:
     UniqueFd file_;
     std::string path_;
+    bool isOurs_ = false;  // an empty file that was there before stays there
 };
