@@ -11,6 +11,8 @@
 #include <memory>
 #include <string_view>
 
+#include "foundation/file_mask.h"
+#include "foundation/publish_file.h"
 #include "foundation/unique_fd.h"
 #include "tools/tool_texts.h"
 
@@ -65,9 +67,7 @@ OutputFile::OutputFile(const std::string& path, bool overwrite)
     isTemporary_ = true;
     // mkostemp makes private files; the output is as open as any other new file, or as the one it
     // replaces.
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(file.Get(), exists ? info.st_mode & 07777 : 0666 & ~mask);
+    ::fchmod(file.Get(), exists ? info.st_mode & 07777 : CreationMode(finalPath_.c_str(), 0666));
 }
 
 OutputFile::~OutputFile() {
@@ -83,16 +83,8 @@ long long OutputFile::Size() const {
 std::string OutputFile::Commit() {
     if (isDevice_)
         return "";
-    if (!overwrite_) {
-        // A link fails where a file came into being meanwhile; file systems without links fall back
-        // on renaming.
-        if (::link(writePath_.c_str(), finalPath_.c_str()) == 0)
-            return "";
-        if (errno == EEXIST)
-            return "exists already (-f overwrites it)";
-    }
-    if (::rename(writePath_.c_str(), finalPath_.c_str()) != 0)
-        return ErrorText(errno);
+    if (const int error = PublishFile(writePath_.c_str(), finalPath_.c_str(), overwrite_))
+        return error == EEXIST ? "exists already (-f overwrites it)" : ErrorText(error);
     isTemporary_ = false;
     return "";
 }
