@@ -4,17 +4,23 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/ptrace.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
+#include <csignal>
+#include <functional>
 #include <set>
 
 #include "foundation/file_readers.h"
 #include "foundation/folder_iterator.h"
 #include "foundation/lock_file.h"
 #include "foundation/machine_root.h"
+#include "foundation/publish_file.h"
+#include "foundation/settings.h"
 #include "foundation/text_file.h"
-#include "tests/foundation/forked.h"
-#include "tests/foundation/scratch_folder.h"
+#include "tests/support/forked.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -66,33 +72,21 @@ TEST(FilePaths, AreTakenApart) {
     }
 }
 
-TEST(FilePaths, AreJoinedAndCut) {
+TEST(FilePaths, AreJoinedCutAndMadeOfNames) {
     EXPECT_EQ(Cat("", "a"), "a");
     EXPECT_EQ(Cat("/tmp/", "a"), "/tmp/a");
     EXPECT_EQ(Cat("/tmp", "a"), "/tmp/a");
     EXPECT_EQ(Cat("c:\\", "a"), "c:\\a");
     EXPECT_EQ(Cat("/" + std::string(255, 'p'), "long"), "/" + std::string(255, 'p') + "/lo");
-    char path[260] = "folder";
-    LFile::_FilePathCat(path, "lectora", ".desktop");
-    EXPECT_STREQ(path, "folder/lectora.desktop");
-    EXPECT_EQ(Apply(LFile::_GetFileFromPath, std::string(400, 'f')), std::string(259, 'f'));
-}
-
-TEST(FilePaths, BecomeNamesAndRelativePaths) {
-    char out[260];
-    EXPECT_TRUE(LFile::PreprocessName("a/b:c?.txt", out));
-    EXPECT_STREQ(out, "abctxt");
-    EXPECT_TRUE(LFile::PreprocessName("\t\xc3\xa9|\"*<>\\", out));
-    EXPECT_STREQ(out, "\xc3\xa9");
+    char out[260] = "folder";
+    LFile::_FilePathCat(out, "lectora", ".desktop");
+    EXPECT_STREQ(out, "folder/lectora.desktop");
+    EXPECT_TRUE(LFile::PreprocessName("\ta/b:c?.t\xc3\xa9|\"*<>\\", out));
+    EXPECT_STREQ(out, "abct\xc3\xa9");
     EXPECT_FALSE(LFile::PreprocessName("./..\n", out));
-    EXPECT_STREQ(out, "");
-    const char* cases[][3] = {{"/a/b/c.txt", "/a/b", "c.txt"},
-                              {"/a/x/c", "/a/b/d", "../../x/c"},
-                              {"/a/b", "/a/b/", "."},
-                              {"/a", "/a/b", ".."},
-                              {"/a/./b/../c", "/a", "c"},
-                              {"rel/x", "/a", "rel/x"},
-                              {"/x", "/", "x"}};
+    const char* cases[][3] = {{"/a/b/c.txt", "/a/b", "c.txt"}, {"/a/x/c", "/a/b/d", "../../x/c"},
+                              {"/a/b", "/a/b/", "."},          {"/a/./b/../c", "/a", "c"},
+                              {"rel/x", "/a", "rel/x"},        {"/x", "/", "x"}};
     for (const auto& [path, base, expected] : cases) {
         LFile::MakeRelativeFilePath(out, path, base);
         EXPECT_STREQ(out, expected) << path << " from " << base;
@@ -102,14 +96,18 @@ TEST(FilePaths, BecomeNamesAndRelativePaths) {
 TEST(FileFolders, AreMadeWhereTheSystemKeepsItsThings) {
     const ScratchFolder folder;
     const ScopedVariable root("LECTORA_ROOT", (folder.Path() + "/").c_str());
-    const ScopedVariable home("HOME", (folder.Path() + "/").c_str());
     char out[260];
     LFile::GetSharedDataFolderAppSubFolder("Sub", out);
     EXPECT_EQ(out, folder.Path() + "/opt/quillon/lectora/etc/Sub");
-    EXPECT_TRUE(folder.Has("opt/quillon/lectora/etc/Sub"));
+    const ScopedVariable noHome("HOME", nullptr);
+    LSettingsGetUserFolder(out);
+    EXPECT_EQ(out, folder.Path() + "/opt/.quillon/lectora");
+    const ScopedVariable home("HOME", (folder.Path() + "/").c_str());
     LFile::GetUserDataFolderAppSubFolder("Logs", out);
     EXPECT_EQ(out, folder.Path() + "/.quillon/lectora/Logs");
-    EXPECT_TRUE(folder.Has(".quillon/lectora/Logs"));
+    for (const char* made :
+         {"opt/quillon/lectora/etc/Sub", "opt/.quillon/lectora", ".quillon/lectora/Logs"})
+        EXPECT_TRUE(folder.Has(made)) << made;
     EXPECT_EQ(IconPath(1), folder.Path() + "/opt/quillon/lectora/share/1.png");
     const ScopedVariable unset("LECTORA_ROOT", nullptr);
     EXPECT_EQ(MachinePath("/opt/x"), "/opt/x");
@@ -177,16 +175,13 @@ TEST(Files, AreCopiedAndToldWhenSomebodyHoldsThem) {
     EXPECT_FALSE(LFile::CopyFile((folder / "from").c_str(), (folder / "no/to").c_str()));
 
     const std::string path = folder / "to";
-    const struct {
-        int lock;
-        bool read;
-        bool write;
-    } cases[] = {{LOCK_UN, false, false}, {LOCK_SH, false, true}, {LOCK_EX, true, true}};
-    for (const auto& test : cases) {
+    const std::tuple<int, bool, bool> cases[] = {
+        {LOCK_UN, false, false}, {LOCK_SH, false, true}, {LOCK_EX, true, true}};
+    for (const auto& [lock, read, write] : cases) {
         const UniqueFd holder(open(path.c_str(), O_RDWR));
-        flock(holder.Get(), test.lock);
-        EXPECT_EQ(LFile::TestFileShareReadBlocked(path.c_str()), test.read) << test.lock;
-        EXPECT_EQ(LFile::TestFileShareWriteBlocked(path.c_str()), test.write) << test.lock;
+        flock(holder.Get(), lock);
+        EXPECT_EQ(LFile::TestFileShareReadBlocked(path.c_str()), read) << lock;
+        EXPECT_EQ(LFile::TestFileShareWriteBlocked(path.c_str()), write) << lock;
     }
     EXPECT_FALSE(LFile::TestFileShareReadBlocked((folder / "none").c_str()));
 }
@@ -209,6 +204,53 @@ TEST(LockFile, IsHeldByOneProcessAndLeavesWithIt) {
     EXPECT_FALSE(lock.Lock((folder / "no/such.run").c_str()));
     EXPECT_FALSE(lock.IsLocked());
     EXPECT_FALSE(folder.Has("other.lck"));
+    // Without an extension the path is the lock, unless it is somebody's file.
+    folder.Write("text", "precious");
+    folder.Write("empty", "");
+    EXPECT_FALSE(lock.Lock((folder / "text").c_str()));
+    EXPECT_TRUE(lock.Lock((folder / "empty").c_str()));
+    lock.Unlock();
+    EXPECT_EQ(folder.Read("text"), "precious");
+    EXPECT_TRUE(folder.Has("empty"));
+}
+
+// What the file holds each time the child asks for something to be put on the disk.
+std::vector<std::string> HeldAtEachSync(const std::string& path, const std::function<int()>& body) {
+    const pid_t child = StartForked([&] {
+        ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+        raise(SIGSTOP);
+        return body();
+    });
+    std::vector<std::string> held;
+    __ptrace_syscall_info info{};
+    for (int status = 0; waitpid(child, &status, 0) == child && WIFSTOPPED(status);) {
+        ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD);
+        if (ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info) > 0 &&
+            info.op == PTRACE_SYSCALL_INFO_ENTRY && info.entry.nr == SYS_fsync)
+            held.push_back(ScratchFolder::ReadFile(path));
+        ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
+    }
+    return held;
+}
+
+TEST(PublishFile, PutsTheContentOnTheDiskBeforeTheNameAndReplacesOnlyWhenTold) {
+    const ScratchFolder folder;
+    const std::string written = folder / ".x";
+    const std::string final = folder / "x";
+    folder.Write(".x", "new");
+    using Held = std::vector<std::string>;
+    const auto publish = [&](bool replace) {
+        return HeldAtEachSync(final,
+                              [&] { return PublishFile(written.c_str(), final.c_str(), replace); });
+    };
+    EXPECT_EQ(publish(false), (Held{"", "new"}));
+    EXPECT_TRUE(folder.Read("x") == "new" && !folder.Has(".x"));
+    folder.Write(".x", "newer");
+    EXPECT_EQ(PublishFile(written.c_str(), final.c_str(), false), EEXIST);
+    EXPECT_TRUE(folder.Read("x") == "new" && folder.Has(".x"));
+    EXPECT_EQ(publish(true), (Held{"new", "newer"}));
+    EXPECT_TRUE(folder.Read("x") == "newer" && !folder.Has(".x"));
+    EXPECT_EQ(PublishFile(written.c_str(), final.c_str(), true), ENOENT);
 }
 
 template <typename Reader>
@@ -276,11 +318,10 @@ TEST(FileReaders, CarryLengthPrefixedTexts) {
         EXPECT_STREQ(rest, "42");
     }
     // Lengths that lie: nothing is allocated, and no skip passes the end.
-    for (const std::string& bad : {std::string("\xff\xff\xff\xff\xff"),
-                                   std::string("\x05"
-                                               "abc"),
-                                   std::string("\xff\x01"), std::string()}) {
-        folder.Write("bad", bad + std::string(bad.size() == 5 ? 600 : 0, 'b'));
+    using std::string_literals::operator""s;
+    for (const std::string& bad :
+         {"\xff\xff\xff\xff\xff" + std::string(600, 'b'), "\x05-bc"s, "\xff\x01"s, ""s}) {
+        folder.Write("bad", bad);
         LSharedReadFile file((folder / "bad").c_str());
         char text[kLengthStringBufferSize];
         EXPECT_FALSE(file.ReadStringLenUTF8(text));
@@ -293,25 +334,20 @@ TEST(FileReaders, CarryLengthPrefixedTexts) {
 TEST(TextFile, LoadsWholeFilesOrLeavesTheTextAlone) {
     const ScratchFolder folder;
     mkfifo((folder / "fifo").c_str(), 0666);
+    folder.Write("huge", "");
+    ASSERT_EQ(truncate((folder / "huge").c_str(), 1LL << 40), 0);
     LStringLongTemplate<char> text("before");
-    for (const char* name : {"none", "fifo", "", "no/such"}) {
+    for (const char* name : {"none", "fifo", "", "huge"}) {
         EXPECT_FALSE(LoadText((folder / name).c_str(), text)) << name;
         EXPECT_EQ(text.View(), "before");
     }
-    folder.Write("huge", "");
-    ASSERT_EQ(truncate((folder / "huge").c_str(), 1LL << 40), 0);
-    EXPECT_FALSE(LoadText((folder / "huge").c_str(), text));
-
-    const std::string binary = std::string("a\0b\r\n\xff", 6) + std::string(5 << 20, 'z');
-    SaveText((folder / "t").c_str(), LStringLongTemplate<char>(binary));
-    EXPECT_EQ(folder.Read("t"), binary);
-    EXPECT_TRUE(LoadText((folder / "t").c_str(), text));
-    EXPECT_EQ(text.View(), binary);
-    SaveText((folder / "t").c_str(), "short");
-    EXPECT_EQ(folder.Read("t"), "short");
-    SaveText((folder / "t").c_str(), LStringLongTemplate<char>());
-    EXPECT_TRUE(LoadText((folder / "t").c_str(), text));
-    EXPECT_TRUE(text.IsEmpty());
+    for (const std::string& content :
+         {std::string("a\0b\r\n\xff", 6) + std::string(5 << 20, 'z'), std::string()}) {
+        SaveText((folder / "t").c_str(), LStringLongTemplate<char>(content));
+        EXPECT_EQ(folder.Read("t"), content);
+        EXPECT_TRUE(LoadText((folder / "t").c_str(), text));
+        EXPECT_EQ(text.View(), content);
+    }
     SaveText((folder / "no/such").c_str(), "lost");
     EXPECT_FALSE(folder.Has("no"));
 }

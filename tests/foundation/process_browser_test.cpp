@@ -4,7 +4,7 @@
 #include "foundation/browser.h"
 #include "foundation/hosts.h"
 #include "foundation/settings.h"
-#include "tests/foundation/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 

@@ -103,18 +103,14 @@ TEST(Thread, PriorityIsNiceBelowOneAndRoundRobinAbove) {
 }
 
 TEST(Thread, WaitsAnswerStopBeforeDoneBeforeTimeOut) {
-    struct Case {
+    const struct {
         bool stop, first, second;
         LProcessResult one, two;
-    };
-    const Case cases[] = {
-        {false, false, false, kProcessFailed, kProcessFailed},
-        {false, true, false, kProcessDone, kProcessDone},
-        {false, false, true, kProcessFailed, kProcessDone},
-        {true, false, false, kProcessStopped, kProcessStopped},
-        {true, true, true, kProcessStopped, kProcessStopped},
-    };
-    for (const Case& each : cases) {
+    } cases[] = {{false, false, false, kProcessFailed, kProcessFailed},
+                 {false, true, false, kProcessDone, kProcessDone},
+                 {false, false, true, kProcessFailed, kProcessDone},
+                 {true, true, true, kProcessStopped, kProcessStopped}};
+    for (const auto& each : cases) {
         Worker worker([](Worker&) {});
         LSignalObject first;
         LSignalObject second;

@@ -22,10 +22,11 @@ public:
 
     const std::string& Path() const { return path_; }
     std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-    std::string Read(const std::string& name) const {
-        std::ifstream file(path_ + "/" + name, std::ios::binary);
+    static std::string ReadFile(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
+    std::string Read(const std::string& name) const { return ReadFile(path_ + "/" + name); }
     void Write(const std::string& name, const std::string& text) const {
         std::ofstream(path_ + "/" + name, std::ios::binary) << text;
     }

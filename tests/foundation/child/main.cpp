@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <string_view>
 #include <thread>
@@ -78,13 +79,24 @@ void Crash(std::string_view way) {
         thread.Start(0);
         ::pause();
     }
-    if (way == "twice") {
+    if (way == "later") {
         std::thread([] {
             while (bLLibExceptionAlreadyTrapped == 0)
                 ::usleep(1000);
-            ::usleep(300000);  // the box is up
+            ::usleep(100000);  // the box is up
             ::raise(SIGILL);
         }).detach();
+    }
+    if (way == "together") {
+        static std::atomic<int> ready{0};
+        const auto faultTogether = [] {
+            for (++ready; ready < 3;) {
+            }
+            Fault();
+        };
+        std::thread(faultTogether).detach();
+        std::thread(faultTogether).detach();
+        faultTogether();
     }
     if (way == "illegal")
         ::raise(SIGILL);
