@@ -4,9 +4,7 @@
 #include <gtk/gtk.h>
 
 #include "gui/gobject_ref.h"
-
-// The program's own icon, worn by its windows and message boxes.
-constexpr int kAppIconNumber = 1;
+#include "gui/icon_numbers.h"
 
 // Empty when the file is missing or unreadable.
 GObjectRef<GdkPixbuf> LoadIcon(int number);
