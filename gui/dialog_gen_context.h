@@ -66,6 +66,10 @@ public:
     void AddScrollBar(int id, const char* text);  // range: LWindow::SBSetRange
     void AddScrollBar(int id);
     void AddProgressBar(int id);
+    void AddDBEdit(int id, const char* text);  // decibel slider, wired
+    void AddDBEdit(int id);
+    void AddDBDisplay(int id);  // level meter
+    void AddHyperLink(int id, const char* text, const char* link);
 
     // The action area. A null label keeps the stock text of the OK button; without a label and with
     // all three buttons unwanted there is no action area at all.

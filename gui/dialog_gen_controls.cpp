@@ -3,6 +3,9 @@
 #include "gui/dialog.h"
 #include "gui/dialog_gen_context.h"
 #include "gui/display_text.h"
+#include "gui/widgets/db_display.h"
+#include "gui/widgets/db_edit.h"
+#include "gui/widgets/hyper_link.h"
 
 namespace {
 
@@ -180,4 +183,25 @@ void LDialogGenContext::AddScrollBar(int id) {
 
 void LDialogGenContext::AddProgressBar(int id) {
     AddSpanFull(gtk_progress_bar_new(), id);
+}
+
+void LDialogGenContext::AddDBEdit(int id, const char* text) {
+    GtkWidget* box = LDBEdit::CreateControl();
+    LDBEdit::SetName(box, DisplayText(text).c_str());
+    LDBEdit::Init(id, box);
+    AddLabelled(box, id, text);
+}
+
+void LDialogGenContext::AddDBEdit(int id) {
+    GtkWidget* box = LDBEdit::CreateControl();
+    LDBEdit::Init(id, box);
+    AddSpanFull(box, id);
+}
+
+void LDialogGenContext::AddDBDisplay(int id) {
+    AddSpanFull(LDBDisplay::CreateControl(), id);
+}
+
+void LDialogGenContext::AddHyperLink(int id, const char* text, const char* link) {
+    AddSpanFull(NewHyperLink(text, link), id);
 }

@@ -13,6 +13,7 @@
 #include "gui/bubble_tip.h"
 #include "gui/button_controls.h"
 #include "gui/cool_button_controls.h"
+#include "gui/decibel_controls.h"
 #include "gui/drop_down_controls.h"
 #include "gui/edit_controls.h"
 #include "gui/gobject_ref.h"
@@ -34,7 +35,8 @@ class LWindow : public LTextControls,
                 public LListViewControls,
                 public LTabControls,
                 public LRangeControls,
-                public LCoolButtonControls {
+                public LCoolButtonControls,
+                public LDecibelControls {
 public:
     LWindow() = default;
     // Destroys a top-level widget that is still open, without calling DestroyDialog.
