@@ -1,57 +1,101 @@
 #include "gui/cool_button.h"
 
-#include <algorithm>
+#include <gdk/gdkkeysyms.h>
+
 #include <memory>
+#include <string>
 
 #include "gui/accessible.h"
+#include "gui/display_text.h"
 #include "gui/icons.h"
 
 namespace {
 
 constexpr const char* kDataKey = "cool-button";
-constexpr int kMaxImageSize = 32;  // pixels
+constexpr int kImageSize = 32;  // pixels
 
 struct CoolButton {
     LCoolButtonKind kind;
-    int command;
-    void (*clicked)(void* data, int command);
-    void* data;
-    bool down;  // the pressed look as last set by the program or, for up-down buttons, by the user
+    LCoolButtonCommands commands;
+    std::function<void(int)> send;
+    bool down;                   // the pressed look as last set by the program
+    bool held = false;           // the first command of an up-down button is out
+    GtkWidget* arrow = nullptr;  // the part that drops down; owned by the face
 };
 
-CoolButton* Of(GtkToggleButton* button) {
+CoolButton* Of(gpointer button) {
     return static_cast<CoolButton*>(g_object_get_data(G_OBJECT(button), kDataKey));
 }
 
-void GCCoolButtonClicked(GtkToggleButton* button, gpointer cool) {
-    auto* state = static_cast<CoolButton*>(cool);
-    if (state->kind == LCoolButtonKind::kUpDown)
-        state->down = gtk_toggle_button_get_active(button) != FALSE;
-    else
-        SetCoolButtonState(button, state->down);  // GTK has turned the look over already
-    state->clicked(state->data, state->command);
+// Last act of its caller: the command may destroy the button.
+void Send(const CoolButton& state, int command) {
+    const auto send = state.send;
+    send(command);
+}
+
+void Hold(CoolButton& state, bool held) {
+    if (state.held == held)
+        return;
+    state.held = held;
+    Send(state, held ? state.commands.command : state.commands.second);
+}
+
+void GCClicked(GtkToggleButton* button, gpointer) {
+    CoolButton* state = Of(button);
+    SetCoolButtonState(button, state->down);  // GTK has turned the look over already
+    if (state->kind != LCoolButtonKind::kUpDown)
+        Send(*state, state->commands.command);
 }
 
 // Changing the look emits "clicked" again, which must not be taken for the user's click.
-void SetLook(GtkToggleButton* button, bool down, CoolButton* state) {
-    g_signal_handlers_block_by_func(button, reinterpret_cast<gpointer>(GCCoolButtonClicked), state);
+void SetLook(GtkToggleButton* button, bool down) {
+    const auto clicked = reinterpret_cast<gpointer>(GCClicked);
+    g_signal_handlers_block_by_func(button, clicked, nullptr);
     gtk_toggle_button_set_active(button, down);
-    g_signal_handlers_unblock_by_func(button, reinterpret_cast<gpointer>(GCCoolButtonClicked),
-                                      state);
+    g_signal_handlers_unblock_by_func(button, clicked, nullptr);
 }
 
-// Larger pictures would leave no room for the text.
-GtkWidget* NewFaceImage(int number) {
-    const auto icon = LoadIcon(number);
-    const int width = icon ? gdk_pixbuf_get_width(icon.Get()) : 0;
-    const int height = icon ? gdk_pixbuf_get_height(icon.Get()) : 0;
-    const int larger = std::max(width, height);
-    if (larger <= kMaxImageSize)
-        return gtk_image_new_from_pixbuf(icon.Get());
-    const auto scaled = GObjectRef<GdkPixbuf>::Adopt(
-        gdk_pixbuf_scale_simple(icon.Get(), std::max(1, width * kMaxImageSize / larger),
-                                std::max(1, height * kMaxImageSize / larger), GDK_INTERP_BILINEAR));
-    return gtk_image_new_from_pixbuf(scaled.Get());
+gboolean GCArrowPress(GtkWidget* button, GdkEventButton* event, gpointer) {
+    const CoolButton* state = Of(button);
+    if (state->arrow == nullptr || event->button != 1)
+        return FALSE;
+    int x = 0;
+    gtk_widget_translate_coordinates(state->arrow, button, 0, 0, &x, nullptr);
+    if (event->x < x)
+        return FALSE;
+    if (event->type == GDK_BUTTON_PRESS)
+        Send(*state, state->commands.second);
+    return TRUE;
+}
+
+void GCPressed(GtkWidget* button, gpointer) {
+    Hold(*Of(button), true);
+}
+
+void GCReleased(GtkWidget* button, gpointer) {
+    Hold(*Of(button), false);
+}
+
+gboolean GCFocusOut(GtkWidget* button, GdkEvent*, gpointer) {
+    Hold(*Of(button), false);
+    return FALSE;
+}
+
+gboolean GCKey(GtkWidget* button, GdkEventKey* event, gpointer) {
+    CoolButton* state = Of(button);
+    const guint key = event->keyval;
+    const bool press = event->type == GDK_KEY_PRESS;
+    if (state->kind == LCoolButtonKind::kDropDown && press &&
+        (key == GDK_KEY_Down || key == GDK_KEY_KP_Down)) {
+        Send(*state, state->commands.second);
+        return TRUE;
+    }
+    if (state->kind == LCoolButtonKind::kUpDown &&
+        (key == GDK_KEY_space || key == GDK_KEY_Return || key == GDK_KEY_KP_Enter)) {
+        Hold(*state, press);  // a repeating key presses again and again
+        return TRUE;
+    }
+    return FALSE;
 }
 
 // A label breaks its lines by its requested width, not by the width it gets.
@@ -62,36 +106,71 @@ void GCLabelSize(GtkWidget* label, GtkAllocation* place, gpointer) {
         gtk_widget_set_size_request(label, place->width, -1);
 }
 
-void SetFace(GtkToggleButton* button, int imageNumber, const char* text) {
-    if (GtkWidget* old = gtk_bin_get_child(GTK_BIN(button)))
-        gtk_container_remove(GTK_CONTAINER(button), old);
-    GtkWidget* face = gtk_hbox_new(FALSE, 4);
-    if (imageNumber >= 0)
-        gtk_box_pack_start(GTK_BOX(face), NewFaceImage(imageNumber), FALSE, FALSE, 2);
-    GtkWidget* label = gtk_label_new(text);
+GtkWidget* NewFaceLabel(const std::string& text) {
+    GtkWidget* label = gtk_label_new(text.c_str());
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
     gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
     g_signal_connect(label, "size-allocate", G_CALLBACK(GCLabelSize), nullptr);
-    gtk_box_pack_start(GTK_BOX(face), label, TRUE, TRUE, 0);
+    return label;
+}
+
+void SetFace(GtkToggleButton* button, CoolButton& state, int imageNumber, const char* text) {
+    if (GtkWidget* old = gtk_bin_get_child(GTK_BIN(button)))
+        gtk_container_remove(GTK_CONTAINER(button), old);
+    const std::string shown = DisplayText(text);
+    GtkWidget* face = gtk_hbox_new(FALSE, 4);
+    if (imageNumber >= 0)
+        gtk_box_pack_start(GTK_BOX(face), NewIconImageAt(imageNumber, kImageSize), shown.empty(),
+                           FALSE, shown.empty() ? 0 : 2);
+    if (!shown.empty()) {
+        gtk_box_pack_start(GTK_BOX(face), NewFaceLabel(shown), TRUE, TRUE, 0);
+        SetAccessibleName(GTK_WIDGET(button), shown.c_str());
+    }
+    if (state.kind == LCoolButtonKind::kDropDown) {
+        state.arrow = gtk_arrow_new(GTK_ARROW_DOWN, GTK_SHADOW_NONE);
+        gtk_box_pack_end(GTK_BOX(face), state.arrow, FALSE, FALSE, 0);
+        gtk_box_pack_end(GTK_BOX(face), gtk_vseparator_new(), FALSE, FALSE, 0);
+    }
     gtk_container_add(GTK_CONTAINER(button), face);
     gtk_widget_show_all(face);
-    SetAccessibleName(GTK_WIDGET(button), text);
+}
+
+void Connect(GtkToggleButton* button, LCoolButtonKind kind) {
+    const struct {
+        const char* signal;
+        GCallback callback;
+        bool wanted;
+    } connections[] = {
+        {"clicked", G_CALLBACK(GCClicked), true},
+        {"button-press-event", G_CALLBACK(GCArrowPress), kind == LCoolButtonKind::kDropDown},
+        {"key-press-event", G_CALLBACK(GCKey), kind != LCoolButtonKind::kPush},
+        {"key-release-event", G_CALLBACK(GCKey), kind == LCoolButtonKind::kUpDown},
+        {"pressed", G_CALLBACK(GCPressed), kind == LCoolButtonKind::kUpDown},
+        {"released", G_CALLBACK(GCReleased), kind == LCoolButtonKind::kUpDown},
+        {"unmap", G_CALLBACK(GCReleased), kind == LCoolButtonKind::kUpDown},
+        {"focus-out-event", G_CALLBACK(GCFocusOut), kind == LCoolButtonKind::kUpDown},
+    };
+    for (const auto& connection : connections) {
+        g_signal_handlers_disconnect_by_func(
+            button, reinterpret_cast<gpointer>(connection.callback), nullptr);
+    }
+    for (const auto& connection : connections) {
+        if (connection.wanted)
+            g_signal_connect(button, connection.signal, connection.callback, nullptr);
+    }
 }
 
 }  // namespace
 
 void InitCoolButton(GtkToggleButton* button, LCoolButtonKind kind, int imageNumber,
-                    const char* text, int command, void (*clicked)(void* data, int command),
-                    void* data) {
-    SetFace(button, imageNumber, text);
-    if (CoolButton* old = Of(button))
-        g_signal_handlers_disconnect_by_func(button,
-                                             reinterpret_cast<gpointer>(GCCoolButtonClicked), old);
+                    const char* text, LCoolButtonCommands commands,
+                    std::function<void(int command)> send) {
     const bool down = gtk_toggle_button_get_active(button) != FALSE;
-    auto state = std::make_unique<CoolButton>(CoolButton{kind, command, clicked, data, down});
-    g_signal_connect(button, "clicked", G_CALLBACK(GCCoolButtonClicked), state.get());
+    auto state = std::make_unique<CoolButton>(CoolButton{kind, commands, std::move(send), down});
+    SetFace(button, *state, imageNumber, text);
     g_object_set_data_full(G_OBJECT(button), kDataKey, state.release(),
                            [](gpointer cool) { delete static_cast<CoolButton*>(cool); });
+    Connect(button, kind);
 }
 
 void SetCoolButtonState(GtkToggleButton* button, bool down) {
@@ -100,5 +179,5 @@ void SetCoolButtonState(GtkToggleButton* button, bool down) {
         return;
     state->down = down;
     if ((gtk_toggle_button_get_active(button) != FALSE) != down)
-        SetLook(button, down, state);
+        SetLook(button, down);
 }

@@ -1,25 +1,27 @@
 #include "gui/cool_button_controls.h"
 
-#include "gui/cool_button.h"
-
-namespace {
-
-void CoolButtonClicked(void* host, int command) {
-    HostOf(host).DeliverCommand(command);
+void LCoolButtonControls::Init(int id, LCoolButtonKind kind, int imageNumber, const char* text,
+                               LCoolButtonCommands commands) {
+    if (auto* button = ControlAs<GtkToggleButton>(id, GTK_TYPE_TOGGLE_BUTTON))
+        InitCoolButton(button, kind, imageNumber, text, commands,
+                       [this, life = Life()](int command) {
+                           if (!life.expired())
+                               DeliverCommand(command);
+                       });
 }
-
-}  // namespace
 
 void LCoolButtonControls::CoolButtonInit(int id, int imageNumber, const char* text) {
-    if (auto* button = ControlAs<GtkToggleButton>(id, GTK_TYPE_TOGGLE_BUTTON))
-        InitCoolButton(button, LCoolButtonKind::kPush, imageNumber, text, id, CoolButtonClicked,
-                       static_cast<LControlHost*>(this));
+    Init(id, LCoolButtonKind::kPush, imageNumber, text, {id});
 }
 
-void LCoolButtonControls::CoolButtonInitUpDown(int id, int imageNumber, const char* text) {
-    if (auto* button = ControlAs<GtkToggleButton>(id, GTK_TYPE_TOGGLE_BUTTON))
-        InitCoolButton(button, LCoolButtonKind::kUpDown, imageNumber, text, id, CoolButtonClicked,
-                       static_cast<LControlHost*>(this));
+void LCoolButtonControls::CoolButtonInitDropDown(int id, int imageNumber, const char* text,
+                                                 int dropDownCommand) {
+    Init(id, LCoolButtonKind::kDropDown, imageNumber, text, {id, dropDownCommand});
+}
+
+void LCoolButtonControls::CoolButtonInitUpDown(int id, int imageNumber, const char* text,
+                                               int downCommand, int upCommand) {
+    Init(id, LCoolButtonKind::kUpDown, imageNumber, text, {downCommand, upCommand});
 }
 
 void LCoolButtonControls::SetCoolButtonDown(int id) {

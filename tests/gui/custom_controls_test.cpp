@@ -1,10 +1,12 @@
 // The controls that draw themselves, in a real window.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "gui/cool_button.h"
 #include "gui/widgets/db_display.h"
 #include "gui/widgets/db_edit.h"
 #include "gui/widgets/explorer_bar.h"
@@ -16,6 +18,25 @@ namespace {
 class CustomControls : public testing::Test {
 protected:
     ~CustomControls() override { gtk_widget_destroy(window_); }
+    static void Key(GtkWidget* widget, GdkEventType type, guint key) {
+        GdkEvent* event = gdk_event_new(type);
+        event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(widget)));
+        event->key.keyval = key;
+        gtk_widget_event(widget, event);
+        gdk_event_free(event);
+    }
+    static void Pointer(GtkWidget* widget, GdkEventType type, int x) {
+        GdkEvent* event = gdk_event_new(type);
+        event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(widget)));
+        if (type == GDK_MOTION_NOTIFY) {
+            event->motion.x = x;
+        } else {
+            event->button.x = x;
+            event->button.button = 1;
+        }
+        gtk_widget_event(widget, event);
+        gdk_event_free(event);
+    }
     void Show(GtkWidget* control) {
         gtk_container_add(GTK_CONTAINER(window_), control);
         gtk_widget_show_all(window_);
@@ -38,25 +59,7 @@ protected:
         Show(box_);
         EXPECT_EQ(display_->allocation.width, 109);
     }
-    void Pointer(GdkEventType type, int x) {
-        GdkEvent* event = gdk_event_new(type);
-        event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(display_)));
-        if (type == GDK_MOTION_NOTIFY) {
-            event->motion.x = x;
-        } else {
-            event->button.x = x;
-            event->button.button = 1;
-        }
-        gtk_widget_event(display_, event);
-        gdk_event_free(event);
-    }
-    static void Key(GtkWidget* widget, GdkEventType type, guint key) {
-        GdkEvent* event = gdk_event_new(type);
-        event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(widget)));
-        event->key.keyval = key;
-        gtk_widget_event(widget, event);
-        gdk_event_free(event);
-    }
+    void Pointer(GdkEventType type, int x) { CustomControls::Pointer(display_, type, x); }
     int Level() const { return LDBEdit::GetLevel(box_).Value(); }
     int Data(const char* key) const {
         return GPOINTER_TO_INT(g_object_get_data(G_OBJECT(display_), key));
@@ -168,6 +171,91 @@ TEST(Meter, BarsFallSmoothlyUnderAHeldPeak) {
     meter.SetLevels(LDBMC(1), kSecond);
     meter.SetLevels(LDBMC(2), kSecond);
     EXPECT_DOUBLE_EQ(meter.Peak(1, kSecond), -36) << "a new channel has no past";
+}
+
+class CoolButton : public CustomControls {
+protected:
+    void Init(LCoolButtonKind kind) {
+        gtk_widget_set_size_request(button_, 120, 40);
+        InitCoolButton(GTK_TOGGLE_BUTTON(button_), kind, -1, "Rewind", {1150, 1151},
+                       [this](int command) { sent_.push_back(command); });
+        Show(button_);
+    }
+    GtkWidget* const button_ = gtk_toggle_button_new();
+    std::vector<int> sent_;
+};
+
+TEST_F(CoolButton, AHeldButtonComesUpOnceHoweverItEnds) {
+    Init(LCoolButtonKind::kUpDown);
+    const auto pressed = [&] { gtk_button_pressed(GTK_BUTTON(button_)); };
+    const struct {
+        const char* what;
+        std::function<void()> hold, end;
+    } cases[] = {
+        {"released", pressed, [&] { gtk_button_released(GTK_BUTTON(button_)); }},
+        {"insensitive", pressed, [&] { gtk_widget_set_sensitive(button_, FALSE); }},
+        {"hidden", pressed, [&] { gtk_widget_hide(button_); }},
+        {"key",
+         [&] {
+             Key(button_, GDK_KEY_PRESS, GDK_KEY_space);
+             Key(button_, GDK_KEY_PRESS, GDK_KEY_space);  // it repeats
+         },
+         [&] { Key(button_, GDK_KEY_RELEASE, GDK_KEY_space); }},
+    };
+    for (const auto& c : cases) {
+        gtk_widget_show(button_);
+        gtk_widget_set_sensitive(button_, TRUE);
+        c.hold();
+        EXPECT_EQ(sent_, std::vector{1150}) << c.what;
+        c.end();
+        gtk_button_released(GTK_BUTTON(button_));
+        EXPECT_EQ(sent_, (std::vector{1150, 1151})) << c.what;
+        EXPECT_FALSE(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(button_))) << c.what;
+        sent_.clear();
+    }
+}
+
+TEST_F(CoolButton, OnlyTheArrowDropsDown) {
+    Init(LCoolButtonKind::kDropDown);
+    Pointer(button_, GDK_BUTTON_PRESS, 20);
+    EXPECT_TRUE(sent_.empty()) << "a press beside the arrow is the button's";
+    gtk_button_clicked(GTK_BUTTON(button_));
+    Pointer(button_, GDK_BUTTON_PRESS, 112);
+    Key(button_, GDK_KEY_PRESS, GDK_KEY_Down);
+    EXPECT_EQ(sent_, (std::vector{1150, 1151, 1151}));
+}
+
+TEST(DecibelControls, ADialogBuildsSetsAndHearsThem) {
+    RecordingDialog dialog;
+    dialog.onInit = [&] {
+        dialog.DBEditSetLevel(108, LDB(-6));
+        dialog.HandleDBEditChange(108, 1080);
+        LDBMC levels(2, LDB(-9));
+        dialog.DBDisplaySetLevels(104, levels);
+        dialog.DBDisplaySetLevels(108, levels);  // no meter
+        dialog.LDBEditInit(104);                 // no slider
+        dialog.HandleDBEditChange(7);
+    };
+    int level = 0;
+    UserScript user({[&] {
+        GtkWidget* box = dialog.GetControlByID(108);
+        EXPECT_EQ(LDBDisplay::GetLevels(dialog.GetControlByID(104)).Channels(), 2);
+        EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(LDBEdit::GetHandle(box, true))),
+                     "Volume");
+        gtk_widget_activate(LDBEdit::GetHandle(box, true));
+        level = dialog.DBEditGetLevel(108).Value();
+        gtk_dialog_response(GTK_DIALOG(dialog.Widget()), kCommandOk);
+    }});
+    dialog.Open(nullptr,
+                {"Levels", false,
+                 [](LDialogGenContext& context) {
+                     context.AddDBDisplay(104);
+                     context.AddDBEdit(108, "Volume");
+                     context.AddHyperLink(116, "More \xFF", "http://quillon.example/");
+                 }},
+                true);
+    EXPECT_EQ(level, -6);
+    EXPECT_EQ(dialog.commands, std::vector{1080});
 }
 
 class ExplorerBar : public CustomControls {

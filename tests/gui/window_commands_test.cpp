@@ -147,11 +147,6 @@ TEST_F(WindowCommands, CoolButtonsSendOnClicksOnly) {
     dialog.SetCoolButtonUp(14);
     EXPECT_FALSE(dialog.IsCoolButtonDown(14));
     EXPECT_THAT(Taken(), ElementsAre(14));
-
-    dialog.CoolButtonInitUpDown(14, -1, "Pause");
-    gtk_button_clicked(ButtonOf(dialog, 14));
-    EXPECT_TRUE(dialog.IsCoolButtonDown(14));
-    EXPECT_THAT(Taken(), ElementsAre(14));
 }
 
 TEST(KeyDialog, KeysFollowTheTableWhateverTheLocks) {
