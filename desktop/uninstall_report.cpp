@@ -1,0 +1,65 @@
+#include "desktop/uninstall_report.h"
+
+#include <cstring>
+#include <iterator>
+#include <string_view>
+
+#include "foundation/text_buffer.h"
+
+const LUninstallComment gUninstallComments[] = {
+    {"NotUsed", "I don't use it very often", nullptr,
+     "A full list of our products can be found at the below website. You may find another product "
+     "that is more suitable for your needs.",
+     ""},
+    {"Problem", "I have problems using it",
+     "Please tell us what problems do you have had? [Optional]", nullptr, nullptr},
+    {"Features", "It doesn't have features that I want", nullptr,
+     "We make many similar programs. Please open the website below for a list. It may help you to "
+     "find another product that is more suitable for your needs.",
+     "software"},
+    {"Prefer", "I prefer another product",
+     "Please tell us why you prefer the other product? [Optional]", nullptr, nullptr},
+    {"Other", "Other", nullptr, nullptr, nullptr},
+    {nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+namespace {
+
+constexpr std::size_t kLongestEncoded = kTextBufferSize - 1;
+constexpr std::size_t kLongestBody = 2047;
+
+std::string PercentEncoded(std::string_view text) {
+    constexpr std::string_view reserved = "%:/?#[]@!$&'()*+,;=";
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte > 32 && byte < 128 && reserved.find(character) == std::string_view::npos)
+            encoded += character;
+        else
+            encoded.append({'%', digits[byte >> 4], digits[byte & 15]});
+    }
+    return encoded.substr(0, kLongestEncoded);
+}
+
+}  // namespace
+
+std::string UninstallReportBody(int selectedItem, const std::string& typed) {
+    if (selectedItem < 0 || selectedItem >= static_cast<int>(std::size(gUninstallComments)))
+        return std::string();
+    const LUninstallComment& row = gUninstallComments[selectedItem];
+    if (row.key == nullptr)
+        return std::string();
+    const std::string comment = row.advice ? std::string() : typed;
+    if (row.advice == nullptr && comment.empty() && std::strcmp(row.key, "Other") == 0)
+        return std::string();
+    const std::string body = "software=Lectora&version=1.05&report=UNINSTALL&text=" + comment +
+                             "-" + PercentEncoded(comment);
+    return body.substr(0, kLongestBody);
+}
+
+std::string UninstallReportHeader(const std::string& host, const std::string& body) {
+    return std::string("POST ") + kReportPath + " HTTP/1.0\r\nHost: " + host +
+           "\r\nContent-Type: application/x-www-form-urlencoded\r\nContent-Length: " +
+           std::to_string(body.size()) + "\r\n\r\n";
+}

@@ -1,0 +1,87 @@
+#include "desktop/uninstall_report.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+
+#include <thread>
+
+#include "foundation/settings_keys.h"
+
+namespace {
+
+const std::string kStart = "software=Lectora&version=1.05&report=UNINSTALL&text=";
+
+TEST(UninstallReport, FollowsTheRowBehindTheReasonThatIsShown) {
+    const std::string longText(3000, 'x');
+    const struct {
+        const char* choice;
+        int item;
+        std::string typed;
+        std::string text;  // empty: nothing is sent
+    } cases[] = {
+        {"none chosen, the row looked at has advice", 0, "typed", "-"},
+        {"I don't use it very often", 1, "slow app", "slow app-slow%20app"},
+        {"I don't use it very often", 1, "", "-"},
+        {"I have problems using it", 2, "typed", "-"},
+        {"It doesn't have features that I want", 3, "a&b=\xc3\xa9/~\x7f",
+         "a&b=\xc3\xa9/~\x7f-a%26b%3D%C3%A9%2F~\x7f"},
+        {"I prefer another product", 4, "", ""},
+        {"I prefer another product", 4, "%:/?#[]@!$&'()*+,;=",
+         "%:/?#[]@!$&'()*+,;=-%25%3A%2F%3F%23%5B%5D%40%21%24%26%27%28%29%2A%2B%2C%3B%3D"},
+        {"Other", 5, "typed", ""},
+        {"beyond", 6, "typed", ""},
+        {"no item", -1, "typed", ""},
+        {"the whole is cut", 1, longText, longText.substr(0, 2047 - kStart.size())},
+        {"the code is cut", 1, std::string(100, ' '),
+         std::string(100, ' ') + "-" +
+             [] {
+                 std::string codes;
+                 while (codes.size() < 259)
+                     codes += "%20";
+                 return codes.substr(0, 259);
+             }()},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(UninstallReportBody(each.item, each.typed),
+                  each.text.empty() ? "" : kStart + each.text)
+            << each.choice;
+}
+
+TEST(UninstallReport, ReachesTheServerByteForByteAndNeverMindsOneThatIsNotThere) {
+    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), size), 0);
+    ::listen(listener, 4);
+    ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+    const std::string host = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+    kReportHostSetting.Set(host);
+    std::string received;
+    std::thread server([&] {
+        const int peer = ::accept(listener, nullptr, nullptr);
+        char block[256];
+        for (ssize_t got; (got = ::recv(peer, block, sizeof block, 0)) > 0;)
+            received.append(block, static_cast<std::size_t>(got));
+        ::close(peer);
+    });
+    LSilentProgress progress;
+    const std::string body = UninstallReportBody(1, "slow app");
+    ProcessUninstallReport(progress, "");  // sends nothing, or the server would take it
+    ProcessUninstallReport(progress, body);
+    server.join();
+    EXPECT_EQ(received, "POST /cgi-bin/report.exe HTTP/1.0\r\nHost: " + host +
+                            "\r\nContent-Type: application/x-www-form-urlencoded\r\n"
+                            "Content-Length: 71\r\n\r\n" +
+                            body);
+    ::close(listener);
+    for (const char* gone : {host.c_str(), "no such host", "h:0"}) {
+        kReportHostSetting.Set(gone);
+        ProcessUninstallReport(progress, body);
+    }
+    kReportHostSetting.Delete();
+}
+
+}  // namespace
