@@ -12,6 +12,7 @@
 
 #include "app/main_dialog.h"
 #include "app/run_once.h"
+#include "desktop/install_console.h"
 #include "foundation/crash_handler.h"
 #include "foundation/file.h"
 #include "foundation/text_buffer.h"
@@ -119,9 +120,17 @@ int RunLectora(int argc, char** argv) {
     gargv = argv;
     // Everything made later gets exactly the mode it asks for: the files are shared between users.
     umask(0);
-    if (std::getenv("DISPLAY") == nullptr && argc < 2) {
-        std::puts("You must have a display manager running to use this program.");
-        return -1;
+    if (std::getenv("DISPLAY") == nullptr) {
+        if (argc < 2) {
+            std::puts("You must have a display manager running to use this program.");
+            return -1;
+        }
+        if (std::strcmp(argv[1], "-install") == 0)
+            return RunInstallConsole() ? 0 : 1;
+        if (std::strcmp(argv[1], "-uninstall") == 0) {
+            RunUninstallConsole();
+            return 0;
+        }
     }
     gdk_threads_init();
     gtk_init(&gargc, &gargv);
