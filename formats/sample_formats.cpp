@@ -9,8 +9,6 @@
 static_assert(std::endian::native == std::endian::little,
               "stored types assume a little-endian machine");
 
-const int LSFALAW::D[8] = {256, 256, 512, 1024, 2048, 4096, 8192, 16384};
-
 namespace {
 
 constexpr int kMaxMantissa = 15;
@@ -23,7 +21,6 @@ constexpr std::array<int, 8> kMuLawOrigins = {0, 2112, 6336, 14784, 31680, 65408
 constexpr std::array<std::uint32_t, 8> kALawBases = {0,     4096,  8192,   16384,
                                                      32768, 65536, 131072, 262144};
 constexpr std::array<int, 8> kALawOrigins = {128, 4224, 8448, 16896, 33792, 67584, 135168, 270336};
-constexpr std::array<int, 8> kALawShifts = {8, 8, 9, 10, 11, 12, 13, 14};  // log2 of LSFALAW::D
 
 constexpr std::uint32_t Magnitude(int sample) {
     const auto bits = static_cast<std::uint32_t>(sample);
@@ -56,8 +53,9 @@ constexpr int DecodeMuLaw(std::uint8_t byte) {
 constexpr std::uint8_t EncodeALaw(int sample) {
     const std::uint32_t magnitude = Magnitude(sample);
     const unsigned segment = SegmentOf(magnitude, kALawBases);
+    const auto step = static_cast<std::uint32_t>(LSFALAW::D[segment]);
     const unsigned mantissa =
-        std::min<unsigned>((magnitude - kALawBases[segment]) >> kALawShifts[segment], kMaxMantissa);
+        std::min<unsigned>((magnitude - kALawBases[segment]) / step, kMaxMantissa);
     const unsigned sign = sample < 0 ? 0 : 0x80;
     return static_cast<std::uint8_t>((segment << 4 | sign | mantissa) ^ 0x55);
 }
@@ -65,7 +63,7 @@ constexpr std::uint8_t EncodeALaw(int sample) {
 constexpr int DecodeALaw(std::uint8_t byte) {
     const auto x = static_cast<std::uint8_t>(byte ^ 0x55);
     const unsigned segment = (x >> 4) & 7U;
-    const int magnitude = ((x & 15) << kALawShifts[segment]) + kALawOrigins[segment];
+    const int magnitude = (x & 15) * LSFALAW::D[segment] + kALawOrigins[segment];
     return (x & 0x80) != 0 ? magnitude : -magnitude;
 }
 

@@ -37,7 +37,8 @@ struct LSFULAW {
 };
 struct LSFALAW {
     std::uint8_t bits;
-    static const int D[8];  // step size of each segment
+    static constexpr int D[8] = {256,  256,  512,  1024,  // step size of each segment
+                                 2048, 4096, 8192, 16384};
     int Get() const;
     void Set(int sample);
 };
