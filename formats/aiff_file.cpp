@@ -5,8 +5,7 @@
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 54;
-constexpr std::uint32_t kAroundData = kHeaderBytes - 8;
+constexpr std::uint32_t kAroundData = kAiffHeaderBytes - 8;
 constexpr std::uint32_t kCommBytes = 18;
 constexpr std::uint32_t kSsndFieldBytes = 8;
 
@@ -65,7 +64,7 @@ LSoundSink OpenAIFFSink(const char* path, int rate, unsigned char channels) {
 
 int WriteHeaderAIFF(LRawFileDataSoundSinkBase& sink, bool final) {
     const std::uint32_t dataBytes = sink.DataBytes(kAroundData);
-    std::uint8_t header[kHeaderBytes] = {};
+    std::uint8_t header[kAiffHeaderBytes] = {};
     StoreId(header, "FORM");
     StoreBE32(header + 4, dataBytes == kUnknownBytes ? kUnknownBytes : dataBytes + kAroundData);
     StoreId(header + 8, "AIFF");

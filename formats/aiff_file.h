@@ -7,6 +7,8 @@
 #include "formats/file_io.h"
 #include "formats/raw_file_data.h"
 
+constexpr int kAiffHeaderBytes = 54;  // as written
+
 struct AiffCHUNKHeader {
     char id[4];
     std::uint32_t size;  // bytes that follow
@@ -36,7 +38,7 @@ public:
 
 LSoundSink OpenAIFFSink(const char* path, int rate, unsigned char channels);
 
-// Writes 54 bytes and returns 54.
+// Writes kAiffHeaderBytes and returns that number.
 int WriteHeaderAIFF(LRawFileDataSoundSinkBase& sink, bool final);
 
 // Reads chunk headers until one has the identifier, which leaves the file behind it. False when the

@@ -6,11 +6,8 @@
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 24;
-constexpr std::uint32_t kMuLaw = 1;
 constexpr std::uint32_t kLinear8 = 2;
 constexpr std::uint32_t kLinear16 = 3;
-constexpr std::uint32_t kALaw = 27;
 
 LSoundSource Failed(std::uint8_t status) {
     return LSoundSource(new LSoundSourceError(status));
@@ -36,7 +33,7 @@ LSoundSource LAuFile::OpenSource(const char* path) {
         return Failed(SoundStatus::kCannotOpen);
     // The header-size field is not looked at: samples are taken from offset 24 on, so that an
     // annotation is heard, and the lengths and positions shown for such files depend on it.
-    std::uint8_t header[kHeaderBytes];
+    std::uint8_t header[kAuHeaderBytes];
     if (!file.Read(header, sizeof(header)) || std::memcmp(header, ".snd", 4) != 0)
         return Failed(SoundStatus::kInvalidFormat);
     const std::uint32_t dataBytes = LoadBE32(header + 8);
@@ -46,13 +43,13 @@ LSoundSource LAuFile::OpenSource(const char* path) {
     if (rate < 1 || rate > INT32_MAX || channels < 1 || channels > 255)
         return Failed(SoundStatus::kInvalidFormat);
     switch (encoding) {
-        case kMuLaw:
+        case kAuEncodingMuLaw:
             return SourceOf<LSFULAW>(file, rate, channels, dataBytes);
         case kLinear8:
             return SourceOf<LSFS8>(file, rate, channels, dataBytes);
         case kLinear16:
             return SourceOf<LSFBE16>(file, rate, channels, dataBytes);
-        case kALaw:
+        case kAuEncodingALaw:
             return SourceOf<LSFALAW>(file, rate, channels, dataBytes);
         default:
             return Failed(SoundStatus::kUnsupported);
@@ -76,10 +73,16 @@ LSoundSink OpenAuSink(const char* path, LAuSettings& settings) {
     }
 }
 
+std::uint32_t AuEncodingOf(const char* path) {
+    HeaderReader file(OpenFileForReading(path));
+    std::uint8_t header[kAuHeaderBytes];
+    return file.IsOpen() && file.Read(header, sizeof(header)) ? LoadBE32(header + 12) : 0;
+}
+
 int WriteHeaderAU(LRawFileDataSoundSinkBase& sink, bool final, std::uint32_t encoding) {
-    std::uint8_t header[kHeaderBytes];
+    std::uint8_t header[kAuHeaderBytes];
     StoreId(header, ".snd");
-    StoreBE32(header + 4, kHeaderBytes);
+    StoreBE32(header + 4, kAuHeaderBytes);
     StoreBE32(header + 8, final ? sink.DataBytes(0) : kUnknownBytes);
     StoreBE32(header + 12, encoding);
     StoreBE32(header + 16, static_cast<std::uint32_t>(sink.SampleRate()));
@@ -97,9 +100,9 @@ int WriteHeaderAU_8PCM(LRawFileDataSoundSinkBase& sink, bool final) {
 }
 
 int WriteHeaderAU_ALAW(LRawFileDataSoundSinkBase& sink, bool final) {
-    return WriteHeaderAU(sink, final, kALaw);
+    return WriteHeaderAU(sink, final, kAuEncodingALaw);
 }
 
 int WriteHeaderAU_ULAW(LRawFileDataSoundSinkBase& sink, bool final) {
-    return WriteHeaderAU(sink, final, kMuLaw);
+    return WriteHeaderAU(sink, final, kAuEncodingMuLaw);
 }

@@ -5,6 +5,11 @@
 
 #include "formats/raw_file_data.h"
 
+constexpr int kAuHeaderBytes = 24;
+// The header's encoding words that are no plain PCM.
+constexpr std::uint32_t kAuEncodingMuLaw = 1;
+constexpr std::uint32_t kAuEncodingALaw = 27;
+
 enum LAuCodec : std::int32_t { kAuPcm16 = 0, kAuPcm8 = 1, kAuALaw = 2, kAuMuLaw = 3 };
 
 struct LAuSettings {
@@ -20,10 +25,14 @@ public:
     static LSoundSource OpenSource(const char* path);
 };
 
+// The encoding word of a file's header, 0 when it cannot be read.
+std::uint32_t AuEncodingOf(const char* path);
+
 // An unknown codec writes 16-bit samples at 44100 Hz stereo, whatever else the settings say.
 LSoundSink OpenAuSink(const char* path, LAuSettings& settings);
 
-// Header writers; each writes 24 bytes and returns 24. The encoding word is stored as given.
+// Header writers; each writes kAuHeaderBytes and returns that number. The encoding word is stored
+// as given.
 int WriteHeaderAU(LRawFileDataSoundSinkBase& sink, bool final, std::uint32_t encoding);
 int WriteHeaderAU_16PCM(LRawFileDataSoundSinkBase& sink, bool final);
 int WriteHeaderAU_8PCM(LRawFileDataSoundSinkBase& sink, bool final);

@@ -82,6 +82,10 @@ int FrameReader::FramesInFile() const {
     return ClampFrames((FileSize(file_.Get()) - dataStart_) / bytesPerFrame_);
 }
 
+int FrameReader::FramesMissing() const {
+    return length_ == kUnknownLength ? 0 : std::max(length_ - FramesInFile(), 0);
+}
+
 FrameWriter::FrameWriter(const char* path, std::size_t bytesPerFrame)
     : file_(OpenFileForWriting(path, &openError_)),
       bytesPerFrame_(bytesPerFrame),

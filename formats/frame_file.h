@@ -50,6 +50,7 @@ public:
     void SetLength(std::uint32_t dataBytes);
     void SetFrames(int frames) { length_ = frames; }
     int FramesInFile() const;                     // whole frames behind the first one now
+    int FramesMissing() const;                    // of the length
     int ReadError() const { return readError_; }  // errno of the last read that failed, else 0
     void NoteReadError(int error) { readError_ = error; }
     int Descriptor() const { return file_.Get(); }

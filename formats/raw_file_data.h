@@ -16,9 +16,7 @@ public:
     int GetEndSample() const override;
     void Seek(int frame) override;
     int ReadError() const override { return reader_.ReadError(); }
-    int FramesMissing() const override {
-        return std::max(GetEndSample() - reader_.FramesInFile(), 0);
-    }
+    int FramesMissing() const override { return reader_.FramesMissing(); }
 
 protected:
     FrameReader reader_;

@@ -1,12 +1,13 @@
 #include "formats/wave_format.h"
 
-#include <fcntl.h>
 #include <strings.h>
-#include <sys/stat.h>
 
 #include <string>
 
 #include "formats/file_io.h"
+#include "formats/whole_file.h"
+#include "foundation/file_mask.h"
+#include "foundation/log.h"
 #include "foundation/machine_root.h"
 
 LWaveFileFormat::LWaveFileFormat(int rate, unsigned char channelCount, const char* name)
@@ -32,28 +33,46 @@ LWaveFileFormat::LWaveFileFormat(int rate, unsigned char channelCount, const cha
 
 namespace {
 
-std::string DefaultFormatFolder(bool create) {
+std::string DefaultFormatPath(bool makeFolders) {
     std::string folder = HomeFolder();
     for (const char* part : {"/.quillon", "/lectora"}) {
         folder += part;
-        if (create)
-            ::mkdir(folder.c_str(), 0777);
+        if (makeFolders)
+            MakeFolder(folder.c_str());
     }
-    return folder;
+    return folder + "/WavCodec.wff";
+}
+
+// The file is anybody's: a rate of two thousand million would fill the disk. Another tag than PCM
+// passes, so that saving fails and says so, as the options dialog lets users choose it.
+bool IsWritable(const LWaveFileFormat& format) {
+    return format.channels >= 1 && format.channels <= 2 &&
+           format.samplesPerSecond >= kLowestWrittenRate &&
+           format.samplesPerSecond <= kHighestRate && format.bitsPerSample >= 1 &&
+           format.bitsPerSample <= 16;
 }
 
 }  // namespace
 
 void LoadDefaultWaveFormat(LWaveFileFormat& format) {
-    const std::string path = DefaultFormatFolder(false) + "/WavCodec.wff";
+    const std::string path = DefaultFormatPath(false);
     const UniqueFd file = OpenFileForReading(path.c_str());
-    if (file.IsOpen())
-        ReadFully(file.Get(), &format, sizeof(format));
+    if (!file.IsOpen())
+        return;
+    LWaveFileFormat stored = format;
+    ReadFully(file.Get(), &stored, sizeof(stored));
+    if (IsWritable(stored))
+        format = stored;
+    else
+        gLLog.Log("Not a format that can be written, so not used: ", path.c_str(), kLogWarning);
 }
 
 bool SaveDefaultWaveFormat(const LWaveFileFormat& format) {
-    const std::string path = DefaultFormatFolder(true) + "/WavCodec.wff";
-    const UniqueFd file(
-        ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666));
-    return file.IsOpen() && WriteFully(file.Get(), &format, sizeof(format)) == 0;
+    WholeFile output(DefaultFormatPath(true), WholeFile::Existing::kReplace);
+    if (!output.Problem().empty())
+        return false;
+    int error = 0;
+    UniqueFd file = OpenFileForWriting(output.WritePath().c_str(), &error);
+    return file.IsOpen() && WriteFully(file.Get(), &format, sizeof(format)) == 0 &&
+           CloseFile(file) == 0 && output.Commit().empty();
 }

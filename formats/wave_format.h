@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-constexpr int kHighestRate = 196000;  // frames a second that WAVE readers accept
+// Frames a second: the most that WAVE readers accept, and the least that sound is converted to.
+constexpr int kHighestRate = 196000;
+constexpr int kLowestWrittenRate = 1000;
 
 constexpr std::uint16_t kWaveTagPcm = 1;
 constexpr std::uint16_t kWaveTagALaw = 6;
@@ -47,7 +49,8 @@ static_assert(offsetof(LWaveFileFormat, bitsPerSample) == 14);
 static_assert(offsetof(LWaveFileFormat, extra) == kWaveFormatExBytes);
 
 // The user's default format, "WavCodec.wff" in the home folder's ".quillon/lectora". Load overlays
-// what the file holds on the record and leaves the rest as it was; Save makes the folders and is
+// what the file holds on the record and leaves the rest as it was; a result that the writers cannot
+// do is not taken, which the log tells. Save makes the folders and is
 // false when the file is not whole on disk.
 void LoadDefaultWaveFormat(LWaveFileFormat& format);
 bool SaveDefaultWaveFormat(const LWaveFileFormat& format);

@@ -9,6 +9,26 @@
 
 #include "formats/file_io.h"
 
+namespace {
+
+// True when chunks with readable identifiers fill the file exactly from there to its end.
+bool HoldsChunks(int file, std::int64_t offset) {
+    const std::int64_t size = FileSize(file);
+    std::uint8_t head[8];
+    while (offset < size) {
+        if (ReadFullyAt(file, head, sizeof(head), offset) < sizeof(head) ||
+            !std::all_of(head, head + 4, [](std::uint8_t c) { return c >= ' ' && c <= '~'; }))
+            return false;
+        const std::int64_t bytes = LoadLE32(head + 4);
+        offset += 8 + bytes;
+        if (offset < size)
+            offset += bytes % 2;
+    }
+    return offset == size;
+}
+
+}  // namespace
+
 LSRCPCMFileBase::LSRCPCMFileBase(UniqueFd file, int rate, unsigned char channels,
                                  int bytesPerSample, std::uint32_t dataBytes,
                                  LSignalObjectRef interrupt)
@@ -44,6 +64,13 @@ void LSRCPCMFileBase::SettleLength() const {
     // A writer fills in the size just before it goes.
     if (!LearnLength())
         reader_.SetFrames(reader_.FramesInFile());
+}
+
+bool LSRCPCMFileBase::TakeUnannouncedFrames() {
+    if (reader_.Length() != 0 || HoldsChunks(reader_.Descriptor(), reader_.DataStart()))
+        return false;
+    reader_.SetFrames(reader_.FramesInFile());
+    return reader_.Length() > 0;
 }
 
 int LSRCPCMFileBase::GetEndSample() const {

@@ -21,9 +21,10 @@ public:
     // ESTALE also when the file turned out to be cut or rewritten while it was followed; what is
     // there of it then is the whole.
     int ReadError() const override { return reader_.ReadError(); }
-    int FramesMissing() const override {
-        return std::max(GetEndSample() - reader_.FramesInFile(), 0);
-    }
+    int FramesMissing() const override { return reader_.FramesMissing(); }
+    // Of a file whose header says that it is empty, yet sound follows (its recorder crashed): makes
+    // the rest of the file the length. False when there is nothing, or it is other chunks.
+    bool TakeUnannouncedFrames();
     // Changes only within GetEndSample and WaitForStreamingData, so the two agree.
     bool IsStreaming() const override { return reader_.Length() == kUnknownLength; }
     // Until there is another end than GetEndSample told last. Sleeps until the file changes.

@@ -56,7 +56,7 @@ int ShowHelp() {
         "      --info              tell what the files hold\n"
         "      --help              show this text\n"
         "      --version           show the version\n",
-        kProgram, kProgram, kLowestToolRate, kHighestRate, AllSampleEncodingNames().c_str(),
+        kProgram, kProgram, kLowestWrittenRate, kHighestRate, AllSampleEncodingNames().c_str(),
         AllSoundTypeNames().c_str());
     return kExitDone;
 }
@@ -121,7 +121,7 @@ bool ParseEncoding(const char* text, std::optional<SampleEncoding>& encoding) {
 
 bool ParseType(const char* text, ConvertOptions& options) {
     const std::optional<SoundType> type = SoundTypeFromName(text);
-    options.output.type = type.value_or(SoundType::Wav);
+    options.output.type = type.value_or(SoundType::kWav);
     options.hasOutputType = true;
     return type.has_value();
 }
@@ -130,7 +130,8 @@ bool ParseType(const char* text, ConvertOptions& options) {
 bool TakeOption(int option, ConvertOptions& options) {
     switch (option) {
         case 'r':
-            return ParseOptionalNumber(optarg, kLowestToolRate, kHighestRate, options.output.rate);
+            return ParseOptionalNumber(optarg, kLowestWrittenRate, kHighestRate,
+                                       options.output.rate);
         case 'c':
             return ParseOptionalNumber(optarg, 1, 2, options.output.channels);
         case 'e':
@@ -146,7 +147,7 @@ bool TakeOption(int option, ConvertOptions& options) {
         case kSeconds:
             return ParseSpan(optarg, options.span);
         case kRawRate:
-            return ParseOptionalNumber(optarg, kLowestToolRate, kHighestRate, options.raw.rate);
+            return ParseOptionalNumber(optarg, kLowestWrittenRate, kHighestRate, options.raw.rate);
         case kRawChannels:
             return ParseOptionalNumber(optarg, 1, 255, options.raw.channels);
         default:

@@ -61,6 +61,10 @@ int RunConvert(const ConvertOptions& options) {
                                std::to_string(input.missingFrames) + " of " +
                                std::to_string(input.source->GetEndSample()) +
                                " frames are not there");
+    if (input.isUnannounced)
+        Complain(kProgram, inputPath +
+                               ": says that it is empty, but sound follows: it is read to "
+                               "the end of the file");
     if (!CutToSize(options, input))
         return Fail(inputPath, "holds no sound in that part");
     SoundOutput output(outputPath, options.overwrite, options.output);

@@ -64,7 +64,7 @@ std::optional<int> PlanFolder(const Words& words, SayOptions& options) {
     const std::string folder = words.output.back() == '/' ? words.output : words.output + "/";
     std::set<std::string> taken;
     for (const std::string& file : words.files) {
-        const SoundType type = words.type.value_or(SoundType::Wav);
+        const SoundType type = words.type.value_or(SoundType::kWav);
         const SayJob job{file, folder + SoundNameFor(file, type), type};
         if (!taken.insert(job.sound).second)
             return UsageError(kProgram, job.sound + ": two of the files would be written there");

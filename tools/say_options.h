@@ -10,7 +10,7 @@
 struct SayJob {
     std::string text;  // path; empty for standard input
     std::string sound;
-    SoundType type = SoundType::Wav;
+    SoundType type = SoundType::kWav;
 };
 
 struct SayOptions {

@@ -3,61 +3,11 @@
 #include <cstdio>
 
 #include "formats/dictation_header.h"
-#include "formats/file_io.h"
 #include "formats/wave_codec_names.h"
 #include "formats/wave_file.h"
 #include "sound/sound_time.h"
 
 namespace {
-
-// Tags under which the codecs of files without a format tag stand in the table of names.
-constexpr std::uint16_t kTagFloat = 3;
-constexpr std::uint16_t kTagDialogicAdpcm = 0x17;
-
-std::uint16_t TagOf(SampleEncoding encoding) {
-    switch (encoding) {
-        case SampleEncoding::MuLaw:
-            return kWaveTagMuLaw;
-        case SampleEncoding::ALaw:
-            return kWaveTagALaw;
-        case SampleEncoding::Float:
-        case SampleEncoding::FloatBigEndian:
-            return kTagFloat;
-        case SampleEncoding::Adpcm:
-            return kTagDialogicAdpcm;
-        case SampleEncoding::Gsm:
-            return kWaveTagGsm610;
-        default:
-            return kWaveTagPcm;
-    }
-}
-
-// The encoding word of an AU header as a format tag.
-std::uint16_t TagOfAu(const std::string& path) {
-    HeaderReader reader(OpenFileForReading(path.c_str()));
-    std::uint8_t header[24];
-    if (!reader.IsOpen() || !reader.Read(header, sizeof header))
-        return 0;
-    const std::uint32_t encoding = LoadBE32(header + 12);
-    if (encoding == 1)
-        return kWaveTagMuLaw;
-    return encoding == 27 ? kWaveTagALaw : kWaveTagPcm;
-}
-
-std::string CodecOf(const std::string& path, const SoundInput& input) {
-    char name[kWaveCodecNameSize];
-    switch (input.type) {
-        case SoundType::Wav:
-            LGetWaveFileCodecName(name, path.c_str());
-            return name;
-        case SoundType::Au:
-            return WaveCodecName(TagOfAu(path));
-        case SoundType::Aiff:
-            return WaveCodecName(kWaveTagPcm);
-        default:
-            return WaveCodecName(TagOf(input.encoding));
-    }
-}
 
 void PrintSource(const LSoundSourceBase& source) {
     const int frames = source.GetEndSample();
@@ -109,15 +59,19 @@ std::string PrintSoundInfo(const std::string& path, const RawReading& raw) {
         return "";
     const SoundInput input = OpenSoundInput(path, raw);
     const bool isUnsupportedWave =
-        input.type == SoundType::Wav && input.source->Status() == SoundStatus::kUnsupported;
+        input.type == SoundType::kWav && input.source->Status() == SoundStatus::kUnsupported;
     if (!input.error.empty() && !isUnsupportedWave)
         return input.error;
-    std::printf("%s:\n  Type: %s\n  Codec: %s\n", path.c_str(), NameOf(input.type),
-                CodecOf(path, input).c_str());
+    const SoundTypeRow& row = RowOf(input.type);
+    const std::uint16_t tag =
+        row.waveTagOf != nullptr ? row.waveTagOf(path.c_str()) : RowOf(input.encoding).waveTag;
+    std::printf("%s:\n  Type: %s\n  Codec: %s\n", path.c_str(), row.name, WaveCodecName(tag));
     if (isUnsupportedWave)
         return PrintUnsupportedWave(path) ? "" : input.error;
     PrintSource(*input.source);
     if (input.missingFrames > 0)
         std::printf("  Missing: %d frames at the end\n", input.missingFrames);
+    if (input.isUnannounced)
+        std::printf("  Header: says that there is no sound\n");
     return "";
 }

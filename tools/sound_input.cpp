@@ -8,12 +8,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "formats/aiff_file.h"
-#include "formats/au_file.h"
-#include "formats/gsm_file.h"
-#include "formats/raw_file.h"
-#include "formats/raw_file_data.h"
-#include "formats/wave_file.h"
 #include "formats/wave_source.h"
 #include "tools/tool_texts.h"
 
@@ -45,19 +39,6 @@ std::string StatusProblem(const SoundInput& input) {
     }
 }
 
-LSoundSource OpenHeaderless(const std::string& path, const RawReading& raw, SoundInput& input) {
-    const bool isPlainRaw = input.type == SoundType::Raw;
-    input.encoding =
-        raw.encoding.value_or(DefaultEncoding(input.type).value_or(SampleEncoding::Pcm16));
-    if (input.encoding == SampleEncoding::Gsm)
-        return LGSMFile::OpenSource(path.c_str());
-    const LRawSettings settings{
-        raw.rate.value_or(isPlainRaw ? 44100 : 8000),
-        static_cast<unsigned char>(raw.channels.value_or(isPlainRaw ? 2 : 1)),
-        RawCodecOf(input.encoding)};
-    return LRawFile::OpenSource(path.c_str(), settings);
-}
-
 }  // namespace
 
 SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
@@ -71,41 +52,36 @@ SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
                       "); --raw-rate, --raw-channels and --raw-encoding say how to read it";
         return input;
     }
-    input.type = type.value_or(SoundType::Raw);
-    switch (input.type) {
-        case SoundType::Wav:
-            input.source = LWaveFile::OpenSource(path.c_str());
-            break;
-        case SoundType::Au:
-            input.source = LAuFile::OpenSource(path.c_str());
-            break;
-        case SoundType::Aiff:
-            input.source = LAifFile::OpenSource(path.c_str());
-            break;
-        case SoundType::Gsm:
-            input.encoding = SampleEncoding::Gsm;
-            input.source = LGSMFile::OpenSource(path.c_str());
-            break;
-        case SoundType::Mp3:
-            input.error = "is MP3, which can be written but not read";
-            return input;
-        default:
-            input.source = OpenHeaderless(path, raw, input);
+    input.type = type.value_or(SoundType::kRaw);
+    const SoundTypeRow& row = RowOf(input.type);
+    if (row.openSource == nullptr) {
+        input.error = std::string("is ") + row.name + ", which can be written but not read";
+        return input;
     }
+    input.encoding = row.encodings[0];
+    if (row.isHeaderless)
+        input.encoding = raw.encoding.value_or(input.encoding);
+    const LRawSettings reading{
+        raw.rate.value_or(row.reading.sampleRate),
+        static_cast<unsigned char>(raw.channels.value_or(row.reading.channels)),
+        RowOf(input.encoding).rawCodec};
+    input.source = row.openSource(path.c_str(), reading);
     input.error = StatusProblem(input);
     if (!input.error.empty())
         return input;
     input.file = input.source;
     input.missingFrames = input.source->FramesMissing();
+    if (auto* wave = dynamic_cast<LSRCPCMFileBase*>(input.source.Get()))
+        input.isUnannounced = wave->TakeUnannouncedFrames();
     return input;
 }
 
 std::string RateProblem(const SoundInput& input) {
     const int rate = input.source->SampleRate();
-    if (rate >= kLowestToolRate && rate <= kHighestRate)
+    if (rate >= kLowestWrittenRate && rate <= kHighestRate)
         return "";
     return "has a rate of " + std::to_string(rate) + " Hz; rates from " +
-           std::to_string(kLowestToolRate) + " to " + std::to_string(kHighestRate) +
+           std::to_string(kLowestWrittenRate) + " to " + std::to_string(kHighestRate) +
            " are converted";
 }
 
@@ -131,7 +107,7 @@ void SectionSource::Read(int* buffer, int frames) {
 
 void CutInput(SoundInput& input, int start, int end) {
     const bool decodesInSequence =
-        input.encoding == SampleEncoding::Gsm || input.encoding == SampleEncoding::Adpcm;
+        input.encoding == SampleEncoding::kGsm || input.encoding == SampleEncoding::kAdpcm;
     if (decodesInSequence) {
         std::vector<int> skipped(kMaxBlockFrames);
         for (int left = start; left > 0; left -= kMaxBlockFrames)

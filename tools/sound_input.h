@@ -18,15 +18,14 @@ struct RawReading {
     bool IsAsked() const { return rate || channels || encoding; }
 };
 
-constexpr int kLowestToolRate = 1000;  // frames a second; the highest is kHighestRate
-
 struct SoundInput {
-    SoundType type = SoundType::Wav;
-    SampleEncoding encoding = SampleEncoding::Pcm16;  // of headerless files
-    LSoundSource source;                              // good when error is empty
-    LSoundSource file;                                // the same before any cut
-    int missingFrames = 0;  // that the header announces and the file does not hold, at the end
-    std::string error;      // without the path
+    SoundType type = SoundType::kWav;
+    SampleEncoding encoding = SampleEncoding::kPcm16;  // of files that do not tell
+    LSoundSource source;                               // good when error is empty
+    LSoundSource file;                                 // the same before any cut
+    int missingFrames = 0;       // that the header announces and the file does not hold, at the end
+    bool isUnannounced = false;  // the header says that there is no sound, but there is
+    std::string error;           // without the path
 };
 
 // The type comes from the extension; a file of another or no extension is headerless when raw says

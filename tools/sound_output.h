@@ -4,15 +4,15 @@
 #include <optional>
 #include <string>
 
+#include "formats/whole_file.h"
 #include "foundation/progress.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 #include "sound/source_to_sink.h"
-#include "tools/output_file.h"
 #include "tools/sound_types.h"
 
 struct OutputChoice {
-    SoundType type = SoundType::Wav;
+    SoundType type = SoundType::kWav;
     std::optional<SampleEncoding> encoding;  // the type's default
     std::optional<int> rate;                 // the source's; 8000 for GSM and VOX
     std::optional<int> channels;             // the source's; 1 for GSM and VOX
@@ -24,7 +24,7 @@ std::string ProblemWith(const OutputChoice& choice);
 // One output, to which one or more sources are written one after the other.
 class SoundOutput {
 public:
-    // Refuses as OutputFile does.
+    // Refuses as WholeFile does.
     SoundOutput(const std::string& path, bool overwrite, const OutputChoice& choice);
 
     // Why the output cannot be made, or what went wrong first; empty while all is well. Without the
@@ -54,7 +54,7 @@ private:
     bool FinishSink();
     long long ExpectedSize(long long frames) const;  // bytes, at least
 
-    OutputFile file_;
+    WholeFile file_;
     OutputChoice choice_;
     LSoundSink sink_;
     bool isOpen_ = false;

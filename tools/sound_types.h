@@ -1,40 +1,76 @@
-// The file types and sample encodings that the programs know by name.
+// The file types and sample encodings that the programs know by name: one row each, and all that
+// the programs know about them.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
-enum class SoundType { Wav, Au, Aiff, Gsm, Vox, Raw, MuLaw, ALaw, Mp3 };
+#include "formats/raw_file.h"
+
+enum class SoundType { kWav, kAu, kAiff, kGsm, kVox, kRaw, kMuLaw, kALaw, kMp3 };
 
 enum class SampleEncoding {
-    Pcm16,
-    Pcm8,
-    MuLaw,
-    ALaw,
-    Pcm16BigEndian,
-    Pcm8Signed,
-    Float,
-    FloatBigEndian,
-    Adpcm,
-    Gsm
+    kPcm16,
+    kPcm8,
+    kMuLaw,
+    kALaw,
+    kPcm16BigEndian,
+    kPcm8Signed,
+    kFloat,
+    kFloatBigEndian,
+    kAdpcm,
+    kGsm,
+    kNone  // the encoder's business
 };
+
+struct EncodingRow {
+    SampleEncoding encoding;
+    const char* name;
+    // Samples come in groups that are written whole.
+    int groupSamples;
+    int groupBytes;
+    bool isMono;            // always
+    int fixedRate;          // 0 when any will do
+    int rawCodec;           // an LRawCodec, or none
+    int auCodec;            // an LAuCodec
+    std::uint16_t waveTag;  // names the codec of a file that has no tag itself
+};
+const EncodingRow& RowOf(SampleEncoding encoding);
+
+struct SoundTypeRow {
+    SoundType type;
+    const char* name;       // the extension, without its dot
+    const char* otherName;  // null when there is none
+    // What a file of the type may hold; the first when nothing is said.
+    const SampleEncoding* encodings;
+    int encodingCount;
+    bool isHeaderless;
+    int headerBytes;
+    bool hasSizeField;     // of 32 bits
+    LRawSettings reading;  // rate and channels to read a headerless file with when nothing is said
+    LSoundSource (*openSource)(const char* path,
+                               const LRawSettings& reading);  // null: only written
+    LSoundSink (*openSink)(const char* path, const LRawSettings& format,
+                           const EncodingRow& encoding);
+    std::uint16_t (*waveTagOf)(const char* path);  // null: the encoding's
+
+    bool CanHold(SampleEncoding encoding) const;
+};
+const SoundTypeRow& RowOf(SoundType type);
 
 // By extension without its dot, whatever its case.
 std::optional<SoundType> SoundTypeFromName(std::string_view name);
 std::optional<SoundType> SoundTypeOfPath(std::string_view path);
-const char* NameOf(SoundType type);
+inline const char* NameOf(SoundType type) {
+    return RowOf(type).name;
+}
 
 std::optional<SampleEncoding> SampleEncodingFromName(std::string_view name);
-const char* NameOf(SampleEncoding encoding);
-
-// What a file of the type holds when nothing is said; nothing for MP3, whose encoding is the
-// encoder's business.
-std::optional<SampleEncoding> DefaultEncoding(SoundType type);
-bool CanHold(SoundType type, SampleEncoding encoding);
-
-// Position in LRawCodec; for encodings of headerless files only, so not for GSM.
-int RawCodecOf(SampleEncoding encoding);
+inline const char* NameOf(SampleEncoding encoding) {
+    return RowOf(encoding).name;
+}
 
 // For messages and --help: every name, separated by blanks.
 std::string AllSoundTypeNames();

@@ -226,6 +226,7 @@ class ConvertTest(ProgramCase):
         os.mkfifo(self.path("fifo.wav"))
         os.mkdir(self.path("folder.wav"))
         os.symlink("loop.wav", self.path("loop.wav"))
+        os.symlink("nowhere.wav", self.path("link.wav"))
         before = self.files()
         failures = [
             (["gone.wav", "o.wav"], 1, "gone.wav: No such file"),
@@ -240,6 +241,8 @@ class ConvertTest(ProgramCase):
             (["fifo.wav", "o.wav"], 1, "fifo.wav: is not a regular file"),
             (["folder.wav", "o.wav"], 1, "folder.wav: is a folder"),
             (["loop.wav", "o.wav"], 1, "loop.wav: Too many levels"),
+            (["-f", "good.wav", "link.wav"], 1, "link.wav: is a link to a file that does not"),
+            (["-r", "196000", "good.wav", "o.wav"], 1, "o.wav: sound of 8000 Hz can become"),
             (["noext", "o.wav"], 1, "noext: has no extension"),
             (["good.wav", "there.wav"], 1, "there.wav: exists already"),
             (["-f", "good.wav", "folder.wav"], 1, "folder.wav: is a folder"),
@@ -277,6 +280,16 @@ class ConvertTest(ProgramCase):
             self.assertEqual(self.load("out.raw"), tone(500).tobytes())
             self.assertIn("Missing: ", self.check(CONVERT, "--info", f"cut.{kind}"))
 
+    def test_a_header_that_says_there_is_no_sound_is_not_believed_when_there_is(self):
+        samples = tone(500)
+        self.save("crashed.wav", wav(samples, data_size=0))
+        self.check(CONVERT, "crashed.wav", "o.raw", says="crashed.wav: says that it is empty")
+        self.assertEqual(self.load("o.raw"), samples.tobytes())
+        self.assertIn("Frames: 500", self.check(CONVERT, "--info", "crashed.wav"))
+        self.save("empty.wav", wav(b"LIST\4\0\0\0abcd", data_size=0))
+        self.check(CONVERT, "empty.wav", "o.al", says="")
+        self.assertEqual(self.load("o.al"), b"")
+
     def test_overwriting_replaces_the_file_and_keeps_its_mode_and_links(self):
         self.save("a.wav", wav(tone(1000)))
         self.save("there.wav", b"mine")
@@ -287,6 +300,11 @@ class ConvertTest(ProgramCase):
         self.assertEqual(os.stat(self.path("there.wav")).st_mode & 0o777, 0o640)
         self.check(CONVERT, "-f", "-e", "pcm8", "a.wav", "a.wav")  # onto itself
         self.assertEqual(len(self.load("a.wav")), 1046)
+        if os.getuid() == 0:
+            os.chown(self.path("there.wav"), 4321, 1234)
+            self.check(CONVERT, "-f", "a.wav", "there.wav")
+            info = os.stat(self.path("there.wav"))
+            self.assertEqual((info.st_uid, info.st_gid, info.st_mode & 0o777), (4321, 1234, 0o640))
         self.assertEqual(self.files(), ["a.wav", "link.wav", "there.wav"])
 
     def test_a_full_disk_or_a_dying_encoder_leaves_no_output(self):

@@ -1,0 +1,40 @@
+// A file that appears under its name only when it is whole: what was there before stays until then,
+// through a crash, a full disk and a power cut.
+#pragma once
+
+#include <string>
+
+// The content is written, by whoever, under a temporary name in the same folder, hidden and without
+// the extension of a sound file. An existing device is written to directly. A file that is replaced
+// hands down its mode and, as far as the user may give it away, its owner.
+class WholeFile {
+public:
+    enum class Existing { kRefuse, kReplace };
+
+    // Problem() tells why the file cannot be made; empty when it can.
+    WholeFile(const std::string& path, Existing existing);
+    ~WholeFile();  // takes away what was not committed
+    WholeFile(const WholeFile&) = delete;
+    WholeFile& operator=(const WholeFile&) = delete;
+
+    static constexpr const char* kExists = "exists already";
+
+    const std::string& Problem() const { return problem_; }
+    const std::string& WritePath() const { return writePath_; }  // for whoever writes
+    bool IsDevice() const { return isDevice_; }
+    long long Size() const;  // bytes written so far, -1 when there is nothing
+
+    // Brings the content to the disk and gives it its name; every writer has closed it. Why that
+    // failed, or empty.
+    std::string Commit();
+
+private:
+    void MakeTemporary(const struct stat* replaced);
+
+    std::string finalPath_;
+    std::string writePath_;
+    std::string problem_;
+    Existing existing_;
+    bool isDevice_ = false;
+    bool isTemporary_ = false;
+};
