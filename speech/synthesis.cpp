@@ -52,7 +52,7 @@ std::string SynthesisMessage(SynthesisOutcome outcome) {
         case SynthesisOutcome::kStopped:
             return {};
         case SynthesisOutcome::kTimedOut:
-            return "The speech engine did not finish within 20 seconds. Please try a shorter text.";
+            return "The speech engine did not finish within 20 seconds.";
         case SynthesisOutcome::kNothingToSay:
             return "There is nothing in this text that the chosen voice can speak.";
         case SynthesisOutcome::kEngineMissing:
@@ -66,6 +66,9 @@ std::string SynthesisMessage(SynthesisOutcome outcome) {
         case SynthesisOutcome::kCannotWrite:
             return "The speech could not be written: the disk is full or the folder is not "
                    "writable.";
+        case SynthesisOutcome::kTooLong:
+            return "The speech is longer than a sound file can hold, so the end of the text is "
+                   "missing.";
     }
     return {};
 }
@@ -151,10 +154,15 @@ bool SynthesisRun::Start() {
         request_.outcome = SynthesisOutcome::kNothingToSay;
         return false;
     }
-    return StartPrepared(prepared.text);
+    return StartEngine(prepared.text);
 }
 
 bool SynthesisRun::StartPrepared(std::string_view text) {
+    isDelivered_ = false;
+    return StartEngine(text);
+}
+
+bool SynthesisRun::StartEngine(std::string_view text) {
     char voice[kTextBufferSize];
     TTSGetDictSpeakerName(request_.voice, voice);
     RemoveFilesOfDeadRuns(FolderOf(request_.outputPath));
@@ -256,7 +264,7 @@ void SynthesisRun::End() {
 
 // By the file alone: the engine exits with 0 when it crashed half-way, found no voice or filled the
 // disk.
-SynthesisOutcome SynthesisRun::Judge() const {
+SynthesisOutcome SynthesisRun::Judge() {
     const LSoundSource sound = LWaveFile::OpenSource(soundPath_.c_str());
     const int frames = sound->GetEndSample();
     if (sound->Status() != SoundStatus::kGood || frames < 1) {
@@ -269,6 +277,10 @@ SynthesisOutcome SynthesisRun::Judge() const {
     if (sound->FramesMissing() > 0)
         return IsDiskFull(FolderOf(soundPath_)) ? SynthesisOutcome::kCannotWrite
                                                 : SynthesisOutcome::kIncomplete;
+    if (!isDelivered_) {
+        sound_ = sound;
+        return SynthesisOutcome::kSpoken;
+    }
     return Deliver() ? SynthesisOutcome::kSpoken : SynthesisOutcome::kCannotWrite;
 }
 

@@ -13,6 +13,7 @@
 #include "foundation/process_result.h"
 #include "foundation/progress.h"
 #include "foundation/signal_object.h"
+#include "sound/sound_source.h"
 
 constexpr unsigned int kSynthesisTimeoutMilliseconds = 20000;
 
@@ -26,6 +27,7 @@ enum class SynthesisOutcome {
     kNoSound,      // the engine ended without a single sample
     kIncomplete,   // the engine ended before all that it announced was there
     kCannotWrite,  // the text or the sound could not be written
+    kTooLong,      // the rest is more than a sound file can hold
 };
 
 // One plain sentence for the user; empty for kSpoken and kStopped.
@@ -59,12 +61,16 @@ public:
 
     // False: the engine was not started and the request's outcome says why; Finish is still due.
     bool Start();
-    // The same for a text that the voice can take as it stands, instead of the request's.
+    // The same for a text that the voice can take as it stands, instead of the request's. The sound
+    // is not delivered to the request's output path, which only says in what folder to work.
     bool StartPrepared(std::string_view text);
     LSignalObjectRef Finished() const;  // after a good Start only
     // Judges the run, stores result and outcome in the request, signals it done and removes the
     // temporary files.
     LProcessResult Finish(LProcessResult waited);
+    // Of a prepared text, once finished and kSpoken; its file has no name any more. To be dropped
+    // on the waiter's thread.
+    const LSoundSource& Sound() const { return sound_; }
 
 private:
     struct Record;  // shared with the worker
@@ -73,7 +79,8 @@ private:
     bool WriteText(std::string_view text);
     bool ChooseCommand(std::string_view voice, std::string& command);
     bool StartWorker(std::string command);
-    SynthesisOutcome Judge() const;
+    bool StartEngine(std::string_view text);
+    SynthesisOutcome Judge();
     bool Deliver() const;
     void End();
 
@@ -81,6 +88,8 @@ private:
     std::string textPath_;   // empty when there is no such file
     std::string soundPath_;  // likewise
     std::shared_ptr<Record> record_;
+    bool isDelivered_ = true;
+    LSoundSource sound_;
 };
 
 // Speaks request.text into request.outputPath. Done, stopped by the progress object, or failed

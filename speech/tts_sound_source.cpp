@@ -9,11 +9,10 @@
 #include <cstdio>
 #include <thread>
 
-#include "formats/wave_file.h"
 #include "foundation/file.h"
+#include "foundation/file_mask.h"
 #include "foundation/ticks.h"
 #include "foundation/unique_fd.h"
-#include "speech/voices.h"
 
 namespace {
 
@@ -25,20 +24,14 @@ constexpr int kProvisionalPeak = 2097152;
 }  // namespace
 
 LTTSSoundSource::LTTSSoundSource(const char* text, int voice)
-    : LSoundSourceBase(8000, 1, kProvisionalPeak), text_(text) {
-    request_.text = text_.c_str();
+    : LSoundSourceBase(8000, 1, kProvisionalPeak) {
     request_.outputPath = path_;
     request_.voice = voice;
     if (!ChoosePath())
         return;
-    TTSGetNumSpeakers();  // on this thread, so that the source's own finds the voice table filled
+    reading_.emplace(text, voice, path_, ReadingUse::kListening);
     Start(kThreadPriority);
-    if (request_.done.Ref().WaitSignal(kConstructionTimeoutMilliseconds)) {
-        Join();
-        outcome_ = request_.outcome;
-    } else {
-        outcome_ = SynthesisOutcome::kTimedOut;
-    }
+    reading_->FirstSound().WaitSignal(kConstructionTimeoutMilliseconds);
     OpenInner();
 }
 
@@ -56,7 +49,8 @@ bool LTTSSoundSource::ChoosePath() {
         std::snprintf(name, sizeof name, "%u.wav", static_cast<unsigned int>(GetTickCount()));
         CopyText(path_, "/tmp");
         LFile::_FilePathCat(path_, name);
-        const UniqueFd file(::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        const UniqueFd file(
+            ::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666 & ~StartMask()));
         if (file.IsOpen()) {
             ::flock(file.Get(), LOCK_EX | LOCK_NB);
             return ::ftruncate(file.Get(), 0) == 0;
@@ -68,7 +62,7 @@ bool LTTSSoundSource::ChoosePath() {
 }
 
 void LTTSSoundSource::OpenInner() {
-    inner_ = LWaveFile::OpenSource(path_);
+    inner_ = reading_->OpenSource();
     sampleRate_ = inner_->SampleRate();
     channels_ = inner_->Channels();
     peakMagnitude_ = inner_->PeakMagnitude();
@@ -83,11 +77,18 @@ void LTTSSoundSource::OpenInner() {
 }
 
 void LTTSSoundSource::ThreadFunction() {
-    SynthesisRun run(request_);
-    const LProcessResult waited =
-        run.Start() ? ProcessWaitSignal(*this, run.Finished(), kSynthesisTimeoutMilliseconds)
-                    : kProcessFailed;
-    run.Finish(waited);
+    reading_->Produce(*this);
+    request_.outcome = reading_->Outcome();
+    request_.result = request_.outcome == SynthesisOutcome::kSpoken ? kProcessDone : kProcessFailed;
+    request_.done.Signal();
+}
+
+SynthesisOutcome LTTSSoundSource::Outcome() const {
+    if (!reading_)
+        return SynthesisOutcome::kCannotWrite;
+    if (reading_->Ended().IsSignaled())
+        return reading_->Outcome();
+    return reading_->HasSound() ? SynthesisOutcome::kSpoken : SynthesisOutcome::kTimedOut;
 }
 
 LSoundSource OpenTTSSoundSource(const char* text, int voice) {

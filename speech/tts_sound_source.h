@@ -1,18 +1,20 @@
-// A text as a sound source: speaks it into a temporary WAV file and reads that.
+// A text as a sound source: it can be read as soon as its first sentence is spoken.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "foundation/process_result.h"
 #include "foundation/text_buffer.h"
 #include "foundation/thread.h"
 #include "sound/sound_source.h"
+#include "speech/speech_reading.h"
 #include "speech/synthesis.h"
 
-// Construction blocks until the synthesis has ended, 60 s at most. Without a sound (no engine,
+// Construction blocks until the first piece is there, 60 s at most. Without a sound (no engine,
 // nothing to say, nowhere to write) it reads as silence of length 0 with status 0; Outcome() tells
-// why. The synthesis runs on the source's own thread (nice 10), which never touches the inner
-// source.
+// why. The rest is spoken on the source's own thread (nice 10), which never touches the inner
+// source, never far ahead of what is read.
 class LTTSSoundSource final : private LThread, public LSoundSourceBase {
 public:
     // text is copied.
@@ -28,16 +30,16 @@ public:
         inner_->WaitForStreamingData(milliseconds);
     }
 
-    SynthesisOutcome Outcome() const { return outcome_; }
+    // How the whole went, once IsStreaming() is false; until then kSpoken.
+    SynthesisOutcome Outcome() const;
 
 private:
     void ThreadFunction() override;
     bool ChoosePath();
     void OpenInner();
 
-    std::string text_;
-    LTTS request_;
-    SynthesisOutcome outcome_ = SynthesisOutcome::kCannotWrite;
+    LTTS request_;  // its done signal tells that all is spoken
+    std::optional<SpeechReading> reading_;
     LSoundSource inner_;
     char path_[kTextBufferSize] = "";
 };

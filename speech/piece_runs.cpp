@@ -1,0 +1,185 @@
+#include "speech/piece_runs.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "foundation/log.h"
+#include "foundation/text_buffer.h"
+#include "speech/voice_charset.h"
+#include "speech/voices.h"
+
+namespace {
+
+// Two runs halve the time of a save on two cores; more would each hold 330 MB for little.
+constexpr unsigned int kMostRunsWhenSaving = 2;
+// An engine that fails so often without a word in between will not speak the rest either.
+constexpr int kMaxTimeOutsInRow = 6;
+constexpr int kMaxLeftOutInRow = 8;
+constexpr std::size_t kMaxQuote = 60;  // bytes
+
+// The stretch on one line, cut at a blank or a character.
+std::string Quote(std::string_view stretch) {
+    bool isCut = stretch.size() > kMaxQuote;
+    if (isCut) {
+        std::size_t end = stretch.rfind(' ', kMaxQuote);
+        if (end == std::string_view::npos || end < kMaxQuote / 2)
+            for (end = kMaxQuote;
+                 end > 0 && (static_cast<unsigned char>(stretch[end]) & 0xC0U) == 0x80U;)
+                --end;
+        stretch = stretch.substr(0, end);
+    }
+    std::string quote = "\"";
+    for (const char character : stretch)
+        quote += static_cast<unsigned char>(character) < ' ' ? ' ' : character;
+    return quote + (isCut ? "...\"" : "\"");
+}
+
+}  // namespace
+
+struct PieceRuns::Run {
+    SpeechPiece piece;
+    LTTS request;
+    std::optional<SynthesisRun> engine;  // once it was started
+};
+
+PieceRuns::PieceRuns(std::string_view text, int voice, std::string folder, ReadingUse use,
+                     SpokenPieceTaker& taker)
+    : text_(text),
+      voice_(voice),
+      folder_(std::move(folder)),
+      use_(use),
+      taker_(taker),
+      mostAtOnce_(use == ReadingUse::kListening
+                      ? 1
+                      : std::clamp(std::thread::hardware_concurrency(), 1U, kMostRunsWhenSaving)) {}
+
+PieceRuns::~PieceRuns() = default;
+
+bool PieceRuns::StartRuns() {
+    if (!pieces_) {
+        char voice[kTextBufferSize];
+        TTSGetDictSpeakerName(voice_, voice);
+        pieces_.emplace(text_, CharsetOfVoice(voice), use_);
+    }
+    while (!hasEnded_ && runs_.size() < mostAtOnce_ && taker_.IsMoreWanted() && PullPiece()) {
+    }
+    for (std::size_t i = 0; !hasEnded_ && i < std::min(mostAtOnce_, runs_.size()); ++i)
+        if (!runs_[i]->engine)
+            StartRun(*runs_[i]);
+    if (!hasEnded_ && runs_.empty() && isAtEndOfText_)
+        End(hasSpoken_ ? SynthesisOutcome::kSpoken : whyNothing_);
+    return !hasEnded_;
+}
+
+bool PieceRuns::PullPiece() {
+    auto run = std::make_unique<Run>();
+    isAtEndOfText_ = isAtEndOfText_ || !pieces_->Next(run->piece);
+    if (!isAtEndOfText_)
+        runs_.push_back(std::move(run));
+    return !isAtEndOfText_;
+}
+
+void PieceRuns::StartRun(Run& run) {
+    run.request.outputPath = folder_.c_str();
+    run.request.voice = voice_;
+    run.engine.emplace(run.request);
+    if (!run.engine->StartPrepared(run.piece.Text())) {
+        run.engine->Finish(kProcessFailed);
+        End(run.request.outcome);
+    }
+}
+
+LSignalObjectRef PieceRuns::Awaited() const {
+    return runs_.empty() ? taker_.MoreWanted() : runs_.front()->engine->Finished();
+}
+
+void PieceRuns::Take(LProcessResult waited) {
+    if (waited == kProcessStopped) {
+        End(SynthesisOutcome::kStopped);
+        return;
+    }
+    if (runs_.empty())
+        return;  // it was for the listener
+    std::unique_ptr<Run> run = std::move(runs_.front());
+    runs_.pop_front();
+    run->engine->Finish(waited);
+    switch (run->request.outcome) {
+        case SynthesisOutcome::kSpoken:
+            TakeSound(*run);
+            return;
+        case SynthesisOutcome::kTimedOut:
+        case SynthesisOutcome::kNoSound:
+        case SynthesisOutcome::kIncomplete:
+            TryInHalves(std::move(run));
+            return;
+        default:
+            End(run->request.outcome);
+    }
+}
+
+void PieceRuns::TakeSound(Run& run) {
+    timeOutsInRow_ = 0;
+    leftOutInRow_ = 0;
+    const SynthesisOutcome taken = taker_.TakePiece(run.engine->Sound(), run.piece);
+    if (taken != SynthesisOutcome::kSpoken) {
+        End(taken);
+        return;
+    }
+    hasSpoken_ = true;
+    spokenTo_ = run.piece.SourceEnd();
+}
+
+void PieceRuns::TryInHalves(std::unique_ptr<Run> failed) {
+    const SynthesisOutcome why = failed->request.outcome;
+    if (why == SynthesisOutcome::kTimedOut) {
+        pieces_->LimitTo(failed->piece.Size() / 2);  // a slow voice, or a slow machine
+        if (++timeOutsInRow_ >= kMaxTimeOutsInRow) {
+            End(why);
+            return;
+        }
+    }
+    if (failed->piece.units.size() < 2) {
+        LeaveOut(failed->piece, why);
+        return;
+    }
+    auto second = std::make_unique<Run>();
+    second->piece = failed->piece.TakeSecondHalf();
+    auto first = std::make_unique<Run>();
+    first->piece = std::move(failed->piece);
+    runs_.push_front(std::move(second));
+    runs_.push_front(std::move(first));
+}
+
+void PieceRuns::LeaveOut(const SpeechPiece& piece, SynthesisOutcome why) {
+    leftOut_.push_back({piece.SourceBegin(), piece.SourceEnd()});
+    spokenTo_ = piece.SourceEnd();
+    whyNothing_ = why;
+    LOGWARNF("Speech: left out bytes %zu to %zu of the text: %s", piece.SourceBegin(),
+             piece.SourceEnd(), SynthesisMessage(why).c_str());
+    if (++leftOutInRow_ >= kMaxLeftOutInRow)
+        End(why);
+}
+
+void PieceRuns::End(SynthesisOutcome outcome) {
+    outcome_ = outcome;
+    hasEnded_ = true;
+    runs_.clear();
+}
+
+double PieceRuns::Fraction() const {
+    return text_.empty() ? 1.0 : static_cast<double>(spokenTo_) / static_cast<double>(text_.size());
+}
+
+std::string LeftOutMessage(std::string_view text, const std::vector<LeftOutUnit>& leftOut) {
+    if (leftOut.empty())
+        return {};
+    const LeftOutUnit& first = leftOut.front();
+    const std::string quote =
+        Quote(text.substr(first.sourceBegin, first.sourceEnd - first.sourceBegin));
+    if (leftOut.size() == 1)
+        return "The speech engine could not speak " + quote + ", which was left out.";
+    return "The speech engine could not speak " + std::to_string(leftOut.size()) +
+           " passages, which were left out; the first is " + quote + ".";
+}

@@ -1,0 +1,57 @@
+#include "speech/speech_pieces.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+// Less than this speaks for less than two seconds, and the next run needs a part of them to start.
+constexpr std::size_t kEnoughToListen = 25;
+// A run costs a third of a second before its first sentence, of which this holds some fifty.
+constexpr std::size_t kEnoughToSave = 4000;
+
+}  // namespace
+
+std::size_t SpeechPiece::Size() const {
+    std::size_t size = 0;
+    for (const TextUnit& unit : units)
+        size += unit.text.size();
+    return size;
+}
+
+std::string SpeechPiece::Text() const {
+    std::string text;
+    for (const TextUnit& unit : units)
+        text += unit.text;
+    return text;
+}
+
+SpeechPiece SpeechPiece::TakeSecondHalf() {
+    const std::size_t whole = Size();
+    std::size_t size = units.front().text.size();
+    auto middle = std::next(units.begin());
+    while (std::next(middle) != units.end() && size < whole / 2)
+        size += (middle++)->text.size();
+    SpeechPiece second;
+    second.units.assign(std::make_move_iterator(middle), std::make_move_iterator(units.end()));
+    units.erase(middle, units.end());
+    return second;
+}
+
+SpeechPieces::SpeechPieces(std::string_view text, VoiceCharset charset, ReadingUse use)
+    : units_(text, charset),
+      enough_(use == ReadingUse::kListening ? kEnoughToListen : kEnoughToSave) {}
+
+bool SpeechPieces::Next(SpeechPiece& piece) {
+    piece.units.clear();
+    std::size_t size = 0;
+    for (TextUnit unit; size < enough_ && units_.Next(unit); unit = {}) {
+        size += unit.text.size();
+        piece.units.push_back(std::move(unit));
+    }
+    return !piece.units.empty();
+}
+
+void SpeechPieces::LimitTo(std::size_t size) {
+    enough_ = std::min(enough_, std::max<std::size_t>(size, 1));
+}

@@ -1,0 +1,41 @@
+// Cutting a text into the pieces that one run of the engine each speaks.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "speech/text_preparation.h"
+
+// What a reading is for decides how its pieces are cut: the first sentence at once, or the whole at
+// the least cost.
+enum class ReadingUse { kListening, kSaving };
+
+// Consecutive units of a text; never empty.
+struct SpeechPiece {
+    std::vector<TextUnit> units;
+
+    std::size_t Size() const;  // bytes of prepared text
+    std::string Text() const;  // the units' prepared texts joined
+    // The stretch of the user's text.
+    std::size_t SourceBegin() const { return units.front().sourceBegin; }
+    std::size_t SourceEnd() const { return units.back().sourceEnd; }
+    // Leaves about the first half here and gives the rest; there must be more than one unit.
+    SpeechPiece TakeSecondHalf();
+};
+
+// Pieces end only where the engine itself ends a unit, so that their sound joined is what one run
+// gives for the whole. Made as they are asked for. One thread.
+class SpeechPieces {
+public:
+    // The text's bytes outlive this.
+    SpeechPieces(std::string_view text, VoiceCharset charset, ReadingUse use);
+
+    bool Next(SpeechPiece& piece);   // false at the end
+    void LimitTo(std::size_t size);  // bytes of prepared text; from now on, never less than a unit
+
+private:
+    TextUnits units_;
+    std::size_t enough_;  // a piece is closed at so many bytes
+};

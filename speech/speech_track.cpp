@@ -1,0 +1,102 @@
+#include "speech/speech_track.h"
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+
+void SpeechTrack::Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    entries_.push_back({frames_, sourceBegin, sourceEnd});
+    frames_ += frames;
+    grown_.notify_all();
+}
+
+void SpeechTrack::Complete() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    isComplete_ = true;
+    grown_.notify_all();
+}
+
+int SpeechTrack::Frames() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return frames_;
+}
+
+bool SpeechTrack::IsComplete() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return isComplete_;
+}
+
+int SpeechTrack::EstimatedEnd() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (isComplete_ || entries_.empty() || entries_.back().sourceEnd == 0)
+        return frames_;
+    const double whole = static_cast<double>(frames_) * static_cast<double>(sourceSize_) /
+                         static_cast<double>(entries_.back().sourceEnd);
+    constexpr int kMost = std::numeric_limits<int>::max();
+    return whole < kMost ? std::max(static_cast<int>(whole), frames_) : kMost;
+}
+
+std::size_t SpeechTrack::IndexAt(int frame) const {
+    const auto after =
+        std::upper_bound(entries_.begin(), entries_.end(), frame,
+                         [](int at, const Entry& entry) { return at < entry.firstFrame; });
+    return after == entries_.begin() ? 0 : static_cast<std::size_t>(after - entries_.begin()) - 1;
+}
+
+int SpeechTrack::StartOf(std::size_t index) const {
+    return index < entries_.size() ? entries_[index].firstFrame : frames_;
+}
+
+std::optional<SpokenStretch> SpeechTrack::StretchAt(int frame) const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (frame < 0 || frame >= frames_)
+        return std::nullopt;
+    const std::size_t index = IndexAt(frame);
+    return SpokenStretch{entries_[index].sourceBegin, entries_[index].sourceEnd, StartOf(index),
+                         StartOf(index + 1)};
+}
+
+int SpeechTrack::SentenceStart(int frame) const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return entries_.empty() ? 0 : StartOf(IndexAt(frame));
+}
+
+int SpeechTrack::PreviousSentence(int frame) const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (entries_.empty())
+        return 0;
+    const std::size_t index = IndexAt(frame);
+    return StartOf(index > 0 ? index - 1 : 0);
+}
+
+int SpeechTrack::NextSentence(int frame) const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return entries_.empty() ? 0 : StartOf(IndexAt(frame) + 1);
+}
+
+void SpeechTrack::SetListener(int frame) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (listener_ == frame)
+        return;
+    listener_ = frame;
+    listenerMoved_.Signal();
+}
+
+bool SpeechTrack::WaitBeyond(int frame, int milliseconds) const {
+    std::unique_lock<std::mutex> lock(mutex_);
+    return grown_.wait_for(lock, std::chrono::milliseconds(milliseconds),
+                           [&] { return frames_ > frame || isComplete_; });
+}
+
+int SpeechTrack::FramesAhead() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return frames_ - std::min(listener_, frames_);
+}
+
+int SpeechTrack::StretchesAhead() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (entries_.empty() || listener_ >= frames_)
+        return 0;
+    return static_cast<int>(entries_.size() - IndexAt(listener_)) - 1;
+}

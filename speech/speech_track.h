@@ -1,0 +1,73 @@
+// Where the stretches of a text are in its sound, while the sound is still being made.
+//
+// The producer appends, the listener's thread reads and tells how far it is, the GUI thread asks:
+// every operation is safe from any thread.
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "foundation/signal_object.h"
+
+// A stretch of the user's text (bytes) and its sound (frames).
+struct SpokenStretch {
+    std::size_t sourceBegin = 0;
+    std::size_t sourceEnd = 0;
+    int firstFrame = 0;
+    int endFrame = 0;
+};
+
+class SpeechTrack {
+public:
+    // sourceSize: bytes of the whole text. A stretch is a sentence or some very short ones.
+    explicit SpeechTrack(std::size_t sourceSize) : sourceSize_(sourceSize) {}
+
+    // The producer's: frames of sound for the stretch are in the file behind those before.
+    void Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd);
+    void Complete();  // no more will come
+
+    int Frames() const;        // that are in the file by now
+    bool IsComplete() const;   // Frames() is the end
+    int EstimatedEnd() const;  // frames of the whole; exact once complete
+
+    // The stretch that is spoken at the frame, nothing outside the sound.
+    std::optional<SpokenStretch> StretchAt(int frame) const;
+    // First frames of sentences, for a listener who is at `frame`. The next one is Frames() at the
+    // last; the previous one is the first at the beginning.
+    int SentenceStart(int frame) const;
+    int PreviousSentence(int frame) const;
+    int NextSentence(int frame) const;
+
+    // The listener's: where it reads, and a wait until there are frames beyond that or none will
+    // come; false when the time passed first.
+    void SetListener(int frame);
+    bool WaitBeyond(int frame, int milliseconds) const;
+
+    // For the producer: how much has not been listened to.
+    int FramesAhead() const;
+    int StretchesAhead() const;
+    LSignalObjectRef ListenerMoved() const { return listenerMoved_.Ref(); }
+    void ForgetListenerMoves() { listenerMoved_.Reset(); }
+
+private:
+    struct Entry {
+        int firstFrame;
+        std::size_t sourceBegin;
+        std::size_t sourceEnd;
+    };
+
+    std::size_t IndexAt(int frame) const;  // of the stretch; entries_ is not empty, mutex_ held
+    int StartOf(std::size_t index) const;  // mutex_ held
+
+    const std::size_t sourceSize_;
+    mutable std::mutex mutex_;
+    mutable std::condition_variable grown_;
+    std::vector<Entry> entries_;
+    int frames_ = 0;
+    int listener_ = 0;
+    bool isComplete_ = false;
+    LSignalObject listenerMoved_;
+};

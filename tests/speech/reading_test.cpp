@@ -1,0 +1,383 @@
+#include "speech/speech_reading.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <numeric>
+#include <random>
+#include <thread>
+
+#include "speech/tts_sound_source.h"
+#include "speech/voice_list_query.h"
+#include "tests/speech/numbers_engine.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string Sentence(int number, const std::string& word = "number") {
+    return "This sentence says the " + word + " " + std::to_string(number) + ".";
+}
+
+// Sentences 1 to count; those in `troubles` hold the word.
+std::string Text(int count, const std::vector<int>& troubles = {}, const std::string& word = "") {
+    std::string text;
+    for (int i = 1; i <= count; ++i) {
+        const bool isTrouble = std::count(troubles.begin(), troubles.end(), i) > 0;
+        text += Sentence(i, isTrouble ? word : "number") + (i % 5 == 0 ? "\n\n" : " ");
+    }
+    return text;
+}
+
+std::vector<int> Numbers(int count, const std::vector<int>& without = {}) {
+    std::vector<int> numbers;
+    for (int i = 1; i <= count; ++i)
+        if (std::count(without.begin(), without.end(), i) == 0)
+            numbers.push_back(i);
+    return numbers;
+}
+
+std::size_t CountLines(const std::string& path) {
+    const std::string lines = ReadFile(path);
+    return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
+}
+
+std::size_t CountEntries(const std::string& folder, const std::string& beginning = "") {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        count += entry.path().filename().string().starts_with(beginning);
+    return count;
+}
+
+template <typename Condition>
+bool Eventually(Condition condition) {
+    for (int i = 0; i < 2000 && !condition(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return condition();
+}
+
+class NumbersReading : public testing::Test {
+protected:
+    NumbersReading() { SpeakNumbers(engine_); }
+    std::string At(const std::string& name) const { return engine_.Folder() + "/" + name; }
+    std::string SoundPath() const { return At("speech.wav"); }
+    bool NoEngineRuns() const {
+        std::ifstream running(At("running"));
+        for (std::string id; std::getline(running, id);) {
+            const std::string status = ReadFile("/proc/" + id + "/stat");
+            const std::size_t name = status.rfind(')');
+            if (name != std::string::npos && status.compare(name, 3, ") Z") != 0)
+                return false;
+        }
+        return true;
+    }
+
+    const FakeEngine engine_;
+    LSilentProgress progress_;
+};
+
+// Gives a hanging engine no 20 seconds.
+class NoPatienceWithHanging : public LSilentProgress {
+public:
+    explicit NoPatienceWithHanging(std::string sign) : sign_(std::move(sign)) {}
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int) {
+        while (!signal.WaitSignal(10))
+            if (std::filesystem::remove(sign_))
+                return kProcessFailed;
+        return kProcessDone;
+    }
+
+private:
+    std::string sign_;
+};
+
+// Hears the pieces as they come.
+class Listener : public SpokenPieceTaker {
+public:
+    SynthesisOutcome TakePiece(const LSoundSource& sound, const SpeechPiece&) override {
+        const std::vector<int> more = HearNumbers(*sound);
+        heard.insert(heard.end(), more.begin(), more.end());
+        return SynthesisOutcome::kSpoken;
+    }
+    std::vector<int> heard;
+};
+
+TEST_F(NumbersReading, TroubleCostsTheUnitThatMakesItAndIsToldOnce) {
+    const struct {
+        const char* word;
+        std::vector<int> at;
+        const char* told;
+    } cases[] = {
+        {"die", {1}, "\"This sentence says the die 1.\""},
+        {"die", {12}, "\"This sentence says the die 12.\""},
+        {"die", {3, 4, 7, 11}, "4 passages, which were left out; the first is \"This sentence"},
+        {"nothing", {6}, "\"This sentence says the nothing 6.\""},
+        {"garbage", {6}, "garbage 6."},
+        {"half", {6}, "half 6."},
+        {"hang", {6}, "hang 6."},
+    };
+    for (const auto& test : cases) {
+        for (const ReadingUse use : {ReadingUse::kListening, ReadingUse::kSaving}) {
+            const std::string text = Text(12, test.at, test.word);
+            Listener listener;
+            PieceRuns runs(text, 0, engine_.Folder() + "/", use, listener);
+            NoPatienceWithHanging progress(At("hanging"));
+            EXPECT_EQ(Process(progress, runs), kProcessDone) << test.word;
+            EXPECT_EQ(listener.heard, Numbers(12, test.at)) << test.word;
+            EXPECT_THAT(LeftOutMessage(text, runs.LeftOut()), HasSubstr(test.told));
+        }
+    }
+    EXPECT_EQ(LeftOutMessage("", {}), "");
+    EXPECT_EQ(CountEntries(engine_.Folder(), ".speech"), 0U);
+}
+
+TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
+    std::vector<int> all(60);
+    std::iota(all.begin(), all.end(), 1);
+    const struct {
+        const char* word;
+        SynthesisOutcome outcome;
+    } cases[] = {{"nothing", SynthesisOutcome::kNoSound}, {"hang", SynthesisOutcome::kTimedOut}};
+    for (const auto& test : cases) {
+        const std::string text = Text(60, all, test.word);
+        Listener listener;
+        PieceRuns runs(text, 0, engine_.Folder() + "/", ReadingUse::kListening, listener);
+        NoPatienceWithHanging progress(At("hanging"));
+        EXPECT_EQ(Process(progress, runs), kProcessFailed);
+        EXPECT_EQ(runs.Outcome(), test.outcome);
+        EXPECT_LT(CountLines(At("said")), 20U);
+        EXPECT_TRUE(Eventually([&] { return NoEngineRuns(); }));
+    }
+}
+
+TEST_F(NumbersReading, IsHeardWhileItIsSpokenAndKnowsWhichSentenceWhen) {
+    std::ofstream(SoundPath()) << "an older reading";
+    std::ifstream older(SoundPath());
+    const std::string text = "\xe2\x80\x9cWell\xe2\x80\x9d \xe2\x80\x94 " + Text(20, {4}, "wait");
+    SpeechReading reading(text, 0, SoundPath(), ReadingUse::kListening);
+    reading.Start();
+    ASSERT_EQ(Process(progress_, reading), kProcessDone);
+    const LSoundSource source = reading.OpenSource();
+    EXPECT_EQ(source->Status(), SoundStatus::kGood);
+    EXPECT_EQ(source->SampleRate(), 16000);
+
+    ASSERT_TRUE(Eventually([&] { return reading.Track().Frames() == 3 * kFramesOfNumber; }));
+    EXPECT_TRUE(source->IsStreaming());
+    const int estimate = reading.Track().EstimatedEnd();
+    EXPECT_NEAR(estimate, 20 * kFramesOfNumber, 4 * kFramesOfNumber);
+    // Where it runs dry it stands still.
+    int block[4 * kFramesOfNumber];
+    source->Seek(100 * kFramesOfNumber);
+    EXPECT_EQ(source->GetPositionSample(), 3 * kFramesOfNumber);
+    source->Seek(kFramesOfNumber);
+    source->Read(block, 4 * kFramesOfNumber);
+    EXPECT_EQ(block[kFramesOfNumber], 3 * kSampleOfNumber);
+    EXPECT_EQ(block[2 * kFramesOfNumber], 0);
+    EXPECT_EQ(source->GetPositionSample(), 3 * kFramesOfNumber);
+    source->WaitForStreamingData(1);
+    std::ofstream(At("go")).close();
+    EXPECT_EQ(HearNumbers(*source).front(), 4);
+    source->Seek(0);
+    EXPECT_EQ(HearNumbers(*source), Numbers(20));
+    EXPECT_FALSE(source->IsStreaming());
+    EXPECT_EQ(reading.Track().EstimatedEnd(), 20 * kFramesOfNumber);
+    EXPECT_EQ(reading.Outcome(), SynthesisOutcome::kSpoken);
+    EXPECT_EQ(reading.Message(), "");
+
+    for (int i = 0; i < 20; ++i) {
+        const int start = i * kFramesOfNumber;
+        const auto stretch = reading.Track().StretchAt(start + kFramesOfNumber / 2);
+        ASSERT_TRUE(stretch);
+        const std::string spoken =
+            text.substr(stretch->sourceBegin, stretch->sourceEnd - stretch->sourceBegin);
+        EXPECT_THAT(spoken, HasSubstr(Sentence(i + 1, i == 3 ? "wait" : "number")));
+        EXPECT_EQ(stretch->firstFrame, start);
+        EXPECT_EQ(stretch->endFrame, start + kFramesOfNumber);
+        EXPECT_EQ(reading.Track().SentenceStart(start + 5), start);
+        EXPECT_EQ(reading.Track().NextSentence(start + 5), start + kFramesOfNumber);
+        EXPECT_EQ(reading.Track().PreviousSentence(start + 5),
+                  std::max(start - kFramesOfNumber, 0));
+    }
+    EXPECT_FALSE(reading.Track().StretchAt(-1));
+    EXPECT_FALSE(reading.Track().StretchAt(20 * kFramesOfNumber));
+    EXPECT_EQ(LWaveFile::OpenSource(SoundPath().c_str())->GetEndSample(), 20 * kFramesOfNumber);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(older), {}), "an older reading");
+}
+
+TEST_F(NumbersReading, NeverRunsFarAheadOfTheListener) {
+    // 600 numbers a sentence speak for 15 seconds.
+    std::string text;
+    for (int i = 1; i <= 12; ++i) {
+        for (int n = 0; n < 100; ++n)
+            text += std::to_string(i) + " ";
+        text += "and so on.\n\n";
+    }
+    SpeechReading reading(text, 0, SoundPath(), ReadingUse::kListening);
+    reading.Start();
+    ASSERT_EQ(Process(progress_, reading), kProcessDone);
+    const int sentence = 100 * kFramesOfNumber;
+    const int most = 15 * 16000 + sentence;
+    ASSERT_TRUE(Eventually([&] { return reading.Track().Frames() >= 15 * 16000; }));
+    const LSoundSource source = reading.OpenSource();
+    for (const int at : {1, sentence, 3 * sentence}) {
+        source->Seek(at);
+        EXPECT_TRUE(Eventually([&] { return reading.Track().FramesAhead() >= 15 * 16000; }));
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));  // no event tells of no run
+        EXPECT_LE(reading.Track().FramesAhead(), most);
+    }
+    EXPECT_TRUE(source->IsStreaming());
+}
+
+TEST_F(NumbersReading, SavesTheWholeInFewRunsAndConvertsOtherRates) {
+    const std::string text = Text(2000);
+    SpeechReading reading(text, 0, SoundPath(), ReadingUse::kSaving);
+    reading.Start();
+    EXPECT_EQ(Process(progress_, reading), kProcessDone);
+    EXPECT_EQ(reading.Fraction(), 1.0);
+    EXPECT_LT(CountLines(At("said")), 30U);
+    const LSoundSource whole = LWaveFile::OpenSource(SoundPath().c_str());
+    EXPECT_EQ(HearNumbers(*whole), Numbers(2000));
+
+    SpeechReading mixed(Text(9, {4, 5}, "rate"), 0, SoundPath(), ReadingUse::kListening);
+    mixed.Start();
+    ASSERT_EQ(Process(progress_, mixed), kProcessDone);
+    const LSoundSource source = mixed.OpenSource();
+    while (source->IsStreaming())
+        source->WaitForStreamingData(100);
+    EXPECT_EQ(source->SampleRate(), 16000);
+    EXPECT_EQ(source->GetEndSample(), 9 * kFramesOfNumber);
+}
+
+TEST_F(NumbersReading, SaysWhyItEnds) {
+    const struct {
+        const char* text;
+        std::string path;
+        SynthesisOutcome outcome;
+    } cases[] = {
+        {"...\n----", SoundPath(), SynthesisOutcome::kNothingToSay},
+        {"", SoundPath(), SynthesisOutcome::kNothingToSay},
+        {"Hello 1.", At("no/speech.wav"), SynthesisOutcome::kCannotWrite},
+    };
+    for (const auto& test : cases) {
+        SpeechReading reading(test.text, 0, test.path, ReadingUse::kListening);
+        reading.Start();
+        EXPECT_EQ(Process(progress_, reading), kProcessFailed);
+        EXPECT_EQ(reading.Outcome(), test.outcome) << test.text;
+        EXPECT_EQ(reading.Message(), SynthesisMessage(test.outcome));
+        EXPECT_NE(reading.OpenSource()->Status(), SoundStatus::kGood);
+    }
+    SpeechReading replaced(Text(3), 0, SoundPath(), ReadingUse::kListening);
+    replaced.Start();
+    ASSERT_EQ(Process(progress_, replaced), kProcessDone);
+    const LSoundSource early = replaced.OpenSource();
+    std::filesystem::remove(SoundPath());
+    EXPECT_NE(replaced.OpenSource()->Status(), SoundStatus::kGood);
+    std::filesystem::copy_file(At("good.wav"), SoundPath());
+    EXPECT_NE(replaced.OpenSource()->Status(), SoundStatus::kGood);
+    EXPECT_EQ(HearNumbers(*early), Numbers(3)) << "who reads it already keeps it";
+}
+
+// What is there when the disk is full can be heard.
+void FillTheDisk() {
+    const FakeEngine engine;
+    SpeakNumbers(engine);
+    ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{20 * kFramesOfNumber, 20 * kFramesOfNumber};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    LSilentProgress progress;
+    SpeechReading reading(Text(30), 0, engine.Folder() + "/s.wav", ReadingUse::kListening);
+    reading.Start();
+    ASSERT_EQ(Process(progress, reading), kProcessDone);
+    const LSoundSource source = reading.OpenSource();
+    EXPECT_EQ(HearNumbers(*source), Numbers(9));
+    EXPECT_EQ(reading.Outcome(), SynthesisOutcome::kCannotWrite);
+}
+
+TEST(Reading, PlaysWhatIsThereWhenTheDiskIsFull) {
+    InFreshProcess(FillTheDisk);
+}
+
+TEST_F(NumbersReading, EndsInEveryPhaseAndLeavesNothing) {
+    std::mt19937 random(7);  // the moments differ with the machine all the same
+    const std::string texts[] = {Text(40), Text(10, {2}, "hang"), Text(10, {3}, "die"), ""};
+    {
+        SpeechReading first(texts[0], 0, SoundPath(), ReadingUse::kListening);  // lazy statics
+        first.Start();
+    }
+    const std::size_t descriptors = CountEntries("/proc/self/fd");
+    for (int i = 0; i < 60; ++i) {
+        SpeechReading reading(texts[i % 4], 0, SoundPath(),
+                              i % 3 == 0 ? ReadingUse::kSaving : ReadingUse::kListening);
+        reading.Start();
+        const auto until =
+            std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 150000);
+        std::thread player([&] {
+            LSoundSource source = reading.OpenSource();
+            int block[1000];
+            while (std::chrono::steady_clock::now() < until) {
+                if (source->Status() != SoundStatus::kGood) {
+                    reading.FirstSound().WaitSignal(5);
+                    source = reading.OpenSource();
+                }
+                source->Read(block, 1000);
+                source->Seek(static_cast<int>(i * 997 % (reading.Track().EstimatedEnd() + 1)));
+                source->WaitForStreamingData(1);
+            }
+        });
+        std::this_thread::sleep_until(until);
+        reading.Stop();
+        player.join();
+        EXPECT_TRUE(reading.Ended().IsSignaled());
+        EXPECT_TRUE(reading.Track().IsComplete());
+    }
+    EXPECT_TRUE(Eventually([&] { return NoEngineRuns(); }));
+    EXPECT_TRUE(Eventually([&] { return CountEntries("/proc/self/fd") <= descriptors; }));
+    EXPECT_TRUE(Eventually([&] { return CountEntries("/proc/self/task") <= 2; }));
+    EXPECT_EQ(CountEntries(engine_.Folder(), ".speech"), 0U);
+}
+
+// Pieces joined are what one run says of the whole, sample for sample.
+void CompareWithOneRun() {
+    const std::string text =
+        "Chapter one. It was the best of times; it was the worst of times! Was it? Mr. Smith paid "
+        "3.50 dollars, e.g. for \"tea\" (two cups).\n\nNo. 7 is here: well - almost. \"Go!\" she "
+        "said. He went... and then came back.\nA line\nwith breaks. " +
+        std::string("All in all we know the ways of words and how they end. ") + "The end";
+    LSilentProgress progress;
+    VoiceListQuery voices;
+    ASSERT_EQ(Process(progress, voices), kProcessDone);
+    const FakeEngine folder;  // only for its folder: the installed engine speaks
+    const std::string whole = folder.Folder() + "/whole.wav";
+    LTTS request;
+    request.text = text.c_str();
+    request.outputPath = whole.c_str();
+    ASSERT_EQ(Process(progress, request), kProcessDone);
+    const LSoundSource expected = LWaveFile::OpenSource(whole.c_str());
+    SpeechReading reading(text, 0, folder.Folder() + "/pieces.wav", ReadingUse::kListening);
+    reading.Start();
+    ASSERT_EQ(Process(progress, reading), kProcessDone);
+    const LSoundSource source = reading.OpenSource();
+    std::vector<int> first(8192);
+    std::vector<int> second(8192);
+    for (int at = 0; at < expected->GetEndSample(); at += 8192) {
+        while (source->IsStreaming() && source->GetEndSample() < at + 8192) {
+            source->Seek(source->GetEndSample());
+            source->WaitForStreamingData(1000);
+        }
+        source->Seek(at);
+        expected->Read(first.data(), 8192);
+        source->Read(second.data(), 8192);
+        ASSERT_EQ(first, second) << at;
+    }
+    EXPECT_EQ(source->GetEndSample(), expected->GetEndSample());
+}
+
+TEST(RealEngine, PiecesJoinedAreWhatOneRunSays) {
+    InFreshProcess(CompareWithOneRun);
+}
+
+}  // namespace
