@@ -53,9 +53,9 @@ void VoiceListQuery::ThreadFunction() {
     if (IsStopping())
         return;
     state_.store(state);
-    answeredSignal_.Signal();
     if (answered_)
         answered_();
+    answeredSignal_.Signal();
 }
 
 VoiceListState VoiceListQuery::AskUntilAnswered() {
