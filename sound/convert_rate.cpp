@@ -14,7 +14,8 @@ constexpr int kStartPosition = 32;
 constexpr int kPreReadFrames = 31;
 constexpr int kFilterDelay = 32;
 constexpr int kStreamingReserve = 33;
-constexpr int kStreamingPoll = 64;  // frames asked for when a streaming source has none
+constexpr int kStreamingPoll = 64;   // frames asked for when a streaming source has none
+constexpr int kWindingFrames = 512;  // read at once towards frame 0, behind which is silence
 constexpr int kMaxShift = 15;
 constexpr int kMaxNarrow = 32767;
 constexpr int kMaxDoubledPeak = 1048576;
@@ -60,6 +61,8 @@ void LSRCConvertRate::Reset() {
     isWide_ = true;
     shift_ = 0;
     phase_ = 0;
+    blockStart_ = 0;
+    blockEnd_ = 0;
     writePosition_ = kStartPosition;
     readIndex_ = kOverlap - kStartPosition;
     heldFrames_ = kOverlap;
@@ -87,7 +90,8 @@ int LSRCConvertRate::ReadyFrames() const {
 }
 
 int LSRCConvertRate::RefillFrames() const {
-    const int space = std::min(kMaxBlockFrames, kHistoryFrames - writePosition_);
+    const int most = IsWindingBack() ? kWindingFrames : kMaxBlockFrames;
+    const int space = std::min(most, kHistoryFrames - writePosition_);
     if (!inner_->IsStreaming())
         return space;
     const int available =
@@ -200,7 +204,13 @@ int LSRCConvertRate::GetPositionSample() const {
 
 int LSRCConvertRate::GetEndSample() const {
     const std::int64_t end = inner_->GetEndSample();
+    if (IsWindingBack())
+        return std::max(Scale(end), Clamp32(std::int64_t{GetPositionSample()} + ReadyFrames() + 1));
     return inner_->IsStreaming() ? Scale(end - kStreamingReserve) - 1 : Scale(end);
+}
+
+int LSRCConvertRate::OriginFrame(int frame) const {
+    return inner_->OriginFrame(Clamp32(FloorDivide(std::int64_t{frame} * Step(), Phases())));
 }
 
 void LSRCConvertRate::Seek(int frame) {

@@ -53,7 +53,8 @@ private:
 };
 
 // Position and end are in output frames. While the inner source streams, the end stays so far
-// behind that no frame is made from data that has not arrived.
+// behind that no frame is made from data that has not arrived. While it winds back, the end stays
+// ahead of the position until frame 0 is heard: the history still holds what lies before.
 class LSRCConvertRate final : public LSoundProcessBase, public LConvertRateBase {
 public:
     // A rate below 1 becomes 44100 with status kInvalidFormat.
@@ -63,6 +64,7 @@ public:
     int GetPositionSample() const override;
     int GetEndSample() const override;
     void Seek(int frame) override;
+    int OriginFrame(int frame) const override;
 
 private:
     static constexpr int kOverlap = kFilterTaps;
@@ -70,6 +72,7 @@ private:
     void Reset();
     void Refill();
     int RefillFrames() const;
+    bool IsWindingBack() const { return blockEnd_ < blockStart_; }
     void ChooseShift(int frames);
     void LoadHistory(int frames);
     void KeepOverlap();

@@ -112,6 +112,9 @@ int LSRCPeakLimit::GetPositionSample() const {
 
 int LSRCPeakLimit::GetEndSample() const {
     const int end = inner_->GetEndSample();
+    // Winding back: the blocks held are still to be heard.
+    if (isFilled_ && starts_[2] < starts_[0])
+        return std::max(end, GetPositionSample() + blockFrames_ - readPosition_ + 1);
     if (!inner_->IsStreaming())
         return end;
     // The oldest block can be read to its end; each further whole block that has arrived frees one.

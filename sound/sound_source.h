@@ -46,6 +46,10 @@ public:
     // Blocks until more data may be available; the base just sleeps.
     virtual void WaitForStreamingData(int milliseconds);
 
+    // Where a frame of this source comes from: its number, in frames of the source that all
+    // conversion began with. Positions of different rates are compared by it.
+    virtual int OriginFrame(int frame) const { return frame; }
+
     // errno of the first read that the system refused, 0 when there was none. Read delivers silence
     // then, so programs ask here before they call what they read whole.
     virtual int ReadError() const { return readError_; }
@@ -115,6 +119,7 @@ public:
     int GetEndSample() const override { return inner_->GetEndSample(); }
     void Seek(int frame) override { inner_->Seek(frame); }
     bool IsStreaming() const override { return inner_->IsStreaming(); }
+    int OriginFrame(int frame) const override { return inner_->OriginFrame(frame); }
     int ReadError() const override { return inner_->ReadError(); }
     void WaitForStreamingData(int milliseconds) override {
         inner_->WaitForStreamingData(milliseconds);
