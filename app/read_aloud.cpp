@@ -57,7 +57,7 @@ void ReadAloud::Start(GtkWidget* parent, const char* text, int voice) {
     // The card is looked up at each reading: it may have been plugged in since the last.
     player_.SetDevice(StoredDevice());
     if (!player_.Start(source))
-        ShowTrouble(PlayTrouble::CannotOpen);
+        ShowTrouble(PlayTrouble::kCannotOpen);
 }
 
 void ReadAloud::Stop() {
@@ -74,8 +74,8 @@ void ReadAloud::spntfTime(LSoundTime time, int) {
 
 void ReadAloud::spntfStop(int) {
     const PlayTrouble trouble = player_.Trouble();
-    listener_.EvReadingEnded(trouble != PlayTrouble::None);
-    if (trouble != PlayTrouble::None)
+    listener_.EvReadingEnded(trouble != PlayTrouble::kNone);
+    if (trouble != PlayTrouble::kNone)
         ShowTrouble(trouble);
 }
 
@@ -84,7 +84,7 @@ void ReadAloud::EvTrouble(PlayTrouble) {
 }
 
 void ReadAloud::ShowTrouble(PlayTrouble trouble) {
-    if (trouble == PlayTrouble::DeviceLost) {
+    if (trouble == PlayTrouble::kDeviceLost) {
         MessageBoxRun(parent_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora", "Reading stopped",
                       "The sound device stopped working while the text was read aloud.");
         return;

@@ -29,19 +29,19 @@ using CardInfo = std::unique_ptr<snd_ctl_card_info_t, CardInfoFree>;
 MixerResult OpenMixer(int card, Mixer& mixer) {
     snd_mixer_t* opened = nullptr;
     if (snd_mixer_open(&opened, 0) < 0)
-        return MixerResult::CannotOpen;
+        return MixerResult::kCannotOpen;
     mixer.reset(opened);
     const bool ready = snd_mixer_attach(opened, CardDevice(card).c_str()) >= 0 &&
                        snd_mixer_selem_register(opened, nullptr, nullptr) >= 0 &&
                        snd_mixer_load(opened) >= 0;
-    return ready ? MixerResult::Done : MixerResult::Failed;
+    return ready ? MixerResult::kDone : MixerResult::kFailed;
 }
 
 template <typename Action>
 MixerResult ForEachElement(int card, Action action) {
     Mixer mixer;
     const MixerResult result = OpenMixer(card, mixer);
-    if (result != MixerResult::Done)
+    if (result != MixerResult::kDone)
         return result;
     for (snd_mixer_elem_t* element = snd_mixer_first_elem(mixer.get()); element != nullptr;
          element = snd_mixer_elem_next(element)) {
@@ -49,7 +49,7 @@ MixerResult ForEachElement(int card, Action action) {
             std::strcmp(snd_mixer_selem_get_name(element), "Capture") != 0)
             action(element);
     }
-    return MixerResult::Done;
+    return MixerResult::kDone;
 }
 
 }  // namespace

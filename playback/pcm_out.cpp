@@ -1,7 +1,10 @@
 #include "playback/pcm_out.h"
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
+#include "foundation/timed_poll.h"
 #include "playback/alsa_card.h"
 
 namespace {
@@ -15,27 +18,13 @@ struct ParametersFree {
 
 }  // namespace
 
-PcmOut& PcmOut::operator=(PcmOut&& other) noexcept {
-    if (this != &other) {
-        Close();
-        pcm_ = std::exchange(other.pcm_, nullptr);
-        rate_ = other.rate_;
-        channels_ = other.channels_;
-    }
-    return *this;
-}
-
 int PcmOut::Open(int card) {
     Close();
-    // A blocking open of a card in use would wait for its other user, and whoever joins this thread
-    // with it; so only the stream blocks, not the opening.
     const int error =
         snd_pcm_open(&pcm_, CardDevice(card).c_str(), SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK);
-    if (error < 0) {
+    if (error < 0)
         pcm_ = nullptr;
-        return error;
-    }
-    return snd_pcm_nonblock(pcm_, 0);
+    return std::min(error, 0);
 }
 
 void PcmOut::Close() {
@@ -74,15 +63,24 @@ int PcmOut::SetParameters(int rate, std::uint8_t channels) {
         error = snd_pcm_hw_params_set_channels_near(pcm_, wanted, &channels_);
     if (error >= 0)
         error = snd_pcm_hw_params(pcm_, wanted);
-    return error < 0 ? error : 0;
+    if (error >= 0)
+        polled_.resize(1 +
+                       static_cast<std::size_t>(std::max(snd_pcm_poll_descriptors_count(pcm_), 0)));
+    return std::min(error, 0);
 }
 
 snd_pcm_sframes_t PcmOut::Write(const std::int16_t* block, int frames) {
     return snd_pcm_writei(pcm_, block, static_cast<snd_pcm_uframes_t>(frames));
 }
 
-snd_pcm_sframes_t PcmOut::Delay() {
-    // A card that has played everything out reports an underrun here, one that is gone an error.
-    snd_pcm_sframes_t delay = 0;
-    return snd_pcm_delay(pcm_, &delay) < 0 ? 0 : delay;
+bool PcmOut::WaitForRoom(int stopFd, int milliseconds) {
+    polled_[0] = {stopFd, POLLIN, 0};
+    pollfd* const card = polled_.data() + 1;
+    const auto entries = static_cast<unsigned int>(polled_.size() - 1);
+    const int filled = snd_pcm_poll_descriptors(pcm_, card, entries);
+    if (TimedPoll(polled_.data(), 1 + static_cast<nfds_t>(std::max(filled, 0)), milliseconds) < 1)
+        return false;
+    unsigned short events = 0;
+    const bool isTold = snd_pcm_poll_descriptors_revents(pcm_, card, entries, &events) >= 0;
+    return isTold && (events & (POLLOUT | POLLERR | POLLHUP | POLLNVAL)) != 0;
 }

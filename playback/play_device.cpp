@@ -42,9 +42,9 @@ void LSoundPlayDevice::GetDeviceName(char* out) const {
 
 int LSoundPlayDevice::InitVolume(bool set, long volume) const {
     const MixerResult result = set ? SetMixerVolume(card_, volume) : ProbeMixer(card_);
-    if (result == MixerResult::CannotOpen)
+    if (result == MixerResult::kCannotOpen)
         TellCannotOpenMixer(card_);
-    return result == MixerResult::Done ? 0 : -1;
+    return result == MixerResult::kDone ? 0 : -1;
 }
 
 void LSoundPlayDevice::SetVolume(LDB volume) const {

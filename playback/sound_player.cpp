@@ -1,150 +1,186 @@
 #include "playback/sound_player.h"
 
+#include <vector>
+
 #include "sound/convert.h"
 
 namespace {
 
-// The player's own hold on a source. Counts of handles are not atomic: the player thread, which
+// The player's own hold on a source. Counts of handles are not atomic: the thread of a run, which
 // wraps what it plays, changes the count of this object only, while the caller drops its handle.
+// The player's frames are this source's.
 class OwnedSource final : public LSoundProcessBase {
 public:
     explicit OwnedSource(const LSoundSource& inner) : LSoundProcessBase(inner) {}
     void Read(int* buffer, int frames) override { inner_->Read(buffer, frames); }
+    int OriginFrame(int frame) const override { return frame; }
 };
+
+// Runs whose card has not let them go yet. One that never does stays until the program ends, which
+// does not wait for it.
+void LeaveBehind(std::unique_ptr<PlayRun> run) {
+    static auto* const leftBehind = new std::vector<std::unique_ptr<PlayRun>>;
+    std::erase_if(*leftBehind, [](const auto& left) { return !left->IsRunning(); });
+    leftBehind->push_back(std::move(run));
+}
 
 }  // namespace
 
 // Without a listener the player listens to itself, which does nothing.
 LSoundPlayer::LSoundPlayer(LSoundPlayerNotify* listener, int id, LSoundPlayDevice device)
-    : listener_(listener != nullptr ? *listener : *this), id_(id), device_(device) {}
+    : listener_(listener != nullptr ? *listener : *this),
+      id_(id),
+      device_(device),
+      halts_(std::make_shared<unsigned>(0U)) {}
 
 LSoundPlayer::~LSoundPlayer() {
+    isStarting_ = true;
     Stop();
-    Halt();
 }
 
 bool LSoundPlayer::Start(const LSoundSource& source) {
-    if (IsLoaded())
-        Unload();
-    if (source->Status() != SoundStatus::kGood)
+    if (isStarting_)
         return false;
-    source_ = LSoundSource(new OwnedSource(source));
-    if (source_->PeakMagnitude() > kMaxPcm16Peak)
-        source_ = LSPPeakLimit(kMaxPcm16Peak).OpenSource(source_);
-    if (source_->Status() != SoundStatus::kGood) {
-        source_.Close();
-        return false;
+    LSoundSource taken(new OwnedSource(source));  // the caller's handle may go with a listener
+    if (IsLoaded()) {
+        const Moment moment(*this);
+        isStarting_ = true;
+        Stop();
+        if (!moment.HasPlayer())
+            return false;
+        isStarting_ = false;
     }
-    const int position = source_->GetPositionSample();
-    shared_.position.store(position);
-    shared_.rate.store(source_->SampleRate());
-    ClearAnnouncements();
-    SetState(kLoaded);
-    const LSoundTime time = TimeOf(position);
-    StartThread();
+    if (taken->Status() != SoundStatus::kGood)
+        return false;
+    if (taken->PeakMagnitude() > kMaxPcm16Peak)
+        taken = LSPPeakLimit(kMaxPcm16Peak).OpenSource(taken);
+    if (taken->Status() != SoundStatus::kGood)
+        return false;
+    source_ = taken;
+    taken.Close();  // the run's thread counts handles from here on
+    rate_ = source_->SampleRate();
+    position_ = source_->GetPositionSample();
+    state_ = State::kLoaded;
+    const LSoundTime time = PositionTime();
+    StartRun();
+    const Moment moment(*this);
     listener_.spntfPlay(id_);
-    listener_.spntfTime(time, id_);
+    if (moment.Holds())
+        listener_.spntfTime(time, id_);
     return true;
 }
 
 void LSoundPlayer::Play() {
     if (!IsLoaded())
         return;
-    if (IsCued()) {
-        SetState(state_ & ~kCued);
-        StartThread();
-    }
-    SetState(state_ & ~kResumePending);
+    state_ = State::kLoaded;
+    if (run_ == nullptr)
+        StartRun();
     listener_.spntfPlay(id_);
 }
 
 void LSoundPlayer::Cue() {
-    if (!IsLoaded())
+    if (state_ != State::kLoaded || !TellSilence() || state_ != State::kLoaded)
         return;
-    if (IsCued()) {
-        SetState(state_ & ~kResumePending);
-        return;
-    }
     Halt();
-    source_->Seek(shared_.position.load());
-    const int position = source_->GetPositionSample();
-    shared_.position.store(position);
-    ClearAnnouncements();
-    SetState(kLoaded | kCued);
+    source_->Seek(position_);
+    position_ = source_->GetPositionSample();
+    state_ = State::kCued;
+    const LSoundTime time = PositionTime();
+    const Moment moment(*this);
     listener_.spntfCue(id_);
-    listener_.spntfTime(TimeOf(position), id_);
+    if (moment.Holds())
+        listener_.spntfTime(time, id_);
 }
 
-// The cued bit stays although the thread runs again: Play after such a seek must announce itself.
+// The state still reads cued although sound comes again: Play after such a seek must announce
+// itself.
 void LSoundPlayer::Seek(int frame) {
     if (!IsLoaded())
         return;
     Halt();
     source_->Seek(frame);
-    shared_.position.store(frame);
-    const LSoundTime time = TimeOf(frame);
-    StartThread();
-    listener_.spntfTime(time, id_);
+    position_ = frame;
+    StartRun();
+    listener_.spntfTime(TimeOf(frame), id_);
 }
 
 void LSoundPlayer::Stop() {
-    if (IsLoaded())
-        Unload();
-}
-
-void LSoundPlayer::SetState(int state) {
-    state_ = state;
-}
-
-void LSoundPlayer::StartThread() {
-    card_ = device_.Card();
-    shared_.trouble.store(PlayTrouble::None);
-    LThread::Start(0);
-}
-
-void LSoundPlayer::Halt() {
-    StopThreadSoon();
-    Join();
-}
-
-void LSoundPlayer::Unload() {
+    if (!IsLoaded() || !TellSilence() || !IsLoaded())
+        return;
     Halt();
     source_.Close();
-    SetState(0);
-    ClearAnnouncements();
-    shared_.position.store(0);
+    state_ = State::kIdle;
+    rate_ = 0;
+    position_ = 0;
     listener_.spntfStop(id_);
 }
 
-void LSoundPlayer::ClearAnnouncements() {
-    shared_.ended.store(false);
-    shared_.updatePending.store(false);
-    shared_.troublePending.store(false);
+int LSoundPlayer::EndSample() const {
+    if (run_ != nullptr)
+        return run_->EndFrame();
+    return IsLoaded() ? source_->GetEndSample() : 0;
 }
 
-LSoundTime LSoundPlayer::TimeOf(int frame) const {
-    return LSoundTime::FromFrames(frame, shared_.rate.load());
+void LSoundPlayer::StartRun() {
+    trouble_ = PlayTrouble::kNone;
+    run_ = std::make_unique<PlayRun>(source_, device_.Card(), [this] { QueueNotify(); });
+    run_->Start();
 }
 
-LDBMC LSoundPlayer::Levels() const {
-    LDBMC levels(static_cast<std::uint8_t>(shared_.channels.load()));
-    for (int channel = 0; channel < levels.Channels(); ++channel)
-        levels[channel] = LDB(shared_.levels[static_cast<std::size_t>(channel)].load());
-    return levels;
+// From here on the source is this thread's again, and the run has nothing to tell.
+void LSoundPlayer::Halt() {
+    ++*halts_;
+    if (run_ == nullptr)
+        return;
+    run_->Halt();
+    position_ = run_->TakeNews().frame;
+    if (run_->HasFinished())
+        run_.reset();
+    else
+        LeaveBehind(std::move(run_));
+}
+
+// So that a meter falls. False when the listener has deleted the player.
+bool LSoundPlayer::TellSilence() {
+    if (toldChannels_ == 0)
+        return true;
+    const Moment moment(*this);
+    const LDBMC silence(std::exchange(toldChannels_, std::uint8_t{0}));
+    listener_.spntfLevel(silence, id_);
+    return moment.HasPlayer();
 }
 
 void LSoundPlayer::EvNotify() {
-    if (shared_.ended.load()) {
-        // The thread leaves the source alone once it has announced the end.
-        listener_.spntfTime(TimeOf(source_->GetEndSample()), id_);
-        if (shared_.ended.load() && IsLoaded())
-            Unload();
-    } else if (shared_.updatePending.exchange(false)) {
-        listener_.spntfTime(TimeOf(shared_.position.load()), id_);
-        listener_.spntfLevel(Levels(), id_);
+    if (run_ == nullptr)
+        return;
+    const PlayNews news = run_->TakeNews();
+    const Moment moment(*this);
+    if (news.hasEnded) {
+        EvEnded(news);
+    } else if (news.hasBlock) {
+        position_ = news.frame;
+        listener_.spntfTime(PositionTime(), id_);
+        if (!moment.Holds())
+            return;
+        toldChannels_ = news.levels.Channels();
+        listener_.spntfLevel(news.levels, id_);
     }
-    if (shared_.troublePending.exchange(false) && onTrouble_) {
-        const auto handler = onTrouble_;  // may be replaced, or destroyed with the player
-        handler(shared_.trouble.load());
-    }
+    if (!news.hasFailed || !moment.Holds())
+        return;
+    trouble_ = news.trouble;
+    const auto handler = onTrouble_;  // may be replaced, or destroyed with the player
+    if (handler)
+        handler(trouble_);
+}
+
+void LSoundPlayer::EvEnded(const PlayNews& news) {
+    const Moment moment(*this);
+    trouble_ = news.trouble;
+    if (!TellSilence() || !moment.Holds())
+        return;
+    position_ = news.endFrame;
+    listener_.spntfTime(PositionTime(), id_);
+    if (moment.Holds())
+        Stop();
 }

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -34,12 +36,15 @@ public:
     }
 
     std::vector<std::string> log;
+    std::function<void(const std::string&)> onEntry;
 
 private:
     void Add(const std::string& entry, int id) {
         EXPECT_EQ(id, 7);
         EXPECT_EQ(std::this_thread::get_id(), thread_);
         log.push_back(entry);
+        if (onEntry)
+            onEntry(entry);
     }
 
     const std::thread::id thread_ = std::this_thread::get_id();
@@ -47,10 +52,10 @@ private:
 
 class PlayerTest : public testing::Test {
 protected:
-    // Runs the main loop until the condition holds, ten seconds at most.
+    // Runs the main loop until the condition holds, twenty seconds at most.
     template <typename Condition>
     static bool RunUntil(Condition condition) {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (!condition() && std::chrono::steady_clock::now() < limit) {
             while (g_main_context_iteration(nullptr, FALSE)) {
             }
@@ -61,30 +66,26 @@ protected:
     bool RunUntilTold(const std::string& entry) {
         return RunUntil([&] { return listener_.Has(entry); });
     }
-    static void RunFor(int milliseconds) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-        RunUntil([end] { return std::chrono::steady_clock::now() >= end; });
-    }
 
     // Each frame tells its number; every channel holds the same.
     static std::vector<int> Numbered(int frames, int channels = 1) {
         std::vector<int> samples;
         for (int frame = 0; frame < frames; ++frame)
-            samples.insert(samples.end(), static_cast<std::size_t>(channels), frame % 30000 * 16);
+            samples.insert(samples.end(), static_cast<std::size_t>(channels), frame % 32000 * 16);
         return samples;
     }
     static LSoundSource NumberedSource(int frames, int rate = 16000, unsigned char channels = 1) {
         return LSoundSource(new MemorySource(Numbered(frames, channels), rate, channels));
     }
-    static std::vector<std::int16_t> NumbersFrom(int first, std::size_t count) {
+    static std::vector<std::int16_t> NumbersFrom(int first, int end) {
         std::vector<std::int16_t> numbers;
-        for (std::size_t i = 0; i < count; ++i)
-            numbers.push_back(
-                static_cast<std::int16_t>((static_cast<std::size_t>(first) + i) % 30000));
+        for (int number = first; number < end; ++number)
+            numbers.push_back(static_cast<std::int16_t>(number % 32000));
         return numbers;
     }
 
     VirtualCards cards_;
     LogListener listener_;
-    LSoundPlayer player_{&listener_, 7, LSoundPlayDevice(0)};
+    std::unique_ptr<LSoundPlayer> player_ =
+        std::make_unique<LSoundPlayer>(&listener_, 7, LSoundPlayDevice(0));
 };

@@ -68,6 +68,28 @@ std::vector<std::int16_t> VirtualCards::Received(int card, int stream) const {
     return samples;
 }
 
+std::vector<std::int16_t> VirtualCards::Played(int card, int stream) const {
+    constexpr std::size_t kChannelsAt = 22;
+    const std::string header = ReadSmallFile(StreamPath(card, stream, ".wav"));
+    const std::vector<CardEvent> events = Events(card, stream);
+    if (header.size() <= kChannelsAt || events.empty())
+        return {};
+    const auto channels = static_cast<std::uint64_t>(header[kChannelsAt]);
+    const std::vector<std::int16_t> received = Received(card, stream);
+    std::vector<std::int16_t> played;
+    CardEvent from;
+    // Each prepare begins anew with an empty card.
+    for (const CardEvent& event : events) {
+        if (event.name != "prepare" && &event != &events.back())
+            continue;
+        const auto first = static_cast<std::ptrdiff_t>(from.received * channels);
+        const auto count = static_cast<std::ptrdiff_t>((event.played - from.played) * channels);
+        played.insert(played.end(), received.begin() + first, received.begin() + first + count);
+        from = event;
+    }
+    return played;
+}
+
 std::vector<CardEvent> VirtualCards::Events(int card, int stream) const {
     std::istringstream lines(ReadSmallFile(StreamPath(card, stream, ".log")));
     std::vector<CardEvent> events;

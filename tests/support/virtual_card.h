@@ -28,6 +28,8 @@ public:
     // Streams count from 1 in the order in which they were opened.
     int Streams(int card) const;
     std::vector<std::int16_t> Received(int card, int stream = 1) const;  // interleaved
+    // What of that was heard: without what a stop, an underrun or a close threw away.
+    std::vector<std::int16_t> Played(int card, int stream = 1) const;
     std::vector<CardEvent> Events(int card, int stream = 1) const;
     // Lines "element left right" of what a mixer set.
     std::string Mixer(int card) const;

@@ -14,12 +14,14 @@
 namespace {
 
 bool ParseFault(std::istringstream& line, CardFault& fault) {
-    static const std::array<std::pair<const char*, CardFault::Kind>, 5> kinds = {{
+    static const std::array<std::pair<const char*, CardFault::Kind>, 7> kinds = {{
         {"busy", CardFault::Kind::kBusy},
         {"vanish", CardFault::Kind::kVanish},
         {"underrun", CardFault::Kind::kUnderrun},
         {"suspend", CardFault::Kind::kSuspend},
         {"again", CardFault::Kind::kAgain},
+        {"stall", CardFault::Kind::kStall},
+        {"hang", CardFault::Kind::kHang},
     }};
     std::string word;
     line >> word;
@@ -82,9 +84,10 @@ void ParseLine(const std::string& text, CardSettings& settings) {
 
 }  // namespace
 
-bool CardSettings::HasFault(CardFault::Kind kind) const {
-    return std::any_of(faults.begin(), faults.end(),
-                       [&](const CardFault& fault) { return fault.kind == kind; });
+const CardFault* CardSettings::FindFault(CardFault::Kind kind) const {
+    const auto found = std::find_if(faults.begin(), faults.end(),
+                                    [&](const CardFault& fault) { return fault.kind == kind; });
+    return found != faults.end() ? &*found : nullptr;
 }
 
 CardSettings ParseCardSettings(const std::string& text) {

@@ -12,6 +12,8 @@
 //   fault suspend 22050      the stream is suspended once: -ESTRPIPE until it is resumed, at once
 //                            (ALSA hides a plug-in's refusal to resume from the player)
 //   fault again 22050        one write answers -EAGAIN
+//   fault stall 22050        the clock stands still there for as long as this line does
+//   fault hang 22050         a write does not return for as long as this line stands
 //
 // A card exists when its `settings` does. Frames of faults count from the opening of a stream.
 #pragma once
@@ -23,7 +25,7 @@
 #include <vector>
 
 struct CardFault {
-    enum class Kind { kBusy, kVanish, kUnderrun, kSuspend, kAgain };
+    enum class Kind { kBusy, kVanish, kUnderrun, kSuspend, kAgain, kStall, kHang };
     Kind kind = Kind::kBusy;
     std::uint64_t frame = 0;
 
@@ -44,7 +46,8 @@ struct CardSettings {
     std::vector<CardElement> elements;
     std::vector<CardFault> faults;
 
-    bool HasFault(CardFault::Kind kind) const;
+    // The first of that kind, null when there is none.
+    const CardFault* FindFault(CardFault::Kind kind) const;
 };
 
 CardSettings ParseCardSettings(const std::string& text);

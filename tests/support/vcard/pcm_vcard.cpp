@@ -51,6 +51,11 @@ private:
     bool TakeFault(CardFault::Kind kind, std::uint64_t frame, CardFault& taken);
     void StopClock(snd_pcm_state_t state, const char* event);
     void StartClock();
+    std::int64_t StartFor(std::uint64_t played);
+    bool IsAt(CardFault::Kind kind, std::uint64_t frame) {
+        const CardFault* const fault = folder_.Settings().FindFault(kind);
+        return fault != nullptr && frame >= fault->frame;
+    }
     void SetTicks(bool ticking);
     double FramesPerMicrosecond() { return io_.rate * folder_.Settings().speed / 1e6; }
     void Log(const char* event, const std::string& more = "") {
@@ -119,7 +124,7 @@ int VirtualPcm::Open(snd_pcm_t** pcm, const char* name, snd_pcm_stream_t stream,
     if (::access((folder_.Path() + "/gone").c_str(), F_OK) == 0)
         return -ENODEV;
     lock_.Reset(::open((folder_.Path() + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
-    if (folder_.Settings().HasFault(CardFault::Kind::kBusy) ||
+    if (folder_.Settings().FindFault(CardFault::Kind::kBusy) != nullptr ||
         ::flock(lock_.Get(), LOCK_EX | LOCK_NB) != 0)
         return -EBUSY;
     timer_.Reset(::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC));
@@ -203,9 +208,14 @@ void VirtualPcm::SetTicks(bool ticking) {
 }
 
 void VirtualPcm::StartClock() {
-    clockStart_ = MonotonicMicroseconds() -
-                  static_cast<std::int64_t>(static_cast<double>(played_) / FramesPerMicrosecond());
+    clockStart_ = StartFor(played_);
     SetTicks(true);
+}
+
+// When the clock would have started had it played that many frames by now.
+std::int64_t VirtualPcm::StartFor(std::uint64_t played) {
+    return MonotonicMicroseconds() -
+           static_cast<std::int64_t>(static_cast<double>(played) / FramesPerMicrosecond());
 }
 
 void VirtualPcm::StopClock(snd_pcm_state_t state, const char* event) {
@@ -260,6 +270,10 @@ void VirtualPcm::ApplyFaults() {
 void VirtualPcm::PlayOn() {
     if (io_.state != SND_PCM_STATE_RUNNING && io_.state != SND_PCM_STATE_DRAINING)
         return;
+    if (IsAt(CardFault::Kind::kStall, playedBefore_ + played_)) {
+        clockStart_ = StartFor(played_);
+        return;
+    }
     const auto elapsed = static_cast<double>(MonotonicMicroseconds() - clockStart_);
     const auto clock = static_cast<std::uint64_t>(std::max(elapsed * FramesPerMicrosecond(), 0.0));
     played_ = std::clamp(clock, played_, received_);
@@ -286,6 +300,8 @@ snd_pcm_sframes_t VirtualPcm::Transfer(const snd_pcm_channel_area_t* areas,
         Log("again");
         return -EAGAIN;
     }
+    while (IsAt(CardFault::Kind::kHang, receivedBefore_ + received_))
+        ::usleep(2000);
     if (received_ == 0)
         Log("first");
     const auto* bytes = static_cast<const char*>(areas->addr) + areas->first / 8 +

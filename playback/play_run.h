@@ -1,0 +1,120 @@
+// One stretch of playback: the thread that feeds the card, from a start to the next halt.
+//
+// Threads
+//   * The GUI thread makes a run, starts it, takes its news and halts it. Everything else happens
+//     on the run's own thread, which reads the source and writes the card.
+//   * The source belongs to the thread until Halt. A card may keep the thread in a call for as long
+//     as it likes, so Halt does not wait for it: it takes the source back under sourceMutex_, which
+//     the thread never holds while it deals with the card, and the thread then ends by itself.
+//   * News go to the GUI thread under newsMutex_, with a notification queued behind them; several
+//     may coalesce to the newest. After Halt there are none.
+//   * After its first block the thread runs at real-time priority, so that a busy user interface
+//     cannot starve the card.
+//
+// The thread hands over what fits, follows by the card's delay what is being heard, and sleeps in
+// one poll of the card's descriptors and its stop signal.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "foundation/thread.h"
+#include "playback/block_ring.h"
+#include "playback/card_clock.h"
+#include "playback/pcm_out.h"
+#include "sound/level.h"
+#include "sound/sound_source.h"
+
+// Why playback ended by itself.
+enum class PlayTrouble {
+    kNone,         // played to the end, stopped by the owner, or still playing
+    kCannotOpen,   // no such card, or another program holds it
+    kCannotSetUp,  // the card refused the sound's parameters
+    kDeviceLost,   // the card vanished, failed or stood still while playing
+};
+
+// Frames are the owner's source's own, whatever the card is given.
+struct PlayNews {
+    bool hasBlock = false;   // another block is being heard: its start and its levels are told
+    bool hasEnded = false;   // heard to the end, or the card could not be opened
+    bool hasFailed = false;  // ended without an end; trouble says why
+    PlayTrouble trouble = PlayTrouble::kNone;
+    int frame = 0;     // where playback would go on: start of the block being heard
+    int endFrame = 0;  // grows while the source streams
+    LDBMC levels;
+};
+
+class PlayRun final : private LThread {
+public:
+    // notify is called on the thread when there are news, never once Halt has returned.
+    PlayRun(const LSoundSource& source, int card, std::function<void()> notify);
+    ~PlayRun() override;  // waits for the thread
+
+    using LThread::IsRunning;
+    void Start() { LThread::Start(0); }
+    // Ends playback and gives the source back: no handle of the run holds it any longer. Returns
+    // within 20 ms, also while the card keeps the thread, which IsRunning then tells.
+    void Halt();
+    bool HasFinished() const { return !IsRunning() || finished_.Ref().IsSignaled(); }
+    // Each flag is told once.
+    PlayNews TakeNews();
+    int EndFrame();
+
+private:
+    enum class Supply {
+        kBlock,  // a block waits to be handed over
+        kFull,   // enough is underway
+        kDry,    // nothing there yet
+        kOver,   // nothing will come
+    };
+
+    void ThreadFunction() override;
+    bool OpenCard();
+    bool MatchCard();
+    bool Step();
+    Supply NextBlock();
+    void ReadBlock(int position, int frames);
+    void ConvertBlock(int frames);
+    bool WriteBlock();
+    bool FollowCard();
+    void Publish(const BlockRecord& record);
+    bool Wait(Supply supply);
+    bool Recover(int error);
+    bool Resume();
+    void GoBackToHeard();
+    void RaisePriorityOnce();
+    void TellEnd(PlayTrouble trouble);
+    bool Fail(PlayTrouble trouble);
+    void Tell(const std::function<void(PlayNews&)>& change);
+
+    const int card_;
+    const std::function<void()> notify_;
+    LSignalObject finished_;
+
+    std::mutex sourceMutex_;
+    LSoundSource original_;     // as the owner gave it
+    LSoundSource source_;       // as the card gets it
+    bool isTakenBack_ = false;  // under both mutexes
+
+    std::mutex newsMutex_;
+    PlayNews news_;
+
+    // The thread's own, set up before its loop so that nothing is allocated inside.
+    PcmOut pcm_;
+    CardClock clock_;
+    BlockRing ring_;
+    std::vector<int> block_;
+    std::vector<std::int16_t> pcmBlock_;
+    int blockFrames_ = 0;
+    int pendingFrames_ = 0;  // of pcmBlock_, still to be handed over
+    int pendingFrom_ = 0;
+    bool hasRoom_ = true;     // as far as is known
+    bool isRefused_ = false;  // the card has room but takes nothing
+    bool isFirstBlock_ = true;
+    int nextFrame_ = 0;  // of the owner's source: behind the last block
+    std::int64_t toldFirst_ = -1;
+    std::optional<int> wentBackTo_;
+};
