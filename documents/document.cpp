@@ -7,7 +7,13 @@
 #include <cerrno>
 #include <cstring>
 
+#include "documents/document_kind.h"
+#include "documents/html_text.h"
+#include "documents/office_text.h"
+#include "documents/pdf_text.h"
+#include "documents/problems.h"
 #include "documents/text_charset.h"
+#include "documents/zip_document.h"
 #include "foundation/file_io.h"
 #include "foundation/flock_timed.h"
 #include "foundation/text_file.h"
@@ -26,6 +32,13 @@ Document CannotOpen(const char* path, int error) {
         return Problem(S_ISDIR(info.st_mode) ? "This is a folder, not a file."
                                              : "This is not a regular file.");
     return Problem(std::string("The file cannot be opened: ") + std::strerror(error) + ".");
+}
+
+Document ReadPage(std::string_view bytes, const ReadingWatch& watch) {
+    TextFlow flow;
+    if (!ReadHtml(bytes, watch, flow))
+        return Problem(watch.IsToEnd() ? watch.Problem() : kTooLongDocument);
+    return {flow.Take(), {}};
 }
 
 }  // namespace
@@ -47,6 +60,20 @@ Document LoadDocument(const char* path, const StopTest& isToStop) {
 }
 
 Document ReadDocument(std::string_view bytes, const StopTest& isToStop) {
-    static_cast<void>(isToStop);
+    const ReadingWatch watch(isToStop);
+    switch (KindOf(bytes)) {
+        case DocumentKind::kHtml:
+            return ReadPage(bytes, watch);
+        case DocumentKind::kZip:
+            return ReadZipDocument(bytes, watch);
+        case DocumentKind::kFlatOdt:
+            return ReadFlatOdt(bytes, watch);
+        case DocumentKind::kPdf:
+            return ReadPdf(bytes, watch);
+        case DocumentKind::kForeign:
+            return Problem(ForeignKindProblem(bytes));
+        case DocumentKind::kPlainText:
+            break;
+    }
     return {DecodeText(bytes), {}};
 }

@@ -72,6 +72,8 @@ LIBRARIES = {
     ],
     "X11/": ["gui", "app"],
     "alsa/": ["playback", "tests/support"],
+    "libxml/": ["documents"],
+    "archive": ["documents", "tests/documents"],
 }
 SUFFIXES = (".h", ".cpp")
 MAIN_LINES = 60

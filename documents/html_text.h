@@ -1,0 +1,13 @@
+// The text of web pages, and of the chapters of EPUB books.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "documents/document.h"
+#include "documents/reading_watch.h"
+#include "documents/text_flow.h"
+
+// In the charset that the page names, else as DecodeText() finds out. False when watch ended it or
+// the flow is too long.
+bool ReadHtml(std::string_view bytes, const ReadingWatch& watch, TextFlow& flow);

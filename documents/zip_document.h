@@ -1,0 +1,9 @@
+// Documents that are ZIP archives: EPUB books, OpenDocument and Office Open XML texts.
+#pragma once
+
+#include <string_view>
+
+#include "documents/document.h"
+#include "documents/reading_watch.h"
+
+Document ReadZipDocument(std::string_view bytes, const ReadingWatch& watch);

@@ -1,0 +1,191 @@
+#include "documents/document.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "documents/pdf_text.h"
+#include "tests/documents/document_files.h"
+
+namespace {
+
+using std::string_literals::operator""s;
+using testing::HasSubstr;
+
+const std::string kContainer =
+    "<container><rootfiles><rootfile full-path='OEBPS/book.opf'/></rootfiles></container>";
+
+std::string EpubOf(const ZipFiles& more) {
+    ZipFiles files = {
+        {"mimetype", "application/epub+zip"},
+        {"OEBPS/text/two.xhtml",
+         "<?xml version='1.0'?><html><body><p>Two&nbsp;…</p></body></html>"},
+        {"META-INF/container.xml", kContainer},
+        {"OEBPS/book.opf",
+         "<package><manifest><item id='a' href='text/one%20x.xhtml' "
+         "media-type='application/xhtml+xml'/><item id='b' href='./text/two.xhtml' "
+         "media-type='application/xhtml+xml'/><item id='n' href='nav.xhtml' properties='nav' "
+         "media-type='application/xhtml+xml'/></manifest><spine><itemref idref='n'/>"
+         "<itemref idref='a'/><itemref idref='b'/><itemref idref='b' linear='no'/></spine>"
+         "</package>"},
+        {"OEBPS/nav.xhtml", "<html><body>Contents</body></html>"},
+        {"OEBPS/text/one x.xhtml",
+         "<html><head><title>T</title></head><body><h1>One</h1>text</body></html>"},
+    };
+    files.insert(files.end(), more.begin(), more.end());
+    return ZipOf(files);
+}
+
+TEST(Documents, TextIsReadAndMarkupIsNot) {
+    const struct {
+        const char* what;
+        std::string bytes;
+        std::string text;
+    } cases[] = {
+        {"plain text stays as it is", "a <b>  c\n\n\nd exam-\nple", "a <b>  c\n\n\nd exam-\nple"},
+        {"page",
+         " <!DOCTYPE html><html><head><title>x</title><style>p{}</style></head><body class='p'>"
+         "<script>var a='<p>no';</script><h1>Head</h1>some<i> text</i>\n &amp; <b>m</b>ore<br>line"
+         "<p>one<p>two <img src='x' alt='a cat'><!-- no --><p hidden>no</p><ul><li>i<li>j</ul>"
+         "<pre>a\n b</pre><table><tr><th>n<th>m:<tr><td>1<td>2</table><select><option>no</select>"
+         "exam\u00AD\n ple",
+         "Head\n\nsome text & more\nline\n\none\n\ntwo a cat\n\ni\n\nj\n\na\nb\n\nn, m:\n\n1, 2\n\n"
+         "example"},
+        {"page in the charset that it names", "<html><meta charset='iso-8859-2'><body>Dvo\xf8\xe1k",
+         "Dvořák"},
+        {"page in UTF-16", "\xff\xfe<\0p\0>\0\xe9\0"s, "é"},
+        {"page in none", "<html><body>caf\xe9 &eacute; &#x1F600;", "café é 😀"},
+        {"XHTML", "<?xml version='1.0'?><!DOCTYPE html><html><body>a</body></html>", "a"},
+        {"DOCX",
+         DocxOf("<w:p><w:pPr><w:tabs><w:tab/></w:tabs></w:pPr><w:r><w:t>Head</w:t></w:r></w:p>"
+                "<w:p><w:r><w:t>one </w:t></w:r><w:r><w:t>two</w:t><w:br/><w:t>x</w:t></w:r>"
+                "<w:del><w:r><w:delText>no</w:delText></w:r></w:del><w:r><w:rPr><w:vanish/></w:rPr>"
+                "<w:t>no</w:t></w:r><w:r><w:instrText>no</w:instrText></w:r>"
+                "<mc:Fallback><w:t>no</w:t></mc:Fallback></w:p><w:tbl><w:tr><w:tc><w:p><w:r><w:t>a"
+                "</w:t></w:r></w:p></w:tc><w:tc><w:p><w:r><w:t>b</w:t></w:r></w:p></w:tc></w:tr>"
+                "</w:tbl>"),
+         "Head\n\none two\nx\n\na, b"},
+        {"ODT",
+         ZipOf({{"mimetype", "application/vnd.oasis.opendocument.text"},
+                {"content.xml",
+                 OdtXmlOf("<text:h>Head</text:h><text:p>a<text:s/>b<text:line-break/>c<text:note>"
+                          "<text:p>no</text:p></text:note></text:p>no<text:tracked-changes><text:p>"
+                          "no</text:p></text:tracked-changes><table:table><table:table-row>"
+                          "<table:table-cell><text:p>1</text:p></table:table-cell>"
+                          "<table:table-cell><text:p>2</text:p></table:table-cell>"
+                          "</table:table-row></table:table>")}}),
+         "Head\n\na b\nc\n\n1, 2"},
+        {"flat ODT", OdtXmlOf("<text:p>&lt;one&gt;</text:p><text:p>two</text:p>"), "<one>\n\ntwo"},
+        {"EPUB", EpubOf({}), "One\n\ntext\n\nTwo\u00A0…"},
+        {"PDF", PdfOf({{"It was a divi-", "ded word and goes", "12"}, {"on here. End."}}),
+         "It was a divided word and goes\non here. End.\n"},
+    };
+    for (const auto& item : cases) {
+        const Document document = ReadDocument(item.bytes);
+        EXPECT_EQ(document.text, item.text) << item.what;
+        EXPECT_EQ(document.problem, "") << item.what;
+    }
+}
+
+TEST(Documents, PagesOfAPdfBecomeRunningText) {
+    const struct {
+        std::string pages;
+        std::string text;
+    } cases[] = {
+        {"a well-known exam-\nple of well-\nknown words, Jean-\nPaul 3-\n4 a",
+         "a well-known example of well-known words, Jean-\nPaul 3-\n4 a\n"},
+        {"na\u00EF\u2010\nvet\u00E9 sof\u00AD\nter", "naïveté softer\n"},
+        {"Title 1\n\nOne.\n\n- 1 -\n\fTitle 2\n\nTwo\n\nii\n\n\fTitle 3\n\nthree\n",
+         "Title 1\n\nOne.\n\nTwo\nthree\n"},
+        {"\u2022\n\nItem\n\n\u2022\n\nOther", "\u2022 Item\n\n\u2022 Other\n"},
+        {"1\n", ""},
+        {"", ""},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(JoinPages(item.pages), item.text);
+}
+
+TEST(Documents, WhatCannotBeReadSaysSo) {
+    const std::string docx = DocxOf("<w:p><w:r><w:t>text</w:t></w:r></w:p>");
+    const std::string laughs =
+        "<!DOCTYPE x [<!ENTITY a 'ha'><!ENTITY b '&a;&a;&a;'><!ENTITY f SYSTEM '/etc/passwd'>]>";
+    const struct {
+        const char* what;
+        std::string bytes;
+        const char* problem;
+    } cases[] = {
+        {"cut archive", docx.substr(0, docx.size() / 2), "damaged"},
+        {"archive of something else", ZipOf({{"a.txt", "text"}}), "holds no document"},
+        {"broken XML", DocxOf("<w:p>"), "damaged"},
+        {"its own entities", DocxOf("<w:p><w:r><w:t>&b;&f;</w:t></w:r></w:p>", laughs), "damaged"},
+        {"book without chapters", ZipOf({{"META-INF/container.xml", kContainer}}), "damaged"},
+        {"protected book",
+         EpubOf({{"META-INF/encryption.xml",
+                  "<e><EncryptedData><CipherData><CipherReference URI='OEBPS/text/two.xhtml'/>"
+                  "</CipherData></EncryptedData></e>"}}),
+         "protected"},
+        {"protected ODT",
+         ZipOf({{"META-INF/manifest.xml", "<m:encryption-data/>"}, {"content.xml", "\x01\x02"}}),
+         "protected"},
+        {"more text than a book",
+         DocxOf("<w:p><w:r><w:t>" + std::string(70 << 20, 'a') + "</w:t></w:r></w:p>"),
+         "more text"},
+        {"PDF without text", PdfOf({{}}), "only pictures"},
+        {"cut PDF", PdfOf({{"text"}}).substr(0, 60), "damaged"},
+        {"picture", "\x89PNG\r\n\x1a\n", "picture"},
+        {"RTF", "{\\rtf1 text}", "RTF"},
+        {"old Office", "\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", "Office"},
+        {"sound", "RIFF\1\0\0\0WAVEfmt "s, "sound"},
+    };
+    for (const auto& item : cases) {
+        const Document document = ReadDocument(item.bytes);
+        EXPECT_THAT(document.problem, HasSubstr(item.problem)) << item.what;
+        EXPECT_EQ(document.text, "") << item.what;
+    }
+    EXPECT_THAT(LoadDocument("/tmp/no such file").problem, HasSubstr("No such file"));
+    EXPECT_THAT(LoadDocument("/tmp").problem, HasSubstr("folder"));
+    EXPECT_THAT(LoadDocument("/dev/null").problem, HasSubstr("not a regular"));
+}
+
+TEST(Documents, HostileMarkupEndsInTime) {
+    std::string nested;
+    std::string unclosed;
+    for (int i = 0; i < 100000; ++i) {
+        nested += "<div><b>x";
+        unclosed += "</i><p ";
+    }
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(ReadDocument("<html>" + nested).problem, "");
+    ReadDocument("<html>" + unclosed);
+    ReadDocument("<html><!--" + std::string(20 << 20, '-'));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    const auto stop = [] { return true; };
+    for (const std::string& bytes :
+         {"<html>" + nested, DocxOf("<w:p/>"), EpubOf({}), OdtXmlOf(nested)})
+        EXPECT_THAT(ReadDocument(bytes, stop).problem, HasSubstr("stopped"));
+}
+
+TEST(Documents, PdfReaderThatHangsEndsWhenAsked) {
+    const std::string path = std::getenv("PATH");
+    std::string folder = "/tmp/lectora-test-XXXXXX";
+    ASSERT_NE(::mkdtemp(folder.data()), nullptr);
+    const std::string program = folder + "/pdftotext";
+    std::ofstream(program) << "#!/bin/sh\necho part\nsleep 1000 & wait\n";
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    ::setenv("PATH", (folder + ":" + path).c_str(), 1);
+    int asked = 0;
+    const Document stopped = ReadDocument("%PDF-", [&asked] { return ++asked > 3; });
+    std::filesystem::remove_all(folder);
+    ::setenv("PATH", folder.c_str(), 1);
+    const Document missing = ReadDocument("%PDF-");
+    ::setenv("PATH", path.c_str(), 1);
+    EXPECT_THAT(stopped.problem, HasSubstr("stopped"));
+    EXPECT_THAT(missing.problem, HasSubstr("poppler-utils"));
+}
+
+}  // namespace
