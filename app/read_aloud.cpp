@@ -1,10 +1,8 @@
 #include "app/read_aloud.h"
 
+#include "app/settings_keys.h"
+#include "app/speech_file.h"
 #include "formats/wave_file.h"
-#include "foundation/file.h"
-#include "foundation/machine_root.h"
-#include "foundation/settings.h"
-#include "foundation/text_buffer.h"
 #include "gui/message_box.h"
 #include "speech/dialogs/synthesis_dialog.h"
 #include "speech/synthesis.h"
@@ -14,9 +12,7 @@ namespace {
 constexpr int kPlayerId = 1;
 
 LSoundPlayDevice StoredDevice() {
-    char name[kTextBufferSize];
-    _LUserSettingGetString("Player", "Device", "default", name);
-    return LSoundPlayDevice(name);
+    return LSoundPlayDevice(kDeviceSetting.Get().c_str());
 }
 
 }  // namespace
@@ -28,13 +24,6 @@ ReadAloud::ReadAloud(ReadAloudListener& listener)
 
 ReadAloud::~ReadAloud() {
     player_.Stop();
-}
-
-std::string ReadAloud::SpeechFilePath() {
-    char path[kTextBufferSize];
-    CopyText(path, HomeFolder());
-    LFile::_FilePathCat(path, "speech.wav");
-    return path;
 }
 
 void ReadAloud::Start(GtkWidget* parent, const char* text, int voice) {

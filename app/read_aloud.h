@@ -3,8 +3,6 @@
 
 #include <gtk/gtk.h>
 
-#include <string>
-
 #include "playback/sound_player.h"
 #include "sound/sound_time.h"
 
@@ -30,9 +28,6 @@ public:
     void Start(GtkWidget* parent, const char* text, int voice);
     void Stop();
     bool IsReading() const { return player_.IsLoaded(); }
-
-    // The sound file that reading and saving share; the next run overwrites it.
-    static std::string SpeechFilePath();
 
 private:
     void spntfPlay(int id) override;

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "foundation/file.h"
+#include "foundation/file_mask.h"
 #include "foundation/machine_root.h"
 #include "foundation/text_buffer.h"
 
@@ -137,6 +138,7 @@ void RunOnceSocket::Close() {
 bool RunOnceSocket::Bind() {
     listening_ = NewSocket(SOCK_NONBLOCK);
     const sockaddr_un address = AddressOf(path_);
+    ::fchmod(listening_.Get(), CreationMode(path_.c_str(), 0777));
     const bool bound =
         ::bind(listening_.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
     return bound && ::listen(listening_.Get(), 5) == 0 && ::stat(path_.c_str(), &bound_) == 0;

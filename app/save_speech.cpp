@@ -3,15 +3,17 @@
 #include <strings.h>
 #include <unistd.h>
 
+#include <optional>
 #include <string>
 
-#include "app/read_aloud.h"
+#include "app/settings_keys.h"
+#include "app/speech_file.h"
 #include "formats/mp3_settings.h"
 #include "formats/mp3_sink.h"
 #include "formats/wave_file.h"
 #include "formats/wave_format.h"
+#include "formats/whole_file.h"
 #include "foundation/file.h"
-#include "foundation/settings.h"
 #include "gui/message_box.h"
 #include "gui/progress_dialog.h"
 #include "sound/source_to_sink.h"
@@ -43,15 +45,15 @@ bool MayReplace(GtkWidget* parent, const std::string& path) {
 bool ChooseTarget(GtkWidget* parent, Target& target) {
     static constexpr char kWavFilter[] = "Wav Files\0*.wav;*.WAV\0";
     static constexpr char kMp3Filter[] = "Mp3 Files\0*.mp3;*.MP3\0";
-    target.askFormat = LUserSettingGet("Settings", "SaveDefaultFormat").starts_with('0');
-    const bool mp3ByDefault = !target.askFormat && LUserSettingGet("Settings", "SaveFormat") == "0";
+    target.askFormat = kSaveByDefaultSetting.Get().starts_with('0');
+    const bool mp3ByDefault = !target.askFormat && kSaveFormatSetting.Get() == "0";
     char path[kTextBufferSize] = "";
     char folder[kTextBufferSize];
-    _LUserSettingGetString("Settings", "SaveFileDir", "", folder);
+    CopyText(folder, kSaveFolderSetting.Get());
     if (!LFile::BrowseSaveFilePath(parent, path, "Save File as", folder,
                                    mp3ByDefault ? kMp3Filter : kWavFilter))
         return false;
-    LUserSettingSetString("Settings", "SaveFileDir", folder);
+    kSaveFolderSetting.Set(folder);
     char extension[kTextBufferSize];
     LFile::_GetFileExtensionFromPath(extension, path);
     target.path = path;
@@ -65,24 +67,18 @@ bool ChooseTarget(GtkWidget* parent, Target& target) {
     return true;
 }
 
-LProcessResult Synthesize(GtkWidget* parent, LTTS& request) {
-    LProcessDialog<LTTS> dialog("Synthesize Voice", request);
-    dialog.Open(parent);
-    return dialog.Result();
-}
-
-LSoundSink OpenTarget(const Target& target) {
+// Empty: the user thought better of it.
+std::optional<LSoundSink> OpenTarget(const Target& target, const std::string& path) {
     if (target.mp3) {
         LMp3EncodeSettings settings = LoadMp3SettingsForSaving();
-        return OpenMp3Sink(target.path.c_str(), settings, 44100, 2);
+        return OpenMp3Sink(path.c_str(), settings, 44100, 2);
     }
     LWaveFileFormat format(44100, 1, "PCM");
-    if (target.askFormat)
-        LWaveFile::WaveFormatSelectDialog(
-            format, 0, "Select Wave File Format");  // Cancel keeps the format shown
-    else
+    if (!target.askFormat)
         LoadDefaultWaveFormat(format);
-    return LWaveFile::OpenSink(target.path.c_str(), format);
+    else if (!LWaveFile::WaveFormatSelectDialog(format, 0, "Select Wave File Format"))
+        return std::nullopt;
+    return LWaveFile::OpenSink(path.c_str(), format);
 }
 
 void ShowError(GtkWidget* parent, const char* title, const char* text,
@@ -90,17 +86,24 @@ void ShowError(GtkWidget* parent, const char* title, const char* text,
     MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, title, text, detail.c_str());
 }
 
-// Copies the speech into the sink; the file is complete once the sink is closed.
-void CopySpeech(GtkWidget* parent, const LSoundSource& source, LSoundSink& sink) {
+void ShowSaveError(GtkWidget* parent, const std::string& detail) {
+    ShowError(parent, "Save Error", "Cannot save the file. Please try again.", detail);
+}
+
+// The whole speech, or an unchanged target file.
+void CopySpeech(GtkWidget* parent, const LSoundSource& source, LSoundSink& sink,
+                WholeFile& output) {
     LPRSourceToSink request{"Saving File", source, sink};
     LProcessDialog<LPRSourceToSink> dialog("Saving File", request);
     dialog.Open(parent);
     const int error = sink->Finish();
-    request.sink.Close();
-    sink.Close();
-    if (error != 0 || dialog.Result() == kProcessFailed)
-        ShowError(parent, "Save Error", "Cannot save the file. Please try again.",
-                  error != 0 ? g_strerror(error) : "");
+    if (error != 0 || dialog.Result() == kProcessFailed) {
+        ShowSaveError(parent, error != 0 ? g_strerror(error) : "");
+    } else if (dialog.Result() == kProcessDone) {
+        const std::string problem = output.Commit();
+        if (!problem.empty())
+            ShowSaveError(parent, problem);
+    }
 }
 
 }  // namespace
@@ -109,28 +112,39 @@ void SaveSpeech(GtkWidget* parent, const char* text, int voice) {
     Target target;
     if (!ChooseTarget(parent, target))
         return;
-    const std::string speechPath = ReadAloud::SpeechFilePath();
+    // Before the engine speaks, which may take minutes.
+    WholeFile output(target.path, WholeFile::Existing::kReplace);
+    if (!output.Problem().empty()) {
+        ShowSaveError(parent, output.Problem());
+        return;
+    }
+    const std::string speechPath = SpeechFilePath();
     LTTS request;
     request.text = text;
     request.outputPath = speechPath.c_str();
     request.voice = voice;
-    if (Synthesize(parent, request) == kProcessFailed) {
+    LProcessDialog<LTTS> synthesis("Synthesize Voice", request);
+    synthesis.Open(parent);
+    if (synthesis.Result() == kProcessStopped)
+        return;
+    if (synthesis.Result() == kProcessFailed) {
         ShowError(parent, "Lectora", "Unable to save the file. Please try again.",
                   SynthesisMessage(request.outcome));
         return;
     }
-    // A cancelled synthesis goes on: it saves what the speech file holds.
     LSoundSource source = LWaveFile::OpenSource(speechPath.c_str());
     if (source->Status() != SoundStatus::kGood) {
         ShowError(parent, "Source Error", "Cannot open the source. Please try again.");
         return;
     }
-    LSoundSink sink = OpenTarget(target);
-    if (sink->Status() != 0) {
-        ShowError(parent, "Save Error", "Cannot save the file. Please try again.");
+    std::optional<LSoundSink> sink = OpenTarget(target, output.WritePath());
+    if (!sink)
+        return;
+    if ((*sink)->Status() != 0) {
+        ShowSaveError(parent, "");
         return;
     }
-    CopySpeech(parent, source, sink);
+    CopySpeech(parent, source, *sink, output);
     source.Close();
     ::unlink(speechPath.c_str());
 }

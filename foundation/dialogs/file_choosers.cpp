@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "foundation/file.h"
+#include "foundation/file_mask.h"
 #include "foundation/machine_root.h"
 #include "foundation/owned_text.h"
 #include "foundation/text_buffer.h"
@@ -26,7 +27,10 @@ public:
         gtk_dialog_set_default_response(GTK_DIALOG(dialog_), GTK_RESPONSE_ACCEPT);
         gtk_file_chooser_set_do_overwrite_confirmation(Self(), TRUE);
     }
-    ~Chooser() { gtk_widget_destroy(dialog_); }
+    ~Chooser() {
+        gtk_widget_destroy(dialog_);
+        umask(maskBefore_);
+    }
     Chooser(const Chooser&) = delete;
     Chooser& operator=(const Chooser&) = delete;
 
@@ -66,6 +70,9 @@ public:
 
 private:
     GtkWidget* dialog_;
+    // GTK keeps files of its own about choosers in the home folder, and may be asked to make a
+    // folder there.
+    const mode_t maskBefore_ = umask(StartMask());
 };
 
 bool Accept(const Chooser& chooser, char* path, char* folder) {

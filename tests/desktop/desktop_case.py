@@ -34,6 +34,20 @@ class DesktopCase(unittest.TestCase):
             file.write(content.encode() if isinstance(content, str) else content)
         return path
 
+    def store(self, section, **values):
+        """Replaces a section of the user's settings."""
+        folder = os.path.join(desktop.HOME, ".quillon/lectora")
+        os.makedirs(folder, exist_ok=True)
+        with open(os.path.join(folder, section), "w") as file:
+            file.writelines(f"{key}={value}\r\n" for key, value in values.items())
+
+    def setting(self, section, key):
+        try:
+            with open(os.path.join(desktop.HOME, ".quillon/lectora", section)) as file:
+                return dict(line.rstrip("\r\n").split("=", 1) for line in file).get(key)
+        except FileNotFoundError:
+            return None
+
     def start(self, *arguments, **options):
         """Lectora with its window open; ends with the test."""
         lectora = desktop.Lectora(*arguments, **options)

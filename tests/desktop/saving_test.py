@@ -1,5 +1,6 @@
 """Saving as speech: chooser, synthesis, and the file that comes out of it."""
 import os
+import resource
 import subprocess
 import unittest
 
@@ -45,6 +46,57 @@ class SavingTest(DesktopCase):
         expected = desktop.Sound(reference).channel(0)[part]
         self.assertGreater(desktop.best_correlation(saved.channel(0)[part], expected, 100), 0.95)
         self.assertEqual(lectora.text(), TEXT)
+
+    def test_what_does_not_end_well_leaves_the_chosen_file_alone(self):
+        lectora = self.start()
+        lectora.set_text("the text before")
+        self.read_aloud(lectora)
+        lectora.set_text(TEXT)
+        path = self.file("old.wav", "what it held")
+
+        def cancel_the_engine():
+            lectora.find("label", "Synthesizing Voice")
+            lectora.press("push button", "Cancel")
+
+        def run_out_of_room():
+            lectora.wait_for_box("Cannot save the file")
+            self.picture("save-full")
+            lectora.press("push button", "OK")
+
+        def leave_the_format_open():
+            lectora.find("dialog", "Wave Encoder Options")
+            desktop.press_keys("Escape")
+
+        for engine, limit, ask, ending in (
+            ("text2wave slow 600", resource.RLIM_INFINITY, False, cancel_the_engine),
+            ("text2wave long 10", 600_000, False, run_out_of_room),
+            ("text2wave long 1", resource.RLIM_INFINITY, True, leave_the_format_open),
+        ):
+            with self.subTest(engine):
+                desktop.tell_engine(engine)
+                self.store("settings", savedefaultformat=0 if ask else 1)
+                hard = resource.prlimit(lectora.process.pid, resource.RLIMIT_FSIZE)[1]
+                resource.prlimit(lectora.process.pid, resource.RLIMIT_FSIZE, (limit, hard))
+                self.choose(lectora, path)
+                lectora.press("push button", "Replace")
+                ending()
+                desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the flow")
+                with open(path) as file:
+                    self.assertEqual(file.read(), "what it held")
+                self.assertEqual([name for name in os.listdir(desktop.HOME) if "old.wav" in name], ["old.wav"])
+
+    def test_files_and_children_keep_to_the_mask_of_the_start(self):
+        before = os.umask(0o027)
+        self.addCleanup(os.umask, before)
+        lectora = self.start()
+        lectora.set_text(TEXT)
+        self.read_aloud(lectora)
+        path = os.path.join(desktop.HOME, "fox.wav")
+        self.choose(lectora, path)
+        desktop.wait_until(lambda: os.path.exists(path), "the file")
+        find = ["find", desktop.HOME, "-mindepth", "1", "-perm", "/027", "!", "-type", "l"]
+        self.assertEqual(subprocess.run(find, capture_output=True, text=True).stdout, "")
+        self.assertEqual(os.stat(path).st_mode & 0o777, 0o640)
 
     def test_a_folder_that_cannot_be_written(self):
         lectora = self.start()
