@@ -6,18 +6,16 @@
 #include <algorithm>
 
 #include "app/save_speech.h"
+#include "app/settings_keys.h"
 #include "app/start_up.h"
 #include "documents/document.h"
 #include "foundation/browser.h"
-#include "foundation/child_process.h"
 #include "foundation/file.h"
 #include "foundation/hosts.h"
-#include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "gui/accessible.h"
 #include "gui/control_factory.h"
 #include "gui/message_box.h"
-#include "speech/voices.h"
 
 namespace {
 
@@ -61,7 +59,8 @@ constexpr LKeyToCommandMap kKeyMap[] = {
 
 }  // namespace
 
-MainDialog::MainDialog() : reading_(*this) {}
+MainDialog::MainDialog()
+    : voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }), reading_(*this) {}
 
 MainDialog::~MainDialog() {
     if (nextFile_ != 0)
@@ -75,6 +74,7 @@ void MainDialog::Run() {
 void MainDialog::CreateControls() {
     const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
     AddControl(edit.textView, kTextBox, edit.scrolledWindow);
+    lines_.Attach(gtk_text_view_get_buffer(GTK_TEXT_VIEW(edit.textView)));
     SetAccessibleName(edit.textView, "Text to read");
     SetTooltip(kTextBox, "Enter your text here or click on the Update Text button");
 
@@ -101,12 +101,8 @@ void MainDialog::InitDialog() {
     CreateControls();
     SetStatusText(kBanner);
     SetKeyMap(kKeyMap);
-    FillVoices();
-    // From a cold disk the engine may answer too late; the second time it is warm.
-    if (PDLGetCount(kVoiceList) < 1 && IsProgramInstalled("festival"))
-        FillVoices();
-    if (PDLGetCount(kVoiceList) < 1)
-        ShowNoSpeechEngine();
+    voices_.Ask();
+    HandlePDLSelChange(kVoiceList);
     HandleEditTextChange(kTextBox, kTextChanged);
     EnableControls();
     FocusControl(kTextBox);
@@ -114,24 +110,7 @@ void MainDialog::InitDialog() {
 
 void MainDialog::DestroyDialog() {
     StopReading();
-    // Without a selection (no voices, or an edited name) the last choice stays.
-    const int voice = PDLGetCurSel(kVoiceList);
-    if (voice >= 0)
-        LUserSettingSetInt("Settings", "TextToSpeechVoice", voice);
-}
-
-void MainDialog::FillVoices() {
-    const int count = TTSGetNumSpeakers();
-    if (count < 1)
-        return;
-    PDLClear(kVoiceList);
-    for (int voice = 0; voice < count; ++voice) {
-        char name[kTextBufferSize];
-        TTSGetDictSpeakerName(voice, name);
-        PDLAddString(kVoiceList, name);
-    }
-    const int stored = LUserSettingGetInt("Settings", "TextToSpeechVoice", 0);
-    PDLSetCurSel(kVoiceList, stored >= 0 && stored < count ? stored : 0);
+    voices_.Store();
 }
 
 void MainDialog::ShowNoSpeechEngine() {
@@ -143,14 +122,17 @@ void MainDialog::ShowNoSpeechEngine() {
     OpenInBrowser(WebAddress("speech"));
 }
 
-int MainDialog::SelectedVoice() {
-    // The engine may have been installed, or have woken up, since the program was started.
-    if (PDLGetCount(kVoiceList) < 1)
-        FillVoices();
-    const int voice = PDLGetCurSel(kVoiceList);
-    if (voice < 0)
+void MainDialog::EvVoicesAnswered() {
+    // Whoever waits for the voices right now tells of it.
+    if (!voices_.IsKnown() && !speaking_)
         ShowNoSpeechEngine();
-    return voice;
+}
+
+int MainDialog::AwaitVoice() {
+    // The engine may be slow to wake up, or have been installed since the program was started.
+    if (voices_.Chosen() < 0 && voices_.Await(Widget()) == kProcessFailed)
+        ShowNoSpeechEngine();
+    return voices_.Chosen();
 }
 
 void MainDialog::LayoutControls(int width, int height) {
@@ -218,7 +200,13 @@ void MainDialog::Command(int command) {
             CmSave();
             break;
         case kTextChanged:
+            // What the user writes is not replaced by a file that still waits.
+            if (!loadingWaitingFile_)
+                waitingFiles_.clear();
             EnableControls();
+            break;
+        case kVoiceList:
+            voices_.NoteChange();
             break;
         case kOpenWindow:
             CmOpen();
@@ -246,8 +234,8 @@ void MainDialog::Speak(SpeakFunction speak) {
     if (speaking_)
         return;
     speaking_ = true;
-    const std::string text = GetEditText(kTextBox);
-    const int voice = text.empty() ? -1 : SelectedVoice();
+    const std::string text = lines_.Text();
+    const int voice = text.empty() ? -1 : AwaitVoice();
     if (voice >= 0)
         (this->*speak)(text.c_str(), voice);
     speaking_ = false;
@@ -281,9 +269,17 @@ void MainDialog::ReadWaitingFiles() {
     while (!speaking_ && !reading_.IsReading() && !waitingFiles_.empty()) {
         const std::string path = waitingFiles_.front();
         waitingFiles_.pop_front();
-        if (IsOpen() && LoadFile(path.c_str()))
+        loadingWaitingFile_ = true;
+        const bool loaded = IsOpen() && LoadFile(path.c_str());
+        loadingWaitingFile_ = false;
+        if (loaded)
             Speak(&MainDialog::ReadText);
     }
+}
+
+void MainDialog::ReadWaitingFilesSoon() {
+    if (!waitingFiles_.empty() && nextFile_ == 0)
+        nextFile_ = gdk_threads_add_idle(ReadNextFile, this);
 }
 
 bool MainDialog::CmCopyFromClipboard() {
@@ -299,11 +295,11 @@ bool MainDialog::CmCopyFromClipboard() {
 void MainDialog::CmOpenFile() {
     char path[kTextBufferSize] = "";
     char folder[kTextBufferSize];
-    _LUserSettingGetString("Settings", "OpenFileDir", "", folder);
+    CopyText(folder, kOpenFolderSetting.Get());
     static constexpr char kFilter[] = "Text Documents\0*.txt;*.text;*.TXT;*\0";
     if (!LFile::BrowseReadFilePath(Widget(), path, "Locate File to Read Text", folder, kFilter))
         return;
-    LUserSettingSetString("Settings", "OpenFileDir", folder);
+    kOpenFolderSetting.Set(folder);
     LoadFile(path);
 }
 
@@ -334,7 +330,8 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
     if (!speaking_)
         StopReading();
     waitingFiles_.insert(waitingFiles_.end(), files.begin(), files.end());
-    ReadWaitingFiles();
+    // The window is drawn before the first reading, which may have to wait for the engine.
+    ReadWaitingFilesSoon();
 }
 
 void MainDialog::EvReadingStarted() {
@@ -357,8 +354,7 @@ void MainDialog::EvReadingEnded(bool inTrouble) {
     if (inTrouble)
         waitingFiles_.clear();
     // From the main loop: the player is still in the middle of ending this reading.
-    if (!waitingFiles_.empty() && nextFile_ == 0)
-        nextFile_ = gdk_threads_add_idle(ReadNextFile, this);
+    ReadWaitingFilesSoon();
 }
 
 int MainDialog::ReadNextFile(void* self) {

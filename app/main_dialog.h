@@ -4,7 +4,9 @@
 #include <deque>
 #include <string>
 
+#include "app/long_lines.h"
 #include "app/read_aloud.h"
+#include "app/voice_choice.h"
 #include "gui/main_window.h"
 
 // Lives for the whole run. GUI thread.
@@ -48,17 +50,21 @@ private:
     void Speak(SpeakFunction speak);
     void ReadText(const char* text, int voice);
     void SaveText(const char* text, int voice);
-    void ReadWaitingFiles();  // the next one, when nothing is being read
+    void ReadWaitingFiles();      // the next one, when nothing is being read
+    void ReadWaitingFilesSoon();  // from the main loop
     static int ReadNextFile(void* self);
     void StopReading();  // and forgets the files that wait
 
     void CreateControls();
-    void FillVoices();
-    int SelectedVoice();  // below 0: none, and the user has been told
+    int AwaitVoice();  // below 0: none, and the user has been told or wants none
+    void EvVoicesAnswered();
     void ShowNoSpeechEngine();
 
+    LongLines lines_;  // of the text box
+    VoiceChoice voices_;
     ReadAloud reading_;
     bool speaking_ = false;
+    bool loadingWaitingFile_ = false;
     unsigned int nextFile_ = 0;  // idle source that goes on with the waiting files; 0 when none
     std::deque<std::string>
         waitingFiles_;  // from the command line or another start, to be read in order

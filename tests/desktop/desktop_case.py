@@ -16,6 +16,7 @@ class DesktopCase(unittest.TestCase):
         shutil.rmtree(desktop.HOME, ignore_errors=True)
         os.mkdir(desktop.HOME)
         desktop.tell_engine()
+        desktop.forget_engine_calls()
         self.card = desktop.Card()
         self.card.tell("speed 8")
         self.troubles_before = self._troubles()
@@ -59,6 +60,10 @@ class DesktopCase(unittest.TestCase):
         if self._troubles() > self.troubles_before and lectora.alive():
             self.picture("failed-" + self.id().rsplit(".", 1)[-1])
         lectora.end()
+
+    def spoken(self):
+        """What the engine was asked to speak."""
+        return [call for call in desktop.engine_calls() if call.startswith("text2wave")]
 
     def read_aloud(self, lectora):
         """Presses the button and gives back the stream that then played to its end."""

@@ -8,33 +8,33 @@ from desktop_case import DesktopCase, desktop
 
 
 class WindowTest(DesktopCase):
-    def setting(self, section, key):
-        try:
-            with open(os.path.join(desktop.HOME, ".quillon/lectora", section)) as file:
-                return dict(line.rstrip("\r\n").split("=", 1) for line in file).get(key)
-        except FileNotFoundError:
-            return None
-
     def close(self, lectora):
         desktop.press_keys("alt+F4")
         self.assertEqual(lectora.process.wait(10), 0)
 
-    def test_the_chosen_voice_is_remembered(self):
+    def test_the_chosen_voice_reads_and_is_remembered_whatever_is_typed(self):
         desktop.tell_engine("festival voices 3")
         lectora = self.start()
+        lectora.set_text("words")
+        self.voices(lectora, 3)
         # Down in the list's entry moves the selection on.
-        desktop.press_keys("Tab", "Down", "Down")
+        desktop.press_keys("Tab", "Down", "Down", "x", "ctrl+shift+r")
+        self.card.wait_for(self.card.next_stream(), "close")
+        self.assertIn("(voice_voice3)", desktop.engine_calls()[-1])
+        desktop.press_keys("ctrl+a", *"voice2")
         self.close(lectora)
-        self.assertEqual(self.setting("settings", "texttospeechvoice"), "2")
+        self.assertEqual(self.setting("settings", "texttospeechvoice"), "1")
         again = self.start()
-        self.assertIn("voice3", [entry.queryText().getText(0, -1) for entry in again.find_all("text")])
+        self.voices(again, 3)
+        self.assertIn("voice2", [entry.queryText().getText(0, -1) for entry in again.find_all("text")])
         self.close(again)
 
+    def voices(self, lectora, count):
+        combo = lectora.find("combo box")
+        desktop.wait_until(lambda: len(combo[0]) == count, "the voices")
+
     def test_no_answer_from_the_engine_does_not_lose_the_choice(self):
-        folder = os.path.join(desktop.HOME, ".quillon/lectora")
-        os.makedirs(folder)
-        with open(os.path.join(folder, "settings"), "w") as file:
-            file.write("texttospeechvoice=2\r\n")
+        self.store("settings", texttospeechvoice=2)
         desktop.tell_engine("festival nothing")
         lectora = desktop.Lectora()
         self.addCleanup(lectora.end)
@@ -47,30 +47,37 @@ class WindowTest(DesktopCase):
     def test_several_files_are_read_one_after_the_other_until_escape(self):
         files = [self.file(f"{word}.txt", word) for word in ("first", "second", "third")]
         missing = os.path.join(desktop.HOME, "missing.txt")
+        self.card.tell("speed 1")
+        desktop.tell_engine("text2wave long 3")
         lectora = self.start(files[0], missing, files[1], files[2])
-        for word in ("first", "second"):
+        for _ in range(2):
             stream = self.card.next_stream()
-            self.assertEqual(lectora.text(), word)
-            if word == "first":
-                self.card.wait_for(stream, "close")
+            self.card.wait_for(stream, "start")
         # Stopping also forgets what waits.
         desktop.press_keys("Escape")
         self.card.wait_for(stream, "close")
-        time.sleep(1.0)
-        self.assertEqual(lectora.text(), "second")
+        self.read_aloud(lectora)
+        self.assertEqual([call.split()[-1] for call in self.spoken()], ["first", "second", "second"])
+
+    def test_an_edit_ends_the_queue_of_files(self):
+        self.card.tell("speed 1")
+        desktop.tell_engine("text2wave long 2")
+        files = [self.file(f"{word}.txt", word) for word in ("first", "second")]
+        lectora = self.start(*files)
+        stream = self.card.next_stream()
+        lectora.focus()
+        desktop.press_keys("ctrl+End", "x")
+        self.card.wait_for(stream, "close")
+        self.read_aloud(lectora)
+        self.assertEqual(lectora.text(), "firstx")
 
     def test_without_a_usable_home_it_runs_and_rests(self):
         lectora = desktop.Lectora(HOME=os.path.join(desktop.HOME, "missing"))
         self.addCleanup(lectora.end)
         lectora.window(20)
-        before = self.cpu_seconds(lectora)
+        before = lectora.cpu_seconds()
         time.sleep(2.0)
-        self.assertLess(self.cpu_seconds(lectora) - before, 0.5)
-
-    def cpu_seconds(self, lectora):
-        with open(f"/proc/{lectora.process.pid}/stat") as file:
-            fields = file.read().rsplit(")", 1)[1].split()
-        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+        self.assertLess(lectora.cpu_seconds() - before, 0.5)
 
     def test_a_program_named_setup_ends_without_a_word(self):
         program = os.path.join(desktop.HOME, "lectora-setup")

@@ -73,6 +73,10 @@ def engine_calls():
         return []
 
 
+def forget_engine_calls():
+    open(os.path.join(DESKTOP, "engine.log"), "w").close()
+
+
 class Sound:
     def __init__(self, path):
         with wave.open(path) as file:
@@ -266,6 +270,11 @@ class Lectora:
         return sorted(
             filter(None, (_link(os.path.join(folder, name)) for name in os.listdir(folder)))
         )
+
+    def cpu_seconds(self):
+        with open(f"/proc/{self.process.pid}/stat") as file:
+            fields = file.read().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
     def resident_megabytes(self):
         with open(f"/proc/{self.process.pid}/status") as file:
