@@ -2,6 +2,7 @@
 
 #include <getopt.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <set>
@@ -12,13 +13,18 @@ namespace {
 
 constexpr const char* kProgram = "lectora-say";
 
-enum LongOption : int { kListVoices = 256, kHelp, kVersion };
+enum LongOption : int { kListVoices = 256, kSplit, kHelp, kVersion };
 
-const option kLongOptions[] = {
-    {"voice", required_argument, nullptr, 'v'},  {"list-voices", no_argument, nullptr, kListVoices},
-    {"output", required_argument, nullptr, 'o'}, {"type", required_argument, nullptr, 't'},
-    {"force", no_argument, nullptr, 'f'},        {"help", no_argument, nullptr, kHelp},
-    {"version", no_argument, nullptr, kVersion}, {nullptr, 0, nullptr, 0}};
+const option kLongOptions[] = {{"voice", required_argument, nullptr, 'v'},
+                               {"list-voices", no_argument, nullptr, kListVoices},
+                               {"output", required_argument, nullptr, 'o'},
+                               {"type", required_argument, nullptr, 't'},
+                               {"force", no_argument, nullptr, 'f'},
+                               {"progress", no_argument, nullptr, 'p'},
+                               {"split", optional_argument, nullptr, kSplit},
+                               {"help", no_argument, nullptr, kHelp},
+                               {"version", no_argument, nullptr, kVersion},
+                               {nullptr, 0, nullptr, 0}};
 
 // What the command line says, before it is put together.
 struct Words {
@@ -30,20 +36,24 @@ struct Words {
 int ShowHelp() {
     std::printf(
         "Usage: %s [OPTION...] -o OUTPUT [FILE]\n"
+        "       %s [OPTION...] -o - [FILE]\n"
         "       %s [OPTION...] -o FOLDER/ [-t TYPE] FILE...\n"
         "       %s --list-voices\n"
         "Speaks a text (FILE, or standard input) into a sound file, or each of many into one of "
         "its own.\n\n"
-        "  -o, --output=OUTPUT  sound file, or the folder for many\n"
+        "  -o, --output=OUTPUT  sound file, the folder for many, or - for WAV on standard output\n"
         "  -t, --type=TYPE      type of sound file; from OUTPUT's extension without it, in a "
         "folder wav:\n"
         "                       %s\n"
         "  -v, --voice=VOICE    name or number of a voice; the first without it\n"
         "      --list-voices    list the installed voices\n"
         "  -f, --force          overwrite sound files\n"
+        "  -p, --progress       show progress also beside sound on standard output\n"
+        "      --split[=MINUTES]  write parts of that length, or of what a file can hold: "
+        "OUTPUT-01, ...\n"
         "      --help           show this text\n"
         "      --version        show the version\n",
-        kProgram, kProgram, kProgram, AllSoundTypeNames().c_str());
+        kProgram, kProgram, kProgram, kProgram, AllSoundTypeNames().c_str());
     return kExitDone;
 }
 
@@ -73,17 +83,39 @@ std::optional<int> PlanFolder(const Words& words, SayOptions& options) {
     return std::nullopt;
 }
 
+std::optional<int> PlanStream(const Words& words, SayOptions& options) {
+    if (words.files.size() > 1)
+        return UsageError(kProgram, "standard output takes one text");
+    if (words.type.value_or(SoundType::kWav) != SoundType::kWav || options.splitMinutes)
+        return UsageError(kProgram, "standard output is one stream of WAV");
+    if (::isatty(STDOUT_FILENO) == 1)
+        return UsageError(kProgram, "sound is not written to a terminal");
+    options.jobs.push_back(
+        {words.files.empty() ? "" : words.files[0], kStandardOutput, SoundType::kWav});
+    return std::nullopt;
+}
+
+bool ParseSplit(const char* minutes, SayOptions& options) {
+    constexpr int kLeastMinutes = 10;  // some pieces of the engine's
+    constexpr int kMostMinutes = 24 * 60;
+    int number = 0;
+    if (minutes != nullptr && !ParseNumber(minutes, kLeastMinutes, kMostMinutes, number))
+        return false;
+    options.splitMinutes = number;
+    return true;
+}
+
 std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
     if (words.output.empty())
         return UsageError(kProgram, "-o names the sound file to write");
-    if (words.output == "-")
-        return UsageError(kProgram, "standard output (-) is not supported: name a file");
     for (const std::string& file : words.files) {
         if (file.empty() || file == "-")
             return UsageError(
                 kProgram,
                 "'" + file + "' is no file; without files the text comes from standard input");
     }
+    if (words.output == kStandardOutput)
+        return PlanStream(words, options);
     if (IsFolder(words.output))
         return PlanFolder(words, options);
     if (words.files.size() > 1)
@@ -102,7 +134,7 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     Words words;
     optind = 1;
     for (;;) {
-        const int option = ::getopt_long(argc, argv, "v:o:t:f", kLongOptions, nullptr);
+        const int option = ::getopt_long(argc, argv, "v:o:t:fp", kLongOptions, nullptr);
         if (option == -1)
             break;
         switch (option) {
@@ -119,6 +151,13 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 break;
             case 'f':
                 options.overwrite = true;
+                break;
+            case 'p':
+                options.showsProgress = true;
+                break;
+            case kSplit:
+                if (!ParseSplit(optarg, options))
+                    return UsageError(kProgram, std::string("no such length of parts: ") + optarg);
                 break;
             case kListVoices:
                 options.listsVoices = true;

@@ -7,15 +7,19 @@
 
 #include "tools/sound_types.h"
 
+constexpr const char* kStandardOutput = "-";
+
 struct SayJob {
-    std::string text;  // path; empty for standard input
-    std::string sound;
+    std::string text;   // path; empty for standard input
+    std::string sound;  // path, or kStandardOutput
     SoundType type = SoundType::kWav;
 };
 
 struct SayOptions {
     bool listsVoices = false;
     bool overwrite = false;
+    bool showsProgress = false;        // also beside sound on standard output
+    std::optional<int> splitMinutes;   // length of numbered parts; 0: what a file can hold
     std::optional<std::string> voice;  // name, or index in the list
     std::vector<SayJob> jobs;
 };

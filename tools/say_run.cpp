@@ -5,21 +5,17 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <filesystem>
 
 #include "documents/document.h"
-#include "formats/wave_file.h"
 #include "foundation/text_buffer.h"
 #include "foundation/text_file.h"
-#include "speech/synthesis.h"
 #include "speech/voice_list_query.h"
 #include "speech/voices.h"
 #include "tools/interruption.h"
-#include "tools/sound_output.h"
+#include "tools/say_text.h"
 #include "tools/terminal_progress.h"
-#include "tools/text_pieces.h"
 #include "tools/tool_texts.h"
 
 namespace {
@@ -50,7 +46,7 @@ public:
     WorkFolder& operator=(const WorkFolder&) = delete;
 
     bool IsMade() const { return !path_.empty(); }
-    std::string SpeechPath() const { return path_ + "/speech.wav"; }
+    std::string Path() const { return path_ + "/"; }
 
 private:
     std::string path_;
@@ -122,89 +118,12 @@ int ListVoices(int count) {
     return kExitDone;
 }
 
-// One text into one sound file. The engine gets it piece by piece: a run has a time limit, a book
-// has none.
-class Speaker {
-public:
-    Speaker(const SayJob& job, int voice, bool overwrite, const WorkFolder& folder)
-        : soundName_(job.sound),
-          output_(job.sound, overwrite, OutputChoice{job.type, {}, {}, {}}),
-          subject_(job.text.empty() ? "standard input" : job.text),
-          soundPath_(folder.SpeechPath()),
-          voice_(voice) {}
-
-    // Which file failed and why, or empty.
-    std::string Speak(std::string text) {
-        if (!output_.Error().empty())
-            return OutputProblem();
-        std::string_view rest = text;
-        bool hasSpoken = false;
-        while (!rest.empty()) {
-            ShowShare(text.size() - rest.size(), text.size());
-            const std::size_t length = PieceLength(rest, sizer_.Limit());
-            const SynthesisOutcome outcome = SpeakPiece(std::string(rest.substr(0, length)));
-            if (outcome == SynthesisOutcome::kTimedOut && sizer_.Shorten())
-                continue;
-            if (outcome == SynthesisOutcome::kStopped)
-                return subject_ + ": stopped";
-            if (outcome == SynthesisOutcome::kSpoken && !AppendPiece())
-                return OutputProblem();
-            if (outcome != SynthesisOutcome::kSpoken && outcome != SynthesisOutcome::kNothingToSay)
-                return subject_ + ": " + SynthesisMessage(outcome);
-            hasSpoken |= outcome == SynthesisOutcome::kSpoken;
-            rest.remove_prefix(length);
-        }
-        if (!hasSpoken)
-            return subject_ + ": " + SynthesisMessage(SynthesisOutcome::kNothingToSay);
-        return output_.Commit() ? "" : OutputProblem();
-    }
-
-private:
-    std::string OutputProblem() const { return soundName_ + ": " + output_.Error(); }
-
-    void ShowShare(std::size_t done, std::size_t whole) {
-        progress_.SetSubject(subject_ + ", " + std::to_string(done * 100 / whole) + " %");
-    }
-
-    SynthesisOutcome SpeakPiece(const std::string& piece) {
-        LTTS request;
-        request.text = piece.c_str();
-        request.outputPath = soundPath_.c_str();
-        request.voice = voice_;
-        const auto start = std::chrono::steady_clock::now();
-        Process(progress_, request);
-        if (request.outcome == SynthesisOutcome::kSpoken)
-            sizer_.Took(
-                std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-        // A terminal interrupts the engine as well, which then fails before the wait here ends.
-        return IsInterrupted() ? SynthesisOutcome::kStopped : request.outcome;
-    }
-
-    bool AppendPiece() {
-        LTerminalProgress unseen(false);
-        const LSoundSource piece = LWaveFile::OpenSource(soundPath_.c_str());
-        return output_.Append(unseen, "", piece) == kProcessDone;
-    }
-
-    std::string soundName_;
-    SoundOutput output_;
-    LTerminalProgress progress_;
-    PieceSizer sizer_;
-    std::string subject_;
-    std::string soundPath_;
-    int voice_;
-};
-
-int SayOne(const SayJob& job, int voice, bool overwrite, const WorkFolder& folder) {
+int SayOne(const SayOptions& options, const SayJob& job, int voice, const WorkFolder& folder) {
     std::string text;
     const std::string problem = ReadText(job.text, text);
     if (!problem.empty())
         return Fail(job.text.empty() ? "standard input" : job.text, problem);
-    const std::string error = Speaker(job, voice, overwrite, folder).Speak(std::move(text));
-    if (error.empty())
-        return kExitDone;
-    Complain(kProgram, error);
-    return kExitFailed;
+    return SayText(options, job, text, voice, folder.Path());
 }
 
 }  // namespace
@@ -225,7 +144,7 @@ int RunSay(const SayOptions& options) {
         return Fail("temporary folder", ErrorText(errno));
     int status = kExitDone;
     for (const SayJob& job : options.jobs) {
-        status = std::max(status, SayOne(job, voice, options.overwrite, folder));
+        status = std::max(status, SayOne(options, job, voice, folder));
         if (IsInterrupted())
             break;
     }

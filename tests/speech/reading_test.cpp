@@ -10,7 +10,7 @@
 #include <random>
 #include <thread>
 
-#include "speech/tts_sound_source.h"
+#include "speech/speech_estimate.h"
 #include "speech/voice_list_query.h"
 #include "tests/speech/numbers_engine.h"
 
@@ -341,6 +341,15 @@ TEST_F(NumbersReading, EndsInEveryPhaseAndLeavesNothing) {
     EXPECT_TRUE(Eventually([&] { return CountEntries("/proc/self/fd") <= descriptors; }));
     EXPECT_TRUE(Eventually([&] { return CountEntries("/proc/self/task") <= 2; }));
     EXPECT_EQ(CountEntries(engine_.Folder(), ".speech"), 0U);
+}
+
+TEST(SpeechEstimate, TellsWhatDoesNotFitBeforeItBegins) {
+    const std::size_t most = LargestTextForOneFile();
+    EXPECT_NEAR(static_cast<double>(most), 1.7e6, 0.1e6);
+    EXPECT_NEAR(EstimateSpeech(20000).seconds, 1304, 200);  // as the installed voice speaks it
+    EXPECT_THAT(SavingProblem(10 * most, "/tmp"), HasSubstr("more than one sound file can hold"));
+    EXPECT_EQ(SavingProblem(100, "/tmp"), "");
+    EXPECT_THAT(SavingProblem(100, "/proc"), HasSubstr("0.0 MB are free"));
 }
 
 // Pieces joined are what one run says of the whole, sample for sample.

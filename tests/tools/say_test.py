@@ -107,6 +107,55 @@ class SayTest(ProgramCase):
         self.check(SAY, "-o", "book.vox", "book.txt")
         self.assertAlmostEqual(self.frames("book.vox"), 400 * letters, delta=2 * len(pieces))
 
+    def test_standard_output_streams_from_the_first_sentence_on(self):
+        sentences = [f"This is sentence number {i} of the text. " for i in range(6)]
+        self.save("a.txt", "".join(sentences).encode())
+        samples = [800 * len(word) for text in sentences for word in text.split()]
+        self.assertEqual(
+            len(self.run_program(SAY, "-o", "-", "a.txt").stdout), 44 + 2 * sum(samples)
+        )
+        # Each sentence is longer than what a pipe holds, so the engine is not far ahead.
+        os.remove(self.desktop + "/engine.log")
+        say = subprocess.Popen(
+            [SAY, "-o", "-", "-p", "a.txt"],
+            cwd=self.work,
+            env=self.environment,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+        )
+        self.assertEqual(say.stdout.read(12), b"RIFF\xff\xff\xff\xffWAVE")
+        self.assertLessEqual(len(self.said()), 3)
+        say.stdout.close()
+        self.assertIn(b"standard output: Broken pipe", say.stderr.read())
+        say.stderr.close()
+        self.assertEqual(say.wait(timeout=20), 1)
+        self.assertEqual(os.listdir(self.environment["TMPDIR"]), [])
+
+    def test_parts_are_numbered_and_hold_the_whole(self):
+        self.save("a.txt", ("One more sentence of the book. " * 1000).encode())
+        self.check(SAY, "--split=10", "-o", "a.wav", "a.txt")
+        names = [name for name in self.files() if name != "a.txt"]
+        self.assertEqual(names, [f"a-{i:02}.wav" for i in range(1, len(names) + 1)])
+        frames = [self.frames(name) for name in names]
+        self.assertEqual(sum(frames), 1000 * 800 * 25)
+        self.assertTrue(all(0 < count <= 10 * 60 * 16000 for count in frames), frames)
+
+    def test_what_kills_the_engine_is_left_out_and_told(self):
+        self.save("a.txt", b"A good sentence stands here. A killer stands here. And another one.")
+        self.tell_engine("text2wave die killer")
+        for output in ("a.wav", "-"):
+            result = self.run_program(SAY, "-o", output, "a.txt")
+            self.assertEqual(result.returncode, 0)
+            self.assertIn(b'a.txt: The speech engine could not speak "A killer', result.stderr)
+        self.assertEqual(self.frames("a.wav"), 800 * 38)
+
+    def test_what_cannot_fit_is_told_before_it_begins(self):
+        self.save("a.txt", b"word " * 600000)
+        for arguments in (["-o", "a.wav"], ["-o", "a.mp3"]):
+            self.check(SAY, *arguments, "a.txt", status=1, says="--split")
+        self.assertEqual(self.files(), ["a.txt"])
+        self.assertEqual(self.said(), [])
+
     def test_many_files_make_one_output_each(self):
         os.mkdir(self.path("out"))
         os.mkdir(self.path("in"))
@@ -130,7 +179,9 @@ class SayTest(ProgramCase):
         os.mkdir(self.path("out"))
         for arguments, says in (
             (["a.txt"], "-o names"),
-            (["-o", "-", "a.txt"], "not supported"),
+            (["-o", "-", "a.txt", "b.txt"], "one text"),
+            (["-o", "-", "-t", "au", "a.txt"], "one stream of WAV"),
+            (["--split=9", "-o", "a.wav", "a.txt"], "no such length"),
             (["-o", "a.wav", "-"], "'-'"),
             (["-o", "a.xyz", "a.txt"], "a.xyz"),
             (["-o", "a.wav", "a.txt", "b.txt"], "need a folder"),
