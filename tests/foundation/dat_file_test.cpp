@@ -115,42 +115,6 @@ TEST(DatFile, IsSavedAtExitAndLeavesTheCacheWhenIdleAndSaved) {
     EXPECT_EQ(std::filesystem::file_size(folder / "big"), 20u << 20);
 }
 
-TEST(DatFile, StoresNumbersFlagsAndTimesAsTexts) {
-    const ScratchFolder folder;
-    const ScopedVariable zone("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
-    tzset();
-    LDatFile file((folder / "f").c_str());
-    const std::pair<const char*, bool> flags[] = {{"t", true}, {"tomato", true}, {"1", false}};
-    for (const auto& [text, value] : flags) {
-        file.SetString("S", "flag", text);
-        EXPECT_EQ(file.GetBool("S", "flag", !value), value) << text;
-    }
-    EXPECT_TRUE(file.GetBool("S", "absent", true));
-    EXPECT_FALSE(file.GetBool("S", "absent", false));
-    file.SetLong("S", "n", -7);
-    EXPECT_EQ(file.GetLong("S", "n", 1), -7);
-    EXPECT_EQ(file.GetLong("S", "absent", 1), 1);
-
-    const LDateTime summer = LDateTime::FromLocal(2008, 7, 5, 14, 3, 9);
-    file.SetDateTime("S", "when", summer);
-    EXPECT_EQ(file.GetString("S", "when"), "05/07/08-14:03:09");
-    EXPECT_EQ(file.GetDateTime("S", "when", LDateTime()), summer);
-    file.SetDateTime("S", "when", LDateTime());
-    EXPECT_EQ(file.GetString("S", "when", "(default)"), "");
-    EXPECT_EQ(file.GetDateTime("S", "when", summer), summer);
-    for (const char* junk : {"junk", "99/99/99-99:99:99", "05/07/08", "-1/07/08-00:00:00"}) {
-        file.SetString("S", "when", junk);
-        EXPECT_TRUE(file.GetDateTime("S", "when", summer).IsZero()) << junk;
-    }
-    file.SetString("S", "when", "01/02/99-00:00:00");
-    EXPECT_EQ(file.GetDateTime("S", "when", summer), LDateTime::FromLocal(1999, 2, 1, 0, 0, 0));
-
-    file.SetDayTime("S", "at", LDayTime(23 * 3600 + 5 * 60 + 1));
-    EXPECT_EQ(file.GetString("S", "at"), "23:05:01");
-    EXPECT_EQ(file.GetDayTime("S", "at", LDayTime()), LDayTime(23 * 3600 + 5 * 60 + 1));
-    EXPECT_EQ(file.GetDayTime("S", "absent", LDayTime(9)), LDayTime(9));
-}
-
 // Stand-ins with the members that the store asks of a level and a sound time.
 struct TestLevel {
     int decibels = 0;
@@ -163,32 +127,51 @@ struct TestTime {
     void _GetText(char* out) const { out[text.copy(out, 100)] = '\0'; }
 };
 
-TEST(DatFile, StoresLevelsSoundTimesAndLists) {
+TEST(DatFile, StoresTypedValuesAndListsAsTexts) {
     const ScratchFolder folder;
+    const ScopedVariable zone("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    tzset();
     LDatFile file((folder / "f").c_str());
-    const std::pair<int, const char*> levels[] = {
-        {-6, "-6dB"}, {0, "0dB"}, {-126, "-126dB"}, {-127, "--dB"}, {-128, "--dB"}};
-    for (const auto& [level, text] : levels) {
-        file.SetDB("S", "level", TestLevel{level});
-        EXPECT_EQ(file.GetString("S", "level"), text);
-    }
-    file.SetString("S", "level", "-12dB");
-    EXPECT_EQ(file.GetDB("S", "level", TestLevel{}).decibels, -12);
-    EXPECT_EQ(file.GetDB("S", "absent", TestLevel{-3}).decibels, -3);
+    const LDateTime summer = LDateTime::FromLocal(2008, 7, 5, 14, 3, 9);
+    const LDayTime day(23 * 3600 + 5 * 60 + 1);
+    file.SetLong("S", "n", -7);
+    file.SetDateTime("S", "when", summer);
+    file.SetDateTime("S", "never", LDateTime());
+    file.SetDayTime("S", "at", day);
+    file.SetDB("S", "quiet", TestLevel{-126});
+    file.SetDB("S", "silent", TestLevel{-127});
     file.SetSoundTime("S", "time", TestTime{"0:01:02.500"});
-    EXPECT_EQ(file.GetString("S", "time"), "0:01:02.500");
-    EXPECT_EQ(file.GetSoundTime("S", "time", TestTime{}).text, "0:01:02.500");
-
-    EXPECT_EQ(file.GetListCount("S", "item"), 0);
     EXPECT_EQ(file.AddList("S", "item"), 0);
     EXPECT_EQ(file.AddList("S", "item"), 1);
-    EXPECT_EQ(file.GetString("S", "itemcount"), "2");
     file.SetString("S", "item1name", "one");
     file.MoveListItem("S", "item", "name", 1, 0);
-    EXPECT_EQ(file.GetString("S", "item0name"), "one");
-    EXPECT_EQ(file.GetString("S", "item1name", "(none)"), "(none)");
-    file.MoveListItem("S", "item", "name", 5, 0);
-    EXPECT_EQ(file.GetString("S", "item0name", "(none)"), "");
+    file.MoveListItem("S", "item", "name", 5, 2);
+    file.Flush();
+    EXPECT_EQ(
+        folder.Read("f"),
+        "[S]\r\nn=-7\r\nwhen=05/07/08-14:03:09\r\nnever=\r\nat=23:05:01\r\nquiet=-126dB\r\n"
+        "silent=--dB\r\ntime=0:01:02.500\r\nitemcount=2\r\nitem0name=one\r\nitem2name=\r\n\r\n");
+    EXPECT_EQ(file.GetLong("S", "n", 1), -7);
+    EXPECT_EQ(file.GetLong("S", "absent", 1), 1);
+    EXPECT_EQ(file.GetDateTime("S", "when", LDateTime()), summer);
+    EXPECT_EQ(file.GetDateTime("S", "never", summer), summer);
+    EXPECT_EQ(file.GetDayTime("S", "at", LDayTime()), day);
+    EXPECT_EQ(file.GetDB("S", "quiet", TestLevel{}).decibels, -126);
+    EXPECT_EQ(file.GetDB("S", "absent", TestLevel{-3}).decibels, -3);
+    EXPECT_EQ(file.GetSoundTime("S", "time", TestTime{}).text, "0:01:02.500");
+    for (const char* junk : {"junk", "99/99/99-99:99:99", "05/07/08", "-1/07/08-00:00:00"}) {
+        file.SetString("S", "when", junk);
+        EXPECT_TRUE(file.GetDateTime("S", "when", summer).IsZero()) << junk;
+    }
+    const std::tuple<const char*, bool, bool> flags[] = {{"t", false, true},
+                                                         {"tomato", false, true},
+                                                         {"1", true, false},
+                                                         {nullptr, true, true},
+                                                         {nullptr, false, false}};
+    for (const auto& [text, fallback, value] : flags) {
+        file.SetString("S", "flag", text);
+        EXPECT_EQ(file.GetBool("S", "flag", fallback), value);
+    }
 }
 
 }  // namespace

