@@ -33,6 +33,8 @@ public:
 
     // Command, then EnableControls; Command may delete this object.
     void DeliverCommand(int command);
+    // The way of menu and tool bar commands, some of which are the toolkit's own.
+    virtual void WMCommand(int command) { DeliverCommand(command); }
     // True when the command was taken as a dialog's answer and is no command.
     virtual bool TakeAnswer(int) { return false; }
 
@@ -48,6 +50,10 @@ protected:
     // The callback gets this object, as LControlHost*, for its data, and is gone with it.
     gulong Connect(gpointer object, const char* signal, GCallback callback,
                    GConnectFlags flags = GConnectFlags(0));
+    virtual GtkWidget* TopWidget() const { return nullptr; }  // the window; null while closed
+    virtual GtkAccelGroup* Accelerators() const { return nullptr; }  // of the window; may be null
+    LControlRegistry& Registry() { return registry_; }
+    LSignalOwner& Signals() { return signals_; }
     void ForgetControls();  // the window is gone, or goes on without this object
 
 private:

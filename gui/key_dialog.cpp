@@ -26,5 +26,5 @@ bool LKeyDialog::MapKeyToCommand(LKeyCode key, LKeyMap map) {
 }
 
 bool LKeyDialog::EvKeyDown(unsigned int key) {
-    return MapKeyToCommand(key, keyMap_);
+    return MapKeyToCommand(key, keyMap_) || CheckMenuAccelerators(key);
 }

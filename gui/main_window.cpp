@@ -99,7 +99,7 @@ void LMainWindow::StorePlacement() const {
 void LMainWindow::LayoutBase(int& left, int& top, int&, int& height) {
     left = 0;
     top = 0;
-    height = std::max(0, height - LStatusBar::kHeight);
+    height = std::max(0, height - LStatusBar::kHeight - GetMenuBarHeight() - GetToolBarHeight());
 }
 
 void LMainWindow::Layout() {

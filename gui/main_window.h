@@ -1,13 +1,14 @@
-// The application's main window: its place kept in the settings, free layout, keys, a status bar,
-// hidden where other windows close.
+// The application's main window: its place kept in the settings, free layout, keys, menu bar, tool
+// bar and status bar, hidden where other windows close.
 #pragma once
 
 #include <span>
 
 #include "gui/key_dialog.h"
 #include "gui/status_bar.h"
+#include "gui/tool_bar.h"
 
-class LMainWindow : public LKeyDialog, public LStatusBar {
+class LMainWindow : public LKeyDialog, public LStatusBar, public LToolBar {
 public:
     static constexpr int kMinimumWidth = 280;
     static constexpr int kMinimumHeight = 225;

@@ -76,7 +76,7 @@ void LTabControls::HandleTABSelChange(int id, int command) {
         return;
     StoreCommand(tabs, "switch-page", command, id);
     Connect(tabs, "switch-page", G_CALLBACK(GCTABSwitch), G_CONNECT_AFTER);
-    if (GtkWidget* window = TabWindow(); window != nullptr && !std::ranges::count(unlaid_, id)) {
+    if (GtkWidget* window = TopWidget(); window != nullptr && !std::ranges::count(unlaid_, id)) {
         const gulong handler = Connect(window, "configure-event", G_CALLBACK(GCTABFirstLayout));
         g_object_set_data(G_OBJECT(tabs), "_configureTAB", GSIZE_TO_POINTER(handler));
         unlaid_.push_back(id);

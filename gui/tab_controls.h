@@ -21,9 +21,6 @@ public:
     // first time.
     void HandleTABSelChange(int id, int command = kUseControlId);
 
-protected:
-    virtual GtkWidget* TabWindow() const = 0;  // the window that is laid out; null while closed
-
 private:
     static gboolean GCTABFirstLayout(GtkWidget* window, GdkEvent* event, gpointer host);
     std::vector<int> unlaid_;  // whose first layout is still to come

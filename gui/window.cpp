@@ -66,6 +66,7 @@ void LWindow::DetachWidget() {
     accelerators_.Reset();
     bubbleTip_.Hide();
     ForgetControls();
+    ForgetMenus();
     WidgetDetached();
 }
 

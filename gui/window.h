@@ -18,6 +18,7 @@
 #include "gui/edit_controls.h"
 #include "gui/gobject_ref.h"
 #include "gui/list_view_controls.h"
+#include "gui/menu_controls.h"
 #include "gui/range_controls.h"
 #include "gui/tab_controls.h"
 #include "gui/text_controls.h"
@@ -27,6 +28,18 @@ constexpr int kCommandOk = GTK_RESPONSE_OK;          // -5
 constexpr int kCommandCancel = GTK_RESPONSE_CANCEL;  // -6
 constexpr int kResponseHelp = GTK_RESPONSE_HELP;     // -11
 constexpr int kCommandHelp = 99;                     // a further help answer
+// Menu commands that the toolkit carries out itself.
+constexpr int kCommandExit = 801;
+constexpr int kCommandClose = 802;
+constexpr int kCommandHelpContents = 9001;
+constexpr int kCommandNothing = 9003;
+constexpr int kCommandProductPage = 9005;
+constexpr int kCommandSupportPage = 9006;
+constexpr int kCommandSuggestion = 9007;
+constexpr int kCommandBugReport = 9008;
+constexpr int kCommandHomePage = 9009;
+constexpr int kCommandProductsPage = 9080;
+constexpr int kCommandAbout = 9090;
 
 class LWindow : public LTextControls,
                 public LButtonControls,
@@ -36,8 +49,11 @@ class LWindow : public LTextControls,
                 public LTabControls,
                 public LRangeControls,
                 public LCoolButtonControls,
-                public LDecibelControls {
+                public LDecibelControls,
+                public LMenuControls {
 public:
+    class PopupMenu;  // popup_menu.h
+
     LWindow() = default;
     // Destroys a top-level widget that is still open, without calling DestroyDialog.
     ~LWindow() override;
@@ -50,6 +66,7 @@ public:
     virtual void CmClose();                   // hides the window
     virtual void Close(int response);         // DestroyDialog, then destruction; once
     virtual void CmExit() {}
+    void CmHelpAbout();
 
     GtkWidget* Widget() const { return widget_; }  // top-level widget, borrowed; null while closed
     bool IsOpen() const { return widget_ != nullptr; }
@@ -72,6 +89,7 @@ public:
     }
     void BubbleTipHide();
 
+    void WMCommand(int command) override;
     bool TakeAnswer(int command) override;
 
 protected:
@@ -81,10 +99,9 @@ protected:
     virtual void WidgetDetached() {}            // to forget widgets that went with it
     void SetModeless(bool modeless) { modeless_ = modeless; }
     void SetHelpPage(const char* page) { helpPage_ = page; }  // borrowed; "index" unless set
-    // Borrowed; null while closed.
-    GtkAccelGroup* Accelerators() const { return accelerators_.Get(); }
+    GtkWidget* TopWidget() const override { return widget_; }
+    GtkAccelGroup* Accelerators() const override { return accelerators_.Get(); }
     void CreateAccelerators();
-    GtkWidget* TabWindow() const override { return widget_; }
 
 private:
     void DetachWidget();

@@ -1,0 +1,93 @@
+#include "gui/menu_builder.h"
+
+#include "gui/display_text.h"
+#include "gui/icons.h"
+
+namespace {
+
+constexpr int kFirstItemImage = 200;
+constexpr int kMenuImageSize = 16;
+
+// The menu goes first: the command may open a dialog, which could not be used under it.
+gboolean GCWindowMenuItemClicked(GtkWidget* item, GdkEventButton* event, gpointer host) {
+    if (event->type != GDK_BUTTON_PRESS)
+        return TRUE;
+    GtkWidget* shell = gtk_widget_get_parent(item);
+    if (GTK_IS_MENU_SHELL(shell))
+        gtk_menu_shell_deactivate(GTK_MENU_SHELL(shell));
+    HostOf(host).WMCommand(StoredCommand(item, "_cmd"));
+    return TRUE;
+}
+
+// Accelerators and assistive programs activate items too. Keys reach the window by its key map, so
+// that a command sent from here would run twice.
+void GCMenuItemActive(GtkMenuItem*, gpointer) {}
+
+GtkWidget* NewItem(const LMenuItem& row, bool first) {
+    const std::string text = MnemonicText(row.text);
+    if (row.command < -1)
+        return gtk_check_menu_item_new_with_mnemonic(text.c_str());
+    GtkWidget* item = gtk_image_menu_item_new_with_mnemonic(text.c_str());
+    if (first)
+        gtk_image_menu_item_set_image(GTK_IMAGE_MENU_ITEM(item),
+                                      NewIconImageAt(kFirstItemImage, kMenuImageSize));
+    return item;
+}
+
+}  // namespace
+
+std::string MnemonicText(const char* text) {
+    std::string out;
+    for (const char* c = text; *c != '\0'; ++c) {
+        if (*c == '_') {
+            out += "__";
+        } else if (*c == '&' && c[1] == '&') {
+            out += *c++;
+        } else {
+            out += *c == '&' ? '_' : *c;
+        }
+    }
+    return DisplayText(out);
+}
+
+void ConnectMenuItem(const LMenuOwner& owner, GtkWidget* item, int command) {
+    owner.registry.Add(item, command);
+    StoreCommand(item, "_cmd", command, command);
+    owner.signals.Connect(item, "button-press-event", G_CALLBACK(GCWindowMenuItemClicked),
+                          &owner.host);
+    owner.signals.Connect(item, "activate", G_CALLBACK(GCMenuItemActive), &owner.host);
+}
+
+GtkWidget* AddSubMenu(GtkWidget* shell, const char* title) {
+    GtkWidget* item = gtk_menu_item_new_with_mnemonic(MnemonicText(title).c_str());
+    GtkWidget* menu = gtk_menu_new();
+    gtk_menu_item_set_submenu(GTK_MENU_ITEM(item), menu);
+    gtk_menu_shell_append(GTK_MENU_SHELL(shell), item);
+    return menu;
+}
+
+void AddMenuRows(const LMenuOwner& owner, GtkWidget* menu, LMenuItems items, std::size_t& index) {
+    bool first = true;
+    while (index < items.size()) {
+        const LMenuItem& row = items[index++];
+        if (row.text == nullptr) {
+            if (row.command == -1)
+                return;
+            gtk_menu_shell_append(GTK_MENU_SHELL(menu), gtk_separator_menu_item_new());
+            continue;
+        }
+        if (row.command == -1) {
+            AddMenuRows(owner, AddSubMenu(menu, row.text), items, index);
+            continue;
+        }
+        GtkWidget* item = NewItem(row, first);
+        first = false;
+        const int command = row.command < -1 ? -row.command : row.command;
+        const LKeyCode key = KeyOfCommand(owner.keys, command);
+        if (key != 0 && owner.accelerators != nullptr)
+            gtk_widget_add_accelerator(item, "activate", owner.accelerators, KeyValue(key),
+                                       KeyModifiers(key), GTK_ACCEL_VISIBLE);
+        ConnectMenuItem(owner, item, command);
+        gtk_menu_shell_append(GTK_MENU_SHELL(menu), item);
+    }
+}

@@ -1,0 +1,154 @@
+// Menu bars, pop-up menus and tool bars: what is found, and what reaches the window.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "gui/content_box.h"
+#include "gui/gtk_children.h"
+#include "gui/key_dialog.h"
+#include "gui/popup_menu.h"
+#include "gui/tool_bar.h"
+#include "tests/gui/gui_fixtures.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr LMenuItem kBar[] = {
+    {-1, "Lectora"},     {-1, "&Read"},      {1011, "Current &Text"}, {0, nullptr},
+    {1008, "From_file"}, {-1, nullptr},      {-2001, "Show && hide"}, {-1, nullptr},
+    {-1, "&Tools"},      {1021, "&Options"},  // no end row
+};
+constexpr LKeyToCommandMap kKeys[] = {{kKeyControl | kKeyShift | 'R', 1011}};
+
+struct MenuWindow : Recorder<LKeyDialog>, LToolBar {
+    void CmExit() override { calls += "exit "; }
+};
+
+class Menus : public testing::Test {
+protected:
+    void SetUp() override {
+        window.Open(nullptr, {"Menus", false, [](LDialogGenContext& c) { c.AddInput(5, "Field"); }},
+                    false);
+        LMenuContainer::SetMenu(window, kBar, kKeys);
+        PumpPending();
+    }
+    void Press(GtkWidget* item) {
+        ASSERT_NE(item, nullptr);
+        GdkEvent* event = gdk_event_new(GDK_BUTTON_PRESS);
+        event->button.button = 1;
+        gboolean handled = FALSE;
+        g_signal_emit_by_name(item, "button-press-event", event, &handled);
+        gdk_event_free(event);
+    }
+    std::vector<int> Taken() { return std::exchange(window.commands, {}); }
+    bool Enabled(int command) {
+        return gtk_widget_get_sensitive(window.GetControlByID(command)) != FALSE;
+    }
+    MenuWindow window;
+};
+
+TEST_F(Menus, TheTableBecomesMenusWhoseItemsSendOnPressOnly) {
+    GtkWidget* read = window.GetControlByID(1011);
+    EXPECT_STREQ(gtk_menu_item_get_label(GTK_MENU_ITEM(read)), "Current _Text");
+    EXPECT_STREQ(gtk_menu_item_get_label(GTK_MENU_ITEM(window.GetControlByID(1008))), "From__file");
+    EXPECT_STREQ(gtk_menu_item_get_label(GTK_MENU_ITEM(window.GetControlByID(2001))),
+                 "Show & hide");
+    int position = 0;
+    EXPECT_EQ(LWindow::_GetMenuItem(gtk_widget_get_parent(read), 1008, position),
+              window.GetControlByID(1008));
+    EXPECT_EQ(position, 2);  // behind the separator
+    EXPECT_EQ(LWindow::CheckSubMenu(gtk_widget_get_parent(window.GetControlByID(2001)), "&Read"),
+              0);
+    Press(read);
+    Press(window.GetControlByID(2001));
+    gtk_menu_item_activate(GTK_MENU_ITEM(read));
+    EXPECT_THAT(Taken(), ElementsAre(1011, 2001));
+    EXPECT_EQ(window.enableCalls, 2);
+    window.CheckMenuItem(2001, true);
+    window.CheckMenuItem(1011, true);  // no check item
+    EXPECT_THAT(Taken(), IsEmpty());
+    EXPECT_TRUE(gtk_check_menu_item_get_active(GTK_CHECK_MENU_ITEM(window.GetControlByID(2001))));
+    EXPECT_GT(window.GetMenuBarHeight(), 10);
+}
+
+TEST_F(Menus, StandardItemsAndKeysReachTheToolkitsOwnCommands) {
+    window.AddStandardMenuItems(true);
+    window.HandleInitMenu(77);
+    GtkWidget* bar = gtk_widget_get_parent(
+        gtk_menu_get_attach_widget(GTK_MENU(gtk_widget_get_parent(window.GetControlByID(1021)))));
+    for (GtkWidget* title : LGtkChildren(bar))
+        Press(title);
+    EXPECT_THAT(Taken(), ElementsAre(77, 77, 77));
+    Press(window.GetControlByID(kCommandExit));
+    EXPECT_EQ(window.calls, "init exit ");
+    window.EnableMenuItem(1011, false);
+    window.EnableMenuItem(4711, false);
+    EXPECT_FALSE(Enabled(1011));
+    EXPECT_FALSE(window.CheckMenuAccelerators(kKeyControl | kKeyShift | 'R'));
+    window.EnableMenuItem(1011, true);
+    EXPECT_TRUE(window.EvKeyDown(kKeyControl | kKeyShift | 'R'));
+    EXPECT_THAT(Taken(), ElementsAre(1011));
+    EXPECT_TRUE(window.EvKeyDown(kKeyAlt | GDK_KEY_F4));
+    EXPECT_FALSE(gtk_widget_get_visible(window.Widget()));
+    EXPECT_FALSE(window.EvKeyDown('X'));
+}
+
+TEST_F(Menus, APopUpMenuKeepsItsItemsToItselfAndTheWindowForgetsDeadOnes) {
+    constexpr LMenuItem kRows[] = {{1011, "Read"}, {0, nullptr}, {-2002, "Check"}};
+    GtkWidget* inBar = window.GetControlByID(1011);
+    LWindow::PopupMenu popUp(window);
+    for (int i = 0; i < 3; ++i)
+        popUp.SetMenu(kRows);
+    popUp.EnableMenuItem(1011, false);
+    popUp.CheckMenuItem(2002, true);
+    EXPECT_TRUE(Enabled(1011));
+    EXPECT_EQ(window.GetControlByID(1011), inBar);
+    EXPECT_EQ(window.GetControlByID(2002), nullptr);
+    Press(LGtkChildren(popUp.Widget()).First());
+    EXPECT_THAT(Taken(), ElementsAre(1011));
+
+    GtkWidget* newer = gtk_menu_item_new();
+    window.SetMenuCommandHandler(newer, 1011);
+    EXPECT_EQ(window.GetControlByID(1011), newer);
+    const auto kept = GObjectRef<GtkWidget>::Share(newer);  // as assistive programs do
+    gtk_widget_destroy(newer);
+    EXPECT_EQ(window.GetControlByID(1011), inBar);
+}
+
+TEST_F(Menus, ToolBarItemsSendAndChangeByCommand) {
+    using Item = LToolBar::ToolBarItem;
+    constexpr Item kItems[] = {
+        {1011, 28, "Read Aloud", "Read \xff (Ctrl+Shift+R)", Item::kDropDown},
+        {0, 0, nullptr, nullptr, Item::kSeparator},
+        {31, 27, "Mark", "Mark it", Item::kToggle},
+        {32, 0, "Delete", "Delete it", Item::kDelete},
+    };
+    window.SetToolBar(window, kItems);
+    window.AddToolboxAndHelp();
+    window.HandleToolBarItemDropdown(1011, 8011);
+    GtkWidget* read = window.GetToolItemFromID(1011);
+    g_signal_emit_by_name(read, "clicked");
+    Press(static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(read), "_arrow")));
+    EXPECT_THAT(Taken(), ElementsAre(1011, 8011));
+    window.SetToolBarItemCheck(31, true);
+    EXPECT_THAT(Taken(), IsEmpty());
+    EXPECT_TRUE(
+        gtk_toggle_tool_button_get_active(GTK_TOGGLE_TOOL_BUTTON(window.GetToolItemFromID(31))));
+    window.EnableToolBarItem(1011, false);
+    EXPECT_FALSE(gtk_widget_get_sensitive(read));
+    EXPECT_TRUE(Enabled(1011));  // the menu's
+    window.HideToolBarItem(32, true);
+    gtk_widget_show_all(window.Widget());
+    EXPECT_FALSE(gtk_widget_get_visible(window.GetToolItemFromID(32)));
+    window.SetToolBarItemText(31, "M\xe4rk");
+    EXPECT_STREQ(gtk_tool_button_get_label(GTK_TOOL_BUTTON(window.GetToolItemFromID(31))), "Märk");
+    EXPECT_GT(window.GetToolBarHeight(), 20);
+    // In the place of a control: under its number, pictures alone.
+    window._SetToolBar(window, kItems, 16, 5);
+    ASSERT_TRUE(GTK_IS_TOOLBAR(window.GetControlByID(5)));
+    EXPECT_EQ(gtk_toolbar_get_style(GTK_TOOLBAR(window.GetControlByID(5))), GTK_TOOLBAR_ICONS);
+    EXPECT_EQ(window.GetToolBarHeight(), 0);
+}
+
+}  // namespace
