@@ -72,8 +72,10 @@ bool LDialog::RunModal(GtkWidget* parent) {
     gtk_widget_show_all(Widget());
     const LDisabledParent disabled(parent);
     const std::weak_ptr<const void> life = Life();
+    // Whoever destroys the window may have deleted this object as well.
     const LDialogEnd end = RunDialog(
-        Widget(), {[this] { return CmOk(); }, [this] { return CmCancel(); }, [this] { CmHelp(); }});
+        Widget(), {[this] { return CmOk(); }, [this, life] { return life.expired() || CmCancel(); },
+                   [this] { CmHelp(); }});
     if (!life.expired() && end != LDialogEnd::kGone)
         Close(end == LDialogEnd::kOk ? GTK_RESPONSE_OK : GTK_RESPONSE_CANCEL);
     return end == LDialogEnd::kOk;

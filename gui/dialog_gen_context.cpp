@@ -6,6 +6,7 @@
 
 #include "gui/dialog.h"
 #include "gui/display_text.h"
+#include "gui/gtk_children.h"
 
 namespace {
 
@@ -30,16 +31,6 @@ void SetMinimumSize(GtkWidget* widget, int size) {
     gtk_widget_set_size_request(widget, std::max(natural.width, size),
                                 std::max(natural.height, size));
 }
-
-struct Buttons {
-    GtkWidget* box;
-    GList* list;
-    explicit Buttons(GtkWidget* buttonBox)
-        : box(buttonBox), list(gtk_container_get_children(GTK_CONTAINER(buttonBox))) {}
-    Buttons(const Buttons&) = delete;
-    Buttons& operator=(const Buttons&) = delete;
-    ~Buttons() { g_list_free(list); }
-};
 
 }  // namespace
 
@@ -132,7 +123,7 @@ void LDialogGenContext::EndHBox() {
     PopBox();
 }
 
-void LDialogGenContext::AddGroup(int id, const char* title, int width, int) {
+void LDialogGenContext::AddGroup(int id, const char* title, int width) {
     GtkWidget* frame = gtk_frame_new(DisplayText(title).c_str());
     GtkWidget* table = gtk_table_new(1, kColumns, FALSE);
     if (width > 0)
@@ -174,10 +165,8 @@ void LDialogGenContext::EndPanels() {
 }
 
 void LDialogGenContext::SetWidth(int width) {
-    if (width > 0) {
+    if (width > 0)
         gtk_widget_set_size_request(Top().container, width + 10, -1);
-        width_ = width;
-    }
 }
 
 void LDialogGenContext::Finalize() {
@@ -188,10 +177,10 @@ void LDialogGenContext::Finalize() {
 GtkWidget* LDialogGenContext::FindButtonBox() {
     if (!GTK_IS_DIALOG(dialog_.Widget()))
         return nullptr;
-    const Buttons children(gtk_dialog_get_content_area(GTK_DIALOG(dialog_.Widget())));
-    for (GList* child = children.list; child != nullptr; child = child->next) {
-        if (GTK_IS_HBUTTON_BOX(child->data))
-            return GTK_WIDGET(child->data);
+    for (GtkWidget* child :
+         LGtkChildren(gtk_dialog_get_content_area(GTK_DIALOG(dialog_.Widget())))) {
+        if (GTK_IS_HBUTTON_BOX(child))
+            return child;
     }
     return nullptr;
 }
@@ -226,9 +215,8 @@ void LDialogGenContext::AddOkCancelHelp(const char* label, bool noHelp, bool noC
     GtkWidget* box = FindButtonBox();
     if (box == nullptr)
         return;
-    const Buttons buttons(box);
-    for (GList* button = buttons.list; button != nullptr; button = button->next)
-        SetUpActionButton(GTK_WIDGET(button->data), label, noHelp, noCancel, noOk);
+    for (GtkWidget* button : LGtkChildren(box))
+        SetUpActionButton(button, label, noHelp, noCancel, noOk);
     gtk_button_box_set_layout(GTK_BUTTON_BOX(box), GTK_BUTTONBOX_SPREAD);
 }
 
@@ -242,17 +230,19 @@ void LDialogGenContext::AddOkCancelHelp(bool noHelp, bool noCancel, bool noOk) {
         return;
     gtk_dialog_set_has_separator(GTK_DIALOG(dialog_.Widget()), FALSE);
     // The dialog itself goes on knowing its action area, so that the box is emptied and hidden.
-    const Buttons buttons(box);
-    for (GList* button = buttons.list; button != nullptr; button = button->next)
-        gtk_widget_destroy(GTK_WIDGET(button->data));
+    for (GtkWidget* button : LGtkChildren(box))
+        gtk_widget_destroy(button);
     gtk_widget_set_no_show_all(box, TRUE);
     gtk_widget_hide(box);
 }
 
-void LDialogGenContext::AddSpecialOkCancelHelp(int id, const char* stockId, const char* label,
+void LDialogGenContext::AddSpecialOkCancelHelp(int id, const char* stockIdOrText, const char* label,
                                                bool noHelp, bool noCancel, bool noOk) {
     if (GtkWidget* box = FindButtonBox()) {
-        GtkWidget* button = gtk_button_new_from_stock(stockId);
+        GtkStockItem stock;
+        GtkWidget* button = gtk_stock_lookup(stockIdOrText, &stock)
+                                ? gtk_button_new_from_stock(stockIdOrText)
+                                : gtk_button_new_with_label(DisplayText(stockIdOrText).c_str());
         gtk_button_set_image(GTK_BUTTON(button),
                              gtk_image_new_from_stock(GTK_STOCK_YES, GTK_ICON_SIZE_MENU));
         dialog_.SetButtonCommandHandler(button, id);

@@ -25,7 +25,7 @@ public:
     void StartHBox();
     void EndVBox();
     void EndHBox();
-    void AddGroup(int id, const char* title, int width, int unused = 0);
+    void AddGroup(int id, const char* title, int width = 0);
     void GroupEnd();
     void StartPanels();  // panels lie over each other; the dialog shows one of them
     void StartPanel(int id = -1);
@@ -60,9 +60,9 @@ public:
     void AddComboBox(int id);
     void AddList(int id, int height);  // its scrolled window is id + 1
     void AddButton(int id, const char* text, int align = 0, int width = 0, int height = 0);
-    void AddCheckBox(int id, const char* text, int width = 0, int unused = 0);
-    void AddRadioButtonGroup(int id, const char* text, int unused = 0);
-    void AddRadioButton(int id, const char* text, int unused = 0);
+    void AddCheckBox(int id, const char* text, int width = 0);
+    void AddRadioButtonGroup(int id, const char* text);
+    void AddRadioButton(int id, const char* text);
     void AddScrollBar(int id, const char* text);  // range: LWindow::SBSetRange
     void AddScrollBar(int id);
     void AddProgressBar(int id);
@@ -70,12 +70,14 @@ public:
     void AddDBEdit(int id);
     void AddDBDisplay(int id);  // level meter
     void AddHyperLink(int id, const char* text, const char* link);
+    void AddDateTime(int id, const char* text, int width = 0);  // its entry is id + 1
 
-    // The action area. A null label keeps the stock text of the OK button; without a label and with
+    // The action area. The special button stands first; it is a stock item or else has the given
+    // text. A null label keeps the stock text of the OK button; without a label and with
     // all three buttons unwanted there is no action area at all.
     void AddOkCancelHelp(const char* label, bool noHelp, bool noCancel, bool noOk);
     void AddOkCancelHelp(bool noHelp, bool noCancel, bool noOk);
-    void AddSpecialOkCancelHelp(int id, const char* stockId, const char* label, bool noHelp,
+    void AddSpecialOkCancelHelp(int id, const char* stockIdOrText, const char* label, bool noHelp,
                                 bool noCancel, bool noOk);
 
 private:
@@ -99,7 +101,6 @@ private:
 
     LDialog& dialog_;
     int indent_ = 1;
-    int width_ = -1;
     GtkWidget* radioGroup_ = nullptr;  // first button of the current group
     std::vector<Frame> containers_;    // innermost last; never empty
 };

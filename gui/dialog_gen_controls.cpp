@@ -1,5 +1,6 @@
 #include "gui/accessible.h"
 #include "gui/control_factory.h"
+#include "gui/date_time_picker.h"
 #include "gui/dialog.h"
 #include "gui/dialog_gen_context.h"
 #include "gui/display_text.h"
@@ -150,7 +151,7 @@ void LDialogGenContext::AddButton(int id, const char* text, int align, int width
     AddSpanFull(button, id);
 }
 
-void LDialogGenContext::AddCheckBox(int id, const char* text, int width, int) {
+void LDialogGenContext::AddCheckBox(int id, const char* text, int width) {
     GtkWidget* button = gtk_check_button_new_with_label(DisplayText(text).c_str());
     if (width > 0)
         gtk_widget_set_size_request(button, width, -1);
@@ -158,12 +159,12 @@ void LDialogGenContext::AddCheckBox(int id, const char* text, int width, int) {
     dialog_.SetRadioCheckButtonCommandHandler(button, id);
 }
 
-void LDialogGenContext::AddRadioButtonGroup(int id, const char* text, int unused) {
+void LDialogGenContext::AddRadioButtonGroup(int id, const char* text) {
     radioGroup_ = nullptr;
-    AddRadioButton(id, text, unused);
+    AddRadioButton(id, text);
 }
 
-void LDialogGenContext::AddRadioButton(int id, const char* text, int) {
+void LDialogGenContext::AddRadioButton(int id, const char* text) {
     GtkWidget* button = gtk_radio_button_new_with_label_from_widget(
         radioGroup_ != nullptr ? GTK_RADIO_BUTTON(radioGroup_) : nullptr,
         DisplayText(text).c_str());
@@ -204,4 +205,15 @@ void LDialogGenContext::AddDBDisplay(int id) {
 
 void LDialogGenContext::AddHyperLink(int id, const char* text, const char* link) {
     AddSpanFull(NewHyperLink(text, link), id);
+}
+
+void LDialogGenContext::AddDateTime(int id, const char* text, int width) {
+    const LDateTimeWidgets picker = NewDateTimePicker();
+    if (width > 0)
+        gtk_widget_set_size_request(picker.entry, width, -1);
+    AddStaticLeft(-1, text);
+    LabelWidget(dialog_.GetControlByID(-1), picker.entry);
+    AddSpanRight(picker.box, -1);
+    dialog_.SetControlID(picker.button, id);
+    dialog_.SetCompanionID(picker.entry, id + 1);
 }

@@ -85,7 +85,7 @@ void LDropDownControls::PDLSetCurSel(int id, int item) {
 }
 
 void LDropDownControls::PDLGetText(int id, char (&out)[kTextBufferSize]) const {
-    CopyText(out, PDLGetText(id));
+    CopyShownText(out, PDLGetText(id));
 }
 
 std::string LDropDownControls::PDLGetText(int id) const {

@@ -1,6 +1,7 @@
 #include "gui/edit_controls.h"
 
 #include "gui/display_text.h"
+#include "gui/prompt_text.h"
 
 namespace {
 
@@ -114,6 +115,11 @@ void LEditControls::EditTextPaste(int id) {
     if (GtkTextBuffer* buffer = EditBufferOf(id))
         gtk_text_buffer_paste_clipboard(buffer, Clipboard(GetControlByID(id)), nullptr,
                                         IsEditable(GetControlByID(id)));
+}
+
+void LEditControls::EditPromptSet(int id, const char* text) {
+    if (EditBufferOf(id) != nullptr)
+        SetPromptText(GetControlByID(id), text);
 }
 
 void LEditControls::HandleEditSignal(int id, const char* key, int command) {

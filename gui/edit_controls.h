@@ -21,6 +21,7 @@ public:
     void EditTextCut(int id);
     void EditTextCopy(int id);
     void EditTextPaste(int id);
+    void EditPromptSet(int id, const char* text);  // shown in grey while the edit is empty
 
     // The maximum's command takes the place of the change's above 65536 characters; command 0 ends
     // what was registered before.

@@ -57,7 +57,7 @@ void LTabControls::TABGetText(int id, int tab, char (&out)[kTextBufferSize]) con
     auto* tabs = ControlAs<GtkNotebook>(id, GTK_TYPE_NOTEBOOK);
     GtkWidget* page = tabs != nullptr && tab >= 0 ? gtk_notebook_get_nth_page(tabs, tab) : nullptr;
     const char* text = page != nullptr ? gtk_notebook_get_tab_label_text(tabs, page) : nullptr;
-    CopyText(out, text != nullptr ? text : "");
+    CopyShownText(out, text != nullptr ? text : "");
 }
 
 int LTabControls::TABGetTabHeight(int id) const {

@@ -6,6 +6,7 @@
 
 #include "foundation/numbers.h"
 #include "gui/display_text.h"
+#include "gui/prompt_text.h"
 
 GtkEntry* EntryOf(GtkWidget* control) {
     if (GTK_IS_COMBO_BOX(control) && gtk_combo_box_get_has_entry(GTK_COMBO_BOX(control)))
@@ -24,7 +25,7 @@ void LTextControls::GetText(int id, char* out, std::size_t size) const {
 }
 
 void LTextControls::GetText(int id, char (&out)[kTextBufferSize]) const {
-    CopyText(out, GetText(id));
+    CopyShownText(out, GetText(id));
 }
 
 std::string LTextControls::GetText(int id) const {
@@ -88,4 +89,9 @@ bool LTextControls::IsTextEditable(int id) const {
         return gtk_editable_get_editable(GTK_EDITABLE(entry)) != FALSE;
     auto* view = ControlAs<GtkTextView>(id, GTK_TYPE_TEXT_VIEW);
     return view != nullptr && gtk_text_view_get_editable(view) != FALSE;
+}
+
+void LTextControls::TextPromptSet(int id, const char* text) {
+    if (GtkEntry* entry = EntryOf(GetControlByID(id)))
+        SetPromptText(GTK_WIDGET(entry), text);
 }

@@ -27,6 +27,7 @@ public:
     void SetTextSelectionAll(int id);
     void SetTextEditable(int id, bool editable);  // a multi-line edit as well
     bool IsTextEditable(int id) const;
+    void TextPromptSet(int id, const char* text);  // shown in grey while the entry is empty
 };
 
 // The entry itself or the entry of a combo box; null for anything else.

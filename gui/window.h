@@ -13,6 +13,7 @@
 #include "gui/bubble_tip.h"
 #include "gui/button_controls.h"
 #include "gui/cool_button_controls.h"
+#include "gui/date_time_controls.h"
 #include "gui/decibel_controls.h"
 #include "gui/drop_down_controls.h"
 #include "gui/edit_controls.h"
@@ -50,6 +51,7 @@ class LWindow : public LTextControls,
                 public LRangeControls,
                 public LCoolButtonControls,
                 public LDecibelControls,
+                public LDateTimeControls,
                 public LMenuControls {
 public:
     class PopupMenu;  // popup_menu.h

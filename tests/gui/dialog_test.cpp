@@ -96,6 +96,70 @@ TEST_F(DialogRun, ModelessAnswersAreCommandsAndClosingHides) {
     EXPECT_EQ(dialog.calls, "init destroy ");
 }
 
+// What a handler may do to its own window, and to the object behind it.
+TEST_F(DialogRun, HandlersMayEndTheirWindowOrThemselves) {
+    struct Closing : RecordingDialog {
+        bool CmOk() override {
+            Close(0);
+            Close(0);
+            return false;
+        }
+        void Command(int) override { delete this; }
+    };
+    Closing closing;
+    UserScript user({[&] { closing.DoOKButton(); }});
+    EXPECT_FALSE(closing.Open(parent, {"Run", false, GenerateButtons}, true));
+    EXPECT_EQ(closing.calls, "init destroy ");
+    EXPECT_TRUE(ParentEnabled());
+
+    auto* deleted = new Closing;
+    deleted->Open(nullptr, {"Run", false, GenerateButtons}, false);
+    const auto window = GObjectRef<GtkWidget>::Share(deleted->Widget());
+    gtk_button_clicked(ButtonOf(*deleted, kCommandOk));
+    gtk_widget_destroy(window.Get());
+
+    auto* inside = new RecordingDialog;
+    UserScript killer({[&] { delete inside; }});
+    EXPECT_FALSE(inside->Open(parent, {"Run", false, GenerateButtons}, true));
+    EXPECT_TRUE(ParentEnabled());
+}
+
+TEST_F(DialogRun, AnInnerDialogLeavesTheParentToTheOuterOne) {
+    bool enabled = true;
+    UserScript user({[&] {
+                         RecordingDialog inner;
+                         UserScript innerUser({[&] { inner.DoOKButton(); }});
+                         inner.Open(parent, {"Inner", false, GenerateButtons}, true);
+                         enabled = ParentEnabled();
+                     },
+                     [&] { dialog.DoOKButton(); }});
+    EXPECT_TRUE(dialog.Open(parent, {"Run", false, GenerateButtons}, true));
+    EXPECT_FALSE(enabled);
+    EXPECT_TRUE(ParentEnabled());
+}
+
+TEST(DialogControls, WhatIsHiddenStaysHiddenAndLabelsYield) {
+    const auto generate = [](LDialogGenContext& context) {
+        context.AddEdit(1, "");
+        context.AddCheckBox(7, "Number seven");
+        context.AddInput(6, "Its label goes under seven");
+    };
+    RecordingDialog dialog;
+    dialog.onInit = [&] { dialog.ShowControl(1, false); };
+    dialog.Open(nullptr, {"Hidden", false, generate}, false);
+    EXPECT_TRUE(GTK_IS_CHECK_BUTTON(dialog.GetControlByID(7)));
+    GtkWidget* frame = gtk_widget_get_parent(dialog.GetControlByID(1));
+    EXPECT_FALSE(gtk_widget_get_visible(frame));
+    PressClose(dialog.Widget());
+    EXPECT_TRUE(dialog.Open(nullptr, {"Hidden", false, generate}, false));  // again, as it was
+    EXPECT_TRUE(gtk_widget_get_visible(dialog.Widget()));
+    EXPECT_FALSE(dialog.Open(nullptr, {"Hidden", false, generate}, false));
+    EXPECT_EQ(dialog.calls, "init ");
+    EXPECT_FALSE(gtk_widget_get_visible(frame));
+    dialog.ShowControl(1, true);
+    EXPECT_TRUE(gtk_widget_get_mapped(dialog.GetControlByID(1)));
+}
+
 struct Cell {
     guint left, right, top, bottom, xPadding;
 };
@@ -239,6 +303,19 @@ TEST(PropertySheet, AsksEveryPageInOrder) {
     UserScript cancel({respond(kCommandCancel), respond(kCommandCancel)});
     EXPECT_FALSE(sheets.Open(nullptr, "Options", 0));
     EXPECT_EQ(first.calls, "init cancel cancel destroy ");
+}
+
+TEST(PropertySheet, APageMayLoseTheWindowInItsAnswer) {
+    struct Destroying : Recorder<LPropertyPage> {
+        bool CmOk() override {
+            gtk_widget_destroy(Widget());
+            return false;
+        }
+    } page;
+    LPropertySheet sheet;
+    sheet.AddPage(page, {"Page", false, GeneratePage});
+    UserScript user({[&] { gtk_dialog_response(GTK_DIALOG(page.Widget()), GTK_RESPONSE_OK); }});
+    EXPECT_FALSE(sheet.Open(nullptr, "Options", 0));
 }
 
 TEST(PropertySheet, SeventeenthPageIsIgnored) {

@@ -73,6 +73,83 @@ TEST_F(ListView, CheckBoxesStandBesideTheTexts) {
     EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(view, 1)), "First text");
 }
 
+TEST_F(ListView, HeadingsSortByTextNumberAndDateAndReverse) {
+    constexpr LListColumn kSorted[] = {{"Name", 30, LListSort::kText},
+                                       {"Size", 20, LListSort::kNumber},
+                                       {"Date", 50, LListSort::kDate}};
+    dialog.LVInit(kId, {LListColumns::kPercent, kSorted});
+    const char* rows[][3] = {{"banana", "9", "31/12/25-10:00:00"},
+                             {"Apple", "10", "2026-01-02"},
+                             {"cherry", "", "01/02/26-00:00:00"}};
+    for (const auto& row : rows) {
+        const int at = dialog.LVAddString(kId, row[0]);
+        for (int column : {1, 2})
+            dialog.LVSetColumnString(kId, at, column, row[column]);
+    }
+    GtkTreeView* view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
+    const auto order = [&] { return Cell(0, 0) + " " + Cell(1, 0) + " " + Cell(2, 0); };
+    const struct {
+        int column;
+        const char *up, *down;
+    } cases[] = {{0, "Apple banana cherry", "cherry banana Apple"},
+                 {1, "cherry banana Apple", "Apple banana cherry"},
+                 {2, "banana Apple cherry", "cherry Apple banana"}};
+    for (const auto& c : cases) {
+        gtk_tree_view_column_clicked(gtk_tree_view_get_column(view, c.column));
+        EXPECT_EQ(order(), c.up);
+        gtk_tree_view_column_clicked(gtk_tree_view_get_column(view, c.column));
+        EXPECT_EQ(order(), c.down);
+    }
+    const int uid = dialog.LVGetUID(kId, 2);
+    const int at = dialog.LVAddString(kId, "new");
+    EXPECT_EQ(Cell(at, 0), "new");  // where the order has it
+    EXPECT_NE(dialog.LVGetUID(kId, at), uid);
+    // The percentages are of the width that the list has got.
+    PumpPending();
+    GtkAllocation place;
+    gtk_widget_get_allocation(GTK_WIDGET(view), &place);
+    EXPECT_EQ(dialog.LVGetColumnWidth(kId, 0), place.width * 30 / 100);
+    EXPECT_LE(place.width, 300);
+}
+
+TEST_F(ListView, ColumnsImagesAndColoursKeepTheRows) {
+    constexpr int kIcons[] = {1, 2};
+    dialog.LVSetImages(kId, kIcons);
+    dialog.LVInit(kId, {LListColumns::kPixels, kColumns});
+    EXPECT_EQ(dialog.LVImageAddString(kId, 1, "with image", 3), 0);
+    dialog.LVImageAddString(kId, 7, "no such image");
+    EXPECT_TRUE(dialog.LVIsStyleImages(kId));
+    dialog.LVSetRowColor(kId, 1, GdkColor{0, 0xFFFF, 0, 0});
+    dialog.LVAddTextColumn(kId, {"More", 40, LListSort::kNumber});
+    dialog.LVAddImageColumn(kId, "Picture");
+    dialog.LVAddCheckColumn(kId, "Done");
+    dialog.LVSetColumnString(kId, 0, 2, "third");
+    EXPECT_EQ(Cell(0, 0) + Cell(0, 2), "with imagethird");
+    EXPECT_EQ(dialog.LVGetItemData(kId, 0), 3);
+    EXPECT_TRUE(dialog.LVIsRowColorSet(kId, 1));
+    EXPECT_FALSE(dialog.LVIsRowColorSet(kId, 0));
+    dialog.LVUnSetRowColor(kId, 1);
+    EXPECT_FALSE(dialog.LVIsRowColorSet(kId, 1));
+    dialog.LVSetShowColumnState(kId, 0b101);
+    EXPECT_EQ(dialog.LVGetShowColumnState(kId), 0b101u);
+    PumpPending();  // editing takes place in what is laid out
+    dialog.LVSetCurSel(kId, 0);
+    dialog.LVEditCurLabel(kId);
+    GtkTreeView* view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
+    GtkWidget* entry = nullptr;
+    gtk_container_forall(
+        GTK_CONTAINER(view),
+        [](GtkWidget* child, gpointer out) {
+            if (GTK_IS_ENTRY(child))
+                *static_cast<GtkWidget**>(out) = child;
+        },
+        &entry);
+    ASSERT_NE(entry, nullptr);
+    gtk_entry_set_text(GTK_ENTRY(entry), "edited");
+    gtk_cell_editable_editing_done(GTK_CELL_EDITABLE(entry));
+    EXPECT_EQ(Cell(0, 0), "edited");
+}
+
 TEST_F(ListView, WidthsComeBackFromTheSettings) {
     LUserSettingSetString("GuiTestColumns", "Col1", nullptr);
     LUserSettingSetString("GuiTestColumns", "Col2", "123");

@@ -174,6 +174,25 @@ TEST(KeyDialog, KeysFollowTheTableWhateverTheLocks) {
     }
 }
 
+TEST(KeyDialog, PressesAndReleasesArriveByThemselves) {
+    struct Keys : Recorder<LKeyDialog> {
+        bool EvKeyDown(unsigned int key) override { return seen.push_back(key), true; }
+        bool EvKeyUp(unsigned int key) override { return seen.push_back(key + 1), true; }
+        std::vector<unsigned int> seen;
+    } dialog;
+    dialog.Open(nullptr, {"Keys", false, [](LDialogGenContext&) {}}, false);
+    for (const GdkEventType type : {GDK_KEY_PRESS, GDK_KEY_RELEASE}) {
+        GdkEvent* event = gdk_event_new(type);
+        event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(dialog.Widget())));
+        event->key.keyval = 'a';
+        gtk_widget_event(dialog.Widget(), event);
+        gdk_event_free(event);
+    }
+    EXPECT_THAT(dialog.seen, ElementsAre('A', 'B'));
+    EXPECT_EQ(KeyDescription(kKeyShift | kKeyControl | 'R'), "Ctrl+Shift+R");
+    EXPECT_EQ(KeyDescription(kKeyAlt | GDK_KEY_F5), "Alt+F5");
+}
+
 struct MessageRecorder : LInterWinMessageHandler {
     void EvInterWinMessage(int first, int second, int third) override {
         got = {first, second, third};
