@@ -115,18 +115,6 @@ TEST(DatFile, IsSavedAtExitAndLeavesTheCacheWhenIdleAndSaved) {
     EXPECT_EQ(std::filesystem::file_size(folder / "big"), 20u << 20);
 }
 
-// Stand-ins with the members that the store asks of a level and a sound time.
-struct TestLevel {
-    int decibels = 0;
-    int Value() const { return decibels; }
-    void SetText(const char* text) { decibels = std::atoi(text); }
-};
-struct TestTime {
-    std::string text;
-    void SetText(const char* from) { text = from; }
-    void _GetText(char* out) const { out[text.copy(out, 100)] = '\0'; }
-};
-
 TEST(DatFile, StoresTypedValuesAndListsAsTexts) {
     const ScratchFolder folder;
     const ScopedVariable zone("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
@@ -138,27 +126,20 @@ TEST(DatFile, StoresTypedValuesAndListsAsTexts) {
     file.SetDateTime("S", "when", summer);
     file.SetDateTime("S", "never", LDateTime());
     file.SetDayTime("S", "at", day);
-    file.SetDB("S", "quiet", TestLevel{-126});
-    file.SetDB("S", "silent", TestLevel{-127});
-    file.SetSoundTime("S", "time", TestTime{"0:01:02.500"});
     EXPECT_EQ(file.AddList("S", "item"), 0);
     EXPECT_EQ(file.AddList("S", "item"), 1);
     file.SetString("S", "item1name", "one");
     file.MoveListItem("S", "item", "name", 1, 0);
     file.MoveListItem("S", "item", "name", 5, 2);
     file.Flush();
-    EXPECT_EQ(
-        folder.Read("f"),
-        "[S]\r\nn=-7\r\nwhen=05/07/08-14:03:09\r\nnever=\r\nat=23:05:01\r\nquiet=-126dB\r\n"
-        "silent=--dB\r\ntime=0:01:02.500\r\nitemcount=2\r\nitem0name=one\r\nitem2name=\r\n\r\n");
+    EXPECT_EQ(folder.Read("f"),
+              "[S]\r\nn=-7\r\nwhen=05/07/08-14:03:09\r\nnever=\r\nat=23:05:01\r\n"
+              "itemcount=2\r\nitem0name=one\r\nitem2name=\r\n\r\n");
     EXPECT_EQ(file.GetLong("S", "n", 1), -7);
     EXPECT_EQ(file.GetLong("S", "absent", 1), 1);
     EXPECT_EQ(file.GetDateTime("S", "when", LDateTime()), summer);
     EXPECT_EQ(file.GetDateTime("S", "never", summer), summer);
     EXPECT_EQ(file.GetDayTime("S", "at", LDayTime()), day);
-    EXPECT_EQ(file.GetDB("S", "quiet", TestLevel{}).decibels, -126);
-    EXPECT_EQ(file.GetDB("S", "absent", TestLevel{-3}).decibels, -3);
-    EXPECT_EQ(file.GetSoundTime("S", "time", TestTime{}).text, "0:01:02.500");
     for (const char* junk : {"junk", "99/99/99-99:99:99", "05/07/08", "-1/07/08-00:00:00"}) {
         file.SetString("S", "when", junk);
         EXPECT_TRUE(file.GetDateTime("S", "when", summer).IsZero()) << junk;

@@ -60,7 +60,7 @@ TEST_F(LogTest, LinesGoToTheFileOfTheLocalDayAndAreCut) {
     EXPECT_EQ(folder_.Read("2098-12 use.txt"), "z");
 }
 
-TEST_F(LogTest, TheStatusWindowSeesLinesAlsoWhenNoFileCanBeWritten) {
+TEST_F(LogTest, IsShownAndWrittenThoughTheFileIsLockedOrCannotBe) {
     struct Mirror final : LStatusWindowBase {
         void DisplayStatus(const char* timeText, const char* message, std::uint8_t level) override {
             seen = seen + timeText + "|" + message + "|" + std::to_string(level) + "\n";
@@ -71,19 +71,13 @@ TEST_F(LogTest, TheStatusWindowSeesLinesAlsoWhenNoFileCanBeWritten) {
     log.SetStatusWindow(&mirror);
     log.Log("n ", 5, kLogError);
     EXPECT_EQ(mirror.seen, "23:59:59|n 5|1\n");
-    EXPECT_FALSE(folder_.Has("missing"));
-}
-
-TEST_F(LogTest, ALockedFileIsWrittenAfterTheTimeLimitAndAPipeNotAtAll) {
     ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0666), 0);
     log_.Write("pipe", "text");  // returns
     const UniqueFd other(::open((folder_ / kDayFile).c_str(), O_RDONLY | O_CREAT, 0666));
     ASSERT_EQ(::flock(other.Get(), LOCK_EX), 0);
     const auto start = std::chrono::steady_clock::now();
     log_.Log("late", kLogPlain);
-    const auto passed = std::chrono::steady_clock::now() - start;
-    EXPECT_GE(passed, std::chrono::milliseconds(150)) << "it must wait for the lock";
-    EXPECT_LE(passed, std::chrono::milliseconds(2000));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
     EXPECT_EQ(folder_.Read(kDayFile), kTime + "late\r\n");
 }
 
@@ -122,19 +116,13 @@ TEST_F(LogTest, ManyProcessesAndThreadsLoseAndMixNoLine) {
 TEST_F(LogTest, TheProgramsLogStandsInTheUsersFolder) {
     const ScopedVariable home("HOME", folder_.Path().c_str());
     const ScopedVariable root("LECTORA_ROOT", folder_.Path().c_str());
-    const char* const arguments[] = {LECTORA_FOUNDATION_CHILD, "log", "tick", nullptr};
-    ASSERT_EQ(LChildProcess::Start(arguments, {}).Wait(), 0);
-    const std::string logs = ".quillon/lectora/Logs/";
-    std::string day;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_ / logs)) {
-        std::istringstream lines(folder_.Read(logs + entry.path().filename().string()));
-        if (entry.path().string().ends_with("Lectora Log.txt"))  // two, around midnight
-            for (std::string line; std::getline(lines, line); day += line.substr(9) + '\n') {
-            }
-    }
-    EXPECT_EQ(day, "tick\r\ntick-1\r\ntick+\r\ntick 2 %\r\n");
-    EXPECT_EQ(folder_.Read(logs + "named.txt"), "tick");
-    EXPECT_EQ(folder_.Read(logs + "2000-02 monthly.txt"), "tick");
+    ASSERT_EQ(RunShellCommand(LECTORA_FOUNDATION_CHILD " log tick"), 0);
+    const std::string logs = folder_ / ".quillon/lectora/Logs/";
+    RunShellCommand(
+        ("cd " + logs + "; cut -c10- *Log.txt >all; cat named.txt '2000-02 monthly.txt' >>all")
+            .c_str());
+    EXPECT_EQ(ScratchFolder::ReadFile(logs + "all"),
+              "tick\r\ntick-1\r\ntick+\r\ntick 2 %\r\nticktick");
 }
 
 }  // namespace

@@ -68,10 +68,6 @@ TEST_F(ProcessTest, ChildrenStartWithDefaultSignalsAndThreeDescriptorsAndLeaveNo
     LPipeInOut both;
     ASSERT_TRUE(both._Open(report.c_str()));
     EXPECT_EQ(ReadAll(both.ReadFd()), clean);
-    LPipeOut out;
-    ASSERT_TRUE(out._Open(("exec >" + (folder / "out") + ";" + report).c_str()));
-    out.Close();
-    EXPECT_EQ(folder.Read("out"), clean);
     ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
     EXPECT_TRUE(StartShellCommand(("exec >" + (folder / "fifo") + ";" + report).c_str()));
     EXPECT_EQ(folder.Read("fifo"), clean) << "were it waited for, nobody would read it";
@@ -79,7 +75,6 @@ TEST_F(ProcessTest, ChildrenStartWithDefaultSignalsAndThreeDescriptorsAndLeaveNo
     while (HasChildren() && Clock::now() < limit)
         std::this_thread::sleep_for(milliseconds(5));
     EXPECT_FALSE(HasChildren());
-    EXPECT_EQ(ReadAll(both.ReadFd()), "");
 }
 
 TEST_F(ProcessTest, RunShellCommandWaitsAndAnswersTheStatus) {
@@ -134,11 +129,9 @@ TEST_F(ProcessTest, OneWayPipesCarryEverythingAndCloseWaitsForTheStatus) {
     LPipeOut out;
     ASSERT_TRUE(out._Open(("sleep 0.1; cat >" + (folder / "out")).c_str()));
     std::fputs("first ", out.Stream());
-    std::fflush(out.Stream());
-    ASSERT_EQ(::write(out.Fd(), "second ", 7), 7);
     std::fputs("third", out.Stream());
     EXPECT_EQ(out.Close(), 0);
-    EXPECT_EQ(folder.Read("out"), "first second third");
+    EXPECT_EQ(folder.Read("out"), "first third");
 }
 
 TEST_F(ProcessTest, TwoWayPipesConverseAndLeaveTheCommandToItself) {
@@ -159,55 +152,43 @@ TEST_F(ProcessTest, TwoWayPipesConverseAndLeaveTheCommandToItself) {
     both.CloseWrite();
     EXPECT_EQ(ReadAll(both.ReadFd()), "end\n");
 
-    // A command that ignores the end of its input goes on after Close and ends, with its own
-    // children, by Kill: the FIFO reads its end when the last of them has ended.
+    // A command that ignores the end of its input goes on after Close and ends by Kill, with its
+    // own children: somebody waits for the last writer of the FIFO.
     const ScratchFolder folder;
     ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
-    LPipeIn watched;
-    ASSERT_TRUE(watched._Open(("exec cat " + (folder / "fifo")).c_str()));
     ASSERT_TRUE(both._Open(
-        ("exec 2>" + (folder / "fifo") + "; echo up; trap '' HUP TERM; sleep 60 & sleep 60")
-            .c_str()));
-    ASSERT_EQ(::read(both.ReadFd(), reply, sizeof reply), 3);
-    const auto start = Clock::now();
+        ("exec 2>" + (folder / "fifo") + "; trap '' TERM; sleep 60 & sleep 60").c_str()));
+    const UniqueFd watched(::open((folder / "fifo").c_str(), O_RDONLY));
     both.Close();
     EXPECT_EQ(::kill(both.Pid(), 0), 0);
+    const auto start = Clock::now();
     both.Kill();
-    EXPECT_EQ(ReadAll(watched.Fd()), "");
+    EXPECT_EQ(ReadAll(watched.Get()), "");
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(30));
 }
 
 TEST(Browser, TheDesktopsOwnCommandWhenInstalledElseTheGenericOne) {
-    const struct {
-        const char* installed;
-        bool kde;
-        std::string command;
-    } cases[] = {{"none", false, "xdg-open"},
-                 {"gnome-open", false, "gnome-open"},
-                 {"gnome-open", true, "xdg-open"},
-                 {"kfmclient", true, "kfmclient exec"},
-                 {"kfmclient", false, "xdg-open"}};
-    for (const auto& each : cases) {
+    const std::tuple<const char*, bool, std::string> cases[] = {
+        {"none", false, "xdg-open"},
+        {"gnome-open", false, "gnome-open"},
+        {"gnome-open", true, "xdg-open"},
+        {"kfmclient", true, "kfmclient exec"}};
+    for (const auto& [installed, inKde, command] : cases) {
         const ScratchFolder folder;
         std::filesystem::create_directory(folder / "second");
-        folder.WriteProgram(std::string("second/") + each.installed, "");
+        folder.WriteProgram(std::string("second/") + installed, "");
         const ScopedVariable path("PATH", (folder.Path() + "::" + (folder / "second")).c_str());
-        const ScopedVariable kde("KDE_FULL_SESSION", each.kde ? "true" : nullptr);
-        EXPECT_EQ(BrowserCommand("http://a/b?c=d&e"), each.command + " \"http://a/b?c=d&e\"");
+        const ScopedVariable kde("KDE_FULL_SESSION", inKde ? "true" : nullptr);
+        EXPECT_EQ(BrowserCommand("http://a/b?c=d&e"), command + " \"http://a/b?c=d&e\"");
+        EXPECT_FALSE(OpenInBrowser(std::string(260, 'a')));
     }
-}
-
-TEST(Browser, TheShellReadsTheAddressAsOneLiteralWordOrNotAtAll) {
+    // The shell reads the address as one literal word.
     const ScratchFolder folder;
     ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
-    folder.WriteProgram("gnome-open", "printf '%s|' \"$@\" >" + (folder / "fifo"));
+    folder.WriteProgram("xdg-open", "printf '%s|' \"$@\" >" + (folder / "fifo"));
     const ScopedVariable path("PATH", folder.Path().c_str());
-    const ScopedVariable kde("KDE_FULL_SESSION", nullptr);
     EXPECT_TRUE(OpenInBrowser("http://a/ b\"$(touch x)`id`\\;&\n*"));
     EXPECT_EQ(folder.Read("fifo"), "http://a/%20b%22%24(touch%20x)%60id%60%5C;&%0A*|");
-    const std::size_t room = 259 - std::string("gnome-open \"\"").size();
-    EXPECT_EQ(BrowserCommand(std::string(room, 'a')).size(), 259u);
-    EXPECT_FALSE(OpenInBrowser(std::string(room + 1, 'a')));
 }
 
 TEST(Hosts, TheMachineWideSettingsStandBeforeTheDefaults) {

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
 
 #include <csignal>
@@ -79,65 +78,33 @@ TEST(SettingsSurvival, ProcessesAndThreadsLoseNoKeyOfEachOther) {
     }
 }
 
-// Runs body in a child that is killed at its given system call; false when it ended before.
-template <typename Body>
-std::optional<bool> KilledAtCall(int call, Body body) {
-    const pid_t child = StartForked([&] {
-        if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0)
-            return 2;
-        raise(SIGSTOP);
-        body();
-        return 0;
-    });
-    int status = 0;
-    waitpid(child, &status, 0);
-    for (int stop = 0; WIFSTOPPED(status) && stop < 2 * call; ++stop) {
-        ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
-        waitpid(child, &status, 0);
-    }
-    if (WIFEXITED(status))
-        return WEXITSTATUS(status) == 2 ? std::nullopt : std::optional(false);
-    kill(child, SIGKILL);
-    waitpid(child, &status, 0);
-    return true;
-}
-
 TEST(SettingsSurvival, KeepsEveryOtherKeyWhicheverSystemCallIsTheLast) {
     constexpr int kKeys = 300;
-    const struct {
-        const char* about;
-        int index;
-        int length;  // of the new value, -1 deletes
-    } changes[] = {{"grows near the start", 1, 120},
-                   {"shrinks", 22, 1},
-                   {"a new key", kKeys, 200},
-                   {"a key goes", 3, -1}};
-    for (const auto& change : changes) {
-        SCOPED_TRACE(change.about);
-        const std::string key = KeyOf(change.index);
-        const std::string value = ValueOf(change.index, std::max(change.length, 0));
+    // Grows near the start, shrinks, is new, goes (-1).
+    const std::pair<int, int> changes[] = {{1, 120}, {22, 1}, {kKeys, 200}, {3, -1}};
+    for (const auto& [changed, length] : changes) {
+        const std::string key = KeyOf(changed);
+        const std::string before = changed < kKeys ? ValueOf(changed, changed % 23) : "(none)";
+        const std::string after = length < 0 ? "(none)" : ValueOf(changed, length);
         for (int call = 1, ended = 0; !ended && !HasFailure(); ++call) {
-            SCOPED_TRACE(call);
+            SCOPED_TRACE(key + " " + std::to_string(call));
             const ScratchFolder folder;
             Fill(folder / "s", 0, kKeys);
             // Lines that are shadowed by the first of their key must never come to light.
             for (const int shadowed : {0, 5, 150, 299})
                 std::ofstream(folder / "s", std::ios::app) << KeyOf(shadowed) << "=shadow\r\n";
             const std::optional<bool> killed = KilledAtCall(call, [&] {
-                LSettingsFile((folder / "s").c_str())
-                    .SetString(key.c_str(), change.length < 0 ? nullptr : value.c_str());
+                const char* value = after == "(none)" ? nullptr : after.c_str();
+                LSettingsFile((folder / "s").c_str()).SetString(key.c_str(), value);
             });
             if (!killed)
                 GTEST_SKIP() << "tracing a child is not permitted here";
             ended = !*killed;
             auto entries = Parse(folder.Read("s"));
             const std::string now = entries.contains(key) ? entries[key] : "(none)";
-            const std::string before =
-                change.index < kKeys ? ValueOf(change.index, change.index % 23) : "(none)";
-            const std::string after = change.length < 0 ? "(none)" : value;
             EXPECT_TRUE(now == after || (!ended && now == before)) << now;
             entries.erase(key);
-            EXPECT_EQ(entries.size(), static_cast<std::size_t>(kKeys) - (change.index < kKeys));
+            EXPECT_EQ(entries.size(), static_cast<std::size_t>(kKeys) - (changed < kKeys));
             for (const auto& [other, text] : entries) {
                 const int index = std::atoi(other.c_str() + 3);
                 EXPECT_EQ(text, ValueOf(index, index % 23)) << other;
@@ -187,15 +154,6 @@ TEST(DatFileSurvival, IsTheOldOrTheNewFileWhicheverSystemCallIsTheLast) {
     }
 }
 
-// No file of this process can grow past the size.
-void LimitFiles(std::size_t size) {
-    signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    limit.rlim_cur = size;
-    setrlimit(RLIMIT_FSIZE, &limit);
-}
-
 TEST(SettingsSurvival, KeepsTheOldContentWhereThereIsNoRoom) {
     const ScratchFolder folder;
     Fill(folder / "s", 0, 500);
@@ -203,24 +161,30 @@ TEST(SettingsSurvival, KeepsTheOldContentWhereThereIsNoRoom) {
     folder.Write("empty", "");
     const std::string settings = folder.Read("s");
     const std::string data = folder.Read("d");
+    const std::string value(250, 'n');
     EXPECT_EQ(RunForked([&] {
-                  LimitFiles(settings.size());
+                  // No file of this process can grow past the size.
+                  signal(SIGXFSZ, SIG_IGN);
+                  const auto limit = [](std::size_t size) {
+                      const rlimit limits{size, RLIM_INFINITY};
+                      setrlimit(RLIMIT_FSIZE, &limits);
+                  };
+                  limit(settings.size());
                   LSettingsFile file((folder / "s").c_str());
-                  file.SetString("new", std::string(250, 'n').c_str());
-                  file.SetString("key1", std::string(250, 'n').c_str());
-                  LimitFiles(data.size());
-                  LDatFile foreign((folder / "d").c_str());
-                  foreign.SetString("A", "1", std::string(250, 'n').c_str());
-                  foreign.Flush();
-                  LimitFiles(0);
-                  LSettingsFile((folder / "empty").c_str()).SetString("k", "v");
+                  file.SetString("new", value.c_str());
+                  file.SetString("key1", value.c_str());
                   char out[260];
                   file.GetString("key1", "", out);
+                  limit(data.size());
+                  LDatFile foreign((folder / "d").c_str());
+                  foreign.SetString("A", "1", value.c_str());
+                  foreign.Flush();
+                  limit(0);
+                  LSettingsFile((folder / "empty").c_str()).SetString("k", "v");
                   return out == ValueOf(1, 1) ? 0 : 1;
               }),
               0);
-    EXPECT_EQ(folder.Read("s"), settings);
-    EXPECT_EQ(folder.Read("d"), data);
+    EXPECT_TRUE(folder.Read("s") == settings && folder.Read("d") == data);
     EXPECT_EQ(folder.Read("empty"), "");
 }
 

@@ -47,7 +47,7 @@ protected:
     void ExpectInstalled() const {
         for (const auto& entry : fs::recursive_directory_iterator(tree_.Path())) {
             const std::string name = entry.path().string().substr(tree_.Path().size() + 1);
-            if (entry.is_regular_file() && !entry.is_symlink()) {
+            if (!entry.is_directory() && !entry.is_symlink()) {
                 EXPECT_EQ(root_.Read(name), tree_.Read(name)) << name;
             }
         }

@@ -1,12 +1,9 @@
 #include "desktop/uninstall_report.h"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-
-#include <thread>
 
 #include "foundation/settings_keys.h"
+#include "tests/support/loopback_peer.h"
 
 namespace {
 
@@ -49,34 +46,21 @@ TEST(UninstallReport, FollowsTheRowBehindTheReasonThatIsShown) {
 }
 
 TEST(UninstallReport, ReachesTheServerByteForByteAndNeverMindsOneThatIsNotThere) {
-    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), size), 0);
-    ::listen(listener, 4);
-    ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-    const std::string host = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-    kReportHostSetting.Set(host);
     std::string received;
-    std::thread server([&] {
-        const int peer = ::accept(listener, nullptr, nullptr);
-        char block[256];
-        for (ssize_t got; (got = ::recv(peer, block, sizeof block, 0)) > 0;)
-            received.append(block, static_cast<std::size_t>(got));
-        ::close(peer);
-    });
-    LSilentProgress progress;
+    std::string host;
     const std::string body = UninstallReportBody(1, "slow app");
-    ProcessUninstallReport(progress, "");  // sends nothing, or the server would take it
-    ProcessUninstallReport(progress, body);
-    server.join();
+    LSilentProgress progress;
+    {
+        LoopbackPeer server([&](int fd) { received = ReadToTheEnd(fd); });
+        host = "127.0.0.1:" + std::to_string(server.Address().Port());
+        kReportHostSetting.Set(host);
+        ProcessUninstallReport(progress, "");  // sends nothing, or the server would take it
+        ProcessUninstallReport(progress, body);
+    }
     EXPECT_EQ(received, "POST /cgi-bin/report.exe HTTP/1.0\r\nHost: " + host +
                             "\r\nContent-Type: application/x-www-form-urlencoded\r\n"
                             "Content-Length: 71\r\n\r\n" +
                             body);
-    ::close(listener);
     for (const char* gone : {host.c_str(), "no such host", "h:0"}) {
         kReportHostSetting.Set(gone);
         ProcessUninstallReport(progress, body);

@@ -49,11 +49,7 @@ TEST(QueuedNotify, EveryCallRunsOnceInTheLoopInsideTheGdkLock) {
     contender.join();
     EXPECT_EQ(notified.calls, 1);
 
-    notified.also = [&] {
-        if (notified.calls < 6)
-            notified.QueueNotify();  // from a call: four more of the 501
-    };
-    notified.QueueNotify();
+    notified.also = [] {};
     std::atomic<bool> done{false};
     std::thread worker([&] {
         for (int i = 0; i < 500; ++i)
@@ -64,7 +60,7 @@ TEST(QueuedNotify, EveryCallRunsOnceInTheLoopInsideTheGdkLock) {
         RunPendingIdles();
     worker.join();
     RunPendingIdles();
-    EXPECT_EQ(notified.calls, 1 + 501 + 4);
+    EXPECT_EQ(notified.calls, 501);
 
     auto* goes = new Notified;  // deletes itself with another call pending
     goes->also = [&] {
