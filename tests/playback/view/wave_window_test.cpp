@@ -1,0 +1,157 @@
+// The waveform, judged by its pixels.
+#include "playback/wave_window.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/support/memory_sound.h"
+
+namespace {
+
+constexpr int kRate = 1000;
+constexpr int kColumnFrames = 40;  // 25 columns a second
+constexpr int kWidth = 100;
+constexpr int kHeight = 61;
+
+void PumpPending() {
+    while (gtk_events_pending())
+        gtk_main_iteration_do(FALSE);
+}
+
+bool PumpUntil(const std::function<bool()>& done) {
+    constexpr gint64 kLongest = 10'000'000;  // microseconds
+    const gint64 end = g_get_monotonic_time() + kLongest;
+    while (!done()) {
+        if (g_get_monotonic_time() > end)
+            return false;
+        PumpPending();
+        g_usleep(2000);
+    }
+    return true;
+}
+
+class WaveWindow : public testing::Test {
+protected:
+    WaveWindow() {
+        GtkWidget* area = LWaveWindow::CreateControl();
+        gtk_widget_set_size_request(area, kWidth, kHeight);
+        wave_->Attach(area);
+        GtkWidget* fixed = gtk_fixed_new();
+        gtk_fixed_put(GTK_FIXED(fixed), area, 0, 0);
+        gtk_container_add(GTK_CONTAINER(window_), fixed);
+        gtk_widget_show_all(window_);
+        EXPECT_TRUE(PumpUntil([&] { return gtk_widget_get_mapped(area) != FALSE; }));
+        wave_->SetPosition(-1000 * kRate, 0);  // the play line out of the way
+    }
+    ~WaveWindow() override { gtk_widget_destroy(window_); }
+
+    // A second each of silence, of speech and of clipping; half a second of speech.
+    MemorySource* Give() {
+        std::vector<int> samples(3 * kRate + kRate / 2, 200 << 10);
+        std::fill_n(samples.begin(), kRate, 0);
+        std::fill_n(samples.begin() + 2 * kRate, kRate, -kMaxPcm16Peak);
+        auto* source = new MemorySource(samples, kRate);
+        pending_ = source;
+        return source;
+    }
+    void Show() { wave_->SetSource(LSoundSource(pending_)); }
+
+    char Look(int column) const {
+        const GtkStyle* style = gtk_widget_get_style(wave_->Area());
+        const GdkColor& wave = style->bg[GTK_STATE_SELECTED];
+        const GdkColor& base = style->base[GTK_STATE_NORMAL];
+        const auto is = [](const guchar* pixel, const GdkColor& color) {
+            return pixel[0] == color.red >> 8 && pixel[1] == color.green >> 8 &&
+                   pixel[2] == color.blue >> 8;
+        };
+        GdkPixbuf* picture = gdk_pixbuf_get_from_drawable(
+            nullptr, gtk_widget_get_window(wave_->Area()), nullptr, column, 0, 0, 0, 1, kHeight);
+        const guchar* pixels = gdk_pixbuf_get_pixels(picture);
+        const int row = gdk_pixbuf_get_rowstride(picture);
+        const guchar* edge = pixels + 3 * row;
+        const guchar* inside = pixels + 12 * row;
+        const guchar* middle = pixels + kHeight / 2 * row;
+        char seen = '?';
+        if (is(inside, wave) && is(edge, base))
+            seen = 'w';
+        else if (is(edge, base) && is(middle, base))
+            seen = ' ';
+        else if (is(edge, base))
+            seen = '-';
+        else if (edge[0] > edge[1] + 80)
+            seen = '!';
+        else
+            seen = '.';
+        g_object_unref(picture);
+        return seen;
+    }
+    std::string Looks() const {
+        std::string looks;
+        for (int column = 2; column < kWidth; column += 8)
+            looks += Look(column);
+        return looks;
+    }
+    bool ComesToLook(const char* wanted) {
+        return PumpUntil([&] { return Looks() == wanted; });
+    }
+
+    GtkWidget* const window_ = gtk_window_new(GTK_WINDOW_POPUP);
+    std::unique_ptr<LWaveWindow> wave_ = std::make_unique<LWaveWindow>();
+    MemorySource* pending_ = nullptr;
+};
+
+TEST_F(WaveWindow, ShowsSilenceSpeechClippingAndTheEnd) {
+    MemorySource* source = Give();
+    wave_->SetFrame(0, kColumnFrames);
+    Show();
+    EXPECT_TRUE(ComesToLook("---www!!!!w..")) << Looks();
+    const std::size_t reads = source->readSizes.size();
+    wave_->SetFrame(10 * kColumnFrames, kColumnFrames);
+    EXPECT_TRUE(ComesToLook("--www!!!ww...")) << Looks();
+    EXPECT_EQ(source->readSizes.size(), reads) << "what scrolled is not read again";
+    wave_->SetFrame(0, 2 * kColumnFrames);
+    EXPECT_TRUE(ComesToLook("--w!!w.......")) << Looks();
+    wave_->SetSource(LSoundSource());
+    EXPECT_TRUE(ComesToLook(".............")) << Looks();
+}
+
+TEST_F(WaveWindow, ABlankIsLeftForWhatIsNotSpokenYet) {
+    Give()->SetStreaming(kRate + kRate / 2, 0);
+    wave_->SetFrame(0, kColumnFrames);
+    Show();
+    EXPECT_TRUE(ComesToLook("---ww........")) << Looks();
+    wave_.reset();  // while it grows
+    PumpPending();
+}
+
+TEST_F(WaveWindow, ASoundThatHasGrownIsShownWhole) {
+    Give()->SetStreaming(kRate / 2, kRate);
+    wave_->SetFrame(0, kColumnFrames);
+    Show();
+    EXPECT_TRUE(ComesToLook("---www!!!!w..")) << Looks();
+}
+
+TEST_F(WaveWindow, TwoSecondsAroundThePositionAndAClickLeadsThere) {
+    std::vector<std::int64_t> sought;
+    wave_->seek = [&](std::int64_t frame) { sought.push_back(frame); };
+    const auto click = [&](int x) {
+        GdkEvent* event = gdk_event_new(GDK_BUTTON_PRESS);
+        event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(wave_->Area())));
+        event->button.x = x;
+        event->button.button = 1;
+        gtk_widget_event(wave_->Area(), event);
+        gdk_event_free(event);
+    };
+    wave_->ShowAround(500, kRate, true);
+    click(50);
+    wave_->ShowAround(5007, kRate, false);
+    click(0);
+    click(400);
+    EXPECT_EQ(sought, (std::vector<std::int64_t>{1000, 4000, 5980}));
+}
+
+}  // namespace
