@@ -9,8 +9,10 @@ namespace {
 constexpr int kShownMs = 5000;
 constexpr int kSplashWidth = 344;
 constexpr GdkColor kWhite{0, 0xFFFF, 0xFFFF, 0xFFFF};
+constexpr GdkColor kInk{0, 0x2020, 0x2424, 0x2828};  // a dark theme's own letters are white
 
 void AddLine(GtkWidget* box, GtkWidget* line) {
+    gtk_widget_modify_fg(line, GTK_STATE_NORMAL, &kInk);
     gtk_box_pack_start(GTK_BOX(box), line, FALSE, FALSE, 4);
 }
 
