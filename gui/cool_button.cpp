@@ -12,6 +12,7 @@
 namespace {
 
 constexpr const char* kDataKey = "cool-button";
+constexpr const char* kLettersKey = "cool-button-letters";
 constexpr int kImageSize = 32;  // pixels
 
 struct CoolButton {
@@ -98,12 +99,43 @@ gboolean GCKey(GtkWidget* button, GdkEventKey* event, gpointer) {
     return FALSE;
 }
 
-// A label breaks its lines by its requested width, not by the width it gets.
+// Whether the text fits into the place in letters of this share of their size.
+bool Fits(GtkWidget* label, const GtkAllocation& place, double share) {
+    const auto layout = GObjectRef<PangoLayout>::Adopt(
+        gtk_widget_create_pango_layout(label, gtk_label_get_text(GTK_LABEL(label))));
+    PangoAttrList* smaller = pango_attr_list_new();
+    pango_attr_list_insert(smaller, pango_attr_scale_new(share));
+    pango_layout_set_attributes(layout.Get(), smaller);
+    pango_attr_list_unref(smaller);
+    pango_layout_set_width(layout.Get(), place.width * PANGO_SCALE);
+    int width = 0;
+    int height = 0;
+    pango_layout_get_pixel_size(layout.Get(), &width, &height);
+    return width <= place.width && height <= place.height;
+}
+
+void SetLetters(GtkWidget* label, double share) {
+    PangoAttrList* smaller = pango_attr_list_new();
+    pango_attr_list_insert(smaller, pango_attr_scale_new(share));
+    gtk_label_set_attributes(GTK_LABEL(label), smaller);
+    pango_attr_list_unref(smaller);
+}
+
+// A label breaks its lines by its requested width, not by the width it gets. The large fonts of
+// some desktops need smaller letters on a button of fixed size.
 void GCLabelSize(GtkWidget* label, GtkAllocation* place, gpointer) {
     GtkRequisition wanted;
     gtk_widget_get_child_requisition(label, &wanted);
     if (place->width < wanted.width)
         gtk_widget_set_size_request(label, place->width, -1);
+    constexpr int kSmallest = 6;  // tenths
+    int tenths = 10;
+    while (tenths > kSmallest && !Fits(label, *place, tenths / 10.0))
+        --tenths;
+    if (GPOINTER_TO_INT(g_object_get_data(G_OBJECT(label), kLettersKey)) != tenths) {
+        g_object_set_data(G_OBJECT(label), kLettersKey, GINT_TO_POINTER(tenths));
+        SetLetters(label, tenths / 10.0);
+    }
 }
 
 GtkWidget* NewFaceLabel(const std::string& text) {
