@@ -5,6 +5,8 @@
 
 class LAuSettingsDlg final : public LDialog {
 public:
+    LAuSettingsDlg() { SetHelpPage("wave"); }
+
     bool Run(GtkWidget* parent);  // modal; true: OK, the settings are stored
 
     void InitDialog() override;

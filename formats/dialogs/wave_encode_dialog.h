@@ -8,7 +8,9 @@
 // thread, GDK lock held.
 class LWaveEncodeDlg final : public LDialog {
 public:
-    explicit LWaveEncodeDlg(LWaveFileFormat& format) : format_(format) {}  // borrowed
+    explicit LWaveEncodeDlg(LWaveFileFormat& format) : format_(format) {  // borrowed
+        SetHelpPage("wave");
+    }
 
     bool Run(GtkWidget* parent);  // modal; true: OK, the record is filled
 
