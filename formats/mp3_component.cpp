@@ -26,12 +26,16 @@ bool FindIn(const std::string& base, const char* name, char* path) {
 
 }  // namespace
 
-bool GetComponentPath(const char* name, char* path) {
+bool FindComponent(const char* name, char* path) {
     if (FindIn(HomeFolder(), name, path))
         return true;
     const std::string shared = MachinePath("/opt/quillon");
     ::mkdir(shared.c_str(), 0777);
-    if (FindIn(shared, name, path))
+    return FindIn(shared, name, path);
+}
+
+bool GetComponentPath(const char* name, char* path) {
+    if (FindComponent(name, path))
         return true;
     CopyText(path, kTextBufferSize, "/tmp");
     LFile::_FilePathCat(path, "0XXXXXX");
