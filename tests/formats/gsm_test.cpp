@@ -1,61 +1,42 @@
 // The GSM 06.10 codec and its files. Witnesses: toast, sox and ffmpeg, each with a codec of its
 // own.
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
-#include <string>
-#include <vector>
 
+#include "formats/file_io.h"
 #include "formats/gsm_decoder.h"
 #include "formats/gsm_encoder.h"
 #include "formats/gsm_file.h"
+#include "tests/formats/format_files.h"
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
+using Coded = std::vector<unsigned char>;
 
-class GsmTest : public testing::Test {
+class GsmTest : public FormatTest {
 protected:
-    GsmTest() {
-        char pattern[] = "/tmp/lectora-gsm-XXXXXX";
-        folder_ = ::mkdtemp(pattern);
+    void Save(const char* name, const Coded& bytes) const {
+        Store(name, std::string(bytes.begin(), bytes.end()));
     }
-    ~GsmTest() override { std::filesystem::remove_all(folder_); }
-
-    std::string Path(const char* name) const { return folder_ + "/" + name; }
-    std::string Save(const char* name, const void* data, std::size_t size) const {
-        std::ofstream(Path(name), std::ios::binary)
-            .write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
-        return Path(name);
-    }
-    Bytes Load(const char* name) const {
-        std::ifstream in(Path(name), std::ios::binary);
-        return Bytes(std::istreambuf_iterator<char>(in), {});
+    Coded LoadCoded(const char* name) const {
+        const std::string bytes = Load(Path(name));
+        return {bytes.begin(), bytes.end()};
     }
     // Runs a shell command in the folder and gives the 16-bit samples that it left in "out.raw", at
     // pipeline scale.
     std::vector<int> Witness(const std::string& command) const {
-        EXPECT_EQ(std::system(("cd " + folder_ + " && " + command).c_str()), 0) << command;
-        const Bytes bytes = Load("out.raw");
+        EXPECT_EQ(std::system(("cd " + Path("") + " && " + command).c_str()), 0) << command;
+        const std::string bytes = Load(Path("out.raw"));
         std::vector<int> samples;
         for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-            samples.push_back(static_cast<std::int16_t>(bytes[i] | bytes[i + 1] << 8) * 16);
+            samples.push_back(LoadLE16(reinterpret_cast<const std::uint8_t*>(&bytes[i])));
+        for (int& sample : samples)
+            sample = static_cast<std::int16_t>(sample) * 16;
         return samples;
     }
-
-private:
-    std::string folder_;
 };
 
 // A voiced sound: pulses at a gliding pitch through three resonances, with pauses and a little
@@ -96,48 +77,20 @@ double SignalToNoise(const std::vector<int>& signal, const std::vector<int>& oth
     return 10 * std::log10(power / noise);
 }
 
-Bytes EncodeAll(const std::vector<int>& samples, const LGSMKernels& kernels = GsmFastKernels()) {
+Coded EncodeAll(const std::vector<int>& samples, const LGSMKernels& kernels = GsmFastKernels()) {
     LGSMEncoder encoder(kernels);
-    Bytes coded(samples.size() / gsm::kFrameSamples * kGsmNormalBytes);
+    Coded coded(samples.size() / gsm::kFrameSamples * kGsmNormalBytes);
     for (std::size_t i = 0; i < coded.size() / kGsmNormalBytes; i++)
         encoder.EncodeNormal(&samples[i * gsm::kFrameSamples], &coded[i * kGsmNormalBytes]);
     return coded;
 }
 
-std::vector<int> DecodeAll(const Bytes& coded, const LGSMKernels& kernels = GsmFastKernels()) {
+std::vector<int> DecodeAll(const Coded& coded, const LGSMKernels& kernels = GsmFastKernels()) {
     LGSMDecoder decoder(kernels);
     std::vector<int> samples(coded.size() / kGsmNormalBytes * gsm::kFrameSamples);
     for (std::size_t i = 0; i < coded.size() / kGsmNormalBytes; i++)
         decoder.DecodeFrameNormal(&coded[i * kGsmNormalBytes], &samples[i * gsm::kFrameSamples]);
     return samples;
-}
-
-LGSMFrame RandomFrame(std::mt19937& random) {
-    const unsigned ratioBits[] = {6, 6, 5, 5, 4, 4, 3, 3};
-    const auto bits = [&random](unsigned count) {
-        return static_cast<std::int16_t>(random() >> (32 - count));
-    };
-    LGSMFrame frame;
-    for (int i = 0; i < gsm::kOrder; i++)
-        frame.codedRatios[i] = bits(ratioBits[i]);
-    for (LGSMSubFrame& sub : frame.subFrames) {
-        sub.lag = bits(7);
-        sub.gain = bits(2);
-        sub.grid = bits(2);
-        sub.blockAmplitude = bits(6);
-        for (std::int16_t& pulse : sub.pulses)
-            pulse = bits(3);
-    }
-    return frame;
-}
-
-std::vector<int> Fields(const LGSMFrame& frame) {
-    std::vector<int> fields(std::begin(frame.codedRatios), std::end(frame.codedRatios));
-    for (const LGSMSubFrame& sub : frame.subFrames) {
-        fields.insert(fields.end(), {sub.lag, sub.gain, sub.grid, sub.blockAmplitude});
-        fields.insert(fields.end(), std::begin(sub.pulses), std::end(sub.pulses));
-    }
-    return fields;
 }
 
 // Sample values that drive every saturation: noise, full scale, square waves at the worst periods,
@@ -160,66 +113,22 @@ TEST_F(GsmTest, VectorKernelsGiveTheWordsOfThePlainOnes) {
     std::vector<std::vector<int>> signals = HardSignals();
     signals.push_back(Voice(gsm::kFrameSamples * 200));
     for (std::size_t i = 0; i < signals.size(); i++) {
-        const Bytes coded = EncodeAll(signals[i], GsmPlainKernels());
+        const Coded coded = EncodeAll(signals[i], GsmPlainKernels());
         EXPECT_TRUE(coded == EncodeAll(signals[i])) << "signal " << i;
         EXPECT_TRUE(DecodeAll(coded, GsmPlainKernels()) == DecodeAll(coded)) << "signal " << i;
     }
     // Frames that no encoder makes: full-scale residuals through unstable-looking filters.
     std::mt19937 random(5);
-    Bytes noise(kGsmNormalBytes * 2000);
+    Coded noise(kGsmNormalBytes * 2000);
     std::generate(noise.begin(), noise.end(),
                   [&random] { return static_cast<unsigned char>(random()); });
     EXPECT_TRUE(DecodeAll(noise, GsmPlainKernels()) == DecodeAll(noise));
 }
 
-TEST_F(GsmTest, PackingsPlaceEveryBitAndReadBack) {
-    const int widths[] = {7, 2, 2, 6, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3, 3};
-    std::vector<int> allWidths = {6, 6, 5, 5, 4, 4, 3, 3};
-    for (int i = 0; i < 4; i++)
-        allWidths.insert(allWidths.end(), std::begin(widths), std::end(widths));
-    std::mt19937 random(11);
-    for (int round = 0; round < 50; round++) {
-        const LGSMFrame first = RandomFrame(random);
-        const LGSMFrame second = RandomFrame(random);
-        Bytes normal(33, 0xFF);
-        Bytes wave(65, 0xFF);
-        first.EncodeNormal(normal.data());
-        first.EncodeWave1(wave.data());
-        second.EncodeWave2(wave.data());
-
-        Bytes wantedNormal(33, 0);
-        Bytes wantedWave(65, 0);
-        wantedNormal[0] = 0xD0;
-        std::size_t at = 0;
-        for (std::size_t field = 0; field < allWidths.size(); field++) {
-            for (int bit = 0; bit < allWidths[field]; bit++, at++) {
-                if ((Fields(first)[field] >> (allWidths[field] - 1 - bit)) & 1)
-                    wantedNormal[(at + 4) / 8] |=
-                        static_cast<unsigned char>(0x80 >> ((at + 4) % 8));
-                if ((Fields(first)[field] >> bit) & 1)
-                    wantedWave[at / 8] |= static_cast<unsigned char>(1 << (at % 8));
-                if ((Fields(second)[field] >> bit) & 1)
-                    wantedWave[(at + 260) / 8] |= static_cast<unsigned char>(1 << ((at + 260) % 8));
-            }
-        }
-        EXPECT_EQ(at, 260u);
-        EXPECT_EQ(normal, wantedNormal);
-        EXPECT_EQ(wave, wantedWave);
-
-        LGSMFrame back;
-        back.DecodeNormal(normal.data());
-        EXPECT_EQ(Fields(back), Fields(first));
-        back.DecodeWave1(wave.data());
-        EXPECT_EQ(Fields(back), Fields(first));
-        back.DecodeWave2(wave.data());
-        EXPECT_EQ(Fields(back), Fields(second));
-    }
-}
-
 TEST_F(GsmTest, OtherDecodersHearWhatOursHears) {
     const std::vector<int> voice = Voice(kGsmRate * 4);
-    const Bytes coded = EncodeAll(voice);
-    Save("voice.gsm", coded.data(), coded.size());
+    const Coded coded = EncodeAll(voice);
+    Save("voice.gsm", coded);
     const std::vector<int> ours = DecodeAll(coded);
     for (const char* command :
          {"toast -d -l -c voice.gsm > out.raw", "sox voice.gsm -b 16 -e signed -L out.raw",
@@ -230,40 +139,33 @@ TEST_F(GsmTest, OtherDecodersHearWhatOursHears) {
     }
     // The wave packing, in a file of format tag 49.
     LGSMEncoder encoder;
-    const unsigned char format[] = {20,   0, 0, 0, 49, 0, 1, 0, 0x40, 0x1F, 0,    0,
-                                    0x59, 6, 0, 0, 65, 0, 0, 0, 2,    0,    0x40, 1};
-    const std::string start =
-        "RIFF....WAVEfmt " + std::string(std::begin(format), std::end(format)) + "data....";
-    Bytes wave(start.begin(), start.end());
-    const std::size_t header = wave.size();
-    wave.resize(header + voice.size() / 320 * kGsmWaveBytes);
+    Coded wave(voice.size() / 320 * kGsmWaveBytes);
     for (std::size_t i = 0; i < voice.size() / 320; i++)
-        encoder.EncodeWave(&voice[i * 320], &wave[header + i * kGsmWaveBytes]);
-    const std::size_t data = wave.size() - header;
-    for (unsigned i = 0; i < 4; i++) {
-        wave[4 + i] = static_cast<unsigned char>((wave.size() - 8) >> (8 * i));
-        wave[header - 4 + i] = static_cast<unsigned char>(data >> (8 * i));
-    }
-    Save("voice.wav", wave.data(), wave.size());
+        encoder.EncodeWave(&voice[i * 320], &wave[i * kGsmWaveBytes]);
+    const auto size = static_cast<std::uint32_t>(wave.size());
+    Bytes file;
+    file.Text("RIFF").LE32(size + 40).Text("WAVEfmt ").LE32(20).LE16(49).LE16(1).LE32(8000);
+    file.LE32(1625).LE16(65).LE16(0).LE16(2).LE16(320).Text("data").LE32(size);
+    Store("voice.wav", file.Str() + std::string(wave.begin(), wave.end()));
     EXPECT_GT(SignalToNoise(ours, Witness("ffmpeg -v error -y -i voice.wav -f s16le out.raw")), 40);
     LGSMDecoder decoder;
     std::vector<int> back(voice.size());
     for (std::size_t i = 0; i < voice.size() / 320; i++)
-        decoder.DecodeFrameWave(&wave[header + i * kGsmWaveBytes], &back[i * 320]);
+        decoder.DecodeFrameWave(&wave[i * kGsmWaveBytes], &back[i * 320]);
     EXPECT_EQ(back, ours);
 }
 
 TEST_F(GsmTest, CodesAsWellAsAnotherEncoder) {
     const std::vector<int> voice = Voice(kGsmRate * 4);
-    std::vector<std::int16_t> words(voice.size());
-    std::transform(voice.begin(), voice.end(), words.begin(),
-                   [](int sample) { return static_cast<std::int16_t>(sample / 16); });
-    Save("in.raw", words.data(), words.size() * 2);
+    Bytes words;
+    for (const int sample : voice)
+        words.LE16(static_cast<std::uint32_t>(sample / 16));
+    Store("in.raw", words.Str());
     const std::vector<int> theirs =
         Witness("toast -l -c in.raw > voice.gsm && toast -d -l -c voice.gsm > out.raw");
     const double ourRatio = SignalToNoise(voice, DecodeAll(EncodeAll(voice)));
     EXPECT_GT(ourRatio, SignalToNoise(voice, theirs) - 0.5);
-    EXPECT_GT(SignalToNoise(theirs, DecodeAll(Load("voice.gsm"))), 40);
+    EXPECT_GT(SignalToNoise(theirs, DecodeAll(LoadCoded("voice.gsm"))), 40);
     // Once settled, silence is but the ripple of the smallest pulses.
     const std::vector<int> silence = DecodeAll(EncodeAll(std::vector<int>(kGsmRate)));
     EXPECT_THAT(std::vector<int>(silence.end() - 800, silence.end()),
@@ -277,9 +179,9 @@ TEST_F(GsmTest, FilesHoldWholeFramesHoweverTheyAreWritten) {
         std::size_t bytes;
     } kSizes[] = {{0, 0}, {1, 33}, {160, 33}, {161, 66}, {16384, 103 * 33}};
     for (const auto& size : kSizes) {
-        Bytes wanted;
+        Coded wanted;
         for (const int block : {8192, 1, 2, 3, 161, 1000}) {
-            Save("out.gsm", "a much longer text than some of the outputs that replace it", 58);
+            Store("out.gsm", "a much longer text than some of the outputs that replace it");
             LSoundSink sink = LGSMFile::OpenSink(Path("out.gsm").c_str());
             for (int at = 0; at < size.frames; at += block)
                 sink->Write(&voice[static_cast<std::size_t>(at)],
@@ -287,7 +189,7 @@ TEST_F(GsmTest, FilesHoldWholeFramesHoweverTheyAreWritten) {
             EXPECT_EQ(sink->FramesWritten(), size.frames);
             EXPECT_EQ(sink->WriteError(), 0);
             sink.Close();
-            const Bytes coded = Load("out.gsm");
+            const Coded coded = LoadCoded("out.gsm");
             ASSERT_EQ(coded.size(), size.bytes) << size.frames << " in blocks of " << block;
             for (std::size_t i = 0; i < coded.size(); i += kGsmNormalBytes)
                 ASSERT_EQ(coded[i] >> 4, 0xD);
@@ -299,10 +201,10 @@ TEST_F(GsmTest, FilesHoldWholeFramesHoweverTheyAreWritten) {
 }
 
 TEST_F(GsmTest, ReadsTheSameInAnyBlocksAndFallsSilentAtTheEnd) {
-    Bytes coded = EncodeAll(Voice(160 * 60));
+    Coded coded = EncodeAll(Voice(160 * 60));
     const std::vector<int> wanted = DecodeAll(coded);
     coded.resize(coded.size() + 17, 0xD5);  // a partial frame does not count
-    Save("in.gsm", coded.data(), coded.size());
+    Save("in.gsm", coded);
     for (const int block : {1, 2, 3, 159, 161, 8192}) {
         LSoundSource source = LGSMFile::OpenSource(Path("in.gsm").c_str());
         ASSERT_EQ(source->GetEndSample(), 160 * 60);
@@ -326,15 +228,15 @@ TEST_F(GsmTest, ReadsTheSameInAnyBlocksAndFallsSilentAtTheEnd) {
 }
 
 TEST_F(GsmTest, SeekDecodesFromAColdStartAtTheFrame) {
-    const Bytes coded = EncodeAll(Voice(160 * 10));
-    Save("in.gsm", coded.data(), coded.size());
+    const Coded coded = EncodeAll(Voice(160 * 10));
+    Save("in.gsm", coded);
     LSoundSource source = LGSMFile::OpenSource(Path("in.gsm").c_str());
     const std::vector<int> whole = DecodeAll(coded);
     for (const int frame : {0, -5, 1, 159, 160, 161, 1500, 1599, 1600, 1601, 999999}) {
         source->Seek(frame);
         EXPECT_EQ(source->GetPositionSample(), frame);
         const auto first = static_cast<std::size_t>(std::clamp(frame, 0, 1600) / 160);
-        std::vector<int> wanted = DecodeAll(Bytes(
+        std::vector<int> wanted = DecodeAll(Coded(
             coded.begin() + static_cast<std::ptrdiff_t>(first * kGsmNormalBytes), coded.end()));
         if (frame > 0 && frame < 1600)
             wanted.erase(wanted.begin(), wanted.begin() + frame % 160);

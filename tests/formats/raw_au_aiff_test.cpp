@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <climits>
-#include <cstring>
 
 #include "formats/aiff_file.h"
 #include "formats/au_file.h"
@@ -44,40 +43,6 @@ std::string Rate(std::initializer_list<int> bytes) {
     for (const int byte : bytes)
         text[i++] = static_cast<char>(byte);
     return text;
-}
-
-TEST_F(RowFiles, RawFilesHoldNothingButSamples) {
-    struct Case {
-        int codec, peak;
-        std::string bytes;
-    };
-    const int samples[] = {0, 160000, -160000, 16};
-    const Case cases[] = {
-        {kRawMuLaw, 516096, "\xFF\x9C\x1C\xFF"},
-        {kRawALaw, 516096, "\xD5\xB6\x36\xD5"},
-        {kRawPcm16, 524272, Bytes().LE16(0).LE16(10000).LE16(0xD8F0).LE16(1).Str()},
-        {kRawUnsigned8, 524272, "\x80\xA7\x59\x80"},
-        {kRawSigned8, 524272, std::string("\x00\x27\xD9\x00", 4)},
-        {kRawPcm16BigEndian, 524272, Bytes().BE16(0).BE16(10000).BE16(0xD8F0).BE16(1).Str()},
-        {kRawFloat, 1048744,
-         Bytes().LE32(0).LE32(0x3E9C4000).LE32(0xBE9C4000).LE32(0x38000000).Str()},
-        {kRawFloatBigEndian, 1048744,
-         Bytes().BE32(0).BE32(0x3E9C4139).BE32(0xBE9C4139).BE32(0x38000100).Str()},
-    };
-    for (const Case& c : cases) {
-        const std::string path = Store("old", "what was here before goes");
-        WriteAll(LRawFile::OpenSink(path.c_str(), {8000, 2, c.codec}), {samples, samples + 4});
-        EXPECT_EQ(Load(path), c.bytes) << c.codec;
-        const LSoundSource source = LRawFile::OpenSource(path.c_str(), {8000, 2, c.codec});
-        EXPECT_EQ(source->PeakMagnitude(), c.peak) << c.codec;
-        EXPECT_EQ(source->GetEndSample(), 2) << c.codec;
-        EXPECT_EQ(source->SampleRate(), 8000);
-        const std::vector<int> all = ReadAll(source);
-        for (const int step : {1, 2, 3})
-            EXPECT_EQ(ReadAll(LRawFile::OpenSource(path.c_str(), {8000, 2, c.codec}), step), all);
-        for (std::size_t i = 0; i < 4; ++i)
-            EXPECT_NEAR(all[i], samples[i], 8192) << c.codec;
-    }
 }
 
 TEST_F(RowFiles, RawSettingsOfAnyKindAreSurvived) {
@@ -175,26 +140,6 @@ TEST_F(RowFiles, AuHeaders) {
     const std::string noted = AuHeader(32, 12, 2, 8000, 1) + "annotate\x01\x02\x03\x04";
     EXPECT_EQ(ReadAll(LAuFile::OpenSource(Store("n.au", noted).c_str()))[0], 'a' * 4096);
     EXPECT_EQ(LAuFile::OpenSource(Path("missing").c_str())->Status(), kCannotOpen);
-}
-
-TEST_F(RowFiles, AuSinksWriteTheHeaderOfTheirCodec) {
-    const std::string path = Path("a.au");
-    const struct {
-        int codec;
-        std::uint32_t encoding, frameBytes, rate, channels;
-    } cases[] = {{kAuPcm16, 3, 6, 22050, 3}, {kAuPcm8, 2, 3, 22050, 3}, {kAuALaw, 27, 3, 22050, 3},
-                 {kAuMuLaw, 1, 3, 22050, 3}, {4, 3, 4, 44100, 2},       {-1, 3, 4, 44100, 2}};
-    for (const auto& c : cases) {
-        LAuSettings settings{c.codec, 22050, 3};
-        {
-            LSoundSink sink = OpenAuSink(path.c_str(), settings);
-            EXPECT_EQ(Load(path), AuHeader(24, 0xFFFFFFFF, c.encoding, c.rate, c.channels));
-            WriteAll(sink, TestSignal(c.channels * 5));
-        }
-        EXPECT_EQ(Load(path).substr(0, 24),
-                  AuHeader(24, 5 * c.frameBytes, c.encoding, c.rate, c.channels));
-        EXPECT_EQ(Load(path).size(), 24 + 5 * c.frameBytes);
-    }
 }
 
 TEST_F(RowFiles, AiffOneChangedFieldACase) {
@@ -302,25 +247,6 @@ TEST_F(RowFiles, SizesBeyondTheFieldsAreLeftUnknown) {
         EXPECT_EQ(Load(path).substr(static_cast<std::size_t>(c.offset), 4),
                   Bytes().BE32(c.size).Str())
             << c.frames;
-    }
-}
-
-TEST(AiffRate, ConvertsBothWays) {
-    for (const std::uint32_t rate : {2U, 3U, 8000U, 32000U, 44100U, 48000U, 65535U, 65536U, 196000U,
-                                     0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
-        std::uint8_t bytes[10];
-        convert32to80(rate, bytes);
-        EXPECT_EQ(convert80to32(bytes), rate);
-    }
-    std::uint8_t bytes[10];
-    convert32to80(44100, bytes);
-    EXPECT_EQ(std::memcmp(bytes, "\x40\x0E\xAC\x44\0\0\0\0\0\0", 10), 0);
-    const std::uint8_t half[10] = {0x40, 0x0D, 0xFA, 0x01};  // 32000.5 rounds up
-    EXPECT_EQ(convert80to32(half), 32001U);
-    for (int exponent = 0; exponent < 256; ++exponent) {
-        const std::uint8_t any[10] = {0,   static_cast<std::uint8_t>(exponent), 0xFF, 0xFF, 0xFF,
-                                      0xFF};
-        EXPECT_EQ(convert80to32(any) == 0, exponent > 30) << exponent;
     }
 }
 
