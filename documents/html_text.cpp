@@ -30,6 +30,8 @@ constexpr std::array<std::string_view, 39> kParagraphs = {
     "footer",  "form",    "h1",      "h2",         "h3",    "h4",       "h5",         "h6",
     "header",  "hgroup",  "hr",      "legend",     "li",    "main",     "nav",        "ol",
     "p",       "pre",     "section", "summary",    "table", "tr",       "ul"};
+// Links from a text to its notes and back.
+constexpr std::array<std::string_view, 2> kNoteLinks = {"doc-backlink", "doc-noteref"};
 static_assert(std::is_sorted(kUnread.begin(), kUnread.end()));
 static_assert(std::is_sorted(kParagraphs.begin(), kParagraphs.end()));
 
@@ -39,12 +41,15 @@ public:
 
     bool EvElement(std::string_view name, const MarkupAttributes& attributes) override {
         if (IsOneOf(name, kUnread) || name == "template" || name == "video" || name == "textarea" ||
-            attributes.Has("hidden") || attributes.Value("aria-hidden") == "true")
+            attributes.Has("hidden") || attributes.Value("aria-hidden") == "true" ||
+            IsOneOf(attributes.Value("role"), kNoteLinks))
             return false;
         if (name == "br")
             flow_.EndLine();
         else if (name == "pre")
             ++preformatted_;
+        else if (name == "sup")
+            ++raised_;
         else if (name == "img")
             flow_.Add(attributes.Value("alt"));
         if (IsOneOf(name, kParagraphs))
@@ -56,12 +61,16 @@ public:
             flow_.EndCell();
         else if (name == "pre" && preformatted_ > 0)
             --preformatted_;
+        else if (name == "sup" && raised_ > 0)
+            --raised_;
         if (IsOneOf(name, kParagraphs))
             flow_.EndParagraph();
     }
     void EvText(std::string_view text) override {
         if (preformatted_ > 0)
             flow_.AddLines(text);
+        else if (raised_ > 0)
+            flow_.AddRaised(text);
         else
             flow_.Add(text);
     }
@@ -69,6 +78,7 @@ public:
 private:
     TextFlow& flow_;
     int preformatted_ = 0;
+    int raised_ = 0;
 };
 
 // The value behind "charset=" or "encoding=", quoted or not; empty when there is none.

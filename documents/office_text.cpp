@@ -70,7 +70,9 @@ public:
         else if (name == "tc")
             ++cells_;
         else if (name == "r")
-            isHidden_ = false;
+            isHidden_ = isRaised_ = false;
+        else if (name == "vertAlign")
+            isRaised_ = attributes.Value("val") == "superscript";
         else if (name == "vanish")
             isHidden_ = attributes.Value("val") != "0" && attributes.Value("val") != "false";
         else if (name == "br" || name == "cr")
@@ -85,9 +87,9 @@ public:
         if (name == "t") {
             --texts_;
         } else if (name == "r") {
-            isHidden_ = false;
+            isHidden_ = isRaised_ = false;
         } else if (name == "p") {
-            isHidden_ = false;
+            isHidden_ = isRaised_ = false;
             if (cells_ == 0)
                 flow_.EndParagraph();
             else
@@ -99,7 +101,11 @@ public:
         }
     }
     void EvText(std::string_view text) override {
-        if (texts_ > 0 && !isHidden_)
+        if (texts_ == 0 || isHidden_)
+            return;
+        if (isRaised_)
+            flow_.AddRaised(text);
+        else
             flow_.Add(text);
     }
 
@@ -108,6 +114,7 @@ private:
     int texts_ = 0;
     int cells_ = 0;
     bool isHidden_ = false;
+    bool isRaised_ = false;
 };
 
 constexpr std::size_t kBlock = 65536;

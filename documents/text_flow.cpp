@@ -7,6 +7,7 @@
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\f";
+constexpr std::string_view kMinus = "\xe2\x88\x92";
 constexpr std::string_view kSoftHyphen = "\xc2\xad";
 
 }  // namespace
@@ -30,6 +31,21 @@ void TextFlow::AddLines(std::string_view text) {
         text.remove_prefix(end + 1);
     }
     Add(text);
+}
+
+void TextFlow::AddRaised(std::string_view text) {
+    constexpr std::string_view kRaised[] = {"⁰", "¹", "²", "³", "⁴", "⁵", "⁶", "⁷", "⁸", "⁹"};
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char character = text[at];
+        if (character >= '0' && character <= '9')
+            Add(kRaised[character - '0']);
+        else if (character == '-' || text.substr(at).starts_with(kMinus))
+            Add("⁻");
+        else
+            Add(text.substr(at, 1));
+        if (text.substr(at).starts_with(kMinus))
+            at += kMinus.size() - 1;
+    }
 }
 
 void TextFlow::EndLine() {

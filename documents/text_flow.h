@@ -11,6 +11,8 @@ public:
     void Add(std::string_view text);
     // The same, but line ends in it count.
     void AddLines(std::string_view text);
+    // Digits above the line become such of their own, so that a power is told from a number.
+    void AddRaised(std::string_view text);
     void EndLine();
     void EndParagraph();
     // In a row of a table: a comma parts it from the next one.

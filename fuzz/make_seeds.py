@@ -1,8 +1,10 @@
 #!/usr/bin/python3
 """Writes the seed corpora: tiny files that between them take every branch of a header. Run after a format changes."""
 import os
+import io
 import struct
 import sys
+import zipfile
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 TONE = bytes(range(0, 240, 3))
@@ -179,7 +181,57 @@ def settings():
     )
 
 
+def archive(**files):
+    out = io.BytesIO()
+    with zipfile.ZipFile(out, "w", zipfile.ZIP_DEFLATED) as writer:
+        for name, text in files.items():
+            # Always the same time, so that the seeds stay the same.
+            writer.writestr(zipfile.ZipInfo(name), text)
+    return out.getvalue()
+
+
+def documents():
+    page = "<!DOCTYPE html><html><head><meta charset=latin1><style>p{}</style></head><body hidden=no>"
+    page += "<h1>A</h1><p>b<br>c &amp;&eacute;<script>x<y</script><!-- d --><pre>e\n f</pre>"
+    page += "<table><tr><td>g<td>h</table><ul><li>i<img alt='j'></ul>"
+    odt = "<?xml version='1.0'?><office:document xmlns:office='o' xmlns:text='t'><office:body>"
+    odt += "<text:h>A</text:h><text:p>b<text:s/>c<text:note><text:p>d</text:p></text:note></text:p>"
+    odt += "<table-cell><text:p>e</text:p></table-cell></office:body></office:document>"
+    docx = "<w:document xmlns:w='w'><w:p><w:r><w:t>a &lt;</w:t><w:tab/><w:t>b</w:t></w:r></w:p>"
+    docx += "<w:tbl><w:tr><w:tc><w:p><w:r><w:t>c</w:t></w:r></w:p></w:tc></w:tr></w:tbl></w:document>"
+    entities = "<!DOCTYPE a [<!ENTITY b 'c'><!ENTITY d '&b;&b;'>]>"
+    container = "<container><rootfile full-path='O/b.opf'/></container>"
+    package = "<package><item id='a' href='../a%20.html' media-type='text/html'/>"
+    package += "<itemref idref='a'/><itemref idref='a'/></package>"
+    save("document", "page", page.encode("latin1"))
+    save("document", "page_utf16", page.encode("utf-16"))
+    save("document", "flat_odt", odt.encode())
+    save("document", "odt", archive(**{"mimetype": "m", "content.xml": odt}))
+    save("document", "docx", archive(**{"word/document.xml": docx}))
+    save("document", "entities", archive(**{"word/document.xml": entities + docx}))
+    save(
+        "document",
+        "epub",
+        archive(
+            **{
+                "META-INF/container.xml": container,
+                "META-INF/encryption.xml": "<e><CipherReference URI='O/font'/></e>",
+                "O/b.opf": package,
+                "a .html": page,
+            }
+        ),
+    )
+    save("document", "pages", b"Title 1\nA divi-\nded well-known\n1\n\x0cTitle 2\nwell-\nknown\n\x0c")
+    save("document", "mixed", "“é” ".encode() + b"\xe9\xe2\x80\0\x93\xf0\x9f\x98")
+
+
+def text_units():
+    save("text_units", "plain", b"Hello, Dr. Smith. -- \"Yes!\" ... (no)\n\n* * *\nU.S.S.R., etc.  A")
+    save("text_units", "signs", "€5bn, 3 − 2 = 10⁻⁶ ½ 20°C 5 Ω “π” Привет 😀 é e\u0301 ﬁ".encode())
+    save("text_units", "runs", b"a" * 600 + b" " + b"-" * 300 + b" , b" * 300 + b"\n\x07\r\x0c\xe2\x80")
+
+
 if __name__ == "__main__":
-    for make in (wav, au, aiff, headerless, dictation, settings):
+    for make in (wav, au, aiff, headerless, dictation, settings, documents, text_units):
         make()
     sys.exit(0)

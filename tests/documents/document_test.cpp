@@ -5,12 +5,11 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "documents/pdf_text.h"
 #include "tests/documents/document_files.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -53,9 +52,9 @@ TEST(Documents, TextIsReadAndMarkupIsNot) {
          "<script>var a='<p>no';</script><h1>Head</h1>some<i> text</i>\n &amp; <b>m</b>ore<br>line"
          "<p>one<p>two <img src='x' alt='a cat'><!-- no --><p hidden>no</p><ul><li>i<li>j</ul>"
          "<pre>a\n b</pre><table><tr><th>n<th>m:<tr><td>1<td>2</table><select><option>no</select>"
-         "exam\u00AD\n ple",
+         "exam\u00AD\n ple x<sup>2</sup> 10<sup>\u22126th</sup><a role=doc-noteref>1</a>",
          "Head\n\nsome text & more\nline\n\none\n\ntwo a cat\n\ni\n\nj\n\na\nb\n\nn, m:\n\n1, 2\n\n"
-         "example"},
+         "example x² 10⁻⁶th"},
         {"page in the charset that it names", "<html><meta charset='iso-8859-2'><body>Dvo\xf8\xe1k",
          "Dvořák"},
         {"page in UTF-16", "\xff\xfe<\0p\0>\0\xe9\0"s, "é"},
@@ -65,11 +64,13 @@ TEST(Documents, TextIsReadAndMarkupIsNot) {
          DocxOf("<w:p><w:pPr><w:tabs><w:tab/></w:tabs></w:pPr><w:r><w:t>Head</w:t></w:r></w:p>"
                 "<w:p><w:r><w:t>one </w:t></w:r><w:r><w:t>two</w:t><w:br/><w:t>x</w:t></w:r>"
                 "<w:del><w:r><w:delText>no</w:delText></w:r></w:del><w:r><w:rPr><w:vanish/></w:rPr>"
-                "<w:t>no</w:t></w:r><w:r><w:instrText>no</w:instrText></w:r>"
+                "<w:t>no</w:t></w:r><w:r><w:rPr><w:vertAlign "
+                "w:val='superscript'/></w:rPr><w:t>-2</w:t></w:r><w:r><w:instrText>no</"
+                "w:instrText></w:r>"
                 "<mc:Fallback><w:t>no</w:t></mc:Fallback></w:p><w:tbl><w:tr><w:tc><w:p><w:r><w:t>a"
                 "</w:t></w:r></w:p></w:tc><w:tc><w:p><w:r><w:t>b</w:t></w:r></w:p></w:tc></w:tr>"
                 "</w:tbl>"),
-         "Head\n\none two\nx\n\na, b"},
+         "Head\n\none two\nx⁻²\n\na, b"},
         {"ODT",
          ZipOf({{"mimetype", "application/vnd.oasis.opendocument.text"},
                 {"content.xml",
@@ -172,16 +173,12 @@ TEST(Documents, HostileMarkupEndsInTime) {
 
 TEST(Documents, PdfReaderThatHangsEndsWhenAsked) {
     const std::string path = std::getenv("PATH");
-    std::string folder = "/tmp/lectora-test-XXXXXX";
-    ASSERT_NE(::mkdtemp(folder.data()), nullptr);
-    const std::string program = folder + "/pdftotext";
-    std::ofstream(program) << "#!/bin/sh\necho part\nsleep 1000 & wait\n";
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-    ::setenv("PATH", (folder + ":" + path).c_str(), 1);
+    const ScratchFolder folder;
+    folder.WriteProgram("pdftotext", "echo part\nsleep 1000 & wait\n");
+    ::setenv("PATH", (folder.Path() + ":" + path).c_str(), 1);
     int asked = 0;
     const Document stopped = ReadDocument("%PDF-", [&asked] { return ++asked > 3; });
-    std::filesystem::remove_all(folder);
-    ::setenv("PATH", folder.c_str(), 1);
+    ::setenv("PATH", "/none", 1);
     const Document missing = ReadDocument("%PDF-");
     ::setenv("PATH", path.c_str(), 1);
     EXPECT_THAT(stopped.problem, HasSubstr("stopped"));
