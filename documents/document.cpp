@@ -11,7 +11,6 @@
 #include "documents/html_text.h"
 #include "documents/office_text.h"
 #include "documents/pdf_text.h"
-#include "documents/problems.h"
 #include "documents/text_charset.h"
 #include "documents/zip_document.h"
 #include "foundation/file_io.h"
@@ -36,9 +35,8 @@ Document CannotOpen(const char* path, int error) {
 
 Document ReadPage(std::string_view bytes, const ReadingWatch& watch) {
     TextFlow flow;
-    if (!ReadHtml(bytes, watch, flow))
-        return Problem(watch.IsToEnd() ? watch.Problem() : kTooLongDocument);
-    return {flow.Take(), {}};
+    std::string problem = ReadHtml(bytes, watch, flow);
+    return problem.empty() ? Document{flow.Take(), {}} : Problem(problem);
 }
 
 }  // namespace

@@ -7,12 +7,14 @@
 #include <memory>
 
 #include "documents/markup_reader.h"
+#include "documents/problems.h"
 #include "documents/text_charset.h"
 #include "foundation/owned_text.h"
 
 namespace {
 
-constexpr std::size_t kBlock = 65536;
+constexpr std::size_t kBlock = 16384;
+constexpr std::size_t kLargestPage = 64U << 20;
 constexpr std::size_t kCharsetWithin = 2048;
 
 template <std::size_t N>
@@ -113,16 +115,21 @@ std::string DecodePage(std::string_view bytes) {
 
 }  // namespace
 
-bool ReadHtml(std::string_view bytes, const ReadingWatch& watch, TextFlow& flow) {
+std::string ReadHtml(std::string_view bytes, const ReadingWatch& watch, TextFlow& flow) {
+    if (bytes.size() > kLargestPage)
+        return kTooLongDocument;
     const std::string page = DecodePage(bytes);
     PageListener listener(flow);
     MarkupReader reader(MarkupReader::Kind::kHtml, listener);
     for (std::size_t at = 0; at < page.size(); at += kBlock) {
-        reader.Feed(std::string_view(page).substr(at, kBlock));
-        if (watch.IsToEnd() || flow.IsTooLong())
-            return false;
+        if (!reader.Feed(std::string_view(page).substr(at, kBlock)))
+            return kDamagedDocument;
+        if (watch.IsToEnd())
+            return watch.Problem();
+        if (flow.IsTooLong())
+            return kTooLongDocument;
     }
     reader.Finish();
     flow.EndParagraph();
-    return !flow.IsTooLong();
+    return flow.IsTooLong() ? kTooLongDocument : "";
 }

@@ -8,6 +8,6 @@
 #include "documents/reading_watch.h"
 #include "documents/text_flow.h"
 
-// In the charset that the page names, else as DecodeText() finds out. False when watch ended it or
-// the flow is too long.
-bool ReadHtml(std::string_view bytes, const ReadingWatch& watch, TextFlow& flow);
+// In the charset that the page names, else as DecodeText() finds out. Empty, or why it cannot be
+// read.
+std::string ReadHtml(std::string_view bytes, const ReadingWatch& watch, TextFlow& flow);

@@ -21,6 +21,11 @@ std::string_view MarkupAttributes::Value(std::string_view name) const {
 
 namespace {
 
+// The parser's time for a tag grows with the square of its attributes, and that for an end tag with
+// the depth it stands at.
+constexpr int kMaxAttributes = 30000;
+constexpr int kMaxDepth = 50000;
+
 std::string_view View(const xmlChar* text) {
     return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
 }
@@ -31,10 +36,12 @@ public:
     explicit Events(MarkupListener& listener) : listener_(listener) {}
 
     void Start(std::string_view name, const MarkupAttributes& attributes) {
+        ++depth_;
         if (skipped_ > 0 || !listener_.EvElement(name, attributes))
             ++skipped_;
     }
     void End(std::string_view name) {
+        --depth_;
         if (skipped_ > 0)
             --skipped_;
         else
@@ -46,9 +53,38 @@ public:
                 {reinterpret_cast<const char*>(text), static_cast<std::size_t>(length)});
     }
 
+    int Depth() const { return depth_; }
+
 private:
     MarkupListener& listener_;
-    long long skipped_ = 0;  // how many elements deep in one that is left out
+    int depth_ = 0;
+    int skipped_ = 0;  // how many elements deep in one that is left out
+};
+
+// Sees tags with more attributes than anybody writes before the parser does.
+class TagWatch {
+public:
+    bool IsFine(std::string_view bytes) {
+        for (const char byte : bytes) {
+            if (byte == '<' || byte == '>') {
+                attributes_ = 0;
+                isOpened_ = byte == '<';
+                isInTag_ = false;
+            } else if (isOpened_) {
+                isOpened_ = false;
+                isInTag_ = byte != '!' && byte != '?';
+            } else if (isInTag_ && (byte == '=' || byte == ' ' || byte == '\n') &&
+                       ++attributes_ > kMaxAttributes) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    bool isOpened_ = false;
+    bool isInTag_ = false;
+    int attributes_ = 0;
 };
 
 void StartXml(void* events, const xmlChar* name, const xmlChar*, const xmlChar*, int,
@@ -103,6 +139,7 @@ struct MarkupReader::Parser {
     Parser& operator=(const Parser&) = delete;
 
     Events events;
+    TagWatch tags;
     xmlSAXHandler calls{};
     xmlParserCtxtPtr context = nullptr;
     bool isHtml = false;
@@ -142,14 +179,13 @@ MarkupReader::MarkupReader(Kind kind, MarkupListener& listener)
 MarkupReader::~MarkupReader() = default;
 
 bool MarkupReader::Feed(std::string_view bytes) {
-    if (parser_->context == nullptr)
+    if (parser_->context == nullptr || !parser_->tags.IsFine(bytes))
         return false;
     const int length = static_cast<int>(bytes.size());
-    if (parser_->isHtml) {
-        htmlParseChunk(parser_->context, bytes.data(), length, 0);
-        return true;
-    }
-    return xmlParseChunk(parser_->context, bytes.data(), length, 0) == 0;
+    if (!parser_->isHtml)
+        return xmlParseChunk(parser_->context, bytes.data(), length, 0) == 0;
+    htmlParseChunk(parser_->context, bytes.data(), length, 0);
+    return parser_->events.Depth() < kMaxDepth;
 }
 
 bool MarkupReader::Finish() {

@@ -38,7 +38,8 @@ public:
     MarkupReader(const MarkupReader&) = delete;
     MarkupReader& operator=(const MarkupReader&) = delete;
 
-    // The next bytes; false when they cannot be what they should (HTML always can).
+    // The next bytes; false when they cannot be what they should. HTML always can, unless it is
+    // nested or filled with attributes only to take time.
     bool Feed(std::string_view bytes);
     // After the last; false when something is missing.
     bool Finish();

@@ -28,5 +28,5 @@ private:
 
     const StopTest& isToStop_;
     std::chrono::steady_clock::time_point end_ =
-        std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        std::chrono::steady_clock::now() + std::chrono::seconds(30);
 };

@@ -66,6 +66,8 @@ std::string ReadXmlEntry(std::string_view bytes, std::string_view name, MarkupLi
             if (!reader.Feed(block))
                 return kDamagedDocument;
         }
+        if (entries.IsTooLarge())
+            return kTooLongDocument;
         return entries.IsBroken() || !reader.Finish() ? kDamagedDocument : "";
     }
     return kDamagedDocument;
@@ -103,14 +105,16 @@ Document ReadBook(std::string_view bytes, const Index& index, const ReadingWatch
         std::string page;
         TextFlow flow;
         if (!entries.ReadAll(kMaxChapter, page))
-            return {{}, kDamagedDocument};
-        if (!ReadHtml(page, watch, flow))
-            return {{}, watch.IsToEnd() ? watch.Problem() : kTooLongDocument};
+            return {{}, entries.IsBroken() ? kDamagedDocument : kTooLongDocument};
+        if (std::string problem = ReadHtml(page, watch, flow); !problem.empty())
+            return {{}, std::move(problem)};
         chapter->second = flow.Take();
         length += chapter->second.size();
         if (length > kLargestDocumentText)
             return {{}, kTooLongDocument};
     }
+    if (entries.IsTooLarge())
+        return {{}, kTooLongDocument};
     if (chapters.empty() || entries.IsBroken())
         return {{}, kDamagedDocument};
     std::string text;

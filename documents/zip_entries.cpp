@@ -7,7 +7,7 @@ namespace {
 
 constexpr int kMaxEntries = 50000;
 // Markup is some ten times its text; what unpacks to more is made to fill memory or time.
-constexpr std::size_t kMaxUnpacked = 1U << 30;
+constexpr std::size_t kMaxUnpacked = 512U << 20;
 
 }  // namespace
 
@@ -23,16 +23,16 @@ ZipEntries::ZipEntries(std::string_view bytes) : archive_(archive_read_new()) {
 ZipEntries::~ZipEntries() = default;
 
 bool ZipEntries::Next() {
-    if (isBroken_)
+    if (isBroken_ || isTooLarge_)
         return false;
     archive_entry* entry = nullptr;
     const int result = archive_read_next_header(archive_.get(), &entry);
     if (result == ARCHIVE_EOF)
         return false;
-    if ((result != ARCHIVE_OK && result != ARCHIVE_WARN) || ++entries_ > kMaxEntries) {
-        isBroken_ = true;
+    isBroken_ = result != ARCHIVE_OK && result != ARCHIVE_WARN;
+    isTooLarge_ = ++entries_ > kMaxEntries;
+    if (isBroken_ || isTooLarge_)
         return false;
-    }
     const char* name = archive_entry_pathname_utf8(entry);
     if (name == nullptr)
         name = archive_entry_pathname(entry);
@@ -49,10 +49,10 @@ bool ZipEntries::ReadBlock(std::string_view& block) {
     if (result == ARCHIVE_EOF)
         return false;
     unpacked_ += size;
-    if ((result != ARCHIVE_OK && result != ARCHIVE_WARN) || unpacked_ > kMaxUnpacked) {
-        isBroken_ = true;
+    isBroken_ = result != ARCHIVE_OK && result != ARCHIVE_WARN;
+    isTooLarge_ = unpacked_ > kMaxUnpacked;
+    if (isBroken_ || isTooLarge_)
         return false;
-    }
     block = {static_cast<const char*>(data), size};
     return true;
 }
@@ -64,5 +64,5 @@ bool ZipEntries::ReadAll(std::size_t limit, std::string& content) {
             return false;
         content += block;
     }
-    return !isBroken_;
+    return !isBroken_ && !isTooLarge_;
 }

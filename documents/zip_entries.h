@@ -24,8 +24,10 @@ public:
     // All of them; false when there are more than limit or not all could be had.
     bool ReadAll(std::size_t limit, std::string& content);
 
-    // Something could not be unpacked, or unpacks to more than any document holds.
+    // Something could not be unpacked.
     bool IsBroken() const { return isBroken_; }
+    // There is more in it than in any document.
+    bool IsTooLarge() const { return isTooLarge_; }
 
 private:
     struct Close {
@@ -35,6 +37,7 @@ private:
     std::string name_;
     bool isEncrypted_ = false;
     bool isBroken_ = false;
+    bool isTooLarge_ = false;
     int entries_ = 0;
     std::size_t unpacked_ = 0;
 };
