@@ -234,7 +234,7 @@ std::string InstallTree(const std::string& tree) {
     if (!LockMachine(lock))
         return "The program's folder cannot be written, or another installation is running. Please "
                "run it as root.";
-    const std::string trouble = Installer(tree).Run();
+    std::string trouble = Installer(tree).Run();
     if (!trouble.empty())
         return trouble;
     char settings[kTextBufferSize];

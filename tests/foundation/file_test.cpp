@@ -26,9 +26,8 @@ std::string Apply(void (*function)(char*, const char*), const std::string& path)
 }
 
 TEST(FilePaths, AreTakenApart) {
-    const struct {
-        const char *path, *folder, *file, *name, *extension, *asWav;
-    } cases[] = {
+    const char* cases[][6] = {
+        // Path, folder, file, name, extension, and the path with another extension.
         {"/home/u/x.tar.gz", "/home/u", "x.tar.gz", "x.tar", ".gz", "/home/u/x.tar.wav"},
         {"/home/u/.profile", "/home/u", ".profile", ".profile", ".profile", "/home/u/.wav"},
         {".profile", "", ".profile", ".profile", "", ".profile"},
@@ -37,15 +36,14 @@ TEST(FilePaths, AreTakenApart) {
         {"/top", "/", "top", "top", "", "/top"},
         {"end.", "", "end.", "end", ".", "end.wav"},
     };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.path);
-        EXPECT_EQ(Apply(LFile::_GetFolderFromPath, test.path), test.folder);
-        EXPECT_EQ(Apply(LFile::_GetFileFromPath, test.path), test.file);
-        EXPECT_EQ(Apply(LFile::_GetFileNameFromPath, test.path), test.name);
-        EXPECT_EQ(Apply(LFile::_GetFileExtensionFromPath, test.path), test.extension);
+    for (const auto& [path, folder, file, name, extension, asWav] : cases) {
+        EXPECT_EQ(Apply(LFile::_GetFolderFromPath, path), folder);
+        EXPECT_EQ(Apply(LFile::_GetFileFromPath, path), file);
+        EXPECT_EQ(Apply(LFile::_GetFileNameFromPath, path), name);
+        EXPECT_EQ(Apply(LFile::_GetFileExtensionFromPath, path), extension);
         char out[260];
-        LFile::_ApplyNewFileExtension(out, test.path, ".wav");
-        EXPECT_STREQ(out, test.asWav);
+        LFile::_ApplyNewFileExtension(out, path, ".wav");
+        EXPECT_STREQ(out, asWav);
     }
 }
 
@@ -129,25 +127,21 @@ TEST(FileFolders, AreCopiedIteratedOpenedForAllAndDeleted) {
 
 TEST(Files, AreCopiedAndToldWhenSomebodyHoldsThem) {
     const ScratchFolder folder;
-    const std::string content(20000, 'c');
-    folder.Write("from", content);
+    const std::string from = folder / "from";
+    const std::string to = folder / "to";
+    folder.Write("from", std::string(20000, 'c'));
     folder.Write("to", std::string(30000, 't'));
-    const auto copy = [&](const char* from, const char* to) {
-        return LFile::CopyFile((folder / from).c_str(), (folder / to).c_str());
-    };
-    EXPECT_TRUE(copy("from", "to") && copy("from", "from"));
-    EXPECT_TRUE(folder.Read("to") == content && folder.Read("from") == content);
-    EXPECT_FALSE(copy("none", "to") || copy("from", "no/to"));
-    const std::string path = folder / "to";
-    const std::tuple<int, bool, bool> cases[] = {
-        {LOCK_UN, false, false}, {LOCK_SH, false, true}, {LOCK_EX, true, true}};
-    for (const auto& [lock, read, write] : cases) {
-        const UniqueFd holder(open(path.c_str(), O_RDWR));
+    EXPECT_TRUE(LFile::CopyFile(from.c_str(), to.c_str()));
+    EXPECT_TRUE(LFile::CopyFile(from.c_str(), from.c_str()));
+    EXPECT_TRUE(folder.Read("to").size() == 20000 && folder.Read("from") == folder.Read("to"));
+    EXPECT_FALSE(LFile::CopyFile((folder / "none").c_str(), to.c_str()));
+    EXPECT_FALSE(LFile::CopyFile(from.c_str(), (folder / "no/to").c_str()));
+    for (const int lock : {LOCK_UN, LOCK_SH, LOCK_EX}) {
+        const UniqueFd holder(open(to.c_str(), O_RDWR));
         flock(holder.Get(), lock);
-        EXPECT_EQ(LFile::TestFileShareReadBlocked(path.c_str()), read) << lock;
-        EXPECT_EQ(LFile::TestFileShareWriteBlocked(path.c_str()), write) << lock;
+        EXPECT_EQ(LFile::TestFileShareReadBlocked(to.c_str()), lock == LOCK_EX);
+        EXPECT_EQ(LFile::TestFileShareWriteBlocked(to.c_str()), lock != LOCK_UN);
     }
-    EXPECT_FALSE(LFile::TestFileShareReadBlocked((folder / "none").c_str()));
 }
 
 TEST(LockFile, IsHeldByOneProcessAndLeavesWithIt) {

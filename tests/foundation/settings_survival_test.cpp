@@ -8,6 +8,7 @@
 #include <fstream>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <thread>
 
 #include "foundation/dat_file.h"
@@ -22,18 +23,14 @@ namespace {
 // The format's rules once more, as any other program would follow them: first key wins.
 std::map<std::string, std::string> Parse(const std::string& text) {
     std::map<std::string, std::string> entries;
-    std::string line;
-    for (const char c : text + '\n') {
-        if (c != '\r' && c != '\n') {
-            if (!line.empty() || static_cast<unsigned char>(c) >= 33)
-                line += c;
-            continue;
-        }
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        line.erase(0, line.find_first_not_of("\r\n \t"));
+        line = line.substr(0, line.find('\r'));
         const std::size_t sign = std::min(line.find('='), line.size());
         const std::size_t value = std::min(line.find_first_not_of('=', sign), line.size());
         if (sign > 0)
             entries.emplace(line.substr(0, sign), line.substr(value));
-        line.clear();
     }
     return entries;
 }

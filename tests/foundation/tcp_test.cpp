@@ -119,19 +119,11 @@ TEST(TcpSteps, ConnectOrLeaveNoSocket) {
 }
 
 TEST(Resolve, SplitsHostsAndFindsTheirAddresses) {
-    const std::tuple<const char*, const char*, int> hosts[] = {
-        {"quillon.example", "quillon.example", 80},
-        {"localhost:8080", "localhost", 8080},
-        {"h:0", "", 80},
-        {"h:65536", "", 80},
-        {"h:", "", 80},
-        {"h:8x", "", 80},
-        {"", "", 80}};
-    for (const auto& [text, host, port] : hosts) {
-        const LHostAndPort split = SplitHostPort(text, 80);
-        EXPECT_EQ(split.host, host) << text;
-        EXPECT_EQ(split.port, port) << text;
-    }
+    EXPECT_TRUE(SplitHostPort("a.b", 80).host == "a.b" && SplitHostPort("a.b", 80).port == 80);
+    EXPECT_TRUE(SplitHostPort("a:8080", 80).host == "a" &&
+                SplitHostPort("a:8080", 80).port == 8080);
+    for (const char* bad : {"h:0", "h:65536", "h:", "h:8x", ""})
+        EXPECT_EQ(SplitHostPort(bad, 80).host, "") << bad;
     LSilentProgress progress;
     std::vector<LIPAddressWithPort> found;
     EXPECT_EQ(ProcessResolve(progress, {"127.0.0.1", 8080}, 5000, found), kProcessDone);
@@ -139,7 +131,6 @@ TEST(Resolve, SplitsHostsAndFindsTheirAddresses) {
     EXPECT_TRUE(found[0].Address() == INADDR_LOOPBACK && found[0].Port() == 8080);
     EXPECT_EQ(ProcessResolve(progress, {"no such host", 80}, 5000, found), kProcessFailed);
     EXPECT_EQ(ProcessResolve(progress, {"", 80}, 5000, found), kProcessFailed);
-
     const std::string longHost(300, 'h');
     const std::tuple<std::string, std::string, std::string> addresses[] = {
         {"host:80/a/b", "host:80", "/a/b"},
@@ -149,8 +140,7 @@ TEST(Resolve, SplitsHostsAndFindsTheirAddresses) {
         char host[260];
         char path[260];
         ProcessHTTPSplitHost(address.c_str(), host, path);
-        EXPECT_EQ(host, expectedHost);
-        EXPECT_EQ(path, expectedPath);
+        EXPECT_TRUE(host == expectedHost && path == expectedPath) << address;
     }
 }
 
