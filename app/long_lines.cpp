@@ -126,3 +126,22 @@ std::string LongLines::Text(const GtkTextIter& start, const GtkTextIter& end) co
     }
     return text;
 }
+
+void LongLines::Forward(GtkTextIter& at, std::size_t bytes) const {
+    while (true) {
+        const int index = gtk_text_iter_get_line_index(&at);
+        GtkTextIter end = at;
+        if (!gtk_text_iter_ends_line(&end))
+            gtk_text_iter_forward_to_line_end(&end);
+        int left = gtk_text_iter_get_bytes_in_line(&at) - index;
+        if (gtk_text_iter_has_tag(&end, nothing_))
+            --left;
+        if (bytes < static_cast<std::size_t>(left)) {
+            gtk_text_iter_set_line_index(&at, index + static_cast<int>(bytes));
+            return;
+        }
+        bytes -= static_cast<std::size_t>(left);
+        if (!gtk_text_iter_forward_line(&at))
+            return;
+    }
+}

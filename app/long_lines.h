@@ -7,6 +7,7 @@
 
 #include <gtk/gtk.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,8 @@ public:
 
     std::string Text() const;  // empty before Attach
     std::string Text(const GtkTextIter& start, const GtkTextIter& end) const;
+    // Moves on by so many bytes of the text, or to its end.
+    void Forward(GtkTextIter& at, std::size_t bytes) const;
 
 private:
     struct Break {

@@ -75,6 +75,7 @@ void MainDialog::CreateControls() {
     const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
     AddControl(edit.textView, kTextBox, edit.scrolledWindow);
     lines_.Attach(gtk_text_view_get_buffer(GTK_TEXT_VIEW(edit.textView)));
+    highlight_.Attach(GTK_TEXT_VIEW(edit.textView), lines_);
     SetAccessibleName(edit.textView, "Text to read");
     SetTooltip(kTextBox, "Enter your text here or click on the Update Text button");
 
@@ -161,7 +162,7 @@ void MainDialog::Command(int command) {
             if (reading_.IsReading())
                 StopReading();
             else
-                CmRead();
+                Speak(&MainDialog::ReadText, Stretch::kSelected);
             break;
         case kReadCurrent:
         case kReadAllOfWindow:
@@ -203,6 +204,7 @@ void MainDialog::Command(int command) {
             // What the user writes is not replaced by a file that still waits.
             if (!loadingWaitingFile_)
                 waitingFiles_.clear();
+            highlight_.End();
             EnableControls();
             break;
         case kVoiceList:
@@ -230,34 +232,44 @@ void MainDialog::CmClose() {
     Close(GTK_RESPONSE_CANCEL);
 }
 
-void MainDialog::Speak(SpeakFunction speak) {
+void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
     if (speaking_)
         return;
     speaking_ = true;
-    const std::string text = lines_.Text();
-    const int voice = text.empty() ? -1 : AwaitVoice();
-    if (voice >= 0)
-        (this->*speak)(text.c_str(), voice);
+    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(GetControlByID(kTextBox)));
+    GtkTextIter start;
+    GtkTextIter end;
+    if (stretch == Stretch::kAll || !gtk_text_buffer_get_selection_bounds(buffer, &start, &end))
+        gtk_text_buffer_get_bounds(buffer, &start, &end);
+    const std::string text = lines_.Text(start, end);
+    if (!text.empty()) {
+        reading_.Stop();
+        if (kFollowTextSetting.Get())
+            highlight_.Begin(start);
+        const int voice = AwaitVoice();
+        if (voice >= 0)
+            (this->*speak)(text, voice);
+    }
     speaking_ = false;
+    ReadWaitingFilesSoon();
 }
 
-void MainDialog::ReadText(const char* text, int voice) {
+void MainDialog::ReadText(const std::string& text, int voice) {
     reading_.Start(Widget(), text, voice);
 }
 
-void MainDialog::SaveText(const char* text, int voice) {
-    reading_.Stop();
-    SaveSpeech(Widget(), text, voice);
+void MainDialog::SaveText(const std::string& text, int voice) {
+    const std::string note = SaveSpeech(Widget(), text, voice);
+    if (!note.empty())
+        SetStatusText(note.c_str());
 }
 
 void MainDialog::CmRead() {
-    Speak(&MainDialog::ReadText);
-    ReadWaitingFiles();
+    Speak(&MainDialog::ReadText, Stretch::kAll);
 }
 
 void MainDialog::CmSave() {
-    Speak(&MainDialog::SaveText);
-    ReadWaitingFiles();
+    Speak(&MainDialog::SaveText, Stretch::kAll);
 }
 
 void MainDialog::StopReading() {
@@ -273,7 +285,7 @@ void MainDialog::ReadWaitingFiles() {
         const bool loaded = IsOpen() && LoadFile(path.c_str());
         loadingWaitingFile_ = false;
         if (loaded)
-            Speak(&MainDialog::ReadText);
+            Speak(&MainDialog::ReadText, Stretch::kAll);
     }
 }
 
@@ -346,9 +358,18 @@ void MainDialog::EvReadingTime(LSoundTime position, LSoundTime length) {
     SetStatusText(("Reading aloud: " + std::string(now) + " of " + whole + " (Esc stops)").c_str());
 }
 
-void MainDialog::EvReadingEnded(bool inTrouble) {
+void MainDialog::EvReadingStretch(std::size_t begin, std::size_t end) {
+    highlight_.Show(begin, end);
+}
+
+void MainDialog::EvReadingWaits() {
+    SetStatusText("Waiting for the voice, which is slower than speech (Esc stops)");
+}
+
+void MainDialog::EvReadingEnded(const std::string& note, bool inTrouble) {
     SetCoolButtonUp(kReadButton);
-    SetStatusText(kBanner);
+    SetStatusText(note.empty() ? kBanner : note.c_str());
+    highlight_.End();
     EnableControls();
     // The next file would meet the same trouble, and its box would hide this one's.
     if (inTrouble)

@@ -6,6 +6,7 @@
 
 #include "app/long_lines.h"
 #include "app/read_aloud.h"
+#include "app/spoken_highlight.h"
 #include "app/voice_choice.h"
 #include "gui/main_window.h"
 
@@ -40,16 +41,19 @@ public:
 private:
     void EvReadingStarted() override;
     void EvReadingTime(LSoundTime position, LSoundTime length) override;
-    void EvReadingEnded(bool inTrouble) override;
+    void EvReadingStretch(std::size_t begin, std::size_t end) override;
+    void EvReadingWaits() override;
+    void EvReadingEnded(const std::string& note, bool inTrouble) override;
 
-    using SpeakFunction = void (MainDialog::*)(const char* text, int voice);
+    enum class Stretch { kAll, kSelected };  // kSelected: all when nothing is selected
+    using SpeakFunction = void (MainDialog::*)(const std::string& text, int voice);
 
-    // Runs speak on the text box's text and the chosen voice, unless there is none or such a run is
-    // under way (its progress dialog pumps events, and a second start may hand a file over
+    // Runs speak on text of the text box and the chosen voice, unless there is none or such a run
+    // is under way (its progress dialog pumps events, and a second start may hand a file over
     // meanwhile).
-    void Speak(SpeakFunction speak);
-    void ReadText(const char* text, int voice);
-    void SaveText(const char* text, int voice);
+    void Speak(SpeakFunction speak, Stretch stretch);
+    void ReadText(const std::string& text, int voice);
+    void SaveText(const std::string& text, int voice);
     void ReadWaitingFiles();      // the next one, when nothing is being read
     void ReadWaitingFilesSoon();  // from the main loop
     static int ReadNextFile(void* self);
@@ -61,6 +65,7 @@ private:
     void ShowNoSpeechEngine();
 
     LongLines lines_;  // of the text box
+    SpokenHighlight highlight_;
     VoiceChoice voices_;
     ReadAloud reading_;
     bool speaking_ = false;

@@ -1,6 +1,7 @@
 #include "app/save_speech.h"
 
 #include <strings.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <optional>
@@ -8,6 +9,7 @@
 
 #include "app/settings_keys.h"
 #include "app/speech_file.h"
+#include "app/speech_size.h"
 #include "formats/mp3_settings.h"
 #include "formats/mp3_sink.h"
 #include "formats/wave_file.h"
@@ -17,7 +19,7 @@
 #include "gui/message_box.h"
 #include "gui/progress_dialog.h"
 #include "sound/source_to_sink.h"
-#include "speech/synthesis.h"
+#include "speech/speech_reading.h"
 
 namespace {
 
@@ -90,6 +92,30 @@ void ShowSaveError(GtkWidget* parent, const std::string& detail) {
     ShowError(parent, "Save Error", "Cannot save the file. Please try again.", detail);
 }
 
+std::string TooLong(std::size_t bytes) {
+    return "The speech of this text is longer than a sound file can hold. Please save it in parts "
+           "of at most " +
+           std::to_string(bytes) + " characters.";
+}
+
+// Empty, or why speech of a text of so many bytes cannot be saved.
+std::string ProblemOfSize(std::size_t textBytes, const LSoundSinkBase& sink, bool mp3,
+                          const std::string& path, const std::string& speechPath) {
+    const SpeechSize size = EstimateSpeechSize(textBytes, sink.SampleRate(), sink.Channels());
+    if (!size.fits)
+        return TooLong(size.surelyFit);
+    struct statvfs disk {};
+    const auto isTooSmall = [&disk](const std::string& file, long long bytes) {
+        return ::statvfs(file.substr(0, file.rfind('/') + 1).c_str(), &disk) == 0 &&
+               static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize) <
+                   static_cast<double>(bytes);
+    };
+    if (isTooSmall(speechPath, size.speechBytes) ||
+        isTooSmall(path, mp3 ? size.speechBytes / 4 : size.fileBytes))
+        return "There is not enough room on the disk for the speech of this text.";
+    return "";
+}
+
 // The whole speech, or an unchanged target file.
 void CopySpeech(GtkWidget* parent, const LSoundSource& source, LSoundSink& sink,
                 WholeFile& output) {
@@ -108,43 +134,56 @@ void CopySpeech(GtkWidget* parent, const LSoundSource& source, LSoundSink& sink,
 
 }  // namespace
 
-void SaveSpeech(GtkWidget* parent, const char* text, int voice) {
+std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice) {
     Target target;
     if (!ChooseTarget(parent, target))
-        return;
-    // Before the engine speaks, which may take minutes.
+        return "";
+    // Whatever can be known before is told before the engine speaks, which may take minutes.
     WholeFile output(target.path, WholeFile::Existing::kReplace);
     if (!output.Problem().empty()) {
         ShowSaveError(parent, output.Problem());
-        return;
-    }
-    const std::string speechPath = SpeechFilePath();
-    LTTS request;
-    request.text = text;
-    request.outputPath = speechPath.c_str();
-    request.voice = voice;
-    LProcessDialog<LTTS> synthesis("Synthesize Voice", request);
-    synthesis.Open(parent);
-    if (synthesis.Result() == kProcessStopped)
-        return;
-    if (synthesis.Result() == kProcessFailed) {
-        ShowError(parent, "Lectora", "Unable to save the file. Please try again.",
-                  SynthesisMessage(request.outcome));
-        return;
-    }
-    LSoundSource source = LWaveFile::OpenSource(speechPath.c_str());
-    if (source->Status() != SoundStatus::kGood) {
-        ShowError(parent, "Source Error", "Cannot open the source. Please try again.");
-        return;
+        return "";
     }
     std::optional<LSoundSink> sink = OpenTarget(target, output.WritePath());
     if (!sink)
-        return;
+        return "";
     if ((*sink)->Status() != 0) {
         ShowSaveError(parent, "");
-        return;
+        return "";
     }
-    CopySpeech(parent, source, *sink, output);
+    const std::string speechPath = SpeechFilePath();
+    const std::string problem =
+        ProblemOfSize(text.size(), **sink, target.mp3, output.WritePath(), speechPath);
+    if (!problem.empty()) {
+        ShowSaveError(parent, problem);
+        return "";
+    }
+    SpeechReading reading(text, voice, speechPath, ReadingUse::kSaving);
+    reading.Start();
+    LProcessDialog<SpeechReading> synthesis("Synthesize Voice", reading);
+    synthesis.Open(parent);
+    if (synthesis.Result() == kProcessFailed) {
+        ShowError(parent, "Lectora", "Unable to save the file. Please try again.",
+                  reading.Message());
+        return "";
+    }
+    // A cancelled synthesis goes on with what was spoken of this text.
+    if (!reading.HasSound())
+        return "";
+    LSoundSource source = reading.OpenSource();
+    if (source->Status() != SoundStatus::kGood) {
+        ShowError(parent, "Source Error", "Cannot open the source. Please try again.");
+        return "";
+    }
+    const int rate = (*sink)->SampleRate();
+    const int channels = (*sink)->Channels();
+    // A slow voice may have taken longer than expected.
+    if (FitsIntoFile(static_cast<double>(source->GetEndSample()) / source->SampleRate(), rate,
+                     channels))
+        CopySpeech(parent, source, *sink, output);
+    else
+        ShowSaveError(parent, TooLong(EstimateSpeechSize(0, rate, channels).surelyFit));
     source.Close();
     ::unlink(speechPath.c_str());
+    return reading.Message();
 }

@@ -3,7 +3,11 @@
 
 #include <gtk/gtk.h>
 
+#include <string>
+
 // Asks for a file, speaks the text and writes it there as WAV, or as MP3 when the name or the
 // stored default says so and the encoder is installed. Blocks with dialogs; every failure is told
 // to the user. GUI thread.
-void SaveSpeech(GtkWidget* parent, const char* text, int voice);
+//
+// Gives back what is to be told of a save that went well, usually nothing.
+std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice);

@@ -10,3 +10,5 @@ constexpr UserSetting<const char*> kSaveFolderSetting{"Settings", "SaveFileDir",
 constexpr UserSetting<const char*> kSaveByDefaultSetting{"Settings", "SaveDefaultFormat", "1"};
 constexpr UserSetting<const char*> kSaveFormatSetting{"Settings", "SaveFormat", "1"};  // "0" is MP3
 constexpr UserSetting<const char*> kDeviceSetting{"Player", "Device", "default"};
+// Whether the text box shows what is being heard.
+constexpr UserSetting<bool> kFollowTextSetting{"Options", "FollowText", true};

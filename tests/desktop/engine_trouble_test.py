@@ -63,6 +63,15 @@ class EngineTroubleTest(DesktopCase):
                 self.assert_usable(lectora, TEXT)
                 lectora.end()
 
+    def test_a_voice_slower_than_speech_is_waited_for(self):
+        desktop.tell_engine("text2wave slow 3")
+        sentence = "This is a sentence of some length."
+        lectora = self.start(self.file("text.txt", " ".join([sentence] * 4)))
+        stream = self.card.next_stream()
+        desktop.wait_until(lambda: "Waiting for the voice" in lectora.status(), "the status line")
+        self.card.wait_for(stream, "close")
+        self.assertEqual(desktop.Sound(desktop.SPEECH).frames, 4 * 800 * len(sentence.replace(" ", "")))
+
     def test_an_engine_that_hangs_is_given_up(self):
         lectora = self.start()
         lectora.set_text(TEXT)

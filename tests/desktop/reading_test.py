@@ -101,6 +101,50 @@ class ReadingTest(DesktopCase):
             stop()
             self.card.wait_for(stream, "close", 2)
 
+    def test_the_sentence_being_heard_is_shown_until_the_text_is_edited(self):
+        self.card.tell("speed 2")
+        sentences = [f"{word} is what this one sentence says." for word in ("Alpha", "Beta", "Gamma")]
+        text = " ".join(sentences)
+        lectora = self.start()
+        lectora.set_text(text)
+        lectora.text_box().queryText().setCaretOffset(3)
+        lectora.press("toggle button", "Read Aloud")
+        stream = self.card.next_stream()
+        shown = []
+        while not self.card.events(stream)[-1][1] == "close":
+            sentence = lectora.highlighted()
+            if sentence and sentence not in shown:
+                shown.append(sentence)
+        self.assertEqual([each.strip() for each in shown], sentences)
+        self.assertEqual(lectora.text_box().queryText().caretOffset, 3)
+        lectora.press("toggle button", "Read Aloud")
+        stream = self.card.next_stream()
+        desktop.wait_until(lectora.highlighted, "the highlight")
+        lectora.text_box().queryComponent().grabFocus()
+        desktop.press_keys("x")
+        desktop.wait_until(lambda: not lectora.highlighted(), "the highlight to go", 3)
+        self.card.wait_for(stream, "close")
+        self.assertGreater(self.card.sound(stream).frames, 800 * (len(text) - text.count(" ")) - 8000)
+
+    def test_a_selected_stretch_is_read_alone_by_the_large_button(self):
+        lectora = self.start()
+        lectora.set_text("one two three")
+        self.assertTrue(lectora.text_box().queryText().addSelection(4, 7))
+        self.read_aloud(lectora)
+        desktop.press_keys("ctrl+shift+r")
+        self.card.wait_for(self.card.next_stream(), "close")
+        self.assertEqual([call.split(" ", 2)[2] for call in self.spoken()], ["two", "one two three"])
+
+    def test_a_sentence_that_kills_the_engine_is_left_out_and_told(self):
+        desktop.tell_engine("text2wave die poison")
+        lectora = self.start()
+        lectora.set_text("This comes before. Some poison is here. That comes behind it.")
+        stream = self.read_aloud(lectora)
+        self.assertEqual(self.card.sound(stream).frames, 800 * len("Thiscomesbefore.Thatcomesbehindit."))
+        desktop.wait_until(lambda: "Some poison is here." in lectora.status(), "the sentence")
+        self.picture("left-out")
+        self.assertEqual(lectora.box_text(), "")
+
     def test_twenty_readings_leave_nothing_behind(self):
         self.card.tell("speed 50")
         lectora = self.start()

@@ -85,6 +85,23 @@ class SavingTest(DesktopCase):
                     self.assertEqual(file.read(), "what it held")
                 self.assertEqual([name for name in os.listdir(desktop.HOME) if "old.wav" in name], ["old.wav"])
 
+    def test_a_cancelled_save_holds_what_was_spoken_by_then(self):
+        desktop.tell_engine("text2wave slow 2")
+        lectora = self.start()
+        sentence = "These are some words to speak. "
+        lectora.set_text(sentence * 2000)
+        path = os.path.join(desktop.HOME, "part.wav")
+        self.choose(lectora, path)
+        lectora.find("label", "Synthesizing Voice")
+        cancel = lectora.find("push button", "Cancel")
+        desktop.wait_until(lambda: os.path.getsize(desktop.SPEECH) > 100, "the first piece", 60)
+        self.picture("saving")
+        lectora.click(cancel)
+        desktop.wait_until(lambda: os.path.exists(path), "the file", 60)
+        seconds = desktop.Sound(path).frames / 44100
+        self.assertGreater(seconds, 10)
+        self.assertLess(seconds, 1000)
+
     def test_files_and_children_keep_to_the_mask_of_the_start(self):
         before = os.umask(0o027)
         self.addCleanup(os.umask, before)
@@ -98,13 +115,22 @@ class SavingTest(DesktopCase):
         self.assertEqual(subprocess.run(find, capture_output=True, text=True).stdout, "")
         self.assertEqual(os.stat(path).st_mode & 0o777, 0o640)
 
-    def test_a_folder_that_cannot_be_written(self):
+    def test_what_cannot_be_saved_is_told_before_the_engine_speaks(self):
         lectora = self.start()
+        here = os.path.join(desktop.HOME, "fox.wav")
+        for text, path, message in (
+            (TEXT, "/proc/fox.wav", "Cannot save"),
+            ("word " * 200000, here, "longer than a sound file can hold"),
+        ):
+            with self.subTest(message):
+                lectora.set_text(text)
+                self.choose(lectora, path)
+                lectora.wait_for_box(message)
+                self.picture("save-error")
+                lectora.press("push button", "OK")
+        self.assertEqual(self.spoken(), [])
+        self.assertEqual(os.path.exists(here), False)
         lectora.set_text(TEXT)
-        self.choose(lectora, "/proc/fox.wav")
-        desktop.wait_until(lambda: "Cannot save" in lectora.box_text(), "the message")
-        self.picture("save-error")
-        lectora.press("push button", "OK")
         self.assert_usable(lectora, TEXT)
 
 

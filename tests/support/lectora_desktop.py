@@ -249,6 +249,19 @@ class Lectora:
     def set_text(self, text):
         self.text_box().queryEditableText().setTextContents(text)
 
+    def highlighted(self):
+        """The stretch of the text box that has a background of its own."""
+        text = self.text_box().queryText()
+        at, end = 0, text.characterCount
+        while at < end:
+            attributes, start, at = text.getAttributeRun(at, False)
+            if any(each.startswith("bg-color:") for each in attributes):
+                return text.getText(start, at)
+        return ""
+
+    def status(self):
+        return self.find("status bar").name
+
     def click(self, widget):
         """Presses the widget with the pointer, where it stands on the screen."""
         box = widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)

@@ -1,0 +1,38 @@
+// Shows in a text box which stretch of it is being heard.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <cstddef>
+
+#include "app/long_lines.h"
+
+// Cursor and selection stay as they are. Offsets are bytes of what LongLines::Text gives. GUI
+// thread.
+class SpokenHighlight {
+public:
+    SpokenHighlight() = default;
+    SpokenHighlight(const SpokenHighlight&) = delete;
+    SpokenHighlight& operator=(const SpokenHighlight&) = delete;
+
+    // Once. Both are borrowed and outlive what is shown.
+    void Attach(GtkTextView* view, const LongLines& lines);
+
+    void Begin(const GtkTextIter& start);  // where the text that will be read begins
+    // Marks the stretch and brings it into view; nothing before Begin and after End.
+    void Show(std::size_t begin, std::size_t end);
+    void End();  // nothing is marked any more; at the end of the reading, and of the text as it was
+
+private:
+    void Unmark();
+
+    GtkTextView* view_ = nullptr;
+    GtkTextBuffer* buffer_ = nullptr;
+    const LongLines* lines_ = nullptr;
+    GtkTextTag* tag_ = nullptr;     // this and the marks are owned by the buffer
+    GtkTextMark* start_ = nullptr;  // of the text
+    GtkTextMark* shown_ = nullptr;  // begin of the stretch shown
+    std::size_t shownBegin_ = 0;
+    std::size_t shownEnd_ = 0;
+    bool isFollowing_ = false;
+};
