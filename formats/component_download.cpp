@@ -14,9 +14,9 @@
 #include <memory>
 
 #include "formats/file_io.h"
+#include "formats/settings_keys.h"
 #include "foundation/file_mask.h"
 #include "foundation/flock_timed.h"
-#include "foundation/setting.h"
 #include "foundation/timed_poll.h"
 
 namespace component {
@@ -135,8 +135,7 @@ std::string InstallerPathFor(const std::string& temporaryName) {
 }
 
 bool IsTrusted(const char* componentName, const std::string& path) {
-    const MachineSetting<const char*> setting{"ComponentSha256", componentName, ""};
-    const std::string expected = setting.Get();
+    const std::string expected = ComponentSumSetting(componentName).Get();
     if (expected.empty())
         return true;
     const UniqueFd file = OpenFileForReading(path.c_str());

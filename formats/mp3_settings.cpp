@@ -4,25 +4,25 @@
 #include <cstdlib>
 #include <string>
 
-#include "foundation/settings.h"
+#include "formats/settings_keys.h"
 
 namespace {
 
-constexpr const char* kSection = "MP3Encoder";
+using Key = UserSetting<const char*>;
 
-std::string Value(const char* key) {
-    const std::string own = LUserSettingGet(kSection, key);
-    return own.empty() ? LSettingGet(kSection, key) : own;
+std::string Value(const Key& key) {
+    const std::string own = key.Get();
+    return own.empty() ? MachineSetting<const char*>{key.section, key.key, ""}.Get() : own;
 }
 
-void Load(const char* key, bool& flag) {
+void Load(const Key& key, bool& flag) {
     const std::string value = Value(key);
     if (!value.empty())
         flag = value[0] != '0';
 }
 
 template <typename Number>
-void Load(const char* key, Number& number) {
+void Load(const Key& key, Number& number) {
     const std::string value = Value(key);
     if (!value.empty()) {
         const long limit = Number(~Number{0});
@@ -31,18 +31,29 @@ void Load(const char* key, Number& number) {
     }
 }
 
+template <typename Number>
+void Save(const Key& key, const Number& number) {
+    key.Set(std::to_string(static_cast<int>(number)));
+}
+
+// Calls access(key, field) for each setting.
+template <typename Settings, typename Access>
+void ForEachSetting(Settings& settings, Access access) {
+    access(kMp3ConstantSetting, settings.constantBitRate);
+    access(kMp3BitRateSetting, settings.cbrBitRate);
+    access(kMp3HighQualitySetting, settings.highQuality);
+    access(kMp3LowestSetting, settings.vbrMinBitRate);
+    access(kMp3HighestSetting, settings.vbrMaxBitRate);
+    access(kMp3QualitySetting, settings.vbrQuality);
+    access(kMp3ProtectionSetting, settings.errorProtection);
+    access(kMp3ChannelModeSetting, settings.channelMode);
+}
+
 }  // namespace
 
 LMp3EncodeSettings LoadMp3Settings() {
     LMp3EncodeSettings settings;
-    Load("ConstantBitRate", settings.constantBitRate);
-    Load("CBRBitRate", settings.cbrBitRate);
-    Load("HighQuality", settings.highQuality);
-    Load("VBRMinBitRate", settings.vbrMinBitRate);
-    Load("VBRMaxBitRate", settings.vbrMaxBitRate);
-    Load("VBRQuality", settings.vbrQuality);
-    Load("ErrorProtection", settings.errorProtection);
-    Load("ChannelMode", settings.channelMode);
+    ForEachSetting(settings, [](const Key& key, auto& field) { Load(key, field); });
     return settings;
 }
 
@@ -54,12 +65,5 @@ LMp3EncodeSettings LoadMp3SettingsForSaving() {
 }
 
 void SaveMp3Settings(const LMp3EncodeSettings& settings) {
-    LUserSettingSetBool(kSection, "ConstantBitRate", settings.constantBitRate);
-    LUserSettingSetInt(kSection, "CBRBitRate", settings.cbrBitRate);
-    LUserSettingSetBool(kSection, "HighQuality", settings.highQuality);
-    LUserSettingSetInt(kSection, "VBRMinBitRate", settings.vbrMinBitRate);
-    LUserSettingSetInt(kSection, "VBRMaxBitRate", settings.vbrMaxBitRate);
-    LUserSettingSetInt(kSection, "VBRQuality", settings.vbrQuality);
-    LUserSettingSetBool(kSection, "ErrorProtection", settings.errorProtection);
-    LUserSettingSetInt(kSection, "ChannelMode", settings.channelMode);
+    ForEachSetting(settings, [](const Key& key, const auto& field) { Save(key, field); });
 }

@@ -1,12 +1,12 @@
 #include "formats/dialogs/aiff_settings_dialog.h"
 
+#include <string>
+
 #include "formats/dialogs/standard_lists.h"
-#include "foundation/settings.h"
+#include "formats/settings_keys.h"
 #include "gui/dialog_gen_context.h"
 
 namespace {
-
-constexpr const char* kSection = "AIFFEncode";
 
 // Control ids; each label is one above.
 constexpr int kRate = 101;
@@ -28,8 +28,8 @@ bool LAIFFSettingsDlg::Open(GtkWidget*) {
 void LAIFFSettingsDlg::InitDialog() {
     PDLFill(kRate, kStandardRates);
     PDLFill(kChannels, kMonoStereo);
-    PDLSetText(kRate, LUserSettingGet(kSection, "SampleRate", "44100").c_str());
-    PDLSetCurSel(kChannels, LUserSettingGetInt(kSection, "Channels", kStereo + 1) - 1);
+    PDLSetText(kRate, std::to_string(kAiffRateSetting.Get()).c_str());
+    PDLSetCurSel(kChannels, kAiffChannelsSetting.Get() - 1);
 }
 
 void LAIFFSettingsDlg::Command(int command) {
@@ -40,7 +40,7 @@ void LAIFFSettingsDlg::Command(int command) {
 }
 
 bool LAIFFSettingsDlg::CmOk() {
-    LUserSettingSetInt(kSection, "SampleRate", PDLGetInt(kRate));
-    LUserSettingSetInt(kSection, "Channels", PDLGetCurSel(kChannels) + 1);
+    kAiffRateSetting.Set(PDLGetInt(kRate));
+    kAiffChannelsSetting.Set(PDLGetCurSel(kChannels) + 1);
     return true;
 }

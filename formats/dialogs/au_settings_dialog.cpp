@@ -1,12 +1,12 @@
 #include "formats/dialogs/au_settings_dialog.h"
 
+#include <string>
+
 #include "formats/dialogs/standard_lists.h"
-#include "foundation/settings.h"
+#include "formats/settings_keys.h"
 #include "gui/dialog_gen_context.h"
 
 namespace {
-
-constexpr const char* kSection = "AuEncoder";
 
 // Control ids; each label is one above.
 constexpr int kCodec = 101;
@@ -21,7 +21,8 @@ constexpr const char* kCodecs[] = {"PCM 16 bit", "PCM 8 bit", "aLaw", "uLaw", nu
 
 void DlgGenAuEncode(LDialogGenContext& context) {
     context.SetWidth(390);
-    // The codec list has always borne the other list's label; the texts are fixed.
+    // The codec list bears the other list's label: the dialog's help and its translations name the
+    // lists by these texts.
     context.AddPullDownList(kCodec, "Channels");
     context.AddPullDownList(kRate, "Sample Rate");
     context.AddPullDownList(kChannels, "Channels");
@@ -36,9 +37,9 @@ void LAuSettingsDlg::InitDialog() {
     PDLFill(kCodec, kCodecs);
     PDLFill(kRate, kStandardRates);
     PDLFill(kChannels, kMonoStereo);
-    PDLSetCurSel(kCodec, LUserSettingGetInt(kSection, "CodecIndex", kPcm16));
-    PDLSetText(kRate, LUserSettingGet(kSection, "SampleRate", "44100").c_str());
-    PDLSetCurSel(kChannels, LUserSettingGetInt(kSection, "Channels", kStereo + 1) - 1);
+    PDLSetCurSel(kCodec, kAuCodecSetting.Get());
+    PDLSetText(kRate, std::to_string(kAuRateSetting.Get()).c_str());
+    PDLSetCurSel(kChannels, kAuChannelsSetting.Get() - 1);
 }
 
 void LAuSettingsDlg::Command(int command) {
@@ -50,8 +51,8 @@ void LAuSettingsDlg::Command(int command) {
 }
 
 bool LAuSettingsDlg::CmOk() {
-    LUserSettingSetInt(kSection, "SampleRate", PDLGetInt(kRate));
-    LUserSettingSetInt(kSection, "Channels", PDLGetCurSel(kChannels) + 1);
-    LUserSettingSetInt(kSection, "CodecIndex", PDLGetCurSel(kCodec));
+    kAuRateSetting.Set(PDLGetInt(kRate));
+    kAuChannelsSetting.Set(PDLGetCurSel(kChannels) + 1);
+    kAuCodecSetting.Set(PDLGetCurSel(kCodec));
     return true;
 }

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "formats/dialogs/standard_lists.h"
+#include "formats/settings_keys.h"
 #include "formats/wave_file.h"
-#include "foundation/settings.h"
 #include "gui/dialog_gen_context.h"
 
 namespace {
@@ -54,7 +54,7 @@ void LWaveEncodeDlg::InitDialog() {
     PDLFill(kRate, kAutoOnly);
     PDLFill(kRate, kStandardRates);
     PDLFill(kChannels, kChannelCounts);
-    const int preset = LUserSettingGetInt("Settings", "WavFormatPreset", 0);
+    const int preset = kWavFormatPresetSetting.Get();
     PDLSetCurSel(kSettings, preset >= kAuto && preset <= kCustom ? preset : kAuto);
     if (IsCustom())
         ShowCustomFormat();
@@ -112,7 +112,7 @@ void LWaveEncodeDlg::TakeCustomFormat() {
 
 bool LWaveEncodeDlg::CmOk() {
     const int preset = PDLGetCurSel(kSettings);
-    LUserSettingSetInt("Settings", "WavFormatPreset", preset);
+    kWavFormatPresetSetting.Set(preset);
     format_.tag = kWaveTagPcm;
     format_.channels = 2;
     switch (preset) {

@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "formats/mp3_sink.h"
-#include "foundation/setting.h"
+#include "formats/settings_keys.h"
 #include "foundation/settings_keys.h"
 #include "tests/formats/format_files.h"
 
@@ -116,7 +116,7 @@ TEST_F(ComponentDownload, ACancelLeavesNothingAndAsksNobodyElse) {
 }
 
 TEST_F(ComponentDownload, AnInstallerWithAnotherSumIsNotRun) {
-    const MachineSetting<const char*> sum{"ComponentSha256", "good", ""};
+    const auto sum = ComponentSumSetting("good");
     sum.Set(std::string(64, 'a'));
     EXPECT_EQ(Get("good"), kProcessFailed);
     EXPECT_FALSE(IsThere("good"));

@@ -4,6 +4,7 @@
 
 #include "formats/dialogs/aiff_settings_dialog.h"
 #include "formats/dialogs/au_settings_dialog.h"
+#include "formats/dialogs/mp3_encode_dialog.h"
 #include "formats/dialogs/raw_settings_dialog.h"
 #include "formats/dialogs/wave_encode_dialog.h"
 #include "formats/wave_file.h"
@@ -13,6 +14,7 @@
 namespace {
 
 enum : int { kSettings = 101, kFormat = 103, kRate = 105, kChannels = 107, kDefaults = 110 };
+enum : int { kMp3Constant = 103, kMp3Variable = 107, kMp3Lowest = 108, kMp3Highest = 110 };
 enum : int { kRawCodecList = 101, kRawRate = 103, kRawChannels = 105 };
 
 TEST(WaveEncodeDialog, FillsTheRecordByPresetOrChoice) {
@@ -102,6 +104,40 @@ TEST(RawSettingsDialog, AcceptsRatesFrom6000To196000) {
         } else {
             EXPECT_TRUE(stillOpen);
         }
+    }
+}
+
+TEST(Mp3Dialog, StoresWhatTheEncoderCanBear) {
+    const struct {
+        const char* lowest;
+        const char* highest;
+        const char* accepted;  // the highest rate that is stored at last
+    } cases[] = {{"128", "112", "128"}, {"32", "320", "320"}};
+    for (const auto& c : cases) {
+        LMp3EncodeSettings settings;
+        SaveMp3Settings(settings);
+        LMP3EncodeDlg dialog(settings);
+        UserScript user({[&] {
+                             EXPECT_EQ(dialog.PDLGetText(kMp3Constant + 1), "128");
+                             EXPECT_FALSE(dialog.IsControlEnabled(kMp3Lowest));
+                             dialog.SetCheck(kMp3Variable, true);
+                             dialog.EnableControls();
+                             EXPECT_FALSE(dialog.IsControlEnabled(kMp3Constant + 1));
+                             dialog.PDLSetText(kMp3Lowest, c.lowest);
+                             dialog.PDLSetText(kMp3Highest, c.highest);
+                             EXPECT_TRUE(dialog.IsControlEnabled(kMp3Lowest));
+                             dialog.DoOKButton();
+                         },
+                         [&] {
+                             if (!dialog.IsOpen())
+                                 return;
+                             dialog.PDLSetText(kMp3Highest, c.accepted);
+                             dialog.DoOKButton();
+                         }});
+        EXPECT_TRUE(dialog.Run(nullptr));
+        EXPECT_EQ(std::to_string(LoadMp3Settings().vbrMaxBitRate), c.accepted);
+        EXPECT_EQ(std::to_string(settings.vbrMinBitRate), c.lowest);
+        EXPECT_FALSE(LoadMp3Settings().constantBitRate);
     }
 }
 

@@ -1,0 +1,28 @@
+// The settings that this folder and its dialogs keep.
+#pragma once
+
+#include "foundation/setting.h"
+
+constexpr UserSetting<int> kWavFormatPresetSetting{"Settings", "WavFormatPreset", 0};
+
+constexpr UserSetting<int> kAuCodecSetting{"AuEncoder", "CodecIndex", 0};
+constexpr UserSetting<int> kAuRateSetting{"AuEncoder", "SampleRate", 44100};
+constexpr UserSetting<int> kAuChannelsSetting{"AuEncoder", "Channels", 2};
+
+constexpr UserSetting<int> kAiffRateSetting{"AIFFEncode", "SampleRate", 44100};
+constexpr UserSetting<int> kAiffChannelsSetting{"AIFFEncode", "Channels", 2};
+
+// Looked for in the user's settings, then in the machine's, so as text (mp3_settings.h).
+constexpr UserSetting<const char*> kMp3ConstantSetting{"MP3Encoder", "ConstantBitRate", ""};
+constexpr UserSetting<const char*> kMp3BitRateSetting{"MP3Encoder", "CBRBitRate", ""};
+constexpr UserSetting<const char*> kMp3HighQualitySetting{"MP3Encoder", "HighQuality", ""};
+constexpr UserSetting<const char*> kMp3LowestSetting{"MP3Encoder", "VBRMinBitRate", ""};
+constexpr UserSetting<const char*> kMp3HighestSetting{"MP3Encoder", "VBRMaxBitRate", ""};
+constexpr UserSetting<const char*> kMp3QualitySetting{"MP3Encoder", "VBRQuality", ""};
+constexpr UserSetting<const char*> kMp3ProtectionSetting{"MP3Encoder", "ErrorProtection", ""};
+constexpr UserSetting<const char*> kMp3ChannelModeSetting{"MP3Encoder", "ChannelMode", ""};
+
+// The SHA-256 that the installer of a component must have; the key is the component's name.
+inline MachineSetting<const char*> ComponentSumSetting(const char* component) {
+    return {"ComponentSha256", component, ""};
+}
