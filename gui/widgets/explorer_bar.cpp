@@ -31,7 +31,7 @@ gboolean GCPaintBand(GtkWidget* expander, GdkEventExpose* event, gpointer) {
     cairo_fill(cairo.get());
     if (auto* icon = static_cast<GdkPixbuf*>(g_object_get_data(G_OBJECT(expander), kIconKey))) {
         gdk_cairo_set_source_pixbuf(cairo.get(), icon, place.x + place.width - kIconSize - 5,
-                                    place.y + (height - kIconSize) / 2);
+                                    place.y + (height - kIconSize) / 2.0);
         cairo_paint(cairo.get());
     }
     return FALSE;
