@@ -32,8 +32,13 @@ CardClock::Time Now() {
 
 }  // namespace
 
-PlayRun::PlayRun(const LSoundSource& source, int card, std::function<void()> notify)
-    : card_(card), notify_(std::move(notify)), original_(source), source_(source) {
+PlayRun::PlayRun(const LSoundSource& source, int card, std::shared_ptr<const LTempo> tempo,
+                 std::function<void()> notify)
+    : card_(card),
+      tempo_(std::move(tempo)),
+      notify_(std::move(notify)),
+      original_(source),
+      source_(source) {
     nextFrame_ = source->GetPositionSample();
     news_.frame = nextFrame_;
     news_.endFrame = source->GetEndSample();
@@ -103,6 +108,9 @@ bool PlayRun::MatchCard() {
         if (original_->GetPositionSample() > 0)
             source_->Seek(source_->GetPositionSample());
     }
+    // Outermost: its position stays that of the sound at its own speed.
+    if (tempo_ != nullptr)
+        source_ = LSoundSource(new LTempoSource(source_, tempo_));
     blockFrames_ =
         std::clamp(source_->SampleRate() / kBlocksPerSecond, kMinBlockFrames, kMaxBlockFrames);
     const auto frames = static_cast<std::size_t>(blockFrames_);
@@ -137,7 +145,7 @@ PlayRun::Supply PlayRun::NextBlock() {
     // Asked before the end: what arrives in between is seen at the next turn.
     const bool isStreaming = source_->IsStreaming();
     const int position = source_->GetPositionSample();
-    const std::int64_t remaining = std::int64_t{source_->GetEndSample()} - position;
+    const int remaining = source_->ReadableFrames();
     nextFrame_ =
         remaining < 1 && !isStreaming ? original_->GetEndSample() : source_->OriginFrame(position);
     if (remaining < 1)
@@ -145,7 +153,7 @@ PlayRun::Supply PlayRun::NextBlock() {
     if (isStreaming && remaining < blockFrames_ &&
         clock_.Unheard() > pcm_.Rate() / kScarcePerSecond)
         return Supply::kDry;
-    ReadBlock(position, static_cast<int>(std::min<std::int64_t>(blockFrames_, remaining)));
+    ReadBlock(position, std::min(blockFrames_, remaining));
     return Supply::kBlock;
 }
 

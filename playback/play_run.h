@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -27,6 +28,7 @@
 #include "playback/pcm_out.h"
 #include "sound/level.h"
 #include "sound/sound_source.h"
+#include "sound/tempo.h"
 
 // Why playback ended by itself.
 enum class PlayTrouble {
@@ -49,8 +51,10 @@ struct PlayNews {
 
 class PlayRun final : private LThread {
 public:
-    // notify is called on the thread when there are news, never once Halt has returned.
-    PlayRun(const LSoundSource& source, int card, std::function<void()> notify);
+    // notify is called on the thread when there are news, never once Halt has returned. Without a
+    // tempo the source plays at its own.
+    PlayRun(const LSoundSource& source, int card, std::shared_ptr<const LTempo> tempo,
+            std::function<void()> notify);
     ~PlayRun() override;  // waits for the thread
 
     using LThread::IsRunning;
@@ -91,6 +95,7 @@ private:
     void Tell(const std::function<void(PlayNews&)>& change);
 
     const int card_;
+    const std::shared_ptr<const LTempo> tempo_;
     const std::function<void()> notify_;
     LSignalObject finished_;
 

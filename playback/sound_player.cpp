@@ -124,7 +124,7 @@ int LSoundPlayer::EndSample() const {
 
 void LSoundPlayer::StartRun() {
     trouble_ = PlayTrouble::kNone;
-    run_ = std::make_unique<PlayRun>(source_, device_.Card(), [this] { QueueNotify(); });
+    run_ = std::make_unique<PlayRun>(source_, device_.Card(), tempo_, [this] { QueueNotify(); });
     run_->Start();
 }
 

@@ -20,6 +20,7 @@
 #include "sound/level.h"
 #include "sound/sound_source.h"
 #include "sound/sound_time.h"
+#include "sound/tempo.h"
 
 // What a player tells, always on the GUI thread. id is the number that the player's owner gave it.
 class LSoundPlayerNotify {
@@ -43,6 +44,10 @@ public:
 
     // Takes effect when the card is opened next: at Start, Play after Cue, and Seek.
     void SetDevice(LSoundPlayDevice device) { device_ = device; }
+
+    // How fast to play, from the next opening of the card on; changes of the tempo itself are heard
+    // at once. None: at the source's own.
+    void SetTempo(std::shared_ptr<const LTempo> tempo) { tempo_ = std::move(tempo); }
 
     // Stops what plays, then plays source from its position; the caller may drop its own handle at
     // any time, but leaves the source alone. False: the source is not good, or another Start waits
@@ -101,6 +106,7 @@ private:
     LSoundPlayerNotify& listener_;
     const int id_;
     LSoundPlayDevice device_;
+    std::shared_ptr<const LTempo> tempo_;
     LSoundSource source_;  // the run's while there is one
     int rate_ = 0;
     int position_ = 0;

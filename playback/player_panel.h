@@ -1,0 +1,94 @@
+// The panel that plays the current speech: transport buttons, position, time, level, card, volume
+// and reading speed.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "gui/inter_win_message.h"
+#include "gui/key_dialog.h"
+#include "playback/play_device.h"
+#include "playback/player_info.h"
+#include "playback/sound_player.h"
+#include "playback/wave_window.h"
+#include "sound/sound_time.h"
+#include "sound/tempo.h"
+
+// Owns its player and is the player's listener. GUI thread. `info` is borrowed and outlives the
+// panel.
+class LPlayerBaseDlg : public LKeyDialog,
+                       public LSoundPlayerNotify,
+                       public LInterWinMessageHandler {
+public:
+    explicit LPlayerBaseDlg(LPlayerBaseInfo& info);
+    ~LPlayerBaseDlg() override;
+
+    void InitDialog() override;
+    void DestroyDialog() override;
+    void EnableControls() override;
+    void Command(int command) override;
+    bool EvKeyDown(unsigned int key) override;
+    bool EvKeyUp(unsigned int key) override;
+    void EvInterWinMessage(int, int, int) override {}
+
+    void CmPlay();
+    void CmScrub();
+    virtual void CmStop();
+    void CmStart();
+    void CmEnd();
+    void CmPlayEnd();  // the last three seconds
+    void CmBack();
+    void CmFwd();
+    void CmBackFwdStop();
+    void CmSentence(int step);  // to the sentence `step` ones on; 0 repeats the one being heard
+
+    bool IsPlaying() const { return player_.IsLoaded() && !player_.IsCued(); }
+    LSoundTime Time() const { return time_; }
+    // Why nothing can be heard, when playback ended by itself.
+    PlayTrouble Trouble() const { return trouble_; }
+
+protected:
+    LSoundPlayer& Player() { return player_; }
+
+    void spntfPlay(int id) override;
+    void spntfStop(int id) override;
+    void spntfCue(int id) override;
+    void spntfTime(LSoundTime time, int id) override;
+    void spntfLevel(const LDBMC& levels, int id) override;
+
+    // Playback ended by itself: at the end, or in trouble.
+    virtual void EvEnded() {}
+
+private:
+    enum class Winding { kNone, kWasCued, kWasPlaying, kWasIdle };
+
+    LSoundSource OpenSource();
+    void SetTime(LSoundTime time, bool fromSlider);
+    LSoundTime ShownLength() const;
+    void ShowTime();
+    void ShowWave();
+    void ShowTempo();
+    bool StartAt(const LSoundSource& source, LSoundTime time);
+    void MoveTo(LSoundTime time);
+    void Wind(bool forwards);
+    void StopPlayer();
+    bool CmSpace();
+    void EvTrouble(PlayTrouble trouble);
+
+    LPlayerBaseInfo& info_;
+    std::string voice_;
+    std::shared_ptr<LTempo> tempo_;
+    LSoundPlayDevice device_;
+    LSoundPlayer player_;
+    LWaveWindow wave_;
+    int sampleRate_ = 0;  // of the source last opened
+    LSoundTime time_;
+    LSoundTime length_;  // of the source last opened; grows with it
+    Winding winding_ = Winding::kNone;
+    bool rewinding_ = false;
+    bool forwarding_ = false;
+    bool stopping_ = false;  // by the panel itself
+    PlayTrouble trouble_ = PlayTrouble::kNone;
+};
+
+void DlgGenPlayer(LDialogGenContext& context);
