@@ -5,7 +5,6 @@
 #include <signal.h>
 #include <sys/resource.h>
 
-#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <thread>
@@ -91,7 +90,7 @@ TEST(Thread, StartWhileRunningDoesNothingAndStartAfterwardsRunsAgain) {
             worker.Start(0);
             EXPECT_FALSE(worker.IsStopping()) << "a new run starts without the old request";
             ASSERT_TRUE(entered.Ref().WaitSignal(10000));
-            EXPECT_EQ(nice, std::max(before, 10));
+            EXPECT_TRUE(nice == 10 || before > 10) << nice;
             entered.Reset();
             worker.StopThreadSoon();
             while (worker.IsRunning())

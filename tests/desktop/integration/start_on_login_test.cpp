@@ -103,23 +103,19 @@ TEST_F(StartOnLogin, TheChoiceIsKeptAndCarriedOut) {
     LAutoRun::RemRunUser();  // there is nothing to remove any more
     EXPECT_TRUE(LAutoRun::IsRunUser());
 
-    const struct {
-        StartOnLoginPage page;
-        std::string all, user;
-        int mode;
-        bool kdeEntry, ownEntry;
-    } pages[] = {{{true, 0}, "1", "0", 0, true, true},
-                 {{true, 1}, "0", "1", 1, false, true},
-                 {{false, 0}, "0", "0", 1, false, false},
-                 {{true, -1}, "0", "0", -1, false, false}};
-    for (const auto& each : pages) {
-        ApplyStartOnLogin(each.page);
-        EXPECT_EQ(kAutoRunForAllSetting.Get(), each.all);
-        EXPECT_EQ(kAutoRunForUserSetting.Get(), each.user);
-        EXPECT_EQ(kRunModeSetting.Get(), each.mode);
-        EXPECT_EQ(has(kTargets[0]), each.kdeEntry);
-        EXPECT_EQ(has(kTargets[2]), each.ownEntry);
-        EXPECT_EQ(LoadStartOnLogin().isOn, each.all == "1" || each.user == "1");
+    const std::tuple<StartOnLoginPage, std::string, std::string, int> pages[] = {
+        {{true, 0}, "1", "0", 0},
+        {{true, 1}, "0", "1", 1},
+        {{false, 0}, "0", "0", 1},
+        {{true, -1}, "0", "0", -1}};
+    for (const auto& [page, all, user, mode] : pages) {
+        ApplyStartOnLogin(page);
+        EXPECT_EQ(kAutoRunForAllSetting.Get(), all);
+        EXPECT_EQ(kAutoRunForUserSetting.Get(), user);
+        EXPECT_EQ(kRunModeSetting.Get(), mode);
+        EXPECT_EQ(has(kTargets[0]), all == "1");
+        EXPECT_EQ(has(kTargets[2]), all == "1" || user == "1");
+        EXPECT_EQ(LoadStartOnLogin().isOn, all == "1" || user == "1");
     }
     forget();
 }
