@@ -53,7 +53,9 @@ LWaveColumn ScanWaveColumn(LSoundSourceBase& source, const LWaveFrame& frame, in
         return scanned;
     if (source.GetPositionSample() != first)
         source.Seek(static_cast<int>(first));
-    std::vector<int> block(static_cast<std::size_t>(kMaxBlockFrames) * source.Channels());
+    const auto most =
+        static_cast<std::size_t>(std::min<std::int64_t>(kMaxBlockFrames, last - first));
+    std::vector<int> block(most * source.Channels());
     int peak = 0;
     for (std::int64_t at = first; at < last;) {
         const int frames = static_cast<int>(std::min<std::int64_t>(kMaxBlockFrames, last - at));

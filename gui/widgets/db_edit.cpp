@@ -250,9 +250,12 @@ void WireDisplay(GtkWidget* display) {
 void WireText(GtkWidget* entry, GtkWidget* display) {
     gtk_entry_set_max_length(GTK_ENTRY(entry), kTextLength);
     SetDBText(entry, LDB(Level(display)));
-    g_signal_connect(entry, "key-release-event", G_CALLBACK(GCTextKeyRelease), display);
-    g_signal_connect(entry, "focus-out-event", G_CALLBACK(GCTextFocusOut), display);
-    g_signal_connect(entry, "activate", G_CALLBACK(GCTextActivate), display);
+    // The entry may outlive the drawing area, and loses the focus when it goes.
+    const auto flags = GConnectFlags(0);
+    g_signal_connect_object(entry, "key-release-event", G_CALLBACK(GCTextKeyRelease), display,
+                            flags);
+    g_signal_connect_object(entry, "focus-out-event", G_CALLBACK(GCTextFocusOut), display, flags);
+    g_signal_connect_object(entry, "activate", G_CALLBACK(GCTextActivate), display, flags);
 }
 
 }  // namespace
