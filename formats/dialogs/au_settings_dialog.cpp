@@ -21,8 +21,7 @@ constexpr const char* kCodecs[] = {"PCM 16 bit", "PCM 8 bit", "aLaw", "uLaw", nu
 
 void DlgGenAuEncode(LDialogGenContext& context) {
     context.SetWidth(390);
-    // The codec list bears the other list's label: the dialog's help and its translations name the
-    // lists by these texts.
+    // The codec list bears the other list's label; the texts are fixed.
     context.AddPullDownList(kCodec, "Channels");
     context.AddPullDownList(kRate, "Sample Rate");
     context.AddPullDownList(kChannels, "Channels");

@@ -4,7 +4,7 @@
 #include "formats/mp3_settings.h"
 #include "gui/dialog.h"
 
-// Nothing in the program offers it yet: MP3 settings are changed in the settings store.
+// Nothing in the program opens it: MP3 settings are changed in the settings store.
 class LMP3EncodeDlg final : public LDialog {
 public:
     // Borrowed. OK fills the settings and stores all eight keys.

@@ -109,19 +109,4 @@ TEST_F(DictationHeader, OneChangedFieldACase) {
     }
 }
 
-TEST_F(DictationHeader, TruncationAtEveryByteIsRefused) {
-    const std::string whole = Dictation().Build();
-    for (std::size_t size = 0; size < whole.size() - 4; size += size < 80 ? 1 : 97) {
-        std::string cut = whole.substr(0, size);
-        EXPECT_EQ(Describe(cut), "refused") << size;
-        if (size >= 6) {  // even when the stored size is right
-            cut.replace(2, 4, Bytes().LE32(static_cast<std::uint32_t>(size)).Str());
-            EXPECT_EQ(Describe(cut), "refused") << size;
-        }
-    }
-    LStringLongTemplate<char> text;
-    EXPECT_FALSE(ReadDCTHeader(Path("missing").c_str(), text, false));
-    EXPECT_FALSE(ReadDCTHeader(Path("").c_str(), text, false));
-}
-
 }  // namespace

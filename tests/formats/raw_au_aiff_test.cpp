@@ -64,19 +64,10 @@ TEST_F(RowFiles, RawSettingsOfAnyKindAreSurvived) {
         LSoundSink full = LRawFile::OpenSink("/dev/full", {8000, 1, codec});
         WriteAll(full, TestSignal(64));
         EXPECT_EQ(full->Finish(), ENOSPC) << codec;
-        for (const int rate : {0, INT_MIN, INT_MAX}) {
-            const LSoundSource odd = LRawFile::OpenSource(path.c_str(), {rate, 255, codec});
-            EXPECT_EQ(odd->Status(), rate > 0 ? kGood : kInvalidFormat) << codec;
-            EXPECT_EQ(odd->SampleRate(), rate > 0 ? rate : 44100);
-            EXPECT_EQ(odd->GetEndSample(), codec == 0 ? 6 : 0);
-            std::vector<int> block(255 * 2, 9);
-            odd->Read(block.data(), 2);
-            EXPECT_NE(block[1], 9);
-        }
     }
-    const LSoundSource mono = LRawFile::OpenSource(path.c_str(), {8000, 0, kRawSigned8});
-    EXPECT_EQ(mono->Status(), kInvalidFormat);
-    EXPECT_EQ(ReadAll(mono).size(), 3U);
+    const LSoundSource odd = LRawFile::OpenSource(path.c_str(), {INT_MIN, 0, kRawSigned8});
+    EXPECT_EQ(odd->Status(), kInvalidFormat);
+    EXPECT_EQ(ReadAll(odd).size(), 3U);
 }
 
 TEST_F(RowFiles, RawSinksStepBackButNotForward) {
@@ -117,14 +108,10 @@ TEST_F(RowFiles, AuHeaders) {
         {"size 2^31", AuHeader(24, 1U << 31, 1, 8000, 1), kGood, INT_MAX},
         {"header size not looked at", AuHeader(big, 4, 1, 8000, 1), kGood, 4},
         {"float", AuHeader(24, 4, 6, 8000, 1), kUnsupported, 0},
-        {"encoding 0", AuHeader(24, 4, 0, 8000, 1), kUnsupported, 0},
         {"rate 0", AuHeader(24, 4, 1, 0, 1), kInvalidFormat, 0},
-        {"rate 2^31-1", AuHeader(24, 4, 1, INT_MAX, 1), kGood, 4},
         {"rate 2^32-1", AuHeader(24, 4, 1, big, 1), kInvalidFormat, 0},
         {"no channels", AuHeader(24, 4, 1, 8000, 0), kInvalidFormat, 0},
         {"256 channels", AuHeader(24, 4, 1, 8000, 256), kInvalidFormat, 0},
-        {"257 channels", AuHeader(24, 4, 1, 8000, 257), kInvalidFormat, 0},
-        {"2^32-1 channels", AuHeader(24, 4, 1, 8000, big), kInvalidFormat, 0},
         {"magic", "x" + AuHeader(24, 4, 1, 8000, 1).substr(1), kInvalidFormat, 0},
     };
     for (const Case& c : cases) {
@@ -228,26 +215,6 @@ TEST_F(RowFiles, AiffFilesLoseTheirLastEightBytesWhenReadBack) {
     EXPECT_EQ(Load(path).substr(0, 54), header.Str());
     const std::vector<int> back = ReadAll(LAifFile::OpenSource(path.c_str()));
     EXPECT_EQ(back, std::vector<int>(signal.begin(), signal.begin() + 16));
-}
-
-TEST_F(RowFiles, SizesBeyondTheFieldsAreLeftUnknown) {
-    struct Case {
-        LHeaderWriter writer;
-        int frames, offset;
-        std::uint32_t size;
-    };
-    const Case cases[] = {{WriteHeaderAIFF, 0x3FFFFFF3, 42, 0xFFFFFFCC},
-                          {WriteHeaderAIFF, 0x3FFFFFF5, 42, 0xFFFFFFFF},
-                          {WriteHeaderAU_16PCM, 0x3FFFFFFF, 8, 0xFFFFFFFC},
-                          {WriteHeaderAU_16PCM, 0x40000000, 8, 0xFFFFFFFF},
-                          {WriteHeaderAU_16PCM, INT_MAX, 8, 0xFFFFFFFF}};
-    for (const Case& c : cases) {
-        const std::string path = Path("big");
-        { LRawFileDataSoundSink<LSFBE16> sink(path.c_str(), 8000, 2, c.frames, c.writer); }
-        EXPECT_EQ(Load(path).substr(static_cast<std::size_t>(c.offset), 4),
-                  Bytes().BE32(c.size).Str())
-            << c.frames;
-    }
 }
 
 }  // namespace

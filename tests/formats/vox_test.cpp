@@ -65,21 +65,6 @@ TEST_F(Vox, CodecMatchesThePlainOneOnEverySignal) {
     }
 }
 
-TEST_F(Vox, EvenBlocksOfAnySizeGiveTheSameBytesAndAnyRequestTheSameSamples) {
-    const std::vector<int> signal = TestSignal(20000);
-    const std::string path = Path("s.vox");
-    WriteAll(LRawFile::OpenSink(path.c_str(), settings_), signal);
-    const std::string bytes = Load(path);
-    for (const int step : {2, 6, 4096, 20000}) {
-        WriteAll(LRawFile::OpenSink(path.c_str(), settings_), signal, step);
-        EXPECT_EQ(Load(path), bytes) << step;
-    }
-    const std::vector<int> samples = ReadAll(Open(path));
-    ASSERT_EQ(samples.size(), 20000U);
-    for (const int step : {1, 2, 3, 777, 8191, 20000})
-        EXPECT_EQ(ReadAll(Open(path), step), samples) << step;
-}
-
 // A nibble left over from an odd block takes the next block's first sample, drops its second, and
 // the block ends one sample past its end, where the last one counts again.
 TEST_F(Vox, OddBlocksSkipASample) {
