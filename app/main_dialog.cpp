@@ -12,6 +12,7 @@
 #include "foundation/browser.h"
 #include "foundation/file.h"
 #include "foundation/hosts.h"
+#include "foundation/owned_text.h"
 #include "foundation/text_file.h"
 #include "gui/accessible.h"
 #include "gui/control_factory.h"
@@ -63,8 +64,10 @@ MainDialog::MainDialog()
     : voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }), reading_(*this) {}
 
 MainDialog::~MainDialog() {
-    if (nextFile_ != 0)
-        g_source_remove(nextFile_);
+    for (const unsigned int source : {nextFile_, hotKeySource_}) {
+        if (source != 0)
+            g_source_remove(source);
+    }
 }
 
 void MainDialog::Run() {
@@ -102,6 +105,8 @@ void MainDialog::InitDialog() {
     CreateControls();
     SetStatusText(kBanner);
     SetKeyMap(kKeyMap);
+    HotKeyHandlerInit(nullptr);
+    HotkeysStart();
     voices_.Ask();
     HandlePDLSelChange(kVoiceList);
     HandleEditTextChange(kTextBox, kTextChanged);
@@ -110,6 +115,7 @@ void MainDialog::InitDialog() {
 }
 
 void MainDialog::DestroyDialog() {
+    HotkeysStop();
     StopReading();
     voices_.Store();
 }
@@ -294,14 +300,20 @@ void MainDialog::ReadWaitingFilesSoon() {
         nextFile_ = gdk_threads_add_idle(ReadNextFile, this);
 }
 
+std::string MainDialog::SelectedText() {
+    for (const GdkAtom selection : {GDK_SELECTION_PRIMARY, GDK_SELECTION_CLIPBOARD}) {
+        const OwnedText text(gtk_clipboard_wait_for_text(gtk_clipboard_get(selection)));
+        if (text && *text != '\0')
+            return text.get();
+    }
+    return "";
+}
+
 bool MainDialog::CmCopyFromClipboard() {
-    GtkClipboard* selection = gtk_clipboard_get(GDK_SELECTION_PRIMARY);
-    gchar* text = gtk_clipboard_wait_for_text(selection);
-    const bool hasText = text != nullptr && *text != '\0';
-    if (hasText)
-        SetEditText(kTextBox, text);
-    g_free(text);
-    return hasText;
+    const std::string text = SelectedText();
+    if (!text.empty())
+        SetEditText(kTextBox, text.c_str());
+    return !text.empty();
 }
 
 void MainDialog::CmOpenFile() {

@@ -4,6 +4,7 @@
 #include <deque>
 #include <string>
 
+#include "app/hot_key_handler.h"
 #include "app/long_lines.h"
 #include "app/read_aloud.h"
 #include "app/spoken_highlight.h"
@@ -11,7 +12,7 @@
 #include "gui/main_window.h"
 
 // Lives for the whole run. GUI thread.
-class MainDialog final : public LMainWindow, private ReadAloudListener {
+class MainDialog final : public LMainWindow, private LHotKeyHandler, private ReadAloudListener {
 public:
     MainDialog();
     ~MainDialog() override;
@@ -34,7 +35,8 @@ public:
 
     void CmRead();
     void CmSave();
-    bool CmCopyFromClipboard();  // from the primary selection; false when it holds no text
+    // From what is selected in any program, else from the clipboard; false when neither holds text.
+    bool CmCopyFromClipboard();
     void CmOpenFile();
     bool LoadFile(const char* path);  // false: unreadable, the text stays
 
@@ -44,6 +46,14 @@ private:
     void EvReadingStretch(std::size_t begin, std::size_t end) override;
     void EvReadingWaits() override;
     void EvReadingEnded(const std::string& note, bool inTrouble) override;
+
+    void HotkeysStart();  // as they are stored now
+    void HotkeysStop();
+    void EvHotKey(int index) override;
+    void EvHotKeyReleased(int index) override;
+    static int RunPressedHotKey(void* self);
+    void RunHotKey(int index);
+    static std::string SelectedText();
 
     enum class Stretch { kAll, kSelected };  // kSelected: all when nothing is selected
     using SpeakFunction = void (MainDialog::*)(const std::string& text, int voice);
@@ -70,7 +80,11 @@ private:
     ReadAloud reading_;
     bool speaking_ = false;
     bool loadingWaitingFile_ = false;
-    unsigned int nextFile_ = 0;  // idle source that goes on with the waiting files; 0 when none
+    int hotKeyCount_ = 0;
+    int heldHotKey_ = -1;            // index, -1 for none
+    int pressedHotKey_ = -1;         // what the idle source below will act on
+    unsigned int hotKeySource_ = 0;  // 0 when none
+    unsigned int nextFile_ = 0;      // idle source that goes on with the waiting files; 0 when none
     std::deque<std::string>
         waitingFiles_;  // from the command line or another start, to be read in order
 };

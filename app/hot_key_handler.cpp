@@ -1,0 +1,125 @@
+#include "app/hot_key_handler.h"
+
+#include <X11/XKBlib.h>
+#include <X11/Xlib.h>
+#include <gdk/gdkx.h>
+
+#include <algorithm>
+
+namespace {
+
+// What a user may leave switched on: Caps Lock, Num Lock and Mod5, alone and together.
+constexpr unsigned int kLockStates[] = {0,
+                                        Mod2Mask,
+                                        Mod5Mask,
+                                        LockMask,
+                                        LockMask | Mod2Mask,
+                                        LockMask | Mod5Mask,
+                                        Mod2Mask | Mod5Mask,
+                                        LockMask | Mod2Mask | Mod5Mask};
+constexpr unsigned int kModifiers = ShiftMask | ControlMask | Mod1Mask;
+
+Display* DisplayOf(GdkWindow* root) {
+    return GDK_WINDOW_XDISPLAY(root);
+}
+
+// 0: the keyboard has no such key.
+KeyCode KeycodeOf(Display* display, LKeyCode key) {
+    const char* name = gdk_keyval_name(gdk_keyval_to_upper(KeyValue(key)));
+    return name != nullptr ? XKeysymToKeycode(display, XStringToKeysym(name)) : KeyCode{0};
+}
+
+}  // namespace
+
+LHotKeyHandler::~LHotKeyHandler() {
+    for (const HotKey& hotKey : hotKeys_)
+        Ungrab(hotKey);
+    HotKeyHandlerDestroy();
+}
+
+void LHotKeyHandler::HotKeyHandlerInit(GdkWindow* window) {
+    root_ = window != nullptr ? gdk_screen_get_root_window(gdk_window_get_screen(window))
+                              : gdk_get_default_root_window();
+    gdk_window_add_filter(root_, gdk_filter, this);
+    isFiltering_ = true;
+}
+
+void LHotKeyHandler::HotKeyHandlerDestroy() {
+    if (isFiltering_)
+        gdk_window_remove_filter(root_, gdk_filter, this);
+    isFiltering_ = false;
+}
+
+void LHotKeyHandler::Grab(const HotKey& hotKey) const {
+    for (const unsigned int locks : kLockStates)
+        XGrabKey(DisplayOf(root_), hotKey.keycode, hotKey.modifiers | locks, GDK_WINDOW_XID(root_),
+                 True, GrabModeAsync, GrabModeAsync);
+}
+
+void LHotKeyHandler::Ungrab(const HotKey& hotKey) const {
+    for (const unsigned int locks : kLockStates)
+        XUngrabKey(DisplayOf(root_), hotKey.keycode, hotKey.modifiers | locks,
+                   GDK_WINDOW_XID(root_));
+}
+
+bool LHotKeyHandler::RegisterHotKey(int index, LKeyCode key) {
+    if (root_ == nullptr)
+        return false;
+    const HotKey hotKey{KeycodeOf(DisplayOf(root_), key), key >> 16, index};
+    // 0 would grab every key of the keyboard.
+    if (hotKey.keycode == 0)
+        return false;
+    gdk_error_trap_push();
+    Grab(hotKey);
+    gdk_flush();  // errors arrive with the server's answer
+    if (gdk_error_trap_pop() != 0) {
+        // A combination that works only while Caps Lock is on helps nobody.
+        Ungrab(hotKey);
+        return false;
+    }
+    hotKeys_.push_front(hotKey);
+    return true;
+}
+
+void LHotKeyHandler::UnregisterHotKey(int index) {
+    auto before = hotKeys_.before_begin();
+    for (auto at = hotKeys_.begin(); at != hotKeys_.end(); before = at++) {
+        if (at->index == index) {
+            Ungrab(*at);
+            hotKeys_.erase_after(before);
+            return;
+        }
+    }
+}
+
+const LHotKeyHandler::HotKey* LHotKeyHandler::Find(unsigned int keycode, unsigned int state) const {
+    const auto found = std::find_if(hotKeys_.begin(), hotKeys_.end(), [=](const HotKey& each) {
+        return each.keycode == keycode && each.modifiers == (state & kModifiers);
+    });
+    return found != hotKeys_.end() ? &*found : nullptr;
+}
+
+// Every event that the X server reports to the root window.
+GdkFilterReturn LHotKeyHandler::gdk_filter(GdkXEvent* xevent, GdkEvent*, gpointer handler) {
+    auto* self = static_cast<LHotKeyHandler*>(handler);
+    if (self == nullptr)
+        return GDK_FILTER_REMOVE;
+    const auto& event = *static_cast<XEvent*>(xevent);
+    if (event.type != KeyPress && event.type != KeyRelease)
+        return GDK_FILTER_CONTINUE;
+    const unsigned int keycode = event.xkey.keycode;
+    if (XkbKeycodeToKeysym(event.xkey.display, static_cast<KeyCode>(keycode), 0, 0) == NoSymbol)
+        return GDK_FILTER_CONTINUE;
+    if (event.type == KeyPress) {
+        if (const HotKey* hotKey = self->Find(keycode, event.xkey.state)) {
+            self->downKeycode_ = keycode;
+            self->downIndex_ = hotKey->index;
+            self->EvHotKey(hotKey->index);
+        }
+    } else if (keycode == self->downKeycode_) {
+        // Many users let go of the modifiers first, so that these do not tell.
+        self->downKeycode_ = 0;
+        self->EvHotKeyReleased(self->downIndex_);
+    }
+    return GDK_FILTER_REMOVE;
+}

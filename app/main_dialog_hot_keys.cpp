@@ -1,0 +1,64 @@
+// The main window's system-wide hotkeys.
+#include "app/hot_key_store.h"
+#include "app/main_dialog.h"
+
+void MainDialog::HotkeysStart() {
+    int index = 0;
+    // One that another program holds does nothing.
+    for (const StoredHotKey& hotKey : LoadHotKeys())
+        RegisterHotKey(index++, hotKey.key);
+    hotKeyCount_ = index;
+}
+
+void MainDialog::HotkeysStop() {
+    for (int index = 0; index < hotKeyCount_; ++index)
+        UnregisterHotKey(index);
+    hotKeyCount_ = 0;
+}
+
+// Acts from the main loop: reading and saving run dialogs. A key that is held repeats itself.
+void MainDialog::EvHotKey(int index) {
+    if (index == heldHotKey_)
+        return;
+    heldHotKey_ = index;
+    pressedHotKey_ = index;
+    if (hotKeySource_ == 0)
+        hotKeySource_ = gdk_threads_add_idle(RunPressedHotKey, this);
+}
+
+void MainDialog::EvHotKeyReleased(int) {
+    heldHotKey_ = -1;
+}
+
+int MainDialog::RunPressedHotKey(void* self) {
+    auto* window = static_cast<MainDialog*>(self);
+    window->hotKeySource_ = 0;
+    window->RunHotKey(window->pressedHotKey_);
+    return FALSE;
+}
+
+void MainDialog::RunHotKey(int index) {
+    const std::vector<StoredHotKey> hotKeys = LoadHotKeys();
+    if (index < 0 || index >= static_cast<int>(hotKeys.size()))
+        return;
+    switch (hotKeys[static_cast<std::size_t>(index)].command) {
+        case kHotKeyUpdate:
+            CmCopyFromClipboard();
+            break;
+        case kHotKeyRead:
+            // Pressed again over the same text, it stops.
+            if (reading_.IsReading() && SelectedText() == lines_.Text()) {
+                StopReading();
+                break;
+            }
+            CmCopyFromClipboard();
+            CmRead();
+            break;
+        case kHotKeySave:
+            CmCopyFromClipboard();
+            CmSave();
+            break;
+        default:
+            break;
+    }
+}

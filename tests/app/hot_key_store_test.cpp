@@ -1,0 +1,61 @@
+#include "app/hot_key_store.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "foundation/settings_record.h"
+
+namespace {
+
+class HotKeyStoreTest : public testing::Test {
+protected:
+    void SetUp() override { std::filesystem::remove_all(Folder()); }
+    static std::filesystem::path Folder() {
+        const char* root = std::getenv("LECTORA_ROOT");
+        return std::filesystem::path(root != nullptr ? root : "/nonexistent") /
+               "opt/quillon/lectora/etc/hotkey_";
+    }
+    static std::vector<int> Ids() {
+        std::vector<int> ids;
+        for (const StoredHotKey& each : LoadHotKeys())
+            ids.push_back(each.id);
+        return ids;
+    }
+};
+
+TEST_F(HotKeyStoreTest, KeepsWhatIsStoredAndUsesFreeIdsAgain) {
+    EXPECT_TRUE(LoadHotKeys().empty());
+    for (const int command : {kHotKeyUpdate, kHotKeyRead, kHotKeySave}) {
+        StoredHotKey added{-1, kKeyControl | kKeyShift | 'R', command};
+        EXPECT_TRUE(StoreHotKey(added));
+        EXPECT_EQ(command, added.id);
+    }
+    RemoveHotKey(1);
+    EXPECT_EQ((std::vector<int>{0, 2}), Ids());
+    StoredHotKey changed{2, kKeyAlt | 0xFFC2, kHotKeyRead};
+    EXPECT_TRUE(StoreHotKey(changed));
+    EXPECT_EQ(0x8FFC2u, LoadHotKeys()[1].key);
+    EXPECT_EQ(kHotKeyRead, LoadHotKeys()[1].command);
+    StoredHotKey added;
+    StoreHotKey(added);
+    EXPECT_EQ(1, added.id);
+    EXPECT_EQ((std::vector<int>{0, 1, 2}), Ids());
+    EXPECT_EQ(3, LSettingsRecord("Hotkey", "Details").GetInt("MaxID", 0));
+}
+
+TEST_F(HotKeyStoreTest, RecordsEditedByHandDoNoHarm) {
+    LSettingsRecord details("Hotkey", "Details");
+    details.SetInt("MaxID", 2000000000);
+    LSettingsRecord record;
+    details.CreateSubRecord("7", record);
+    record.SetString("Key", "rubbish");
+    const std::vector<StoredHotKey> hotKeys = LoadHotKeys();
+    ASSERT_EQ(1u, hotKeys.size());
+    EXPECT_EQ(0u, hotKeys[0].key);
+    EXPECT_EQ(-1, hotKeys[0].command);
+}
+
+}  // namespace
