@@ -89,6 +89,7 @@ TEST_F(LogTest, ManyProcessesAndThreadsLoseAndMixNoLine) {
     for (int process = 0; process < kProcesses; ++process) {
         processes[process] = StartForked([&] {
             std::vector<std::jthread> threads;
+            threads.reserve(kThreads);
             for (int thread = 0; thread < kThreads; ++thread)
                 threads.emplace_back([&, name = std::to_string(process * kThreads + thread) + ":"] {
                     for (int i = 0; i < kLines; ++i)

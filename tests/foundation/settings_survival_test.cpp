@@ -55,15 +55,15 @@ TEST(SettingsSurvival, ProcessesAndThreadsLoseNoKeyOfEachOther) {
     constexpr int kWriters = 4;
     constexpr int kKeys = 500;
     const ScratchFolder folder;
-    std::vector<pid_t> writers;
+    pid_t writers[kWriters];
     for (int writer = 0; writer < kWriters; ++writer) {
-        writers.push_back(StartForked([&] {
+        writers[writer] = StartForked([&] {
             const int first = writer * kKeys;
             std::thread beside(Fill, folder / "s", first, first + kKeys / 2);
             Fill(folder / "s", first + kKeys / 2, first + kKeys);
             beside.join();
             return 0;
-        }));
+        });
     }
     for (const pid_t writer : writers)
         EXPECT_EQ(WaitForked(writer), 0);

@@ -18,7 +18,8 @@ def read_layers():
         for line in file:
             name, colon, words = line.partition(":")
             if colon and not line.startswith("#"):
-                (libraries if name.startswith("<") else may_include)[name.lstrip("<")] = words.split()
+                table = libraries if name.startswith("<") else may_include
+                table[name.lstrip("<")] = words.split()
     return may_include, libraries
 
 
@@ -61,14 +62,10 @@ def rules_for(path):
     return folder, MAY_INCLUDE.get(folder, []) + [folder]
 
 
-def included_folder(header):
-    return folder_of(header, [*MAY_INCLUDE, "tests"])
-
-
 def allowed(header, permitted):
     if header in permitted:
         return True
-    folder = included_folder(header)
+    folder = folder_of(header, [*MAY_INCLUDE, "tests"])
     if folder == "tests":
         return any(header.startswith(name + "/") for name in permitted if name.startswith("tests/"))
     return folder in permitted
