@@ -124,7 +124,7 @@ std::string MakeTemporaryName() {
 }
 
 std::string InstallerPathFor(const std::string& temporaryName) {
-    const std::string path = temporaryName + ".tar.gz";
+    std::string path = temporaryName + ".tar.gz";
     // What bash is to run must be nobody else's, and not writable by others.
     const UniqueFd file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));

@@ -78,61 +78,59 @@ bool IsTrusted(const char* componentName, const std::string& path);
 
 }  // namespace component
 
-// url is "http://HOST[:PORT]/PATH". A 3xx answer counts as success and is not followed: its body is
-// what is taken for the file. An answer that does not tell its length fails, since half an
-// installer would look whole.
+namespace component {
+
+// Connects to the first address that answers.
 template <LProgress P>
-LProcessResult ProcessHTTPDownloadFile(P& progress, const char* url, const char* outputPath) {
-    using namespace component;
-    constexpr std::string_view kScheme = "http://";
-    char host[kTextBufferSize];
-    char path[kTextBufferSize];
-    const std::string_view address(url);
-    ProcessHTTPSplitHost(address.starts_with(kScheme) ? url + kScheme.size() : url, host, path);
+LProcessResult ProcessOpenHost(P& progress, const char* host, LIPSocketTCP& socket) {
     std::vector<LIPAddressWithPort> addresses;
     LProcessResult result =
         ProcessResolve(progress, SplitHostPort(host, 80), kResolveMilliseconds, addresses);
-    LIPSocketTCP socket;
-    if (result == kProcessDone) {
-        result = kProcessFailed;
-        for (const LIPAddressWithPort& each : addresses) {
-            result = ProcessConnect(progress, socket, each, kConnectMilliseconds);
-            if (result != kProcessFailed)
-                break;
-        }
-    }
     if (result != kProcessDone)
         return result;
-    const std::string request =
-        std::string("GET ") + path + " HTTP/1.0\r\nHost: " + host + "\r\n\r\n";
-    result = ProcessSend(progress, socket, request.data(),
-                         static_cast<unsigned int>(request.size()), kLineMilliseconds);
+    result = kProcessFailed;
+    for (const LIPAddressWithPort& address : addresses) {
+        result = ProcessConnect(progress, socket, address, kConnectMilliseconds);
+        if (result != kProcessFailed)
+            break;
+    }
+    return result;
+}
+
+// line holds kTextBufferSize bytes; what is longer is cut.
+template <LProgress P>
+LProcessResult ProcessRecvLine(P& progress, LIPSocketTCPRef socket, char* line) {
+    LFixedLengthStringWriterTemplate<char> writer(line, kTextBufferSize);
+    return ProcessRecvLineToWriter(progress, socket, writer, kLineMilliseconds);
+}
+
+// The header lines, to the empty one; failed when they do not tell the body's length.
+template <LProgress P>
+LProcessResult ProcessRecvHeader(P& progress, LIPSocketTCPRef socket, std::int64_t& length) {
+    length = -1;
     char line[kTextBufferSize];
-    const auto nextLine = [&] {
-        LFixedLengthStringWriterTemplate<char> writer(line, sizeof(line));
-        result = ProcessRecvLineToWriter(progress, socket, writer, kLineMilliseconds);
-        return result == kProcessDone;
-    };
-    if (result != kProcessDone || !nextLine())
-        return result;
-    if (!IsGoodStatusLine(line))
-        return kProcessFailed;
-    BodyFile file(outputPath);
-    if (!file.IsOpen())
-        return kProcessFailed;
-    std::int64_t length = -1;
-    for (int lines = 0; nextLine() && line[0] != '\0'; ++lines) {
-        if (lines == kMostHeaderLines || !TakeContentLength(line, length))
+    for (int lines = 0; lines < kMostHeaderLines; ++lines) {
+        const LProcessResult result = ProcessRecvLine(progress, socket, line);
+        if (result != kProcessDone)
+            return result;
+        if (line[0] == '\0')
+            return length >= 0 ? kProcessDone : kProcessFailed;
+        if (!TakeContentLength(line, length))
             return kProcessFailed;
     }
-    if (result != kProcessDone || length < 0)
-        return result == kProcessStopped ? kProcessStopped : kProcessFailed;
+    return kProcessFailed;
+}
+
+template <LProgress P>
+LProcessResult ProcessRecvBody(P& progress, LIPSocketTCPRef socket, std::int64_t length,
+                               BodyFile& file) {
     const double step = length > 0 ? kPieceBytes / static_cast<double>(length) : 0;
     double fraction = 0;
     char piece[kPieceBytes];
     while (length > 0) {
         const auto size = static_cast<unsigned int>(std::min<std::int64_t>(length, kPieceBytes));
-        result = ProcessRecvBytes(progress, socket, piece, size, kPieceMilliseconds);
+        const LProcessResult result =
+            ProcessRecvBytes(progress, socket, piece, size, kPieceMilliseconds);
         if (result != kProcessDone)
             return result;
         if (!file.Write(piece, size))
@@ -143,6 +141,42 @@ LProcessResult ProcessHTTPDownloadFile(P& progress, const char* url, const char*
             progress.SetFraction(std::min(fraction, 1.0));
     }
     return file.Keep() ? kProcessDone : kProcessFailed;
+}
+
+}  // namespace component
+
+// url is "http://HOST[:PORT]/PATH". A 3xx answer counts as success and is not followed: its body is
+// what is taken for the file. An answer that does not tell its length fails, since half an
+// installer would look whole.
+template <LProgress P>
+LProcessResult ProcessHTTPDownloadFile(P& progress, const char* url, const char* outputPath) {
+    using namespace component;
+    constexpr std::string_view kScheme = "http://";
+    char host[kTextBufferSize];
+    char path[kTextBufferSize];
+    ProcessHTTPSplitHost(std::string_view(url).starts_with(kScheme) ? url + kScheme.size() : url,
+                         host, path);
+    LIPSocketTCP socket;
+    LProcessResult result = ProcessOpenHost(progress, host, socket);
+    if (result != kProcessDone)
+        return result;
+    const std::string request =
+        std::string("GET ") + path + " HTTP/1.0\r\nHost: " + host + "\r\n\r\n";
+    result = ProcessSend(progress, socket, request.data(),
+                         static_cast<unsigned int>(request.size()), kLineMilliseconds);
+    char line[kTextBufferSize];
+    if (result == kProcessDone)
+        result = ProcessRecvLine(progress, socket, line);
+    if (result != kProcessDone)
+        return result;
+    if (!IsGoodStatusLine(line))
+        return kProcessFailed;
+    BodyFile file(outputPath);
+    if (!file.IsOpen())
+        return kProcessFailed;
+    std::int64_t length = 0;
+    result = ProcessRecvHeader(progress, socket, length);
+    return result == kProcessDone ? ProcessRecvBody(progress, socket, length, file) : result;
 }
 
 // message: what the installer said last, as a sentence for the user.
