@@ -1,5 +1,6 @@
 #include "gui/window.h"
 
+#include "gui/accessible.h"
 #include "gui/display_text.h"
 #include "gui/help_page.h"
 #include "gui/icons.h"
@@ -118,8 +119,15 @@ void LWindow::FocusControl(int id) {
 }
 
 void LWindow::SetTooltip(int id, const char* text) {
-    if (GtkWidget* control = GetControlByID(id))
-        gtk_widget_set_tooltip_text(control, DisplayText(text).c_str());
+    GtkWidget* control = GetControlByID(id);
+    if (control == nullptr)
+        return;
+    const std::string shown = DisplayText(text);
+    gtk_widget_set_tooltip_text(control, shown.c_str());
+    // What shows no text of its own, as a picture on a button, is called by its tooltip.
+    const char* name = atk_object_get_name(gtk_widget_get_accessible(control));
+    if (name == nullptr || *name == '\0')
+        SetAccessibleName(control, shown.c_str());
 }
 
 void LWindow::SetControlInvalid(int id, const char* message, const char* title) {

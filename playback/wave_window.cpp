@@ -5,7 +5,6 @@
 
 #include "gui/accessible.h"
 #include "gui/widgets/theme_paint.h"
-#include "gui/widgets/value_area.h"
 
 namespace {
 
@@ -35,6 +34,7 @@ GtkWidget* LWaveWindow::CreateControl() {
     GtkWidget* area = gtk_drawing_area_new();
     gtk_widget_set_size_request(area, 200, 64);
     SetAccessibleName(area, "Waveform");
+    atk_object_set_role(gtk_widget_get_accessible(area), ATK_ROLE_DRAWING_AREA);
     return area;
 }
 

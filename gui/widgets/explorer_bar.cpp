@@ -114,6 +114,7 @@ GtkWidget* LExplorerBar::Create(std::function<void(int command)> send) {
     bar_ = gtk_scrolled_window_new(nullptr, nullptr);
     GtkScrolledWindow* scrolled = GTK_SCROLLED_WINDOW(bar_);
     gtk_scrolled_window_set_policy(scrolled, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_widget_set_can_focus(bar_, FALSE);  // its topics and items are the stops
     box_ = gtk_vbox_new(FALSE, 4);
     gtk_container_set_border_width(GTK_CONTAINER(box_), 4);
     gtk_scrolled_window_add_with_viewport(scrolled, box_);

@@ -78,6 +78,9 @@ public:
         CoolButtonInit(40, kReadButtonIcon, "Read Aloud");
         CoolButtonInitDropDown(41, kSaveButtonIcon, "Save as Speech", 1);
         CoolButtonInitUpDown(42, kRewindIcon, "", 2, 3);
+        SetTooltip(42, "Rewind (<-)");
+        EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(GetControlByID(42))),
+                     "Rewind (<-)");
         GtkWidget* bar = bar_.Create(nullptr);
         const int read = bar_.AddTopic("Read Aloud", kReadAloudIcon);
         bar_.AddItem(read, "Read current text", "Read aloud (Ctrl+Shift+R)", 1011);
