@@ -52,8 +52,6 @@ void LMP3EncodeDlg::InitDialog() {
         PDLFill(list, kBitRates);
     PDLFill(kQuality, kQualities);
     Show(settings_);
-    HandleClick(kConstant);
-    HandleClick(kVariable);
 }
 
 void LMP3EncodeDlg::Show(const LMp3EncodeSettings& settings) {

@@ -148,7 +148,8 @@ TEST_F(ComponentDownload, TheEncoderKeepsTheSound) {
         ASSERT_EQ(sink->SampleRate(), test.rate);
         std::vector<int> sound;
         for (int i = 0; i < 2 * test.rate * sink->Channels(); i++) {
-            const double seconds = i / sink->Channels() / static_cast<double>(test.rate);
+            const int frame = i / sink->Channels();
+            const double seconds = static_cast<double>(frame) / test.rate;
             sound.push_back(
                 static_cast<int>(200000 * std::sin(2765 * seconds + 3 * std::sin(40 * seconds))));
         }

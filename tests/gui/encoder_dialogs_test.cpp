@@ -120,8 +120,7 @@ TEST(Mp3Dialog, StoresWhatTheEncoderCanBear) {
         UserScript user({[&] {
                              EXPECT_EQ(dialog.PDLGetText(kMp3Constant + 1), "128");
                              EXPECT_FALSE(dialog.IsControlEnabled(kMp3Lowest));
-                             dialog.SetCheck(kMp3Variable, true);
-                             dialog.EnableControls();
+                             gtk_button_clicked(ButtonOf(dialog, kMp3Variable));
                              EXPECT_FALSE(dialog.IsControlEnabled(kMp3Constant + 1));
                              dialog.PDLSetText(kMp3Lowest, c.lowest);
                              dialog.PDLSetText(kMp3Highest, c.highest);
