@@ -20,7 +20,7 @@ LSoundSource LSPConvertRate::OpenSource(const LSoundSource& source) const {
     if (source->Status() != SoundStatus::kGood || source->SampleRate() == rate_)
         return source;
     // So far down, the wide-band stage's cut-off would fall to nothing or below it.
-    if (rate_ > 0 && source->SampleRate() / 16 > rate_)
+    if (rate_ > 0 && source->SampleRate() / 16 >= rate_)
         return OpenSource(LSPConvertRate(rate_ * 4).OpenSource(source));
     if (rate_ > 0 && source->SampleRate() / 4 > rate_) {
         const LSoundSource between(new LSRCConvertRate(source, rate_ * 2, true));

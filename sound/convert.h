@@ -14,7 +14,9 @@ private:
     unsigned char channels_;
 };
 
-// Ratios above 4 go through a stage at twice the target rate.
+// Downwards, ratios above 4 go through a stage at twice the target rate, and those from 16 on first
+// through one at four times it. Upwards, ratios above 32 go first through one at 16 times the
+// source's rate.
 class LSPConvertRate {
 public:
     explicit LSPConvertRate(int rate) : rate_(rate) {}

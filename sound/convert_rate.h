@@ -1,18 +1,16 @@
 // Sample rate conversion with a bank of windowed-sinc filters, in integers.
 //
 // What every kernel keeps, bit for bit:
-// - Taps 0 to 31 make the first sum, taps 32 to 62 the second. Of taps 31 and 32, the heaviest,
-// 32768
-//   times the sample is added only once the sums are halved: so no sum overflows at a step at full
-//   scale. Sums, and the addition of both halves and the rounding constant, wrap modulo 2^32 for
-//   signals made to overflow them; shifts are arithmetic.
+// - Taps 0 to 31 make the first sum, taps 32 to 62 the second. Each is halved, rounding down; both
+//   halves and the rounding constant are added, cut to 32 bits, and shifted. No sum wraps, whatever
+//   the input.
 // - Frame 0 comes from 32 zeros and the first 31 input frames; after a seek, from one zero, the 31
 //   frames before the wanted one and 31 from it on. Output so lags by one input frame.
 // - A refill happens only when the next window is not complete, so that the stream does not depend
 //   on how it is read.
 // - Samples that need more than 16 bits after the shift (a peak that rounds up to 32768) take a
 //   slower path with the same result. The shift is at most 15, enough for peaks below 2^30; past
-//   those, results are defined but wrong.
+//   those, results are cut.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 #include "sound/kernels.h"
 
+#include <algorithm>
 #include <atomic>
 
 #include "sound/kernels_generic.h"
@@ -7,20 +8,17 @@
 
 namespace {
 
-int Finish(std::uint32_t first, std::uint32_t second, std::int64_t halvedBias, int rounding,
-           int outputShift) {
-    const std::int64_t halves = std::int64_t{static_cast<std::int32_t>(first) >> 1} +
-                                (static_cast<std::int32_t>(second) >> 1);
-    const auto sum = static_cast<std::uint32_t>(halves + halvedBias + rounding);
-    return static_cast<std::int32_t>(sum) >> outputShift;
+// Sums of the products of either half, without any bias.
+int Finish(std::int64_t first, std::int64_t second, int rounding, int outputShift) {
+    const std::int64_t sum = (first >> 1) + (second >> 1) + rounding;
+    return static_cast<int>(std::clamp<std::int64_t>(sum, INT32_MIN, INT32_MAX)) >> outputShift;
 }
 
 template <typename Sample, typename Coefficient>
-std::uint32_t SumProducts(const Sample* samples, const Coefficient* coefficients, int count) {
-    std::uint32_t sum = 0;
+std::int64_t SumProducts(const Sample* samples, const Coefficient* coefficients, int count) {
+    std::int64_t sum = 0;
     for (int i = 0; i < count; ++i)
-        sum += static_cast<std::uint32_t>(std::int32_t{samples[i]}) *
-               static_cast<std::uint32_t>(std::int32_t{coefficients[i]});
+        sum += std::int64_t{samples[i]} * coefficients[i];
     return sum;
 }
 
@@ -29,11 +27,12 @@ void PortableResample(const LNarrowSpan& span) {
     for (int frame = 0; frame < span.frames; ++frame, step.Advance(span)) {
         const std::int16_t* const window = span.history + step.offset;
         const std::int16_t* const row = span.rows + step.phase * kPackedRowSize;
-        const std::uint32_t first = SumProducts(window, row, kFirstHalfTaps);
-        const std::uint32_t second =
-            SumProducts(window + kFirstHalfTaps - 1, row + kFirstHalfTaps, kFirstHalfTaps);
-        span.out[frame * span.outStride] =
-            Finish(first, second, HalvedBias(window), span.rounding, span.outputShift);
+        const std::int64_t first =
+            SumProducts(window, row, kFirstHalfTaps) + std::int64_t{2} * BiasOf(window).first;
+        const std::int64_t second =
+            SumProducts(window + kFirstHalfTaps - 1, row + kFirstHalfTaps, kFirstHalfTaps) +
+            std::int64_t{2} * BiasOf(window).second;
+        span.out[frame * span.outStride] = Finish(first, second, span.rounding, span.outputShift);
     }
 }
 
@@ -86,14 +85,9 @@ void ResampleWide(const LWideSpan& span) {
     for (int frame = 0; frame < span.frames; ++frame, step.Advance(span)) {
         const std::int32_t* const window = span.history + step.offset;
         const std::int32_t* const row = span.rows + step.phase * kFilterTaps;
-        const std::int64_t last = window[kFirstHalfTaps - 1];
-        const std::int64_t next = window[kFirstHalfTaps];
-        const std::uint32_t first = SumProducts(window, row, kFirstHalfTaps) -
-                                    static_cast<std::uint32_t>(last * kPackedBias);
-        const std::uint32_t second = SumProducts(window + kFirstHalfTaps, row + kFirstHalfTaps,
-                                                 kFilterTaps - kFirstHalfTaps) -
-                                     static_cast<std::uint32_t>(next * kPackedBias);
-        span.out[frame * span.outStride] = Finish(first, second, (last + next) * (kPackedBias / 2),
-                                                  span.rounding, span.outputShift);
+        const std::int64_t first = SumProducts(window, row, kFirstHalfTaps);
+        const std::int64_t second = SumProducts(window + kFirstHalfTaps, row + kFirstHalfTaps,
+                                                kFilterTaps - kFirstHalfTaps);
+        span.out[frame * span.outStride] = Finish(first, second, span.rounding, span.outputShift);
     }
 }

@@ -14,8 +14,7 @@ constexpr int kFirstHalfTaps =
 // A packed row holds the 16-bit forms of one phase: taps 0..31, a zero, taps 32..62. The zero lets
 // the second half be multiplied with the 32 samples from tap 31 on, so that no load passes the
 // window. Taps 31 and 32, the only ones that can exceed 16 bits, are stored minus 32768; kernels
-// add the sample times 16384 back once the sums are halved, which also keeps a step at full scale
-// from overflowing a sum.
+// add the sample times 16384 back once the sums are halved.
 constexpr int kPackedRowSize = 64;
 constexpr int kPackedBias = 32768;
 
@@ -41,8 +40,8 @@ struct LSoundKernels {
     const char* name;
     // Largest magnitude of count samples; -2^31 counts as 2^31 - 1.
     int (*peak)(const int* samples, std::size_t count);
-    // Each frame: sums of both halves modulo 2^32, each >> 1, added with the halved bias and the
-    // rounding modulo 2^32, >> outputShift.
+    // Each frame: sums of both halves, each >> 1, added with the halved bias and the rounding, cut
+    // to 32 bits, >> outputShift.
     void (*resample)(const LNarrowSpan& span);
     // out[i] = (in[i * channels] + half) >> shift; the caller knows that it fits.
     void (*narrow)(const int* in, int channels, std::int16_t* out, std::size_t frames, int shift);

@@ -14,10 +14,18 @@ __m256i Multiply(__m256i samples, const std::int16_t* row) {
     return _mm256_madd_epi16(samples, _mm256_load_si256(reinterpret_cast<const __m256i*>(row)));
 }
 
-// A window's sums without the bias, and what the bias is worth once they are halved.
+__m128i AddSaturated(__m128i a, __m128i b) {
+    const __m128i sum = _mm_add_epi32(a, b);
+    const __m128i overflow = _mm_andnot_si128(_mm_xor_si128(a, b), _mm_xor_si128(a, sum));
+    const __m128i limit = _mm_xor_si128(_mm_srai_epi32(a, 31), _mm_set1_epi32(INT32_MAX));
+    return _mm_castps_si128(
+        _mm_blendv_ps(_mm_castsi128_ps(sum), _mm_castsi128_ps(limit), _mm_castsi128_ps(overflow)));
+}
+
+// A window's sums without the bias.
 struct WindowSums {
     __m256i partial;  // eight, the two halves alternating in pairs
-    int bias;
+    HalvedBias bias;
 };
 
 WindowSums SumWindow(const std::int16_t* window, const std::int16_t* row) {
@@ -25,7 +33,7 @@ WindowSums SumWindow(const std::int16_t* window, const std::int16_t* row) {
         _mm256_add_epi32(Multiply(Load(window), row), Multiply(Load(window + 16), row + 16));
     const __m256i second = _mm256_add_epi32(Multiply(Load(window + 31), row + 32),
                                             Multiply(Load(window + 47), row + 48));
-    return {_mm256_hadd_epi32(first, second), HalvedBias(window)};
+    return {_mm256_hadd_epi32(first, second), BiasOf(window)};
 }
 
 // Four frames' results in order.
@@ -33,13 +41,20 @@ __m128i Finish(const WindowSums& a, const WindowSums& b, const WindowSums& c, co
                __m128i rounding, __m128i shift) {
     const __m256i ab = _mm256_hadd_epi32(a.partial, b.partial);
     const __m256i cd = _mm256_hadd_epi32(c.partial, d.partial);
-    const __m128i bias = _mm_setr_epi32(a.bias, b.bias, c.bias, d.bias);
-    const __m256i sums = _mm256_add_epi32(_mm256_permute2x128_si256(ab, cd, 0x20),
-                                          _mm256_permute2x128_si256(ab, cd, 0x31));
-    const __m256i halves = _mm256_srai_epi32(sums, 1);
-    const __m128i total =
-        _mm_hadd_epi32(_mm256_castsi256_si128(halves), _mm256_extracti128_si256(halves, 1));
-    return _mm_sra_epi32(_mm_add_epi32(_mm_add_epi32(total, bias), rounding), shift);
+    const __m256i low = _mm256_permute2x128_si256(ab, cd, 0x20);
+    const __m256i high = _mm256_permute2x128_si256(ab, cd, 0x31);
+    // (low + high) >> 1 without an overflow in between.
+    const __m256i sums = _mm256_add_epi32(_mm256_and_si256(low, high),
+                                          _mm256_srai_epi32(_mm256_xor_si256(low, high), 1));
+    const __m256i bias =
+        _mm256_setr_epi32(a.bias.first, a.bias.second, b.bias.first, b.bias.second, c.bias.first,
+                          c.bias.second, d.bias.first, d.bias.second);
+    const __m256 halves = _mm256_castsi256_ps(_mm256_add_epi32(sums, bias));
+    const __m128 front = _mm256_castps256_ps128(halves);
+    const __m128 back = _mm256_extractf128_ps(halves, 1);
+    const __m128i first = _mm_castps_si128(_mm_shuffle_ps(front, back, _MM_SHUFFLE(2, 0, 2, 0)));
+    const __m128i second = _mm_castps_si128(_mm_shuffle_ps(front, back, _MM_SHUFFLE(3, 1, 3, 1)));
+    return _mm_sra_epi32(AddSaturated(first, _mm_add_epi32(second, rounding)), shift);
 }
 
 void Store(__m128i results, int* out, int stride) {

@@ -74,9 +74,14 @@ inline int ScaleSample(int sample, int gain) {
     }
 }
 
-// The bias of the taps beside the middle, halved as the sums are.
-[[maybe_unused]] inline int HalvedBias(const std::int16_t* window) {
-    return (window[kFirstHalfTaps - 1] + window[kFirstHalfTaps]) * (kPackedBias / 2);
+// What the bias of the taps beside the middle is worth once the sums, which lack it, are halved.
+struct HalvedBias {
+    int first;
+    int second;
+};
+[[maybe_unused]] inline HalvedBias BiasOf(const std::int16_t* window) {
+    return {window[kFirstHalfTaps - 1] * (kPackedBias / 2),
+            window[kFirstHalfTaps] * (kPackedBias / 2)};
 }
 
 // Moves a window one output frame on.

@@ -14,15 +14,28 @@ __m128i Multiply(const std::int16_t* samples, const std::int16_t* row) {
     return _mm_madd_epi16(Load(samples), _mm_load_si128(reinterpret_cast<const __m128i*>(row)));
 }
 
+// (a + b) >> 1 without an overflow in between.
+__m128i Average(__m128i a, __m128i b) {
+    return _mm_add_epi32(_mm_and_si128(a, b), _mm_srai_epi32(_mm_xor_si128(a, b), 1));
+}
+
+__m128i AddSaturated(__m128i a, __m128i b) {
+    const __m128i sum = _mm_add_epi32(a, b);
+    const __m128i overflow =
+        _mm_srai_epi32(_mm_andnot_si128(_mm_xor_si128(a, b), _mm_xor_si128(a, sum)), 31);
+    const __m128i limit = _mm_xor_si128(_mm_srai_epi32(a, 31), _mm_set1_epi32(INT32_MAX));
+    return _mm_or_si128(_mm_and_si128(overflow, limit), _mm_andnot_si128(overflow, sum));
+}
+
 struct HalfSums {
     __m128i first;
     __m128i second;
-    int bias;  // what it is worth once the sums, which lack it, are halved
+    HalvedBias bias;
 };
 
 // Four partial sums of each half.
 HalfSums SumWindow(const std::int16_t* window, const std::int16_t* row) {
-    HalfSums sums{Multiply(window, row), Multiply(window + 31, row + 32), HalvedBias(window)};
+    HalfSums sums{Multiply(window, row), Multiply(window + 31, row + 32), BiasOf(window)};
     for (int i = 8; i < kFirstHalfTaps; i += 8) {
         sums.first = _mm_add_epi32(sums.first, Multiply(window + i, row + i));
         sums.second = _mm_add_epi32(sums.second, Multiply(window + 31 + i, row + 32 + i));
@@ -36,11 +49,11 @@ __m128i FinishPair(const HalfSums& a, const HalfSums& b, __m128i rounding, __m12
         _mm_add_epi32(_mm_unpacklo_epi32(a.first, a.second), _mm_unpackhi_epi32(a.first, a.second));
     const __m128i b01 =
         _mm_add_epi32(_mm_unpacklo_epi32(b.first, b.second), _mm_unpackhi_epi32(b.first, b.second));
-    const __m128i sums = _mm_add_epi32(_mm_unpacklo_epi64(a01, b01), _mm_unpackhi_epi64(a01, b01));
-    const __m128i halves = _mm_srai_epi32(sums, 1);
-    const __m128i total = _mm_add_epi32(halves, _mm_srli_epi64(halves, 32));
-    const __m128i bias = _mm_setr_epi32(a.bias, 0, b.bias, 0);
-    return _mm_sra_epi32(_mm_add_epi32(_mm_add_epi32(total, bias), rounding), shift);
+    const __m128i sums = Average(_mm_unpacklo_epi64(a01, b01), _mm_unpackhi_epi64(a01, b01));
+    const __m128i bias = _mm_setr_epi32(a.bias.first, a.bias.second, b.bias.first, b.bias.second);
+    const __m128i halves = _mm_add_epi32(sums, bias);
+    const __m128i second = _mm_add_epi32(_mm_srli_epi64(halves, 32), rounding);
+    return _mm_sra_epi32(AddSaturated(halves, second), shift);
 }
 
 void Sse2Resample(const LNarrowSpan& span) {

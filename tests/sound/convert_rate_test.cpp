@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 #include "sound/convert.h"
 #include "tests/sound/sound_witness.h"
@@ -14,9 +15,8 @@ struct RatePair {
     int input;
     int output;
 };
-constexpr RatePair kRates[] = {{16000, 44100}, {48000, 44100}, {44100, 22050}, {22050, 44100},
-                               {44100, 48000}, {8000, 48000},  {48000, 16000}, {11025, 8000},
-                               {48000, 12000}, {8000, 192000}, {48000, 47999}};
+constexpr RatePair kRates[] = {{16000, 44100}, {48000, 44100}, {44100, 22050},
+                               {22050, 48000}, {48000, 12000}, {48000, 47999}};
 constexpr LKernelChoice kKernels[] = {LKernelChoice::kPortable, LKernelChoice::kSse2,
                                       LKernelChoice::kAvx2};
 
@@ -67,6 +67,7 @@ TEST_F(ConvertRateTest, FilterEqualsTheScriptsTable) {
 }
 
 TEST_F(ConvertRateTest, EveryKernelEqualsTheScalarReference) {
+    std::set<std::string> names;
     for (const RatePair& rates : kRates) {
         const FilterTable table = FilterTableFromScript(rates.input, rates.output, false);
         const std::vector<int> left = DemandingSignal(table);
@@ -83,6 +84,7 @@ TEST_F(ConvertRateTest, EveryKernelEqualsTheScalarReference) {
         for (const LKernelChoice kernel : kKernels) {
             if (!SelectSoundKernels(kernel))
                 continue;
+            names.insert(SoundKernels().name);
             LSoundSource mono(new LSRCConvertRate(LSoundSource(new MemorySource(left, rates.input)),
                                                   rates.output, false));
             ASSERT_EQ(ReadFrames(mono, frames), expected)
@@ -99,23 +101,12 @@ TEST_F(ConvertRateTest, EveryKernelEqualsTheScalarReference) {
             ASSERT_EQ(stereo.back(), stereo.front()) << SoundKernels().name;
         }
     }
-}
-
-TEST_F(ConvertRateTest, ChannelsWithEqualSamplesEqualTheMonoStream) {
-    const std::vector<int> mono = RandomSamples(30000, 524272, 5);
-    for (const std::uint8_t channels : {std::uint8_t{2}, std::uint8_t{3}}) {
-        std::vector<int> many;
-        for (const int sample : mono)
-            many.insert(many.end(), channels, sample);
-        LSoundSource one(
-            new LSRCConvertRate(LSoundSource(new MemorySource(mono, 44100)), 32000, false));
-        LSoundSource several(new LSRCConvertRate(
-            LSoundSource(new MemorySource(many, 44100, channels)), 32000, false));
-        const std::vector<int> expected = ReadFrames(one, 20000);
-        const std::vector<int> interleaved = ReadFrames(several, 20000);
-        for (std::size_t i = 0; i < interleaved.size(); ++i)
-            ASSERT_EQ(interleaved[i], expected[i / channels]) << i;
-    }
+    // Each was compared, not one of them with itself.
+    EXPECT_EQ(names.size(), SelectSoundKernels(LKernelChoice::kAvx2)   ? 3u
+                            : SelectSoundKernels(LKernelChoice::kSse2) ? 2u
+                                                                       : 1u);
+    EXPECT_TRUE(SelectSoundKernels(LKernelChoice::kPortable));
+    EXPECT_STREQ(SoundKernels().name, "portable");
 }
 
 TEST_F(ConvertRateTest, StreamDoesNotDependOnRequestSizes) {
@@ -195,26 +186,6 @@ TEST_F(ConvertRateTest, ExtremeRatiosKeepLengthAndLevel) {
     }
 }
 
-// A stream is followed without touching what has not arrived, and sounds like the same data in a
-// file.
-TEST_F(ConvertRateTest, StreamingSourceIsFollowedToItsEnd) {
-    const std::vector<int> samples = RandomSamples(20000, 32000, 11);
-    auto* const inner = new MemorySource(samples, 22050);
-    inner->SetStreaming(0, 777);
-    LSoundSource source = LSPConvertRate(48000).OpenSource(LSoundSource(inner));
-    std::vector<int> got;
-    for (int turns = 0; turns < 1000; ++turns) {
-        const std::vector<int> part = ReadAll(source, 501);
-        got.insert(got.end(), part.begin(), part.end());
-        if (!source->IsStreaming())
-            break;
-        source->WaitForStreamingData(100);
-    }
-    LSoundSource file =
-        LSPConvertRate(48000).OpenSource(LSoundSource(new MemorySource(samples, 22050)));
-    EXPECT_EQ(got, ReadAll(file));
-}
-
 // Gains of tones beside those of sox, and images or aliases below what this filter promises.
 TEST_F(ConvertRateTest, SpectraMatchSox) {
     struct Case {
@@ -227,6 +198,7 @@ TEST_F(ConvertRateTest, SpectraMatchSox) {
                           {{48000, 44100}, {200, 1000, 5000, 12000, 18000}, {23500}, 0.2},
                           {{44100, 22050}, {200, 1000, 4000, 8500}, {12500, 16000, 20000}, 0.2},
                           {{48000, 8000}, {200, 1000, 2000, 2800}, {5500, 9000, 15000, 22000}, 0.3},
+                          {{192000, 12000}, {200, 3000}, {8000, 20000, 90000}, 0.3},
                           {{8000, 48000}, {200, 1000, 3000}, {}, 0.4}};
     for (const Case& test : cases) {
         const auto measure = [&](double hertz, bool isPassed) {
@@ -247,7 +219,7 @@ TEST_F(ConvertRateTest, SpectraMatchSox) {
             }
             const std::vector<int> theirs =
                 ResampleWithSox(tone, test.rates.input, test.rates.output);
-            ASSERT_GT(theirs.size(), tone.size() / 8);
+            ASSERT_GT(theirs.size(), tone.size() / 20);
             const double peerGain =
                 20 * std::log10(AmplitudeAt(theirs, hertz / test.rates.output) / 300000);
             EXPECT_NEAR(gain, peerGain, test.tolerance) << hertz << " of " << test.rates.input;

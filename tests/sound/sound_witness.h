@@ -2,6 +2,7 @@
 // programs' output.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -57,19 +58,12 @@ public:
     int Next() {
         while (read_ + 63 > write_)
             Refill();
-        // The heavy taps beside the middle give 32768 times their sample after the halving.
         std::array<std::int64_t, 2> sums{};
-        std::int64_t heavy = 0;
-        for (std::size_t k = 0; k < 63; ++k) {
-            const int coefficient = table_.rows[static_cast<std::size_t>(phase_) * 63 + k];
-            const std::int64_t sample = history_[static_cast<std::size_t>(read_) + k];
-            const int bias = k == 31 || k == 32 ? 32768 : 0;
-            sums[k / 32] += (coefficient - bias) * sample;
-            heavy += bias / 2 * sample;
-        }
-        const std::int64_t halves =
-            (static_cast<int>(sums[0]) >> 1) + std::int64_t{static_cast<int>(sums[1]) >> 1};
-        const auto both = static_cast<std::uint32_t>(halves + heavy + (1 << (15 - shift_)) / 2);
+        for (std::size_t k = 0; k < 63; ++k)
+            sums[k / 32] += std::int64_t{history_[static_cast<std::size_t>(read_) + k]} *
+                            table_.rows[static_cast<std::size_t>(phase_) * 63 + k];
+        const std::int64_t both = std::clamp<std::int64_t>(
+            (sums[0] >> 1) + (sums[1] >> 1) + (1 << (15 - shift_)) / 2, INT32_MIN, INT32_MAX);
         phase_ += table_.step;
         read_ += phase_ / table_.phases;
         phase_ %= table_.phases;
