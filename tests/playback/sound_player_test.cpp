@@ -132,6 +132,19 @@ TEST_F(PlayerTest, SeeksInTheSourcesOwnTimeOnAnyCardAndSoundsEvenWhenCued) {
     EXPECT_EQ(cards_.Played(1), NumbersFrom(20000, 32000)) << "Play lets it go on";
 }
 
+TEST_F(PlayerTest, FollowsTheReadingSpeedInTheTextsOwnTime) {
+    cards_.Insert(0, "rates 48000\nspeed 8\n");
+    const auto tempo = std::make_shared<LTempo>();
+    tempo->Set(200);
+    player_->SetTempo(tempo);
+    player_->Start(NumberedSource(32000));
+    ASSERT_TRUE(RunUntil([&] { return player_->Position() > 12000; }));
+    player_->Seek(LSoundTime(1000));
+    ASSERT_TRUE(RunUntilTold("stop"));
+    EXPECT_NEAR(static_cast<double>(cards_.Played(0, 2).size()), 24000, 1000);
+    EXPECT_EQ(*(listener_.log.end() - 2), "time 2000");
+}
+
 TEST_F(PlayerTest, SeekFromTheEndTellsNothingOfTheEnd) {
     cards_.Insert(0, "speed 20\n");
     player_->Start(NumberedSource(8000));
