@@ -160,7 +160,7 @@ TEST_F(PlayerTest, SeekFromTheEndTellsNothingOfTheEnd) {
 
 // Every operation of every listener's call, down to the player's end.
 TEST_F(PlayerTest, ListenersMayDoAnythingFromWithin) {
-    cards_.Insert(0, "speed 20\n");
+    const char* const kStanding = "speed 20\nfault stall 100\n";
     const std::function<void()> actions[] = {[&] { player_.reset(); }, [&] { player_->Stop(); },
                                              [&] { player_->Seek(6000); },
                                              [&] { player_->Start(NumberedSource(4000)); },
@@ -178,10 +178,17 @@ TEST_F(PlayerTest, ListenersMayDoAnythingFromWithin) {
                 if (told.starts_with(entry) && ++calls == 1)
                     action();
             };
+            cards_.Insert(0, kStanding);
+            listener_.log.clear();
             player_->Start(NumberedSource(8000));
-            RunUntil([&] { return !player_ || player_->Position() > 0 || !player_->IsLoaded(); });
+            RunUntil([&] {
+                return !player_ || !player_->IsLoaded() ||
+                       std::any_of(listener_.log.begin(), listener_.log.end(),
+                                   [](const auto& told) { return told.starts_with("level"); });
+            });
             if (player_)
                 player_->Cue();
+            cards_.Insert(0, "speed 20\n");
             if (player_)
                 player_->Play();
             if (player_ && entry == "stop")
