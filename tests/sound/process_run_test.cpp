@@ -18,7 +18,8 @@ struct TestRun {
 };
 
 TEST(SourceToSinkTest, BlocksFractionsAndLabels) {
-    const std::vector<int> samples = RandomSamples(20000, kMaxPcm16Peak, 1);
+    std::vector<int> samples = RandomSamples(20000, kMaxPcm16Peak, 1);
+    samples[4000] = -524288;  // what a 16-bit reader makes of -32768: copies stay exact
     TestRun run(new MemorySource(samples, 8000), 8000, 1);
     EXPECT_EQ(Process(run.progress, run.request), kProcessDone);
     EXPECT_EQ(run.sink->samples, samples);
@@ -54,14 +55,6 @@ TEST(SourceToSinkTest, AdaptsRateChannelsAndPeak) {
         left.push_back(run.sink->samples[i]);
     }
     EXPECT_GT(AmplitudeAt(left, 400.0 / 44100), 0.97 * kMaxPcm16Peak);
-}
-
-TEST(SourceToSinkTest, CopiesThatFitSixteenBitsAreExactEvenAtNegativeFullScale) {
-    std::vector<int> samples = RandomSamples(9000, kMaxPcm16Peak, 3);
-    samples[4000] = -524288;  // what a 16-bit reader makes of -32768
-    TestRun run(new MemorySource(samples, 8000), 8000, 1);
-    EXPECT_EQ(Process(run.progress, run.request), kProcessDone);
-    EXPECT_EQ(run.sink->samples, samples);
 }
 
 TEST(SourceToSinkTest, CancelKeepsWhatWasWritten) {

@@ -1,5 +1,5 @@
-// Independent witnesses for the converters: a plain rendering of the arithmetic, and other
-// programs' output.
+// Independent witnesses for the converters: a plain rendering of the arithmetic, and the tables of
+// a script.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <numbers>
 #include <random>
@@ -137,29 +136,4 @@ inline double AmplitudeAt(const std::vector<int>& samples, double cyclesPerSampl
         weights += weight;
     }
     return 2 * std::hypot(real, imaginary) / weights;
-}
-
-// The mono samples (values times 16) as sox makes them at another rate.
-inline std::vector<int> ResampleWithSox(const std::vector<int>& samples, int inputRate,
-                                        int outputRate) {
-    const auto path = std::filesystem::temp_directory_path() /
-                      ("resample-" + std::to_string(std::random_device{}()) + ".raw");
-    {
-        std::ofstream file(path, std::ios::binary);
-        for (const int sample : samples) {
-            const int value = (sample + 8) >> 4;
-            file.put(static_cast<char>(value & 255)).put(static_cast<char>(value >> 8));
-        }
-    }
-    const std::string format = " -t raw -e signed -b 16 -L -c 1 -r ";
-    const std::string output =
-        RunCommand("sox -D" + format + std::to_string(inputRate) + " '" + path.string() + "'" +
-                   format + std::to_string(outputRate) + " - rate -h");
-    std::filesystem::remove(path);
-    std::vector<int> result;
-    for (std::size_t i = 0; i + 1 < output.size(); i += 2)
-        result.push_back(static_cast<std::int16_t>(static_cast<unsigned char>(output[i]) |
-                                                   static_cast<unsigned char>(output[i + 1]) << 8) *
-                         16);
-    return result;
 }

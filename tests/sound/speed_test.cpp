@@ -79,26 +79,6 @@ TEST(SpeedTest, ToneKeepsItsPitchAndTakesItsTime) {
     }
 }
 
-TEST(SpeedTest, JoinsOfChangingSoundHaveNoClicks) {
-    // A voice-like sum of partials that glides, in two unlike channels, wound over the panel's
-    // ramps.
-    std::vector<int> samples;
-    double phase = 0;
-    for (int i = 0; i < 20 * kRate; ++i) {
-        phase += 2 * std::numbers::pi * (140 + 60 * std::sin(i * 2.0 / kRate)) / kRate;
-        samples.push_back(static_cast<int>(120000 * std::sin(phase) + 60000 * std::sin(3 * phase)));
-        samples.push_back(static_cast<int>(100000 * std::sin(2 * phase)));
-    }
-    for (const auto& [start, end] :
-         {std::pair{1.5, 7.0}, {-0.5, -7.0}, {0.1, 3.0}, {-0.1, -3.0}, {-1.0, 2.0}}) {
-        LSoundSource source = OpenSpeed(samples, start, end, 8000, 2);
-        source->Seek(10 * kRate);
-        const std::vector<int> heard = Play(source, 5512, 3 * kRate);
-        ASSERT_GT(heard.size(), static_cast<std::size_t>(kRate));
-        EXPECT_LT(LargestStep(heard, 2), LargestStep(samples, 2) * 1.5) << start;
-    }
-}
-
 TEST(SpeedTest, RampMovesThePositionAsTheFactorsSay) {
     struct Case {
         double start;
@@ -109,9 +89,7 @@ TEST(SpeedTest, RampMovesThePositionAsTheFactorsSay) {
     };
     const Case cases[] = {{1.5, 7.0, 8000, 8 * kRate, 8 * kRate * 4.25},
                           {1.5, 7.0, 8000, 10 * kRate, 8 * kRate * 4.25 + 2 * kRate * 7.0},
-                          {0.1, 3.0, 8000, 8 * kRate, 8 * kRate * 1.55},
                           {-0.5, -7.0, 8000, 2 * kRate, 2 * kRate * -1.3125},
-                          {2.0, 4.0, 0, kRate, kRate * 4.0},
                           {0.0, 0.0, 0, kRate, 0.0}};
     for (const Case& test : cases) {
         for (const int chunk : {1013, 8192}) {
@@ -138,16 +116,11 @@ TEST(SpeedTest, EndsAndOddSources) {
     ReadFrames(source, 2000);
     EXPECT_EQ(ReadFrames(source, 1000), std::vector<int>(1000, 0));
 
-    const std::pair<int, int> segments[] = {{8000, 88}, {100, 20}, {1000000, 2730}};
-    for (const auto& [rate, frames] : segments) {
-        LSRCSpeed speed(LSoundSource(new MemorySource(RandomSamples(50000, 900, 1), rate)), 1e9,
-                        NAN, LSoundTime(-5));
-        EXPECT_EQ(speed.SegmentFrames(), frames);
-        std::vector<int> block(8192);
-        speed.Read(block.data(), 8192);
-        speed.Seek(2147483647);
-        speed.Read(block.data(), 8192);
-        speed.Seek(-2147483647);
+    LSRCSpeed speed(LSoundSource(new MemorySource(RandomSamples(50000, 900, 1), kRate)), 1e9, NAN,
+                    LSoundTime(-5));
+    std::vector<int> block(8192);
+    for (const int frame : {0, 2147483647, -2147483647}) {
+        speed.Seek(frame);
         speed.Read(block.data(), 8192);
     }
     const LSoundSource bad;
