@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 
-#include "foundation/gdk/gdk_lock.h"
 #include "gui/accessible.h"
 #include "gui/display_text.h"
 
@@ -23,6 +22,8 @@ struct NotifyLibrary {
 
     NotifyLibrary() {
         void* library = dlopen("libnotify.so", RTLD_LAZY | RTLD_LOCAL);
+        if (library == nullptr)  // the plain name comes with the development files
+            library = dlopen("libnotify.so.4", RTLD_LAZY | RTLD_LOCAL);
         if (library == nullptr)
             return;
         const bool whole = Load(library, "notify_init", init) &&
@@ -88,11 +89,6 @@ struct LBubbleTipCallbacks {
         g_signal_handler_disconnect(self->notification_.Get(), self->closedHandler_);
         self->notification_.Reset();
     }
-    static gboolean GCTimer(gpointer tip) {
-        const GdkLock lock;
-        static_cast<LBubbleTip*>(tip)->Hide();
-        return FALSE;
-    }
     static gboolean GCClick(GtkWidget*, GdkEventButton*, gpointer tip) {
         static_cast<LBubbleTip*>(tip)->Hide();
         return TRUE;
@@ -139,7 +135,7 @@ void LBubbleTip::ShowPopUp(GtkWidget* control, const char* title, const char* te
     g_signal_connect(popUp_, "destroy", G_CALLBACK(LBubbleTipCallbacks::GCDestroyed), this);
     PlacePopUp(popUp_, control);
     gtk_widget_show_all(popUp_);
-    timer_ = g_timeout_add(kShownMs, LBubbleTipCallbacks::GCTimer, this);
+    timer_.Start(kShownMs, [this] { Hide(); });
 }
 
 void LBubbleTip::Hide() {
@@ -148,10 +144,7 @@ void LBubbleTip::Hide() {
         Notify().close(notification_.Get(), nullptr);
         notification_.Reset();
     }
-    if (timer_ != 0) {
-        g_source_remove(timer_);
-        timer_ = 0;
-    }
+    timer_.Stop();
     if (popUp_ != nullptr)
         gtk_widget_destroy(popUp_);  // the "destroy" handler forgets it
 }

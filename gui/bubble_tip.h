@@ -5,6 +5,7 @@
 #include <gtk/gtk.h>
 
 #include "gui/gobject_ref.h"
+#include "gui/gui_timer.h"
 
 class LBubbleTip {
 public:
@@ -27,5 +28,5 @@ private:
     GObjectRef<GObject> notification_;
     gulong closedHandler_ = 0;
     GtkWidget* popUp_ = nullptr;  // null once closed
-    guint timer_ = 0;             // GLib source of the pop-up, 0 when none
+    LGuiTimer timer_;
 };

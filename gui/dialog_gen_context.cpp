@@ -1,12 +1,12 @@
 // Containers, placement and the action area; the controls are in dialog_gen_controls.cpp.
 #include "gui/dialog_gen_context.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "gui/dialog.h"
 #include "gui/display_text.h"
 #include "gui/gtk_children.h"
+#include "gui/minimum_size.h"
 
 namespace {
 
@@ -22,14 +22,6 @@ unsigned int IndentPixels(int indent) {
 // A table without rows would be an error to GTK.
 void ShrinkTable(GtkWidget* table, unsigned int rows) {
     gtk_table_resize(GTK_TABLE(table), rows > 0 ? rows : 1, kColumns);
-}
-
-// GTK takes a size request for the size itself, which would cut longer texts.
-void SetMinimumSize(GtkWidget* widget, int size) {
-    GtkRequisition natural;
-    gtk_widget_size_request(widget, &natural);
-    gtk_widget_set_size_request(widget, std::max(natural.width, size),
-                                std::max(natural.height, size));
 }
 
 }  // namespace
@@ -208,7 +200,7 @@ void LDialogGenContext::SetUpActionButton(GtkWidget* button, const char* label, 
         dialog_.SetButtonCommandHandler(button, kCommandCancel);
     else if (help)
         dialog_.SetButtonCommandHandler(button, kCommandHelp);
-    SetMinimumSize(button, kActionButtonSize);
+    SetMinimumSize(button, kActionButtonSize, kActionButtonSize);
 }
 
 void LDialogGenContext::AddOkCancelHelp(const char* label, bool noHelp, bool noCancel, bool noOk) {

@@ -4,6 +4,7 @@
 #include "gui/dialog.h"
 #include "gui/dialog_gen_context.h"
 #include "gui/display_text.h"
+#include "gui/minimum_size.h"
 #include "gui/widgets/db_display.h"
 #include "gui/widgets/db_edit.h"
 #include "gui/widgets/hyper_link.h"
@@ -24,11 +25,11 @@ void LDialogGenContext::AddStatic(int id, const char* text, int width, int heigh
     GtkWidget* label = NewLabel(text);
     gtk_misc_set_alignment(GTK_MISC(label), 0.5F, 0.5F);
     if (height >= 1) {
-        gtk_widget_set_size_request(label, -1, height);
         gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
         gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_FILL);
+        SetMinimumSize(label, -1, height);
     } else if (width > 0) {
-        gtk_widget_set_size_request(label, width, -1);
+        SetMinimumSize(label, width, -1);
     }
     AddSpanFull(label, id);
 }
@@ -46,8 +47,8 @@ void LDialogGenContext::AddStaticTitle(int id, const char* text, int height) {
     gtk_label_set_markup(GTK_LABEL(label), markup);
     g_free(markup);
     if (height >= 1) {
-        gtk_widget_set_size_request(label, kTitleWidth, height);
         gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+        SetMinimumSize(label, kTitleWidth, height);
     }
     gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
     AddSpanFull(label, id);
@@ -74,9 +75,13 @@ void LDialogGenContext::AddLabelled(GtkWidget* control, int id, const char* text
 
 void LDialogGenContext::AddInput(int id, const char* text, int width) {
     GtkWidget* entry = gtk_entry_new();
-    if (width > 0)
-        gtk_widget_set_size_request(entry, width, kFieldHeight);
     AddLabelled(entry, id, text);
+    if (width <= 0)
+        return;
+    SetMinimumSize(entry, -1, kFieldHeight);
+    int height = 0;
+    gtk_widget_get_size_request(entry, nullptr, &height);
+    gtk_widget_set_size_request(entry, width, height);
 }
 
 void LDialogGenContext::AddInputPassword(int id, const char* text, int width) {
@@ -144,7 +149,7 @@ void LDialogGenContext::AddList(int id, int height) {
 
 void LDialogGenContext::AddButton(int id, const char* text, int align, int width, int height) {
     GtkWidget* button = gtk_button_new_with_label(DisplayText(text).c_str());
-    gtk_widget_set_size_request(button, width > 0 ? width : kButtonWidth, height > 0 ? height : -1);
+    SetMinimumSize(button, width > 0 ? width : kButtonWidth, height > 0 ? height : -1);
     if (align == 1)
         gtk_button_set_alignment(GTK_BUTTON(button), 0.0F, 0.5F);
     dialog_.SetButtonCommandHandler(button, id);
@@ -154,7 +159,7 @@ void LDialogGenContext::AddButton(int id, const char* text, int align, int width
 void LDialogGenContext::AddCheckBox(int id, const char* text, int width) {
     GtkWidget* button = gtk_check_button_new_with_label(DisplayText(text).c_str());
     if (width > 0)
-        gtk_widget_set_size_request(button, width, -1);
+        SetMinimumSize(button, width, -1);
     AddSpanFull(button, id);
     dialog_.SetRadioCheckButtonCommandHandler(button, id);
 }

@@ -76,7 +76,7 @@ int CheckWidth(GtkTreeView* view) {
     return gtk_tree_view_column_get_width(gtk_tree_view_get_column(view, 0));
 }
 
-// A list has no width to take percentages of before it is laid out.
+// A list has no width to take percentages of before it is laid out. Longer texts widen a column.
 void GCListAllocated(GtkTreeView* view, GtkAllocation* place, gpointer) {
     SetUp* setUp = SetUpOf(view);
     const int width = place->width - CheckWidth(view);
@@ -85,7 +85,8 @@ void GCListAllocated(GtkTreeView* view, GtkAllocation* place, gpointer) {
         return;
     setUp->laidOutFor = width;
     for (std::size_t i = 0; i < setUp->percent.size(); ++i)
-        SetWidth(ListColumnOf(view, static_cast<int>(i)), width * setUp->percent[i] / 100);
+        gtk_tree_view_column_set_min_width(ListColumnOf(view, static_cast<int>(i)),
+                                           std::max(1, width * setUp->percent[i] / 100));
 }
 
 void GCCheckToggled(GtkCellRendererToggle*, gchar* path, gpointer view) {

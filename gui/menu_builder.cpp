@@ -5,7 +5,6 @@
 
 namespace {
 
-constexpr int kFirstItemImage = 200;
 constexpr int kMenuImageSize = 16;
 
 // The menu goes first: the command may open a dialog, which could not be used under it.
@@ -30,7 +29,7 @@ GtkWidget* NewItem(const LMenuItem& row, bool first) {
     GtkWidget* item = gtk_image_menu_item_new_with_mnemonic(text.c_str());
     if (first)
         gtk_image_menu_item_set_image(GTK_IMAGE_MENU_ITEM(item),
-                                      NewIconImageAt(kFirstItemImage, kMenuImageSize));
+                                      NewIconImageAt(kMenuIcon, kMenuImageSize));
     return item;
 }
 

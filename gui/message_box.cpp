@@ -2,14 +2,14 @@
 
 #include "gui/display_text.h"
 #include "gui/icons.h"
+#include "gui/parent_window.h"
 
 namespace {
 
 GtkWidget* NewMessageBox(GtkWidget* parent, GtkMessageType type, GtkButtonsType buttons,
                          const char* title, const char* primary, const char* secondary) {
-    GtkWindow* owner = GTK_IS_WINDOW(parent) ? GTK_WINDOW(parent) : nullptr;
-    GtkWidget* box = gtk_message_dialog_new(owner, GTK_DIALOG_MODAL, type, buttons, "%s",
-                                            DisplayText(primary).c_str());
+    GtkWidget* box = gtk_message_dialog_new(ParentWindow(parent), GTK_DIALOG_MODAL, type, buttons,
+                                            "%s", DisplayText(primary).c_str());
     if (secondary != nullptr && *secondary != '\0')
         gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(box), "%s",
                                                  DisplayText(secondary).c_str());

@@ -5,6 +5,7 @@
 #include "gui/accessible.h"
 #include "gui/dialog_frame.h"
 #include "gui/display_text.h"
+#include "gui/minimum_size.h"
 
 namespace {
 
@@ -12,8 +13,8 @@ constexpr unsigned int kWaitStepMs = 75;
 constexpr int kCancelResponse = -2;
 
 GtkWidget* Pack(GtkWidget* content, GtkWidget* widget, int height) {
-    gtk_widget_set_size_request(widget, 160, height);
     gtk_box_pack_start(GTK_BOX(content), widget, TRUE, TRUE, 0);
+    SetMinimumSize(widget, 160, height);
     return widget;
 }
 
@@ -54,7 +55,8 @@ void LProgressDialog::Build(GtkWidget* parent) {
     secondLabel_ = Pack(content, gtk_label_new(""), 12);
     bar_ = Pack(content, gtk_progress_bar_new(), 16);
     SetAccessibleName(bar_, title_);
-    gtk_widget_set_size_request(window, 300, 110);
+    gtk_widget_show_all(content);
+    SetMinimumSize(window, 300, 110);
     gtk_widget_show_all(window);
 }
 

@@ -4,6 +4,7 @@
 
 #include "gui/dialog_frame.h"
 #include "gui/display_text.h"
+#include "gui/minimum_size.h"
 
 namespace {
 
@@ -23,7 +24,6 @@ GtkWidget* LPropertySheet::Build(GtkWidget* parent, const char* title) {
                                          {GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL},
                                          {GTK_STOCK_HELP, GTK_RESPONSE_HELP}});
     gtk_dialog_set_default_response(GTK_DIALOG(window), GTK_RESPONSE_ACCEPT);
-    gtk_widget_set_size_request(window, kSheetWidth, -1);
     gtk_window_set_default_size(GTK_WINDOW(window), 500, -1);
     gtk_window_set_resizable(GTK_WINDOW(window), FALSE);
 
@@ -36,6 +36,8 @@ GtkWidget* LPropertySheet::Build(GtkWidget* parent, const char* title) {
     }
     gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(window))), notebook_, TRUE,
                        TRUE, 0);
+    gtk_widget_show_all(notebook_);
+    SetMinimumSize(window, kSheetWidth, -1);
     return window;
 }
 

@@ -1,8 +1,9 @@
 #include "gui/splash_screen.h"
 
-#include "foundation/gdk/gdk_lock.h"
 #include "gui/accessible.h"
+#include "gui/dialog_frame.h"
 #include "gui/icons.h"
+#include "gui/parent_window.h"
 
 namespace {
 
@@ -37,13 +38,6 @@ struct LSplashCallbacks {
         static_cast<LSplashScreen*>(splash)->Close();
         return TRUE;
     }
-    static gboolean GCTimer(gpointer splash) {
-        const GdkLock lock;
-        auto* self = static_cast<LSplashScreen*>(splash);
-        self->timer_ = 0;
-        self->Close();
-        return FALSE;
-    }
     static void GCDestroyed(GtkWidget*, gpointer splash) {
         static_cast<LSplashScreen*>(splash)->dialog_ = nullptr;
     }
@@ -67,8 +61,7 @@ void LSplashScreen::Display(GtkWidget* parent) {
     dialog_ = gtk_dialog_new();
     GtkWindow* window = GTK_WINDOW(dialog_);
     gtk_window_set_title(window, "Lectora");
-    if (GTK_IS_WINDOW(parent))
-        gtk_window_set_transient_for(window, GTK_WINDOW(parent));
+    gtk_window_set_transient_for(window, ParentWindow(parent));
     gtk_window_set_decorated(window, FALSE);
     gtk_window_set_deletable(window, FALSE);
     gtk_window_set_keep_above(window, TRUE);
@@ -86,25 +79,20 @@ void LSplashScreen::Display(GtkWidget* parent) {
                      this);
     g_signal_connect(dialog_, "destroy", G_CALLBACK(LSplashCallbacks::GCDestroyed), this);
     gtk_widget_show_all(dialog_);
-    timer_ = g_timeout_add(kShownMs, LSplashCallbacks::GCTimer, this);
+    timer_.Start(kShownMs, [this] { Close(); });
 }
 
 void LSplashScreen::Close() {
-    if (timer_ != 0) {
-        g_source_remove(timer_);
-        timer_ = 0;
-    }
+    timer_.Stop();
     if (dialog_ != nullptr)
         gtk_widget_destroy(dialog_);  // the "destroy" handler forgets it
 }
 
 void LAboutBox::Open(GtkWidget* parent) {
-    GtkWidget* dialog = gtk_dialog_new_with_buttons(
-        "Lectora", GTK_IS_WINDOW(parent) ? GTK_WINDOW(parent) : nullptr,
-        GTK_DIALOG_DESTROY_WITH_PARENT, GTK_STOCK_OK, GTK_RESPONSE_OK, nullptr);
+    GtkWidget* dialog = NewDialogWindow(parent, "Lectora", GTK_DIALOG_DESTROY_WITH_PARENT,
+                                        {{GTK_STOCK_OK, GTK_RESPONSE_OK}});
     gtk_dialog_set_has_separator(GTK_DIALOG(dialog), TRUE);
     gtk_window_set_resizable(GTK_WINDOW(dialog), FALSE);
-    SetWindowIcon(GTK_WINDOW(dialog), kAppIconNumber);
     gtk_widget_set_size_request(dialog, kSplashWidth, 340);
     AddItems(dialog);
     g_signal_connect(dialog, "response", G_CALLBACK(gtk_widget_destroy), nullptr);

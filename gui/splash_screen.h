@@ -3,6 +3,8 @@
 
 #include <gtk/gtk.h>
 
+#include "gui/gui_timer.h"
+
 // Shown until it is clicked, 5 seconds have passed, or this object goes.
 class LSplashScreen {
 public:
@@ -21,7 +23,7 @@ public:
 private:
     friend struct LSplashCallbacks;
     GtkWidget* dialog_ = nullptr;  // null once closed
-    guint timer_ = 0;              // GLib source, 0 when none
+    LGuiTimer timer_;
 };
 
 class LAboutBox {

@@ -11,7 +11,6 @@ namespace {
 
 constexpr const char* kNormalTag = "white-color";
 constexpr const char* kErrorTag = "error-color";
-constexpr int kFirstIcon = 5;
 constexpr const char* kErrorOnLight = "#B00020";
 constexpr const char* kErrorOnDark = "#FF8A80";
 
@@ -56,7 +55,7 @@ void LStatusWindow::Init(LControlHost& window, int id) {
     gtk_text_buffer_get_end_iter(buffer, &end);
     end_ = gtk_text_buffer_create_mark(buffer, "endpos", &end, FALSE);
     for (std::size_t i = 0; i < icons_.size(); ++i)
-        icons_[i] = LoadIcon(kFirstIcon + static_cast<int>(i));
+        icons_[i] = LoadIcon(kErrorIcon + static_cast<int>(i));
 }
 
 void LStatusWindow::GCViewDestroyed(GtkWidget*, gpointer self) {

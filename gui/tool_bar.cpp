@@ -146,14 +146,13 @@ void LToolBar::HandleToolBarItemDropdown(int command, int dropDownCommand) {
 void LToolBar::AddToolboxAndHelp() {
     if (bar_ == nullptr)
         return;
-    const auto stock = [](const char* id) {
-        return gtk_image_new_from_stock(id, GTK_ICON_SIZE_LARGE_TOOLBAR);
-    };
     AddSeparator(true);
-    Add({kCommandProductsPage, 0, "Toolbox", "Other Quillon programs", ToolBarItem::kButton},
-        stock(GTK_STOCK_HOME));
-    Add({kCommandHelpContents, 0, "Help", "Open the help documentation (F1)", ToolBarItem::kButton},
-        stock(GTK_STOCK_HELP));
+    Add({kCommandProductsPage, kToolboxIcon, "Toolbox", "Other Quillon programs",
+         ToolBarItem::kButton},
+        NewIconImageAt(kToolboxIcon, kIconSize));
+    Add({kCommandHelpContents, kHelpIcon, "Help", "Open the help documentation (F1)",
+         ToolBarItem::kButton},
+        NewIconImageAt(kHelpIcon, kIconSize));
     gtk_widget_show_all(bar_);
 }
 

@@ -10,8 +10,10 @@
 #include "foundation/machine_root.h"
 #include "foundation/owned_text.h"
 #include "foundation/text_buffer.h"
+#include "gui/display_text.h"
 #include "gui/icons.h"
 #include "gui/message_box.h"
+#include "gui/parent_window.h"
 
 namespace {
 
@@ -20,10 +22,10 @@ class Chooser {
 public:
     Chooser(GtkWidget* parent, const char* title, GtkFileChooserAction action,
             const char* acceptButton) {
-        dialog_ = gtk_file_chooser_dialog_new(
-            title, parent == nullptr ? nullptr : GTK_WINDOW(parent), action, "gtk-cancel",
-            GTK_RESPONSE_CANCEL, acceptButton, GTK_RESPONSE_ACCEPT, nullptr);
-        SetWindowIcon(GTK_WINDOW(dialog_), 1);
+        dialog_ = gtk_file_chooser_dialog_new(DisplayText(title).c_str(), ParentWindow(parent),
+                                              action, "gtk-cancel", GTK_RESPONSE_CANCEL,
+                                              acceptButton, GTK_RESPONSE_ACCEPT, nullptr);
+        SetWindowIcon(GTK_WINDOW(dialog_), kAppIconNumber);
         gtk_dialog_set_default_response(GTK_DIALOG(dialog_), GTK_RESPONSE_ACCEPT);
         gtk_file_chooser_set_do_overwrite_confirmation(Self(), TRUE);
     }
@@ -51,7 +53,7 @@ public:
         if (filter == nullptr)
             return;
         GtkFileFilter* entry = gtk_file_filter_new();
-        gtk_file_filter_set_name(entry, filter);
+        gtk_file_filter_set_name(entry, DisplayText(filter).c_str());
         std::string_view patterns(filter + std::char_traits<char>::length(filter) + 1);
         while (!patterns.empty()) {
             const std::size_t end = patterns.find(';');
