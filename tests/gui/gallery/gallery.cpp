@@ -1,0 +1,305 @@
+// Shows every control and standard dialog and takes its picture.
+//
+//     gui_gallery FOLDER THEME FONT      e.g. "out/light" "Adwaita" "Sans 10"; "" for GTK's own
+//     theme
+//
+// Fails when GTK prints a warning.
+#include <filesystem>
+#include <string>
+
+#include "foundation/file.h"
+#include "gui/icon_numbers.h"
+#include "gui/key_dialog.h"
+#include "gui/message_box.h"
+#include "gui/popup_menu.h"
+#include "gui/progress_dialog.h"
+#include "gui/property_sheet.h"
+#include "gui/splash_screen.h"
+#include "gui/status_bar.h"
+#include "gui/status_window.h"
+#include "gui/tool_bar.h"
+#include "gui/widgets/explorer_bar.h"
+#include "tests/gui/gui_fixtures.h"
+
+namespace {
+
+std::string folder;
+
+GtkWidget* TopMostWindow() {
+    GList* windows = gtk_window_list_toplevels();
+    GtkWidget* top = nullptr;
+    for (GList* window = windows; window != nullptr; window = window->next) {
+        auto* widget = GTK_WIDGET(window->data);
+        const bool content = gtk_widget_get_mapped(widget) &&
+                             gtk_window_get_window_type(GTK_WINDOW(widget)) == GTK_WINDOW_TOPLEVEL;
+        if (content && (top == nullptr || gtk_window_get_modal(GTK_WINDOW(widget))))
+            top = widget;
+    }
+    g_list_free(windows);
+    return top;
+}
+
+// The window with its frame, and what has popped up over it, as they are on the screen.
+void TakePicture(const char* name) {
+    // Placing, drawing and theme pictures take some turns of the main loop.
+    PumpUntil([] { return false; }, 400);
+    GtkWidget* window = TopMostWindow();
+    if (window == nullptr)
+        return;
+    GdkRectangle frame;
+    gdk_window_get_frame_extents(gtk_widget_get_window(window), &frame);
+    GdkWindow* root = gdk_get_default_root_window();
+    int width = 0;
+    int height = 0;
+    gdk_drawable_get_size(root, &width, &height);
+    const GdkRectangle screen{0, 0, width, height};
+    GdkRectangle seen;
+    gdk_rectangle_intersect(&frame, &screen, &seen);
+    const auto picture = GObjectRef<GdkPixbuf>::Adopt(gdk_pixbuf_get_from_drawable(
+        nullptr, root, nullptr, seen.x, seen.y, 0, 0, seen.width, seen.height));
+    const std::string file = folder + "/" + name + ".png";
+    gdk_pixbuf_save(picture.Get(), file.c_str(), "png", nullptr, nullptr);
+}
+
+void GenerateControls(LDialogGenContext& c) {
+    c.AddStaticTitle(1, "Every control of the builder");
+    c.AddInput(10, "Name", 220);
+    c.AddInputPassword(12, "Password");
+    c.AddInputUpDown(14, "Copies");
+    c.AddPullDownList(16, "Voice", 220);
+    c.AddComboBox(18, "Device");
+    c.AddDateTime(20, "Remind me");
+    c.AddScrollBar(22, "Speed");
+    c.AddDBEdit(24, "Volume");
+    c.AddDBDisplay(26);
+    c.AddHorizontalLine(27, "Progress");
+    c.AddProgressBar(28);
+    c.AddEdit(29, "Several lines of text\nin a field of their own", 60);
+    c.AddHyperLink(31, "Quillon on the web", "http://quillon.example/");
+    c.AddGroup(32, "How to save");
+    c.AddRadioButtonGroup(33, "Prompt for format settings");
+    c.AddRadioButton(34, "Use these default format settings ");
+    c.AddCheckBox(35, "Tell me when it is done");
+    c.StartHBox();
+    c.AddButton(36, "Add...");
+    c.AddButton(37, "Change...");
+    c.AddButton(38, "Remove...");
+    c.EndHBox();
+    c.GroupEnd();
+    c.AddSpecialOkCancelHelp(39, "Restore Defaults", nullptr, false, false, false);
+}
+
+void FillControls(LDialog& d) {
+    d.TextPromptSet(10, "Your name");
+    d.SetPasswordText(12, "secret");
+    d.UDInit(14, 1, 99, 3);
+    d.PDLAddString(16, "kal_diphone");
+    d.PDLSetCurSel(16, 0);
+    d.PDLSetText(18, "default");
+    d.DTPInitDateTimeLocal(20);
+    d.DTPSetDateTime(20, LDateTime::FromLocal(2026, 11, 21, 9, 30, 0));
+    d.SBSetRange(22, 0, 100, 10);
+    d.SBSetPos(22, 40);
+    d.LDBEditInit(24);
+    d.DBEditSetLevel(24, LDB(-6));
+    d.DBDisplaySetLevels(26, LDBMC(2, LDB(-9)));
+    d.PBSetProgress(28, 0.4);
+    d.PBSetText(28, "40 %");
+}
+
+void GenerateLists(LDialogGenContext& c) {
+    c.SetWidth(420);
+    c.AddGroup(1, "System Wide HotKeys");
+    c.AddList(10, 128);
+    c.GroupEnd();
+    c.AddEditReadOnly(31, "", 110);
+    c.AddOkCancelHelp("Go Back", false, true, false);
+}
+
+void FillLists(LDialog& d, LStatusWindow& log) {
+    static constexpr LListColumn kColumns[] = {{"Key", 35, LListSort::kText},
+                                               {"Command", 65, LListSort::kText}};
+    static constexpr int kIcons[] = {kReadButtonIcon, kSaveButtonIcon};
+    d.LVSetStyleCheck(10);
+    d.LVSetImages(10, kIcons);
+    d.LVInit(10, {LListColumns::kPercent, kColumns});
+    const char* rows[][2] = {{"Ctrl+Alt+R", "Read text from clipboard"},
+                             {"Ctrl+Alt+S", "Save text from clipboard"},
+                             {"F5", "Copy text from clipboard"}};
+    for (const auto& row : rows) {
+        const int at = d.LVImageAddString(10, row[0][0] == 'F' ? 1 : 0, row[0]);
+        d.LVSetColumnString(10, at, 1, row[1]);
+    }
+    d.LVSetCheck(10, 0, true);
+    d.LVSetCurSel(10, 1);
+    d.LVSetRowColor(10, 2, GdkColor{0, 0xC000, 0x2000, 0x2000});
+    log.Init(d, 30);
+    log.DisplayStatus("Lectora started", kLogPlain);
+    log.DisplayStatus("3 voices found", kLogInformation);
+    log.DisplayStatus("The sound card is busy", kLogWarning);
+    log.DisplayStatus("The file could not be written", kLogError);
+}
+
+struct MainLike : LKeyDialog, LStatusBar, LToolBar {
+    GtkWidget* StatusBar() { return CreateStatusBar(); }
+};
+
+constexpr LMenuItem kMenu[] = {
+    {-1, "Lectora"},
+    {-1, "&Read Aloud"},
+    {1011, "Read Current&Text"},
+    {0, nullptr},
+    {1008, "Read from fil&e"},
+    {-1, nullptr},
+    {1012, "Save Current &Text"},
+    {-2001, "Show Command Bar"},
+    {-1, nullptr},
+    {-1, "&Tools"},
+    {1021, "&Options..."},
+};
+constexpr LKeyToCommandMap kKeys[] = {{kKeyControl | kKeyShift | 'R', 1011},
+                                      {kKeyControl | kKeyAlt | 'V', 1012}};
+constexpr LToolBar::ToolBarItem kTools[] = {
+    {1011, kReadAloudIcon, "Read Aloud", "Read text aloud (Ctrl+Shift+R)",
+     LToolBar::ToolBarItem::kDropDown},
+    {1012, kSaveSpeechIcon, "Save Speech", "Save the text to an audio file",
+     LToolBar::ToolBarItem::kDropDown},
+    {0, 0, nullptr, nullptr, LToolBar::ToolBarItem::kSeparator},
+    {1021, kOptionsIcon, "Options", "Change settings", LToolBar::ToolBarItem::kButton},
+};
+
+void ShowMainLike() {
+    MainLike window;
+    window.Open(nullptr,
+                {"Menus, tool bar, command bar", true,
+                 [](LDialogGenContext& c) {
+                     c.StartHBox();
+                     c.AddSpanFull(gtk_toggle_button_new(), 510);
+                     c.AddSpanFull(gtk_toggle_button_new(), 511);
+                     c.EndHBox();
+                     c.AddOkCancelHelp(true, true, true);
+                 }},
+                false);
+    LExplorerBar commands;
+    GtkWidget* content = gtk_dialog_get_content_area(GTK_DIALOG(window.Widget()));
+    GtkWidget* bar = commands.Create([](int) {});
+    commands.AddItem(commands.AddTopic("Read Aloud"), "Read current text", "Reads it", 1011);
+    commands.AddItem(commands.AddTopic("Save as Speech"), "Save current text", "Saves it", 1012);
+    gtk_widget_set_size_request(bar, 180, 160);
+    gtk_box_pack_start(GTK_BOX(content), bar, TRUE, TRUE, 0);
+    LMenuContainer::SetMenu(window, kMenu, kKeys);
+    window.AddStandardMenuItems(true);
+    window.SetToolBar(window, kTools);
+    window.AddToolboxAndHelp();
+    gtk_box_pack_end(GTK_BOX(content), window.StatusBar(), FALSE, FALSE, 0);
+    window.SetStatusText("Lectora v 1.05");
+    window.CoolButtonInit(510, kReadButtonIcon, "Read Aloud");
+    window.CoolButtonInit(511, kSaveButtonIcon, "Save as Speech");
+    gtk_widget_set_size_request(window.Widget(), 720, -1);
+    gtk_widget_show_all(window.Widget());
+    TakePicture("main-like");
+    GtkWidget* menuBar =
+        static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(window.Widget()), "menu_bar"));
+    gtk_menu_shell_select_first(GTK_MENU_SHELL(menuBar), FALSE);
+    g_signal_emit_by_name(menuBar, "activate-current", FALSE);
+    TakePicture("menu");
+    gtk_menu_shell_cancel(GTK_MENU_SHELL(menuBar));
+}
+
+void ShowSheet() {
+    LPropertyPage general;
+    LPropertyPage keys;
+    LPropertySheet sheet;
+    sheet.AddPage(general, {"General", false, [](LDialogGenContext& c) {
+                                c.AddGroup(-1, "Run Start Up");
+                                c.AddCheckBox(101,
+                                              "Run Lectora automatically when computer starts");
+                                c.AddPullDownList(102);
+                                c.GroupEnd();
+                            }});
+    sheet.AddPage(keys, {"HotKeys", false, GenerateLists});
+    UserScript user({[&] {
+        TakePicture("sheet");
+        gtk_dialog_response(GTK_DIALOG(general.Widget()), GTK_RESPONSE_CANCEL);
+    }});
+    sheet.Open(nullptr, "Options", 0);
+}
+
+struct Work {};
+LProcessResult Process(LProgressDialog& dialog, Work&) {
+    dialog.SetFirstLabel("Synthesize Voice");
+    dialog.SetSecondLabel("Please wait...");
+    dialog.SetFraction(0.6);
+    TakePicture("progress");
+    return kProcessDone;
+}
+
+void ShowBoxes() {
+    Work work;
+    LProcessDialog<Work> progress("Synthesize Voice", work);
+    progress.Open(nullptr);
+    UserScript exitUser({[] {
+        TakePicture("message-box");
+        gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
+    }});
+    MessageBoxRunYesNoCancel(nullptr, "Lectora", "Confirm Exit",
+                             "Do you want Lectora to continue run in the background so you can use "
+                             "your hot keys to read text?");
+    UserScript fileUser({[] {
+        TakePicture("file-chooser");
+        gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
+    }});
+    char path[kTextBufferSize] = "";
+    char start[kTextBufferSize] = "";
+    LFile::BrowseReadFilePath(nullptr, path, "Locate File to Read Text", start,
+                              "Text Documents\0*.txt\0");
+    LAboutBox::Open(nullptr);
+    TakePicture("about");
+    gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_OK);
+    LSplashScreen splash;
+    splash.Display(nullptr);
+    TakePicture("splash");
+}
+
+void ShowAll() {
+    {
+        RecordingDialog controls;
+        controls.onInit = [&] { FillControls(controls); };
+        controls.Open(nullptr, {"Controls", false, GenerateControls}, false);
+        TakePicture("controls");
+        gtk_button_clicked(ButtonOf(controls, 20));
+        TakePicture("calendar");
+        gtk_button_clicked(ButtonOf(controls, 20));
+        controls.SetControlInvalid(10, "Please enter your name.", "Name Required");
+        TakePicture("bubble-tip");
+    }
+    {
+        LStatusWindow log;
+        RecordingDialog lists;
+        lists.onInit = [&] { FillLists(lists, log); };
+        lists.Open(nullptr, {"Lists and log", false, GenerateLists}, false);
+        TakePicture("lists");
+    }
+    ShowMainLike();
+    ShowSheet();
+    ShowBoxes();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 4)
+        return 2;
+    folder = argv[1];
+    std::filesystem::create_directories(folder);
+    gdk_threads_init();
+    const std::string style =
+        std::string("gtk-theme-name=\"") + argv[2] + "\"\ngtk-font-name=\"" + argv[3] + "\"\n";
+    gtk_init(&argc, &argv);
+    gtk_rc_parse_string(style.c_str());
+    g_log_set_always_fatal(
+        GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_CRITICAL | G_LOG_FLAG_FATAL));
+    const GdkLock lock;
+    ShowAll();
+    return 0;
+}
