@@ -6,17 +6,40 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
 
 #include "formats/wave_file.h"
 
 inline std::string ReadFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+inline std::size_t CountFiles(const std::string& folder, const std::string& beginning = "") {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        count += entry.path().filename().string().starts_with(beginning);
+    return count;
+}
+
+template <typename Condition>
+bool Eventually(Condition condition) {
+    for (int i = 0; i < 2000 && !condition(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return condition();
+}
+
+// An ended process counts as gone, however long its parent takes to collect it.
+inline bool IsGone(const std::string& process) {
+    const std::string status = ReadFile("/proc/" + process + "/stat");
+    const std::size_t name = status.rfind(')');
+    return name == std::string::npos || status.compare(name, 3, ") Z") == 0;
 }
 
 // Runs checks in a process of their own, because a process asks for its voices only once.

@@ -5,10 +5,8 @@
 #include <sys/resource.h>
 
 #include <algorithm>
-#include <chrono>
 #include <numeric>
 #include <random>
-#include <thread>
 
 #include "speech/speech_estimate.h"
 #include "speech/voice_list_query.h"
@@ -46,20 +44,6 @@ std::size_t CountLines(const std::string& path) {
     return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
 }
 
-std::size_t CountEntries(const std::string& folder, const std::string& beginning = "") {
-    std::size_t count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        count += entry.path().filename().string().starts_with(beginning);
-    return count;
-}
-
-template <typename Condition>
-bool Eventually(Condition condition) {
-    for (int i = 0; i < 2000 && !condition(); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return condition();
-}
-
 class NumbersReading : public testing::Test {
 protected:
     NumbersReading() { SpeakNumbers(engine_); }
@@ -67,12 +51,9 @@ protected:
     std::string SoundPath() const { return At("speech.wav"); }
     bool NoEngineRuns() const {
         std::ifstream running(At("running"));
-        for (std::string id; std::getline(running, id);) {
-            const std::string status = ReadFile("/proc/" + id + "/stat");
-            const std::size_t name = status.rfind(')');
-            if (name != std::string::npos && status.compare(name, 3, ") Z") != 0)
+        for (std::string id; std::getline(running, id);)
+            if (!IsGone(id))
                 return false;
-        }
         return true;
     }
 
@@ -135,7 +116,7 @@ TEST_F(NumbersReading, TroubleCostsTheUnitThatMakesItAndIsToldOnce) {
         }
     }
     EXPECT_EQ(LeftOutMessage("", {}), "");
-    EXPECT_EQ(CountEntries(engine_.Folder(), ".speech"), 0U);
+    EXPECT_EQ(CountFiles(engine_.Folder(), ".speech"), 0U);
 }
 
 TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
@@ -311,7 +292,7 @@ TEST_F(NumbersReading, EndsInEveryPhaseAndLeavesNothing) {
         SpeechReading first(texts[0], 0, SoundPath(), ReadingUse::kListening);  // lazy statics
         first.Start();
     }
-    const std::size_t descriptors = CountEntries("/proc/self/fd");
+    const std::size_t descriptors = CountFiles("/proc/self/fd");
     for (int i = 0; i < 60; ++i) {
         SpeechReading reading(texts[i % 4], 0, SoundPath(),
                               i % 3 == 0 ? ReadingUse::kSaving : ReadingUse::kListening);
@@ -338,9 +319,9 @@ TEST_F(NumbersReading, EndsInEveryPhaseAndLeavesNothing) {
         EXPECT_TRUE(reading.Track().IsComplete());
     }
     EXPECT_TRUE(Eventually([&] { return NoEngineRuns(); }));
-    EXPECT_TRUE(Eventually([&] { return CountEntries("/proc/self/fd") <= descriptors; }));
-    EXPECT_TRUE(Eventually([&] { return CountEntries("/proc/self/task") <= 2; }));
-    EXPECT_EQ(CountEntries(engine_.Folder(), ".speech"), 0U);
+    EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/fd") <= descriptors; }));
+    EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/task") <= 2; }));
+    EXPECT_EQ(CountFiles(engine_.Folder(), ".speech"), 0U);
 }
 
 TEST(SpeechEstimate, TellsWhatDoesNotFitBeforeItBegins) {
@@ -352,13 +333,18 @@ TEST(SpeechEstimate, TellsWhatDoesNotFitBeforeItBegins) {
     EXPECT_THAT(SavingProblem(100, "/proc"), HasSubstr("0.0 MB are free"));
 }
 
-// Pieces joined are what one run says of the whole, sample for sample.
+// The installed engine dies on most of these as they stand. Prepared, one run speaks them all, and
+// the pieces of a reading joined are what that run says, sample for sample.
 void CompareWithOneRun() {
     const std::string text =
-        "Chapter one. It was the best of times; it was the worst of times! Was it? Mr. Smith paid "
-        "3.50 dollars, e.g. for \"tea\" (two cups).\n\nNo. 7 is here: well - almost. \"Go!\" she "
-        "said. He went... and then came back.\nA line\nwith breaks. " +
-        std::string("All in all we know the ways of words and how they end. ") + "The end";
+        "Hello.\n----\nWorld. He said \"!!!\" \"???\" and left.\n\nControl \x01 "
+        "bytes.\n\x02\nEnd\n\n"
+        "Faces \xf0\x9f\x98\x80.\n\xf0\x9f\x98\x80\nEnd\n\n“Curly” — ‘quotes’ …\n…\n“”\n\n"
+        "a -- -- b ... -- !\n\n\"\n\nEnd! ? " +
+        std::string(600, 'x') + " = " + std::string(500, '=') +
+        "\n\nIt was the best of times; it was the worst of times! Was it? Mr. Smith paid 3.50 "
+        "dollars, e.g. for \"tea\" (two cups).\n\nNo. 7 is here: well - almost. \"Go!\" she said. "
+        "He went... and then came back.\nA line\nwith breaks. The end";
     LSilentProgress progress;
     VoiceListQuery voices;
     ASSERT_EQ(Process(progress, voices), kProcessDone);
@@ -367,28 +353,29 @@ void CompareWithOneRun() {
     LTTS request;
     request.text = text.c_str();
     request.outputPath = whole.c_str();
-    ASSERT_EQ(Process(progress, request), kProcessDone);
+    ASSERT_EQ(Process(progress, request), kProcessDone) << SynthesisMessage(request.outcome);
     const LSoundSource expected = LWaveFile::OpenSource(whole.c_str());
     SpeechReading reading(text, 0, folder.Folder() + "/pieces.wav", ReadingUse::kListening);
     reading.Start();
     ASSERT_EQ(Process(progress, reading), kProcessDone);
     const LSoundSource source = reading.OpenSource();
+    while (source->IsStreaming()) {
+        source->Seek(source->GetEndSample());
+        source->WaitForStreamingData(1000);
+    }
+    EXPECT_EQ(reading.Message(), "");
+    ASSERT_EQ(source->GetEndSample(), expected->GetEndSample());
+    source->Seek(0);
     std::vector<int> first(8192);
     std::vector<int> second(8192);
     for (int at = 0; at < expected->GetEndSample(); at += 8192) {
-        while (source->IsStreaming() && source->GetEndSample() < at + 8192) {
-            source->Seek(source->GetEndSample());
-            source->WaitForStreamingData(1000);
-        }
-        source->Seek(at);
         expected->Read(first.data(), 8192);
         source->Read(second.data(), 8192);
         ASSERT_EQ(first, second) << at;
     }
-    EXPECT_EQ(source->GetEndSample(), expected->GetEndSample());
 }
 
-TEST(RealEngine, PiecesJoinedAreWhatOneRunSays) {
+TEST(RealEngine, SpeaksWhatKillsItUnpreparedAndPiecesJoinedAreWhatOneRunSays) {
     InFreshProcess(CompareWithOneRun);
 }
 

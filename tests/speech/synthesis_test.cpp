@@ -2,25 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
-#include <thread>
 
-#include "foundation/child_process.h"
 #include "speech/run_files.h"
-#include "speech/text_preparation.h"
 #include "speech/tts_sound_source.h"
-#include "speech/voice_list_query.h"
 #include "tests/speech/fake_engine.h"
 
 namespace {
-
-template <typename Condition>
-bool Eventually(Condition condition) {
-    for (int i = 0; i < 2000 && !condition(); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return condition();
-}
 
 // Gives up once the engine is at work, or cancels as the user would; without a condition it waits
 // for the engine.
@@ -58,17 +46,6 @@ private:
     std::string text_, output_;
 };
 
-std::size_t FilesLike(const std::string& folder, const std::string& beginning) {
-    std::size_t count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        count += entry.path().filename().string().starts_with(beginning);
-    return count;
-}
-
-std::size_t OpenDescriptors() {
-    return FilesLike("/proc/self/fd", "");
-}
-
 TEST(Synthesis, HandsThePreparedTextToTheEngineAndDeliversItsFile) {
     const FakeEngine engine;
     engine.Speak("cat \"$3\" >$here/heard; echo \"$2\" >$here/voice; cp $here/good.wav \"$5\"");
@@ -80,7 +57,7 @@ TEST(Synthesis, HandsThePreparedTextToTheEngineAndDeliversItsFile) {
         EXPECT_EQ(ReadFile(output + "/speech.wav"), ReadFile(engine.Folder() + "/good.wav"));
         EXPECT_EQ(ReadFile(engine.Folder() + "/heard"), "It's a cafe.\n\nYes");
         EXPECT_EQ(ReadFile(engine.Folder() + "/voice"), "(voice_one)\n");
-        EXPECT_EQ(FilesLike(output, ""), 1U) << "nothing left behind";
+        EXPECT_EQ(CountFiles(output, ""), 1U) << "nothing left behind";
     }
     // A path that would not fit into the 260 characters of the command.
     std::string deep = engine.Folder() + "/" + std::string(120, 'd');
@@ -128,19 +105,10 @@ TEST(Synthesis, IsJudgedByTheFileAndSaysWhy) {
         const bool spoken = test.outcome == SynthesisOutcome::kSpoken;
         EXPECT_EQ(request.tts.result, spoken ? kProcessDone : kProcessFailed) << test.what;
         EXPECT_EQ(SynthesisMessage(test.outcome).empty(), spoken) << test.what;
-        EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 0U) << test.what;
-        EXPECT_EQ(FilesLike(engine.Folder(), "started"), 0U) << test.what;
-        EXPECT_EQ(FilesLike(engine.Folder(), "s.wav"), spoken ? 1U : 0U) << test.what;
+        EXPECT_EQ(CountFiles(engine.Folder(), ".speech"), 0U) << test.what;
+        EXPECT_EQ(CountFiles(engine.Folder(), "started"), 0U) << test.what;
+        EXPECT_EQ(CountFiles(engine.Folder(), "s.wav"), spoken ? 1U : 0U) << test.what;
     }
-}
-
-// Eventually gone: an ended process counts as gone, however long its parent takes to collect it.
-bool IsGone(const std::string& process) {
-    return Eventually([&] {
-        const std::string status = ReadFile("/proc/" + process + "/stat");
-        const std::size_t name = status.rfind(')');
-        return name == std::string::npos || status.compare(name, 3, ") Z") == 0;
-    });
 }
 
 TEST(Synthesis, ARunThatIsGivenUpEndsItsEngineWithAllThatItStarted) {
@@ -157,9 +125,9 @@ TEST(Synthesis, ARunThatIsGivenUpEndsItsEngineWithAllThatItStarted) {
         for (const char* process : {"/engine", "/child"}) {
             std::string id;
             std::ifstream(engine.Folder() + process) >> id;
-            EXPECT_TRUE(IsGone(id)) << process;
+            EXPECT_TRUE(Eventually([&] { return IsGone(id); })) << process;
         }
-        EXPECT_EQ(FilesLike(engine.Folder(), ".speech"), 0U);
+        EXPECT_EQ(CountFiles(engine.Folder(), ".speech"), 0U);
         EXPECT_FALSE(std::filesystem::exists(output));
         std::filesystem::remove(engine.Folder() + "/child");
     }
@@ -176,7 +144,7 @@ TEST(Synthesis, AnEngineDiesWithTheProgram) {
                 testing::KilledBySignal(SIGKILL), "");
     std::string id;
     std::ifstream(engine.Folder() + "/engine") >> id;
-    EXPECT_TRUE(IsGone(id)) << id;
+    EXPECT_TRUE(Eventually([&] { return IsGone(id); })) << id;
 }
 
 TEST(Synthesis, FilesOfDeadRunsAreRemovedByAgeAndOnlyThose) {
@@ -214,10 +182,10 @@ TEST(Synthesis, ManyRunsLeaveNoDescriptorAndNoTextFileBehind) {
         "ls /proc/self/fd >$here/fds; echo \"$3\" >>$here/texts; cp $here/good.wav \"$5\"");
     Request warmUp("Hello", engine.Folder() + "/s.wav");
     EXPECT_EQ(warmUp.Run(), SynthesisOutcome::kSpoken);
-    const std::size_t before = OpenDescriptors();
+    const std::size_t before = CountFiles("/proc/self/fd");
     for (int i = 0; i < 5; ++i)
         EXPECT_EQ(Request("Hello", engine.Folder() + "/s.wav").Run(), SynthesisOutcome::kSpoken);
-    EXPECT_TRUE(Eventually([&] { return OpenDescriptors() <= before; }));
+    EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/fd") <= before; }));
     std::ifstream texts(engine.Folder() + "/texts");
     int runs = 0;
     for (std::string path; std::getline(texts, path); ++runs)
@@ -260,34 +228,6 @@ TEST(TtsSoundSource, WithoutSpeechIsSilenceThatTellsWhy) {
         source->Read(&sample, 1);
         EXPECT_EQ(sample, 0);
     }
-}
-
-// The installed engine dies on each of these when it gets them as they stand.
-void SpeakWithRealEngine() {
-    const std::string texts[] = {
-        "Hello.\n----\nWorld.",
-        "He said \"!!!\" \"???\" and left.",
-        "Control \x01 bytes.\n\x02\nEnd",
-        "Faces 😀.\n😀😀\nEnd",
-        "“Curly” — ‘quotes’ …\n…\n“”",
-        "a -- -- b ... -- !\n\n\"\n\nEnd! ?",
-        std::string(600, 'x') + " = " + std::string(500, '='),
-    };
-    LSilentProgress waiting;
-    VoiceListQuery voices;
-    ASSERT_EQ(Process(waiting, voices), kProcessDone);
-    char folder[] = "/tmp/lectora-real-XXXXXX";
-    ASSERT_NE(::mkdtemp(folder), nullptr);
-    for (const std::string& text : texts) {
-        Request request(text, std::string(folder) + "/s.wav");
-        EXPECT_EQ(request.Run(), SynthesisOutcome::kSpoken) << text;
-    }
-    std::filesystem::remove_all(folder);
-}
-
-TEST(RealEngine, SpeaksTextsThatKillItUnprepared) {
-    ASSERT_TRUE(IsProgramInstalled("text2wave"));
-    InFreshProcess(SpeakWithRealEngine);
 }
 
 }  // namespace

@@ -46,13 +46,6 @@ TEST(VoiceList, IsReadFromTheEnginesReply) {
         EXPECT_EQ(ParseVoiceList(test.reply), test.names) << test.what;
 }
 
-// An ended orphan counts as gone, however long its new parent takes to reap it.
-bool IsAtWork(int process) {
-    const std::string status = ReadFile("/proc/" + std::to_string(process) + "/stat");
-    const std::size_t name = status.rfind(')');
-    return name != std::string::npos && status.substr(name).find(") Z") != 0;
-}
-
 void AskUntilThereIsOne() {
     const FakeEngine engine(true);
     char name[kTextBufferSize];
@@ -65,10 +58,9 @@ void AskUntilThereIsOne() {
     engine.Script("festival", "echo $$ >$here/pid; exec /bin/sleep 60");
     while (ReadFile(engine.Folder() + "/pid").empty())
         EXPECT_EQ(TTSGetNumSpeakers(), 0) << "hangs";
-    const int hung = std::stoi(ReadFile(engine.Folder() + "/pid"));
-    for (int i = 0; i < 100 && IsAtWork(hung); ++i)
-        ::usleep(10000);
-    EXPECT_FALSE(IsAtWork(hung)) << "is ended";
+    std::string hung;
+    std::ifstream(engine.Folder() + "/pid") >> hung;
+    EXPECT_TRUE(Eventually([&] { return IsGone(hung); })) << "is ended";
     engine.Script("festival",
                   "read line; echo \"$line\" >$here/asked; printf 'festival> (un deux)\\n'");
     while (TTSGetNumSpeakers() == 0)
@@ -117,13 +109,11 @@ void StopAsking() {
     {
         VoiceListQuery query;
         query.Ask();
-        for (int i = 0; i < 1000 && ReadFile(engine.Folder() + "/pid").empty(); ++i)
-            ::usleep(10000);
+        EXPECT_TRUE(Eventually([&] { return !ReadFile(engine.Folder() + "/pid").empty(); }));
     }
-    const int hung = std::stoi(ReadFile(engine.Folder() + "/pid"));
-    for (int i = 0; i < 1000 && IsAtWork(hung); ++i)
-        ::usleep(10000);
-    EXPECT_FALSE(IsAtWork(hung));
+    std::string hung;
+    std::ifstream(engine.Folder() + "/pid") >> hung;
+    EXPECT_TRUE(Eventually([&] { return IsGone(hung); }));
 }
 
 TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
