@@ -3,6 +3,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <chrono>
 #include <thread>
 
 #include "foundation/log.h"
@@ -42,6 +43,7 @@ struct PieceRuns::Run {
     SpeechPiece piece;
     LTTS request;
     std::optional<SynthesisRun> engine;  // once it was started
+    std::chrono::steady_clock::time_point start;
 };
 
 PieceRuns::PieceRuns(std::string_view text, int voice, std::string folder, ReadingUse use,
@@ -84,6 +86,7 @@ bool PieceRuns::PullPiece() {
 void PieceRuns::StartRun(Run& run) {
     run.request.outputPath = folder_.c_str();
     run.request.voice = voice_;
+    run.start = std::chrono::steady_clock::now();
     run.engine.emplace(run.request);
     if (!run.engine->StartPrepared(run.piece.Text())) {
         run.engine->Finish(kProcessFailed);
@@ -122,6 +125,8 @@ void PieceRuns::Take(LProcessResult waited) {
 void PieceRuns::TakeSound(Run& run) {
     timeOutsInRow_ = 0;
     leftOutInRow_ = 0;
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - run.start;
+    pieces_->RunTook(took.count());
     const SynthesisOutcome taken = taker_.TakePiece(run.engine->Sound(), run.piece);
     if (taken != SynthesisOutcome::kSpoken) {
         End(taken);

@@ -7,8 +7,13 @@ namespace {
 
 // Less than this speaks for less than two seconds, and the next run needs a part of them to start.
 constexpr std::size_t kEnoughToListen = 25;
-// A run costs a third of a second before its first sentence, of which this holds some fifty.
-constexpr std::size_t kEnoughToSave = 4000;
+// A run costs a third of a second before its first sentence, of which 2,000 bytes hold some twenty:
+// longer pieces save a quarter of the time. But a slow voice speaks 4,800 in a run's 20 seconds.
+constexpr std::size_t kFirstToSave = 2000;
+constexpr std::size_t kLeastToSave = 500;
+constexpr std::size_t kMostToSave = 8000;
+constexpr double kQuickSeconds = 3;
+constexpr double kSlowSeconds = 8;
 
 }  // namespace
 
@@ -40,7 +45,8 @@ SpeechPiece SpeechPiece::TakeSecondHalf() {
 
 SpeechPieces::SpeechPieces(std::string_view text, VoiceCharset charset, ReadingUse use)
     : units_(text, charset),
-      enough_(use == ReadingUse::kListening ? kEnoughToListen : kEnoughToSave) {}
+      use_(use),
+      enough_(use == ReadingUse::kListening ? kEnoughToListen : kFirstToSave) {}
 
 bool SpeechPieces::Next(SpeechPiece& piece) {
     piece.units.clear();
@@ -50,6 +56,15 @@ bool SpeechPieces::Next(SpeechPiece& piece) {
         piece.units.push_back(std::move(unit));
     }
     return !piece.units.empty();
+}
+
+void SpeechPieces::RunTook(double seconds) {
+    if (use_ == ReadingUse::kListening)
+        return;
+    if (seconds < kQuickSeconds)
+        enough_ = std::min(enough_ * 2, kMostToSave);
+    else if (seconds > kSlowSeconds)
+        enough_ = std::max(enough_ / 2, kLeastToSave);
 }
 
 void SpeechPieces::LimitTo(std::size_t size) {

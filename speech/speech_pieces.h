@@ -32,10 +32,13 @@ public:
     // The text's bytes outlive this.
     SpeechPieces(std::string_view text, VoiceCharset charset, ReadingUse use);
 
-    bool Next(SpeechPiece& piece);   // false at the end
-    void LimitTo(std::size_t size);  // bytes of prepared text; from now on, never less than a unit
+    bool Next(SpeechPiece& piece);  // false at the end
+    // A run over a piece took so long: the next ones are cut by that when saving.
+    void RunTook(double seconds);
+    void LimitTo(std::size_t size);  // bytes of prepared text; never less than a unit
 
 private:
     TextUnits units_;
+    ReadingUse use_;
     std::size_t enough_;  // a piece is closed at so many bytes
 };

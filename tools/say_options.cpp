@@ -96,7 +96,7 @@ std::optional<int> PlanStream(const Words& words, SayOptions& options) {
 }
 
 bool ParseSplit(const char* minutes, SayOptions& options) {
-    constexpr int kLeastMinutes = 10;  // some pieces of the engine's
+    constexpr int kLeastMinutes = 15;  // longer than what the engine speaks in one run
     constexpr int kMostMinutes = 24 * 60;
     int number = 0;
     if (minutes != nullptr && !ParseNumber(minutes, kLeastMinutes, kMostMinutes, number))

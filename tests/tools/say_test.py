@@ -133,12 +133,12 @@ class SayTest(ProgramCase):
 
     def test_parts_are_numbered_and_hold_the_whole(self):
         self.save("a.txt", ("One more sentence of the book. " * 1000).encode())
-        self.check(SAY, "--split=10", "-o", "a.wav", "a.txt")
+        self.check(SAY, "--split=15", "-o", "a.wav", "a.txt")
         names = [name for name in self.files() if name != "a.txt"]
         self.assertEqual(names, [f"a-{i:02}.wav" for i in range(1, len(names) + 1)])
         frames = [self.frames(name) for name in names]
         self.assertEqual(sum(frames), 1000 * 800 * 25)
-        self.assertTrue(all(0 < count <= 10 * 60 * 16000 for count in frames), frames)
+        self.assertTrue(all(0 < count <= 15 * 60 * 16000 for count in frames), frames)
 
     def test_what_kills_the_engine_is_left_out_and_told(self):
         self.save("a.txt", b"A good sentence stands here. A killer stands here. And another one.")
