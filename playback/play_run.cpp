@@ -15,6 +15,8 @@ constexpr int kRefusedWaitMilliseconds = 10;
 // Often enough to see a card stop before its time, and then give it again what was lost.
 constexpr int kDrainWaitMilliseconds = 20;
 constexpr unsigned int kResumeWaitMilliseconds = 1000;
+constexpr std::chrono::seconds kBusyPatience(2);
+constexpr unsigned int kBusyWaitMilliseconds = 100;
 // A source waits without regard to the stop signal, and Halt waits for it.
 constexpr int kStreamingWaitMilliseconds = 10;
 constexpr unsigned int kHaltMilliseconds = 15;
@@ -89,7 +91,12 @@ void PlayRun::ThreadFunction() {
 }
 
 bool PlayRun::OpenCard() {
-    if (pcm_.Open(card_) < 0) {
+    // Who holds a card often lets it go in a moment, a run left behind among them.
+    const CardClock::Time limit = Now() + kBusyPatience;
+    int error = pcm_.Open(card_);
+    while (error == -EBUSY && Now() < limit && !StopSignal().WaitSignal(kBusyWaitMilliseconds))
+        error = pcm_.Open(card_);
+    if (error < 0) {
         TellEnd(PlayTrouble::kCannotOpen);
         return false;
     }

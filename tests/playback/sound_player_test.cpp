@@ -278,6 +278,16 @@ TEST_F(PlayerTest, GrowingSourcesAreWaitedForInSilence) {
     }
 }
 
+TEST_F(PlayerTest, ABusyCardIsTriedAgain) {
+    cards_.Insert(0, "fault busy\n");
+    player_->Start(NumberedSource(8000));
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    EXPECT_EQ(cards_.Streams(0), 0);
+    cards_.Insert(0, "speed 8\n");
+    ASSERT_TRUE(RunUntilTold("stop"));
+    EXPECT_EQ(cards_.Played(0), NumbersFrom(0, 8000));
+}
+
 TEST_F(PlayerTest, EndsInTroubleWithAReason) {
     const struct {
         const char* card;
