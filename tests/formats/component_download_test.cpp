@@ -3,6 +3,7 @@
 
 #include <signal.h>
 
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <thread>
@@ -22,7 +23,7 @@ public:
     bool IsToStop() {
         return isStopped || (!stopFile.empty() && std::filesystem::exists(stopFile));
     }
-    bool isStopped = false;
+    std::atomic<bool> isStopped = false;
     std::string stopFile;
     std::vector<double> fractions;
 };
