@@ -1,7 +1,6 @@
 #include "gui/control_registry.h"
 
 #include <algorithm>
-#include <ranges>
 
 void LControlRegistry::Insert(const Entry& entry) {
     const bool known = std::ranges::any_of(
@@ -21,13 +20,13 @@ void LControlRegistry::AddYielding(GtkWidget* control, int id) {
 
 GtkWidget* LControlRegistry::Find(int id) const {
     GtkWidget* yielding = nullptr;
-    for (const Entry& entry : entries_ | std::views::reverse) {
-        if (entry.id != id)
+    for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
+        if (entry->id != id)
             continue;
-        if (!entry.yields)
-            return entry.control;
+        if (!entry->yields)
+            return entry->control;
         if (yielding == nullptr)
-            yielding = entry.control;
+            yielding = entry->control;
     }
     return yielding;
 }
