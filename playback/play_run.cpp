@@ -63,7 +63,7 @@ void PlayRun::Halt() {
 
 PlayNews PlayRun::TakeNews() {
     const std::lock_guard lock(newsMutex_);
-    const PlayNews news = news_;
+    PlayNews news = news_;
     news_.hasBlock = news_.hasEnded = news_.hasFailed = false;
     return news;
 }
