@@ -27,6 +27,7 @@ constexpr int kReadButton = 510;
 constexpr int kSaveButton = 511;
 constexpr int kReadImage = 12;
 constexpr int kSaveImage = 13;
+constexpr int kTrayImage = 2;
 
 constexpr int kTextChanged = 1111;
 constexpr int kUpdateFromSelection = 1000;
@@ -61,7 +62,9 @@ constexpr LKeyToCommandMap kKeyMap[] = {
 }  // namespace
 
 MainDialog::MainDialog()
-    : voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }), reading_(*this) {}
+    : tray_([this](int button) { EvTrayIconPressed(button); }),
+      voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }),
+      reading_(*this) {}
 
 MainDialog::~MainDialog() {
     for (const unsigned int source : {nextFile_, hotKeySource_}) {
@@ -114,7 +117,20 @@ void MainDialog::InitDialog() {
     FocusControl(kTextBox);
 }
 
+void MainDialog::EvShown() {
+    tray_.Add(kTrayImage, "Lectora");
+}
+
+// Brings the window back; pressing again does not hide it.
+void MainDialog::EvTrayIconPressed(int button) {
+    const bool isMinimised =
+        (gdk_window_get_state(gtk_widget_get_window(Widget())) & GDK_WINDOW_STATE_ICONIFIED) != 0;
+    if (button == 1 && (isMinimised || !gtk_widget_get_visible(Widget())))
+        CmOpen();
+}
+
 void MainDialog::DestroyDialog() {
+    tray_.Remove();
     HotkeysStop();
     StopReading();
     voices_.Store();

@@ -8,6 +8,7 @@
 #include "app/long_lines.h"
 #include "app/read_aloud.h"
 #include "app/spoken_highlight.h"
+#include "app/tray_icon.h"
 #include "app/voice_choice.h"
 #include "gui/main_window.h"
 
@@ -29,6 +30,7 @@ public:
     void DestroyDialog() override;
     void LayoutControls(int width, int height) override;
     void EnableControls() override;
+    void EvShown() override;
     void Command(int command) override;
     bool EvKeyDown(unsigned int key) override;
     void CmClose() override;
@@ -72,10 +74,12 @@ private:
     void CreateControls();
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();
+    void EvTrayIconPressed(int button);
     void ShowNoSpeechEngine();
 
     LongLines lines_;  // of the text box
     SpokenHighlight highlight_;
+    TrayIcon tray_;
     VoiceChoice voices_;
     ReadAloud reading_;
     bool speaking_ = false;

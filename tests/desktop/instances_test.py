@@ -1,12 +1,10 @@
 """One Lectora a user: second starts, and what a crash leaves."""
 import os
-import socket
+import signal
+import subprocess
 import unittest
 
 from desktop_case import DesktopCase, desktop
-
-SOCKET = ".Lectora.runonce"
-
 
 class InstancesTest(DesktopCase):
     def second_start(self, *arguments):
@@ -26,22 +24,24 @@ class InstancesTest(DesktopCase):
         lectora.window()
         self.assertEqual(lectora.text(), "handed over")
 
-    def test_a_relative_path_means_the_same_file_to_the_running_instance(self):
-        lectora = self.start()
-        self.file("near.txt", "from here")
-        here = os.getcwd()
-        self.addCleanup(os.chdir, here)
-        os.chdir(desktop.HOME)
-        self.assertEqual(self.second_start("near.txt"), 0)
-        desktop.wait_until(lambda: lectora.text() == "from here", "the text")
 
-    def test_a_stale_socket_is_replaced(self):
-        path = os.path.join(desktop.HOME, SOCKET)
-        with socket.socket(socket.AF_UNIX) as stale:
-            stale.bind(path)
+    def test_the_tray_icon_brings_the_window_back_also_in_a_tray_that_starts_again(self):
         lectora = self.start()
-        self.assertEqual(self.second_start(self.file("after.txt", "after the crash")), 0)
-        desktop.wait_until(lambda: lectora.text() == "after the crash", "the text")
+        for _ in range(2):
+            icon = desktop.wait_until(
+                lambda: desktop.xdotool("search", "--onlyvisible", "--name", "^TrayIcon$").split(), "the icon"
+            )[0]
+            self.picture("tray")
+            desktop.xdotool("windowminimize", "--sync", lectora.window())
+            desktop.xdotool("mousemove", "--window", icon, 8, 8, "click", 1)
+            lectora.window()
+            trays = [pid for pid, command in desktop.processes().items() if command.startswith("trayer")]
+            os.kill(trays[0], signal.SIGKILL)
+            desktop.wait_until(
+                lambda: not desktop.xdotool("search", "--onlyvisible", "--name", "^TrayIcon$"), "its end"
+            )
+            tray = subprocess.Popen("trayer --edge bottom --align right --height 24".split())
+            self.addCleanup(tray.kill)
 
 
 if __name__ == "__main__":
