@@ -71,14 +71,6 @@ class WindowTest(DesktopCase):
         self.read_aloud(lectora)
         self.assertEqual(lectora.text(), "firstx")
 
-    def test_without_a_usable_home_it_runs_and_rests(self):
-        lectora = desktop.Lectora(HOME=os.path.join(desktop.HOME, "missing"))
-        self.addCleanup(lectora.end)
-        lectora.window(20)
-        before = lectora.cpu_seconds()
-        time.sleep(2.0)
-        self.assertLess(lectora.cpu_seconds() - before, 0.5)
-
     def test_a_program_named_setup_ends_without_a_word(self):
         program = os.path.join(desktop.HOME, "lectora-setup")
         os.symlink(os.path.join(desktop.BUILD, "bin/lectora"), program)
