@@ -223,11 +223,7 @@ void MainDialog::Command(int command) {
             CmSave();
             break;
         case kTextChanged:
-            // What the user writes is not replaced by a file that still waits.
-            if (!loadingWaitingFile_)
-                waitingFiles_.clear();
-            highlight_.End();
-            EnableControls();
+            EvTextChanged();
             break;
         case kVoiceList:
             voices_.NoteChange();
@@ -238,6 +234,14 @@ void MainDialog::Command(int command) {
         default:
             break;
     }
+}
+
+void MainDialog::EvTextChanged() {
+    // What the user writes is not replaced by a file that still waits.
+    if (!loadingWaitingFile_)
+        waitingFiles_.clear();
+    highlight_.End();
+    EnableControls();
 }
 
 bool MainDialog::EvKeyDown(unsigned int key) {

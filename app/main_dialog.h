@@ -74,6 +74,7 @@ private:
     void CreateControls();
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();
+    void EvTextChanged();
     void EvTrayIconPressed(int button);
     void ShowNoSpeechEngine();
 
