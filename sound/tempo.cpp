@@ -71,7 +71,8 @@ int LTempoSource::ReadableFrames() const {
         return Ready();
     if (!inner_->IsStreaming())
         return Ready() + static_cast<int>(std::ceil(
-                             (remaining + stretcher_->numUnprocessedSamples()) * 100.0 / percent_));
+                             (remaining + static_cast<int>(stretcher_->numUnprocessedSamples())) *
+                             100.0 / percent_));
     // A part of what is still to come stays in the works.
     const int sure = remaining * 100 / percent_ - (kSequence + kSearch) * sampleRate_ / 1000;
     return Ready() + std::max(0, sure);

@@ -142,7 +142,7 @@ std::string Speak(const SayOptions& options, const SayJob& job, const std::strin
         return output.Error();
     if (result != kProcessDone)
         return subject + ": " + SynthesisMessage(runs.Outcome());
-    if (const std::string error = output.Finish(); !error.empty())
+    if (std::string error = output.Finish(); !error.empty())
         return error;
     if (const std::string told = LeftOutMessage(text, runs.LeftOut()); !told.empty())
         Complain(kProgram, subject + ": " + told);

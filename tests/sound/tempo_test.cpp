@@ -45,7 +45,8 @@ std::vector<int> Scale() {
     std::vector<int> samples;
     double phase = 0;
     for (int i = 0; i < kFrames; ++i) {
-        phase += 2 * std::numbers::pi * (200 + 50 * (i / kRate)) / kRate;
+        const int hertz = 200 + 50 * (i / kRate);
+        phase += 2 * std::numbers::pi * hertz / kRate;
         samples.push_back(static_cast<int>(300000 * std::sin(phase)));
     }
     return samples;

@@ -74,7 +74,7 @@ std::vector<std::int16_t> VirtualCards::Played(int card, int stream) const {
     const std::vector<CardEvent> events = Events(card, stream);
     if (header.size() <= kChannelsAt || events.empty())
         return {};
-    const auto channels = static_cast<std::uint64_t>(header[kChannelsAt]);
+    const auto channels = static_cast<std::uint8_t>(header[kChannelsAt]);
     const std::vector<std::int16_t> received = Received(card, stream);
     std::vector<std::int16_t> played;
     CardEvent from;
