@@ -5,10 +5,10 @@
 
 #include <algorithm>
 
+#include "app/document_loading.h"
 #include "app/save_speech.h"
 #include "app/settings_keys.h"
 #include "app/start_up.h"
-#include "documents/document.h"
 #include "foundation/browser.h"
 #include "foundation/file.h"
 #include "foundation/hosts.h"
@@ -82,6 +82,7 @@ void MainDialog::CreateControls() {
     AddControl(edit.textView, kTextBox, edit.scrolledWindow);
     lines_.Attach(gtk_text_view_get_buffer(GTK_TEXT_VIEW(edit.textView)));
     highlight_.Attach(GTK_TEXT_VIEW(edit.textView), lines_);
+    original_.Attach(GTK_TEXT_VIEW(edit.textView), lines_);
     SetAccessibleName(edit.textView, "Text to read");
     SetTooltip(kTextBox, "Enter your text here or click on the Update Text button");
 
@@ -238,7 +239,7 @@ void MainDialog::Command(int command) {
 
 void MainDialog::EvTextChanged() {
     // What the user writes is not replaced by a file that still waits.
-    if (!loadingWaitingFile_)
+    if (!settingWaitingFile_)
         waitingFiles_.clear();
     highlight_.End();
     EnableControls();
@@ -259,7 +260,7 @@ void MainDialog::CmClose() {
 }
 
 void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
-    if (speaking_)
+    if (speaking_ || loading_)
         return;
     speaking_ = true;
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(GetControlByID(kTextBox)));
@@ -304,13 +305,10 @@ void MainDialog::StopReading() {
 }
 
 void MainDialog::ReadWaitingFiles() {
-    while (!speaking_ && !reading_.IsReading() && !waitingFiles_.empty()) {
+    while (IsOpen() && !speaking_ && !loading_ && !reading_.IsReading() && !waitingFiles_.empty()) {
         const std::string path = waitingFiles_.front();
         waitingFiles_.pop_front();
-        loadingWaitingFile_ = true;
-        const bool loaded = IsOpen() && LoadFile(path.c_str());
-        loadingWaitingFile_ = false;
-        if (loaded)
+        if (LoadFile(path.c_str(), FileFrom::kArguments))
             Speak(&MainDialog::ReadText, Stretch::kAll);
     }
 }
@@ -340,20 +338,41 @@ void MainDialog::CmOpenFile() {
     char path[kTextBufferSize] = "";
     char folder[kTextBufferSize];
     CopyText(folder, kOpenFolderSetting.Get());
-    static constexpr char kFilter[] = "Text Documents\0*.txt;*.text;*.TXT;*\0";
+    static constexpr char kFilter[] =
+        "Text Documents\0*.txt;*.text;*.TXT;*\0"
+        "Web Pages\0*.html;*.htm;*.xhtml;*.HTML;*.HTM\0"
+        "Books\0*.epub;*.EPUB\0"
+        "Word Processor Documents\0*.odt;*.fodt;*.docx;*.ODT;*.DOCX\0"
+        "PDF Documents\0*.pdf;*.PDF\0";
     if (!LFile::BrowseReadFilePath(Widget(), path, "Locate File to Read Text", folder, kFilter))
         return;
     kOpenFolderSetting.Set(folder);
-    LoadFile(path);
+    LoadFile(path, FileFrom::kUser);
 }
 
-bool MainDialog::LoadFile(const char* path) {
-    const Document document = LoadDocument(path);
-    if (!document.problem.empty()) {
-        SetStatusText(document.problem.c_str());
+bool MainDialog::LoadFile(const char* path, FileFrom from) {
+    loading_ = true;
+    const std::optional<Document> document = LoadDocumentUnderDialog(Widget(), path);
+    loading_ = false;
+    // The window may have been closed meanwhile.
+    if (!IsOpen())
+        return false;
+    ReadWaitingFilesSoon();
+    if (!document) {
+        waitingFiles_.clear();
         return false;
     }
-    SetEditText(kTextBox, document.text.c_str());
+    if (!document->problem.empty()) {
+        if (from == FileFrom::kUser)
+            MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                          "Cannot read the file.", document->problem.c_str());
+        else
+            SetStatusText(document->problem.c_str());
+        return false;
+    }
+    settingWaitingFile_ = from == FileFrom::kArguments;
+    SetEditText(kTextBox, document->text.c_str());
+    settingWaitingFile_ = false;
     return true;
 }
 
@@ -371,7 +390,7 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
         return;
     // What was asked for last is heard at once, unless a progress dialog is up: then it waits for
     // that to end. Several files are read one after the other.
-    if (!speaking_)
+    if (!speaking_ && !loading_)
         StopReading();
     waitingFiles_.insert(waitingFiles_.end(), files.begin(), files.end());
     // The window is drawn before the first reading, which may have to wait for the engine.

@@ -6,6 +6,7 @@
 
 #include "app/hot_key_handler.h"
 #include "app/long_lines.h"
+#include "app/original_text.h"
 #include "app/read_aloud.h"
 #include "app/spoken_highlight.h"
 #include "app/tray_icon.h"
@@ -40,7 +41,6 @@ public:
     // From what is selected in any program, else from the clipboard; false when neither holds text.
     bool CmCopyFromClipboard();
     void CmOpenFile();
-    bool LoadFile(const char* path);  // false: unreadable, the text stays
 
 private:
     void EvReadingStarted() override;
@@ -71,6 +71,10 @@ private:
     static int ReadNextFile(void* self);
     void StopReading();  // and forgets the files that wait
 
+    // False: unreadable, which is told, or cancelled; the text stays.
+    enum class FileFrom { kUser, kArguments };
+    bool LoadFile(const char* path, FileFrom from);
+
     void CreateControls();
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();
@@ -80,11 +84,13 @@ private:
 
     LongLines lines_;  // of the text box
     SpokenHighlight highlight_;
+    OriginalText original_;
     TrayIcon tray_;
     VoiceChoice voices_;
     ReadAloud reading_;
     bool speaking_ = false;
-    bool loadingWaitingFile_ = false;
+    bool loading_ = false;  // its dialog handles events
+    bool settingWaitingFile_ = false;
     int hotKeyCount_ = 0;
     int heldHotKey_ = -1;            // index, -1 for none
     int pressedHotKey_ = -1;         // what the idle source below will act on

@@ -1,28 +1,57 @@
 """Files of every kind as arguments, and texts with nothing to say."""
 import os
-import time
+import subprocess
 import unittest
 
 from desktop_case import DesktopCase, desktop
 
 
 class TextsTest(DesktopCase):
-    def test_files_that_cannot_be_loaded_leave_the_text_alone(self):
-        closed = os.path.join(desktop.HOME, "folder")
-        os.mkdir(closed)
-        lectora = self.start(self.file("first.txt", "first text"))
+    def test_a_document_that_cannot_be_read_is_told_and_a_slow_one_can_be_cancelled(self):
+        tools = os.path.join(desktop.HOME, "bin")
+        os.mkdir(tools)
+        with open(os.path.join(tools, "pdftotext"), "w") as tool:
+            tool.write("#!/bin/sh\nexec sleep 600\n")
+        os.chmod(tool.name, 0o755)
+        picture = self.file("picture.txt", b"\x89PNG\r\n\x1a\n" + bytes(100))
+        slow = self.file("slow.pdf", "%PDF-1.4\n")
+        lectora = self.start(self.file("first.txt", "first text"), PATH=f"{tools}:{os.environ['PATH']}")
         self.card.wait_for(self.card.next_stream(), "close")
-        for path in (closed, os.path.join(desktop.HOME, "not there.txt")):
+        missing = os.path.join(desktop.HOME, "not there.txt")
+        for path, note in ((tools, "This is a folder"), (missing, "cannot be opened")):
             with desktop.Lectora(path) as second:
                 self.assertEqual(second.process.wait(20), 0)
-        time.sleep(0.5)
+            desktop.wait_until(lambda: note in lectora.status(), note)
+        self.choose(lectora, picture)
+        lectora.wait_for_box("Cannot read the file.")
+        self.picture("cannot-read")
+        lectora.press("push button", "OK")
+        self.choose(lectora, slow)
+        lectora.find("label", "slow.pdf")
+        self.picture("loading")
+        lectora.press("push button", "Cancel")
+        desktop.wait_until(lambda: len(lectora.windows()) == 1, "the dialog to go")
         self.assert_usable(lectora, "first text")
+        desktop.wait_until(lambda: "sleep 600" not in desktop.processes().values(), "the tool's end")
 
-    def test_a_line_of_ten_megabytes_is_read_and_typed_into_without_delay(self):
+    def choose(self, lectora, path):
+        lectora.focus()
+        desktop.press_keys("ctrl+o")
+        desktop.wait_until(lambda: len(lectora.windows()) + len(self.choosers()) == 2, "the chooser")
+        desktop.xdotool("type", path)
+        desktop.press_keys("Return")
+
+    def choosers(self):
+        return desktop.xdotool("search", "--onlyvisible", "--name", "^Locate File to Read Text$").split()
+
+    def test_a_line_of_ten_megabytes_is_typed_into_without_delay_and_copied_as_it_was(self):
         text = "All work and no play makes Jack a dull boy. " * 240000
         lectora = self.start(self.file("huge.txt", text))
         self.card.wait_for(self.card.next_stream(60), "start")
         lectora.focus()
+        desktop.press_keys("ctrl+a", "ctrl+c")
+        for selection in ("primary", "clipboard"):
+            self.assertTrue(self.offered(selection) == text, selection)
         for place in ("ctrl+Home", "ctrl+End"):
             desktop.press_keys(place)
             caret = lectora.text_box().queryText().caretOffset
@@ -32,6 +61,12 @@ class TextsTest(DesktopCase):
                 lambda: lectora.text_box().queryText().caretOffset == caret + 19, "the words", 60
             )
             self.assertLess((lectora.cpu_seconds() - before) / 19, 0.1)
+        desktop.press_keys("shift+ctrl+Left", "ctrl+x")
+        desktop.wait_until(lambda: self.offered("clipboard") == "nothingbutsomewords", "what was cut")
+
+    def offered(self, selection):
+        command = ["xclip", "-o", "-selection", selection]
+        return subprocess.run(command, capture_output=True, text=True, timeout=60).stdout
 
     def test_a_text_with_nothing_to_say_does_not_start_the_engine(self):
         lectora = self.start()
