@@ -121,7 +121,7 @@ void LSRCConvertRate::KeepOverlap() {
         const int from = channel * kChannelFrames + heldFrames_ - kOverlap;
         for (int i = 0; i < kOverlap; ++i) {
             const int sample = isWide_ ? wide_[Size(from + i)] : narrow_[Size(from + i)];
-            overlap_[Size(channel * kOverlap + i)] = sample << shift_;
+            overlap_[Size(channel * kOverlap + i)] = Clamp32(std::int64_t{sample} << shift_);
         }
     }
 }

@@ -36,10 +36,16 @@ std::vector<int> DemandingSignal(const FilterTable& table) {
         samples.insert(samples.end(), 70, peak);
         samples.insert(samples.end(), 70, -peak);
     }
-    for (std::size_t row = 0; row + 63 <= table.rows.size(); row += 63) {
+    // Each row meets the samples of its own signs in full, by far more than twice full scale.
+    for (std::int64_t frame = 0; frame < table.phases; ++frame) {
+        const std::int64_t start = frame * table.step / table.phases - 32;
+        const auto periods = (static_cast<std::int64_t>(samples.size()) - start) / table.step + 1;
+        samples.resize(static_cast<std::size_t>(start + periods * table.step));
+        const auto row = static_cast<std::size_t>(frame * table.step % table.phases * 63);
         for (std::size_t k = 0; k < 63; ++k)
-            samples.push_back(table.rows[row + k] >= 0 ? 524272 : -524288);
+            samples.push_back(table.rows[row + k] >= 0 ? 524272 : -524272);
     }
+    samples.resize(samples.size() + 9000);
     const std::vector<int> clipped = RandomSamples(20000, 4000000, seed);
     for (const int sample : clipped)
         samples.push_back(std::clamp(sample, -524288, 524272));
