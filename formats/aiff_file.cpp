@@ -9,10 +9,6 @@ constexpr std::uint32_t kAroundData = kAiffHeaderBytes - 8;
 constexpr std::uint32_t kCommBytes = 18;
 constexpr std::uint32_t kSsndFieldBytes = 8;
 
-LSoundSource Failed(std::uint8_t status) {
-    return LSoundSource(new LSoundSourceError(status));
-}
-
 // A file whose writer has not finished says 0xFFFFFFFF: its end is that of the file.
 std::uint32_t SampleBytes(std::uint32_t ssndSize) {
     if (ssndSize == kUnknownBytes)
@@ -38,13 +34,13 @@ LSoundSource LAifFile::OpenSource(const char* path) {
     AiffCOMMHeader comm;
     AiffSSNDHeader ssnd;
     if (const std::uint8_t status = AIFFOpenHeader(file, comm, ssnd); status != SoundStatus::kGood)
-        return Failed(status);
+        return FailedSource(status);
     const std::uint32_t rate = convert80to32(comm.rate);
     if (rate < 1 || rate > INT32_MAX || comm.channels < 1 || comm.channels > 255 ||
         comm.sampleSize < 1)
-        return Failed(SoundStatus::kInvalidFormat);
+        return FailedSource(SoundStatus::kInvalidFormat);
     if (comm.sampleSize > 16)
-        return Failed(SoundStatus::kUnsupported);
+        return FailedSource(SoundStatus::kUnsupported);
     const std::uint32_t bytes = SampleBytes(ssnd.chunk.size);
     const auto channels = static_cast<unsigned char>(comm.channels);
     if (comm.sampleSize <= 8)

@@ -9,10 +9,6 @@ namespace {
 constexpr std::uint32_t kLinear8 = 2;
 constexpr std::uint32_t kLinear16 = 3;
 
-LSoundSource Failed(std::uint8_t status) {
-    return LSoundSource(new LSoundSourceError(status));
-}
-
 template <typename Stored>
 LSoundSource SourceOf(HeaderReader& file, std::uint32_t rate, std::uint32_t channels,
                       std::uint32_t dataBytes) {
@@ -30,18 +26,18 @@ LSoundSink SinkOf(const char* path, int rate, unsigned char channels, LHeaderWri
 LSoundSource LAuFile::OpenSource(const char* path) {
     HeaderReader file(OpenFileForReading(path));
     if (!file.IsOpen())
-        return Failed(SoundStatus::kCannotOpen);
+        return FailedSource(SoundStatus::kCannotOpen);
     // The header-size field is not looked at: samples are taken from offset 24 on, so that an
     // annotation is heard, and the lengths and positions shown for such files depend on it.
     std::uint8_t header[kAuHeaderBytes];
     if (!file.Read(header, sizeof(header)) || std::memcmp(header, ".snd", 4) != 0)
-        return Failed(SoundStatus::kInvalidFormat);
+        return FailedSource(SoundStatus::kInvalidFormat);
     const std::uint32_t dataBytes = LoadBE32(header + 8);
     const std::uint32_t encoding = LoadBE32(header + 12);
     const std::uint32_t rate = LoadBE32(header + 16);
     const std::uint32_t channels = LoadBE32(header + 20);
     if (rate < 1 || rate > INT32_MAX || channels < 1 || channels > 255)
-        return Failed(SoundStatus::kInvalidFormat);
+        return FailedSource(SoundStatus::kInvalidFormat);
     switch (encoding) {
         case kAuEncodingMuLaw:
             return SourceOf<LSFULAW>(file, rate, channels, dataBytes);
@@ -52,7 +48,7 @@ LSoundSource LAuFile::OpenSource(const char* path) {
         case kAuEncodingALaw:
             return SourceOf<LSFALAW>(file, rate, channels, dataBytes);
         default:
-            return Failed(SoundStatus::kUnsupported);
+            return FailedSource(SoundStatus::kUnsupported);
     }
 }
 

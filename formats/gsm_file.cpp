@@ -164,7 +164,7 @@ void LGSMFileSource::Seek(int frame) {
 LSoundSource LGSMFile::OpenSource(const char* path) {
     UniqueFd file = OpenFileForReading(path);
     if (!file.IsOpen())
-        return LSoundSource(new LSoundSourceError(SoundStatus::kCannotOpen));
+        return FailedSource(SoundStatus::kCannotOpen);
     return LSoundSource(new LGSMFileSource(std::move(file)));
 }
 

@@ -10,7 +10,7 @@ template <typename Stored>
 LSoundSource SourceOf(const char* path, const LRawSettings& settings) {
     UniqueFd file = OpenFileForReading(path);
     if (!file.IsOpen())
-        return LSoundSource(new LSoundSourceError(SoundStatus::kCannotOpen));
+        return FailedSource(SoundStatus::kCannotOpen);
     return LSoundSource(new LRawFileDataSoundSource<Stored>(std::move(file), settings.sampleRate,
                                                             settings.channels));
 }
@@ -76,7 +76,7 @@ LSoundSink LRawFile::OpenSink(const char* path, const LRawSettings& settings) {
 LSoundSource LRawFile::OpenSourceADPCM(const char* path, int rate, unsigned char) {
     UniqueFd file = OpenFileForReading(path);
     if (!file.IsOpen())
-        return LSoundSource(new LSoundSourceError(SoundStatus::kCannotOpen));
+        return FailedSource(SoundStatus::kCannotOpen);
     return LSoundSource(new LSRCVOX(std::move(file), rate));
 }
 

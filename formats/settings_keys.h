@@ -12,6 +12,17 @@ constexpr UserSetting<int> kAuChannelsSetting{"AuEncoder", "Channels", 2};
 constexpr UserSetting<int> kAiffRateSetting{"AIFFEncode", "SampleRate", 44100};
 constexpr UserSetting<int> kAiffChannelsSetting{"AIFFEncode", "Channels", 2};
 
+// Raw files are described in the section that the caller of the dialog names.
+constexpr UserSetting<int> RawRateSetting(const char* section) {
+    return {section, "SampleRate", 44100};
+}
+constexpr UserSetting<int> RawChannelsSetting(const char* section) {
+    return {section, "Channels", 2};
+}
+constexpr UserSetting<int> RawCodecSetting(const char* section) {
+    return {section, "Codec", 3};
+}
+
 // Looked for in the user's settings, then in the machine's, so as text (mp3_settings.h).
 constexpr UserSetting<const char*> kMp3ConstantSetting{"MP3Encoder", "ConstantBitRate", ""};
 constexpr UserSetting<const char*> kMp3BitRateSetting{"MP3Encoder", "CBRBitRate", ""};

@@ -82,10 +82,6 @@ std::uint8_t CheckFormat(const WAVEFORMATEX& format) {
     return format.wBitsPerSample > 0 ? SoundStatus::kGood : SoundStatus::kInvalidFormat;
 }
 
-LSoundSource Failed(std::uint8_t status) {
-    return LSoundSource(new LSoundSourceError(status));
-}
-
 bool ReadFmtOf(const char* path, FmtChunk& fmt) {
     HeaderReader file(OpenFileForReading(path));
     return file.IsOpen() && ReadFmt(file, fmt);
@@ -100,15 +96,15 @@ LSoundSource LWaveFile::OpenSource(const char* path) {
 LSoundSource LWaveFile::OpenFollowingSource(const char* path, LSignalObjectRef interrupt) {
     HeaderReader file(OpenFileForReading(path));
     if (!file.IsOpen())
-        return Failed(SoundStatus::kCannotOpen);
+        return FailedSource(SoundStatus::kCannotOpen);
     FmtChunk fmt;
     std::uint32_t dataBytes = 0;
     if (!ReadFmt(file, fmt) || !FindChunk(file, "data", &dataBytes))
-        return Failed(SoundStatus::kInvalidFormat);
+        return FailedSource(SoundStatus::kInvalidFormat);
     WAVEFORMATEX format;
     DecodeFmt(fmt.bytes, format);
     if (const std::uint8_t status = CheckFormat(format); status != SoundStatus::kGood)
-        return Failed(status);
+        return FailedSource(status);
     const auto rate = static_cast<int>(format.nSamplesPerSec);
     const auto channels = static_cast<unsigned char>(format.nChannels);
     if (format.wBitsPerSample <= 8)

@@ -2,15 +2,9 @@
 
 #include <algorithm>
 
-#include "foundation/settings.h"
 #include "gui/display_text.h"
 #include "gui/icons.h"
-
-namespace {
-
-constexpr const char* kPlacement = "MainWindow";
-
-}  // namespace
+#include "gui/settings_keys.h"
 
 struct LMainWindowCallbacks {
     static LMainWindow& WindowOf(gpointer host) { return dynamic_cast<LMainWindow&>(HostOf(host)); }
@@ -31,9 +25,9 @@ struct LMainWindowCallbacks {
 };
 
 void LMainWindow::Run(const char* title, const char* const* arguments, int count) {
-    if (!LUserSettingGetBool("Settings", "Installed", false)) {
+    if (!kInstalledSetting.Get()) {
         OnFirstRun();
-        LUserSettingSetString("Settings", "Installed", "1");
+        kInstalledSetting.Set(true);
     }
     CreateMainWindow(title);
     InitDialog();
@@ -73,13 +67,11 @@ void LMainWindow::CreateMainWindow(const char* title) {
 
 void LMainWindow::ApplyPlacement() {
     GtkWindow* window = GTK_WINDOW(Widget());
-    if (LUserSettingGetBool(kPlacement, "Maximized", false))
+    if (kMaximizedSetting.Get())
         gtk_window_maximize(window);
-    gtk_window_move(window, LUserSettingGetInt(kPlacement, "X", 160),
-                    LUserSettingGetInt(kPlacement, "Y", 80));
-    gtk_window_set_default_size(
-        window, std::max(LUserSettingGetInt(kPlacement, "Width", 800), kMinimumWidth),
-        std::max(LUserSettingGetInt(kPlacement, "Height", 600), kMinimumHeight));
+    gtk_window_move(window, kWindowLeftSetting.Get(), kWindowTopSetting.Get());
+    gtk_window_set_default_size(window, std::max(kWindowWidthSetting.Get(), kMinimumWidth),
+                                std::max(kWindowHeightSetting.Get(), kMinimumHeight));
 }
 
 void LMainWindow::StorePlacement() const {
@@ -90,10 +82,10 @@ void LMainWindow::StorePlacement() const {
     int y = 0;
     gtk_window_get_size(window, &width, &height);
     gtk_window_get_position(window, &x, &y);
-    LUserSettingSetInt(kPlacement, "Width", width);
-    LUserSettingSetInt(kPlacement, "Height", height);
-    LUserSettingSetInt(kPlacement, "X", x);
-    LUserSettingSetInt(kPlacement, "Y", y);
+    kWindowWidthSetting.Set(width);
+    kWindowHeightSetting.Set(height);
+    kWindowLeftSetting.Set(x);
+    kWindowTopSetting.Set(y);
 }
 
 void LMainWindow::LayoutBase(int& left, int& top, int&, int& height) {

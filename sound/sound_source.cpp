@@ -73,6 +73,10 @@ void LSoundSource::Close() {
     *this = LSoundSource();
 }
 
+LSoundSource FailedSource(std::uint8_t status) {
+    return LSoundSource(new LSoundSourceError(status));
+}
+
 void LSoundSource::Release(LSoundSourceBase* object) {
     if (--object->references_ == 0)
         delete object;

@@ -110,6 +110,9 @@ private:
     LSoundSourceBase* object_;
 };
 
+// An error placeholder.
+LSoundSource FailedSource(std::uint8_t status);
+
 // A source that transforms another: rate, channels and peak come from the inner source unless the
 // derived class changes them, and everything but Read forwards.
 class LSoundProcessBase : public LSoundSourceBase {

@@ -50,7 +50,7 @@ bool LTTSSoundSource::ChoosePath() {
         CopyText(path_, "/tmp");
         LFile::_FilePathCat(path_, name);
         const UniqueFd file(
-            ::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666 & ~StartMask()));
+            ::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, CreationMode(path_, 0666)));
         if (file.IsOpen()) {
             ::flock(file.Get(), LOCK_EX | LOCK_NB);
             return ::ftruncate(file.Get(), 0) == 0;

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "formats/dialogs/standard_lists.h"
+#include "formats/settings_keys.h"
 #include "formats/wave_format.h"
-#include "foundation/settings.h"
 #include "gui/dialog_gen_context.h"
 
 namespace {
@@ -68,8 +68,8 @@ bool LRawSettingsDialog::CmOk() {
     // No selected channel count counts as mono, no codec as the first.
     settings_.channels = static_cast<std::uint8_t>(std::max(PDLGetCurSel(kChannels) + 1, 1));
     settings_.codec = std::max(PDLGetCurSel(kCodec), 0);
-    LUserSettingSetInt(section_, "SampleRate", settings_.sampleRate);
-    LUserSettingSetInt(section_, "Channels", settings_.channels);
-    LUserSettingSetInt(section_, "Codec", settings_.codec);
+    RawRateSetting(section_).Set(settings_.sampleRate);
+    RawChannelsSetting(section_).Set(settings_.channels);
+    RawCodecSetting(section_).Set(settings_.codec);
     return true;
 }
