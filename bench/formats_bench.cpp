@@ -49,7 +49,7 @@ void Out(benchmark::State& state) {
     CountSamples(state);
 }
 
-// The stated arithmetic, one sample at a time: what the block conversion is measured against.
+// The plain arithmetic, one sample at a time: what the block conversion is measured against.
 template <typename Stored>
 void OutOneByOne(benchmark::State& state) {
     const std::vector<int> samples = Signal();

@@ -90,8 +90,8 @@ VoiceCharset CharsetOfVoice(std::string_view voiceName) {
     // A name with a slash is no voice's and would lead out of the voice folder.
     if (voiceName.empty() || voiceName.find('/') != std::string_view::npos)
         return VoiceCharset::kAscii;
-    if (const auto stated = CharsetInDescription(InstalledDescription(voiceName)))
-        return *stated;
+    if (const auto named = CharsetInDescription(InstalledDescription(voiceName)))
+        return *named;
     for (const NamedCharset& known : kKnownVoices)
         if (voiceName.starts_with(known.name))
             return known.charset;

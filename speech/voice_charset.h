@@ -10,6 +10,6 @@
 // voice, else ASCII. Reads the engine's voice files (a few kilobytes); any thread.
 VoiceCharset CharsetOfVoice(std::string_view voiceName);
 
-// The charset stated as "(coding NAME)" in a voice file; nothing when none is stated or it is not
+// The charset named as "(coding NAME)" in a voice file; nothing when none is named or it is not
 // one of ours.
 std::optional<VoiceCharset> CharsetInDescription(std::string_view voiceFile);

@@ -72,7 +72,7 @@ TEST(MainWindow, RunsInOrderAndComesBackWhereItWas) {
         },
     });
     window.onShown = [&] {
-        // The Tab key goes the stated way and is not caught in the text box.
+        // The Tab key goes its round and is not caught in the text box.
         Activate(window.Widget());
         gtk_widget_grab_focus(window.GetControlByID(1));
         for (const int id : {2, 3, 1, 2}) {

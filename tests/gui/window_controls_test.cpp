@@ -84,7 +84,7 @@ TEST_F(WindowControls, UnknownIdsAndOtherFamiliesAndClosedWindowsAreHarmless) {
     useEverything(kEntry);
 }
 
-TEST_F(WindowControls, EntryTextIsCutAndTrimmedAsStated) {
+TEST_F(WindowControls, EntryTextIsCutAndTrimmed) {
     dialog.SetText(kEntry, "  a\tb \t ");
     char trimmed[kTextBufferSize];
     dialog.GetTextAndTrim(kEntry, trimmed);

@@ -122,7 +122,7 @@ TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
     InFreshProcess(StopAsking);
 }
 
-TEST(VoiceCharset, IsTheStatedOneOrAsKnown) {
+TEST(VoiceCharset, IsTheNamedOneOrAsKnown) {
     EXPECT_EQ(
         CharsetInDescription("(proclaim_voice 'x '((language italian)\n (coding ISO-8859-1)))"),
         VoiceCharset::kLatin1);
