@@ -2,28 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
 #include "foundation/settings_record.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
 class HotKeyStoreTest : public testing::Test {
 protected:
-    void SetUp() override { std::filesystem::remove_all(Folder()); }
-    static std::filesystem::path Folder() {
-        const char* root = std::getenv("LECTORA_ROOT");
-        return std::filesystem::path(root != nullptr ? root : "/nonexistent") /
-               "opt/quillon/lectora/etc/hotkey_";
-    }
     static std::vector<int> Ids() {
         std::vector<int> ids;
         for (const StoredHotKey& each : LoadHotKeys())
             ids.push_back(each.id);
         return ids;
     }
+
+    ScratchFolder root_;
+    ScopedVariable rootVariable_{"LECTORA_ROOT", root_.Path().c_str()};
 };
 
 TEST_F(HotKeyStoreTest, KeepsWhatIsStoredAndUsesFreeIdsAgain) {

@@ -49,22 +49,4 @@ TEST(LongLinesTest, LinesAreShortAndTheTextReadsAsItWasInserted) {
     }
 }
 
-// Typing and pasting at one place never make a line that is slow to lay out.
-TEST(LongLinesTest, LinesStayShortWhereverTheyGrow) {
-    for (const bool atStart : {false, true}) {
-        auto buffer = GObjectRef<GtkTextBuffer>::Adopt(gtk_text_buffer_new(nullptr));
-        LongLines lines;
-        lines.Attach(buffer.Get());
-        const std::string piece = Repeated("a bc", 250);
-        for (int times = 0; times < 100; ++times) {
-            GtkTextIter at;
-            gtk_text_buffer_get_iter_at_offset(buffer.Get(), &at, atStart ? 0 : -1);
-            gtk_text_buffer_insert(buffer.Get(), &at, piece.c_str(), -1);
-        }
-        EXPECT_TRUE(lines.Text() == Repeated(piece, 100));
-        EXPECT_GE(gtk_text_buffer_get_line_count(buffer.Get()),
-                  100000 / (5 * LongLines::kLongestLine));
-    }
-}
-
 }  // namespace
