@@ -61,6 +61,18 @@ class DesktopCase(unittest.TestCase):
             self.picture("failed-" + self.id().rsplit(".", 1)[-1])
         lectora.end()
 
+    def choose(self, lectora, keys, title, path):
+        """Answers the file chooser that the keys bring up."""
+        lectora.focus()
+        desktop.press_keys(keys)
+        chooser = desktop.wait_until(
+            lambda: desktop.xdotool("search", "--onlyvisible", "--name", title).split(), title
+        )[0]
+        desktop.xdotool("windowactivate", "--sync", chooser)
+        self.picture("chooser")
+        desktop.xdotool("type", "--delay", "10", path)
+        desktop.press_keys("Return")
+
     def spoken(self):
         """What the engine was asked to speak."""
         return [call for call in desktop.engine_calls() if call.startswith("text2wave")]

@@ -6,6 +6,7 @@ import unittest
 
 from desktop_case import DesktopCase, desktop
 
+
 class InstancesTest(DesktopCase):
     def second_start(self, *arguments):
         with desktop.Lectora(*arguments) as second:
@@ -23,7 +24,6 @@ class InstancesTest(DesktopCase):
         self.assertEqual(self.second_start(), 0)
         lectora.window()
         self.assertEqual(lectora.text(), "handed over")
-
 
     def test_the_tray_icon_brings_the_window_back_also_in_a_tray_that_starts_again(self):
         lectora = self.start()

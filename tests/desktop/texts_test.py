@@ -22,11 +22,11 @@ class TextsTest(DesktopCase):
             with desktop.Lectora(path) as second:
                 self.assertEqual(second.process.wait(20), 0)
             desktop.wait_until(lambda: note in lectora.status(), note)
-        self.choose(lectora, picture)
+        self.open_file(lectora, picture)
         lectora.wait_for_box("Cannot read the file.")
         self.picture("cannot-read")
         lectora.press("push button", "OK")
-        self.choose(lectora, slow)
+        self.open_file(lectora, slow)
         lectora.find("label", "slow.pdf")
         self.picture("loading")
         lectora.press("push button", "Cancel")
@@ -34,15 +34,8 @@ class TextsTest(DesktopCase):
         self.assert_usable(lectora, "first text")
         desktop.wait_until(lambda: "sleep 600" not in desktop.processes().values(), "the tool's end")
 
-    def choose(self, lectora, path):
-        lectora.focus()
-        desktop.press_keys("ctrl+o")
-        desktop.wait_until(lambda: len(lectora.windows()) + len(self.choosers()) == 2, "the chooser")
-        desktop.xdotool("type", path)
-        desktop.press_keys("Return")
-
-    def choosers(self):
-        return desktop.xdotool("search", "--onlyvisible", "--name", "^Locate File to Read Text$").split()
+    def open_file(self, lectora, path):
+        self.choose(lectora, "ctrl+o", "Locate File to Read Text", path)
 
     def test_a_line_of_ten_megabytes_is_typed_into_without_delay_and_copied_as_it_was(self):
         text = "All work and no play makes Jack a dull boy. " * 240000
