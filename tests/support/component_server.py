@@ -28,8 +28,6 @@ def answer(name):
         return "200 OK", 0, b""
     if name == "unwilling":
         script = b"echo working; echo Something is missing.; exit 1\n"
-    if name == "hanging":
-        script = b'echo "$$ $0" > "$HOME/new" && mv "$HOME/new" "$HOME/pid"; sleep 1000\n'
     if name == "mp3el":
         with open(os.environ["MP3EL"], "rb") as file:
             script = file.read()
