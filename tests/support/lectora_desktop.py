@@ -133,7 +133,9 @@ class Card:
         """The name of the next stream that the test has not asked for yet."""
         wait_until(lambda: len(self.streams()) > self.seen, "a stream at the card", seconds)
         self.seen += 1
-        return self.streams()[self.seen - 1]
+        stream = self.streams()[self.seen - 1]
+        wait_until(lambda: self.events(stream), "the stream's first event", seconds)
+        return stream
 
     def events(self, stream):
         """(monotonic seconds, event, frames received, frames played, more) of each log line."""
@@ -236,9 +238,13 @@ class Lectora:
         return "\n".join(label.name for label in _labels(box)) if box else ""
 
     def wait_for_box(self, text, seconds=15.0):
-        return wait_until(
+        found = wait_until(
             lambda: text in self.box_text() and self.box_text(), f"a box saying '{text}'", seconds
         )
+        # It stands where it can be pressed once the window manager gives it the focus.
+        main = min(map(int, self.windows()), default=0)
+        wait_until(lambda: int(xdotool("getwindowfocus")) != main, "the box's focus", 20)
+        return found
 
     def text_box(self):
         return self.find("text", "Text to read")
