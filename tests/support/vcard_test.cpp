@@ -150,7 +150,7 @@ TEST(VirtualCardTest, FailsAsTold) {
     for (const Case& test : cases) {
         SCOPED_TRACE(test.fault);
         VirtualCards cards;
-        cards.Insert(0, std::string("speed 50\n") + test.fault + "\n");
+        cards.Insert(0, std::string("speed 4\n") + test.fault + "\n");
         Pcm pcm;
         ASSERT_EQ(OpenCard("hw:0", pcm), test.opened);
         if (pcm) {
@@ -167,7 +167,7 @@ TEST(VirtualCardTest, FailsAsTold) {
 
 TEST(VirtualCardTest, ResumesASuspendedStreamWhereItStopped) {
     VirtualCards cards;
-    cards.Insert(0, "speed 50\nfault suspend 9000\n");
+    cards.Insert(0, "speed 4\nfault suspend 9000\n");
     Pcm pcm;
     ASSERT_EQ(OpenCard("hw:0", pcm), 0);
     Configure(pcm.get(), 22050, 1);
