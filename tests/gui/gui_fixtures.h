@@ -12,23 +12,7 @@
 #include "foundation/gdk/gdk_lock.h"
 #include "gui/dialog.h"
 #include "gui/dialog_gen_context.h"
-
-inline void PumpPending() {
-    while (gtk_events_pending())
-        gtk_main_iteration_do(FALSE);
-}
-
-// Runs the main loop until `done` or the time is up; true when done.
-inline bool PumpUntil(const std::function<bool()>& done, int milliseconds) {
-    const gint64 end = g_get_monotonic_time() + gint64{1000} * milliseconds;
-    while (!done()) {
-        if (g_get_monotonic_time() > end)
-            return false;
-        PumpPending();
-        g_usleep(2000);
-    }
-    return true;
-}
+#include "tests/support/window/main_loop.h"
 
 // Actions performed one after the other from timeouts, inside whatever main loop is running then.
 class UserScript {

@@ -66,7 +66,7 @@ def allowed(header, permitted):
     if header in permitted:
         return True
     folder = folder_of(header, [*MAY_INCLUDE, "tests"])
-    if folder == "tests":
+    if folder and folder.startswith("tests"):
         return any(header.startswith(name + "/") for name in permitted if name.startswith("tests/"))
     return folder in permitted
 

@@ -13,24 +13,11 @@
 #include "playback/player_panel_ids.h"
 #include "tests/support/memory_sound.h"
 #include "tests/support/virtual_card.h"
+#include "tests/support/window/main_loop.h"
 
 namespace {
 
 using namespace PlayerPanel;
-
-void PumpPending() {
-    while (gtk_events_pending())
-        gtk_main_iteration_do(FALSE);
-}
-
-bool PumpUntil(const std::function<bool()>& done, int milliseconds) {
-    const gint64 end = g_get_monotonic_time() + gint64{1000} * milliseconds;
-    while (!done() && g_get_monotonic_time() < end) {
-        PumpPending();
-        g_usleep(2000);
-    }
-    return done();
-}
 
 constexpr int kRate = 4000;
 constexpr int kMost = 20000;

@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "tests/support/memory_sound.h"
+#include "tests/support/window/main_loop.h"
 
 namespace {
 
@@ -16,23 +16,6 @@ constexpr int kRate = 1000;
 constexpr int kColumnFrames = 40;  // 25 columns a second
 constexpr int kWidth = 100;
 constexpr int kHeight = 61;
-
-void PumpPending() {
-    while (gtk_events_pending())
-        gtk_main_iteration_do(FALSE);
-}
-
-bool PumpUntil(const std::function<bool()>& done) {
-    constexpr gint64 kLongest = 10'000'000;  // microseconds
-    const gint64 end = g_get_monotonic_time() + kLongest;
-    while (!done()) {
-        if (g_get_monotonic_time() > end)
-            return false;
-        PumpPending();
-        g_usleep(2000);
-    }
-    return true;
-}
 
 class WaveWindow : public testing::Test {
 protected:
