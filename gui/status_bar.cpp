@@ -13,7 +13,10 @@ GtkWidget* LStatusBar::CreateStatusBar() {
     bar_ = gtk_statusbar_new();
     g_object_add_weak_pointer(G_OBJECT(bar_), reinterpret_cast<gpointer*>(&bar_));
     gtk_statusbar_set_has_resize_grip(GTK_STATUSBAR(bar_), TRUE);
-    gtk_widget_set_size_request(bar_, -1, kHeight);
+    // At least this high; a size request of the bar itself would cut off large letters.
+    GtkWidget* strut = gtk_vbox_new(FALSE, 0);
+    gtk_widget_set_size_request(strut, 0, kHeight);
+    gtk_box_pack_end(GTK_BOX(bar_), strut, FALSE, FALSE, 0);
     return bar_;
 }
 

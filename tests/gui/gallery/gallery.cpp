@@ -2,12 +2,15 @@
 //
 //     gui_gallery FOLDER THEME FONT      e.g. "out/light" "Adwaita" "Sans 10"; "" for GTK's own
 //     theme
+//     gui_gallery                        one window after the other, until each is closed
 //
-// Fails when GTK prints a warning.
+// Fails when GTK prints a warning and when something has less room than it asks for.
+#include <cstdio>
 #include <filesystem>
 #include <string>
 
 #include "foundation/file.h"
+#include "gui/accessible.h"
 #include "gui/icon_numbers.h"
 #include "gui/key_dialog.h"
 #include "gui/message_box.h"
@@ -23,7 +26,29 @@
 
 namespace {
 
-std::string folder;
+std::string folder;  // empty: a person or a screen reader looks, no pictures
+bool allHasRoom = true;
+
+// What got less room than it asked for is cut off on the screen. What scrolls needs none, and
+// GTK's own path bar gives its arrows less.
+void CheckRoom(GtkWidget* widget, gpointer picture) {
+    if (!gtk_widget_get_mapped(widget))
+        return;
+    GtkRequisition wanted;
+    gtk_widget_get_child_requisition(widget, &wanted);
+    const GtkAllocation& place = widget->allocation;
+    if (place.width < wanted.width || place.height < wanted.height) {
+        std::fprintf(stderr, "%s: %s \"%s\" wants %d x %d, has %d x %d\n",
+                     static_cast<const char*>(picture), G_OBJECT_TYPE_NAME(widget),
+                     GTK_IS_LABEL(widget) ? gtk_label_get_text(GTK_LABEL(widget)) : "",
+                     wanted.width, wanted.height, place.width, place.height);
+        allHasRoom = false;
+    }
+    const bool scrolls =
+        GTK_IS_SCROLLED_WINDOW(widget) || g_strcmp0(G_OBJECT_TYPE_NAME(widget), "GtkPathBar") == 0;
+    if (GTK_IS_CONTAINER(widget) && !scrolls)
+        gtk_container_foreach(GTK_CONTAINER(widget), CheckRoom, picture);
+}
 
 GtkWidget* TopMostWindow() {
     GList* windows = gtk_window_list_toplevels();
@@ -46,6 +71,7 @@ void TakePicture(const char* name) {
     GtkWidget* window = TopMostWindow();
     if (window == nullptr)
         return;
+    CheckRoom(window, const_cast<char*>(name));
     GdkRectangle frame;
     gdk_window_get_frame_extents(gtk_widget_get_window(window), &frame);
     GdkWindow* root = gdk_get_default_root_window();
@@ -59,6 +85,12 @@ void TakePicture(const char* name) {
         nullptr, root, nullptr, seen.x, seen.y, 0, 0, seen.width, seen.height));
     const std::string file = folder + "/" + name + ".png";
     gdk_pixbuf_save(picture.Get(), file.c_str(), "png", nullptr, nullptr);
+}
+
+// Until the window is closed.
+void LookAt(const LWindow& window) {
+    while (window.Widget() != nullptr && gtk_widget_get_mapped(window.Widget()))
+        gtk_main_iteration();
 }
 
 void GenerateControls(LDialogGenContext& c) {
@@ -91,6 +123,7 @@ void GenerateControls(LDialogGenContext& c) {
 
 void FillControls(LDialog& d) {
     d.TextPromptSet(10, "Your name");
+    SetAccessibleName(d.GetControlByID(29), "Notes");
     d.SetPasswordText(12, "secret");
     d.UDInit(14, 1, 99, 3);
     d.PDLAddString(16, "kal_diphone");
@@ -176,6 +209,7 @@ void ShowMainLike() {
                      c.StartHBox();
                      c.AddSpanFull(gtk_toggle_button_new(), 510);
                      c.AddSpanFull(gtk_toggle_button_new(), 511);
+                     c.AddSpanFull(gtk_toggle_button_new(), 512);
                      c.EndHBox();
                      c.AddOkCancelHelp(true, true, true);
                  }},
@@ -185,6 +219,7 @@ void ShowMainLike() {
     GtkWidget* bar = commands.Create([](int) {});
     commands.AddItem(commands.AddTopic("Read Aloud"), "Read current text", "Reads it", 1011);
     commands.AddItem(commands.AddTopic("Save as Speech"), "Save current text", "Saves it", 1012);
+    commands.FoldTopic(commands.AddTopic("Tools", kOptionsIcon), true);
     gtk_widget_set_size_request(bar, 180, 160);
     gtk_box_pack_start(GTK_BOX(content), bar, TRUE, TRUE, 0);
     LMenuContainer::SetMenu(window, kMenu, kKeys);
@@ -194,9 +229,15 @@ void ShowMainLike() {
     gtk_box_pack_end(GTK_BOX(content), window.StatusBar(), FALSE, FALSE, 0);
     window.SetStatusText("Lectora v 1.05");
     window.CoolButtonInit(510, kReadButtonIcon, "Read Aloud");
-    window.CoolButtonInit(511, kSaveButtonIcon, "Save as Speech");
-    gtk_widget_set_size_request(window.Widget(), 720, -1);
+    window.CoolButtonInitDropDown(511, kSaveButtonIcon, "Save as Speech", 1);
+    window.CoolButtonInitUpDown(512, kRewindIcon, "", 2, 3);
+    window.SetTooltip(512, "Rewind (<-)");
+    gtk_widget_set_size_request(window.Widget(), 860, -1);
     gtk_widget_show_all(window.Widget());
+    if (folder.empty()) {
+        LookAt(window);
+        return;
+    }
     TakePicture("main-like");
     GtkWidget* menuBar =
         static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(window.Widget()), "menu_bar"));
@@ -266,40 +307,51 @@ void ShowAll() {
         RecordingDialog controls;
         controls.onInit = [&] { FillControls(controls); };
         controls.Open(nullptr, {"Controls", false, GenerateControls}, false);
-        TakePicture("controls");
-        gtk_button_clicked(ButtonOf(controls, 20));
-        TakePicture("calendar");
-        gtk_button_clicked(ButtonOf(controls, 20));
-        controls.SetControlInvalid(10, "Please enter your name.", "Name Required");
-        TakePicture("bubble-tip");
+        if (folder.empty()) {
+            LookAt(controls);
+        } else {
+            TakePicture("controls");
+            gtk_button_clicked(ButtonOf(controls, 20));
+            TakePicture("calendar");
+            gtk_button_clicked(ButtonOf(controls, 20));
+            controls.SetControlInvalid(10, "Please enter your name.", "Name Required");
+            TakePicture("bubble-tip");
+        }
     }
     {
         LStatusWindow log;
         RecordingDialog lists;
         lists.onInit = [&] { FillLists(lists, log); };
         lists.Open(nullptr, {"Lists and log", false, GenerateLists}, false);
-        TakePicture("lists");
+        if (folder.empty())
+            LookAt(lists);
+        else
+            TakePicture("lists");
     }
     ShowMainLike();
-    ShowSheet();
-    ShowBoxes();
+    if (!folder.empty()) {
+        ShowSheet();
+        ShowBoxes();
+    }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 4)
+    if (argc != 1 && argc != 4)
         return 2;
-    folder = argv[1];
-    std::filesystem::create_directories(folder);
     gdk_threads_init();
-    const std::string style =
-        std::string("gtk-theme-name=\"") + argv[2] + "\"\ngtk-font-name=\"" + argv[3] + "\"\n";
     gtk_init(&argc, &argv);
-    gtk_rc_parse_string(style.c_str());
+    if (argc == 4) {
+        folder = argv[1];
+        std::filesystem::create_directories(folder);
+        const std::string style =
+            std::string("gtk-theme-name=\"") + argv[2] + "\"\ngtk-font-name=\"" + argv[3] + "\"\n";
+        gtk_rc_parse_string(style.c_str());
+    }
     g_log_set_always_fatal(
         GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_CRITICAL | G_LOG_FLAG_FATAL));
     const GdkLock lock;
     ShowAll();
-    return 0;
+    return allHasRoom ? 0 : 1;
 }
