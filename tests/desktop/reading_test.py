@@ -60,21 +60,34 @@ class ReadingTest(DesktopCase):
             self.card.wait_for(stream, "close", 2)
 
     def test_the_sentence_being_heard_is_shown_until_the_text_is_edited(self):
-        self.card.tell("speed 2")
-        sentences = [f"{word} is what this one sentence says." for word in ("Alpha", "Beta", "Gamma")]
+        self.card.tell("speed 1")
+        sentences = [
+            f"{name} says what stands in this sentence{' of ours' * (number % 3)}."
+            for number, name in enumerate(f"Reader{letter}" for letter in "abcdefghijklmnopqrst")
+        ]
         text = " ".join(sentences)
         lectora = self.start()
         lectora.set_text(text)
         lectora.text_box().queryText().setCaretOffset(3)
         lectora.press("toggle button", "Read Aloud")
         stream = self.card.next_stream()
-        shown = []
+        shown = []  # sentence, when it was not shown yet, when it was
+        asked = time.monotonic()
         while not self.card.events(stream)[-1][1] == "close":
-            sentence = lectora.highlighted()
-            if sentence and sentence not in shown:
-                shown.append(sentence)
-        self.assertEqual([each.strip() for each in shown], sentences)
+            before, asked = asked, time.monotonic()
+            sentence = lectora.highlighted().strip()
+            if sentence and sentence not in [row[0] for row in shown]:
+                shown.append((sentence, before, time.monotonic()))
+        self.assertEqual([row[0] for row in shown], sentences)
+        frame = 0
+        for sentence, earliest, latest in shown:
+            heard = self.heard_at(stream, frame)
+            self.assertLess(earliest - heard, 0.25, sentence)
+            self.assertLess(heard - latest, 0.25, sentence)
+            frame += 800 * len(sentence.replace(" ", ""))
         self.assertEqual(lectora.text_box().queryText().caretOffset, 3)
+        lectora.set_text(" ".join(sentences[:3]))
+        self.card.tell("speed 2")
         lectora.press("toggle button", "Read Aloud")
         stream = self.card.next_stream()
         desktop.wait_until(lectora.highlighted, "the highlight")
@@ -82,7 +95,15 @@ class ReadingTest(DesktopCase):
         desktop.press_keys("x")
         desktop.wait_until(lambda: not lectora.highlighted(), "the highlight to go", 3)
         self.card.wait_for(stream, "close")
-        self.assertGreater(self.card.sound(stream).frames, 800 * (len(text) - text.count(" ")) - 8000)
+        whole = 800 * len("".join(sentences[:3]).replace(" ", ""))
+        self.assertGreater(self.card.sound(stream).frames, whole - 8000)
+
+    def heard_at(self, stream, frame):
+        """When the card played that frame of the engine's 16 kHz, by its own log."""
+        rate = self.card.sound(stream).rate
+        frame = frame * rate // 16000
+        starts = [row for row in self.card.events(stream) if row[1] == "start" and row[3] <= frame]
+        return starts[-1][0] + (frame - starts[-1][3]) / rate
 
     def test_a_selected_stretch_is_read_alone_by_the_large_button(self):
         lectora = self.start()
