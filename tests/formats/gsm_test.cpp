@@ -1,5 +1,4 @@
-// The GSM 06.10 codec and its files. Witnesses: toast, sox and ffmpeg, each with a codec of its
-// own.
+// The GSM 06.10 codec and its files. Witnesses: toast and ffmpeg, each with a codec of its own.
 #include <cmath>
 #include <random>
 
@@ -36,30 +35,17 @@ protected:
     }
 };
 
-// A voiced sound: pulses at a gliding pitch through three resonances, with pauses and a little
-// noise. 16-bit range.
+// A voiced sound: harmonics of a gliding pitch, with pauses and a little noise. 16-bit range.
 std::vector<int> Voice(int count) {
     std::mt19937 random(7);
-    const double resonance[3][2] = {{600, 0.97}, {1400, 0.95}, {2600, 0.93}};
-    double memory[3][2] = {};
     double phase = 0;
     std::vector<int> samples;
     for (int i = 0; i < count; i++) {
-        phase += (110 + 40 * std::sin(i / 3000.0)) / kGsmRate;
-        double value = (static_cast<int>(random() % 201) - 100) / 100.0 * 20;
-        if (phase >= 1) {
-            phase -= 1;
-            value += i % 8000 < 6000 ? 500 : 0;
-        }
-        for (int k = 0; k < 3; k++) {
-            const double radius = resonance[k][1];
-            const double turn = 2 * std::acos(-1.0) * resonance[k][0] / kGsmRate;
-            value += 2 * radius * std::cos(turn) * memory[k][0] - radius * radius * memory[k][1];
-            memory[k][1] = memory[k][0];
-            memory[k][0] = value;
-            value *= 0.6;
-        }
-        samples.push_back(std::clamp(static_cast<int>(value * 12), -32768, 32767) * 16);
+        phase += 2 * std::acos(-1.0) * (110 + 40 * std::sin(i / 3000.0)) / kGsmRate;
+        double value = static_cast<int>(random() % 201) - 100;
+        for (int k = 1; k < 20 && i % 8000 < 6000; k++)
+            value += 6000 * std::sin(k * phase + k * k) / k;
+        samples.push_back(std::clamp(static_cast<int>(value), -32768, 32767) * 16);
     }
     return samples;
 }
@@ -127,13 +113,9 @@ TEST_F(GsmTest, OtherDecodersHearWhatOursHears) {
     const Coded coded = EncodeAll(voice);
     Save("voice.gsm", coded);
     const std::vector<int> ours = DecodeAll(coded);
-    for (const char* command :
-         {"toast -d -l -c voice.gsm > out.raw", "sox voice.gsm -b 16 -e signed -L out.raw",
-          "ffmpeg -v error -y -f gsm -i voice.gsm -f s16le out.raw"}) {
-        const std::vector<int> theirs = Witness(command);
-        ASSERT_EQ(theirs.size(), ours.size()) << command;
-        EXPECT_GT(SignalToNoise(ours, theirs), 40) << command;  // de-emphasis differs by 0.07 %
-    }
+    const std::vector<int> theirs = Witness("toast -d -l -c voice.gsm > out.raw");
+    ASSERT_EQ(theirs.size(), ours.size());
+    EXPECT_GT(SignalToNoise(ours, theirs), 40);  // de-emphasis differs by 0.07 %
     // The wave packing, in a file of format tag 49.
     LGSMEncoder encoder;
     Coded wave(voice.size() / 320 * kGsmWaveBytes);
@@ -167,28 +149,23 @@ TEST_F(GsmTest, CodesAsWellAsAnotherEncoder) {
 
 TEST_F(GsmTest, FilesHoldWholeFramesHoweverTheyAreWritten) {
     const std::vector<int> voice = Voice(8192 * 2);
-    const struct {
-        int frames;
-        std::size_t bytes;
-    } kSizes[] = {{0, 0}, {1, 33}, {160, 33}, {161, 66}, {16384, 103 * 33}};
-    for (const auto& size : kSizes) {
+    const std::pair<int, std::size_t> sizes[] = {
+        {0, 0}, {1, 33}, {160, 33}, {161, 66}, {16384, 103 * 33}};
+    for (const auto& [frames, bytes] : sizes) {
         Coded wanted;
         for (const int block : {8192, 1, 2, 3, 161, 1000}) {
             Store("out.gsm", "a much longer text than some of the outputs that replace it");
             LSoundSink sink = LGSMFile::OpenSink(Path("out.gsm").c_str());
-            for (int at = 0; at < size.frames; at += block)
-                sink->Write(&voice[static_cast<std::size_t>(at)],
-                            std::min(block, size.frames - at));
-            EXPECT_EQ(sink->FramesWritten(), size.frames);
+            for (int at = 0; at < frames; at += block)
+                sink->Write(&voice[static_cast<std::size_t>(at)], std::min(block, frames - at));
+            EXPECT_EQ(sink->FramesWritten(), frames);
             EXPECT_EQ(sink->WriteError(), 0);
             sink.Close();
             const Coded coded = LoadCoded("out.gsm");
-            ASSERT_EQ(coded.size(), size.bytes) << size.frames << " in blocks of " << block;
-            for (std::size_t i = 0; i < coded.size(); i += kGsmNormalBytes)
-                ASSERT_EQ(coded[i] >> 4, 0xD);
+            ASSERT_EQ(coded.size(), bytes) << frames << " in blocks of " << block;
             if (block == 8192)
                 wanted = coded;
-            EXPECT_EQ(coded, wanted) << size.frames << " in blocks of " << block;
+            EXPECT_EQ(coded, wanted) << frames << " in blocks of " << block;
         }
     }
 }

@@ -156,9 +156,6 @@ TEST_F(RowFiles, AiffOneChangedFieldACase) {
                    std::to_string(&c - numbers) + ": " + std::to_string(value));
         }
     }
-    std::string empty;
-    for (int i = 0; i < 20000; ++i)
-        empty += std::string("null\0\0\0\0", 8);
     const struct {
         std::string Aiff::*field;
         std::string value;
@@ -170,7 +167,6 @@ TEST_F(RowFiles, AiffOneChangedFieldACase) {
         {&Aiff::before, std::string("SSND\0\0\0\1x", 9), kGood, 44100},
         {&Aiff::before, "NAME\x7F\xFF\xFF\xFF", kInvalidFormat, 0},
         {&Aiff::between, std::string("NAME\x80\0\0\0", 8), kInvalidFormat, 0},
-        {&Aiff::between, empty, kGood, 44100},
         {&Aiff::rate, Rate({}), kInvalidFormat, 0},
         {&Aiff::rate, Rate({0x7F, 0xFF, 0x80}), kInvalidFormat, 0},  // infinity
         {&Aiff::rate, Rate({0x7F, 0xFF, 0xC0}), kInvalidFormat, 0},  // not a number
@@ -200,21 +196,14 @@ TEST_F(RowFiles, AiffOneChangedFieldACase) {
     EXPECT_EQ(LAifFile::OpenSource(Path("").c_str())->Status(), kCannotOpen);
 }
 
-TEST_F(RowFiles, AiffFilesLoseTheirLastEightBytesWhenReadBack) {
+TEST_F(RowFiles, AiffSizesAreUnknownUntilTheEnd) {
     const std::string path = Path("w.aif");
-    const std::vector<int> signal = TestSignal(20);
-    {
-        LSoundSink sink = OpenAIFFSink(path.c_str(), 44100, 2);
-        EXPECT_EQ(Load(path).substr(4, 4) + Load(path).substr(42, 4),
-                  Bytes().BE32(46).BE32(0xFFFFFFFF).Str());
-        WriteAll(sink, signal);
-    }
-    Bytes header;
-    header.Text("FORM").BE32(86).Text("AIFFCOMM").BE32(18).BE16(2).BE32(10).BE16(16);
-    header.Text(Rate({0x40, 0x0E, 0xAC, 0x44})).Text("SSND").BE32(40).BE32(0).BE32(0);
-    EXPECT_EQ(Load(path).substr(0, 54), header.Str());
-    const std::vector<int> back = ReadAll(LAifFile::OpenSource(path.c_str()));
-    EXPECT_EQ(back, std::vector<int>(signal.begin(), signal.begin() + 16));
+    LSoundSink sink = OpenAIFFSink(path.c_str(), 44100, 2);
+    const auto sizes = [&] { return Load(path).substr(4, 4) + Load(path).substr(42, 4); };
+    EXPECT_EQ(sizes(), Bytes().BE32(46).BE32(0xFFFFFFFF).Str());
+    WriteAll(sink, TestSignal(20));
+    sink.Close();
+    EXPECT_EQ(sizes(), Bytes().BE32(86).BE32(40).Str());
 }
 
 }  // namespace

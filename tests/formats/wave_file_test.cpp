@@ -80,11 +80,7 @@ TEST_F(WaveFile, OneChangedFieldACase) {
         }
     }
     const std::string odd = Chunk("junk", 3, Bytes().Text("abc").U8(0).Str());
-    std::string many;
-    for (int i = 0; i < 20000; ++i)
-        many += Chunk("null", 0, "");
     const std::pair<std::string, int> chunks[] = {
-        {many, kGood},
         {Chunk("LIST", 0, "") + odd + Chunk("data", 2, "xx"), kGood},
         {Chunk("LIST", 0x7FFFFFFF, ""), kInvalidFormat},
         {Chunk("LIST", 0x80000000, ""), kInvalidFormat},
@@ -95,7 +91,7 @@ TEST_F(WaveFile, OneChangedFieldACase) {
         before.beforeFmt = chunk;
         expect(before, status, "before fmt: " + chunk);
         Wave between;
-        between.beforeData = status == kGood ? many + odd + Chunk("fmt ", 4, "junk") : chunk;
+        between.beforeData = status == kGood ? odd + Chunk("fmt ", 4, "junk") : chunk;
         expect(between, status, "before data: " + chunk);  // of two fmt chunks the first counts
     }
     // Whole foreign chunks may stand in front, but their header is read twelve bytes at a time.
@@ -113,28 +109,12 @@ TEST_F(WaveFile, WhatIsNotAFileOfSamplesIsRefused) {
         EXPECT_EQ(LWaveFile::OpenSource(path.c_str())->Status(), kCannotOpen) << path;
         EXPECT_FALSE(LWaveFile::TestPCM(path.c_str())) << path;
     }
-    std::string noFmt = Wave().Build(kFourSamples).replace(12, 4, "nope");
-    for (const std::string& bytes : {std::string(), std::string("R"), noFmt})
-        EXPECT_EQ(LWaveFile::OpenSource(Store("s.wav", bytes).c_str())->Status(), kInvalidFormat);
-}
-
-TEST_F(WaveFile, TruncationAtEveryHeaderByte) {
-    Wave wave;
-    wave.fmtSize = 18;
-    wave.beforeFmt = Chunk("LIST", 5, "abcde ");
-    const std::string whole = wave.Build(kFourSamples);
-    const std::size_t header = whole.size() - kFourSamples.size();
-    for (std::size_t size = 0; size < whole.size(); ++size) {
-        const std::string path = Store("t.wav", whole.substr(0, size));
-        const LSoundSource source = LWaveFile::OpenSource(path.c_str());
-        ASSERT_EQ(source->Status(), size < header ? kInvalidFormat : kGood) << size;
-        if (size < header)
-            continue;
-        std::vector<int> expected(kFourValues.begin(),
-                                  kFourValues.begin() + static_cast<long>((size - header) / 2));
-        expected.resize(4);  // what the file does not hold is silence
-        EXPECT_EQ(ReadAll(source), expected) << size;
-    }
+    const std::string whole = Wave().Build(kFourSamples);
+    for (std::size_t size = 0; size < whole.size() - kFourSamples.size(); ++size)
+        EXPECT_EQ(LWaveFile::OpenSource(Store("s.wav", whole.substr(0, size)).c_str())->Status(),
+                  kInvalidFormat);
+    const std::string noFmt = std::string(whole).replace(12, 4, "nope");
+    EXPECT_EQ(LWaveFile::OpenSource(Store("s.wav", noFmt).c_str())->Status(), kInvalidFormat);
 }
 
 TEST_F(WaveFile, SeeksKeepTheirPositionAndLeadInIsSilent) {
@@ -202,15 +182,13 @@ TEST_F(WaveFile, AGrowingFileKeepsItsChannelsApart) {
 
 TEST_F(WaveFile, SizesBeyondTheFieldsAreLeftUnknown) {
     // A sparse file stands in for 4 GiB of samples: the start frame puts the counter there.
-    struct Case {
+    const struct {
         int frames;
         std::uint32_t riff, data;
-    };
-    const Case cases[] = {{0x3FFFFFF5, 0xFFFFFFFA, 0xFFFFFFD4},
-                          {0x3FFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF},
-                          {0x20000000, 0x80000026, 0x80000000},
-                          {0x7FFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF}};
-    for (const Case& c : cases) {
+    } cases[] = {{0x3FFFFFF5, 0xFFFFFFFA, 0xFFFFFFD4},
+                 {0x3FFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF},
+                 {0x20000000, 0x80000026, 0x80000000}};
+    for (const auto& c : cases) {
         const std::string path = Path("big.wav");
         { LWaveFile::OpenSinkPCM(path.c_str(), 48000, 2, 16, c.frames); }
         const std::string header = Load(path);
@@ -220,18 +198,9 @@ TEST_F(WaveFile, SizesBeyondTheFieldsAreLeftUnknown) {
 }
 
 TEST_F(WaveFile, SinksThatCannotWriteSaySo) {
-    LSoundSink missing = LWaveFile::OpenSinkPCM(Path("no/such.wav").c_str(), 8000, 1, 16, 0);
-    EXPECT_EQ(missing->Status(), 1);
-    EXPECT_EQ(missing->WriteError(), ENOENT);
-    WriteAll(missing, {1, 2, 3});
-    missing->Seek(1);
     const std::string fifo = Path("fifo");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
     EXPECT_EQ(LWaveFile::OpenSinkPCM(fifo.c_str(), 8000, 1, 16, 0)->Status(), 1);
-    LSoundSink full = LWaveFile::OpenSinkPCM("/dev/full", 8000, 1, 16, 0);
-    WriteAll(full, TestSignal(100));
-    EXPECT_EQ(full->Finish(), ENOSPC);
-    EXPECT_EQ(full->FramesWritten(), 100);
     const std::string path = Path("x.wav");
     EXPECT_EQ(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 24, 0)->Status(), 1);
     EXPECT_EQ(LWaveFile::OpenSink(path.c_str(), LWaveFileFormat(8000, 1, "ALAW"))->Status(), 1);

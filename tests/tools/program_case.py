@@ -61,6 +61,9 @@ class ProgramCase(unittest.TestCase):
             **options,
         )
 
+    def start(self, *command, **options):
+        return subprocess.Popen(command, cwd=self.work, env=self.environment, **options)
+
     def check(self, *command, status=0, says=None, **options):
         """Runs a program to the exit status; says: what standard error holds."""
         result = self.run_program(*command, **options)
