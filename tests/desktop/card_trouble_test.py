@@ -8,11 +8,6 @@ TEXT = "one two three four five six seven eight nine ten"
 
 
 class CardTroubleTest(DesktopCase):
-    def start_with_text(self):
-        lectora = self.start()
-        lectora.set_text(TEXT)
-        return lectora
-
     def test_a_card_that_cannot_be_opened(self):
         def take_out():
             os.unlink(os.path.join(self.card.folder, "settings"))
@@ -21,8 +16,8 @@ class CardTroubleTest(DesktopCase):
             ("missing", take_out),
             ("busy", lambda: self.card.tell("fault busy")),
         ):
-            with self.subTest(name):
-                lectora = self.start_with_text()
+            with self.case(name) as lectora:
+                lectora.set_text(TEXT)
                 trouble()
                 lectora.press("toggle button", "Read Aloud")
                 lectora.wait_for_box(
@@ -32,10 +27,10 @@ class CardTroubleTest(DesktopCase):
                 lectora.press("push button", "OK")
                 self.card.tell("speed 8")
                 self.assert_usable(lectora, TEXT)
-                lectora.end()
 
     def test_a_card_that_vanishes_while_it_plays(self):
-        lectora = self.start_with_text()
+        lectora = self.start()
+        lectora.set_text(TEXT)
         self.card.tell("speed 8", "fault vanish 9000")
         lectora.press("toggle button", "Read Aloud")
         lectora.wait_for_box("The sound device stopped working")

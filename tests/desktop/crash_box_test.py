@@ -38,7 +38,7 @@ class CrashBoxTest(DesktopCase):
             self.picture("crash-box")
             self.assertTrue(lectora.alive(), "the process waits for the answer")
             answer(box)
-            self.assertEqual(lectora.process.wait(20), -signal.SIGSEGV)
+            self.assertEqual(lectora.process.wait(desktop.PATIENCE), -signal.SIGSEGV)
             self.assertEqual(desktop.engine_calls(), page)
 
 

@@ -1,4 +1,5 @@
 """What tests of the real program share: a fresh home, a card, a picture of the screen on failure."""
+import contextlib
 import os
 import shutil
 import sys
@@ -53,8 +54,22 @@ class DesktopCase(unittest.TestCase):
         """Lectora with its window open; ends with the test."""
         lectora = desktop.Lectora(*arguments, **options)
         self.addCleanup(self._end, lectora)
-        lectora.window(20)
+        lectora.window()
         return lectora
+
+    @contextlib.contextmanager
+    def case(self, name):
+        """A subtest from the beginning; what it leaves open when it fails ends with it."""
+        with self.subTest(name):
+            self.setUp()
+            lectora = self.start()
+            try:
+                yield lectora
+            except BaseException:
+                self.picture(f"failed-{self.id().rsplit('.', 1)[-1]}-{name}".replace(" ", "-"))
+                raise
+            finally:
+                lectora.end()
 
     def _end(self, lectora):
         if self._troubles() > self.troubles_before and lectora.alive():

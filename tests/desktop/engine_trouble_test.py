@@ -48,8 +48,7 @@ class EngineTroubleTest(DesktopCase):
             ("die", "produced no sound"),
             ("full", "stopped before the end"),
         ):
-            with self.subTest(told):
-                lectora = self.start()
+            with self.case(told) as lectora:
                 lectora.set_text(TEXT)
                 desktop.tell_engine("text2wave " + told)
                 streams = len(self.card.streams())
@@ -60,7 +59,6 @@ class EngineTroubleTest(DesktopCase):
                 lectora.press("push button", "OK")
                 desktop.tell_engine()
                 self.assert_usable(lectora, TEXT)
-                lectora.end()
 
     def test_a_voice_slower_than_speech_is_waited_for(self):
         desktop.tell_engine("text2wave slow 3")
@@ -76,7 +74,7 @@ class EngineTroubleTest(DesktopCase):
         lectora.set_text(TEXT)
         desktop.tell_engine("text2wave hang")
         lectora.press("toggle button", "Read Aloud")
-        lectora.wait_for_box("did not finish within 20 seconds", 40)
+        lectora.wait_for_box("did not finish within 20 seconds")
         lectora.press("push button", "OK")
         desktop.tell_engine()
         self.assert_usable(lectora, TEXT)

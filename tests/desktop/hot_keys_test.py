@@ -52,7 +52,7 @@ class HotKeysTest(DesktopCase):
                 stream = self.card.next_stream()
                 self.card.wait_for(stream, "start")
                 desktop.press_keys("ctrl+shift+r")
-                self.card.wait_for(stream, "close", 5)
+                self.card.wait_for(stream, "close", 30)
                 self.assertEqual(self.spoken()[-1].split(" ", 2)[2], text)
         self.select("not read")
         desktop.press_keys("ctrl+alt+u")

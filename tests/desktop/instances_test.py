@@ -10,7 +10,7 @@ from desktop_case import DesktopCase, desktop
 class InstancesTest(DesktopCase):
     def second_start(self, *arguments):
         with desktop.Lectora(*arguments) as second:
-            return second.process.wait(20)
+            return second.process.wait(desktop.PATIENCE)
 
     def test_a_second_start_hands_its_file_over_and_ends(self):
         lectora = self.start()

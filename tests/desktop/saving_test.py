@@ -20,7 +20,7 @@ class SavingTest(DesktopCase):
         # The ending is added to a name without one.
         self.save_as(lectora, path[:-4])
         desktop.wait_until(
-            lambda: os.path.exists(path) and not os.path.exists(desktop.SPEECH), "the file", 30
+            lambda: os.path.exists(path) and not os.path.exists(desktop.SPEECH), "the file"
         )
         saved = desktop.Sound(path)
         own, reference = (os.path.join(desktop.HOME, name) for name in ("own.wav", "ref.wav"))
@@ -36,22 +36,16 @@ class SavingTest(DesktopCase):
         self.assertEqual(lectora.text(), TEXT)
 
     def test_what_does_not_end_well_leaves_the_chosen_file_alone(self):
-        lectora = self.start()
-        lectora.set_text("the text before")
-        self.read_aloud(lectora)
-        lectora.set_text(TEXT)
-        path = self.file("old.wav", "what it held")
-
-        def cancel_the_engine():
+        def cancel_the_engine(lectora):
             lectora.find("label", "Synthesizing Voice")
             lectora.press("push button", "Cancel")
 
-        def run_out_of_room():
+        def run_out_of_room(lectora):
             lectora.wait_for_box("Cannot save the file")
             self.picture("save-full")
             lectora.press("push button", "OK")
 
-        def leave_the_format_open():
+        def leave_the_format_open(lectora):
             lectora.find("dialog", "Wave Encoder Options")
             desktop.press_keys("Escape")
 
@@ -60,14 +54,18 @@ class SavingTest(DesktopCase):
             ("text2wave long 10", 600_000, False, run_out_of_room),
             ("text2wave long 1", resource.RLIM_INFINITY, True, leave_the_format_open),
         ):
-            with self.subTest(engine):
+            with self.case(engine) as lectora:
+                lectora.set_text("the text before")
+                self.read_aloud(lectora)
+                lectora.set_text(TEXT)
+                path = self.file("old.wav", "what it held")
                 desktop.tell_engine(engine)
                 self.store("settings", savedefaultformat=0 if ask else 1)
                 hard = resource.prlimit(lectora.process.pid, resource.RLIMIT_FSIZE)[1]
                 resource.prlimit(lectora.process.pid, resource.RLIMIT_FSIZE, (limit, hard))
                 self.save_as(lectora, path)
                 lectora.press("push button", "Replace")
-                ending()
+                ending(lectora)
                 desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the flow")
                 with open(path) as file:
                     self.assertEqual(file.read(), "what it held")
@@ -82,10 +80,10 @@ class SavingTest(DesktopCase):
         self.save_as(lectora, path)
         lectora.find("label", "Synthesizing Voice")
         cancel = lectora.find("push button", "Cancel")
-        desktop.wait_until(lambda: os.path.getsize(desktop.SPEECH) > 100, "the first piece", 60)
+        desktop.wait_until(lambda: os.path.getsize(desktop.SPEECH) > 100, "the first piece")
         self.picture("saving")
         lectora.click(cancel)
-        desktop.wait_until(lambda: os.path.exists(path), "the file", 60)
+        desktop.wait_until(lambda: os.path.exists(path), "the file")
         seconds = desktop.Sound(path).frames / 44100
         self.assertGreater(seconds, 10)
         self.assertLess(seconds, 1000)
@@ -104,20 +102,19 @@ class SavingTest(DesktopCase):
         self.assertEqual(os.stat(path).st_mode & 0o777, 0o640)
 
     def test_what_cannot_be_saved_is_told_before_the_engine_speaks(self):
-        lectora = self.start()
         here = os.path.join(desktop.HOME, "fox.wav")
         for text, path, message in (
             (TEXT, "/proc/fox.wav", "Cannot save"),
             ("word " * 200000, here, "longer than a sound file can hold"),
         ):
-            with self.subTest(message):
+            with self.case(message) as lectora:
                 lectora.set_text(text)
                 self.save_as(lectora, path)
                 lectora.wait_for_box(message)
                 self.picture("save-error")
                 lectora.press("push button", "OK")
-        self.assertEqual(self.spoken(), [])
-        self.assertFalse(os.path.exists(here))
+                self.assertEqual(self.spoken(), [])
+                self.assertFalse(os.path.exists(here))
 
 
 if __name__ == "__main__":

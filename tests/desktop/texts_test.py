@@ -20,7 +20,7 @@ class TextsTest(DesktopCase):
         missing = os.path.join(desktop.HOME, "not there.txt")
         for path, note in ((tools, "This is a folder"), (missing, "cannot be opened")):
             with desktop.Lectora(path) as second:
-                self.assertEqual(second.process.wait(20), 0)
+                self.assertEqual(second.process.wait(desktop.PATIENCE), 0)
             desktop.wait_until(lambda: note in lectora.status(), note)
         self.open_file(lectora, picture)
         lectora.wait_for_box("Cannot read the file.")
@@ -40,7 +40,7 @@ class TextsTest(DesktopCase):
     def test_a_line_of_ten_megabytes_is_typed_into_without_delay_and_copied_as_it_was(self):
         text = "All work and no play makes Jack a dull boy. " * 240000
         lectora = self.start(self.file("huge.txt", text))
-        self.card.wait_for(self.card.next_stream(60), "start")
+        self.card.wait_for(self.card.next_stream(), "start")
         lectora.focus()
         desktop.press_keys("ctrl+a", "ctrl+c")
         for selection in ("primary", "clipboard"):
@@ -51,7 +51,7 @@ class TextsTest(DesktopCase):
             before = lectora.cpu_seconds()
             desktop.press_keys(*"nothingbutsomewords")
             desktop.wait_until(
-                lambda: lectora.text_box().queryText().caretOffset == caret + 19, "the words", 60
+                lambda: lectora.text_box().queryText().caretOffset == caret + 19, "the words"
             )
             self.assertLess((lectora.cpu_seconds() - before) / 19, 0.1)
         desktop.press_keys("shift+ctrl+Left", "ctrl+x")

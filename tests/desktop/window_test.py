@@ -10,7 +10,7 @@ from desktop_case import DesktopCase, desktop
 class WindowTest(DesktopCase):
     def close(self, lectora):
         desktop.press_keys("alt+F4")
-        self.assertEqual(lectora.process.wait(10), 0)
+        self.assertEqual(lectora.process.wait(desktop.PATIENCE), 0)
 
     def test_the_chosen_voice_reads_and_is_remembered_whatever_is_typed(self):
         desktop.tell_engine("festival voices 3")
@@ -40,7 +40,7 @@ class WindowTest(DesktopCase):
         self.addCleanup(lectora.end)
         lectora.wait_for_box("No voice is installed")
         desktop.press_keys("Return")
-        lectora.window(20)
+        lectora.window()
         self.close(lectora)
         self.assertEqual(self.setting("settings", "texttospeechvoice"), "2")
 
@@ -74,7 +74,7 @@ class WindowTest(DesktopCase):
     def test_a_program_named_setup_ends_without_a_word(self):
         program = os.path.join(desktop.HOME, "lectora-setup")
         os.symlink(os.path.join(desktop.BUILD, "bin/lectora"), program)
-        self.assertEqual(subprocess.run([program], timeout=10).returncode, 0)
+        self.assertEqual(subprocess.run([program], timeout=desktop.PATIENCE).returncode, 0)
 
 
 if __name__ == "__main__":
