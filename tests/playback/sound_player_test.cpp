@@ -76,9 +76,7 @@ TEST_F(PlayerTest, PauseLosesNothingAndRepeatsABlockAtMost) {
         const char* card;
         double ratio;  // of the card's rate
         int block;     // in frames of the card
-    } cases[] = {{8000, "", 1, 2000},
-                 {16000, "speed 2\n", 1, 4000},
-                 {22050, "rates 48000\nchannels 1\n", 48000 / 22050.0, 8192}};
+    } cases[] = {{8000, "", 1, 2000}, {22050, "rates 48000\nchannels 1\n", 48000 / 22050.0, 8192}};
     int card = 0;
     for (const auto& test : cases) {
         SCOPED_TRACE(test.rate);
@@ -130,19 +128,6 @@ TEST_F(PlayerTest, SeeksInTheSourcesOwnTimeOnAnyCardAndSoundsEvenWhenCued) {
     player_->Play();
     ASSERT_TRUE(RunUntilTold("stop"));
     EXPECT_EQ(cards_.Played(1), NumbersFrom(20000, 32000)) << "Play lets it go on";
-}
-
-TEST_F(PlayerTest, FollowsTheReadingSpeedInTheTextsOwnTime) {
-    cards_.Insert(0, "rates 48000\nspeed 8\n");
-    const auto tempo = std::make_shared<LTempo>();
-    tempo->Set(200);
-    player_->SetTempo(tempo);
-    player_->Start(NumberedSource(32000));
-    ASSERT_TRUE(RunUntil([&] { return player_->Position() > 12000; }));
-    player_->Seek(LSoundTime(1000));
-    ASSERT_TRUE(RunUntilTold("stop"));
-    EXPECT_NEAR(static_cast<double>(cards_.Played(0, 2).size()), 24000, 1000);
-    EXPECT_EQ(*(listener_.log.end() - 2), "time 2000");
 }
 
 TEST_F(PlayerTest, SeekFromTheEndTellsNothingOfTheEnd) {
@@ -294,7 +279,6 @@ TEST_F(PlayerTest, EndsInTroubleWithAReason) {
         PlayTrouble trouble;
         bool isEnd;
     } cases[] = {{"fault busy\n", PlayTrouble::kCannotOpen, true},
-                 {"speed 8\nfault vanish 12000\n", PlayTrouble::kDeviceLost, false},
                  {"speed 8\nfault vanish 31900\n", PlayTrouble::kDeviceLost, false},
                  {"speed 8\nfault stall 20000\n", PlayTrouble::kDeviceLost, false},
                  // Samples that no card understands.

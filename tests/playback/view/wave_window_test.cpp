@@ -107,15 +107,13 @@ TEST_F(WaveWindow, ABlankIsLeftForWhatIsNotSpokenYet) {
     wave_->SetFrame(0, kColumnFrames);
     Show();
     EXPECT_TRUE(ComesToLook("---ww........")) << Looks();
+    Give()->SetStreaming(kRate / 2, kRate);
+    Show();
+    EXPECT_TRUE(ComesToLook("---www!!!!w..")) << "grown";
+    Give()->SetStreaming(kRate, 0);
+    Show();
     wave_.reset();  // while it grows
     PumpPending();
-}
-
-TEST_F(WaveWindow, ASoundThatHasGrownIsShownWhole) {
-    Give()->SetStreaming(kRate / 2, kRate);
-    wave_->SetFrame(0, kColumnFrames);
-    Show();
-    EXPECT_TRUE(ComesToLook("---www!!!!w..")) << Looks();
 }
 
 TEST_F(WaveWindow, TwoSecondsAroundThePositionAndAClickLeadsThere) {
