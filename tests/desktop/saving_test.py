@@ -88,19 +88,6 @@ class SavingTest(DesktopCase):
         self.assertGreater(seconds, 10)
         self.assertLess(seconds, 1000)
 
-    def test_files_and_children_keep_to_the_mask_of_the_start(self):
-        before = os.umask(0o027)
-        self.addCleanup(os.umask, before)
-        lectora = self.start()
-        lectora.set_text(TEXT)
-        self.read_aloud(lectora)
-        path = os.path.join(desktop.HOME, "fox.wav")
-        self.save_as(lectora, path)
-        desktop.wait_until(lambda: os.path.exists(path), "the file")
-        find = ["find", desktop.HOME, "-mindepth", "1", "-perm", "/027", "!", "-type", "l"]
-        self.assertEqual(subprocess.run(find, capture_output=True, text=True).stdout, "")
-        self.assertEqual(os.stat(path).st_mode & 0o777, 0o640)
-
     def test_what_cannot_be_saved_is_told_before_the_engine_speaks(self):
         here = os.path.join(desktop.HOME, "fox.wav")
         for text, path, message in (
