@@ -6,13 +6,10 @@
 #include <sys/un.h>
 
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <thread>
 
 #include "foundation/text_buffer.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -21,13 +18,6 @@ using testing::IsEmpty;
 
 class RunOnceTest : public testing::Test {
 protected:
-    RunOnceTest() {
-        char name[] = "/tmp/lectora-run-once-XXXXXX";
-        folder_ = ::mkdtemp(name);
-        path_ = folder_ + "/socket";
-    }
-    ~RunOnceTest() override { std::filesystem::remove_all(folder_); }
-
     UniqueFd Connect() const {
         UniqueFd fd(::socket(AF_UNIX, SOCK_STREAM, 0));
         sockaddr_un address{};
@@ -52,8 +42,8 @@ protected:
         return std::string(reinterpret_cast<const char*>(&number), sizeof number);
     }
 
-    std::string folder_;
-    std::string path_;
+    ScratchFolder folder_;
+    std::string path_ = folder_ / "socket";
     RunOnceSocket server_;
 };
 
@@ -109,16 +99,17 @@ TEST_F(RunOnceTest, StallingClientIsGivenUp) {
 }
 
 TEST_F(RunOnceTest, NamesOfExistingFilesAreHandedOverAbsolute) {
-    std::ofstream(folder_ + "/book.txt") << "text";
+    folder_.Write("book.txt", "text");
     const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(folder_);
+    std::filesystem::current_path(folder_.Path());
     std::string arguments[] = {"lectora", "book.txt", "-logon", "missing.txt", "/etc/passwd"};
     char* pointers[5];
     for (int index = 0; index < 5; ++index)
         pointers[index] = arguments[index].data();
-    EXPECT_THAT(ArgumentsForHandOver(5, pointers),
-                ElementsAre("lectora", std::filesystem::canonical(folder_).string() + "/book.txt",
-                            "-logon", "missing.txt", "/etc/passwd"));
+    EXPECT_THAT(
+        ArgumentsForHandOver(5, pointers),
+        ElementsAre("lectora", std::filesystem::canonical(folder_.Path()).string() + "/book.txt",
+                    "-logon", "missing.txt", "/etc/passwd"));
     std::filesystem::current_path(before);
 }
 
