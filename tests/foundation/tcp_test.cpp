@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <functional>
+#include <future>
 
 #include "foundation/resolve.h"
 #include "foundation/tcp_steps.h"
@@ -65,8 +66,8 @@ TEST(TcpSteps, ReadLinesAndLeaveTheRest) {
 }
 
 TEST(TcpSteps, EndWhenSilentStoppedOrStuck) {
-    std::string received;
-    Peer peer([&](int fd) { received = ReadToTheEnd(fd); });
+    std::promise<std::size_t> received;
+    Peer peer([&](int fd) { received.set_value(ReadToTheEnd(fd).size()); });
     std::string line;
     char byte;
     EXPECT_EQ(Timed(0.6, [&] { return RecvLine(LSilentProgress(), peer, line, 600); }),
@@ -85,7 +86,7 @@ TEST(TcpSteps, EndWhenSilentStoppedOrStuck) {
     EXPECT_EQ(ProcessSend(twoPieces, peer.socket, large.data(), 2500, 2000), kProcessStopped);
     shutdown(peer.socket.Get(), SHUT_WR);
     EXPECT_EQ(ProcessRecvBytes(progress, peer.socket, &byte, 1, 2000), kProcessFailed);
-    EXPECT_EQ(received.size(), 2500u + 2048u);
+    EXPECT_EQ(received.get_future().get(), 2500u + 2048u);
     LSignalObject done;
     Peer stuck([&](int) { done.Ref().WaitSignalForever(); });
     EXPECT_EQ(

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Prints phases, step and the coefficient table of the rate converter's filter: IN_RATE OUT_RATE WIDE_BAND(0/1)."""
+"""Prints phases, step and the coefficient table of the rate converter's filter: IN_RATE OUT_RATE."""
 import math
 import sys
 
@@ -28,12 +28,12 @@ def phases_and_step(ratio):
     return best, max(1, half_away(ratio * best))
 
 
-def table(rate_in, rate_out, wide):
+def table(rate_in, rate_out):
     phases, step = phases_and_step(rate_in / rate_out)
     if rate_in < rate_out:
         cut, centre, beta, base = 0.975, 65536 * 0.975, 2.12, 63897.6 / 25749.40128619654
     else:
-        cut = rate_out / rate_in - (0.09375 if wide else 0.046875)
+        cut = rate_out / rate_in - 0.046875
         centre, beta, base = 65536 * cut, 4.538, 18.072136678571777
     rows = []
     for phase in range(phases):
@@ -49,6 +49,6 @@ def table(rate_in, rate_out, wide):
 
 
 if __name__ == "__main__":
-    phases, step, rows = table(int(sys.argv[1]), int(sys.argv[2]), sys.argv[3] == "1")
+    phases, step, rows = table(int(sys.argv[1]), int(sys.argv[2]))
     print(phases, step)
     print(*rows)

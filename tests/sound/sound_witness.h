@@ -5,29 +5,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <complex>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <numbers>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
-
-// What a command prints.
-inline std::string RunCommand(const std::string& command) {
-    std::string output;
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::array<char, 65536> part;
-    while (pipe != nullptr) {
-        const std::size_t size = fread(part.data(), 1, part.size(), pipe.get());
-        if (size == 0)
-            break;
-        output.append(part.data(), size);
-    }
-    return output;
-}
 
 struct FilterTable {
     int phases = 0;
@@ -35,17 +20,14 @@ struct FilterTable {
     std::vector<int> rows;
 };
 
-inline FilterTable FilterTableFromScript(int inputRate, int outputRate, bool wideBand) {
-    const auto script = std::filesystem::path(SOUND_TESTS_FOLDER) / "filter_table.py";
-    std::ostringstream command;
-    command << "python3 '" << script.string() << "' " << inputRate << ' ' << outputRate << ' '
-            << (wideBand ? 1 : 0);
-    std::istringstream output(RunCommand(command.str()));
-    FilterTable table;
-    output >> table.phases >> table.step;
-    for (int value = 0; output >> value;)
-        table.rows.push_back(value);
-    return table;
+inline FilterTable FilterTableFromScript(int inputRate, int outputRate) {
+    const std::string command = "python3 '" SOUND_TESTS_FOLDER "/filter_table.py' " +
+                                std::to_string(inputRate) + ' ' + std::to_string(outputRate);
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::vector<int> values;
+    for (int value = 0; fscanf(pipe.get(), "%d", &value) == 1;)
+        values.push_back(value);
+    return {values.at(0), values.at(1), {values.begin() + 2, values.end()}};
 }
 
 // One channel through the filter, frame by frame, on a history of the full size.
@@ -107,8 +89,7 @@ inline std::vector<int> RandomSamples(std::size_t count, int peak, unsigned seed
     std::mt19937 engine(seed);
     std::uniform_int_distribution<int> distribution(-peak, peak);
     std::vector<int> samples(count);
-    for (int& sample : samples)
-        sample = distribution(engine);
+    std::generate(samples.begin(), samples.end(), [&] { return distribution(engine); });
     return samples;
 }
 
@@ -124,16 +105,11 @@ inline std::vector<int> Tone(double hertz, int rate, int frames, double amplitud
 inline double AmplitudeAt(const std::vector<int>& samples, double cyclesPerSample) {
     const std::size_t skip = samples.size() / 8;
     const std::size_t count = samples.size() - 2 * skip;
-    double real = 0;
-    double imaginary = 0;
-    double weights = 0;
+    std::complex<double> sum;
     for (std::size_t i = 0; i < count; ++i) {
-        const double place = static_cast<double>(i) / static_cast<double>(count);
-        const double weight = 1 - std::cos(2 * std::numbers::pi * place);
-        const double angle = 2 * std::numbers::pi * cyclesPerSample * static_cast<double>(i);
-        real += weight * samples[skip + i] * std::cos(angle);
-        imaginary += weight * samples[skip + i] * std::sin(angle);
-        weights += weight;
+        const double turn = 2 * std::numbers::pi * static_cast<double>(i);
+        const double weight = 1 - std::cos(turn / static_cast<double>(count));
+        sum += weight * samples[skip + i] * std::polar(1.0, turn * cyclesPerSample);
     }
-    return 2 * std::hypot(real, imaginary) / weights;
+    return 2 * std::abs(sum) / static_cast<double>(count);  // the mean weight is 1
 }

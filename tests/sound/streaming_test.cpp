@@ -43,23 +43,18 @@ TEST(StreamingTest, EveryChainFollowsToTheExactEndAndReadsNoFurtherThanWhatIsThe
             memory->SetStreaming(available, portion);
             LSoundSource source = open(memory);
             std::vector<int> got;
-            while (true) {
-                const bool isStreaming = source->IsStreaming();
+            for (bool isStreaming = true; isStreaming; source->WaitForStreamingData(1)) {
+                isStreaming = source->IsStreaming();
                 const std::vector<int> part = ReadAll(source, 501);
                 got.insert(got.end(), part.begin(), part.end());
-                if (!isStreaming)
-                    break;
-                source->WaitForStreamingData(1);
             }
             // A position leaves the phase out, so that the end may come a frame of the source
             // early or late.
-            const std::size_t frame =
-                static_cast<std::size_t>(chain.outputRate / chain.rate + 1) * chain.outputChannels;
-            ASSERT_NEAR(static_cast<double>(got.size()), static_cast<double>(expected.size()),
-                        chain.rate == chain.outputRate ? 0.0 : static_cast<double>(frame));
-            const std::size_t common = std::min(got.size(), expected.size());
-            ASSERT_TRUE(std::equal(got.begin(), got.begin() + static_cast<std::ptrdiff_t>(common),
-                                   expected.begin()))
+            const int frame = (chain.outputRate / chain.rate + 1) * chain.outputChannels;
+            ASSERT_LE(std::abs(std::ssize(got) - std::ssize(expected)),
+                      chain.rate == chain.outputRate ? 0 : frame);
+            const auto common = std::min(std::ssize(got), std::ssize(expected));
+            ASSERT_TRUE(std::equal(got.begin(), got.begin() + common, expected.begin()))
                 << chain.rate << " to " << chain.outputRate << " in portions of " << portion;
         }
     }

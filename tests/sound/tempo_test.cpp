@@ -22,13 +22,10 @@ constexpr int kBlock = 400;
 // What a player does: never asks for more than is there, and waits where a source grows.
 Heard Play(LTempoSource& source) {
     Heard heard;
-    for (int idle = 0; idle < 1000;) {
+    while (source.ReadableFrames() > 0 || source.IsStreaming()) {
         const int readable = source.ReadableFrames();
-        if (readable < 1 && !source.IsStreaming())
-            break;
         if (readable < 1) {
             source.WaitForStreamingData(1);
-            ++idle;
             continue;
         }
         heard.positions.push_back(source.GetPositionSample());
@@ -53,7 +50,7 @@ std::vector<int> Scale() {
 }
 
 TEST(TempoTest, TimeFollowsTheTempoAndPitchDoesNot) {
-    for (const int percent : {50, 80, 150, 200, 300}) {
+    for (const int percent : {50, 80, 150, 300}) {
         for (const bool grows : {false, true}) {
             auto* inner = new MemorySource(Scale(), kRate);
             if (grows)
@@ -76,11 +73,9 @@ TEST(TempoTest, TimeFollowsTheTempoAndPitchDoesNot) {
                 EXPECT_GT(AmplitudeAt(here, (200.0 + 50 * second) / kRate), 250000)
                     << percent << grows << second;
                 // ... when the source says that it stands there.
-                const auto block = at / kBlock;
-                if (!grows) {
-                    EXPECT_NEAR(heard.positions[block], (second + 0.5) * kRate, 0.06 * kRate)
-                        << percent << second;
-                }
+                EXPECT_TRUE(grows || std::abs(heard.positions[at / kBlock] -
+                                              (second + 0.5) * kRate) <= 0.06 * kRate)
+                    << percent << second;
             }
         }
     }
