@@ -316,15 +316,16 @@ TEST_F(PlayerTest, EndsInTroubleWithAReason) {
 TEST_F(PlayerTest, FitsTheSoundToWhatTheCardGrants) {
     const auto tone = [](int frames, double amplitude) {
         std::vector<int> samples;
+        samples.reserve(static_cast<std::size_t>(frames));
         for (int i = 0; i < frames; ++i)
             samples.push_back(
                 static_cast<int>(amplitude * std::sin(2 * std::numbers::pi * 0.02 * i)));
         return samples;
     };
     // Long steps at full scale: the rate converter overshoots at each.
-    std::vector<int> steps;
+    std::vector<int> steps(11025);
     for (int i = 0; i < 11025; ++i)
-        steps.push_back(i / 441 % 2 == 0 ? kMaxPcm16Peak : -kMaxPcm16Peak);
+        steps[static_cast<std::size_t>(i)] = i / 441 % 2 == 0 ? kMaxPcm16Peak : -kMaxPcm16Peak;
     const struct {
         const char* card;
         std::vector<int> samples;
@@ -349,8 +350,9 @@ TEST_F(PlayerTest, FitsTheSoundToWhatTheCardGrants) {
         player_->Start(keep);
         ASSERT_TRUE(RunUntilTold("stop"));
         const std::vector<std::int16_t> played = cards_.Played(card++);
-        EXPECT_NEAR(static_cast<double>(played.size() / test.channels),
-                    static_cast<double>(test.frames), static_cast<double>(test.frames) * 0.002);
+        const std::size_t playedFrames = played.size() / test.channels;
+        EXPECT_NEAR(static_cast<double>(playedFrames), static_cast<double>(test.frames),
+                    static_cast<double>(test.frames) * 0.002);
         int crossings = 0;
         int peak = 0;
         for (std::size_t i = test.channels; i < played.size(); ++i) {
