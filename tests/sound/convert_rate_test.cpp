@@ -15,8 +15,7 @@ struct RatePair {
     int input;
     int output;
 };
-constexpr RatePair kRates[] = {{16000, 44100}, {48000, 44100}, {44100, 22050},
-                               {22050, 48000}, {48000, 12000}, {48000, 47999}};
+constexpr RatePair kRates[] = {{16000, 44100}, {48000, 44100}, {48000, 12000}, {48000, 47999}};
 constexpr LKernelChoice kKernels[] = {LKernelChoice::kPortable, LKernelChoice::kSse2,
                                       LKernelChoice::kAvx2};
 
@@ -46,45 +45,40 @@ std::vector<int> DemandingSignal(const FilterTable& table) {
             samples.push_back(table.rows[row + k] >= 0 ? 524272 : -524272);
     }
     samples.resize(samples.size() + 9000);
-    const std::vector<int> clipped = RandomSamples(20000, 4000000, seed);
-    for (const int sample : clipped)
-        samples.push_back(std::clamp(sample, -524288, 524272));
     return samples;
 }
 
 TEST_F(ConvertRateTest, EveryKernelEqualsTheScalarReference) {
     std::set<std::string> names;
     for (const RatePair& rates : kRates) {
-        const FilterTable table = FilterTableFromScript(rates.input, rates.output, false);
+        const FilterTable table = FilterTableFromScript(rates.input, rates.output);
         const std::vector<int> left = DemandingSignal(table);
-        std::vector<int> right(left.rbegin(), left.rend());
         std::vector<int> both;
         for (std::size_t i = 0; i < left.size(); ++i)
-            both.insert(both.end(), {left[i], right[i]});
+            both.insert(both.end(), {left[i], left[left.size() - 1 - i]});
         const int frames = static_cast<int>(std::min<std::int64_t>(
             std::int64_t{static_cast<int>(left.size())} * table.phases / table.step, 150000));
 
         ReferenceResampler reference(table, left);
         std::vector<int> expected(static_cast<std::size_t>(frames));
         std::generate(expected.begin(), expected.end(), [&] { return reference.Next(); });
+        std::vector<int> stereo;
         for (const LKernelChoice kernel : kKernels) {
             if (!SelectSoundKernels(kernel))
                 continue;
             names.insert(SoundKernels().name);
-            LSoundSource mono(new LSRCConvertRate(LSoundSource(new MemorySource(left, rates.input)),
-                                                  rates.output, false));
-            ASSERT_EQ(ReadFrames(mono, frames), expected)
+            const auto read = [&](const std::vector<int>& samples, std::uint8_t channels) {
+                LSoundSource source(new LSRCConvertRate(
+                    LSoundSource(new MemorySource(samples, rates.input, channels)), rates.output,
+                    false));
+                return ReadFrames(source, frames / channels, 777);
+            };
+            ASSERT_EQ(read(left, 1), expected)
                 << SoundKernels().name << ' ' << rates.input << " to " << rates.output;
-        }
-        // Two channels share their shifts, so each is compared with itself under another kernel.
-        std::vector<std::vector<int>> stereo;
-        for (const LKernelChoice kernel : kKernels) {
-            if (!SelectSoundKernels(kernel))
-                continue;
-            LSoundSource source(new LSRCConvertRate(
-                LSoundSource(new MemorySource(both, rates.input, 2)), rates.output, false));
-            stereo.push_back(ReadFrames(source, frames / 2, 777));
-            ASSERT_EQ(stereo.back(), stereo.front()) << SoundKernels().name;
+            // Two channels share their shifts: they are compared with those of another kernel.
+            const std::vector<int> got = read(both, 2);
+            ASSERT_EQ(got, stereo.empty() ? got : stereo) << SoundKernels().name;
+            stereo = got;
         }
     }
     // Each was compared, not one of them with itself.
@@ -93,18 +87,6 @@ TEST_F(ConvertRateTest, EveryKernelEqualsTheScalarReference) {
                                                                        : 1u);
     EXPECT_TRUE(SelectSoundKernels(LKernelChoice::kPortable));
     EXPECT_STREQ(SoundKernels().name, "portable");
-}
-
-TEST_F(ConvertRateTest, StreamDoesNotDependOnRequestSizes) {
-    const std::vector<int> samples = RandomSamples(40000, 524272, 7);
-    const auto converted = [&](int rate, int chunk) {
-        LSoundSource source =
-            LSPConvertRate(rate).OpenSource(LSoundSource(new MemorySource(samples, 16000)));
-        return ReadFrames(source, 20000, chunk);
-    };
-    for (const int rate : {44100, 3000})
-        for (const int chunk : {1, 3, 4001})
-            ASSERT_EQ(converted(rate, chunk), converted(rate, kMaxBlockFrames)) << rate << chunk;
 }
 
 TEST_F(ConvertRateTest, PositionEndAndSeek) {
