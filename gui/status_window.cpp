@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 
+#include "gui/accessible.h"
 #include "gui/control_host.h"
 #include "gui/display_text.h"
 #include "gui/icons.h"
@@ -47,6 +48,7 @@ void LStatusWindow::Init(LControlHost& window, int id) {
         return;
     }
     signals_.Connect(view_, "destroy", G_CALLBACK(GCViewDestroyed), this);
+    SetAccessibleName(view_, "Status");
     gtk_text_view_set_pixels_below_lines(GTK_TEXT_VIEW(view_), 1);
     gtk_widget_ensure_style(view_);
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view_));
