@@ -160,7 +160,7 @@ TEST_F(ComponentDownload, TheEncoderKeepsTheSound) {
             power += std::pow(sample, 2);
         }
         EXPECT_GT((sine * sine + cosine * cosine) / 2000, 0.96 * power);
-        EXPECT_NEAR(std::sqrt(power / 4000), 200000 / 16 / std::sqrt(2), 1000);
+        EXPECT_NEAR(std::sqrt(power / 4000), 12500 / std::sqrt(2), 1000);
     }
 }
 
