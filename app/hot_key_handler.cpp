@@ -23,13 +23,43 @@ Display* DisplayOf(GdkWindow* root) {
     return GDK_WINDOW_XDISPLAY(root);
 }
 
-// 0: the keyboard has no such key.
+// 0: the keyboard has no such key, and a grab of 0 would be one of every key.
 KeyCode KeycodeOf(Display* display, LKeyCode key) {
     const char* name = gdk_keyval_name(gdk_keyval_to_upper(KeyValue(key)));
     return name != nullptr ? XKeysymToKeycode(display, XStringToKeysym(name)) : KeyCode{0};
 }
 
+void UngrabKey(GdkWindow* root, KeyCode keycode, unsigned int modifiers) {
+    for (const unsigned int locks : kLockStates)
+        XUngrabKey(DisplayOf(root), keycode, modifiers | locks, GDK_WINDOW_XID(root));
+}
+
+// Under every lock state or not at all: a combination that works only while Caps Lock is on helps
+// nobody.
+bool GrabKey(GdkWindow* root, KeyCode keycode, unsigned int modifiers) {
+    gdk_error_trap_push();
+    for (const unsigned int locks : kLockStates)
+        XGrabKey(DisplayOf(root), keycode, modifiers | locks, GDK_WINDOW_XID(root), True,
+                 GrabModeAsync, GrabModeAsync);
+    gdk_flush();  // errors arrive with the server's answer
+    if (gdk_error_trap_pop() == 0)
+        return true;
+    UngrabKey(root, keycode, modifiers);
+    return false;
+}
+
 }  // namespace
+
+HotKeyState TestHotKey(LKeyCode key) {
+    GdkWindow* root = gdk_get_default_root_window();
+    const KeyCode keycode = KeycodeOf(DisplayOf(root), key);
+    if (keycode == 0)
+        return HotKeyState::kNotOnKeyboard;
+    if (!GrabKey(root, keycode, key >> 16))
+        return HotKeyState::kHeldByAnotherProgram;
+    UngrabKey(root, keycode, key >> 16);
+    return HotKeyState::kFree;
+}
 
 LHotKeyHandler::~LHotKeyHandler() {
     for (const HotKey& hotKey : hotKeys_)
@@ -50,33 +80,16 @@ void LHotKeyHandler::HotKeyHandlerDestroy() {
     isFiltering_ = false;
 }
 
-void LHotKeyHandler::Grab(const HotKey& hotKey) const {
-    for (const unsigned int locks : kLockStates)
-        XGrabKey(DisplayOf(root_), hotKey.keycode, hotKey.modifiers | locks, GDK_WINDOW_XID(root_),
-                 True, GrabModeAsync, GrabModeAsync);
-}
-
 void LHotKeyHandler::Ungrab(const HotKey& hotKey) const {
-    for (const unsigned int locks : kLockStates)
-        XUngrabKey(DisplayOf(root_), hotKey.keycode, hotKey.modifiers | locks,
-                   GDK_WINDOW_XID(root_));
+    UngrabKey(root_, hotKey.keycode, hotKey.modifiers);
 }
 
 bool LHotKeyHandler::RegisterHotKey(int index, LKeyCode key) {
     if (root_ == nullptr)
         return false;
     const HotKey hotKey{KeycodeOf(DisplayOf(root_), key), key >> 16, index};
-    // 0 would grab every key of the keyboard.
-    if (hotKey.keycode == 0)
+    if (hotKey.keycode == 0 || !GrabKey(root_, hotKey.keycode, hotKey.modifiers))
         return false;
-    gdk_error_trap_push();
-    Grab(hotKey);
-    gdk_flush();  // errors arrive with the server's answer
-    if (gdk_error_trap_pop() != 0) {
-        // A combination that works only while Caps Lock is on helps nobody.
-        Ungrab(hotKey);
-        return false;
-    }
     hotKeys_.push_front(hotKey);
     return true;
 }

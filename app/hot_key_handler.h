@@ -7,6 +7,12 @@
 
 #include "gui/key_map.h"
 
+// Whether the key could be grabbed right now on the default screen.
+enum class HotKeyState { kFree, kHeldByAnotherProgram, kNotOnKeyboard };
+// Grabs and releases it, so that one's own registration of the same key would be lost: ask while
+// one's hotkeys are not registered. GUI thread, GDK lock held.
+HotKeyState TestHotKey(LKeyCode key);
+
 // A base class of whoever acts on hotkeys. GUI thread; needs a display once initialised.
 class LHotKeyHandler {
 public:
@@ -41,7 +47,6 @@ private:
 
     static GdkFilterReturn gdk_filter(GdkXEvent* xevent, GdkEvent* event, gpointer handler);
     const HotKey* Find(unsigned int keycode, unsigned int state) const;
-    void Grab(const HotKey& hotKey) const;
     void Ungrab(const HotKey& hotKey) const;
 
     GdkWindow* root_ = nullptr;  // the display's own

@@ -66,6 +66,8 @@ bool StoreHotKey(StoredHotKey& hotKey) {
            record.GetInt(kKey, 0) == static_cast<int>(hotKey.key);
 }
 
-void RemoveHotKey(int id) {
-    Details().DeleteSubRecord(std::to_string(id).c_str());
+bool RemoveHotKey(int id) {
+    LSettingsRecord details = Details();
+    details.DeleteSubRecord(std::to_string(id).c_str());
+    return !Exists(details, id);
 }

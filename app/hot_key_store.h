@@ -24,4 +24,4 @@ std::vector<StoredHotKey> LoadHotKeys();
 // Under its own id, a new one under the lowest free id, which is written into it. False: it is not
 // on disk.
 bool StoreHotKey(StoredHotKey& hotKey);
-void RemoveHotKey(int id);
+bool RemoveHotKey(int id);  // false: it is still there

@@ -42,6 +42,7 @@ constexpr int kSaveAllOfWindow = 1013;
 constexpr int kSaveFromFileMenu = 1014;
 constexpr int kSaveFromSelection = 1015;
 constexpr int kReadFromFile = 1019;
+constexpr int kOptions = 1021;
 constexpr int kSaveFromFile = 1063;
 constexpr int kSaveSelectionOfWindow = 1222;
 constexpr int kOpenWindow = 4001;
@@ -222,6 +223,9 @@ void MainDialog::Command(int command) {
         case kSaveFromSelection:
             CmCopyFromClipboard();
             CmSave();
+            break;
+        case kOptions:
+            CmOptions();
             break;
         case kTextChanged:
             EvTextChanged();

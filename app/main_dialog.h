@@ -41,6 +41,7 @@ public:
     // From what is selected in any program, else from the clipboard; false when neither holds text.
     bool CmCopyFromClipboard();
     void CmOpenFile();
+    void CmOptions();
 
 private:
     void EvReadingStarted() override;

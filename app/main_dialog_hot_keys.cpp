@@ -1,6 +1,7 @@
-// The main window's system-wide hotkeys.
+// The main window's system-wide hotkeys, and the options, which change them.
 #include "app/hot_key_store.h"
 #include "app/main_dialog.h"
+#include "app/options_dialog.h"
 
 void MainDialog::HotkeysStart() {
     int index = 0;
@@ -14,6 +15,14 @@ void MainDialog::HotkeysStop() {
     for (int index = 0; index < hotKeyCount_; ++index)
         UnregisterHotKey(index);
     hotKeyCount_ = 0;
+}
+
+void MainDialog::CmOptions() {
+    HotkeysStop();
+    OptDlg(Widget());
+    // The window may have been closed meanwhile.
+    if (IsOpen())
+        HotkeysStart();
 }
 
 // Acts from the main loop: reading and saving run dialogs. A key that is held repeats itself.

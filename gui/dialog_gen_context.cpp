@@ -1,6 +1,7 @@
 // Containers, placement and the action area; the controls are in dialog_gen_controls.cpp.
 #include "gui/dialog_gen_context.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "gui/dialog.h"
@@ -17,6 +18,11 @@ constexpr auto kExpandFill = GtkAttachOptions(GTK_EXPAND | GTK_FILL);
 
 unsigned int IndentPixels(int indent) {
     return indent > 0 ? static_cast<unsigned int>(indent) * kPadding : 0;
+}
+
+// A size request would be the size itself and cut what is added later, in a large font.
+void GCAtLeastWidth(GtkWidget*, GtkRequisition* size, gpointer width) {
+    size->width = std::max(size->width, GPOINTER_TO_INT(width));
 }
 
 // A table without rows would be an error to GTK.
@@ -158,7 +164,8 @@ void LDialogGenContext::EndPanels() {
 
 void LDialogGenContext::SetWidth(int width) {
     if (width > 0)
-        gtk_widget_set_size_request(Top().container, width + 10, -1);
+        g_signal_connect(Top().container, "size-request", G_CALLBACK(GCAtLeastWidth),
+                         GINT_TO_POINTER(width + 10));
 }
 
 void LDialogGenContext::Finalize() {

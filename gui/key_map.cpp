@@ -25,7 +25,7 @@ LKeyCode KeyOfCommand(LKeyMap map, int command) {
     return 0;
 }
 
-std::string KeyDescription(LKeyCode key) {
+std::string LKeyGetDescription(LKeyCode key) {
     std::string text;
     if ((key & kKeyControl) != 0)
         text += "Ctrl+";

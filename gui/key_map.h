@@ -35,4 +35,4 @@ inline GdkModifierType KeyModifiers(LKeyCode key) {
 
 // "Ctrl+Alt+Shift+" as far as set, then GDK's name of the key value: "Ctrl+Shift+R". The name is
 // empty when GDK has none.
-std::string KeyDescription(LKeyCode key);
+std::string LKeyGetDescription(LKeyCode key);

@@ -29,6 +29,20 @@ constexpr const char* kFormats[] = {"Auto", "PCM", "GSM", nullptr};
 constexpr const char* kAutoOnly[] = {"Auto", nullptr};
 constexpr const char* kChannelCounts[] = {"Auto", "1", "2", nullptr};
 
+// The window that the user is in, so that the dialog comes up over it; null when there is none.
+GtkWidget* CurrentWindow() {
+    if (GtkWidget* grabbed = gtk_grab_get_current())
+        return gtk_widget_get_toplevel(grabbed);
+    GList* windows = gtk_window_list_toplevels();
+    GtkWidget* active = nullptr;
+    for (GList* each = windows; each != nullptr; each = each->next) {
+        if (gtk_window_is_active(GTK_WINDOW(each->data)))
+            active = GTK_WIDGET(each->data);
+    }
+    g_list_free(windows);
+    return active;
+}
+
 }  // namespace
 
 void DlgGenLWaveEncodeDlg(LDialogGenContext& context) {
@@ -45,7 +59,7 @@ bool LWaveEncodeDlg::Run(GtkWidget* parent) {
 }
 
 bool LWaveFile::WaveFormatSelectDialog(LWaveFileFormat& format, unsigned char, const char*) {
-    return LWaveEncodeDlg(format).Run(nullptr);
+    return LWaveEncodeDlg(format).Run(CurrentWindow());
 }
 
 void LWaveEncodeDlg::InitDialog() {

@@ -189,8 +189,8 @@ TEST(KeyDialog, PressesAndReleasesArriveByThemselves) {
         gdk_event_free(event);
     }
     EXPECT_THAT(dialog.seen, ElementsAre('A', 'B'));
-    EXPECT_EQ(KeyDescription(kKeyShift | kKeyControl | 'R'), "Ctrl+Shift+R");
-    EXPECT_EQ(KeyDescription(kKeyAlt | GDK_KEY_F5), "Alt+F5");
+    EXPECT_EQ(LKeyGetDescription(kKeyShift | kKeyControl | 'R'), "Ctrl+Shift+R");
+    EXPECT_EQ(LKeyGetDescription(kKeyAlt | GDK_KEY_F5), "Alt+F5");
 }
 
 struct MessageRecorder : LInterWinMessageHandler {

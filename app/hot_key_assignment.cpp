@@ -1,0 +1,59 @@
+#include "app/hot_key_assignment.h"
+
+#include <strings.h>
+
+#include "app/key_change_dialog.h"
+#include "gui/dialog_gen_context.h"
+#include "gui/message_box.h"
+
+namespace {
+
+constexpr int kCommandList = 101;
+constexpr int kKeyText = 103;
+constexpr int kChangeKey = 105;
+constexpr int kWidth = 420;
+
+constexpr const char* kNoKeyYet = "Click \"Change Key\" to assign key";
+
+}  // namespace
+
+void DlgGenHotKeyAssignmentDlg(LDialogGenContext& context) {
+    context.SetWidth(kWidth);
+    context.AddPullDownList(kCommandList, "Command");
+    context.AddInput(kKeyText, "HotKey Assigned:");
+    context.AddButton(kChangeKey, "Change Key");
+    context.AddOkCancelHelp(false, false, false);
+}
+
+bool HotKeyAssignmentDlgImp::Run(GtkWidget* parent) {
+    return Open(parent, {"Hot-Key Assignment", false, DlgGenHotKeyAssignmentDlg}, true);
+}
+
+void HotKeyAssignmentDlgImp::InitDialog() {
+    for (const char* label : kHotKeyCommandLabels)
+        PDLAddString(kCommandList, label);
+    const bool isKnown = hotKey_.command >= kHotKeyUpdate && hotKey_.command <= kHotKeySave;
+    PDLSetCurSel(kCommandList, isKnown ? hotKey_.command : kHotKeyUpdate);
+    SetTextEditable(kKeyText, false);
+    SetText(kKeyText, hotKey_.id < 0 ? kNoKeyYet : LKeyGetDescription(key_).c_str());
+}
+
+void HotKeyAssignmentDlgImp::Command(int command) {
+    if (command == kChangeKey && LKeyChangeDialog(Widget(), key_))
+        SetText(kKeyText, LKeyGetDescription(key_).c_str());
+}
+
+bool HotKeyAssignmentDlgImp::CmOk() {
+    if (strcasecmp(GetText(kKeyText).c_str(), kNoKeyYet) == 0) {
+        SetControlInvalid(kKeyText, "Please click here to assign the hot-key.", "Hot-key Required");
+        return false;
+    }
+    hotKey_.command = PDLGetCurSel(kCommandList);
+    hotKey_.key = key_;
+    if (StoreHotKey(hotKey_))
+        return true;
+    MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                  "The hotkey could not be kept.",
+                  "This computer's settings cannot be written, or hold too many hotkeys already.");
+    return false;
+}

@@ -1,0 +1,80 @@
+#include "app/key_change_dialog.h"
+
+#include <X11/Xlib.h>
+#include <gdk/gdkkeysyms.h>
+#include <gdk/gdkx.h>
+
+#include "gui/dialog_gen_context.h"
+
+namespace {
+
+constexpr int kPrompt = 101;
+constexpr int kWayOut = 102;
+constexpr int kWidth = 540;
+
+void DlgGenKeyChange(LDialogGenContext& context) {
+    context.SetWidth(kWidth);
+    context.AddStatic(kPrompt, "Press a key or a key combination");
+    context.AddStatic(kWayOut, "Escape goes back without a change.");
+    context.AddOkCancelHelp("Go Back", false, true, false);
+}
+
+// Alone it is the beginning of a combination. Caps Lock and Meta are none of these: whoever has no
+// other key to spare may take them.
+bool IsModifier(guint value) {
+    return (value >= GDK_Shift_L && value <= GDK_Control_R) || value == GDK_Alt_L ||
+           value == GDK_Alt_R;
+}
+
+// The hardware's number of the key whose event is being handled; 0 for none.
+guint CurrentKeycode() {
+    GdkEvent* event = gtk_get_current_event();
+    if (event == nullptr)
+        return 0;
+    const bool isKey = event->type == GDK_KEY_PRESS || event->type == GDK_KEY_RELEASE;
+    const guint keycode = isKey ? event->key.hardware_keycode & 0xFF : 0;
+    gdk_event_free(event);
+    return keycode;
+}
+
+}  // namespace
+
+bool LKeyChangeDlg::Run(GtkWidget* parent) {
+    return Open(parent, {"Key Change", false, DlgGenKeyChange}, true) && key_ != 0;
+}
+
+void LKeyChangeDlg::InitDialog() {
+    XQueryKeymap(gdk_x11_get_default_xdisplay(), heldKeys_);
+}
+
+// The Return that pressed "Change Key" repeats itself when it is held.
+bool LKeyChangeDlg::IsStillHeld() const {
+    const guint keycode = CurrentKeycode();
+    return (heldKeys_[keycode / 8] >> keycode % 8 & 1) != 0;
+}
+
+bool LKeyChangeDlg::EvKeyDown(unsigned int key) {
+    const guint value = KeyValue(key);
+    if (IsModifier(value) || value == GDK_Escape)
+        return false;
+    // On many keyboards the Enter that a hand finds by itself, so that it is no choice.
+    if (value == GDK_KP_Enter || IsStillHeld())
+        return true;
+    key_ = key;
+    DoOKButton();
+    return true;
+}
+
+bool LKeyChangeDlg::EvKeyUp(unsigned int) {
+    const guint keycode = CurrentKeycode();
+    heldKeys_[keycode / 8] = static_cast<char>(heldKeys_[keycode / 8] & ~(1 << keycode % 8));
+    return false;
+}
+
+bool LKeyChangeDialog(GtkWidget* parent, LKeyCode& keyCode) {
+    LKeyChangeDlg dialog;
+    if (!dialog.Run(parent))
+        return false;
+    keyCode = dialog.Key();
+    return true;
+}
