@@ -121,6 +121,9 @@ void MainDialog::InitDialog() {
 
 void MainDialog::EvShown() {
     tray_.Add(kTrayImage, "Lectora");
+    // Not in the way of a reading that is about to begin.
+    if (waitingFiles_.empty())
+        hotKeyOffer_.AskSoon(*this, [this] { HotkeysStart(); });
 }
 
 // Brings the window back; pressing again does not hide it.

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/hot_key_handler.h"
+#include "app/hot_key_offer.h"
 #include "app/long_lines.h"
 #include "app/original_text.h"
 #include "app/read_aloud.h"
@@ -92,6 +93,7 @@ private:
     bool speaking_ = false;
     bool loading_ = false;  // its dialog handles events
     bool settingWaitingFile_ = false;
+    HotKeyOffer hotKeyOffer_;
     int hotKeyCount_ = 0;
     int heldHotKey_ = -1;            // index, -1 for none
     int pressedHotKey_ = -1;         // what the idle source below will act on

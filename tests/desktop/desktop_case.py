@@ -2,6 +2,7 @@
 import contextlib
 import os
 import shutil
+import subprocess
 import sys
 import unittest
 
@@ -34,6 +35,11 @@ class DesktopCase(unittest.TestCase):
         path = os.path.join(desktop.HOME, name)
         with open(path, "wb") as file:
             file.write(content.encode() if isinstance(content, str) else content)
+        return path
+
+    def folder(self, name):
+        path = os.path.join(desktop.HOME, name)
+        os.mkdir(path)
         return path
 
     def store(self, section, **values):
@@ -91,6 +97,32 @@ class DesktopCase(unittest.TestCase):
     def spoken(self):
         """What the engine was asked to speak."""
         return [call for call in desktop.engine_calls() if call.startswith("text2wave")]
+
+    def give_keys(self, *keys):
+        """The hotkeys that are kept: (key code, command) of each; the first record is missing, as after a removal."""
+        folder = os.path.join(os.environ["LECTORA_ROOT"], "opt/quillon/lectora/etc/hotkey_")
+        shutil.rmtree(folder, ignore_errors=True)
+        os.makedirs(os.path.join(folder, "details_"), exist_ok=True)
+        with open(os.path.join(folder, "details"), "w") as file:
+            file.write(f"maxid={len(keys) + 1}\r\n")
+        for number, (code, command) in enumerate(keys, 1):
+            with open(os.path.join(folder, "details_", str(number)), "w") as file:
+                file.write(f"key={code}\r\ncommand={command}\r\n")
+
+    def select(self, text):
+        """Selects the text in another program."""
+        process = subprocess.Popen(["xclip", "-quiet", "-selection", "primary"],
+            stdin=subprocess.PIPE,
+            stderr=subprocess.DEVNULL)
+        self.addCleanup(process.kill)
+        process.stdin.write(text.encode())
+        process.stdin.close()
+        desktop.wait_until(
+            lambda: subprocess.run(
+                ["xclip", "-o", "-selection", "primary"], capture_output=True, text=True
+            ).stdout == text,
+            "the selection",
+        )
 
     def read_aloud(self, lectora):
         """Presses the button and gives back the stream that then played to its end."""

@@ -1,6 +1,4 @@
 """System-wide hotkeys: what is selected in another program is read and saved by one key."""
-import os
-import subprocess
 import unittest
 
 from desktop_case import DesktopCase, desktop
@@ -10,31 +8,6 @@ CONTROL_SHIFT, CONTROL_ALT = 5 << 16, 12 << 16
 
 
 class HotKeysTest(DesktopCase):
-    def give_keys(self, *keys):
-        """(key code, command) of each; the first record is missing, as after a removal."""
-        folder = os.path.join(os.environ["LECTORA_ROOT"], "opt/quillon/lectora/etc/hotkey_")
-        os.makedirs(os.path.join(folder, "details_"), exist_ok=True)
-        with open(os.path.join(folder, "details"), "w") as file:
-            file.write(f"maxid={len(keys) + 1}\r\n")
-        for number, (code, command) in enumerate(keys, 1):
-            with open(os.path.join(folder, "details_", str(number)), "w") as file:
-                file.write(f"key={code}\r\ncommand={command}\r\n")
-
-    def select(self, text):
-        """Selects the text in another program."""
-        process = subprocess.Popen(["xclip", "-quiet", "-selection", "primary"],
-            stdin=subprocess.PIPE,
-            stderr=subprocess.DEVNULL)
-        self.addCleanup(process.kill)
-        process.stdin.write(text.encode())
-        process.stdin.close()
-        desktop.wait_until(
-            lambda: subprocess.run(
-                ["xclip", "-o", "-selection", "primary"], capture_output=True, text=True
-            ).stdout == text,
-            "the selection",
-        )
-
     def test_the_selection_is_read_and_stopped_by_the_same_key_whatever_lock_is_on(self):
         self.give_keys((CONTROL_SHIFT | ord("R"), READ), (CONTROL_ALT | ord("U"), UPDATE))
         self.card.tell("speed 1")
@@ -61,9 +34,7 @@ class HotKeysTest(DesktopCase):
     def test_a_key_that_another_program_holds_harms_nobody(self):
         self.give_keys((CONTROL_SHIFT | ord("R"), READ))
         first = self.start()
-        home = os.path.join(desktop.HOME, "other")
-        os.mkdir(home)
-        other = self.start(HOME=home)
+        other = self.start(HOME=self.folder("other"))
         self.select("only once")
         desktop.press_keys("ctrl+shift+r")
         self.card.wait_for(self.card.next_stream(), "close")

@@ -164,8 +164,14 @@ class Card:
 class Lectora:
     """The real program. Ends with the object; what it left running is told by leftovers()."""
 
-    def __init__(self, *arguments, fake_engine=True, path=None, **environment):
+    def __init__(self, *arguments, fake_engine=True, path=None, asks=False, **environment):
+        """asks: whether the first start asks its question, as it does in a fresh home."""
         everything = dict(os.environ, **environment)
+        if not asks:
+            answers = os.path.join(everything["HOME"], ".quillon/lectora")
+            os.makedirs(answers, exist_ok=True)
+            with open(os.path.join(answers, "hotkeys"), "w") as file:
+                file.write("offered=1\r\n")
         if path is not None:
             everything["PATH"] = path
         if fake_engine:

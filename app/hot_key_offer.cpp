@@ -1,0 +1,67 @@
+#include "app/hot_key_offer.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/hot_key_handler.h"
+#include "app/hot_key_store.h"
+#include "app/settings_keys.h"
+#include "gui/message_box.h"
+
+namespace {
+
+// Desktops and programs leave most combinations of Ctrl and Alt with a letter alone.
+constexpr struct {
+    guint letter;
+    HotKeyCommand command;
+    const char* does;
+} kOffered[] = {{GDK_R, kHotKeyRead, "reads it aloud"},
+                {GDK_S, kHotKeySave, "saves it as speech"},
+                {GDK_U, kHotKeyUpdate, "puts it into Lectora's window"}};
+
+// With Shift when another program holds it without.
+LKeyCode FreeKey(guint letter) {
+    const LKeyCode key = kKeyControl | kKeyAlt | letter;
+    const bool isBetter =
+        TestHotKey(key) != HotKeyState::kFree && TestHotKey(key | kKeyShift) == HotKeyState::kFree;
+    return isBetter ? key | kKeyShift : key;
+}
+
+// False: the user does not want them, or they could not be stored, which the user is told.
+bool Ask(GtkWidget* parent) {
+    std::vector<StoredHotKey> hotKeys;
+    std::string explanation = "Select a text in any program, and press one key combination:\n\n";
+    for (const auto& offered : kOffered) {
+        hotKeys.push_back({-1, FreeKey(offered.letter), offered.command});
+        explanation += LKeyGetDescription(hotKeys.back().key) + " " + offered.does + ".\n";
+    }
+    explanation += "\nThey can be changed at any time in the options, on the page \"HotKeys\".";
+    const int answer =
+        MessageBoxRun(parent, GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, "Lectora",
+                      "Do you want to use Lectora from every program?", explanation.c_str());
+    kHotKeysOfferedSetting.Set(true);
+    if (answer != GTK_RESPONSE_YES)
+        return false;
+    bool areStored = true;
+    for (StoredHotKey& hotKey : hotKeys)
+        areStored = StoreHotKey(hotKey) && areStored;
+    if (!areStored)
+        MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "The hotkeys could not be kept.",
+                      "This computer's settings cannot be written.");
+    return areStored;
+}
+
+}  // namespace
+
+void HotKeyOffer::AskSoon(const LWindow& window, std::function<void()> taken) {
+    if (kHotKeysOfferedSetting.Get() || !LoadHotKeys().empty())
+        return;
+    timer_.Start(0, [&window, taken = std::move(taken)] {
+        if (window.IsOpen() && Ask(window.Widget()) && window.IsOpen())
+            taken();
+    });
+}

@@ -1,0 +1,19 @@
+// The question of the first start: whether the user wants a first set of system-wide hotkeys.
+#pragma once
+
+#include <functional>
+
+#include "gui/gui_timer.h"
+#include "gui/window.h"
+
+// GUI thread. The question goes with this object.
+class HotKeyOffer {
+public:
+    // Asks from the main loop, once in the user's life, unless there are hotkeys already. After a
+    // yes they are stored and taken is called. The window is borrowed; once it is closed, nobody is
+    // asked.
+    void AskSoon(const LWindow& window, std::function<void()> taken);
+
+private:
+    LGuiTimer timer_;
+};
