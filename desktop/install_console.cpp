@@ -6,15 +6,15 @@
 #include <string>
 
 #include "desktop/installation.h"
-#include "foundation/hosts.h"
-#include "foundation/machine_root.h"
+#include "desktop/uninstall_dialog.h"
 
 namespace {
 
-bool AskForSettings() {
+// No where nobody sits at the terminal.
+bool AskYesNo(const char* question) {
     if (::isatty(STDIN_FILENO) == 0)
         return false;
-    std::fputs("Remove the settings that Lectora keeps for all users, too? [y/N] ", stdout);
+    std::printf("%s [y/N] ", question);
     std::fflush(stdout);
     char answer[16] = {};
     return std::fgets(answer, sizeof answer, stdin) != nullptr &&
@@ -27,16 +27,25 @@ bool Tell(const std::string& trouble) {
     return trouble.empty();
 }
 
+class ConsoleTalk : public LUninstallTalk {
+public:
+    RemovalChoice AskChoice() override {
+        RemovalChoice choice;
+        choice.machineSettings =
+            AskYesNo("Remove the settings that Lectora keeps for all users, too?");
+        choice.usersData = AskYesNo("Remove every user's own settings, logs and last speech, too?");
+        return choice;
+    }
+    void TellTrouble(const std::string& trouble) override { Tell(trouble); }
+};
+
 }  // namespace
 
 bool RunInstallConsole() {
     const std::string tree = OwnTree();
     if (tree.empty())
-        return Tell(
-            "The files to install are not beside this program. Please run the copy that "
-            "stands in an unpacked installation.");
-    const std::string root = MachinePath("/");
-    if (tree == "/" ? root == "/" : tree + "/" == root) {
+        return Tell(kNoTreeText);
+    if (IsOwnTreeInPlace()) {
         std::puts("Lectora is installed already.");
         return true;
     }
@@ -46,14 +55,10 @@ bool RunInstallConsole() {
     return true;
 }
 
-bool UninstallDialog::Uninstall() {
-    return Tell(RemoveInstallation(AskForSettings()));
-}
-
-void RunUninstallConsole() {
-    if (UninstallDialog::Uninstall())
-        std::printf(
-            "Uninstall is complete. If you need to reinstall this software again you can "
-            "download it from %s\n\n",
-            WebAddress("").c_str());
+bool RunUninstallConsole() {
+    ConsoleTalk talk;
+    if (!UninstallDialog::Uninstall(talk))
+        return false;
+    std::printf("%s\n\n", UninstallDialog::CompleteText().c_str());
+    return true;
 }

@@ -3,13 +3,6 @@
 
 // Both print what they do and what went wrong; false when it did.
 bool RunInstallConsole();
-
-class UninstallDialog {
-public:
-    // Takes the program away. Where somebody sits at the terminal, they are asked whether the
-    // machine-wide settings shall go too; otherwise these stay.
-    static bool Uninstall();
-};
-
-// The same with a last word about where to get the program again.
-void RunUninstallConsole();
+// Asks what shall go with the program where somebody sits at the terminal; otherwise only the
+// program goes. With a last word about where to get it again.
+bool RunUninstallConsole();

@@ -12,8 +12,12 @@
 #include <system_error>
 #include <vector>
 
+#include "desktop/desktop_databases.h"
+#include "desktop/desktop_shortcut.h"
 #include "desktop/install_list.h"
 #include "desktop/start_on_login.h"
+#include "desktop/user_accounts.h"
+#include "desktop/users_data.h"
 #include "foundation/file.h"
 #include "foundation/file_io.h"
 #include "foundation/file_mask.h"
@@ -96,7 +100,8 @@ int CopyBeside(const std::string& from, const std::string& target) {
 // permission run out, and only then named.
 class Installer {
 public:
-    explicit Installer(std::string tree) : tree_(std::move(tree)) {}
+    Installer(std::string tree, const InstallProgress& progress)
+        : tree_(std::move(tree)), progress_(progress) {}
 
     std::string Run() {
         std::error_code error;
@@ -134,6 +139,12 @@ private:
         return std::string();
     }
 
+    // The files are written first and named then: two equal parts of the work.
+    double Fraction(const TreeEntry& entry, int part) const {
+        const auto index = static_cast<double>(&entry - entries_.data());
+        return (part + index / static_cast<double>(entries_.size())) / 2;
+    }
+
     std::string WriteBeside() {
         // What is listed may be there already or not yet: after a crash in the middle of this, all
         // of it can be taken away.
@@ -151,6 +162,8 @@ private:
                     placed_.AddFolder(entry.path);
                 continue;
             }
+            if (progress_ && !progress_(target, Fraction(entry, 0)))
+                return "The installation was stopped.";
             placed_.AddFile(entry.path);
             if (const int error = CopyBeside(tree_ + entry.path, target))
                 return Because(target, error);
@@ -168,6 +181,8 @@ private:
             const std::string target = MachinePath(entry.path);
             if (entry.isFolder)
                 continue;
+            if (progress_)
+                progress_(target, Fraction(entry, 1));  // too late to stop: half an update is none
             const bool isNew = !Exists(target);
             std::error_code isLink;
             const std::string written = target + kWrittenBeside;
@@ -213,6 +228,7 @@ private:
     }
 
     std::string tree_;
+    const InstallProgress& progress_;
     std::vector<TreeEntry> entries_;
     LInstallList before_;
     LInstallList placed_;
@@ -227,54 +243,105 @@ bool LockMachine(LLockFile& lock) {
     return lock.Lock(MachinePath("/opt/quillon/lectora/install.run").c_str());
 }
 
+constexpr const char* kBusy =
+    "The program's folder cannot be written, or another installation is running. Please run it as "
+    "root.";
+
+// Switching the start on login off prepares each home for switching it on. Folders that came into
+// being by that go again.
+void RemoveStartOnLogin() {
+    std::vector<std::string> missing;
+    for (const LUserAccount& account : LGetUsersAccounts()) {
+        const std::string folder = account.home + "/.config/autostart";
+        std::error_code error;
+        if (!account.home.empty() && !fs::exists(fs::symlink_status(folder, error)))
+            missing.push_back(folder);
+    }
+    SetAllUserRun(false);
+    for (const std::string& folder : missing)
+        ::rmdir(folder.c_str());
+}
+
+// What the list does not name, but the program has put somewhere for its users.
+void RemoveWhatUsersHave(RemovalChoice choice) {
+    RemoveStartOnLogin();
+    RemoveDesktopShortcuts();
+    if (choice.usersData)
+        RemoveUsersData();
+}
+
+std::string RemovePlacedFiles(const LInstallList& list) {
+    std::string trouble;
+    for (const std::string& path : list.Paths()) {
+        const std::string target = MachinePath(path);
+        if (!path.ends_with('/') && ::unlink(target.c_str()) != 0 && errno != ENOENT &&
+            trouble.empty())
+            trouble = Because(target, errno);
+    }
+    return trouble;
+}
+
 }  // namespace
 
-std::string InstallTree(const std::string& tree) {
+std::string InstallTree(const std::string& tree, const InstallProgress& progress) {
     LLockFile lock;
     if (!LockMachine(lock))
-        return "The program's folder cannot be written, or another installation is running. Please "
-               "run it as root.";
-    std::string trouble = Installer(tree).Run();
-    if (!trouble.empty())
+        return kBusy;
+    std::string trouble = Installer(tree, progress).Run();
+    if (!trouble.empty()) {
+        lock.Unlock();
+        RemoveEmptyFolders();
         return trouble;
+    }
     char settings[kTextBufferSize];
     LFile::GetSharedDataFolderApp(settings);
     MakeFolder(settings);
     LFile::SetFolderSecurityAllAccess(settings);  // all users share the machine-wide settings
+    RefreshDesktopDatabases();
     return std::string();
 }
 
-std::string RemoveInstallation(bool withSettings) {
+void RemoveEmptyFolders() {
+    if (IsInstalled())
+        return;
+    for (const char* folder : {"/opt/quillon/lectora/etc", kHome, "/opt/quillon"})
+        ::rmdir(MachinePath(folder).c_str());
+}
+
+bool IsInstalled() {
+    return LInstallList().Load();
+}
+
+std::string RemoveInstallation(RemovalChoice choice) {
     LInstallList list;
-    if (!list.Load())
-        return "Lectora has not been installed here.";
-    std::string trouble;
+    if (!list.Load()) {
+        std::error_code error;
+        return fs::exists(MachinePath("/var/lib/dpkg/info/lectora.list"), error)
+                   ? "Lectora came as a package of the system. Please remove it with: apt remove "
+                     "lectora"
+                   : "Lectora has not been installed here.";
+    }
     {
         LLockFile lock;
         if (!LockMachine(lock))
-            return "The program's folder cannot be written, or another installation is running. "
-                   "Please run it as root.";
-        SetAllUserRun(false);
-        // Backwards: what is in a folder goes before it.
-        for (auto path = list.Paths().rbegin(); path != list.Paths().rend(); ++path) {
-            const std::string target = MachinePath(*path);
-            if (!path->ends_with('/') && ::unlink(target.c_str()) != 0 && errno != ENOENT &&
-                trouble.empty())
-                trouble = Because(target, errno);
-        }
+            return kBusy;
+        RemoveWhatUsersHave(choice);
+        std::string trouble = RemovePlacedFiles(list);
         if (!trouble.empty())
             return trouble;  // the list stays, to try again
         ::unlink(LInstallList::Path().c_str());
     }
     char settings[kTextBufferSize];
     LFile::GetSharedDataFolderApp(settings);
-    if (withSettings)
+    if (choice.machineSettings)
         LFile::DeleteFolderTree(settings);
     ::rmdir(settings);
+    // Backwards: what is in a folder goes before it.
     for (auto path = list.Paths().rbegin(); path != list.Paths().rend(); ++path) {
         if (path->ends_with('/'))
             ::rmdir(MachinePath(*path).c_str());  // refuses what others put something into
     }
+    RefreshDesktopDatabases();
     return std::string();
 }
 
@@ -285,4 +352,10 @@ std::string OwnTree() {
         return std::string();
     const std::string tree = self.substr(0, self.size() - std::string_view(kProgram).size());
     return tree.empty() ? "/" : tree;
+}
+
+bool IsOwnTreeInPlace() {
+    const std::string tree = OwnTree();
+    const std::string root = MachinePath("/");
+    return tree == "/" ? root == "/" : tree + "/" == root;
 }

@@ -2,11 +2,16 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
 #include <map>
 
+#include "desktop/desktop_shortcut.h"
+#include "desktop/root_prompt.h"
+#include "desktop/watched_command.h"
 #include "foundation/lock_file.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
@@ -64,7 +69,7 @@ protected:
 };
 
 TEST_F(Installation, LeavesNothingBehindHoweverOftenItWasDone) {
-    EXPECT_NE(RemoveInstallation(false), "") << "nothing is installed yet";
+    EXPECT_NE(RemoveInstallation({}), "") << "nothing is installed yet";
     EXPECT_EQ(InstallTree(tree_.Path()), "");
     ExpectInstalled();
     const auto once = Everything();
@@ -77,18 +82,18 @@ TEST_F(Installation, LeavesNothingBehindHoweverOftenItWasDone) {
     EXPECT_EQ(InstallTree(tree_.Path()), "");
     ExpectInstalled();
     EXPECT_FALSE(root_.Has("opt/quillon/lectora/share/help/index.html"));
-    EXPECT_EQ(RemoveInstallation(false), "");
+    EXPECT_EQ(RemoveInstallation({}), "");
     EXPECT_EQ(Everything(), before_);
 
     EXPECT_EQ(InstallTree(tree_.Path()), "");
     root_.Write("opt/quillon/lectora/etc/hotkey", "key=1");
     root_.Write("usr/share/applications/theirs", "x");
-    EXPECT_EQ(RemoveInstallation(false), "");
+    EXPECT_EQ(RemoveInstallation({}), "");
     EXPECT_TRUE(root_.Has("opt/quillon/lectora/etc/hotkey")) << "settings stay unless asked for";
     EXPECT_TRUE(root_.Has("usr/share/applications/theirs"));
     EXPECT_FALSE(root_.Has("usr/share/applications/desktop"));
     EXPECT_EQ(InstallTree(tree_.Path()), "");
-    EXPECT_EQ(RemoveInstallation(true), "");
+    EXPECT_EQ(RemoveInstallation({.machineSettings = true}), "");
     EXPECT_FALSE(root_.Has("opt/quillon"));
 }
 
@@ -98,6 +103,7 @@ TEST_F(Installation, ChangesNothingWhenItCannotBeDoneWhole) {
     EXPECT_NE(InstallTree(tree_.Path()).find("has not placed it"), std::string::npos);
     EXPECT_EQ(root_.Read("usr/bin/lectora"), "somebody's own");
     fs::remove(root_ / "usr/bin/lectora");
+    fs::create_directories(root_ / "opt/quillon/lectora");
     LLockFile other;
     ASSERT_TRUE(other.Lock((root_ / "opt/quillon/lectora/install.run").c_str()));
     EXPECT_NE(InstallTree(tree_.Path()), "") << "another one is at it";
@@ -125,17 +131,144 @@ TEST_F(Installation, ChangesNothingWhenItCannotBeDoneWhole) {
                                       : trouble.find("as root") == std::string::npos;
                       }),
                       0);
-            if (!hasOlder) {
-                rmdir((root_ / "opt/quillon/lectora").c_str());
-                rmdir((root_ / "opt/quillon").c_str());
-            }
             EXPECT_EQ(Everything(), untouched) << full;
         }
     }
+    // The user stops it, at each step at which that may happen.
+    EXPECT_EQ(RemoveInstallation({}), "");
+    for (int step = 1, asked = step; asked >= step; ++step) {
+        asked = 0;
+        double last = -1;
+        const std::string trouble = InstallTree(tree_.Path(), [&](const std::string&, double done) {
+            EXPECT_GT(done, last);
+            last = done;
+            return ++asked != step;
+        });
+        EXPECT_EQ(trouble.empty(), Everything() != before_) << step;
+        RemoveInstallation({});
+        EXPECT_EQ(Everything(), before_);
+    }
     // A list edited into nonsense removes nothing outside what was placed.
+    fs::create_directories(root_ / "opt/quillon/lectora");
     root_.Write("opt/quillon/lectora/install.list", "/usr/../usr/bin/other\nusr/bin/other\n\n/\n");
-    EXPECT_EQ(RemoveInstallation(true), "");
+    EXPECT_EQ(RemoveInstallation({.machineSettings = true}), "");
     EXPECT_TRUE(root_.Has("usr/bin/other"));
+}
+
+TEST_F(Installation, TakesFromTheUsersWhatItPutThereAndTheirOwnDataOnlyWhenAsked) {
+    for (const char* folder : {"etc", "home/ada/Desktop", "home/bea/Bureau", "home/bea/.config",
+                               "home/bea/.quillon/other", "home/eve/.quillon/lectora/Logs",
+                               "home/bea/.quillon/lectora", "elsewhere/lectora", "home/mal"})
+        fs::create_directories(root_ / folder);
+    root_.Write("etc/passwd",
+                "ada:x:1:1::/home/ada:\nbea:x:2:2::/home/bea:\neve:x:3:3::/home/eve:\n"
+                "mal:x:4:4::/home/mal:\ngone:x:5:5::/home/gone:\nnone:x:6:6:::\n");
+    root_.Write("home/bea/.config/user-dirs.dirs",
+                "# XDG_DESKTOP_DIR=\"$HOME/no\"\nXDG_DESKTOP_DIR=\"$HOME/Bureau/\"\n");
+    const std::string entry = "[Desktop Entry]\nExec=lectora %F\n";
+    tree_.Write("usr/share/applications/lectora.desktop", entry);
+    // A user's links lead root nowhere.
+    root_.Write("elsewhere/lectora/precious", "p");
+    fs::create_symlink(root_ / "elsewhere", root_ / "home/mal/.quillon");
+    fs::create_symlink(root_ / "elsewhere", root_ / "home/eve/.quillon/lectora/link");
+    root_.Write("home/ada/speech.wav", "RIFF");
+    root_.Write("home/bea/.quillon/lectora/settings", "installed=1");
+    const auto before = Everything();
+    EXPECT_EQ(InstallTree(tree_.Path()), "");
+    for (const char* home : {"home/ada", "home/bea", "home/eve"}) {
+        const ScopedVariable variable("HOME", (root_ / home).c_str());
+        CreateDesktopShortcut();
+        CreateDesktopShortcut();
+    }
+    EXPECT_EQ(root_.Read("home/bea/Bureau/lectora.desktop"), entry);
+    const fs::perms mode = fs::status(root_ / "home/ada/Desktop/lectora.desktop").permissions();
+    EXPECT_EQ(mode & fs::perms::owner_all, fs::perms::owner_all) << "desktops start nothing else";
+    EXPECT_FALSE(root_.Has("home/eve/Desktop"));
+    EXPECT_EQ(RemoveInstallation({}), "");
+    EXPECT_EQ(Everything(), before);
+
+    EXPECT_EQ(InstallTree(tree_.Path()), "");
+    root_.Write("home/ada/Desktop/lectora.desktop", "[Desktop Entry]\nExec=their own\n");
+    const ScopedVariable home("HOME", (root_ / "home/ada").c_str());
+    EXPECT_EQ(RemoveInstallation({.usersData = true}), "");
+    EXPECT_TRUE(root_.Has("home/ada/Desktop/lectora.desktop"));
+    EXPECT_TRUE(root_.Has("elsewhere/lectora/precious"));
+    EXPECT_TRUE(root_.Has("home/bea/.quillon/other"));
+    for (const char* gone :
+         {"home/ada/speech.wav", "home/bea/.quillon/lectora", "home/eve/.quillon"})
+        EXPECT_FALSE(root_.Has(gone)) << gone;
+}
+
+TEST_F(Installation, RefreshesTheDatabasesThatTheMachineKeepsAndBeginsNone) {
+    fs::create_directories(root_ / "bin");
+    for (const char* program : {"update-desktop-database", "gtk-update-icon-cache"})
+        root_.WriteProgram(
+            std::string("bin/") + program,
+            "for word; do last=$word; done; echo \"${0##*/} $last\" >>" + (root_ / "said"));
+    const ScopedVariable path("PATH", (root_ / "bin:" + std::getenv("PATH")).c_str());
+    EXPECT_EQ(InstallTree(tree_.Path()), "");
+    EXPECT_FALSE(root_.Has("said"));
+    root_.Write("usr/share/applications/mimeinfo.cache", "[MIME Cache]\n");
+    EXPECT_EQ(RemoveInstallation({}), "");
+    EXPECT_EQ(root_.Read("said"),
+              "update-desktop-database " + (root_ / "usr/share/applications") + "\n");
+}
+
+TEST(RootPrompt, AsksThroughTheDesktopsOwnProgramAndPkexecLast) {
+    const ScratchFolder folder;
+    fs::create_directories(folder / "bin");
+    const ScopedVariable path("PATH", (folder / "bin").c_str());
+    const ScopedVariable display("DISPLAY", ":7");
+    const std::string program = folder.WriteProgram(
+        "it's a \"$program\"", "echo \"${DISPLAY-none} $1\" >>" + (folder / "said"));
+    const std::pair<const char*, const char*> programs[] = {{"pkexec", "unset DISPLAY; \"$@\""},
+                                                            {"gksu", "/bin/sh -c \"$1\""},
+                                                            {"kdesu", "/bin/sh -c \"$2\""}};
+    fs::create_symlink("/usr/bin/env", folder / "bin/env");
+    const ScopedVariable kde("KDE_FULL_SESSION", nullptr);
+    EXPECT_EQ(RootPromptCommand({program}), "") << "nobody can ask";
+    for (const auto& [name, script] : programs) {
+        const std::string note = "echo ${0##*/} >>" + (folder / "said") + "\n";
+        folder.WriteProgram(std::string("bin/") + name, note + script);
+        EXPECT_EQ(RunShellCommand(RootPromptCommand({program, "a 'word'"}).c_str()), 0);
+    }
+    const ScopedVariable inKde("KDE_FULL_SESSION", "true");
+    EXPECT_EQ(RunShellCommand(RootPromptCommand({program, "kde"}).c_str()), 0);
+    EXPECT_EQ(folder.Read("said"),
+              "pkexec\nnone a 'word'\ngksu\nnone a 'word'\ngksu\nnone a 'word'\nkdesu\nnone kde\n");
+}
+
+TEST(WatchedCommand, TellsItsLastLineAndGoesOnWhenNobodyWatches) {
+    const ScratchFolder folder;
+    const std::tuple<std::string, LProcessResult, std::string> cases[] = {
+        {"echo one; echo two >&2", kProcessDone, "two"},
+        {"read word; echo \"$word.\"; exit 3", kProcessFailed, "."},
+        {"printf half", kProcessDone, ""},
+        {"no-such-program", kProcessFailed, "/bin/sh: 1: no-such-program: not found"},
+    };
+    for (const auto& [command, result, line] : cases) {
+        LSilentProgress progress;
+        LWatchedCommand watched;
+        ASSERT_TRUE(watched.Start(command));
+        EXPECT_EQ(Process(progress, watched), result) << command;
+        EXPECT_EQ(watched.LastLine(), line);
+    }
+    struct Stopped : LSilentProgress {
+        LProcessResult ProcessWait(unsigned int) { return kProcessStopped; }
+    };
+    const std::string go = folder / "go";
+    ASSERT_EQ(::mkfifo(go.c_str(), 0600), 0);
+    EXPECT_EQ(
+        RunForked([&] {
+            Stopped progress;
+            LWatchedCommand watched;
+            watched.Start("read word <" + go + "; echo said; echo $word >" + (folder / "end"));
+            return Process(progress, watched) == kProcessStopped ? 0 : 1;
+        }),
+        0);
+    std::ofstream(go) << "word\n";
+    while (folder.Read("end") != "word\n")
+        ::usleep(1000);
 }
 
 }  // namespace

@@ -1,0 +1,20 @@
+#include "desktop/root_prompt.h"
+
+#include <cstdlib>
+
+#include "desktop/shell_words.h"
+#include "foundation/child_process.h"
+
+std::string RootPromptCommand(const std::vector<std::string>& words) {
+    std::string command;
+    for (const std::string& word : words)
+        command += (command.empty() ? "" : " ") + ShellQuoted(word);
+    const bool inKde = std::getenv("KDE_FULL_SESSION") != nullptr;
+    // These two hand the display on, and the program would open a window as root.
+    const std::string withoutDisplay = ShellQuoted("env -u DISPLAY " + command);
+    if (inKde && IsProgramInstalled("kdesu"))
+        return "kdesu -c " + withoutDisplay;
+    if (!inKde && IsProgramInstalled("gksu"))
+        return "gksu " + withoutDisplay;
+    return IsProgramInstalled("pkexec") ? "pkexec " + command : std::string();
+}

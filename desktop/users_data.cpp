@@ -1,0 +1,45 @@
+#include "desktop/users_data.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <system_error>
+
+#include "desktop/user_accounts.h"
+#include "foundation/machine_root.h"
+#include "foundation/unique_fd.h"
+
+namespace {
+
+// Root works in folders whose owners may exchange them for links meanwhile: each step goes from an
+// open folder, and the removal of a tree does so as well.
+void RemoveDataIn(const std::string& home) {
+    const UniqueFd homeFolder(::open(home.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!homeFolder.IsOpen())
+        return;
+    for (const char* file : {"speech.wav", ".Lectora.runonce"})
+        ::unlinkat(homeFolder.Get(), file, 0);
+    const UniqueFd maker(
+        ::openat(homeFolder.Get(), ".quillon", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!maker.IsOpen())
+        return;
+    std::error_code ignored;
+    std::filesystem::remove_all("/proc/self/fd/" + std::to_string(maker.Get()) + "/lectora",
+                                ignored);
+    ::unlinkat(homeFolder.Get(), ".quillon", AT_REMOVEDIR);  // refuses while others are in it
+}
+
+}  // namespace
+
+void RemoveUsersData() {
+    std::set<std::string> homes{HomeFolder()};
+    for (const LUserAccount& account : LGetUsersAccounts()) {
+        if (!account.home.empty())
+            homes.insert(account.home);
+    }
+    for (const std::string& home : homes)
+        RemoveDataIn(home);
+}

@@ -1,0 +1,63 @@
+#include "desktop/watched_command.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+#include "foundation/file_io.h"
+
+namespace {
+
+constexpr std::int64_t kEndOfOutput = 1000;  // bytes that hold the last line
+
+// The last line that is not empty and has ended.
+std::string LastLineOf(int file) {
+    const std::int64_t size = FileSize(file);
+    const std::int64_t start = std::max<std::int64_t>(0, size - kEndOfOutput);
+    std::string text(static_cast<std::size_t>(size - start), '\0');
+    text.resize(ReadFullyAt(file, text.data(), text.size(), start));
+    std::string_view lines = text;
+    lines = lines.substr(0, lines.find_last_of("\r\n") + 1);
+    while (!lines.empty() && (lines.back() == '\r' || lines.back() == '\n'))
+        lines.remove_suffix(1);
+    return std::string(lines.substr(lines.find_last_of("\r\n") + 1));
+}
+
+}  // namespace
+
+LWatchedCommand::~LWatchedCommand() {
+    child_.Release();
+}
+
+bool LWatchedCommand::Start(const std::string& command) {
+    char path[] = "/tmp/lectora-said-XXXXXX";
+    output_.Reset(::mkostemp(path, O_CLOEXEC));
+    LPipePair pipe = LPipePair::Make();
+    if (!output_.IsOpen() || !pipe.IsOpen())
+        return false;
+    ::unlink(path);
+    LChildStreams streams;
+    streams.input = pipe.readEnd.Get();
+    streams.output = output_.Get();
+    child_ = LChildProcess::StartShell(
+        ("exec 3<&0 </dev/null 2>&1; { " + command + "\n} 3<&-; exit $?").c_str(), streams);
+    alive_ = std::move(pipe.writeEnd);
+    return child_.IsStarted();
+}
+
+bool LWatchedCommand::HasEnded() {
+    lastLine_ = LastLineOf(output_.Get());
+    if (!alive_.IsOpen())
+        return true;
+    pollfd watched{alive_.Get(), 0, 0};
+    if (::poll(&watched, 1, 0) <= 0)
+        return false;
+    alive_.Reset();
+    status_ = child_.Wait();
+    lastLine_ = LastLineOf(output_.Get());
+    return true;
+}
