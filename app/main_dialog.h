@@ -12,6 +12,7 @@
 #include "app/spoken_highlight.h"
 #include "app/tray_icon.h"
 #include "app/voice_choice.h"
+#include "desktop/desktop_shortcut.h"
 #include "gui/main_window.h"
 
 // Lives for the whole run. GUI thread.
@@ -28,6 +29,7 @@ public:
     // load and read. A file that cannot be loaded is skipped.
     void EvRunArguments(const char* const* arguments, int count) override;
 
+    void OnFirstRun() override { CreateDesktopShortcut(); }
     void InitDialog() override;
     void DestroyDialog() override;
     void LayoutControls(int width, int height) override;

@@ -12,10 +12,16 @@
 
 #include "app/main_dialog.h"
 #include "app/run_once.h"
+#include "desktop/dialogs/install_wizard.h"
+#include "desktop/dialogs/uninstall_wizard.h"
 #include "desktop/install_console.h"
+#include "desktop/user_accounts.h"
+#include "foundation/child_process.h"
 #include "foundation/crash_handler.h"
 #include "foundation/file.h"
+#include "foundation/machine_root.h"
 #include "foundation/text_buffer.h"
+#include "gui/message_box.h"
 
 int gargc = 0;
 char** gargv = nullptr;
@@ -29,6 +35,13 @@ void SilenceLibraries() {
     const char* const domains[] = {nullptr, "Glib", "ALSA", "Gtk", "Gdk"};
     for (const char* domain : domains)
         g_log_set_handler(domain, static_cast<GLogLevelFlags>(255), GLIBLogFunc, nullptr);
+}
+
+constexpr const char* kInstall = "-install";
+constexpr const char* kUninstall = "-uninstall";
+
+bool IsFirst(const char* word, int count, const char* const* arguments) {
+    return count > 1 && std::strcmp(arguments[1], word) == 0;
 }
 
 struct HandOverTarget {
@@ -47,6 +60,15 @@ gboolean RunHandedOver(gpointer user) {
     for (std::string& argument : handed->arguments)
         pointers.push_back(argument.data());
     const int count = static_cast<int>(pointers.size());
+    for (const char* word : {kInstall, kUninstall}) {
+        if (IsFirst(word, count, pointers.data())) {
+            MessageBoxRun(handed->window.Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Lectora",
+                          "Lectora is running",
+                          "Please end it first: choose Exit in the menu \"Lectora\". Then start "
+                          "the installation or removal again.");
+            return FALSE;
+        }
+    }
     handed->window.EvRunArguments(pointers.data(), count);
     // Also when EvRunArguments did so: a start without arguments always brings the window back.
     if (count < 2)
@@ -106,6 +128,20 @@ void MakeCorruptInstallBox() {
     g_signal_connect(box, "response", G_CALLBACK(gtk_widget_destroy), nullptr);
 }
 
+void UninstallInWindow() {
+    if (!LIsUserRoot()) {
+        std::fputs("Please remove Lectora as root: sudo lectora -uninstall\n", stderr);
+        return;
+    }
+    RemovalChoice choice;
+    if (!RunUninstallWizard(choice))
+        return;
+    LUninstallWindowTalk talk(choice);
+    if (UninstallDialog::Uninstall(talk))
+        MessageBoxRun(nullptr, GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Uninstall Complete",
+                      (UninstallDialog::CompleteText() + ".").c_str(), nullptr);
+}
+
 bool IsNamedSetup(const char* program) {
     char name[kTextBufferSize];
     LFile::_GetFileFromPath(name, program);
@@ -125,9 +161,9 @@ int RunLectora(int argc, char** argv) {
             std::puts("You must have a display manager running to use this program.");
             return -1;
         }
-        if (std::strcmp(argv[1], "-install") == 0)
+        if (IsFirst(kInstall, argc, argv))
             return RunInstallConsole() ? 0 : 1;
-        if (std::strcmp(argv[1], "-uninstall") == 0) {
+        if (IsFirst(kUninstall, argc, argv)) {
             RunUninstallConsole();
             return 0;
         }
@@ -148,6 +184,17 @@ int RunLectora(int argc, char** argv) {
     if (claim == RunOnceSocket::Claim::kBusy) {
         std::fputs("Lectora is running but does not answer; please try again.\n", stderr);
         return 1;
+    }
+    if (IsFirst(kInstall, gargc, gargv)) {
+        if (RunInstallWizard()) {
+            socket.Close();  // or the new one would hand over to this one
+            StartShellCommand(MachinePath("/usr/bin/lectora").c_str());
+        }
+        return 0;
+    }
+    if (IsFirst(kUninstall, gargc, gargv)) {
+        UninstallInWindow();
+        return 0;
     }
     if (gargc > 0 && IsNamedSetup(gargv[0])) {
         MakeCorruptInstallBox();
