@@ -3,9 +3,9 @@
 
 #include <gtk/gtk.h>
 
-// The name that a screen reader speaks for the widget; the text is copied.
+// The name that a screen reader speaks for the widget; the text is copied. The entry of a combo box
+// is what takes the focus, so it gets the name too.
 void SetAccessibleName(GtkWidget* widget, const char* name);
 
 // Makes the label speak for the widget: label-for relation, mnemonic target and accessible name.
-// For a combo box with an entry, the entry is what takes the focus, so it gets the name too.
 void LabelWidget(GtkWidget* label, GtkWidget* widget);

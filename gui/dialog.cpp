@@ -28,10 +28,10 @@ void GiveGrabBack(GtkWidget* dialog) {
 
 }  // namespace
 
-GtkWidget* GenerateTable(LDialog& dialog, void (*generator)(LDialogGenContext& context)) {
+GtkWidget* GenerateTable(LDialog& dialog, const LDialog::OpenGenData& genData) {
     GtkWidget* table = gtk_table_new(kTableRows, kTableColumns, FALSE);
-    LDialogGenContext context(dialog, table);
-    generator(context);
+    LDialogGenContext context(dialog, table, genData.title);
+    genData.generator(context);
     context.Finalize();
     return table;
 }
@@ -59,7 +59,7 @@ void LDialog::Build(GtkWidget* parent, const OpenGenData& genData) {
     gtk_window_set_resizable(GTK_WINDOW(window), FALSE);
     AttachWidget(window);
 
-    GtkWidget* table = GenerateTable(*this, genData.generator);
+    GtkWidget* table = GenerateTable(*this, genData);
     CreateAccelerators();
     GtkWidget* content = gtk_dialog_get_content_area(GTK_DIALOG(window));
     gtk_box_pack_start(GTK_BOX(content), table, TRUE, TRUE, 0);

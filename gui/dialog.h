@@ -34,4 +34,4 @@ private:
 };
 
 // A table filled by the generator, floating; the controls are registered in the dialog.
-GtkWidget* GenerateTable(LDialog& dialog, void (*generator)(LDialogGenContext& context));
+GtkWidget* GenerateTable(LDialog& dialog, const LDialog::OpenGenData& genData);

@@ -32,7 +32,8 @@ void ShrinkTable(GtkWidget* table, unsigned int rows) {
 
 }  // namespace
 
-LDialogGenContext::LDialogGenContext(LDialog& dialog, GtkWidget* rootTable) : dialog_(dialog) {
+LDialogGenContext::LDialogGenContext(LDialog& dialog, GtkWidget* rootTable, const char* title)
+    : dialog_(dialog), title_(title) {
     Push(rootTable, Kind::kRootTable);
 }
 

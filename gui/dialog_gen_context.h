@@ -2,7 +2,8 @@
 //
 // Each call makes a widget, places it in the current container and registers it under its id in the
 // dialog. A label made beside a control goes under id + 1 and speaks for the control to screen
-// readers. Id -1 stands for widgets that are never addressed. Containers form a stack: every
+// readers. What has no label is named after its group, else after the dialog; `name` says it
+// better. Id -1 stands for widgets that are never addressed. Containers form a stack: every
 // Start... and AddGroup has its End. Sizes are pixels; texts are plain.
 #pragma once
 
@@ -14,7 +15,8 @@ class LDialog;
 
 class LDialogGenContext {
 public:
-    LDialogGenContext(LDialog& dialog, GtkWidget* rootTable);
+    // The title, borrowed, names what nothing else names.
+    LDialogGenContext(LDialog& dialog, GtkWidget* rootTable, const char* title);
     LDialogGenContext(const LDialogGenContext&) = delete;
     LDialogGenContext& operator=(const LDialogGenContext&) = delete;
 
@@ -52,13 +54,13 @@ public:
     void AddInput(int id, const char* text, int width = 0);
     void AddInputPassword(int id, const char* text, int width = 0);
     void AddInputUpDown(int id, const char* text);  // range: LWindow::UDInit
-    void AddEdit(int id, const char* text, int height = 0);
-    void AddEditReadOnly(int id, const char* text, int height = 0);
+    void AddEdit(int id, const char* text, int height = 0, const char* name = nullptr);
+    void AddEditReadOnly(int id, const char* text, int height = 0, const char* name = nullptr);
     void AddPullDownList(int id, const char* text, int width = 0);
     void AddPullDownList(int id);
     void AddComboBox(int id, const char* text, int width = 0);
     void AddComboBox(int id);
-    void AddList(int id, int height);  // its scrolled window is id + 1
+    void AddList(int id, int height, const char* name = nullptr);  // its scrolled window: id + 1
     void AddButton(int id, const char* text, int align = 0, int width = 0, int height = 0);
     void AddCheckBox(int id, const char* text, int width = 0);
     void AddRadioButtonGroup(int id, const char* text);
@@ -94,12 +96,15 @@ private:
     void PopBox();
     void AttachContainer(GtkWidget* widget, GtkAttachOptions horizontal, unsigned int padding);
     void AddLabelled(GtkWidget* control, int id, const char* text);
-    void AddEditWidget(int id, const char* text, int height, bool readOnly);
+    void NameUnlabelled(GtkWidget* control, const char* name);
+    void AddUnlabelled(GtkWidget* control, int id);
+    void AddEditWidget(int id, const char* text, int height, bool readOnly, const char* name);
     GtkWidget* FindButtonBox();
     void SetUpActionButton(GtkWidget* button, const char* label, bool noHelp, bool noCancel,
                            bool noOk);
 
     LDialog& dialog_;
+    const char* title_;
     int indent_ = 1;
     GtkWidget* radioGroup_ = nullptr;  // first button of the current group
     std::vector<Frame> containers_;    // innermost last; never empty

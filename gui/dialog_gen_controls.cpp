@@ -1,3 +1,5 @@
+#include <gdk/gdkkeysyms.h>
+
 #include "gui/accessible.h"
 #include "gui/control_factory.h"
 #include "gui/date_time_picker.h"
@@ -17,6 +19,31 @@ constexpr int kTitleWidth = 400;
 
 GtkWidget* NewLabel(const char* text) {
     return gtk_label_new(DisplayText(text).c_str());
+}
+
+// GTK's own scroll bar cannot be used from the keyboard.
+gboolean GCScrollBarKey(GtkWidget* bar, GdkEventKey* event, gpointer) {
+    constexpr struct {
+        guint key;
+        GtkScrollType step;
+    } kSteps[] = {
+        {GDK_KEY_Left, GTK_SCROLL_STEP_LEFT},    {GDK_KEY_Right, GTK_SCROLL_STEP_RIGHT},
+        {GDK_KEY_Page_Up, GTK_SCROLL_PAGE_LEFT}, {GDK_KEY_Page_Down, GTK_SCROLL_PAGE_RIGHT},
+        {GDK_KEY_Home, GTK_SCROLL_START},        {GDK_KEY_End, GTK_SCROLL_END}};
+    for (const auto& step : kSteps) {
+        if (step.key == event->keyval) {
+            g_signal_emit_by_name(bar, "move-slider", step.step);
+            return TRUE;
+        }
+    }
+    return FALSE;
+}
+
+GtkWidget* NewScrollBar() {
+    GtkWidget* bar = gtk_hscrollbar_new(nullptr);
+    gtk_widget_set_can_focus(bar, TRUE);
+    g_signal_connect(bar, "key-press-event", G_CALLBACK(GCScrollBarKey), nullptr);
+    return bar;
 }
 
 }  // namespace
@@ -73,6 +100,19 @@ void LDialogGenContext::AddLabelled(GtkWidget* control, int id, const char* text
     AddSpanRight(control, id);
 }
 
+// A screen reader must have something to call everything that takes the focus.
+void LDialogGenContext::NameUnlabelled(GtkWidget* control, const char* name) {
+    for (auto frame = containers_.rbegin(); name == nullptr && frame != containers_.rend(); ++frame)
+        if (frame->kind == Kind::kGroup)
+            name = gtk_frame_get_label(GTK_FRAME(gtk_widget_get_parent(frame->container)));
+    SetAccessibleName(control, DisplayText(name != nullptr ? name : title_).c_str());
+}
+
+void LDialogGenContext::AddUnlabelled(GtkWidget* control, int id) {
+    NameUnlabelled(control, nullptr);
+    AddSpanFull(control, id);
+}
+
 void LDialogGenContext::AddInput(int id, const char* text, int width) {
     GtkWidget* entry = gtk_entry_new();
     AddLabelled(entry, id, text);
@@ -93,22 +133,24 @@ void LDialogGenContext::AddInputUpDown(int id, const char* text) {
     AddLabelled(gtk_spin_button_new_with_range(0, 100, 1), id, text);
 }
 
-void LDialogGenContext::AddEditWidget(int id, const char* text, int height, bool readOnly) {
+void LDialogGenContext::AddEditWidget(int id, const char* text, int height, bool readOnly,
+                                      const char* name) {
     const LEditWidgets edit = NewEdit(readOnly, GTK_POLICY_AUTOMATIC);
     gtk_text_view_set_border_window_size(GTK_TEXT_VIEW(edit.textView), GTK_TEXT_WINDOW_BOTTOM, 10);
     if (height > 0)
         gtk_widget_set_size_request(edit.scrolledWindow, -1, height);
     AddSpanFull(edit.scrolledWindow, -1);
+    NameUnlabelled(edit.textView, name);
     dialog_.SetControlID(edit.textView, id);
     dialog_.SetEditText(id, text);
 }
 
-void LDialogGenContext::AddEdit(int id, const char* text, int height) {
-    AddEditWidget(id, text, height, false);
+void LDialogGenContext::AddEdit(int id, const char* text, int height, const char* name) {
+    AddEditWidget(id, text, height, false, name);
 }
 
-void LDialogGenContext::AddEditReadOnly(int id, const char* text, int height) {
-    AddEditWidget(id, text, height, true);
+void LDialogGenContext::AddEditReadOnly(int id, const char* text, int height, const char* name) {
+    AddEditWidget(id, text, height, true, name);
 }
 
 void LDialogGenContext::AddPullDownList(int id, const char* text, int width) {
@@ -119,7 +161,7 @@ void LDialogGenContext::AddPullDownList(int id, const char* text, int width) {
 }
 
 void LDialogGenContext::AddPullDownList(int id) {
-    AddSpanFull(NewDropDownList(), id);
+    AddUnlabelled(NewDropDownList(), id);
 }
 
 void LDialogGenContext::AddComboBox(int id, const char* text, int width) {
@@ -130,10 +172,10 @@ void LDialogGenContext::AddComboBox(int id, const char* text, int width) {
 }
 
 void LDialogGenContext::AddComboBox(int id) {
-    AddSpanFull(NewComboBox(), id);
+    AddUnlabelled(NewComboBox(), id);
 }
 
-void LDialogGenContext::AddList(int id, int height) {
+void LDialogGenContext::AddList(int id, int height, const char* name) {
     GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
     GtkWidget* list = gtk_tree_view_new();
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
@@ -143,6 +185,7 @@ void LDialogGenContext::AddList(int id, int height) {
     gtk_container_add(GTK_CONTAINER(scrolled), list);
     Place(scrolled, 0, 2);
     ++Top().row;
+    NameUnlabelled(list, name);
     dialog_.SetCompanionID(scrolled, id + 1);
     dialog_.SetControlID(list, id);
 }
@@ -180,15 +223,15 @@ void LDialogGenContext::AddRadioButton(int id, const char* text) {
 }
 
 void LDialogGenContext::AddScrollBar(int id, const char* text) {
-    AddLabelled(gtk_hscrollbar_new(nullptr), id, text);
+    AddLabelled(NewScrollBar(), id, text);
 }
 
 void LDialogGenContext::AddScrollBar(int id) {
-    AddSpanFull(gtk_hscrollbar_new(nullptr), id);
+    AddUnlabelled(NewScrollBar(), id);
 }
 
 void LDialogGenContext::AddProgressBar(int id) {
-    AddSpanFull(gtk_progress_bar_new(), id);
+    AddUnlabelled(gtk_progress_bar_new(), id);
 }
 
 void LDialogGenContext::AddDBEdit(int id, const char* text) {
@@ -200,6 +243,7 @@ void LDialogGenContext::AddDBEdit(int id, const char* text) {
 
 void LDialogGenContext::AddDBEdit(int id) {
     GtkWidget* box = LDBEdit::CreateControl();
+    LDBEdit::SetName(box, "Level");
     LDBEdit::Init(id, box);
     AddSpanFull(box, id);
 }

@@ -29,7 +29,7 @@ GtkWidget* LPropertySheet::Build(GtkWidget* parent, const char* title) {
 
     notebook_ = gtk_notebook_new();
     for (const Page& page : pages_) {
-        GtkWidget* table = GenerateTable(*page.page, page.genData.generator);
+        GtkWidget* table = GenerateTable(*page.page, page.genData);
         page.page->AttachWidget(window, true);
         gtk_notebook_append_page(GTK_NOTEBOOK(notebook_), table,
                                  gtk_label_new(DisplayText(page.genData.title).c_str()));

@@ -27,7 +27,7 @@ void LWizard::AddPageTable(const Page& page) {
     g_free(markup);
     gtk_misc_set_alignment(GTK_MISC(headline), 0.0F, 0.5F);
     gtk_misc_set_padding(GTK_MISC(headline), 8, 8);
-    GtkWidget* table = GenerateTable(*page.page, page.genData.generator);
+    GtkWidget* table = GenerateTable(*page.page, page.genData);
     page.page->AttachWidget(window_, true);
     GtkWidget* box = gtk_vbox_new(FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), headline, FALSE, FALSE, 0);
