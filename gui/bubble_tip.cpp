@@ -127,7 +127,9 @@ bool LBubbleTip::ShowNotification(const char* title, const char* text) {
 void LBubbleTip::ShowPopUp(GtkWidget* control, const char* title, const char* text) {
     popUp_ = gtk_window_new(GTK_WINDOW_POPUP);
     gtk_window_set_type_hint(GTK_WINDOW(popUp_), GDK_WINDOW_TYPE_HINT_NOTIFICATION);
-    atk_object_set_role(gtk_widget_get_accessible(popUp_), ATK_ROLE_ALERT);
+    // A screen reader says what comes up in this role, and only in this, although the focus is
+    // elsewhere.
+    atk_object_set_role(gtk_widget_get_accessible(popUp_), ATK_ROLE_NOTIFICATION);
     SetAccessibleName(popUp_, DisplayText(text).c_str());
     gtk_container_add(GTK_CONTAINER(popUp_), NewTipContent(title, text));
     gtk_widget_add_events(popUp_, GDK_BUTTON_PRESS_MASK);
