@@ -1,10 +1,13 @@
 #include "gui/progress_dialog.h"
 
+#include <glib-unix.h>
+
 #include <algorithm>
 
 #include "gui/accessible.h"
 #include "gui/dialog_frame.h"
 #include "gui/display_text.h"
+#include "gui/gui_timer.h"
 #include "gui/minimum_size.h"
 
 namespace {
@@ -55,6 +58,8 @@ void LProgressDialog::Build(GtkWidget* parent) {
     secondLabel_ = Pack(content, gtk_label_new(""), 12);
     bar_ = Pack(content, gtk_progress_bar_new(), 16);
     SetAccessibleName(bar_, title_);
+    // A screen reader takes labels of a word or two for captions and says nothing of them.
+    atk_object_set_description(gtk_widget_get_accessible(window), DisplayText(title_).c_str());
     gtk_widget_show_all(content);
     SetMinimumSize(window, 300, 110);
     gtk_widget_show_all(window);
@@ -86,13 +91,35 @@ void LProgressDialog::SetFraction(double fraction) {
     Pump();
 }
 
+void LProgressDialog::Turn(bool wait) {
+    // Outside any main loop GTK always reports a quit; files named on the command line are read
+    // there.
+    if (gtk_main_iteration_do(wait) && gtk_main_level() > 0)
+        stop_ = true;
+}
+
 bool LProgressDialog::Pump() {
-    while (!stop_ && gtk_events_pending()) {
-        // Outside any main loop GTK always reports a quit; files named on the command line are
-        // read there.
-        if (gtk_main_iteration_do(FALSE) && gtk_main_level() > 0)
-            stop_ = true;
-    }
+    while (!stop_ && gtk_events_pending())
+        Turn(false);
+    return stop_;
+}
+
+// A screen reader asks dozens of questions about a window before it says a word; answered only
+// between two steps, they would leave its user in silence for half a minute.
+bool LProgressDialog::WaitStep(LSignalObjectRef signal) {
+    bool over = false;
+    LGuiTimer timer;
+    timer.Start(kWaitStepMs, [&over] { over = true; });
+    const guint watch = g_unix_fd_add(
+        signal.ReadFd(), G_IO_IN,
+        [](gint, GIOCondition, gpointer flag) -> gboolean {
+            *static_cast<bool*>(flag) = true;
+            return G_SOURCE_CONTINUE;
+        },
+        &over);
+    while (!over && !stop_)
+        Turn(true);
+    g_source_remove(watch);
     return stop_;
 }
 
@@ -103,9 +130,9 @@ bool LProgressDialog::IsToStop() {
 LProcessResult LProgressDialog::ProcessWaitSignal(LSignalObjectRef signal,
                                                   unsigned int milliseconds) {
     for (;; milliseconds -= kWaitStepMs) {
-        if (Pump())
+        if (Pump() || WaitStep(signal))
             return kProcessStopped;
-        if (signal.WaitSignal(kWaitStepMs))
+        if (signal.IsSignaled())
             return kProcessDone;
         if (milliseconds <= kWaitStepMs)
             return kProcessFailed;
@@ -113,13 +140,9 @@ LProcessResult LProgressDialog::ProcessWaitSignal(LSignalObjectRef signal,
 }
 
 LProcessResult LProgressDialog::ProcessWait(unsigned int milliseconds) {
-    for (;; milliseconds -= kWaitStepMs) {
-        if (Pump())
-            return kProcessStopped;
-        g_usleep(kWaitStepMs * 1000);
-        if (milliseconds <= kWaitStepMs)
-            return kProcessDone;
-    }
+    const bool timeIsUp =
+        ProcessWaitSignal(LSignalObjectRef(), milliseconds) == kProcessFailed;  // never signalled
+    return timeIsUp ? kProcessDone : kProcessStopped;
 }
 
 static_assert(LProgress<LProgressDialog>);

@@ -25,9 +25,10 @@ public:
     void SetFraction(double fraction);
     // Also true when the main loop is asked to quit.
     bool IsToStop();
-    // In steps of 75 ms; running out of time is kProcessFailed.
+    // In steps of 75 ms, during which events are handled as they come; running out of time is
+    // kProcessFailed.
     LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds);
-    // In steps of 75 ms; running out of time is kProcessDone.
+    // Likewise; running out of time is kProcessDone.
     LProcessResult ProcessWait(unsigned int milliseconds);
 
 protected:
@@ -37,7 +38,9 @@ private:
     static void GCStop(GtkDialog* dialog, gint response, gpointer host);
     static gboolean GCDelete(GtkWidget* widget, GdkEvent* event, gpointer host);
     void Build(GtkWidget* parent);
-    bool Pump();  // handles pending events; true once the work is to stop
+    void Turn(bool wait);  // one turn of the main loop
+    bool Pump();           // handles pending events; true once the work is to stop
+    bool WaitStep(LSignalObjectRef signal);  // until signalled, 75 ms at most; true as Pump
 
     const char* title_;
     // Owned by the dialog window, null while it is not shown.
