@@ -64,7 +64,11 @@ public:
     }
     void CmHelp() override { calls += "help "; }
     void EnableControls() override { ++enableCalls; }
-    void Command(int command) override { commands.push_back(command); }
+    void Command(int command) override {
+        commands.push_back(command);
+        if (onCommand)
+            onCommand(command);
+    }
 
     std::string calls;
     std::vector<int> commands;
@@ -72,6 +76,7 @@ public:
     std::vector<bool> okAnswers;  // taken from the front; true when there is none left
     std::vector<bool> cancelAnswers;
     std::function<void()> onInit;
+    std::function<void(int)> onCommand;
 
 private:
     static bool Answer(std::vector<bool>& answers) {

@@ -164,7 +164,15 @@ class Card:
 class Lectora:
     """The real program. Ends with the object; what it left running is told by leftovers()."""
 
-    def __init__(self, *arguments, fake_engine=True, path=None, asks=False, **environment):
+    def __init__(
+        self,
+        *arguments,
+        program="lectora",
+        fake_engine=True,
+        path=None,
+        asks=False,
+        **environment,
+    ):
         """asks: whether the first start asks its question, as it does in a fresh home."""
         everything = dict(os.environ, **environment)
         if not asks:
@@ -178,7 +186,7 @@ class Lectora:
             everything["PATH"] = os.path.join(HERE, "engine") + ":" + everything["PATH"]
         self.started = time.monotonic()
         self.process = subprocess.Popen(
-            [os.path.join(BUILD, "bin/lectora"), *arguments],
+            [os.path.join(BUILD, "bin", program), *arguments],
             env=everything,
             stdin=subprocess.DEVNULL,
         )
@@ -229,6 +237,19 @@ class Lectora:
     def find(self, role, name=None, seconds=PATIENCE):
         what = f"a {role} '{name or ''}'"
         return wait_until(lambda: next(self.walk(role, name), None), what, seconds)
+
+    def active_window(self, role, name, seconds=PATIENCE):
+        """The window or dialog that has the keyboard."""
+        return wait_until(
+            lambda: next(
+                each
+                for each in self.application()
+                if (each.getRoleName(), each.name) == (role, name)
+                and each.getState().contains(pyatspi.STATE_ACTIVE)
+            ),
+            f"the {role} '{name}'",
+            seconds,
+        )
 
     def windows(self):
         """The X windows that it shows; dialogs carry the main window's title too."""

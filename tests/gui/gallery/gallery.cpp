@@ -5,8 +5,10 @@
 //     gui_gallery                        one window after the other, until each is closed
 //
 // Fails when GTK prints a warning and when something has less room than it asks for.
+#include <climits>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "foundation/file.h"
@@ -106,7 +108,7 @@ void GenerateControls(LDialogGenContext& c) {
     c.AddDBDisplay(26);
     c.AddHorizontalLine(27, "Progress");
     c.AddProgressBar(28);
-    c.AddEdit(29, "Several lines of text\nin a field of their own", 60);
+    c.AddEdit(29, "Several lines of text\nin a field of their own", 60, "Notes");
     c.AddHyperLink(31, "Quillon on the web", "http://quillon.example/");
     c.AddGroup(32, "How to save");
     c.AddRadioButtonGroup(33, "Prompt for format settings");
@@ -123,7 +125,6 @@ void GenerateControls(LDialogGenContext& c) {
 
 void FillControls(LDialog& d) {
     d.TextPromptSet(10, "Your name");
-    SetAccessibleName(d.GetControlByID(29), "Notes");
     d.SetPasswordText(12, "secret");
     d.UDInit(14, 1, 99, 3);
     d.PDLAddString(16, "kal_diphone");
@@ -247,8 +248,24 @@ void ShowMainLike() {
     gtk_menu_shell_cancel(GTK_MENU_SHELL(menuBar));
 }
 
+// Takes the picture of the modal dialog that opens next and ends it; people end it themselves.
+class Photographer {
+public:
+    explicit Photographer(const char* name) {
+        if (!folder.empty())
+            user_.emplace(Actions{[name] {
+                TakePicture(name);
+                gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
+            }});
+    }
+
+private:
+    using Actions = std::vector<std::function<void()>>;
+    std::optional<UserScript> user_;
+};
+
 void ShowSheet() {
-    LPropertyPage general;
+    Recorder<LPropertyPage> general;
     LPropertyPage keys;
     LPropertySheet sheet;
     sheet.AddPage(general, {"General", false, [](LDialogGenContext& c) {
@@ -259,10 +276,11 @@ void ShowSheet() {
                                 c.GroupEnd();
                             }});
     sheet.AddPage(keys, {"HotKeys", false, GenerateLists});
-    UserScript user({[&] {
-        TakePicture("sheet");
-        gtk_dialog_response(GTK_DIALOG(general.Widget()), GTK_RESPONSE_CANCEL);
-    }});
+    general.onInit = [&] {
+        general.PDLAddString(102, "Show the window");
+        general.PDLSetCurSel(102, 0);
+    };
+    const Photographer photographer("sheet");
     sheet.Open(nullptr, "Options", 0);
 }
 
@@ -271,6 +289,8 @@ LProcessResult Process(LProgressDialog& dialog, Work&) {
     dialog.SetFirstLabel("Synthesize Voice");
     dialog.SetSecondLabel("Please wait...");
     dialog.SetFraction(0.6);
+    if (folder.empty())
+        return dialog.ProcessWait(UINT_MAX);  // until it is cancelled
     TakePicture("progress");
     return kProcessDone;
 }
@@ -279,21 +299,20 @@ void ShowBoxes() {
     Work work;
     LProcessDialog<Work> progress("Synthesize Voice", work);
     progress.Open(nullptr);
-    UserScript exitUser({[] {
-        TakePicture("message-box");
-        gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
-    }});
-    MessageBoxRunYesNoCancel(nullptr, "Lectora", "Confirm Exit",
-                             "Do you want Lectora to continue run in the background so you can use "
-                             "your hot keys to read text?");
-    UserScript fileUser({[] {
-        TakePicture("file-chooser");
-        gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
-    }});
+    {
+        const Photographer photographer("message-box");
+        MessageBoxRunYesNoCancel(
+            nullptr, "Lectora", "Confirm Exit",
+            "Do you want Lectora to continue run in the background so you can use "
+            "your hot keys to read text?");
+    }
+    const Photographer photographer("file-chooser");
     char path[kTextBufferSize] = "";
     char start[kTextBufferSize] = "";
     LFile::BrowseReadFilePath(nullptr, path, "Locate File to Read Text", start,
                               "Text Documents\0*.txt\0");
+    if (folder.empty())
+        return;
     LAboutBox::Open(nullptr);
     TakePicture("about");
     gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_OK);
@@ -308,6 +327,10 @@ void ShowAll() {
         controls.onInit = [&] { FillControls(controls); };
         controls.Open(nullptr, {"Controls", false, GenerateControls}, false);
         if (folder.empty()) {
+            controls.onCommand = [&](int command) {
+                if (command == 36)
+                    controls.SetControlInvalid(10, "Please enter your name.", "Name Required");
+            };
             LookAt(controls);
         } else {
             TakePicture("controls");
@@ -329,10 +352,8 @@ void ShowAll() {
             TakePicture("lists");
     }
     ShowMainLike();
-    if (!folder.empty()) {
-        ShowSheet();
-        ShowBoxes();
-    }
+    ShowSheet();
+    ShowBoxes();
 }
 
 }  // namespace

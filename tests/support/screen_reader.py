@@ -1,0 +1,195 @@
+"""A real screen reader in the virtual desktop: what it says when Tab reaches a control.
+
+It runs without a voice; its own log says each utterance. Runs below tests/support/virtual-desktop.
+"""
+import collections
+import os
+import re
+import subprocess
+import tempfile
+
+import pyatspi
+
+import lectora_desktop as desktop
+
+# A log that is written in whole blocks would hold back the last utterances for ever. On a busy
+# machine a start of more than ten seconds is no hang, and the echo of Tab only hides what counts.
+_CUSTOMIZATIONS = """
+from orca import debug, settings
+debug.debugFile.reconfigure(line_buffering=True)
+settings.timeoutTime = 0
+settings.enableKeyEcho = False
+"""
+
+# What the user hears about states that a key press changes: the state, when set, else.
+_SPOKEN_STATES = {
+    "check box": (pyatspi.STATE_CHECKED, "checked", "not checked"),
+    "radio button": (pyatspi.STATE_CHECKED, "selected", "not selected"),
+    "toggle button": (pyatspi.STATE_PRESSED, "pressed", "not pressed"),
+}
+
+# What takes part in its parent's stop, and what only hands the focus on to its child.
+_PARTS = ("table cell", "table column header", "scroll pane", "page tab list")
+
+
+class ScreenReader:
+    def __init__(self):
+        self._folder = tempfile.mkdtemp(prefix="screen-reader-", dir=desktop.DESKTOP)
+        with open(os.path.join(self._folder, "orca-customizations.py"), "w") as file:
+            file.write(_CUSTOMIZATIONS)
+        self._log = os.path.join(self._folder, "log")
+        output = os.path.join(self._folder, "output")
+        with open(output, "w") as file:
+            self.process = subprocess.Popen(
+                ["orca", "--user-prefs", self._folder, "--debug-file", self._log],
+                stdin=subprocess.DEVNULL,
+                stdout=file,
+                stderr=file,
+            )
+        try:
+            self.wait_until_said("Screen reader on.")
+        except AssertionError as error:
+            with open(output) as file:
+                raise AssertionError(f"{error}; the screen reader: {file.read()}") from None
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.end()
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+
+    def _utterances(self):
+        try:
+            with open(self._log, encoding="utf-8", errors="replace") as file:
+                log = file.read()
+        except FileNotFoundError:
+            return []
+        # The last line may be half written.
+        return re.findall(r"SPEECH OUTPUT: '(.*?)' ?(?: voice=\w+)?\{[^\n]*\n", log, re.DOTALL)
+
+    def mark(self):
+        """The present moment, for said_since."""
+        return len(self._utterances())
+
+    def said_since(self, mark):
+        return " ".join(self._utterances()[mark:])
+
+    def wait_until_said(self, *parts, since=0):
+        """Everything said since then, once it holds all these parts."""
+
+        def said():
+            assert self.process.poll() is None, "the screen reader has ended"
+            heard = self.said_since(since)
+            return heard if all(part in heard for part in parts) else None
+
+        try:
+            return desktop.wait_until(said, "")
+        except desktop.TimeOut:
+            raise AssertionError(f"{parts} not said, but: {self.said_since(since)!r}") from None
+
+    def tab_stops(self, window, since=0):
+        """Presses Tab through the active window until it comes round, and the arrow keys through what
+        is one stop; the stops in their order. The first counts as said when it was said since then.
+
+        Fails at the first control that is not said with its name, its role and its state, and when
+        one that could have the focus is passed by.
+        """
+        stops = [self._heard(_focus(window), since)]
+        while len(_focusable(window)) > 1:
+            for _ in range(_arrows(stops[-1].widget)):
+                stops.append(self._next(window, stops[-1], "Right"))
+            following = self._next(window, stops[-1], "Tab")
+            if any(following.widget == stop.widget for stop in stops):
+                break
+            stops.append(following)
+        reached = [stop.widget for stop in stops]
+        passed_by = [_describe(each) for each in _focusable(window) if each not in reached]
+        assert not passed_by, f"Tab passes by {passed_by}"
+        return stops
+
+    def _next(self, window, stop, key):
+        mark = self.mark()
+        desktop.press_keys(key)
+        try:
+            focus = desktop.wait_until(
+                lambda: (now := _focus(window)) != stop.widget and now, "the focus to move on"
+            )
+        except desktop.TimeOut:
+            raise AssertionError(f"{key} does not lead on from {_describe(stop.widget)}") from None
+        return self._heard(focus, mark)
+
+    def _heard(self, widget, since):
+        role = widget.getRoleName()
+        assert widget.name, f"a {role} has no name"
+        said = self.wait_until_said(
+            widget.name, _spoken_role(widget), _spoken_state(widget), since=since
+        )
+        return Stop(widget, role, widget.name, said)
+
+
+Stop = collections.namedtuple("Stop", "widget role name said")
+
+
+def _describe(widget):
+    return f"{widget.getRoleName()} '{widget.name}'"
+
+
+def _spoken_role(widget):
+    return "combo box" if widget.parent.getRoleName() == "combo box" else widget.getRoleName()
+
+
+def _spoken_state(widget):
+    states = widget.getState()
+    if states.contains(pyatspi.STATE_EXPANDABLE):
+        return "expanded" if states.contains(pyatspi.STATE_EXPANDED) else "collapsed"
+    state, when_set, otherwise = _SPOKEN_STATES.get(widget.getRoleName(), (None, "", ""))
+    return when_set if state and states.contains(state) else otherwise
+
+
+def _below(widget):
+    yield widget
+    for child in widget:
+        if child and child.getState().contains(pyatspi.STATE_SHOWING):
+            yield from _below(child)
+
+
+def _focus(window):
+    """What has the keyboard focus in the window; a list rather than its cell."""
+    return desktop.wait_until(
+        lambda: next(
+            (each for each in _below(window) if each.getState().contains(pyatspi.STATE_FOCUSED)), None
+        ),
+        "the focus",
+    )
+
+
+def _takes_focus(widget):
+    role, states = widget.getRoleName(), widget.getState()
+    if role == "combo box":
+        # A drop-down list takes the focus and does not tell; with an entry, the entry takes it.
+        return not any(child.getRoleName() == "text" for child in widget)
+    if role == "radio button" and not states.contains(pyatspi.STATE_CHECKED):
+        return False
+    return role not in _PARTS and states.contains(pyatspi.STATE_FOCUSABLE)
+
+
+def _focusable(window):
+    """The showing controls that the keyboard can use."""
+    return [
+        each
+        for each in _below(window)
+        if _takes_focus(each)
+        and each.getState().contains(pyatspi.STATE_SENSITIVE)
+    ]
+
+
+def _arrows(widget):
+    """How often an arrow key moves on from here within what is one stop for Tab."""
+    bar = widget.parent and widget.parent.parent
+    if bar and bar.getRoleName() == "tool bar":
+        return len(_focusable(bar)) - 1
+    return 0
