@@ -33,10 +33,7 @@ LSRCPeakLimit::LSRCPeakLimit(const LSoundSource& inner, int limit)
 
 void LSRCPeakLimit::Reset() {
     gains_.fill(kUnityGain);
-    isFilled_ = false;
-    gain_ = kUnityGain;
-    increment_ = 0;
-    readPosition_ = 0;
+    isFilled_ = false;  // the rest begins anew with the next read
 }
 
 void LSRCPeakLimit::Read(int* buffer, int frames) {

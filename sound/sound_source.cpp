@@ -5,8 +5,16 @@
 #include <algorithm>
 #include <cstddef>
 
-LSoundSourceBase::LSoundSourceBase(int rate, unsigned char channels, int peakMagnitude)
-    : sampleRate_(rate), peakMagnitude_(peakMagnitude), channels_(channels) {
+LSoundSourceBase::LSoundSourceBase(int rate, unsigned char channels, int peakMagnitude) {
+    SetFormat(rate, channels, peakMagnitude);
+}
+
+LSoundSourceBase::~LSoundSourceBase() = default;
+
+void LSoundSourceBase::SetFormat(int rate, unsigned char channels, int peakMagnitude) {
+    sampleRate_ = rate;
+    peakMagnitude_ = peakMagnitude;
+    channels_ = channels;
     if (sampleRate_ < 1) {
         sampleRate_ = 44100;
         status_ = SoundStatus::kInvalidFormat;
@@ -16,8 +24,6 @@ LSoundSourceBase::LSoundSourceBase(int rate, unsigned char channels, int peakMag
         status_ = SoundStatus::kInvalidFormat;
     }
 }
-
-LSoundSourceBase::~LSoundSourceBase() = default;
 
 void LSoundSourceBase::Seek(int) {}
 

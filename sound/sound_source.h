@@ -64,14 +64,16 @@ public:
     std::uint8_t Status() const { return status_; }
 
 protected:
+    // The constructor's rules, for a source that learns its format later.
+    void SetFormat(int rate, unsigned char channels, int peakMagnitude);
     void NoteReadError(int error) {
         if (readError_ == 0)
             readError_ = error;
     }
 
-    std::int32_t sampleRate_;
-    std::int32_t peakMagnitude_;
-    std::uint8_t channels_;
+    std::int32_t sampleRate_ = 0;
+    std::int32_t peakMagnitude_ = 0;
+    std::uint8_t channels_ = 0;
     std::uint8_t status_ = SoundStatus::kGood;
 
 private:

@@ -63,17 +63,7 @@ bool LTTSSoundSource::ChoosePath() {
 
 void LTTSSoundSource::OpenInner() {
     inner_ = reading_->OpenSource();
-    sampleRate_ = inner_->SampleRate();
-    channels_ = inner_->Channels();
-    peakMagnitude_ = inner_->PeakMagnitude();
-    if (sampleRate_ < 1) {
-        sampleRate_ = 44100;
-        status_ = SoundStatus::kInvalidFormat;
-    }
-    if (channels_ == 0) {
-        channels_ = 1;
-        status_ = SoundStatus::kInvalidFormat;
-    }
+    SetFormat(inner_->SampleRate(), inner_->Channels(), inner_->PeakMagnitude());
 }
 
 void LTTSSoundSource::ThreadFunction() {
