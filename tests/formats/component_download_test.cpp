@@ -1,6 +1,9 @@
 // Fetching a component from a local server with all kinds of manners.
 #include "formats/component_download.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <atomic>
 #include <chrono>
 #include <cmath>

@@ -1,21 +1,16 @@
-// Byte builders, a private folder and whole-file helpers for the format tests.
+// Byte builders and whole-file helpers for the format tests.
 #pragma once
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
+#include "tests/support/scratch_folder.h"
 
 // Builds a file's bytes field by field.
 class Bytes {
@@ -49,27 +44,17 @@ private:
     std::string data_;
 };
 
-// A test with a folder of its own, removed afterwards.
+// A test with a folder of its own.
 class FormatTest : public ::testing::Test {
 protected:
-    FormatTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "formatsXXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
-    }
-    ~FormatTest() override { std::filesystem::remove_all(folder_); }
-
-    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+    std::string Path(const std::string& name) const { return folder_ / name; }
     std::string Store(const std::string& name, const std::string& bytes) const {
-        std::ofstream(Path(name), std::ios::binary) << bytes;
+        folder_.Write(name, bytes);
         return Path(name);
     }
-    static std::string Load(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    static std::string Load(const std::string& path) { return ScratchFolder::ReadFile(path); }
 
-private:
-    std::string folder_;
+    const ScratchFolder folder_;
 };
 
 // Reads the whole source by requests of `step` frames and checks that what follows the end is

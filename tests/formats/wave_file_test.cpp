@@ -211,9 +211,7 @@ TEST_F(WaveFile, SinksThatCannotWriteSaySo) {
 }
 
 TEST_F(WaveFile, TheDefaultFormatIsKeptWhole) {
-    const char* const home = std::getenv("HOME");
-    const std::string oldHome = home != nullptr ? home : "";
-    ::setenv("HOME", Path("").c_str(), 1);
+    const ScopedVariable home("HOME", folder_.Path().c_str());
     LWaveFileFormat stored(22050, 1, "PCM8");
     stored.extra[1009] = 7;
     LWaveFileFormat loaded(44100, 2, "");
@@ -242,7 +240,6 @@ TEST_F(WaveFile, TheDefaultFormatIsKeptWhole) {
         LoadDefaultWaveFormat(format);
         EXPECT_EQ(std::memcmp(&format, &before, 1028), 0);
     }
-    ::setenv("HOME", oldHome.c_str(), 1);
 }
 
 TEST_F(WaveFile, FormatRecordsAndCodecNames) {

@@ -7,6 +7,7 @@
 #include "sound/convert_channels.h"
 #include "sound/kernels.h"
 #include "sound/peak_limit.h"
+#include "sound/speed.h"
 #include "tests/sound/sound_witness.h"
 #include "tests/support/memory_sound.h"
 
@@ -122,7 +123,7 @@ TEST(ConvertFactoriesTest, ChannelsAndChoices) {
     const LSoundSource bad;
     for (const LSoundSource& same :
          {LSPConvChannels(2).OpenSource(bad), LSPConvertRate(8000).OpenSource(bad),
-          LSPPeakLimit(100).OpenSource(bad)})
+          LSPPeakLimit(100).OpenSource(bad), LSPSpeed(2, 2, LSoundTime(0)).OpenSource(bad)})
         EXPECT_EQ(same.Get(), bad.Get());
     // Channels are reduced before the rate is converted and added after it.
     for (const int from : {1, 2}) {

@@ -3,23 +3,15 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 
 #include "formats/wave_file.h"
-
-inline std::string ReadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
+#include "tests/support/scratch_folder.h"
 
 inline std::size_t CountFiles(const std::string& folder, const std::string& beginning = "") {
     std::size_t count = 0;
@@ -37,7 +29,7 @@ bool Eventually(Condition condition) {
 
 // An ended process counts as gone, however long its parent takes to collect it.
 inline bool IsGone(const std::string& process) {
-    const std::string status = ReadFile("/proc/" + process + "/stat");
+    const std::string status = ScratchFolder::ReadFile("/proc/" + process + "/stat");
     const std::size_t name = status.rfind(')');
     return name == std::string::npos || status.compare(name, 3, ") Z") == 0;
 }
@@ -57,42 +49,28 @@ void InFreshProcess(Checks checks) {
 }
 
 // A folder of its own; PATH leads to its "bin" folder, and only there when `alone`.
-class FakeEngine {
+class FakeEngine : public ScratchFolder {
 public:
-    explicit FakeEngine(bool alone = false) {
-        char name[] = "/tmp/lectora-speech-XXXXXX";
-        folder_ = ::mkdtemp(name);
-        std::filesystem::create_directory(folder_ + "/bin");
-        const char* path = std::getenv("PATH");
-        path_ = path ? path : "/usr/bin:/bin";
-        ::setenv("PATH", (folder_ + "/bin" + (alone ? "" : ":" + path_)).c_str(), 1);
-        Script("festival", "printf 'banner\\n\\nfestival> (one two)\\nfestival> '");
-        LSoundSink sink = LWaveFile::OpenSinkPCM((folder_ + "/good.wav").c_str(), 16000, 1, 16, 0);
+    explicit FakeEngine(bool alone = false)
+        : searched_(
+              "PATH",
+              (*this / "bin" + (alone ? "" : ":" + std::string(std::getenv("PATH")))).c_str()) {
+        std::filesystem::create_directory(*this / "bin");
+        Script("festival", "printf 'banner\\n\\nfestival> (one czech_ph)\\nfestival> '");
+        LSoundSink sink = LWaveFile::OpenSinkPCM((*this / "good.wav").c_str(), 16000, 1, 16, 0);
         const int samples[1000] = {1600};
         sink->Write(samples, 1000);
     }
-    FakeEngine(const FakeEngine&) = delete;
-    FakeEngine& operator=(const FakeEngine&) = delete;
-    ~FakeEngine() {
-        ::setenv("PATH", path_.c_str(), 1);
-        std::filesystem::remove_all(folder_);
-    }
-
-    const std::string& Folder() const { return folder_; }
 
     // Body of a shell script; "$here" is the folder.
     void Script(const std::string& program, const std::string& body) const {
-        const std::string path = folder_ + "/bin/" + program;
         // A shell that still runs the old script keeps reading the old file.
-        const std::string fresh = folder_ + "/script";
-        std::ofstream(fresh) << "#!/bin/sh\nhere=" << folder_ << "\n" << body << "\n";
-        ::chmod(fresh.c_str(), 0755);
-        std::filesystem::rename(fresh, path);
+        WriteProgram("script", "here=" + Path() + "\n" + body + "\n");
+        std::filesystem::rename(*this / "script", *this / ("bin/" + program));
     }
     // Arguments of text2wave: $3 the text file, $5 the sound file.
     void Speak(const std::string& body) const { Script("text2wave", body); }
 
 private:
-    std::string folder_;
-    std::string path_;
+    const ScopedVariable searched_;
 };

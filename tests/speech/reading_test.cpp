@@ -40,14 +40,14 @@ std::vector<int> Numbers(int count, const std::vector<int>& without = {}) {
 }
 
 std::size_t CountLines(const std::string& path) {
-    const std::string lines = ReadFile(path);
+    const std::string lines = ScratchFolder::ReadFile(path);
     return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
 }
 
 class NumbersReading : public testing::Test {
 protected:
     NumbersReading() { SpeakNumbers(engine_); }
-    std::string At(const std::string& name) const { return engine_.Folder() + "/" + name; }
+    std::string At(const std::string& name) const { return engine_.Path() + "/" + name; }
     std::string SoundPath() const { return At("speech.wav"); }
     bool NoEngineRuns() const {
         std::ifstream running(At("running"));
@@ -108,7 +108,7 @@ TEST_F(NumbersReading, TroubleCostsTheUnitThatMakesItAndIsToldOnce) {
                 continue;
             const std::string text = Text(12, test.at, test.word);
             Listener listener;
-            PieceRuns runs(text, 0, engine_.Folder() + "/", use, listener);
+            PieceRuns runs(text, 0, engine_.Path() + "/", use, listener);
             NoPatienceWithHanging progress(At("hanging"));
             EXPECT_EQ(Process(progress, runs), kProcessDone) << test.word;
             EXPECT_EQ(listener.heard, Numbers(12, test.at)) << test.word;
@@ -116,7 +116,7 @@ TEST_F(NumbersReading, TroubleCostsTheUnitThatMakesItAndIsToldOnce) {
         }
     }
     EXPECT_EQ(LeftOutMessage("", {}), "");
-    EXPECT_EQ(CountFiles(engine_.Folder(), ".speech"), 0U);
+    EXPECT_EQ(CountFiles(engine_.Path(), ".speech"), 0U);
 }
 
 TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
@@ -129,7 +129,7 @@ TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
     for (const auto& test : cases) {
         const std::string text = Text(60, all, test.word);
         Listener listener;
-        PieceRuns runs(text, 0, engine_.Folder() + "/", ReadingUse::kListening, listener);
+        PieceRuns runs(text, 0, engine_.Path() + "/", ReadingUse::kListening, listener);
         NoPatienceWithHanging progress(At("hanging"));
         EXPECT_EQ(Process(progress, runs), kProcessFailed);
         EXPECT_EQ(runs.Outcome(), test.outcome);
@@ -217,11 +217,15 @@ TEST_F(NumbersReading, NeverRunsFarAheadOfTheListener) {
 }
 
 TEST_F(NumbersReading, SavesTheWholeInFewRunsAndConvertsOtherRates) {
-    const std::string text = Text(2000);
-    SpeechReading reading(text, 0, SoundPath(), ReadingUse::kSaving);
+    struct : LSilentProgress {
+        void SetFraction(double fraction) { told.push_back(fraction); }
+        std::vector<double> told;
+    } progress;
+    SpeechReading reading(Text(2000), 0, SoundPath(), ReadingUse::kSaving);
     reading.Start();
-    EXPECT_EQ(Process(progress_, reading), kProcessDone);
-    EXPECT_EQ(reading.Fraction(), 1.0);
+    EXPECT_EQ(Process(progress, reading), kProcessDone);
+    EXPECT_TRUE(std::is_sorted(progress.told.begin(), progress.told.end()));
+    EXPECT_EQ(progress.told.back(), 1.0);
     EXPECT_LT(CountLines(At("said")), 30U);
     const LSoundSource whole = LWaveFile::OpenSource(SoundPath().c_str());
     EXPECT_EQ(HearNumbers(*whole), Numbers(2000));
@@ -273,7 +277,7 @@ void FillTheDisk() {
     const rlimit limit{20 * kFramesOfNumber, 20 * kFramesOfNumber};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
     LSilentProgress progress;
-    SpeechReading reading(Text(30), 0, engine.Folder() + "/s.wav", ReadingUse::kListening);
+    SpeechReading reading(Text(30), 0, engine / "s.wav", ReadingUse::kListening);
     reading.Start();
     ASSERT_EQ(Process(progress, reading), kProcessDone);
     const LSoundSource source = reading.OpenSource();
@@ -321,7 +325,7 @@ TEST_F(NumbersReading, EndsInEveryPhaseAndLeavesNothing) {
     EXPECT_TRUE(Eventually([&] { return NoEngineRuns(); }));
     EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/fd") <= descriptors; }));
     EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/task") <= 2; }));
-    EXPECT_EQ(CountFiles(engine_.Folder(), ".speech"), 0U);
+    EXPECT_EQ(CountFiles(engine_.Path(), ".speech"), 0U);
 }
 
 TEST(SpeechEstimate, TellsWhatDoesNotFitBeforeItBegins) {
@@ -349,13 +353,13 @@ void CompareWithOneRun() {
     VoiceListQuery voices;
     ASSERT_EQ(Process(progress, voices), kProcessDone);
     const FakeEngine folder;  // only for its folder: the installed engine speaks
-    const std::string whole = folder.Folder() + "/whole.wav";
+    const std::string whole = folder / "whole.wav";
     LTTS request;
     request.text = text.c_str();
     request.outputPath = whole.c_str();
     ASSERT_EQ(Process(progress, request), kProcessDone) << SynthesisMessage(request.outcome);
     const LSoundSource expected = LWaveFile::OpenSource(whole.c_str());
-    SpeechReading reading(text, 0, folder.Folder() + "/pieces.wav", ReadingUse::kListening);
+    SpeechReading reading(text, 0, folder / "pieces.wav", ReadingUse::kListening);
     reading.Start();
     ASSERT_EQ(Process(progress, reading), kProcessDone);
     const LSoundSource source = reading.OpenSource();

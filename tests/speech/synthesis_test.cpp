@@ -46,25 +46,34 @@ private:
     std::string text_, output_;
 };
 
-TEST(Synthesis, HandsThePreparedTextToTheEngineAndDeliversItsFile) {
+TEST(Synthesis, HandsThePreparedTextToTheEngineAndDeliversItsFileAndNothingElse) {
     const FakeEngine engine;
-    engine.Speak("cat \"$3\" >$here/heard; echo \"$2\" >$here/voice; cp $here/good.wav \"$5\"");
+    engine.Speak(
+        "ls /proc/self/fd >$here/fds; printf %s \"$3\" >$here/path; cat \"$3\" >$here/heard;"
+        "echo \"$2\" >$here/voice; cp $here/good.wav \"$5\"");
+    std::size_t descriptors = 0;
     for (const std::string folder : {"plain", "it's a $(folder); \"or\" so", "ünïcode"}) {
-        const std::string output = engine.Folder() + "/" + folder;
+        const std::string output = engine.Path() + "/" + folder;
         std::filesystem::create_directory(output);
         Request request("It’s a café.\n----\nYes", output + "/speech.wav");
+        request.tts.voice = 1;
         EXPECT_EQ(request.Run(), SynthesisOutcome::kSpoken) << folder;
-        EXPECT_EQ(ReadFile(output + "/speech.wav"), ReadFile(engine.Folder() + "/good.wav"));
-        EXPECT_EQ(ReadFile(engine.Folder() + "/heard"), "It's a cafe.\n\nYes");
-        EXPECT_EQ(ReadFile(engine.Folder() + "/voice"), "(voice_one)\n");
-        EXPECT_EQ(CountFiles(output, ""), 1U) << "nothing left behind";
+        EXPECT_EQ(ScratchFolder::ReadFile(output + "/speech.wav"), engine.Read("good.wav"));
+        EXPECT_EQ(engine.Read("heard"), "It's a caf\xE9.\n\nYes");
+        EXPECT_EQ(engine.Read("voice"), "(voice_czech_ph)\n");
+        EXPECT_EQ(engine.Read("fds"), "0\n1\n2\n3\n") << "3 is the listing's own";
+        EXPECT_EQ(CountFiles(output), 1U) << "nothing left behind";
+        EXPECT_FALSE(std::filesystem::exists(engine.Read("path")));
+        if (descriptors == 0)
+            descriptors = CountFiles("/proc/self/fd");
     }
     // A path that would not fit into the 260 characters of the command.
-    std::string deep = engine.Folder() + "/" + std::string(120, 'd');
+    std::string deep = engine.Path() + "/" + std::string(120, 'd');
     std::filesystem::create_directory(deep);
     Request request("Hello", deep + "/" + std::string(100, 'f') + ".wav");
     EXPECT_EQ(request.Run(), SynthesisOutcome::kSpoken);
-    EXPECT_EQ(ReadFile(request.tts.outputPath), ReadFile(engine.Folder() + "/good.wav"));
+    EXPECT_EQ(ScratchFolder::ReadFile(request.tts.outputPath), engine.Read("good.wav"));
+    EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/fd") <= descriptors; }));
 }
 
 TEST(Synthesis, IsJudgedByTheFileAndSaysWhy) {
@@ -100,23 +109,23 @@ TEST(Synthesis, IsJudgedByTheFileAndSaysWhy) {
         const FakeEngine engine(test.engine == nullptr);
         if (test.engine)
             engine.Speak(test.engine);
-        Request request(test.text, engine.Folder() + "/" + test.file);
+        Request request(test.text, engine.Path() + "/" + test.file);
         EXPECT_EQ(request.Run(), test.outcome) << test.what;
         const bool spoken = test.outcome == SynthesisOutcome::kSpoken;
         EXPECT_EQ(request.tts.result, spoken ? kProcessDone : kProcessFailed) << test.what;
         EXPECT_EQ(SynthesisMessage(test.outcome).empty(), spoken) << test.what;
-        EXPECT_EQ(CountFiles(engine.Folder(), ".speech"), 0U) << test.what;
-        EXPECT_EQ(CountFiles(engine.Folder(), "started"), 0U) << test.what;
-        EXPECT_EQ(CountFiles(engine.Folder(), "s.wav"), spoken ? 1U : 0U) << test.what;
+        EXPECT_EQ(CountFiles(engine.Path(), ".speech"), 0U) << test.what;
+        EXPECT_EQ(CountFiles(engine.Path(), "started"), 0U) << test.what;
+        EXPECT_EQ(CountFiles(engine.Path(), "s.wav"), spoken ? 1U : 0U) << test.what;
     }
 }
 
 TEST(Synthesis, ARunThatIsGivenUpEndsItsEngineWithAllThatItStarted) {
     const FakeEngine engine;
-    const std::string output = engine.Folder() + "/s.wav";
+    const std::string output = engine / "s.wav";
     for (const bool cancel : {true, false}) {
         engine.Speak("sleep 100 & echo $$ >$here/engine; echo $! >$here/child; wait");
-        const auto isAtWork = [&] { return !ReadFile(engine.Folder() + "/child").empty(); };
+        const auto isAtWork = [&] { return !engine.Read("child").empty(); };
         Request first("Hello", output);
         EXPECT_EQ(first.Run(ImpatientProgress(isAtWork, cancel)),
                   cancel ? SynthesisOutcome::kStopped : SynthesisOutcome::kTimedOut);
@@ -124,26 +133,26 @@ TEST(Synthesis, ARunThatIsGivenUpEndsItsEngineWithAllThatItStarted) {
         EXPECT_EQ(SynthesisMessage(first.tts.outcome).empty(), cancel);
         for (const char* process : {"/engine", "/child"}) {
             std::string id;
-            std::ifstream(engine.Folder() + process) >> id;
+            std::ifstream(engine.Path() + process) >> id;
             EXPECT_TRUE(Eventually([&] { return IsGone(id); })) << process;
         }
-        EXPECT_EQ(CountFiles(engine.Folder(), ".speech"), 0U);
+        EXPECT_EQ(CountFiles(engine.Path(), ".speech"), 0U);
         EXPECT_FALSE(std::filesystem::exists(output));
-        std::filesystem::remove(engine.Folder() + "/child");
+        std::filesystem::remove(engine / "child");
     }
 }
 
 TEST(Synthesis, AnEngineDiesWithTheProgram) {
     const FakeEngine engine;
     engine.Speak("echo $$ >$here/engine; exec sleep 100");
-    const auto isAtWork = [&] { return !ReadFile(engine.Folder() + "/engine").empty(); };
+    const auto isAtWork = [&] { return !engine.Read("engine").empty(); };
     const auto isKilled = [&] { return isAtWork() && ::kill(::getpid(), SIGKILL) != 0; };
     ::signal(SIGCHLD, SIG_DFL);  // a voice query had it ignored, which hides the child's end
     GTEST_FLAG_SET(death_test_style, "fast");
-    EXPECT_EXIT(Request("Hello", engine.Folder() + "/s.wav").Run(ImpatientProgress(isKilled)),
+    EXPECT_EXIT(Request("Hello", engine / "s.wav").Run(ImpatientProgress(isKilled)),
                 testing::KilledBySignal(SIGKILL), "");
     std::string id;
-    std::ifstream(engine.Folder() + "/engine") >> id;
+    std::ifstream(engine / "engine") >> id;
     EXPECT_TRUE(Eventually([&] { return IsGone(id); })) << id;
 }
 
@@ -159,7 +168,7 @@ TEST(Synthesis, FilesOfDeadRunsAreRemovedByAgeAndOnlyThose) {
     const std::string textOfDead = MakeRunTextFile();
     const std::string textOfLiving = MakeRunTextFile();
     const std::string stranger = MakeRunTextFile();
-    const std::string folder = engine.Folder() + "/";
+    const std::string folder = engine.Path() + "/";
     const std::string dead = make(MakeRunSoundFile(folder, textOfDead), true);
     const std::string living = make(MakeRunSoundFile(folder, textOfLiving), false);
     for (const std::string& text : {textOfDead, stranger})
@@ -176,57 +185,44 @@ TEST(Synthesis, FilesOfDeadRunsAreRemovedByAgeAndOnlyThose) {
         EXPECT_TRUE(std::filesystem::remove(path)) << path;
 }
 
-TEST(Synthesis, ManyRunsLeaveNoDescriptorAndNoTextFileBehind) {
-    const FakeEngine engine;
-    engine.Speak(
-        "ls /proc/self/fd >$here/fds; echo \"$3\" >>$here/texts; cp $here/good.wav \"$5\"");
-    Request warmUp("Hello", engine.Folder() + "/s.wav");
-    EXPECT_EQ(warmUp.Run(), SynthesisOutcome::kSpoken);
-    const std::size_t before = CountFiles("/proc/self/fd");
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(Request("Hello", engine.Folder() + "/s.wav").Run(), SynthesisOutcome::kSpoken);
-    EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/fd") <= before; }));
-    std::ifstream texts(engine.Folder() + "/texts");
-    int runs = 0;
-    for (std::string path; std::getline(texts, path); ++runs)
-        EXPECT_FALSE(std::filesystem::exists(path)) << path;
-    EXPECT_EQ(runs, 6);
-    EXPECT_EQ(ReadFile(engine.Folder() + "/fds"), "0\n1\n2\n3\n") << "3 is the listing's own";
-}
-
-TEST(TtsSoundSource, ReadsWhatTheEngineSpokeAndDeletesItsFile) {
-    const FakeEngine engine;
-    engine.Speak("cp $here/good.wav \"$5\"; echo \"$5\" >$here/out");
-    {
-        const LSoundSource source = OpenTTSSoundSource("Hello", 1);
-        EXPECT_EQ(source->Status(), SoundStatus::kGood);
-        EXPECT_EQ(source->SampleRate(), 16000);
-        EXPECT_EQ(source->GetEndSample(), 1000);
-        EXPECT_EQ(source->PeakMagnitude(), kMaxPcm16Peak);
-        int samples[2] = {};
-        source->Read(samples, 2);
-        EXPECT_EQ(samples[0], 1600);
-        EXPECT_EQ(source->GetPositionSample(), 2);
+std::string OpenWaveFile() {
+    std::string path;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code closed;
+        const std::string target = std::filesystem::read_symlink(entry.path(), closed);
+        path = target.ends_with(".wav") ? target : path;
     }
-    EXPECT_FALSE(std::filesystem::exists(ReadFile(engine.Folder() + "/out")));
+    return path;
 }
 
-TEST(TtsSoundSource, WithoutSpeechIsSilenceThatTellsWhy) {
+TEST(TtsSoundSource, ReadsWhatTheEngineSpokeOrIsSilenceThatTellsWhyAndDeletesItsFile) {
     const FakeEngine engine;
-    engine.Speak("exit 0");
     const struct {
         const char* text;
+        const char* engine;
         SynthesisOutcome outcome;
-    } cases[] = {{"", SynthesisOutcome::kNothingToSay}, {"Hello", SynthesisOutcome::kNoSound}};
+        int frames, rate, sample;
+    } cases[] = {
+        {"Hello", "cp $here/good.wav \"$5\"", SynthesisOutcome::kSpoken, 1000, 16000, 1600},
+        {"Hello", "exit 0", SynthesisOutcome::kNoSound, 0, 11025, 0},
+        {"", "exit 0", SynthesisOutcome::kNothingToSay, 0, 11025, 0}};
     for (const auto& test : cases) {
-        LTTSSoundSource* const object = new LTTSSoundSource(test.text, 0);
-        const LSoundSource source(object);
-        EXPECT_EQ(object->Outcome(), test.outcome);
-        EXPECT_EQ(source->GetEndSample(), 0);
-        EXPECT_EQ(source->Status(), SoundStatus::kGood);
-        int sample = 7;
-        source->Read(&sample, 1);
-        EXPECT_EQ(sample, 0);
+        engine.Speak(test.engine);
+        std::string path;
+        {
+            LTTSSoundSource* const object = new LTTSSoundSource(test.text, 1);
+            const LSoundSource source(object);
+            EXPECT_EQ(object->Outcome(), test.outcome);
+            EXPECT_EQ(source->Status(), SoundStatus::kGood);
+            EXPECT_EQ(source->SampleRate(), test.rate);
+            EXPECT_EQ(source->GetEndSample(), test.frames);
+            int samples[2] = {7, 7};
+            source->Read(samples, 2);
+            EXPECT_EQ(samples[0], test.sample);
+            path = OpenWaveFile();
+            EXPECT_EQ(std::filesystem::exists(path), test.frames > 0);
+        }
+        EXPECT_FALSE(std::filesystem::exists(path)) << path;
     }
 }
 

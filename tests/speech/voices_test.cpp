@@ -51,24 +51,24 @@ TEST(VoiceList, IsReadFromTheEnginesReply) {
 void AskUntilThereIsOne() {
     const FakeEngine engine(true);
     char name[kTextBufferSize];
-    std::filesystem::remove(engine.Folder() + "/bin/festival");
+    std::filesystem::remove(engine / "bin/festival");
     EXPECT_EQ(TTSGetNumSpeakers(), 0) << "not installed";
     TTSGetDictSpeakerName(0, name);
     EXPECT_STREQ(name, "No Voices Found");
     engine.Script("festival", "exit 3");
     EXPECT_EQ(TTSGetNumSpeakers(), 0) << "dies at once";
     engine.Script("festival", "echo $$ >$here/pid; exec /bin/sleep 60");
-    while (ReadFile(engine.Folder() + "/pid").empty())
+    while (engine.Read("pid").empty())
         EXPECT_EQ(TTSGetNumSpeakers(), 0) << "hangs";
     std::string hung;
-    std::ifstream(engine.Folder() + "/pid") >> hung;
+    std::ifstream(engine / "pid") >> hung;
     EXPECT_TRUE(Eventually([&] { return IsGone(hung); })) << "is ended";
     engine.Script("festival",
                   "read line; echo \"$line\" >$here/asked; printf 'festival> (un deux)\\n'");
     while (TTSGetNumSpeakers() == 0)
         continue;  // on a busy machine it takes longer than one question waits
     EXPECT_EQ(TTSGetNumSpeakers(), 2);
-    EXPECT_EQ(ReadFile(engine.Folder() + "/asked"), "(voice.list)\n");
+    EXPECT_EQ(engine.Read("asked"), "(voice.list)\n");
     engine.Script("festival", "exit 3");
     EXPECT_EQ(TTSGetNumSpeakers(), 2) << "remembered";
     for (const auto& [index, expected] :
@@ -84,7 +84,7 @@ void AskInTheBackground() {
     std::atomic<int> told = 0;  // on the query's thread
     VoiceListQuery query([&] { ++told; });
     EXPECT_EQ(query.State(), VoiceListState::kAsking);
-    std::filesystem::remove(engine.Folder() + "/bin/festival");
+    std::filesystem::remove(engine / "bin/festival");
     EXPECT_EQ(Process(progress, query), kProcessFailed);
     EXPECT_EQ(query.State(), VoiceListState::kNoEngine);
     for (const char* voiceless : {"printf 'festival> ()\\n'", "exit 3"}) {
@@ -111,10 +111,10 @@ void StopAsking() {
     {
         VoiceListQuery query;
         query.Ask();
-        EXPECT_TRUE(Eventually([&] { return !ReadFile(engine.Folder() + "/pid").empty(); }));
+        EXPECT_TRUE(Eventually([&] { return !engine.Read("pid").empty(); }));
     }
     std::string hung;
-    std::ifstream(engine.Folder() + "/pid") >> hung;
+    std::ifstream(engine / "pid") >> hung;
     EXPECT_TRUE(Eventually([&] { return IsGone(hung); }));
 }
 
@@ -134,18 +134,15 @@ TEST(VoiceCharset, IsTheNamedOneOrAsKnown) {
         EXPECT_EQ(CharsetInDescription(none), std::nullopt) << none;
 
     const FakeEngine folder;
-    const std::string voice = folder.Folder() + "/usr/share/festival/voices/polish/pl_ewa/festvox";
+    const std::string voice = folder / "usr/share/festival/voices/polish/pl_ewa/festvox";
     std::filesystem::create_directories(voice);
     std::ofstream(voice + "/pl_ewa.scm") << ";; a voice\n(coding ISO-8859-2)";
-    const char* const root = std::getenv("LECTORA_ROOT");
-    const std::string before = root ? root : "";
-    ::setenv("LECTORA_ROOT", folder.Folder().c_str(), 1);
+    const ScopedVariable root("LECTORA_ROOT", folder.Path().c_str());
     EXPECT_EQ(CharsetOfVoice("pl_ewa"), VoiceCharset::kLatin2) << "installed description";
     EXPECT_EQ(CharsetOfVoice("czech_ph"), VoiceCharset::kLatin2) << "known voice";
     EXPECT_EQ(CharsetOfVoice("hindi_NSK_diphone"), VoiceCharset::kUtf8);
     for (const char* english : {"kal_diphone", "", "No Voices Found", "../polish/pl_ewa"})
         EXPECT_EQ(CharsetOfVoice(english), VoiceCharset::kAscii) << english;
-    ::setenv("LECTORA_ROOT", before.c_str(), 1);
 }
 
 }  // namespace

@@ -24,6 +24,8 @@ public:
 
     void Read(int* buffer, int frames) override {
         readSizes.push_back(frames);
+        framesTooEarly +=
+            isStreaming_ ? std::max<std::int64_t>(position_ + frames - available_, 0) : 0;
         for (int frame = 0; frame < frames; ++frame, ++position_) {
             for (int channel = 0; channel < Channels(); ++channel)
                 *buffer++ = SampleAt(position_, channel);
@@ -56,6 +58,7 @@ public:
     std::vector<int> readSizes;
     std::vector<int> seeks;
     std::vector<int> waits;
+    std::int64_t framesTooEarly = 0;  // read before they had arrived
 
 private:
     int SampleAt(std::int64_t frame, int channel) const {
