@@ -49,19 +49,6 @@ void Out(benchmark::State& state) {
     CountSamples(state);
 }
 
-// The plain arithmetic, one sample at a time: what the block conversion is measured against.
-template <typename Stored>
-void OutOneByOne(benchmark::State& state) {
-    const std::vector<int> samples = Signal();
-    std::vector<Stored> stored(samples.size());
-    for (auto _ : state) {
-        for (std::size_t i = 0; i < samples.size(); ++i)
-            stored[i].Set(samples[i]);
-        benchmark::ClobberMemory();
-    }
-    CountSamples(state);
-}
-
 void VoxEncode(benchmark::State& state) {
     const std::vector<int> samples = Signal();
     std::vector<std::uint8_t> bytes(samples.size() / 2);
@@ -102,8 +89,6 @@ BENCHMARK(Out<LSFF32>);
 BENCHMARK(Out<LSFFRE32>);
 BENCHMARK(Out<LSFULAW>);
 BENCHMARK(Out<LSFALAW>);
-BENCHMARK(OutOneByOne<LSFULAW>);
-BENCHMARK(OutOneByOne<LSFALAW>);
 BENCHMARK(VoxEncode);
 BENCHMARK(VoxDecode);
 

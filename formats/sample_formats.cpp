@@ -1,6 +1,5 @@
 #include "formats/sample_formats.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 
@@ -11,53 +10,16 @@ static_assert(std::endian::native == std::endian::little,
 
 namespace {
 
-constexpr int kMaxMantissa = 15;
-
-// Segment 5 lies one 14-bit step (64) below G.711 in both tables, and segment 0 encodes from 0, not
-// from half a step below: recordings made so far depend on both.
-constexpr std::array<std::uint32_t, 8> kMuLawBases = {0,     1984,  6080,   14272,
-                                                      30656, 63360, 128960, 260032};
+// Where each segment begins to decode. Segment 5 of mu-law lies one 14-bit step (64) below G.711,
+// as it does when encoding: recordings made so far depend on both.
 constexpr std::array<int, 8> kMuLawOrigins = {0, 2112, 6336, 14784, 31680, 65408, 133056, 268224};
-constexpr std::array<std::uint32_t, 8> kALawBases = {0,     4096,  8192,   16384,
-                                                     32768, 65536, 131072, 262144};
 constexpr std::array<int, 8> kALawOrigins = {128, 4224, 8448, 16896, 33792, 67584, 135168, 270336};
-
-constexpr std::uint32_t Magnitude(int sample) {
-    const auto bits = static_cast<std::uint32_t>(sample);
-    return sample < 0 ? 0 - bits : bits;
-}
-
-constexpr unsigned SegmentOf(std::uint32_t magnitude, const std::array<std::uint32_t, 8>& bases) {
-    unsigned segment = 7;
-    while (magnitude < bases[segment])
-        --segment;
-    return segment;
-}
-
-constexpr std::uint8_t EncodeMuLaw(int sample) {
-    const std::uint32_t magnitude = Magnitude(sample);
-    const unsigned segment = SegmentOf(magnitude, kMuLawBases);
-    const unsigned mantissa =
-        std::min<unsigned>((magnitude - kMuLawBases[segment]) >> (segment + 7), kMaxMantissa);
-    const unsigned sign = sample < 0 ? 0x80 : 0;
-    return static_cast<std::uint8_t>(~(sign | segment << 4 | mantissa));
-}
 
 constexpr int DecodeMuLaw(std::uint8_t byte) {
     const auto x = static_cast<std::uint8_t>(~byte);
     const unsigned segment = (x >> 4) & 7U;
     const int magnitude = ((x & 15) << (segment + 7)) + kMuLawOrigins[segment];
     return (x & 0x80) != 0 ? -magnitude : magnitude;
-}
-
-constexpr std::uint8_t EncodeALaw(int sample) {
-    const std::uint32_t magnitude = Magnitude(sample);
-    const unsigned segment = SegmentOf(magnitude, kALawBases);
-    const auto step = static_cast<std::uint32_t>(LSFALAW::D[segment]);
-    const unsigned mantissa =
-        std::min<unsigned>((magnitude - kALawBases[segment]) / step, kMaxMantissa);
-    const unsigned sign = sample < 0 ? 0 : 0x80;
-    return static_cast<std::uint8_t>((segment << 4 | sign | mantissa) ^ 0x55);
 }
 
 constexpr int DecodeALaw(std::uint8_t byte) {
@@ -92,13 +54,13 @@ int LSFULAW::Get() const {
     return DecodeMuLaw(bits);
 }
 void LSFULAW::Set(int sample) {
-    bits = EncodeMuLaw(sample);
+    SampleKernels().outMuLaw(&sample, this, 1);
 }
 int LSFALAW::Get() const {
     return DecodeALaw(bits);
 }
 void LSFALAW::Set(int sample) {
-    bits = EncodeALaw(sample);
+    SampleKernels().outALaw(&sample, this, 1);
 }
 
 template <>
