@@ -58,7 +58,7 @@ TEST_F(Mp3Test, CommandLineFollowsTheSettings) {
         {cbr31, 22050, 2, 22050, 2, "-m j -b 31 -h"},
     };
     const int rates[][2] = {{96000, 48000}, {44099, 44100}, {31999, 32000}, {23999, 22050},
-                            {16000, 16000}, {15999, 11025}, {8000, 8000},   {6000, 8000}};
+                            {16001, 22050}, {15999, 11025}, {8000, 8000},   {6000, 8000}};
     for (const auto& rate : rates)
         cases.push_back({{}, rate[0], 2, rate[1], 2, "-m j -b 128 -h"});
     for (Case& c : cases) {

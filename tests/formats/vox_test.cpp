@@ -1,35 +1,33 @@
 #include "formats/vox_file.h"
 
+#include <cmath>
+
 #include "formats/raw_file.h"
 #include "tests/formats/format_files.h"
 
 namespace {
 
-// The codec as it is written down, with its divisions and its clamp in front.
+// The codec as it is written down: each step is a tenth larger than the one before, and a code is a
+// magnitude and a half of 32nds of it; with its divisions and its clamp in front.
 struct PlainVox {
     std::int64_t index = 0, predictor = 0;
 
-    int Step(int code) {
+    std::int64_t Step() {
         index = std::clamp<std::int64_t>(index, 0, 48);
-        predictor += -(predictor >> 6) + LVox::StepTable[index] * LVox::CodeTable[code];
-        index += LVox::StepAdjustTable[code];
+        return static_cast<std::int64_t>(16 * std::pow(1.1, index));
+    }
+    int Decode(int code) {
+        const int magnitude = code % 8;
+        const std::int64_t difference = Step() * (32 * magnitude + 16);
+        predictor += -(predictor >> 6) + (code < 8 ? difference : -difference);
+        index += magnitude < 4 ? -1 : 2 * magnitude - 6;
         return static_cast<int>(predictor);
     }
     int Encode(int sample) {
-        index = std::clamp<std::int64_t>(index, 0, 48);
-        std::int64_t d =
-            (sample - (predictor - (predictor >> 6))) / LVox::StepTable[static_cast<int>(index)];
-        int code = 0;
-        if (d < 0)
-            code = 8, d = -d;
-        if (d > 131)
-            code |= 4, d -= 132;
-        if (d > 65)
-            code |= 2, d -= 66;
-        if (d > 32)
-            code |= 1;
-        Step(code);
-        return code;
+        const std::int64_t d = (sample - (predictor - (predictor >> 6))) / Step();
+        const int code = static_cast<int>(std::min<std::int64_t>(std::abs(d) / 33, 7));
+        Decode(d < 0 ? code + 8 : code);
+        return d < 0 ? code + 8 : code;
     }
 };
 
@@ -60,7 +58,7 @@ TEST_F(Vox, CodecMatchesThePlainOneOnEverySignal) {
         LVox fastDecoder;
         for (int i = 0; i < 20000; ++i) {
             const unsigned code = i % 100 < 50 ? random() % 16 : static_cast<unsigned>(span) % 16;
-            ASSERT_EQ(fastDecoder.DecodeCode(code), plainDecoder.Step(static_cast<int>(code)));
+            ASSERT_EQ(fastDecoder.DecodeCode(code), plainDecoder.Decode(static_cast<int>(code)));
         }
     }
 }
@@ -105,16 +103,16 @@ TEST_F(Vox, SeeksLandOnTheNibbleAndKeepTheState) {
     int block[8];
     source->Read(block, 5);
     for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(block[i], plain.Step(i % 2 == 0 ? 3 : 12));
+        EXPECT_EQ(block[i], plain.Decode(i % 2 == 0 ? 3 : 12));
     source->Seek(3);
     EXPECT_EQ(source->GetPositionSample(), 3);
     source->Read(block, 2);
-    EXPECT_EQ(block[0], plain.Step(12));  // the low nibble of byte 1, in the state reached
-    EXPECT_EQ(block[1], plain.Step(3));
+    EXPECT_EQ(block[0], plain.Decode(12));  // the low nibble of byte 1, in the state reached
+    EXPECT_EQ(block[1], plain.Decode(3));
     source->Seek(-2);
     source->Read(block, 3);
     EXPECT_EQ(std::vector<int>(block, block + 2), std::vector<int>(2, 0));
-    EXPECT_EQ(block[2], plain.Step(3));
+    EXPECT_EQ(block[2], plain.Decode(3));
     for (const int frame : {1999, 2000, 2001, 5000, INT32_MAX}) {
         source->Seek(frame);
         source->Read(block, 3);

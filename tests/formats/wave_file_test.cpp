@@ -232,7 +232,7 @@ TEST_F(WaveFile, TheDefaultFormatIsKeptWhole) {
     EXPECT_EQ(half.samplesPerSecond, 44100U);
     const std::string wild[] = {
         Bytes().LE16(1).LE16(1).LE32(0x7FFFFFFF).Str(), Bytes().LE16(1).LE16(1).LE32(0).Str(),
-        Bytes().LE16(1).LE16(600).LE32(8000).Str(), bytes.substr(0, 14) + Bytes().LE16(24).Str()};
+        Bytes().LE16(1).LE16(3).LE32(8000).Str(), bytes.substr(0, 14) + Bytes().LE16(24).Str()};
     for (const std::string& record : wild) {  // that no writer can write
         std::ofstream(path, std::ios::binary) << record;
         const LWaveFileFormat before(44100, 2, "");

@@ -6,8 +6,9 @@
 #include <set>
 
 #include "sound/convert.h"
-#include "tests/sound/sound_witness.h"
+#include "tests/sound/rate_witness.h"
 #include "tests/support/memory_sound.h"
+#include "tests/support/signals.h"
 
 namespace {
 

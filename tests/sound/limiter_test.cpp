@@ -8,8 +8,8 @@
 #include "sound/kernels.h"
 #include "sound/peak_limit.h"
 #include "sound/speed.h"
-#include "tests/sound/sound_witness.h"
 #include "tests/support/memory_sound.h"
+#include "tests/support/signals.h"
 
 namespace {
 

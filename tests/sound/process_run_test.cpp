@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "sound/source_to_sink.h"
-#include "tests/sound/sound_witness.h"
 #include "tests/support/memory_sound.h"
+#include "tests/support/signals.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "tests/sound/sound_witness.h"
 #include "tests/support/memory_sound.h"
+#include "tests/support/signals.h"
 
 namespace {
 

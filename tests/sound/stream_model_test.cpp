@@ -5,8 +5,8 @@
 
 #include "sound/level.h"
 #include "sound/sound_time.h"
-#include "tests/sound/sound_witness.h"
 #include "tests/support/memory_sound.h"
+#include "tests/support/signals.h"
 
 namespace {
 

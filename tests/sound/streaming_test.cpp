@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "sound/convert.h"
-#include "tests/sound/sound_witness.h"
 #include "tests/support/memory_sound.h"
+#include "tests/support/signals.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tests/sound/sound_witness.h"
 #include "tests/support/memory_sound.h"
+#include "tests/support/signals.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""A component server with manners that its components' names tell. Prints its port, serves until its input ends."""
+"""A component server with manners that its components' names tell. Prints its port and when it hangs; serves
+until its input ends."""
 import os
 import socket
 import sys
@@ -34,6 +35,11 @@ def answer(name):
     return "200 OK", len(script), script
 
 
+def hang():
+    os.write(1, b"hanging\n")
+    time.sleep(1000)
+
+
 def serve(connection):
     with connection:
         request = b""
@@ -41,7 +47,7 @@ def serve(connection):
             request += connection.recv(4096)
         name = request.split()[1].decode().rsplit("/", 1)[1]
         if name == "mute":
-            time.sleep(1000)
+            hang()
         status, length, body = answer(name)
         head = f"HTTP/1.0 {status}\r\nServer: test\r\n"
         if length is not None:
@@ -49,7 +55,7 @@ def serve(connection):
         connection.sendall(head.encode() + b"\r\n")
         if name == "stalling":
             connection.sendall(body[: len(body) // 2])
-            time.sleep(1000)
+            hang()
         connection.sendall(body)
 
 
