@@ -8,6 +8,7 @@
 
 #include "formats/wave_codec_names.h"
 #include "tests/formats/format_files.h"
+#include "tests/support/log_witness.h"
 
 namespace {
 
@@ -234,11 +235,13 @@ TEST_F(WaveFile, TheDefaultFormatIsKeptWhole) {
         Bytes().LE16(1).LE16(1).LE32(0x7FFFFFFF).Str(), Bytes().LE16(1).LE16(1).LE32(0).Str(),
         Bytes().LE16(1).LE16(3).LE32(8000).Str(), bytes.substr(0, 14) + Bytes().LE16(24).Str()};
     for (const std::string& record : wild) {  // that no writer can write
+        const LogWitness log;
         std::ofstream(path, std::ios::binary) << record;
         const LWaveFileFormat before(44100, 2, "");
         LWaveFileFormat format = before;
         LoadDefaultWaveFormat(format);
         EXPECT_EQ(std::memcmp(&format, &before, 1028), 0);
+        EXPECT_NE(log.told.find("not used: " + path), std::string::npos) << log.told;
     }
 }
 

@@ -8,6 +8,7 @@
 #include "foundation/dat_file_native.h"
 #include "foundation/ticks.h"
 #include "tests/support/forked.h"
+#include "tests/support/log_witness.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -76,7 +77,11 @@ TEST(DatFile, IsSavedAtExitAndLeavesTheCacheWhenIdleAndSaved) {
     cache.Flush(now + kIdle - 5000);
     EXPECT_TRUE(cache.IsCached(path.c_str()));
     cache.SetValue(path.c_str(), "A", "k", "w");
-    cache.Flush(now + kIdle + 5000);
+    {
+        const LogWitness log;
+        cache.Flush(now + kIdle + 5000);
+        EXPECT_EQ(log.told, "Changes cannot be saved and are kept in memory: " + late + "\n");
+    }
     EXPECT_FALSE(cache.IsCached(path.c_str()));
     EXPECT_EQ(folder.Read("f"), "[A]\r\nk=w\r\n\r\n");
     // What could not be saved waits until it can.

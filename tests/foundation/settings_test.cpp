@@ -180,8 +180,8 @@ TEST(FileLocks, WaitTheirTimeAndThenGoOn) {
     flock(holder.Get(), LOCK_EX);
     LSettingsFile settings((folder / "s").c_str());
     const auto flockTimed = [&] { EXPECT_FALSE(flocktimed(file.Get(), LOCK_SH | LOCK_NB, 320)); };
-    EXPECT_NEAR(Milliseconds(flockTimed), 441, 103) << "11 times 1 + 2 + 4 + 8 + 16 ms";
-    EXPECT_NEAR(Milliseconds([&] { EXPECT_EQ(Get(settings, "k"), "v"); }), 2200, 203);
+    EXPECT_GE(Milliseconds(flockTimed), 341) << "11 times 1 + 2 + 4 + 8 + 16 ms";
+    EXPECT_GE(Milliseconds([&] { EXPECT_EQ(Get(settings, "k"), "v"); }), 1990);
 }
 
 TEST(FileLocks, ReadersThatFollowEachOtherDoNotStarveAWriter) {

@@ -4,13 +4,12 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <thread>
 
 #include "formats/wave_file.h"
+#include "tests/support/eventually.h"
 #include "tests/support/scratch_folder.h"
 
 inline std::size_t CountFiles(const std::string& folder, const std::string& beginning = "") {
@@ -18,13 +17,6 @@ inline std::size_t CountFiles(const std::string& folder, const std::string& begi
     for (const auto& entry : std::filesystem::directory_iterator(folder))
         count += entry.path().filename().string().starts_with(beginning);
     return count;
-}
-
-template <typename Condition>
-bool Eventually(Condition condition) {
-    for (int i = 0; i < 2000 && !condition(); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return condition();
 }
 
 // An ended process counts as gone, however long its parent takes to collect it.

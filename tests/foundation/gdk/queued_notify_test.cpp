@@ -3,7 +3,6 @@
 #include <gdk/gdk.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <functional>
 #include <string>
 #include <thread>
@@ -29,25 +28,18 @@ private:
     }
 };
 
+int gEntered = 0;
+
 TEST(QueuedNotify, EveryCallRunsOnceInTheLoopInsideTheGdkLock) {
+    gdk_threads_set_lock_functions([] { ++gEntered; }, [] { --gEntered; });
     gdk_threads_init();
     Notified notified;
-    std::atomic<bool> entered{false};
-    std::thread contender;
-    notified.also = [&] {
-        contender = std::thread([&] {
-            gdk_threads_enter();
-            entered = true;
-            gdk_threads_leave();
-        });
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        EXPECT_FALSE(entered);
-    };
+    notified.also = [] { EXPECT_EQ(gEntered, 1); };
     std::thread([&] { notified.QueueNotify(); }).join();
     EXPECT_EQ(notified.calls, 0);
     RunPendingIdles();
-    contender.join();
     EXPECT_EQ(notified.calls, 1);
+    EXPECT_EQ(gEntered, 0);
 
     notified.also = [] {};
     std::thread worker([&] {
