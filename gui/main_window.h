@@ -41,6 +41,7 @@ protected:
     // that as `placed`.
     void AddControl(GtkWidget* control, int id, GtkWidget* placed = nullptr);
     void MoveControl(int id, int x, int y, int width, int height);
+    void StorePlacement() const;  // of the open window
     // The way of the Tab key through the controls; without it, the way is by position.
     void SetFocusOrder(std::span<const int> ids);
 
@@ -48,7 +49,6 @@ private:
     friend struct LMainWindowCallbacks;
     GtkWidget* PlacedControl(int id) const;  // child of the container, or null
     void ApplyPlacement();
-    void StorePlacement() const;
 
     GtkWidget* fixed_ = nullptr;  // owned by the window
     int width_ = 0;

@@ -60,7 +60,8 @@ void LSplashScreen::Display(GtkWidget* parent) {
         return;
     dialog_ = gtk_dialog_new();
     GtkWindow* window = GTK_WINDOW(dialog_);
-    gtk_window_set_title(window, "Lectora");
+    gtk_window_set_title(window, "Welcome");
+    gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_SPLASHSCREEN);
     gtk_window_set_transient_for(window, ParentWindow(parent));
     gtk_window_set_decorated(window, FALSE);
     gtk_window_set_deletable(window, FALSE);

@@ -189,6 +189,13 @@ void LToolBar::HideToolBarItem(int command, bool hidden) {
     }
 }
 
+void LToolBar::ShowToolBar(bool shown) {
+    if (bar_ == nullptr)
+        return;
+    gtk_widget_set_no_show_all(bar_, !shown);
+    gtk_widget_set_visible(bar_, shown);
+}
+
 int LToolBar::GetToolBarHeight() const {
     if (bar_ == nullptr || !atTop_ || !gtk_widget_get_visible(bar_))
         return 0;

@@ -49,6 +49,7 @@ public:
     void HandleToolBarItemDropdown(int command, int dropDownCommand);
     // At the right end: the maker's other programs, and help.
     void AddToolboxAndHelp();
+    void ShowToolBar(bool shown);
     int GetToolBarHeight() const;  // pixels; 0 without one at the top of the window
 
 protected:
