@@ -5,7 +5,9 @@
 
 #include <algorithm>
 
+#include "app/commands.h"
 #include "app/document_loading.h"
+#include "app/help_links.h"
 #include "app/save_speech.h"
 #include "app/settings_keys.h"
 #include "app/start_up.h"
@@ -16,56 +18,23 @@
 #include "foundation/text_file.h"
 #include "gui/accessible.h"
 #include "gui/control_factory.h"
+#include "gui/icon_numbers.h"
 #include "gui/message_box.h"
 
 namespace {
 
-constexpr int kTextBox = 101;
-constexpr int kVoiceLabel = 402;
-constexpr int kVoiceList = 500;
-constexpr int kReadButton = 510;
-constexpr int kSaveButton = 511;
-constexpr int kReadImage = 12;
-constexpr int kSaveImage = 13;
-constexpr int kTrayImage = 2;
-
-constexpr int kTextChanged = 1111;
-constexpr int kUpdateFromSelection = 1000;
-constexpr int kLoadFile = 1005;
-constexpr int kReadAllOfWindow = 1006;
-constexpr int kReadSelectionOfWindow = 1007;
-constexpr int kReadFromFileMenu = 1008;
-constexpr int kReadFromSelection = 1009;
-constexpr int kReadCurrent = 1011;
-constexpr int kSaveCurrent = 1012;
-constexpr int kSaveAllOfWindow = 1013;
-constexpr int kSaveFromFileMenu = 1014;
-constexpr int kSaveFromSelection = 1015;
-constexpr int kReadFromFile = 1019;
-constexpr int kOptions = 1021;
-constexpr int kSaveFromFile = 1063;
-constexpr int kSaveSelectionOfWindow = 1222;
-constexpr int kOpenWindow = 4001;
-
 constexpr char kBanner[] = "Lectora v 1.05";
-
-constexpr LKeyToCommandMap kKeyMap[] = {
-    {kKeyControl | GDK_B, kUpdateFromSelection},
-    {kKeyControl | GDK_O, kLoadFile},
-    {kKeyControl | kKeyShift | GDK_R, kReadCurrent},
-    {kKeyControl | kKeyShift | GDK_B, kReadFromSelection},
-    {kKeyControl | kKeyShift | GDK_O, kReadFromFile},
-    {kKeyControl | kKeyAlt | GDK_V, kSaveCurrent},
-    {kKeyControl | kKeyAlt | GDK_B, kSaveFromSelection},
-    {kKeyControl | kKeyAlt | GDK_O, kSaveFromFile},
-};
 
 }  // namespace
 
 MainDialog::MainDialog()
-    : tray_([this](int button) { EvTrayIconPressed(button); }),
+    : places_(*this),
+      selection_([this] { EnableControls(); }),
+      tray_([this](int button) { EvTrayIconPressed(button); }),
       voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }),
-      reading_(*this) {}
+      reading_(*this) {
+    CheckActiveWindowChange();
+}
 
 MainDialog::~MainDialog() {
     for (const unsigned int source : {nextFile_, hotKeySource_}) {
@@ -97,19 +66,25 @@ void MainDialog::CreateControls() {
     LabelWidget(label, voices);
 
     AddControl(gtk_toggle_button_new(), kReadButton);
-    CoolButtonInit(kReadButton, kReadImage, "Read Aloud");
+    CoolButtonInit(kReadButton, kReadButtonIcon, "Read Aloud");
     SetTooltip(kReadButton, "Read the current text aloud (Ctrl+Shift+R)");
     AddControl(gtk_toggle_button_new(), kSaveButton);
-    CoolButtonInit(kSaveButton, kSaveImage, "Save as Speech");
+    CoolButtonInit(kSaveButton, kSaveButtonIcon, "Save as Speech");
     SetTooltip(kSaveButton, "Save as Speech (Ctrl+Alt+V)");
-    static constexpr int kFocusOrder[] = {kTextBox, kVoiceList, kReadButton, kSaveButton};
+    AddControl(places_.NewCommandBar(), kCommandBar);
+    static constexpr int kFocusOrder[] = {kCommandBar, kTextBox, kVoiceList, kReadButton,
+                                          kSaveButton};
     SetFocusOrder(kFocusOrder);
 }
 
 void MainDialog::InitDialog() {
     CreateControls();
     SetStatusText(kBanner);
-    SetKeyMap(kKeyMap);
+    places_.CreateMenus();
+    places_.CheckCommandBar(ShowsCommandBar());
+    AddStandardMenuItems(true);
+    LHelpLinks::SetUp(*this);
+    SetKeyMap(MainKeyMap());
     HotKeyHandlerInit(nullptr);
     HotkeysStart();
     voices_.Ask();
@@ -117,24 +92,13 @@ void MainDialog::InitDialog() {
     HandleEditTextChange(kTextBox, kTextChanged);
     EnableControls();
     FocusControl(kTextBox);
-}
-
-void MainDialog::EvShown() {
-    tray_.Add(kTrayImage, "Lectora");
-    // Not in the way of a reading that is about to begin.
-    if (waitingFiles_.empty())
-        hotKeyOffer_.AskSoon(*this, [this] { HotkeysStart(); });
-}
-
-// Brings the window back; pressing again does not hide it.
-void MainDialog::EvTrayIconPressed(int button) {
-    const bool isMinimised =
-        (gdk_window_get_state(gtk_widget_get_window(Widget())) & GDK_WINDOW_STATE_ICONIFIED) != 0;
-    if (button == 1 && (isMinimised || !gtk_widget_get_visible(Widget())))
-        CmOpen();
+    TimerSet(kKeepAliveTimer, kKeepAliveMilliseconds);
 }
 
 void MainDialog::DestroyDialog() {
+    splashTimer_.Stop();
+    splash_.Close();
+    TimerReset(kKeepAliveTimer);
     tray_.Remove();
     HotkeysStop();
     StopReading();
@@ -163,26 +127,22 @@ int MainDialog::AwaitVoice() {
     return voices_.Chosen();
 }
 
-void MainDialog::LayoutControls(int width, int height) {
-    int left = 0;
-    int top = 0;
-    LayoutBase(left, top, width, height);
-    const int bottomRow = top + height - 60;
-    const int voiceWidth = std::clamp(width - 324, 150, 286);
-    MoveControl(kSaveButton, width - 154, bottomRow, 150, 54);
-    MoveControl(kReadButton, width - 308, bottomRow, 150, 54);
-    MoveControl(kVoiceLabel, left + 8, bottomRow + 2, voiceWidth, 24);
-    MoveControl(kVoiceList, left + 8, bottomRow + 30, voiceWidth, 24);
-    MoveControl(kTextBox, left + 5, top, width - left - 5, height - 66);
-}
-
 void MainDialog::EnableControls() {
     const bool hasText = GetEditTextLength(kTextBox) > 0;
     EnableControl(kReadButton, hasText || reading_.IsReading());
     EnableControl(kSaveButton, hasText);
+    places_.Enable({hasText, selection_.HasText()});
+    KeepFocus();
+}
+
+// The keyboard is never lost with a control that was hidden or disabled.
+void MainDialog::KeepFocus() {
+    if (IsOpen() && gtk_window_get_focus(GTK_WINDOW(Widget())) == nullptr)
+        FocusControl(kTextBox);
 }
 
 void MainDialog::Command(int command) {
+    splash_.Close();
     switch (command) {
         case kReadButton:
             // The button stays down while it reads; pressing it then lets go.
@@ -236,13 +196,33 @@ void MainDialog::Command(int command) {
         case kVoiceList:
             voices_.NoteChange();
             break;
+        case kShowCommandBar:
+            CmShowCommandBar();
+            break;
         case kOpenWindow:
             CmOpen();
             break;
+        case kUpdateDropDown:
+        case kReadDropDown:
+        case kSaveDropDown:
+            places_.DropDown(command);
+            break;
+        case kCommandHelp:
+            CmHelp();
+            break;
         default:
+            LHelpLinks::Open(command);
             break;
     }
 }
+
+void MainDialog::EvActiveWindowChanged(const char* program) {
+    places_.NameActiveWindow(program);
+}
+
+// X does not tell a program which window was in front before its own; where a desktop does, this is
+// the place to ask it and to pass the name on to EvActiveWindowChanged.
+void MainDialog::CheckActiveWindowChange() {}
 
 void MainDialog::EvTextChanged() {
     // What the user writes is not replaced by a file that still waits.
@@ -253,17 +233,12 @@ void MainDialog::EvTextChanged() {
 }
 
 bool MainDialog::EvKeyDown(unsigned int key) {
+    splash_.Close();
     if (key == GDK_Escape && reading_.IsReading()) {
         StopReading();
         return true;
     }
     return LMainWindow::EvKeyDown(key);
-}
-
-void MainDialog::CmClose() {
-    LMainWindow::CmClose();
-    // Nothing could bring a hidden window back but a second start, so closing ends the program.
-    Close(GTK_RESPONSE_CANCEL);
 }
 
 void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
@@ -323,64 +298,6 @@ void MainDialog::ReadWaitingFiles() {
 void MainDialog::ReadWaitingFilesSoon() {
     if (!waitingFiles_.empty() && nextFile_ == 0)
         nextFile_ = gdk_threads_add_idle(ReadNextFile, this);
-}
-
-std::string MainDialog::SelectedText() {
-    for (const GdkAtom selection : {GDK_SELECTION_PRIMARY, GDK_SELECTION_CLIPBOARD}) {
-        const OwnedText text(gtk_clipboard_wait_for_text(gtk_clipboard_get(selection)));
-        if (text && *text != '\0')
-            return text.get();
-    }
-    return "";
-}
-
-bool MainDialog::CmCopyFromClipboard() {
-    const std::string text = SelectedText();
-    if (!text.empty())
-        SetEditText(kTextBox, text.c_str());
-    return !text.empty();
-}
-
-void MainDialog::CmOpenFile() {
-    char path[kTextBufferSize] = "";
-    char folder[kTextBufferSize];
-    CopyText(folder, kOpenFolderSetting.Get());
-    static constexpr char kFilter[] =
-        "Text Documents\0*.txt;*.text;*.TXT;*\0"
-        "Web Pages\0*.html;*.htm;*.xhtml;*.HTML;*.HTM\0"
-        "Books\0*.epub;*.EPUB\0"
-        "Word Processor Documents\0*.odt;*.fodt;*.docx;*.ODT;*.DOCX\0"
-        "PDF Documents\0*.pdf;*.PDF\0";
-    if (!LFile::BrowseReadFilePath(Widget(), path, "Locate File to Read Text", folder, kFilter))
-        return;
-    kOpenFolderSetting.Set(folder);
-    LoadFile(path, FileFrom::kUser);
-}
-
-bool MainDialog::LoadFile(const char* path, FileFrom from) {
-    loading_ = true;
-    const std::optional<Document> document = LoadDocumentUnderDialog(Widget(), path);
-    loading_ = false;
-    // The window may have been closed meanwhile.
-    if (!IsOpen())
-        return false;
-    ReadWaitingFilesSoon();
-    if (!document) {
-        waitingFiles_.clear();
-        return false;
-    }
-    if (!document->problem.empty()) {
-        if (from == FileFrom::kUser)
-            MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
-                          "Cannot read the file.", document->problem.c_str());
-        else
-            SetStatusText(document->problem.c_str());
-        return false;
-    }
-    settingWaitingFile_ = from == FileFrom::kArguments;
-    SetEditText(kTextBox, document->text.c_str());
-    settingWaitingFile_ = false;
-    return true;
 }
 
 void MainDialog::EvRunArguments(const char* const* arguments, int count) {

@@ -4,19 +4,27 @@
 #include <deque>
 #include <string>
 
+#include "app/command_places.h"
 #include "app/hot_key_handler.h"
 #include "app/hot_key_offer.h"
 #include "app/long_lines.h"
 #include "app/original_text.h"
 #include "app/read_aloud.h"
+#include "app/selection_watch.h"
 #include "app/spoken_highlight.h"
 #include "app/tray_icon.h"
 #include "app/voice_choice.h"
 #include "desktop/desktop_shortcut.h"
+#include "gui/gui_timer.h"
 #include "gui/main_window.h"
+#include "gui/splash_screen.h"
+#include "gui/timer_handler.h"
 
 // Lives for the whole run. GUI thread.
-class MainDialog final : public LMainWindow, private LHotKeyHandler, private ReadAloudListener {
+class MainDialog final : public LMainWindow,
+                         private LHotKeyHandler,
+                         private LTimerHandler,
+                         private ReadAloudListener {
 public:
     MainDialog();
     ~MainDialog() override;
@@ -37,7 +45,9 @@ public:
     void EvShown() override;
     void Command(int command) override;
     bool EvKeyDown(unsigned int key) override;
+    // Hides the window; without a tray that shows the icon, minimises it.
     void CmClose() override;
+    bool CmCancel() override;  // asks whether to end
 
     void CmRead();
     void CmSave();
@@ -45,8 +55,18 @@ public:
     bool CmCopyFromClipboard();
     void CmOpenFile();
     void CmOptions();
+    void CmShowCommandBar();  // or hides it
+
+    // Names the program that was in front before this window, in the labels that speak of it.
+    void EvActiveWindowChanged(const char* program);
+    void EvNotifyIconContextMenu();
 
 private:
+    static constexpr int kKeepAliveTimer = 1;
+    static constexpr unsigned int kKeepAliveMilliseconds = 10000;
+
+    void EvTimer(int timerId) override;
+    void CheckActiveWindowChange();
     void EvReadingStarted() override;
     void EvReadingTime(LSoundTime position, LSoundTime length) override;
     void EvReadingStretch(std::size_t begin, std::size_t end) override;
@@ -80,6 +100,11 @@ private:
     bool LoadFile(const char* path, FileFrom from);
 
     void CreateControls();
+    static bool ShowsCommandBar();
+    void KeepFocus();
+    bool IsMinimised() const;
+    void BringBackWithoutTray();
+    static gboolean GCFocusOut(GtkWidget* widget, GdkEventFocus* event, gpointer self);
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();
     void EvTextChanged();
@@ -89,10 +114,15 @@ private:
     LongLines lines_;  // of the text box
     SpokenHighlight highlight_;
     OriginalText original_;
+    CommandPlaces places_;
+    SelectionWatch selection_;
     TrayIcon tray_;
+    LSplashScreen splash_;
+    LGuiTimer splashTimer_;
     VoiceChoice voices_;
     ReadAloud reading_;
     bool speaking_ = false;
+    bool askingToExit_ = false;
     bool loading_ = false;  // its dialog handles events
     bool settingWaitingFile_ = false;
     HotKeyOffer hotKeyOffer_;

@@ -94,6 +94,20 @@ class DesktopCase(unittest.TestCase):
         desktop.xdotool("type", "--delay", "10", path)
         desktop.press_keys("Return")
 
+    def select(self, text):
+        """Selects the text in another program."""
+        process = subprocess.Popen(["xclip", "-quiet", "-selection", "primary"],
+            stdin=subprocess.PIPE,
+            stderr=subprocess.DEVNULL)
+        self.addCleanup(process.kill)
+        process.stdin.write(text.encode())
+        process.stdin.close()
+        desktop.wait_until(lambda: self.selection("primary") == text, "the selection")
+
+    def selection(self, which):
+        command = ["xclip", "-o", "-selection", which]
+        return subprocess.run(command, capture_output=True, text=True, timeout=60).stdout
+
     def spoken(self):
         """What the engine was asked to speak."""
         return [call for call in desktop.engine_calls() if call.startswith("text2wave")]
@@ -108,21 +122,6 @@ class DesktopCase(unittest.TestCase):
         for number, (code, command) in enumerate(keys, 1):
             with open(os.path.join(folder, "details_", str(number)), "w") as file:
                 file.write(f"key={code}\r\ncommand={command}\r\n")
-
-    def select(self, text):
-        """Selects the text in another program."""
-        process = subprocess.Popen(["xclip", "-quiet", "-selection", "primary"],
-            stdin=subprocess.PIPE,
-            stderr=subprocess.DEVNULL)
-        self.addCleanup(process.kill)
-        process.stdin.write(text.encode())
-        process.stdin.close()
-        desktop.wait_until(
-            lambda: subprocess.run(
-                ["xclip", "-o", "-selection", "primary"], capture_output=True, text=True
-            ).stdout == text,
-            "the selection",
-        )
 
     def read_aloud(self, lectora):
         """Presses the button and gives back the stream that then played to its end."""

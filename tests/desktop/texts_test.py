@@ -1,6 +1,5 @@
 """Files of every kind as arguments, and texts with nothing to say."""
 import os
-import subprocess
 import unittest
 
 from desktop_case import DesktopCase, desktop
@@ -44,7 +43,7 @@ class TextsTest(DesktopCase):
         lectora.focus()
         desktop.press_keys("ctrl+a", "ctrl+c")
         for selection in ("primary", "clipboard"):
-            self.assertTrue(self.offered(selection) == text, selection)
+            self.assertTrue(self.selection(selection) == text, selection)
         for place in ("ctrl+Home", "ctrl+End"):
             desktop.press_keys(place)
             caret = lectora.text_box().queryText().caretOffset
@@ -55,11 +54,7 @@ class TextsTest(DesktopCase):
             )
             self.assertLess((lectora.cpu_seconds() - before) / 19, 0.1)
         desktop.press_keys("shift+ctrl+Left", "ctrl+x")
-        desktop.wait_until(lambda: self.offered("clipboard") == "nothingbutsomewords", "what was cut")
-
-    def offered(self, selection):
-        command = ["xclip", "-o", "-selection", selection]
-        return subprocess.run(command, capture_output=True, text=True, timeout=60).stdout
+        desktop.wait_until(lambda: self.selection("clipboard") == "nothingbutsomewords", "what was cut")
 
     def test_a_text_with_nothing_to_say_does_not_start_the_engine(self):
         lectora = self.start()

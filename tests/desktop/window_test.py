@@ -8,10 +8,6 @@ from desktop_case import DesktopCase, desktop
 
 
 class WindowTest(DesktopCase):
-    def close(self, lectora):
-        desktop.press_keys("alt+F4")
-        self.assertEqual(lectora.process.wait(desktop.PATIENCE), 0)
-
     def test_the_chosen_voice_reads_and_is_remembered_whatever_is_typed(self):
         desktop.tell_engine("festival voices 3")
         lectora = self.start()
@@ -22,12 +18,12 @@ class WindowTest(DesktopCase):
         self.card.wait_for(self.card.next_stream(), "close")
         self.assertIn("(voice_voice3)", desktop.engine_calls()[-1])
         desktop.press_keys("ctrl+a", *"voice2")
-        self.close(lectora)
+        self.assertEqual(lectora.exit(), 0)
         self.assertEqual(self.setting("settings", "texttospeechvoice"), "1")
         again = self.start()
         self.voices(again, 3)
         self.assertIn("voice2", [entry.queryText().getText(0, -1) for entry in again.find_all("text")])
-        self.close(again)
+        self.assertEqual(again.exit(), 0)
 
     def voices(self, lectora, count):
         combo = lectora.find("combo box")
@@ -41,7 +37,7 @@ class WindowTest(DesktopCase):
         lectora.wait_for_box("No voice is installed")
         desktop.press_keys("Return")
         lectora.window()
-        self.close(lectora)
+        self.assertEqual(lectora.exit(), 0)
         self.assertEqual(self.setting("settings", "texttospeechvoice"), "2")
 
     def test_several_files_are_read_one_after_the_other_until_escape(self):

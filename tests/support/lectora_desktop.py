@@ -221,8 +221,11 @@ class Lectora:
         """
 
         def below(widget):
-            if widget.getRoleName() == role and (name is None or widget.name == name):
+            its = widget.getRoleName()
+            if its == role and (name is None or widget.name == name):
                 yield widget
+            if role not in _BELOW.get(its, (role,)):
+                return
             for child in widget:
                 if child:
                     yield from below(child)
@@ -310,6 +313,47 @@ class Lectora:
     def can_press(self, role, name):
         return self.find(role, name).getState().contains(pyatspi.STATE_SENSITIVE)
 
+    def choose(self, *names):
+        """Goes through the menu bar with the pointer."""
+        for name in names[:-1]:
+            self.press("menu", name)
+        for role in ("menu item", "check menu item"):
+            for item in self.walk(role, names[-1]):
+                return self.click(item)
+
+    def tray_icon(self):
+        """Its X window, in the tray."""
+        return wait_until(tray_icons, "the tray icon")[0]
+
+    def press_tray_icon(self, button):
+        xdotool("mousemove", "--window", self.tray_icon(), 8, 8, "click", button)
+
+    def hide(self):
+        """Closes the window into the tray."""
+        self.tray_icon()
+        self.focus()
+        press_keys("alt+F4")
+        wait_until(lambda: not self.windows(), "the window to hide")
+
+    def shown(self, role, name):
+        """The widget when it is on the screen; None when there is none, or hidden."""
+        return next(
+            (each for each in self.walk(role, name) if each.getState().contains(pyatspi.STATE_SHOWING)),
+            None,
+        )
+
+    def press_popped_up(self, name):
+        """An item of the menu that has popped up."""
+        self.click(wait_until(lambda: self.shown("menu item", name), f"the item '{name}'"))
+
+    def exit(self):
+        """Ends it as its user does, and gives back the exit status."""
+        self.focus()
+        self.choose("Lectora", "Exit (Turn Off)")
+        self.wait_for_box("Confirm Exit")
+        self.press("push button", "No")
+        return self.process.wait(PATIENCE)
+
     # The process as the kernel sees it.
 
     def threads(self):
@@ -331,6 +375,10 @@ class Lectora:
             return next(int(line.split()[1]) for line in file if line.startswith("VmRSS")) / 1024
 
 
+# What there is in the parts of the main window that hold many widgets.
+_BELOW = {"menu bar": ("menu", "menu item", "check menu item"), "tool bar": ("push button",)}
+
+
 def _labels(widget):
     found = [widget] if widget.getRoleName() == "label" else []
     for child in widget:
@@ -345,6 +393,10 @@ def _link(path):
         return os.readlink(path).split("[")[0]
     except OSError:
         return None
+
+
+def tray_icons():
+    return xdotool("search", "--onlyvisible", "--name", "^TrayIcon$").split()
 
 
 def processes():

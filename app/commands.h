@@ -1,0 +1,41 @@
+// The numbers of the main window's controls, and of what its user can ask for. The toolkit's own
+// commands are in gui/window.h.
+#pragma once
+
+// Controls; a button's number is its command too.
+enum ControlNumber {
+    kCommandBar = 85,
+    kTextBox = 101,
+    kVoiceLabel = 402,
+    kVoiceList = 500,
+    kReadButton = 510,
+    kSaveButton = 511,
+};
+
+// Where one action has several numbers, each place that offers it has its own. "Selection" is what
+// is selected in any program, "window" the program that was in front before this one.
+enum CommandNumber {
+    kUpdateFromSelection = 1000,
+    kUpdateAllOfWindow = 1002,
+    kUpdateSelectionOfWindow = 1003,
+    kLoadFile = 1005,
+    kReadAllOfWindow = 1006,
+    kReadSelectionOfWindow = 1007,
+    kReadFromFileMenu = 1008,
+    kReadFromSelection = 1009,
+    kReadCurrent = 1011,
+    kSaveCurrent = 1012,
+    kSaveAllOfWindow = 1013,
+    kSaveFromFileMenu = 1014,
+    kSaveFromSelection = 1015,
+    kReadFromFile = 1019,
+    kOptions = 1021,
+    kSaveFromFile = 1063,
+    kTextChanged = 1111,
+    kSaveSelectionOfWindow = 1222,
+    kShowCommandBar = 2001,
+    kOpenWindow = 4001,
+    kUpdateDropDown = 8000,  // the tool bar's arrows
+    kReadDropDown = 8011,
+    kSaveDropDown = 8012,
+};
