@@ -220,6 +220,10 @@ TEST(FileReaders, ShareTheirLineRules) {
             buffered.emplace_back(line);
         EXPECT_EQ(plain, lines);
         EXPECT_EQ(buffered, lines);
+        const LSharedReadFile whole((folder / "f").c_str());
+        std::string bytes(content.size() + 1, '?');
+        EXPECT_EQ(LReadFileBuffered(whole.Fd()).Read(bytes.data(), bytes.size()), content.size());
+        EXPECT_EQ(bytes, content + "?");
     }
 }
 
