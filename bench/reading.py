@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """How readings do with the installed engine: first sound, gaps, cost of a save, memory, stopping.
 
-    bench/reading.py [BUILD_FOLDER]        (build/dev)
+    bench/reading.py [BUILD_FOLDER [VOICE]]        (build/dev, kal_diphone)
 
 lectora-say reads the licence texts of the distribution; text2wave speaks the same text in the same
 run. Prints figures; fails only when something does not work at all.
@@ -17,8 +17,10 @@ import time
 
 TOP = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
 BUILD = os.path.realpath(sys.argv[1]) if len(sys.argv) > 1 else os.path.join(TOP, "build/dev")
+VOICE = sys.argv[2] if len(sys.argv) > 2 else "kal_diphone"
 SAY = os.path.join(BUILD, "bin/lectora-say")
-TEXT2WAVE = ["text2wave", "-eval", "(voice_kal_diphone)"]
+READ = [SAY, "-v", VOICE]
+TEXT2WAVE = ["text2wave", "-eval", f"(voice_{VOICE})"]
 BYTES_PER_SECOND = 32000
 TICKS = os.sysconf("SC_CLK_TCK")
 # Stands in front of text2wave and adds its processor seconds to a log.
@@ -45,7 +47,7 @@ def seconds_of(*command):
 
 def stream(path):
     return subprocess.Popen(
-        [SAY, "-o", "-", path], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL
+        READ + ["-o", "-", path], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL
     )
 
 
@@ -121,7 +123,7 @@ def measure_save(folder, size):
     )
     start = time.monotonic()
     say = subprocess.Popen(
-        [SAY, "-f", "-o", os.path.join(folder, "save.wav"), path], env=environment
+        READ + ["-f", "-o", os.path.join(folder, "save.wav"), path], env=environment
     )
     own = 0.0
     while say.poll() is None:
@@ -155,7 +157,7 @@ def measure_stop(folder, path):
     lags = []
     for number in range(5):
         say = subprocess.Popen(
-            [SAY, "-f", "-o", os.path.join(folder, "stop.wav"), path], stderr=subprocess.DEVNULL
+            READ + ["-f", "-o", os.path.join(folder, "stop.wav"), path], stderr=subprocess.DEVNULL
         )
         engines = set()
         while len(engines) < 2 and say.poll() is None:
