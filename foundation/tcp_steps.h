@@ -1,7 +1,7 @@
 // Cancellable TCP steps: what a download or a report is made of.
 //
 // They run on the thread of the progress object (in the program the GUI thread, inside the GDK
-// lock) and keep it alive: no wait is longer than 200 ms, and between waits the progress is asked
+// lock) and keep it alive: no wait is longer than 20 ms, and between waits the progress is asked
 // whether to stop. Results: done, stopped by the user, or failed (which a time-out is). Nothing is
 // shown to the user here.
 #pragma once
@@ -14,7 +14,9 @@
 #include "foundation/progress.h"
 #include "foundation/text_buffer.h"
 
-constexpr int kLongestSocketWait = 200;  // milliseconds
+// Milliseconds. Between two waits the progress object answers, among others, a screen reader, which
+// asks dozens of questions about a dialog before it says a word.
+constexpr int kLongestSocketWait = 20;
 constexpr std::size_t kSocketSendPiece = 1024;
 constexpr std::size_t kSocketPeekPiece = 80;
 

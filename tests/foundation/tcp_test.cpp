@@ -71,7 +71,7 @@ TEST(TcpSteps, EndWhenSilentStoppedOrStuck) {
     char byte;
     EXPECT_EQ(Timed(0.6, [&] { return RecvLine(LSilentProgress(), peer, line, 600); }),
               kProcessFailed);
-    EXPECT_EQ(Timed(0.4, [&] { return RecvLine(StopAfter(2), peer, line, 60000); }),
+    EXPECT_EQ(Timed(0.4, [&] { return RecvLine(StopAfter(20), peer, line, 60000); }),
               kProcessStopped);
     StopAfter atOnce(0);
     EXPECT_EQ(ProcessRecvBytes(atOnce, peer.socket, &byte, 1, 1000), kProcessStopped);
