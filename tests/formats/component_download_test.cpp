@@ -2,12 +2,15 @@
 #include "formats/component_download.h"
 
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <cmath>
 
 #include "formats/mp3_sink.h"
 #include "formats/settings_keys.h"
+#include "foundation/settings.h"
 #include "foundation/settings_keys.h"
 #include "tests/formats/format_files.h"
 #include "tests/support/signals.h"
@@ -27,6 +30,10 @@ public:
 class ComponentDownload : public FormatTest {
 protected:
     ComponentDownload() {
+        char settings[kTextBufferSize];
+        LSettingsGetSharedFolder(settings);
+        turn_ = UniqueFd(::open(settings, O_RDONLY | O_CLOEXEC));
+        EXPECT_EQ(::flock(turn_.Get(), LOCK_EX), 0);
         ::setenv("HOME", Path("").c_str(), 1);
         ::setenv("LECTORA_ROOT", Path("root").c_str(), 1);
         ::setenv("MP3EL", FORMATS_TESTS_FOLDER "/../../share/components/mp3el", 1);
@@ -61,6 +68,9 @@ protected:
         return std::filesystem::exists(Path("components/" + name));
     }
 
+    // A program's settings stand where they stood when it started, whatever LECTORA_ROOT says
+    // later, and the cases of this fixture, each a process, name servers of their own there.
+    UniqueFd turn_;
     const LPipePair output_ = LPipePair::Make();
     UniqueFd serverInput_;  // the server ends with it
     LChildProcess server_;
@@ -97,11 +107,17 @@ TEST_F(ComponentDownload, TakesWhatIsWholeAndNothingElse) {
 TEST_F(ComponentDownload, ACancelLeavesNothingAndAsksNobodyElse) {
     kComponentsHostSetting.Set(host_.c_str());
     kWebHostSetting.Set("127.0.0.1:1");
-    for (const char* name : {"mute", "stalling"}) {
+    for (const char* name : {"mute", "stalling", "busy"}) {
         EXPECT_EQ(Get(name), kProcessStopped) << name;
         EXPECT_EQ(ServerLine(), "hanging");
         EXPECT_FALSE(IsThere(name));
     }
+    int installer = 0;
+    char script[100] = "";
+    ASSERT_EQ(std::sscanf(Load(Path("pid")).c_str(), "%d %99s", &installer, script), 2);
+    EXPECT_NE(::kill(installer, 0), 0);
+    EXPECT_FALSE(std::filesystem::exists(script)) << script;
+    EXPECT_FALSE(std::filesystem::exists(std::string(script).substr(0, 12))) << script;
 }
 
 TEST_F(ComponentDownload, AnInstallerWithAnotherSumIsNotRun) {

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""A component server with manners that its components' names tell. Prints its port and when it hangs; serves
-until its input ends."""
+"""A component server with manners, which its argument or else the component's name tells. Prints its port and when it
+hangs, or its installer does; serves until its input ends."""
 import os
 import socket
 import sys
@@ -10,26 +10,28 @@ import time
 INSTALL = 'mkdir -p "$HOME/components/{0}" && echo x > "$HOME/components/{0}/{0}"\n'
 
 
-def answer(name):
+def answer(name, manner):
     """Status, Content-Length or None, and the body."""
     script = INSTALL.format(name).encode()
-    if name == "moved":
+    if manner == "moved":
         return "302 Found", len(script), script
-    if name == "gone":
+    if manner == "gone":
         return "404 Not Found", len(script), script
-    if name == "half":
+    if manner == "half":
         return "200 OK", 2 * len(script), script
-    if name == "unmeasured":
+    if manner == "unmeasured":
         return "200 OK", None, script
-    if name == "huge":
+    if manner == "huge":
         return "200 OK", 1 << 40, script
-    if name == "garbled":
+    if manner == "garbled":
         return "200 OK", "12x", script
-    if name == "empty":
+    if manner == "empty":
         return "200 OK", 0, b""
-    if name == "unwilling":
+    if manner == "unwilling":
         script = b"echo working; echo Something is missing.; exit 1\n"
-    if name == "mp3el":
+    if manner == "busy":
+        script = b'echo "$$ $0" > "$HOME/new" && mv "$HOME/new" "$HOME/pid"; sleep 1000\n'
+    if manner == "mp3el":
         with open(os.environ["MP3EL"], "rb") as file:
             script = file.read()
     return "200 OK", len(script), script
@@ -46,17 +48,22 @@ def serve(connection):
         while b"\r\n\r\n" not in request:
             request += connection.recv(4096)
         name = request.split()[1].decode().rsplit("/", 1)[1]
-        if name == "mute":
+        manner = sys.argv[1] if len(sys.argv) > 1 else name
+        if manner == "mute":
             hang()
-        status, length, body = answer(name)
+        status, length, body = answer(name, manner)
         head = f"HTTP/1.0 {status}\r\nServer: test\r\n"
         if length is not None:
             head += f"Content-Length: {length}\r\n"
         connection.sendall(head.encode() + b"\r\n")
-        if name == "stalling":
+        if manner == "stalling":
             connection.sendall(body[: len(body) // 2])
             hang()
         connection.sendall(body)
+    if manner == "busy":
+        while not os.path.exists(os.path.join(os.environ["HOME"], "pid")):
+            time.sleep(0.02)
+        hang()
 
 
 def main():
