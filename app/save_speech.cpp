@@ -8,8 +8,10 @@
 #include <string>
 
 #include "app/settings_keys.h"
+#include "app/speech_copy.h"
 #include "app/speech_file.h"
 #include "app/speech_size.h"
+#include "formats/component_download.h"
 #include "formats/mp3_settings.h"
 #include "formats/mp3_sink.h"
 #include "formats/wave_file.h"
@@ -18,7 +20,6 @@
 #include "foundation/file.h"
 #include "gui/message_box.h"
 #include "gui/progress_dialog.h"
-#include "sound/source_to_sink.h"
 #include "speech/speech_reading.h"
 
 namespace {
@@ -69,20 +70,6 @@ bool ChooseTarget(GtkWidget* parent, Target& target) {
     return true;
 }
 
-// Empty: the user thought better of it.
-std::optional<LSoundSink> OpenTarget(const Target& target, const std::string& path) {
-    if (target.mp3) {
-        LMp3EncodeSettings settings = LoadMp3SettingsForSaving();
-        return OpenMp3Sink(path.c_str(), settings, 44100, 2);
-    }
-    LWaveFileFormat format(44100, 1, "PCM");
-    if (!target.askFormat)
-        LoadDefaultWaveFormat(format);
-    else if (!LWaveFile::WaveFormatSelectDialog(format, 0, "Select Wave File Format"))
-        return std::nullopt;
-    return LWaveFile::OpenSink(path.c_str(), format);
-}
-
 void ShowError(GtkWidget* parent, const char* title, const char* text,
                const std::string& detail = "") {
     MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, title, text, detail.c_str());
@@ -98,10 +85,51 @@ std::string TooLong(std::size_t bytes) {
            std::to_string(bytes) + " characters.";
 }
 
+// False: it cannot be opened, which the user has been told, or the user thought better of it.
+bool OpenWave(GtkWidget* parent, const Target& target, const std::string& path, LSoundSink& sink) {
+    LWaveFileFormat format(44100, 1, "PCM");
+    if (!target.askFormat)
+        LoadDefaultWaveFormat(format);
+    else if (!LWaveFile::WaveFormatSelectDialog(format, 0, "Select Wave File Format"))
+        return false;
+    sink = LWaveFile::OpenSink(path.c_str(), format);
+    if (sink->Status() != 0)
+        ShowSaveError(parent, "");
+    return sink->Status() == 0;
+}
+
+// False: there is no encoder, which the user has been told, or does not want to wait for.
+bool FetchEncoder(GtkWidget* parent) {
+    LProcessGetComponentPath request;
+    request.name = "mp3el";
+    if (FindComponent(request.name, request.path))
+        return true;
+    LProcessDialog<LProcessGetComponentPath> dialog("Install-on-Demand", request);
+    dialog.Open(parent);
+    if (dialog.Result() == kProcessFailed) {
+        if (!request.message.empty())
+            request.message += "\n\n";
+        ShowError(parent, "Install-on-Demand",
+                  "Saving as MP3 needs an encoder, which could not be installed.",
+                  request.message +
+                      "Please see that this computer is connected to the internet and has the "
+                      "program LAME (package \"lame\"), then save again. WAV files need nothing.");
+    }
+    return dialog.Result() == kProcessDone;
+}
+
+constexpr int kMp3Rate = 44100;
+
+// What the speech is written to, as far as sizes go.
+struct OutputFormat {
+    int rate;
+    int channels;
+};
+
 // Empty, or why speech of a text of so many bytes cannot be saved.
-std::string ProblemOfSize(std::size_t textBytes, const LSoundSinkBase& sink, bool mp3,
+std::string ProblemOfSize(std::size_t textBytes, OutputFormat format, bool mp3,
                           const std::string& path, const std::string& speechPath) {
-    const SpeechSize size = EstimateSpeechSize(textBytes, sink.SampleRate(), sink.Channels());
+    const SpeechSize size = EstimateSpeechSize(textBytes, format.rate, format.channels);
     if (!size.fits)
         return TooLong(size.surelyFit);
     struct statvfs disk {};
@@ -111,25 +139,40 @@ std::string ProblemOfSize(std::size_t textBytes, const LSoundSinkBase& sink, boo
                    static_cast<double>(bytes);
     };
     if (isTooSmall(speechPath, size.speechBytes) ||
-        isTooSmall(path, mp3 ? size.speechBytes / 4 : size.fileBytes))
+        isTooSmall(path, mp3 ? size.speechBytes / 2 : size.fileBytes))
         return "There is not enough room on the disk for the speech of this text.";
     return "";
 }
 
 // The whole speech, or an unchanged target file.
-void CopySpeech(GtkWidget* parent, const LSoundSource& source, LSoundSink& sink,
+void CopySpeech(GtkWidget* parent, const LSoundSource& source, const LSoundSink& sink, bool mp3,
                 WholeFile& output) {
-    LPRSourceToSink request{"Saving File", source, sink};
-    LProcessDialog<LPRSourceToSink> dialog("Saving File", request);
+    SpeechCopy copy(source, sink);
+    LProcessDialog<SpeechCopy> dialog("Saving File", copy);
     dialog.Open(parent);
-    const int error = sink->Finish();
-    if (error != 0 || dialog.Result() == kProcessFailed) {
-        ShowSaveError(parent, error != 0 ? g_strerror(error) : "");
-    } else if (dialog.Result() == kProcessDone) {
+    if (dialog.Result() == kProcessDone) {
         const std::string problem = output.Commit();
         if (!problem.empty())
             ShowSaveError(parent, problem);
+    } else if (dialog.Result() == kProcessFailed && mp3) {
+        ShowSaveError(parent,
+                      "The MP3 encoder has ended too early. It needs the program LAME (package "
+                      "\"lame\") and room on the disk.");
+    } else if (dialog.Result() == kProcessFailed) {
+        ShowSaveError(parent, copy.Error() != 0 ? g_strerror(copy.Error()) : "");
     }
+}
+
+// False: nothing of the speech is there, which the user has been told, or it is not wanted.
+bool Speak(GtkWidget* parent, SpeechReading& reading) {
+    reading.Start();
+    LProcessDialog<SpeechReading> synthesis("Synthesize Voice", reading);
+    synthesis.Open(parent);
+    if (synthesis.Result() == kProcessFailed)
+        ShowError(parent, "Lectora", "Unable to save the file. Please try again.",
+                  reading.Message());
+    // A cancelled synthesis goes on with what was spoken of this text.
+    return synthesis.Result() != kProcessFailed && reading.HasSound();
 }
 
 }  // namespace
@@ -144,45 +187,40 @@ std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice) {
         ShowSaveError(parent, output.Problem());
         return "";
     }
-    std::optional<LSoundSink> sink = OpenTarget(target, output.WritePath());
-    if (!sink)
+    LSoundSink sink;
+    if (target.mp3 ? !FetchEncoder(parent) : !OpenWave(parent, target, output.WritePath(), sink))
         return "";
-    if ((*sink)->Status() != 0) {
-        ShowSaveError(parent, "");
-        return "";
-    }
+    // Of MP3 only the frames are counted, not their bytes, so that it is like mono.
+    const OutputFormat format =
+        target.mp3 ? OutputFormat{kMp3Rate, 1} : OutputFormat{sink->SampleRate(), sink->Channels()};
     const std::string speechPath = SpeechFilePath();
     const std::string problem =
-        ProblemOfSize(text.size(), **sink, target.mp3, output.WritePath(), speechPath);
+        ProblemOfSize(text.size(), format, target.mp3, output.WritePath(), speechPath);
     if (!problem.empty()) {
         ShowSaveError(parent, problem);
         return "";
     }
     SpeechReading reading(text, voice, speechPath, ReadingUse::kSaving);
-    reading.Start();
-    LProcessDialog<SpeechReading> synthesis("Synthesize Voice", reading);
-    synthesis.Open(parent);
-    if (synthesis.Result() == kProcessFailed) {
-        ShowError(parent, "Lectora", "Unable to save the file. Please try again.",
-                  reading.Message());
-        return "";
-    }
-    // A cancelled synthesis goes on with what was spoken of this text.
-    if (!reading.HasSound())
+    if (!Speak(parent, reading))
         return "";
     LSoundSource source = reading.OpenSource();
     if (source->Status() != SoundStatus::kGood) {
         ShowError(parent, "Source Error", "Cannot open the source. Please try again.");
         return "";
     }
-    const int rate = (*sink)->SampleRate();
-    const int channels = (*sink)->Channels();
-    // A slow voice may have taken longer than expected.
-    if (FitsIntoFile(static_cast<double>(source->GetEndSample()) / source->SampleRate(), rate,
-                     channels))
-        CopySpeech(parent, source, *sink, output);
-    else
-        ShowSaveError(parent, TooLong(EstimateSpeechSize(0, rate, channels).surelyFit));
+    // An encoder is started only now that there is something for it.
+    if (target.mp3) {
+        LMp3EncodeSettings settings = LoadMp3SettingsForSaving();
+        sink = OpenMp3Sink(output.WritePath().c_str(), settings, kMp3Rate, 2);
+    }
+    const double seconds = static_cast<double>(source->GetEndSample()) / source->SampleRate();
+    if (sink->Status() != 0)
+        ShowSaveError(parent, "");
+    else if (FitsIntoFile(seconds, format.rate, format.channels))
+        CopySpeech(parent, source, sink, target.mp3, output);
+    else  // the voice was slower than expected
+        ShowSaveError(parent,
+                      TooLong(EstimateSpeechSize(0, format.rate, format.channels).surelyFit));
     source.Close();
     ::unlink(speechPath.c_str());
     return reading.Message();

@@ -6,8 +6,8 @@
 #include <string>
 
 // Asks for a file, speaks the text and writes it there as WAV, or as MP3 when the name or the
-// stored default says so and the encoder is installed. Blocks with dialogs; every failure is told
-// to the user. GUI thread.
+// stored default says so; an encoder that is missing is fetched. Blocks with dialogs; every failure
+// is told to the user. GUI thread.
 //
 // Gives back what is to be told of a save that went well, usually nothing.
 std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice);

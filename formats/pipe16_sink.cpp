@@ -1,6 +1,10 @@
 #include "formats/pipe16_sink.h"
 
 #include <errno.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -14,6 +18,14 @@ LPipe16Sink::LPipe16Sink(const char* command, int rate, unsigned char channels)
       block_(std::make_unique<LSF16[]>(static_cast<std::size_t>(kMaxBlockFrames) * Channels())) {
     if (!pipe_._Open(command))
         status_ |= 1;
+    group_ = pipe_.Pid();
+    process_.Reset(static_cast<int>(::syscall(SYS_pidfd_open, group_, 0)));
+}
+
+void LPipe16Sink::Interrupt() {
+    pollfd ended{process_.Get(), POLLIN, 0};
+    if (process_.IsOpen() && ::poll(&ended, 1, 0) == 0)
+        ::kill(-group_, SIGKILL);
 }
 
 LPipe16Sink::~LPipe16Sink() {

@@ -18,6 +18,10 @@ public:
     void Write(const int* buffer, int frames) override;
     void Write(const void* bytes, int length);  // as they are; not counted as frames
 
+    // Kills the command with all that it started, so that a thread that waits for it in Write or
+    // Finish goes on, with a write error. Any thread.
+    void Interrupt();
+
     // The wait status of the command once the sink is finished, -1 when there was none.
     int WaitStatus() const { return waitStatus_; }
 
@@ -28,6 +32,8 @@ protected:
 
 private:
     LPipeOut pipe_;
+    UniqueFd process_;  // tells whether group_ is still the command's: ids are used again
+    pid_t group_ = -1;
     std::unique_ptr<LSF16[]> block_;
     bool isFinished_ = false;
     int waitStatus_ = -1;

@@ -48,6 +48,7 @@ bool LPipeOut::_Open(const char* commandLine) {
         return false;
     LChildStreams streams;
     streams.input = pipe.readEnd.Get();
+    streams.ownGroup = true;
     LChildProcess child = LChildProcess::StartShell(commandLine, streams);
     pipe.readEnd.Reset();
     return Adopt(std::move(pipe.writeEnd), "w", std::move(child));

@@ -37,8 +37,8 @@ public:
                                           // command first
 };
 
-// Writes to a command's standard input. A command that ended raises SIGPIPE in a writer that does
-// not block or ignore it.
+// Writes to a command's standard input. The command leads a process group of its own. One that
+// ended raises SIGPIPE in a writer that does not block or ignore it.
 class LPipeOut : public LPipeStream {
 public:
     bool _Open(const char* commandLine);

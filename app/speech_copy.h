@@ -1,0 +1,50 @@
+// Speech on its way into a file: copied by a thread of its own, since an encoder that hangs and a
+// disk that stands still hold up whoever writes to them.
+#pragma once
+
+#include <atomic>
+
+#include "foundation/progress.h"
+#include "foundation/thread.h"
+#include "sound/source_to_sink.h"
+
+// Source and sink are the thread's until Process has returned.
+class SpeechCopy final : public LThread {
+public:
+    SpeechCopy(const LSoundSource& source, const LSoundSink& sink)
+        : request_{"Saving File", source, sink} {}
+    ~SpeechCopy() override { End(); }
+
+    LSignalObjectRef Done() const { return done_.Ref(); }
+    double Fraction() const { return fraction_; }
+    // Waits for the thread; one that a hanging encoder holds up takes the encoder with it. Its
+    // result: done means that the sink is finished and its output whole.
+    LProcessResult End();
+    int Error() const { return error_; }  // errno of what went wrong, 0 when unknown; after End
+
+private:
+    void ThreadFunction() override;
+
+    LPRSourceToSink request_;
+    std::atomic<double> fraction_ = 0;
+    LSignalObject done_;
+    LProcessResult result_ = kProcessFailed;
+    int error_ = 0;
+};
+
+template <LProgress P>
+LProcessResult Process(P& progress, SpeechCopy& copy) {
+    constexpr unsigned int kStepMilliseconds = 150;
+    progress.SetFirstLabel("Saving File");
+    progress.SetSecondLabel("Please wait...");
+    copy.Start(0);
+    LProcessResult waited = kProcessFailed;
+    while (waited == kProcessFailed) {
+        waited = progress.ProcessWaitSignal(copy.Done(), kStepMilliseconds);
+        progress.SetFraction(copy.Fraction());
+    }
+    if (waited == kProcessStopped)
+        copy.StopThreadSoon();
+    const LProcessResult result = copy.End();
+    return waited == kProcessStopped ? waited : result;
+}
