@@ -8,19 +8,39 @@ namespace {
 constexpr int kMenuImageSize = 16;
 
 // The menu goes first: the command may open a dialog, which could not be used under it.
-gboolean GCWindowMenuItemClicked(GtkWidget* item, GdkEventButton* event, gpointer host) {
-    if (event->type != GDK_BUTTON_PRESS)
-        return TRUE;
+void Choose(GtkWidget* item, gpointer host) {
     GtkWidget* shell = gtk_widget_get_parent(item);
     if (GTK_IS_MENU_SHELL(shell))
         gtk_menu_shell_deactivate(GTK_MENU_SHELL(shell));
     HostOf(host).WMCommand(StoredCommand(item, "_cmd"));
+}
+
+gboolean GCWindowMenuItemClicked(GtkWidget* item, GdkEventButton* event, gpointer host) {
+    if (event->type == GDK_BUTTON_PRESS)
+        Choose(item, host);
     return TRUE;
 }
 
-// Accelerators and assistive programs activate items too. Keys reach the window by its key map, so
-// that a command sent from here would run twice.
+// Accelerators, a check item that is set and assistive programs activate items too. Keys reach the
+// window by its key map, so that a command sent from here would run twice.
 void GCMenuItemActive(GtkMenuItem*, gpointer) {}
+
+// Enter or space in an open menu. It ends here: GTK would go on to activate the item.
+void GCActivateCurrent(GtkMenuShell* menu, gboolean, gpointer host) {
+    GtkWidget* item = menu->active_menu_item;
+    if (item == nullptr || StoredCommand(item, "_cmd") == 0 || !gtk_widget_is_sensitive(item))
+        return;
+    g_signal_stop_emission_by_name(menu, "activate-current");
+    Choose(item, host);
+}
+
+// The item's letter in an open menu. Where several items have it, GTK goes from one to the next.
+gboolean GCItemLetter(GtkWidget* item, gboolean shared, gpointer host) {
+    if (shared)
+        return FALSE;
+    Choose(item, host);
+    return TRUE;
+}
 
 GtkWidget* NewItem(const LMenuItem& row, bool first) {
     const std::string text = MnemonicText(row.text);
@@ -55,6 +75,7 @@ void ConnectMenuItem(const LMenuOwner& owner, GtkWidget* item, int command) {
     owner.signals.Connect(item, "button-press-event", G_CALLBACK(GCWindowMenuItemClicked),
                           &owner.host);
     owner.signals.Connect(item, "activate", G_CALLBACK(GCMenuItemActive), &owner.host);
+    owner.signals.Connect(item, "mnemonic-activate", G_CALLBACK(GCItemLetter), &owner.host);
 }
 
 GtkWidget* AddSubMenu(GtkWidget* shell, const char* title) {
@@ -66,6 +87,7 @@ GtkWidget* AddSubMenu(GtkWidget* shell, const char* title) {
 }
 
 void AddMenuRows(const LMenuOwner& owner, GtkWidget* menu, LMenuItems items, std::size_t& index) {
+    owner.signals.Connect(menu, "activate-current", G_CALLBACK(GCActivateCurrent), &owner.host);
     bool first = true;
     while (index < items.size()) {
         const LMenuItem& row = items[index++];

@@ -23,8 +23,8 @@ struct LMenuOwner {
 // `index` behind the end row.
 void AddMenuRows(const LMenuOwner& owner, GtkWidget* menu, LMenuItems items, std::size_t& index);
 
-// A pressed item sends its command to the host; activating it by other means does not. An item is
-// registered under its command.
+// An item that the user chooses in an open menu, by pointer or key, sends its command to the host;
+// activating it by other means does not. An item is registered under its command.
 void ConnectMenuItem(const LMenuOwner& owner, GtkWidget* item, int command);
 
 // An item with a sub-menu of its own, appended to the shell.

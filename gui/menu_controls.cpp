@@ -38,6 +38,16 @@ gboolean GCMenuClicked(GtkWidget* title, GdkEventButton*, gpointer host) {
     return FALSE;  // the menu opens
 }
 
+// A key opens a menu by selecting its title. The pointer selects it too, after its press.
+void GCMenuSelected(GtkWidget* title, gpointer host) {
+    GdkEvent* event = gtk_get_current_event();
+    if (event == nullptr)
+        return;
+    if (event->type == GDK_KEY_PRESS)
+        DeliverStored(host, title, "menu_bar");
+    gdk_event_free(event);
+}
+
 }  // namespace
 
 GtkWidget* LMenuControls::MenuBar() const {
@@ -140,6 +150,7 @@ void LMenuControls::HandleInitMenu(int command) {
     for (GtkWidget* title : LGtkChildren(bar)) {
         StoreCommand(title, "menu_bar", command, command);
         Connect(title, "button-press-event", G_CALLBACK(GCMenuClicked));
+        Connect(title, "select", G_CALLBACK(GCMenuSelected));
     }
 }
 

@@ -14,7 +14,8 @@ public:
     // and end the program.
     void AddStandardMenuItems(bool withTray);
 
-    // Also registers the item under the command. Only a press of the item sends it.
+    // Also registers the item under the command, which a press of the item sends; in a menu made
+    // from a table Enter, space and the item's letter do so too.
     void SetMenuCommandHandler(GtkWidget* item, int command);
     void EnableMenuItem(int command, bool on);
     void EnableMenuItems(std::span<const int> commands, bool on);
@@ -24,8 +25,8 @@ public:
     // The item of the menu with this command, and its position; null and -1 for none.
     static GtkWidget* _GetMenuItem(GtkWidget* menu, int command, int& position);
 
-    // Sends the command just before a menu of the bar opens by the pointer, so that the window can
-    // enable and check its items.
+    // Sends the command when a menu of the bar opens, so that the window can enable and check its
+    // items.
     void HandleInitMenu(int command);
     // Runs the command of the sensitive item whose accelerator the key is; false for none.
     bool CheckMenuAccelerators(LKeyCode key);

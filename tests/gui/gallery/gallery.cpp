@@ -176,6 +176,11 @@ void FillLists(LDialog& d, LStatusWindow& log) {
 
 struct MainLike : LKeyDialog, LStatusBar, LToolBar {
     GtkWidget* StatusBar() { return CreateStatusBar(); }
+    void Command(int command) override {
+        commands += " " + std::to_string(command);
+        SetStatusText(commands.c_str());
+    }
+    std::string commands = "Commands:";
 };
 
 constexpr LMenuItem kMenu[] = {
@@ -225,6 +230,7 @@ void ShowMainLike() {
     gtk_box_pack_start(GTK_BOX(content), bar, TRUE, TRUE, 0);
     LMenuContainer::SetMenu(window, kMenu, kKeys);
     window.AddStandardMenuItems(true);
+    window.HandleInitMenu(7);
     window.SetToolBar(window, kTools);
     window.AddToolboxAndHelp();
     gtk_box_pack_end(GTK_BOX(content), window.StatusBar(), FALSE, FALSE, 0);
