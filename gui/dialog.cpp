@@ -39,15 +39,17 @@ GtkWidget* GenerateTable(LDialog& dialog, const LDialog::OpenGenData& genData) {
 bool LDialog::Open(GtkWidget* parent, OpenGenData genData, bool modal) {
     if (IsOpen())
         return ShowAgain(parent);
-    Build(parent, genData);
+    GtkWidget* table = Build(parent, genData);
     InitDialog();
+    if (IsOpen())  // not closed by InitDialog
+        FitToScreen(Widget(), table);
     if (modal)
         return RunModal(parent);
     RunModeless(parent);
     return true;
 }
 
-void LDialog::Build(GtkWidget* parent, const OpenGenData& genData) {
+GtkWidget* LDialog::Build(GtkWidget* parent, const OpenGenData& genData) {
     const auto flags = GtkDialogFlags(GTK_DIALOG_DESTROY_WITH_PARENT |
                                       (genData.noSeparator ? GTK_DIALOG_NO_SEPARATOR : 0));
     GtkWidget* window = NewDialogWindow(parent, genData.title, flags,
@@ -63,6 +65,7 @@ void LDialog::Build(GtkWidget* parent, const OpenGenData& genData) {
     CreateAccelerators();
     GtkWidget* content = gtk_dialog_get_content_area(GTK_DIALOG(window));
     gtk_box_pack_start(GTK_BOX(content), table, TRUE, TRUE, 0);
+    return table;
 }
 
 bool LDialog::RunModal(GtkWidget* parent) {

@@ -26,7 +26,8 @@ public:
     void DoCANCELButton();
 
 private:
-    void Build(GtkWidget* parent, const OpenGenData& genData);
+    // Returns what the generator laid out.
+    GtkWidget* Build(GtkWidget* parent, const OpenGenData& genData);
     bool RunModal(GtkWidget* parent);
     void RunModeless(GtkWidget* parent);
     bool ShowAgain(GtkWidget* parent);

@@ -1,10 +1,20 @@
 #include "gui/dialog_frame.h"
 
+#include <algorithm>
+
 #include "gui/display_text.h"
 #include "gui/icons.h"
 #include "gui/parent_window.h"
 #include "gui/signal_owner.h"
 #include "gui/window.h"
+
+namespace {
+
+// Pixels that the window manager and its panels need around a window.
+constexpr int kWindowFrame = 64;
+constexpr int kScrollBar = 24;
+
+}  // namespace
 
 GtkWidget* NewDialogWindow(GtkWidget* parent, const char* title, GtkDialogFlags flags,
                            std::initializer_list<LDialogButton> buttons) {
@@ -14,6 +24,42 @@ GtkWidget* NewDialogWindow(GtkWidget* parent, const char* title, GtkDialogFlags 
         gtk_dialog_add_button(GTK_DIALOG(dialog), button.stockId, button.response);
     SetWindowIcon(GTK_WINDOW(dialog), kAppIconNumber);
     return dialog;
+}
+
+void FitToScreen(GtkWidget* window, GtkWidget* content) {
+    gtk_widget_show_all(gtk_bin_get_child(GTK_BIN(window)));
+    GtkRequisition whole;
+    GtkRequisition inner;
+    gtk_widget_size_request(window, &whole);
+    gtk_widget_get_child_requisition(content, &inner);
+    GdkScreen* screen = gtk_widget_get_screen(window);
+    const int tooWide = whole.width - (gdk_screen_get_width(screen) - kWindowFrame);
+    const int tooHigh = whole.height - (gdk_screen_get_height(screen) - kWindowFrame);
+    if (tooWide <= 0 && tooHigh <= 0)
+        return;
+    GtkWidget* box = gtk_widget_get_parent(content);
+    int position = 0;
+    gtk_container_child_get(GTK_CONTAINER(box), content, "position", &position, nullptr);
+    const auto kept = GObjectRef<GtkWidget>::Share(content);
+    gtk_container_remove(GTK_CONTAINER(box), content);
+    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), content);
+    gtk_viewport_set_shadow_type(GTK_VIEWPORT(gtk_bin_get_child(GTK_BIN(scrolled))),
+                                 GTK_SHADOW_NONE);
+    // What gets the focus scrolls into view.
+    gtk_container_set_focus_vadjustment(
+        GTK_CONTAINER(content), gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled)));
+    gtk_container_set_focus_hadjustment(
+        GTK_CONTAINER(content), gtk_scrolled_window_get_hadjustment(GTK_SCROLLED_WINDOW(scrolled)));
+    const int width = tooWide > 0 ? inner.width - tooWide : inner.width + kScrollBar;
+    const int height = tooHigh > 0 ? inner.height - tooHigh : inner.height + kScrollBar;
+    gtk_widget_set_size_request(scrolled, std::max(width, 1), std::max(height, 1));
+    gtk_box_pack_start(GTK_BOX(box), scrolled, TRUE, TRUE, 0);
+    gtk_box_reorder_child(GTK_BOX(box), scrolled, position);
+    gtk_widget_show(gtk_bin_get_child(GTK_BIN(scrolled)));
+    gtk_widget_show(scrolled);
 }
 
 LDisabledParent::LDisabledParent(GtkWidget* parent)

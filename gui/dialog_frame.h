@@ -18,6 +18,10 @@ struct LDialogButton {
 GtkWidget* NewDialogWindow(GtkWidget* parent, const char* title, GtkDialogFlags flags,
                            std::initializer_list<LDialogButton> buttons);
 
+// Lets `content`, a direct child of the window's content area, scroll where the window would be
+// larger than the screen: its buttons must stay within reach. Once, before the window is shown.
+void FitToScreen(GtkWidget* window, GtkWidget* content);
+
 // Keeps a window from being used for a scope; it may be destroyed meanwhile, or be null.
 class LDisabledParent {
 public:

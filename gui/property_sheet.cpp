@@ -58,6 +58,7 @@ bool LPropertySheet::Open(GtkWidget* parent, const char* title, int startPage) {
         page.page->InitDialog();
     for (const Page& page : pages_)
         page.page->EnableControls();
+    FitToScreen(window.Get(), notebook_);
     gtk_widget_show_all(window.Get());
     if (startPage != 0)
         gtk_notebook_set_current_page(GTK_NOTEBOOK(notebook_), startPage);

@@ -15,7 +15,7 @@ WINDOWS = [
         "dialog Controls",
         "Name, Password, Copies, Voice, Device, Remind me, Calendar, Speed, Volume, Volume, Notes,"
         " Quillon on the web, Prompt for format settings, Tell me when it is done, Add..., Change...,"
-        " Remove..., Restore Defaults, OK, Cancel, Help",
+        " Remove..., Defaults, OK, Cancel, Help",
     ),
     ("dialog Lists and log", "System Wide HotKeys, Status, Go Back, Help"),
     (

@@ -80,6 +80,11 @@ void TakePicture(const char* name) {
     int width = 0;
     int height = 0;
     gdk_drawable_get_size(root, &width, &height);
+    if (frame.width > width || frame.height > height) {
+        std::fprintf(stderr, "%s: %d x %d is larger than the screen\n", name, frame.width,
+                     frame.height);
+        allHasRoom = false;
+    }
     const GdkRectangle screen{0, 0, width, height};
     GdkRectangle seen;
     gdk_rectangle_intersect(&frame, &screen, &seen);
@@ -120,7 +125,7 @@ void GenerateControls(LDialogGenContext& c) {
     c.AddButton(38, "Remove...");
     c.EndHBox();
     c.GroupEnd();
-    c.AddSpecialOkCancelHelp(39, "Restore Defaults", nullptr, false, false, false);
+    c.AddSpecialOkCancelHelp(39, "Defaults", nullptr, false, false, false);
 }
 
 void FillControls(LDialog& d) {
@@ -239,7 +244,7 @@ void ShowMainLike() {
     window.CoolButtonInitDropDown(511, kSaveButtonIcon, "Save as Speech", 1);
     window.CoolButtonInitUpDown(512, kRewindIcon, "", 2, 3);
     window.SetTooltip(512, "Rewind (<-)");
-    gtk_widget_set_size_request(window.Widget(), 860, -1);
+    gtk_widget_set_size_request(window.Widget(), MIN(860, gdk_screen_width() - 20), -1);
     gtk_widget_show_all(window.Widget());
     if (folder.empty()) {
         LookAt(window);
