@@ -65,13 +65,21 @@ void FitToScreen(GtkWidget* window, GtkWidget* content) {
 LDisabledParent::LDisabledParent(GtkWidget* parent)
     : parent_(GObjectRef<GtkWidget>::Share(parent)),
       was_(parent != nullptr && gtk_widget_get_sensitive(parent) != FALSE) {
-    if (was_)
-        gtk_widget_set_sensitive(parent, FALSE);
+    if (!was_)
+        return;
+    // A window that is disabled forgets the focus; whoever cannot see it would be lost.
+    if (GTK_IS_WINDOW(parent))
+        focus_ = GObjectRef<GtkWidget>::Share(gtk_window_get_focus(GTK_WINDOW(parent)));
+    gtk_widget_set_sensitive(parent, FALSE);
 }
 
 LDisabledParent::~LDisabledParent() {
-    if (was_)
-        gtk_widget_set_sensitive(parent_.Get(), TRUE);
+    if (!was_)
+        return;
+    gtk_widget_set_sensitive(parent_.Get(), TRUE);
+    const bool there = focus_ && gtk_widget_get_toplevel(focus_.Get()) == parent_.Get();
+    if (there && gtk_window_get_focus(GTK_WINDOW(parent_.Get())) == nullptr)
+        gtk_widget_grab_focus(focus_.Get());
 }
 
 LDialogEnd RunDialog(GtkWidget* dialog, const LDialogAnswers& answers) {

@@ -22,7 +22,8 @@ GtkWidget* NewDialogWindow(GtkWidget* parent, const char* title, GtkDialogFlags 
 // larger than the screen: its buttons must stay within reach. Once, before the window is shown.
 void FitToScreen(GtkWidget* window, GtkWidget* content);
 
-// Keeps a window from being used for a scope; it may be destroyed meanwhile, or be null.
+// Keeps a window from being used for a scope, after which the focus is where it was; the window may
+// be destroyed meanwhile, or be null.
 class LDisabledParent {
 public:
     explicit LDisabledParent(GtkWidget* parent);
@@ -32,6 +33,7 @@ public:
 
 private:
     GObjectRef<GtkWidget> parent_;
+    GObjectRef<GtkWidget> focus_;
     bool was_ = false;  // enabled before, which an outer dialog may have ended
 };
 

@@ -124,7 +124,11 @@ TEST_F(DialogRun, HandlersMayEndTheirWindowOrThemselves) {
     EXPECT_TRUE(ParentEnabled());
 }
 
-TEST_F(DialogRun, AnInnerDialogLeavesTheParentToTheOuterOne) {
+TEST_F(DialogRun, AnInnerDialogLeavesTheParentAndItsFocusToTheOuterOne) {
+    GtkWidget* entry = gtk_entry_new();
+    gtk_container_add(GTK_CONTAINER(parent), entry);
+    gtk_widget_show_all(parent);
+    gtk_widget_grab_focus(entry);
     bool enabled = true;
     UserScript user({[&] {
                          RecordingDialog inner;
@@ -136,6 +140,7 @@ TEST_F(DialogRun, AnInnerDialogLeavesTheParentToTheOuterOne) {
     EXPECT_TRUE(dialog.Open(parent, {"Run", false, GenerateButtons}, true));
     EXPECT_FALSE(enabled);
     EXPECT_TRUE(ParentEnabled());
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(parent)), entry);
 }
 
 TEST(DialogControls, WhatIsHiddenStaysHiddenAndLabelsYield) {
