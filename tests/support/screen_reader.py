@@ -111,16 +111,26 @@ class ScreenReader:
         assert not passed_by, f"Tab passes by {passed_by}"
         return stops
 
+    def go_to(self, window, name):
+        """Presses Tab until the focus is on what has the name."""
+        stop, seen = _focus(window), []
+        while stop.name != name:
+            assert stop not in seen, f"Tab does not reach '{name}'"
+            seen.append(stop)
+            stop = self._move(window, stop, "Tab")
+
     def _next(self, window, stop, key):
         mark = self.mark()
+        return self._heard(self._move(window, stop.widget, key), mark)
+
+    def _move(self, window, widget, key):
         desktop.press_keys(key)
         try:
-            focus = desktop.wait_until(
-                lambda: (now := _focus(window)) != stop.widget and now, "the focus to move on"
+            return desktop.wait_until(
+                lambda: (now := _focus(window)) != widget and now, "the focus to move on"
             )
         except desktop.TimeOut:
-            raise AssertionError(f"{key} does not lead on from {_describe(stop.widget)}") from None
-        return self._heard(focus, mark)
+            raise AssertionError(f"{key} does not lead on from {_describe(widget)}") from None
 
     def _heard(self, widget, since):
         role = widget.getRoleName()
@@ -161,7 +171,13 @@ def _focus(window):
     """What has the keyboard focus in the window; a list rather than its cell."""
     return desktop.wait_until(
         lambda: next(
-            (each for each in _below(window) if each.getState().contains(pyatspi.STATE_FOCUSED)), None
+            (
+                each
+                for each in _below(window)
+                if each.getState().contains(pyatspi.STATE_FOCUSED)
+                and each.getRoleName() not in _PARTS
+            ),
+            None,
         ),
         "the focus",
     )
