@@ -130,25 +130,6 @@ TEST_F(DBEdit, TypedTextMovesTheHandleAndEnterTellsTheWindow) {
     EXPECT_EQ(told_, (std::vector{20, 21, 48})) << "no change, no notification";
 }
 
-TEST_F(DBEdit, AScreenReaderReadsAndSetsTheLevel) {
-    LDBEdit::SetLevel(box_, LDB(-6));
-    LDBEdit::SetName(box_, "Volume");
-    AtkObject* accessible = gtk_widget_get_accessible(display_);
-    EXPECT_STREQ(atk_object_get_name(accessible), "Volume");
-    if (!GTK_IS_ACCESSIBLE(accessible))
-        GTEST_SKIP() << "without the toolkit's accessibility module there is nothing to ask";
-    EXPECT_EQ(atk_object_get_role(accessible), ATK_ROLE_SLIDER);
-    AtkValue* slider = ATK_VALUE(accessible);
-    const AtkValueIface* ask = ATK_VALUE_GET_IFACE(slider);
-    GValue value = G_VALUE_INIT;
-    ask->get_current_value(slider, &value);
-    EXPECT_EQ(g_value_get_double(&value), -6);
-    g_value_set_double(&value, 3);
-    EXPECT_TRUE(ask->set_current_value(slider, &value));
-    EXPECT_EQ(Level(), 3);
-    EXPECT_EQ(told_, std::vector{35});
-}
-
 TEST(Meter, BarsFallSmoothlyUnderAHeldPeak) {
     constexpr std::int64_t kSecond = 1'000'000;
     LMeterBallistics meter;

@@ -1,6 +1,7 @@
 """The gallery in use: what a screen reader says of it, real keys and the real pointer."""
 import os
 import sys
+import time
 import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "../support"))
@@ -90,6 +91,8 @@ class GalleryTest(unittest.TestCase):
                 desktop.xdotool("mousemove", box.x + x, y)
             desktop.xdotool("mouseup", 1)
             self.wait_for_level(slider, 16)
+            slider.queryValue().currentValue = 3
+            self.wait_for_level(slider, 3)
 
             for title, following in (("Controls", "Lists and log"),
                                      ("Lists and log", "Menus, tool bar, command bar")):
@@ -104,6 +107,18 @@ class GalleryTest(unittest.TestCase):
             gallery.press("menu", "Read Aloud")
             gallery.press("menu item", "Read from file")
             self.wait_for_status(gallery, sent + " 7 1008")
+
+            # What is left are answers, and the splash: once until it is clicked, once until its time
+            # is up.
+            windows = ("dialog", "Menus, tool bar, command bar"), ("dialog", "Options"), (
+                "dialog", "Lectora"), ("alert", "Question"), ("dialog", "Locate File to Read Text")
+            for window in windows:
+                gallery.active_window(*window)
+                desktop.press_keys("Escape")
+            gallery.click(gallery.find("icon", "Lectora"))
+            started = time.monotonic()
+            self.assertEqual(gallery.process.wait(desktop.PATIENCE), 0)
+            self.assertGreater(time.monotonic() - started, 4.5)
 
     def wait_for_status(self, gallery, text):
         desktop.wait_until(lambda: gallery.status() == text, f"'{text}' in the status bar")

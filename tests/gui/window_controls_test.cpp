@@ -213,20 +213,4 @@ TEST_F(WindowControls, RangesKeepWithinTheirLimits) {
     EXPECT_EQ(gtk_progress_bar_get_fraction(GTK_PROGRESS_BAR(bar)), 1.0);
 }
 
-// What a screen reader speaks for each control.
-TEST_F(WindowControls, LabelsSpeakForTheirControls) {
-    const struct {
-        int id;
-        const char* name;
-    } cases[] = {{kEntry, "Name:"}, {kList, "Rate:"}, {kCombo, "Voice:"}, {kSpin, "Count:"}};
-    for (const auto& c : cases) {
-        GtkWidget* control = dialog.GetControlByID(c.id);
-        EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(control)), c.name);
-        GtkWidget* label = dialog.GetControlByID(c.id + 1);
-        if (GTK_IS_LABEL(label)) {
-            EXPECT_EQ(gtk_label_get_mnemonic_widget(GTK_LABEL(label)), control);
-        }
-    }
-}
-
 }  // namespace

@@ -332,8 +332,16 @@ void ShowBoxes() {
     char start[kTextBufferSize] = "";
     LFile::BrowseReadFilePath(nullptr, path, "Locate File to Read Text", start,
                               "Text Documents\0*.txt\0");
-    if (folder.empty())
+    if (folder.empty()) {
+        for (int i = 0; i < 2; ++i) {
+            LSplashScreen splash;
+            splash.Display(nullptr);
+            splash.Display(nullptr);
+            while (splash.IsShown())
+                gtk_main_iteration();
+        }
         return;
+    }
     LAboutBox::Open(nullptr);
     TakePicture("about");
     gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_OK);
