@@ -2,6 +2,7 @@
 
 #include "gui/display_text.h"
 #include "gui/gobject_ref.h"
+#include "gui/widgets/theme_paint.h"
 
 namespace {
 
@@ -27,17 +28,25 @@ gboolean GCPromptExpose(GtkWidget* field, GdkEventExpose* event, gpointer) {
     int x = 0;
     int y = 0;
     if (GTK_IS_ENTRY(field)) {
+        int left = 0;
         int height = 0;
         int textHeight = 0;
-        x = 2;  // where the entry begins its own text
+        // Where the entry begins its own text, whose window lies within the entry's.
+        gtk_entry_get_layout_offsets(GTK_ENTRY(field), &x, nullptr);
+        gdk_window_get_position(event->window, &left, nullptr);
+        x -= left;
         gdk_drawable_get_size(event->window, nullptr, &height);
         pango_layout_get_pixel_size(layout.Get(), nullptr, &textHeight);
         y = (height - textHeight) / 2;
     } else {
         x = gtk_text_view_get_left_margin(GTK_TEXT_VIEW(field));
     }
-    gtk_paint_layout(gtk_widget_get_style(field), event->window, GTK_STATE_INSENSITIVE, FALSE,
-                     &event->area, field, "entry", x, y, layout.Get());
+    // Half-way between text and background; what a theme paints for disabled texts may be embossed.
+    const LCairo cairo(gdk_cairo_create(event->window));
+    gdk_cairo_set_source_color(cairo.get(),
+                               &gtk_widget_get_style(field)->text_aa[GTK_STATE_NORMAL]);
+    cairo_move_to(cairo.get(), x, y);
+    pango_cairo_show_layout(cairo.get(), layout.Get());
     return FALSE;
 }
 
