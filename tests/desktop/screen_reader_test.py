@@ -11,6 +11,7 @@ MAIN, OPTIONS = "frame Lectora", "dialog Options"
 WINDOWS = (
     (None, None, (), MAIN,
      "Text to read, Choose Voice: , Read Aloud, Save as Speech, Options, Read from a file"),
+    (MAIN, "Text to read", ("alt+h", "a"), "dialog Lectora", "OK"),
     (MAIN, "Text to read", ("alt+t", "o"), OPTIONS, "General, For whom, Format Settings, OK"),
     (OPTIONS, "Format Settings", ("space",), "dialog Wave Encoder Options", "OK"),
     (OPTIONS, "Format Settings", ("ctrl+Page_Down",), OPTIONS,
