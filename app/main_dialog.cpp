@@ -8,6 +8,7 @@
 #include "app/commands.h"
 #include "app/document_loading.h"
 #include "app/help_links.h"
+#include "app/machine_check.h"
 #include "app/save_speech.h"
 #include "app/settings_keys.h"
 #include "app/start_up.h"
@@ -112,6 +113,7 @@ void MainDialog::ShowNoSpeechEngine() {
         "No voice is installed on this computer. Please download the speech engine from the "
         "speech web page, which opens when you close this message.");
     OpenInBrowser(WebAddress("speech"));
+    RunMachineCheck(Widget());
 }
 
 void MainDialog::EvVoicesAnswered() {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "app/machine_check.h"
 #include "app/settings_keys.h"
 #include "app/speech_file.h"
 #include "gui/message_box.h"
@@ -148,4 +149,5 @@ void ReadAloud::ShowTrouble(PlayTrouble trouble) {
     }
     MessageBoxRun(parent_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Cannot Play", "Cannot Play",
                   "Please check that you have selected the correct sound device.");
+    RunMachineCheckWithoutCard(parent_);
 }

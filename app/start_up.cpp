@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "app/machine_check.h"
 #include "app/main_dialog.h"
 #include "app/run_once.h"
 #include "desktop/dialogs/install_wizard.h"
@@ -39,6 +40,7 @@ void SilenceLibraries() {
 
 constexpr const char* kInstall = "-install";
 constexpr const char* kUninstall = "-uninstall";
+constexpr const char* kCheck = "-check";
 
 bool IsFirst(const char* word, int count, const char* const* arguments) {
     return count > 1 && std::strcmp(arguments[1], word) == 0;
@@ -68,6 +70,10 @@ gboolean RunHandedOver(gpointer user) {
                           "the installation or removal again.");
             return FALSE;
         }
+    }
+    if (IsFirst(kCheck, count, pointers.data())) {
+        RunMachineCheck(handed->window.Widget());
+        return FALSE;
     }
     handed->window.EvRunArguments(pointers.data(), count);
     // Also when EvRunArguments did so: a start without arguments always brings the window back.
@@ -194,6 +200,10 @@ int RunLectora(int argc, char** argv) {
     }
     if (IsFirst(kUninstall, gargc, gargv)) {
         UninstallInWindow();
+        return 0;
+    }
+    if (IsFirst(kCheck, gargc, gargv)) {
+        RunMachineCheck(nullptr);
         return 0;
     }
     if (gargc > 0 && IsNamedSetup(gargv[0])) {

@@ -14,6 +14,8 @@ class EngineTroubleTest(DesktopCase):
         lectora.press("push button", "OK")
         page = "browser http://quillon.example/speech"
         desktop.wait_until(lambda: page in desktop.engine_calls(), "the speech web page")
+        # The window that tells what is missing stands beside.
+        lectora.press("push button", "Close")
         # The engine has come to: reading asks it again.
         desktop.tell_engine()
         lectora.set_text(TEXT)

@@ -10,6 +10,7 @@
 #include <map>
 
 #include "desktop/desktop_shortcut.h"
+#include "desktop/packages.h"
 #include "desktop/root_prompt.h"
 #include "desktop/watched_command.h"
 #include "foundation/lock_file.h"
@@ -269,6 +270,31 @@ TEST(WatchedCommand, TellsItsLastLineAndGoesOnWhenNobodyWatches) {
     std::ofstream(go) << "word\n";
     while (folder.Read("end") != "word\n")
         ::usleep(1000);
+}
+
+TEST(Packages, StandInTheReadMeAsInTheWindow) {
+    const std::string readMe = ScratchFolder::ReadFile(LECTORA_SOURCE "/README.md");
+    std::string table = "| language | speaker | package |\n|---|---|---|\n";
+    for (const LVoicePackage& voice : VoicePackages())
+        table += std::string("| ") + voice.language + " | " + voice.speaker + " | `" +
+                 voice.package + "` |\n";
+    EXPECT_NE(readMe.find(table + "\n"), std::string::npos) << table;
+}
+
+TEST(Packages, AreInstalledByTheServiceElseByThePromptElseByHand) {
+    const ScratchFolder programs;
+    const ScopedVariable path("PATH", programs.Path().c_str());
+    const std::vector<std::string> two{"a", "b"};
+    EXPECT_EQ(InstallCommandToRun(two), "");
+    programs.WriteProgram("pkexec", "");
+    EXPECT_EQ(InstallCommandToRun(two), "") << "no Debian";
+    programs.WriteProgram("apt-get", "");
+    EXPECT_EQ(InstallCommandToRun(two),
+              "pkexec 'env' 'DEBIAN_FRONTEND=noninteractive' 'sh' '-c' 'apt-get -y install a b || "
+              "{ apt-get update && apt-get -y install a b; }'");
+    programs.WriteProgram("pkcon", "");
+    EXPECT_EQ(InstallCommandToRun(two), "pkcon --plain -y install a b");
+    EXPECT_EQ(InstallCommandToType(two), "sudo apt install a b");
 }
 
 }  // namespace

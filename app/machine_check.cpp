@@ -1,0 +1,88 @@
+#include "app/machine_check.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app/read_aloud.h"
+#include "app/settings_keys.h"
+#include "desktop/dialogs/ready_dialog.h"
+#include "foundation/child_process.h"
+#include "foundation/gdk/queued_notify.h"
+#include "playback/play_device.h"
+#include "speech/voice_list_query.h"
+#include "speech/voices.h"
+
+namespace {
+
+constexpr int kMostCards = 32;  // as many as the kernel numbers
+constexpr const char* kTestSentence = "Hello. This is Lectora, and it can read to you.";
+
+std::vector<std::string> SoundCards() {
+    std::vector<std::string> names;
+    for (int card = 0; card < kMostCards; ++card) {
+        char name[kTextBufferSize];
+        LSoundPlayDevice::GetListDeviceName(card, name);
+        if (*name != '\0')
+            names.emplace_back(name);
+    }
+    return names;
+}
+
+class Machine : public LReadiness, private LThreadQueuedNotify, private ReadAloudListener {
+public:
+    Machine() : reading_(*this), query_([this] { QueueNotify(); }) {}
+
+    void Look(std::function<void()> changed) override {
+        changed_ = std::move(changed);
+        reading_.Stop();
+        cards_ = SoundCards();
+        if (changed_)
+            query_.Ask();
+    }
+    Engine EngineState() const override {
+        switch (query_.State()) {
+            case VoiceListState::kAsking:
+                return Engine::kAsking;
+            case VoiceListState::kNoEngine:
+                return Engine::kMissing;
+            case VoiceListState::kNoVoices:
+                return Engine::kWithoutVoice;
+            default:
+                return Engine::kSpeaks;
+        }
+    }
+    int VoiceCount() const override { return TTSGetNumSpeakers(); }
+    std::vector<std::string> Cards() const override { return cards_; }
+    bool HasEncoder() const override { return IsProgramInstalled("lame"); }
+    void ReadTestSentence(GtkWidget* parent) override {
+        reading_.Start(parent, kTestSentence, std::max(0, kVoiceSetting.Get()));
+    }
+
+private:
+    void EvNotify() override {
+        if (changed_)
+            changed_();
+    }
+    void EvReadingStarted() override {}
+    void EvReadingTime(LSoundTime, LSoundTime) override {}
+    void EvReadingStretch(std::size_t, std::size_t) override {}
+    void EvReadingWaits() override {}
+    void EvReadingEnded(const std::string&, bool) override {}
+
+    std::function<void()> changed_;
+    std::vector<std::string> cards_;
+    ReadAloud reading_;
+    VoiceListQuery query_;  // last: its thread ends before what it notifies
+};
+
+}  // namespace
+
+void RunMachineCheck(GtkWidget* parent) {
+    Machine machine;
+    LReadyDialog(machine).Run(parent);
+}
+
+void RunMachineCheckWithoutCard(GtkWidget* parent) {
+    if (SoundCards().empty())
+        RunMachineCheck(parent);
+}

@@ -1,0 +1,196 @@
+#include "desktop/dialogs/ready_dialog.h"
+
+#include <string_view>
+
+#include "desktop/dialogs/wizard.h"
+#include "desktop/packages.h"
+#include "desktop/watched_command.h"
+#include "gui/accessible.h"
+#include "gui/dialog_gen_context.h"
+#include "gui/message_box.h"
+#include "gui/progress_dialog.h"
+
+namespace {
+
+constexpr const char* kTitle = "Check This Computer";
+constexpr int kState = 101;  // a list's scrolled window is the next number
+constexpr int kAdvice = 103;
+constexpr int kInstall = 104;
+constexpr int kAgain = 105;
+constexpr int kTest = 106;
+constexpr int kVoices = 107;
+constexpr int kInstallVoices = 109;
+
+constexpr const char* kNoCardAdvice =
+    "No sound card can be used. Is it plugged in and switched on? Newer laptops need the package "
+    "firmware-sof-signed. Where other programs can be heard, you may lack the right to use the "
+    "card: sudo adduser $USER audio, then log in again.";
+
+void DlgGenReady(LDialogGenContext& context) {
+    context.SetWidth(620);
+    context.AddList(kState, 160);
+    AddPageText(context, kAdvice, "");
+    context.StartHBox();
+    context.AddButton(kInstall, "Install What Is Missing");
+    context.AddButton(kAgain, "Check Again");
+    context.AddButton(kTest, "Read a Test Sentence");
+    context.EndHBox();
+    context.AddGroup(-1, "More voices");
+    context.AddList(kVoices, 135);
+    context.AddButton(kInstallVoices, "Install Chosen Voices");
+    context.GroupEnd();
+    context.AddOkCancelHelp("Close", true, true, false);
+}
+
+// The command under a progress dialog.
+LProcessResult RunUnderDialog(GtkWidget* parent, LWatchedCommand& command) {
+    LProcessDialog<LWatchedCommand> dialog("Installing", command);
+    dialog.Open(parent);
+    return dialog.Result();
+}
+
+}  // namespace
+
+void LReadyDialog::Run(GtkWidget* parent) {
+    Open(parent, {kTitle, false, DlgGenReady}, true);
+}
+
+void LReadyDialog::InitDialog() {
+    static constexpr LListColumn kStateColumns[] = {{"What is needed", 32}, {"State", 60}};
+    LVInit(kState, {LListColumns::kPercent, kStateColumns});
+    SetAccessibleName(GetControlByID(kState), "What is needed");
+    static constexpr LListColumn kVoiceColumns[] = {
+        {"Language", 36, LListSort::kText}, {"Speaker", 32}, {"Package", 32}};
+    LVSetStyleCheck(kVoices);
+    LVInit(kVoices, {LListColumns::kPercent, kVoiceColumns});
+    SetAccessibleName(GetControlByID(kVoices), "More voices");
+    Look();
+}
+
+void LReadyDialog::DestroyDialog() {
+    machine_.Look({});
+}
+
+void LReadyDialog::Look() {
+    machine_.Look([this] { Show(); });
+    FillVoices();
+    Show();
+}
+
+void LReadyDialog::FillVoices() {
+    LVClear(kVoices);
+    for (const LVoicePackage& voice : VoicePackages()) {
+        const int row = LVAddString(kVoices, voice.language);
+        const bool isInstalled = IsPackageInstalled(voice.package);
+        LVSetColumnString(kVoices, row, 1, voice.speaker);
+        LVSetColumnString(
+            kVoices, row, 2,
+            (std::string(voice.package) + (isInstalled ? " (installed)" : "")).c_str());
+    }
+}
+
+void LReadyDialog::AddRow(const char* what, const std::string& state) {
+    LVSetColumnString(kState, LVAddString(kState, what), 1, state.c_str());
+}
+
+void LReadyDialog::Show() {
+    if (!IsOpen())
+        return;
+    using Engine = LReadiness::Engine;
+    const Engine engine = machine_.EngineState();
+    const std::vector<std::string> cards = machine_.Cards();
+    missing_.clear();
+    if (engine == Engine::kMissing)
+        missing_.emplace_back(kEnginePackage);
+    if (engine == Engine::kMissing || engine == Engine::kWithoutVoice)
+        missing_.emplace_back(kFirstVoicePackage);
+    if (!machine_.HasEncoder())
+        missing_.emplace_back(kEncoderPackage);
+
+    const std::string asking = "asking the speech engine";
+    const auto lacks = [](const char* package) {
+        return std::string("missing: package ") + package;
+    };
+    LVClear(kState);
+    AddRow("Speech engine", engine == Engine::kAsking    ? asking
+                            : engine == Engine::kMissing ? lacks(kEnginePackage)
+                                                         : "found");
+    AddRow("Voices", engine == Engine::kAsking   ? asking
+                     : engine == Engine::kSpeaks ? std::to_string(machine_.VoiceCount()) + " found"
+                                                 : lacks(kFirstVoicePackage));
+    AddRow("Sound card", cards.empty() ? "missing" : cards.front());
+    AddRow("MP3 encoder", machine_.HasEncoder() ? "found" : lacks(kEncoderPackage));
+
+    std::string advice;
+    if (!missing_.empty())
+        advice = "In a terminal, this installs what is missing: " + InstallCommandToType(missing_);
+    if (cards.empty())
+        advice += (advice.empty() ? "" : "\n\n") + std::string(kNoCardAdvice);
+    if (engine == Engine::kAsking)
+        advice = "The speech engine is being asked. On a busy computer that takes a while.";
+    SetStaticText(
+        kAdvice, advice.empty() ? "Everything is there. Lectora can read to you." : advice.c_str());
+    EnableControls();
+}
+
+std::vector<std::string> LReadyDialog::ChosenVoices() const {
+    std::vector<std::string> packages;
+    for (int row = 0; row < LVGetCount(kVoices); ++row) {
+        char text[kTextBufferSize];
+        LVGetColumnString(kVoices, row, 2, text);
+        const std::string_view package = text;
+        if (LVGetCheck(kVoices, row))
+            packages.emplace_back(package.substr(0, package.find(' ')));
+    }
+    return packages;
+}
+
+void LReadyDialog::EnableControls() {
+    const LReadiness::Engine engine = machine_.EngineState();
+    EnableControl(kInstall, engine != LReadiness::Engine::kAsking && !missing_.empty() &&
+                                !InstallCommandToRun(missing_).empty());
+    EnableControl(kAgain, engine != LReadiness::Engine::kAsking);
+    EnableControl(kTest, engine == LReadiness::Engine::kSpeaks && !machine_.Cards().empty());
+}
+
+void LReadyDialog::Command(int command) {
+    switch (command) {
+        case kInstall:
+            Install(missing_);
+            break;
+        case kAgain:
+            Look();
+            break;
+        case kTest:
+            machine_.ReadTestSentence(Widget());
+            break;
+        case kInstallVoices:
+            if (ChosenVoices().empty())
+                SetControlInvalid(kVoices, "Please tick the voices that you want first.", kTitle);
+            else
+                Install(ChosenVoices());
+            break;
+        default:
+            break;
+    }
+}
+
+void LReadyDialog::Install(const std::vector<std::string>& packages) {
+    const std::string byHand = "In a terminal, type: " + InstallCommandToType(packages);
+    const std::string command = InstallCommandToRun(packages);
+    LWatchedCommand run;
+    if (command.empty() || !run.Start(command)) {
+        MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, kTitle,
+                      "No program is here that could install it for you", byHand.c_str());
+        return;
+    }
+    const LProcessResult result = RunUnderDialog(Widget(), run);
+    if (result == kProcessFailed)
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, "It was not installed",
+                      (run.LastLine() + "\n\n" + byHand).c_str());
+    else if (result == kProcessStopped)
+        MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, kTitle,
+                      "The installation goes on without this window",
+                      "It cannot be halted half-way. Press \"Check Again\" in a while.");
+    Look();
+}

@@ -1,0 +1,46 @@
+// The window that tells what the machine lacks for reading aloud, and helps to get it.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "gui/dialog.h"
+
+// What the application knows about the machine. GUI thread.
+class LReadiness {
+public:
+    enum class Engine { kAsking, kMissing, kWithoutVoice, kSpeaks };
+
+    virtual ~LReadiness() = default;
+    // Looks anew; `changed` is called from the main loop when the engine has answered.
+    virtual void Look(std::function<void()> changed) = 0;
+    virtual Engine EngineState() const = 0;
+    virtual int VoiceCount() const = 0;
+    virtual std::vector<std::string> Cards() const = 0;  // names
+    virtual bool HasEncoder() const = 0;
+    // Says a sentence aloud; troubles are told to the user in boxes of their own.
+    virtual void ReadTestSentence(GtkWidget* parent) = 0;
+};
+
+class LReadyDialog : public LDialog {
+public:
+    explicit LReadyDialog(LReadiness& machine) : machine_(machine) {}
+
+    void Run(GtkWidget* parent);  // until the user closes it; `parent` may be null
+
+private:
+    void InitDialog() override;
+    void DestroyDialog() override;
+    void EnableControls() override;
+    void Command(int command) override;
+    void Look();
+    void Show();
+    void FillVoices();
+    void AddRow(const char* what, const std::string& state);
+    std::vector<std::string> ChosenVoices() const;
+    void Install(const std::vector<std::string>& packages);
+
+    LReadiness& machine_;
+    std::vector<std::string> missing_;  // packages
+};
