@@ -15,14 +15,26 @@ foreach(program IN ITEMS lectora lectora-say lectora-convert)
         file(CREATE_LINK \"${LECTORA_HOME}/bin/${program}\" \"\${link}\" SYMBOLIC)")
 endforeach()
 
+# Machine-wide settings, which every user may change.
+install(DIRECTORY DESTINATION "${LECTORA_HOME}/etc" DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+        GROUP_READ GROUP_WRITE GROUP_EXECUTE WORLD_READ WORLD_WRITE WORLD_EXECUTE)
+
+# The MP3 component, which its installer otherwise fetches for one user: the program that stands in that script.
+set(mp3_installer "${PROJECT_SOURCE_DIR}/share/components/mp3el")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${mp3_installer}")
+file(READ "${mp3_installer}" script)
+string(REGEX REPLACE ".*<<'PROGRAM'[^\n]*\n(.*\n)PROGRAM\n.*" "\\1" script "${script}")
+file(WRITE "${PROJECT_BINARY_DIR}/generated/mp3el" "${script}")
+install(PROGRAMS "${PROJECT_BINARY_DIR}/generated/mp3el" DESTINATION /opt/quillon/components/mp3el)
+
 # Icons and help pages, drawn at build time.
 install(DIRECTORY "${PROJECT_BINARY_DIR}/root${LECTORA_HOME}/share/" DESTINATION "${LECTORA_HOME}/share")
 install(FILES "${PROJECT_SOURCE_DIR}/share/icons/1.svg" DESTINATION share/icons/hicolor/scalable/apps
         RENAME lectora.svg)
 
 install(FILES "${package_files}/lectora.desktop" DESTINATION share/applications)
-# The copy that start on login hands out to the users' autostart folders.
-install(FILES "${package_files}/lectora.desktop" DESTINATION share/applications/desktop)
+# What start on login hands out to the users' autostart folders; no entry of the menu.
+install(FILES "${package_files}/start-on-login.desktop" DESTINATION share/applications/desktop RENAME lectora.desktop)
 install(FILES "${package_files}/example.quillon.lectora.metainfo.xml" DESTINATION share/metainfo)
 
 # Debian keeps manual pages compressed, without the time of compression.
