@@ -66,8 +66,8 @@ gboolean RunHandedOver(gpointer user) {
         if (IsFirst(word, count, pointers.data())) {
             MessageBoxRun(handed->window.Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Lectora",
                           "Lectora is running",
-                          "Please end it first: choose Exit in the menu \"Lectora\". Then start "
-                          "the installation or removal again.");
+                          "Please end it first: choose \"Exit (Turn Off)\" in its first menu. "
+                          "Then start the installation or removal again.");
             return FALSE;
         }
     }

@@ -179,6 +179,32 @@ class InstallTest(DesktopCase):
             )
             self.assertEqual(server.received, [] if text is None else [post.encode()], reason)
 
+    def on_console(self, where, *arguments, **environment):
+        """Without a display; gives back the status, and what it said on both outputs."""
+        run = subprocess.run(
+            [os.path.join(where, PROGRAM), *arguments], stdin=subprocess.DEVNULL,
+            env={"PATH": os.environ["PATH"], "LECTORA_ROOT": self.machine, **environment},
+            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=desktop.PATIENCE, check=False,
+        )
+        return run.returncode, run.stdout.decode()
+
+    def test_the_console_leaves_nothing_behind_in_poor_surroundings(self):
+        installed = (0, 'Lectora is installed. The command "lectora" starts it.\n')
+        removed = (0, "Uninstall is complete. If you need to reinstall this software again you can "
+                      "download it from http://quillon.example/\n\n")
+        home = os.path.join(self.folder, "a home")  # without a .config
+        os.mkdir(home)
+        for surroundings in ({"HOME": home, "LANG": "C"}, {}):
+            for _ in range(2):
+                self.assertEqual(self.on_console(self.tree, "-install", **surroundings), installed)
+            self.assertEqual(self.on_console(self.machine, "-install", **surroundings),
+                             (0, "Lectora is installed already.\n"))
+            self.assertEqual(self.on_console(self.machine, "-uninstall", **surroundings), removed)
+            if surroundings:
+                self.assertEqual(everything(self.machine), self.before)
+        # Without HOME what users own stands below the machine's /opt, and stays.
+        self.assertEqual(os.listdir(os.path.join(self.machine, "opt")), [".quillon"])
+
     def test_a_copy_that_runs_is_told_of_before_it_is_replaced(self):
         lectora = self.start()
         wizard = self.run_wizard(self.tree, "-install")
