@@ -316,7 +316,7 @@ std::string RemoveInstallation(RemovalChoice choice) {
     LInstallList list;
     if (!list.Load()) {
         std::error_code error;
-        return fs::exists(MachinePath("/var/lib/dpkg/info/lectora.list"), error)
+        return fs::exists(MachinePath(kProgram), error)
                    ? "Lectora came as a package of the system. Please remove it with: apt remove "
                      "lectora"
                    : "Lectora has not been installed here.";

@@ -41,8 +41,9 @@ std::span<const LVoicePackage> VoicePackages() {
 }
 
 bool IsPackageInstalled(const char* package) {
-    const std::string list = std::string("/var/lib/dpkg/info/") + package + ".list";
-    return ::access(MachinePath(list).c_str(), F_OK) == 0;
+    // Every package has this file; the package manager's own are for itself.
+    const std::string copyright = std::string("/usr/share/doc/") + package + "/copyright";
+    return ::access(MachinePath(copyright).c_str(), F_OK) == 0;
 }
 
 std::string InstallCommandToType(const std::vector<std::string>& packages) {
