@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+
 #include "gui/accessible.h"
 #include "gui/display_text.h"
 
@@ -56,13 +58,15 @@ GtkWidget* NewTipContent(const char* title, const char* text) {
     gtk_label_set_markup(GTK_LABEL(heading), markup);
     g_free(markup);
     gtk_box_pack_start(GTK_BOX(box), heading, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), gtk_label_new(DisplayText(text).c_str()), FALSE, FALSE, 0);
+    GtkWidget* label = gtk_label_new(DisplayText(text).c_str());
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
     GtkWidget* frame = gtk_frame_new(nullptr);
     gtk_container_add(GTK_CONTAINER(frame), box);
     return frame;
 }
 
-// Just below the control.
+// Just below the control, and on the screen.
 void PlacePopUp(GtkWidget* popUp, GtkWidget* control) {
     GdkWindow* window = control != nullptr ? gtk_widget_get_window(control) : nullptr;
     if (window == nullptr) {
@@ -78,7 +82,12 @@ void PlacePopUp(GtkWidget* popUp, GtkWidget* control) {
         x += place.x;
         y += place.y;
     }
-    gtk_window_move(GTK_WINDOW(popUp), x, y + place.height);
+    GtkRequisition size;
+    gtk_widget_size_request(popUp, &size);
+    GdkScreen* screen = gtk_widget_get_screen(control);
+    x = std::max(0, std::min(x, gdk_screen_get_width(screen) - size.width));
+    y = std::max(0, std::min(y + place.height, gdk_screen_get_height(screen) - size.height));
+    gtk_window_move(GTK_WINDOW(popUp), x, y);
 }
 
 }  // namespace
@@ -131,7 +140,9 @@ void LBubbleTip::ShowPopUp(GtkWidget* control, const char* title, const char* te
     // elsewhere.
     atk_object_set_role(gtk_widget_get_accessible(popUp_), ATK_ROLE_NOTIFICATION);
     SetAccessibleName(popUp_, DisplayText(text).c_str());
-    gtk_container_add(GTK_CONTAINER(popUp_), NewTipContent(title, text));
+    GtkWidget* content = NewTipContent(title, text);
+    gtk_widget_show_all(content);
+    gtk_container_add(GTK_CONTAINER(popUp_), content);
     gtk_widget_add_events(popUp_, GDK_BUTTON_PRESS_MASK);
     g_signal_connect(popUp_, "button-press-event", G_CALLBACK(LBubbleTipCallbacks::GCClick), this);
     g_signal_connect(popUp_, "destroy", G_CALLBACK(LBubbleTipCallbacks::GCDestroyed), this);
