@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/commands.h"
+#include "gui/gtk_children.h"
 #include "gui/icon_numbers.h"
 
 namespace {
@@ -18,10 +19,25 @@ constexpr LKeyToCommandMap kKeyMap[] = {
     {kKeyControl | kKeyAlt | GDK_V, kSaveCurrent},
     {kKeyControl | kKeyAlt | GDK_B, kSaveFromSelection},
     {kKeyControl | kKeyAlt | GDK_O, kSaveFromFile},
+    {kKeyControl | GDK_Z, kUndo},
+    {kKeyControl | kKeyShift | GDK_Z, kRedo},
+    {kKeyControl | GDK_Y, kRedo},
+    {kKeyControl | GDK_F, kFind},
+    {GDK_F3, kFindNext},
+    {kKeyControl | GDK_plus, kLargerText},
+    {kKeyControl | kKeyShift | GDK_plus, kLargerText},  // where it is above another sign
+    {kKeyControl | GDK_equal, kLargerText},
+    {kKeyControl | GDK_KP_Add, kLargerText},
+    {kKeyControl | GDK_minus, kSmallerText},
+    {kKeyControl | GDK_KP_Subtract, kSmallerText},
+    {kKeyControl | GDK_0, kNormalText},
+    {kKeyControl | GDK_KP_0, kNormalText},
 };
 
 constexpr LMenuItem kSeparator{0, nullptr};
 constexpr LMenuItem kEnd{-1, nullptr};
+
+constexpr char kRecentFilesTitle[] = "Recent &Files";
 
 constexpr LMenuItem kMenuBar[] = {
     {-1, "Lectora"},
@@ -42,8 +58,21 @@ constexpr LMenuItem kMenuBar[] = {
     kSeparator,
     {kLoadFile, "&Load Text From File"},
     kEnd,
+    {-1, kRecentFilesTitle},
+    kEnd,
     kSeparator,
     {-kShowCommandBar, "Show Command Bar"},
+    kEnd,
+    {-1, "&Edit"},
+    {kUndo, "&Undo"},
+    {kRedo, "&Redo"},
+    kSeparator,
+    {kFind, "&Find..."},
+    {kFindNext, "Find &Next"},
+    kSeparator,
+    {kLargerText, "&Larger Text"},
+    {kSmallerText, "&Smaller Text"},
+    {kNormalText, "Normal &Text Size"},
     kEnd,
     {-1, "&Tools"},
     {kOptions, "&Options..."},
@@ -150,6 +179,16 @@ constexpr WindowLabel kMenuLabels[] = {
     {kSaveAllOfWindow, "Save all from %s\tCtrl+Alt+E"},
 };
 
+std::string RecentFileText(std::size_t number, const std::string& path) {
+    std::string text = "&" + std::to_string(number + 1) + " ";
+    for (const char byte : path) {
+        text += byte;
+        if (byte == '&')
+            text += byte;
+    }
+    return text;
+}
+
 std::string Named(const char* label, const char* program) {
     std::string text = label;
     return text.replace(text.find("%s"), 2, program);
@@ -195,10 +234,34 @@ void CommandPlaces::Enable(CommandState state) {
         window_.EnableToolBarItem(command, state.hasText);
         bar_.ShowItem(command, state.hasText);
     }
+    window_.EnableMenuItem(kFind, state.hasText);
+    window_.EnableMenuItem(kFindNext, state.hasText);
+    window_.EnableMenuItem(kUndo, state.canUndo);
+    window_.EnableMenuItem(kRedo, state.canRedo);
     for (const int command : kOfSelection) {
         window_.EnableMenuItem(command, state.hasSelection);
         bar_.ShowItem(command, state.hasSelection);
     }
+}
+
+void CommandPlaces::ListRecentFiles(const std::vector<std::string>& paths) {
+    auto* bar = static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(window_.Widget()), "menu_bar"));
+    GtkWidget* menu = gtk_menu_item_get_submenu(GTK_MENU_ITEM(LGtkChildren(bar).First()));
+    const auto position =
+        static_cast<std::ptrdiff_t>(LMenuControls::CheckSubMenu(menu, kRecentFilesTitle));
+    const LGtkChildren items(menu);
+    GtkWidget* title = *(items.begin() + position);
+    GtkWidget* list = gtk_menu_item_get_submenu(GTK_MENU_ITEM(title));
+    for (GtkWidget* old : LGtkChildren(list))
+        gtk_widget_destroy(old);
+    for (std::size_t number = 0; number < paths.size(); ++number) {
+        const std::string text = RecentFileText(number, paths[number]);
+        const LMenuItem row[] = {{static_cast<std::int16_t>(kRecentFile + number), text.c_str()}};
+        std::size_t index = 0;
+        LMenuAdd(window_, list, row, index, {});
+    }
+    gtk_widget_show_all(list);
+    gtk_widget_set_sensitive(title, !paths.empty());
 }
 
 void CommandPlaces::DropDown(int command) {

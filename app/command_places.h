@@ -2,6 +2,9 @@
 // bar, and the menu of the tray icon.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "gui/main_window.h"
 #include "gui/popup_menu.h"
 #include "gui/widgets/explorer_bar.h"
@@ -10,6 +13,8 @@
 struct CommandState {
     bool hasText = false;       // in the text box
     bool hasSelection = false;  // in any program
+    bool canUndo = false;
+    bool canRedo = false;
     bool operator==(const CommandState&) const = default;
 };
 
@@ -26,6 +31,8 @@ public:
     GtkWidget* NewCommandBar();  // floating; once
     void Enable(CommandState state);
     void CheckCommandBar(bool shown);
+    // In the first menu; numbered from kRecentFile on.
+    void ListRecentFiles(const std::vector<std::string>& paths);
     void DropDown(int command);  // under the arrow that sent this command
     void PopupTrayMenu();        // at the pointer
     // Names the program that was in front before this window, in the labels that speak of it.

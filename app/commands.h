@@ -5,6 +5,7 @@
 // Controls; a button's number is its command too.
 enum ControlNumber {
     kCommandBar = 85,
+    kFindBar = 86,
     kTextBox = 101,
     kVoiceLabel = 402,
     kVoiceList = 500,
@@ -33,6 +34,15 @@ enum CommandNumber {
     kSaveFromFile = 1063,
     kTextChanged = 1111,
     kSaveSelectionOfWindow = 1222,
+    kUndo = 1401,
+    kRedo = 1402,
+    kFind = 1403,
+    kFindNext = 1404,
+    kLargerText = 1405,
+    kSmallerText = 1406,
+    kNormalText = 1407,
+    kRecentFile = 1451,  // the newest; the others follow
+    kLastRecentFile = 1458,
     kShowCommandBar = 2001,
     kOpenWindow = 4001,
     kUpdateDropDown = 8000,  // the tool bar's arrows

@@ -127,6 +127,41 @@ std::string LongLines::Text(const GtkTextIter& start, const GtkTextIter& end) co
     return text;
 }
 
+int LongLines::Offset(const GtkTextIter& at) const {
+    int breaks = 0;
+    GtkTextIter from;
+    gtk_text_buffer_get_start_iter(buffer_.Get(), &from);
+    while (gtk_text_iter_compare(&from, &at) < 0) {
+        GtkTextIter next = from;
+        if (!gtk_text_iter_forward_to_tag_toggle(&next, nothing_) ||
+            gtk_text_iter_compare(&next, &at) > 0)
+            next = at;
+        if (gtk_text_iter_has_tag(&from, nothing_))
+            breaks += gtk_text_iter_get_offset(&next) - gtk_text_iter_get_offset(&from);
+        from = next;
+    }
+    return gtk_text_iter_get_offset(&at) - breaks;
+}
+
+GtkTextIter LongLines::At(int offset) const {
+    GtkTextIter at;
+    gtk_text_buffer_get_start_iter(buffer_.Get(), &at);
+    while (!gtk_text_iter_is_end(&at)) {
+        GtkTextIter next = at;
+        gtk_text_iter_forward_to_tag_toggle(&next, nothing_);  // or to the end
+        if (!gtk_text_iter_has_tag(&at, nothing_)) {
+            const int count = gtk_text_iter_get_offset(&next) - gtk_text_iter_get_offset(&at);
+            if (offset <= count) {
+                gtk_text_iter_forward_chars(&at, offset);
+                break;
+            }
+            offset -= count;
+        }
+        at = next;
+    }
+    return at;
+}
+
 void LongLines::Forward(GtkTextIter& at, std::size_t bytes) const {
     while (true) {
         const int index = gtk_text_iter_get_line_index(&at);

@@ -28,6 +28,11 @@ public:
 
     std::string Text() const;  // empty before Attach
     std::string Text(const GtkTextIter& start, const GtkTextIter& end) const;
+    // Characters of the text before that place, and the place behind so many.
+    int Offset(const GtkTextIter& at) const;
+    GtkTextIter At(int offset) const;
+    // Whether the insertion under way is that of the broken text, in the place of the original.
+    bool IsBreaking() const { return inserting_; }
     // Moves on by so many bytes of the text, or to its end.
     void Forward(GtkTextIter& at, std::size_t bytes) const;
 

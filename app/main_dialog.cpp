@@ -9,6 +9,7 @@
 #include "app/document_loading.h"
 #include "app/help_links.h"
 #include "app/machine_check.h"
+#include "app/recent_files.h"
 #include "app/save_speech.h"
 #include "app/settings_keys.h"
 #include "app/start_up.h"
@@ -31,6 +32,9 @@ constexpr char kBanner[] = "Lectora v 1.05";
 MainDialog::MainDialog()
     : places_(*this),
       selection_([this] { EnableControls(); }),
+      find_([this](const char* text) { SetStatusText(text); }, [this] { Layout(); }),
+      drop_([this](const auto& paths) { EvFilesDropped(paths); },
+            [this](const std::string& text) { ReplaceText(text); }),
       tray_([this](int button) { EvTrayIconPressed(button); }),
       voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }),
       reading_(*this) {
@@ -51,6 +55,7 @@ void MainDialog::Run() {
 void MainDialog::CreateControls() {
     const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
     AddControl(edit.textView, kTextBox, edit.scrolledWindow);
+    history_.Attach(gtk_text_view_get_buffer(GTK_TEXT_VIEW(edit.textView)), lines_);
     lines_.Attach(gtk_text_view_get_buffer(GTK_TEXT_VIEW(edit.textView)));
     highlight_.Attach(GTK_TEXT_VIEW(edit.textView), lines_);
     original_.Attach(GTK_TEXT_VIEW(edit.textView), lines_);
@@ -73,8 +78,11 @@ void MainDialog::CreateControls() {
     CoolButtonInit(kSaveButton, kSaveButtonIcon, "Save as Speech");
     SetTooltip(kSaveButton, "Save as Speech (Ctrl+Alt+V)");
     AddControl(places_.NewCommandBar(), kCommandBar);
-    static constexpr int kFocusOrder[] = {kCommandBar, kTextBox, kVoiceList, kReadButton,
-                                          kSaveButton};
+    AddControl(find_.Create(GTK_TEXT_VIEW(edit.textView), lines_), kFindBar);
+    textSize_.Attach(edit.textView);
+    drop_.Attach(Widget(), edit.textView);
+    static constexpr int kFocusOrder[] = {kCommandBar, kTextBox,    kFindBar,
+                                          kVoiceList,  kReadButton, kSaveButton};
     SetFocusOrder(kFocusOrder);
 }
 
@@ -85,6 +93,7 @@ void MainDialog::InitDialog() {
     places_.CheckCommandBar(ShowsCommandBar());
     AddStandardMenuItems(true);
     LHelpLinks::SetUp(*this);
+    places_.ListRecentFiles(RecentFiles::List());
     SetKeyMap(MainKeyMap());
     HotKeyHandlerInit(nullptr);
     HotkeysStart();
@@ -133,7 +142,7 @@ void MainDialog::EnableControls() {
     const bool hasText = GetEditTextLength(kTextBox) > 0;
     EnableControl(kReadButton, hasText || reading_.IsReading());
     EnableControl(kSaveButton, hasText);
-    places_.Enable({hasText, selection_.HasText()});
+    places_.Enable({hasText, selection_.HasText(), history_.CanUndo(), history_.CanRedo()});
     KeepFocus();
 }
 
@@ -198,23 +207,31 @@ void MainDialog::Command(int command) {
         case kVoiceList:
             voices_.NoteChange();
             break;
+        default:
+            if (!WindowCommand(command) && !EditCommand(command))
+                LHelpLinks::Open(command);
+            break;
+    }
+}
+
+bool MainDialog::WindowCommand(int command) {
+    switch (command) {
         case kShowCommandBar:
             CmShowCommandBar();
-            break;
+            return true;
         case kOpenWindow:
             CmOpen();
-            break;
+            return true;
         case kUpdateDropDown:
         case kReadDropDown:
         case kSaveDropDown:
             places_.DropDown(command);
-            break;
+            return true;
         case kCommandHelp:
             CmHelp();
-            break;
+            return true;
         default:
-            LHelpLinks::Open(command);
-            break;
+            return false;
     }
 }
 
@@ -236,6 +253,10 @@ void MainDialog::EvTextChanged() {
 
 bool MainDialog::EvKeyDown(unsigned int key) {
     splash_.Close();
+    if (key == GDK_Escape && find_.HasKeyboard()) {
+        find_.Close();
+        return true;
+    }
     if (key == GDK_Escape && reading_.IsReading()) {
         StopReading();
         return true;

@@ -3,8 +3,11 @@
 
 #include <deque>
 #include <string>
+#include <vector>
 
 #include "app/command_places.h"
+#include "app/drop_target.h"
+#include "app/find_bar.h"
 #include "app/hot_key_handler.h"
 #include "app/hot_key_offer.h"
 #include "app/long_lines.h"
@@ -12,6 +15,8 @@
 #include "app/read_aloud.h"
 #include "app/selection_watch.h"
 #include "app/spoken_highlight.h"
+#include "app/text_history.h"
+#include "app/text_size.h"
 #include "app/tray_icon.h"
 #include "app/voice_choice.h"
 #include "desktop/desktop_shortcut.h"
@@ -100,6 +105,15 @@ private:
     bool LoadFile(const char* path, FileFrom from);
 
     void CreateControls();
+    bool WindowCommand(int command);  // false: it is none
+    bool EditCommand(int command);    // likewise
+    void CmUndo(bool undo);           // or redoes
+    void CmFind();
+    void TellTextSize(int points);
+    void ReplaceText(const std::string& text);
+    void OpenRecentFile(std::size_t number);
+    void ListRecentFilesSoon();
+    void EvFilesDropped(const std::vector<std::string>& paths);
     static bool ShowsCommandBar();
     void KeepFocus();
     bool IsMinimised() const;
@@ -112,10 +126,16 @@ private:
     void ShowNoSpeechEngine();
 
     LongLines lines_;  // of the text box
+    TextHistory history_;
+    TextSize textSize_;
     SpokenHighlight highlight_;
     OriginalText original_;
     CommandPlaces places_;
     SelectionWatch selection_;
+    FindBar find_;
+    DropTarget drop_;
+    LGuiTimer recentTimer_;
+    LGuiTimer dropTimer_;
     TrayIcon tray_;
     LSplashScreen splash_;
     LGuiTimer splashTimer_;

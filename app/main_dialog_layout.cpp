@@ -17,6 +17,7 @@ constexpr int kVoiceWidth = 150;
 constexpr int kWidestVoice = 286;
 constexpr int kLineHeight = 24;
 constexpr int kGap = 8;
+constexpr int kFindGap = 4;  // above the find bar
 // A lower window shows no tool bar, so that the text has room.
 constexpr int kLowestWithToolBar = 300;
 
@@ -71,12 +72,19 @@ void MainDialog::LayoutControls(int width, int height) {
     const int rowEnd = bottomRow + rowHeight - 6;
     const int contentEnd = oneRow ? bottomRow : bottomRow - listHeight - 4;
 
+    const bool hasFind = find_.IsOpen();
+    const int findHeight = hasFind ? NaturalSize(GetControlByID(kFindBar)).height + kFindGap : 0;
+    const int textLeft = left + barWidth + 5;
+
     ShowControl(kCommandBar, hasBar);
     if (hasBar)
         MoveControl(kCommandBar, left, top, kBarWidth,
                     barBeside ? height - 6 : contentEnd - top - 6);
-    MoveControl(kTextBox, left + barWidth + 5, top, width - left - barWidth - 5,
-                contentEnd - top - 6);
+    MoveControl(kTextBox, textLeft, top, width - textLeft, contentEnd - top - 6 - findHeight);
+    ShowControl(kFindBar, hasFind);
+    if (hasFind)
+        MoveControl(kFindBar, textLeft, contentEnd - 6 - findHeight + kFindGap,
+                    width - textLeft - 4, findHeight - kFindGap);
 
     const int voiceLeft = left + kGap + (barBeside ? barWidth : 0);
     if (oneRow) {

@@ -2,6 +2,7 @@
 #include "app/commands.h"
 #include "app/document_loading.h"
 #include "app/main_dialog.h"
+#include "app/recent_files.h"
 #include "app/settings_keys.h"
 #include "foundation/file.h"
 #include "foundation/owned_text.h"
@@ -19,7 +20,7 @@ std::string MainDialog::SelectedText() {
 bool MainDialog::CmCopyFromClipboard() {
     const std::string text = SelectedText();
     if (!text.empty())
-        SetEditText(kTextBox, text.c_str());
+        ReplaceText(text);
     return !text.empty();
 }
 
@@ -60,7 +61,9 @@ bool MainDialog::LoadFile(const char* path, FileFrom from) {
         return false;
     }
     settingWaitingFile_ = from == FileFrom::kArguments;
-    SetEditText(kTextBox, document->text.c_str());
+    ReplaceText(document->text);
     settingWaitingFile_ = false;
+    RecentFiles::Add(path);
+    ListRecentFilesSoon();
     return true;
 }

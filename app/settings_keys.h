@@ -16,6 +16,7 @@ constexpr UserSetting<bool> kHotKeysOfferedSetting{"HotKeys", "Offered", false};
 constexpr UserSetting<const char*> kDeviceSetting{"Player", "Device", "default"};
 // Whether the text box shows what is being heard.
 constexpr UserSetting<bool> kFollowTextSetting{"Options", "FollowText", true};
+constexpr UserSetting<int> kTextSizeSetting{"Options", "TextSize", 0};  // points; 0: the theme's
 // Shown unless this is exactly "0".
 constexpr UserSetting<const char*> kShowCommandBarSetting{"Options", "ShowCommandBar", "1"};
 // Whether the user was told that a closed Lectora goes on in the background.

@@ -1,0 +1,150 @@
+#include "app/text_history.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+int Characters(const std::string& text) {
+    return static_cast<int>(g_utf8_strlen(text.data(), static_cast<gssize>(text.size())));
+}
+
+bool IsBlank(const std::string& text) {
+    return text == " " || text == "\n" || text == "\t";
+}
+
+}  // namespace
+
+TextHistory::~TextHistory() {
+    if (buffer_)
+        g_signal_handlers_disconnect_matched(buffer_.Get(), G_SIGNAL_MATCH_DATA, 0, 0, nullptr,
+                                             nullptr, this);
+}
+
+void TextHistory::Attach(GtkTextBuffer* buffer, const LongLines& lines) {
+    buffer_ = GObjectRef<GtkTextBuffer>::Share(buffer);
+    lines_ = &lines;
+    g_signal_connect(buffer, "insert-text", G_CALLBACK(GCInsertText), this);
+    g_signal_connect(buffer, "delete-range", G_CALLBACK(GCDeleteRange), this);
+    g_signal_connect(buffer, "begin-user-action", G_CALLBACK(GCBeginAction), this);
+    g_signal_connect(buffer, "end-user-action", G_CALLBACK(GCEndAction), this);
+}
+
+void TextHistory::GCInsertText(GtkTextBuffer*, GtkTextIter* at, char* text, int length,
+                               gpointer user) {
+    auto* self = static_cast<TextHistory*>(user);
+    // Broken into lines, the same text comes a second time.
+    if (self->isReverting_ || length == 0 || self->lines_->IsBreaking())
+        return;
+    const std::string inserted(text, static_cast<std::size_t>(length));
+    const int characters = Characters(inserted);
+    self->Note({self->lines_->Offset(*at), characters, ""},
+               characters == 1 ? Kind::kTyped : Kind::kOther, IsBlank(inserted));
+}
+
+void TextHistory::GCDeleteRange(GtkTextBuffer*, GtkTextIter* start, GtkTextIter* end,
+                                gpointer user) {
+    auto* self = static_cast<TextHistory*>(user);
+    if (self->isReverting_)
+        return;
+    const std::string deleted = self->lines_->Text(*start, *end);
+    if (!deleted.empty())
+        self->Note({self->lines_->Offset(*start), 0, deleted},
+                   Characters(deleted) == 1 ? Kind::kErased : Kind::kOther, IsBlank(deleted));
+}
+
+void TextHistory::GCBeginAction(GtkTextBuffer*, gpointer user) {
+    auto* self = static_cast<TextHistory*>(user);
+    if (self->actions_++ == 0)
+        self->isInStep_ = false;
+}
+
+void TextHistory::GCEndAction(GtkTextBuffer*, gpointer user) {
+    auto* self = static_cast<TextHistory*>(user);
+    --self->actions_;
+    self->isInStep_ = false;
+}
+
+void TextHistory::Note(Edit edit, Kind kind, bool blank) {
+    undone_.clear();
+    if (isInStep_ || GoesOn(edit, kind, blank)) {
+        Step& step = done_.back();
+        step.endsWithBlank = blank;
+        if (!Join(step.edits.back(), edit)) {
+            step.edits.push_back(std::move(edit));
+            step.kind = Kind::kOther;
+        }
+    } else {
+        done_.push_back({kind, blank, {std::move(edit)}});
+        Forget();
+    }
+    isInStep_ = actions_ > 0;
+    canGoOn_ = true;
+}
+
+// A word and the blanks behind it are one step.
+bool TextHistory::GoesOn(const Edit& edit, Kind kind, bool blank) const {
+    if (!canGoOn_ || done_.empty() || kind == Kind::kOther || done_.back().kind != kind)
+        return false;
+    const Step& step = done_.back();
+    if (kind == Kind::kTyped && step.endsWithBlank && !blank)
+        return false;
+    Edit last = {step.edits.back().offset, step.edits.back().length, ""};
+    return Join(last, edit);
+}
+
+bool TextHistory::Join(Edit& last, const Edit& next) {
+    if (next.text.empty() && next.offset == last.offset + last.length) {
+        last.length += next.length;
+    } else if (last.length == 0 && next.length == 0 &&
+               next.offset + Characters(next.text) == last.offset) {
+        last.text.insert(0, next.text);
+        last.offset = next.offset;
+    } else if (last.length == 0 && next.length == 0 && next.offset == last.offset) {
+        last.text += next.text;
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void TextHistory::Forget() {
+    std::size_t bytes = 0;
+    std::size_t kept = 0;
+    for (auto step = done_.rbegin(); step != done_.rend() && kept < kMostSteps; ++step, ++kept) {
+        for (const Edit& edit : step->edits)
+            bytes += edit.text.size();
+        if (kept > 0 && bytes > kMostBytes)
+            break;
+    }
+    done_.erase(done_.begin(), done_.end() - static_cast<std::ptrdiff_t>(kept));
+}
+
+void TextHistory::Revert(Steps& from, Steps& to) {
+    if (from.empty())
+        return;
+    Step step = std::move(from.back());
+    from.pop_back();
+    std::reverse(step.edits.begin(), step.edits.end());
+    isReverting_ = true;
+    gtk_text_buffer_begin_user_action(buffer_.Get());
+    for (Edit& edit : step.edits)
+        Exchange(edit);
+    gtk_text_buffer_end_user_action(buffer_.Get());
+    isReverting_ = false;
+    to.push_back(std::move(step));
+    canGoOn_ = false;
+}
+
+void TextHistory::Exchange(Edit& edit) {
+    GtkTextIter start = lines_->At(edit.offset);
+    GtkTextIter end = lines_->At(edit.offset + edit.length);
+    std::string text = lines_->Text(start, end);
+    gtk_text_buffer_delete(buffer_.Get(), &start, &end);
+    if (!edit.text.empty())
+        gtk_text_buffer_insert(buffer_.Get(), &start, edit.text.data(),
+                               static_cast<gint>(edit.text.size()));
+    gtk_text_buffer_place_cursor(buffer_.Get(), &start);
+    edit.length = Characters(edit.text);
+    edit.text = std::move(text);
+}

@@ -1,0 +1,72 @@
+// What was done to a text box, to be undone and done again: typing word by word, and what replaced
+// the whole text as one step.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "app/long_lines.h"
+
+// GUI thread.
+class TextHistory {
+public:
+    // Older steps are forgotten beyond this; the newest one never is, so that no text that was
+    // replaced is lost.
+    static constexpr std::size_t kMostBytes = 64 * 1024 * 1024;
+    static constexpr std::size_t kMostSteps = 10000;
+
+    TextHistory() = default;
+    ~TextHistory();
+    TextHistory(const TextHistory&) = delete;
+    TextHistory& operator=(const TextHistory&) = delete;
+
+    // Once, before the lines are attached to the same buffer; they outlive this object.
+    void Attach(GtkTextBuffer* buffer, const LongLines& lines);
+
+    bool CanUndo() const { return !done_.empty(); }
+    bool CanRedo() const { return !undone_.empty(); }
+    void Undo() { Revert(done_, undone_); }  // puts the cursor behind what has changed
+    void Redo() { Revert(undone_, done_); }
+
+private:
+    // `length` characters at `offset` stand where `text` stood; in the text as LongLines gives it.
+    struct Edit {
+        int offset;
+        int length;
+        std::string text;
+    };
+    enum class Kind { kTyped, kErased, kOther };
+    struct Step {
+        Kind kind;
+        bool endsWithBlank;
+        std::vector<Edit> edits;
+    };
+    using Steps = std::deque<Step>;
+
+    static void GCInsertText(GtkTextBuffer* buffer, GtkTextIter* at, char* text, int length,
+                             gpointer self);
+    static void GCDeleteRange(GtkTextBuffer* buffer, GtkTextIter* start, GtkTextIter* end,
+                              gpointer self);
+    static void GCBeginAction(GtkTextBuffer* buffer, gpointer self);
+    static void GCEndAction(GtkTextBuffer* buffer, gpointer self);
+
+    void Note(Edit edit, Kind kind, bool blank);
+    bool GoesOn(const Edit& edit, Kind kind, bool blank) const;
+    static bool Join(Edit& last, const Edit& next);
+    void Forget();
+    void Revert(Steps& from, Steps& to);
+    void Exchange(Edit& edit);
+
+    GObjectRef<GtkTextBuffer> buffer_;
+    const LongLines* lines_ = nullptr;
+    Steps done_;                // newest last
+    Steps undone_;              // undone last at the end
+    int actions_ = 0;           // begun and not ended; what happens within is one step
+    bool isInStep_ = false;     // the newest step belongs to the present action
+    bool isReverting_ = false;  // what changes is no new step
+    bool canGoOn_ = false;      // typing may go on in the newest step
+};
