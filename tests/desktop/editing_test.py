@@ -1,11 +1,53 @@
 """What a text box is expected to have: undoing, finding, larger letters, recent files."""
 import os
+import subprocess
+import sys
 import unittest
 
 from desktop_case import DesktopCase, desktop
 
+# A program with a file to be dragged away.
+FILE_MANAGER = """
+import sys, gi
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gdk, Gtk
+window, button = Gtk.Window(title="Files"), Gtk.Button(label="file")
+button.drag_source_set(Gdk.ModifierType.BUTTON1_MASK, [], Gdk.DragAction.COPY)
+button.drag_source_add_uri_targets()
+button.connect("drag-data-get", lambda _, __, data, *___: data.set_uris([sys.argv[1]]))
+window.add(button)
+window.move(1000, 40)
+window.show_all()
+Gtk.main()
+"""
+
 
 class EditingTest(DesktopCase):
+    def test_a_text_and_a_file_are_dropped_on_the_window(self):
+        path = self.file("dropped file.txt", "out of a file")
+        lectora = self.start()
+        lectora.set_text("one two three")
+        lectora.focus()
+        desktop.press_keys("ctrl+Home", "ctrl+shift+Right")
+        text_box, status = lectora.place(lectora.text_box()), lectora.place(lectora.find("status bar"))
+        self.drag(text_box.x + 8, text_box.y + 8, status.x + 300, status.y + 8)
+        desktop.wait_until(lambda: lectora.text() == "one", "the dragged text")
+        address = "file://" + path.replace(" ", "%20")
+        files = subprocess.Popen([sys.executable, "-c", FILE_MANAGER, address])
+        self.addCleanup(files.wait)
+        self.addCleanup(files.kill)
+        find = ("search", "--onlyvisible", "--name", "^Files$")
+        window = desktop.wait_until(lambda: desktop.xdotool(*find).split(), "the other program")[0]
+        desktop.xdotool("mousemove", "--sync", "--window", window, 10, 10)
+        at = dict(each.split(":") for each in desktop.xdotool("getmouselocation").split())
+        self.drag(int(at["x"]), int(at["y"]), text_box.x + 80, text_box.y + 80)
+        desktop.wait_until(lambda: lectora.text() == "out of a file", "the dropped file")
+
+    def drag(self, x, y, to_x, to_y):
+        go = ("sleep", 0.2, "mousemove")
+        desktop.xdotool("mousemove", x, y, "sleep", 0.2, "mousedown", 1, *go, x + 15, y + 15,
+                        *go, to_x - 5, to_y, *go, to_x, to_y, "sleep", 0.5, "mouseup", 1)
+
     def test_a_text_that_was_replaced_comes_back(self):
         lectora = self.start()
         lectora.focus()

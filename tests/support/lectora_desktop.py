@@ -302,9 +302,13 @@ class Lectora:
     def status(self):
         return self.find("status bar").name
 
+    def place(self, widget):
+        """Where it stands on the screen."""
+        return widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+
     def click(self, widget):
         """Presses the widget with the pointer, where it stands on the screen."""
-        box = widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+        box = self.place(widget)
         xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "click", 1)
 
     def press(self, role, name):
