@@ -8,14 +8,7 @@ void LDetachedThread::StartDetached(LDetachedThreadsOwner& owner, int priority) 
     owner_ = &owner;
     next_ = owner.first_;
     owner.first_ = this;
-    running_ = true;
-    {
-        const std::lock_guard priorityLock(priorityMutex_);
-        priority_ = priority;
-    }
-    hasHandle_ = ::pthread_create(&handle_, nullptr, &DetachedEntry, this) == 0;
-    if (!hasHandle_)
-        running_ = false;
+    Launch(priority, &DetachedEntry);
 }
 
 void* LDetachedThread::DetachedEntry(void* self) {

@@ -37,12 +37,16 @@ void LThread::Start(int priority) {
     }
     stopFlag_ = false;
     stopSignal_.Reset();
+    Launch(priority, &Entry);
+}
+
+void LThread::Launch(int priority, void* (*entry)(void*)) {
     running_ = true;
     {
         const std::lock_guard priorityLock(priorityMutex_);
         priority_ = priority;
     }
-    hasHandle_ = ::pthread_create(&handle_, nullptr, &Entry, this) == 0;
+    hasHandle_ = ::pthread_create(&handle_, nullptr, entry, this) == 0;
     if (!hasHandle_)
         running_ = false;
 }

@@ -49,6 +49,7 @@ private:
     friend class LDetachedThread;
     friend class LDetachedThreadsOwner;
     static void* Entry(void* self);
+    void Launch(int priority, void* (*entry)(void*));  // no thread is to be running or joinable
     void Run();            // the body with its priority and signal stack, on the thread itself
     void ApplyPriority();  // priorityMutex_ held
 
