@@ -70,13 +70,15 @@ LHotKeyHandler::~LHotKeyHandler() {
 void LHotKeyHandler::HotKeyHandlerInit(GdkWindow* window) {
     root_ = window != nullptr ? gdk_screen_get_root_window(gdk_window_get_screen(window))
                               : gdk_get_default_root_window();
-    gdk_window_add_filter(root_, gdk_filter, this);
+    // For every window: the server reports a grabbed key to the window of ours that has the focus,
+    // where there is one, and else to the root window.
+    gdk_window_add_filter(nullptr, gdk_filter, this);
     isFiltering_ = true;
 }
 
 void LHotKeyHandler::HotKeyHandlerDestroy() {
     if (isFiltering_)
-        gdk_window_remove_filter(root_, gdk_filter, this);
+        gdk_window_remove_filter(nullptr, gdk_filter, this);
     isFiltering_ = false;
 }
 
@@ -112,7 +114,7 @@ const LHotKeyHandler::HotKey* LHotKeyHandler::Find(unsigned int keycode, unsigne
     return found != hotKeys_.end() ? &*found : nullptr;
 }
 
-// Every event that the X server reports to the root window.
+// Every event that the X server reports.
 GdkFilterReturn LHotKeyHandler::gdk_filter(GdkXEvent* xevent, GdkEvent*, gpointer handler) {
     auto* self = static_cast<LHotKeyHandler*>(handler);
     if (self == nullptr)
@@ -123,16 +125,17 @@ GdkFilterReturn LHotKeyHandler::gdk_filter(GdkXEvent* xevent, GdkEvent*, gpointe
     const unsigned int keycode = event.xkey.keycode;
     if (XkbKeycodeToKeysym(event.xkey.display, static_cast<KeyCode>(keycode), 0, 0) == NoSymbol)
         return GDK_FILTER_CONTINUE;
-    if (event.type == KeyPress) {
-        if (const HotKey* hotKey = self->Find(keycode, event.xkey.state)) {
-            self->downKeycode_ = keycode;
-            self->downIndex_ = hotKey->index;
-            self->EvHotKey(hotKey->index);
-        }
-    } else if (keycode == self->downKeycode_) {
+    const HotKey* hotKey = event.type == KeyPress ? self->Find(keycode, event.xkey.state) : nullptr;
+    if (hotKey != nullptr) {
+        self->downKeycode_ = keycode;
+        self->downIndex_ = hotKey->index;
+        self->EvHotKey(hotKey->index);
+    } else if (event.type == KeyRelease && keycode == self->downKeycode_) {
         // Many users let go of the modifiers first, so that these do not tell.
         self->downKeycode_ = 0;
         self->EvHotKeyReleased(self->downIndex_);
+    } else if (event.xkey.window != GDK_WINDOW_XID(self->root_)) {
+        return GDK_FILTER_CONTINUE;  // an ordinary key of a window of ours
     }
     return GDK_FILTER_REMOVE;
 }
