@@ -50,5 +50,119 @@ class FirstStartTest(DesktopCase):
         self.assertNotIn("not read", "".join(self.spoken()))
 
 
+class OptionsTest(DesktopCase):
+    def setUp(self):
+        super().setUp()
+        self.give_keys()
+
+    def open(self, lectora, page="General"):
+        lectora.press("push button", "Options")
+        lectora.press("page tab", page)
+
+    def wait_for_dialog(self, title):
+        """Until it has the focus, so that it gets the keys."""
+        desktop.wait_until(lambda: title in desktop.xdotool("getactivewindow", "getwindowname"), title)
+
+    def press(self, lectora, name, then):
+        lectora.press("push button", name)
+        self.wait_for_dialog(then)
+
+    def rows(self, lectora):
+        cells = [cell.name for cell in lectora.find_all("table cell")]
+        # Before the texts stand a check box and an image, which this list does without.
+        return [tuple(cells[at + 2 : at + 5]) for at in range(0, len(cells), 5)]
+
+    def wait_for_rows(self, lectora, *rows):
+        desktop.wait_until(lambda: self.rows(lectora) == list(rows), f"{rows}, not {self.rows(lectora)}")
+
+    def test_what_is_chosen_is_kept(self):
+        lectora = self.start()
+        self.open(lectora)
+        self.picture("options-general")
+        lectora.press("radio button", "Use these default format settings ")
+        lectora.press("push button", "Format Settings")
+        self.assertEqual(lectora.wait_for_box("MP3 Settings").strip(), "MP3 Settings are: Constant bitrate, 128")
+        lectora.press("push button", "OK")
+        desktop.wait_until(lambda: not lectora.box_text(), "the end of the box")
+        self.wait_for_dialog("Options")
+        lectora.press("radio button", "Use these default format settings ")
+        desktop.press_keys("Tab", "Down")
+        self.press(lectora, "Format Settings", "Wave Encoder Options")
+        desktop.press_keys("End")  # Custom, at 44,100 samples a second in one channel, as nothing was kept
+        self.picture("options-wave")
+        lectora.press("push button", "OK")
+        self.wait_for_dialog("Options")
+        lectora.press("check box", "Run Lectora automatically when computer starts")
+        lectora.press("radio button", "Prompt for format settings")
+        self.assertFalse(lectora.can_press("push button", "Format Settings"))
+        lectora.press("push button", "OK")
+        desktop.wait_until(lambda: self.setting("settings", "savedefaultformat") == "0", "the settings")
+        self.assertEqual(self.setting("settings", "saveformat"), "1")
+        self.assertEqual(os.path.getsize(os.path.join(desktop.HOME, ".quillon/lectora/WavCodec.wff")), 1028)
+        lectora.end()
+        lectora = self.start()
+        self.open(lectora)
+        for role, name, on in (("radio button", "Prompt for format settings", True),
+            ("check box", "Run Lectora automatically when computer starts", False)):
+            state = lectora.find(role, name).getState()
+            self.assertEqual(state.contains(desktop.pyatspi.STATE_CHECKED), on, name)
+        self.assertFalse(lectora.can_press("push button", "Format Settings"))
+
+    def test_hotkeys_are_added_changed_and_removed_and_act_at_once(self):
+        lectora = self.start()
+        self.open(lectora, "HotKeys")
+        self.press(lectora, "Add...", "Hot-Key Assignment")
+        desktop.press_keys("Down")
+        lectora.press("push button", "OK")
+        # Too early, which leads to the field; the way on is the button behind it.
+        desktop.wait_until(
+            lambda: lectora.find("text", "HotKey Assigned:").getState().contains(desktop.pyatspi.STATE_FOCUSED),
+            "the focus")
+        self.picture("options-key-required")
+        for lock, keys, shown in (("Caps_Lock", "ctrl+alt+k", "Ctrl+Alt+K"), ("Num_Lock", "shift+F5", "Shift+F5")):
+            desktop.press_keys(lock)
+            self.addCleanup(desktop.press_keys, lock)
+            for answer in (("Escape",), ("Shift_L", "Control_L", keys)):
+                lectora.find("push button", "Change Key").queryComponent().grabFocus()
+                desktop.press_keys("space")
+                self.wait_for_dialog("Key Change")
+                self.picture("options-key")
+                desktop.press_keys(*answer)
+                self.wait_for_dialog("Hot-Key Assignment")
+            desktop.wait_until(lambda: lectora.find("text", "HotKey Assigned:").queryText().getText(0, -1) == shown, shown)
+            lectora.press("push button", "OK")
+            self.wait_for_dialog("Options")
+            self.wait_for_rows(lectora, (shown, "Read text from clipboard", ""))
+            lectora.press("push button", "OK")
+            desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the options")
+            self.select(f"words of {keys}")
+            desktop.press_keys("ctrl+alt+k")
+            desktop.press_keys(keys)
+            self.card.wait_for(self.card.next_stream(), "close")
+            self.open(lectora, "HotKeys")
+            if lock == "Caps_Lock":
+                self.press(lectora, "Change...", "Hot-Key Assignment")
+        self.press(lectora, "Remove...", "Confirms Delete")
+        self.picture("options-remove")
+        desktop.press_keys("alt+y")
+        self.wait_for_rows(lectora)
+        desktop.press_keys("Escape")
+        self.select("not read")
+        desktop.press_keys("shift+F5")
+        lectora.set_text("by hand")
+        self.read_aloud(lectora)
+        self.assertEqual([call.split(" ", 2)[2] for call in self.spoken()],
+            ["words of ctrl+alt+k", "words of shift+F5", "by hand"])
+
+    def test_a_key_that_cannot_work_says_so_in_its_row(self):
+        self.give_keys((CONTROL_ALT | ord("R"), READ), (0xFFFE, 9))
+        self.start(HOME=self.folder("other"))
+        lectora = self.start()
+        self.open(lectora, "HotKeys")
+        self.wait_for_rows(lectora, ("Ctrl+Alt+R", "Read text from clipboard", "Held by another program"),
+            ("Unknown key", "Nothing", "Not on this keyboard"))
+        self.picture("options-hotkeys")
+
+
 if __name__ == "__main__":
     unittest.main()
