@@ -224,6 +224,7 @@ TEST_F(NumbersReading, SavesTheWholeInFewRunsAndConvertsOtherRates) {
     SpeechReading reading(Text(2000), 0, SoundPath(), ReadingUse::kSaving);
     reading.Start();
     EXPECT_EQ(Process(progress, reading), kProcessDone);
+    ASSERT_FALSE(progress.told.empty());
     EXPECT_TRUE(std::is_sorted(progress.told.begin(), progress.told.end()));
     EXPECT_EQ(progress.told.back(), 1.0);
     EXPECT_LT(CountLines(At("said")), 30U);
