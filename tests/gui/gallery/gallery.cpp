@@ -25,6 +25,8 @@
 #include "gui/status_window.h"
 #include "gui/tool_bar.h"
 #include "gui/widgets/explorer_bar.h"
+#include "speech/dialogs/tts_input_dialog.h"
+#include "speech/voices.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {
@@ -342,6 +344,14 @@ void ShowBoxes() {
         }
         return;
     }
+    KeepVoices({"kal_diphone", "us_slt"});
+    std::string text = "The quick brown fox jumps over the lazy dog.";
+    LTTSInputDialog input(text, "");
+    UserScript inputUser({[] {
+        TakePicture("text-to-speech");
+        gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
+    }});
+    input.Run(nullptr);
     LAboutBox::Open(nullptr);
     TakePicture("about");
     gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_OK);
