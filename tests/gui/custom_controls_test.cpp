@@ -74,17 +74,21 @@ protected:
 
 TEST_F(DBEdit, TheProgramSetsItWithinItsRangeAndSilently) {
     const struct {
-        int set, shown, position;
+        int set, shown, position, change;
         const char* text;
     } cases[] = {
-        {-6, -6, 52, "-6dB"}, {20, 16, 96, "16dB"}, {-60, -32, 0, "-32dB"}, {0, 0, 64, "0dB"}};
+        {-6, -6, 52, 25, "-6dB"},
+        {20, 16, 96, 22, "16dB"},
+        {-60, -32, 0, -48, "-32dB"},
+        {0, 0, 64, 32, "0dB"},
+    };
     for (const auto& c : cases) {
         LDBEdit::SetLevel(box_, LDB(c.set));
         EXPECT_EQ(Level(), c.shown);
         EXPECT_EQ(Data("iCurrentPos"), c.position);
+        EXPECT_EQ(Data("iChange"), c.change);
         EXPECT_EQ(Text(), c.text);
     }
-    EXPECT_EQ(Data("iChange"), 32);
     LDBEdit::SetLevel(box_, LDB(0));
     EXPECT_EQ(Data("iChange"), 0);
     LDBEdit::Init(5, box_);
