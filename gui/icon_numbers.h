@@ -29,6 +29,7 @@ enum LIconNumber {
     kPreviousSentenceIcon = 121,
     kRepeatSentenceIcon = 122,
     kNextSentenceIcon = 123,
+    kNextTrackIcon = 128,
 
     kMenuIcon = 200,  // first entry of each menu
 };

@@ -1,17 +1,175 @@
 #include "playback/play_dialog.h"
 
-void LPlayDlg::Open(GtkWidget* parent) {
-    LDialog::Open(parent, {"Lectora Player", false, DlgGenPlayer}, true);
+#include <gdk/gdkkeysyms.h>
+
+#include <algorithm>
+
+#include "playback/player_panel_ids.h"
+
+using namespace PlayerPanel;
+
+namespace {
+
+constexpr char kTitle[] = "Lectora Player";
+
+GdkRectangle FrameOf(GtkWidget* window) {
+    GdkRectangle frame{};
+    gdk_window_get_frame_extents(gtk_widget_get_window(window), &frame);
+    return frame;
 }
 
-void LPlayDlg::InitDialog() {
-    LPlayerBaseDlg::InitDialog();
+GdkRectangle MonitorOf(GtkWidget* window) {
+    GdkScreen* screen = gtk_widget_get_screen(window);
+    GdkRectangle monitor{};
+    gdk_screen_get_monitor_geometry(
+        screen, gdk_screen_get_monitor_at_window(screen, gtk_widget_get_window(window)), &monitor);
+    return monitor;
+}
+
+}  // namespace
+
+void LPlayDlg::Open(GtkWidget* parent) {
+    StartPlaying();
+    if (Trouble() == PlayTrouble::kNone)
+        LDialog::Open(parent, {kTitle, false, DlgGenPlayer}, true);
+}
+
+// The sound does not wait for the window.
+void LPlayDlg::StartPlaying() {
+    Prepare();
     CmPlay();
-    EnableControls();
 }
 
 // A panel that cannot be heard is of no use; the owner says why.
 void LPlayDlg::EvEnded() {
     if (Trouble() != PlayTrouble::kNone)
         DoCANCELButton();
+}
+
+void LPlayDlgModeless::Restart(GtkWidget* neighbour) {
+    if (IsOpen()) {
+        ShowItem();
+        CmPlay();
+        return;
+    }
+    neighbour_ = neighbour;
+    StartPlaying();
+    if (!IsLoaded())
+        return;
+    // Not the neighbour's child, which would be kept above it and cover its text.
+    LDialog::Open(nullptr, {kTitle, false, DlgGenPlayer}, false);
+    EnableControls();
+}
+
+void LPlayDlgModeless::InitDialog() {
+    LPlayDlg::InitDialog();
+    GtkWindow* window = GTK_WINDOW(Widget());
+    gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_NORMAL);  // found like any program
+    const bool isSeen = neighbour_ != nullptr && gtk_widget_get_visible(neighbour_) != FALSE;
+    givesFocusBack_ = isSeen && gtk_window_is_active(GTK_WINDOW(neighbour_)) != FALSE;
+    gtk_window_set_focus_on_map(window, givesFocusBack_ ? TRUE : FALSE);
+    if (isSeen)
+        PlaceBeside();
+}
+
+// To the right of the neighbour, to its left, below, above, or else in the corner that hides least.
+void LPlayDlgModeless::PlaceBeside() {
+    GtkWidget* content = gtk_bin_get_child(GTK_BIN(Widget()));
+    gtk_widget_show_all(content);
+    GtkRequisition size{};
+    gtk_widget_size_request(Widget(), &size);
+    const GdkRectangle beside = FrameOf(neighbour_);
+    const GdkRectangle monitor = MonitorOf(neighbour_);
+    GdkPoint border{};
+    gdk_window_get_origin(gtk_widget_get_window(neighbour_), &border.x, &border.y);
+    const int width = size.width + 2 * (border.x - beside.x);
+    const int height = size.height + (border.y - beside.y) + (border.x - beside.x);
+    const int right = monitor.x + monitor.width - width;
+    const int bottom = monitor.y + monitor.height - height;
+    GdkPoint place{std::max(right, monitor.x), std::max(bottom, monitor.y)};
+    if (beside.x + beside.width <= right)
+        place = {beside.x + beside.width, std::clamp(beside.y, monitor.y, place.y)};
+    else if (beside.x - width >= monitor.x)
+        place = {beside.x - width, std::clamp(beside.y, monitor.y, place.y)};
+    else if (beside.y + beside.height <= bottom)
+        place = {std::clamp(beside.x, monitor.x, place.x), beside.y + beside.height};
+    else if (beside.y - height >= monitor.y)
+        place = {std::clamp(beside.x, monitor.x, place.x), beside.y - height};
+    gtk_window_move(GTK_WINDOW(Widget()), place.x, place.y);
+}
+
+void LPlayDlgModeless::DestroyDialog() {
+    LPlayDlg::DestroyDialog();
+    if (HasFocus() && givesFocusBack_ && gtk_widget_get_visible(neighbour_) != FALSE)
+        gtk_window_present(GTK_WINDOW(neighbour_));
+    neighbour_ = nullptr;
+}
+
+void LPlayDlgModeless::Command(int command) {
+    switch (command) {
+        case kCommandOk:
+        case kCommandCancel:
+            CmClose();
+            break;
+        case kResponseHelp:
+        case kCommandHelp:
+            CmHelp();
+            break;
+        case kNextTrack:
+            listener_.EvNextTrack();
+            break;
+        default:
+            LPlayDlg::Command(command);
+            break;
+    }
+}
+
+bool LPlayDlgModeless::EvKeyDown(unsigned int key) {
+    if (key == GDK_Page_Down && Info().HasNextItem()) {
+        DeliverCommand(kNextTrack);
+        return true;
+    }
+    return LPlayDlg::EvKeyDown(key) || listener_.EvPlayerKey(key);
+}
+
+void LPlayDlgModeless::Stop() {
+    LPlayDlg::CmStop();
+    EnableControls();
+}
+
+bool LPlayDlgModeless::HasFocus() const {
+    return IsOpen() && gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE;
+}
+
+void LPlayDlgModeless::CmStop() {
+    const bool wasLoaded = IsLoaded();
+    LPlayDlg::CmStop();
+    if (wasLoaded)
+        listener_.EvPlayerEnded(PlayTrouble::kNone);
+}
+
+void LPlayDlgModeless::CmClose() {
+    CmStop();
+    Close(kCommandOk);
+    listener_.EvPlayerClosed();
+}
+
+void LPlayDlgModeless::spntfPlay(int id) {
+    LPlayDlg::spntfPlay(id);
+    listener_.EvPlayerStarted();
+}
+
+void LPlayDlgModeless::spntfCue(int id) {
+    LPlayDlg::spntfCue(id);
+    listener_.EvPlayerPaused();
+}
+
+void LPlayDlgModeless::spntfTime(LSoundTime time, int id) {
+    LPlayDlg::spntfTime(time, id);
+    listener_.EvPlayerTime(time);
+}
+
+void LPlayDlgModeless::EvEnded() {
+    if (!IsLoaded())
+        listener_.EvPlayerEnded(Trouble());
 }

@@ -1,17 +1,69 @@
-// The player as a dialog of its own: opens, plays at once, and stops when it is closed.
+// The player as a window of its own: opens, plays at once, and stops when it is closed.
 #pragma once
 
 #include "playback/player_panel.h"
 
-class LPlayDlg final : public LPlayerBaseDlg {
+// Modal.
+class LPlayDlg : public LPlayerBaseDlg {
 public:
     using LPlayerBaseDlg::LPlayerBaseDlg;
 
     // Blocks until the user closes the panel, or until nothing can be heard (Trouble()).
     void Open(GtkWidget* parent);
 
-    void InitDialog() override;
+protected:
+    void StartPlaying();  // also before the panel is on the screen
 
 private:
     void EvEnded() override;
+};
+
+// What the owner of a modeless player follows it by. Any of these may close the player. GUI thread.
+class LPlayDlgListener {
+public:
+    virtual ~LPlayDlgListener() = default;
+    virtual void EvPlayerStarted() = 0;  // again too: after a pause, a seek, a wind
+    virtual void EvPlayerPaused() = 0;
+    virtual void EvPlayerTime(LSoundTime time) = 0;
+    // Nothing is loaded any more: stopped by the user, at the end, or in trouble.
+    virtual void EvPlayerEnded(PlayTrouble trouble) = 0;
+    virtual void EvPlayerClosed() = 0;
+    virtual void EvNextTrack() = 0;
+    // A key that means nothing to the player; true when it was of use.
+    virtual bool EvPlayerKey(unsigned int key) = 0;
+};
+
+// Beside the window whose text it plays, which stays usable.
+class LPlayDlgModeless final : public LPlayDlg {
+public:
+    // Both outlive the player.
+    LPlayDlgModeless(LPlayerBaseInfo& info, LPlayDlgListener& listener)
+        : LPlayDlg(info), listener_(listener) {}
+
+    // Plays what `info` tells of, from its start: in the panel that is open, or in a new one beside
+    // `neighbour` (null or hidden: wherever the window manager puts it). A new panel takes the
+    // keyboard only when `neighbour` has it, so that a user who works in another program goes on
+    // there; closing gives it back.
+    void Restart(GtkWidget* neighbour);
+    void Seek(LSoundTime time) { MoveTo(time); }
+    void Stop();            // without word to the listener
+    bool HasFocus() const;  // the user is in it
+
+    void InitDialog() override;
+    void DestroyDialog() override;
+    void Command(int command) override;
+    bool EvKeyDown(unsigned int key) override;
+    void CmStop() override;
+    void CmClose() override;
+
+private:
+    void spntfPlay(int id) override;
+    void spntfCue(int id) override;
+    void spntfTime(LSoundTime time, int id) override;
+    void EvEnded() override;
+    void PlaceBeside();
+
+    LPlayDlgListener& listener_;
+    GtkWidget* neighbour_ = nullptr;  // borrowed while open
+    bool givesFocusBack_ = false;
 };

@@ -19,6 +19,9 @@ public:
     virtual std::string ItemText() const { return ""; }
     virtual bool IsItemTextReadOnly() const { return true; }
 
+    // Whether there is another item to go on with; who has one is asked for it by a command.
+    virtual bool HasNextItem() const { return false; }
+
     // Whose speech it is: each voice keeps a reading speed of its own.
     virtual std::string VoiceName() const { return ""; }
 

@@ -28,11 +28,10 @@ constexpr WindFactors kForwardStill{0.1, 3.0};
 
 LPlayerBaseDlg::LPlayerBaseDlg(LPlayerBaseInfo& info)
     : info_(info),
-      voice_(info.VoiceName()),
       tempo_(std::make_shared<LTempo>()),
-      device_(kPlayerDevice.Get().c_str()),
-      player_(this, kPlayerId, device_) {
+      player_(this, kPlayerId, LSoundPlayDevice()) {
     player_.SetTroubleHandler([this](PlayTrouble trouble) { EvTrouble(trouble); });
+    SetHelpPage("player");
 }
 
 // The player stops with a notification, which must still find this class.
@@ -40,11 +39,20 @@ LPlayerBaseDlg::~LPlayerBaseDlg() {
     StopPlayer();
 }
 
+void LPlayerBaseDlg::Prepare() {
+    if (isPrepared_)
+        return;
+    isPrepared_ = true;
+    device_ = LSoundPlayDevice(kPlayerDevice.Get().c_str());
+    player_.SetDevice(device_);
+    device_.SetVolumeOverride(LDB(kPlayerVolume.Get()), LDB());
+    ReadTempo();
+}
+
 void LPlayerBaseDlg::InitDialog() {
+    Prepare();
     DBDisplaySetLevels(kMeter, LDBMC(8, LDB(-36)));
     DBDisplaySetLevels(kMeter, LDBMC(1));
-    SetText(kItem, info_.ItemText().c_str());
-    SetTextEditable(kItem, !info_.IsItemTextReadOnly());
     struct Button {
         int id;
         const char* tooltip;
@@ -62,6 +70,7 @@ void LPlayerBaseDlg::InitDialog() {
         {kPreviousSentence, "Previous Sentence (Ctrl+Left)", kPreviousSentence, 0},
         {kRepeatSentence, "Repeat Sentence (Ctrl+Down)", kRepeatSentence, 0},
         {kNextSentence, "Next Sentence (Ctrl+Right)", kNextSentence, 0},
+        {kNextTrack, "Next Track (PgDn)", kNextTrack, 0},
     };
     for (const Button& button : kButtons) {
         if (button.upCommand != 0)
@@ -72,31 +81,53 @@ void LPlayerBaseDlg::InitDialog() {
     }
     TBSetRange(kPosition, 0, 100);
     HandleHSBChange(kPosition, kPositionMoved);
-    tempo_->Set(PlayerTempo(voice_.c_str()).Get());
     HandleHSBChange(kTempo, kTempoMoved);
     SetTooltip(kTempo, "Faster (Ctrl+Up), slower (Ctrl+-)");
-    ShowTempo();
     DBEditSetLevel(kVolume, LDB(kPlayerVolume.Get()));
     HandleDBEditChange(kVolume, kVolumeChanged);
     LSoundPlayDeviceInit(*this, kDevice, device_);
     HandlePDLSelChange(kDevice, kDeviceChosen);
-    device_.SetVolumeOverride(DBEditGetLevel(kVolume), LDB());
     wave_.Attach(GetControlByID(kWave));
-    wave_.SetSource(OpenSource());
     wave_.seek = [this](std::int64_t frame) {
         MoveTo(LSoundTime::FromFrames(static_cast<std::int32_t>(frame), sampleRate_));
     };
-    ShowTime();
-    ShowWave();
+    ShowItemControls();
     FocusControl(kPlay);
+}
+
+void LPlayerBaseDlg::ShowItem() {
+    StopPlayer();
+    StoreTempo();
+    ReadTempo();
+    time_ = length_ = LSoundTime();
+    ShowItemControls();
+}
+
+void LPlayerBaseDlg::ShowItemControls() {
+    SetText(kItem, info_.ItemText().c_str());
+    SetTextEditable(kItem, !info_.IsItemTextReadOnly());
+    wave_.SetSource(OpenSource());
+    ShowTempo();
+    SetTime(time_, false);
 }
 
 void LPlayerBaseDlg::DestroyDialog() {
     StopPlayer();
+    wave_.LetGo();
     char name[kTextBufferSize];
     device_.GetDeviceName(name);
     kPlayerDevice.Set(name);
     kPlayerVolume.Set(DBEditGetLevel(kVolume).Value());
+    StoreTempo();
+    isPrepared_ = false;
+}
+
+void LPlayerBaseDlg::ReadTempo() {
+    voice_ = info_.VoiceName();
+    tempo_->Set(PlayerTempo(voice_.c_str()).Get());
+}
+
+void LPlayerBaseDlg::StoreTempo() {
     PlayerTempo(voice_.c_str()).Set(tempo_->Percent());
 }
 
@@ -105,6 +136,7 @@ void LPlayerBaseDlg::EnableControls() {
     const bool hasSentences = info_.FindSentence(LSoundTime(), 0).has_value();
     for (const int id : {kPreviousSentence, kRepeatSentence, kNextSentence})
         ShowControl(id, hasSentences);
+    ShowControl(kNextTrack, info_.HasNextItem());
     IsPlaying() && winding_ == Winding::kNone ? SetCoolButtonDown(kPlay) : SetCoolButtonUp(kPlay);
     player_.IsCued() ? SetCoolButtonDown(kScrub) : SetCoolButtonUp(kScrub);
 }
@@ -153,9 +185,7 @@ void LPlayerBaseDlg::Command(int command) {
                 player_.Seek(time_);
             break;
         case kDeviceChosen:
-            // Entry 0 is the default sound device, which is the first card's.
-            device_ = LSoundPlayDevice(std::max(PDLGetCurSel(kDevice) - 1, 0));
-            player_.SetDevice(device_);
+            TakeDevice();
             break;
         case kVolumeChanged:
             device_.SetVolumeOverride(DBEditGetLevel(kVolume), LDB());
@@ -167,6 +197,15 @@ void LPlayerBaseDlg::Command(int command) {
         default:
             break;
     }
+}
+
+void LPlayerBaseDlg::TakeDevice() {
+    // Entry 0 is the default sound device, which is the first card's.
+    device_ = LSoundPlayDevice(std::max(PDLGetCurSel(kDevice) - 1, 0));
+    player_.SetDevice(device_);
+    device_.SetVolumeOverride(DBEditGetLevel(kVolume), LDB());
+    if (IsPlaying())
+        MoveTo(time_);  // on the new card
 }
 
 LSoundSource LPlayerBaseDlg::OpenSource() {
@@ -195,7 +234,10 @@ void LPlayerBaseDlg::CmPlay() {
     }
     StopPlayer();
     player_.SetTempo(tempo_);
-    StartAt(OpenSource(), time_);
+    if (!StartAt(OpenSource(), time_)) {
+        trouble_ = PlayTrouble::kCannotOpen;
+        EvEnded();
+    }
 }
 
 void LPlayerBaseDlg::CmScrub() {
@@ -278,6 +320,8 @@ void LPlayerBaseDlg::CmBackFwdStop() {
         CmPlay();
     else if (winding == Winding::kWasCued)
         CmScrub();
+    else
+        EvEnded();
 }
 
 void LPlayerBaseDlg::StopPlayer() {
@@ -333,7 +377,7 @@ bool LPlayerBaseDlg::EvKeyDown(unsigned int key) {
                 CmFwd();
             return true;
         case GDK_KP_Enter:
-            DoOKButton();
+            DeliverCommand(kCommandOk);
             return true;
         case kKeyControl | GDK_Up:
         case kKeyControl | GDK_minus:
@@ -379,7 +423,8 @@ void LPlayerBaseDlg::spntfLevel(const LDBMC& levels, int) {
 }
 
 void LPlayerBaseDlg::spntfStop(int) {
-    EnableControls();
+    if (!stopping_)
+        EnableControls();
     if (stopping_ || rewinding_ || forwarding_)
         return;
     trouble_ = player_.Trouble();

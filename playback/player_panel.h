@@ -23,6 +23,10 @@ public:
     explicit LPlayerBaseDlg(LPlayerBaseInfo& info);
     ~LPlayerBaseDlg() override;
 
+    // Card, volume and speed as they are kept in the settings. InitDialog does it unless it was
+    // done: who plays before the panel is on the screen calls it first.
+    void Prepare();
+
     void InitDialog() override;
     void DestroyDialog() override;
     void EnableControls() override;
@@ -42,13 +46,14 @@ public:
     void CmBackFwdStop();
     void CmSentence(int step);  // to the sentence `step` ones on; 0 repeats the one being heard
 
+    bool IsLoaded() const { return player_.IsLoaded(); }  // playing or paused
     bool IsPlaying() const { return player_.IsLoaded() && !player_.IsCued(); }
     LSoundTime Time() const { return time_; }
     // Why nothing can be heard, when playback ended by itself.
     PlayTrouble Trouble() const { return trouble_; }
 
 protected:
-    LSoundPlayer& Player() { return player_; }
+    const LPlayerBaseInfo& Info() const { return info_; }
 
     void spntfPlay(int id) override;
     void spntfStop(int id) override;
@@ -56,8 +61,14 @@ protected:
     void spntfTime(LSoundTime time, int id) override;
     void spntfLevel(const LDBMC& levels, int id) override;
 
-    // Playback ended by itself: at the end, or in trouble.
+    // Playback ended by itself: at the end, or in trouble. Also when a rewind or forward ends that
+    // had begun in silence.
     virtual void EvEnded() {}
+
+    // `info` tells of another item from now on: stops, and shows that from its start.
+    void ShowItem();
+    void MoveTo(LSoundTime time);
+    void StopPlayer();
 
 private:
     enum class Winding { kNone, kWasCued, kWasPlaying, kWasIdle };
@@ -65,18 +76,21 @@ private:
     LSoundSource OpenSource();
     void SetTime(LSoundTime time, bool fromSlider);
     LSoundTime ShownLength() const;
+    void ShowItemControls();
     void ShowTime();
     void ShowWave();
     void ShowTempo();
     bool StartAt(const LSoundSource& source, LSoundTime time);
-    void MoveTo(LSoundTime time);
     void Wind(bool forwards);
-    void StopPlayer();
+    void TakeDevice();  // as chosen in the list
+    void ReadTempo();
+    void StoreTempo();
     bool CmSpace();
     void EvTrouble(PlayTrouble trouble);
 
     LPlayerBaseInfo& info_;
-    std::string voice_;
+    bool isPrepared_ = false;
+    std::string voice_;  // whose speed the tempo is
     std::shared_ptr<LTempo> tempo_;
     LSoundPlayDevice device_;
     LSoundPlayer player_;

@@ -39,7 +39,7 @@ void DlgGenPlayer(LDialogGenContext& context) {
         AddTransportButton(context, id);
     context.EndHBox();
     context.StartHBox();
-    for (const int id : {kPreviousSentence, kRepeatSentence, kNextSentence})
+    for (const int id : {kPreviousSentence, kRepeatSentence, kNextSentence, kNextTrack})
         AddTransportButton(context, id);
     context.EndHBox();
     GtkWidget* position = gtk_hscale_new_with_range(0, 100, 1);

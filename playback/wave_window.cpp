@@ -38,9 +38,14 @@ GtkWidget* LWaveWindow::CreateControl() {
     return area;
 }
 
-void LWaveWindow::SetSource(LSoundSource&& source) {
+void LWaveWindow::LetGo() {
     StopThreadSoon();
     Join();
+    source_.Close();
+}
+
+void LWaveWindow::SetSource(LSoundSource&& source) {
+    LetGo();
     source_ = source;
     source.Close();
     {

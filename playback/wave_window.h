@@ -24,6 +24,7 @@ public:
     // A source of the view's own: whoever opened it must let go of it, since handles are counted
     // without locks. Stops and starts the thread.
     void SetSource(LSoundSource&& source);
+    void LetGo();  // of the source; ends the thread
 
     // Frames shown from `first` on, that many in a pixel column.
     void SetFrame(std::int64_t first, std::int32_t columnFrames);
