@@ -256,9 +256,13 @@ class Lectora:
 
     def windows(self):
         """The X windows that it shows; dialogs carry the main window's title too."""
-        mine = xdotool("search", "--onlyvisible", "--pid", self.process.pid, "--name", "Lectora")
+        mine = xdotool("search", "--onlyvisible", "--all", "--pid", self.process.pid, "--name", "Lectora")
         # The search does not mind case, and a tooltip is named after the program.
-        return [window for window in mine.split() if "Lectora" in xdotool("getwindowname", window)]
+        return [
+            window
+            for window in mine.split()
+            if "Lectora" in (name := xdotool("getwindowname", window)) and "Player" not in name
+        ]
 
     def window(self, seconds=PATIENCE):
         return wait_until(self.windows, "the main window", seconds)[0]
