@@ -112,6 +112,7 @@ void MainDialog::DestroyDialog() {
     tray_.Remove();
     HotkeysStop();
     StopReading();
+    reading_.Close();
     voices_.Store();
 }
 
@@ -278,6 +279,8 @@ void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
         reading_.Stop();
         if (kFollowTextSetting.Get())
             highlight_.Begin(start);
+        else
+            highlight_.End();
         const int voice = AwaitVoice();
         if (voice >= 0)
             (this->*speak)(text, voice);
@@ -367,12 +370,17 @@ void MainDialog::EvReadingWaits() {
 void MainDialog::EvReadingEnded(const std::string& note, bool inTrouble) {
     SetCoolButtonUp(kReadButton);
     SetStatusText(note.empty() ? kBanner : note.c_str());
-    highlight_.End();
+    highlight_.Hide();
     EnableControls();
     // The next file would meet the same trouble, and its box would hide this one's.
     if (inTrouble)
         waitingFiles_.clear();
     // From the main loop: the player is still in the middle of ending this reading.
+    ReadWaitingFilesSoon();
+}
+
+void MainDialog::EvNextReading() {
+    reading_.Stop();
     ReadWaitingFilesSoon();
 }
 

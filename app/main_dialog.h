@@ -77,6 +77,10 @@ private:
     void EvReadingStretch(std::size_t begin, std::size_t end) override;
     void EvReadingWaits() override;
     void EvReadingEnded(const std::string& note, bool inTrouble) override;
+    bool HasNextReading() const override { return !waitingFiles_.empty(); }
+    void EvNextReading() override;
+    void EvReadingStopped() override { waitingFiles_.clear(); }
+    bool EvReadingKey(unsigned int key) override { return EvKeyDown(key); }
 
     void HotkeysStart();  // as they are stored now
     void HotkeysStop();

@@ -3,14 +3,14 @@
 #include <chrono>
 
 #include "app/machine_check.h"
-#include "app/settings_keys.h"
 #include "app/speech_file.h"
+#include "foundation/text_buffer.h"
 #include "gui/message_box.h"
 #include "gui/progress_dialog.h"
+#include "speech/voices.h"
 
 namespace {
 
-constexpr int kPlayerId = 1;
 constexpr const char* kTitle = "Synthesize Voice";
 // A usual first sentence is there before a dialog could be read.
 constexpr std::chrono::milliseconds kTimeWithoutDialog{300};
@@ -28,33 +28,39 @@ bool WaitWithoutDialog(LSignalObjectRef signal) {
     return true;
 }
 
+std::string VoiceName(int voice) {
+    char name[kTextBufferSize];
+    TTSGetDictSpeakerName(voice, name);
+    return name;
+}
+
 }  // namespace
 
 ReadAloud::ReadAloud(ReadAloudListener& listener)
-    : listener_(listener), player_(this, kPlayerId, LSoundPlayDevice()) {
-    player_.SetTroubleHandler([this](PlayTrouble trouble) { EvTrouble(trouble); });
-}
+    : listener_(listener),
+      info_([this] { return listener_.HasNextReading(); }),
+      player_(info_, *this) {}
 
 ReadAloud::~ReadAloud() {
-    Stop();
+    Close();
 }
 
-void ReadAloud::Start(GtkWidget* parent, const std::string& text, int voice) {
+void ReadAloud::Start(GtkWidget* mainWindow, const std::string& text, int voice) {
     Stop();
-    parent_ = parent;
+    mainWindow_ = mainWindow;
     const auto reading =
         std::make_shared<SpeechReading>(text, voice, SpeechFilePath(), ReadingUse::kListening);
-    reading_ = reading;
+    info_.SetReading(reading, VoiceName(voice));
     reading->Start();
     isStarting_ = true;
-    const bool hasSound = AwaitFirstSound(*reading);
+    isStopped_ = false;
+    isFailureTold_ = false;
+    const bool hasSound = AwaitFirstSound(*reading) && !isStopped_;
     isStarting_ = false;
-    // Stopped meanwhile, or the window is gone.
-    if (reading_ != reading)
-        return;
+    position_ = 0;
     if (hasSound)
-        Play(reading->OpenSource());
-    else
+        player_.Restart(mainWindow);
+    else if (info_.Reading() == reading)
         EndEngine();
 }
 
@@ -62,92 +68,123 @@ bool ReadAloud::AwaitFirstSound(SpeechReading& reading) {
     LProcessResult result = reading.HasSound() ? kProcessDone : kProcessFailed;
     if (WaitWithoutDialog(reading.FirstSound())) {
         result = reading.HasSound() ? kProcessDone : kProcessFailed;
-    } else if (reading_.get() == &reading) {
+    } else if (!isStopped_) {
         LProcessDialog<SpeechReading> dialog(kTitle, reading);
-        dialog.Open(parent_);
+        dialog.Open(BoxParent());
         result = dialog.Result();
     }
-    if (result == kProcessFailed && reading_.get() == &reading && !reading.Message().empty())
-        MessageBoxRun(parent_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, reading.Message().c_str(),
-                      nullptr);
+    if (result == kProcessFailed && !isStopped_ && !reading.Message().empty())
+        ShowEngineTrouble(reading.Message());
     return result == kProcessDone;
 }
 
-void ReadAloud::Play(const LSoundSource& source) {
-    rate_ = source->SampleRate();
-    position_ = 0;
-    // The card is looked up at each reading: it may have been plugged in since the last.
-    player_.SetDevice(LSoundPlayDevice(kDeviceSetting.Get().c_str()));
-    if (!player_.Start(source)) {
+void ReadAloud::Stop() {
+    const bool wasReading = player_.IsLoaded();
+    isStopped_ = true;
+    player_.Stop();
+    if (wasReading)
+        EvPlayerEnded(PlayTrouble::kNone);
+    // While the player is there, the rest of the text can still be heard.
+    if (isStarting_ || !player_.IsOpen())
         EndEngine();
-        ShowTrouble(PlayTrouble::kCannotOpen);
-        return;
-    }
-    silenceTimer_ = gdk_threads_add_timeout(kSilenceCheckMilliseconds, GCLookForSilence, this);
 }
 
-void ReadAloud::Stop() {
-    player_.Stop();
+void ReadAloud::Close() {
+    Stop();
+    if (leaving_ != 0)
+        g_source_remove(std::exchange(leaving_, 0U));
+    player_.Close(kCommandOk);
     EndEngine();
 }
 
 void ReadAloud::EndEngine() {
-    if (silenceTimer_ != 0)
-        g_source_remove(silenceTimer_);
-    silenceTimer_ = 0;
-    if (reading_)
-        reading_->Stop();
-    reading_.reset();
+    silence_.Stop();
+    if (info_.Reading())
+        info_.Reading()->Stop();
 }
 
-gboolean ReadAloud::GCLookForSilence(gpointer user) {
-    auto* self = static_cast<ReadAloud*>(user);
-    const SpeechTrack& track = self->reading_->Track();
-    if (!track.IsComplete() && self->position_ + self->rate_ / 2 >= track.Frames())
-        self->listener_.EvReadingWaits();
-    return TRUE;
+GtkWidget* ReadAloud::BoxParent() const {
+    return player_.IsOpen() ? player_.Widget() : mainWindow_;
 }
 
-void ReadAloud::spntfPlay(int) {
+// Only while there may be such a silence: nothing wakes up for a reading that is paused.
+void ReadAloud::WatchForSilence() {
+    silence_.Start(kSilenceCheckMilliseconds, [this] {
+        const SpeechTrack& track = info_.Reading()->Track();
+        if (track.IsComplete())
+            return;
+        if (position_ + info_.Frame(LSoundTime(kSilenceCheckMilliseconds)) >= track.Frames())
+            listener_.EvReadingWaits();
+        WatchForSilence();
+    });
+}
+
+void ReadAloud::EvPlayerStarted() {
     listener_.EvReadingStarted();
+    WatchForSilence();
 }
 
-void ReadAloud::spntfTime(LSoundTime time, int) {
-    if (!reading_)
-        return;
-    position_ = time.ToFrames(rate_);
-    const SpeechTrack& track = reading_->Track();
-    listener_.EvReadingTime(time, LSoundTime::FromFrames(track.EstimatedEnd(), rate_));
+void ReadAloud::EvPlayerTime(LSoundTime time) {
+    position_ = info_.Frame(time);
+    const SpeechTrack& track = info_.Reading()->Track();
+    listener_.EvReadingTime(time, info_.EstimatedLength());
     if (const std::optional<SpokenStretch> stretch = track.StretchAt(position_))
         listener_.EvReadingStretch(stretch->sourceBegin, stretch->sourceEnd);
 }
 
-void ReadAloud::spntfStop(int) {
-    const PlayTrouble trouble = player_.Trouble();
+void ReadAloud::EvPlayerEnded(PlayTrouble trouble) {
+    silence_.Stop();
+    if (isStarting_)
+        return;  // Play was pressed in the player before there was anything to play
     // What ended by itself was read as far as the engine got.
-    const bool toItsEnd = reading_ && reading_->Ended().IsSignaled();
-    const std::string message = toItsEnd ? reading_->Message() : "";
-    const bool engineFailed = toItsEnd && reading_->Outcome() != SynthesisOutcome::kSpoken;
-    EndEngine();
+    const SpeechReading& reading = *info_.Reading();
+    const bool toItsEnd = reading.Ended().IsSignaled();
+    const std::string message = toItsEnd ? reading.Message() : "";
+    const bool engineFailed = toItsEnd && !isFailureTold_ &&
+                              reading.Outcome() != SynthesisOutcome::kSpoken &&
+                              reading.Outcome() != SynthesisOutcome::kStopped;
+    isFailureTold_ = isFailureTold_ || engineFailed;
     listener_.EvReadingEnded(engineFailed ? "" : message,
                              trouble != PlayTrouble::kNone || engineFailed);
+    // In trouble the player stays: another sound card can be chosen there.
     if (trouble != PlayTrouble::kNone)
         ShowTrouble(trouble);
     else if (engineFailed && !message.empty())
-        MessageBoxRun(parent_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, message.c_str(), nullptr);
+        ShowEngineTrouble(message);
+    else
+        LeaveSoon();
 }
 
-void ReadAloud::EvTrouble(PlayTrouble) {
-    player_.Stop();
+void ReadAloud::EvPlayerClosed() {
+    Stop();
+}
+
+// Not in the middle of what the player is telling, and not when another reading follows at once.
+void ReadAloud::LeaveSoon() {
+    if (leaving_ == 0)
+        leaving_ = gdk_threads_add_idle_full(G_PRIORITY_LOW, GCLeave, this, nullptr);
+}
+
+gboolean ReadAloud::GCLeave(gpointer user) {
+    auto* self = static_cast<ReadAloud*>(user);
+    self->leaving_ = 0;
+    // A box that is up belongs to the player.
+    if (!self->IsReading() && !self->player_.HasFocus() && gtk_grab_get_current() == nullptr)
+        self->Close();
+    return FALSE;
+}
+
+void ReadAloud::ShowEngineTrouble(const std::string& message) {
+    MessageBoxRun(BoxParent(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, message.c_str(), nullptr);
 }
 
 void ReadAloud::ShowTrouble(PlayTrouble trouble) {
     if (trouble == PlayTrouble::kDeviceLost) {
-        MessageBoxRun(parent_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora", "Reading stopped",
+        MessageBoxRun(BoxParent(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora", "Reading stopped",
                       "The sound device stopped working while the text was read aloud.");
         return;
     }
-    MessageBoxRun(parent_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Cannot Play", "Cannot Play",
+    MessageBoxRun(BoxParent(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Cannot Play", "Cannot Play",
                   "Please check that you have selected the correct sound device.");
-    RunMachineCheckWithoutCard(parent_);
+    RunMachineCheckWithoutCard(BoxParent());
 }

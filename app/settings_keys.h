@@ -13,7 +13,6 @@ constexpr UserSetting<const char*> kSaveFormatSetting{"Settings", "SaveFormat", 
 constexpr UserSetting<int> kSaveFormatIndexSetting{"Settings", "SaveFormat", 0};
 // Whether the user was asked about a first set of hotkeys.
 constexpr UserSetting<bool> kHotKeysOfferedSetting{"HotKeys", "Offered", false};
-constexpr UserSetting<const char*> kDeviceSetting{"Player", "Device", "default"};
 // Whether the text box shows what is being heard.
 constexpr UserSetting<bool> kFollowTextSetting{"Options", "FollowText", true};
 constexpr UserSetting<int> kTextSizeSetting{"Options", "TextSize", 0};  // points; 0: the theme's

@@ -40,9 +40,14 @@ void SpokenHighlight::Show(std::size_t begin, std::size_t end) {
     gtk_text_view_scroll_to_mark(view_, shown_, 0.1, FALSE, 0, 0);
 }
 
-void SpokenHighlight::End() {
+void SpokenHighlight::Hide() {
     if (isFollowing_)
         Unmark();
+    shownEnd_ = shownBegin_;
+}
+
+void SpokenHighlight::End() {
+    Hide();
     isFollowing_ = false;
 }
 

@@ -21,7 +21,8 @@ public:
     void Begin(const GtkTextIter& start);  // where the text that will be read begins
     // Marks the stretch and brings it into view; nothing before Begin and after End.
     void Show(std::size_t begin, std::size_t end);
-    void End();  // nothing is marked any more; at the end of the reading, and of the text as it was
+    void Hide();  // until the next Show; at the end of the reading, which may be heard again
+    void End();   // nothing is marked until Begin; at the end of the text as it was
 
 private:
     void Unmark();

@@ -67,9 +67,18 @@ void LPlayDlgModeless::InitDialog() {
     gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_NORMAL);  // found like any program
     const bool isSeen = neighbour_ != nullptr && gtk_widget_get_visible(neighbour_) != FALSE;
     givesFocusBack_ = isSeen && gtk_window_is_active(GTK_WINDOW(neighbour_)) != FALSE;
+    awaitsFocus_ = givesFocusBack_;
     gtk_window_set_focus_on_map(window, givesFocusBack_ ? TRUE : FALSE);
     if (isSeen)
         PlaceBeside();
+    Connect(Widget(), "notify::is-active", G_CALLBACK(GCActiveChanged));
+}
+
+void LPlayDlgModeless::GCActiveChanged(GObject*, GParamSpec*, gpointer host) {
+    auto& player = dynamic_cast<LPlayDlgModeless&>(HostOf(host));
+    player.awaitsFocus_ = false;
+    if (!player.HasFocus())
+        player.listener_.EvPlayerLeft();
 }
 
 // To the right of the neighbour, to its left, below, above, or else in the corner that hides least.
@@ -138,11 +147,13 @@ void LPlayDlgModeless::Stop() {
 }
 
 bool LPlayDlgModeless::HasFocus() const {
-    return IsOpen() && gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE;
+    return IsOpen() && (awaitsFocus_ || gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE);
 }
 
 void LPlayDlgModeless::CmStop() {
     const bool wasLoaded = IsLoaded();
+    if (wasLoaded)
+        listener_.EvPlayerStopped();
     LPlayDlg::CmStop();
     if (wasLoaded)
         listener_.EvPlayerEnded(PlayTrouble::kNone);

@@ -25,8 +25,10 @@ public:
     virtual void EvPlayerStarted() = 0;  // again too: after a pause, a seek, a wind
     virtual void EvPlayerPaused() = 0;
     virtual void EvPlayerTime(LSoundTime time) = 0;
+    virtual void EvPlayerStopped() = 0;  // by the user; EvPlayerEnded follows
     // Nothing is loaded any more: stopped by the user, at the end, or in trouble.
     virtual void EvPlayerEnded(PlayTrouble trouble) = 0;
+    virtual void EvPlayerLeft() = 0;  // HasFocus has become false
     virtual void EvPlayerClosed() = 0;
     virtual void EvNextTrack() = 0;
     // A key that means nothing to the player; true when it was of use.
@@ -47,7 +49,7 @@ public:
     void Restart(GtkWidget* neighbour);
     void Seek(LSoundTime time) { MoveTo(time); }
     void Stop();            // without word to the listener
-    bool HasFocus() const;  // the user is in it
+    bool HasFocus() const;  // the user is in it, or is just being led there
 
     void InitDialog() override;
     void DestroyDialog() override;
@@ -62,8 +64,10 @@ private:
     void spntfTime(LSoundTime time, int id) override;
     void EvEnded() override;
     void PlaceBeside();
+    static void GCActiveChanged(GObject* window, GParamSpec*, gpointer host);
 
     LPlayDlgListener& listener_;
     GtkWidget* neighbour_ = nullptr;  // borrowed while open
     bool givesFocusBack_ = false;
+    bool awaitsFocus_ = false;
 };

@@ -28,7 +28,7 @@ class EngineTroubleTest(DesktopCase):
         self.picture("engine-late")
         desktop.tell_engine("festival voices 12")
         self.card.wait_for(self.card.next_stream(), "close")
-        items = [item.name for item in lectora.find("combo box")[0]]
+        items = [item.name for item in lectora.find("combo box", "Choose Voice: ")[0]]
         self.assertEqual(items, [f"voice{number}" for number in range(1, 11)])
         self.assertEqual(lectora.box_text(), "")
 
