@@ -11,6 +11,7 @@ namespace {
 constexpr int kPriority = -5;          // behind the player's thread
 constexpr unsigned int kLookMs = 100;  // how often a growing sound is looked at
 constexpr int kHighlightMs = 25;
+constexpr unsigned int kPictureMs = 33;
 constexpr int kFullPeak = 255;
 constexpr int kSilentPeak = 1;  // drawn as a thin line: sound, but nothing to hear
 constexpr GdkColor kClipping{0, 0xD6D6, 0x4545, 0x4545};
@@ -78,14 +79,45 @@ void LWaveWindow::SetPosition(std::int64_t position, std::int32_t highlightFrame
 }
 
 void LWaveWindow::ShowAround(std::int64_t position, std::int32_t rate, bool isCued) {
+    nextPicture_.Stop();
+    moves_ = false;
+    glide_.Rest(static_cast<double>(position));
+    Place(position, rate, isCued);
+}
+
+void LWaveWindow::MoveOn(std::int64_t position, std::int32_t rate, double pace) {
+    rate_ = std::max(rate, 1);
+    glide_.Told(static_cast<double>(position), pace, PlayGlide::Time::clock::now());
+    if (!moves_)
+        ShowNextPicture();
+}
+
+void LWaveWindow::ShowNextPicture() {
+    const PlayGlide::Time now = PlayGlide::Time::clock::now();
+    moves_ = glide_.IsMoving(now) && IsOnScreen();
+    Place(std::max<std::int64_t>(0, std::llround(glide_.At(now))), rate_, false);
+    if (moves_)
+        nextPicture_.Start(kPictureMs, [this] { ShowNextPicture(); });
+}
+
+bool LWaveWindow::IsOnScreen() const {
+    if (Area() == nullptr || gtk_widget_get_mapped(Area()) == FALSE)
+        return false;
+    GdkWindow* top = gtk_widget_get_window(gtk_widget_get_toplevel(Area()));
+    return (gdk_window_get_state(top) &
+            (GDK_WINDOW_STATE_ICONIFIED | GDK_WINDOW_STATE_WITHDRAWN)) == 0;
+}
+
+void LWaveWindow::Place(std::int64_t position, std::int32_t rate, bool isCued) {
     rate_ = std::max(rate, 1);
     cued_ = isCued;
     const int columns = std::max(1, std::min(Width(), LWaveColumns::kMost));
     const auto columnFrames =
         static_cast<std::int32_t>(std::max<std::int64_t>(1, std::int64_t{2} * rate_ / columns));
-    const std::int64_t first = std::max<std::int64_t>(0, position - rate_);
-    // On whole columns, so that the picture scrolls and is not scanned anew.
-    SetFrame(first - first % columnFrames, columnFrames);
+    // On whole columns, so that the picture scrolls and is not scanned anew, under a line that
+    // stands.
+    const std::int64_t column = position / columnFrames - rate_ / columnFrames;
+    SetFrame(std::max<std::int64_t>(0, column) * columnFrames, columnFrames);
     SetPosition(position, isCued ? rate_ * kHighlightMs / 1000 : 0);
 }
 
@@ -150,7 +182,7 @@ void LWaveWindow::EvNotify() {
 
 void LWaveWindow::EvSize(int, int) {
     if (rate_ > 0) {
-        ShowAround(position_, rate_, cued_);
+        Place(position_, rate_, cued_);
         return;
     }
     LWaveFrame frame;

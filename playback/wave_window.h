@@ -8,7 +8,9 @@
 #include "foundation/gdk/queued_notify.h"
 #include "foundation/signal_object.h"
 #include "foundation/thread.h"
+#include "gui/gui_timer.h"
 #include "gui/widgets/paint_control.h"
+#include "playback/play_glide.h"
 #include "playback/wave_columns.h"
 #include "sound/sound_source.h"
 
@@ -32,6 +34,9 @@ public:
     void SetPosition(std::int64_t position, std::int32_t highlightFrames);
     // Both: two seconds from one second before the position on, or from the start.
     void ShowAround(std::int64_t position, std::int32_t rate, bool isCued);
+    // The same while it plays: the picture moves on by itself, at about `pace` frames a second,
+    // until it is told nothing more for half a second. Nothing wakes up for a window that is away.
+    void MoveOn(std::int64_t position, std::int32_t rate, double pace);
 
     // Told the frame that the user points at with button 1.
     std::function<void(std::int64_t frame)> seek;
@@ -43,6 +48,9 @@ private:
     void ThreadFunction() override;
     void ScanColumns();
     bool MayGrow();
+    void Place(std::int64_t position, std::int32_t rate, bool isCued);
+    void ShowNextPicture();
+    bool IsOnScreen() const;
     void EvNotify() override;
     void Paint(cairo_t* cairo, const GdkRectangle& dirty) override;
     void PaintColumns(cairo_t* cairo, const GdkRectangle& dirty);
@@ -60,4 +68,7 @@ private:
     std::int32_t highlight_ = 0;
     std::int32_t rate_ = 0;  // of the last ShowAround; 0 when SetFrame rules
     bool cued_ = false;
+    PlayGlide glide_;
+    LGuiTimer nextPicture_;
+    bool moves_ = false;  // the timer runs
 };
