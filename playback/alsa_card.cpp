@@ -8,8 +8,11 @@ void IgnoreMessage(const char*, int, const char*, int, const char*, ...) {}
 
 }  // namespace
 
-std::string CardDevice(int card) {
+void QuietAlsa() {
     static const int quiet = snd_lib_error_set_handler(IgnoreMessage);
     static_cast<void>(quiet);
+}
+
+std::string CardDevice(int card) {
     return "hw:" + std::to_string(card);
 }

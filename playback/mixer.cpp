@@ -26,21 +26,22 @@ using Control = std::unique_ptr<snd_ctl_t, ControlCloser>;
 using Mixer = std::unique_ptr<snd_mixer_t, MixerCloser>;
 using CardInfo = std::unique_ptr<snd_ctl_card_info_t, CardInfoFree>;
 
-MixerResult OpenMixer(int card, Mixer& mixer) {
+MixerResult OpenMixer(const std::string& device, Mixer& mixer) {
+    QuietAlsa();
     snd_mixer_t* opened = nullptr;
     if (snd_mixer_open(&opened, 0) < 0)
         return MixerResult::kCannotOpen;
     mixer.reset(opened);
-    const bool ready = snd_mixer_attach(opened, CardDevice(card).c_str()) >= 0 &&
+    const bool ready = snd_mixer_attach(opened, device.c_str()) >= 0 &&
                        snd_mixer_selem_register(opened, nullptr, nullptr) >= 0 &&
                        snd_mixer_load(opened) >= 0;
     return ready ? MixerResult::kDone : MixerResult::kFailed;
 }
 
 template <typename Action>
-MixerResult ForEachElement(int card, Action action) {
+MixerResult ForEachElement(const std::string& device, Action action) {
     Mixer mixer;
-    const MixerResult result = OpenMixer(card, mixer);
+    const MixerResult result = OpenMixer(device, mixer);
     if (result != MixerResult::kDone)
         return result;
     for (snd_mixer_elem_t* element = snd_mixer_first_elem(mixer.get()); element != nullptr;
@@ -55,6 +56,7 @@ MixerResult ForEachElement(int card, Action action) {
 }  // namespace
 
 std::string CardName(int card) {
+    QuietAlsa();
     snd_ctl_t* opened = nullptr;
     if (snd_ctl_open(&opened, CardDevice(card).c_str(), 0) < 0)
         return {};
@@ -74,8 +76,8 @@ long MixerRawVolume(long decibels, long minimum, long maximum) {
     return std::min(std::max(raw, 0L), std::max(range, 0L));
 }
 
-MixerResult SetMixerVolume(int card, long decibels) {
-    return ForEachElement(card, [decibels](snd_mixer_elem_t* element) {
+MixerResult SetMixerVolume(const std::string& device, long decibels) {
+    return ForEachElement(device, [decibels](snd_mixer_elem_t* element) {
         long minimum = 0;
         long maximum = 0;
         snd_mixer_selem_get_playback_volume_range(element, &minimum, &maximum);
@@ -84,8 +86,8 @@ MixerResult SetMixerVolume(int card, long decibels) {
     });
 }
 
-MixerResult ProbeMixer(int card) {
-    return ForEachElement(card, [](snd_mixer_elem_t* element) {
+MixerResult ProbeMixer(const std::string& device) {
+    return ForEachElement(device, [](snd_mixer_elem_t* element) {
         long volume = 0;
         snd_mixer_selem_get_playback_volume(element, SND_MIXER_SCHN_FRONT_LEFT, &volume);
     });

@@ -12,11 +12,12 @@ std::string CardName(int card);
 
 enum class MixerResult { kDone, kCannotOpen, kFailed };
 
+// `device` is ALSA's name of a card or of the sound server.
 // Sets every simple element but "Capture" from -36 dB (bottom) to +12 dB (top of its range),
 // clamped.
-MixerResult SetMixerVolume(int card, long decibels);
+MixerResult SetMixerVolume(const std::string& device, long decibels);
 // Reads every such element's volume and discards it: tells whether the mixer answers.
-MixerResult ProbeMixer(int card);
+MixerResult ProbeMixer(const std::string& device);
 
 // The raw value of a volume: linear, not offset by the range's minimum, so hardware whose minimum
 // is not 0 is shifted.

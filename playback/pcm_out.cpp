@@ -18,10 +18,12 @@ struct ParametersFree {
 
 }  // namespace
 
-int PcmOut::Open(int card) {
+int PcmOut::Open(const std::string& alsaName) {
+    QuietAlsa();
     Close();
+    isCard_ = alsaName != kSoundServer;
     const int error =
-        snd_pcm_open(&pcm_, CardDevice(card).c_str(), SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK);
+        snd_pcm_open(&pcm_, alsaName.c_str(), SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK);
     if (error < 0)
         pcm_ = nullptr;
     return std::min(error, 0);
@@ -48,6 +50,12 @@ int PcmOut::SetParameters(int rate, std::uint8_t channels) {
         error = snd_pcm_hw_params_set_access(pcm_, wanted, SND_PCM_ACCESS_RW_INTERLEAVED);
     if (error >= 0)
         error = snd_pcm_hw_params_set_format(pcm_, wanted, SND_PCM_FORMAT_S16_LE);
+    // ALSA's own rate converter keeps the last part of a sound back for a period that never fills.
+    if (error >= 0 && !isCard_)
+        error = snd_pcm_hw_params_set_rate_resample(pcm_, wanted, 0);
+    // The plug-ins of sound servers refuse a channel count that comes after the sizes.
+    if (error >= 0 && !isCard_)
+        error = snd_pcm_hw_params_set_channels_near(pcm_, wanted, &channels_);
     if (error >= 0)
         error = snd_pcm_hw_params_set_rate_near(pcm_, wanted, &rate_, &direction);
     direction = 0;
@@ -59,7 +67,7 @@ int PcmOut::SetParameters(int rate, std::uint8_t channels) {
     snd_pcm_uframes_t buffer = period * periods / 4;
     if (error >= 0)
         error = snd_pcm_hw_params_set_buffer_size_near(pcm_, wanted, &buffer);
-    if (error >= 0)
+    if (error >= 0 && isCard_)
         error = snd_pcm_hw_params_set_channels_near(pcm_, wanted, &channels_);
     if (error >= 0)
         error = snd_pcm_hw_params(pcm_, wanted);

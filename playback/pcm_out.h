@@ -6,6 +6,7 @@
 #include <poll.h>
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 // Owns the stream. One thread; every call needs an open stream but Open and Close.
@@ -17,7 +18,7 @@ public:
     ~PcmOut() { Close(); }
 
     // 0 or a negative errno. A card that another program holds answers -EBUSY at once.
-    int Open(int card);
+    int Open(const std::string& alsaName);
     void Close();  // drops what the card has not played yet
 
     // Asks for about rate and channels; the card may grant others. 0 or a negative errno.
@@ -38,6 +39,7 @@ public:
 
 private:
     snd_pcm_t* pcm_ = nullptr;
+    bool isCard_ = false;  // no sound server
     unsigned int rate_ = 0;
     unsigned int channels_ = 0;
     std::vector<pollfd> polled_;  // the stop signal's entry first, then the card's

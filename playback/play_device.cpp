@@ -1,19 +1,23 @@
 #include "playback/play_device.h"
 
+#include <algorithm>
 #include <string>
 
 #include "foundation/text_buffer.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
+#include "playback/alsa_card.h"
 #include "playback/mixer.h"
 
 namespace {
 
+// In the settings, where "default" is what stands for nothing chosen.
+constexpr char kSoundServerName[] = "ALSA default";
 constexpr LDB kMixerAnswers(-36);
 constexpr LDB kMixerSilent(0);
 
-void TellCannotOpenMixer(int card) {
-    const std::string text = "Lectora could not open " + CardName(card) +
+void TellCannotOpenMixer(const char* name) {
+    const std::string text = "Lectora could not open " + std::string(name) +
                              ". Check to see if another application is using your sound device.";
     MessageBoxRun(nullptr, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora", text.c_str(), nullptr);
 }
@@ -30,6 +34,17 @@ LSoundPlayDevice::LSoundPlayDevice(const char* name) {
             return;
         }
     }
+    isSoundServer_ = std::string_view(name) == kSoundServerName;
+}
+
+LSoundPlayDevice LSoundPlayDevice::SoundServer() {
+    LSoundPlayDevice server;
+    server.isSoundServer_ = true;
+    return server;
+}
+
+std::string LSoundPlayDevice::AlsaName() const {
+    return isSoundServer_ ? kSoundServer : CardDevice(card_);
 }
 
 void LSoundPlayDevice::GetListDeviceName(int card, char* out) {
@@ -37,13 +52,16 @@ void LSoundPlayDevice::GetListDeviceName(int card, char* out) {
 }
 
 void LSoundPlayDevice::GetDeviceName(char* out) const {
-    GetListDeviceName(card_, out);
+    if (isSoundServer_)
+        CopyText(out, kTextBufferSize, kSoundServerName);
+    else
+        GetListDeviceName(card_, out);
 }
 
 int LSoundPlayDevice::InitVolume(bool set, long volume) const {
-    const MixerResult result = set ? SetMixerVolume(card_, volume) : ProbeMixer(card_);
+    const MixerResult result = set ? SetMixerVolume(AlsaName(), volume) : ProbeMixer(AlsaName());
     if (result == MixerResult::kCannotOpen)
-        TellCannotOpenMixer(card_);
+        TellCannotOpenMixer(isSoundServer_ ? kSoundServer : CardName(card_).c_str());
     return result == MixerResult::kDone ? 0 : -1;
 }
 
@@ -68,7 +86,15 @@ void LSoundPlayDeviceInit(LWindow& dialog, int controlId, LSoundPlayDevice devic
     for (int card = 0; card < kMaxCards; ++card)
         if (const std::string name = CardName(card); !name.empty())
             dialog.PDLAddString(controlId, name.c_str());
-    dialog.PDLSetCurSel(controlId, device.Card() + 1);
+    dialog.PDLAddString(controlId, kSoundServer);
+    dialog.PDLSetCurSel(
+        controlId, device.IsSoundServer() ? dialog.PDLGetCount(controlId) - 1 : device.Card() + 1);
+}
+
+LSoundPlayDevice LSoundPlayDeviceChosen(const LWindow& dialog, int controlId) {
+    const int entry = dialog.PDLGetCurSel(controlId);
+    return entry == dialog.PDLGetCount(controlId) - 1 ? LSoundPlayDevice::SoundServer()
+                                                      : LSoundPlayDevice(std::max(entry - 1, 0));
 }
 
 void LSoundPlayDeviceApply(LWindow&, int, LSoundPlayDevice) {}

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "playback/card_holder.h"
 #include "sound/convert.h"
 
 namespace {
@@ -34,9 +35,9 @@ CardClock::Time Now() {
 
 }  // namespace
 
-PlayRun::PlayRun(const LSoundSource& source, int card, std::shared_ptr<const LTempo> tempo,
-                 std::function<void()> notify)
-    : card_(card),
+PlayRun::PlayRun(const LSoundSource& source, LSoundPlayDevice device,
+                 std::shared_ptr<const LTempo> tempo, std::function<void()> notify)
+    : device_(device),
       tempo_(std::move(tempo)),
       notify_(std::move(notify)),
       original_(source),
@@ -64,7 +65,7 @@ void PlayRun::Halt() {
 PlayNews PlayRun::TakeNews() {
     const std::lock_guard lock(newsMutex_);
     PlayNews news = news_;
-    news_.hasBlock = news_.hasEnded = news_.hasFailed = false;
+    news_.hasBlock = news_.hasEnded = news_.hasFailed = news_.hasRoute = false;
     return news;
 }
 
@@ -91,18 +92,46 @@ void PlayRun::ThreadFunction() {
 }
 
 bool PlayRun::OpenCard() {
-    // Who holds a card often lets it go in a moment, a run left behind among them.
-    const CardClock::Time limit = Now() + kBusyPatience;
-    int error = pcm_.Open(card_);
-    while (error == -EBUSY && Now() < limit && !StopSignal().WaitSignal(kBusyWaitMilliseconds))
-        error = pcm_.Open(card_);
-    if (error < 0) {
-        TellEnd(PlayTrouble::kCannotOpen);
-        return false;
+    const PlayTrouble trouble = TryDevice(device_);
+    if (trouble == PlayTrouble::kNone || IsStopping())
+        return !IsStopping();
+    if (!device_.IsSoundServer() &&
+        TryDevice(LSoundPlayDevice::SoundServer()) == PlayTrouble::kNone) {
+        TellRoute(PlayRoute::Way::kServer, isBusy_);
+        return true;
     }
-    if (pcm_.SetParameters(original_->SampleRate(), original_->Channels()) < 0)
-        return Fail(PlayTrouble::kCannotSetUp);
-    return true;
+    if (trouble == PlayTrouble::kCannotSetUp)
+        return Fail(trouble);
+    TellEnd(trouble);
+    return false;
+}
+
+PlayTrouble PlayRun::TryDevice(LSoundPlayDevice device) {
+    const std::string name = device.AlsaName();
+    int error = pcm_.Open(name);
+    // Who holds a card often lets it go in a moment, a run left behind among them.
+    if (error == -EBUSY && !device.IsSoundServer()) {
+        const CardClock::Time limit = Now() + kBusyPatience;
+        isBusy_ = true;
+        TellRoute(PlayRoute::Way::kAwaited, true);
+        while (error == -EBUSY && Now() < limit && !StopSignal().WaitSignal(kBusyWaitMilliseconds))
+            error = pcm_.Open(name);
+        if (error >= 0)
+            TellRoute(PlayRoute::Way::kAsked, false);
+    }
+    if (error < 0)
+        return PlayTrouble::kCannotOpen;
+    return pcm_.SetParameters(original_->SampleRate(), original_->Channels()) < 0
+               ? PlayTrouble::kCannotSetUp
+               : PlayTrouble::kNone;
+}
+
+void PlayRun::TellRoute(PlayRoute::Way way, bool isBusy) {
+    const std::string holder = isBusy ? CardHolder(device_.Card()) : "";
+    Tell([&](PlayNews& news) {
+        news.hasRoute = true;
+        news.route = {way, isBusy, holder.empty() ? news.route.holder : holder};
+    });
 }
 
 bool PlayRun::MatchCard() {
@@ -337,6 +366,6 @@ bool PlayRun::Fail(PlayTrouble trouble) {
 void PlayRun::Tell(const std::function<void(PlayNews&)>& change) {
     const std::lock_guard lock(newsMutex_);
     change(news_);
-    if (!isTakenBack_ && (news_.hasBlock || news_.hasEnded || news_.hasFailed))
+    if (!isTakenBack_ && (news_.hasBlock || news_.hasEnded || news_.hasFailed || news_.hasRoute))
         notify_();
 }

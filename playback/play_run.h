@@ -20,12 +20,14 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "foundation/thread.h"
 #include "playback/block_ring.h"
 #include "playback/card_clock.h"
 #include "playback/pcm_out.h"
+#include "playback/play_device.h"
 #include "sound/level.h"
 #include "sound/sound_source.h"
 #include "sound/tempo.h"
@@ -33,9 +35,21 @@
 // Why playback ended by itself.
 enum class PlayTrouble {
     kNone,         // played to the end, stopped by the owner, or still playing
-    kCannotOpen,   // no such card, or another program holds it
+    kCannotOpen,   // no such card, or another program holds it; no sound server either
     kCannotSetUp,  // the card refused the sound's parameters
     kDeviceLost,   // the card vanished, failed or stood still while playing
+};
+
+// Where the sound goes.
+struct PlayRoute {
+    enum class Way {
+        kAsked,    // to the device that was asked for
+        kAwaited,  // nowhere yet: another program holds the card, which is tried again
+        kServer,   // to the sound server, since the card that was asked for cannot be had
+    };
+    Way way = Way::kAsked;
+    bool isBusy = false;  // the card is there, but another program holds it
+    std::string holder;   // the name of that program, when the kernel tells
 };
 
 // Frames are the owner's source's own, whatever the card is given.
@@ -43,6 +57,8 @@ struct PlayNews {
     bool hasBlock = false;   // another block is being heard: its start and its levels are told
     bool hasEnded = false;   // heard to the end, or the card could not be opened
     bool hasFailed = false;  // ended without an end; trouble says why
+    bool hasRoute = false;   // not what it was
+    PlayRoute route;
     PlayTrouble trouble = PlayTrouble::kNone;
     int frame = 0;     // where playback would go on: start of the block being heard
     int endFrame = 0;  // grows while the source streams
@@ -53,8 +69,8 @@ class PlayRun final : private LThread {
 public:
     // notify is called on the thread when there are news, never once Halt has returned. Without a
     // tempo the source plays at its own.
-    PlayRun(const LSoundSource& source, int card, std::shared_ptr<const LTempo> tempo,
-            std::function<void()> notify);
+    PlayRun(const LSoundSource& source, LSoundPlayDevice device,
+            std::shared_ptr<const LTempo> tempo, std::function<void()> notify);
     ~PlayRun() override;  // waits for the thread
 
     using LThread::IsRunning;
@@ -77,6 +93,8 @@ private:
 
     void ThreadFunction() override;
     bool OpenCard();
+    PlayTrouble TryDevice(LSoundPlayDevice device);
+    void TellRoute(PlayRoute::Way way, bool isBusy);
     bool MatchCard();
     bool Step();
     Supply NextBlock();
@@ -94,7 +112,7 @@ private:
     bool Fail(PlayTrouble trouble);
     void Tell(const std::function<void(PlayNews&)>& change);
 
-    const int card_;
+    const LSoundPlayDevice device_;
     const std::shared_ptr<const LTempo> tempo_;
     const std::function<void()> notify_;
     LSignalObject finished_;
@@ -108,6 +126,7 @@ private:
     PlayNews news_;
 
     // The thread's own, set up before its loop so that nothing is allocated inside.
+    bool isBusy_ = false;  // the card, once it was tried
     PcmOut pcm_;
     CardClock clock_;
     BlockRing ring_;

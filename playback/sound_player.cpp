@@ -16,12 +16,17 @@ public:
     int OriginFrame(int frame) const override { return frame; }
 };
 
-// Runs whose card has not let them go yet. One that never does stays until the program ends, which
-// does not wait for it.
-void LeaveBehind(std::unique_ptr<PlayRun> run) {
-    static auto* const leftBehind = new std::vector<std::unique_ptr<PlayRun>>;
-    std::erase_if(*leftBehind, [](const auto& left) { return !left->IsRunning(); });
-    leftBehind->push_back(std::move(run));
+// Runs whose card has not let them go yet: each holds its thread and its card's descriptor, no
+// source. They belong to no player, since a player may be gone before they are. Freed at the next
+// start, once their card has let them go. One that never does stays until the program ends, which
+// does not wait for it: the list is never destroyed, as its runs would wait for their threads.
+std::vector<std::unique_ptr<PlayRun>>& RunsLeftBehind() {
+    static auto* const runs = new std::vector<std::unique_ptr<PlayRun>>;
+    return *runs;
+}
+
+void FreeRunsLetGo() {
+    std::erase_if(RunsLeftBehind(), [](const auto& run) { return !run->IsRunning(); });
 }
 
 }  // namespace
@@ -123,8 +128,9 @@ int LSoundPlayer::EndSample() const {
 }
 
 void LSoundPlayer::StartRun() {
+    FreeRunsLetGo();
     trouble_ = PlayTrouble::kNone;
-    run_ = std::make_unique<PlayRun>(source_, device_.Card(), tempo_, [this] { QueueNotify(); });
+    run_ = std::make_unique<PlayRun>(source_, device_, tempo_, [this] { QueueNotify(); });
     run_->Start();
 }
 
@@ -138,7 +144,7 @@ void LSoundPlayer::Halt() {
     if (run_->HasFinished())
         run_.reset();
     else
-        LeaveBehind(std::move(run_));
+        RunsLeftBehind().push_back(std::move(run_));
 }
 
 // So that a meter falls. False when the listener has deleted the player.
@@ -156,6 +162,12 @@ void LSoundPlayer::EvNotify() {
         return;
     const PlayNews news = run_->TakeNews();
     const Moment moment(*this);
+    if (news.hasRoute && onRoute_) {
+        const auto handler = onRoute_;  // may be replaced, or destroyed with the player
+        handler(news.route);
+        if (!moment.Holds())
+            return;
+    }
     if (news.hasEnded) {
         EvEnded(news);
     } else if (news.hasBlock) {
@@ -169,7 +181,7 @@ void LSoundPlayer::EvNotify() {
     if (!news.hasFailed || !moment.Holds())
         return;
     trouble_ = news.trouble;
-    const auto handler = onTrouble_;  // may be replaced, or destroyed with the player
+    const auto handler = onTrouble_;
     if (handler)
         handler(trouble_);
 }

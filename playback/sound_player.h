@@ -5,7 +5,7 @@
 // still to tell goes with it. No operation waits for the card: a run that its card does not let go
 // is left behind and ends by itself.
 //
-// A listener, and the trouble handler, may call any operation from within any call, and may delete
+// A listener, and the handlers, may call any operation from within any call, and may delete
 // the player.
 #pragma once
 
@@ -79,6 +79,11 @@ public:
         onTrouble_ = std::move(handler);
     }
 
+    // Called whenever the sound takes another way than it did, or has to wait for its card.
+    void SetRouteHandler(std::function<void(const PlayRoute&)> handler) {
+        onRoute_ = std::move(handler);
+    }
+
 private:
     enum class State { kIdle, kLoaded, kCued };
 
@@ -117,4 +122,5 @@ private:
     std::uint8_t toldChannels_ = 0;    // of the last level told; 0 after silence
     PlayTrouble trouble_ = PlayTrouble::kNone;
     std::function<void(PlayTrouble)> onTrouble_;
+    std::function<void(const PlayRoute&)> onRoute_;
 };

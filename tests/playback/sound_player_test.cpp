@@ -4,11 +4,14 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <numbers>
 #include <numeric>
 
+#include "playback/card_holder.h"
 #include "tests/playback/player_fixture.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -186,7 +189,9 @@ TEST_F(PlayerTest, ListenersMayDoAnythingFromWithin) {
     listener_.onEntry = nullptr;
 }
 
+// Decided: 20 ms. The median, since a busy machine may hold any one of them up.
 TEST_F(PlayerTest, NoOperationWaitsForACardThatDoesNotAnswer) {
+    std::vector<double> waits;  // milliseconds
     const std::function<void()> operations[] = {[&] { player_->Cue(); },
                                                 [&] { player_->Seek(100); },
                                                 [&] { player_->Stop(); }, [&] { player_.reset(); }};
@@ -201,7 +206,9 @@ TEST_F(PlayerTest, NoOperationWaitsForACardThatDoesNotAnswer) {
             std::this_thread::sleep_for(std::chrono::milliseconds(30));
             const auto start = std::chrono::steady_clock::now();
             operation();
-            EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+            const std::chrono::duration<double, std::milli> wait =
+                std::chrono::steady_clock::now() - start;
+            waits.push_back(wait.count());
             const bool isGoingOn = player_ && player_->IsLoaded();
             const std::size_t told = listener_.log.size();
             cards_.Insert(card, "speed 8\n");
@@ -215,6 +222,8 @@ TEST_F(PlayerTest, NoOperationWaitsForACardThatDoesNotAnswer) {
             ++card;
         }
     }
+    std::nth_element(waits.begin(), waits.begin() + 4, waits.end());
+    EXPECT_LT(waits[4], 20);
 }
 
 // Frames of one stream, in order, of which at most one block came twice.
@@ -263,14 +272,60 @@ TEST_F(PlayerTest, GrowingSourcesAreWaitedForInSilence) {
     }
 }
 
-TEST_F(PlayerTest, ABusyCardIsTriedAgain) {
-    cards_.Insert(0, "fault busy\n");
-    player_->Start(NumberedSource(8000));
-    std::this_thread::sleep_for(std::chrono::milliseconds(150));
-    EXPECT_EQ(cards_.Streams(0), 0);
-    cards_.Insert(0, "speed 8\n");
-    ASSERT_TRUE(RunUntilTold("stop"));
-    EXPECT_EQ(cards_.Played(0), NumbersFrom(0, 8000));
+std::string Told(const PlayRoute& route) {
+    const char* const ways[] = {"asked", "awaited", "server"};
+    return std::string(ways[static_cast<int>(route.way)]) + (route.isBusy ? " busy" : "");
+}
+
+TEST_F(PlayerTest, ABusyCardIsTriedAgainAndTheSoundServerInstead) {
+    const struct {
+        const char* before;  // of card 0; null: missing
+        const char* then;
+        std::vector<std::string> routes;
+        int plays;
+    } cases[] = {{"fault busy\n", "speed 8\n", {"awaited busy", "asked"}, 0},
+                 {"fault busy\n", nullptr, {"awaited busy", "server busy"}, 9},
+                 {nullptr, nullptr, {"server"}, 9}};
+    cards_.Insert(9, "rates 48000\nspeed 8\n");
+    int card = 0;
+    std::string next;
+    std::vector<std::string> routes;
+    player_->SetRouteHandler([&](const PlayRoute& route) {
+        routes.push_back(Told(route));
+        if (routes.back() == "awaited busy" && !next.empty())
+            cards_.Insert(card, next);
+    });
+    for (const auto& test : cases) {
+        routes.clear();
+        listener_.log.clear();
+        next = test.then != nullptr ? test.then : "";
+        if (test.before != nullptr)
+            cards_.Insert(card, test.before);
+        player_->SetDevice(LSoundPlayDevice(card));
+        player_->Start(NumberedSource(8000));
+        ASSERT_TRUE(RunUntilTold("stop"));
+        EXPECT_EQ(player_->Trouble(), PlayTrouble::kNone);
+        EXPECT_EQ(routes, test.routes);
+        const int plays = test.plays == 0 ? card : test.plays;
+        const std::vector<std::int16_t> played = cards_.Played(plays, cards_.Streams(plays));
+        EXPECT_NEAR(static_cast<double>(played.size()), plays == 9 ? 24000 : 8000, 100);
+        ++card;
+    }
+    EXPECT_EQ(cards_.Streams(9), 2);
+}
+
+TEST(CardHolder, IsWhoeverTheKernelNames) {
+    const ScratchFolder kernel;
+    for (const char* const stream : {"pcm0c/sub0", "pcm0p/sub0", "pcm3p/sub1"})
+        std::filesystem::create_directories(kernel / ("asound/card1/" + std::string(stream)));
+    std::filesystem::create_directories(kernel / "812");
+    kernel.Write("asound/card1/pcm0c/sub0/status", "state: RUNNING\nowner_pid   : 812\n");
+    kernel.Write("asound/card1/pcm0p/sub0/status", "closed\n");
+    kernel.Write("812/comm", "music player\n");
+    EXPECT_EQ(CardHolder(1, kernel.Path()), "") << "it records";
+    kernel.Write("asound/card1/pcm3p/sub1/status", "state: RUNNING\nowner_pid   : 812\n");
+    EXPECT_EQ(CardHolder(1, kernel.Path()), "music player");
+    EXPECT_EQ(CardHolder(0, kernel.Path()), "");
 }
 
 TEST_F(PlayerTest, EndsInTroubleWithAReason) {
