@@ -75,6 +75,7 @@ private:
     void EvReadingStarted() override;
     void EvReadingTime(LSoundTime position, LSoundTime length) override;
     void EvReadingStretch(std::size_t begin, std::size_t end) override;
+    void EvReadingRoute(const std::string& text) override { SetStatusText(text.c_str()); }
     void EvReadingWaits() override;
     void EvReadingEnded(const std::string& note, bool inTrouble) override;
     bool HasNextReading() const override { return !waitingFiles_.empty(); }

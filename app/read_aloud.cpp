@@ -184,7 +184,10 @@ void ReadAloud::ShowTrouble(PlayTrouble trouble) {
                       "The sound device stopped working while the text was read aloud.");
         return;
     }
+    std::string text = "Please check that you have selected the correct sound device.";
+    if (!player_.RouteText().empty())
+        text += "\n\n" + player_.RouteText();
     MessageBoxRun(BoxParent(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Cannot Play", "Cannot Play",
-                  "Please check that you have selected the correct sound device.");
+                  text.c_str());
     RunMachineCheckWithoutCard(BoxParent());
 }

@@ -22,6 +22,7 @@ public:
     // length is an estimate until the engine has spoken the whole text.
     virtual void EvReadingTime(LSoundTime position, LSoundTime length) = 0;
     virtual void EvReadingStretch(std::size_t begin, std::size_t end) = 0;  // bytes, being heard
+    virtual void EvReadingRoute(const std::string& /*text*/) {}  // why the sound card is not used
     virtual void EvReadingWaits() = 0;  // nothing is heard: the voice is slower than speech
     // note: what the user is to be told about a reading that went well; inTrouble: it did not, and
     // the user will be told.
@@ -60,6 +61,7 @@ private:
     void EvPlayerEnded(PlayTrouble trouble) override;
     void EvPlayerStopped() override { listener_.EvReadingStopped(); }
     void EvPlayerLeft() override { LeaveSoon(); }
+    void EvPlayerRoute(const std::string& text) override { listener_.EvReadingRoute(text); }
     void EvPlayerClosed() override;
     void EvNextTrack() override { listener_.EvNextReading(); }
     bool EvPlayerKey(unsigned int key) override { return listener_.EvReadingKey(key); }

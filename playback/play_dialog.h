@@ -28,7 +28,8 @@ public:
     virtual void EvPlayerStopped() = 0;  // by the user; EvPlayerEnded follows
     // Nothing is loaded any more: stopped by the user, at the end, or in trouble.
     virtual void EvPlayerEnded(PlayTrouble trouble) = 0;
-    virtual void EvPlayerLeft() = 0;  // HasFocus has become false
+    virtual void EvPlayerLeft() = 0;                          // HasFocus has become false
+    virtual void EvPlayerRoute(const std::string& text) = 0;  // what keeps it from its card, or ""
     virtual void EvPlayerClosed() = 0;
     virtual void EvNextTrack() = 0;
     // A key that means nothing to the player; true when it was of use.
@@ -63,6 +64,7 @@ private:
     void spntfCue(int id) override;
     void spntfTime(LSoundTime time, int id) override;
     void EvEnded() override;
+    void EvRoute() override { listener_.EvPlayerRoute(RouteText()); }
     void PlaceBeside();
     static void GCActiveChanged(GObject* window, GParamSpec*, gpointer host);
 

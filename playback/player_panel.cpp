@@ -17,12 +17,11 @@ constexpr LSoundTime kWindRamp(8000);
 constexpr int kPlayEndMilliseconds = 3000;
 constexpr int kTempoStep = 10;
 
-struct WindFactors {
-    double start;
-    double end;
-};
-constexpr WindFactors kForwardPlaying{1.5, 7.0};
-constexpr WindFactors kForwardStill{0.1, 3.0};
+std::string NameOf(LSoundPlayDevice device) {
+    char name[kTextBufferSize];
+    device.GetDeviceName(name);
+    return name;
+}
 
 }  // namespace
 
@@ -31,6 +30,7 @@ LPlayerBaseDlg::LPlayerBaseDlg(LPlayerBaseInfo& info)
       tempo_(std::make_shared<LTempo>()),
       player_(this, kPlayerId, LSoundPlayDevice()) {
     player_.SetTroubleHandler([this](PlayTrouble trouble) { EvTrouble(trouble); });
+    player_.SetRouteHandler([this](const PlayRoute& route) { TakeRoute(route); });
     SetHelpPage("player");
 }
 
@@ -43,7 +43,11 @@ void LPlayerBaseDlg::Prepare() {
     if (isPrepared_)
         return;
     isPrepared_ = true;
-    device_ = LSoundPlayDevice(kPlayerDevice.Get().c_str());
+    const std::string kept = kPlayerDevice.Get();
+    device_ = LSoundPlayDevice(kept.c_str());
+    const bool isMissing =
+        !kept.empty() && kept != NameOf(device_) && kept != kPlayerDevice.defaultValue;
+    missingDevice_ = isMissing ? kept : "";
     player_.SetDevice(device_);
     device_.SetVolumeOverride(LDB(kPlayerVolume.Get()), LDB());
     ReadTempo();
@@ -87,10 +91,13 @@ void LPlayerBaseDlg::InitDialog() {
     HandleDBEditChange(kVolume, kVolumeChanged);
     LSoundPlayDeviceInit(*this, kDevice, device_);
     HandlePDLSelChange(kDevice, kDeviceChosen);
+    SetTooltip(kDevice, "\"default\" is the desktop's own sound server");
     wave_.Attach(GetControlByID(kWave));
     wave_.seek = [this](std::int64_t frame) {
         MoveTo(LSoundTime::FromFrames(static_cast<std::int32_t>(frame), sampleRate_));
     };
+    SetStaticText(kRoute, routeText_.c_str());
+    ShowControl(kRoute, !routeText_.empty());
     ShowItemControls();
     FocusControl(kPlay);
 }
@@ -114,9 +121,8 @@ void LPlayerBaseDlg::ShowItemControls() {
 void LPlayerBaseDlg::DestroyDialog() {
     StopPlayer();
     wave_.LetGo();
-    char name[kTextBufferSize];
-    device_.GetDeviceName(name);
-    kPlayerDevice.Set(name);
+    // A card that is unplugged today plays again when it is back, unless another was chosen.
+    kPlayerDevice.Set(missingDevice_.empty() ? NameOf(device_).c_str() : missingDevice_.c_str());
     kPlayerVolume.Set(DBEditGetLevel(kVolume).Value());
     StoreTempo();
     isPrepared_ = false;
@@ -200,8 +206,8 @@ void LPlayerBaseDlg::Command(int command) {
 }
 
 void LPlayerBaseDlg::TakeDevice() {
-    // Entry 0 is the default sound device, which is the first card's.
-    device_ = LSoundPlayDevice(std::max(PDLGetCurSel(kDevice) - 1, 0));
+    device_ = LSoundPlayDeviceChosen(*this, kDevice);
+    missingDevice_.clear();
     player_.SetDevice(device_);
     device_.SetVolumeOverride(DBEditGetLevel(kVolume), LDB());
     if (IsPlaying())
@@ -224,6 +230,7 @@ bool LPlayerBaseDlg::StartAt(const LSoundSource& source, LSoundTime time) {
     if (time != LSoundTime())
         source->Seek(time.ToFrames(sampleRate_));
     trouble_ = PlayTrouble::kNone;
+    SetRouteText("");
     return player_.Start(source);
 }
 
@@ -300,13 +307,15 @@ void LPlayerBaseDlg::Wind(bool forwards) {
     if (source->Status() != SoundStatus::kGood)
         return;
     source->Seek(time_.ToFrames(sampleRate_));
-    WindFactors factors = wasPlaying ? kForwardPlaying : kForwardStill;
-    if (!forwards)
-        factors = wasPlaying ? WindFactors{-0.5, -7.0} : WindFactors{-0.1, -3.0};
+    if (forwards)
+        factors_ = wasPlaying ? WindFactors{1.5, 7.0} : WindFactors{0.1, 3.0};
+    else
+        factors_ = wasPlaying ? WindFactors{-0.5, -7.0} : WindFactors{-0.1, -3.0};
+    windStart_ = g_get_monotonic_time();
     winding_ = winding;
     (forwards ? forwarding_ : rewinding_) = true;
     player_.SetTempo(nullptr);
-    StartAt(LSPSpeed(factors.start, factors.end, kWindRamp).OpenSource(source), LSoundTime());
+    StartAt(LSPSpeed(factors_.start, factors_.end, kWindRamp).OpenSource(source), LSoundTime());
 }
 
 void LPlayerBaseDlg::CmBackFwdStop() {
@@ -410,6 +419,7 @@ void LPlayerBaseDlg::spntfPlay(int) {
 }
 
 void LPlayerBaseDlg::spntfCue(int) {
+    ShowWave();
     EnableControls();
 }
 
@@ -423,11 +433,14 @@ void LPlayerBaseDlg::spntfLevel(const LDBMC& levels, int) {
 }
 
 void LPlayerBaseDlg::spntfStop(int) {
+    ShowWave();
     if (!stopping_)
         EnableControls();
     if (stopping_ || rewinding_ || forwarding_)
         return;
     trouble_ = player_.Trouble();
+    if (trouble_ == PlayTrouble::kCannotOpen && !routeText_.empty())
+        SetRouteText(obstacle_ + ".");
     // The next play begins again.
     if (trouble_ == PlayTrouble::kNone)
         SetTime(LSoundTime(), false);
@@ -440,6 +453,27 @@ void LPlayerBaseDlg::EvTrouble(PlayTrouble trouble) {
     rewinding_ = forwarding_ = false;
     trouble_ = trouble;
     EvEnded();
+}
+
+void LPlayerBaseDlg::TakeRoute(const PlayRoute& route) {
+    if (route.way == PlayRoute::Way::kAsked)
+        return SetRouteText("");
+    obstacle_ = "The sound card is not there";
+    if (route.isBusy)
+        obstacle_ = "The sound card is in use by " +
+                    (route.holder.empty() ? "another program" : route.holder);
+    SetRouteText(obstacle_ + (route.way == PlayRoute::Way::kAwaited
+                                  ? "; trying again..."
+                                  : "; playing through the desktop's sound server."));
+}
+
+void LPlayerBaseDlg::SetRouteText(const std::string& text) {
+    if (text == routeText_)
+        return;
+    routeText_ = text;
+    SetStaticText(kRoute, text.c_str());
+    ShowControl(kRoute, !text.empty());
+    EvRoute();
 }
 
 LSoundTime LPlayerBaseDlg::ShownLength() const {
@@ -471,7 +505,20 @@ void LPlayerBaseDlg::ShowTime() {
 }
 
 void LPlayerBaseDlg::ShowWave() {
-    wave_.ShowAround(time_.ToFrames(sampleRate_), sampleRate_, player_.IsCued());
+    const int frame = time_.ToFrames(sampleRate_);
+    if (IsPlaying())
+        wave_.MoveOn(frame, sampleRate_, Pace());
+    else
+        wave_.ShowAround(frame, sampleRate_, player_.IsCued());
+}
+
+// Frames of the text a second.
+double LPlayerBaseDlg::Pace() const {
+    if (!rewinding_ && !forwarding_)
+        return sampleRate_ * tempo_->Percent() / 100.0;
+    const double ramped =
+        static_cast<double>(g_get_monotonic_time() - windStart_) / 1000 / kWindRamp.Milliseconds();
+    return sampleRate_ * (factors_.start + (factors_.end - factors_.start) * std::min(ramped, 1.0));
 }
 
 void LPlayerBaseDlg::ShowTempo() {

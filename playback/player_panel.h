@@ -51,6 +51,8 @@ public:
     LSoundTime Time() const { return time_; }
     // Why nothing can be heard, when playback ended by itself.
     PlayTrouble Trouble() const { return trouble_; }
+    // What keeps the sound from the card that was chosen, as a sentence; empty when nothing does.
+    const std::string& RouteText() const { return routeText_; }
 
 protected:
     const LPlayerBaseInfo& Info() const { return info_; }
@@ -64,6 +66,7 @@ protected:
     // Playback ended by itself: at the end, or in trouble. Also when a rewind or forward ends that
     // had begun in silence.
     virtual void EvEnded() {}
+    virtual void EvRoute() {}  // RouteText() is another
 
     // `info` tells of another item from now on: stops, and shows that from its start.
     void ShowItem();
@@ -71,6 +74,10 @@ protected:
     void StopPlayer();
 
 private:
+    struct WindFactors {
+        double start = 0;
+        double end = 0;
+    };
     enum class Winding { kNone, kWasCued, kWasPlaying, kWasIdle };
 
     LSoundSource OpenSource();
@@ -79,6 +86,7 @@ private:
     void ShowItemControls();
     void ShowTime();
     void ShowWave();
+    double Pace() const;
     void ShowTempo();
     bool StartAt(const LSoundSource& source, LSoundTime time);
     void Wind(bool forwards);
@@ -87,18 +95,25 @@ private:
     void StoreTempo();
     bool CmSpace();
     void EvTrouble(PlayTrouble trouble);
+    void TakeRoute(const PlayRoute& route);
+    void SetRouteText(const std::string& text);
 
     LPlayerBaseInfo& info_;
     bool isPrepared_ = false;
     std::string voice_;  // whose speed the tempo is
     std::shared_ptr<LTempo> tempo_;
     LSoundPlayDevice device_;
+    std::string missingDevice_;  // the settings' own, which has no card at the moment
+    std::string obstacle_;       // the first half of the next
+    std::string routeText_;
     LSoundPlayer player_;
     LWaveWindow wave_;
     int sampleRate_ = 0;  // of the source last opened
     LSoundTime time_;
     LSoundTime length_;  // of the source last opened; grows with it
     Winding winding_ = Winding::kNone;
+    WindFactors factors_;   // of the wind
+    gint64 windStart_ = 0;  // monotonic microseconds
     bool rewinding_ = false;
     bool forwarding_ = false;
     bool stopping_ = false;  // by the panel itself

@@ -22,6 +22,7 @@ constexpr int kRepeatSentence = 122;
 constexpr int kNextSentence = 123;
 constexpr int kTempo = 124;
 constexpr int kNextTrack = 128;
+constexpr int kRoute = 129;      // what keeps the sound from its card, as text
 constexpr int kTempoTime = 126;  // what the slider of the tempo says, as text
 
 constexpr int kPositionMoved = 1050;

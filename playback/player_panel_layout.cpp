@@ -59,5 +59,10 @@ void DlgGenPlayer(LDialogGenContext& context) {
     gtk_misc_set_alignment(GTK_MISC(factor), 0.0F, 0.5F);
     context.AddSpanRight(factor, kTempoTime);
     context.AddPullDownList(kDevice, "Playback Device");
+    GtkWidget* route = gtk_label_new("");
+    gtk_misc_set_alignment(GTK_MISC(route), 0.0F, 0.5F);
+    gtk_label_set_line_wrap(GTK_LABEL(route), TRUE);
+    gtk_widget_set_size_request(route, kWaveWidth, -1);
+    context.AddSpanFull(route, kRoute);
     context.AddOkCancelHelp("Close", false, true, false);
 }

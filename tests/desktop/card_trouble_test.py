@@ -9,26 +9,50 @@ TEXT = "one two three four five six seven eight nine ten"
 
 class CardTroubleTest(DesktopCase):
     def test_a_card_that_cannot_be_opened(self):
-        def take_out():
-            os.unlink(os.path.join(self.card.folder, "settings"))
-
-        for name, trouble in (
-            ("missing", take_out),
-            ("busy", lambda: self.card.tell("fault busy")),
+        for name, trouble, note in (
+            ("missing", self.take_out, ""),
+            ("busy", self.hold, "The sound card is in use by another program."),
         ):
             with self.case(name) as lectora:
                 lectora.set_text(TEXT)
                 trouble()
                 lectora.press("toggle button", "Read Aloud")
-                lectora.wait_for_box(
+                if note:
+                    desktop.wait_until(lambda: "trying again" in lectora.status(), "the status")
+                box = lectora.wait_for_box(
                     "Please check that you have selected the correct sound device."
                 )
+                self.assertIn(note, box)
                 self.picture("card-" + name)
                 lectora.press("push button", "OK")
                 if name == "missing":  # told in the window that helps
                     lectora.press("push button", "Close")
                 self.card.tell("speed 8")
                 self.assert_usable(lectora, TEXT)
+
+    def take_out(self):
+        os.unlink(os.path.join(self.card.folder, "settings"))
+
+    def hold(self):
+        self.card.tell("fault busy")
+
+    def test_the_sound_server_plays_when_the_card_cannot(self):
+        server = desktop.Card(9)
+        server.tell("speed 1")
+        self.addCleanup(os.unlink, os.path.join(server.folder, "settings"))
+        for trouble, note in (
+            (self.hold, "The sound card is in use by another program"),
+            (self.take_out, "The sound card is not there"),
+        ):
+            with self.case(note) as lectora:
+                lectora.set_text(TEXT)
+                trouble()
+                lectora.press("toggle button", "Read Aloud")
+                stream = server.next_stream()
+                lectora.find("label", note + "; playing through the desktop's sound server.")
+                self.picture("card-server")
+                server.wait_for(stream, "close")
+                self.assertEqual(lectora.box_text(), "")
 
     def test_a_card_that_vanishes_while_it_plays(self):
         lectora = self.start()

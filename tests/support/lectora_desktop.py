@@ -116,11 +116,11 @@ class Card:
 
     def __init__(self, number=0):
         self.folder = os.path.join(os.environ["LECTORA_VCARD"], f"card{number}")
+        os.makedirs(self.folder, exist_ok=True)
         self.seen = len(self.streams())
 
     def tell(self, *lines):
         """Replaces what the card is told, as "rates 48000", "fault vanish 9000"."""
-        os.makedirs(self.folder, exist_ok=True)
         fresh = os.path.join(self.folder, "settings.new")
         with open(fresh, "w") as file:
             file.write("\n".join(("name Virtual Card A", "element Master 0 87", *lines)) + "\n")
