@@ -30,7 +30,7 @@ std::vector<std::string> SoundCards() {
 
 class Machine : public LReadiness, private LThreadQueuedNotify, private ReadAloudListener {
 public:
-    Machine() : reading_(*this), query_([this] { QueueNotify(); }) {}
+    Machine() : reading_(*this, ReadAloud::Player::kUnseen), query_([this] { QueueNotify(); }) {}
 
     void Look(std::function<void()> changed) override {
         changed_ = std::move(changed);

@@ -36,8 +36,9 @@ std::string VoiceName(int voice) {
 
 }  // namespace
 
-ReadAloud::ReadAloud(ReadAloudListener& listener)
+ReadAloud::ReadAloud(ReadAloudListener& listener, Player player)
     : listener_(listener),
+      isUnseen_(player == Player::kUnseen),
       info_([this] { return listener_.HasNextReading(); }),
       player_(info_, *this) {}
 
@@ -58,7 +59,9 @@ void ReadAloud::Start(GtkWidget* mainWindow, const std::string& text, int voice)
     const bool hasSound = AwaitFirstSound(*reading) && !isStopped_;
     isStarting_ = false;
     position_ = 0;
-    if (hasSound)
+    if (hasSound && isUnseen_)
+        player_.RestartUnseen();
+    else if (hasSound)
         player_.Restart(mainWindow);
     else if (info_.Reading() == reading)
         EndEngine();

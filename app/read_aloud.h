@@ -42,8 +42,10 @@ public:
 // and playing then goes on by itself.
 class ReadAloud : private LPlayDlgListener {
 public:
+    // kUnseen is for modal windows, beside which no player could be used.
+    enum class Player { kBeside, kUnseen };
     // listener outlives this object.
-    explicit ReadAloud(ReadAloudListener& listener);
+    explicit ReadAloud(ReadAloudListener& listener, Player player = Player::kBeside);
     ~ReadAloud() override;
 
     // Speaks text with the voice and plays it; stops what was playing. Troubles are told to the
@@ -76,6 +78,7 @@ private:
     GtkWidget* BoxParent() const;
 
     ReadAloudListener& listener_;
+    const bool isUnseen_;
     GtkWidget* mainWindow_ = nullptr;  // borrowed
     ReadingInfo info_;
     bool isStarting_ = false;

@@ -61,6 +61,10 @@ void LPlayDlgModeless::Restart(GtkWidget* neighbour) {
     EnableControls();
 }
 
+void LPlayDlgModeless::RestartUnseen() {
+    StartPlaying();
+}
+
 void LPlayDlgModeless::InitDialog() {
     LPlayDlg::InitDialog();
     GtkWindow* window = GTK_WINDOW(Widget());

@@ -48,6 +48,7 @@ public:
     // keyboard only when `neighbour` has it, so that a user who works in another program goes on
     // there; closing gives it back.
     void Restart(GtkWidget* neighbour);
+    void RestartUnseen();  // the same without a panel
     void Seek(LSoundTime time) { MoveTo(time); }
     void Stop();            // without word to the listener
     bool HasFocus() const;  // the user is in it, or is just being led there

@@ -37,7 +37,8 @@ class WindowTest(DesktopCase):
         self.addCleanup(lectora.end)
         lectora.wait_for_box("No voice is installed")
         desktop.press_keys("Return")
-        lectora.window()
+        lectora.find("table", "What is needed")
+        lectora.press("push button", "Close")
         self.assertEqual(lectora.exit(), 0)
         self.assertEqual(self.setting("settings", "texttospeechvoice"), "2")
 
