@@ -35,9 +35,9 @@ class MadeInfo : public LPlayerBaseInfo {
 public:
     MadeInfo(int seconds, int (*sample)(int frame)) : seconds_(seconds), sample_(sample) {}
     void OpenSource(LSoundSource& source) override {
-        std::vector<int> samples;
-        for (int frame = 0; frame < seconds_ * kRate; ++frame)
-            samples.push_back(sample_(frame));
+        std::vector<int> samples(static_cast<std::size_t>(seconds_ * kRate));
+        for (int frame = 0; int& sample : samples)
+            sample = sample_(frame++);
         source = LSoundSource(new MemorySource(std::move(samples), kRate));
     }
     std::string VoiceName() const override { return "numbers"; }
@@ -165,12 +165,17 @@ TEST_F(PlayerPanelTest, WindingBecomesFasterAndReachesBothEnds) {
         panel_->DeliverCommand(kPositionMoved);
         Press(test.playing ? GDK_F9 : GDK_space);
         EXPECT_EQ(panel_->IsPlaying(), test.playing);
+        const auto playing = cards_.Streams(0);
         Press(test.key);
         Press(test.key);  // the key's own repeat
         ASSERT_TRUE(PumpUntil(
-            [&] { return cards_.Received(0, cards_.Streams(0)).size() > 2 * kRate; }, kMost));
+            [&] {
+                const auto newest = cards_.Streams(0);
+                return newest > playing && cards_.Received(0, newest).size() > 2 * kRate;
+            },
+            kMost));
         const std::vector<std::int16_t> wound = cards_.Received(0, cards_.Streams(0));
-        for (const std::size_t at : {kRate / 2, 3 * kRate / 2}) {
+        for (const std::size_t at : {std::size_t{kRate} / 2, 3 * std::size_t{kRate} / 2}) {
             const double seconds = (static_cast<double>(at) + 50) / kRate;
             EXPECT_NEAR((wound[at + 100] - wound[at]) / 100.0,
                         test.start + (test.end - test.start) * seconds / 8, 0.09);
@@ -216,9 +221,9 @@ TEST_F(PlayerPanelTest, ListsTheCardsAndKeepsTheOneChosen) {
             expected.insert(expected.end() - 1, std::string(card + 5, 3));
         }
         Open(1, nullptr);
-        std::vector<std::string> listed;
-        for (int item = 0; item < panel_->PDLGetCount(kDevice); ++item)
-            listed.push_back(panel_->PDLGetItem(kDevice, item));
+        std::vector<std::string> listed(static_cast<std::size_t>(panel_->PDLGetCount(kDevice)));
+        for (int item = 0; std::string & name : listed)
+            name = panel_->PDLGetItem(kDevice, item++);
         EXPECT_EQ(listed, expected);
         Close();
     }
