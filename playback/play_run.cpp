@@ -38,6 +38,8 @@ CardClock::Time Now() {
 PlayRun::PlayRun(const LSoundSource& source, LSoundPlayDevice device,
                  std::shared_ptr<const LTempo> tempo, std::function<void()> notify)
     : device_(device),
+      rate_(source->SampleRate()),
+      channels_(source->Channels()),
       tempo_(std::move(tempo)),
       notify_(std::move(notify)),
       original_(source),
@@ -121,9 +123,8 @@ PlayTrouble PlayRun::TryDevice(LSoundPlayDevice device) {
     }
     if (error < 0)
         return PlayTrouble::kCannotOpen;
-    return pcm_.SetParameters(original_->SampleRate(), original_->Channels()) < 0
-               ? PlayTrouble::kCannotSetUp
-               : PlayTrouble::kNone;
+    return pcm_.SetParameters(rate_, channels_) < 0 ? PlayTrouble::kCannotSetUp
+                                                    : PlayTrouble::kNone;
 }
 
 void PlayRun::TellRoute(PlayRoute::Way way, bool isBusy) {

@@ -113,6 +113,8 @@ private:
     void Tell(const std::function<void(PlayNews&)>& change);
 
     const LSoundPlayDevice device_;
+    const int rate_;  // of the owner's source, which may be taken back while the card is opened
+    const std::uint8_t channels_;
     const std::shared_ptr<const LTempo> tempo_;
     const std::function<void()> notify_;
     LSignalObject finished_;
