@@ -1,5 +1,7 @@
 #include "foundation/settings.h"
 
+#include <sys/stat.h>
+
 #include "foundation/ascii.h"
 #include "foundation/file.h"
 #include "foundation/file_mask.h"
@@ -133,7 +135,8 @@ void LSettingsGetUserFolder(char* out) {
 
 void LSettingsGetSharedFolder(char* out) {
     LFile::GetSharedDataFolderApp(out);
-    MakeFolder(out);
+    if (MakeFolder(out))  // before main(), where the mask of the start still holds
+        chmod(out, 0777);
 }
 
 void LSettingSectionFile(char* out, const char* folder, const char* section) {

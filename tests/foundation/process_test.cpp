@@ -105,8 +105,10 @@ TEST_F(ProcessTest, FilesOutsideTheMachineWideFolderKeepToTheMaskOfTheStart) {
             << entry.path();
     }
     EXPECT_EQ(files, 12) << "settings, record, log, data, text, a copy of each, umask, lock";
-    EXPECT_EQ(std::filesystem::status(root / "opt/quillon/lectora/etc/name").permissions(),
-              std::filesystem::perms(0666));
+    for (const auto& [shared, mode] : {std::pair{"etc", 0777}, {"etc/name", 0666}})
+        EXPECT_EQ(std::filesystem::status((root / "opt/quillon/lectora/") + shared).permissions(),
+                  std::filesystem::perms(mode))
+            << shared;
     EXPECT_EQ(home.Read(".quillon/lectora/name"), "key=value\r\n");
     EXPECT_EQ(root.Read("opt/quillon/lectora/etc/name"), "key=value\r\n");
 }
