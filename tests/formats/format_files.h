@@ -57,19 +57,23 @@ protected:
     const ScratchFolder folder_;
 };
 
+// The samples of the next frames.
+inline std::vector<int> Next(const LSoundSource& source, int frames) {
+    std::vector<int> block(static_cast<std::size_t>(frames) * source->Channels(), 0x5A5A5A5A);
+    source->Read(block.data(), frames);
+    return block;
+}
+
 // Reads the whole source by requests of `step` frames and checks that what follows the end is
 // silence.
 inline std::vector<int> ReadAll(const LSoundSource& source, int step = kMaxBlockFrames) {
-    const int channels = source->Channels();
     const int end = source->GetEndSample();
     std::vector<int> all;
-    std::vector<int> block(static_cast<std::size_t>(step) * source->Channels());
     for (int at = 0; at <= end; at += step) {
-        std::fill(block.begin(), block.end(), 0x5A5A5A5A);
-        source->Read(block.data(), step);
+        const std::vector<int> block = Next(source, step);
         all.insert(all.end(), block.begin(), block.end());
     }
-    const auto samples = static_cast<std::size_t>(end) * static_cast<std::size_t>(channels);
+    const std::size_t samples = static_cast<std::size_t>(end) * source->Channels();
     EXPECT_TRUE(std::all_of(all.begin() + static_cast<std::ptrdiff_t>(samples), all.end(),
                             [](int s) { return s == 0; }));
     all.resize(samples);

@@ -84,9 +84,7 @@ TEST_F(GrowingFile, WaitsEndByDataByTheEndAndByAnInterrupt) {
         EXPECT_EQ(source->GetEndSample(), test.end) << test.name;
         EXPECT_EQ(source->IsStreaming(), test.isStreaming) << test.name;
     }
-    std::vector<int> block(100);
-    source->Read(block.data(), 50);
-    EXPECT_EQ(block, std::vector<int>(signal.begin() + 600, signal.begin() + 700));
+    EXPECT_EQ(Next(source, 50), std::vector<int>(signal.begin() + 600, signal.begin() + 700));
     EXPECT_EQ(source->ReadError(), 0);
 }
 

@@ -41,36 +41,31 @@ TEST_F(Mp3Test, CommandLineFollowsTheSettings) {
     const LMp3EncodeSettings cbr192{.cbrBitRate = 192};
     const LMp3EncodeSettings cbr31{.cbrBitRate = 31};
     const LMp3EncodeSettings vbr{.constantBitRate = false, .vbrMinBitRate = 8};
+    const LMp3EncodeSettings fast{.highQuality = false, .errorProtection = true, .channelMode = 7};
     std::vector<Case> cases = {
-        {{}, 44100, 2, 44100, 2, "-m j -b 128 -h"},
-        {{.highQuality = false, .errorProtection = true, .channelMode = 7},
-         48000,
-         2,
-         48000,
-         2,
-         "-m j -p -b 128"},
+        {{}, 44100, 2, 44100, 2, " -m j -b 128 -h"},
+        {fast, 48000, 2, 48000, 2, " -m j -p -b 128"},
         {{.channelMode = 3}, 44100, 2, 44100, 2, " -a -m m -b 128 -h"},
-        {{.channelMode = 0}, 8000, 2, 8000, 2, "-m s -b 128 -h"},
-        {{.channelMode = 2}, 22050, 1, 22050, 1, "-m m -b 128 -h"},
-        {{.cbrBitRate = 16, .channelMode = 2}, 8000, 2, 8000, 1, "-m m -b 16 -h"},
-        {vbr, 44100, 2, 22050, 1, "-m m -v -b 8 -B 128 -V 4"},
-        {cbr192, 22050, 2, 44100, 2, "-m j -b 192 -h"},
-        {cbr31, 22050, 2, 22050, 2, "-m j -b 31 -h"},
+        {{.channelMode = 0}, 8000, 2, 8000, 2, " -m s -b 128 -h"},
+        {{.channelMode = 2}, 22050, 1, 22050, 1, " -m m -b 128 -h"},
+        {{.cbrBitRate = 16, .channelMode = 2}, 8000, 2, 8000, 1, " -m m -b 16 -h"},
+        {vbr, 44100, 2, 22050, 1, " -m m -v -b 8 -B 128 -V 4"},
+        {cbr192, 22050, 2, 44100, 2, " -m j -b 192 -h"},
+        {cbr31, 22050, 2, 22050, 2, " -m j -b 31 -h"},
     };
     const int rates[][2] = {{96000, 48000}, {44099, 44100}, {31999, 32000}, {23999, 22050},
                             {16001, 22050}, {15999, 11025}, {8000, 8000},   {6000, 8000}};
     for (const auto& rate : rates)
-        cases.push_back({{}, rate[0], 2, rate[1], 2, "-m j -b 128 -h"});
+        cases.push_back({{}, rate[0], 2, rate[1], 2, " -m j -b 128 -h"});
     for (Case& c : cases) {
         char line[kMp3CommandLineSize];
         int rate = 0;
         unsigned char channels = 0;
         ASSERT_TRUE(Mp3CreateEncoderCommandLine(line, rate, channels, "/tmp/a b.mp3", c.settings,
                                                 c.inRate, c.inChannels));
-        const std::string gap = c.options[0] == ' ' ? "" : " ";
         const std::string thousandths = std::to_string(1000 + c.rate % 1000).substr(1);
-        EXPECT_EQ(line, encoder + gap + c.options + " -r -x -s " + std::to_string(c.rate / 1000) +
-                            "." + thousandths + " -S - \"/tmp/a b.mp3\"");
+        EXPECT_EQ(line, encoder + c.options + " -r -x -s " + std::to_string(c.rate / 1000) + "." +
+                            thousandths + " -S - \"/tmp/a b.mp3\"");
         EXPECT_EQ(rate, c.rate) << line;
         EXPECT_EQ(channels, c.channels) << line;
     }

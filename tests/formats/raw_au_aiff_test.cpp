@@ -22,10 +22,14 @@ std::string AuHeader(std::uint32_t headerSize, std::uint32_t dataSize, std::uint
     return b.Str();
 }
 
+std::string Rate(std::uint32_t exponent, std::uint32_t mantissa) {
+    return Bytes().BE16(exponent).BE32(mantissa).Fill(4).Str();
+}
+
 struct Aiff {  // a file whose fields can be changed one at a time
-    std::string form = "FORM", type = "AIFF", before, between, commTail;
+    std::string form = "FORM", type = "AIFF", before{}, between{}, commTail{};
     std::uint32_t commSize = 18, channels = 1, bits = 16, ssndSize = 8 + 6;
-    std::string rate = std::string("\x40\x0E\xAC\x44\0\0\0\0\0\0", 10);
+    std::string rate = Rate(0x400E, 0xAC440000);
 
     std::string Build() const {
         Bytes b;
@@ -36,14 +40,6 @@ struct Aiff {  // a file whose fields can be changed one at a time
     }
 };
 const std::vector<int> kThreeValues = {16, 32, -16};
-
-std::string Rate(std::initializer_list<int> bytes) {
-    std::string text(10, '\0');
-    std::size_t i = 0;
-    for (const int byte : bytes)
-        text[i++] = static_cast<char>(byte);
-    return text;
-}
 
 TEST_F(RowFiles, RawSettingsOfAnyKindAreSurvived) {
     const std::string path = Store("r", "123");
@@ -82,14 +78,11 @@ TEST_F(RowFiles, RawSinksStepBackButNotForward) {
     }
     EXPECT_EQ(Load(path), "\x01\x02\xFF");
     const LSoundSource source = LRawFile::OpenSource(path.c_str(), {8000, 1, kRawSigned8});
-    int block[4];
     source->Seek(-2);
-    source->Read(block, 4);
-    EXPECT_EQ(std::vector<int>(block, block + 4), (std::vector<int>{0, 0, 4096, 8192}));
+    EXPECT_EQ(Next(source, 4), (std::vector<int>{0, 0, 4096, 8192}));
     std::ofstream(path, std::ios::app) << "\x05";
     EXPECT_EQ(source->GetEndSample(), 4);  // a file that grows is followed
-    source->Read(block, 4);
-    EXPECT_EQ(std::vector<int>(block, block + 4), (std::vector<int>{-4096, 20480, 0, 0}));
+    EXPECT_EQ(Next(source, 4), (std::vector<int>{-4096, 20480, 0, 0}));
 }
 
 TEST_F(RowFiles, AuHeaders) {
@@ -130,8 +123,11 @@ TEST_F(RowFiles, AuHeaders) {
 }
 
 TEST_F(RowFiles, AiffOneChangedFieldACase) {
-    const auto expect = [this](const Aiff& aiff, int status, int rate, const std::string& what) {
-        const LSoundSource source = LAifFile::OpenSource(Store("a.aif", aiff.Build()).c_str());
+    const auto open = [this](const Aiff& aiff) {
+        return LAifFile::OpenSource(Store("a.aif", aiff.Build()).c_str());
+    };
+    const auto expect = [&](const Aiff& aiff, int status, int rate, const std::string& what) {
+        const LSoundSource source = open(aiff);
         EXPECT_EQ(source->Status(), status) << what;
         if (status != kGood)
             return;
@@ -167,27 +163,20 @@ TEST_F(RowFiles, AiffOneChangedFieldACase) {
         {&Aiff::before, std::string("SSND\0\0\0\1x", 9), kGood, 44100},
         {&Aiff::before, "NAME\x7F\xFF\xFF\xFF", kInvalidFormat, 0},
         {&Aiff::between, std::string("NAME\x80\0\0\0", 8), kInvalidFormat, 0},
-        {&Aiff::rate, Rate({}), kInvalidFormat, 0},
-        {&Aiff::rate, Rate({0x7F, 0xFF, 0x80}), kInvalidFormat, 0},  // infinity
-        {&Aiff::rate, Rate({0x7F, 0xFF, 0xC0}), kInvalidFormat, 0},  // not a number
-        {&Aiff::rate, Rate({0x40, 30, 0x80}), kInvalidFormat, 0},    // 2^31
-        {&Aiff::rate, Rate({0x40, 29, 0xFF, 0xFF, 0xFF, 0xFE}), kGood, INT_MAX},
+        {&Aiff::rate, Rate(0, 0), kInvalidFormat, 0},
+        {&Aiff::rate, Rate(0x7FFF, 1U << 31), kInvalidFormat, 0},  // infinity
+        {&Aiff::rate, Rate(0x7FFF, 3U << 30), kInvalidFormat, 0},  // not a number
+        {&Aiff::rate, Rate(0x401E, 1U << 31), kInvalidFormat, 0},  // 2^31
+        {&Aiff::rate, Rate(0x401D, 0xFFFFFFFE), kGood, INT_MAX},
     };
     for (const auto& c : texts) {
         Aiff aiff;
         aiff.*c.field = c.value;
         expect(aiff, c.status, c.rate, std::to_string(&c - texts) + " in texts");
     }
-    Aiff longer;
-    longer.commSize = 21;
-    longer.commTail = "abc";
-    expect(longer, kGood, 44100, "longer COMM");
-    Aiff small;
-    small.ssndSize = 7;
-    EXPECT_EQ(LAifFile::OpenSource(Store("s.aif", small.Build()).c_str())->GetEndSample(), 0);
-    small.bits = 8;
-    small.ssndSize = 14;
-    EXPECT_EQ(ReadAll(LAifFile::OpenSource(Store("s.aif", small.Build()).c_str()))[1], 4096);
+    expect({.commTail = "abc", .commSize = 21}, kGood, 44100, "longer COMM");
+    EXPECT_EQ(open({.ssndSize = 7})->GetEndSample(), 0);
+    EXPECT_EQ(ReadAll(open({.bits = 8}))[1], 4096);
     const std::string whole = Aiff().Build();
     for (std::size_t size = 0; size < whole.size() - 6; ++size) {
         const std::string path = Store("t.aif", whole.substr(0, size));

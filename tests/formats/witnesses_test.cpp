@@ -81,17 +81,12 @@ protected:
         EXPECT_NE(file, nullptr) << format.name;
         EXPECT_EQ(info.samplerate, kRate) << format.name;
         EXPECT_EQ(info.channels, kChannels) << format.name;
-        const bool isFloat = (format.sndfile & SF_FORMAT_SUBMASK) == SF_FORMAT_FLOAT;
-        std::vector<int> words(static_cast<std::size_t>(info.frames * kChannels));
-        std::vector<short> shorts(words.size());
-        std::vector<float> floats(words.size());
-        const sf_count_t count = info.frames * kChannels;
-        EXPECT_EQ(isFloat ? sf_read_float(file, floats.data(), count)
-                          : sf_read_short(file, shorts.data(), count),
-                  count);
-        for (std::size_t i = 0; i < words.size(); ++i)
-            words[i] = isFloat ? static_cast<int>(std::lrint(floats[i] * 32768.0F)) : shorts[i];
+        std::vector<float> floats(static_cast<std::size_t>(info.frames * kChannels));
+        EXPECT_EQ(sf_readf_float(file, floats.data(), info.frames), info.frames);
         sf_close(file);
+        std::vector<int> words;
+        for (const float value : floats)
+            words.push_back(static_cast<int>(std::lrint(value * 32768.0F)));
         return words;
     }
     static void SaveBySndfile(const std::string& path, int format, int rate, int channels,
