@@ -1,7 +1,6 @@
 #!/usr/bin/python3
 """lectora-convert, run as its users run it. sox and ffprobe are the witnesses."""
 import array
-import itertools
 import math
 import os
 import pty
@@ -22,18 +21,6 @@ SOX_KIND = {
         ("ul", "mu-law", "8"),
         ("al", "a-law", "8"),
     )
-}
-RAW = {"pcm16", "pcm8", "ulaw", "alaw", "pcm16be", "pcm8s", "float", "floatbe", "adpcm"}
-HELD = {
-    "wav": {"pcm16", "pcm8"},
-    "au": {"pcm16", "pcm16be", "pcm8", "pcm8s", "ulaw", "alaw"},
-    "aiff": {"pcm16", "pcm16be"},
-    "gsm": {"gsm"},
-    "vox": {"adpcm"},
-    "raw": RAW,
-    "ul": {"ulaw"},
-    "al": {"alaw"},
-    "mp3": set(),
 }
 
 
@@ -71,7 +58,7 @@ class ConvertTest(ProgramCase):
         original = tone(8000)
         self.save("in.wav", wav(original))
         least = {"gsm": 6, "vox": 14, "ul": 30, "al": 30}
-        for kind in HELD:
+        for kind in ("wav", "au", "aiff", "gsm", "vox", "raw", "ul", "al", "mp3"):
             with self.subTest(kind=kind):
                 self.check(CONVERT, "-f", "in.wav", f"in.{kind}")
                 if kind == "mp3":
@@ -90,17 +77,17 @@ class ConvertTest(ProgramCase):
 
     def test_encodings_are_taken_where_the_type_holds_them(self):
         self.save("in.wav", wav(tone(400)))
-        for kind, encoding in itertools.product(HELD, RAW | {"gsm"}):
-            with self.subTest(kind=kind, encoding=encoding):
-                name = f"{encoding}.{kind}"
-                is_held = encoding in HELD[kind]
-                says = None if is_held else name
-                status = 0 if is_held else 2
-                self.check(CONVERT, "-e", encoding, "in.wav", name, status=status, says=says)
-        sizes = {name: len(self.load(name)) for name in self.files() if name.endswith(".raw")}
-        for bits, names in ((4, ["adpcm"]), (16, ["pcm16", "pcm16be"]), (32, ["float", "floatbe"])):
-            for name in names:
-                self.assertEqual(sizes[name + ".raw"], 400 * bits // 8)
+        sizes = dict(pcm8=400, pcm8s=400, ulaw=400, alaw=400, pcm16=800, pcm16be=800)
+        sizes.update(float=1600, floatbe=1600, adpcm=200)
+        for encoding, size in sizes.items():
+            self.check(CONVERT, "-e", encoding, "in.wav", f"{encoding}.raw")
+            self.assertEqual(len(self.load(f"{encoding}.raw")), size)
+        for encoding in ("pcm16be", "pcm8", "pcm8s", "ulaw", "alaw"):
+            self.check(CONVERT, "-e", encoding, "in.wav", f"{encoding}.au")
+        refused = "alaw.wav adpcm.au pcm8.aiff pcm16.gsm pcm8.vox gsm.raw alaw.ul ulaw.al pcm16.mp3"
+        for name in refused.split():
+            encoding = name.split(".")[0]
+            self.check(CONVERT, "-e", encoding, "in.wav", name, status=2, says=name)
 
     def test_rate_and_channels(self):
         self.save("in.wav", wav(tone(16000, 2, 16000), 2, 16000))
@@ -141,14 +128,14 @@ class ConvertTest(ProgramCase):
         self.check(CONVERT, "--seconds", "2-3", "in.wav", "no.wav", status=1, says=says)
 
     def test_info(self):
-        self.save("a.wav", wav(tone(12000, 2), 2))
+        self.save("a.b.WAV", wav(tone(12000, 2), 2))
         self.save("mp3.wav", wav(b"1234", tag=0x55))
-        self.check(CONVERT, "-e", "alaw", "a.wav", "a.au")
-        told = self.check(CONVERT, "--info", "a.wav", "mp3.wav", "a.au")
+        self.check(CONVERT, "-e", "alaw", "a.b.WAV", "a.wav.sNd")
+        told = self.check(CONVERT, "--info", "a.b.WAV", "mp3.wav", "a.wav.sNd")
         for line in (
-            "a.wav:\n  Type: wav\n  Codec: Microsoft PCM Format\n  Rate: 8000\n  Channels: 2\n  Frames: 12000\n  Time: 0:00:01.500",
+            "a.b.WAV:\n  Type: wav\n  Codec: Microsoft PCM Format\n  Rate: 8000\n  Channels: 2\n  Frames: 12000\n  Time: 0:00:01.500",
             "mp3.wav:\n  Type: wav\n  Codec: MPEG-1 Layer 3 (MP3)\n  Rate: 8000",
-            "a.au:\n  Type: au\n  Codec: Microsoft ALAW (CCITT A-Law)",
+            "a.wav.sNd:\n  Type: au\n  Codec: Microsoft ALAW (CCITT A-Law)",
         ):
             self.assertIn(line, told)
         rest = b"\0" * 12 + b"\x0bTo Mr Smith" + b"\0" * 10 + b"\0" * 5 + b"\1"
@@ -156,8 +143,8 @@ class ConvertTest(ProgramCase):
         told = self.check(CONVERT, "--info", "letter.dct")
         self.assertRegex(told, r"Type: dictation\n  Version: 1\n  Encrypted: No[^$]*To Mr Smith")
         says = "gone.wav: No such file"
-        told = self.check(CONVERT, "--info", "gone.wav", "a.wav", status=1, says=says)
-        self.assertIn("a.wav", told)
+        told = self.check(CONVERT, "--info", "gone.wav", "mp3.wav", status=1, says=says)
+        self.assertIn("mp3.wav", told)
 
     def test_what_cannot_be_done_is_said_and_leaves_nothing(self):
         good = wav(tone(1000))
@@ -165,7 +152,7 @@ class ConvertTest(ProgramCase):
             ("good.wav", good),
             ("empty.wav", b""),
             ("deep.wav", wav(b"\0" * 30, bits=24)),
-            ("noext", b"12"),
+            ("wav", b"12"),
             ("wild.au", b".snd" + struct.pack(">5I", 24, 600, 3, 0x7FFFFFFF, 255) + bytes(600)),
             ("there.wav", b"mine"),
         ):
@@ -186,7 +173,7 @@ class ConvertTest(ProgramCase):
             (["loop.wav", "o.wav"], 1, "loop.wav: Too many levels"),
             (["-f", "good.wav", "link.wav"], 1, "link.wav: is a link to a file that does not"),
             (["-r", "196000", "good.wav", "o.wav"], 1, "o.wav: sound of 8000 Hz can become"),
-            (["noext", "o.wav"], 1, "noext: has no extension"),
+            (["wav", "o.wav"], 1, "wav: has no extension"),
             (["good.wav", "there.wav"], 1, "there.wav: exists already"),
             (["-f", "good.wav", "folder.wav"], 1, "folder.wav: is a folder"),
             (["-f", "good.wav", "fifo.wav"], 1, "fifo.wav: is not a regular file"),
@@ -196,7 +183,7 @@ class ConvertTest(ProgramCase):
             (["good.wav", "-"], 2, "not supported"),
             (["-", "o.wav"], 2, "not supported"),
             (["good.wav"], 2, "an input and an output"),
-            (["good.wav", "o.xyz"], 2, "o.xyz"),
+            (["good.wav", "o.wav/x"], 2, "o.wav/x"),
             (["-r", "999", "good.wav", "o.wav"], 2, "999"),
             (["-e", "pcm24", "good.wav", "o.wav"], 2, "pcm24"),
             (["--nonsense"], 2, "nonsense"),
