@@ -19,11 +19,20 @@ inline std::size_t CountFiles(const std::string& folder, const std::string& begi
     return count;
 }
 
-// An ended process counts as gone, however long its parent takes to collect it.
-inline bool IsGone(const std::string& process) {
-    const std::string status = ScratchFolder::ReadFile("/proc/" + process + "/stat");
-    const std::size_t name = status.rfind(')');
-    return name == std::string::npos || status.compare(name, 3, ") Z") == 0;
+// Whether all processes end whose ids are the lines of a file. An ended process counts as gone,
+// however long its parent takes to collect it.
+inline bool ProcessesEnd(const std::string& idFile) {
+    std::ifstream ids(idFile);
+    for (std::string id; std::getline(ids, id);) {
+        const bool ends = Eventually([&id] {
+            const std::string status = ScratchFolder::ReadFile("/proc/" + id + "/stat");
+            const std::size_t name = status.rfind(')');
+            return name == std::string::npos || status.compare(name, 3, ") Z") == 0;
+        });
+        if (!ends)
+            return false;
+    }
+    return true;
 }
 
 // Runs checks in a process of their own, because a process asks for its voices only once.

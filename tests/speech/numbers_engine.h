@@ -13,7 +13,6 @@ constexpr int kSampleOfNumber = 16;   // times the number
 //   die      half the sound behind a header that says there is none, then a segmentation fault
 //   hang     the file "hanging", then nothing more
 //   nothing  no sound file, and success all the same
-//   garbage  a sound file that is none; half: the first half of a header
 //   rate     the numbers at 8,000 Hz
 //   wait     not before the file "go" is there
 // The line "text" is added to "said" when it begins; "running" holds the engines' process ids.
@@ -43,14 +42,7 @@ def header(size):
     return (b"RIFF" + struct.pack("<I", size + 36) + b"WAVEfmt " +
             struct.pack("<IHHIIHH", 16, 1, 1, rate, rate * 2, 2, 16) + b"data" + struct.pack("<I", size))
 with open(output, "wb") as file:
-    if "garbage" in words:
-        file.write(b"garbage" * 1000)
-    elif "half" in words:
-        file.write(header(len(samples))[:22])
-    elif "die" in words:
-        file.write(header(0) + samples[:len(samples) // 2])
-    else:
-        file.write(header(len(samples)) + samples)
+    file.write(header(0) + samples[:len(samples) // 2] if "die" in words else header(len(samples)) + samples)
 if "die" in words:
     os.kill(os.getpid(), signal.SIGSEGV)
 END)");

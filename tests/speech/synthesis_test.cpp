@@ -124,21 +124,17 @@ TEST(Synthesis, ARunThatIsGivenUpEndsItsEngineWithAllThatItStarted) {
     const FakeEngine engine;
     const std::string output = engine / "s.wav";
     for (const bool cancel : {true, false}) {
-        engine.Speak("sleep 100 & echo $$ >$here/engine; echo $! >$here/child; wait");
-        const auto isAtWork = [&] { return !engine.Read("child").empty(); };
+        engine.Speak("sleep 100 & printf '%s\\n' $$ $! >$here/ids; wait");
+        const auto isAtWork = [&] { return !engine.Read("ids").empty(); };
         Request first("Hello", output);
         EXPECT_EQ(first.Run(ImpatientProgress(isAtWork, cancel)),
                   cancel ? SynthesisOutcome::kStopped : SynthesisOutcome::kTimedOut);
         EXPECT_EQ(first.tts.result, cancel ? kProcessStopped : kProcessFailed);
         EXPECT_EQ(SynthesisMessage(first.tts.outcome).empty(), cancel);
-        for (const char* process : {"/engine", "/child"}) {
-            std::string id;
-            std::ifstream(engine.Path() + process) >> id;
-            EXPECT_TRUE(Eventually([&] { return IsGone(id); })) << process;
-        }
+        EXPECT_TRUE(ProcessesEnd(engine / "ids"));
         EXPECT_EQ(CountFiles(engine.Path(), ".speech"), 0U);
         EXPECT_FALSE(std::filesystem::exists(output));
-        std::filesystem::remove(engine / "child");
+        std::filesystem::remove(engine / "ids");
     }
 }
 
@@ -151,9 +147,7 @@ TEST(Synthesis, AnEngineDiesWithTheProgram) {
     GTEST_FLAG_SET(death_test_style, "fast");
     EXPECT_EXIT(Request("Hello", engine / "s.wav").Run(ImpatientProgress(isKilled)),
                 testing::KilledBySignal(SIGKILL), "");
-    std::string id;
-    std::ifstream(engine / "engine") >> id;
-    EXPECT_TRUE(Eventually([&] { return IsGone(id); })) << id;
+    EXPECT_TRUE(ProcessesEnd(engine / "engine"));
 }
 
 TEST(Synthesis, FilesOfDeadRunsAreRemovedByAgeAndOnlyThose) {
@@ -171,17 +165,14 @@ TEST(Synthesis, FilesOfDeadRunsAreRemovedByAgeAndOnlyThose) {
     const std::string folder = engine.Path() + "/";
     const std::string dead = make(MakeRunSoundFile(folder, textOfDead), true);
     const std::string living = make(MakeRunSoundFile(folder, textOfLiving), false);
-    for (const std::string& text : {textOfDead, stranger})
-        make(text, true);
-    const std::string others[] = {folder + ".speech.wav", folder + ".speeches-of-2026-a.wav",
-                                  folder + "speech.wav"};
-    for (const std::string& path : others)
-        make(path, true);
+    std::vector<std::string> kept = {living, textOfLiving, make(stranger, true)};
+    for (const char* other : {".speech.wav", ".speeches-of-2026-a.wav", "speech.wav"})
+        kept.push_back(make(folder + other, true));
+    make(textOfDead, true);
     RemoveFilesOfDeadRuns(folder);
     for (const std::string& path : {dead, textOfDead})
         EXPECT_FALSE(std::filesystem::exists(path)) << path;
-    for (const std::string& path :
-         {living, textOfLiving, stranger, others[0], others[1], others[2]})
+    for (const std::string& path : kept)
         EXPECT_TRUE(std::filesystem::remove(path)) << path;
 }
 
