@@ -123,8 +123,8 @@ TEST(DatFile, StoresTypedValuesAndListsAsTexts) {
     file.SetDateTime("S", "when", summer);
     file.SetDateTime("S", "never", LDateTime());
     file.SetDayTime("S", "at", day);
-    EXPECT_EQ(file.AddList("S", "item"), 0);
-    EXPECT_EQ(file.AddList("S", "item"), 1);
+    for (const int index : {0, 1})
+        EXPECT_EQ(file.AddList("S", "item"), index);
     file.SetString("S", "item1name", "one");
     file.MoveListItem("S", "item", "name", 1, 0);
     file.MoveListItem("S", "item", "name", 5, 2);
@@ -141,14 +141,10 @@ TEST(DatFile, StoresTypedValuesAndListsAsTexts) {
         file.SetString("S", "when", junk);
         EXPECT_TRUE(file.GetDateTime("S", "when", summer).IsZero()) << junk;
     }
-    const std::tuple<const char*, bool, bool> flags[] = {{"t", false, true},
-                                                         {"tomato", false, true},
-                                                         {"1", true, false},
-                                                         {nullptr, true, true},
-                                                         {nullptr, false, false}};
-    for (const auto& [text, fallback, value] : flags) {
+    for (const auto& [text, value] : {std::pair{"t", true}, {"tomato", true}, {"1", false}}) {
         file.SetString("S", "flag", text);
-        EXPECT_EQ(file.GetBool("S", "flag", fallback), value);
+        EXPECT_EQ(file.GetBool("S", "flag", !value), value) << text;
+        EXPECT_EQ(file.GetBool("S", "absent", value), value);
     }
 }
 

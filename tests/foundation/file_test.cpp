@@ -208,18 +208,15 @@ TEST(FileReaders, ShareTheirLineRules) {
         {block + "\r\nz", {"xxxxxxxxx", "z"}}};
     for (const auto& [content, lines] : cases) {
         folder.Write("f", content);
-        std::vector<std::string> plain;
-        std::vector<std::string> buffered;
-        char line[10];
-        LSharedReadFile file((folder / "f").c_str());
-        while (file.ReadLine(line, sizeof line))
-            plain.emplace_back(line);
-        const LSharedReadFile again((folder / "f").c_str());
-        LReadFileBuffered reader(again.Fd());
-        while (reader.ReadLine(line, sizeof line))
-            buffered.emplace_back(line);
-        EXPECT_EQ(plain, lines);
-        EXPECT_EQ(buffered, lines);
+        const auto linesOf = [](auto&& reader) {
+            std::vector<std::string> read;
+            for (char line[10]; reader.ReadLine(line, sizeof line);)
+                read.emplace_back(line);
+            return read;
+        };
+        EXPECT_EQ(linesOf(LSharedReadFile((folder / "f").c_str())), lines);
+        const LSharedReadFile buffered((folder / "f").c_str());
+        EXPECT_EQ(linesOf(LReadFileBuffered(buffered.Fd())), lines);
         const LSharedReadFile whole((folder / "f").c_str());
         std::string bytes(content.size() + 1, '?');
         EXPECT_EQ(LReadFileBuffered(whole.Fd()).Read(bytes.data(), bytes.size()), content.size());

@@ -119,11 +119,12 @@ TEST(TcpSteps, ConnectOrLeaveNoSocket) {
 }
 
 TEST(Resolve, SplitsHostsAndFindsTheirAddresses) {
-    EXPECT_TRUE(SplitHostPort("a.b", 80).host == "a.b" && SplitHostPort("a.b", 80).port == 80);
-    EXPECT_TRUE(SplitHostPort("a:8080", 80).host == "a" &&
-                SplitHostPort("a:8080", 80).port == 8080);
-    for (const char* bad : {"h:0", "h:65536", "h:", "h:8x", ""})
-        EXPECT_EQ(SplitHostPort(bad, 80).host, "") << bad;
+    const std::tuple<const char*, std::string, int> hosts[] = {
+        {"a.b", "a.b", 80}, {"a:8080", "a", 8080}, {"h:0", "", 80}, {"h:65536", "", 80},
+        {"h:", "", 80},     {"h:8x", "", 80},      {"", "", 80}};
+    for (const auto& [text, host, port] : hosts)
+        EXPECT_TRUE(SplitHostPort(text, 80).host == host && SplitHostPort(text, 80).port == port)
+            << text;
     LSilentProgress progress;
     std::vector<LIPAddressWithPort> found;
     EXPECT_EQ(ProcessResolve(progress, {"127.0.0.1", 8080}, 5000, found), kProcessDone);

@@ -105,33 +105,28 @@ TEST(Thread, StartWhileRunningDoesNothingAndStartAfterwardsRunsAgain) {
 }
 
 TEST(Thread, WaitsAnswerStopBeforeDoneBeforeTimeOut) {
-    const struct {
-        bool stop, first, second;
-        LProcessResult one, two;
-    } cases[] = {{false, false, false, kProcessFailed, kProcessFailed},
-                 {false, true, false, kProcessDone, kProcessDone},
-                 {false, false, true, kProcessFailed, kProcessDone},
-                 {true, true, true, kProcessStopped, kProcessStopped}};
-    for (const auto& each : cases) {
-        Worker worker([](Worker&) {});
-        LSignalObject first;
-        LSignalObject second;
-        if (each.stop)
-            worker.StopThreadSoon();
-        if (each.first)
-            first.Signal();
-        if (each.second)
-            second.Signal();
-        EXPECT_EQ(ProcessWaitSignal(worker, first.Ref(), 5), each.one);
-        EXPECT_EQ(ProcessWaitSignals(worker, first.Ref(), second.Ref(), 5), each.two);
-        if (each.one != kProcessFailed) {
-            EXPECT_EQ(ProcessWaitSignalForever(worker, first.Ref()), each.one);
+    Worker worker([](Worker&) {});
+    LSignalObject first;
+    LSignalObject second;
+    LSignalObjectGroup group;
+    group.Add(first.Ref());
+    group.Add(second.Ref());
+    const auto expect = [&](LProcessResult one, LProcessResult any) {
+        EXPECT_EQ(ProcessWaitSignal(worker, first.Ref(), 5), one);
+        EXPECT_EQ(ProcessWaitSignals(worker, first.Ref(), second.Ref(), 5), any);
+        EXPECT_EQ(worker.ProcessWaitSignalObjectGroup(group, 5), any);
+        if (one != kProcessFailed) {
+            EXPECT_EQ(ProcessWaitSignalForever(worker, first.Ref()), one);
         }
-        LSignalObjectGroup group;
-        group.Add(first.Ref());
-        group.Add(second.Ref());
-        EXPECT_EQ(worker.ProcessWaitSignalObjectGroup(group, 5), each.two);
-    }
+    };
+    expect(kProcessFailed, kProcessFailed);
+    second.Signal();
+    expect(kProcessFailed, kProcessDone);
+    first.Signal();
+    second.Reset();
+    expect(kProcessDone, kProcessDone);
+    worker.StopThreadSoon();
+    expect(kProcessStopped, kProcessStopped);
 }
 
 class Counted final : public LDetachedThread {
