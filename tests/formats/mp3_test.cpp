@@ -38,8 +38,6 @@ TEST_F(Mp3Test, CommandLineFollowsTheSettings) {
         int channels;
         std::string options;
     };
-    const LMp3EncodeSettings cbr192{.cbrBitRate = 192};
-    const LMp3EncodeSettings cbr31{.cbrBitRate = 31};
     const LMp3EncodeSettings vbr{.constantBitRate = false, .vbrMinBitRate = 8};
     const LMp3EncodeSettings fast{.highQuality = false, .errorProtection = true, .channelMode = 7};
     std::vector<Case> cases = {
@@ -50,8 +48,8 @@ TEST_F(Mp3Test, CommandLineFollowsTheSettings) {
         {{.channelMode = 2}, 22050, 1, 22050, 1, " -m m -b 128 -h"},
         {{.cbrBitRate = 16, .channelMode = 2}, 8000, 2, 8000, 1, " -m m -b 16 -h"},
         {vbr, 44100, 2, 22050, 1, " -m m -v -b 8 -B 128 -V 4"},
-        {cbr192, 22050, 2, 44100, 2, " -m j -b 192 -h"},
-        {cbr31, 22050, 2, 22050, 2, " -m j -b 31 -h"},
+        {{.cbrBitRate = 192}, 22050, 2, 44100, 2, " -m j -b 192 -h"},
+        {{.cbrBitRate = 31}, 22050, 2, 22050, 2, " -m j -b 31 -h"},
     };
     const int rates[][2] = {{96000, 48000}, {44099, 44100}, {31999, 32000}, {23999, 22050},
                             {16001, 22050}, {15999, 11025}, {8000, 8000},   {6000, 8000}};
@@ -88,20 +86,16 @@ TEST_F(Mp3Test, NoNameReachesTheShellAsCodeAndNoLineIsCut) {
 TEST_F(Mp3Test, HomeComponentWinsOverTheSharedOneAndNoneIsAnErrorSink) {
     char path[260];
     EXPECT_FALSE(GetComponentPath("mp3el", path));
-    EXPECT_TRUE(std::filesystem::is_empty(path))
-        << path;  // the stray file that a download goes on to use
+    EXPECT_TRUE(std::filesystem::is_empty(path)) << "the stray file that a download goes on to use";
     std::filesystem::remove(path);
     LMp3EncodeSettings settings;
-    LSoundSink sink = OpenMp3Sink((home_ + "/a.mp3").c_str(), settings, 44100, 2);
-    EXPECT_EQ(sink->Status(), 1);
-    EXPECT_EQ(sink->Channels(), 1);
-    std::filesystem::create_directories(home_ + "/root/opt");
-    InstallEncoder(home_ + "/root/opt/quillon", "exit 0");
-    EXPECT_TRUE(GetComponentPath("mp3el", path));
-    EXPECT_EQ(path, home_ + "/root/opt/quillon/components/mp3el/mp3el");
-    InstallEncoder(home_, "exit 0");
-    EXPECT_TRUE(GetComponentPath("mp3el", path));
-    EXPECT_EQ(path, home_ + "/components/mp3el/mp3el");
+    const LSoundSink sink = OpenMp3Sink((home_ + "/a.mp3").c_str(), settings, 44100, 2);
+    EXPECT_TRUE(sink->Status() == 1 && sink->Channels() == 1);
+    for (const std::string& base : {home_ + "/root/opt/quillon", home_}) {
+        InstallEncoder(base, "exit 0");
+        EXPECT_TRUE(GetComponentPath("mp3el", path));
+        EXPECT_EQ(path, base + "/components/mp3el/mp3el");
+    }
 }
 
 }  // namespace
