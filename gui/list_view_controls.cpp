@@ -269,7 +269,9 @@ void LListViewControls::LVUnSetRowColor(int id, int row) {
     GtkTreeView* view = ListViewOf(id);
     GtkTreeIter iter;
     if (ListRowOf(view, row, iter))
-        gtk_list_store_set(ListStoreOf(view), &iter, kListStoreColored, FALSE, -1);
+        // A colour that is there is drawn, whatever is said of it.
+        gtk_list_store_set(ListStoreOf(view), &iter, kListStoreColor, nullptr, kListStoreColored,
+                           FALSE, -1);
 }
 
 bool LListViewControls::LVIsRowColorSet(int id, int row) const {
