@@ -17,6 +17,18 @@ enum : int { kSettings = 101, kFormat = 103, kRate = 105, kChannels = 107, kDefa
 enum : int { kMp3Constant = 103, kMp3Variable = 107, kMp3Lowest = 108, kMp3Highest = 110 };
 enum : int { kRawCodecList = 101, kRawRate = 103, kRawChannels = 105 };
 
+void Show(LDialog& dialog, void (*generator)(LDialogGenContext&)) {
+    EXPECT_TRUE(dialog.Open(nullptr, {"Settings", false, generator}, false));
+}
+
+// What the lists show, one after the other.
+std::string Shown(const LDialog& dialog, const std::vector<int>& lists) {
+    std::string shown;
+    for (const int list : lists)
+        shown += dialog.PDLGetText(list) + " ";
+    return shown;
+}
+
 TEST(WaveEncodeDialog, FillsTheRecordByPresetOrChoice) {
     const struct {
         int preset, format, rate, channels;
@@ -31,18 +43,15 @@ TEST(WaveEncodeDialog, FillsTheRecordByPresetOrChoice) {
         LUserSettingSetString("Settings", "WavFormatPreset", "");
         LWaveFileFormat format(11025, 1, "PCM");
         LWaveEncodeDlg dialog(format);
-        UserScript user({[&] {
-            EXPECT_EQ(dialog.PDLGetCurSel(kSettings), 0);
-            EXPECT_FALSE(dialog.IsControlEnabled(kRate));
-            dialog.PDLSetCurSel(kSettings, c.preset);
-            dialog.PDLSetCurSel(kRate, c.rate);
-            dialog.PDLSetCurSel(kChannels, c.channels);
-            dialog.PDLSetCurSel(kFormat, c.format);
-            EXPECT_EQ(dialog.IsControlEnabled(kFormat), c.preset == 4);
-            EXPECT_EQ(dialog.IsControlEnabled(kRate + 1), c.preset == 4 && c.format != 2);
-            dialog.DoOKButton();
-        }});
-        EXPECT_TRUE(dialog.Run(nullptr));
+        Show(dialog, DlgGenLWaveEncodeDlg);
+        EXPECT_FALSE(dialog.IsControlEnabled(kRate));
+        dialog.PDLSetCurSel(kSettings, c.preset);
+        dialog.PDLSetCurSel(kRate, c.rate);
+        dialog.PDLSetCurSel(kChannels, c.channels);
+        dialog.PDLSetCurSel(kFormat, c.format);
+        EXPECT_EQ(dialog.IsControlEnabled(kFormat), c.preset == 4);
+        EXPECT_EQ(dialog.IsControlEnabled(kRate + 1), c.preset == 4 && c.format != 2);
+        EXPECT_TRUE(dialog.CmOk());
         EXPECT_EQ(format.tag, c.tag);
         EXPECT_EQ(format.channels, c.channelCount);
         EXPECT_EQ(format.samplesPerSecond, c.samplesPerSecond);
@@ -55,10 +64,8 @@ TEST(WaveEncodeDialog, ShowsTheRecordWhenCustomAndCancelsWithoutTrace) {
     LUserSettingSetString("Settings", "WavFormatPreset", "4");
     LWaveFileFormat format(22050, 2, "ULAW");
     LWaveEncodeDlg dialog(format);
-    UserScript user({[&] {
-        EXPECT_EQ(dialog.PDLGetText(kFormat), "GSM");  // whatever is not PCM
-        EXPECT_EQ(dialog.PDLGetText(kRate), "22050");
-        EXPECT_EQ(dialog.PDLGetText(kChannels), "2");
+    const UserScript user({[&] {
+        EXPECT_EQ(Shown(dialog, {kFormat, kRate, kChannels}), "GSM 22050 2 ") << "GSM: not PCM";
         gtk_button_clicked(ButtonOf(dialog, kDefaults));
         EXPECT_EQ(dialog.PDLGetCurSel(kSettings), 0);
         EXPECT_EQ(dialog.PDLGetText(kRate), "Auto");
@@ -70,118 +77,78 @@ TEST(WaveEncodeDialog, ShowsTheRecordWhenCustomAndCancelsWithoutTrace) {
 }
 
 TEST(RawSettingsDialog, AcceptsRatesFrom6000To196000) {
-    const struct {
-        const char* typed;
-        bool accepted;
-    } cases[] = {{"5999", false},       {"196001", false}, {"", false},
-                 {"4294973296", false}, {"6000", true},    {"196000", true}};
-    for (const auto& c : cases) {
-        LRawSettings settings{44100, 2, kRawMuLaw};
-        LRawSettingsDialog dialog(settings, "GuiTestRaw");
-        EXPECT_FALSE(dialog.Open(nullptr));
-        EXPECT_FALSE(dialog.IsOpen());
-        bool stillOpen = false;
-        UserScript user({[&] {
-                             EXPECT_EQ(dialog.PDLGetText(kRawCodecList), "G711 uLaw");
-                             EXPECT_EQ(dialog.PDLGetText(kRawRate), "44100");
-                             EXPECT_EQ(dialog.PDLGetText(kRawChannels), "Stereo");
-                             dialog.PDLSetCurSel(kRawCodecList, kRawFloat);
-                             dialog.PDLSetCurSel(kRawChannels, 0);
-                             dialog.PDLSetText(kRawRate, c.typed);
-                             dialog.DoOKButton();
-                         },
-                         [&] {
-                             stillOpen = dialog.IsOpen();
-                             dialog.DoCANCELButton();
-                         }});
-        LDialog& shown = dialog;
-        EXPECT_EQ(shown.Open(nullptr, {"Raw", false, DlgGenRawSettings}, true), c.accepted)
-            << c.typed;
-        EXPECT_EQ(settings.codec, c.accepted ? kRawFloat : kRawMuLaw);
-        EXPECT_EQ(settings.channels, c.accepted ? 1 : 2);
-        if (c.accepted) {
-            EXPECT_EQ(LUserSettingGet("GuiTestRaw", "SampleRate"), c.typed);
-        } else {
-            EXPECT_TRUE(stillOpen);
-        }
+    LRawSettings settings{44100, 2, kRawMuLaw};
+    LRawSettingsDialog dialog(settings, "GuiTestRaw");
+    EXPECT_FALSE(dialog.Open(nullptr)) << "nothing offers it";
+    Show(dialog, DlgGenRawSettings);
+    EXPECT_EQ(Shown(dialog, {kRawCodecList, kRawRate, kRawChannels}), "G711 uLaw 44100 Stereo ");
+    dialog.PDLSetCurSel(kRawCodecList, kRawFloat);
+    dialog.PDLSetCurSel(kRawChannels, 0);
+    for (const char* refused : {"5999", "196001", "", "4294973296"}) {
+        dialog.PDLSetText(kRawRate, refused);
+        EXPECT_FALSE(dialog.CmOk()) << refused;
     }
+    EXPECT_EQ(settings.codec, kRawMuLaw);
+    for (const char* accepted : {"6000", "196000"}) {
+        dialog.PDLSetText(kRawRate, accepted);
+        EXPECT_TRUE(dialog.CmOk()) << accepted;
+        EXPECT_EQ(LUserSettingGet("GuiTestRaw", "SampleRate"), accepted);
+    }
+    EXPECT_EQ(settings.codec, kRawFloat);
+    EXPECT_EQ(settings.channels, 1);
 }
 
 TEST(Mp3Dialog, StoresWhatTheEncoderCanBear) {
+    LMp3EncodeSettings settings;
+    LMP3EncodeDlg dialog(settings);
+    Show(dialog, DlgGenMP3Encode);
+    EXPECT_EQ(dialog.PDLGetText(kMp3Constant + 1), "128");
+    EXPECT_FALSE(dialog.IsControlEnabled(kMp3Lowest));
+    gtk_button_clicked(ButtonOf(dialog, kMp3Variable));
+    EXPECT_FALSE(dialog.IsControlEnabled(kMp3Constant + 1));
+    EXPECT_TRUE(dialog.IsControlEnabled(kMp3Lowest));
     const struct {
-        const char* lowest;
-        const char* highest;
-        const char* accepted;  // the highest rate that is stored at last
-    } cases[] = {{"128", "112", "128"}, {"32", "320", "320"}};
+        int lowest, highest;
+        bool accepted;
+    } cases[] = {{128, 112, false}, {128, 128, true}, {32, 320, true}};
     for (const auto& c : cases) {
-        LMp3EncodeSettings settings;
-        SaveMp3Settings(settings);
-        LMP3EncodeDlg dialog(settings);
-        UserScript user({[&] {
-                             EXPECT_EQ(dialog.PDLGetText(kMp3Constant + 1), "128");
-                             EXPECT_FALSE(dialog.IsControlEnabled(kMp3Lowest));
-                             gtk_button_clicked(ButtonOf(dialog, kMp3Variable));
-                             EXPECT_FALSE(dialog.IsControlEnabled(kMp3Constant + 1));
-                             dialog.PDLSetText(kMp3Lowest, c.lowest);
-                             dialog.PDLSetText(kMp3Highest, c.highest);
-                             EXPECT_TRUE(dialog.IsControlEnabled(kMp3Lowest));
-                             dialog.DoOKButton();
-                         },
-                         [&] {
-                             if (!dialog.IsOpen())
-                                 return;
-                             dialog.PDLSetText(kMp3Highest, c.accepted);
-                             dialog.DoOKButton();
-                         }});
-        EXPECT_TRUE(dialog.Run(nullptr));
-        EXPECT_EQ(std::to_string(LoadMp3Settings().vbrMaxBitRate), c.accepted);
-        EXPECT_EQ(std::to_string(settings.vbrMinBitRate), c.lowest);
-        EXPECT_FALSE(LoadMp3Settings().constantBitRate);
+        dialog.PDLSetInt(kMp3Lowest, c.lowest);
+        dialog.PDLSetInt(kMp3Highest, c.highest);
+        EXPECT_EQ(dialog.CmOk(), c.accepted) << c.highest;
+        EXPECT_EQ(LoadMp3Settings().vbrMaxBitRate == c.highest, c.accepted) << c.highest;
     }
+    EXPECT_EQ(settings.vbrMinBitRate, 32);
+    EXPECT_FALSE(LoadMp3Settings().constantBitRate);
 }
 
 TEST(AuAndAiffDialogs, KeepTheirChoicesInTheSettings) {
-    for (const char* section : {"AuEncoder", "AIFFEncode"}) {
-        for (const char* key : {"SampleRate", "Channels", "CodecIndex"})
-            LUserSettingSetString(section, key, nullptr);
-    }
     LAuSettingsDlg au;
     LAIFFSettingsDlg aiff;
-    EXPECT_FALSE(aiff.Open(nullptr));
-    EXPECT_FALSE(aiff.IsOpen());
-    LDialog& aiffShown = aiff;
+    EXPECT_FALSE(aiff.Open(nullptr)) << "nothing offers it";
     const struct {
-        std::function<bool()> open;
         LDialog& dialog;
-        int codec, rate, channels;  // control ids, -1 for none
+        void (*generator)(LDialogGenContext&);
         const char* section;
-    } cases[] = {
-        {[&] { return au.Run(nullptr); }, au, 101, 103, 105, "AuEncoder"},
-        {[&] {
-             return aiffShown.Open(nullptr, {"AIFF", false, DlgGenAIFFEncode}, true);
-         },
-         aiff, -1, 101, 103, "AIFFEncode"},
-    };
+        int rate;  // id of its list; two above the channels, two below the codec of AU
+    } cases[] = {{au, DlgGenAuEncode, "AuEncoder", 103},
+                 {aiff, DlgGenAIFFEncode, "AIFFEncode", 101}};
     for (const auto& c : cases) {
-        UserScript user({[&] {
-            EXPECT_EQ(c.dialog.PDLGetText(c.rate), "44100");
-            EXPECT_EQ(c.dialog.PDLGetText(c.channels), "Stereo");
-            c.dialog.PDLSetCurSel(c.codec, 3);
-            c.dialog.PDLSetCurSel(c.rate, 1);
-            c.dialog.PDLSetCurSel(c.channels, 0);
-            c.dialog.DoOKButton();
-        }});
-        EXPECT_TRUE(c.open());
+        for (const char* key : {"SampleRate", "Channels", "CodecIndex"})
+            LUserSettingSetString(c.section, key, nullptr);
+        const auto shown = [&] { return Shown(c.dialog, {c.rate, c.rate + 2}); };
+        Show(c.dialog, c.generator);
+        EXPECT_EQ(shown(), "44100 Stereo ");
+        c.dialog.PDLSetCurSel(c.rate - 2, 3);
+        c.dialog.PDLSetCurSel(c.rate, 1);
+        c.dialog.PDLSetCurSel(c.rate + 2, 0);
+        EXPECT_TRUE(c.dialog.CmOk());
         EXPECT_EQ(LUserSettingGet(c.section, "SampleRate"), "8000");
         EXPECT_EQ(LUserSettingGet(c.section, "Channels"), "1");
-        UserScript again({[&] {
-            EXPECT_EQ(c.dialog.PDLGetText(c.rate) + c.dialog.PDLGetText(c.channels), "8000Mono");
-            gtk_button_clicked(ButtonOf(c.dialog, kDefaults));
-            EXPECT_EQ(c.dialog.PDLGetText(c.rate) + c.dialog.PDLGetText(c.channels), "44100Stereo");
-            c.dialog.DoCANCELButton();
-        }});
-        EXPECT_FALSE(c.open());
-        EXPECT_EQ(LUserSettingGet(c.section, "SampleRate"), "8000");
+        c.dialog.Close(0);
+        Show(c.dialog, c.generator);
+        EXPECT_EQ(shown(), "8000 Mono ");
+        gtk_button_clicked(ButtonOf(c.dialog, kDefaults));
+        EXPECT_EQ(shown(), "44100 Stereo ");
     }
     EXPECT_EQ(LUserSettingGet("AuEncoder", "CodecIndex"), "3");
 }

@@ -48,6 +48,10 @@ template <typename Base>
 class Recorder : public Base {
 public:
     using Base::Base;
+    // Without a parent, modeless.
+    bool Show(void (*generator)(LDialogGenContext&)) {
+        return this->Open(nullptr, {"Dialog", false, generator}, false);
+    }
     void InitDialog() override {
         calls += "init ";
         if (onInit)
@@ -99,19 +103,41 @@ inline void PressEscape(GtkWidget* window) {
     gtk_bindings_activate(GTK_OBJECT(window), GDK_KEY_Escape, GdkModifierType(0));
 }
 
+// Gives the widget an event of its own window; `fill` says what is in it. True when it was handled.
+template <typename Fill>
+bool SendEvent(GtkWidget* widget, GdkEventType type, Fill fill) {
+    GdkEvent* event = gdk_event_new(type);
+    event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(widget)));
+    fill(*event);
+    const bool handled = gtk_widget_event(widget, event) != FALSE;
+    gdk_event_free(event);
+    return handled;
+}
+
+inline void SendKey(GtkWidget* widget, GdkEventType type, guint key) {
+    SendEvent(widget, type, [key](GdkEvent& event) { event.key.keyval = key; });
+}
+
 // As the window manager does when it makes the window the active one.
 inline void Activate(GtkWidget* window) {
-    GdkEvent* focus = gdk_event_new(GDK_FOCUS_CHANGE);
-    focus->focus_change.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
-    focus->focus_change.in = TRUE;
-    gtk_main_do_event(focus);
-    gdk_event_free(focus);
+    SendEvent(window, GDK_FOCUS_CHANGE, [](GdkEvent& event) { event.focus_change.in = TRUE; });
 }
 
 // As the window manager's close button does.
 inline void PressClose(GtkWidget* window) {
-    GdkEvent* close = gdk_event_new(GDK_DELETE);
-    close->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
-    gtk_main_do_event(close);
-    gdk_event_free(close);
+    if (!SendEvent(window, GDK_DELETE, [](GdkEvent&) {}))
+        gtk_widget_destroy(window);
+}
+
+// One of the windows of which `is` holds, null when there is none.
+template <typename Predicate>
+GtkWidget* FindWindow(Predicate is) {
+    GtkWidget* found = nullptr;
+    GList* windows = gtk_window_list_toplevels();
+    for (const GList* window = windows; window != nullptr; window = window->next) {
+        if (is(GTK_WIDGET(window->data)))
+            found = GTK_WIDGET(window->data);
+    }
+    g_list_free(windows);
+    return found;
 }

@@ -2,9 +2,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "foundation/machine_root.h"
 #include "foundation/settings.h"
-#include "gui/list_view_columns.h"
+#include "gui/icon_numbers.h"
+#include "gui/list_view_store.h"
 #include "tests/gui/gui_fixtures.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -14,15 +19,32 @@ constexpr LListColumn kColumns[] = {{"Key", 200}, {"Command", 90}};
 class ListView : public testing::Test {
 protected:
     void SetUp() override {
-        const auto generate = [](LDialogGenContext& context) { context.AddList(kId, 128); };
-        dialog.Open(nullptr, {"List", false, generate}, false);
+        dialog.Show([](LDialogGenContext& context) { context.AddList(kId, 128); });
+        view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
     }
     std::string Cell(int row, int column) {
         char text[kTextBufferSize];
         dialog.LVGetColumnString(kId, row, column, text);
         return text;
     }
+    // What stands beside and in the first text of this row as it is drawn.
+    std::string Drawn(int row) {
+        GtkTreeIter iter;
+        EXPECT_TRUE(ListRowOf(view, row, iter));
+        GtkTreeViewColumn* column = ListColumnOf(view, 0);
+        gtk_tree_view_column_cell_set_cell_data(column, gtk_tree_view_get_model(view), &iter, FALSE,
+                                                FALSE);
+        GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
+        GdkPixbuf* image = nullptr;
+        gboolean isColored = FALSE;
+        g_object_get(cells->data, "pixbuf", &image, nullptr);
+        g_object_get(cells->next->data, "foreground-set", &isColored, nullptr);
+        g_list_free(cells);
+        const auto owned = GObjectRef<GdkPixbuf>::Adopt(image);
+        return std::string(image != nullptr ? "image " : "") + (isColored ? "color" : "");
+    }
     RecordingDialog dialog;
+    GtkTreeView* view = nullptr;
 };
 
 TEST_F(ListView, RowsTextsDataAndSelection) {
@@ -40,13 +62,15 @@ TEST_F(ListView, RowsTextsDataAndSelection) {
     EXPECT_EQ(dialog.LVFindColumnString(kId, 1, "Ctrl+O"), -1);
     EXPECT_EQ(dialog.LVGetItemData(kId, 1), 7);
 
+    dialog.LVSetSel(kId, 1, true);
+    EXPECT_EQ(dialog.LVGetFirstSel(kId), 1);
+    dialog.LVSetSel(kId, 1, false);
     dialog.HandleLVSelChange(kId);
     dialog.HandleLVDoubleClick(kId, 1080);
     EXPECT_EQ(dialog.LVGetFirstSel(kId), -1);
     dialog.LVSetCurSel(kId, 2);
     EXPECT_EQ(dialog.LVGetFirstSel(kId), 2);
     EXPECT_EQ(dialog.LVGetSelCount(kId), 1);
-    GtkTreeView* view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
     GtkTreePath* path = gtk_tree_path_new_from_indices(2, -1);
     gtk_tree_view_row_activated(view, path, gtk_tree_view_get_column(view, 0));
     gtk_tree_path_free(path);
@@ -58,19 +82,6 @@ TEST_F(ListView, RowsTextsDataAndSelection) {
     EXPECT_TRUE(dialog.LVGetSel(kId, 1));  // the selection stays on its row
     dialog.LVClear(kId);
     EXPECT_EQ(dialog.LVGetCount(kId), 0);
-}
-
-TEST_F(ListView, CheckBoxesStandBesideTheTexts) {
-    dialog.LVSetStyleCheck(kId);
-    dialog.LVInit(kId, {LListColumns::kDynamic, kColumns});
-    dialog.LVAddString(kId, "a");
-    dialog.LVAddString(kId, "b");
-    dialog.LVSetCheck(kId, 1, true);
-    EXPECT_FALSE(dialog.LVGetCheck(kId, 0));
-    EXPECT_TRUE(dialog.LVGetCheck(kId, 1));
-    dialog.LVSetColumnName(kId, 0, "First text");
-    GtkTreeView* view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
-    EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(view, 1)), "First text");
 }
 
 TEST_F(ListView, HeadingsSortByTextNumberAndDateAndReverse) {
@@ -86,7 +97,6 @@ TEST_F(ListView, HeadingsSortByTextNumberAndDateAndReverse) {
         for (int column : {1, 2})
             dialog.LVSetColumnString(kId, at, column, row[column]);
     }
-    GtkTreeView* view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
     const auto order = [&] { return Cell(0, 0) + " " + Cell(1, 0) + " " + Cell(2, 0); };
     const struct {
         int column;
@@ -113,30 +123,40 @@ TEST_F(ListView, HeadingsSortByTextNumberAndDateAndReverse) {
     EXPECT_LE(place.width, 300);
 }
 
-TEST_F(ListView, ColumnsImagesAndColoursKeepTheRows) {
-    constexpr int kIcons[] = {1, 2};
+TEST_F(ListView, ChecksImagesColorsAndNewColumnsKeepTheRows) {
+    constexpr int kIcons[] = {kErrorIcon, kWarningIcon};
+    const ScratchFolder root;
+    const ScopedVariable rootVariable("LECTORA_ROOT", root.Path().c_str());
+    const std::string icon = IconPath(kWarningIcon);
+    std::filesystem::create_directories(std::filesystem::path(icon).parent_path());
+    const auto drawing =
+        GObjectRef<GdkPixbuf>::Adopt(gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, 16, 16));
+    gdk_pixbuf_save(drawing.Get(), icon.c_str(), "png", nullptr, nullptr);
+    dialog.LVSetStyleCheck(kId);
     dialog.LVSetImages(kId, kIcons);
     dialog.LVInit(kId, {LListColumns::kPixels, kColumns});
     EXPECT_EQ(dialog.LVImageAddString(kId, 1, "with image", 3), 0);
-    dialog.LVImageAddString(kId, 7, "no such image");
-    EXPECT_TRUE(dialog.LVIsStyleImages(kId));
+    EXPECT_EQ(dialog.LVImageAddString(kId, 7, "no such image"), 1);
     dialog.LVSetRowColor(kId, 1, GdkColor{0, 0xFFFF, 0, 0});
+    dialog.LVSetCheck(kId, 1, true);
     dialog.LVAddTextColumn(kId, {"More", 40, LListSort::kNumber});
     dialog.LVAddImageColumn(kId, "Picture");
     dialog.LVAddCheckColumn(kId, "Done");
     dialog.LVSetColumnString(kId, 0, 2, "third");
     EXPECT_EQ(Cell(0, 0) + Cell(0, 2), "with imagethird");
     EXPECT_EQ(dialog.LVGetItemData(kId, 0), 3);
-    EXPECT_TRUE(dialog.LVIsRowColorSet(kId, 1));
-    EXPECT_FALSE(dialog.LVIsRowColorSet(kId, 0));
+    EXPECT_EQ(Drawn(0) + "," + Drawn(1), "image ,color");
     dialog.LVUnSetRowColor(kId, 1);
-    EXPECT_FALSE(dialog.LVIsRowColorSet(kId, 1));
+    EXPECT_EQ(Drawn(1), "");
+    EXPECT_FALSE(dialog.LVGetCheck(kId, 0));
+    EXPECT_TRUE(dialog.LVGetCheck(kId, 1));
+    dialog.LVSetColumnName(kId, 0, "First text");  // beside the checks
+    EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(view, 1)), "First text");
     dialog.LVSetShowColumnState(kId, 0b101);
     EXPECT_EQ(dialog.LVGetShowColumnState(kId), 0b101u);
     PumpPending();  // editing takes place in what is laid out
     dialog.LVSetCurSel(kId, 0);
     dialog.LVEditCurLabel(kId);
-    GtkTreeView* view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
     GtkWidget* entry = nullptr;
     gtk_container_forall(
         GTK_CONTAINER(view),

@@ -52,13 +52,11 @@ TEST(MainWindow, RunsInOrderAndComesBackWhereItWas) {
     const char* arguments[] = {"program", "book.txt"};
     bool hidden = false;
     UserScript user({
-        [&] { gtk_window_resize(GTK_WINDOW(window.Widget()), 300, 230); },
+        [&] { gtk_window_resize(GTK_WINDOW(window.Widget()), 10, 10); },
         [] {},
         [] {},
         [&] {
-            EXPECT_EQ(
-                window.laidOut,
-                std::make_pair(300, 230 - LStatusBar::kHeight));  // smaller than its controls were
+            EXPECT_EQ(window.laidOut, std::make_pair(280, 225 - LStatusBar::kHeight));
             PressClose(window.Widget());
         },
         [&] {
@@ -88,8 +86,8 @@ TEST(MainWindow, RunsInOrderAndComesBackWhereItWas) {
     EXPECT_TRUE(hidden);
     EXPECT_EQ(window.calls, "first init book.txt shown cancel cancel destroy ");
     EXPECT_FALSE(window.IsOpen());
-    EXPECT_EQ(LUserSettingGetInt("MainWindow", "Width", 0), 300);
-    EXPECT_EQ(LUserSettingGetInt("MainWindow", "Height", 0), 230);
+    EXPECT_EQ(LUserSettingGetInt("MainWindow", "Width", 0), 280);
+    EXPECT_EQ(LUserSettingGetInt("MainWindow", "Height", 0), 225);
     EXPECT_EQ(LUserSettingGet("Settings", "Installed"), "1");
 }
 

@@ -21,7 +21,7 @@ TEST(StartOnLoginControls, ShowAndKeepTheChoice) {
     };
     for (const StartOnLoginPage& page : {StartOnLoginPage{true, 1}, StartOnLoginPage{false, 0}}) {
         RecordingDialog dialog;
-        dialog.Open(nullptr, {"Options", false, generate}, false);
+        dialog.Show(generate);
         LAutoRunSettingsInit(dialog, kCheck, kList);
         EXPECT_EQ(dialog.PDLGetItem(kList, 0), "Start when any user logs on.");
         EXPECT_EQ(dialog.PDLGetItem(kList, 1), "Start when this user logs on only.");
@@ -31,7 +31,7 @@ TEST(StartOnLoginControls, ShowAndKeepTheChoice) {
         EXPECT_EQ(LAutoRun::IsRunUser(), page.isOn);
 
         RecordingDialog next;
-        next.Open(nullptr, {"Options", false, generate}, false);
+        next.Show(generate);
         LAutoRunSettingsInit(next, kCheck, kList);
         EXPECT_EQ(next.GetCheck(kCheck), page.isOn);
         EXPECT_EQ(next.PDLGetCurSel(kList), 1) << "switched off, the mode is left as it was";

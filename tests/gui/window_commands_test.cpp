@@ -28,7 +28,7 @@ void Generate(LDialogGenContext& context) {
 class WindowCommands : public testing::Test {
 protected:
     void SetUp() override {
-        dialog.Open(nullptr, {"Commands", false, Generate}, false);
+        dialog.Show(Generate);
         PumpPending();
     }
     // The commands since the last call; each must have been followed by EnableControls.
@@ -38,20 +38,8 @@ protected:
         return std::exchange(dialog.commands, {});
     }
     bool Press(int id, guint button, GdkEventType type) {
-        GdkEvent* event = gdk_event_new(type);
-        event->button.button = button;
-        event->button.window =
-            GDK_WINDOW(g_object_ref(gtk_widget_get_window(dialog.GetControlByID(id))));
-        gboolean handled = FALSE;
-        g_signal_emit_by_name(dialog.GetControlByID(id), "button-press-event", event, &handled);
-        gdk_event_free(event);
-        return handled != FALSE;
-    }
-    void SendConfigure() {
-        GdkEvent* event = gdk_event_new(GDK_CONFIGURE);
-        event->configure.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(dialog.Widget())));
-        gtk_main_do_event(event);
-        gdk_event_free(event);
+        return SendEvent(dialog.GetControlByID(id), type,
+                         [button](GdkEvent& event) { event.button.button = button; });
     }
     RecordingDialog dialog;
 };
@@ -76,17 +64,12 @@ TEST_F(WindowCommands, ButtonsAndCheckBoxes) {
 
 TEST_F(WindowCommands, EditChangesAndTheSizeLimit) {
     dialog.HandleEditTextChange(4, 1111);
-    dialog.SetEditText(4, "a");
-    EXPECT_THAT(Taken(), ElementsAre(1111));
-    const std::string big(65537, 'x');
-    dialog.SetEditText(4, "");
-    Taken();
-    dialog.SetEditText(4, big.c_str());
+    dialog.SetEditText(4, std::string(65537, 'x').c_str());
     EXPECT_THAT(Taken(), ElementsAre(1111));  // no maximum command registered
     dialog.HandleEditTextMax(4, 2222);
     dialog.SetEditText(4, "");
     Taken();
-    dialog.SetEditText(4, big.substr(1).c_str());
+    dialog.SetEditText(4, std::string(65536, 'x').c_str());
     EXPECT_THAT(Taken(), ElementsAre(1111));
     dialog.EditTextInsert(4, "x");
     EXPECT_THAT(Taken(), ElementsAre(2222));
@@ -113,8 +96,8 @@ TEST_F(WindowCommands, ListsTabsAndBars) {
     dialog.HandleTABSelChange(12, 120);
     dialog.TABSetCurSel(12, 1);
     EXPECT_THAT(Taken(), ElementsAre(120));
-    SendConfigure();  // the first layout
-    SendConfigure();
+    for (int layouts = 0; layouts < 2; ++layouts)
+        SendEvent(dialog.Widget(), GDK_CONFIGURE, [](GdkEvent&) {});
     EXPECT_THAT(Taken(), ElementsAre(120));
     char text[kTextBufferSize];
     dialog.TABGetText(12, 1, text);
@@ -135,8 +118,6 @@ TEST_F(WindowCommands, ClicksByButtonAndCount) {
 
 TEST_F(WindowCommands, CoolButtonsSendOnClicksOnly) {
     dialog.CoolButtonInit(14, -1, "Read Aloud");
-    EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(dialog.GetControlByID(14))),
-                 "Read Aloud");
     gtk_button_clicked(ButtonOf(dialog, 14));
     EXPECT_FALSE(dialog.IsCoolButtonDown(14));
     EXPECT_THAT(Taken(), ElementsAre(14));
@@ -156,22 +137,21 @@ TEST(KeyDialog, KeysFollowTheTableWhateverTheLocks) {
     dialog.SetKeyMap(kMap);
     const struct {
         guint state, keyval;
-        int command;
+        bool known;
     } cases[] = {
-        {GDK_CONTROL_MASK | GDK_SHIFT_MASK, 'R', 1011},
-        {GDK_CONTROL_MASK | GDK_LOCK_MASK | GDK_MOD2_MASK, 'b', 1000},  // Caps Lock and Num Lock
-        {GDK_CONTROL_MASK, 'r', 0},
-        {0, 'b', 0},
-        {GDK_CONTROL_MASK | GDK_MOD1_MASK, 'b', 0},
+        {GDK_CONTROL_MASK | GDK_SHIFT_MASK, 'R', true},
+        {GDK_CONTROL_MASK | GDK_LOCK_MASK | GDK_MOD2_MASK, 'b', true},  // Caps Lock and Num Lock
+        {GDK_CONTROL_MASK, 'r', false},
+        {0, 'b', false},
+        {GDK_CONTROL_MASK | GDK_MOD1_MASK, 'b', false},
     };
     for (const auto& c : cases) {
         GdkEventKey event{};
         event.state = c.state;
         event.keyval = c.keyval;
-        dialog.commands.clear();
-        EXPECT_EQ(dialog.EvKeyDown(KeyCodeOfEvent(event)), c.command != 0);
-        EXPECT_EQ(dialog.commands, c.command != 0 ? std::vector{c.command} : std::vector<int>{});
+        EXPECT_EQ(dialog.EvKeyDown(KeyCodeOfEvent(event)), c.known);
     }
+    EXPECT_THAT(dialog.commands, ElementsAre(1011, 1000));
 }
 
 TEST(KeyDialog, PressesAndReleasesArriveByThemselves) {
@@ -180,36 +160,28 @@ TEST(KeyDialog, PressesAndReleasesArriveByThemselves) {
         bool EvKeyUp(unsigned int key) override { return seen.push_back(key + 1), true; }
         std::vector<unsigned int> seen;
     } dialog;
-    dialog.Open(nullptr, {"Keys", false, [](LDialogGenContext&) {}}, false);
-    for (const GdkEventType type : {GDK_KEY_PRESS, GDK_KEY_RELEASE}) {
-        GdkEvent* event = gdk_event_new(type);
-        event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(dialog.Widget())));
-        event->key.keyval = 'a';
-        gtk_widget_event(dialog.Widget(), event);
-        gdk_event_free(event);
-    }
+    dialog.Show([](LDialogGenContext&) {});
+    SendKey(dialog.Widget(), GDK_KEY_PRESS, 'a');
+    SendKey(dialog.Widget(), GDK_KEY_RELEASE, 'a');
     EXPECT_THAT(dialog.seen, ElementsAre('A', 'B'));
     EXPECT_EQ(LKeyGetDescription(kKeyShift | kKeyControl | 'R'), "Ctrl+Shift+R");
     EXPECT_EQ(LKeyGetDescription(kKeyAlt | GDK_KEY_F5), "Alt+F5");
 }
 
-struct MessageRecorder : LInterWinMessageHandler {
-    void EvInterWinMessage(int first, int second, int third) override {
-        got = {first, second, third};
-    }
-    std::vector<int> got;
-};
-
 TEST_F(WindowCommands, MessagesBetweenWindows) {
-    MessageRecorder recorder;
+    struct : LInterWinMessageHandler {
+        void EvInterWinMessage(int first, int second, int third) override {
+            got = {first, second, third};
+        }
+        std::vector<int> got;
+    } recorder;
     recorder.HandleInterWinMessage(dialog.Widget(), 0);
     PostInterWinMessage(dialog.Widget(), 4, 5, 6);  // dropped
     SendInterWinMessage(dialog.Widget(), 1, -2, 3);
     SendInterWinMessage(nullptr, 7, 8, 9);
-    EXPECT_TRUE(PumpUntil([&] { return !recorder.got.empty(); }, 2000));
+    EXPECT_TRUE(PumpUntil([&] { return !recorder.got.empty(); }));
     PumpPending();
     EXPECT_THAT(recorder.got, ElementsAre(1, -2, 3));
-    dialog.Close(0);
 }
 
 }  // namespace

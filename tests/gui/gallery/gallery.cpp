@@ -17,7 +17,6 @@
 #include "gui/icon_numbers.h"
 #include "gui/key_dialog.h"
 #include "gui/message_box.h"
-#include "gui/popup_menu.h"
 #include "gui/progress_dialog.h"
 #include "gui/property_sheet.h"
 #include "gui/splash_screen.h"
@@ -65,17 +64,14 @@ void CheckRoom(GtkWidget* widget, gpointer picture) {
 }
 
 GtkWidget* TopMostWindow() {
-    GList* windows = gtk_window_list_toplevels();
-    GtkWidget* top = nullptr;
-    for (GList* window = windows; window != nullptr; window = window->next) {
-        auto* widget = GTK_WIDGET(window->data);
-        const bool content = gtk_widget_get_mapped(widget) &&
-                             gtk_window_get_window_type(GTK_WINDOW(widget)) == GTK_WINDOW_TOPLEVEL;
-        if (content && (top == nullptr || gtk_window_get_modal(GTK_WINDOW(widget))))
-            top = widget;
-    }
-    g_list_free(windows);
-    return top;
+    const auto isContent = [](GtkWidget* window) {
+        return gtk_widget_get_mapped(window) &&
+               gtk_window_get_window_type(GTK_WINDOW(window)) == GTK_WINDOW_TOPLEVEL;
+    };
+    GtkWidget* modal = FindWindow([&](GtkWidget* window) {
+        return isContent(window) && gtk_window_get_modal(GTK_WINDOW(window));
+    });
+    return modal != nullptr ? modal : FindWindow(isContent);
 }
 
 // The window with its frame, and what has popped up over it, as they are on the screen.
@@ -106,9 +102,11 @@ void TakePicture(const char* name) {
     gdk_pixbuf_save(picture.Get(), file.c_str(), "png", nullptr, nullptr);
 }
 
-// Until the window is closed.
-void LookAt(const LWindow& window) {
-    while (window.Widget() != nullptr && gtk_widget_get_mapped(window.Widget()))
+// Takes the window's picture, or lets a person look until it is closed.
+void Present(const LWindow& window, const char* name) {
+    if (!folder.empty())
+        TakePicture(name);
+    while (folder.empty() && window.Widget() != nullptr && gtk_widget_get_mapped(window.Widget()))
         gtk_main_iteration();
 }
 
@@ -258,11 +256,9 @@ void ShowMainLike() {
     window.SetTooltip(512, "Rewind (<-)");
     gtk_widget_set_size_request(window.Widget(), MIN(860, gdk_screen_width() - 20), -1);
     gtk_widget_show_all(window.Widget());
-    if (folder.empty()) {
-        LookAt(window);
+    Present(window, "main-like");
+    if (folder.empty())
         return;
-    }
-    TakePicture("main-like");
     GtkWidget* menuBar =
         static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(window.Widget()), "menu_bar"));
     gtk_menu_shell_select_first(GTK_MENU_SHELL(menuBar), FALSE);
@@ -347,10 +343,7 @@ void ShowBoxes() {
     KeepVoices({"kal_diphone", "us_slt"});
     std::string text = "The quick brown fox jumps over the lazy dog.";
     LTTSInputDialog input(text, "");
-    UserScript inputUser({[] {
-        TakePicture("text-to-speech");
-        gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
-    }});
+    const Photographer inputPhotographer("text-to-speech");
     input.Run(nullptr);
     LAboutBox::Open(nullptr);
     TakePicture("about");
@@ -365,18 +358,16 @@ void ShowAll() {
         RecordingDialog controls;
         controls.onInit = [&] { FillControls(controls); };
         controls.Open(nullptr, {"Controls", false, GenerateControls}, false);
-        if (folder.empty()) {
-            controls.onCommand = [&](int command) {
-                if (command == 36)
-                    controls.SetControlInvalid(10, "Please enter your name.", "Name Required");
-            };
-            LookAt(controls);
-        } else {
-            TakePicture("controls");
+        controls.onCommand = [&](int command) {
+            if (command == 36)
+                controls.SetControlInvalid(10, "Please enter your name.", "Name Required");
+        };
+        Present(controls, "controls");
+        if (!folder.empty()) {
             gtk_button_clicked(ButtonOf(controls, 20));
             TakePicture("calendar");
             gtk_button_clicked(ButtonOf(controls, 20));
-            controls.SetControlInvalid(10, "Please enter your name.", "Name Required");
+            gtk_button_clicked(ButtonOf(controls, 36));
             TakePicture("bubble-tip");
         }
     }
@@ -385,10 +376,7 @@ void ShowAll() {
         RecordingDialog lists;
         lists.onInit = [&] { FillLists(lists, log); };
         lists.Open(nullptr, {"Lists and log", false, GenerateLists}, false);
-        if (folder.empty())
-            LookAt(lists);
-        else
-            TakePicture("lists");
+        Present(lists, "lists");
     }
     ShowMainLike();
     ShowSheet();
