@@ -14,7 +14,8 @@ TEST(Mixer, MapsDecibelsLinearlyToRawValues) {
     const struct {
         long decibels, minimum, maximum, raw;
     } cases[] = {
-        {20, 0, 87, 87}, {-50, 0, 87, 0}, {12, 10, 58, 48},  // not offset by the minimum
+        {20, 0, 87, 87}, {-50, 0, 87, 0}, {-36, 0, 87, 0},
+        {0, 0, 87, 65},  {12, 0, 87, 87}, {12, 10, 58, 48},  // not offset by the minimum
         {0, 0, 0, 0},    {0, 50, 0, 0},   {12, 0, 2147483647L, 2147483647L},
     };
     for (const auto& test : cases)

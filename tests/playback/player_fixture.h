@@ -20,7 +20,6 @@ public:
     void spntfPlay(int id) override { Add("play", id); }
     void spntfStop(int id) override { Add("stop", id); }
     void spntfCue(int id) override { Add("cue", id); }
-    void spntfPause(int id) override { Add("pause", id); }
     void spntfTime(LSoundTime time, int id) override {
         Add("time " + std::to_string(time.Milliseconds()), id);
     }

@@ -148,7 +148,6 @@ TEST_F(PlayerTest, SeekFromTheEndTellsNothingOfTheEnd) {
 
 // Every operation of every listener's call, down to the player's end.
 TEST_F(PlayerTest, ListenersMayDoAnythingFromWithin) {
-    const char* const kStanding = "speed 20\nfault stall 100\n";
     const std::function<void()> actions[] = {[&] { player_.reset(); }, [&] { player_->Stop(); },
                                              [&] { player_->Seek(6000); },
                                              [&] { player_->Start(NumberedSource(4000)); },
@@ -161,19 +160,16 @@ TEST_F(PlayerTest, ListenersMayDoAnythingFromWithin) {
             player_ = std::make_unique<LSoundPlayer>(&listener_, 7, LSoundPlayDevice(0));
             int calls = 0;
             int stops = 0;
+            bool isHeard = false;
             listener_.onEntry = [&](const std::string& told) {
+                isHeard = isHeard || told.starts_with("level");
                 stops += told == "stop" ? 1 : 0;
                 if (told.starts_with(entry) && ++calls == 1)
                     action();
             };
-            cards_.Insert(0, kStanding);
-            listener_.log.clear();
+            cards_.Insert(0, "speed 20\nfault stall 100\n");
             player_->Start(NumberedSource(8000));
-            RunUntil([&] {
-                return !player_ || !player_->IsLoaded() ||
-                       std::any_of(listener_.log.begin(), listener_.log.end(),
-                                   [](const auto& told) { return told.starts_with("level"); });
-            });
+            RunUntil([&] { return !player_ || !player_->IsLoaded() || isHeard; });
             if (player_)
                 player_->Cue();
             cards_.Insert(0, "speed 20\n");
@@ -189,41 +185,41 @@ TEST_F(PlayerTest, ListenersMayDoAnythingFromWithin) {
     listener_.onEntry = nullptr;
 }
 
-// Decided: 20 ms. The median, since a busy machine may hold any one of them up.
 TEST_F(PlayerTest, NoOperationWaitsForACardThatDoesNotAnswer) {
-    std::vector<double> waits;  // milliseconds
-    const std::function<void()> operations[] = {[&] { player_->Cue(); },
-                                                [&] { player_->Seek(100); },
-                                                [&] { player_->Stop(); }, [&] { player_.reset(); }};
+    constexpr std::chrono::milliseconds kMost{20};
+    const std::function<void()> operations[] = {
+        [&] { player_->Cue(); }, [&] { player_->Seek(100); }, [&] { player_->Stop(); },
+        [&] { player_->Start(NumberedSource(100)); }, [&] { player_.reset(); }};
     int card = 0;
+    const auto wait = [&](const std::string& fault, const std::function<void()>& operation) {
+        player_ = std::make_unique<LSoundPlayer>(&listener_, 7, LSoundPlayDevice(card));
+        cards_.Insert(card, "speed 8\nfault " + fault + "\n");
+        player_->Start(NumberedSource(32000));
+        EXPECT_TRUE(RunUntil([&] { return cards_.Received(card).size() >= 4000; }));
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        const auto start = std::chrono::steady_clock::now();
+        operation();
+        const auto waited = std::chrono::steady_clock::now() - start;
+        const bool isGoingOn = player_ && player_->IsLoaded();
+        const std::size_t told = listener_.log.size();
+        cards_.Insert(card, "speed 8\n");
+        EXPECT_TRUE(RunUntil([&] {
+            const std::vector<CardEvent> events = cards_.Events(card);
+            return events.back().name == "close";
+        })) << "the card is let go";
+        EXPECT_TRUE(isGoingOn || listener_.log.size() == told) << "late news are not told";
+        ++card;
+        return waited;
+    };
     for (const std::string fault : {"stall 4000", "hang 4000"}) {
         for (const auto& operation : operations) {
-            SCOPED_TRACE(fault);
-            player_ = std::make_unique<LSoundPlayer>(&listener_, 7, LSoundPlayDevice(card));
-            cards_.Insert(card, "speed 8\nfault " + fault + "\n");
-            player_->Start(NumberedSource(32000));
-            ASSERT_TRUE(RunUntil([&] { return cards_.Received(card).size() >= 4000; }));
-            std::this_thread::sleep_for(std::chrono::milliseconds(30));
-            const auto start = std::chrono::steady_clock::now();
-            operation();
-            const std::chrono::duration<double, std::milli> wait =
-                std::chrono::steady_clock::now() - start;
-            waits.push_back(wait.count());
-            const bool isGoingOn = player_ && player_->IsLoaded();
-            const std::size_t told = listener_.log.size();
-            cards_.Insert(card, "speed 8\n");
-            ASSERT_TRUE(RunUntil([&] {
-                const std::vector<CardEvent> events = cards_.Events(card);
-                return events.back().name == "close";
-            })) << "the card is let go";
-            if (!isGoingOn) {
-                EXPECT_EQ(listener_.log.size(), told) << "late news are not told";
-            }
-            ++card;
+            // A busy machine may hold one up, but not every time.
+            int tries = 0;
+            while (wait(fault, operation) > kMost && tries < 3)
+                ++tries;
+            EXPECT_LT(tries, 3) << fault;
         }
     }
-    std::nth_element(waits.begin(), waits.begin() + 4, waits.end());
-    EXPECT_LT(waits[4], 20);
 }
 
 // Frames of one stream, in order, of which at most one block came twice.
@@ -272,46 +268,19 @@ TEST_F(PlayerTest, GrowingSourcesAreWaitedForInSilence) {
     }
 }
 
-std::string Told(const PlayRoute& route) {
-    const char* const ways[] = {"asked", "awaited", "server"};
-    return std::string(ways[static_cast<int>(route.way)]) + (route.isBusy ? " busy" : "");
-}
-
-TEST_F(PlayerTest, ABusyCardIsTriedAgainAndTheSoundServerInstead) {
-    const struct {
-        const char* before;  // of card 0; null: missing
-        const char* then;
-        std::vector<std::string> routes;
-        int plays;
-    } cases[] = {{"fault busy\n", "speed 8\n", {"awaited busy", "asked"}, 0},
-                 {"fault busy\n", nullptr, {"awaited busy", "server busy"}, 9},
-                 {nullptr, nullptr, {"server"}, 9}};
-    cards_.Insert(9, "rates 48000\nspeed 8\n");
-    int card = 0;
-    std::string next;
-    std::vector<std::string> routes;
+TEST_F(PlayerTest, ABusyCardIsTriedAgain) {
+    cards_.Insert(0, "fault busy\n");
+    std::vector<PlayRoute::Way> ways;
     player_->SetRouteHandler([&](const PlayRoute& route) {
-        routes.push_back(Told(route));
-        if (routes.back() == "awaited busy" && !next.empty())
-            cards_.Insert(card, next);
+        EXPECT_EQ(route.isBusy, ways.empty());
+        ways.push_back(route.way);
+        cards_.Insert(0, "speed 8\n");
     });
-    for (const auto& test : cases) {
-        routes.clear();
-        listener_.log.clear();
-        next = test.then != nullptr ? test.then : "";
-        if (test.before != nullptr)
-            cards_.Insert(card, test.before);
-        player_->SetDevice(LSoundPlayDevice(card));
-        player_->Start(NumberedSource(8000));
-        ASSERT_TRUE(RunUntilTold("stop"));
-        EXPECT_EQ(player_->Trouble(), PlayTrouble::kNone);
-        EXPECT_EQ(routes, test.routes);
-        const int plays = test.plays == 0 ? card : test.plays;
-        const std::vector<std::int16_t> played = cards_.Played(plays, cards_.Streams(plays));
-        EXPECT_NEAR(static_cast<double>(played.size()), plays == 9 ? 24000 : 8000, 100);
-        ++card;
-    }
-    EXPECT_EQ(cards_.Streams(9), 2);
+    player_->Start(NumberedSource(8000));
+    ASSERT_TRUE(RunUntilTold("stop"));
+    EXPECT_EQ(player_->Trouble(), PlayTrouble::kNone);
+    EXPECT_THAT(ways, ElementsAre(PlayRoute::Way::kAwaited, PlayRoute::Way::kAsked));
+    EXPECT_EQ(cards_.Played(0), NumbersFrom(0, 8000));
 }
 
 TEST(CardHolder, IsWhoeverTheKernelNames) {

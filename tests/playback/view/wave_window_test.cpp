@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "gui/gobject_ref.h"
 #include "tests/support/memory_sound.h"
 #include "tests/support/window/main_loop.h"
 
@@ -45,32 +46,22 @@ protected:
 
     char Look(int column) const {
         const GtkStyle* style = gtk_widget_get_style(wave_->Area());
-        const GdkColor& wave = style->bg[GTK_STATE_SELECTED];
-        const GdkColor& base = style->base[GTK_STATE_NORMAL];
-        const auto is = [](const guchar* pixel, const GdkColor& color) {
-            return pixel[0] == color.red >> 8 && pixel[1] == color.green >> 8 &&
-                   pixel[2] == color.blue >> 8;
+        const auto picture = GObjectRef<GdkPixbuf>::Adopt(gdk_pixbuf_get_from_drawable(
+            nullptr, gtk_widget_get_window(wave_->Area()), nullptr, column, 0, 0, 0, 1, kHeight));
+        const auto at = [&](int y) {
+            return gdk_pixbuf_get_pixels(picture.Get()) +
+                   y * gdk_pixbuf_get_rowstride(picture.Get());
         };
-        GdkPixbuf* picture = gdk_pixbuf_get_from_drawable(
-            nullptr, gtk_widget_get_window(wave_->Area()), nullptr, column, 0, 0, 0, 1, kHeight);
-        const guchar* pixels = gdk_pixbuf_get_pixels(picture);
-        const int row = gdk_pixbuf_get_rowstride(picture);
-        const guchar* edge = pixels + 3 * row;
-        const guchar* inside = pixels + 12 * row;
-        const guchar* middle = pixels + kHeight / 2 * row;
-        char seen = '?';
-        if (is(inside, wave) && is(edge, base))
-            seen = 'w';
-        else if (is(edge, base) && is(middle, base))
-            seen = ' ';
-        else if (is(edge, base))
-            seen = '-';
-        else if (edge[0] > edge[1] + 80)
-            seen = '!';
-        else
-            seen = '.';
-        g_object_unref(picture);
-        return seen;
+        const auto is = [&](int y, const GdkColor& color) {
+            return at(y)[0] == color.red >> 8 && at(y)[1] == color.green >> 8 &&
+                   at(y)[2] == color.blue >> 8;
+        };
+        const GdkColor& base = style->base[GTK_STATE_NORMAL];
+        if (!is(3, base))
+            return at(3)[0] > at(3)[1] + 80 ? '!' : '.';
+        if (is(12, style->bg[GTK_STATE_SELECTED]))
+            return 'w';
+        return is(kHeight / 2, base) ? ' ' : '-';
     }
     std::string Looks() const {
         std::string looks;
