@@ -174,17 +174,14 @@ TEST(Documents, HostileMarkupEndsInTime) {
 }
 
 TEST(Documents, PdfReaderThatHangsEndsWhenAsked) {
-    const std::string path = std::getenv("PATH");
     const ScratchFolder folder;
     folder.WriteProgram("pdftotext", "echo part\nsleep 1000 & wait\n");
-    ::setenv("PATH", (folder.Path() + ":" + path).c_str(), 1);
+    const ScopedVariable path("PATH", (folder.Path() + ":" + std::getenv("PATH")).c_str());
     int asked = 0;
     const Document stopped = ReadDocument("%PDF-", [&asked] { return ++asked > 3; });
-    ::setenv("PATH", "/none", 1);
-    const Document missing = ReadDocument("%PDF-");
-    ::setenv("PATH", path.c_str(), 1);
     EXPECT_THAT(stopped.problem, HasSubstr("stopped"));
-    EXPECT_THAT(missing.problem, HasSubstr("poppler-utils"));
+    const ScopedVariable none("PATH", "/none");
+    EXPECT_THAT(ReadDocument("%PDF-").problem, HasSubstr("poppler-utils"));
 }
 
 }  // namespace

@@ -39,27 +39,14 @@ def folder_of(path, folders):
 def rules_for(path):
     """(folder, what it may include). A test may do what its folder may, and use the support."""
     folder = folder_of(path, MAY_INCLUDE)
-    if folder is None and path.startswith("tests/"):
-        tested = folder_of(path[len("tests/") :], MAY_INCLUDE)
-        if tested is None:
-            return None, []
-        # The dialogs of every folder are tried with gui's own, under one display.
-        above = "/dialogs" if tested == "gui" else None
-        dialogs = [
-            name
-            for name in MAY_INCLUDE
-            if name.startswith(tested + "/") or (above and name.endswith(above))
-        ]
-        below = [name for name in dialogs for name in MAY_INCLUDE[name]]
-        return tested, [
-            tested,
-            *MAY_INCLUDE[tested],
-            *dialogs,
-            *below,
-            "tests/support",
-            "tests/" + tested,
-        ]
-    return folder, MAY_INCLUDE.get(folder, []) + [folder]
+    if folder or not path.startswith("tests/"):
+        return folder, [folder, *MAY_INCLUDE.get(folder, [])]
+    tested = folder_of(path[len("tests/") :], MAY_INCLUDE)
+    # The dialogs of every folder are tried with gui's own, under one display.
+    dialogs = "/dialogs" if tested == "gui" else f"{tested}/"
+    tried = [tested, *(name for name in MAY_INCLUDE if dialogs in name)]
+    below = [name for folder in tried for name in MAY_INCLUDE.get(folder, [])]
+    return tested, [*tried, *below, "tests/support", f"tests/{tested}"]
 
 
 def allowed(header, permitted):
@@ -100,9 +87,8 @@ def check(root):
             path = os.path.normpath(os.path.join(relative, name))
             with open(os.path.join(base, name), encoding="utf-8") as file:
                 lines = file.readlines()
-            limit = (
-                MAIN_LINES if name == "main.cpp" and not path.startswith("tests/") else MOST_LINES
-            )
+            is_main = name == "main.cpp" and not path.startswith("tests/")
+            limit = MAIN_LINES if is_main else MOST_LINES
             if len(lines) > limit:
                 problems.append(f"{path}:{len(lines)}: longer than {limit} lines")
             for number, line in enumerate(lines, 1):
