@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "formats/wave_file.h"
+#include "foundation/file_io.h"
 #include "foundation/progress.h"
 #include "sound/source_to_sink.h"
 #include "tests/formats/format_files.h"
@@ -54,36 +55,23 @@ TEST_F(GrowingFile, WaitsEndByDataByTheEndAndByAnInterrupt) {
     source->WaitForStreamingData(1);
     source->Seek(300);  // where there is nothing yet
     const std::vector<int> signal = TestSignal(2000);
-    struct {
-        const char* name;
-        std::function<void()> act;
-        int end;
-        bool isStreaming;
-    } const cases[] = {{"interrupt", [&] { stop.Signal(); }, 0, true},
-                       {"data",
-                        [&] {
-                            stop.Reset();
-                            WriteAll(sink_, signal);
-                        },
-                        1000, true},
-                       {"replaced",
-                        [&] {
-                            std::filesystem::remove(path_);
-                            Store("g.wav", "another");
-                            WriteAll(sink_, signal);
-                        },
-                        2000, true},
-                       {"end", [&] { sink_->Finish(); }, 2000, false}};
-    for (const auto& test : cases) {
+    const auto waitWhile = [&](const std::function<void()>& act, int end, bool isStreaming) {
         std::thread actor([&] {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
-            test.act();
+            act();
         });
         source->WaitForStreamingData(kLongWait);
         actor.join();
-        EXPECT_EQ(source->GetEndSample(), test.end) << test.name;
-        EXPECT_EQ(source->IsStreaming(), test.isStreaming) << test.name;
-    }
+        EXPECT_EQ(source->GetEndSample(), end);
+        EXPECT_EQ(source->IsStreaming(), isStreaming) << end;
+    };
+    waitWhile([&] { stop.Signal(); }, 0, true);
+    stop.Reset();
+    waitWhile([&] { WriteAll(sink_, signal); }, 1000, true);
+    std::filesystem::remove(path_);
+    Store("g.wav", "another");
+    waitWhile([&] { WriteAll(sink_, signal); }, 2000, true);
+    waitWhile([&] { sink_->Finish(); }, 2000, false);
     EXPECT_EQ(Next(source, 50), std::vector<int>(signal.begin() + 600, signal.begin() + 700));
     EXPECT_EQ(source->ReadError(), 0);
 }
@@ -92,46 +80,34 @@ TEST_F(GrowingFile, WritersThatEndInOtherWaysLeaveAnExactEnd) {
     WriteAll(sink_, TestSignal(1000));
     const std::string unfinished = Load(path_);
     const std::string path = Path("other.wav");
-    struct {
+    const struct {
         const char* name;
-        bool isLocked;
-        void (*act)(int file, const char* path);
+        int cutAt;            // what becomes of the file: its size, and ...
+        std::string written;  // ... what is written
+        int writtenAt;
         int end;
         int error;
-    } const cases[] = {
-        {"killed", true, [](int, const char*) {}, 500, 0},
-        {"killed in a frame", true,
-         [](int file, const char*) { EXPECT_EQ(::pwrite(file, "x", 1, 2046), 1); }, 500, 0},
-        {"long gone", false,
-         [](int, const char* name) {
-             const timespec times[2] = {{1000000, 0}, {1000000, 0}};
-             EXPECT_EQ(::utimensat(AT_FDCWD, name, times, 0), 0);
-         },
-         500, 0},
-        {"cut", true, [](int file, const char*) { EXPECT_EQ(::ftruncate(file, 20), 0); }, 0,
-         ESTALE},
-        {"shorter than it says", true,
-         [](int file, const char*) {
-             EXPECT_EQ(::ftruncate(file, 46 + 400), 0);
-             EXPECT_EQ(::pwrite(file, "\xD0\x07\0\0", 4, 42), 4);
-         },
-         100, ESTALE},
-    };
+    } cases[] = {{"killed", 2046, "", 0, 500, 0},
+                 {"killed in a frame", 2046, "x", 2046, 500, 0},
+                 {"cut", 20, "", 0, 0, ESTALE},
+                 {"shorter than it says", 446, std::string("\xD0\x07\0\0", 4), 42, 100, ESTALE},
+                 {"long gone", 0, "", 0, 500, 0}};
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
         Store("other.wav", unfinished);
+        const bool isLongGone = test.cutAt == 0;
         UniqueFd writer(::open(path.c_str(), O_RDWR));
-        if (test.isLocked)
-            ASSERT_EQ(::flock(writer.Get(), LOCK_SH), 0);
-        else
-            test.act(writer.Get(), path.c_str());
+        const timespec longAgo[2] = {{1000000, 0}, {1000000, 0}};
+        ASSERT_EQ(isLongGone ? ::futimens(writer.Get(), longAgo) : ::flock(writer.Get(), LOCK_SH),
+                  0);
         const LSoundSource source = LWaveFile::OpenSource(path.c_str());
         ASSERT_TRUE(source->IsStreaming());
-        if (test.isLocked) {
+        if (!isLongGone) {
             EXPECT_EQ(source->GetEndSample(), 500);
-            test.act(writer.Get(), path.c_str());
-            writer.Reset();
+            EXPECT_EQ(::ftruncate(writer.Get(), test.cutAt), 0);
+            EXPECT_EQ(WriteFullyAt(writer.Get(), test.written, test.writtenAt), 0);
         }
+        writer.Reset();
         for (int looks = 0; looks < 3 && source->IsStreaming(); ++looks)
             source->WaitForStreamingData(kLongWait);
         EXPECT_FALSE(source->IsStreaming());

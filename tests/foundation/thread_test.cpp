@@ -24,10 +24,7 @@ TEST(SignalObject, WaitsEndEarlyForASignalAndLastTheirTimeWithoutOne) {
     EXPECT_TRUE(::fcntl(first.Ref().ReadFd(), F_GETFD) & FD_CLOEXEC);
     LSilentProgress progress;
     // Handled signals of the process do not shorten them.
-    struct sigaction handled {};
-    handled.sa_handler = [](int) {};
-    struct sigaction old {};
-    ::sigaction(SIGUSR2, &handled, &old);
+    const auto old = ::signal(SIGUSR2, [](int) {});
     std::thread interrupter([self = ::pthread_self()] {
         for (int i = 0; i < 10; ++i) {
             std::this_thread::sleep_for(milliseconds(10));
@@ -42,7 +39,7 @@ TEST(SignalObject, WaitsEndEarlyForASignalAndLastTheirTimeWithoutOne) {
     EXPECT_EQ(progress.ProcessWait(40), kProcessDone);
     EXPECT_GE(Clock::now() - start, milliseconds(200));
     interrupter.join();
-    ::sigaction(SIGUSR2, &old, nullptr);
+    ::signal(SIGUSR2, old);
 
     std::thread signaller([&] {
         std::this_thread::sleep_for(milliseconds(50));
