@@ -74,30 +74,26 @@ TEST_F(DictationHeader, IsDescribedAndSkipped) {
 }
 
 TEST_F(DictationHeader, OneChangedFieldACase) {
-    const struct {
-        std::uint32_t Dictation::*field;
-        std::vector<std::uint32_t> values;
-        bool valid;
-    } cases[] = {{&Dictation::version, {4, 65535}, false},
-                 {&Dictation::sizeError, {1, 0xFFFFFFFF}, false},
-                 {&Dictation::extra, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
-                 {&Dictation::second, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
-                 {&Dictation::attachmentSize, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
-                 {&Dictation::attachmentNameLength, {255}, false},
-                 {&Dictation::firstNoteLength, {255}, false},
-                 {&Dictation::endMark, {0}, false},
-                 {&Dictation::endMark, {1, 255}, true},
-                 {&Dictation::extra, {0}, true},
-                 {&Dictation::second, {0}, true}};
-    for (const auto& c : cases) {
-        for (const std::uint32_t value : c.values) {
+    const std::tuple<std::uint32_t Dictation::*, std::vector<std::uint32_t>, bool> cases[] = {
+        {&Dictation::version, {4, 65535}, false},
+        {&Dictation::sizeError, {1, 0xFFFFFFFF}, false},
+        {&Dictation::extra, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
+        {&Dictation::second, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
+        {&Dictation::attachmentSize, {1 << 20, 1U << 31, 0xFFFFFFFF}, false},
+        {&Dictation::attachmentNameLength, {255}, false},
+        {&Dictation::firstNoteLength, {255}, false},
+        {&Dictation::endMark, {0}, false},
+        {&Dictation::endMark, {1, 255}, true},
+        {&Dictation::extra, {0}, true},
+        {&Dictation::second, {0}, true}};
+    for (const auto& [field, values, valid] : cases) {
+        for (const std::uint32_t value : values) {
             Dictation header;
-            header.*c.field = value;
-            if (c.field == &Dictation::attachmentNameLength ||
-                c.field == &Dictation::firstNoteLength)
-                header.attachmentSize = 0;  // so that the length reaches past the end
-            EXPECT_EQ(Describe(header.Build()) != "refused", c.valid)
-                << &c - cases << ": " << value;
+            if (value == 255)  // so that a length reaches past the end
+                header.attachmentSize = 0;
+            header.*field = value;
+            EXPECT_EQ(Describe(header.Build()) != "refused", valid)
+                << value << ", where it was " << Dictation().*field;
         }
     }
 }

@@ -86,13 +86,8 @@ TEST_F(RowFiles, RawSinksStepBackButNotForward) {
 }
 
 TEST_F(RowFiles, AuHeaders) {
-    struct Case {
-        const char* name;
-        std::string header;
-        int status, frames;
-    };
     const std::uint32_t big = 0xFFFFFFFF;
-    const Case cases[] = {
+    const std::tuple<const char*, std::string, int, int> cases[] = {
         {"mu-law", AuHeader(24, 4, 1, 8000, 1), kGood, 4},
         {"8 bits", AuHeader(24, 4, 2, 8000, 2), kGood, 2},
         {"16 bits", AuHeader(24, 5, 3, 8000, 1), kGood, 2},
@@ -107,14 +102,14 @@ TEST_F(RowFiles, AuHeaders) {
         {"256 channels", AuHeader(24, 4, 1, 8000, 256), kInvalidFormat, 0},
         {"magic", "x" + AuHeader(24, 4, 1, 8000, 1).substr(1), kInvalidFormat, 0},
     };
-    for (const Case& c : cases) {
-        const std::string path = Store("a.au", c.header + "\x01\x02\x03\x04");
+    for (const auto& [name, header, status, frames] : cases) {
+        const std::string path = Store("a.au", header + "\x01\x02\x03\x04");
         const LSoundSource source = LAuFile::OpenSource(path.c_str());
-        EXPECT_EQ(source->Status(), c.status) << c.name;
-        EXPECT_EQ(source->GetEndSample(), c.frames) << c.name;
+        EXPECT_EQ(source->Status(), status) << name;
+        EXPECT_EQ(source->GetEndSample(), frames) << name;
     }
     for (std::size_t size = 0; size < 24; ++size) {
-        const std::string path = Store("t.au", cases[0].header.substr(0, size));
+        const std::string path = Store("t.au", AuHeader(24, 4, 1, 8000, 1).substr(0, size));
         EXPECT_EQ(LAuFile::OpenSource(path.c_str())->Status(), kInvalidFormat) << size;
     }
     const std::string noted = AuHeader(32, 12, 2, 8000, 1) + "annotate\x01\x02\x03\x04";
@@ -134,29 +129,21 @@ TEST_F(RowFiles, AiffOneChangedFieldACase) {
         EXPECT_EQ(source->SampleRate(), rate) << what;
         EXPECT_EQ(ReadAll(source), kThreeValues) << what;
     };
-    const struct {
-        std::uint32_t Aiff::*field;
-        std::vector<std::uint32_t> values;
-        int status;
-    } numbers[] = {{&Aiff::commSize, {0, 17, 0x7FFFFFFF, 1U << 31, 0xFFFFFFFF}, kInvalidFormat},
-                   {&Aiff::channels, {0, 256, 65535}, kInvalidFormat},
-                   {&Aiff::bits, {9, 16}, kGood},
-                   {&Aiff::bits, {0}, kInvalidFormat},
-                   {&Aiff::bits, {17, 65535}, kUnsupported},
-                   {&Aiff::ssndSize, {14, 15, 0xFFFFFFFF}, kGood}};
-    for (const auto& c : numbers) {
-        for (const std::uint32_t value : c.values) {
+    const std::tuple<std::uint32_t Aiff::*, std::vector<std::uint32_t>, int> numbers[] = {
+        {&Aiff::commSize, {0, 17, 0x7FFFFFFF, 1U << 31, 0xFFFFFFFF}, kInvalidFormat},
+        {&Aiff::channels, {0, 256, 65535}, kInvalidFormat},
+        {&Aiff::bits, {9, 16}, kGood},
+        {&Aiff::bits, {0}, kInvalidFormat},
+        {&Aiff::bits, {17, 65535}, kUnsupported},
+        {&Aiff::ssndSize, {14, 15, 0xFFFFFFFF}, kGood}};
+    for (const auto& [field, values, status] : numbers) {
+        for (const std::uint32_t value : values) {
             Aiff aiff;
-            aiff.*c.field = value;
-            expect(aiff, c.status, 44100,
-                   std::to_string(&c - numbers) + ": " + std::to_string(value));
+            aiff.*field = value;
+            expect(aiff, status, 44100, std::to_string(value));
         }
     }
-    const struct {
-        std::string Aiff::*field;
-        std::string value;
-        int status, rate;
-    } texts[] = {
+    const std::tuple<std::string Aiff::*, std::string, int, int> texts[] = {
         {&Aiff::form, "RIFF", kInvalidFormat, 0},
         {&Aiff::type, "AIFC", kInvalidFormat, 0},
         {&Aiff::before, std::string("NAME\0\0\0\3abc", 11), kGood, 44100},  // no pad byte
@@ -169,10 +156,10 @@ TEST_F(RowFiles, AiffOneChangedFieldACase) {
         {&Aiff::rate, Rate(0x401E, 1U << 31), kInvalidFormat, 0},  // 2^31
         {&Aiff::rate, Rate(0x401D, 0xFFFFFFFE), kGood, INT_MAX},
     };
-    for (const auto& c : texts) {
+    for (const auto& [field, value, status, rate] : texts) {
         Aiff aiff;
-        aiff.*c.field = c.value;
-        expect(aiff, c.status, c.rate, std::to_string(&c - texts) + " in texts");
+        aiff.*field = value;
+        expect(aiff, status, rate, testing::PrintToString(value));
     }
     expect({.commTail = "abc", .commSize = 21}, kGood, 44100, "longer COMM");
     EXPECT_EQ(open({.ssndSize = 7})->GetEndSample(), 0);

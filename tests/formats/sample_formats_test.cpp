@@ -63,13 +63,13 @@ TEST(SampleFormats, GoldenValuesOut) {
 
 TEST(SampleFormats, FloatsThatAreNoSamplesStayDefined) {
     const float infinity = std::numeric_limits<float>::infinity();
-    for (const float value : {infinity, 1e30F, 5000.0F})
-        for (const float sign : {1.0F, -1.0F}) {
-            const int sample = In<LSFF32>(std::bit_cast<std::uint32_t>(sign * value));
-            EXPECT_EQ(sample, sign > 0 ? 2147483520 : -2147483520) << sign * value;
-        }
-    EXPECT_EQ(In<LSFF32>(std::bit_cast<std::uint32_t>(std::nanf(""))), 0);
-    EXPECT_EQ(In<LSFF32>(std::bit_cast<std::uint32_t>(-std::nanf(""))), 0);
+    for (const auto& [value, sample] : {std::pair{infinity, 2147483520},
+                                        {1e30F, 2147483520},
+                                        {5000.0F, 2147483520},
+                                        {std::nanf(""), 0}}) {
+        EXPECT_EQ(In<LSFF32>(std::bit_cast<std::uint32_t>(value)), sample) << value;
+        EXPECT_EQ(In<LSFF32>(std::bit_cast<std::uint32_t>(-value)), -sample) << value;
+    }
     EXPECT_EQ(In<LSFFRE32>(0x0000807F), 2147483520);  // +infinity, reversed
 }
 

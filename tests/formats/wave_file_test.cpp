@@ -55,12 +55,7 @@ TEST_F(WaveFile, OneChangedFieldACase) {
         }
     };
     constexpr std::uint32_t kBig = 0xFFFFFFFF;
-    struct Case {
-        std::uint32_t Wave::*field;
-        std::vector<std::uint32_t> values;
-        int status;
-    };
-    const Case cases[] = {
+    const std::tuple<std::uint32_t Wave::*, std::vector<std::uint32_t>, int> cases[] = {
         {&Wave::fmtSize, {18, 20, 8192}, kGood},
         {&Wave::fmtSize, {0, 15, 8193, 0x7FFFFFFF, 0x80000000, kBig}, kInvalidFormat},
         {&Wave::channels, {0, 256, 65535}, kInvalidFormat},
@@ -73,11 +68,12 @@ TEST_F(WaveFile, OneChangedFieldACase) {
         {&Wave::align, {0, 65535}, kGood},
         {&Wave::riffSize, {0, 1, 0x7FFFFFFF, 0x80000000, kBig}, kGood},
     };
-    for (const Case& c : cases) {
-        for (const std::uint32_t value : c.values) {
+    for (const auto& [field, values, status] : cases) {
+        for (const std::uint32_t value : values) {
             Wave wave;
-            wave.*c.field = value;
-            expect(wave, c.status, std::to_string(&c - cases) + ": " + std::to_string(value));
+            wave.*field = value;
+            expect(wave, status,
+                   std::to_string(value) + ", where it was " + std::to_string(Wave().*field));
         }
     }
     const std::string odd = Chunk("junk", 3, Bytes().Text("abc").U8(0).Str());
