@@ -24,7 +24,7 @@ namespace component {
 namespace {
 
 constexpr int kLockMilliseconds = 200;
-constexpr int kEndMilliseconds = 1000;
+constexpr int kGoodbyeMilliseconds = 1000;
 constexpr std::size_t kMostSaid = 4096;
 
 }  // namespace
@@ -75,7 +75,7 @@ bool TakeContentLength(const char* line, std::int64_t& length) {
     return error == std::errc() && at == end && length >= 0 && length <= kLargestBody;
 }
 
-Installer::Installer(const char* scriptPath) {
+Installer::Installer(const char* scriptPath) : path_(scriptPath) {
     LPipePair pipe = LPipePair::Make();
     if (!pipe.IsOpen())
         return;
@@ -84,7 +84,7 @@ Installer::Installer(const char* scriptPath) {
     streams.emptyInput = true;
     streams.ownGroup = true;
     // The path is one of ours: letters and digits.
-    const std::string command = std::string("exec bash ") + scriptPath + " 2>&1";
+    const std::string command = "exec bash " + path_ + " 2>&1";
     child_ = LChildProcess::StartShell(command.c_str(), streams);
     output_ = std::move(pipe.readEnd);
 }
@@ -95,7 +95,7 @@ Installer::~Installer() {
     // It may tidy up first.
     ::kill(-child_.Pid(), SIGTERM);
     pollfd end{output_.Get(), 0, 0};
-    TimedPoll(&end, 1, kEndMilliseconds);
+    TimedPoll(&end, 1, kGoodbyeMilliseconds);
     ::kill(-child_.Pid(), SIGKILL);
 }
 
@@ -114,6 +114,8 @@ bool Installer::Finish(std::string& message) {
     while (!said_.empty() && said_.back() == '\n')
         said_.pop_back();
     message = said_.substr(said_.rfind('\n') + 1);
+    if (message.starts_with(path_))
+        message = "The downloaded installer is damaged.";
     return child_.Wait() != -1;
 }
 
@@ -134,19 +136,27 @@ std::string InstallerPathFor(const std::string& temporaryName) {
     return "";
 }
 
-bool IsTrusted(const char* componentName, const std::string& path) {
-    const std::string expected = ComponentSumSetting(componentName).Get();
-    if (expected.empty())
-        return true;
+std::string ProblemOf(const char* componentName, const std::string& path) {
+    constexpr std::string_view kBlanks = " \t\r\n\xEF\xBB\xBF";  // and a byte order mark
     const UniqueFd file = OpenFileForReading(path.c_str());
     std::string content;
     if (!file.IsOpen() || !ReadWholeFile(file.Get(), kLargestBody, content))
-        return false;
+        return "The downloaded installer cannot be read.";
+    const std::size_t begin = content.find_first_not_of(kBlanks);
+    if (begin != std::string::npos && content[begin] == '<')
+        return "A web page came instead of the installer: perhaps this network wants you to sign "
+               "in "
+               "first.";
+    const std::string expected = ComponentSumSetting(componentName).Get();
+    if (expected.empty())
+        return "";
     const std::unique_ptr<char, decltype(&g_free)> sum(
         g_compute_checksum_for_data(
             G_CHECKSUM_SHA256, reinterpret_cast<const guchar*>(content.data()), content.size()),
         &g_free);
-    return ::strcasecmp(sum.get(), expected.c_str()) == 0;
+    return ::strcasecmp(sum.get(), expected.c_str()) == 0
+               ? ""
+               : "The downloaded component is not the one that this machine's settings name.";
 }
 
 }  // namespace component

@@ -22,6 +22,7 @@ constexpr unsigned int kResolveMilliseconds = 12000;
 constexpr int kConnectMilliseconds = 12000;
 constexpr int kLineMilliseconds = 10000;
 constexpr int kPieceMilliseconds = 7500;
+constexpr int kEndMilliseconds = 1000;          // for the peer to close
 constexpr int kInstallerMilliseconds = 120000;  // without a word of it
 constexpr unsigned int kPieceBytes = 1028;
 constexpr int kMostHeaderLines = 500;
@@ -60,10 +61,12 @@ public:
     int OutputFd() const { return output_.Get(); }
     bool ReadOutput();  // false at its end
     // Waits for the end, which is near once the output has ended. The last line that it said goes
-    // to message; false when its end could not be learned.
+    // to message, a sentence instead when that is bash's about the script; false when its end could
+    // not be learned.
     bool Finish(std::string& message);
 
 private:
+    const std::string path_;
     LChildProcess child_;
     UniqueFd output_;
     std::string said_;
@@ -72,9 +75,9 @@ private:
 // "/tmp/0" and six letters, made empty and private; empty when that failed.
 std::string MakeTemporaryName();
 std::string InstallerPathFor(const std::string& temporaryName);  // made empty and private too
-// The machine-wide settings may name a SHA-256 (section "ComponentSha256", key the component) that
-// an installer must have to be run.
-bool IsTrusted(const char* componentName, const std::string& path);
+// Why the installer must not be run, as a sentence; empty when it may. The machine-wide settings
+// may name a SHA-256 (section "ComponentSha256", key the component) that it must have.
+std::string ProblemOf(const char* componentName, const std::string& path);
 
 }  // namespace component
 
@@ -140,6 +143,10 @@ LProcessResult ProcessRecvBody(P& progress, LIPSocketTCPRef socket, std::int64_t
         if (progress.IsShown())
             progress.SetFraction(std::min(fraction, 1.0));
     }
+    // Who sends more than the length that was told has told a wrong one: the script would be cut.
+    const LProcessResult more = ProcessRecvBytes(progress, socket, piece, 1, kEndMilliseconds);
+    if (more != kProcessFailed)
+        return more == kProcessDone ? kProcessFailed : more;
     return file.Keep() ? kProcessDone : kProcessFailed;
 }
 
@@ -189,9 +196,10 @@ LProcessResult ProcessDownloadComponent(P& progress, const char* host, const cha
     if (path.empty())
         return kProcessFailed;
     LProcessResult result = ProcessHTTPDownloadFile(progress, url.c_str(), path.c_str());
-    if (result == kProcessDone && !IsTrusted(name, path)) {
-        message = "The downloaded component is not the one that this machine's settings name.";
-        result = kProcessFailed;
+    if (result == kProcessDone) {
+        message = ProblemOf(name, path);
+        if (!message.empty())
+            result = kProcessFailed;
     }
     if (result == kProcessDone) {
         Installer installer(path.c_str());

@@ -1,5 +1,8 @@
 """Saving as MP3: the encoder is fetched when it is needed, and the file holds the engine's own sound."""
+import glob
 import os
+import resource
+import shutil
 import subprocess
 import unittest
 
@@ -7,37 +10,45 @@ from desktop_case import SHARE, DesktopCase, desktop
 
 TEXT = "The quick brown fox jumps over the lazy dog."
 SERVER = os.path.join(desktop.HERE, "component_server.py")
+OLD = "what it held"
+CANCEL = None
+
+
+def rough_frequency(path):
+    told = subprocess.run(["sox", path, "-n", "remix", "1", "stat"], capture_output=True, text=True, check=True).stderr
+    return int(next(line for line in told.splitlines() if line.startswith("Rough")).split()[-1])
 
 
 class ComponentsTest(DesktopCase):
     def setUp(self):
         super().setUp()
-        self.target = os.path.join(desktop.HOME, "fox.mp3")
+        self.target = self.file("fox.mp3", OLD)
         self.store("settings", savedefaultformat=0)
 
-    def name_servers(self, first, second):
+    def machine(self, section, **values):
+        """Replaces a section of the machine's settings."""
         folder = os.path.join(os.environ["LECTORA_ROOT"], "opt/quillon/lectora/etc")
         os.makedirs(folder, exist_ok=True)
-        with open(os.path.join(folder, "hosts"), "w") as file:
-            file.write(f"components={first}\r\nweb={second}\r\n")
+        with open(os.path.join(folder, section), "w") as file:
+            file.writelines(f"{key}={value}\r\n" for key, value in values.items())
 
     def serve(self, *manner):
         """A server in the second place, behind one that is down; it ends with the test."""
         process = subprocess.Popen(["/usr/bin/python3", SERVER, *manner], stdin=subprocess.PIPE,
             stdout=subprocess.PIPE, text=True, env={**os.environ, "MP3EL": os.path.join(SHARE, "components/mp3el")})
         self.addCleanup(process.communicate)
-        self.name_servers("127.0.0.1:1", f"127.0.0.1:{process.stdout.readline().strip()}")
+        self.machine("hosts", components="127.0.0.1:1", web=f"127.0.0.1:{process.stdout.readline().strip()}")
 
     def install(self, script):
         folder = os.path.join(desktop.HOME, "components/mp3el")
+        shutil.rmtree(folder, ignore_errors=True)
         os.makedirs(folder)
         if script:
             with open(os.open(os.path.join(folder, "mp3el"), os.O_WRONLY | os.O_CREAT, 0o755), "w") as file:
-                file.write(f"#!/bin/sh\n{script}\n")
+                file.write(f"#!/bin/bash\n{script}\n")
 
     def save(self, lectora):
-        lectora.set_text(TEXT)
-        self.choose(lectora, "ctrl+alt+v", "Save File as", self.target)
+        self.choose(lectora, "ctrl+alt+v", "Save File as", self.target, replaces=True)
 
     def cancel(self, lectora):
         """Until it is heard: the window manager may still be placing the dialog."""
@@ -48,16 +59,52 @@ class ComponentsTest(DesktopCase):
             return len(lectora.windows()) == 1
         desktop.wait_until(is_gone, "the end of the dialog")
 
-    def assert_nothing_left(self, lectora):
+    def end(self, lectora, message):
+        """The box that says so, or a cancel; afterwards nothing is left, and the old file is whole."""
+        if message:
+            lectora.wait_for_box(message)
+            self.picture(f"component-{message}".replace(" ", "-"))
+            lectora.press("push button", "OK")
+        else:
+            self.cancel(lectora)
         desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the flow")
-        desktop.wait_until(lambda: not [name for name in os.listdir(desktop.HOME) if "fox" in name], "no file")
-        self.assertFalse([line for line in desktop.processes().values() if "sleep" in line])
+        desktop.wait_until(lambda: [name for name in os.listdir(desktop.HOME) if "fox" in name] == ["fox.mp3"], "no file")
+        desktop.wait_until(lambda: "sleep" not in " ".join(desktop.processes().values()), "the end of what was started")
+        with open(self.target) as file:
+            self.assertEqual(file.read(), OLD)
+        self.assertEqual((lectora.box_text(), lectora.text()), ("", TEXT))
 
-    def test_an_encoder_that_was_fetched_keeps_the_engines_sound(self):
-        self.serve()
+    def test_bad_servers_harm_nothing_and_a_good_one_serves_after_them(self):
+        advice = 'LAME (package "lame")'
+        pid = os.path.join(desktop.HOME, "pid")
+        downloads = set(glob.glob("/tmp/0*.tar.gz"))
+        self.machine("hosts", components="127.0.0.1:1", web="127.0.0.1:1")
         lectora = self.start(fake_engine=False)
+        lectora.set_text(TEXT)
+        for manner, message in (("down", advice), ("gone", advice), ("half", advice), ("over", advice), ("empty", advice),
+            ("stalling", advice), ("page", "sign in first"), ("moved page", "sign in first"),
+            ("damaged", "installer is damaged"), ("unwilling", "Something is missing."), ("untrusted", "settings name"),
+            ("mute", CANCEL), ("stalling", CANCEL), ("busy", CANCEL)):
+            with self.subTest(manner, message=message):
+                self.machine("componentsha256", mp3el="a" * 64 if manner == "untrusted" else "")
+                if manner != "down":
+                    self.serve(manner)
+                self.save(lectora)
+                if manner in ("stalling", "mute", "busy"):
+                    lectora.find("label", "Download install-on-demand")
+                    self.picture(f"component-{manner}")
+                if manner == "busy":
+                    desktop.wait_until(lambda: os.path.exists(pid), "the installer")
+                self.end(lectora, message)
+                self.assertFalse(os.path.exists(os.path.join(desktop.HOME, "components")))
+                self.assertFalse(os.path.exists(desktop.SPEECH))
+                desktop.wait_until(lambda: not set(glob.glob("/tmp/0*.tar.gz")) - downloads, "no download")
+        self.serve()
         self.save(lectora)
-        desktop.wait_until(lambda: os.path.exists(self.target) and not os.path.exists(desktop.SPEECH), "the file")
+        desktop.wait_until(lambda: os.path.getsize(self.target) > len(OLD) and not os.path.exists(desktop.SPEECH), "the file")
+        self.assert_holds_the_engines_sound()
+
+    def assert_holds_the_engines_sound(self):
         own, saved, reference = (os.path.join(desktop.HOME, f"{name}.wav") for name in ("own", "saved", "reference"))
         subprocess.run(["text2wave", self.file("t.txt", TEXT), "-o", own], check=True)
         subprocess.run(["lame", "--quiet", "--decode", self.target, saved], check=True)
@@ -66,56 +113,33 @@ class ComponentsTest(DesktopCase):
         # The converter's ratio is one of small numbers; the encoder adds some silence.
         rate = 44000 if spoken.rate == 16000 else 44100
         self.assertLess(abs(heard.frames / rate - spoken.frames / spoken.rate), 0.1)
+        self.assertLess(abs(rough_frequency(saved) / rough_frequency(own) - 1), 0.1)
         subprocess.run(["sox", own, "-r", str(rate), reference], check=True)
         part = slice(rate // 2, rate // 2 + 4000)
         expected = desktop.Sound(reference).channel(0)
         for channel in (0, 1):
             self.assertGreater(desktop.best_correlation(heard.channel(channel)[part], expected[part], 1500), 0.9)
 
-    def test_a_server_that_does_not_deliver_is_told(self):
-        advice = 'LAME (package "lame")'
-        for manner, message in ((None, advice), ("gone", advice), ("half", advice), ("empty", advice),
-            ("unwilling", "Something is missing.")):
-            with self.case(manner or "down") as lectora:
-                self.name_servers("127.0.0.1:1", "127.0.0.1:1")
-                if manner:
-                    self.serve(manner)
-                self.save(lectora)
-                lectora.wait_for_box(message)
-                self.picture(f"component-{manner}")
-                lectora.press("push button", "OK")
-                self.assert_nothing_left(lectora)
-                self.assertFalse(os.path.exists(os.path.join(desktop.HOME, "components")))
-                self.assertEqual(self.spoken(), [])
-
-    def test_a_cancel_leaves_nothing(self):
-        pid = os.path.join(desktop.HOME, "pid")
-        for manner in ("mute", "stalling", "busy"):
-            with self.case(manner) as lectora:
-                self.serve(manner)
-                self.save(lectora)
-                lectora.find("label", "Download install-on-demand")
-                if manner == "busy":
-                    desktop.wait_until(lambda: os.path.exists(pid), "the installer")
-                self.picture(f"component-{manner}")
-                self.cancel(lectora)
-                self.assert_nothing_left(lectora)
-                self.assertEqual((lectora.box_text(), self.spoken()), ("", []))
-
     def test_an_encoder_that_fails_is_told_and_one_that_hangs_can_be_left(self):
-        for script in ("exit 1", "head -c 100000 >/dev/null; exit 1", None, "sleep 1000", "cat >/dev/null; sleep 1000"):
-            with self.case(script) as lectora:
-                desktop.tell_engine("text2wave long 20")
+        ended = "The MP3 encoder has ended too early"
+        copy = 'cat >"${!#}"'
+        desktop.tell_engine("text2wave long 10")
+        lectora = self.start()
+        lectora.set_text(TEXT)
+        for script, most, message in (("exit 1", None, ended), (None, None, ended),
+            ('head -c 100000 >"${!#}"; rm -r "${0%/*}"; kill -9 $$', None, ended), (copy, 600_000, ended),
+            ("sleep 1000", None, CANCEL), ("cat >/dev/null; sleep 1000", None, CANCEL)):
+            with self.subTest(script):
                 self.install(script)
+                hard = resource.prlimit(lectora.process.pid, resource.RLIMIT_FSIZE)[1]
+                resource.prlimit(lectora.process.pid, resource.RLIMIT_FSIZE, (most or hard, hard))
                 self.save(lectora)
-                if script and "sleep" in script:
+                if message is CANCEL:
                     lectora.find("label", "Saving File")
-                    self.cancel(lectora)
-                else:
-                    lectora.wait_for_box("The MP3 encoder has ended too early")
-                    lectora.press("push button", "OK")
-                self.assert_nothing_left(lectora)
-                self.assertEqual(lectora.text(), TEXT)
+                self.end(lectora, message)
+        self.install(copy)
+        self.save(lectora)
+        desktop.wait_until(lambda: os.path.getsize(self.target) > 1_700_000, "the file")
 
 
 if __name__ == "__main__":

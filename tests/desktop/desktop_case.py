@@ -82,8 +82,8 @@ class DesktopCase(unittest.TestCase):
             self.picture("failed-" + self.id().rsplit(".", 1)[-1])
         lectora.end()
 
-    def choose(self, lectora, keys, title, path):
-        """Answers the file chooser that the keys bring up."""
+    def choose(self, lectora, keys, title, path, replaces=False):
+        """Answers the file chooser that the keys bring up, and whether the file is to be replaced."""
         lectora.focus()
         desktop.press_keys(keys)
         chooser = desktop.wait_until(
@@ -93,6 +93,9 @@ class DesktopCase(unittest.TestCase):
         self.picture("chooser")
         desktop.xdotool("type", "--delay", "10", path)
         desktop.press_keys("Return")
+        if replaces:
+            lectora.active_window("alert", "Question")
+            desktop.press_keys("alt+r")
 
     def select(self, text):
         """Selects the text in another program."""

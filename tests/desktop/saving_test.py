@@ -10,8 +10,8 @@ TEXT = "The quick brown fox jumps over the lazy dog."
 
 
 class SavingTest(DesktopCase):
-    def save_as(self, lectora, path):
-        self.choose(lectora, "ctrl+alt+v", "Save File as", path)
+    def save_as(self, lectora, path, replaces=False):
+        self.choose(lectora, "ctrl+alt+v", "Save File as", path, replaces)
 
     def test_the_file_holds_the_spoken_text(self):
         lectora = self.start(fake_engine=False)
@@ -63,8 +63,7 @@ class SavingTest(DesktopCase):
                 self.store("settings", savedefaultformat=0 if ask else 1)
                 hard = resource.prlimit(lectora.process.pid, resource.RLIMIT_FSIZE)[1]
                 resource.prlimit(lectora.process.pid, resource.RLIMIT_FSIZE, (limit, hard))
-                self.save_as(lectora, path)
-                lectora.press("push button", "Replace")
+                self.save_as(lectora, path, replaces=True)
                 ending(lectora)
                 desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the flow")
                 with open(path) as file:

@@ -91,7 +91,7 @@ TEST_F(ComponentDownload, TakesWhatIsWholeAndNothingElse) {
     EXPECT_EQ(request_.path, Path("components/good/good"));
     EXPECT_FALSE(progress_.fractions.empty());
     for (const char* bad :
-         {"gone", "half", "unmeasured", "huge", "garbled", "empty", "unwilling"}) {
+         {"gone", "half", "over", "unmeasured", "huge", "garbled", "empty", "unwilling"}) {
         EXPECT_EQ(Get(bad), kProcessFailed) << bad;
         EXPECT_FALSE(IsThere(bad)) << bad;
         EXPECT_EQ(request_.message, bad == "unwilling"s ? "Something is missing." : "") << bad;

@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """A component server with manners, which its argument or else the component's name tells. Prints its port and when it
 hangs, or its installer does; serves until its input ends."""
+import contextlib
 import os
 import socket
 import sys
@@ -19,6 +20,13 @@ def answer(name, manner):
         return "404 Not Found", len(script), script
     if manner == "half":
         return "200 OK", 2 * len(script), script
+    if manner == "over":
+        return "200 OK", len(script) // 2, script
+    if manner in ("page", "moved page"):
+        script = b"\n<!DOCTYPE html>\n<title>Sign in</title>\n"
+        return "200 OK" if manner == "page" else "302 Found", len(script), script
+    if manner == "damaged":
+        script = script.replace(b"&&", b"&& (")
     if manner == "unmeasured":
         return "200 OK", None, script
     if manner == "huge":
@@ -43,10 +51,13 @@ def hang():
 
 
 def serve(connection):
-    with connection:
+    with contextlib.suppress(ConnectionError), connection:
         request = b""
         while b"\r\n\r\n" not in request:
-            request += connection.recv(4096)
+            more = connection.recv(4096)
+            if not more:
+                return
+            request += more
         name = request.split()[1].decode().rsplit("/", 1)[1]
         manner = sys.argv[1] if len(sys.argv) > 1 else name
         if manner == "mute":
