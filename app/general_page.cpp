@@ -17,9 +17,19 @@ constexpr int kPrompt = 103;
 constexpr int kUseDefault = 104;
 constexpr int kFormat = 105;
 constexpr int kFormatSettings = 107;
+constexpr int kFormatNote = 112;
 
 enum : int { kMp3 = 0, kWav = 1 };
 constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
+
+// The list begins with MP3 also for who has never chosen, while saving then writes WAV: told, so
+// that nobody finds out by saving.
+constexpr const char* kNothingChosen = "So far speech is saved as WAV; OK makes it this format.";
+
+bool IsNothingChosen() {
+    return kSaveFormatIndexSetting.Get() == kMp3 && kSaveFormatSetting.Get() != "0" &&
+           !kSaveByDefaultSetting.Get().starts_with('0');
+}
 
 }  // namespace
 
@@ -32,6 +42,8 @@ void DlgGenGeneralDlg(LDialogGenContext& context) {
     context.AddRadioButtonGroup(kPrompt, "Prompt for format settings");
     context.AddRadioButton(kUseDefault, "Use these default format settings ");
     context.AddPullDownList(kFormat, "  Choose Format");
+    if (IsNothingChosen())
+        context.AddStatic(kFormatNote, kNothingChosen);
     context.AddButton(kFormatSettings, "Format Settings");
     context.GroupEnd();
 }
@@ -42,6 +54,8 @@ void GeneralDlgImp::InitDialog() {
     SetCheck(kSaveByDefaultSetting.Get() == "0" ? kPrompt : kUseDefault, true);
     PDLFill(kFormat, kFormats);
     PDLSetCurSel(kFormat, kSaveFormatIndexSetting.Get() == kMp3 ? kMp3 : kWav);
+    if (IsNothingChosen())
+        SetTooltip(kFormat, kNothingChosen);
 }
 
 void GeneralDlgImp::EnableControls() {

@@ -78,6 +78,7 @@ class OptionsTest(DesktopCase):
     def test_what_is_chosen_is_kept(self):
         lectora = self.start()
         self.open(lectora)
+        lectora.find("label", "So far speech is saved as WAV; OK makes it this format.")
         self.picture("options-general")
         lectora.press("radio button", "Use these default format settings ")
         lectora.press("push button", "Format Settings")
@@ -136,7 +137,8 @@ class OptionsTest(DesktopCase):
             lectora.press("push button", "OK")
             desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the options")
             self.select(f"words of {keys}")
-            desktop.press_keys("ctrl+alt+k")
+            if lock == "Num_Lock":
+                desktop.press_keys("ctrl+alt+k")  # which is nobody's any more
             desktop.press_keys(keys)
             self.card.wait_for(self.card.next_stream(), "close")
             self.open(lectora, "HotKeys")
