@@ -66,7 +66,8 @@ GtkWidget* NewTipContent(const char* title, const char* text) {
     return frame;
 }
 
-// Just below the control, and on the screen.
+// Beside the control's window, level with the control: what has to be done about the message is
+// done in that window, often in the next control. Where the screen ends, just below the control.
 void PlacePopUp(GtkWidget* popUp, GtkWidget* control) {
     GdkWindow* window = control != nullptr ? gtk_widget_get_window(control) : nullptr;
     if (window == nullptr) {
@@ -85,8 +86,19 @@ void PlacePopUp(GtkWidget* popUp, GtkWidget* control) {
     GtkRequisition size;
     gtk_widget_size_request(popUp, &size);
     GdkScreen* screen = gtk_widget_get_screen(control);
-    x = std::max(0, std::min(x, gdk_screen_get_width(screen) - size.width));
-    y = std::max(0, std::min(y + place.height, gdk_screen_get_height(screen) - size.height));
+    const int right = gdk_screen_get_width(screen) - size.width;
+    GdkRectangle frame;
+    gdk_window_get_frame_extents(gdk_window_get_toplevel(window), &frame);
+    if (frame.x + frame.width <= right) {
+        x = frame.x + frame.width;
+    } else if (frame.x >= size.width) {
+        x = frame.x - size.width;
+    } else {
+        x = std::min(x, right);
+        y += place.height;
+    }
+    x = std::max(0, x);
+    y = std::max(0, std::min(y, gdk_screen_get_height(screen) - size.height));
     gtk_window_move(GTK_WINDOW(popUp), x, y);
 }
 
