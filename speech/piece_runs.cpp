@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <thread>
 
 #include "foundation/log.h"
@@ -96,6 +97,10 @@ void PieceRuns::StartRun(Run& run) {
 
 LSignalObjectRef PieceRuns::Awaited() const {
     return runs_.empty() ? taker_.MoreWanted() : runs_.front()->engine->Finished();
+}
+
+unsigned int PieceRuns::PatienceMilliseconds() const {
+    return runs_.empty() ? std::numeric_limits<unsigned int>::max() : kSynthesisTimeoutMilliseconds;
 }
 
 void PieceRuns::Take(LProcessResult waited) {

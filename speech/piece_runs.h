@@ -49,6 +49,8 @@ public:
     // Starts as many runs as may be at work. False: the reading has ended, Outcome() tells how.
     bool StartRuns();
     LSignalObjectRef Awaited() const;  // what comes next: a run's end, or that more is wanted
+    // How long to wait for that: a listener who has paused may stay away for days.
+    unsigned int PatienceMilliseconds() const;
     void Take(LProcessResult waited);  // after that wait
 
     // kSpoken: to the end, but for what was left out.
@@ -89,7 +91,7 @@ private:
 template <LProgress P>
 LProcessResult Process(P& progress, PieceRuns& runs) {
     while (runs.StartRuns()) {
-        runs.Take(progress.ProcessWaitSignal(runs.Awaited(), kSynthesisTimeoutMilliseconds));
+        runs.Take(progress.ProcessWaitSignal(runs.Awaited(), runs.PatienceMilliseconds()));
         progress.SetFraction(runs.Fraction());
     }
     if (runs.Outcome() == SynthesisOutcome::kSpoken)
