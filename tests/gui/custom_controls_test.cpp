@@ -248,8 +248,6 @@ protected:
 
 TEST_F(ExplorerBar, TopicsFoldAndItemsHide) {
     EXPECT_FALSE(IsSeen("Empty"));
-    gtk_button_clicked(GTK_BUTTON(Seen(window_, "Read current text")));
-    EXPECT_EQ(sent_, std::vector{1011});
     gtk_widget_activate(Seen(window_, "Read Aloud"));
     EXPECT_TRUE(PumpUntil([&] { return !IsSeen("Read current text"); }));
     EXPECT_TRUE(bar_->IsTopicFolded(read_));
@@ -259,7 +257,6 @@ TEST_F(ExplorerBar, TopicsFoldAndItemsHide) {
     bar_->ShowItem(1011, false);
     gtk_widget_show_all(window_);
     EXPECT_FALSE(IsSeen("Read current text"));
-    EXPECT_FALSE(bar_->IsItemShown(1011));
     EXPECT_TRUE(IsSeen("Read \xC3\xBF"));
     bar_->ShowItem(1019, false);
     EXPECT_FALSE(IsSeen("Read Aloud")) << "a topic without items";
@@ -271,10 +268,11 @@ TEST_F(ExplorerBar, TopicsFoldAndItemsHide) {
 }
 
 TEST_F(ExplorerBar, BarAndWidgetsGoInAnyOrder) {
-    GtkWidget* item = Seen(window_, "Read current text");
+    auto* const item = GTK_BUTTON(Seen(window_, "Read current text"));
+    gtk_button_clicked(item);
     bar_.reset();
-    gtk_button_clicked(GTK_BUTTON(item));
-    EXPECT_TRUE(sent_.empty());
+    gtk_button_clicked(item);
+    EXPECT_EQ(sent_, std::vector{1011});
     LExplorerBar gone;
     gtk_widget_destroy(gone.Create(nullptr));
     gone.ShowItem(1011, false);

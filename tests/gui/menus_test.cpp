@@ -1,4 +1,4 @@
-// Menu bars, pop-up menus and tool bars: what is found, and what reaches the window.
+// Menus, tool bars and keys: what is found, and what reaches the window.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -145,6 +145,44 @@ TEST_F(Menus, ToolBarItemsSendAndChangeByCommand) {
     ASSERT_TRUE(GTK_IS_TOOLBAR(window.GetControlByID(5)));
     EXPECT_EQ(gtk_toolbar_get_style(GTK_TOOLBAR(window.GetControlByID(5))), GTK_TOOLBAR_ICONS);
     EXPECT_EQ(window.GetToolBarHeight(), 0);
+}
+
+TEST(KeyDialog, KeysFollowTheTableWhateverTheLocks) {
+    static constexpr LKeyToCommandMap kMap[] = {{kKeyControl | kKeyShift | 'R', 1011},
+                                                {kKeyControl | 'B', 1000}};
+    Recorder<LKeyDialog> dialog;
+    dialog.SetKeyMap(kMap);
+    const struct {
+        guint state, keyval;
+        bool known;
+    } cases[] = {
+        {GDK_CONTROL_MASK | GDK_SHIFT_MASK, 'R', true},
+        {GDK_CONTROL_MASK | GDK_LOCK_MASK | GDK_MOD2_MASK, 'b', true},  // Caps Lock and Num Lock
+        {GDK_CONTROL_MASK, 'r', false},
+        {0, 'b', false},
+        {GDK_CONTROL_MASK | GDK_MOD1_MASK, 'b', false},
+    };
+    for (const auto& c : cases) {
+        GdkEventKey event{};
+        event.state = c.state;
+        event.keyval = c.keyval;
+        EXPECT_EQ(dialog.EvKeyDown(KeyCodeOfEvent(event)), c.known);
+    }
+    EXPECT_THAT(dialog.commands, ElementsAre(1011, 1000));
+}
+
+TEST(KeyDialog, PressesAndReleasesArriveByThemselves) {
+    struct Keys : Recorder<LKeyDialog> {
+        bool EvKeyDown(unsigned int key) override { return seen.push_back(key), true; }
+        bool EvKeyUp(unsigned int key) override { return seen.push_back(key + 1), true; }
+        std::vector<unsigned int> seen;
+    } dialog;
+    dialog.Show([](LDialogGenContext&) {});
+    SendKey(dialog.Widget(), GDK_KEY_PRESS, 'a');
+    SendKey(dialog.Widget(), GDK_KEY_RELEASE, 'a');
+    EXPECT_THAT(dialog.seen, ElementsAre('A', 'B'));
+    EXPECT_EQ(LKeyGetDescription(kKeyShift | kKeyControl | 'R'), "Ctrl+Shift+R");
+    EXPECT_EQ(LKeyGetDescription(kKeyAlt | GDK_KEY_F5), "Alt+F5");
 }
 
 }  // namespace

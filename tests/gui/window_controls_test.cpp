@@ -1,14 +1,19 @@
-// Controls by number: the registry and the operations of each control family.
+// Controls by number: the operations of each family, and the user's actions that become commands.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "foundation/settings.h"
 #include "gui/display_text.h"
+#include "gui/inter_win_message.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {
 
-enum : int { kEntry = 10, kEdit = 20, kList = 30, kCombo = 40, kSpin = 60, kBar = 70 };
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+enum : int { kEntry = 10, kEdit = 20, kList = 30, kCombo = 40, kSpin = 50, kBar = 60 };
+enum : int { kProgress = 70, kButton, kCheck, kRadio, kSecondRadio, kTabs, kCool, kBox };
 
 void GenerateAll(LDialogGenContext& context) {
     context.AddInput(kEntry, "Name:");
@@ -17,12 +22,32 @@ void GenerateAll(LDialogGenContext& context) {
     context.AddComboBox(kCombo, "Voice:");
     context.AddInputUpDown(kSpin, "Count:");
     context.AddScrollBar(kBar, "Position:");
-    context.AddProgressBar(90);
+    context.AddProgressBar(kProgress);
+    context.AddButton(kButton, "Press");
+    context.AddCheckBox(kCheck, "Check");
+    context.AddRadioButtonGroup(kRadio, "First");
+    context.AddRadioButton(kSecondRadio, "Second");
+    context.AddSpanFull(gtk_notebook_new(), kTabs);
+    context.AddSpanFull(gtk_toggle_button_new(), kCool);
+    context.AddSpanFull(gtk_event_box_new(), kBox);
 }
 
 class WindowControls : public testing::Test {
 protected:
-    void SetUp() override { dialog.Show(GenerateAll); }
+    void SetUp() override {
+        dialog.Show(GenerateAll);
+        PumpPending();
+    }
+    // The commands since the last call; each must have been followed by EnableControls.
+    std::vector<int> Taken() {
+        EXPECT_EQ(dialog.enableCalls, static_cast<int>(dialog.commands.size()));
+        dialog.enableCalls = 0;
+        return std::exchange(dialog.commands, {});
+    }
+    bool Press(int id, guint button, GdkEventType type) {
+        return SendEvent(dialog.GetControlByID(id), type,
+                         [button](GdkEvent& event) { event.button.button = button; });
+    }
     RecordingDialog dialog;
 };
 
@@ -180,9 +205,111 @@ TEST_F(WindowControls, RangesKeepWithinTheirLimits) {
     dialog.SBSetRange(kBar, 10, 20, 5);
     dialog.SBSetPos(kBar, 99);
     EXPECT_EQ(dialog.SBGetPos(kBar), 20);
-    dialog.PBSetProgress(90, 7.0);
-    GtkWidget* bar = dialog.GetControlByID(90);
+    dialog.PBSetProgress(kProgress, 7.0);
+    GtkWidget* bar = dialog.GetControlByID(kProgress);
     EXPECT_EQ(gtk_progress_bar_get_fraction(GTK_PROGRESS_BAR(bar)), 1.0);
+}
+
+TEST_F(WindowControls, ButtonsAndCheckBoxes) {
+    gtk_button_clicked(ButtonOf(dialog, kButton));
+    EXPECT_THAT(Taken(), ElementsAre(kButton));
+    gtk_button_clicked(ButtonOf(dialog, kCheck));
+    EXPECT_THAT(Taken(), ElementsAre(kCheck));
+    EXPECT_TRUE(dialog.GetCheck(kCheck));
+    dialog.SetCheck(kCheck, true);  // no change, no command
+    EXPECT_THAT(Taken(), IsEmpty());
+    gtk_button_clicked(ButtonOf(dialog, kSecondRadio));  // both buttons of the pair change
+    EXPECT_THAT(Taken(), testing::UnorderedElementsAre(kRadio, kSecondRadio));
+    EXPECT_FALSE(dialog.GetCheck(kRadio));
+    // Registered under another command, the button answers to both numbers.
+    dialog.SetButtonCommandHandler(GTK_WIDGET(ButtonOf(dialog, kButton)), 77);
+    EXPECT_EQ(dialog.GetControlByID(77), dialog.GetControlByID(kButton));
+    gtk_button_clicked(ButtonOf(dialog, 77));
+    EXPECT_THAT(Taken(), ElementsAre(77));
+}
+
+TEST_F(WindowControls, EditChangesAndTheSizeLimit) {
+    dialog.HandleEditTextChange(kEdit, 1111);
+    dialog.SetEditText(kEdit, std::string(65537, 'x').c_str());
+    EXPECT_THAT(Taken(), ElementsAre(1111));  // no maximum command registered
+    dialog.HandleEditTextMax(kEdit, 2222);
+    dialog.SetEditText(kEdit, "");
+    Taken();
+    dialog.SetEditText(kEdit, std::string(65536, 'x').c_str());
+    EXPECT_THAT(Taken(), ElementsAre(1111));
+    dialog.EditTextInsert(kEdit, "x");
+    EXPECT_THAT(Taken(), ElementsAre(2222));
+}
+
+TEST_F(WindowControls, ListsTabsAndBars) {
+    dialog.PDLAddString(kList, "a");
+    dialog.HandlePDLSelChange(kList);
+    dialog.PDLSetCurSel(kList, 0);
+    EXPECT_THAT(Taken(), ElementsAre(kList));
+
+    dialog.HandleHSBChange(kBar);
+    dialog.SBSetRange(kBar, 0, 100, 10);
+    gboolean handled = FALSE;
+    g_signal_emit_by_name(dialog.GetControlByID(kBar), "change-value", GTK_SCROLL_JUMP, 41.6,
+                          &handled);
+    EXPECT_TRUE(handled);
+    EXPECT_EQ(dialog.SBGetPos(kBar), 42);  // set before the command goes out
+    EXPECT_THAT(Taken(), ElementsAre(kBar));
+
+    dialog.TABInit(kTabs);
+    dialog.TABInsertTab(kTabs, 0, "One");
+    dialog.TABInsertTab(kTabs, 1, "Two");
+    dialog.HandleTABSelChange(kTabs, 120);
+    dialog.TABSetCurSel(kTabs, 1);
+    EXPECT_THAT(Taken(), ElementsAre(120));
+    for (int layouts = 0; layouts < 2; ++layouts)
+        SendEvent(dialog.Widget(), GDK_CONFIGURE, [](GdkEvent&) {});
+    EXPECT_THAT(Taken(), ElementsAre(120));
+    char text[kTextBufferSize];
+    dialog.TABGetText(kTabs, 1, text);
+    EXPECT_STREQ(text, "Two");
+    EXPECT_GT(dialog.TABGetTabHeight(kTabs), 5);
+}
+
+TEST_F(WindowControls, ClicksByButtonAndCount) {
+    dialog.HandleClick(kBox);
+    dialog.HandleDoubleClick(kBox, 161);
+    dialog.HandleRightClick(kBox, 162);
+    EXPECT_TRUE(Press(kBox, 1, GDK_BUTTON_PRESS));
+    EXPECT_TRUE(Press(kBox, 1, GDK_2BUTTON_PRESS));
+    EXPECT_FALSE(Press(kBox, 2, GDK_BUTTON_PRESS));  // nothing stored for the middle button
+    EXPECT_TRUE(Press(kBox, 3, GDK_BUTTON_PRESS));
+    EXPECT_THAT(Taken(), ElementsAre(kBox, 161, 162));
+}
+
+TEST_F(WindowControls, CoolButtonsSendOnClicksOnly) {
+    dialog.CoolButtonInit(kCool, -1, "Read Aloud");
+    gtk_button_clicked(ButtonOf(dialog, kCool));
+    EXPECT_FALSE(dialog.IsCoolButtonDown(kCool));
+    EXPECT_THAT(Taken(), ElementsAre(kCool));
+    dialog.SetCoolButtonDown(kCool);
+    EXPECT_TRUE(dialog.IsCoolButtonDown(kCool));
+    gtk_button_clicked(ButtonOf(dialog, kCool));
+    EXPECT_TRUE(dialog.IsCoolButtonDown(kCool));
+    dialog.SetCoolButtonUp(kCool);
+    EXPECT_FALSE(dialog.IsCoolButtonDown(kCool));
+    EXPECT_THAT(Taken(), ElementsAre(kCool));
+}
+
+TEST_F(WindowControls, MessagesBetweenWindows) {
+    struct : LInterWinMessageHandler {
+        void EvInterWinMessage(int first, int second, int third) override {
+            got = {first, second, third};
+        }
+        std::vector<int> got;
+    } recorder;
+    recorder.HandleInterWinMessage(dialog.Widget(), 0);
+    PostInterWinMessage(dialog.Widget(), 4, 5, 6);  // dropped
+    SendInterWinMessage(dialog.Widget(), 1, -2, 3);
+    SendInterWinMessage(nullptr, 7, 8, 9);
+    EXPECT_TRUE(PumpUntil([&] { return !recorder.got.empty(); }));
+    PumpPending();
+    EXPECT_THAT(recorder.got, ElementsAre(1, -2, 3));
 }
 
 }  // namespace
