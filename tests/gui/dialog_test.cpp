@@ -115,8 +115,8 @@ TEST_F(DialogRun, AnInnerDialogLeavesTheParentAndItsFocusToTheOuterOne) {
     gtk_widget_grab_focus(entry);
     bool enabled = true;
     const auto runInner = [&] {
-        RecordingDialog inner;
-        Run(inner, {[&] { inner.DoOKButton(); }});
+        LDialog inner;
+        EXPECT_TRUE(Run(inner, {[&] { inner.DoOKButton(); }}));
         enabled = ParentEnabled();
     };
     EXPECT_TRUE(Run(dialog, {runInner, [&] { dialog.DoOKButton(); }}));

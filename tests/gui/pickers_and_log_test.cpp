@@ -55,6 +55,7 @@ TEST_F(DateTimePicker, ShowsAndReadsItsForms) {
     EXPECT_EQ(dialog.GetText(21), "00:00:00");
     dialog.SetText(21, "23:59:58");
     EXPECT_EQ(dialog.DTPGetTime(20).Seconds(), 86398);
+    EXPECT_EQ(dialog.DTPGetDateTime(20).UnixSeconds(), 86398);
     EXPECT_FALSE(gtk_widget_get_visible(dialog.GetControlByID(20)));  // no calendar for a time
 }
 
