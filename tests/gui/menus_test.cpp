@@ -140,6 +140,8 @@ TEST_F(Menus, ToolBarItemsSendAndChangeByCommand) {
     EXPECT_FALSE(gtk_widget_get_visible(window.GetToolItemFromID(32)));
     window.SetToolBarItemText(31, "M\xe4rk");
     EXPECT_STREQ(gtk_tool_button_get_label(GTK_TOOL_BUTTON(window.GetToolItemFromID(31))), "Märk");
+    EXPECT_GT(window.GetToolBarHeight(), 20);
+    EXPECT_TRUE(GTK_IS_MENU_BAR(LGtkChildren(ContentBox(window.Widget())).First())) << "above it";
     // In the place of a control: under its number, pictures alone.
     window._SetToolBar(window, kItems, 16, 5);
     ASSERT_TRUE(GTK_IS_TOOLBAR(window.GetControlByID(5)));

@@ -110,6 +110,8 @@ TEST_F(WindowControls, EntryTextIsCutAndTrimmed) {
     EXPECT_EQ(dialog.GetInt(kEntry), 0);
     dialog.SetText(kEntry, "4295011296");  // no wrapping into another number
     EXPECT_EQ(dialog.GetInt(kEntry), 2147483647);
+    dialog.SetTextEditable(kEntry, false);
+    EXPECT_FALSE(dialog.IsTextEditable(kEntry));
     dialog.SetPasswordText(kEntry, " secret ");
     EXPECT_FALSE(gtk_entry_get_visibility(GTK_ENTRY(dialog.GetControlByID(kEntry))));
     dialog.GetPasswordTextAndTrim(kEntry, trimmed);
