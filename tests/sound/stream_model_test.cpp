@@ -128,7 +128,8 @@ TEST(LevelTest, BufferRoutines) {
     const int stereo[] = {3200, 524272, -3200, -524272, 0, 0};
     EXPECT_EQ(GetBufferMeanSquareChan(0, stereo, 3, 2), 2 * 8192 / 3);
     EXPECT_EQ(GetBufferMeanSquareChan(0, stereo, 6, 1), GetBufferMeanSquare(stereo, 6, 1));
-    const LDBMC levels = GetBufferLevels(stereo, 2, 2);
+    LDBMC levels;
+    levels = GetBufferLevels(stereo, 2, 2);
     EXPECT_TRUE(levels.Channels() == 2 && levels[1] == LDB(15));
 
     const std::pair<int, int> meters[] = {{0, -127},        {8388626, 0},  {1, -69},

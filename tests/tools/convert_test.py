@@ -82,8 +82,9 @@ class ConvertTest(ProgramCase):
         for encoding, size in sizes.items():
             self.check(CONVERT, "-e", encoding, "in.wav", f"{encoding}.raw")
             self.assertEqual(len(self.load(f"{encoding}.raw")), size)
-        for encoding in ("pcm16be", "pcm8", "pcm8s", "ulaw", "alaw"):
-            self.check(CONVERT, "-e", encoding, "in.wav", f"{encoding}.au")
+        taken = "pcm16be.au pcm8.au pcm8s.au ulaw.au alaw.au pcm8.wav pcm16be.aiff"
+        for name in taken.split():
+            self.check(CONVERT, "-e", name.split(".")[0], "in.wav", name)
         refused = "alaw.wav adpcm.au pcm8.aiff pcm16.gsm pcm8.vox gsm.raw alaw.ul ulaw.al pcm16.mp3"
         for name in refused.split():
             encoding = name.split(".")[0]
