@@ -6,9 +6,12 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "formats/wave_file.h"
+#include "foundation/progress.h"
 #include "tests/support/eventually.h"
 #include "tests/support/scratch_folder.h"
 
@@ -48,6 +51,26 @@ void InFreshProcess(Checks checks) {
         },
         testing::ExitedWithCode(0), "");
 }
+
+// Gives up waiting for an engine once that is enough, or cancels as the user would.
+class ImpatientProgress : public LSilentProgress {
+public:
+    explicit ImpatientProgress(
+        std::function<bool()> isEnough = [] { return false; }, bool cancel = false)
+        : isEnough_(std::move(isEnough)), cancel_(cancel) {}
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) {
+        limit = milliseconds;
+        while (!signal.WaitSignal(10))
+            if (isEnough_())
+                return cancel_ ? kProcessStopped : kProcessFailed;
+        return kProcessDone;
+    }
+    std::optional<unsigned int> limit;
+
+private:
+    std::function<bool()> isEnough_;
+    bool cancel_;
+};
 
 // A folder of its own; PATH leads to its "bin" folder, and only there when `alone`.
 class FakeEngine : public ScratchFolder {

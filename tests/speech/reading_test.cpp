@@ -51,21 +51,9 @@ protected:
 
     const FakeEngine engine_;
     LSilentProgress progress_;
-};
-
-// Gives a hanging engine no 20 seconds.
-class NoPatienceWithHanging : public LSilentProgress {
-public:
-    explicit NoPatienceWithHanging(std::string sign) : sign_(std::move(sign)) {}
-    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int) {
-        while (!signal.WaitSignal(10))
-            if (std::filesystem::remove(sign_))
-                return kProcessFailed;
-        return kProcessDone;
-    }
-
-private:
-    std::string sign_;
+    const std::function<bool()> engineHangs_ = [this] {
+        return std::filesystem::remove(At("hanging"));
+    };
 };
 
 // Hears the pieces as they come.
@@ -99,7 +87,7 @@ TEST_F(NumbersReading, TroubleCostsTheUnitThatMakesItAndIsToldOnce) {
             const std::string text = Text(12, test.at, test.word);
             Listener listener;
             PieceRuns runs(text, 0, engine_.Path() + "/", use, listener);
-            NoPatienceWithHanging progress(At("hanging"));
+            ImpatientProgress progress(engineHangs_);
             EXPECT_EQ(Process(progress, runs), kProcessDone) << test.word;
             EXPECT_EQ(listener.heard, Numbers(12, test.at)) << test.word;
             EXPECT_THAT(LeftOutMessage(text, runs.LeftOut()), HasSubstr(test.told));
@@ -115,7 +103,7 @@ TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
         const std::string text = Text(60, Numbers(60), word);
         Listener listener;
         PieceRuns runs(text, 0, engine_.Path() + "/", ReadingUse::kListening, listener);
-        NoPatienceWithHanging progress(At("hanging"));
+        ImpatientProgress progress(engineHangs_);
         EXPECT_EQ(Process(progress, runs), kProcessFailed);
         EXPECT_EQ(runs.Outcome(), outcome);
         EXPECT_LT(CountLines(At("said")), 20U);

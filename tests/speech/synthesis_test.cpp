@@ -2,32 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "speech/run_files.h"
 #include "speech/tts_sound_source.h"
 #include "tests/speech/fake_engine.h"
 
 namespace {
-
-// Gives up once the engine is at work, or cancels as the user would; without a condition it waits
-// for the engine.
-class ImpatientProgress : public LSilentProgress {
-public:
-    explicit ImpatientProgress(std::function<bool()> isEnough = {}, bool cancel = false)
-        : isEnough_(std::move(isEnough)), cancel_(cancel) {}
-    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) {
-        EXPECT_EQ(milliseconds, 20000U);
-        if (!isEnough_)
-            return LSilentProgress::ProcessWaitSignal(signal, milliseconds);
-        EXPECT_TRUE(Eventually(isEnough_));
-        return cancel_ ? kProcessStopped : kProcessFailed;
-    }
-
-private:
-    std::function<bool()> isEnough_;
-    bool cancel_;
-};
 
 struct Request {
     Request(const std::string& text, const std::string& output) : text_(text), output_(output) {
@@ -36,6 +15,7 @@ struct Request {
     }
     SynthesisOutcome Run(ImpatientProgress progress = ImpatientProgress()) {
         const LProcessResult result = Process(progress, tts);
+        EXPECT_TRUE(progress.limit == 20000 || !progress.limit) << *progress.limit;
         EXPECT_EQ(result, tts.result);
         EXPECT_TRUE(tts.done.Ref().IsSignaled());
         return tts.outcome;
