@@ -39,6 +39,8 @@ TEST_F(DateTimePicker, ShowsAndReadsItsForms) {
         dialog.SetText(21, bad);
     EXPECT_THAT(Taken(), IsEmpty());
     EXPECT_EQ(dialog.DTPGetDateTime(20).UnixSeconds(), noon - 11 * 3600 - 5);
+    SendEvent(dialog.GetControlByID(21), GDK_FOCUS_CHANGE, [](GdkEvent&) {});
+    EXPECT_EQ(dialog.GetText(21), "2026-02-28 01:00:00") << "when the field is left";
     dialog.SetText(21, "2026-02-28 12:00:05");
     EXPECT_EQ(dialog.DTPGetDateTime(20).UnixSeconds(), noon);
     dialog.SetText(21, "");
