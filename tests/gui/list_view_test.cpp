@@ -146,8 +146,10 @@ TEST_F(ListView, ChecksImagesColorsAndNewColumnsKeepTheRows) {
     EXPECT_EQ(Cell(0, 0) + Cell(0, 2), "with imagethird");
     EXPECT_EQ(dialog.LVGetItemData(kId, 0), 3);
     EXPECT_EQ(Drawn(0) + "," + Drawn(1), "image ,color");
+    EXPECT_TRUE(dialog.LVIsRowColorSet(kId, 1));
     dialog.LVUnSetRowColor(kId, 1);
     EXPECT_EQ(Drawn(1), "");
+    EXPECT_FALSE(dialog.LVIsRowColorSet(kId, 1));
     EXPECT_FALSE(dialog.LVGetCheck(kId, 0));
     EXPECT_TRUE(dialog.LVGetCheck(kId, 1));
     dialog.LVSetColumnName(kId, 0, "First text");  // beside the checks
