@@ -170,7 +170,7 @@ TEST_F(WaveFile, AGrowingFileKeepsItsChannelsApart) {
     EXPECT_EQ(Next(source, 2), (std::vector<int>{80, 96, 0, 0}));
 }
 
-TEST_F(WaveFile, SizesBeyondTheFieldsAreLeftUnknown) {
+TEST_F(WaveFile, HeadersAreWholeAndLeaveSizesBeyondTheirFieldsUnknown) {
     // A sparse file stands in for 4 GiB of samples: the start frame puts the counter there.
     const std::tuple<int, std::uint32_t, std::uint32_t> cases[] = {
         {0x3FFFFFF5, 0xFFFFFFFA, 0xFFFFFFD4},
@@ -182,6 +182,8 @@ TEST_F(WaveFile, SizesBeyondTheFieldsAreLeftUnknown) {
         std::string header(46, '\0');
         std::ifstream(path, std::ios::binary).read(header.data(), 46);
         EXPECT_EQ(header.substr(4, 4), Bytes().LE32(riff).Str()) << frames;
+        EXPECT_EQ(header.substr(20, 16),
+                  Bytes().LE16(1).LE16(2).LE32(48000).LE32(192000).LE16(4).LE16(16).Str());
         EXPECT_EQ(header.substr(42, 4), Bytes().LE32(data).Str()) << frames;
     }
 }
