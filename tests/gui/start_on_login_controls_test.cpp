@@ -15,26 +15,24 @@ constexpr int kList = 102;
 TEST(StartOnLoginControls, ShowAndKeepTheChoice) {
     const ScratchFolder root;  // a machine without accounts
     const ScopedVariable rootVariable("LECTORA_ROOT", root.Path().c_str());
-    const auto generate = [](LDialogGenContext& context) {
+    RecordingDialog dialog;
+    dialog.Show([](LDialogGenContext& context) {
         context.AddCheckBox(kCheck, "Start");
         context.AddPullDownList(kList);
-    };
-    for (const StartOnLoginPage& page : {StartOnLoginPage{true, 1}, StartOnLoginPage{false, 0}}) {
-        RecordingDialog dialog;
-        dialog.Show(generate);
-        LAutoRunSettingsInit(dialog, kCheck, kList);
-        EXPECT_EQ(dialog.PDLGetItem(kList, 0), "Start when any user logs on.");
-        EXPECT_EQ(dialog.PDLGetItem(kList, 1), "Start when this user logs on only.");
-        dialog.SetCheck(kCheck, page.isOn);
-        dialog.PDLSetCurSel(kList, page.mode);
+    });
+    LAutoRunSettingsInit(dialog, kCheck, kList);
+    EXPECT_EQ(dialog.PDLGetItem(kList, 0), "Start when any user logs on.");
+    EXPECT_EQ(dialog.PDLGetItem(kList, 1), "Start when this user logs on only.");
+    for (const bool isOn : {true, false}) {
+        dialog.SetCheck(kCheck, isOn);
+        dialog.PDLSetCurSel(kList, isOn ? 1 : 0);
         EXPECT_TRUE(LAutoRunSettingsApply(dialog, kCheck, kList));
-        EXPECT_EQ(LAutoRun::IsRunUser(), page.isOn);
-
-        RecordingDialog next;
-        next.Show(generate);
-        LAutoRunSettingsInit(next, kCheck, kList);
-        EXPECT_EQ(next.GetCheck(kCheck), page.isOn);
-        EXPECT_EQ(next.PDLGetCurSel(kList), 1) << "switched off, the mode is left as it was";
+        EXPECT_EQ(LAutoRun::IsRunUser(), isOn);
+        dialog.SetCheck(kCheck, !isOn);
+        dialog.PDLSetCurSel(kList, 0);
+        LAutoRunSettingsInit(dialog, kCheck, kList);
+        EXPECT_EQ(dialog.GetCheck(kCheck), isOn);
+        EXPECT_EQ(dialog.PDLGetCurSel(kList), 1) << "switched off, the mode is left as it was";
     }
 }
 
