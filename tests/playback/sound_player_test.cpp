@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <numbers>
 #include <numeric>
 
@@ -305,8 +304,7 @@ TEST_F(PlayerTest, EndsInTroubleWithAReason) {
     } cases[] = {{"fault busy\n", PlayTrouble::kCannotOpen, true},
                  {"speed 8\nfault vanish 31900\n", PlayTrouble::kDeviceLost, false},
                  {"speed 8\nfault stall 20000\n", PlayTrouble::kDeviceLost, false},
-                 // Samples that no card understands.
-                 {nullptr, PlayTrouble::kCannotSetUp, false}};
+                 {"channels 0\n", PlayTrouble::kCannotSetUp, false}};
     int card = 0;
     PlayTrouble told = PlayTrouble::kNone;
     player_->SetTroubleHandler([&](PlayTrouble trouble) {
@@ -315,16 +313,7 @@ TEST_F(PlayerTest, EndsInTroubleWithAReason) {
         player_->Stop();
     });
     for (const auto& test : cases) {
-        if (test.card != nullptr) {
-            cards_.Insert(card, test.card);
-        } else {
-            const std::string path = testing::TempDir() + "/mulaw_card.conf";
-            std::ofstream(path)
-                << "pcm.!hw { @args [ CARD ] @args.CARD { type string default \"0\" }\n"
-                   " type mulaw slave { pcm { type null } format S16_LE } }\n";
-            ::setenv("ALSA_CONFIG_PATH", path.c_str(), 1);
-            snd_config_update_free_global();
-        }
+        cards_.Insert(card, test.card);
         listener_.log.clear();
         told = PlayTrouble::kNone;
         player_->SetDevice(LSoundPlayDevice(card++));
