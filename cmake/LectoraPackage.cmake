@@ -26,8 +26,10 @@ set(CPACK_DEBIAN_PACKAGE_DEPENDS "festival, festvox-kallpc16k | festival-voice, 
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "gnome-themes-extra, fonts-dejavu-core, libnotify4, xdg-utils, poppler-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "festival-voice, xterm")
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://quillon.example/")
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/share/package/postrm")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/share/package/preinst"
+    "${PROJECT_SOURCE_DIR}/share/package/postrm")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/LectoraPackageFolders.cmake")
 
 install(FILES "${PROJECT_SOURCE_DIR}/share/package/copyright" DESTINATION share/doc/lectora)
 install(FILES "${PROJECT_SOURCE_DIR}/share/package/lintian-overrides" DESTINATION share/lintian/overrides
