@@ -285,14 +285,15 @@ std::string RemovePlacedFiles(const LInstallList& list) {
 
 std::string InstallTree(const std::string& tree, const InstallProgress& progress) {
     LLockFile lock;
-    if (!LockMachine(lock))
-        return kBusy;
-    std::string trouble = Installer(tree, progress).Run();
+    std::string trouble = LockMachine(lock) ? Installer(tree, progress).Run() : kBusy;
     if (!trouble.empty()) {
         lock.Unlock();
         RemoveEmptyFolders();
         return trouble;
     }
+    // Every start makes these two, with the mask of whoever starts.
+    for (const char* folder : {"/opt/quillon", kHome})
+        ::chmod(MachinePath(folder).c_str(), 0755);
     char settings[kTextBufferSize];
     LFile::GetSharedDataFolderApp(settings);
     MakeFolder(settings);
@@ -306,6 +307,7 @@ void RemoveEmptyFolders() {
         return;
     for (const char* folder : {"/opt/quillon/lectora/etc", kHome, "/opt/quillon"})
         ::rmdir(MachinePath(folder).c_str());
+    RemoveUsersEmptyFolders();
 }
 
 bool IsInstalled() {
@@ -341,6 +343,7 @@ std::string RemoveInstallation(RemovalChoice choice) {
         if (path->ends_with('/'))
             ::rmdir(MachinePath(*path).c_str());  // refuses what others put something into
     }
+    RemoveEmptyFolders();
     RefreshDesktopDatabases();
     return std::string();
 }

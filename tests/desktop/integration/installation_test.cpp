@@ -58,7 +58,8 @@ protected:
             }
         }
         EXPECT_EQ(fs::read_symlink(root_ / "usr/bin/lectora"), "/opt/quillon/lectora/bin/lectora");
-        EXPECT_EQ(fs::status(root_ / kProgram).permissions(), fs::perms(0755));
+        for (const char* path : {kProgram, "opt/quillon/lectora", "opt/quillon"})
+            EXPECT_EQ(fs::status(root_ / path).permissions(), fs::perms(0755)) << path;
         EXPECT_EQ(fs::status(root_ / "opt/quillon/lectora/etc").permissions(), fs::perms(0777));
     }
 
@@ -71,7 +72,9 @@ protected:
 
 TEST_F(Installation, LeavesNothingBehindHoweverOftenItWasDone) {
     EXPECT_NE(RemoveInstallation({}), "") << "nothing is installed yet";
+    const mode_t mask = ::umask(077);
     EXPECT_EQ(InstallTree(tree_.Path()), "");
+    ::umask(mask);
     ExpectInstalled();
     const auto once = Everything();
     EXPECT_EQ(InstallTree(tree_.Path()), "");
@@ -173,6 +176,7 @@ TEST_F(Installation, TakesFromTheUsersWhatItPutThereAndTheirOwnDataOnlyWhenAsked
     fs::create_symlink(root_ / "elsewhere", root_ / "home/mal/.quillon");
     fs::create_symlink(root_ / "elsewhere", root_ / "home/eve/.quillon/lectora/link");
     root_.Write("home/ada/speech.wav", "RIFF");
+    root_.Write("home/eve/.quillon/lectora/Logs/day", "log");
     root_.Write("home/bea/.quillon/lectora/settings", "installed=1");
     const auto before = Everything();
     EXPECT_EQ(InstallTree(tree_.Path()), "");
