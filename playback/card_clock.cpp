@@ -9,6 +9,8 @@ using std::chrono::seconds;
 
 constexpr seconds kStandstill(5);
 constexpr duration<double> kPaceSpan(0.5);
+constexpr duration<double> kMostLeft(0.5);  // a latency; more is a server that does not play
+constexpr duration<double> kLeftMargin(0.2);
 constexpr double kDrySeconds = 0.02;  // how exactly the moment of running dry is known
 
 }  // namespace
@@ -59,6 +61,11 @@ int CardClock::MillisecondsUntil(std::int64_t frame) const {
 bool CardClock::HadRunDry(Time now) const {
     const duration<double> since = now - noted_;
     return pace_ == 0 || static_cast<double>(Unheard()) <= pace_ * (since.count() + kDrySeconds);
+}
+
+bool CardClock::IsLeftOver(Time now) const {
+    const duration<double> left(static_cast<double>(Unheard()) / rate_);
+    return Unheard() > 0 && left < kMostLeft && now - moved_ > left + kLeftMargin;
 }
 
 bool CardClock::StandsStill(Time now) const {

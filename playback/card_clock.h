@@ -27,6 +27,9 @@ public:
     // Of a card that stopped just now: whether it had played everything, going by its pace. Taken
     // for granted while that is unknown.
     bool HadRunDry(Time now) const;
+    // What a sound server says to be unheard when it has played everything: its own latency, which
+    // stays. Nothing has moved for longer than that much sound takes.
+    bool IsLeftOver(Time now) const;
     // Neither took nor played a frame for five seconds.
     bool StandsStill(Time now) const;
 

@@ -23,6 +23,7 @@ public:
 
     // Asks for about rate and channels; the card may grant others. 0 or a negative errno.
     int SetParameters(int rate, std::uint8_t channels);
+    bool IsCard() const { return isCard_; }  // else a sound server
     int Rate() const { return static_cast<int>(rate_); }
     std::uint8_t Channels() const { return static_cast<std::uint8_t>(channels_); }
 
@@ -32,14 +33,15 @@ public:
     // Until the card has room or an error to tell (true), stopFd is readable, or the time has
     // passed.
     bool WaitForRoom(int stopFd, int milliseconds);
-    // Frames written but not yet heard, or a negative errno: -EPIPE when the stream has stopped.
+    // Frames written but not yet heard, or a negative errno: -EPIPE when the stream has stopped,
+    // -EIO from the plug-in of a sound server that has not heard from its server yet.
     int Delay(snd_pcm_sframes_t& frames) { return snd_pcm_delay(pcm_, &frames); }
     int Prepare() { return snd_pcm_prepare(pcm_); }
     int Resume() { return snd_pcm_resume(pcm_); }
 
 private:
     snd_pcm_t* pcm_ = nullptr;
-    bool isCard_ = false;  // no sound server
+    bool isCard_ = false;
     unsigned int rate_ = 0;
     unsigned int channels_ = 0;
     std::vector<pollfd> polled_;  // the stop signal's entry first, then the card's

@@ -230,9 +230,9 @@ void PlayRun::ConvertBlock(int frames) {
 bool PlayRun::WriteBlock() {
     const std::ptrdiff_t from = std::ptrdiff_t{pendingFrom_} * pcm_.Channels();
     const snd_pcm_sframes_t written = pcm_.Write(pcmBlock_.data() + from, pendingFrames_);
-    isRefused_ = written == -EAGAIN;
-    if (isRefused_) {
-        hasRoom_ = false;
+    if (written == -EAGAIN) {
+        isRefused_ = isRoomTold_;
+        hasRoom_ = isRoomTold_ = false;
         return true;
     }
     if (written < 0)
@@ -242,6 +242,7 @@ bool PlayRun::WriteBlock() {
     pendingFrom_ += frames;
     pendingFrames_ -= frames;
     hasRoom_ = pendingFrames_ == 0;
+    isRoomTold_ = false;
     RaisePriorityOnce();
     return true;
 }
@@ -249,9 +250,15 @@ bool PlayRun::WriteBlock() {
 // Learns what is being heard, and tells when that is another block.
 bool PlayRun::FollowCard() {
     snd_pcm_sframes_t delay = 0;
-    if (const int error = pcm_.Delay(delay); error < 0)
+    const int error = pcm_.Delay(delay);
+    // A sound server that is lost fails to take sound, or stands still.
+    const bool isUnknown = error == -EIO && !pcm_.IsCard();
+    if (error < 0 && !isUnknown)
         return Recover(error);
-    clock_.NoteDelay(delay, Now());
+    if (error >= 0)
+        clock_.NoteDelay(delay, Now());
+    if (!pcm_.IsCard() && pendingFrames_ == 0 && clock_.IsLeftOver(Now()))
+        clock_.Empty(Now());
     if (clock_.Unheard() == 0 && pendingFrames_ == 0)
         clock_.Rest(Now());
     const BlockRecord* const record = ring_.Follow(clock_.Heard());
@@ -282,7 +289,7 @@ bool PlayRun::Wait(Supply supply) {
         if (!isTakenBack_)
             source_->WaitForStreamingData(kStreamingWaitMilliseconds);
     } else if (supply == Supply::kBlock && !isRefused_) {
-        hasRoom_ = pcm_.WaitForRoom(StopSignal().ReadFd(), milliseconds);
+        hasRoom_ = isRoomTold_ = pcm_.WaitForRoom(StopSignal().ReadFd(), milliseconds);
     } else {
         const int limit = isRefused_ ? kRefusedWaitMilliseconds : kDrainWaitMilliseconds;
         StopSignal().WaitSignal(static_cast<unsigned int>(std::min(milliseconds, limit)));

@@ -137,8 +137,9 @@ private:
     int blockFrames_ = 0;
     int pendingFrames_ = 0;  // of pcmBlock_, still to be handed over
     int pendingFrom_ = 0;
-    bool hasRoom_ = true;     // as far as is known
-    bool isRefused_ = false;  // the card has room but takes nothing
+    bool hasRoom_ = true;      // as far as is known
+    bool isRoomTold_ = false;  // by the card, not taken for granted
+    bool isRefused_ = false;   // the card tells of room but takes nothing
     bool isFirstBlock_ = true;
     int nextFrame_ = 0;  // of the owner's source: behind the last block
     std::int64_t toldFirst_ = -1;

@@ -38,7 +38,7 @@ class CardTroubleTest(DesktopCase):
 
     def test_the_sound_server_plays_when_the_card_cannot(self):
         server = desktop.Card(9)
-        server.tell("speed 1")
+        server.tell("server 45")
         self.addCleanup(os.unlink, os.path.join(server.folder, "settings"))
         for trouble, note in (
             (self.hold, "The sound card is in use by another program"),

@@ -69,6 +69,8 @@ void ParseLine(const std::string& text, CardSettings& settings) {
         settings.channels = ParseNumbers(line);
     } else if (word == "speed") {
         line >> settings.speed;
+    } else if (word == "server") {
+        line >> settings.serverMilliseconds;
     } else if (word == "element") {
         std::string rest;
         std::getline(line, rest);

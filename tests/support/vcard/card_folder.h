@@ -5,6 +5,9 @@
 //   rates 22050 48000        the rates granted; none means every rate from 4000 to 192000
 //   channels 2               the channel counts granted; none means 1 and 2
 //   speed 8                  how many times faster than a real card's its clock runs
+//   server 45                it is a sound server with that latency (milliseconds), as PulseAudio's
+//                            plug-in shows one: asked for its delay it fails until it plays, then
+//                            never says less than that; it never runs dry
 //   element Master 0 87      a mixer element with its lowest and highest raw volume
 //   fault busy               opening answers -EBUSY
 //   fault vanish 22050       after 22050 frames played the card is gone: -ENODEV, later opens too
@@ -43,6 +46,7 @@ struct CardSettings {
     std::vector<unsigned int> rates;
     std::vector<unsigned int> channels;
     double speed = 1.0;
+    int serverMilliseconds = 0;  // 0: a card
     std::vector<CardElement> elements;
     std::vector<CardFault> faults;
 

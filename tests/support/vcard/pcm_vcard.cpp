@@ -278,7 +278,11 @@ void VirtualPcm::PlayOn() {
     const auto clock = static_cast<std::uint64_t>(std::max(elapsed * FramesPerMicrosecond(), 0.0));
     played_ = std::clamp(clock, played_, received_);
     ApplyFaults();
-    if (io_.state == SND_PCM_STATE_RUNNING && clock >= received_)
+    if (io_.state != SND_PCM_STATE_RUNNING || clock < received_)
+        return;
+    if (folder_.Settings().serverMilliseconds > 0)
+        clockStart_ = StartFor(played_);
+    else
         StopClock(SND_PCM_STATE_XRUN, "underrun");
 }
 
@@ -321,6 +325,11 @@ int VirtualPcm::Resume() {
 int VirtualPcm::Delay(snd_pcm_sframes_t* delay) {
     PlayOn();
     *delay = static_cast<snd_pcm_sframes_t>(received_ - played_);
+    if (const int latency = folder_.Settings().serverMilliseconds; latency > 0) {
+        if (io_.state == SND_PCM_STATE_PREPARED)
+            return -EIO;
+        *delay = std::max(*delay, snd_pcm_sframes_t{latency} * io_.rate / 1000);
+    }
     switch (io_.state) {
         case SND_PCM_STATE_XRUN:
             return -EPIPE;
