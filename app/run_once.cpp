@@ -1,6 +1,8 @@
 #include "app/run_once.h"
 
+#include <fcntl.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -10,10 +12,10 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <thread>
 
 #include "foundation/file.h"
 #include "foundation/file_mask.h"
+#include "foundation/flock_timed.h"
 #include "foundation/machine_root.h"
 #include "foundation/text_buffer.h"
 
@@ -23,8 +25,7 @@ namespace {
 // memory.
 constexpr int kReceiveLimitMilliseconds = 1000;
 constexpr int kHandOverLimitSeconds = 5;
-constexpr int kHandOverAttempts = 4;
-constexpr std::chrono::milliseconds kHandOverPause{50};
+constexpr int kTurnLimitMilliseconds = 1000;
 constexpr std::int32_t kMaxArguments = 65536;
 constexpr std::int32_t kMaxArgumentBytes = 1 << 20;
 
@@ -38,6 +39,17 @@ sockaddr_un AddressOf(const std::string& path) {
 
 UniqueFd NewSocket(int flags) {
     return UniqueFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
+}
+
+// One start at a time looks at the path: otherwise one meets another's socket that is bound and
+// does not listen yet, or takes away what another has just put in the place of a dead one. The turn
+// is the lock of the folder, and ends with the descriptor.
+UniqueFd TakeTurn(const std::string& path) {
+    const std::string folder = path.substr(0, path.rfind('/') + 1);
+    UniqueFd turn(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (turn.IsOpen())
+        LockInTurn(turn.Get(), LOCK_EX | LOCK_NB, kTurnLimitMilliseconds);
+    return turn;
 }
 
 // The socket's mode lets everybody connect; the text box is not everybody's.
@@ -128,6 +140,7 @@ RunOnceSocket::~RunOnceSocket() {
 
 void RunOnceSocket::Close() {
     listening_.Reset();
+    const UniqueFd turn = TakeTurn(path_);
     struct stat now {};
     if (bound_.st_ino != 0 && ::stat(path_.c_str(), &now) == 0 && now.st_dev == bound_.st_dev &&
         now.st_ino == bound_.st_ino)
@@ -145,37 +158,35 @@ bool RunOnceSocket::Bind() {
 }
 
 // kServer: nobody listens on the path.
-RunOnceSocket::Claim RunOnceSocket::HandOver(const std::vector<std::string>& arguments) const {
-    const UniqueFd client = NewSocket(0);
+RunOnceSocket::Claim RunOnceSocket::Connect(UniqueFd& client) const {
+    client = NewSocket(0);
     const timeval limit{kHandOverLimitSeconds, 0};
     ::setsockopt(client.Get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
     const sockaddr_un address = AddressOf(path_);
-    if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        return errno == EAGAIN ? Claim::kBusy : Claim::kServer;
-    SendArguments(client.Get(), arguments);
-    return Claim::kHandedOver;
+    if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+        return Claim::kHandedOver;
+    return errno == EAGAIN ? Claim::kBusy : Claim::kServer;
 }
 
 RunOnceSocket::Claim RunOnceSocket::ClaimPath(const std::string& path,
                                               const std::vector<std::string>& arguments) {
     path_ = AddressOf(path).sun_path;
+    UniqueFd turn = TakeTurn(path_);
     if (Bind())
         return Claim::kServer;
-    // An instance that started in the same moment may have bound but not listen yet.
-    for (int attempt = 0; attempt < kHandOverAttempts; ++attempt) {
-        if (attempt > 0)
-            std::this_thread::sleep_for(kHandOverPause);
-        const Claim claim = HandOver(arguments);
-        if (claim != Claim::kServer) {
+    listening_.Reset();
+    UniqueFd client;
+    const Claim claim = Connect(client);
+    if (claim == Claim::kServer) {
+        // Left by a crash. A second failure only means that this instance receives no hand-overs.
+        ::unlink(path_.c_str());
+        if (!Bind())
             listening_.Reset();
-            return claim;
-        }
     }
-    // Left by a crash. A second failure only means that this instance receives no hand-overs.
-    ::unlink(path_.c_str());
-    if (!Bind())
-        listening_.Reset();
-    return Claim::kServer;
+    turn.Reset();
+    if (claim == Claim::kHandedOver)
+        SendArguments(client.Get(), arguments);
+    return claim;
 }
 
 bool RunOnceSocket::Receive(std::vector<std::string>& arguments) const {

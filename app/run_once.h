@@ -35,7 +35,7 @@ public:
     static std::string DefaultPath();  // ".Lectora.runonce" in the home folder
 
 private:
-    Claim HandOver(const std::vector<std::string>& arguments) const;
+    Claim Connect(UniqueFd& client) const;
     bool Bind();
 
     UniqueFd listening_;

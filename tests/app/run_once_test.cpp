@@ -5,8 +5,10 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "foundation/text_buffer.h"
 #include "tests/support/scratch_folder.h"
@@ -18,12 +20,14 @@ using testing::IsEmpty;
 
 class RunOnceTest : public testing::Test {
 protected:
+    RunOnceTest() {
+        address_.sun_family = AF_UNIX;
+        CopyText(address_.sun_path, path_);
+    }
+    const sockaddr* Address() const { return reinterpret_cast<const sockaddr*>(&address_); }
     UniqueFd Connect() const {
         UniqueFd fd(::socket(AF_UNIX, SOCK_STREAM, 0));
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        CopyText(address.sun_path, path_);
-        EXPECT_EQ(0, ::connect(fd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address));
+        EXPECT_EQ(0, ::connect(fd.Get(), Address(), sizeof address_));
         return fd;
     }
     // Sends raw words and bytes as a client would and closes, unless it is told to stay.
@@ -44,6 +48,7 @@ protected:
 
     ScratchFolder folder_;
     std::string path_ = folder_ / "socket";
+    sockaddr_un address_{};
     RunOnceSocket server_;
 };
 
@@ -72,6 +77,27 @@ TEST_F(RunOnceTest, PathLeftByACrashIsTakenOverAndRemovedAtTheEnd) {
         EXPECT_TRUE(std::filesystem::exists(path_));
     }
     EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
+TEST_F(RunOnceTest, OfStartsInTheSameInstantOneIsTheInstance) {
+    std::vector<RunOnceSocket> starts(4);  // as many as fit into the queue that nobody serves here
+    std::atomic<int> instances{0};
+    for (int round = 0; round < 50; ++round) {
+        // What a crash left: bound, and nobody listens.
+        UniqueFd dead(::socket(AF_UNIX, SOCK_STREAM, 0));
+        ASSERT_EQ(0, ::bind(dead.Get(), Address(), sizeof(sockaddr_un)));
+        dead.Reset();
+        std::vector<std::thread> threads;
+        for (RunOnceSocket& start : starts)
+            threads.emplace_back([&] {
+                instances += start.ClaimPath(path_, {"x"}) == RunOnceSocket::Claim::kServer ? 1 : 0;
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        ASSERT_EQ(round + 1, instances);
+        for (RunOnceSocket& start : starts)
+            start.Close();
+    }
 }
 
 TEST_F(RunOnceTest, BrokenMessagesNeitherCrashNorHang) {
