@@ -5,10 +5,30 @@
 #include <string>
 
 #include "foundation/machine_root.h"
+#include "foundation/owned_text.h"
+
+namespace {
+
+// Told what it is: to have its kind guessed costs more than the icon, and a start loads a score.
+GObjectRef<GdkPixbuf> LoadPng(const std::string& path) {
+    char* bytes = nullptr;
+    gsize size = 0;
+    if (!g_file_get_contents(path.c_str(), &bytes, &size, nullptr))
+        return {};
+    const OwnedText owner(bytes);
+    const auto loader =
+        GObjectRef<GdkPixbufLoader>::Adopt(gdk_pixbuf_loader_new_with_type("png", nullptr));
+    const bool isWritten = gdk_pixbuf_loader_write(
+        loader.Get(), reinterpret_cast<const guchar*>(bytes), size, nullptr);
+    if (!gdk_pixbuf_loader_close(loader.Get(), nullptr) || !isWritten)
+        return {};
+    return GObjectRef<GdkPixbuf>::Share(gdk_pixbuf_loader_get_pixbuf(loader.Get()));
+}
+
+}  // namespace
 
 GObjectRef<GdkPixbuf> LoadIcon(int number) {
-    return GObjectRef<GdkPixbuf>::Adopt(
-        gdk_pixbuf_new_from_file(IconPath(number).c_str(), nullptr));
+    return LoadPng(IconPath(number));
 }
 
 GObjectRef<GdkPixbuf> LoadIconAt(int number, int pixels) {
@@ -16,10 +36,10 @@ GObjectRef<GdkPixbuf> LoadIconAt(int number, int pixels) {
     const std::string size = std::to_string(pixels);
     const std::size_t name = whole.rfind('/') + 1;
     const std::string drawn = whole.substr(0, name) + size + "x" + size + "/" + whole.substr(name);
+    if (auto icon = LoadPng(drawn))
+        return icon;
     return GObjectRef<GdkPixbuf>::Adopt(
-        g_file_test(drawn.c_str(), G_FILE_TEST_EXISTS)
-            ? gdk_pixbuf_new_from_file(drawn.c_str(), nullptr)
-            : gdk_pixbuf_new_from_file_at_size(whole.c_str(), pixels, pixels, nullptr));
+        gdk_pixbuf_new_from_file_at_size(whole.c_str(), pixels, pixels, nullptr));
 }
 
 void SetWindowIcon(GtkWindow* window, int number) {
