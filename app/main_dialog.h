@@ -123,6 +123,7 @@ private:
     void KeepFocus();
     bool IsMinimised() const;
     void BringBackWithoutTray();
+    static gboolean GCFirstDrawing(GtkWidget* widget, GdkEventExpose* event, gpointer self);
     static gboolean GCFocusOut(GtkWidget* widget, GdkEventFocus* event, gpointer self);
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();
