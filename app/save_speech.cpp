@@ -48,7 +48,7 @@ bool MayReplace(GtkWidget* parent, const std::string& path) {
 bool ChooseTarget(GtkWidget* parent, Target& target) {
     static constexpr char kWavFilter[] = "Wav Files\0*.wav;*.WAV\0";
     static constexpr char kMp3Filter[] = "Mp3 Files\0*.mp3;*.MP3\0";
-    target.askFormat = kSaveByDefaultSetting.Get().starts_with('0');
+    target.askFormat = kSaveByDefaultSetting.Get() == "0";
     const bool mp3ByDefault = !target.askFormat && kSaveFormatSetting.Get() == "0";
     char path[kTextBufferSize] = "";
     char folder[kTextBufferSize];
