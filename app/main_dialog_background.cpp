@@ -67,9 +67,11 @@ void MainDialog::CmClose() {
     LMainWindow::CmClose();
     if (!kFirstExitDoneSetting.Get()) {
         kFirstExitDoneSetting.Set(true);
-        BubbleTipRun(kTextBox, "Lectora goes on",
-                     "Your hotkeys keep working. The icon in the notification area opens the "
-                     "window again, and its menu ends Lectora.");
+        static constexpr char kText[] =
+            "Your hotkeys keep working. The icon in the notification area opens the window again, "
+            "and its menu ends Lectora.";
+        if (!BubbleTipRun(kTextBox, "Lectora goes on", kText))
+            tray_.NotifyTray(kText);
     }
 }
 

@@ -4,16 +4,29 @@
 #include <X11/Xlib.h>
 #include <gdk/gdkx.h>
 
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+#include "app/settings_keys.h"
 #include "gui/icons.h"
 
 namespace {
 
 constexpr long kRequestDock = 0;
-constexpr int kIconSize = 24;  // pixels
+constexpr long kBeginMessage = 1;
+constexpr long kMessageShown = 15;           // seconds to the trays that show messages
+constexpr std::size_t kMessagePiece = 20;    // bytes, all that an event holds
+constexpr int kHighestMessageNumber = 1000;  // stored; then they begin anew
+constexpr int kIconSize = 24;                // pixels
 
 Atom AtomOf(Display* display, const char* name) {
     return XInternAtom(display, name, False);
 }
+
+struct DisplayClose {
+    void operator()(Display* display) const { XCloseDisplay(display); }
+};
 
 std::string TraySelection(Display* display) {
     return "_NET_SYSTEM_TRAY_S" + std::to_string(DefaultScreen(display));
@@ -47,9 +60,28 @@ void SendTrayEvent(Display* display, Window trayOwner, Window iconWindow, long o
     gdk_error_trap_pop();
 }
 
+void SendMessagePiece(Display* display, Window trayOwner, Window iconWindow,
+                      std::string_view piece) {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = iconWindow;
+    event.xclient.message_type = AtomOf(display, "_NET_SYSTEM_TRAY_MESSAGE_DATA");
+    event.xclient.format = 8;
+    std::copy(piece.begin(), piece.end(), event.xclient.data.b);
+    gdk_error_trap_push();
+    XSendEvent(display, trayOwner, False, StructureNotifyMask, &event);
+    XSync(display, False);
+    gdk_error_trap_pop();
+}
+
 }  // namespace
 
 void TrayIcon::Add(int imageNumber, const char* tooltip) {
+    const int stored = kTrayMessageSetting.Get();
+    const int last = stored > kHighestMessageNumber ? 0 : stored;
+    if (last != stored)
+        kTrayMessageSetting.Set(last);
+    message_ = last + 1;
     imageNumber_ = imageNumber;
     tooltip_ = tooltip;
     CreatePlug();
@@ -88,6 +120,25 @@ void TrayIcon::DockToSysTray() {
     const Window tray = TrayOwner(display);
     if (tray != None)
         SendTrayEvent(display, tray, icon, kRequestDock, static_cast<long>(icon), 0, 0);
+}
+
+// On a connection of its own, so that the waits between the pieces fetch no events of the window's.
+void TrayIcon::NotifyTray(const char* text) {
+    kTrayMessageSetting.Set(message_++);
+    GdkWindow* window = plug_ != nullptr ? gtk_widget_get_window(plug_) : nullptr;
+    if (window == nullptr)
+        return;
+    const std::unique_ptr<Display, DisplayClose> display(
+        XOpenDisplay(DisplayString(GDK_WINDOW_XDISPLAY(window))));
+    const Window tray = display ? TrayOwner(display.get()) : None;
+    if (tray == None)
+        return;
+    const Window icon = GDK_WINDOW_XID(window);
+    std::string_view rest = text;
+    SendTrayEvent(display.get(), tray, icon, kBeginMessage, kMessageShown,
+                  static_cast<long>(rest.size()), message_);
+    for (; !rest.empty(); rest.remove_prefix(std::min(kMessagePiece, rest.size())))
+        SendMessagePiece(display.get(), tray, icon, rest.substr(0, kMessagePiece));
 }
 
 // A tray that starts tells the root window so.

@@ -20,6 +20,8 @@ public:
     void Add(int imageNumber, const char* tooltip);  // needs a display; once
     void Remove();
     bool IsDocked() const;  // whether a tray shows it now
+    // A short message at the icon, in a tray that shows such; UTF-8. Nothing tells whether it does.
+    void NotifyTray(const char* text);
 
 private:
     void CreatePlug();
@@ -32,6 +34,7 @@ private:
     std::function<void(int)> pressed_;
     std::string tooltip_;
     int imageNumber_ = 0;
+    int message_ = 1;            // number of the next message
     GtkWidget* plug_ = nullptr;  // own top-level; gone when its tray ends
     GdkWindow* root_ = nullptr;  // the display's; watched while not null
 };

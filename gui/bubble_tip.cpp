@@ -119,10 +119,12 @@ struct LBubbleTipCallbacks {
     }
 };
 
-void LBubbleTip::Show(GtkWidget* control, const char* title, const char* text) {
+bool LBubbleTip::Show(GtkWidget* control, const char* title, const char* text) {
     Hide();
-    if (!ShowNotification(title, text))
+    const bool isNotification = ShowNotification(title, text);
+    if (!isNotification)
         ShowPopUp(control, title, text);
+    return isNotification;
 }
 
 bool LBubbleTip::ShowNotification(const char* title, const char* text) {

@@ -15,8 +15,9 @@ public:
     ~LBubbleTip() { Hide(); }
 
     // Replaces the tip that is shown. Texts are plain and copied; the control may be any shown
-    // widget, or null for none. The tip ends by itself after some seconds. GUI thread.
-    void Show(GtkWidget* control, const char* title, const char* text);
+    // widget, or null for none. The tip ends by itself after some seconds. True: as a desktop
+    // notification. GUI thread.
+    bool Show(GtkWidget* control, const char* title, const char* text);
     void Hide();
     bool IsShown() const { return notification_ || popUp_ != nullptr; }
 

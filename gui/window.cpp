@@ -135,9 +135,9 @@ void LWindow::SetControlInvalid(int id, const char* message, const char* title) 
     BubbleTipRun(id, title, message);
 }
 
-void LWindow::BubbleTipRun(int id, const char* title, const char* text) {
-    if (GtkWidget* control = GetControlByID(id))
-        bubbleTip_.Show(control, title, text);
+bool LWindow::BubbleTipRun(int id, const char* title, const char* text) {
+    GtkWidget* control = GetControlByID(id);
+    return control != nullptr && bubbleTip_.Show(control, title, text);
 }
 
 void LWindow::BubbleTipHide() {

@@ -84,8 +84,9 @@ public:
     // Tells the user what is wrong with a control and gives it the focus.
     void SetControlInvalid(int id, const char* message, const char* title);
 
-    // A short message at a control; a window has one at a time.
-    void BubbleTipRun(int id, const char* title, const char* text);
+    // A short message at a control; a window has one at a time. True: the desktop's notifications
+    // show it.
+    bool BubbleTipRun(int id, const char* title, const char* text);
     void BubbleTipShow(int id, const char* title, const char* text) {
         BubbleTipRun(id, title, text);
     }
