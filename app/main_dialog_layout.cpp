@@ -53,7 +53,8 @@ void MainDialog::CmShowCommandBar() {
 // that, it ends above the row; where even the whole width is too little, the voices get a row of
 // their own.
 void MainDialog::LayoutControls(int width, int height) {
-    ShowToolBar(height >= kLowestWithToolBar);
+    const bool isLow = height < kLowestWithToolBar;
+    ShowToolBar(!isLow);
     int left = 0;
     int top = 0;
     LayoutBase(left, top, width, height);
@@ -70,7 +71,12 @@ void MainDialog::LayoutControls(int width, int height) {
         oneRow ? std::max(kRowHeight, 2 + labelHeight + listHeight + 6) : kRowHeight;
     const int bottomRow = top + height - rowHeight;
     const int rowEnd = bottomRow + rowHeight - 6;
-    const int contentEnd = oneRow ? bottomRow : bottomRow - listHeight - 4;
+    // Where the label does not fit beside the list, it stands above it, or nowhere.
+    const bool isLabelBeside = labelWidth <= width / 2;
+    const bool hasLabel = oneRow || isLabelBeside || !isLow;
+    const int labelRow = oneRow || isLabelBeside || isLow ? 0 : labelHeight;
+    const int listTop = oneRow ? rowEnd - listHeight : bottomRow - listHeight - 4;
+    const int contentEnd = oneRow ? bottomRow : listTop - labelRow;
 
     const bool hasFind = find_.IsOpen();
     const int findHeight = hasFind ? NaturalSize(GetControlByID(kFindBar)).height + kFindGap : 0;
@@ -86,18 +92,19 @@ void MainDialog::LayoutControls(int width, int height) {
         MoveControl(kFindBar, textLeft, contentEnd - 6 - findHeight + kFindGap,
                     width - textLeft - 4, findHeight - kFindGap);
 
+    ShowControl(kVoiceLabel, hasLabel);
     const int voiceLeft = left + kGap + (barBeside ? barWidth : 0);
     if (oneRow) {
         const int free = width - 324 - (barBeside ? barWidth : 0);
         const int voiceWidth =
             std::clamp(free, std::max(kVoiceWidth, labelWidth), std::max(kWidestVoice, labelWidth));
-        const int listTop = rowEnd - listHeight;
         MoveControl(kVoiceLabel, voiceLeft, bottomRow + 2, voiceWidth, listTop - bottomRow - 2);
         MoveControl(kVoiceList, voiceLeft, listTop, voiceWidth, listHeight);
     } else {
-        const int listLeft = voiceLeft + std::min(labelWidth, width / 2);
-        MoveControl(kVoiceLabel, voiceLeft, contentEnd, listLeft - voiceLeft, listHeight);
-        MoveControl(kVoiceList, listLeft, contentEnd, width - listLeft - 4, listHeight);
+        const int listLeft = voiceLeft + (isLabelBeside ? labelWidth : 0);
+        MoveControl(kVoiceLabel, voiceLeft, contentEnd, labelWidth,
+                    isLabelBeside ? listHeight : labelHeight);
+        MoveControl(kVoiceList, listLeft, listTop, width - listLeft - 4, listHeight);
     }
     const int buttonWidth = std::min(kButtonWidth, width / 2 - 6);
     const int buttonTop = rowEnd - kButtonHeight;

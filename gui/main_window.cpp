@@ -31,6 +31,7 @@ void LMainWindow::Run(const char* title, const char* const* arguments, int count
     }
     CreateMainWindow(title);
     InitDialog();
+    SetMinimumSize();
     Layout();
     EvRunArguments(arguments, count);
     if (IsOpen()) {
@@ -55,14 +56,18 @@ void LMainWindow::CreateMainWindow(const char* title) {
     gtk_box_pack_end(GTK_BOX(box), CreateStatusBar(), FALSE, FALSE, 0);
     gtk_container_add(GTK_CONTAINER(window), box);
 
-    // An explicit minimum also lets the window shrink below what the fixed container asks for.
-    GdkGeometry geometry{};
-    geometry.min_width = kMinimumWidth;
-    geometry.min_height = kMinimumHeight;
     gtk_window_set_resizable(GTK_WINDOW(window), TRUE);
-    gtk_window_set_geometry_hints(GTK_WINDOW(window), window, &geometry, GDK_HINT_MIN_SIZE);
     ApplyPlacement();
     SetAppIcon(kAppIconNumber);
+}
+
+// An explicit minimum also lets the window shrink below what the fixed container asks for. With
+// large letters the menu bar needs more.
+void LMainWindow::SetMinimumSize() {
+    GdkGeometry geometry{};
+    geometry.min_width = std::max(kMinimumWidth, GetMenuBarWidth());
+    geometry.min_height = kMinimumHeight;
+    gtk_window_set_geometry_hints(GTK_WINDOW(Widget()), Widget(), &geometry, GDK_HINT_MIN_SIZE);
 }
 
 void LMainWindow::ApplyPlacement() {

@@ -49,6 +49,7 @@ private:
     friend struct LMainWindowCallbacks;
     GtkWidget* PlacedControl(int id) const;  // child of the container, or null
     void ApplyPlacement();
+    void SetMinimumSize();
 
     GtkWidget* fixed_ = nullptr;  // owned by the window
     int width_ = 0;

@@ -163,11 +163,10 @@ bool LMenuControls::CheckMenuAccelerators(LKeyCode key) {
     return true;
 }
 
-int LMenuControls::GetMenuBarHeight() const {
+GtkRequisition LMenuControls::MenuBarSize() const {
+    GtkRequisition size{};
     GtkWidget* bar = MenuBar();
-    if (bar == nullptr || !gtk_widget_get_visible(bar))
-        return 0;
-    GtkRequisition size;
-    gtk_widget_size_request(bar, &size);
-    return size.height;
+    if (bar != nullptr && gtk_widget_get_visible(bar))
+        gtk_widget_size_request(bar, &size);
+    return size;
 }

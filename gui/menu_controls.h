@@ -30,12 +30,14 @@ public:
     void HandleInitMenu(int command);
     // Runs the command of the sensitive item whose accelerator the key is; false for none.
     bool CheckMenuAccelerators(LKeyCode key);
-    int GetMenuBarHeight() const;  // pixels; 0 without a menu bar
+    int GetMenuBarHeight() const { return MenuBarSize().height; }  // pixels; 0 without a menu bar
+    int GetMenuBarWidth() const { return MenuBarSize().width; }    // that shows all its titles
 
 protected:
     void ForgetMenus() { menuKeys_.clear(); }
 
 private:
+    GtkRequisition MenuBarSize() const;
     friend class LMenuContainer;
     friend void LMenuAdd(class LWindow& window, GtkWidget* menu, LMenuItems items,
                          std::size_t& index, LKeyMap keys);
