@@ -85,7 +85,8 @@ void LPlayDlgModeless::GCActiveChanged(GObject*, GParamSpec*, gpointer host) {
         player.listener_.EvPlayerLeft();
 }
 
-// To the right of the neighbour, to its left, below, above, or else in the corner that hides least.
+// To the right of the neighbour, to its left, below, above, where the neighbour can move over, or
+// else in the corner that hides least.
 void LPlayDlgModeless::PlaceBeside() {
     GtkWidget* content = gtk_bin_get_child(GTK_BIN(Widget()));
     gtk_widget_show_all(content);
@@ -108,6 +109,11 @@ void LPlayDlgModeless::PlaceBeside() {
         place = {std::clamp(beside.x, monitor.x, place.x), beside.y + beside.height};
     else if (beside.y - height >= monitor.y)
         place = {std::clamp(beside.x, monitor.x, place.x), beside.y - height};
+    else if (beside.width <= right - monitor.x) {
+        // Once: it then stays where both have room, and its text and buttons in sight.
+        gtk_window_move(GTK_WINDOW(neighbour_), right - beside.width, beside.y);
+        place.y = std::clamp(beside.y, monitor.y, place.y);
+    }
     gtk_window_move(GTK_WINDOW(Widget()), place.x, place.y);
 }
 

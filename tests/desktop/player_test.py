@@ -43,6 +43,9 @@ class PlayerTest(DesktopCase):
         self.assertTrue(self.has_state(lectora, "Play (F9)", pyatspi.STATE_FOCUSED))
         desktop.wait_until(lectora.highlighted, "the highlight")
         self.picture("player")
+        # The main window has moved over for it: neither lies on the other.
+        own = lectora.place(lectora.find("frame", "Lectora"))
+        self.assertLessEqual(own.x + own.width, lectora.place(lectora.find("dialog", "Lectora Player")).x)
         desktop.press_keys("ctrl+Right")
         stream = self.card.next_stream()
         desktop.wait_until(lambda: lectora.highlighted().strip() == SENTENCES[1], "the sentence")
