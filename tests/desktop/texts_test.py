@@ -43,7 +43,7 @@ class TextsTest(DesktopCase):
         lectora.focus()
         desktop.press_keys("ctrl+a", "ctrl+c")
         for selection in ("primary", "clipboard"):
-            self.assertTrue(self.selection(selection) == text, selection)
+            desktop.wait_until(lambda: self.selection(selection) == text, "the " + selection)
         for place in ("ctrl+Home", "ctrl+End"):
             desktop.press_keys(place)
             caret = lectora.text_box().queryText().caretOffset

@@ -324,10 +324,13 @@ class Lectora:
     def choose(self, *names):
         """Goes through the menu bar with the pointer."""
         for name in names[:-1]:
-            self.press("menu", name)
-        for role in ("menu item", "check menu item"):
-            for item in self.walk(role, names[-1]):
-                return self.click(item)
+            self.click(wait_until(lambda: self.shown("menu", name), f"the menu '{name}'"))
+        self.click(
+            wait_until(
+                lambda: self.shown("menu item", names[-1]) or self.shown("check menu item", names[-1]),
+                f"the item '{names[-1]}'",
+            )
+        )
 
     def tray_icon(self):
         """Its X window, in the tray."""
