@@ -3,9 +3,11 @@
 #include <climits>
 #include <tuple>
 
+#include "foundation/dat_file.h"
 #include "sound/level.h"
 #include "sound/sound_time.h"
 #include "tests/support/memory_sound.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/support/signals.h"
 
 namespace {
@@ -113,6 +115,20 @@ TEST(LevelTest, DecibelsTextsAndTables) {
         EXPECT_EQ(LDB::tab.Amplitude(LDB(level)), amplitude);
     EXPECT_EQ(LDB::tab.Power(LDB(0)), 16777216);
     EXPECT_EQ(LDB::tab.Power(LDB(-127)), 0);
+}
+
+TEST(LevelTest, LevelsAndTimesAreKeptInDataFiles) {
+    const ScratchFolder folder;
+    LDatFile file((folder / "f").c_str());
+    file.SetDB("S", "low", LDB(-126));
+    file.SetDB("S", "silent", LDB(LDB::kSilence));
+    file.SetSoundTime("S", "at", LSoundTime(90500));
+    file.Flush();
+    EXPECT_EQ(folder.Read("f"), "[S]\r\nlow=-126dB\r\nsilent=--dB\r\nat=0:01:30.500\r\n\r\n");
+    EXPECT_EQ(file.GetDB("S", "low", LDB(1)), LDB(-126));
+    EXPECT_EQ(file.GetDB("S", "silent", LDB(1)), LDB(LDB::kSilence));
+    EXPECT_EQ(file.GetDB("S", "absent", LDB(1)), LDB(1));
+    EXPECT_EQ(file.GetSoundTime("S", "at", LSoundTime(1)).Milliseconds(), 90500);
 }
 
 TEST(LevelTest, BufferRoutines) {
