@@ -1,10 +1,11 @@
 #include "app/save_speech.h"
 
 #include <strings.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
-#include <optional>
+#include <cstring>
 #include <string>
 
 #include "app/settings_keys.h"
@@ -36,8 +37,10 @@ bool HasExtension(const std::string& path, const char* extension) {
     return strcasecmp(found, extension) == 0;
 }
 
+// A folder is not asked about: it cannot be replaced, which is told later.
 bool MayReplace(GtkWidget* parent, const std::string& path) {
-    if (::access(path.c_str(), F_OK) != 0)
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0 || S_ISDIR(info.st_mode))
         return true;
     const std::string question = "The file " + path + " exists. Do you want to replace it?";
     return MessageBoxRun(parent, GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, "Lectora",
@@ -79,6 +82,11 @@ void ShowSaveError(GtkWidget* parent, const std::string& detail) {
     ShowError(parent, "Save Error", "Cannot save the file. Please try again.", detail);
 }
 
+// Of a problem that is a message of the system, or goes on from the name.
+std::string SentenceOf(const std::string& path, const std::string& problem) {
+    return path + (g_ascii_islower(problem[0]) ? " " : ": ") + problem + ".";
+}
+
 std::string TooLong(std::size_t bytes) {
     return "The speech of this text is longer than a sound file can hold. Please save it in parts "
            "of at most " +
@@ -102,8 +110,13 @@ bool OpenWave(GtkWidget* parent, const Target& target, const std::string& path, 
 bool FetchEncoder(GtkWidget* parent) {
     LProcessGetComponentPath request;
     request.name = "mp3el";
-    if (FindComponent(request.name, request.path))
-        return true;
+    if (FindComponent(request.name, request.path)) {
+        if (::access(request.path, X_OK) == 0)
+            return true;
+        // Left by an installer that was killed: as long as the folder stands, nothing is fetched.
+        LFile::DeleteFolderAndFiles(
+            std::string(request.path, std::strrchr(request.path, '/')).c_str());
+    }
     LProcessDialog<LProcessGetComponentPath> dialog("Install-on-Demand", request);
     dialog.Open(parent);
     if (dialog.Result() == kProcessFailed) {
@@ -146,14 +159,14 @@ std::string ProblemOfSize(std::size_t textBytes, OutputFormat format, bool mp3,
 
 // The whole speech, or an unchanged target file.
 void CopySpeech(GtkWidget* parent, const LSoundSource& source, const LSoundSink& sink, bool mp3,
-                WholeFile& output) {
+                WholeFile& output, const std::string& path) {
     SpeechCopy copy(source, sink);
     LProcessDialog<SpeechCopy> dialog("Saving File", copy);
     dialog.Open(parent);
     if (dialog.Result() == kProcessDone) {
         const std::string problem = output.Commit();
         if (!problem.empty())
-            ShowSaveError(parent, problem);
+            ShowSaveError(parent, SentenceOf(path, problem));
     } else if (dialog.Result() == kProcessFailed && mp3) {
         ShowSaveError(parent,
                       "The MP3 encoder has ended too early. It needs the program LAME (package "
@@ -184,7 +197,7 @@ std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice) {
     // Whatever can be known before is told before the engine speaks, which may take minutes.
     WholeFile output(target.path, WholeFile::Existing::kReplace);
     if (!output.Problem().empty()) {
-        ShowSaveError(parent, output.Problem());
+        ShowSaveError(parent, SentenceOf(target.path, output.Problem()));
         return "";
     }
     LSoundSink sink;
@@ -217,7 +230,7 @@ std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice) {
     if (sink->Status() != 0)
         ShowSaveError(parent, "");
     else if (FitsIntoFile(seconds, format.rate, format.channels))
-        CopySpeech(parent, source, sink, target.mp3, output);
+        CopySpeech(parent, source, sink, target.mp3, output, target.path);
     else  // the voice was slower than expected
         ShowSaveError(parent,
                       TooLong(EstimateSpeechSize(0, format.rate, format.channels).surelyFit));
