@@ -23,6 +23,9 @@ SPEECH = os.path.join(HOME, "speech.wav")
 # How long an event may take on a busy machine; tests of delays say their own limit.
 PATIENCE = 60.0
 
+# Where a widget stands that is not drawn.
+NOWHERE = -(2**31)
+
 
 class TimeOut(AssertionError):
     pass
@@ -323,14 +326,18 @@ class Lectora:
 
     def choose(self, *names):
         """Goes through the menu bar with the pointer."""
-        for name in names[:-1]:
-            self.click(wait_until(lambda: self.shown("menu", name), f"the menu '{name}'"))
-        self.click(
-            wait_until(
-                lambda: self.shown("menu item", names[-1]) or self.shown("check menu item", names[-1]),
-                f"the item '{names[-1]}'",
-            )
-        )
+        for name in names:
+            roles = ("menu item", "check menu item") if name == names[-1] else ("menu",)
+            self.click(wait_until(lambda: self.drawn(roles, name), f"'{name}' in its menu"))
+
+    def drawn(self, roles, name):
+        """The widget, once it is drawn. What an item says of its state may be remembered from before
+        its menu was open; its place is not."""
+        for role in roles:
+            for each in self.walk(role, name):
+                if self.place(each).x > NOWHERE:
+                    return each
+        return None
 
     def tray_icon(self):
         """Its X window, in the tray."""
