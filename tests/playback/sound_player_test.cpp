@@ -327,12 +327,12 @@ TEST_F(PlayerTest, EndsInTroubleWithAReason) {
 
 // Tones and steps through everything between a source and a card of other channels and rates.
 TEST_F(PlayerTest, FitsTheSoundToWhatTheCardGrants) {
-    const auto tone = [](int frames, double amplitude) {
+    const auto tone = [](int frames, double amplitude, std::size_t channels = 1) {
         std::vector<int> samples;
-        samples.reserve(static_cast<std::size_t>(frames));
-        for (int i = 0; i < frames; ++i)
-            samples.push_back(
-                static_cast<int>(amplitude * std::sin(2 * std::numbers::pi * 0.02 * i)));
+        for (int i = 0; i < frames; ++i) {
+            const double value = amplitude * std::sin(2 * std::numbers::pi * 0.02 * i);
+            samples.insert(samples.end(), channels, static_cast<int>(value));
+        }
         return samples;
     };
     // Long steps at full scale: the rate converter overshoots at each.
@@ -343,22 +343,26 @@ TEST_F(PlayerTest, FitsTheSoundToWhatTheCardGrants) {
         const char* card;
         std::vector<int> samples;
         int rate;
+        unsigned char sourceChannels;
         int sourcePeak;
         std::size_t channels, frames;
         int crossings, peak;
-    } cases[] = {{"rates 48000\nchannels 2\n", tone(22050, 160000), 22050, kMaxPcm16Peak, 2, 48000,
-                  882, 10000},
-                 {"channels 6\n", tone(16000, 160000), 16000, kMaxPcm16Peak, 6, 16000, 640, 10000},
-                 {"channels 1\n", tone(16000, 1000000), 16000, 1048744, 1, 16000, 640, 32767},
-                 {"rates 48000\nchannels 1\n", steps, 22050, kMaxPcm16Peak, 1, 24000, 24, 32767},
-                 {"rates 40\nspeed 100\n", tone(70, 160000), 40, kMaxPcm16Peak, 1, 70, 2, 10000}};
+    } cases[] = {
+        {"rates 48000\nchannels 2\n", tone(22050, 160000), 22050, 1, kMaxPcm16Peak, 2, 48000, 882,
+         10000},
+        {"channels 6\n", tone(16000, 160000), 16000, 1, kMaxPcm16Peak, 6, 16000, 640, 10000},
+        {"channels 6\n", tone(16000, 160000, 2), 16000, 2, kMaxPcm16Peak, 6, 16000, 640, 10000},
+        {"channels 1\n", tone(16000, 1000000), 16000, 1, 1048744, 1, 16000, 640, 32767},
+        {"rates 48000\nchannels 1\n", steps, 22050, 1, kMaxPcm16Peak, 1, 24000, 24, 32767},
+        {"rates 40\nspeed 100\n", tone(70, 160000), 40, 1, kMaxPcm16Peak, 1, 70, 2, 10000}};
     int card = 0;
     for (const auto& test : cases) {
         SCOPED_TRACE(test.card);
         cards_.Insert(card, std::string("speed 8\n") + test.card);
         player_->SetDevice(LSoundPlayDevice(card));
         listener_.log.clear();
-        auto* const memory = new MemorySource(test.samples, test.rate, 1, test.sourcePeak);
+        auto* const memory =
+            new MemorySource(test.samples, test.rate, test.sourceChannels, test.sourcePeak);
         const LSoundSource keep(memory);
         player_->Start(keep);
         ASSERT_TRUE(RunUntilTold("stop"));
