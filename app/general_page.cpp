@@ -28,7 +28,7 @@ constexpr const char* kNothingChosen = "So far speech is saved as WAV; OK makes 
 
 bool IsNothingChosen() {
     return kSaveFormatIndexSetting.Get() == kMp3 && kSaveFormatSetting.Get() != "0" &&
-           !kSaveByDefaultSetting.Get().starts_with('0');
+           kSaveByDefaultSetting.Get() != "0";
 }
 
 }  // namespace
