@@ -35,9 +35,10 @@ CardClock::Time Now() {
 
 }  // namespace
 
-PlayRun::PlayRun(const LSoundSource& source, LSoundPlayDevice device,
+PlayRun::PlayRun(const LSoundSource& source, LSoundPlayDevice device, bool waitsForCard,
                  std::shared_ptr<const LTempo> tempo, std::function<void()> notify)
     : device_(device),
+      waitsForCard_(waitsForCard),
       rate_(source->SampleRate()),
       channels_(source->Channels()),
       tempo_(std::move(tempo)),
@@ -112,9 +113,9 @@ PlayTrouble PlayRun::TryDevice(LSoundPlayDevice device) {
     const std::string name = device.AlsaName();
     int error = pcm_.Open(name);
     // Who holds a card often lets it go in a moment, a run left behind among them.
-    if (error == -EBUSY && !device.IsSoundServer()) {
+    isBusy_ = isBusy_ || error == -EBUSY;
+    if (error == -EBUSY && !device.IsSoundServer() && waitsForCard_) {
         const CardClock::Time limit = Now() + kBusyPatience;
-        isBusy_ = true;
         TellRoute(PlayRoute::Way::kAwaited, true);
         while (error == -EBUSY && Now() < limit && !StopSignal().WaitSignal(kBusyWaitMilliseconds))
             error = pcm_.Open(name);

@@ -68,8 +68,9 @@ struct PlayNews {
 class PlayRun final : private LThread {
 public:
     // notify is called on the thread when there are news, never once Halt has returned. Without a
-    // tempo the source plays at its own.
-    PlayRun(const LSoundSource& source, LSoundPlayDevice device,
+    // tempo the source plays at its own. Who was heard through the sound server just now does not
+    // wait for a card that another program holds.
+    PlayRun(const LSoundSource& source, LSoundPlayDevice device, bool waitsForCard,
             std::shared_ptr<const LTempo> tempo, std::function<void()> notify);
     ~PlayRun() override;  // waits for the thread
 
@@ -113,6 +114,7 @@ private:
     void Tell(const std::function<void(PlayNews&)>& change);
 
     const LSoundPlayDevice device_;
+    const bool waitsForCard_;
     const int rate_;  // of the owner's source, which may be taken back while the card is opened
     const std::uint8_t channels_;
     const std::shared_ptr<const LTempo> tempo_;

@@ -130,7 +130,8 @@ int LSoundPlayer::EndSample() const {
 void LSoundPlayer::StartRun() {
     FreeRunsLetGo();
     trouble_ = PlayTrouble::kNone;
-    run_ = std::make_unique<PlayRun>(source_, device_, tempo_, [this] { QueueNotify(); });
+    run_ = std::make_unique<PlayRun>(source_, device_, !wasOnServer_, tempo_,
+                                     [this] { QueueNotify(); });
     run_->Start();
 }
 
@@ -140,7 +141,9 @@ void LSoundPlayer::Halt() {
     if (run_ == nullptr)
         return;
     run_->Halt();
-    position_ = run_->TakeNews().frame;
+    const PlayNews news = run_->TakeNews();
+    position_ = news.frame;
+    wasOnServer_ = news.route.way == PlayRoute::Way::kServer;
     if (run_->HasFinished())
         run_.reset();
     else

@@ -117,6 +117,7 @@ private:
     int position_ = 0;
     State state_ = State::kIdle;
     std::unique_ptr<PlayRun> run_;
+    bool wasOnServer_ = false;         // the last run, instead of on its card
     std::shared_ptr<unsigned> halts_;  // counts them; gone with the player
     bool isStarting_ = false;          // a Start from within would be undone by the one that waits
     std::uint8_t toldChannels_ = 0;    // of the last level told; 0 after silence
