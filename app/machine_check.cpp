@@ -37,7 +37,7 @@ public:
         reading_.Stop();
         cards_ = SoundCards();
         if (changed_)
-            query_.Ask();
+            query_.AskAnew();
     }
     Engine EngineState() const override {
         switch (query_.State()) {

@@ -140,6 +140,7 @@ int MainDialog::AwaitVoice() {
 }
 
 void MainDialog::EnableControls() {
+    voices_.Update();
     const bool hasText = GetEditTextLength(kTextBox) > 0;
     EnableControl(kReadButton, hasText || reading_.IsReading());
     EnableControl(kSaveButton, hasText);

@@ -73,6 +73,7 @@ gboolean RunHandedOver(gpointer user) {
     }
     if (IsFirst(kCheck, count, pointers.data())) {
         RunMachineCheck(handed->window.Widget());
+        handed->window.EnableControls();  // there may be new voices
         return FALSE;
     }
     handed->window.EvRunArguments(pointers.data(), count);

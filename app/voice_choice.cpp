@@ -18,14 +18,16 @@ void VoiceChoice::EvNotify() {
 }
 
 void VoiceChoice::Fill() {
-    if (!IsKnown() || chosen_ >= 0)
+    if (!AreVoicesKnown())
         return;
     const int count = TTSGetNumSpeakers();
-    for (int voice = 0; voice < count; ++voice) {
+    for (; shown_ < count; ++shown_) {
         char name[kTextBufferSize];
-        TTSGetDictSpeakerName(voice, name);
+        TTSGetDictSpeakerName(shown_, name);
         window_.PDLAddString(list_, name);
     }
+    if (chosen_ >= 0)
+        return;
     const int stored = kVoiceSetting.Get();
     chosen_ = stored >= 0 && stored < count ? stored : 0;
     window_.PDLSetCurSel(list_, chosen_);
@@ -56,5 +58,5 @@ int VoiceChoice::Chosen() {
 void VoiceChoice::Store() {
     const int voice = Chosen();
     if (voice >= 0)
-        kVoiceSetting.Set(voice);
+        kVoiceSetting.Set(IndexAtNextStart(voice));
 }

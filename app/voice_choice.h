@@ -15,6 +15,8 @@ public:
     // GUI thread, from the main loop, when the engine has answered or turned out to be missing.
     VoiceChoice(LWindow& window, int list, std::function<void()> answered);
 
+    // Shows the voices that have become known since, whoever asked for them.
+    void Update() { Fill(); }
     void Ask() { query_.Ask(); }  // at once; after an answer without voices asks again
     bool IsKnown() const { return query_.State() == VoiceListState::kKnown; }
     bool IsAsking() const { return query_.State() == VoiceListState::kAsking; }
@@ -36,6 +38,7 @@ private:
     LWindow& window_;
     const int list_;
     std::function<void()> answered_;
+    int shown_ = 0;  // voices in the list
     int chosen_ = -1;
     VoiceListQuery query_;  // last: its thread ends before what it notifies
 };

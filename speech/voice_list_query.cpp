@@ -39,10 +39,15 @@ VoiceListQuery::~VoiceListQuery() {
 }
 
 void VoiceListQuery::Ask() {
-    const VoiceListState state = state_.load();
-    if (state == VoiceListState::kKnown || (state == VoiceListState::kAsking && IsRunning()))
+    if (State() != VoiceListState::kKnown)
+        StartAsking(false);
+}
+
+void VoiceListQuery::StartAsking(bool anew) {
+    if (State() == VoiceListState::kAsking && IsRunning())
         return;
     Join();
+    anew_ = anew;
     state_.store(VoiceListState::kAsking);
     answeredSignal_.Reset();
     Start(0);
@@ -60,7 +65,7 @@ void VoiceListQuery::ThreadFunction() {
 
 VoiceListState VoiceListQuery::AskUntilAnswered() {
     for (int silentEnds = 0; !IsStopping(); StopSignal().WaitSignal(kPauseMilliseconds)) {
-        if (AreVoicesKnown())
+        if (!anew_ && AreVoicesKnown())
             return VoiceListState::kKnown;
         if (!IsProgramInstalled("festival"))
             return VoiceListState::kNoEngine;

@@ -31,16 +31,20 @@ public:
     // Asks, unless it is asking already or knows. Returns at once; asking again after kNoEngine or
     // kNoVoices finds an engine that was installed meanwhile.
     void Ask();
+    // Asks even when it knows, for voices that were installed meanwhile.
+    void AskAnew() { StartAsking(true); }
     VoiceListState State() const { return state_.load(); }
     LSignalObjectRef Answered() const { return answeredSignal_.Ref(); }  // the state is not kAsking
 
 private:
+    void StartAsking(bool anew);
     void ThreadFunction() override;
     VoiceListState AskUntilAnswered();
     VoiceListState Converse();
     bool ReadReply(LPipeInOut& engine, std::string& reply) const;
 
     std::function<void()> answered_;
+    bool anew_ = false;  // changed while no thread runs
     std::atomic<VoiceListState> state_{VoiceListState::kAsking};
     LSignalObject answeredSignal_;
 };

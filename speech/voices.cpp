@@ -26,6 +26,10 @@ std::vector<std::string>& VoiceTable() {
     static std::vector<std::string> table;
     return table;
 }
+std::vector<std::string>& LatestAnswer() {
+    static std::vector<std::string> names;
+    return names;
+}
 
 int CountVoices() {
     const std::lock_guard<std::mutex> lock(gTableMutex);
@@ -86,8 +90,23 @@ std::vector<std::string> ParseVoiceList(std::string_view reply) {
 
 void KeepVoices(std::vector<std::string> names) {
     const std::lock_guard<std::mutex> lock(gTableMutex);
-    if (VoiceTable().empty())
-        VoiceTable() = std::move(names);
+    std::vector<std::string>& table = VoiceTable();
+    const bool isFirst = table.empty();
+    for (const std::string& name : names) {
+        if (table.size() < kMaxVoices && (isFirst || std::ranges::find(table, name) == table.end()))
+            table.push_back(name);
+    }
+    LatestAnswer() = std::move(names);
+}
+
+int IndexAtNextStart(int index) {
+    const std::lock_guard<std::mutex> lock(gTableMutex);
+    const std::vector<std::string>& table = VoiceTable();
+    if (index < 0 || index >= static_cast<int>(table.size()))
+        return index;
+    const std::vector<std::string>& names = LatestAnswer();
+    const auto at = std::ranges::find(names, table[static_cast<std::size_t>(index)]);
+    return at == names.end() ? index : static_cast<int>(at - names.begin());
 }
 
 bool AreVoicesKnown() {

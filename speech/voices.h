@@ -20,9 +20,13 @@ void TTSGetDictSpeakerName(int index, char* out);
 bool AreVoicesKnown();  // whether the two above answer from memory
 
 // What to ask the engine's interactive program, and what to do with its answer: names once known
-// stay, whoever asked.
+// keep their index, because texts may be read by it; those of voices that were installed meanwhile
+// join at the end.
 constexpr std::string_view kVoiceListCommand = "(voice.list)\n";
 void KeepVoices(std::vector<std::string> names);
+
+// The index that this voice has in the engine's latest answer, and so at the next start.
+int IndexAtNextStart(int index);
 
 // The names in the engine's reply to "(voice.list)": at most kMaxVoices, each cut to kMaxVoiceName.
 // A reply without prompt or without closing parenthesis is filled up with empty names, and an empty

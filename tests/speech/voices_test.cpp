@@ -95,6 +95,16 @@ void AskInTheBackground() {
     char name[kTextBufferSize];
     TTSGetDictSpeakerName(1, name);
     EXPECT_STREQ(name, "deux");
+    // A voice that was installed meanwhile changes nobody's index before the next start.
+    engine.Script("festival", "read line; printf 'festival> (trois un)\n'");
+    query.AskAnew();
+    EXPECT_EQ(Process(progress, query), kProcessDone);
+    for (const auto& [index, expected, later] :
+         {std::tuple{0, "un", 1}, {1, "deux", 1}, {2, "trois", 0}}) {
+        TTSGetDictSpeakerName(index, name);
+        EXPECT_STREQ(name, expected);
+        EXPECT_EQ(IndexAtNextStart(index), later);
+    }
 }
 
 void StopAsking() {
