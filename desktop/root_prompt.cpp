@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "desktop/shell_words.h"
+#include "desktop/watched_command.h"
 #include "foundation/child_process.h"
 
 std::string RootPromptCommand(const std::vector<std::string>& words) {
@@ -17,4 +18,14 @@ std::string RootPromptCommand(const std::vector<std::string>& words) {
     if (!inKde && IsProgramInstalled("gksu"))
         return "gksu " + withoutDisplay;
     return IsProgramInstalled("pkexec") ? "pkexec " + command : std::string();
+}
+
+std::string WhyFailed(const LWatchedCommand& run) {
+    // pkexec's: the user closed the prompt; the password was wrong, or nobody could ask for it.
+    constexpr int kDismissed = 126;
+    constexpr int kNotAuthorized = 127;
+    const int status = run.ExitStatus();
+    if (status == kDismissed || status == kNotAuthorized || run.LastLine().empty())
+        return "The administrator's password was not given, or not accepted.";
+    return run.LastLine();
 }

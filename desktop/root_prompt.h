@@ -8,3 +8,8 @@
 // session, else "gksu"; "pkexec" where that is not installed. Empty where no program can ask.
 // words[0] is a program by its name or whole path.
 std::string RootPromptCommand(const std::vector<std::string>& words);
+
+class LWatchedCommand;
+// Why a command of this kind failed, in words for the user: its own last ones, unless the prompt
+// ended it.
+std::string WhyFailed(const LWatchedCommand& run);

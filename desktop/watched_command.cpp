@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -47,6 +48,10 @@ bool LWatchedCommand::Start(const std::string& command) {
         ("exec 3<&0 </dev/null 2>&1; { " + command + "\n} 3<&-; exit $?").c_str(), streams);
     alive_ = std::move(pipe.writeEnd);
     return child_.IsStarted();
+}
+
+int LWatchedCommand::ExitStatus() const {
+    return WIFEXITED(status_) ? WEXITSTATUS(status_) : -1;
 }
 
 bool LWatchedCommand::HasEnded() {

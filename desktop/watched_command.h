@@ -24,6 +24,7 @@ public:
     // The last line said, as the reason of a failure usually is; from both outputs.
     const std::string& LastLine() const { return lastLine_; }
     bool HasSucceeded() const { return status_ == 0; }
+    int ExitStatus() const;  // once it has ended; -1 when it did not end by itself
 
 private:
     LChildProcess child_;

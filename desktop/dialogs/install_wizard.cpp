@@ -162,7 +162,7 @@ private:
         LWatchedCommand run;
         if (run.Start(command) && Process(*this, run) == kProcessDone)
             return std::string();
-        return run.LastLine().empty() ? "The password was not given." : run.LastLine();
+        return WhyFailed(run);
     }
 
     Outcome& outcome_;

@@ -4,6 +4,7 @@
 
 #include "desktop/dialogs/wizard.h"
 #include "desktop/packages.h"
+#include "desktop/root_prompt.h"
 #include "desktop/watched_command.h"
 #include "gui/accessible.h"
 #include "gui/dialog_gen_context.h"
@@ -139,8 +140,9 @@ std::vector<std::string> LReadyDialog::ChosenVoices() const {
         char text[kTextBufferSize];
         LVGetColumnString(kVoices, row, 2, text);
         const std::string_view package = text;
-        if (LVGetCheck(kVoices, row))
-            packages.emplace_back(package.substr(0, package.find(' ')));
+        // The package service fails where everything is installed already.
+        if (LVGetCheck(kVoices, row) && package.find(' ') == std::string_view::npos)
+            packages.emplace_back(package);
     }
     return packages;
 }
@@ -166,7 +168,8 @@ void LReadyDialog::Command(int command) {
             break;
         case kInstallVoices:
             if (ChosenVoices().empty())
-                SetControlInvalid(kVoices, "Please tick the voices that you want first.", kTitle);
+                SetControlInvalid(kVoices, "Please tick a voice that is not installed yet.",
+                                  kTitle);
             else
                 Install(ChosenVoices());
             break;
@@ -187,7 +190,7 @@ void LReadyDialog::Install(const std::vector<std::string>& packages) {
     const LProcessResult result = RunUnderDialog(Widget(), run);
     if (result == kProcessFailed)
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, "It was not installed",
-                      (run.LastLine() + "\n\n" + byHand).c_str());
+                      (WhyFailed(run) + "\n\n" + byHand).c_str());
     else if (result == kProcessStopped)
         MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, kTitle,
                       "The installation goes on without this window",

@@ -249,7 +249,11 @@ TEST(WatchedCommand, TellsItsLastLineAndGoesOnWhenNobodyWatches) {
     LWatchedCommand failing;
     ASSERT_TRUE(failing.Start("read word; echo one; echo \"$word.\" >&2; printf half; exit 3"));
     EXPECT_EQ(Process(progress, failing), kProcessFailed);
-    EXPECT_EQ(failing.LastLine(), ".") << "of both outputs, and its input is empty";
+    EXPECT_EQ(WhyFailed(failing), ".") << "of both outputs, and its input is empty";
+    LWatchedCommand refused;  // as pkexec ends after a wrong password
+    ASSERT_TRUE(refused.Start("echo; echo This incident has been reported.; exit 127"));
+    EXPECT_EQ(Process(progress, refused), kProcessFailed);
+    EXPECT_NE(WhyFailed(refused).find("password"), std::string::npos);
     struct Stopped : LSilentProgress {
         LProcessResult ProcessWait(unsigned int) { return kProcessStopped; }
     };
