@@ -227,13 +227,14 @@ std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice) {
         sink = OpenMp3Sink(output.WritePath().c_str(), settings, kMp3Rate, 2);
     }
     const double seconds = static_cast<double>(source->GetEndSample()) / source->SampleRate();
-    if (sink->Status() != 0)
-        ShowSaveError(parent, "");
-    else if (FitsIntoFile(seconds, format.rate, format.channels))
-        CopySpeech(parent, source, sink, target.mp3, output, target.path);
-    else  // the voice was slower than expected
-        ShowSaveError(parent,
-                      TooLong(EstimateSpeechSize(0, format.rate, format.channels).surelyFit));
+    std::string trouble;
+    if (!FitsIntoFile(seconds, format.rate, format.channels))  // a voice slower than expected
+        trouble = TooLong(EstimateSpeechSize(0, format.rate, format.channels).surelyFit);
+    if (sink->Status() != 0 || !trouble.empty()) {
+        ShowSaveError(parent, trouble);
+        return reading.Message();  // the speech stays, as after each stop before the copy
+    }
+    CopySpeech(parent, source, sink, target.mp3, output, target.path);
     source.Close();
     ::unlink(speechPath.c_str());
     return reading.Message();
