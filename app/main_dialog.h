@@ -152,6 +152,7 @@ private:
     bool loading_ = false;  // its dialog handles events
     bool settingWaitingFile_ = false;
     HotKeyOffer hotKeyOffer_;
+    bool offersHotKeys_ = false;  // once the window is drawn
     int hotKeyCount_ = 0;
     int heldHotKey_ = -1;            // index, -1 for none
     int pressedHotKey_ = -1;         // what the idle source below will act on

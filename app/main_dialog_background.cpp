@@ -9,17 +9,18 @@
 void MainDialog::EvShown() {
     tray_.Add(kTrayIcon, "Lectora");
     // Not in the way of a reading that is about to begin.
-    if (waitingFiles_.empty())
-        hotKeyOffer_.AskSoon(*this, [this] { HotkeysStart(); });
+    offersHotKeys_ = waitingFiles_.empty();
     g_signal_connect(Widget(), "expose-event", G_CALLBACK(GCFirstDrawing), this);
     g_signal_connect(Widget(), "focus-out-event", G_CALLBACK(GCFocusOut), this);
 }
 
-// What is drawn over the window comes after it, and goes as soon as the user does something or a
-// dialog comes, which it would lie over.
+// What comes over the window comes after it; the splash screen goes as soon as the user does
+// something or a dialog comes, which it would lie over.
 gboolean MainDialog::GCFirstDrawing(GtkWidget* widget, GdkEventExpose*, gpointer self) {
     auto* window = static_cast<MainDialog*>(self);
     g_signal_handlers_disconnect_by_func(widget, reinterpret_cast<gpointer>(GCFirstDrawing), self);
+    if (window->offersHotKeys_)
+        window->hotKeyOffer_.AskSoon(*window, [window] { window->HotkeysStart(); });
     window->splashTimer_.Start(0, [window] {
         if (gtk_grab_get_current() == nullptr)
             window->splash_.Display(window->Widget());
