@@ -23,7 +23,7 @@ void CardClock::Begin(int rate, Time now) {
 }
 
 void CardClock::Empty(Time now) {
-    heard_ = written_;
+    heard_ = furthest_ = written_;
     noted_ = now;
     moved_ = now;
     isPaceBased_ = false;
@@ -39,10 +39,14 @@ void CardClock::Wrote(int frames, Time now) {
 void CardClock::NoteDelay(std::int64_t delay, Time now) {
     const std::int64_t heard = std::clamp(written_ - delay, heard_, written_);
     noted_ = now;
+    // Also while a server is yet to begin with what was written.
+    if (written_ - delay > furthest_) {
+        furthest_ = written_ - delay;
+        moved_ = now;
+    }
     if (heard == heard_)
         return;
     heard_ = heard;
-    moved_ = now;
     const duration<double> span = now - paceTime_;
     if (isPaceBased_ && span.count() > 0)
         pace_ = static_cast<double>(heard_ - paceHeard_) / span.count();

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <limits>
 
 // Counts in frames of the card since playback began. One thread.
 class CardClock {
@@ -36,6 +37,8 @@ public:
 private:
     std::int64_t written_ = 0;
     std::int64_t heard_ = 0;
+    // As the card said it: below 0 while its delay is longer than what was written.
+    std::int64_t furthest_ = std::numeric_limits<std::int64_t>::min();
     Time noted_;  // when heard_ was told
     Time moved_;
     bool isPaceBased_ = false;  // the pace is measured from here on
