@@ -53,6 +53,12 @@ private:
 
 class PlayerPanelTest : public testing::Test {
 protected:
+    // What another run has left is not this one's.
+    void SetUp() override {
+        LUserSettingSetString("PlayerTempo", "numbers", nullptr);
+        LUserSettingSetString("Player", "Device", nullptr);
+        LUserSettingSetString("Player", "VolumeDB", nullptr);
+    }
     void Open(int seconds, const char* card = "speed 4\n", int (*sample)(int) = Number) {
         if (card != nullptr)
             cards_.Insert(0, card);
@@ -191,7 +197,6 @@ TEST_F(PlayerPanelTest, WindingBecomesFasterAndReachesBothEnds) {
 }
 
 TEST_F(PlayerPanelTest, SpeedHalvesTheTimeAtTheSamePitchAndIsKeptWithTheVoice) {
-    LUserSettingSetString("PlayerTempo", "numbers", "100");
     Open(4, "rates 48000\nspeed 4\n", Tone);
     for (int presses = 0; presses < 10; ++presses)
         Press(kKeyControl | GDK_Up);
@@ -205,7 +210,6 @@ TEST_F(PlayerPanelTest, SpeedHalvesTheTimeAtTheSamePitchAndIsKeptWithTheVoice) {
     EXPECT_NEAR(crossings * 48000.0 / static_cast<double>(played.size()), 400, 8);
     Close();
     EXPECT_EQ(LUserSettingGet("PlayerTempo", "numbers"), "200");
-    LUserSettingSetString("PlayerTempo", "numbers", "100");
 }
 
 TEST_F(PlayerPanelTest, ListsTheCardsAndKeepsTheOneChosen) {
@@ -240,14 +244,12 @@ TEST_F(PlayerPanelTest, ListsTheCardsAndKeepsTheOneChosen) {
     Open(1, nullptr);
     Close();
     EXPECT_EQ(LUserSettingGet("Player", "Device"), "unplugged") << "it may come back";
-    LUserSettingSetString("Player", "Device", nullptr);
 }
 
 TEST_F(PlayerPanelTest, SetsTheVolumeOfEveryElementButCapture) {
     LUserSettingSetString("Player", "VolumeDB", "0");
     Open(1, "name One\nelement Master 0 87\nelement Capture 0 31\n");
     EXPECT_EQ(cards_.Mixer(0), "Master 65 65\nCapture 31 31\n");
-    LUserSettingSetString("Player", "VolumeDB", nullptr);
 }
 
 TEST_F(PlayerPanelTest, LosesNothingInAThousandRandomActs) {
