@@ -77,17 +77,17 @@ void LUninstallCommentPage::Command(int command) {
 void LUninstallCommentPage::ShowReason(int item) {
     const LUninstallComment* reason = ShownReason(item);
     const bool hasAdvice = reason != nullptr && reason->advice != nullptr;
-    const bool mayComment = reason != nullptr && !hasAdvice;
+    const bool mayComment = !hasAdvice;
     const std::string link = WebAddress(hasAdvice ? reason->link : "");
     SetHyperLink(GetControlByID(kLink), link.c_str(), link.c_str());
     SetStaticText(kAdvice, hasAdvice ? reason->advice : "");
-    const char* prompt = mayComment && reason->prompt ? reason->prompt : "";
+    const char* prompt = reason && reason->prompt ? reason->prompt : "";
     SetStaticText(kPrompt, prompt);
     SetAccessibleName(GetControlByID(kComment), *prompt ? prompt : "Comment");
     ShowControl(kComment, mayComment);
     ShowControl(kPrompt, mayComment);
     ShowControl(kAdvice, hasAdvice);
-    ShowControl(kLink, !mayComment);  // without a reason it is the home page
+    ShowControl(kLink, hasAdvice || !reason);  // without a reason it is the home page
 }
 
 void LUninstallCommentPage::EnableControls() {

@@ -127,7 +127,6 @@ class InstallTest(DesktopCase):
             wizard.press("radio button", "No, I don't want to tell you")
         else:
             if comment:
-                self.choose_reason(wizard, "I have problems using it")
                 wizard.find("text").queryEditableText().setTextContents(comment)
             self.choose_reason(wizard, reason)
         desktop.wait_until(lambda: wizard.can_press("push button", "Finish"), "Finish to be ready")
