@@ -26,6 +26,16 @@ GdkRectangle MonitorOf(GtkWidget* window) {
     return monitor;
 }
 
+// A window that has it must not move: the next click would meet another button.
+bool HasPointer(GtkWidget* window) {
+    int x = 0;
+    int y = 0;
+    gtk_widget_get_pointer(window, &x, &y);
+    GtkAllocation place;
+    gtk_widget_get_allocation(window, &place);
+    return x >= 0 && y >= 0 && x < place.width && y < place.height;
+}
+
 }  // namespace
 
 void LPlayDlg::Open(GtkWidget* parent) {
@@ -109,7 +119,7 @@ void LPlayDlgModeless::PlaceBeside() {
         place = {std::clamp(beside.x, monitor.x, place.x), beside.y + beside.height};
     else if (beside.y - height >= monitor.y)
         place = {std::clamp(beside.x, monitor.x, place.x), beside.y - height};
-    else if (beside.width <= right - monitor.x) {
+    else if (beside.width <= right - monitor.x && !HasPointer(neighbour_)) {
         // Once: it then stays where both have room, and its text and buttons in sight.
         gtk_window_move(GTK_WINDOW(neighbour_), right - beside.width, beside.y);
         place.y = std::clamp(beside.y, monitor.y, place.y);
