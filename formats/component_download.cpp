@@ -144,9 +144,8 @@ std::string ProblemOf(const char* componentName, const std::string& path) {
         return "The downloaded installer cannot be read.";
     const std::size_t begin = content.find_first_not_of(kBlanks);
     if (begin != std::string::npos && content[begin] == '<')
-        return "A web page came instead of the installer: perhaps this network wants you to sign "
-               "in "
-               "first.";
+        return "A web page came instead of the installer. "
+               "Perhaps this network wants you to sign in first.";
     const std::string expected = ComponentSumSetting(componentName).Get();
     if (expected.empty())
         return "";
