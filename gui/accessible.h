@@ -7,5 +7,12 @@
 // is what takes the focus, so it gets the name too.
 void SetAccessibleName(GtkWidget* widget, const char* name);
 
+// Has a screen reader say the name when the focus comes into the box from elsewhere.
+void SetPanelName(GtkWidget* box, const char* name);
+
+// Has a screen reader say the text, wherever the focus is: for what is news to the user and shown
+// where the focus does not go. The text is copied.
+void TellScreenReader(GtkWidget* widget, const char* text);
+
 // Makes the label speak for the widget: label-for relation, mnemonic target and accessible name.
 void LabelWidget(GtkWidget* label, GtkWidget* widget);

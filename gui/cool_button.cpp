@@ -41,19 +41,23 @@ void Hold(CoolButton& state, bool held) {
     Send(state, held ? state.commands.command : state.commands.second);
 }
 
-void GCClicked(GtkToggleButton* button, gpointer) {
-    CoolButton* state = Of(button);
-    SetCoolButtonState(button, state->down);  // GTK has turned the look over already
-    if (state->kind != LCoolButtonKind::kUpDown)
-        Send(*state, state->commands.command);
-}
+void GCClicked(GtkToggleButton* button, gpointer);
 
 // Changing the look emits "clicked" again, which must not be taken for the user's click.
 void SetLook(GtkToggleButton* button, bool down) {
+    if ((gtk_toggle_button_get_active(button) != FALSE) == down)
+        return;
     const auto clicked = reinterpret_cast<gpointer>(GCClicked);
     g_signal_handlers_block_by_func(button, clicked, nullptr);
     gtk_toggle_button_set_active(button, down);
     g_signal_handlers_unblock_by_func(button, clicked, nullptr);
+}
+
+void GCClicked(GtkToggleButton* button, gpointer) {
+    CoolButton* state = Of(button);
+    SetLook(button, state->down);  // GTK has turned it over already
+    if (state->kind != LCoolButtonKind::kUpDown)
+        Send(*state, state->commands.command);
 }
 
 gboolean GCArrowPress(GtkWidget* button, GdkEventButton* event, gpointer) {
@@ -200,6 +204,7 @@ void InitCoolButton(GtkToggleButton* button, LCoolButtonKind kind, int imageNumb
     const bool down = gtk_toggle_button_get_active(button) != FALSE;
     auto state = std::make_unique<CoolButton>(CoolButton{kind, commands, std::move(send), down});
     SetFace(button, *state, imageNumber, text);
+    atk_object_set_role(gtk_widget_get_accessible(GTK_WIDGET(button)), ATK_ROLE_PUSH_BUTTON);
     g_object_set_data_full(G_OBJECT(button), kDataKey, state.release(),
                            [](gpointer cool) { delete static_cast<CoolButton*>(cool); });
     Connect(button, kind);
@@ -210,6 +215,6 @@ void SetCoolButtonState(GtkToggleButton* button, bool down) {
     if (state == nullptr)
         return;
     state->down = down;
-    if ((gtk_toggle_button_get_active(button) != FALSE) != down)
-        SetLook(button, down);
+    atk_object_set_role(gtk_widget_get_accessible(GTK_WIDGET(button)), ATK_ROLE_TOGGLE_BUTTON);
+    SetLook(button, down);
 }

@@ -26,5 +26,6 @@ void InitCoolButton(GtkToggleButton* button, LCoolButtonKind kind, int imageNumb
                     const char* text, LCoolButtonCommands commands,
                     std::function<void(int command)> send);
 
-// Changes the pressed look without a command.
+// Changes the pressed look without a command. From then on it is a toggle button to a screen
+// reader, which tells the look; any other is a push button.
 void SetCoolButtonState(GtkToggleButton* button, bool down);

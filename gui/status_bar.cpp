@@ -1,5 +1,6 @@
 #include "gui/status_bar.h"
 
+#include "gui/accessible.h"
 #include "gui/display_text.h"
 
 LStatusBar::~LStatusBar() {
@@ -27,4 +28,10 @@ void LStatusBar::SetStatusText(const char* text) {
     const guint context = gtk_statusbar_get_context_id(bar, "text");
     gtk_statusbar_pop(bar, context);
     gtk_statusbar_push(bar, context, DisplayText(text).c_str());
+}
+
+void LStatusBar::TellStatusText(const char* text) {
+    SetStatusText(text);
+    if (bar_ != nullptr && *text != '\0')
+        TellScreenReader(bar_, DisplayText(text).c_str());
 }

@@ -9,6 +9,8 @@ public:
 
     // Replaces the text; plain, copied. Does nothing before the window exists.
     void SetStatusText(const char* text);
+    // The same for what is news to the user: screen readers say it.
+    void TellStatusText(const char* text);
 
 protected:
     LStatusBar() = default;
