@@ -1,4 +1,5 @@
 // The file choosers of LFile; GUI thread, GDK lock held.
+#include <gdk/gdkkeysyms.h>
 #include <gtk/gtk.h>
 #include <sys/stat.h>
 
@@ -28,6 +29,7 @@ public:
         SetWindowIcon(GTK_WINDOW(dialog_), kAppIconNumber);
         gtk_dialog_set_default_response(GTK_DIALOG(dialog_), GTK_RESPONSE_ACCEPT);
         gtk_file_chooser_set_do_overwrite_confirmation(Self(), TRUE);
+        g_signal_connect(dialog_, "key-press-event", G_CALLBACK(GCKey), nullptr);
     }
     ~Chooser() {
         gtk_widget_destroy(dialog_);
@@ -71,6 +73,18 @@ public:
     }
 
 private:
+    // GTK keeps Tab in the field of the name, to complete it; whoever works by ear would not get
+    // out. What GTK has completed while the name was typed is taken.
+    static gboolean GCKey(GtkWidget* dialog, GdkEventKey* event, gpointer) {
+        GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(dialog));
+        const bool leaves = event->keyval == GDK_KEY_Tab &&
+                            (event->state & gtk_accelerator_get_default_mod_mask()) == 0 &&
+                            GTK_IS_ENTRY(focus);
+        if (leaves)
+            g_signal_emit_by_name(dialog, "move-focus", GTK_DIR_TAB_FORWARD);
+        return leaves ? TRUE : FALSE;
+    }
+
     GtkWidget* dialog_;
     // GTK keeps files of its own about choosers in the home folder, and may be asked to make a
     // folder there.
