@@ -80,6 +80,7 @@ class PlacesPage : public LWizardPage {
             LVSetColumnString(kPlaces, row, 2, SizeText(part.bytes).c_str());
             bytes += part.bytes;
         }
+        LVSetCurSel(kPlaces, 0);
         SetStaticText(kPageText,
                       ("These files will be placed on your computer, " + SizeText(bytes) +
                        " in all. Nothing that belongs to another program is touched, and "

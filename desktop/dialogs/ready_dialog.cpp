@@ -60,6 +60,9 @@ void LReadyDialog::InitDialog() {
     static constexpr LListColumn kStateColumns[] = {{"What is needed", 32}, {"State", 60}};
     LVInit(kState, {LListColumns::kPercent, kStateColumns});
     SetAccessibleName(GetControlByID(kState), "What is needed");
+    for (const char* what : {"Speech engine", "Voices", "Sound card", "MP3 encoder"})
+        LVAddString(kState, what);
+    LVSetCurSel(kState, 0);
     static constexpr LListColumn kVoiceColumns[] = {
         {"Language", 36, LListSort::kText}, {"Speaker", 32}, {"Package", 32}};
     LVSetStyleCheck(kVoices);
@@ -88,10 +91,7 @@ void LReadyDialog::FillVoices() {
             kVoices, row, 2,
             (std::string(voice.package) + (isInstalled ? " (installed)" : "")).c_str());
     }
-}
-
-void LReadyDialog::AddRow(const char* what, const std::string& state) {
-    LVSetColumnString(kState, LVAddString(kState, what), 1, state.c_str());
+    LVSetCurSel(kVoices, 0);
 }
 
 void LReadyDialog::Show() {
@@ -112,15 +112,18 @@ void LReadyDialog::Show() {
     const auto lacks = [](const char* package) {
         return std::string("missing: package ") + package;
     };
-    LVClear(kState);
-    AddRow("Speech engine", engine == Engine::kAsking    ? asking
-                            : engine == Engine::kMissing ? lacks(kEnginePackage)
-                                                         : "found");
-    AddRow("Voices", engine == Engine::kAsking   ? asking
-                     : engine == Engine::kSpeaks ? std::to_string(machine_.VoiceCount()) + " found"
-                                                 : lacks(kFirstVoicePackage));
-    AddRow("Sound card", cards.empty() ? "missing" : cards.front());
-    AddRow("MP3 encoder", machine_.HasEncoder() ? "found" : lacks(kEncoderPackage));
+    // In place: a row that vanished would take the words of a screen reader with it.
+    const std::string states[] = {engine == Engine::kAsking    ? asking
+                                  : engine == Engine::kMissing ? lacks(kEnginePackage)
+                                                               : "found",
+                                  engine == Engine::kAsking ? asking
+                                  : engine == Engine::kSpeaks
+                                      ? std::to_string(machine_.VoiceCount()) + " found"
+                                      : lacks(kFirstVoicePackage),
+                                  cards.empty() ? "missing" : cards.front(),
+                                  machine_.HasEncoder() ? "found" : lacks(kEncoderPackage)};
+    for (int row = 0; const std::string& state : states)
+        LVSetColumnString(kState, row++, 1, state.c_str());
 
     std::string advice;
     if (!missing_.empty())
@@ -129,8 +132,12 @@ void LReadyDialog::Show() {
         advice += (advice.empty() ? "" : "\n\n") + std::string(kNoCardAdvice);
     if (engine == Engine::kAsking)
         advice = "The speech engine is being asked. On a busy computer that takes a while.";
-    SetStaticText(
-        kAdvice, advice.empty() ? "Everything is there. Lectora can read to you." : advice.c_str());
+    if (advice.empty())
+        advice = "Everything is there. Lectora can read to you.";
+    SetStaticText(kAdvice, advice.c_str());
+    if (!told_.empty() && told_ != advice)
+        TellScreenReader(Widget(), advice.c_str());
+    told_ = advice;
     EnableControls();
 }
 

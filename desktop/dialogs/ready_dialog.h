@@ -37,10 +37,10 @@ private:
     void Look();
     void Show();
     void FillVoices();
-    void AddRow(const char* what, const std::string& state);
     std::vector<std::string> ChosenVoices() const;
     void Install(const std::vector<std::string>& packages);
 
     LReadiness& machine_;
     std::vector<std::string> missing_;  // packages
+    std::string told_;                  // the advice that stands there; empty before the first
 };

@@ -1,5 +1,6 @@
 #include "desktop/dialogs/wizard.h"
 
+#include "gui/accessible.h"
 #include "gui/dialog_frame.h"
 #include "gui/dialog_gen_context.h"
 #include "gui/display_text.h"
@@ -30,6 +31,7 @@ void LWizard::AddPageTable(const Page& page) {
     GtkWidget* table = GenerateTable(*page.page, page.genData);
     page.page->AttachWidget(window_, true);
     GtkWidget* box = gtk_vbox_new(FALSE, 0);
+    SetPanelName(box, DisplayText(page.genData.title).c_str());
     gtk_box_pack_start(GTK_BOX(box), headline, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), table, FALSE, FALSE, 0);
     gtk_widget_show_all(box);
