@@ -39,8 +39,10 @@ void HotKeyAssignmentDlgImp::InitDialog() {
 }
 
 void HotKeyAssignmentDlgImp::Command(int command) {
-    if (command == kChangeKey && LKeyChangeDialog(Widget(), key_))
+    if (command == kChangeKey && LKeyChangeDialog(Widget(), key_)) {
         SetText(kKeyText, LKeyGetDescription(key_).c_str());
+        FocusControl(kKeyText);  // whoever listens hears which key was taken
+    }
 }
 
 bool HotKeyAssignmentDlgImp::CmOk() {

@@ -32,7 +32,7 @@ constexpr char kBanner[] = "Lectora v 1.05";
 MainDialog::MainDialog()
     : places_(*this),
       selection_([this] { EnableControls(); }),
-      find_([this](const char* text) { SetStatusText(text); }, [this] { Layout(); }),
+      find_([this](const char* text) { TellStatusText(text); }, [this] { Layout(); }),
       drop_([this](const auto& paths) { EvFilesDropped(paths); },
             [this](const std::string& text) { ReplaceText(text); }),
       tray_([this](int button) { EvTrayIconPressed(button); }),
@@ -73,6 +73,7 @@ void MainDialog::CreateControls() {
 
     AddControl(gtk_toggle_button_new(), kReadButton);
     CoolButtonInit(kReadButton, kReadButtonIcon, "Read Aloud");
+    SetCoolButtonUp(kReadButton);
     SetTooltip(kReadButton, "Read the current text aloud (Ctrl+Shift+R)");
     AddControl(gtk_toggle_button_new(), kSaveButton);
     CoolButtonInit(kSaveButton, kSaveButtonIcon, "Save as Speech");
@@ -297,7 +298,7 @@ void MainDialog::ReadText(const std::string& text, int voice) {
 void MainDialog::SaveText(const std::string& text, int voice) {
     const std::string note = SaveSpeech(Widget(), text, voice);
     if (!note.empty())
-        SetStatusText(note.c_str());
+        TellStatusText(note.c_str());
 }
 
 void MainDialog::CmRead() {
@@ -349,6 +350,7 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
 }
 
 void MainDialog::EvReadingStarted() {
+    waitIsTold_ = false;
     SetCoolButtonDown(kReadButton);
 }
 
@@ -365,12 +367,17 @@ void MainDialog::EvReadingStretch(std::size_t begin, std::size_t end) {
 }
 
 void MainDialog::EvReadingWaits() {
-    SetStatusText("Waiting for the voice, which is slower than speech (Esc stops)");
+    constexpr const char* kNote = "Waiting for the voice, which is slower than speech (Esc stops)";
+    waitIsTold_ ? SetStatusText(kNote) : TellStatusText(kNote);
+    waitIsTold_ = true;
 }
 
 void MainDialog::EvReadingEnded(const std::string& note, bool inTrouble) {
     SetCoolButtonUp(kReadButton);
-    SetStatusText(note.empty() ? kBanner : note.c_str());
+    if (note.empty())
+        SetStatusText(kBanner);
+    else
+        TellStatusText(note.c_str());
     highlight_.Hide();
     EnableControls();
     // The next file would meet the same trouble, and its box would hide this one's.

@@ -75,7 +75,7 @@ private:
     void EvReadingStarted() override;
     void EvReadingTime(LSoundTime position, LSoundTime length) override;
     void EvReadingStretch(std::size_t begin, std::size_t end) override;
-    void EvReadingRoute(const std::string& text) override { SetStatusText(text.c_str()); }
+    void EvReadingRoute(const std::string& text) override { TellStatusText(text.c_str()); }
     void EvReadingWaits() override;
     void EvReadingEnded(const std::string& note, bool inTrouble) override;
     bool HasNextReading() const override { return !waitingFiles_.empty(); }
@@ -151,6 +151,7 @@ private:
     bool askingToExit_ = false;
     bool loading_ = false;  // its dialog handles events
     bool settingWaitingFile_ = false;
+    bool waitIsTold_ = false;  // of this reading; every further one would be talked over
     HotKeyOffer hotKeyOffer_;
     bool offersHotKeys_ = false;  // once the window is drawn
     int hotKeyCount_ = 0;

@@ -22,12 +22,12 @@ void MainDialog::CmUndo(bool undo) {
         gtk_text_view_scroll_mark_onscreen(
             view, gtk_text_buffer_get_insert(gtk_text_view_get_buffer(view)));
     } else {
-        SetStatusText(undo ? "There is nothing to undo." : "There is nothing to redo.");
+        TellStatusText(undo ? "There is nothing to undo." : "There is nothing to redo.");
     }
 }
 
 void MainDialog::TellTextSize(int points) {
-    SetStatusText(("Text size: " + std::to_string(points) + " points").c_str());
+    TellStatusText(("Text size: " + std::to_string(points) + " points").c_str());
 }
 
 // The open bar takes its place before it takes the keyboard.

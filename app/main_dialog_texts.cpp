@@ -57,7 +57,7 @@ bool MainDialog::LoadFile(const char* path, FileFrom from) {
             MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
                           "Cannot read the file.", document->problem.c_str());
         else
-            SetStatusText(document->problem.c_str());
+            TellStatusText(document->problem.c_str());
         return false;
     }
     settingWaitingFile_ = from == FileFrom::kArguments;

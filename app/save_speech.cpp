@@ -157,8 +157,8 @@ std::string ProblemOfSize(std::size_t textBytes, OutputFormat format, bool mp3,
     return "";
 }
 
-// The whole speech, or an unchanged target file.
-void CopySpeech(GtkWidget* parent, const LSoundSource& source, const LSoundSink& sink, bool mp3,
+// The whole speech, or an unchanged target file, which is false.
+bool CopySpeech(GtkWidget* parent, const LSoundSource& source, const LSoundSink& sink, bool mp3,
                 WholeFile& output, const std::string& path) {
     SpeechCopy copy(source, sink);
     LProcessDialog<SpeechCopy> dialog("Saving File", copy);
@@ -167,13 +167,16 @@ void CopySpeech(GtkWidget* parent, const LSoundSource& source, const LSoundSink&
         const std::string problem = output.Commit();
         if (!problem.empty())
             ShowSaveError(parent, SentenceOf(path, problem));
-    } else if (dialog.Result() == kProcessFailed && mp3) {
+        return problem.empty();
+    }
+    if (dialog.Result() == kProcessFailed && mp3) {
         ShowSaveError(parent,
                       "The MP3 encoder has ended too early. It needs the program LAME (package "
                       "\"lame\") and room on the disk.");
     } else if (dialog.Result() == kProcessFailed) {
         ShowSaveError(parent, copy.Error() != 0 ? g_strerror(copy.Error()) : "");
     }
+    return false;
 }
 
 // False: nothing of the speech is there, which the user has been told, or it is not wanted.
@@ -234,8 +237,8 @@ std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice) {
         ShowSaveError(parent, trouble);
         return reading.Message();  // the speech stays, as after each stop before the copy
     }
-    CopySpeech(parent, source, sink, target.mp3, output, target.path);
+    const bool isSaved = CopySpeech(parent, source, sink, target.mp3, output, target.path);
     source.Close();
     ::unlink(speechPath.c_str());
-    return reading.Message();
+    return isSaved && reading.Message().empty() ? "Saved as " + target.path : reading.Message();
 }

@@ -9,5 +9,5 @@
 // stored default says so; an encoder that is missing is fetched. Blocks with dialogs; every failure
 // is told to the user. GUI thread.
 //
-// Gives back what is to be told of a save that went well, usually nothing.
+// Gives back what is to be told of a save that went well; nothing of another.
 std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice);
