@@ -12,24 +12,33 @@ import pyatspi
 
 import lectora_desktop as desktop
 
-# A log that is written in whole blocks would hold back the last utterances for ever. On a busy
-# machine a start of more than ten seconds is no hang, and the echo of Tab only hides what counts.
+# A log that is written in whole blocks would hold back the last utterances for ever; what else it
+# would tell costs the reader as much time as its speech. On a busy machine a start of more than ten
+# seconds is no hang, and the echo of Tab only hides what counts.
 _CUSTOMIZATIONS = """
 from orca import debug, settings
 debug.debugFile.reconfigure(line_buffering=True)
+debug.debugLevel = debug.LEVEL_INFO
+def speech_only(level, text="", timestamp=False, write=debug.println):
+    if text.startswith(("SPEECH OUTPUT", "^^^^^")):
+        write(level, text, timestamp)
+debug.println = speech_only
 settings.timeoutTime = 0
-settings.enableKeyEcho = False
+settings.enableKeyEcho = settings.enableBraille = False
 """
+
+# An utterance, whose further lines are indented, or the end of what an event made the reader say.
+_LOGGED = re.compile(r"SPEECH OUTPUT: '(.*?)'(?: voice=\w+)? ?(?:\{[^\n]*\}|None)?\n(?! {18})|(\^{5}) PROCESS", re.DOTALL)
 
 # What the user hears about states that a key press changes: the state, when set, else.
 _SPOKEN_STATES = {
     "check box": (pyatspi.STATE_CHECKED, "checked", "not checked"),
     "radio button": (pyatspi.STATE_CHECKED, "selected", "not selected"),
-    "toggle button": (pyatspi.STATE_PRESSED, "pressed", "not pressed"),
+    "toggle button": (pyatspi.STATE_CHECKED, "pressed", "not pressed"),
 }
 
 # What takes part in its parent's stop, and what only hands the focus on to its child.
-_PARTS = ("table cell", "table column header", "scroll pane", "page tab list")
+_PARTS = ("table cell", "table column header", "scroll pane", "split pane", "page tab list")
 
 
 class ScreenReader:
@@ -37,11 +46,14 @@ class ScreenReader:
         self._folder = tempfile.mkdtemp(prefix="screen-reader-", dir=desktop.DESKTOP)
         with open(os.path.join(self._folder, "orca-customizations.py"), "w") as file:
             file.write(_CUSTOMIZATIONS)
-        self._log = os.path.join(self._folder, "log")
+        log = os.path.join(self._folder, "log")
+        open(log, "w").close()
+        self._log = open(log, encoding="utf-8", errors="replace")
+        self._unread, self._logged = "", []
         output = os.path.join(self._folder, "output")
         with open(output, "w") as file:
             self.process = subprocess.Popen(
-                ["orca", "--user-prefs", self._folder, "--debug-file", self._log],
+                ["orca", "--user-prefs", self._folder, "--debug-file", log],
                 stdin=subprocess.DEVNULL,
                 stdout=file,
                 stderr=file,
@@ -61,22 +73,24 @@ class ScreenReader:
     def end(self):
         self.process.kill()
         self.process.wait()
+        self._log.close()
 
-    def _utterances(self):
-        try:
-            with open(self._log, encoding="utf-8", errors="replace") as file:
-                log = file.read()
-        except FileNotFoundError:
-            return []
-        # The last line may be half written.
-        return re.findall(r"SPEECH OUTPUT: '(.*?)' ?(?: voice=\w+)?\{[^\n]*\n", log, re.DOTALL)
+    def _read_log(self):
+        """The utterances, and None where an event has ended."""
+        self._unread += self._log.read()
+        end = 0
+        for match in _LOGGED.finditer(self._unread):
+            self._logged.append(None if match[2] else " ".join(match[1].split()))
+            end = match.end()
+        self._unread = self._unread[end:]
+        return self._logged
 
     def mark(self):
         """The present moment, for said_since."""
-        return len(self._utterances())
+        return len(self._read_log())
 
     def said_since(self, mark):
-        return " ".join(self._utterances()[mark:])
+        return " ".join(filter(None, self._read_log()[mark:]))
 
     def wait_until_said(self, *parts, since=0):
         """Everything said since then, once it holds all these parts."""
@@ -95,8 +109,8 @@ class ScreenReader:
         """Presses Tab through the active window until it comes round, and the arrow keys through what
         is one stop; the stops in their order. The first counts as said when it was said since then.
 
-        Fails at the first control that is not said with its name, its role and its state, and when
-        one that could have the focus is passed by.
+        Fails at the first control that is not said with its name, its role and its state, when one
+        that could have the focus is passed by, and when the way through does not follow the eye.
         """
         stops = [self._heard(_focus(window), since)]
         while len(_focusable(window)) > 1:
@@ -107,17 +121,47 @@ class ScreenReader:
                 break
             stops.append(following)
         reached = [stop.widget for stop in stops]
-        passed_by = [_describe(each) for each in _focusable(window) if each not in reached]
+        passed_by = [describe(each) for each in _focusable(window) if each not in reached]
         assert not passed_by, f"Tab passes by {passed_by}"
+        # Downwards or to the right, but for the one step that begins again.
+        places = [stop.widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS) for stop in stops]
+        back = [
+            stop.name
+            for stop, to, at in zip(stops, places, places[-1:] + places)
+            if to.x <= at.x and to.y <= at.y and (to.x, to.y) != (at.x, at.y)
+        ]
+        assert len(back) <= 1, f"Tab goes back to {back}"
         return stops
 
     def go_to(self, window, name):
-        """Presses Tab until the focus is on what has the name."""
+        """Presses Tab until the focus is on what has the name, and is said."""
         stop, seen = _focus(window), []
-        while stop.name != name:
+        while _name(stop) != name:
             assert stop not in seen, f"Tab does not reach '{name}'"
             seen.append(stop)
+            mark = self.mark()
             stop = self._move(window, stop, "Tab")
+        if seen:
+            self._heard(stop, mark)
+
+    def press(self, keys, *parts, then_tab=False):
+        """Presses the keys and waits until the parts are said, pressing Tab for as long as what was
+        said was something else; gives back what was said."""
+        mark = self.mark()
+        desktop.press_keys(*keys.split())
+        while then_tab:
+            desktop.wait_until(lambda: self._is_told(mark), f"a word when {keys} is pressed")
+            if all(part in self.said_since(mark) for part in parts):
+                break
+            mark, keys = self.mark(), "Tab"
+            desktop.press_keys(keys)
+        return self.wait_until_said(*parts, since=mark)
+
+    def _is_told(self, mark):
+        """Whether something was said and all of it: the rest would be taken for the next control's."""
+        since = self._read_log()[mark:]
+        said = next((at for at, words in enumerate(since) if words), len(since))
+        return None in since[said:]
 
     def _next(self, window, stop, key):
         mark = self.mark()
@@ -130,22 +174,43 @@ class ScreenReader:
                 lambda: (now := _focus(window)) != widget and now, "the focus to move on"
             )
         except desktop.TimeOut:
-            raise AssertionError(f"{key} does not lead on from {_describe(widget)}") from None
+            raise AssertionError(f"{key} does not lead on from {describe(widget)}") from None
 
     def _heard(self, widget, since):
-        role = widget.getRoleName()
-        assert widget.name, f"a {role} has no name"
-        said = self.wait_until_said(
-            widget.name, _spoken_role(widget), _spoken_state(widget), since=since
-        )
-        return Stop(widget, role, widget.name, said)
+        role, name = widget.getRoleName(), _name(widget)
+        assert name, f"a {role} has no name"
+        said = self.wait_until_said(name, _spoken_role(widget), _spoken_state(widget), since=since)
+        return Stop(widget, role, name, said)
 
 
 Stop = collections.namedtuple("Stop", "widget role name said")
 
 
-def _describe(widget):
-    return f"{widget.getRoleName()} '{widget.name}'"
+def active_window():
+    """The window or dialog of any program that has the keyboard."""
+    return desktop.wait_until(
+        lambda: next(
+            window
+            for program in pyatspi.Registry.getDesktop(0)
+            for window in program
+            if window.getState().contains(pyatspi.STATE_ACTIVE)
+        ),
+        "an active window",
+    )
+
+
+def _name(widget):
+    """Its own, or that of what labels it."""
+    labels = [
+        each.getTarget(0).name
+        for each in widget.getRelationSet()
+        if each.getRelationType() == pyatspi.RELATION_LABELLED_BY
+    ]
+    return " ".join((widget.name or "".join(labels)).split())
+
+
+def describe(widget):
+    return f"{widget.getRoleName()} {_name(widget)}"
 
 
 def _spoken_role(widget):
