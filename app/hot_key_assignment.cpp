@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include "app/key_change_dialog.h"
+#include "gui/accessible.h"
 #include "gui/dialog_gen_context.h"
 #include "gui/message_box.h"
 
@@ -41,7 +42,7 @@ void HotKeyAssignmentDlgImp::InitDialog() {
 void HotKeyAssignmentDlgImp::Command(int command) {
     if (command == kChangeKey && LKeyChangeDialog(Widget(), key_)) {
         SetText(kKeyText, LKeyGetDescription(key_).c_str());
-        FocusControl(kKeyText);  // whoever listens hears which key was taken
+        TellScreenReader(Widget(), GetText(kKeyText).c_str());
     }
 }
 
