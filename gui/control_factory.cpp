@@ -1,11 +1,22 @@
 #include "gui/control_factory.h"
 
+#include "gui/accessible.h"
+
 GtkWidget* NewDropDownList() {
     return gtk_combo_box_text_new();
 }
 
 GtkWidget* NewComboBox() {
-    return gtk_combo_box_text_new_with_entry();
+    GtkWidget* combo = gtk_combo_box_text_new_with_entry();
+    // Up and Down choose another row from the entry; of that a screen reader says only that the old
+    // text has gone.
+    g_signal_connect(combo, "changed", G_CALLBACK(+[](GtkComboBox* self, gpointer) {
+                         GtkWidget* entry = gtk_bin_get_child(GTK_BIN(self));
+                         if (gtk_combo_box_get_active(self) >= 0 && gtk_widget_has_focus(entry))
+                             TellScreenReader(entry, gtk_entry_get_text(GTK_ENTRY(entry)));
+                     }),
+                     nullptr);
+    return combo;
 }
 
 LEditWidgets NewEdit(bool readOnly, GtkPolicyType verticalScrollBar) {
