@@ -56,13 +56,14 @@ void LPlayDlg::EvEnded() {
         DoCANCELButton();
 }
 
-void LPlayDlgModeless::Restart(GtkWidget* neighbour) {
+void LPlayDlgModeless::Restart(GtkWidget* neighbour, bool takesKeyboard) {
     if (IsOpen()) {
         ShowItem();
         CmPlay();
         return;
     }
     neighbour_ = neighbour;
+    givesFocusBack_ = takesKeyboard;
     StartPlaying();
     if (!IsLoaded())
         return;
@@ -80,7 +81,7 @@ void LPlayDlgModeless::InitDialog() {
     GtkWindow* window = GTK_WINDOW(Widget());
     gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_NORMAL);  // found like any program
     const bool isSeen = neighbour_ != nullptr && gtk_widget_get_visible(neighbour_) != FALSE;
-    givesFocusBack_ = isSeen && gtk_window_is_active(GTK_WINDOW(neighbour_)) != FALSE;
+    givesFocusBack_ = givesFocusBack_ && isSeen;
     awaitsFocus_ = givesFocusBack_;
     gtk_window_set_focus_on_map(window, givesFocusBack_ ? TRUE : FALSE);
     if (isSeen)

@@ -45,9 +45,9 @@ public:
 
     // Plays what `info` tells of, from its start: in the panel that is open, or in a new one beside
     // `neighbour` (null or hidden: wherever the window manager puts it). A new panel takes the
-    // keyboard only when `neighbour` has it, so that a user who works in another program goes on
-    // there; closing gives it back.
-    void Restart(GtkWidget* neighbour);
+    // keyboard only from a `neighbour` that had it, so that a user who works in another program
+    // goes on there; closing gives it back.
+    void Restart(GtkWidget* neighbour, bool takesKeyboard);
     void RestartUnseen();  // the same without a panel
     void Seek(LSoundTime time) { MoveTo(time); }
     void Stop();            // without word to the listener
