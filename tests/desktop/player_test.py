@@ -126,7 +126,7 @@ class PlayerTest(DesktopCase):
         desktop.wait_until(lambda: not self.has_next(lectora), "the button to go")
 
     def has_next(self, lectora):
-        return self.has_state(lectora, "Next Track (PgDn)", pyatspi.STATE_SHOWING)
+        return lectora.shown("push button", "Next Track (PgDn)")
 
 
 if __name__ == "__main__":

@@ -1,11 +1,10 @@
 """What a screen reader says of the program, which is used by the keyboard alone."""
 import os
-import signal
 import subprocess
 import tempfile
 import unittest
 
-from desktop_case import DesktopCase, desktop
+from desktop_case import SHARE, DesktopCase, desktop
 from screen_reader import ScreenReader, active_window, describe
 
 PROGRAM = "opt/quillon/lectora/bin/lectora"
@@ -16,10 +15,10 @@ MAIN, LOAD, OPTIONS = "frame Lectora", "dialog Locate File to Read Text", "dialo
 ASSIGN, PLAYER, QUESTION = "dialog Hot-Key Assignment", "dialog Lectora Player", "alert Question"
 FIRST_START = (
     (None, None, "", "Do you want to use Lectora from every program? Select a text", "Yes, No"),
-)
-WINDOWS = (
     (MAIN, None, "", "Text to read text",
      "Text to read, Choose Voice:, Read Aloud, Save as Speech, Options, Read from a file"),
+)
+WINDOWS = (
     (MAIN, "Text to read", "ctrl+f", "Find: text", "Find:, Next, Close"),
     (MAIN, "Find:", "z Return", '"z" is not in the text.', None),
     (MAIN, None, "Escape", "Text to read text", None),
@@ -65,6 +64,40 @@ WIZARDS = {
         (None, "Finish", "space", "Uninstall is complete.", "OK"),
     ),
 }
+SENTENCES = [f"Number {word} is a sentence that goes on{' and on' * 20}." for word in ("one", "two", "three")]
+# The words that are heard, and the keys that they lead to.
+TO_SOUND = (
+    ("Text to read text", "ctrl+o"),
+    ("Locate File to Read Text dialog", "STORY"),
+    ("and on", "Tab"),
+    ("Choose Voice: editable combo box", "Down"),
+    ("voice2", "ctrl+shift+r"),
+    ("Play (F9) toggle button pressed", ""),
+)
+TO_THE_SENTENCE_BEFORE = (
+    ("", "space"),
+    ("not pressed", "Tab"),
+    ("Previous Sentence (Ctrl+Left) push button", "ctrl+Left Tab"),
+    ("Play (F9) toggle button not pressed", "space"),
+    ("pressed", ""),
+)
+TO_A_FILE_AND_A_HOTKEY = (
+    ("", "Escape Escape"),
+    ("Choose Voice", "ctrl+alt+v"),
+    ("Save File as dialog. Name: text", "SOUND"),
+    ("Saved as", "alt+t o"),
+    ("Options dialog", "Tab"),
+    ("when computer starts check box", "ctrl+Page_Down"),
+    ("System Wide HotKeys. table with 0 rows", "Tab"),
+    ("Add... push button", "space"),
+    ("Hot-Key Assignment dialog. Command combo box", "Down"),
+    ("Read text from clipboard", "Tab"),
+    ("Change Key push button", "space"),
+    ("Press a key or a key combination", "ctrl+alt+k"),
+    ("Ctrl+Alt+K", "alt+o"),
+    ("Add... push button", "alt+o"),
+    ("Choose Voice", ""),
+)
 
 
 class ScreenReaderTest(DesktopCase):
@@ -75,12 +108,16 @@ class ScreenReaderTest(DesktopCase):
         cls.neighbour = desktop.Lectora(HOME=tempfile.mkdtemp(dir=desktop.DESKTOP))
         cls.addClassCleanup(cls.neighbour.end)
 
+    def setUp(self):
+        super().setUp()
+        self.began = self.reader.mark()
+
     def leave(self):
         """Gives the keyboard to another program: the reader hangs, or misses the next window, when
         the one that it is asking about ends."""
         before = self.reader.mark()
         self.neighbour.focus()
-        self.reader.wait_until_said("Text to read text", since=before)
+        desktop.wait_until(lambda: self.reader.said_since(before), "a word")
 
     def walk(self, rows):
         for origin, control, keys, heard, names in rows:
@@ -98,15 +135,31 @@ class ScreenReaderTest(DesktopCase):
                 missing = set(names.split(", ")) - {stop.name for stop in stops}
                 self.assertFalse(missing, f"{heard}: not reached by Tab")
 
+    def hear_menu(self, menu, keys):
+        for item in menu:
+            if item.name and item.getState().contains(desktop.pyatspi.STATE_SENSITIVE):
+                self.hear(keys, item.name)
+                keys = "Down"
+                if item.getRoleName() == "menu":
+                    self.hear_menu(item, "Right")
+                    self.hear("Left", item.name)
+
+    def hear(self, keys, words):
+        before = self.reader.mark()
+        desktop.press_keys(*keys.split())
+        self.reader.wait_until_said(words, since=before)
+
     def test_every_control_is_said(self):
         self.store("settings", savedefaultformat=1, saveformat=1)
         desktop.tell_engine("text2wave long 600")
         self.card.tell("speed 1")
-        self.began = self.reader.mark()
         lectora = self.start(asks=True)
+        lectora.set_text("some words")
         self.walk(FIRST_START)
         self.give_keys((0x40000 | ord("Q"), 1))
-        lectora.set_text("some words")
+        for number, menu in enumerate(lectora.find("menu bar")):
+            self.hear_menu(menu, "F10" + " Right" * number + " Down")
+            self.hear("Escape Escape", "Text to read text")
         self.walk(WINDOWS)
         desktop.tell_engine("text2wave hang")
         self.walk(TROUBLE)
@@ -125,6 +178,43 @@ class ScreenReaderTest(DesktopCase):
             self.walk(rows)
             self.leave()
             wizard.end()
+
+    def test_a_story_is_read_saved_and_given_a_key_by_its_words_alone(self):
+        self.give_keys()
+        self.store("settings", savedefaultformat=0)
+        subprocess.run(["bash", os.path.join(SHARE, "components/mp3el")], check=True)
+        paths = {"STORY": self.file("story.txt", " ".join(SENTENCES)), "SOUND": os.path.join(desktop.HOME, "story.mp3")}
+        engine = [os.path.join(desktop.HERE, "engine/text2wave"), "-eval", "(voice_voice2)", paths["STORY"]]
+        own, decoded, reference = (self.file(f"{name}.wav", "") for name in ("own", "decoded", "reference"))
+        subprocess.run([*engine, "-o", own], check=True)
+        spoken = desktop.Sound(own)
+        desktop.forget_engine_calls()
+        self.card.tell("speed 1")
+        self.start()
+        began = self.reader.follow(TO_SOUND, self.began, paths)
+        stream = self.card.next_stream()
+        # Until the second sentence is heard, which is a buffer after it was handed over.
+        length = 800 * len("".join(SENTENCES[0].split()))
+        desktop.wait_until(lambda: self.card.sound(stream).frames > length + 20000, "the second sentence")
+        began = self.reader.follow(TO_THE_SENTENCE_BEFORE, began, paths)
+        self.card.wait_for(stream, "close")
+        heard = self.card.sound(self.card.next_stream())
+        self.assertTrue(all("(voice_voice2)" in call for call in self.spoken()))
+        one = slice(800 * len("Number"), 800 * len("Numberone"))
+        self.assertGreater(desktop.best_correlation(heard.samples[one], spoken.samples[one], 200), 0.99)
+        self.reader.follow(TO_A_FILE_AND_A_HOTKEY, began, paths)
+        subprocess.run(["lame", "--quiet", "--decode", paths["SOUND"], decoded], check=True)
+        subprocess.run(["sox", own, "-r", "44000", reference], check=True)
+        saved, part = desktop.Sound(decoded), slice(22000, 23000)
+        self.assertLess(abs(saved.frames / 44000 - spoken.frames / spoken.rate), 0.1)
+        expected = desktop.Sound(reference).channel(0)[part]
+        self.assertGreater(desktop.best_correlation(saved.channel(0)[part], expected, 1500), 0.9)
+        self.select("words of another program")
+        desktop.press_keys("ctrl+alt+k")
+        self.card.next_stream()
+        self.assertTrue(self.spoken()[-1].endswith("words of another program"))
+        desktop.press_keys("Escape")
+        self.leave()
 
 
 if __name__ == "__main__":

@@ -144,24 +144,32 @@ class ScreenReader:
         if seen:
             self._heard(stop, mark)
 
-    def press(self, keys, *parts, then_tab=False):
-        """Presses the keys and waits until the parts are said, pressing Tab for as long as what was
-        said was something else; gives back what was said."""
-        mark = self.mark()
-        desktop.press_keys(*keys.split())
-        while then_tab:
-            desktop.wait_until(lambda: self._is_told(mark), f"a word when {keys} is pressed")
-            if all(part in self.said_since(mark) for part in parts):
-                break
-            mark, keys = self.mark(), "Tab"
-            desktop.press_keys(keys)
-        return self.wait_until_said(*parts, since=mark)
+    def follow(self, steps, since, paths):
+        """Presses the keys of each step once its words are heard, and Tab again and again until they
+        are; the name of a path is typed as that path. Gives back the moment of the last key."""
+        tabs = False
+        for words, keys in steps:
+            while tabs and words not in self._told_since(since):
+                since = self.mark()
+                desktop.press_keys("Tab")
+            if words:
+                self.wait_until_said(words, since=since)
+                self._told_since(since)
+            since, tabs = self.mark(), keys.endswith("Tab")
+            if keys in paths:
+                desktop.xdotool("type", "--delay", "20", paths[keys])
+                keys = "Return"
+            desktop.press_keys(*keys.split())
+        return since
 
-    def _is_told(self, mark):
-        """Whether something was said and all of it: the rest would be taken for the next control's."""
-        since = self._read_log()[mark:]
-        said = next((at for at, words in enumerate(since) if words), len(since))
-        return None in since[said:]
+    def _told_since(self, mark):
+        """What was said since then, once that is all: the rest would be taken for the next control's."""
+
+        def told():
+            since = self._read_log()[mark:]
+            return any(since) and since[-1] is None and self.said_since(mark)
+
+        return desktop.wait_until(told, "a word")
 
     def _next(self, window, stop, key):
         mark = self.mark()

@@ -12,6 +12,10 @@
 #include <optional>
 #include <string>
 
+#include "formats/dialogs/aiff_settings_dialog.h"
+#include "formats/dialogs/au_settings_dialog.h"
+#include "formats/dialogs/mp3_encode_dialog.h"
+#include "formats/dialogs/raw_settings_dialog.h"
 #include "foundation/file.h"
 #include "gui/accessible.h"
 #include "gui/icon_numbers.h"
@@ -303,6 +307,29 @@ void ShowSheet() {
     sheet.Open(nullptr, "Options", 0);
 }
 
+void ShowFormats() {
+    LMp3EncodeSettings mp3;
+    LAuSettingsDlg au;
+    LAIFFSettingsDlg aiff;
+    LRawSettings settings{44100, 2, kRawPcm16};
+    LRawSettingsDialog raw(settings, "GalleryRaw");
+    {
+        const Photographer photographer("mp3-settings");
+        LMP3EncodeDlg(mp3).Run(nullptr);
+    }
+    {
+        const Photographer photographer("au-settings");
+        au.Run(nullptr);
+    }
+    // The program shows these two nowhere.
+    {
+        const Photographer photographer("aiff-settings");
+        static_cast<LDialog&>(aiff).Open(nullptr, {"AIFF", false, DlgGenAIFFEncode}, true);
+    }
+    const Photographer photographer("raw-settings");
+    static_cast<LDialog&>(raw).Open(nullptr, {"Raw", false, DlgGenRawSettings}, true);
+}
+
 struct Work {};
 LProcessResult Process(LProgressDialog& dialog, Work&) {
     dialog.SetFirstLabel("Synthesize Voice");
@@ -380,6 +407,7 @@ void ShowAll() {
     }
     ShowMainLike();
     ShowSheet();
+    ShowFormats();
     ShowBoxes();
 }
 
