@@ -307,26 +307,15 @@ void ShowSheet() {
     sheet.Open(nullptr, "Options", 0);
 }
 
+// To be heard; the program itself shows none of them.
 void ShowFormats() {
     LMp3EncodeSettings mp3;
-    LAuSettingsDlg au;
+    LMP3EncodeDlg(mp3).Run(nullptr);
+    LAuSettingsDlg().Run(nullptr);
     LAIFFSettingsDlg aiff;
+    static_cast<LDialog&>(aiff).Open(nullptr, {"AIFF", false, DlgGenAIFFEncode}, true);
     LRawSettings settings{44100, 2, kRawPcm16};
     LRawSettingsDialog raw(settings, "GalleryRaw");
-    {
-        const Photographer photographer("mp3-settings");
-        LMP3EncodeDlg(mp3).Run(nullptr);
-    }
-    {
-        const Photographer photographer("au-settings");
-        au.Run(nullptr);
-    }
-    // The program shows these two nowhere.
-    {
-        const Photographer photographer("aiff-settings");
-        static_cast<LDialog&>(aiff).Open(nullptr, {"AIFF", false, DlgGenAIFFEncode}, true);
-    }
-    const Photographer photographer("raw-settings");
     static_cast<LDialog&>(raw).Open(nullptr, {"Raw", false, DlgGenRawSettings}, true);
 }
 
@@ -407,7 +396,8 @@ void ShowAll() {
     }
     ShowMainLike();
     ShowSheet();
-    ShowFormats();
+    if (folder.empty())
+        ShowFormats();
     ShowBoxes();
 }
 
