@@ -4,10 +4,10 @@ import shutil
 import socket
 import subprocess
 import tempfile
-import threading
 import unittest
 
 from desktop_case import DesktopCase, desktop
+from report_server import ReportServer
 
 PROGRAM = "opt/quillon/lectora/bin/lectora"
 
@@ -31,32 +31,6 @@ class Wizard(desktop.Lectora):
     @staticmethod
     def shows(widget):
         return widget.getState().contains(desktop.pyatspi.STATE_SHOWING)
-
-
-class ReportServer:
-    """Takes what each connection brings, to its end."""
-
-    def __enter__(self):
-        self.received = []
-        self.listener = socket.create_server(("127.0.0.1", 0))
-        self.host = "%s:%d" % self.listener.getsockname()
-        self.thread = threading.Thread(target=self.serve)
-        self.thread.start()
-        return self
-
-    def __exit__(self, *_):
-        self.listener.shutdown(socket.SHUT_RDWR)  # wakes accept()
-        self.thread.join()
-        self.listener.close()
-
-    def serve(self):
-        while True:
-            try:
-                peer, _ = self.listener.accept()
-            except OSError:
-                return
-            with peer, peer.makefile("rb") as file:
-                self.received.append(file.read())
 
 
 def everything(folder):

@@ -57,7 +57,7 @@ class WindowTest(DesktopCase):
         self.read_aloud(lectora)
         self.assertEqual([call.split()[-1] for call in self.spoken()], ["first", "second", "second"])
 
-    def test_an_edit_ends_the_queue_of_files(self):
+    def test_a_file_comes_from_a_second_start_and_an_edit_ends_the_queue(self):
         self.card.tell("speed 1")
         desktop.tell_engine("text2wave long 2")
         files = [self.file(f"{word}.txt", word) for word in ("first", "second")]
@@ -68,6 +68,10 @@ class WindowTest(DesktopCase):
         self.card.wait_for(stream, "close")
         self.read_aloud(lectora)
         self.assertEqual(lectora.text(), "firstx")
+        with desktop.Lectora(self.file("third.txt", "handed over")) as start:
+            self.assertEqual(start.process.wait(desktop.PATIENCE), 0)
+        self.card.wait_for(self.card.next_stream(), "start")
+        self.assertEqual(lectora.text(), "handed over")
 
     def test_a_program_named_setup_ends_without_a_word(self):
         program = os.path.join(desktop.HOME, "lectora-setup")

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/settings_keys.h"
-
 namespace {
 
 const std::string kStart = "software=Lectora&version=1.05&report=UNINSTALL&text=";
@@ -42,15 +40,6 @@ TEST(UninstallReport, FollowsTheRowBehindTheReasonThatIsShown) {
         EXPECT_EQ(UninstallReportBody(each.item, each.typed),
                   each.text.empty() ? "" : kStart + each.text)
             << each.choice;
-}
-
-TEST(UninstallReport, NeverMindsAServerThatIsNotThere) {
-    LSilentProgress progress;
-    for (const char* gone : {"127.0.0.1:1", "no such host", "h:0"}) {
-        kReportHostSetting.Set(gone);
-        ProcessUninstallReport(progress, "body");
-    }
-    kReportHostSetting.Delete();
 }
 
 }  // namespace
