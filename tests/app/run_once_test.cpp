@@ -88,6 +88,7 @@ TEST_F(RunOnceTest, OfStartsInTheSameInstantOneIsTheInstance) {
         ASSERT_EQ(0, ::bind(dead.Get(), Address(), sizeof(sockaddr_un)));
         dead.Reset();
         std::vector<std::thread> threads;
+        threads.reserve(starts.size());
         for (RunOnceSocket& start : starts)
             threads.emplace_back([&] {
                 instances += start.ClaimPath(path_, {"x"}) == RunOnceSocket::Claim::kServer ? 1 : 0;
