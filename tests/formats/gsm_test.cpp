@@ -141,7 +141,7 @@ TEST_F(GsmTest, OtherDecodersHearWhatOursHearsAndOtherEncodersCodeNoBetter) {
 
 TEST_F(GsmTest, FilesHoldWholeFramesHoweverTheyAreWritten) {
     std::vector<int> voice = Voice(8192 * 2);
-    for (const std::size_t frames : {16384, 161, 160, 1, 0}) {
+    for (const std::size_t frames : {16384U, 161U, 160U, 1U, 0U}) {
         voice.resize(frames);
         std::vector<int> padded = voice;
         padded.resize((frames + 159) / 160 * 160);

@@ -85,6 +85,7 @@ protected:
         EXPECT_EQ(sf_readf_float(file, floats.data(), info.frames), info.frames);
         sf_close(file);
         std::vector<int> words;
+        words.reserve(floats.size());
         for (const float value : floats)
             words.push_back(static_cast<int>(std::lrint(value * 32768.0F)));
         return words;

@@ -113,7 +113,7 @@ TEST_F(DBEdit, TypedTextMovesTheHandleAndEnterTellsTheWindow) {
     gtk_widget_activate(entry_);
     EXPECT_EQ(Text(), "-12dB");
     EXPECT_EQ(told_, std::vector{20});
-    for (const guint key : {GDK_KEY_Up, GDK_KEY_End, GDK_KEY_End})
+    for (const guint key : std::vector<guint>{GDK_KEY_Up, GDK_KEY_End, GDK_KEY_End})
         SendKey(display_, GDK_KEY_PRESS, key);
     SendEvent(display_, GDK_SCROLL,
               [](GdkEvent& event) { event.scroll.direction = GDK_SCROLL_DOWN; });

@@ -79,7 +79,7 @@ TEST(SourceToSinkTest, UnusableEndsFailAndEmptySourcesAreDone) {
     const struct {
         std::uint8_t sourceStatus, sinkStatus, sourceChannels;
         LProcessResult result;
-        int samples;
+        std::size_t samples;
     } cases[] = {{SoundStatus::kInnerNotGood, 0, 1, kProcessFailed, 600},
                  {SoundStatus::kGood, 3, 1, kProcessFailed, 600},
                  {SoundStatus::kGood, 2, 1, kProcessDone, 600},  // only bit 0 refuses
@@ -91,7 +91,7 @@ TEST(SourceToSinkTest, UnusableEndsFailAndEmptySourcesAreDone) {
         TestRun run(source, 8000, 1);
         run.sink->SetStatus(sinkStatus);
         EXPECT_EQ(Process(run.progress, run.request), result);
-        EXPECT_EQ(std::ssize(run.sink->samples), result == kProcessDone ? samples : 0);
+        EXPECT_EQ(run.sink->samples.size(), result == kProcessDone ? samples : 0);
     }
 }
 
