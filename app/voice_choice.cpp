@@ -42,8 +42,10 @@ LProcessResult VoiceChoice::Await(GtkWidget* parent) {
 
 void VoiceChoice::NoteChange() {
     const int selected = window_.PDLGetCurSel(list_);
-    if (selected >= 0)
-        chosen_ = selected;
+    if (selected < 0 || selected == chosen_)
+        return;
+    chosen_ = selected;
+    kVoiceSetting.Set(IndexAtNextStart(chosen_));  // the end of a session ends the program unasked
 }
 
 int VoiceChoice::Chosen() {

@@ -28,8 +28,8 @@ public:
     // Whatever was typed into the list, the voice chosen last reads: a typed name chooses its
     // voice, anything else is put right. Index into the engine's voices, -1 while there are none.
     int Chosen();
-    void NoteChange();  // the list's selection has changed
-    void Store();       // for the next start; nothing known, nothing stored
+    void NoteChange();  // the list's selection has changed; stored
+    void Store();       // what was typed, too, for the next start; nothing known, nothing stored
 
 private:
     void EvNotify() override;

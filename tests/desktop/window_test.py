@@ -17,6 +17,7 @@ class WindowTest(DesktopCase):
         desktop.press_keys("Tab", "Down", "Down", "x", "ctrl+shift+r")
         self.card.wait_for(self.card.next_stream(), "close")
         self.assertIn("(voice_voice3)", desktop.engine_calls()[-1])
+        self.assertEqual(self.setting("settings", "texttospeechvoice"), "2", "kept before the end")
         lectora.focus()
         desktop.press_keys("ctrl+a", *"voice2")
         self.assertEqual(lectora.exit(), 0)
