@@ -9,11 +9,15 @@
 // GUI thread. The question goes with this object.
 class HotKeyOffer {
 public:
-    // Asks from the main loop, once in the user's life, unless there are hotkeys already. After a
-    // yes they are stored and taken is called. The window is borrowed; once it is closed, nobody is
-    // asked.
+    // Asks from the main loop, once in the user's life, unless there are hotkeys already: when the
+    // window, which is shown, has the keyboard, or two seconds later where no window manager gives
+    // it. After a yes they are stored and taken is called. The window is borrowed; once it is
+    // closed, nobody is asked.
     void AskSoon(const LWindow& window, std::function<void()> taken);
 
 private:
+    static gboolean GCFocusIn(GtkWidget* widget, GdkEventFocus* event, gpointer self);
+
+    std::function<void()> ask_;
     LGuiTimer timer_;
 };
