@@ -7,7 +7,6 @@ The engine is the stand-in of tests/support/engine and the card a virtual one wh
 was heard when. Prints figures; fails only when something does not work at all.
 """
 import os
-import statistics
 import sys
 import time
 
@@ -25,14 +24,7 @@ if "LECTORA_DESKTOP" not in os.environ:
 
 sys.path.insert(0, SUPPORT)
 import lectora_desktop as desktop  # noqa: E402
-
-
-def report(what, values, unit="ms", aim=""):
-    print(
-        f"{what:44} median {statistics.median(values):7.1f} {unit}   "
-        f"range {min(values):.1f} to {max(values):.1f}{'   aim: ' + aim if aim else ''}",
-        flush=True,
-    )
+from figures import report  # noqa: E402
 
 
 class Player:

@@ -35,6 +35,7 @@ if "LECTORA_DESKTOP" not in os.environ:
 
 sys.path.insert(0, SUPPORT)
 import lectora_desktop as desktop  # noqa: E402
+from figures import report  # noqa: E402
 
 
 def engine_seconds(program):
@@ -44,14 +45,6 @@ def engine_seconds(program):
     begin = [float(row[2]) for row in rows if row[1] == "begin"][-1]
     end = [float(row[2]) for row in rows if row[1] == "end"][-1]
     return end - begin
-
-
-def report(what, values, unit="ms", aim=""):
-    print(
-        f"{what:52} median {statistics.median(values):7.0f} {unit}   "
-        f"range {min(values):.0f} to {max(values):.0f}{'   aim: ' + aim if aim else ''}",
-        flush=True,
-    )
 
 
 class ShownWindows:
