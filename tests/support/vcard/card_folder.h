@@ -4,7 +4,7 @@
 //   name Virtual Card 0      what the control interface answers
 //   rates 22050 48000        the rates granted; none means every rate from 4000 to 192000
 //   channels 2               the channel counts granted; none means 1 and 2
-//   speed 8                  how many times faster than a real card's its clock runs
+//   speed 8                  how many times faster than a real card's its clock runs, from now on
 //   server 45                it is a sound server with that latency (milliseconds), as PulseAudio's
 //                            plug-in shows one: asked for its delay it fails until it plays, then
 //                            never says less than that; it never runs dry

@@ -57,7 +57,7 @@ private:
         return fault != nullptr && frame >= fault->frame;
     }
     void SetTicks(bool ticking);
-    double FramesPerMicrosecond() { return io_.rate * folder_.Settings().speed / 1e6; }
+    double FramesPerMicrosecond() const { return io_.rate * speed_ / 1e6; }
     void Log(const char* event, const std::string& more = "") {
         sound_.Log(event, receivedBefore_ + received_, playedBefore_ + played_, more);
     }
@@ -72,8 +72,9 @@ private:
     std::uint64_t playedBefore_ = 0;
     std::uint64_t received_ = 0;  // frames, since the last prepare
     std::uint64_t played_ = 0;
-    std::int64_t clockStart_ =
-        0;  // the moment, in microseconds, at which frame 0 since prepare was played
+    // The moment, in microseconds, at which frame 0 since prepare was played.
+    std::int64_t clockStart_ = 0;
+    double speed_ = 1;  // of the clock
     snd_pcm_uframes_t boundary_ = 0;
     snd_pcm_uframes_t availMin_ = 1;
 };
@@ -208,6 +209,7 @@ void VirtualPcm::SetTicks(bool ticking) {
 }
 
 void VirtualPcm::StartClock() {
+    speed_ = folder_.Settings().speed;
     clockStart_ = StartFor(played_);
     SetTicks(true);
 }
@@ -277,6 +279,9 @@ void VirtualPcm::PlayOn() {
     const auto elapsed = static_cast<double>(MonotonicMicroseconds() - clockStart_);
     const auto clock = static_cast<std::uint64_t>(std::max(elapsed * FramesPerMicrosecond(), 0.0));
     played_ = std::clamp(clock, played_, received_);
+    // What was played by now was played at the old speed.
+    if (speed_ != folder_.Settings().speed)
+        StartClock();
     ApplyFaults();
     if (io_.state != SND_PCM_STATE_RUNNING || clock < received_)
         return;
