@@ -50,9 +50,13 @@ def wait_until(condition, what, seconds=PATIENCE):
 
 
 def xdotool(*arguments):
-    return subprocess.run(
-        ["xdotool", *map(str, arguments)], capture_output=True, text=True, check=False
-    ).stdout
+    while True:
+        run = subprocess.run(
+            ["xdotool", *map(str, arguments)], capture_output=True, text=True, check=False
+        )
+        # A window that goes while it looks ends it: that is no answer.
+        if arguments[0] != "search" or "X Error" not in run.stderr:
+            return run.stdout
 
 
 def press_keys(*keys):
@@ -245,17 +249,20 @@ class Lectora:
         return wait_until(lambda: next(self.walk(role, name), None), what, seconds)
 
     def active_window(self, role, name, seconds=PATIENCE):
-        """The window or dialog that has the keyboard."""
+        """The window or dialog that has the keyboard, as it knows itself."""
         return wait_until(
             lambda: next(
                 each
                 for each in self.application()
-                if (each.getRoleName(), each.name) == (role, name)
-                and each.getState().contains(pyatspi.STATE_ACTIVE)
+                if (each.getRoleName(), each.name) == (role, name) and self.has_keyboard(each)
             ),
             f"the {role} '{name}'",
             seconds,
         )
+
+    @staticmethod
+    def has_keyboard(window):
+        return window.getState().contains(pyatspi.STATE_ACTIVE)
 
     def windows(self):
         """The X windows that it shows; dialogs carry the main window's title too."""
@@ -282,9 +289,7 @@ class Lectora:
         found = wait_until(
             lambda: text in self.box_text() and self.box_text(), f"a box saying '{text}'", seconds
         )
-        # It stands where it can be pressed once the window manager gives it the focus.
-        main = min(map(int, self.windows()), default=0)
-        wait_until(lambda: int(xdotool("getwindowfocus")) != main, "the box's focus")
+        wait_until(lambda: self.has_keyboard(next(self.walk("alert"))), "the box's focus")
         return found
 
     def text_box(self):
@@ -315,8 +320,16 @@ class Lectora:
 
     def click(self, widget):
         """Presses the widget with the pointer, where it stands on the screen."""
-        box = self.place(widget)
-        xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2, "click", 1)
+        window = widget
+        while window.getRoleName() not in ("alert", "dialog", "frame", "window"):
+            window = window.parent
+        # A new dialog stands in its place once the window manager gives it the keyboard.
+        if window.getRoleName() in ("alert", "dialog"):
+            wait_until(lambda: self.has_keyboard(window), f"the window of '{widget.name}'")
+        box = None
+        while box != (box := tuple(self.place(widget))):
+            xdotool("mousemove", box[0] + box[2] // 2, box[1] + box[3] // 2)
+        xdotool("click", 1)
 
     def press(self, role, name):
         self.click(self.find(role, name))
