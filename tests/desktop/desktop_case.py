@@ -129,10 +129,15 @@ class DesktopCase(unittest.TestCase):
 
     def read_aloud(self, lectora):
         """Presses the button and gives back the stream that then played to its end."""
+        desktop.wait_until(lambda: not self.is_down(lectora), "the button to come up")
         lectora.press("toggle button", "Read Aloud")
         stream = self.card.next_stream()
         self.card.wait_for(stream, "close")
         return stream
+
+    def is_down(self, lectora):
+        button = lectora.find("toggle button", "Read Aloud")
+        return button.getState().contains(desktop.pyatspi.STATE_CHECKED)
 
     def assert_usable(self, lectora, text):
         """The text is still there, and reading works."""
