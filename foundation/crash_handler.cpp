@@ -13,6 +13,7 @@
 #include <new>
 
 #include "foundation/crash_box_program.h"
+#include "foundation/end_signals.h"
 #include "foundation/signal_stack.h"
 
 std::atomic<std::uint8_t> bLLibExceptionAlreadyTrapped{0};
@@ -107,12 +108,7 @@ void LDebugSignalHandler(int signal) {
         for (;;)
             ::pause();  // the thread before ends the process once the user has answered
     }
-    SetDisposition(signal, SIG_DFL);
-    sigset_t own;
-    sigemptyset(&own);
-    sigaddset(&own, signal);
-    ::pthread_sigmask(SIG_UNBLOCK, &own, nullptr);
-    ::raise(signal);
+    EndBySignal(signal);
 }
 
 void LDebugBlockSignals() {
