@@ -6,3 +6,6 @@
 // Called once, before anything else.
 void CatchInterruptions();
 bool IsInterrupted();
+// The exit status of a run that ended with `status`; an interrupted one ends the process here, by
+// the signal that came.
+int StatusOfRun(int status);

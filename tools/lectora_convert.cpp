@@ -7,5 +7,5 @@ int main(int argc, char** argv) {
     ConvertOptions options;
     if (const std::optional<int> status = ParseConvertOptions(argc, argv, options))
         return *status;
-    return RunConvert(options);
+    return StatusOfRun(RunConvert(options));
 }

@@ -7,5 +7,5 @@ int main(int argc, char** argv) {
     SayOptions options;
     if (const std::optional<int> status = ParseSayOptions(argc, argv, options))
         return *status;
-    return RunSay(options);
+    return StatusOfRun(RunSay(options));
 }

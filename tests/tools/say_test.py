@@ -174,7 +174,7 @@ class SayTest(ProgramCase):
         started = time.time()
         self.assertIn(b"a.txt: stopped", run.communicate(timeout=20)[1])
         self.assertLess(time.time() - started, 3)
-        self.assertEqual(run.returncode, 1)
+        self.assertEqual(run.returncode, -signal.SIGINT)
         self.assertEqual(self.files(), ["a.txt"])
         self.assertEqual(os.listdir(self.environment["TMPDIR"]), [])
 
