@@ -7,18 +7,23 @@
 
 #include "desktop/installation.h"
 #include "desktop/uninstall_dialog.h"
+#include "foundation/end_signals.h"
 
 namespace {
 
-// No where nobody sits at the terminal.
+// No where nobody sits at the terminal. Nothing has been done yet: Ctrl+C ends the program at once.
 bool AskYesNo(const char* question) {
     if (::isatty(STDIN_FILENO) == 0)
         return false;
     std::printf("%s [y/N] ", question);
     std::fflush(stdout);
+    const sigset_t end = EndSignals();
+    sigset_t before;
+    ::pthread_sigmask(SIG_UNBLOCK, &end, &before);
     char answer[16] = {};
-    return std::fgets(answer, sizeof answer, stdin) != nullptr &&
-           (answer[0] == 'y' || answer[0] == 'Y');
+    const bool isAnswered = std::fgets(answer, sizeof answer, stdin) != nullptr;
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return isAnswered && (answer[0] == 'y' || answer[0] == 'Y');
 }
 
 bool Tell(const std::string& trouble) {
@@ -49,7 +54,7 @@ bool RunInstallConsole() {
         std::puts("Lectora is installed already.");
         return true;
     }
-    if (!Tell(InstallTree(tree)))
+    if (!Tell(InstallTree(tree, [](const auto&, double) { return !IsEndSignalPending(); })))
         return false;
     std::puts("Lectora is installed. The command \"lectora\" starts it.");
     return true;
