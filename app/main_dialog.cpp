@@ -118,11 +118,13 @@ void MainDialog::DestroyDialog() {
 }
 
 void MainDialog::ShowNoSpeechEngine() {
-    MessageBoxRun(
+    const int answer = MessageBoxRun(
         Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "No Speech Engine Found",
         "No Speech Engine Found",
         "No voice is installed on this computer. Please download the speech engine from the "
         "speech web page, which opens when you close this message.");
+    if (answer == GTK_RESPONSE_CANCEL)
+        return;  // no answer of its user: the program is told to end
     OpenInBrowser(WebAddress("speech"));
     RunMachineCheck(Widget());
 }

@@ -12,6 +12,7 @@
 
 #include "app/machine_check.h"
 #include "app/main_dialog.h"
+#include "app/orderly_end.h"
 #include "app/run_once.h"
 #include "desktop/dialogs/install_wizard.h"
 #include "desktop/dialogs/uninstall_wizard.h"
@@ -155,10 +156,7 @@ bool IsNamedSetup(const char* program) {
     return std::strstr(name, "setup") != nullptr;
 }
 
-}  // namespace
-
-int RunLectora(int argc, char** argv) {
-    LDebugBlockSignals();
+int RunProgram(int argc, char** argv) {
     gargc = argc;
     gargv = argv;
     // Everything made later gets exactly the mode it asks for: the files are shared between users.
@@ -212,4 +210,14 @@ int RunLectora(int argc, char** argv) {
         return 0;
     }
     return RunFirstInstance(socket);
+}
+
+}  // namespace
+
+int RunLectora(int argc, char** argv) {
+    LDebugBlockSignals();
+    OrderlyEnd end;
+    const int status = RunProgram(argc, argv);
+    end.EndProcess();
+    return status;
 }

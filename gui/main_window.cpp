@@ -38,6 +38,9 @@ void LMainWindow::Run(const char* title, const char* const* arguments, int count
         gtk_widget_show_all(Widget());
         EvShown();
         gtk_main();
+        // Still open when the loop was ended by anything but Close.
+        LMainWindow::CmClose();
+        Close(GTK_RESPONSE_CANCEL);
     }
 }
 

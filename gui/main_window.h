@@ -14,7 +14,8 @@ public:
     static constexpr int kMinimumHeight = 225;
 
     // Builds the window, runs InitDialog, the first layout and EvRunArguments, shows the window
-    // (EvShown) and runs the main loop until Close. Called and returns with the GDK lock held.
+    // (EvShown) and runs the main loop until Close, or gtk_main_quit, after which it closes the
+    // window. Called and returns with the GDK lock held.
     // Arguments are borrowed; argument 0 is the program.
     void Run(const char* title, const char* const* arguments, int count);
 

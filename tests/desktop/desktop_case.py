@@ -98,7 +98,7 @@ class DesktopCase(unittest.TestCase):
             desktop.press_keys("alt+r")
 
     def select(self, text):
-        """Selects the text in another program."""
+        """Selects the text in another program, which is given back."""
         process = subprocess.Popen(["xclip", "-quiet", "-selection", "primary"],
             stdin=subprocess.PIPE,
             stderr=subprocess.DEVNULL)
@@ -106,6 +106,7 @@ class DesktopCase(unittest.TestCase):
         process.stdin.write(text.encode())
         process.stdin.close()
         desktop.wait_until(lambda: self.selection("primary") == text, "the selection")
+        return process
 
     def selection(self, which):
         command = ["xclip", "-o", "-selection", which]

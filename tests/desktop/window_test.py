@@ -31,18 +31,6 @@ class WindowTest(DesktopCase):
         combo = lectora.find("combo box")
         desktop.wait_until(lambda: len(combo[0]) == count, "the voices")
 
-    def test_no_answer_from_the_engine_does_not_lose_the_choice(self):
-        self.store("settings", texttospeechvoice=2)
-        desktop.tell_engine("festival nothing")
-        lectora = desktop.Lectora()
-        self.addCleanup(lectora.end)
-        lectora.wait_for_box("No voice is installed")
-        desktop.press_keys("Return")
-        lectora.find("table", "What is needed")
-        lectora.press("push button", "Close")
-        self.assertEqual(lectora.exit(), 0)
-        self.assertEqual(self.setting("settings", "texttospeechvoice"), "2")
-
     def test_several_files_are_read_one_after_the_other_until_escape(self):
         files = [self.file(f"{word}.txt", word) for word in ("first", "second", "third")]
         missing = os.path.join(desktop.HOME, "missing.txt")
