@@ -273,6 +273,8 @@ void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
     if (speaking_ || loading_)
         return;
     speaking_ = true;
+    // Once there was a dialog it takes the desktop a moment to give the keyboard back.
+    hadKeyboard_ = !hasBeenLeft_ || gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE;
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(GetControlByID(kTextBox)));
     GtkTextIter start;
     GtkTextIter end;
@@ -294,7 +296,7 @@ void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
 }
 
 void MainDialog::ReadText(const std::string& text, int voice) {
-    reading_.Start(Widget(), text, voice);
+    reading_.Start(Widget(), text, voice, hadKeyboard_);
 }
 
 void MainDialog::SaveText(const std::string& text, int voice) {

@@ -148,6 +148,8 @@ private:
     VoiceChoice voices_;
     ReadAloud reading_;
     bool speaking_ = false;
+    bool hadKeyboard_ = false;  // when the speaking began
+    bool hasBeenLeft_ = false;  // until then a desktop may be about to give it the keyboard
     bool askingToExit_ = false;
     bool loading_ = false;  // its dialog handles events
     bool settingWaitingFile_ = false;

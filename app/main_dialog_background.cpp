@@ -29,7 +29,9 @@ gboolean MainDialog::GCFirstDrawing(GtkWidget* widget, GdkEventExpose*, gpointer
 }
 
 gboolean MainDialog::GCFocusOut(GtkWidget*, GdkEventFocus*, gpointer self) {
-    static_cast<MainDialog*>(self)->splash_.Close();
+    auto* window = static_cast<MainDialog*>(self);
+    window->splash_.Close();
+    window->hasBeenLeft_ = true;
     return FALSE;
 }
 

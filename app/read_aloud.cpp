@@ -46,7 +46,8 @@ ReadAloud::~ReadAloud() {
     Close();
 }
 
-void ReadAloud::Start(GtkWidget* mainWindow, const std::string& text, int voice) {
+void ReadAloud::Start(GtkWidget* mainWindow, const std::string& text, int voice,
+                      bool takesKeyboard) {
     Stop();
     mainWindow_ = mainWindow;
     const auto reading =
@@ -56,15 +57,13 @@ void ReadAloud::Start(GtkWidget* mainWindow, const std::string& text, int voice)
     isStarting_ = true;
     isStopped_ = false;
     isFailureTold_ = false;
-    // Once there was a dialog it takes the desktop a moment to give the keyboard back.
-    const bool hadKeyboard = gtk_window_is_active(GTK_WINDOW(mainWindow)) != FALSE;
     const bool hasSound = AwaitFirstSound(*reading) && !isStopped_;
     isStarting_ = false;
     position_ = 0;
     if (hasSound && isUnseen_)
         player_.RestartUnseen();
     else if (hasSound)
-        player_.Restart(mainWindow, hadKeyboard);
+        player_.Restart(mainWindow, takesKeyboard);
     else if (info_.Reading() == reading)
         EndEngine();
 }

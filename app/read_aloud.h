@@ -49,8 +49,8 @@ public:
     ~ReadAloud() override;
 
     // Speaks text with the voice and plays it; stops what was playing. Troubles are told to the
-    // user here.
-    void Start(GtkWidget* mainWindow, const std::string& text, int voice);
+    // user here. takesKeyboard: whether a player that comes with it gets the keyboard.
+    void Start(GtkWidget* mainWindow, const std::string& text, int voice, bool takesKeyboard);
     void Stop();  // also from within the wait of Start
     // Stops, and takes the player from the screen.
     void Close();
