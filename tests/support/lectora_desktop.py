@@ -321,7 +321,7 @@ class Lectora:
     def click(self, widget):
         """Presses the widget with the pointer, where it stands on the screen."""
         window = widget
-        while window.getRoleName() not in ("alert", "dialog", "frame", "window"):
+        while window.getRoleName() not in ("alert", "dialog", "frame", "window", "menu"):
             window = window.parent
         # A new dialog stands in its place once the window manager gives it the keyboard.
         if window.getRoleName() in ("alert", "dialog"):
