@@ -9,11 +9,11 @@ from desktop_case import DesktopCase, desktop
 
 class BackgroundTest(DesktopCase):
     def test_the_closed_window_reads_on_and_comes_back_where_it_was_by_each_way(self):
-        self.card.tell("speed 1")
+        self.card.tell("speed 0.1")
         desktop.tell_engine("text2wave long 60")
         lectora = self.start(self.file("long.txt", "a long story"))
         stream = self.card.next_stream()
-        self.card.wait_for(stream, "start")
+        lectora.active_window("dialog", "Lectora Player")
         desktop.xdotool("windowmove", "--sync", lectora.window(), 40, 60)
         place = desktop.xdotool("getwindowgeometry", lectora.window())
         # A tray that starts again gets the icon again, also while the window is hidden.

@@ -10,7 +10,7 @@ CONTROL_SHIFT, CONTROL_ALT = 5 << 16, 12 << 16
 class HotKeysTest(DesktopCase):
     def test_the_selection_is_read_and_stopped_by_the_same_key_whatever_lock_is_on(self):
         self.give_keys((CONTROL_SHIFT | ord("R"), READ), (CONTROL_ALT | ord("U"), UPDATE))
-        self.card.tell("speed 1")
+        self.card.tell("speed 0.1")
         desktop.tell_engine("text2wave long 60")
         lectora = self.start()
         lectora.hide()
@@ -25,7 +25,7 @@ class HotKeysTest(DesktopCase):
                 stream = self.card.next_stream()
                 self.card.wait_for(stream, "start")
                 desktop.press_keys("ctrl+shift+r")
-                self.card.wait_for(stream, "close", 30)
+                self.card.wait_for(stream, "close")
                 self.assertEqual(self.spoken()[-1].split(" ", 2)[2], text)
         self.select("not read")
         desktop.press_keys("ctrl+alt+u")

@@ -204,7 +204,9 @@ class InstallTest(DesktopCase):
         wizard = Wizard(*other, program, "-install", machine=self.machine, HOME=home, GTK_MODULES="",
                         PATH=home + ":" + os.environ["PATH"])
         self.addCleanup(self._end, wizard)
-        desktop.wait_until(lambda: desktop.xdotool("search", "--onlyvisible", "--name", "Install Lectora"), "it")
+        find = ("search", "--onlyvisible", "--name", "Install Lectora")
+        window = desktop.wait_until(lambda: desktop.xdotool(*find), "it").split()[0]
+        desktop.xdotool("windowactivate", "--sync", window)
         for _ in range(2):
             desktop.press_keys("Return")
             self.picture("install-as-user")

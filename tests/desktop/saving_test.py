@@ -46,7 +46,7 @@ class SavingTest(DesktopCase):
             lectora.press("push button", "OK")
 
         def leave_the_format_open(lectora):
-            lectora.find("dialog", "Wave Encoder Options")
+            lectora.active_window("dialog", "Wave Encoder Options")
             desktop.press_keys("Escape")
 
         for engine, limit, ask, ending in (

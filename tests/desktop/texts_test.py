@@ -44,14 +44,14 @@ class TextsTest(DesktopCase):
         desktop.press_keys("ctrl+a", "ctrl+c")
         for selection in ("primary", "clipboard"):
             desktop.wait_until(lambda: self.selection(selection) == text, "the " + selection)
-        for place in ("ctrl+Home", "ctrl+End"):
-            desktop.press_keys(place)
-            caret = lectora.text_box().queryText().caretOffset
+        box = lectora.text_box().queryText()
+        for key in ("ctrl+Home", "ctrl+End"):
+            desktop.press_keys(key)
+            place = 0 if key == "ctrl+Home" else box.characterCount
+            desktop.wait_until(lambda: box.caretOffset == place, key)
             before = lectora.cpu_seconds()
             desktop.press_keys(*"nothingbutsomewords")
-            desktop.wait_until(
-                lambda: lectora.text_box().queryText().caretOffset == caret + 19, "the words"
-            )
+            desktop.wait_until(lambda: box.caretOffset == place + 19, "the words")
             self.assertLess((lectora.cpu_seconds() - before) / 19, 0.1)
         desktop.press_keys("shift+ctrl+Left", "ctrl+x")
         desktop.wait_until(lambda: self.selection("clipboard") == "nothingbutsomewords", "what was cut")

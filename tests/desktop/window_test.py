@@ -13,6 +13,7 @@ class WindowTest(DesktopCase):
         lectora = self.start()
         lectora.set_text("words")
         self.voices(lectora, 3)
+        lectora.focus()
         # Down in the list's entry moves the selection on.
         desktop.press_keys("Tab", "Down", "Down", "x", "ctrl+shift+r")
         self.card.wait_for(self.card.next_stream(), "close")
@@ -34,26 +35,33 @@ class WindowTest(DesktopCase):
     def test_several_files_are_read_one_after_the_other_until_escape(self):
         files = [self.file(f"{word}.txt", word) for word in ("first", "second", "third")]
         missing = os.path.join(desktop.HOME, "missing.txt")
-        self.card.tell("speed 1")
-        desktop.tell_engine("text2wave long 3")
+        self.card.tell("speed 0.1")
+        desktop.tell_engine("text2wave long 10")
         lectora = self.start(files[0], missing, files[1], files[2])
-        for _ in range(2):
-            stream = self.card.next_stream()
-            self.card.wait_for(stream, "start")
+        self.card.wait_for(self.card.next_stream(), "start")
+        lectora.active_window("dialog", "Lectora Player")
+        self.card.tell("speed 8")
+        stream = self.card.next_stream()
+        self.card.wait_for(stream, "start")
+        self.card.tell("speed 0.1")
         # Stopping also forgets what waits.
         desktop.press_keys("Escape")
         self.card.wait_for(stream, "close")
+        self.card.tell("speed 8")
         self.read_aloud(lectora)
         self.assertEqual([call.split()[-1] for call in self.spoken()], ["first", "second", "second"])
 
     def test_a_file_comes_from_a_second_start_and_an_edit_ends_the_queue(self):
-        self.card.tell("speed 1")
+        self.card.tell("speed 0.1")
         desktop.tell_engine("text2wave long 2")
         files = [self.file(f"{word}.txt", word) for word in ("first", "second")]
         lectora = self.start(*files)
         stream = self.card.next_stream()
+        lectora.active_window("dialog", "Lectora Player")
         lectora.focus()
         desktop.press_keys("ctrl+End", "x")
+        desktop.wait_until(lambda: lectora.text() == "firstx", "the edit")
+        self.card.tell("speed 8")
         self.card.wait_for(stream, "close")
         self.read_aloud(lectora)
         self.assertEqual(lectora.text(), "firstx")
