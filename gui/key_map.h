@@ -20,7 +20,8 @@ struct LKeyToCommandMap {
 };
 using LKeyMap = std::span<const LKeyToCommandMap>;
 
-// The key code of a key event; the other modifiers (Caps Lock and the like) do not count.
+// The key code of a key event; the other modifiers (Caps Lock and the like) do not count. With
+// Control or Alt, a letter of another script counts as the Latin one on the same key.
 LKeyCode KeyCodeOfEvent(const GdkEventKey& event);
 
 int CommandOfKey(LKeyMap map, LKeyCode key);      // of the first row with this key; 0 for none
