@@ -89,7 +89,7 @@ void LHotKeyHandler::Ungrab(const HotKey& hotKey) const {
 bool LHotKeyHandler::RegisterHotKey(int index, LKeyCode key) {
     if (root_ == nullptr)
         return false;
-    const HotKey hotKey{KeycodeOf(DisplayOf(root_), key), key >> 16, index};
+    const HotKey hotKey{KeycodeOf(DisplayOf(root_), key), key >> 16, index, key};
     if (hotKey.keycode == 0 || !GrabKey(root_, hotKey.keycode, hotKey.modifiers))
         return false;
     hotKeys_.push_front(hotKey);
@@ -104,6 +104,18 @@ void LHotKeyHandler::UnregisterHotKey(int index) {
             hotKeys_.erase_after(before);
             return;
         }
+    }
+}
+
+void LHotKeyHandler::FollowKeyboard() {
+    // All are released first: two may have changed places.
+    for (const HotKey& hotKey : hotKeys_)
+        Ungrab(hotKey);
+    for (HotKey& hotKey : hotKeys_) {
+        // A layout without the sign leaves the hotkey where it was.
+        const KeyCode keycode = KeycodeOf(DisplayOf(root_), hotKey.key);
+        hotKey.keycode = keycode != 0 ? keycode : hotKey.keycode;
+        GrabKey(root_, hotKey.keycode, hotKey.modifiers);
     }
 }
 

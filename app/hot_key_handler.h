@@ -34,6 +34,9 @@ public:
     // keyboard has no such key, or another program holds the combination.
     bool RegisterHotKey(int index, LKeyCode key);
     void UnregisterHotKey(int index);  // the newest one with this index
+    // After a change of the keyboard's layout: a grab is of a place on the keyboard, a hotkey of
+    // the sign on it.
+    void FollowKeyboard();
 
 protected:
     LHotKeyHandler() = default;
@@ -43,6 +46,7 @@ private:
         unsigned char keycode;  // the X server's
         unsigned int modifiers;
         int index;
+        LKeyCode key;  // as it was registered
     };
 
     static GdkFilterReturn gdk_filter(GdkXEvent* xevent, GdkEvent* event, gpointer handler);

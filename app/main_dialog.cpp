@@ -96,8 +96,7 @@ void MainDialog::InitDialog() {
     LHelpLinks::SetUp(*this);
     places_.ListRecentFiles(RecentFiles::List());
     SetKeyMap(MainKeyMap());
-    HotKeyHandlerInit(nullptr);
-    HotkeysStart();
+    HotkeysInit();
     voices_.Ask();
     HandlePDLSelChange(kVoiceList);
     HandleEditTextChange(kTextBox, kTextChanged);

@@ -22,6 +22,7 @@
 #include "desktop/desktop_shortcut.h"
 #include "gui/gui_timer.h"
 #include "gui/main_window.h"
+#include "gui/signal_owner.h"
 #include "gui/splash_screen.h"
 #include "gui/timer_handler.h"
 
@@ -83,10 +84,12 @@ private:
     void EvReadingStopped() override { waitingFiles_.clear(); }
     bool EvReadingKey(unsigned int key) override { return EvKeyDown(key); }
 
+    void HotkeysInit();
     void HotkeysStart();  // as they are stored now
     void HotkeysStop();
     void EvHotKey(int index) override;
     void EvHotKeyReleased(int index) override;
+    static void GCKeysChanged(GdkKeymap* keymap, gpointer self);
     static int RunPressedHotKey(void* self);
     void RunHotKey(int index);
     static std::string SelectedText();
@@ -156,6 +159,8 @@ private:
     bool waitIsTold_ = false;  // of this reading; every further one would be talked over
     HotKeyOffer hotKeyOffer_;
     bool offersHotKeys_ = false;  // once the window is drawn
+    LSignalOwner keyboard_;
+    LGuiTimer keyboardTimer_;
     int hotKeyCount_ = 0;
     int heldHotKey_ = -1;            // index, -1 for none
     int pressedHotKey_ = -1;         // what the idle source below will act on

@@ -3,6 +3,24 @@
 #include "app/main_dialog.h"
 #include "app/options_dialog.h"
 
+namespace {
+
+// A new layout is told key by key.
+constexpr unsigned int kNewKeyboardMs = 100;
+
+}  // namespace
+
+void MainDialog::HotkeysInit() {
+    HotKeyHandlerInit(nullptr);
+    keyboard_.Connect(gdk_keymap_get_default(), "keys-changed", G_CALLBACK(GCKeysChanged), this);
+    HotkeysStart();
+}
+
+void MainDialog::GCKeysChanged(GdkKeymap*, gpointer self) {
+    auto* window = static_cast<MainDialog*>(self);
+    window->keyboardTimer_.Start(kNewKeyboardMs, [window] { window->FollowKeyboard(); });
+}
+
 void MainDialog::HotkeysStart() {
     int index = 0;
     // One that another program holds does nothing.

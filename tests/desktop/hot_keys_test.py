@@ -1,4 +1,5 @@
 """System-wide hotkeys: what is selected in another program is read and saved by one key."""
+import subprocess
 import unittest
 
 from desktop_case import DesktopCase, desktop
@@ -31,6 +32,20 @@ class HotKeysTest(DesktopCase):
         desktop.press_keys("ctrl+alt+u")
         lectora.press_tray_icon(1)
         desktop.wait_until(lambda: lectora.text() == "not read", "the text")
+
+    def test_hotkeys_and_commands_follow_the_layout_of_the_keyboard(self):
+        self.give_keys((CONTROL_ALT | ord("Z"), UPDATE))
+        self.addCleanup(subprocess.run, ["setxkbmap", "us"])
+        lectora = self.start()
+        self.select("by its new place")
+        z_of_german, f_of_english = 29, 41
+        subprocess.run(["setxkbmap", "de"], check=True)
+        pressed = lambda: desktop.press_keys(f"ctrl+alt+{z_of_german}") or lectora.text()  # noqa: E731
+        desktop.wait_until(pressed, "the text")
+        subprocess.run(["setxkbmap", "ru,us"], check=True)
+        lectora.focus()
+        asked = lambda: desktop.press_keys(f"ctrl+{f_of_english}") or lectora.shown("push button", "Next")  # noqa: E731
+        desktop.wait_until(asked, "the find bar")
 
     def test_a_key_that_another_program_holds_harms_nobody(self):
         self.give_keys((CONTROL_SHIFT | ord("R"), READ))
