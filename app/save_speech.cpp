@@ -73,6 +73,22 @@ bool ChooseTarget(GtkWidget* parent, Target& target) {
     return true;
 }
 
+bool IsSameFile(const std::string& one, const std::string& other) {
+    struct stat first {};
+    struct stat second {};
+    return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+// The file of the speech itself, which goes with the end of the save and with each reading.
+bool IsSpeechFile(const std::string& path, const std::string& speechPath) {
+    const std::size_t name = path.rfind('/') + 1;
+    const std::size_t speechName = speechPath.rfind('/') + 1;
+    return IsSameFile(path, speechPath) ||
+           (path.substr(name) == speechPath.substr(speechName) &&
+            IsSameFile(path.substr(0, name), speechPath.substr(0, speechName)));
+}
+
 void ShowError(GtkWidget* parent, const char* title, const char* text,
                const std::string& detail = "") {
     MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, title, text, detail.c_str());
@@ -198,6 +214,13 @@ std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice) {
     if (!ChooseTarget(parent, target))
         return "";
     // Whatever can be known before is told before the engine speaks, which may take minutes.
+    const std::string speechPath = SpeechFilePath();
+    if (IsSpeechFile(target.path, speechPath)) {
+        ShowSaveError(parent, target.path +
+                                  " is Lectora's own file, which each reading writes anew. Please "
+                                  "choose another name or folder.");
+        return "";
+    }
     WholeFile output(target.path, WholeFile::Existing::kReplace);
     if (!output.Problem().empty()) {
         ShowSaveError(parent, SentenceOf(target.path, output.Problem()));
@@ -209,7 +232,6 @@ std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice) {
     // Of MP3 only the frames are counted, not their bytes, so that it is like mono.
     const OutputFormat format =
         target.mp3 ? OutputFormat{kMp3Rate, 1} : OutputFormat{sink->SampleRate(), sink->Channels()};
-    const std::string speechPath = SpeechFilePath();
     const std::string problem =
         ProblemOfSize(text.size(), format, target.mp3, output.WritePath(), speechPath);
     if (!problem.empty()) {

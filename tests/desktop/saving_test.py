@@ -91,6 +91,7 @@ class SavingTest(DesktopCase):
         here = os.path.join(desktop.HOME, "fox.wav")
         for text, path, message in (
             (TEXT, "/proc/fox.wav", "Cannot save"),
+            (TEXT, desktop.SPEECH, "is Lectora's own file"),
             ("word " * 200000, here, "longer than a sound file can hold"),
         ):
             with self.case(message) as lectora:
