@@ -177,6 +177,8 @@ int RunProgram(int argc, char** argv) {
     gtk_init(&gargc, &gargv);
     gdk_threads_enter();
     SilenceLibraries();
+    // All its words are English, in whatever language the toolkit's own are.
+    gtk_widget_set_default_direction(GTK_TEXT_DIR_LTR);
     if (std::getenv("HOME") == nullptr) {
         std::fputs("Lectora cannot start: the environment variable HOME is not set.\n", stderr);
         return 1;
