@@ -60,7 +60,9 @@ std::string SynthesisMessage(SynthesisOutcome outcome) {
         case SynthesisOutcome::kCannotStart:
             return "The speech engine could not be started: the system is out of resources.";
         case SynthesisOutcome::kNoSound:
-            return "The speech engine produced no sound for this text.";
+            return "The speech engine produced no sound for this text. Another voice may help: "
+                   "this "
+                   "one may have been removed or be incomplete.";
         case SynthesisOutcome::kIncomplete:
             return "The speech engine stopped before the end of the text.";
         case SynthesisOutcome::kCannotWrite:
