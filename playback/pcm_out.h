@@ -30,8 +30,8 @@ public:
     // Frames taken, fewer than asked for when the card's buffer is full; -EAGAIN when none fit, or
     // another negative errno.
     snd_pcm_sframes_t Write(const std::int16_t* block, int frames);
-    // Until the card has room or an error to tell (true), stopFd is readable, or the time has
-    // passed.
+    // Until the card has something to tell, room or an error mostly (true), stopFd is readable, or
+    // the time has passed.
     bool WaitForRoom(int stopFd, int milliseconds);
     // Frames written but not yet heard, or a negative errno: -EPIPE when the stream has stopped,
     // -EIO from the plug-in of a sound server that has not heard from its server yet.

@@ -312,8 +312,11 @@ bool PlayRun::Recover(int error) {
     if (IsStopping())
         return true;
     const bool hadRunDry = clock_.HadRunDry(Now());
-    if (error != -EPIPE || pcm_.Prepare() < 0)
+    // A server that is gone lets itself be prepared again and again, but takes nothing.
+    const bool isInVain = clock_.Written() == preparedAt_;
+    if (error != -EPIPE || isInVain || pcm_.Prepare() < 0)
         return Fail(PlayTrouble::kDeviceLost);
+    preparedAt_ = clock_.Written();
     if (!hadRunDry)
         GoBackToHeard();
     clock_.Empty(Now());

@@ -145,5 +145,6 @@ private:
     bool isFirstBlock_ = true;
     int nextFrame_ = 0;  // of the owner's source: behind the last block
     std::int64_t toldFirst_ = -1;
+    std::int64_t preparedAt_ = -1;  // frames written until then
     std::optional<int> wentBackTo_;
 };

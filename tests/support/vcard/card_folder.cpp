@@ -14,10 +14,11 @@
 namespace {
 
 bool ParseFault(std::istringstream& line, CardFault& fault) {
-    static const std::array<std::pair<const char*, CardFault::Kind>, 7> kinds = {{
+    static const std::array<std::pair<const char*, CardFault::Kind>, 8> kinds = {{
         {"busy", CardFault::Kind::kBusy},
         {"vanish", CardFault::Kind::kVanish},
         {"underrun", CardFault::Kind::kUnderrun},
+        {"break", CardFault::Kind::kBreak},
         {"suspend", CardFault::Kind::kSuspend},
         {"again", CardFault::Kind::kAgain},
         {"stall", CardFault::Kind::kStall},

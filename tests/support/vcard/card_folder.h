@@ -16,6 +16,9 @@
 //                            (ALSA hides a plug-in's refusal to resume from the player)
 //   fault again 22050        one write answers -EAGAIN
 //   fault stall 22050        the clock stands still there for as long as this line does
+//   fault break 22050        from then on it tells of an error in place of room, and writes answer
+//                            -EPIPE however often the stream is prepared; nothing else fails, as
+//                            in PipeWire's plug-in when its server is gone
 //   fault hang 22050         a write does not return for as long as this line stands
 //
 // A card exists when its `settings` does. Frames of faults count from the opening of a stream.
@@ -28,7 +31,7 @@
 #include <vector>
 
 struct CardFault {
-    enum class Kind { kBusy, kVanish, kUnderrun, kSuspend, kAgain, kStall, kHang };
+    enum class Kind { kBusy, kVanish, kUnderrun, kSuspend, kAgain, kStall, kBreak, kHang };
     Kind kind = Kind::kBusy;
     std::uint64_t frame = 0;
 

@@ -40,7 +40,7 @@ public:
     int Prepare();
     int Resume();
     int Delay(snd_pcm_sframes_t* delay);
-    unsigned short Revents(const pollfd& polled);
+    int Revents(const pollfd& polled, unsigned short& revents);
     void LogClose() { Log("close"); }
 
 private:
@@ -52,6 +52,7 @@ private:
     void StopClock(snd_pcm_state_t state, const char* event);
     void StartClock();
     std::int64_t StartFor(std::uint64_t played);
+    bool IsBroken() { return IsAt(CardFault::Kind::kBreak, playedBefore_ + played_); }
     bool IsAt(CardFault::Kind kind, std::uint64_t frame) {
         const CardFault* const fault = folder_.Settings().FindFault(kind);
         return fault != nullptr && frame >= fault->frame;
@@ -111,8 +112,7 @@ const snd_pcm_ioplug_callback_t& Callbacks() {
         };
         table.poll_revents = [](snd_pcm_ioplug_t* io, pollfd* polled, unsigned int,
                                 unsigned short* revents) {
-            *revents = Self(io).Revents(*polled);
-            return 0;
+            return Self(io).Revents(*polled, *revents);
         };
         return table;
     }();
@@ -185,7 +185,7 @@ int VirtualPcm::SwParams(const snd_pcm_sw_params_t* params) {
 }
 
 int VirtualPcm::Prepare() {
-    SetTicks(false);
+    SetTicks(IsBroken());
     receivedBefore_ += received_;
     playedBefore_ += played_;
     received_ = 0;
@@ -272,7 +272,7 @@ void VirtualPcm::ApplyFaults() {
 void VirtualPcm::PlayOn() {
     if (io_.state != SND_PCM_STATE_RUNNING && io_.state != SND_PCM_STATE_DRAINING)
         return;
-    if (IsAt(CardFault::Kind::kStall, playedBefore_ + played_)) {
+    if (IsBroken() || IsAt(CardFault::Kind::kStall, playedBefore_ + played_)) {
         clockStart_ = StartFor(played_);
         return;
     }
@@ -293,7 +293,7 @@ void VirtualPcm::PlayOn() {
 
 snd_pcm_sframes_t VirtualPcm::Pointer() {
     PlayOn();
-    if (io_.state == SND_PCM_STATE_XRUN)
+    if (io_.state == SND_PCM_STATE_XRUN || IsBroken())
         return -EPIPE;
     // Other states must not look like an underrun: ALSA turns every error here into one.
     return static_cast<snd_pcm_sframes_t>(boundary_ > 0 ? played_ % boundary_ : played_);
@@ -335,6 +335,8 @@ int VirtualPcm::Delay(snd_pcm_sframes_t* delay) {
             return -EIO;
         *delay = std::max(*delay, snd_pcm_sframes_t{latency} * io_.rate / 1000);
     }
+    if (IsBroken())
+        return 0;
     switch (io_.state) {
         case SND_PCM_STATE_XRUN:
             return -EPIPE;
@@ -347,14 +349,18 @@ int VirtualPcm::Delay(snd_pcm_sframes_t* delay) {
     }
 }
 
-unsigned short VirtualPcm::Revents(const pollfd& polled) {
+int VirtualPcm::Revents(const pollfd& polled, unsigned short& revents) {
+    if (IsBroken())
+        return -EPIPE;
     std::uint64_t expirations = 0;
     [[maybe_unused]] const ssize_t count = ::read(polled.fd, &expirations, sizeof expirations);
     PlayOn();
     if (io_.state != SND_PCM_STATE_RUNNING && io_.state != SND_PCM_STATE_DRAINING &&
         io_.state != SND_PCM_STATE_PREPARED)
-        return POLLERR | POLLOUT;
-    return io_.buffer_size - (received_ - played_) >= availMin_ ? POLLOUT : 0;
+        revents = POLLERR | POLLOUT;
+    else
+        revents = io_.buffer_size - (received_ - played_) >= availMin_ ? POLLOUT : 0;
+    return 0;
 }
 
 }  // namespace
