@@ -19,7 +19,6 @@ public:
     void Update() { Fill(); }
     void Ask() { query_.Ask(); }  // at once; after an answer without voices asks again
     bool IsKnown() const { return query_.State() == VoiceListState::kKnown; }
-    bool IsAsking() const { return query_.State() == VoiceListState::kAsking; }
 
     // Asks again and waits under a progress dialog until the engine has answered. Done: there are
     // voices.

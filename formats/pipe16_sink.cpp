@@ -54,7 +54,6 @@ void LPipe16Sink::Complete() {
         return;
     isFinished_ = true;
     block_.reset();
-    waitStatus_ = pipe_.Close();
-    if (waitStatus_ != 0)
+    if (pipe_.Close() != 0)
         NoteWriteError(EIO);
 }

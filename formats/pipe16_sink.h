@@ -22,9 +22,6 @@ public:
     // Finish goes on, with a write error. Any thread.
     void Interrupt();
 
-    // The wait status of the command once the sink is finished, -1 when there was none.
-    int WaitStatus() const { return waitStatus_; }
-
 protected:
     // Ends the command's input and blocks until it has ended, by which time its output is whole. A
     // command that fails is a write error of EIO.
@@ -36,5 +33,4 @@ private:
     pid_t group_ = -1;
     std::unique_ptr<LSF16[]> block_;
     bool isFinished_ = false;
-    int waitStatus_ = -1;
 };

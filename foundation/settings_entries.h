@@ -35,7 +35,6 @@ public:
     void DropShadowed();  // the lines that Find() never answers, because another has their key
 
     const std::string& Text() const { return text_; }  // "key=value\r\n" for each entry
-    std::size_t MemoryBytes() const { return text_.capacity() + index_.capacity() * sizeof(Line); }
 
 private:
     struct Line {

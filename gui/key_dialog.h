@@ -14,7 +14,6 @@ public:
 
     // The table is borrowed and must outlive the window.
     void SetKeyMap(LKeyMap map) { keyMap_ = map; }
-    LKeyMap KeyMap() const { return keyMap_; }
     // Sends the command of the first row with this key; false when there is none.
     bool MapKeyToCommand(LKeyCode key, LKeyMap map);
 

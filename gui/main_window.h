@@ -37,7 +37,6 @@ public:
 protected:
     void WidgetDetached() override { fixed_ = nullptr; }
     void CreateMainWindow(const char* title);
-    GtkWidget* FixedContainer() const { return fixed_; }  // borrowed; null while closed
     // Adds a control to the free area and registers it; one that lies in a scrolled window names
     // that as `placed`.
     void AddControl(GtkWidget* control, int id, GtkWidget* placed = nullptr);

@@ -30,8 +30,6 @@ public:
     int GetEndSample() const override;
     void Seek(int frame) override;
 
-    int SegmentFrames() const { return segment_; }
-
 private:
     void Restart(int frame);
     void ReBuffer();
