@@ -55,15 +55,21 @@ class ConvertTest(ProgramCase):
 
     def test_every_type_keeps_the_sound(self):
         self.install_encoder()
+        settings = "constantbitrate=0 vbrmaxbitrate=192 vbrminbitrate=8 vbrquality=7"
+        settings += " channelmode=0 errorprotection=1"
+        self.save("../home/.quillon/lectora/mp3encoder", settings.replace(" ", "\r\n").encode())
         original = tone(8000)
         self.save("in.wav", wav(original))
         least = {"gsm": 6, "vox": 14, "ul": 30, "al": 30}
         for kind in ("wav", "au", "aiff", "gsm", "vox", "raw", "ul", "al", "mp3"):
             with self.subTest(kind=kind):
-                self.check(CONVERT, "-f", "in.wav", f"in.{kind}")
+                options = ["-r44100", "-c2"] if kind == "mp3" else []
+                self.check(CONVERT, "-f", *options, "in.wav", f"in.{kind}")
                 if kind == "mp3":
                     told = self.run_program("ffprobe", "-show_entries", "format=duration", "in.mp3")
                     self.assertIn(b"duration=1.", told.stdout)
+                    with open(self.home + "/encoder.log") as log:
+                        self.assertIn("-m s -p -v -b 32 -B 192 -V 7 -r -x -s 44.100 -S -", log.read())
                     continue
                 raw = ["--raw-rate=8000", "--raw-channels=1"] if kind == "raw" else []
                 self.check(CONVERT, *raw, f"in.{kind}", f"{kind}-to.wav")
@@ -97,9 +103,6 @@ class ConvertTest(ProgramCase):
             heard = self.heard("out.wav")[::channels]
             # Ratios are met to a thousandth.
             self.assertAlmostEqual(len(heard), rate, delta=rate * 0.003)
-            crossings = sum(a < 0 <= b for a, b in zip(heard, heard[1:]))
-            self.assertAlmostEqual(crossings, 440, delta=2)
-            self.assertAlmostEqual(max(heard), 9000, delta=100)
         for arguments in (["-r", "16000", "in.wav", "a.gsm"], ["-c2", "in.wav", "a.vox"]):
             self.check(CONVERT, *arguments, status=2, says=arguments[-1])
         self.save("six.wav", wav(tone(100, 6), 6))
@@ -291,18 +294,6 @@ class ConvertTest(ProgramCase):
         self.assertEqual(run.wait(), 0)
         self.assertRegex(seen.decode(), r"a\.wav [1-9]\d %")
         self.assertTrue(seen.endswith(b"\r\x1b[K"))
-
-    def test_mp3_takes_the_stored_settings(self):
-        self.install_encoder()
-        self.save("a.wav", wav(tone(44100, 2, 44100), 2, 44100))
-        os.makedirs(self.home + "/.quillon/lectora", exist_ok=True)
-        with open(self.home + "/.quillon/lectora/mp3encoder", "w") as file:
-            file.write(
-                "constantbitrate=0\r\nvbrmaxbitrate=192\r\nvbrminbitrate=8\r\nvbrquality=7\r\nchannelmode=0\r\nerrorprotection=1\r\n"
-            )
-        self.check(CONVERT, "-f", "a.wav", "a.mp3")
-        with open(self.home + "/encoder.log") as log:
-            self.assertIn("-m s -p -v -b 32 -B 192 -V 7 -r -x -s 44.100 -S -", log.read())
 
 
 if __name__ == "__main__":

@@ -23,7 +23,7 @@ class ProgramCase(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder)
         self.home = os.path.join(self.folder, "home")
         self.work = os.path.join(self.folder, "work")
-        os.makedirs(self.home)
+        os.makedirs(self.home + "/.quillon/lectora")
         os.makedirs(self.work)
         self.environment = dict(
             os.environ, HOME=self.home, LECTORA_ROOT=os.path.join(self.folder, "root"), LC_ALL="C"
