@@ -57,33 +57,29 @@ TEST(Synthesis, HandsThePreparedTextToTheEngineAndDeliversItsFileAndNothingElse)
 }
 
 TEST(Synthesis, IsJudgedByTheFileAndSaysWhy) {
+    using enum SynthesisOutcome;
     const struct {
         const char* what;
         const char* engine;  // null: not installed
-        const char* text;
-        const char* file;
         SynthesisOutcome outcome;
+        const char* text = "Hi";
+        const char* file = "s.wav";
     } cases[] = {
-        {"exits without a file", "rm \"$5\"", "Hi", "s.wav", SynthesisOutcome::kNoSound},
-        {"writes nothing", "exit 0", "Hi", "s.wav", SynthesisOutcome::kNoSound},
-        {"dies before its first sample", "head -c 46 $here/good.wav >\"$5\"; kill -SEGV $$", "Hi",
-         "s.wav", SynthesisOutcome::kIncomplete},
+        {"exits without a file", "rm \"$5\"", kNoSound},
+        {"writes nothing", "exit 0", kNoSound},
+        {"dies before its first sample", "head -c 46 $here/good.wav >\"$5\"; kill -SEGV $$",
+         kIncomplete},
         {"dies with an empty header",
          "head -c 42 $here/good.wav >\"$5\"; printf '\\0\\0\\0\\0abcdef' >>\"$5\"; kill -SEGV $$",
-         "Hi", "s.wav", SynthesisOutcome::kNoSound},
-        {"writes half", "head -c 1000 $here/good.wav >\"$5\"", "Hi", "s.wav",
-         SynthesisOutcome::kIncomplete},
-        {"writes something else", "yes | head -n 5000 >\"$5\"", "Hi", "s.wav",
-         SynthesisOutcome::kNoSound},
-        {"fails after a whole file", "cp $here/good.wav \"$5\"; exit 1", "Hi", "s.wav",
-         SynthesisOutcome::kSpoken},
-        {"is not asked for nothing", "touch $here/started; cp $here/good.wav \"$5\"", "...\n😀",
-         "s.wav", SynthesisOutcome::kNothingToSay},
-        {"no such folder", "touch $here/started", "Hi", "none/s.wav",
-         SynthesisOutcome::kCannotWrite},
-        {"output is a folder", "cp $here/good.wav \"$5\"", "Hi", "bin",
-         SynthesisOutcome::kCannotWrite},
-        {"not installed", nullptr, "Hi", "s.wav", SynthesisOutcome::kEngineMissing},
+         kNoSound},
+        {"writes half", "head -c 1000 $here/good.wav >\"$5\"", kIncomplete},
+        {"writes something else", "yes | head -n 5000 >\"$5\"", kNoSound},
+        {"fails after a whole file", "cp $here/good.wav \"$5\"; exit 1", kSpoken},
+        {"is not asked for nothing", "touch $here/started; cp $here/good.wav \"$5\"", kNothingToSay,
+         "...\n😀"},
+        {"no such folder", "touch $here/started", kCannotWrite, "Hi", "none/s.wav"},
+        {"output is a folder", "cp $here/good.wav \"$5\"", kCannotWrite, "Hi", "bin"},
+        {"not installed", nullptr, kEngineMissing},
     };
     for (const auto& test : cases) {
         const FakeEngine engine(test.engine == nullptr);
@@ -91,7 +87,7 @@ TEST(Synthesis, IsJudgedByTheFileAndSaysWhy) {
             engine.Speak(test.engine);
         Request request(test.text, engine.Path() + "/" + test.file);
         EXPECT_EQ(request.Run(), test.outcome) << test.what;
-        const bool spoken = test.outcome == SynthesisOutcome::kSpoken;
+        const bool spoken = test.outcome == kSpoken;
         EXPECT_EQ(request.tts.result, spoken ? kProcessDone : kProcessFailed) << test.what;
         EXPECT_EQ(SynthesisMessage(test.outcome).empty(), spoken) << test.what;
         EXPECT_EQ(CountFiles(engine.Path(), ".speech"), 0U) << test.what;

@@ -147,33 +147,22 @@ TEST(TextPreparation, UnitsAreTheEnginesOwnAndKnowTheirPlaceInTheText) {
         EXPECT_EQ(UnitsAndSources(test.text), test.units);
 }
 
-// A text whose later part cannot be touched.
-class GuardedText {
-public:
-    explicit GuardedText(const std::string& text) {
-        size_ = text.size() & ~std::size_t{4095};
-        at_ = static_cast<char*>(
-            ::mmap(nullptr, 2 * size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        std::copy_n(text.data(), size_, at_);
-        ::mprotect(at_ + size_, size_, PROT_NONE);
-    }
-    ~GuardedText() { ::munmap(at_, 2 * size_); }
-    GuardedText(const GuardedText&) = delete;
-    GuardedText& operator=(const GuardedText&) = delete;
-    std::string_view View() const { return {at_, 2 * size_}; }
-
-private:
-    std::size_t size_;
-    char* at_;
-};
+// Some pages of a text whose later part cannot be touched. Never given back.
+std::string_view Guarded(const std::string& text) {
+    const std::size_t size = text.size() & ~std::size_t{4095};
+    auto* const at = static_cast<char*>(
+        ::mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    std::copy_n(text.data(), size, at);
+    ::mprotect(at + size, size, PROT_NONE);
+    return {at, 2 * size};
+}
 
 TEST(TextPreparation, FirstUnitNeedsNoMoreOfTheTextThanItself) {
     for (const std::string rest : {"More. ", "a", "😀", " ", "-", "- ", "---\n", "\xE2\x80"}) {
         std::string text = "A first sentence. ";
         while (text.size() < 16384)
             text += rest;
-        const GuardedText guarded(text);
-        TextUnits units(guarded.View(), VoiceCharset::kAscii);
+        TextUnits units(Guarded(text), VoiceCharset::kAscii);
         TextUnit unit;
         ASSERT_TRUE(units.Next(unit));
         EXPECT_TRUE(unit.text.starts_with("A first sentence.")) << unit.text;

@@ -1,6 +1,5 @@
 #include "speech/voices.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
