@@ -1,6 +1,4 @@
 // Raw, AU and AIFF files: bytes on disk, hostile headers, and what the two headers' oddities do.
-#include <fcntl.h>
-#include <sys/stat.h>
 
 #include <climits>
 

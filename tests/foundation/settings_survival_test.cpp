@@ -1,6 +1,5 @@
 // What the settings hold when several processes write, are killed, or find no room.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
@@ -14,7 +13,6 @@
 #include "foundation/dat_file.h"
 #include "foundation/dat_file_native.h"
 #include "foundation/settings.h"
-#include "foundation/unique_fd.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
 

@@ -9,7 +9,6 @@
 #include <chrono>
 #include <csignal>
 #include <functional>
-#include <thread>
 #include <vector>
 
 #include "foundation/flock_timed.h"
