@@ -1,27 +1,24 @@
-// Shows every control and standard dialog and takes its picture.
+// Shows every control, and the dialogs that no window of the program opens, and takes pictures.
 //
 //     gui_gallery FOLDER THEME FONT      e.g. "out/light" "Adwaita" "Sans 10"; "" for GTK's own
 //     theme
 //     gui_gallery                        one window after the other, until each is closed
 //
 // Fails when GTK prints a warning and when something has less room than it asks for.
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <optional>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "formats/dialogs/aiff_settings_dialog.h"
 #include "formats/dialogs/au_settings_dialog.h"
 #include "formats/dialogs/mp3_encode_dialog.h"
 #include "formats/dialogs/raw_settings_dialog.h"
-#include "foundation/file.h"
 #include "gui/accessible.h"
 #include "gui/icon_numbers.h"
 #include "gui/key_dialog.h"
-#include "gui/message_box.h"
-#include "gui/progress_dialog.h"
 #include "gui/property_sheet.h"
 #include "gui/splash_screen.h"
 #include "gui/status_bar.h"
@@ -271,40 +268,27 @@ void ShowMainLike() {
     gtk_menu_shell_cancel(GTK_MENU_SHELL(menuBar));
 }
 
-// Takes the picture of the modal dialog that opens next and ends it; people end it themselves.
-class Photographer {
-public:
-    explicit Photographer(const char* name) {
-        if (!folder.empty())
-            user_.emplace(Actions{[name] {
-                TakePicture(name);
-                gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
-            }});
-    }
+// Takes the picture of the modal dialog that opens next and ends it.
+std::vector<std::function<void()>> Photographed(const char* name) {
+    return {[name] {
+        TakePicture(name);
+        gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
+    }};
+}
 
-private:
-    using Actions = std::vector<std::function<void()>>;
-    std::optional<UserScript> user_;
-};
-
-void ShowSheet() {
-    Recorder<LPropertyPage> general;
+void PictureModalOnes() {
+    LPropertyPage general;
     LPropertyPage keys;
     LPropertySheet sheet;
-    sheet.AddPage(general, {"General", false, [](LDialogGenContext& c) {
-                                c.AddGroup(-1, "Run Start Up");
-                                c.AddCheckBox(101,
-                                              "Run Lectora automatically when computer starts");
-                                c.AddPullDownList(102);
-                                c.GroupEnd();
-                            }});
+    sheet.AddPage(general, {"General", false, GenerateLists});
     sheet.AddPage(keys, {"HotKeys", false, GenerateLists});
-    general.onInit = [&] {
-        general.PDLAddString(102, "Show the window");
-        general.PDLSetCurSel(102, 0);
-    };
-    const Photographer photographer("sheet");
+    const UserScript sheetUser(Photographed("sheet"));
     sheet.Open(nullptr, "Options", 0);
+    KeepVoices({"kal_diphone", "us_slt"});
+    std::string text = "The quick brown fox jumps over the lazy dog.";
+    LTTSInputDialog input(text, "");
+    const UserScript inputUser(Photographed("text-to-speech"));
+    input.Run(nullptr);
 }
 
 // To be heard; the program itself shows none of them.
@@ -319,52 +303,19 @@ void ShowFormats() {
     static_cast<LDialog&>(raw).Open(nullptr, {"Raw", false, DlgGenRawSettings}, true);
 }
 
-struct Work {};
-LProcessResult Process(LProgressDialog& dialog, Work&) {
-    dialog.SetFirstLabel("Synthesize Voice");
-    dialog.SetSecondLabel("Please wait...");
-    dialog.SetFraction(0.6);
+void ShowSplash() {
+    LSplashScreen splash;
+    for (int i = 0; folder.empty() && i < 2; ++i) {
+        splash.Display(nullptr);
+        splash.Display(nullptr);
+        while (splash.IsShown())
+            gtk_main_iteration();
+    }
     if (folder.empty())
-        return dialog.ProcessWait(UINT_MAX);  // until it is cancelled
-    TakePicture("progress");
-    return kProcessDone;
-}
-
-void ShowBoxes() {
-    Work work;
-    LProcessDialog<Work> progress("Synthesize Voice", work);
-    progress.Open(nullptr);
-    {
-        const Photographer photographer("message-box");
-        MessageBoxRunYesNoCancel(
-            nullptr, "Lectora", "Confirm Exit",
-            "Do you want Lectora to continue run in the background so you can use "
-            "your hot keys to read text?");
-    }
-    const Photographer photographer("file-chooser");
-    char path[kTextBufferSize] = "";
-    char start[kTextBufferSize] = "";
-    LFile::BrowseReadFilePath(nullptr, path, "Locate File to Read Text", start,
-                              "Text Documents\0*.txt\0");
-    if (folder.empty()) {
-        for (int i = 0; i < 2; ++i) {
-            LSplashScreen splash;
-            splash.Display(nullptr);
-            splash.Display(nullptr);
-            while (splash.IsShown())
-                gtk_main_iteration();
-        }
         return;
-    }
-    KeepVoices({"kal_diphone", "us_slt"});
-    std::string text = "The quick brown fox jumps over the lazy dog.";
-    LTTSInputDialog input(text, "");
-    const Photographer inputPhotographer("text-to-speech");
-    input.Run(nullptr);
     LAboutBox::Open(nullptr);
     TakePicture("about");
     gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_OK);
-    LSplashScreen splash;
     splash.Display(nullptr);
     TakePicture("splash");
 }
@@ -395,10 +346,11 @@ void ShowAll() {
         Present(lists, "lists");
     }
     ShowMainLike();
-    ShowSheet();
     if (folder.empty())
         ShowFormats();
-    ShowBoxes();
+    else
+        PictureModalOnes();
+    ShowSplash();
 }
 
 }  // namespace
