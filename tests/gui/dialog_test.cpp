@@ -32,7 +32,7 @@ TEST_F(DialogRun, AnswersEndItUnlessRefusedAndItOpensAnew) {
     const auto press = [&](int id) {
         return [this, id] { gtk_button_clicked(ButtonOf(dialog, id)); };
     };
-    dialog.okAnswers = {false};
+    dialog.okRefusals = 1;
     bool enabled = true;
     bool second = true;
     EXPECT_TRUE(Run(dialog, {press(kCommandHelp), press(kCommandOk), [&] {
@@ -47,15 +47,15 @@ TEST_F(DialogRun, AnswersEndItUnlessRefusedAndItOpensAnew) {
     EXPECT_FALSE(dialog.IsOpen());
     EXPECT_EQ(dialog.GetControlByID(1), nullptr);
     dialog.calls.clear();
-    dialog.cancelAnswers = {false};
+    dialog.cancelRefusals = 1;
     EXPECT_FALSE(Run(dialog, {press(kCommandCancel), [&] { PressEscape(dialog.Widget()); }}));
     EXPECT_EQ(dialog.calls, "init cancel cancel destroy ");
 }
 
 TEST_F(DialogRun, DestroyedUnderTheLoopEndsItWhateverCancelAnswers) {
-    for (const bool answer : {true, false}) {
+    for (const int refusals : {0, 1}) {
         RecordingDialog victim;
-        victim.cancelAnswers = {answer};
+        victim.cancelRefusals = refusals;
         EXPECT_FALSE(Run(victim, {[&] { gtk_widget_destroy(victim.Widget()); }}));
         EXPECT_EQ(victim.calls, "init cancel ");  // no Close
         EXPECT_TRUE(ParentEnabled());
@@ -218,7 +218,7 @@ void GeneratePage(LDialogGenContext& context) {
 TEST(PropertySheet, AsksEveryPageInOrder) {
     Recorder<LPropertyPage> first;
     Recorder<LPropertyPage> second;
-    second.okAnswers = {false};
+    second.okRefusals = 1;
     LPropertySheet sheets;
     sheets.AddPage(first, {"First", false, GeneratePage});
     sheets.AddPage(second, {"Second", false, GeneratePage});
@@ -233,7 +233,7 @@ TEST(PropertySheet, AsksEveryPageInOrder) {
     EXPECT_THAT(second.commands, testing::ElementsAre(1));
     EXPECT_FALSE(first.IsOpen() || second.IsOpen());
 
-    first.cancelAnswers = {false};
+    first.cancelRefusals = 1;
     first.calls.clear();
     UserScript cancel({respond(kCommandCancel), respond(kCommandCancel)});
     EXPECT_FALSE(sheets.Open(nullptr, "Options", 0));

@@ -1,5 +1,4 @@
 // The dialogs that set up file formats.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "formats/dialogs/aiff_settings_dialog.h"
@@ -7,7 +6,6 @@
 #include "formats/dialogs/mp3_encode_dialog.h"
 #include "formats/dialogs/raw_settings_dialog.h"
 #include "formats/dialogs/wave_encode_dialog.h"
-#include "formats/wave_file.h"
 #include "foundation/settings.h"
 #include "tests/gui/gui_fixtures.h"
 
@@ -32,12 +30,12 @@ std::string Shown(const LDialog& dialog, const std::vector<int>& lists) {
 TEST(WaveEncodeDialog, FillsTheRecordByPresetOrChoice) {
     const struct {
         int preset, format, rate, channels;
-        unsigned tag, channelCount, samplesPerSecond;
+        std::tuple<int, int, unsigned> chosen;  // tag, channels, rate
     } cases[] = {
-        {0, 0, 0, 0, 1, 2, 44100}, {1, 0, 0, 0, 1, 2, 44100}, {2, 0, 0, 0, 1, 2, 22050},
-        {3, 0, 0, 0, 1, 1, 8000},  {4, 1, 2, 2, 1, 2, 8000},  {4, 0, 12, 1, 1, 1, 196000},
-        {4, 0, 0, 0, 1, 2, 11025},  // Auto leaves the record's rate
-        {4, 2, 7, 2, 49, 1, 8000},  // GSM has one rate
+        {0, 0, 0, 0, {1, 2, 44100}}, {1, 0, 0, 0, {1, 2, 44100}}, {2, 0, 0, 0, {1, 2, 22050}},
+        {3, 0, 0, 0, {1, 1, 8000}},  {4, 1, 2, 2, {1, 2, 8000}},  {4, 0, 12, 1, {1, 1, 196000}},
+        {4, 0, 0, 0, {1, 2, 11025}},  // Auto leaves the record's rate
+        {4, 2, 7, 2, {49, 1, 8000}},  // GSM has one rate
     };
     for (const auto& c : cases) {
         LUserSettingSetString("Settings", "WavFormatPreset", "");
@@ -52,9 +50,7 @@ TEST(WaveEncodeDialog, FillsTheRecordByPresetOrChoice) {
         EXPECT_EQ(dialog.IsControlEnabled(kFormat), c.preset == 4);
         EXPECT_EQ(dialog.IsControlEnabled(kRate + 1), c.preset == 4 && c.format != 2);
         EXPECT_TRUE(dialog.CmOk());
-        EXPECT_EQ(format.tag, c.tag);
-        EXPECT_EQ(format.channels, c.channelCount);
-        EXPECT_EQ(format.samplesPerSecond, c.samplesPerSecond);
+        EXPECT_EQ(std::tuple(format.tag, format.channels, format.samplesPerSecond), c.chosen);
         EXPECT_EQ(format.bitsPerSample, 16);
         EXPECT_EQ(LUserSettingGetInt("Settings", "WavFormatPreset", -1), c.preset);
     }

@@ -60,11 +60,11 @@ public:
     void DestroyDialog() override { calls += "destroy "; }
     bool CmOk() override {
         calls += "ok ";
-        return Answer(okAnswers);
+        return okRefusals-- <= 0;
     }
     bool CmCancel() override {
         calls += "cancel ";
-        return Answer(cancelAnswers);
+        return cancelRefusals-- <= 0;
     }
     void CmHelp() override { calls += "help "; }
     void EnableControls() override { ++enableCalls; }
@@ -77,19 +77,10 @@ public:
     std::string calls;
     std::vector<int> commands;
     int enableCalls = 0;
-    std::vector<bool> okAnswers;  // taken from the front; true when there is none left
-    std::vector<bool> cancelAnswers;
+    int okRefusals = 0;  // the answer is no so many times
+    int cancelRefusals = 0;
     std::function<void()> onInit;
     std::function<void(int)> onCommand;
-
-private:
-    static bool Answer(std::vector<bool>& answers) {
-        if (answers.empty())
-            return true;
-        const bool answer = answers.front();
-        answers.erase(answers.begin());
-        return answer;
-    }
 };
 
 using RecordingDialog = Recorder<LDialog>;

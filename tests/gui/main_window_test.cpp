@@ -1,5 +1,4 @@
 // The main window: placement, free layout, keys, hiding.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "foundation/settings.h"
@@ -64,7 +63,7 @@ TEST(MainWindow, RunsInOrderAndComesBackWhereItWas) {
             hidden = window.IsOpen() && !gtk_widget_get_visible(window.Widget());
             window.CmOpen();
             EXPECT_TRUE(gtk_widget_get_visible(window.Widget()));
-            window.cancelAnswers = {false, true};
+            window.cancelRefusals = 1;
             window.CmExit();
             EXPECT_TRUE(window.IsOpen());
             window.CmExit();
