@@ -55,7 +55,7 @@ public:
     std::vector<std::string> Cards() const override { return cards_; }
     bool HasEncoder() const override { return IsProgramInstalled("lame"); }
     void ReadTestSentence(GtkWidget* parent) override {
-        reading_.Start(parent, kTestSentence, std::max(0, kVoiceSetting.Get()), false);
+        reading_.Start({parent}, kTestSentence, std::max(0, kVoiceSetting.Get()), false);
     }
 
 private:

@@ -295,7 +295,7 @@ void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
 }
 
 void MainDialog::ReadText(const std::string& text, int voice) {
-    reading_.Start(Widget(), text, voice, hadKeyboard_);
+    reading_.Start({Widget(), GetControlByID(kTextBox)}, text, voice, hadKeyboard_);
 }
 
 void MainDialog::SaveText(const std::string& text, int voice) {

@@ -46,7 +46,7 @@ ReadAloud::~ReadAloud() {
     Close();
 }
 
-void ReadAloud::Start(GtkWidget* mainWindow, const std::string& text, int voice,
+void ReadAloud::Start(const LPlayerNeighbour& mainWindow, const std::string& text, int voice,
                       bool takesKeyboard) {
     Stop();
     mainWindow_ = mainWindow;
@@ -108,7 +108,7 @@ void ReadAloud::EndEngine() {
 }
 
 GtkWidget* ReadAloud::BoxParent() const {
-    return player_.IsOpen() ? player_.Widget() : mainWindow_;
+    return player_.IsOpen() ? player_.Widget() : mainWindow_.window;
 }
 
 // Only while there may be such a silence: nothing wakes up for a reading that is paused.

@@ -50,7 +50,8 @@ public:
 
     // Speaks text with the voice and plays it; stops what was playing. Troubles are told to the
     // user here. takesKeyboard: whether a player that comes with it gets the keyboard.
-    void Start(GtkWidget* mainWindow, const std::string& text, int voice, bool takesKeyboard);
+    void Start(const LPlayerNeighbour& mainWindow, const std::string& text, int voice,
+               bool takesKeyboard);
     void Stop();  // also from within the wait of Start
     // Stops, and takes the player from the screen.
     void Close();
@@ -79,7 +80,7 @@ private:
 
     ReadAloudListener& listener_;
     const bool isUnseen_;
-    GtkWidget* mainWindow_ = nullptr;  // borrowed
+    LPlayerNeighbour mainWindow_;
     ReadingInfo info_;
     bool isStarting_ = false;
     bool isStopped_ = false;      // while starting

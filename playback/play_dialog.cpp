@@ -26,6 +26,16 @@ GdkRectangle MonitorOf(GtkWidget* window) {
     return monitor;
 }
 
+GdkRectangle PlaceOf(GtkWidget* widget) {
+    GdkRectangle place{};
+    gdk_window_get_origin(gtk_widget_get_window(widget), &place.x, &place.y);
+    GtkAllocation size;
+    gtk_widget_get_allocation(widget, &size);
+    place.width = size.width;
+    place.height = size.height;
+    return place;
+}
+
 // A window that has it must not move: the next click would meet another button.
 bool HasPointer(GtkWidget* window) {
     int x = 0;
@@ -41,7 +51,7 @@ bool HasPointer(GtkWidget* window) {
 void LPlayDlg::Open(GtkWidget* parent) {
     StartPlaying();
     if (Trouble() == PlayTrouble::kNone)
-        LDialog::Open(parent, {kTitle, false, DlgGenPlayer}, true);
+        LDialog::Open(parent, {kTitle, true, DlgGenPlayer}, true);
 }
 
 // The sound does not wait for the window.
@@ -56,7 +66,7 @@ void LPlayDlg::EvEnded() {
         DoCANCELButton();
 }
 
-void LPlayDlgModeless::Restart(GtkWidget* neighbour, bool takesKeyboard) {
+void LPlayDlgModeless::Restart(const LPlayerNeighbour& neighbour, bool takesKeyboard) {
     if (IsOpen()) {
         ShowItem();
         CmPlay();
@@ -68,7 +78,7 @@ void LPlayDlgModeless::Restart(GtkWidget* neighbour, bool takesKeyboard) {
     if (!IsLoaded())
         return;
     // Not the neighbour's child, which would be kept above it and cover its text.
-    LDialog::Open(nullptr, {kTitle, false, DlgGenPlayer}, false);
+    LDialog::Open(nullptr, {kTitle, true, DlgGenPlayer}, false);
     EnableControls();
 }
 
@@ -80,7 +90,8 @@ void LPlayDlgModeless::InitDialog() {
     LPlayDlg::InitDialog();
     GtkWindow* window = GTK_WINDOW(Widget());
     gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_NORMAL);  // found like any program
-    const bool isSeen = neighbour_ != nullptr && gtk_widget_get_visible(neighbour_) != FALSE;
+    const bool isSeen =
+        neighbour_.window != nullptr && gtk_widget_get_visible(neighbour_.window) != FALSE;
     givesFocusBack_ = givesFocusBack_ && isSeen;
     awaitsFocus_ = givesFocusBack_;
     gtk_window_set_focus_on_map(window, givesFocusBack_ ? TRUE : FALSE);
@@ -96,43 +107,49 @@ void LPlayDlgModeless::GCActiveChanged(GObject*, GParamSpec*, gpointer host) {
         player.listener_.EvPlayerLeft();
 }
 
-// To the right of the neighbour, to its left, below, above, where the neighbour can move over, or
-// else in the corner that hides least.
+// To the right of the neighbour, to its left, below or above it. Where there is no room, the
+// neighbour moves over as far as it can, and the panel lies on its text rather than on its buttons.
 void LPlayDlgModeless::PlaceBeside() {
     GtkWidget* content = gtk_bin_get_child(GTK_BIN(Widget()));
     gtk_widget_show_all(content);
     GtkRequisition size{};
     gtk_widget_size_request(Widget(), &size);
-    const GdkRectangle beside = FrameOf(neighbour_);
-    const GdkRectangle monitor = MonitorOf(neighbour_);
-    GdkPoint border{};
-    gdk_window_get_origin(gtk_widget_get_window(neighbour_), &border.x, &border.y);
-    const int width = size.width + 2 * (border.x - beside.x);
-    const int height = size.height + (border.y - beside.y) + (border.x - beside.x);
-    const int right = monitor.x + monitor.width - width;
-    const int bottom = monitor.y + monitor.height - height;
-    GdkPoint place{std::max(right, monitor.x), std::max(bottom, monitor.y)};
-    if (beside.x + beside.width <= right)
-        place = {beside.x + beside.width, std::clamp(beside.y, monitor.y, place.y)};
-    else if (beside.x - width >= monitor.x)
-        place = {beside.x - width, std::clamp(beside.y, monitor.y, place.y)};
-    else if (beside.y + beside.height <= bottom)
-        place = {std::clamp(beside.x, monitor.x, place.x), beside.y + beside.height};
-    else if (beside.y - height >= monitor.y)
-        place = {std::clamp(beside.x, monitor.x, place.x), beside.y - height};
-    else if (beside.width <= right - monitor.x && !HasPointer(neighbour_)) {
-        // Once: it then stays where both have room, and its text and buttons in sight.
-        gtk_window_move(GTK_WINDOW(neighbour_), right - beside.width, beside.y);
-        place.y = std::clamp(beside.y, monitor.y, place.y);
+    const GdkRectangle beside = FrameOf(neighbour_.window);
+    const GdkRectangle monitor = MonitorOf(neighbour_.window);
+    const GdkRectangle inside = PlaceOf(neighbour_.window);
+    const int border = inside.x - beside.x;
+    const int width = size.width + 2 * border;
+    const int height = size.height + (inside.y - beside.y) + border;
+    const int right = std::max(monitor.x + monitor.width - width, monitor.x);
+    const int bottom = std::max(monitor.y + monitor.height - height, monitor.y);
+    GdkPoint place{std::clamp(beside.x, monitor.x, right), std::clamp(beside.y, monitor.y, bottom)};
+    if (beside.x + beside.width <= right) {
+        place.x = beside.x + beside.width;
+    } else if (beside.x - width >= monitor.x) {
+        place.x = beside.x - width;
+    } else if (beside.y + beside.height <= bottom) {
+        place.y = beside.y + beside.height;
+    } else if (beside.y - height >= monitor.y) {
+        place.y = beside.y - height;
+    } else {
+        const int over = std::min(std::max(right - beside.width, monitor.x), beside.x);
+        const bool moves = over != beside.x && !HasPointer(neighbour_.window);
+        if (moves)
+            gtk_window_move(GTK_WINDOW(neighbour_.window), over, beside.y);
+        place.x = right;
+        if (!moves || over + beside.width > right) {
+            const GdkRectangle text = PlaceOf(neighbour_.text);
+            place.y = std::clamp(text.y + text.height - height, monitor.y, bottom);
+        }
     }
     gtk_window_move(GTK_WINDOW(Widget()), place.x, place.y);
 }
 
 void LPlayDlgModeless::DestroyDialog() {
     LPlayDlg::DestroyDialog();
-    if (HasFocus() && givesFocusBack_ && gtk_widget_get_visible(neighbour_) != FALSE)
-        gtk_window_present(GTK_WINDOW(neighbour_));
-    neighbour_ = nullptr;
+    if (HasFocus() && givesFocusBack_ && gtk_widget_get_visible(neighbour_.window) != FALSE)
+        gtk_window_present(GTK_WINDOW(neighbour_.window));
+    neighbour_ = {};
 }
 
 void LPlayDlgModeless::Command(int command) {

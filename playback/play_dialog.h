@@ -36,6 +36,13 @@ public:
     virtual bool EvPlayerKey(unsigned int key) = 0;
 };
 
+// The window that a player stands beside, and the text in it, on which the player may lie where
+// there is no room beside. Borrowed.
+struct LPlayerNeighbour {
+    GtkWidget* window = nullptr;
+    GtkWidget* text = nullptr;
+};
+
 // Beside the window whose text it plays, which stays usable.
 class LPlayDlgModeless final : public LPlayDlg {
 public:
@@ -44,10 +51,10 @@ public:
         : LPlayDlg(info), listener_(listener) {}
 
     // Plays what `info` tells of, from its start: in the panel that is open, or in a new one beside
-    // `neighbour` (null or hidden: wherever the window manager puts it). A new panel takes the
+    // `neighbour` (none or hidden: wherever the window manager puts it). A new panel takes the
     // keyboard only from a `neighbour` that had it, so that a user who works in another program
     // goes on there; closing gives it back.
-    void Restart(GtkWidget* neighbour, bool takesKeyboard);
+    void Restart(const LPlayerNeighbour& neighbour, bool takesKeyboard);
     void RestartUnseen();  // the same without a panel
     void Seek(LSoundTime time) { MoveTo(time); }
     void Stop();            // without word to the listener
@@ -70,7 +77,7 @@ private:
     static void GCActiveChanged(GObject* window, GParamSpec*, gpointer host);
 
     LPlayDlgListener& listener_;
-    GtkWidget* neighbour_ = nullptr;  // borrowed while open
+    LPlayerNeighbour neighbour_;  // while open
     bool givesFocusBack_ = false;
     bool awaitsFocus_ = false;
 };

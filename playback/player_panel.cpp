@@ -86,7 +86,8 @@ void LPlayerBaseDlg::InitDialog() {
     TBSetRange(kPosition, 0, 100);
     HandleHSBChange(kPosition, kPositionMoved);
     HandleHSBChange(kTempo, kTempoMoved);
-    SetTooltip(kTempo, "Faster (Ctrl+Up), slower (Ctrl+-)");
+    SetTooltip(kTempo,
+               "How many times as fast as the voice itself. Faster (Ctrl+Up), slower (Ctrl+-)");
     DBEditSetLevel(kVolume, LDB(kPlayerVolume.Get()));
     HandleDBEditChange(kVolume, kVolumeChanged);
     LSoundPlayDeviceInit(*this, kDevice, device_);
@@ -524,7 +525,7 @@ double LPlayerBaseDlg::Pace() const {
 void LPlayerBaseDlg::ShowTempo() {
     SBSetPos(kTempo, tempo_->Percent());
     char text[32];
-    g_snprintf(text, sizeof text, "%d.%d times the speaker's own", tempo_->Percent() / 100,
+    g_snprintf(text, sizeof text, "%d.%d\u00d7", tempo_->Percent() / 100,
                tempo_->Percent() % 100 / 10);
     SetStaticText(kTempoTime, text);
 }

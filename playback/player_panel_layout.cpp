@@ -2,9 +2,11 @@
 // is heard and how.
 #include <gtk/gtk.h>
 
+#include <initializer_list>
+
 #include "gui/accessible.h"
 #include "gui/dialog_gen_context.h"
-#include "gui/key_dialog.h"
+#include "gui/gtk_children.h"
 #include "playback/player_panel.h"
 #include "playback/player_panel_ids.h"
 #include "playback/wave_window.h"
@@ -13,56 +15,88 @@ namespace {
 
 using namespace PlayerPanel;
 
-constexpr int kWaveWidth = 420;
-constexpr int kWaveHeight = 80;
+// So narrow and low that it has room beside the main window, or on its text, on a small screen.
+constexpr int kWidth = 294;
+constexpr int kWaveHeight = 40;
+constexpr unsigned int kRowPadding = 2;
+constexpr unsigned int kSidePadding = 4;
+constexpr int kGap = 8;
+constexpr int kFieldWidth = 100;  // at least; it fills its row
 
-void AddTransportButton(LDialogGenContext& context, int id) {
-    GtkWidget* button = gtk_toggle_button_new();
-    context.AddSpan(button, id, 0, 1);
+void AddTransportButtons(LDialogGenContext& context, std::initializer_list<int> ids) {
+    context.StartHBox();
+    for (const int id : ids)
+        context.AddSpan(gtk_toggle_button_new(), id, 0, 1);
+    context.EndHBox();
 }
 
-void AddLabelled(LDialogGenContext& context, GtkWidget* control, int id, const char* text) {
-    context.AddStaticLeft(-1, text);
-    context.AddSpanRight(control, id);
-    SetAccessibleName(control, text);
+GtkWidget* NewLabel(const char* text) {
+    GtkWidget* label = gtk_label_new(text);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    return label;
+}
+
+GtkWidget* NewSlider(int lowest, int highest, int step) {
+    GtkWidget* slider = gtk_hscale_new_with_range(lowest, highest, step);
+    gtk_scale_set_draw_value(GTK_SCALE(slider), FALSE);
+    return slider;
+}
+
+// A row of what is said and what it is said of.
+GtkWidget* NewRow(GtkWidget* first, GtkWidget* second, GtkWidget* wide) {
+    GtkWidget* row = gtk_hbox_new(FALSE, kGap);
+    for (GtkWidget* widget : {first, second})
+        gtk_box_pack_start(GTK_BOX(row), widget, widget == wide, widget == wide, 0);
+    return row;
+}
+
+// What is wide goes to the controls, not to their captions.
+void PackClosely(GtkWidget* grid) {
+    GtkContainer* table = GTK_CONTAINER(grid);
+    for (GtkWidget* child : LGtkChildren(grid)) {
+        gtk_container_child_set(table, child, "x-padding", kSidePadding, "y-padding", kRowPadding,
+                                nullptr);
+        guint rightColumn = 0;
+        gtk_container_child_get(table, child, "right-attach", &rightColumn, nullptr);
+        if (rightColumn == 1)
+            gtk_container_child_set(table, child, "x-options", GTK_FILL, nullptr);
+    }
 }
 
 }  // namespace
 
 void DlgGenPlayer(LDialogGenContext& context) {
-    context.AddInput(kItem, "Now Playing");
+    context.AddInput(kItem, "Now Playing", kFieldWidth);
     GtkWidget* wave = LWaveWindow::CreateControl();
-    gtk_widget_set_size_request(wave, kWaveWidth, kWaveHeight);
+    gtk_widget_set_size_request(wave, kWidth, kWaveHeight);
     context.AddSpanFull(wave, kWave);
-    context.StartHBox();
-    for (const int id : {kStart, kRewind, kPlay, kScrub, kStop, kForward, kEnd})
-        AddTransportButton(context, id);
-    context.EndHBox();
-    context.StartHBox();
-    for (const int id : {kPreviousSentence, kRepeatSentence, kNextSentence, kNextTrack})
-        AddTransportButton(context, id);
-    context.EndHBox();
-    GtkWidget* position = gtk_hscale_new_with_range(0, 100, 1);
-    gtk_scale_set_draw_value(GTK_SCALE(position), FALSE);
-    AddLabelled(context, position, kPosition, "Position");
-    GtkWidget* time = gtk_label_new("");
-    gtk_misc_set_alignment(GTK_MISC(time), 0.0F, 0.5F);
-    context.AddStaticLeft(-1, "Time");
-    context.AddSpanRight(time, kTime);
+    AddTransportButtons(context, {kStart, kRewind, kPlay, kScrub, kStop, kForward, kEnd});
+    AddTransportButtons(context, {kPreviousSentence, kRepeatSentence, kNextSentence, kNextTrack});
+    GtkWidget* position = NewSlider(0, 100, 1);
+    context.AddStaticLeft(-1, "Position");
+    context.AddSpanRight(position, kPosition);
+    SetAccessibleName(position, "Position");
+    GtkWidget* time = NewLabel("");
+    context.AddSpanFull(NewRow(NewLabel("Time"), time, time), -1);
+    context.Dialog().SetControlID(time, kTime);
     context.AddDBDisplay(kMeter);
     context.AddDBEdit(kVolume, "Volume");
-    GtkWidget* tempo =
-        gtk_hscale_new_with_range(LTempo::kSlowestPercent, LTempo::kFastestPercent, 10);
-    gtk_scale_set_draw_value(GTK_SCALE(tempo), FALSE);
-    AddLabelled(context, tempo, kTempo, "Reading Speed");
-    GtkWidget* factor = gtk_label_new("");
-    gtk_misc_set_alignment(GTK_MISC(factor), 0.0F, 0.5F);
-    context.AddSpanRight(factor, kTempoTime);
-    context.AddPullDownList(kDevice, "Playback Device");
-    GtkWidget* route = gtk_label_new("");
-    gtk_misc_set_alignment(GTK_MISC(route), 0.0F, 0.5F);
+    GtkWidget* tempo = NewSlider(LTempo::kSlowestPercent, LTempo::kFastestPercent, 10);
+    GtkWidget* factor = NewLabel("");
+    context.AddStaticLeft(-1, "Reading Speed");
+    context.AddSpanRight(NewRow(tempo, factor, tempo), -1);
+    context.Dialog().SetControlID(tempo, kTempo);
+    context.Dialog().SetControlID(factor, kTempoTime);
+    SetAccessibleName(tempo, "Reading Speed");
+    // A line of its own: names of cards are long.
+    GtkWidget* caption = NewLabel("Playback Device");
+    context.AddSpanFull(caption, -1);
+    context.AddPullDownList(kDevice);
+    LabelWidget(caption, context.Dialog().GetControlByID(kDevice));
+    GtkWidget* route = NewLabel("");
     gtk_label_set_line_wrap(GTK_LABEL(route), TRUE);
-    gtk_widget_set_size_request(route, kWaveWidth, -1);
+    gtk_widget_set_size_request(route, kWidth, -1);
     context.AddSpanFull(route, kRoute);
+    PackClosely(gtk_widget_get_parent(wave));
     context.AddOkCancelHelp("Close", false, true, false);
 }
