@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "gui/accessible.h"
 #include "gui/display_text.h"
@@ -21,6 +22,7 @@ struct CoolButton {
     std::function<void(int)> send;
     bool down;                   // the pressed look as last set by the program
     bool held = false;           // the first command of an up-down button is out
+    guint32 clickedAt = 0;       // milliseconds of the pointer's last click; 0 for none
     GtkWidget* arrow = nullptr;  // the part that drops down; owned by the face
 };
 
@@ -53,10 +55,24 @@ void SetLook(GtkToggleButton* button, bool down) {
     g_signal_handlers_unblock_by_func(button, clicked, nullptr);
 }
 
+// Many users click twice on everything; the second click would take back what the first began.
+bool IsSecondOfDoubleClick(GtkToggleButton* button, CoolButton& state) {
+    GdkEvent* event = gtk_get_current_event();
+    const bool isPointer = event != nullptr && event->type == GDK_BUTTON_RELEASE;
+    const guint32 now = isPointer ? gdk_event_get_time(event) : 0;
+    if (event != nullptr)
+        gdk_event_free(event);
+    const guint32 before = std::exchange(state.clickedAt, now);
+    gint limit = 0;
+    g_object_get(gtk_widget_get_settings(GTK_WIDGET(button)), "gtk-double-click-time", &limit,
+                 nullptr);
+    return now != 0 && before != 0 && now - before < static_cast<guint32>(limit);
+}
+
 void GCClicked(GtkToggleButton* button, gpointer) {
     CoolButton* state = Of(button);
     SetLook(button, state->down);  // GTK has turned it over already
-    if (state->kind != LCoolButtonKind::kUpDown)
+    if (state->kind != LCoolButtonKind::kUpDown && !IsSecondOfDoubleClick(button, *state))
         Send(*state, state->commands.command);
 }
 
