@@ -68,6 +68,12 @@ void MainDialog::RunHotKey(int index) {
     const std::vector<StoredHotKey> hotKeys = LoadHotKeys();
     if (index < 0 || index >= static_cast<int>(hotKeys.size()))
         return;
+    if (speaking_ || loading_) {
+        // A dialog of the last command still waits for its answer, perhaps behind other windows.
+        if (GtkWidget* waiting = gtk_grab_get_current())
+            gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(waiting)));
+        return;
+    }
     switch (hotKeys[static_cast<std::size_t>(index)].command) {
         case kHotKeyUpdate:
             CmCopyFromClipboard();
