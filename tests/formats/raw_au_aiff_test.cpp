@@ -50,9 +50,8 @@ TEST_F(RowFiles, RawSettingsOfAnyKindAreSurvived) {
     }
     EXPECT_EQ(Load(path), "123");
     for (int codec = 0; codec <= 8; ++codec) {
-        EXPECT_EQ(LRawFile::OpenSource(Path("no").c_str(), {8000, 1, codec})->Status(),
-                  kCannotOpen);
-        EXPECT_EQ(LRawFile::OpenSource(Path("").c_str(), {8000, 1, codec})->Status(), kCannotOpen);
+        for (const std::string& none : {Path("no"), Path("")})
+            EXPECT_EQ(LRawFile::OpenSource(none.c_str(), {8000, 1, codec})->Status(), kCannotOpen);
         EXPECT_EQ(LRawFile::OpenSink(Path("no/no").c_str(), {8000, 1, codec})->WriteError(),
                   ENOENT);
         LSoundSink full = LRawFile::OpenSink("/dev/full", {8000, 1, codec});
