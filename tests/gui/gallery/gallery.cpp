@@ -16,7 +16,6 @@
 #include "formats/dialogs/au_settings_dialog.h"
 #include "formats/dialogs/mp3_encode_dialog.h"
 #include "formats/dialogs/raw_settings_dialog.h"
-#include "gui/accessible.h"
 #include "gui/icon_numbers.h"
 #include "gui/key_dialog.h"
 #include "gui/property_sheet.h"
@@ -64,22 +63,19 @@ void CheckRoom(GtkWidget* widget, gpointer picture) {
         gtk_container_foreach(GTK_CONTAINER(widget), CheckRoom, picture);
 }
 
-GtkWidget* TopMostWindow() {
-    const auto isContent = [](GtkWidget* window) {
+// The one that is open; there is never a second.
+GtkWidget* ContentWindow() {
+    return FindWindow([](GtkWidget* window) {
         return gtk_widget_get_mapped(window) &&
                gtk_window_get_window_type(GTK_WINDOW(window)) == GTK_WINDOW_TOPLEVEL;
-    };
-    GtkWidget* modal = FindWindow([&](GtkWidget* window) {
-        return isContent(window) && gtk_window_get_modal(GTK_WINDOW(window));
     });
-    return modal != nullptr ? modal : FindWindow(isContent);
 }
 
 // The window with its frame, and what has popped up over it, as they are on the screen.
 void TakePicture(const char* name) {
     // Placing, drawing and theme pictures take some turns of the main loop.
     PumpUntil([] { return false; }, 400);
-    GtkWidget* window = TopMostWindow();
+    GtkWidget* window = ContentWindow();
     if (window == nullptr)
         return;
     CheckRoom(window, const_cast<char*>(name));
@@ -272,7 +268,7 @@ void ShowMainLike() {
 std::vector<std::function<void()>> Photographed(const char* name) {
     return {[name] {
         TakePicture(name);
-        gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_CANCEL);
+        gtk_dialog_response(GTK_DIALOG(ContentWindow()), GTK_RESPONSE_CANCEL);
     }};
 }
 
@@ -315,7 +311,7 @@ void ShowSplash() {
         return;
     LAboutBox::Open(nullptr);
     TakePicture("about");
-    gtk_dialog_response(GTK_DIALOG(TopMostWindow()), GTK_RESPONSE_OK);
+    gtk_dialog_response(GTK_DIALOG(ContentWindow()), GTK_RESPONSE_OK);
     splash.Display(nullptr);
     TakePicture("splash");
 }
