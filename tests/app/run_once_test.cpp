@@ -1,7 +1,6 @@
 #include "app/run_once.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 

@@ -1,7 +1,6 @@
 #include "documents/document.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdlib>

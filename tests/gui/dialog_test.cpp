@@ -1,6 +1,5 @@
 // Building and running dialogs and property sheets.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "gui/bubble_tip.h"
 #include "gui/gtk_children.h"

@@ -1,6 +1,5 @@
 // List views: rows, selection, check boxes, widths that come back.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 

@@ -1,6 +1,5 @@
 // Menus, tool bars and keys: what is found, and what reaches the window.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "gui/content_box.h"
 #include "gui/gtk_children.h"

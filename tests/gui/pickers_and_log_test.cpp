@@ -1,12 +1,10 @@
 // Date-time pickers, prompts and the status log.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <ctime>
 #include <thread>
 
 #include "gui/display_text.h"
-#include "gui/prompt_text.h"
 #include "gui/status_window.h"
 #include "tests/gui/gui_fixtures.h"
 

@@ -1,6 +1,5 @@
 // Controls by number: the operations of each family, and the user's actions that become commands.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "foundation/settings.h"
 #include "gui/display_text.h"

@@ -41,8 +41,8 @@ inline bool ProcessesEnd(const std::string& idFile) {
 // Runs checks in a process of their own, because a process asks for its voices only once.
 template <typename Checks>
 void InFreshProcess(Checks checks) {
-    ::signal(SIGCHLD,
-             SIG_DFL);  // an earlier voice query had it ignored, which hides the child's end
+    // An earlier voice query had it ignored, which hides the child's end.
+    ::signal(SIGCHLD, SIG_DFL);
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {

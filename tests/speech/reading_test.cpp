@@ -1,7 +1,6 @@
 #include "speech/speech_reading.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <algorithm>

@@ -10,13 +10,15 @@
 
 namespace {
 
+using enum VoiceCharset;
+
 struct Case {
     const char* what;
     std::string text;
     std::string expected;
 };
 
-void Check(const std::vector<Case>& cases, VoiceCharset charset = VoiceCharset::kAscii) {
+void Check(const std::vector<Case>& cases, VoiceCharset charset = kAscii) {
     for (const Case& test : cases)
         EXPECT_EQ(PrepareText(test.text, charset).text, test.expected) << test.what;
 }
@@ -28,15 +30,14 @@ TEST(TextPreparation, PlainTextWithSomethingToSayInEachLinePassesUnchanged) {
           "$5.00 + 50% = x_y @ http://www.example.com/a?b=c#d", "1.\n2)\n- three\n* four",
           "He left. - She stayed.", "Hello! :-) Bye.", "Really? ? (Yes)!", "So. ... and on",
           "\n\n leading and trailing \n\n", "etc. etc., e.g. Mr. Smith"}) {
-        const PreparedText prepared = PrepareText(text, VoiceCharset::kAscii);
+        const PreparedText prepared = PrepareText(text, kAscii);
         EXPECT_EQ(prepared.text, text);
         EXPECT_TRUE(prepared.hasWords) << text;
     }
 }
 
 TEST(TextPreparation, TypographyBecomesPlainForEveryVoice) {
-    for (const VoiceCharset charset :
-         {VoiceCharset::kAscii, VoiceCharset::kLatin1, VoiceCharset::kUtf8})
+    for (const VoiceCharset charset : {kAscii, kLatin1, kUtf8})
         Check({{"quotes", "“It’s” ‘so’ «there» „low“", "\"It's\" 'so' \"there\" \"low\""},
                {"number range", "pages 3–5, non‑breaking", "pages 3-5, non-breaking"},
                {"dash with a pause", "one – two — three—four", "one -- two -- three -- four"},
@@ -80,13 +81,12 @@ TEST(TextPreparation, EnglishVoicesGetAsciiWithAccentsFoldedAndSignsInWords) {
 }
 
 TEST(TextPreparation, OtherVoicesGetTheirCharset) {
-    Check({{"Latin 1", "café œuf ő €", "caf\xE9 oeuf o "}}, VoiceCharset::kLatin1);
-    Check({{"Latin 2", "Dvořák ő e\u0301 r\u030C", "Dvo\xF8\xE1k \xF5 \xE9 \xF8"}},
-          VoiceCharset::kLatin2);
-    Check({{"Latin 9", "œ € ½ Š", "\xBD \xA4 1/2 \xA6"}}, VoiceCharset::kLatin9);
+    Check({{"Latin 1", "café œuf ő €", "caf\xE9 oeuf o "}}, kLatin1);
+    Check({{"Latin 2", "Dvořák ő e\u0301 r\u030C", "Dvo\xF8\xE1k \xF5 \xE9 \xF8"}}, kLatin2);
+    Check({{"Latin 9", "œ € ½ Š", "\xBD \xA4 1/2 \xA6"}}, kLatin9);
     Check({{"letter and mark", "e\u0301 r\u030C", "e\u0301 r\u030C"},
            {"Hindi", "नमस्ते 😀 दुनिया।", "नमस्ते  दुनिया।"}},
-          VoiceCharset::kUtf8);
+          kUtf8);
 }
 
 TEST(TextPreparation, LinesAndPunctuationWithNothingToSayGoAndTheirPauseStays) {
@@ -107,17 +107,17 @@ TEST(TextPreparation, LinesAndPunctuationWithNothingToSayGoAndTheirPauseStays) {
 TEST(TextPreparation, TextWithoutWordsSaysSo) {
     for (const std::string text :
          {"", "   \n\t", "----", "?!", "😀😀", "Привет", "\x01\x02", "\xFF\xFE"})
-        EXPECT_FALSE(PrepareText(text, VoiceCharset::kAscii).hasWords) << text;
+        EXPECT_FALSE(PrepareText(text, kAscii).hasWords) << text;
     for (const std::string text : {"½ ²", "ª º"})
-        EXPECT_FALSE(PrepareText(text, VoiceCharset::kLatin1).hasWords) << text;
-    EXPECT_TRUE(PrepareText("Привет", VoiceCharset::kUtf8).hasWords);
-    EXPECT_TRUE(PrepareText("ő", VoiceCharset::kLatin2).hasWords);
+        EXPECT_FALSE(PrepareText(text, kLatin1).hasWords) << text;
+    EXPECT_TRUE(PrepareText("Привет", kUtf8).hasWords);
+    EXPECT_TRUE(PrepareText("ő", kLatin2).hasWords);
 }
 
 // Each unit with the stretch of the user's text that it stands for.
 std::string UnitsAndSources(const std::string& text) {
     std::string shown;
-    TextUnits units(text, VoiceCharset::kAscii);
+    TextUnits units(text, kAscii);
     for (TextUnit unit; units.Next(unit);)
         shown += unit.text + "<" +
                  text.substr(unit.sourceBegin, unit.sourceEnd - unit.sourceBegin) + ">|";
@@ -162,7 +162,7 @@ TEST(TextPreparation, FirstUnitNeedsNoMoreOfTheTextThanItself) {
         std::string text = "A first sentence. ";
         while (text.size() < 16384)
             text += rest;
-        TextUnits units(Guarded(text), VoiceCharset::kAscii);
+        TextUnits units(Guarded(text), kAscii);
         TextUnit unit;
         ASSERT_TRUE(units.Next(unit));
         EXPECT_TRUE(unit.text.starts_with("A first sentence.")) << unit.text;
@@ -179,7 +179,7 @@ TEST(TextPreparation, LongRunsAndUnitsAreCut) {
         clauses += "a clause of some thirty letters, ";
         hindi += "नन";
     }
-    for (const VoiceCharset charset : {VoiceCharset::kAscii, VoiceCharset::kUtf8}) {
+    for (const VoiceCharset charset : {kAscii, kUtf8}) {
         const std::tuple<std::string, std::size_t, std::size_t> cases[] = {
             {std::string(100000, 'a'), 150, 260},
             {addresses, 440, 510},
@@ -194,7 +194,7 @@ TEST(TextPreparation, LongRunsAndUnitsAreCut) {
             }
         }
     }
-    std::string cut = PrepareText(hindi, VoiceCharset::kUtf8).text;
+    std::string cut = PrepareText(hindi, kUtf8).text;
     std::erase(cut, '\n');
     EXPECT_EQ(cut, hindi) << "cut inside a character";
 }
@@ -205,7 +205,7 @@ TEST(TextPreparation, AMegabyteTakesNoLongerThanLinear) {
         while (text.size() < size)
             text += unit;
         const std::clock_t start = std::clock();
-        EXPECT_LE(PrepareText(text, VoiceCharset::kAscii).text.size(), 12 * size + 100);
+        EXPECT_LE(PrepareText(text, kAscii).text.size(), 12 * size + 100);
         return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     };
     for (const std::string unit : {"It was the best of times. ", "é", "\n", " ", "!! ", "- ",

@@ -11,6 +11,8 @@
 
 namespace {
 
+using enum VoiceCharset;
+
 using Names = std::vector<std::string>;
 
 TEST(VoiceList, IsReadFromTheEnginesReply) {
@@ -126,9 +128,9 @@ TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
 TEST(VoiceCharset, IsTheNamedOneOrAsKnown) {
     EXPECT_EQ(
         CharsetInDescription("(proclaim_voice 'x '((language italian)\n (coding ISO-8859-1)))"),
-        VoiceCharset::kLatin1);
-    EXPECT_EQ(CharsetInDescription("   (coding utf-8)"), VoiceCharset::kUtf8);
-    EXPECT_EQ(CharsetInDescription("(coding ISO-8859-15)"), VoiceCharset::kLatin9);
+        kLatin1);
+    EXPECT_EQ(CharsetInDescription("   (coding utf-8)"), kUtf8);
+    EXPECT_EQ(CharsetInDescription("(coding ISO-8859-15)"), kLatin9);
     for (const char* none : {"", "(coding", "(coding )", "(coding KOI-7)", "(language english)"})
         EXPECT_EQ(CharsetInDescription(none), std::nullopt) << none;
 
@@ -137,11 +139,11 @@ TEST(VoiceCharset, IsTheNamedOneOrAsKnown) {
     std::filesystem::create_directories(voice);
     std::ofstream(voice + "/pl_ewa.scm") << ";; a voice\n(coding ISO-8859-2)";
     const ScopedVariable root("LECTORA_ROOT", folder.Path().c_str());
-    EXPECT_EQ(CharsetOfVoice("pl_ewa"), VoiceCharset::kLatin2) << "installed description";
-    EXPECT_EQ(CharsetOfVoice("czech_ph"), VoiceCharset::kLatin2) << "known voice";
-    EXPECT_EQ(CharsetOfVoice("hindi_NSK_diphone"), VoiceCharset::kUtf8);
+    EXPECT_EQ(CharsetOfVoice("pl_ewa"), kLatin2) << "installed description";
+    EXPECT_EQ(CharsetOfVoice("czech_ph"), kLatin2) << "known voice";
+    EXPECT_EQ(CharsetOfVoice("hindi_NSK_diphone"), kUtf8);
     for (const char* english : {"kal_diphone", "", "No Voices Found", "../polish/pl_ewa"})
-        EXPECT_EQ(CharsetOfVoice(english), VoiceCharset::kAscii) << english;
+        EXPECT_EQ(CharsetOfVoice(english), kAscii) << english;
 }
 
 }  // namespace
