@@ -64,7 +64,7 @@ void LReadyDialog::InitDialog() {
         LVAddString(kState, what);
     LVSetCurSel(kState, 0);
     static constexpr LListColumn kVoiceColumns[] = {
-        {"Language", 36, LListSort::kText}, {"Speaker", 32}, {"Package", 32}};
+        {"Language", 27, LListSort::kText}, {"Speaker", 30}, {"Package", 43}};
     LVSetStyleCheck(kVoices);
     LVInit(kVoices, {LListColumns::kPercent, kVoiceColumns});
     SetAccessibleName(GetControlByID(kVoices), "More voices");
