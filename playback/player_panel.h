@@ -9,6 +9,7 @@
 #include "gui/key_dialog.h"
 #include "playback/play_device.h"
 #include "playback/player_info.h"
+#include "playback/player_wind.h"
 #include "playback/sound_player.h"
 #include "playback/wave_window.h"
 #include "sound/sound_time.h"
@@ -74,12 +75,6 @@ protected:
     void StopPlayer();
 
 private:
-    struct WindFactors {
-        double start = 0;
-        double end = 0;
-    };
-    enum class Winding { kNone, kWasCued, kWasPlaying, kWasIdle };
-
     LSoundSource OpenSource();
     void SetTime(LSoundTime time, bool fromSlider);
     LSoundTime ShownLength() const;
@@ -89,7 +84,7 @@ private:
     double Pace() const;
     void ShowTempo();
     bool StartAt(const LSoundSource& source, LSoundTime time);
-    void Wind(bool forwards);
+    void Wind(PlayerWind::Way way);
     void TakeDevice();  // as chosen in the list
     void ReadTempo();
     void StoreTempo();
@@ -111,11 +106,7 @@ private:
     int sampleRate_ = 0;  // of the source last opened
     LSoundTime time_;
     LSoundTime length_;  // of the source last opened; grows with it
-    Winding winding_ = Winding::kNone;
-    WindFactors factors_;   // of the wind
-    gint64 windStart_ = 0;  // monotonic microseconds
-    bool rewinding_ = false;
-    bool forwarding_ = false;
+    PlayerWind wind_;
     bool stopping_ = false;  // by the panel itself
     PlayTrouble trouble_ = PlayTrouble::kNone;
 };
