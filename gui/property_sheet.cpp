@@ -1,14 +1,30 @@
 #include "gui/property_sheet.h"
 
+#include <gdk/gdkkeysyms.h>
+
 #include <algorithm>
 
 #include "gui/dialog_frame.h"
 #include "gui/display_text.h"
+#include "gui/key_map.h"
 #include "gui/minimum_size.h"
 
 namespace {
 
 constexpr int kSheetWidth = 550;
+
+// Ctrl+Page Down and Ctrl+Page Up turn the pages from the buttons too, where the notebook does not
+// hear them: who cannot see where the focus is need not look for it first.
+gboolean GCPageKey(GtkWidget*, GdkEventKey* event, gpointer notebook) {
+    const LKeyCode key = KeyCodeOfEvent(*event);
+    const bool forward = key == (kKeyControl | GDK_KEY_Page_Down);
+    if (!forward && key != (kKeyControl | GDK_KEY_Page_Up))
+        return FALSE;
+    gboolean turned = FALSE;
+    gtk_widget_grab_focus(GTK_WIDGET(notebook));
+    g_signal_emit_by_name(notebook, "change-current-page", forward ? 1 : -1, &turned);
+    return turned;
+}
 
 }  // namespace
 
@@ -37,6 +53,7 @@ GtkWidget* LPropertySheet::Build(GtkWidget* parent, const char* title) {
     gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(window))), notebook_, TRUE,
                        TRUE, 0);
     gtk_widget_show_all(notebook_);
+    g_signal_connect_after(window, "key-press-event", G_CALLBACK(GCPageKey), notebook_);
     SetMinimumSize(window, kSheetWidth, -1);
     return window;
 }
