@@ -142,11 +142,12 @@ void UninstallInWindow() {
         return;
     }
     RemovalChoice choice;
-    if (!RunUninstallWizard(choice))
+    LWizard wizard;
+    if (!RunUninstallWizard(wizard, choice))
         return;
-    LUninstallWindowTalk talk(choice);
+    LUninstallWindowTalk talk(choice, wizard.Window());
     if (UninstallDialog::Uninstall(talk))
-        MessageBoxRun(nullptr, GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Uninstall Complete",
+        MessageBoxRun(wizard.Window(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Uninstall Complete",
                       (UninstallDialog::CompleteText() + ".").c_str(), nullptr);
 }
 

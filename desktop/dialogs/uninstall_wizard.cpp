@@ -34,16 +34,15 @@ private:
 
 }  // namespace
 
-bool RunUninstallWizard(RemovalChoice& choice) {
+bool RunUninstallWizard(LWizard& wizard, RemovalChoice& choice) {
     ChoicePage page(choice);
     LUninstallCommentPage comment(false);
-    LWizard wizard;
     wizard.AddPage(page, {"Remove Lectora", false, UninstallPage1});
     wizard.AddPage(comment, LUninstallCommentPage::GenData());
     return wizard.Open(nullptr, kTitle);
 }
 
 void LUninstallWindowTalk::TellTrouble(const std::string& trouble) {
-    MessageBoxRun(nullptr, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, "Lectora was not removed",
+    MessageBoxRun(window_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, "Lectora was not removed",
                   trouble.c_str());
 }

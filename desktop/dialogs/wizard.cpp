@@ -4,7 +4,6 @@
 #include "gui/dialog_frame.h"
 #include "gui/dialog_gen_context.h"
 #include "gui/display_text.h"
-#include "gui/gobject_ref.h"
 #include "gui/minimum_size.h"
 
 namespace {
@@ -29,7 +28,7 @@ void LWizard::AddPageTable(const Page& page) {
     gtk_misc_set_alignment(GTK_MISC(headline), 0.0F, 0.5F);
     gtk_misc_set_padding(GTK_MISC(headline), 8, 8);
     GtkWidget* table = GenerateTable(*page.page, page.genData);
-    page.page->AttachWidget(window_, true);
+    page.page->AttachWidget(Window(), true);
     GtkWidget* box = gtk_vbox_new(FALSE, 0);
     SetPanelName(box, DisplayText(page.genData.title).c_str());
     gtk_box_pack_start(GTK_BOX(box), headline, FALSE, FALSE, 0);
@@ -39,7 +38,7 @@ void LWizard::AddPageTable(const Page& page) {
 }
 
 void LWizard::AddButtons() {
-    GtkDialog* dialog = GTK_DIALOG(window_);
+    GtkDialog* dialog = GTK_DIALOG(Window());
     gtk_dialog_add_button(dialog, GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL);
     // No answer of the dialog, which would end its run.
     back_ = gtk_button_new_with_mnemonic("_Back");
@@ -50,20 +49,19 @@ void LWizard::AddButtons() {
     gtk_dialog_set_default_response(dialog, GTK_RESPONSE_OK);
 }
 
-GtkWidget* LWizard::Build(GtkWidget* parent, const char* title) {
-    window_ = NewDialogWindow(
-        parent, title, GtkDialogFlags(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT), {});
+void LWizard::Build(GtkWidget* parent, const char* title) {
+    window_ = GObjectRef<GtkWidget>::Share(NewDialogWindow(
+        parent, title, GtkDialogFlags(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT), {}));
     notebook_ = gtk_notebook_new();
     gtk_notebook_set_show_tabs(GTK_NOTEBOOK(notebook_), FALSE);
     gtk_notebook_set_show_border(GTK_NOTEBOOK(notebook_), FALSE);
     for (const Page& page : pages_)
         AddPageTable(page);
-    gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(window_))), notebook_, TRUE,
+    gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(Window()))), notebook_, TRUE,
                        TRUE, 0);
     gtk_widget_show_all(notebook_);
     AddButtons();
-    SetMinimumSize(window_, kWidth, kHeight);
-    return window_;
+    SetMinimumSize(Window(), kWidth, kHeight);
 }
 
 void LWizard::Show(std::size_t index) {
@@ -91,7 +89,7 @@ bool LWizard::Leave() {
 }
 
 void LWizard::GoForward() {
-    if (window_ != nullptr && shown_ + 1 < pages_.size())
+    if (window_ && shown_ + 1 < pages_.size())
         Show(shown_ + 1);
 }
 
@@ -112,28 +110,37 @@ void LWizard::EnableBack(bool enabled) {
 }
 
 void LWizard::EnableCancel(bool enabled) {
-    if (window_ != nullptr)
-        gtk_dialog_set_response_sensitive(GTK_DIALOG(window_), GTK_RESPONSE_CANCEL, enabled);
+    if (Window())
+        gtk_dialog_set_response_sensitive(GTK_DIALOG(Window()), GTK_RESPONSE_CANCEL, enabled);
 }
 
 bool LWizard::Open(GtkWidget* parent, const char* title) {
-    if (pages_.empty() || window_ != nullptr)
+    if (pages_.empty() || window_)
         return false;
-    // A reference of our own: the window may be destroyed with its parent while it runs.
-    const auto window = GObjectRef<GtkWidget>::Share(Build(parent, title));
+    Build(parent, title);
     for (const Page& page : pages_)
         page.page->InitDialog();
-    gtk_widget_show_all(window_);
+    gtk_widget_show_all(Window());
     const LDisabledParent disabled(parent);
     Show(0);
     const LDialogEnd end = RunDialog(
-        window_, {[this] { return Leave(); }, [this] { return pages_[shown_].page->CmCancel(); },
-                  [this] { pages_[shown_].page->CmHelp(); }});
+        Window(), {[this] { return Leave(); }, [this] { return pages_[shown_].page->CmCancel(); },
+                   [this] { pages_[shown_].page->CmHelp(); }});
     for (const Page& page : pages_)
         page.page->DestroyDialog();
-    gtk_widget_destroy(window.Get());
-    window_ = notebook_ = back_ = forward_ = nullptr;
+    pages_.clear();
+    if (end == LDialogEnd::kOk)
+        gtk_widget_set_sensitive(Window(), FALSE);
+    else
+        Close();
     return end == LDialogEnd::kOk;
+}
+
+void LWizard::Close() {
+    if (window_)
+        gtk_widget_destroy(Window());
+    window_.Reset();
+    notebook_ = back_ = forward_ = nullptr;
 }
 
 void AddPageText(LDialogGenContext& context, int id, const char* text) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "gui/dialog.h"
+#include "gui/gobject_ref.h"
 
 class LWizard;
 
@@ -28,11 +29,19 @@ private:
 // GUI thread, GDK lock held.
 class LWizard {
 public:
-    // Pages are borrowed and must outlive Open; the title of the data is the page's headline.
+    LWizard() = default;
+    LWizard(const LWizard&) = delete;
+    LWizard& operator=(const LWizard&) = delete;
+    ~LWizard() { Close(); }
+
+    // Pages are borrowed until Open returns; the title of the data is the page's headline.
     void AddPage(LWizardPage& page, LDialog::OpenGenData genData);
 
-    // Runs the wizard modally; true when the last page was accepted. `parent` may be null.
+    // Runs the wizard modally, once; true when the last page was accepted. `parent` may be null.
+    // The window of an accepted wizard stays, disabled, as long as the wizard does: were it gone
+    // before what it led to is told, the keyboard would have gone to another program meanwhile.
     bool Open(GtkWidget* parent, const char* title);
+    GtkWidget* Window() const { return window_.Get(); }  // null before and without
 
     // The button that goes forward from the page in view, which on the last page is Finish.
     void EnableFinish(bool enabled);
@@ -45,17 +54,18 @@ private:
         LWizardPage* page;
         LDialog::OpenGenData genData;
     };
-    GtkWidget* Build(GtkWidget* parent, const char* title);
+    void Build(GtkWidget* parent, const char* title);
     void AddPageTable(const Page& page);
     void AddButtons();
     void Show(std::size_t index);
     bool Leave();  // the page in view forwards; true at the end
+    void Close();
     static void GCBack(GtkButton* button, gpointer wizard);
 
     std::vector<Page> pages_;
     std::size_t shown_ = 0;
+    GObjectRef<GtkWidget> window_;  // the user may have destroyed it
     // Owned by the window; null while it is closed.
-    GtkWidget* window_ = nullptr;
     GtkWidget* notebook_ = nullptr;
     GtkWidget* back_ = nullptr;
     GtkWidget* forward_ = nullptr;
