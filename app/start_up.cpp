@@ -23,6 +23,7 @@
 #include "foundation/file.h"
 #include "foundation/machine_root.h"
 #include "foundation/text_buffer.h"
+#include "gui/accessible.h"
 #include "gui/message_box.h"
 
 int gargc = 0;
@@ -180,6 +181,7 @@ int RunProgram(int argc, char** argv) {
     SilenceLibraries();
     // All its words are English, in whatever language the toolkit's own are.
     gtk_widget_set_default_direction(GTK_TEXT_DIR_LTR);
+    TellFocusToLateScreenReader();
     if (std::getenv("HOME") == nullptr) {
         std::fputs("Lectora cannot start: the environment variable HOME is not set.\n", stderr);
         return 1;

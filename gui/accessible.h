@@ -14,5 +14,11 @@ void SetPanelName(GtkWidget* box, const char* name);
 // where the focus does not go. The text is copied.
 void TellScreenReader(GtkWidget* widget, const char* text);
 
+// Once, before the first window: tells a screen reader where the focus is again and again for some
+// seconds. The program starts faster than a screen reader comes to listen on a busy machine, and
+// what has the focus by then would never be said. Costs nothing where nobody can listen. GUI
+// thread.
+void TellFocusToLateScreenReader();
+
 // Makes the label speak for the widget: label-for relation, mnemonic target and accessible name.
 void LabelWidget(GtkWidget* label, GtkWidget* widget);
