@@ -115,8 +115,8 @@ class ScreenReader:
         stops = [self._heard(_focus(window), since)]
         while len(_focusable(window)) > 1:
             for _ in range(_arrows(stops[-1].widget)):
-                stops.append(self._next(window, stops[-1], "Right"))
-            following = self._next(window, stops[-1], "Tab")
+                stops.append(self._next(window, stops[-1].widget, "Right"))
+            following = self._next(window, stops[-1].widget, "Tab")
             if any(following.widget == stop.widget for stop in stops):
                 break
             stops.append(following)
@@ -145,35 +145,36 @@ class ScreenReader:
             self._heard(stop, mark)
 
     def follow(self, steps, since, paths):
-        """Presses the keys of each step once its words are heard, and Tab again and again until they
-        are; the name of a path is typed as that path. Gives back the moment of the last key."""
+        """Presses the keys of each step once its words are heard, and a last Tab again and again
+        until they are; the name of a path is typed as that path. Gives back the moment of the last
+        key."""
         tabs = False
         for words, keys in steps:
-            while tabs and words not in self._told_since(since):
-                since = self.mark()
-                desktop.press_keys("Tab")
-            if words:
-                self.wait_until_said(words, since=since)
-                self._told_since(since)
-            since, tabs = self.mark(), keys.endswith("Tab")
+            if tabs:
+                # What is said of one stop decides on the next Tab: none may run ahead of the voice.
+                window = active_window()
+                stop = self._next(window, _focus(window), "Tab")
+                while words not in stop.said:
+                    stop = self._next(window, stop.widget, "Tab")
+            elif words:
+                self.wait_until_told(words, since)
+            since = self.mark()
             if keys in paths:
                 desktop.xdotool("type", "--delay", "20", paths[keys])
                 keys = "Return"
-            desktop.press_keys(*keys.split())
+            tabs = keys.endswith("Tab")
+            desktop.press_keys(*keys.removesuffix("Tab").split())
         return since
 
-    def _told_since(self, mark):
-        """What was said since then, once that is all: the rest would be taken for the next control's."""
+    def wait_until_told(self, words, mark):
+        """Until these words were said, and what else there was to say: the rest would be taken for
+        the next control's."""
+        self.wait_until_said(words, since=mark)
+        desktop.wait_until(lambda: self._read_log()[-1] is None, "the end of its speech")
 
-        def told():
-            since = self._read_log()[mark:]
-            return any(since) and since[-1] is None and self.said_since(mark)
-
-        return desktop.wait_until(told, "a word")
-
-    def _next(self, window, stop, key):
+    def _next(self, window, widget, key):
         mark = self.mark()
-        return self._heard(self._move(window, stop.widget, key), mark)
+        return self._heard(self._move(window, widget, key), mark)
 
     def _move(self, window, widget, key):
         desktop.press_keys(key)
