@@ -9,6 +9,7 @@
 #include "foundation/child_process.h"
 #include "foundation/gdk/queued_notify.h"
 #include "playback/play_device.h"
+#include "playback/sound_server.h"
 #include "speech/voice_list_query.h"
 #include "speech/voices.h"
 
@@ -36,6 +37,9 @@ public:
         changed_ = std::move(changed);
         reading_.Stop();
         cards_ = SoundCards();
+        // As on a desktop whose sound goes over the air or the network.
+        if (cards_.empty() && SoundServerAnswers())
+            cards_.emplace_back(LSoundPlayDevice::kServerLabel);
         if (changed_)
             query_.AskAnew();
     }

@@ -86,7 +86,7 @@ void LSoundPlayDeviceInit(LWindow& dialog, int controlId, LSoundPlayDevice devic
     for (int card = 0; card < kMaxCards; ++card)
         if (const std::string name = CardName(card); !name.empty())
             dialog.PDLAddString(controlId, name.c_str());
-    dialog.PDLAddString(controlId, kSoundServer);
+    dialog.PDLAddString(controlId, LSoundPlayDevice::kServerLabel);
     dialog.PDLSetCurSel(
         controlId, device.IsSoundServer() ? dialog.PDLGetCount(controlId) - 1 : device.Card() + 1);
 }

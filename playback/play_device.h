@@ -18,6 +18,7 @@ public:
     explicit LSoundPlayDevice(const char* name);
 
     static LSoundPlayDevice SoundServer();
+    static constexpr const char* kServerLabel = "The desktop's sound server";
 
     // Any thread.
     int Card() const { return card_; }  // 0 for the sound server
@@ -44,7 +45,7 @@ private:
 };
 
 // Fills the pull-down list with "Default Sound Device", the name of every card that has one, and
-// "default" for the sound server. Selects that, or entry card + 1, which takes for granted that
+// the sound server. Selects that, or entry card + 1, which takes for granted that
 // cards are numbered without gaps.
 void LSoundPlayDeviceInit(LWindow& dialog, int controlId, LSoundPlayDevice device);
 // What is selected there. "Default Sound Device" is card 0.

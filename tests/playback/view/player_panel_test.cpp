@@ -221,10 +221,10 @@ TEST_F(PlayerPanelTest, ListsTheCardsAndKeepsTheOneChosen) {
         Close();
         return names;
     };
-    EXPECT_EQ(listed(), "Default Sound Device, default, ");
+    EXPECT_EQ(listed(), "Default Sound Device, The desktop's sound server, ");
     cards_.Insert(0, "name One\n");
     cards_.Insert(1, "name Two\n");
-    EXPECT_EQ(listed(), "Default Sound Device, One, Two, default, ");
+    EXPECT_EQ(listed(), "Default Sound Device, One, Two, The desktop's sound server, ");
     const struct {
         int entry;
         const char* kept;

@@ -72,6 +72,7 @@ void ParseLine(const std::string& text, CardSettings& settings) {
         line >> settings.speed;
     } else if (word == "server") {
         line >> settings.serverMilliseconds;
+        settings.name.clear();
     } else if (word == "element") {
         std::string rest;
         std::getline(line, rest);

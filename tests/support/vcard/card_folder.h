@@ -7,7 +7,7 @@
 //   speed 8                  how many times faster than a real card's its clock runs, from now on
 //   server 45                it is a sound server with that latency (milliseconds), as PulseAudio's
 //                            plug-in shows one: asked for its delay it fails until it plays, then
-//                            never says less than that; it never runs dry
+//                            never says less than that; it never runs dry, and is not listed
 //   element Master 0 87      a mixer element with its lowest and highest raw volume
 //   fault busy               opening answers -EBUSY
 //   fault vanish 22050       after 22050 frames played the card is gone: -ENODEV, later opens too
