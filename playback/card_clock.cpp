@@ -11,6 +11,7 @@ constexpr seconds kStandstill(5);
 constexpr duration<double> kPaceSpan(0.5);
 constexpr duration<double> kMostLeft(0.5);  // a latency; more is a server that does not play
 constexpr duration<double> kLeftMargin(0.2);
+constexpr int kMovementsPerSecond = 50;
 constexpr double kDrySeconds = 0.02;  // how exactly the moment of running dry is known
 
 }  // namespace
@@ -39,8 +40,9 @@ void CardClock::Wrote(int frames, Time now) {
 void CardClock::NoteDelay(std::int64_t delay, Time now) {
     const std::int64_t heard = std::clamp(written_ - delay, heard_, written_);
     noted_ = now;
-    // Also while a server is yet to begin with what was written.
-    if (written_ - delay > furthest_) {
+    // Also while a server is yet to begin with what was written. A latency that goes up and down is
+    // no movement.
+    if (written_ - delay > furthest_ + rate_ / kMovementsPerSecond) {
         furthest_ = written_ - delay;
         moved_ = now;
     }
