@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr guint kFocusMilliseconds = 2000;
-
 // Desktops and programs leave most combinations of Ctrl and Alt with a letter alone.
 constexpr struct {
     guint letter;
@@ -59,30 +57,11 @@ bool Ask(GtkWidget* parent) {
 
 }  // namespace
 
-// A window manager that has not seen yet that our window has the keyboard takes the question for
-// one of a program in the background, and leaves it without.
 void HotKeyOffer::AskSoon(const LWindow& window, std::function<void()> taken) {
     if (kHotKeysOfferedSetting.Get() || !LoadHotKeys().empty())
         return;
-    GtkWidget* widget = window.Widget();
-    ask_ = [this, &window, taken = std::move(taken)] {
-        if (!window.IsOpen())
-            return;
-        g_signal_handlers_disconnect_by_func(window.Widget(), reinterpret_cast<gpointer>(GCFocusIn),
-                                             this);
-        if (Ask(window.Widget()) && window.IsOpen())
+    wait_.Start(window.Widget(), [&window, taken = std::move(taken)] {
+        if (window.IsOpen() && Ask(window.Widget()) && window.IsOpen())
             taken();
-    };
-    if (gtk_window_has_toplevel_focus(GTK_WINDOW(widget))) {
-        timer_.Start(0, ask_);
-    } else {
-        g_signal_connect(widget, "focus-in-event", G_CALLBACK(GCFocusIn), this);
-        timer_.Start(kFocusMilliseconds, ask_);
-    }
-}
-
-gboolean HotKeyOffer::GCFocusIn(GtkWidget*, GdkEventFocus*, gpointer self) {
-    auto* offer = static_cast<HotKeyOffer*>(self);
-    offer->timer_.Start(0, offer->ask_);
-    return FALSE;
+    });
 }

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "gui/gui_timer.h"
+#include "app/keyboard_wait.h"
 #include "gui/window.h"
 
 // GUI thread. The question goes with this object.
@@ -16,8 +16,5 @@ public:
     void AskSoon(const LWindow& window, std::function<void()> taken);
 
 private:
-    static gboolean GCFocusIn(GtkWidget* widget, GdkEventFocus* event, gpointer self);
-
-    std::function<void()> ask_;
-    LGuiTimer timer_;
+    KeyboardWait wait_;
 };

@@ -273,7 +273,7 @@ void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
         return;
     speaking_ = true;
     // Once there was a dialog it takes the desktop a moment to give the keyboard back.
-    hadKeyboard_ = !hasBeenLeft_ || gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE;
+    hadKeyboard_ = gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE;
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(GetControlByID(kTextBox)));
     GtkTextIter start;
     GtkTextIter end;
@@ -318,7 +318,8 @@ void MainDialog::StopReading() {
 }
 
 void MainDialog::ReadWaitingFiles() {
-    while (IsOpen() && !speaking_ && !loading_ && !reading_.IsReading() && !waitingFiles_.empty()) {
+    while (IsOpen() && !firstKeyboard_.IsWaiting() && !speaking_ && !loading_ &&
+           !reading_.IsReading() && !waitingFiles_.empty()) {
         const std::string path = waitingFiles_.front();
         waitingFiles_.pop_front();
         if (LoadFile(path.c_str(), FileFrom::kArguments))
@@ -348,7 +349,8 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
     if (!speaking_ && !loading_)
         StopReading();
     waitingFiles_.insert(waitingFiles_.end(), files.begin(), files.end());
-    // The window is drawn before the first reading, which may have to wait for the engine.
+    // The window is drawn, and has its place, before the first reading, whose player stands beside
+    // it and which may have to wait for the engine.
     ReadWaitingFilesSoon();
 }
 

@@ -152,12 +152,12 @@ private:
     ReadAloud reading_;
     bool speaking_ = false;
     bool hadKeyboard_ = false;  // when the speaking began
-    bool hasBeenLeft_ = false;  // until then a desktop may be about to give it the keyboard
     bool askingToExit_ = false;
     bool loading_ = false;  // its dialog handles events
     bool settingWaitingFile_ = false;
     bool waitIsTold_ = false;  // of this reading; every further one would be talked over
     HotKeyOffer hotKeyOffer_;
+    KeyboardWait firstKeyboard_;
     bool offersHotKeys_ = false;  // once the window is drawn
     LSignalOwner keyboard_;
     LGuiTimer keyboardTimer_;

@@ -10,6 +10,8 @@ void MainDialog::EvShown() {
     tray_.Add(kTrayIcon, "Lectora");
     // Not in the way of a reading that is about to begin.
     offersHotKeys_ = waitingFiles_.empty();
+    if (!waitingFiles_.empty())
+        firstKeyboard_.Start(Widget(), [this] { ReadWaitingFilesSoon(); });
     g_signal_connect(Widget(), "expose-event", G_CALLBACK(GCFirstDrawing), this);
     g_signal_connect(Widget(), "focus-out-event", G_CALLBACK(GCFocusOut), this);
 }
@@ -29,9 +31,7 @@ gboolean MainDialog::GCFirstDrawing(GtkWidget* widget, GdkEventExpose*, gpointer
 }
 
 gboolean MainDialog::GCFocusOut(GtkWidget*, GdkEventFocus*, gpointer self) {
-    auto* window = static_cast<MainDialog*>(self);
-    window->splash_.Close();
-    window->hasBeenLeft_ = true;
+    static_cast<MainDialog*>(self)->splash_.Close();
     return FALSE;
 }
 
