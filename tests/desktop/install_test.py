@@ -136,8 +136,6 @@ class InstallTest(DesktopCase):
         for reason, comment, text in (
             ("I don't use it very often", "slow app", "slow app-slow%20app"),
             ("I have problems using it", "slow & \u00e9", "-"),
-            ("It doesn't have features that I want", "", "-"),
-            ("I prefer another product", "", None),
             ("Other", "typed", None),
         ):
             self.install()
