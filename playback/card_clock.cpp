@@ -9,7 +9,8 @@ using std::chrono::seconds;
 
 constexpr seconds kStandstill(5);
 constexpr duration<double> kPaceSpan(0.5);
-constexpr duration<double> kMostLeft(0.5);  // a latency; more is a server that does not play
+constexpr duration<double> kLeastPaceSpan(0.1);  // cards count in steps, some of many milliseconds
+constexpr duration<double> kMostLeft(0.5);       // a latency; more is a server that does not play
 constexpr duration<double> kLeftMargin(0.2);
 constexpr int kMovementsPerSecond = 50;
 constexpr double kDrySeconds = 0.02;  // how exactly the moment of running dry is known
@@ -50,7 +51,7 @@ void CardClock::NoteDelay(std::int64_t delay, Time now) {
         return;
     heard_ = heard;
     const duration<double> span = now - paceTime_;
-    if (isPaceBased_ && span.count() > 0)
+    if (isPaceBased_ && span > kLeastPaceSpan)
         pace_ = static_cast<double>(heard_ - paceHeard_) / span.count();
     if (!isPaceBased_ || span > kPaceSpan) {
         isPaceBased_ = true;

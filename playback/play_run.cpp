@@ -251,13 +251,15 @@ bool PlayRun::WriteBlock() {
 // Learns what is being heard, and tells when that is another block.
 bool PlayRun::FollowCard() {
     snd_pcm_sframes_t delay = 0;
+    // A thread that is held up on the way must not take an old answer for a new one.
+    const CardClock::Time asked = Now();
     const int error = pcm_.Delay(delay);
     // A sound server that is lost fails to take sound, or stands still.
     const bool isUnknown = error == -EIO && !pcm_.IsCard();
     if (error < 0 && !isUnknown)
         return Recover(error);
     if (error >= 0)
-        clock_.NoteDelay(delay, Now());
+        clock_.NoteDelay(delay, asked);
     if (!pcm_.IsCard() && pendingFrames_ == 0 && clock_.IsLeftOver(Now()))
         clock_.Empty(Now());
     if (clock_.Unheard() == 0 && pendingFrames_ == 0)

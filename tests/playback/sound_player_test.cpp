@@ -9,6 +9,7 @@
 #include <numbers>
 #include <numeric>
 
+#include "playback/card_clock.h"
 #include "playback/card_holder.h"
 #include "tests/playback/player_fixture.h"
 #include "tests/support/scratch_folder.h"
@@ -247,6 +248,17 @@ TEST_F(PlayerTest, StallsOfTheCardCostNoWord) {
         EXPECT_LE(CountRepeated(cards_.Played(card), 30000), fault[0] == 'u' ? 4000 : 0);
         ++card;
     }
+}
+
+TEST(CardClock, TakesNoPaceFromTwoStepsOfACard) {
+    using std::chrono::milliseconds;
+    const CardClock::Time start;
+    CardClock clock;
+    clock.Begin(16000, start);
+    clock.Wrote(12000, start);
+    clock.NoteDelay(11900, start + milliseconds(1));
+    clock.NoteDelay(11899, start + milliseconds(2));
+    EXPECT_TRUE(clock.HadRunDry(start + milliseconds(800))) << "nothing is played twice";
 }
 
 TEST_F(PlayerTest, GrowingSourcesAreWaitedForInSilence) {
