@@ -185,7 +185,7 @@ int VirtualPcm::SwParams(const snd_pcm_sw_params_t* params) {
 }
 
 int VirtualPcm::Prepare() {
-    SetTicks(IsBroken());
+    SetTicks(true);  // a kernel card tells at once, and for as long as it is so, that it has room
     receivedBefore_ += received_;
     playedBefore_ += played_;
     received_ = 0;
