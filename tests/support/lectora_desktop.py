@@ -326,9 +326,12 @@ class Lectora:
         # A new dialog stands in its place once the window manager gives it the keyboard.
         if window.getRoleName() in ("alert", "dialog"):
             wait_until(lambda: self.has_keyboard(window), f"the window of '{widget.name}'")
-        box = None
-        while box != (box := tuple(self.place(widget))):
-            xdotool("mousemove", box[0] + box[2] // 2, box[1] + box[3] // 2)
+        # A question may be answered before what moves the widget is done.
+        places = []
+        while len(places) < 3 or len(set(places[-3:])) > 1:
+            places.append(tuple(self.place(widget)))
+            x, y, width, height = places[-1]
+            xdotool("mousemove", x + width // 2, y + height // 2)
         xdotool("click", 1)
 
     def press(self, role, name):
