@@ -21,7 +21,9 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "festival, festvox-kallpc16k | festival-voice, lame")
+# Nothing else brings the bridge from GTK 2 to screen readers, without which these find an empty window.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS
+    "festival, festvox-kallpc16k | festival-voice, lame, libatk-adaptor, libgail-common")
 # Without a theme GTK 2 looks bare; without the fonts a minimal machine shows boxes.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "gnome-themes-extra, fonts-dejavu-core, libnotify4, xdg-utils, poppler-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "festival-voice, xterm")
