@@ -40,6 +40,27 @@ void SilenceLibraries() {
         g_log_set_handler(domain, static_cast<GLogLevelFlags>(255), GLIBLogFunc, nullptr);
 }
 
+// With what screen readers need, which a session knows only from its next login on after it was
+// installed. Sessions without a bus have no screen reader, and NO_AT_BRIDGE refuses it.
+void InitToolkit() {
+    constexpr const char* kModules = "GTK_MODULES";
+    const char* before = std::getenv(kModules);
+    const std::string modules = before != nullptr ? before : "";
+    const bool adds = modules.find("atk-bridge") == std::string::npos &&
+                      std::getenv("DBUS_SESSION_BUS_ADDRESS") != nullptr &&
+                      std::getenv("NO_AT_BRIDGE") == nullptr;
+    if (adds)
+        ::setenv(kModules, (modules + (modules.empty() ? "" : ":") + "gail:atk-bridge").c_str(), 1);
+    // A module that is not installed is no news to the user.
+    const guint quiet = g_log_set_handler("Gtk", G_LOG_LEVEL_MESSAGE, GLIBLogFunc, nullptr);
+    gtk_init(&gargc, &gargv);
+    g_log_remove_handler("Gtk", quiet);
+    if (adds && before != nullptr)
+        ::setenv(kModules, modules.c_str(), 1);
+    else if (adds)
+        ::unsetenv(kModules);
+}
+
 constexpr const char* kInstall = "-install";
 constexpr const char* kUninstall = "-uninstall";
 constexpr const char* kCheck = "-check";
@@ -176,7 +197,7 @@ int RunProgram(int argc, char** argv) {
         }
     }
     gdk_threads_init();
-    gtk_init(&gargc, &gargv);
+    InitToolkit();
     gdk_threads_enter();
     SilenceLibraries();
     // All its words are English, in whatever language the toolkit's own are.
