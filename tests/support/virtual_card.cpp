@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "tests/support/eventually.h"
 #include "tests/support/vcard/card_folder.h"
 
 VirtualCards::VirtualCards() {
@@ -70,8 +71,13 @@ std::vector<std::int16_t> VirtualCards::Received(int card, int stream) const {
 
 std::vector<std::int16_t> VirtualCards::Played(int card, int stream) const {
     constexpr std::size_t kChannelsAt = 22;
+    // A player tells its end without waiting for the card to be closed, which says what it played.
+    std::vector<CardEvent> events;
+    Eventually([&] {
+        events = Events(card, stream);
+        return !events.empty() && events.back().name == "close";
+    });
     const std::string header = ReadSmallFile(StreamPath(card, stream, ".wav"));
-    const std::vector<CardEvent> events = Events(card, stream);
     if (header.size() <= kChannelsAt || events.empty())
         return {};
     const auto channels = static_cast<std::uint8_t>(header[kChannelsAt]);
