@@ -26,6 +26,8 @@ constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
 // that nobody finds out by saving.
 constexpr const char* kNothingChosen = "So far speech is saved as WAV; OK makes it this format.";
 
+constexpr const char* kFolderNotWritten = "Your settings folder cannot be written.";
+
 bool IsNothingChosen() {
     return kSaveFormatIndexSetting.Get() == kMp3 && kSaveFormatSetting.Get() != "0" &&
            kSaveByDefaultSetting.Get() != "0";
@@ -82,14 +84,20 @@ void GeneralDlgImp::ShowFormatSettings() {
     if (LWaveFile::WaveFormatSelectDialog(format, 0, "Select Wave File Format") &&
         !SaveDefaultWaveFormat(format))
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
-                      "The format settings could not be kept.",
-                      "Your settings folder cannot be written.");
+                      "The format settings could not be kept.", kFolderNotWritten);
 }
 
 bool GeneralDlgImp::CmOk() {
     if (!LAutoRunSettingsApply(*this, kRunAtLogin, kRunMode))
         return false;
-    kSaveByDefaultSetting.Set(GetCheck(kUseDefault) ? "1" : "0");
-    kSaveFormatIndexSetting.Set(PDLGetCurSel(kFormat));
-    return true;
+    const char* byDefault = GetCheck(kUseDefault) ? "1" : "0";
+    const int format = PDLGetCurSel(kFormat);
+    kSaveByDefaultSetting.Set(byDefault);
+    kSaveFormatIndexSetting.Set(format);
+    const bool isKept =
+        kSaveByDefaultSetting.Get() == byDefault && kSaveFormatIndexSetting.Get() == format;
+    if (!isKept)
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "Your options could not be kept.", kFolderNotWritten);
+    return isKept;
 }

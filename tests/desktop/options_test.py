@@ -108,6 +108,13 @@ class OptionsTest(DesktopCase):
             state = lectora.find(role, name).getState()
             self.assertEqual(state.contains(desktop.pyatspi.STATE_CHECKED), on, name)
         self.assertFalse(lectora.can_press("push button", "Format Settings"))
+        store = os.path.join(desktop.HOME, ".quillon/lectora/settings")
+        os.remove(store)
+        os.mkdir(store)
+        lectora.press("radio button", "Use these default format settings ")
+        lectora.press("push button", "OK")
+        self.assertIn("folder cannot be written", lectora.wait_for_box("Your options could not be kept."))
+        os.rmdir(store)
 
     def test_hotkeys_are_added_changed_and_removed_and_act_at_once(self):
         lectora = self.start()
