@@ -1,33 +1,18 @@
 #include "app/main_dialog.h"
 
 #include <gdk/gdkkeysyms.h>
-#include <strings.h>
-
-#include <algorithm>
 
 #include "app/commands.h"
-#include "app/document_loading.h"
 #include "app/help_links.h"
 #include "app/machine_check.h"
 #include "app/recent_files.h"
-#include "app/save_speech.h"
-#include "app/settings_keys.h"
 #include "app/start_up.h"
 #include "foundation/browser.h"
-#include "foundation/file.h"
 #include "foundation/hosts.h"
-#include "foundation/owned_text.h"
-#include "foundation/text_file.h"
 #include "gui/accessible.h"
 #include "gui/control_factory.h"
 #include "gui/icon_numbers.h"
 #include "gui/message_box.h"
-
-namespace {
-
-constexpr char kBanner[] = "Lectora v 1.05";
-
-}  // namespace
 
 MainDialog::MainDialog()
     : places_(*this),
@@ -266,140 +251,4 @@ bool MainDialog::EvKeyDown(unsigned int key) {
         return true;
     }
     return LMainWindow::EvKeyDown(key);
-}
-
-void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
-    if (speaking_ || loading_)
-        return;
-    speaking_ = true;
-    // Once there was a dialog it takes the desktop a moment to give the keyboard back.
-    hadKeyboard_ = gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE;
-    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(GetControlByID(kTextBox)));
-    GtkTextIter start;
-    GtkTextIter end;
-    if (stretch == Stretch::kAll || !gtk_text_buffer_get_selection_bounds(buffer, &start, &end))
-        gtk_text_buffer_get_bounds(buffer, &start, &end);
-    const std::string text = lines_.Text(start, end);
-    if (!text.empty()) {
-        reading_.Stop();
-        if (kFollowTextSetting.Get())
-            highlight_.Begin(start);
-        else
-            highlight_.End();
-        const int voice = AwaitVoice();
-        if (voice >= 0)
-            (this->*speak)(text, voice);
-    }
-    speaking_ = false;
-    ReadWaitingFilesSoon();
-}
-
-void MainDialog::ReadText(const std::string& text, int voice) {
-    reading_.Start({Widget(), GetControlByID(kTextBox)}, text, voice, hadKeyboard_);
-}
-
-void MainDialog::SaveText(const std::string& text, int voice) {
-    const std::string note = SaveSpeech(Widget(), text, voice);
-    if (!note.empty())
-        TellStatusText(note.c_str());
-}
-
-void MainDialog::CmRead() {
-    Speak(&MainDialog::ReadText, Stretch::kAll);
-}
-
-void MainDialog::CmSave() {
-    Speak(&MainDialog::SaveText, Stretch::kAll);
-}
-
-void MainDialog::StopReading() {
-    waitingFiles_.clear();
-    reading_.Stop();
-}
-
-void MainDialog::ReadWaitingFiles() {
-    while (IsOpen() && !firstKeyboard_.IsWaiting() && !speaking_ && !loading_ &&
-           !reading_.IsReading() && !waitingFiles_.empty()) {
-        const std::string path = waitingFiles_.front();
-        waitingFiles_.pop_front();
-        if (LoadFile(path.c_str(), FileFrom::kArguments))
-            Speak(&MainDialog::ReadText, Stretch::kAll);
-    }
-}
-
-void MainDialog::ReadWaitingFilesSoon() {
-    if (!waitingFiles_.empty() && nextFile_ == 0)
-        nextFile_ = gdk_threads_add_idle(ReadNextFile, this);
-}
-
-void MainDialog::EvRunArguments(const char* const* arguments, int count) {
-    if (count < 2)
-        CmOpen();
-    EnableControls();
-    std::deque<std::string> files;
-    for (int index = 1; index < count; ++index) {
-        const char* argument = arguments[index];
-        if (strcasecmp(argument, "-logon") != 0 && strcasecmp(argument, "-block") != 0)
-            files.emplace_back(argument);
-    }
-    if (files.empty())
-        return;
-    // What was asked for last is heard at once, unless a progress dialog is up: then it waits for
-    // that to end. Several files are read one after the other.
-    if (!speaking_ && !loading_)
-        StopReading();
-    waitingFiles_.insert(waitingFiles_.end(), files.begin(), files.end());
-    // The window is drawn, and has its place, before the first reading, whose player stands beside
-    // it and which may have to wait for the engine.
-    ReadWaitingFilesSoon();
-}
-
-void MainDialog::EvReadingStarted() {
-    waitIsTold_ = false;
-    SetCoolButtonDown(kReadButton);
-}
-
-void MainDialog::EvReadingTime(LSoundTime position, LSoundTime length) {
-    char now[kSoundTimeTextSize];
-    char whole[kSoundTimeTextSize];
-    position._GetText0(now);
-    length._GetText0(whole);
-    SetStatusText(("Reading aloud: " + std::string(now) + " of " + whole + " (Esc stops)").c_str());
-}
-
-void MainDialog::EvReadingStretch(std::size_t begin, std::size_t end) {
-    highlight_.Show(begin, end);
-}
-
-void MainDialog::EvReadingWaits() {
-    constexpr const char* kNote = "Waiting for the voice, which is slower than speech (Esc stops)";
-    waitIsTold_ ? SetStatusText(kNote) : TellStatusText(kNote);
-    waitIsTold_ = true;
-}
-
-void MainDialog::EvReadingEnded(const std::string& note, bool inTrouble) {
-    SetCoolButtonUp(kReadButton);
-    if (note.empty())
-        SetStatusText(kBanner);
-    else
-        TellStatusText(note.c_str());
-    highlight_.Hide();
-    EnableControls();
-    // The next file would meet the same trouble, and its box would hide this one's.
-    if (inTrouble)
-        waitingFiles_.clear();
-    // From the main loop: the player is still in the middle of ending this reading.
-    ReadWaitingFilesSoon();
-}
-
-void MainDialog::EvNextReading() {
-    reading_.Stop();
-    ReadWaitingFilesSoon();
-}
-
-int MainDialog::ReadNextFile(void* self) {
-    auto* window = static_cast<MainDialog*>(self);
-    window->nextFile_ = 0;
-    window->ReadWaitingFiles();
-    return FALSE;
 }

@@ -94,6 +94,9 @@ private:
     void RunHotKey(int index);
     static std::string SelectedText();
 
+    // In the status bar while there is nothing else to tell.
+    static constexpr const char* kBanner = "Lectora v 1.05";
+
     enum class Stretch { kAll, kSelected };  // kSelected: all when nothing is selected
     using SpeakFunction = void (MainDialog::*)(const std::string& text, int voice);
 
