@@ -45,8 +45,8 @@ private:
 };
 
 // Fills the pull-down list with "Default Sound Device", the name of every card that has one, and
-// the sound server. Selects that, or entry card + 1, which takes for granted that
-// cards are numbered without gaps.
+// the sound server. Selects that, or entry card + 1, which takes for granted that cards are
+// numbered without gaps.
 void LSoundPlayDeviceInit(LWindow& dialog, int controlId, LSoundPlayDevice device);
 // What is selected there. "Default Sound Device" is card 0.
 LSoundPlayDevice LSoundPlayDeviceChosen(const LWindow& dialog, int controlId);

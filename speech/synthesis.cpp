@@ -61,8 +61,7 @@ std::string SynthesisMessage(SynthesisOutcome outcome) {
             return "The speech engine could not be started: the system is out of resources.";
         case SynthesisOutcome::kNoSound:
             return "The speech engine produced no sound for this text. Another voice may help: "
-                   "this "
-                   "one may have been removed or be incomplete.";
+                   "this one may have been removed or be incomplete.";
         case SynthesisOutcome::kIncomplete:
             return "The speech engine stopped before the end of the text.";
         case SynthesisOutcome::kCannotWrite:

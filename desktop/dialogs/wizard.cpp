@@ -110,7 +110,7 @@ void LWizard::EnableBack(bool enabled) {
 }
 
 void LWizard::EnableCancel(bool enabled) {
-    if (Window())
+    if (window_)
         gtk_dialog_set_response_sensitive(GTK_DIALOG(Window()), GTK_RESPONSE_CANCEL, enabled);
 }
 
