@@ -4,8 +4,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <string>
+#include <utility>
 
 class ScratchFolder {
 public:
@@ -24,7 +25,10 @@ public:
     std::string operator/(const std::string& name) const { return path_ + "/" + name; }
     static std::string ReadFile(const std::string& path) {
         std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        std::ostringstream text;
+        // Iterators would throw where the process that the file tells of ends while it is read.
+        text << file.rdbuf();
+        return std::move(text).str();
     }
     std::string Read(const std::string& name) const { return ReadFile(path_ + "/" + name); }
     void Write(const std::string& name, const std::string& text) const {
