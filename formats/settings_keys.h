@@ -23,6 +23,9 @@ constexpr UserSetting<int> RawCodecSetting(const char* section) {
     return {section, "Codec", 3};
 }
 
+// That of files which are saved.
+constexpr const char* kRawSavingSection = "RawEncoder";
+
 // Looked for in the user's settings, then in the machine's, so as text (mp3_settings.h).
 constexpr UserSetting<const char*> kMp3ConstantSetting{"MP3Encoder", "ConstantBitRate", ""};
 constexpr UserSetting<const char*> kMp3BitRateSetting{"MP3Encoder", "CBRBitRate", ""};

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/sound_types.h"
+#include "formats/sound_types.h"
 
 constexpr const char* kStandardOutput = "-";
 

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "formats/sound_types.h"
 #include "formats/wave_format.h"
 #include "sound/sound_source.h"
-#include "tools/sound_types.h"
 
 // How to read a file that does not say so itself. What is not set comes from the type: 8000 Hz mono
 // for .ul, .al and .vox, 44100 Hz stereo 16-bit for .raw.

@@ -4,12 +4,12 @@
 #include <optional>
 #include <string>
 
+#include "formats/sound_types.h"
 #include "formats/whole_file.h"
 #include "foundation/progress.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 #include "sound/source_to_sink.h"
-#include "tools/sound_types.h"
 
 struct OutputChoice {
     SoundType type = SoundType::kWav;

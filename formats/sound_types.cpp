@@ -1,5 +1,6 @@
-#include "tools/sound_types.h"
+#include "formats/sound_types.h"
 
+#include <glib.h>
 #include <strings.h>
 
 #include <algorithm>
@@ -9,7 +10,9 @@
 #include "formats/aiff_file.h"
 #include "formats/au_file.h"
 #include "formats/gsm_file.h"
+#include "formats/mp3_component.h"
 #include "formats/mp3_sink.h"
+#include "formats/settings_keys.h"
 #include "formats/wave_codec_names.h"
 #include "formats/wave_file.h"
 #include "formats/wave_sink.h"
@@ -111,35 +114,96 @@ std::uint16_t AuTag(const char* path) {
     }
 }
 
-template <std::size_t N>
-constexpr SoundTypeRow Row(SoundType type, const char* name, const char* otherName,
-                           const SampleEncoding (&encodings)[N], bool isHeaderless, int headerBytes,
-                           LRawSettings reading, decltype(SoundTypeRow::openSource) openSource,
-                           decltype(SoundTypeRow::openSink) openSink,
-                           decltype(SoundTypeRow::waveTagOf) waveTagOf = nullptr) {
-    return {type,         name,        otherName,       encodings, static_cast<int>(N),
-            isHeaderless, headerBytes, headerBytes > 0, reading,   openSource,
-            openSink,     waveTagOf};
+LSoundSink WavSinkAsSet(const char* path) {
+    LWaveFileFormat format(44100, 1, "PCM");
+    LoadDefaultWaveFormat(format);
+    return LWaveFile::OpenSink(path, format);
+}
+
+LSoundSink AuSinkAsSet(const char* path) {
+    LAuSettings settings{kAuCodecSetting.Get(), kAuRateSetting.Get(),
+                         static_cast<std::uint8_t>(kAuChannelsSetting.Get())};
+    return OpenAuSink(path, settings);
+}
+
+LSoundSink AiffSinkAsSet(const char* path) {
+    return OpenAIFFSink(path, kAiffRateSetting.Get(),
+                        static_cast<unsigned char>(kAiffChannelsSetting.Get()));
+}
+
+LSoundSink RawSinkAsSet(const char* path) {
+    const LRawSettings settings{
+        RawRateSetting(kRawSavingSection).Get(),
+        static_cast<std::uint8_t>(RawChannelsSetting(kRawSavingSection).Get()),
+        RawCodecSetting(kRawSavingSection).Get()};
+    return LRawFile::OpenSink(path, settings);
+}
+
+// The encoder is fed studio sound, whatever it makes of it.
+LSoundSink Mp3SinkAsSet(const char* path) {
+    LMp3EncodeSettings settings = LoadMp3SettingsForSaving();
+    return OpenMp3Sink(path, settings, 44100, 2);
+}
+
+// Types without settings: as telephones have them.
+template <LRawCodec Codec>
+LSoundSink TelephoneSink(const char* path) {
+    return LRawFile::OpenSink(path, {8000, 1, Codec});
 }
 
 constexpr LRawSettings kTelephone{8000, 1, 0};
 constexpr LRawSettings kStudio{44100, 2, 0};
 
+struct Opening {
+    decltype(SoundTypeRow::openSource) source;
+    decltype(SoundTypeRow::openSink) sink;
+    decltype(SoundTypeRow::openSinkAsSet) sinkAsSet;
+    decltype(SoundTypeRow::waveTagOf) waveTagOf = nullptr;
+};
+
+struct Names {
+    const char* first;
+    const char* other;
+    const char* title;
+};
+
+template <std::size_t N>
+constexpr SoundTypeRow Row(SoundType type, Names names, const SampleEncoding (&encodings)[N],
+                           int headerBytes, const Opening& open, const char* component = nullptr) {
+    return {type,        names.first, names.other,    names.title,     encodings,
+            N,           false,       headerBytes,    headerBytes > 0, {},
+            open.source, open.sink,   open.waveTagOf, open.sinkAsSet,  component};
+}
+
+template <std::size_t N>
+constexpr SoundTypeRow HeaderlessRow(SoundType type, Names names,
+                                     const SampleEncoding (&encodings)[N], LRawSettings reading,
+                                     decltype(SoundTypeRow::openSinkAsSet) sinkAsSet) {
+    SoundTypeRow row = Row(type, names, encodings, 0, {RawSource, RawSink, sinkAsSet});
+    row.isHeaderless = true;
+    row.reading = reading;
+    return row;
+}
+
 // In the order of --help.
 constexpr SoundTypeRow kTypes[] = {
-    Row(SoundType::kWav, "wav", nullptr, kWavHolds, false, kWaveHeaderBytes, {},
-        Source<LWaveFile::OpenSource>, WavSink, WavTag),
-    Row(SoundType::kAu, "au", "snd", kAuHolds, false, kAuHeaderBytes, {},
-        Source<LAuFile::OpenSource>, AuSink, AuTag),
-    Row(SoundType::kAiff, "aiff", "aif", kAiffHolds, false, kAiffHeaderBytes, {},
-        Source<LAifFile::OpenSource>, AiffSink),
-    Row(SoundType::kGsm, "gsm", nullptr, kGsmHolds, false, 0, {}, Source<LGSMFile::OpenSource>,
-        GsmSink),
-    Row(SoundType::kVox, "vox", nullptr, kVoxHolds, true, 0, kTelephone, RawSource, RawSink),
-    Row(SoundType::kRaw, "raw", nullptr, kRawHolds, true, 0, kStudio, RawSource, RawSink),
-    Row(SoundType::kMuLaw, "ul", nullptr, kMuLawHolds, true, 0, kTelephone, RawSource, RawSink),
-    Row(SoundType::kALaw, "al", nullptr, kALawHolds, true, 0, kTelephone, RawSource, RawSink),
-    Row(SoundType::kMp3, "mp3", nullptr, kMp3Holds, false, 0, {}, nullptr, Mp3Sink),
+    Row(SoundType::kWav, {"wav", nullptr, "Wav Files"}, kWavHolds, kWaveHeaderBytes,
+        {Source<LWaveFile::OpenSource>, WavSink, WavSinkAsSet, WavTag}),
+    Row(SoundType::kAu, {"au", "snd", "Au Files"}, kAuHolds, kAuHeaderBytes,
+        {Source<LAuFile::OpenSource>, AuSink, AuSinkAsSet, AuTag}),
+    Row(SoundType::kAiff, {"aiff", "aif", "Aiff Files"}, kAiffHolds, kAiffHeaderBytes,
+        {Source<LAifFile::OpenSource>, AiffSink, AiffSinkAsSet}),
+    Row(SoundType::kGsm, {"gsm", nullptr, "GSM Files"}, kGsmHolds, 0,
+        {Source<LGSMFile::OpenSource>, GsmSink, LGSMFile::OpenSink}),
+    HeaderlessRow(SoundType::kVox, {"vox", nullptr, "Vox Files"}, kVoxHolds, kTelephone,
+                  TelephoneSink<kRawDialogicAdpcm>),
+    HeaderlessRow(SoundType::kRaw, {"raw", nullptr, "Raw Files"}, kRawHolds, kStudio, RawSinkAsSet),
+    HeaderlessRow(SoundType::kMuLaw, {"ul", nullptr, "uLaw Files"}, kMuLawHolds, kTelephone,
+                  TelephoneSink<kRawMuLaw>),
+    HeaderlessRow(SoundType::kALaw, {"al", nullptr, "aLaw Files"}, kALawHolds, kTelephone,
+                  TelephoneSink<kRawALaw>),
+    Row(SoundType::kMp3, {"mp3", nullptr, "Mp3 Files"}, kMp3Holds, 0,
+        {nullptr, Mp3Sink, Mp3SinkAsSet}, "mp3el"),
 };
 
 bool IsSameWord(std::string_view a, const char* b) {
@@ -170,9 +234,33 @@ bool SoundTypeRow::CanHold(SampleEncoding encoding) const {
     return std::find(encodings, encodings + encodingCount, encoding) != encodings + encodingCount;
 }
 
+bool SoundTypeRow::HasName(std::string_view ending) const {
+    return IsSameWord(ending, name) || IsSameWord(ending, otherName);
+}
+
+std::vector<SoundType> WritableSoundTypes() {
+    std::vector<SoundType> types = {SoundType::kWav, SoundType::kMp3};
+    for (const SoundTypeRow& row : kTypes)
+        if (row.CanBeWritten() && std::ranges::find(types, row.type) == types.end())
+            types.push_back(row.type);
+    return types;
+}
+
+std::string ChooserFilter(SoundType type) {
+    const SoundTypeRow& row = RowOf(type);
+    std::string patterns;
+    for (const char* name : {row.name, row.otherName}) {
+        std::string capitals = name == nullptr ? "" : name;
+        std::ranges::transform(capitals, capitals.begin(), g_ascii_toupper);
+        if (name != nullptr)
+            patterns.append(patterns.empty() ? "*." : ";*.").append(name).append(";*." + capitals);
+    }
+    return row.title + std::string(1, '\0') + patterns + '\0';
+}
+
 std::optional<SoundType> SoundTypeFromName(std::string_view name) {
     for (const SoundTypeRow& row : kTypes) {
-        if (IsSameWord(name, row.name) || IsSameWord(name, row.otherName))
+        if (row.HasName(name))
             return row.type;
     }
     return std::nullopt;

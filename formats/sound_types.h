@@ -1,11 +1,12 @@
-// The file types and sample encodings that the programs know by name: one row each, and all that
-// the programs know about them.
+// The file types and sample encodings that the programs know: one row each, and all that the
+// programs know about them. A row's settings dialog stands above, in dialogs/, named by its type.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "formats/raw_file.h"
 
@@ -43,6 +44,7 @@ struct SoundTypeRow {
     SoundType type;
     const char* name;       // the extension, without its dot
     const char* otherName;  // null when there is none
+    const char* title;      // in lists and choosers: "Wav Files"
     // What a file of the type may hold; the first when nothing is said.
     const SampleEncoding* encodings;
     int encodingCount;
@@ -55,8 +57,14 @@ struct SoundTypeRow {
     LSoundSink (*openSink)(const char* path, const LRawSettings& format,
                            const EncodingRow& encoding);
     std::uint16_t (*waveTagOf)(const char* path);  // null: the encoding's
+    // With what the user has set for files of this type; null as openSink is.
+    LSoundSink (*openSinkAsSet)(const char* path);
+    // The component without which openSink fails (formats/mp3_component.h); null: needs none.
+    const char* component;
 
     bool CanHold(SampleEncoding encoding) const;
+    bool CanBeWritten() const { return openSink != nullptr; }
+    bool HasName(std::string_view ending) const;  // either name, whatever its case
 };
 const SoundTypeRow& RowOf(SoundType type);
 
@@ -71,6 +79,12 @@ std::optional<SampleEncoding> SampleEncodingFromName(std::string_view name);
 inline const char* NameOf(SampleEncoding encoding) {
     return RowOf(encoding).name;
 }
+
+// Those that can be written, in the order in which they are offered: WAV and MP3 first.
+std::vector<SoundType> WritableSoundTypes();
+
+// As choosers take it, with the zeros between and at its end: "Wav Files", "*.wav;*.WAV".
+std::string ChooserFilter(SoundType type);
 
 // For messages and --help: every name, separated by blanks.
 std::string AllSoundTypeNames();
