@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 #include <set>
+#include <utility>
 
 #include "tools/tool_texts.h"
 
@@ -13,7 +15,7 @@ namespace {
 
 constexpr const char* kProgram = "lectora-say";
 
-enum LongOption : int { kListVoices = 256, kSplit, kHelp, kVersion };
+enum LongOption : int { kListVoices = 256, kSplit, kText, kHelp, kVersion };
 
 const option kLongOptions[] = {{"voice", required_argument, nullptr, 'v'},
                                {"list-voices", no_argument, nullptr, kListVoices},
@@ -22,6 +24,7 @@ const option kLongOptions[] = {{"voice", required_argument, nullptr, 'v'},
                                {"force", no_argument, nullptr, 'f'},
                                {"progress", no_argument, nullptr, 'p'},
                                {"split", optional_argument, nullptr, kSplit},
+                               {"text", optional_argument, nullptr, kText},
                                {"help", no_argument, nullptr, kHelp},
                                {"version", no_argument, nullptr, kVersion},
                                {nullptr, 0, nullptr, 0}};
@@ -38,6 +41,7 @@ int ShowHelp() {
         "Usage: %s [OPTION...] -o OUTPUT [FILE]\n"
         "       %s [OPTION...] -o - [FILE]\n"
         "       %s [OPTION...] -o FOLDER/ [-t TYPE] FILE...\n"
+        "       %s --text[=FORM] [FILE...]\n"
         "       %s --list-voices\n"
         "Speaks a text (FILE, or standard input) into a sound file, or each of many into one of "
         "its own.\n\n"
@@ -51,9 +55,12 @@ int ShowHelp() {
         "  -p, --progress       show progress also beside sound on standard output\n"
         "      --split[=MINUTES]  write parts of that length, or of what a file can hold: "
         "OUTPUT-01, ...\n"
+        "      --text[=FORM]    print the text that would be read: whole, by sentences, or as "
+        "spoken "
+        "by the voice\n"
         "      --help           show this text\n"
         "      --version        show the version\n",
-        kProgram, kProgram, kProgram, kProgram, AllSoundTypeNames().c_str());
+        kProgram, kProgram, kProgram, kProgram, kProgram, AllSoundTypeNames().c_str());
     return kExitDone;
 }
 
@@ -105,15 +112,41 @@ bool ParseSplit(const char* minutes, SayOptions& options) {
     return true;
 }
 
-std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
-    if (words.output.empty())
-        return UsageError(kProgram, "-o names the sound file to write");
-    for (const std::string& file : words.files) {
+bool ParseTextForm(const char* form, SayOptions& options) {
+    constexpr std::pair<const char*, TextForm> kForms[] = {{"whole", TextForm::kWhole},
+                                                           {"sentences", TextForm::kSentences},
+                                                           {"spoken", TextForm::kSpoken}};
+    for (const auto& [name, value] : kForms)
+        if (std::strcmp(form, name) == 0)
+            options.printsText = value;
+    return options.printsText.has_value();
+}
+
+// Refuses what names no file.
+std::optional<int> CheckFiles(const Words& words) {
+    for (const std::string& file : words.files)
         if (file.empty() || file == "-")
             return UsageError(
                 kProgram,
                 "'" + file + "' is no file; without files the text comes from standard input");
-    }
+    return std::nullopt;
+}
+
+std::optional<int> PlanPrinting(const Words& words, SayOptions& options) {
+    if (!words.output.empty())
+        return UsageError(kProgram, "--text prints to standard output, without -o");
+    if (words.files.empty())
+        options.jobs.emplace_back();
+    for (const std::string& file : words.files)
+        options.jobs.push_back({file, kStandardOutput, SoundType::kWav});
+    return CheckFiles(words);
+}
+
+std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
+    if (words.output.empty())
+        return UsageError(kProgram, "-o names the sound file to write");
+    if (const std::optional<int> status = CheckFiles(words))
+        return status;
     if (words.output == kStandardOutput)
         return PlanStream(words, options);
     if (IsFolder(words.output))
@@ -159,6 +192,10 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 if (!ParseSplit(optarg, options))
                     return UsageError(kProgram, std::string("no such length of parts: ") + optarg);
                 break;
+            case kText:
+                if (!ParseTextForm(optarg == nullptr ? "whole" : optarg, options))
+                    return UsageError(kProgram, std::string("no such form of text: ") + optarg);
+                break;
             case kListVoices:
                 options.listsVoices = true;
                 break;
@@ -175,5 +212,7 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     words.files.assign(argv + optind, argv + argc);
     if (options.listsVoices)
         return std::nullopt;
+    if (options.printsText)
+        return PlanPrinting(words, options);
     return PlanJobs(words, options);
 }

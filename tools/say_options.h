@@ -15,8 +15,12 @@ struct SayJob {
     SoundType type = SoundType::kWav;
 };
 
+// What --text prints in place of speaking.
+enum class TextForm { kWhole, kSentences, kSpoken };
+
 struct SayOptions {
     bool listsVoices = false;
+    std::optional<TextForm> printsText;  // the jobs have a text alone
     bool overwrite = false;
     bool showsProgress = false;        // also beside sound on standard output
     std::optional<int> splitMinutes;   // length of numbered parts; 0: what a file can hold

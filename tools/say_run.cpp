@@ -2,18 +2,17 @@
 
 #include <errno.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
-#include "documents/document.h"
 #include "foundation/text_buffer.h"
-#include "foundation/text_file.h"
 #include "speech/voice_list_query.h"
 #include "speech/voices.h"
 #include "tools/interruption.h"
+#include "tools/say_document.h"
+#include "tools/say_print.h"
 #include "tools/say_text.h"
 #include "tools/terminal_progress.h"
 #include "tools/tool_texts.h"
@@ -52,39 +51,6 @@ private:
     std::string path_;
 };
 
-std::string ReadStandardInput(std::string& text) {
-    char block[65536];
-    for (;;) {
-        const ssize_t got = ::read(STDIN_FILENO, block, sizeof block);
-        if (IsInterrupted())
-            return "stopped";
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return ErrorText(errno);
-        if (got == 0)
-            return "";
-        text.append(block, static_cast<std::size_t>(got));
-        if (text.size() > static_cast<std::size_t>(kLargestTextFile))
-            return "is too long";
-    }
-}
-
-// Why the text cannot be read, or empty.
-std::string ReadText(const std::string& path, std::string& text) {
-    Document document;
-    if (path.empty()) {
-        std::string bytes;
-        if (std::string problem = ReadStandardInput(bytes); !problem.empty())
-            return problem;
-        document = ReadDocument(bytes, IsInterrupted);
-    } else {
-        document = LoadDocument(path.c_str(), IsInterrupted);
-    }
-    text = std::move(document.text);
-    return std::move(document.problem);
-}
-
 // Position in the list of voices, -1 when there is no such voice.
 int FindVoice(const SayOptions& options, int count) {
     if (!options.voice)
@@ -119,16 +85,17 @@ int ListVoices(int count) {
 }
 
 int SayOne(const SayOptions& options, const SayJob& job, int voice, const WorkFolder& folder) {
-    std::string text;
-    const std::string problem = ReadText(job.text, text);
-    if (!problem.empty())
-        return Fail(job.text.empty() ? "standard input" : job.text, problem);
-    return SayText(options, job, text, voice, folder.Path());
+    const Document document = ReadSayDocument(job.text);
+    if (!document.problem.empty())
+        return Fail(NameOfText(job.text), document.problem);
+    return SayText(options, job, document.text, voice, folder.Path());
 }
 
 }  // namespace
 
 int RunSay(const SayOptions& options) {
+    if (options.printsText && *options.printsText != TextForm::kSpoken)
+        return PrintTexts(options, 0);
     const int count = AskForVoices();
     if (count == 0)
         return kExitFailed;
@@ -139,6 +106,8 @@ int RunSay(const SayOptions& options) {
         Complain(kProgram, *options.voice + ": no such voice; --list-voices lists them");
         return kExitFailed;
     }
+    if (options.printsText)
+        return PrintTexts(options, voice);
     const WorkFolder folder;
     if (!folder.IsMade())
         return Fail("temporary folder", ErrorText(errno));

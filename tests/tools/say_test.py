@@ -28,6 +28,8 @@ class SayTest(ProgramCase):
 
     def said(self):
         """What the engine was given: (voice, text) for each run."""
+        if not os.path.exists(self.desktop + "/engine.log"):
+            return []
         with open(self.desktop + "/engine.log", encoding="latin-1") as log:
             lines = [line.rstrip("\n").split(" ", 2) for line in log]
         return [(line[1], line[2]) for line in lines if line[0] == "text2wave"]
@@ -65,6 +67,20 @@ class SayTest(ProgramCase):
         self.check(SAY, "-o", "b.wav", "a.txt", status=1, says="no speech engine")
         self.check(SAY, "--list-voices", status=1, says="no speech engine")
         self.assertEqual(self.files(), ["a.txt", "a.wav"])
+
+    def test_text_is_printed_in_place_of_spoken(self):
+        self.save("a.html", "<html><body><h1>Caf\u00e9</h1><p>It\u2019s <b>one</b>.\nTwo!".encode())
+        whole = "Caf\u00e9\n\nIt\u2019s one. Two!\n"
+        self.assertEqual(self.check(SAY, "--text", "a.html"), whole)
+        self.assertEqual(self.check(SAY, "--text", input=whole.encode()), whole)
+        self.assertEqual(
+            self.check(SAY, "--text=sentences", "a.html"), "Caf\u00e9\nIt\u2019s one.\nTwo!\n"
+        )
+        self.assertEqual(self.said(), [])
+        self.assertEqual(self.check(SAY, "--text=spoken", "a.html"), "Cafe\nIt's one.\nTwo!\n")
+        self.check(SAY, "--text", "a.html", "none.html", status=1, says="none.html: ")
+        self.check(SAY, "--text=odd", status=2, says="odd")
+        self.check(SAY, "--text", "-o", "a.wav", "a.html", status=2, says="without -o")
 
     def test_standard_output_streams_from_the_first_sentence_on(self):
         sentences = [f"This is sentence number {i} of the text. " for i in range(6)]

@@ -1,0 +1,12 @@
+// The texts that lectora-say is given.
+#pragma once
+
+#include <string>
+
+#include "documents/document.h"
+
+// The document in this file, or on standard input when the path is empty.
+Document ReadSayDocument(const std::string& path);
+
+// For messages about it.
+std::string NameOfText(const std::string& path);

@@ -1,0 +1,93 @@
+#include "tools/say_print.h"
+
+#include <glib.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "foundation/file_io.h"
+#include "foundation/text_buffer.h"
+#include "speech/character_tables.h"
+#include "speech/text_preparation.h"
+#include "speech/voice_charset.h"
+#include "speech/voices.h"
+#include "tools/interruption.h"
+#include "tools/say_document.h"
+#include "tools/tool_texts.h"
+
+namespace {
+
+constexpr const char* kProgram = "lectora-say";
+
+// In one line: any white space becomes a blank.
+void AppendLine(std::string_view text, std::string& printed) {
+    constexpr std::string_view kBlanks = " \t\r\n\f";
+    for (std::size_t at = text.find_first_not_of(kBlanks); at != std::string_view::npos;) {
+        const std::size_t end = std::min(text.find_first_of(kBlanks, at), text.size());
+        printed += text.substr(at, end - at);
+        at = text.find_first_not_of(kBlanks, end);
+        printed += at == std::string_view::npos ? '\n' : ' ';
+    }
+}
+
+// What a voice reads in its charset, as UTF-8.
+std::string ForTerminal(const std::string& text, VoiceCharset charset) {
+    if (charset == VoiceCharset::kUtf8)
+        return text;
+    std::string utf8;
+    for (const char byte : text) {
+        char character[6];
+        const int length = g_unichar_to_utf8(
+            CharacterOfByte(static_cast<unsigned char>(byte), charset), character);
+        utf8.append(character, static_cast<std::size_t>(length));
+    }
+    return utf8;
+}
+
+VoiceCharset CharsetOf(int voice) {
+    char name[kTextBufferSize];
+    TTSGetDictSpeakerName(voice, name);
+    return CharsetOfVoice(name);
+}
+
+std::string InForm(TextForm form, const std::string& text, int voice) {
+    std::string printed;
+    if (form == TextForm::kWhole) {
+        printed = text;
+        if (!text.empty() && text.back() != '\n')
+            printed += '\n';
+        return printed;
+    }
+    // Sentences are shown as they stand in the text, with the signs that a voice cannot say.
+    const bool isSpoken = form == TextForm::kSpoken;
+    const VoiceCharset charset = isSpoken ? CharsetOf(voice) : VoiceCharset::kUtf8;
+    TextUnits units(text, charset);
+    for (TextUnit unit; units.Next(unit);)
+        AppendLine(isSpoken ? ForTerminal(unit.text, charset)
+                            : text.substr(unit.sourceBegin, unit.sourceEnd - unit.sourceBegin),
+                   printed);
+    return printed;
+}
+
+}  // namespace
+
+int PrintTexts(const SayOptions& options, int voice) {
+    int status = kExitDone;
+    for (const SayJob& job : options.jobs) {
+        const Document document = ReadSayDocument(job.text);
+        std::string problem = document.problem;
+        if (problem.empty()) {
+            const int error =
+                WriteFully(STDOUT_FILENO, InForm(*options.printsText, document.text, voice));
+            problem = error == 0 ? "" : "standard output: " + ErrorText(error);
+        }
+        if (!problem.empty()) {
+            Complain(kProgram, NameOfText(job.text) + ": " + problem);
+            status = kExitFailed;
+        }
+        if (IsInterrupted())
+            break;
+    }
+    return status;
+}
