@@ -10,7 +10,7 @@
 
 #include "app/reading_info.h"
 #include "gui/gui_timer.h"
-#include "playback/play_dialog.h"
+#include "playback/dialogs/play_dialog.h"
 #include "sound/sound_time.h"
 #include "speech/speech_reading.h"
 

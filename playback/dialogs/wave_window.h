@@ -10,8 +10,8 @@
 #include "foundation/thread.h"
 #include "gui/gui_timer.h"
 #include "gui/widgets/paint_control.h"
-#include "playback/play_glide.h"
-#include "playback/wave_columns.h"
+#include "playback/dialogs/play_glide.h"
+#include "playback/dialogs/wave_columns.h"
 #include "sound/sound_source.h"
 
 // Public operations belong to the GUI thread. The thread of the base class reads the peaks; it

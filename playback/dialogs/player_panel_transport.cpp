@@ -1,7 +1,7 @@
 // The player panel's transport: what plays, from where, and what the player says of it.
 #include <algorithm>
 
-#include "playback/player_panel.h"
+#include "playback/dialogs/player_panel.h"
 
 namespace {
 

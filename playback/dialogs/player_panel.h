@@ -7,11 +7,11 @@
 
 #include "gui/inter_win_message.h"
 #include "gui/key_dialog.h"
+#include "playback/dialogs/wave_window.h"
 #include "playback/play_device.h"
 #include "playback/player_info.h"
 #include "playback/player_wind.h"
 #include "playback/sound_player.h"
-#include "playback/wave_window.h"
 #include "sound/sound_time.h"
 #include "sound/tempo.h"
 
@@ -86,6 +86,7 @@ private:
     bool StartAt(const LSoundSource& source, LSoundTime time);
     void Wind(PlayerWind::Way way);
     void TakeDevice();  // as chosen in the list
+    void SetVolume(LDB volume);
     void ReadTempo();
     void StoreTempo();
     bool CmSpace();

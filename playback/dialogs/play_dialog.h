@@ -1,7 +1,7 @@
 // The player as a window of its own: opens, plays at once, and stops when it is closed.
 #pragma once
 
-#include "playback/player_panel.h"
+#include "playback/dialogs/player_panel.h"
 
 // Modal.
 class LPlayDlg : public LPlayerBaseDlg {

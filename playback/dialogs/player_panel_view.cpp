@@ -2,8 +2,8 @@
 // card.
 #include <algorithm>
 
-#include "playback/player_panel.h"
-#include "playback/player_panel_ids.h"
+#include "playback/dialogs/player_panel.h"
+#include "playback/dialogs/player_panel_ids.h"
 
 using namespace PlayerPanel;
 

@@ -1,8 +1,9 @@
-#include "playback/player_panel.h"
+#include "playback/dialogs/player_panel.h"
 
 #include <gdk/gdkkeysyms.h>
 
-#include "playback/player_panel_ids.h"
+#include "playback/dialogs/play_device_list.h"
+#include "playback/dialogs/player_panel_ids.h"
 #include "playback/settings_keys.h"
 
 using namespace PlayerPanel;
@@ -44,7 +45,7 @@ void LPlayerBaseDlg::Prepare() {
         !kept.empty() && kept != NameOf(device_) && kept != kPlayerDevice.defaultValue;
     missingDevice_ = isMissing ? kept : "";
     player_.SetDevice(device_);
-    device_.SetVolumeOverride(LDB(kPlayerVolume.Get()), LDB());
+    SetVolume(LDB(kPlayerVolume.Get()));
     ReadTempo();
 }
 
@@ -182,7 +183,7 @@ void LPlayerBaseDlg::Command(int command) {
             TakeDevice();
             break;
         case kVolumeChanged:
-            device_.SetVolumeOverride(DBEditGetLevel(kVolume), LDB());
+            SetVolume(DBEditGetLevel(kVolume));
             break;
         case kTempoMoved:
             tempo_->Set(SBGetPos(kTempo));
@@ -197,9 +198,13 @@ void LPlayerBaseDlg::TakeDevice() {
     device_ = LSoundPlayDeviceChosen(*this, kDevice);
     missingDevice_.clear();
     player_.SetDevice(device_);
-    device_.SetVolumeOverride(DBEditGetLevel(kVolume), LDB());
+    SetVolume(DBEditGetLevel(kVolume));
     if (IsPlaying())
         MoveTo(time_);  // on the new card
+}
+
+void LPlayerBaseDlg::SetVolume(LDB volume) {
+    LSoundPlayDeviceTell(Widget(), device_, device_.SetVolumeOverride(volume, LDB()));
 }
 
 bool LPlayerBaseDlg::EvKeyDown(unsigned int key) {

@@ -1,4 +1,4 @@
-#include "playback/wave_columns.h"
+#include "playback/dialogs/wave_columns.h"
 
 #include <algorithm>
 #include <vector>

@@ -7,9 +7,9 @@
 #include "gui/accessible.h"
 #include "gui/dialog_gen_context.h"
 #include "gui/gtk_children.h"
-#include "playback/player_panel.h"
-#include "playback/player_panel_ids.h"
-#include "playback/wave_window.h"
+#include "playback/dialogs/player_panel.h"
+#include "playback/dialogs/player_panel_ids.h"
+#include "playback/dialogs/wave_window.h"
 
 namespace {
 

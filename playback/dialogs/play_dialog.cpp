@@ -1,10 +1,10 @@
-#include "playback/play_dialog.h"
+#include "playback/dialogs/play_dialog.h"
 
 #include <gdk/gdkkeysyms.h>
 
 #include <algorithm>
 
-#include "playback/player_panel_ids.h"
+#include "playback/dialogs/player_panel_ids.h"
 
 using namespace PlayerPanel;
 

@@ -1,4 +1,4 @@
-#include "playback/wave_window.h"
+#include "playback/dialogs/wave_window.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // The waveform, judged by its pixels.
-#include "playback/wave_window.h"
+#include "playback/dialogs/wave_window.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The real panel on a virtual card: what its keys and buttons let the user hear.
-#include "playback/player_panel.h"
+#include "playback/dialogs/player_panel.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "foundation/settings.h"
-#include "playback/player_panel_ids.h"
+#include "playback/dialogs/player_panel_ids.h"
 #include "tests/support/memory_sound.h"
 #include "tests/support/virtual_card.h"
 #include "tests/support/window/main_loop.h"

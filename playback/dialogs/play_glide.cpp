@@ -1,4 +1,4 @@
-#include "playback/play_glide.h"
+#include "playback/dialogs/play_glide.h"
 
 #include <algorithm>
 #include <cmath>
