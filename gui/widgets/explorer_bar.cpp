@@ -85,6 +85,9 @@ struct LExplorerBarCallbacks {
                 y + button->allocation.height);
         return FALSE;
     }
+    static void GCItemShown(GtkWidget* button, GParamSpec*, gpointer bar) {
+        static_cast<LExplorerBar*>(bar)->ShowTopicOf(button);
+    }
     // The view's ground is the theme's for text, which the topics' bands stand out from.
     static void GCStyleSet(GtkWidget* view, GtkStyle* old, gpointer) {
         const GtkStyle* style = gtk_widget_get_style(view);
@@ -151,10 +154,10 @@ int LExplorerBar::AddTopic(const char* text, int imageNumber) {
     return static_cast<int>(topics_.size()) - 1;
 }
 
-void LExplorerBar::AddItem(int topic, const char* text, const char* tooltip, int command) {
+GtkWidget* LExplorerBar::AddItem(int topic, const char* text, const char* tooltip, int command) {
     const Topic* found = TopicAt(topic);
     if (found == nullptr)
-        return;
+        return nullptr;
     const std::string shown = DisplayText(text);
     GtkWidget* button = gtk_button_new();
     gtk_button_set_relief(GTK_BUTTON(button), GTK_RELIEF_NONE);
@@ -172,6 +175,9 @@ void LExplorerBar::AddItem(int topic, const char* text, const char* tooltip, int
     gtk_widget_show(found->expander);
     gtk_widget_set_no_show_all(button, TRUE);
     items_.push_back({command, topic, button});
+    g_signal_connect(button, "notify::visible", G_CALLBACK(LExplorerBarCallbacks::GCItemShown),
+                     this);
+    return button;
 }
 
 const LExplorerBar::Item* LExplorerBar::Find(int command) const {
@@ -187,15 +193,19 @@ const LExplorerBar::Topic* LExplorerBar::TopicAt(int number) const {
 }
 
 void LExplorerBar::ShowItem(int command, bool shown) {
-    const Item* item = Find(command);
-    if (item == nullptr)
+    if (const Item* item = Find(command))
+        gtk_widget_set_visible(item->button, shown);
+}
+
+void LExplorerBar::ShowTopicOf(GtkWidget* button) {
+    const auto item = std::find_if(items_.begin(), items_.end(),
+                                   [&](const Item& each) { return each.button == button; });
+    if (item == items_.end())
         return;
-    gtk_widget_set_visible(item->button, shown);
-    const int topic = item->topic;
     const bool any = std::any_of(items_.begin(), items_.end(), [&](const Item& other) {
-        return other.topic == topic && gtk_widget_get_visible(other.button);
+        return other.topic == item->topic && gtk_widget_get_visible(other.button);
     });
-    gtk_widget_set_visible(TopicAt(topic)->expander, any);
+    gtk_widget_set_visible(TopicAt(item->topic)->expander, any);
 }
 
 bool LExplorerBar::IsItemShown(int command) const {

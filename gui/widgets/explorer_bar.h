@@ -22,10 +22,11 @@ public:
 
     // The topic's number, from 0. A negative image number stands for no image.
     int AddTopic(const char* text, int imageNumber = -1);
-    void AddItem(int topic, const char* text, const char* tooltip, int command);
+    // The item's widget, borrowed; null for an unknown topic. A topic whose items are all hidden is
+    // hidden with them, whoever hides them.
+    GtkWidget* AddItem(int topic, const char* text, const char* tooltip, int command);
 
-    // A command that no item carries changes nothing. A topic whose items are all hidden is hidden
-    // with them.
+    // A command that no item carries changes nothing.
     void ShowItem(int command, bool shown);
     bool IsItemShown(int command) const;
     void SetItemText(int command, const char* text);
@@ -46,6 +47,7 @@ private:
     };
     const Item* Find(int command) const;
     const Topic* TopicAt(int number) const;
+    void ShowTopicOf(GtkWidget* button);
 
     std::function<void(int)> send_;
     GtkWidget* bar_ = nullptr;  // null before Create and once destroyed

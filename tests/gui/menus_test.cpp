@@ -1,6 +1,7 @@
 // Menus, tool bars and keys: what is found, and what reaches the window.
 #include <gmock/gmock.h>
 
+#include "gui/action.h"
 #include "gui/content_box.h"
 #include "gui/gtk_children.h"
 #include "gui/key_dialog.h"
@@ -184,6 +185,44 @@ TEST(KeyDialog, PressesAndReleasesArriveByThemselves) {
     EXPECT_THAT(dialog.seen, ElementsAre('A', 'B'));
     EXPECT_EQ(LKeyGetDescription(kKeyShift | kKeyControl | 'R'), "Ctrl+Shift+R");
     EXPECT_EQ(LKeyGetDescription(kKeyAlt | GDK_KEY_F5), "Alt+F5");
+}
+
+TEST_F(Menus, AnActionLooksTheSameWhereverItStands) {
+    constexpr LToolBar::ToolBarItem kItems[] = {
+        {1011, 28, "Read", "Read it", LToolBar::ToolBarItem::kButton}};
+    window.SetToolBar(window, kItems);
+    GtkWidget* tool = window.GetToolItemFromID(1011);
+    GtkWidget* item = window.GetControlByID(1011);
+    auto* const check = GTK_CHECK_MENU_ITEM(window.GetControlByID(2001));
+    const auto button =
+        GObjectRef<GtkWidget>::Share(gtk_button_new_with_label("Read the current text"));
+    gtk_widget_show(button.Get());
+    {
+        LAction read(1011);
+        read.SetEnabled(false);
+        for (GtkWidget* widget : {item, tool, GTK_WIDGET(check)})
+            read.AddProxy(widget);
+        read.AddProxy(button.Get(), LAction::WhenOff::kHidden);
+        EXPECT_FALSE(Enabled(1011));
+        EXPECT_FALSE(gtk_widget_get_sensitive(tool));
+        EXPECT_FALSE(gtk_widget_get_visible(button.Get()));
+        read.SetEnabled(true);
+        read.SetChecked(true);
+        read.SetLabel("Go &On");
+        EXPECT_TRUE(Enabled(1011));
+        EXPECT_TRUE(gtk_widget_get_visible(button.Get()));
+        EXPECT_TRUE(gtk_check_menu_item_get_active(check));
+        EXPECT_STREQ(gtk_menu_item_get_label(GTK_MENU_ITEM(item)), "Go _On");
+        EXPECT_STREQ(gtk_tool_button_get_label(GTK_TOOL_BUTTON(tool)), "Go On");
+        EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(gtk_bin_get_child(GTK_BIN(button.Get())))),
+                     "Go On");
+        EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(button.Get())), "Go On");
+        gtk_widget_destroy(button.Get());
+        read.SetEnabled(false);  // of those that are left
+    }
+    gtk_widget_destroy(item);  // and without the action
+    EXPECT_FALSE(gtk_widget_get_sensitive(tool));
+    EXPECT_THAT(Taken(), IsEmpty());
 }
 
 }  // namespace
