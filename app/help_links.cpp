@@ -6,7 +6,6 @@
 
 namespace {
 
-// Numbers from 9021 to 9039 are for these links.
 constexpr LMenuItem kItems[] = {
     {0, nullptr},
     {9021, "Speech Engine and &Voices"},
@@ -32,12 +31,9 @@ void LHelpLinks::SetUp(LWindow& window) {
     gtk_widget_show_all(bar);
 }
 
-bool LHelpLinks::Open(int command) {
+void LHelpLinks::Open(int command) {
     for (const auto& each : kPages) {
-        if (each.command != command)
-            continue;
-        OpenInBrowser(WebAddress(each.page));
-        return true;
+        if (each.command == command)
+            OpenInBrowser(WebAddress(each.page));
     }
-    return false;
 }

@@ -7,5 +7,7 @@ class LHelpLinks {
 public:
     // Appends them to the window's Help menu, which stands last in its menu bar.
     static void SetUp(LWindow& window);
-    static bool Open(int command);  // in the browser; false: not a link's command
+    static constexpr int kFirst = 9021;  // the numbers that are for these links
+    static constexpr int kLast = 9039;
+    static void Open(int command);  // in the browser; of no link: nothing
 };

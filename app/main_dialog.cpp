@@ -2,7 +2,7 @@
 
 #include <gdk/gdkkeysyms.h>
 
-#include "app/commands.h"
+#include "app/commands/command_numbers.h"
 #include "app/help_links.h"
 #include "app/machine_check.h"
 #include "app/recent_files.h"
@@ -15,7 +15,8 @@
 #include "gui/message_box.h"
 
 MainDialog::MainDialog()
-    : places_(*this),
+    : commands_([this] { return Available(); }, [this](const char* text) { TellStatusText(text); }),
+      places_(*this, commands_),
       selection_([this] { EnableControls(); }),
       find_([this](const char* text) { TellStatusText(text); }, [this] { Layout(); }),
       drop_([this](const auto& paths) { EvFilesDropped(paths); },
@@ -23,6 +24,7 @@ MainDialog::MainDialog()
       tray_([this](int button) { EvTrayIconPressed(button); }),
       voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }),
       reading_(*this) {
+    AddCommands();
     CheckActiveWindowChange();
 }
 
@@ -57,12 +59,10 @@ void MainDialog::CreateControls() {
     LabelWidget(label, voices);
 
     AddControl(gtk_toggle_button_new(), kReadButton);
-    CoolButtonInit(kReadButton, kReadButtonIcon, "Read Aloud");
+    OfferButton(kReadButton);
     SetCoolButtonUp(kReadButton);
-    SetTooltip(kReadButton, "Read the current text aloud (Ctrl+Shift+R)");
     AddControl(gtk_toggle_button_new(), kSaveButton);
-    CoolButtonInit(kSaveButton, kSaveButtonIcon, "Save as Speech");
-    SetTooltip(kSaveButton, "Save as Speech (Ctrl+Alt+V)");
+    OfferButton(kSaveButton);
     AddControl(places_.NewCommandBar(), kCommandBar);
     AddControl(find_.Create(GTK_TEXT_VIEW(edit.textView), lines_), kFindBar);
     textSize_.Attach(edit.textView);
@@ -72,15 +72,22 @@ void MainDialog::CreateControls() {
     SetFocusOrder(kFocusOrder);
 }
 
+void MainDialog::OfferButton(int number) {
+    const CommandFacts& facts = commands_.Facts(number);
+    CoolButtonInit(number, facts.icon, facts.name);
+    SetTooltip(number, commands_.Tip(number).c_str());
+    commands_.AddProxy(number, GetControlByID(number), LAction::WhenOff::kGrey);
+}
+
 void MainDialog::InitDialog() {
     CreateControls();
     SetStatusText(kBanner);
     places_.CreateMenus();
-    places_.CheckCommandBar(ShowsCommandBar());
+    commands_.Check(kShowCommandBar, ShowsCommandBar());
     AddStandardMenuItems(true);
     LHelpLinks::SetUp(*this);
     places_.ListRecentFiles(RecentFiles::List());
-    SetKeyMap(MainKeyMap());
+    SetKeyMap(commands_.Keys());
     HotkeysInit();
     voices_.Ask();
     HandlePDLSelChange(kVoiceList);
@@ -128,10 +135,7 @@ int MainDialog::AwaitVoice() {
 
 void MainDialog::EnableControls() {
     voices_.Update();
-    const bool hasText = GetEditTextLength(kTextBox) > 0;
-    EnableControl(kReadButton, hasText || reading_.IsReading());
-    EnableControl(kSaveButton, hasText);
-    places_.Enable({hasText, selection_.HasText(), history_.CanUndo(), history_.CanRedo()});
+    commands_.Refresh();
     KeepFocus();
 }
 
@@ -141,87 +145,16 @@ void MainDialog::KeepFocus() {
         FocusControl(kTextBox);
 }
 
-void MainDialog::Command(int command) {
-    splash_.Close();
-    switch (command) {
-        case kReadButton:
-            // The button stays down while it reads; pressing it then lets go.
-            if (reading_.IsReading())
-                StopReading();
-            else
-                Speak(&MainDialog::ReadText, Stretch::kSelected);
-            break;
-        case kReadCurrent:
-        case kReadAllOfWindow:
-        case kReadSelectionOfWindow:
-            CmRead();
-            break;
-        case kSaveButton:
-        case kSaveCurrent:
-        case kSaveAllOfWindow:
-        case kSaveSelectionOfWindow:
-            CmSave();
-            break;
-        case kUpdateFromSelection:
-            CmCopyFromClipboard();
-            break;
-        case kLoadFile:
-            CmOpenFile();
-            break;
-        // The second step runs even when the first brought nothing new.
-        case kReadFromFileMenu:
-        case kReadFromFile:
-            CmOpenFile();
-            CmRead();
-            break;
-        case kReadFromSelection:
-            CmCopyFromClipboard();
-            CmRead();
-            break;
-        case kSaveFromFileMenu:
-        case kSaveFromFile:
-            CmOpenFile();
-            CmSave();
-            break;
-        case kSaveFromSelection:
-            CmCopyFromClipboard();
-            CmSave();
-            break;
-        case kOptions:
-            CmOptions();
-            break;
-        case kTextChanged:
-            EvTextChanged();
-            break;
-        case kVoiceList:
-            voices_.NoteChange();
-            break;
-        default:
-            if (!WindowCommand(command) && !EditCommand(command))
-                LHelpLinks::Open(command);
-            break;
-    }
+CommandNeeds MainDialog::Available() {
+    const bool hasText = GetEditTextLength(kTextBox) > 0;
+    return (hasText ? kNeedsText : 0) | (selection_.HasText() ? kNeedsSelection : 0) |
+           (hasText || reading_.IsReading() ? kNeedsTextOrReading : 0) |
+           (history_.CanUndo() ? kNeedsUndo : 0) | (history_.CanRedo() ? kNeedsRedo : 0);
 }
 
-bool MainDialog::WindowCommand(int command) {
-    switch (command) {
-        case kShowCommandBar:
-            CmShowCommandBar();
-            return true;
-        case kOpenWindow:
-            CmOpen();
-            return true;
-        case kUpdateDropDown:
-        case kReadDropDown:
-        case kSaveDropDown:
-            places_.DropDown(command);
-            return true;
-        case kCommandHelp:
-            CmHelp();
-            return true;
-        default:
-            return false;
-    }
+void MainDialog::Command(int command) {
+    splash_.Close();
+    commands_.Run(command);
 }
 
 void MainDialog::EvActiveWindowChanged(const char* program) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/command_places.h"
+#include "app/commands/command_places.h"
 #include "app/drop_target.h"
 #include "app/find_bar.h"
 #include "app/hot_key_handler.h"
@@ -57,8 +57,9 @@ public:
 
     void CmRead();
     void CmSave();
-    // From what is selected in any program, else from the clipboard; false when neither holds text.
-    bool CmCopyFromClipboard();
+    // From what is selected in any program, else from the clipboard; nothing when neither holds
+    // text.
+    void CmCopyFromClipboard();
     void CmOpenFile();
     void CmOptions();
     void CmShowCommandBar();  // or hides it
@@ -115,12 +116,26 @@ private:
     enum class FileFrom { kUser, kArguments };
     bool LoadFile(const char* path, FileFrom from);
 
+    void AddCommands();
+    CommandNeeds Available();
     void CreateControls();
-    bool WindowCommand(int command);  // false: it is none
-    bool EditCommand(int command);    // likewise
-    void CmUndo(bool undo);           // or redoes
+    void OfferButton(int number);
+    void CmReadOrStop();
+    void CmReadFromFile();
+    void CmReadFromSelection();
+    void CmReadSelectionOrStop();
+    void CmSaveFromFile();
+    void CmSaveFromSelection();
+    void CmUndo();
+    void CmRedo();
     void CmFind();
+    void CmFindNext();
+    void CmLargerText() { TellTextSize(textSize_.Larger()); }
+    void CmSmallerText() { TellTextSize(textSize_.Smaller()); }
+    void CmNormalText() { TellTextSize(textSize_.Normal()); }
+    void ShowCursor();
     void TellTextSize(int points);
+    void EvVoiceChosen() { voices_.NoteChange(); }
     void ReplaceText(const std::string& text);
     void OpenRecentFile(std::size_t number);
     void ListRecentFilesSoon();
@@ -142,6 +157,7 @@ private:
     TextSize textSize_;
     SpokenHighlight highlight_;
     OriginalText original_;
+    CommandSet commands_;
     CommandPlaces places_;
     SelectionWatch selection_;
     FindBar find_;

@@ -1,6 +1,6 @@
 // The main window closed, hidden and brought back: Lectora goes on in the background, so that its
 // hotkeys work.
-#include "app/commands.h"
+#include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
 #include "app/settings_keys.h"
 #include "gui/icon_numbers.h"

@@ -2,7 +2,7 @@
 // before.
 #include <unistd.h>
 
-#include "app/commands.h"
+#include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
 #include "app/recent_files.h"
 #include "gui/message_box.h"
@@ -15,15 +15,20 @@ void MainDialog::ReplaceText(const std::string& text) {
     gtk_text_buffer_end_user_action(buffer);
 }
 
-void MainDialog::CmUndo(bool undo) {
-    if (undo ? history_.CanUndo() : history_.CanRedo()) {
-        undo ? history_.Undo() : history_.Redo();
-        auto* view = GTK_TEXT_VIEW(GetControlByID(kTextBox));
-        gtk_text_view_scroll_mark_onscreen(
-            view, gtk_text_buffer_get_insert(gtk_text_view_get_buffer(view)));
-    } else {
-        TellStatusText(undo ? "There is nothing to undo." : "There is nothing to redo.");
-    }
+void MainDialog::CmUndo() {
+    history_.Undo();
+    ShowCursor();
+}
+
+void MainDialog::CmRedo() {
+    history_.Redo();
+    ShowCursor();
+}
+
+void MainDialog::ShowCursor() {
+    auto* view = GTK_TEXT_VIEW(GetControlByID(kTextBox));
+    gtk_text_view_scroll_mark_onscreen(view,
+                                       gtk_text_buffer_get_insert(gtk_text_view_get_buffer(view)));
 }
 
 void MainDialog::TellTextSize(int points) {
@@ -35,6 +40,13 @@ void MainDialog::CmFind() {
     ShowControl(kFindBar, true);
     find_.Open();
     Layout();
+}
+
+void MainDialog::CmFindNext() {
+    if (find_.IsOpen())
+        find_.FindNext();
+    else
+        CmFind();
 }
 
 void MainDialog::OpenRecentFile(std::size_t number) {
@@ -67,37 +79,4 @@ void MainDialog::EvFilesDropped(const std::vector<std::string>& paths) {
         if (IsOpen() && !loading_ && !speaking_)
             LoadFile(path.c_str(), FileFrom::kUser);
     });
-}
-
-bool MainDialog::EditCommand(int command) {
-    switch (command) {
-        case kUndo:
-        case kRedo:
-            CmUndo(command == kUndo);
-            return true;
-        case kFind:
-            CmFind();
-            return true;
-        case kFindNext:
-            if (find_.IsOpen())
-                find_.FindNext();
-            else
-                CmFind();
-            return true;
-        case kLargerText:
-            TellTextSize(textSize_.Larger());
-            return true;
-        case kSmallerText:
-            TellTextSize(textSize_.Smaller());
-            return true;
-        case kNormalText:
-            TellTextSize(textSize_.Normal());
-            return true;
-        default:
-            break;
-    }
-    if (command < kRecentFile || command > kLastRecentFile)
-        return false;
-    OpenRecentFile(static_cast<std::size_t>(command - kRecentFile));
-    return true;
 }

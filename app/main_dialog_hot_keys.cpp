@@ -1,4 +1,7 @@
 // The main window's system-wide hotkeys, and the options, which change them.
+#include <iterator>
+
+#include "app/commands/command_numbers.h"
 #include "app/hot_key_store.h"
 #include "app/main_dialog.h"
 #include "app/options_dialog.h"
@@ -7,6 +10,10 @@ namespace {
 
 // A new layout is told key by key.
 constexpr unsigned int kNewKeyboardMs = 100;
+
+// By what is stored with a hotkey.
+constexpr int kCommands[] = {kUpdateFromSelection, kReadSelectionOrStop, kSaveFromSelection};
+static_assert(kHotKeyUpdate == 0 && kHotKeyRead == 1 && kHotKeySave == 2);
 
 }  // namespace
 
@@ -74,24 +81,7 @@ void MainDialog::RunHotKey(int index) {
             gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(waiting)));
         return;
     }
-    switch (hotKeys[static_cast<std::size_t>(index)].command) {
-        case kHotKeyUpdate:
-            CmCopyFromClipboard();
-            break;
-        case kHotKeyRead:
-            // Pressed again over the same text, it stops.
-            if (reading_.IsReading() && SelectedText() == lines_.Text()) {
-                StopReading();
-                break;
-            }
-            CmCopyFromClipboard();
-            CmRead();
-            break;
-        case kHotKeySave:
-            CmCopyFromClipboard();
-            CmSave();
-            break;
-        default:
-            break;
-    }
+    const int command = hotKeys[static_cast<std::size_t>(index)].command;
+    if (command >= 0 && command < static_cast<int>(std::size(kCommands)))
+        WMCommand(kCommands[command]);
 }

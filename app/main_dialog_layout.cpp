@@ -1,7 +1,7 @@
 // Where the main window's controls stand.
 #include <algorithm>
 
-#include "app/commands.h"
+#include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
 #include "app/settings_keys.h"
 
@@ -45,7 +45,7 @@ bool MainDialog::ShowsCommandBar() {
 
 void MainDialog::CmShowCommandBar() {
     kShowCommandBarSetting.Set(ShowsCommandBar() ? "0" : "1");
-    places_.CheckCommandBar(ShowsCommandBar());
+    commands_.Check(kShowCommandBar, ShowsCommandBar());
     Layout();
 }
 

@@ -1,7 +1,7 @@
 // What the main window has spoken, and what it shows of the reading.
 #include <strings.h>
 
-#include "app/commands.h"
+#include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
 #include "app/save_speech.h"
 #include "app/settings_keys.h"

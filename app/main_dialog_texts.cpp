@@ -1,5 +1,5 @@
 // How texts come into the main window.
-#include "app/commands.h"
+#include "app/commands/command_numbers.h"
 #include "app/document_loading.h"
 #include "app/main_dialog.h"
 #include "app/recent_files.h"
@@ -17,11 +17,10 @@ std::string MainDialog::SelectedText() {
     return "";
 }
 
-bool MainDialog::CmCopyFromClipboard() {
+void MainDialog::CmCopyFromClipboard() {
     const std::string text = SelectedText();
     if (!text.empty())
         ReplaceText(text);
-    return !text.empty();
 }
 
 void MainDialog::CmOpenFile() {

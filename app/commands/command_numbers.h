@@ -34,6 +34,7 @@ enum CommandNumber {
     kSaveFromFile = 1063,
     kTextChanged = 1111,
     kSaveSelectionOfWindow = 1222,
+    kReadSelectionOrStop = 1301,  // the hotkey's
     kUndo = 1401,
     kRedo = 1402,
     kFind = 1403,

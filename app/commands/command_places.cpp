@@ -1,113 +1,97 @@
-#include "app/command_places.h"
+#include "app/commands/command_places.h"
 
-#include <gdk/gdkkeysyms.h>
+#include <algorithm>
 
-#include <string>
-
-#include "app/commands.h"
+#include "app/commands/command_numbers.h"
 #include "gui/gtk_children.h"
 #include "gui/icon_numbers.h"
 
 namespace {
 
-constexpr LKeyToCommandMap kKeyMap[] = {
-    {kKeyControl | GDK_B, kUpdateFromSelection},
-    {kKeyControl | GDK_O, kLoadFile},
-    {kKeyControl | kKeyShift | GDK_R, kReadCurrent},
-    {kKeyControl | kKeyShift | GDK_B, kReadFromSelection},
-    {kKeyControl | kKeyShift | GDK_O, kReadFromFile},
-    {kKeyControl | kKeyAlt | GDK_V, kSaveCurrent},
-    {kKeyControl | kKeyAlt | GDK_B, kSaveFromSelection},
-    {kKeyControl | kKeyAlt | GDK_O, kSaveFromFile},
-    {kKeyControl | GDK_Z, kUndo},
-    {kKeyControl | kKeyShift | GDK_Z, kRedo},
-    {kKeyControl | GDK_Y, kRedo},
-    {kKeyControl | GDK_F, kFind},
-    {GDK_F3, kFindNext},
-    {kKeyControl | GDK_plus, kLargerText},
-    {kKeyControl | kKeyShift | GDK_plus, kLargerText},  // where it is above another sign
-    {kKeyControl | GDK_equal, kLargerText},
-    {kKeyControl | GDK_KP_Add, kLargerText},
-    {kKeyControl | GDK_minus, kSmallerText},
-    {kKeyControl | GDK_KP_Subtract, kSmallerText},
-    {kKeyControl | GDK_0, kNormalText},
-    {kKeyControl | GDK_KP_0, kNormalText},
-};
+using WhenOff = LAction::WhenOff;
 
 constexpr LMenuItem kSeparator{0, nullptr};
 constexpr LMenuItem kEnd{-1, nullptr};
+
+// A row with the label of its command.
+constexpr LMenuItem Item(std::int16_t command) {
+    return {command, ""};
+}
 
 constexpr char kRecentFilesTitle[] = "Recent &Files";
 
 constexpr LMenuItem kMenuBar[] = {
     {-1, "Lectora"},
     {-1, "&Read Aloud"},
-    {kReadCurrent, "Read Current&Text"},
+    Item(kReadCurrent),
     kSeparator,
-    {kReadFromFileMenu, "Read from fil&e"},
-    {kReadFromSelection, "Read from Clipboar&d"},
+    Item(kReadFromFileMenu),
+    Item(kReadFromSelection),
     kEnd,
     {-1, "&Save as Speech"},
-    {kSaveCurrent, "Save Current &Text"},
+    Item(kSaveCurrent),
     kSeparator,
-    {kSaveFromFileMenu, "Save f&rom file"},
-    {kSaveFromSelection, "Save from Cli&pboard"},
+    Item(kSaveFromFileMenu),
+    Item(kSaveFromSelection),
     kEnd,
     {-1, "&Update Text"},
-    {kUpdateFromSelection, "Update From Clip&board"},
+    Item(kUpdateFromSelection),
     kSeparator,
-    {kLoadFile, "&Load Text From File"},
+    Item(kLoadFile),
     kEnd,
     {-1, kRecentFilesTitle},
     kEnd,
     kSeparator,
-    {-kShowCommandBar, "Show Command Bar"},
+    Item(-kShowCommandBar),
     kEnd,
     {-1, "&Edit"},
-    {kUndo, "&Undo"},
-    {kRedo, "&Redo"},
+    Item(kUndo),
+    Item(kRedo),
     kSeparator,
-    {kFind, "&Find..."},
-    {kFindNext, "Find &Next"},
+    Item(kFind),
+    Item(kFindNext),
     kSeparator,
-    {kLargerText, "&Larger Text"},
-    {kSmallerText, "&Smaller Text"},
-    {kNormalText, "Normal &Text Size"},
+    Item(kLargerText),
+    Item(kSmallerText),
+    Item(kNormalText),
     kEnd,
     {-1, "&Tools"},
-    {kOptions, "&Options..."},
+    Item(kOptions),
     kEnd,
 };
 
-constexpr LToolBar::ToolBarItem kToolBar[] = {
-    {kReadCurrent, kReadAloudIcon, "Read Aloud", "Read text aloud (Ctrl+Shift+R)",
+// Shorter than elsewhere, for the room below a picture; null: as elsewhere.
+struct ToolItem {
+    int command;  // 0: a line between
+    const char* name;
+    const char* tip;
+    LToolBar::ToolBarItem::Kind kind;
+};
+constexpr ToolItem kToolBar[] = {
+    {kReadCurrent, "Read Aloud", "Read text aloud", LToolBar::ToolBarItem::kDropDown},
+    {kSaveCurrent, "Save Speech", "Save the text to an audio file",
      LToolBar::ToolBarItem::kDropDown},
-    {kSaveCurrent, kSaveSpeechIcon, "Save Speech", "Save the text to an audio file (Ctrl+Alt+V)",
-     LToolBar::ToolBarItem::kDropDown},
-    // The key is that of updating everything from the program in front, once that is offered.
-    {kUpdateFromSelection, kUpdateTextIcon, "Update Text", "Update text (Ctrl+E)",
-     LToolBar::ToolBarItem::kDropDown},
-    {0, 0, "", "", LToolBar::ToolBarItem::kSeparator},
-    {kOptions, kOptionsIcon, "Options", "Change settings and hotkey preferences",
-     LToolBar::ToolBarItem::kButton},
+    {kUpdateFromSelection, "Update Text", "Update text", LToolBar::ToolBarItem::kDropDown},
+    {0, nullptr, nullptr, LToolBar::ToolBarItem::kSeparator},
+    {kOptions, nullptr, nullptr, LToolBar::ToolBarItem::kButton},
 };
 
 constexpr LMenuItem kReadMenu[] = {
-    {kReadCurrent, "Read Current&Text"},
+    Item(kReadCurrent),
     kSeparator,
-    {kReadFromFileMenu, "Read from fil&e"},
-    {kReadFromSelection, "Read from Clipboar&d"},
+    Item(kReadFromFileMenu),
+    Item(kReadFromSelection),
 };
 constexpr LMenuItem kSaveMenu[] = {
-    {kSaveCurrent, "Save Current &Text"},
+    Item(kSaveCurrent),
     kSeparator,
-    {kSaveFromFileMenu, "Save f&rom file"},
-    {kSaveFromSelection, "Save from Cli&pboard"},
+    Item(kSaveFromFileMenu),
+    Item(kSaveFromSelection),
 };
 constexpr LMenuItem kUpdateMenu[] = {
-    {kUpdateFromSelection, "Update From Clip&board"},
+    Item(kUpdateFromSelection),
     kSeparator,
-    {kLoadFile, "&Load Text From File"},
+    Item(kLoadFile),
 };
 constexpr struct {
     int command;
@@ -120,45 +104,36 @@ constexpr struct {
 };
 
 constexpr LMenuItem kTrayMenu[] = {
-    {kOpenWindow, "Open Lectora"},
+    Item(kOpenWindow),
     kSeparator,
-    {kReadFromSelection, "Read from Clipboard"},
+    Item(kReadFromSelection),
     kSeparator,
-    {kSaveFromSelection, "Save from Clipboard"},
+    Item(kSaveFromSelection),
     kSeparator,
     {kCommandClose, "Close to Tray"},
     {kCommandExit, "Exit (Hot Keys Off)"},
 };
 
 struct BarItem {
-    const char* text;  // with command 0: a topic, and the number of its image
-    const char* tooltip;
     int command;
-    int image;
+    const char* topic = nullptr;  // with command 0, and its picture
+    int image = 0;
 };
 constexpr BarItem kBarItems[] = {
-    {"Read Aloud", nullptr, 0, kReadAloudIcon},
-    {"Read current text", "Read aloud the Lectora window (Ctrl+Shift+R)", kReadCurrent, 0},
-    {"Read from a file", "Read the text from the file (Ctrl+Shift+O)", kReadFromFile, 0},
-    {"Read from clipboard",
-     "Read aloud the last text cut or copied to the clipboard (Ctrl+Shift+B)", kReadFromSelection,
-     0},
-    {"Save as Speech", nullptr, 0, kSaveSpeechIcon},
-    {"Save current text", "Save text in the Lectora window to file (Ctrl+Alt+V)", kSaveCurrent, 0},
-    {"Save speech from file", "Saves the text from the file (Ctrl+Alt+O)", kSaveFromFile, 0},
-    {"Save from clipboard", "Save the last text cut or copied to the clipboard (Ctrl+Alt+B)",
-     kSaveFromSelection, 0},
-    {"Update Text", nullptr, 0, kUpdateTextIcon},
-    {"Update text from file", "Load contents from text file to Lectora window (Ctrl+O)", kLoadFile,
-     0},
-    {"Update from clipboard", "Copy text from Clipboard and paste to Lectora window (Ctrl+B)",
-     kUpdateFromSelection, 0},
-    {"Help", nullptr, 0, kHelpIcon},
-    {"Display Help Contents", "Open the help documentation (F1)", kCommandHelp, 0},
+    {0, "Read Aloud", kReadAloudIcon},
+    {kReadCurrent},
+    {kReadFromFile},
+    {kReadFromSelection},
+    {0, "Save as Speech", kSaveSpeechIcon},
+    {kSaveCurrent},
+    {kSaveFromFile},
+    {kSaveFromSelection},
+    {0, "Update Text", kUpdateTextIcon},
+    {kLoadFile},
+    {kUpdateFromSelection},
+    {0, "Help", kHelpIcon},
+    {kCommandHelp},
 };
-
-constexpr int kOfText[] = {kReadCurrent, kSaveCurrent};
-constexpr int kOfSelection[] = {kReadFromSelection, kSaveFromSelection, kUpdateFromSelection};
 
 // Labels that speak of the program in front; "%s" is its name.
 struct WindowLabel {
@@ -194,18 +169,53 @@ std::string Named(const char* label, const char* program) {
     return text.replace(text.find("%s"), 2, program);
 }
 
-}  // namespace
-
-LKeyMap MainKeyMap() {
-    return kKeyMap;
+std::string WithoutLetter(std::string label) {
+    std::erase(label, '&');
+    return label;
 }
 
-CommandPlaces::CommandPlaces(LMainWindow& window)
-    : window_(window), dropDown_(window), trayMenu_(window) {}
+int CommandOf(const LMenuItem& item) {
+    return item.command < -1 ? -item.command : item.command;
+}
+
+// A menu's table with the labels of the commands filled in.
+std::vector<LMenuItem> Labelled(LMenuItems items, const CommandSet& commands) {
+    std::vector<LMenuItem> rows(items.begin(), items.end());
+    for (LMenuItem& row : rows) {
+        if (row.text != nullptr && *row.text == '\0')
+            row.text = commands.Facts(CommandOf(row)).label;
+    }
+    return rows;
+}
+
+}  // namespace
+
+CommandPlaces::CommandPlaces(LMainWindow& window, CommandSet& commands)
+    : window_(window), commands_(commands), dropDown_(window), trayMenu_(window) {}
 
 void CommandPlaces::CreateMenus() {
-    LMenuContainer::SetMenu(window_, kMenuBar, kKeyMap);
-    window_.SetToolBar(window_, kToolBar);
+    LMenuContainer::SetMenu(window_, Labelled(kMenuBar, commands_), commands_.Keys());
+    for (const LMenuItem& item : kMenuBar) {
+        if (item.text != nullptr && *item.text == '\0')
+            commands_.AddProxy(CommandOf(item), window_.GetControlByID(CommandOf(item)),
+                               WhenOff::kGrey);
+    }
+    CreateToolBar();
+}
+
+void CommandPlaces::CreateToolBar() {
+    std::vector<LToolBar::ToolBarItem> rows;
+    std::vector<std::string> tips;  // which the rows point into
+    tips.reserve(std::size(kToolBar));
+    for (const ToolItem& item : kToolBar) {
+        const CommandFacts& facts = commands_.Facts(item.command);
+        tips.push_back(TipWithKey(item.tip != nullptr ? item.tip : facts.tip, facts));
+        rows.push_back({item.command, facts.icon, item.name != nullptr ? item.name : facts.name,
+                        tips.back().c_str(), item.kind});
+    }
+    window_.SetToolBar(window_, rows);
+    for (const ToolItem& item : kToolBar)
+        commands_.AddProxy(item.command, window_.GetToolItemFromID(item.command), WhenOff::kGrey);
     for (const auto& each : kDropDowns)
         window_.HandleToolBarItemDropdown(each.toolBarItem, each.command);
     window_.AddToolboxAndHelp();
@@ -215,33 +225,15 @@ GtkWidget* CommandPlaces::NewCommandBar() {
     GtkWidget* bar = bar_.Create([this](int command) { window_.WMCommand(command); });
     int topic = -1;
     for (const BarItem& item : kBarItems) {
-        if (item.command == 0)
-            topic = bar_.AddTopic(item.text, item.image);
-        else
-            bar_.AddItem(topic, item.text, item.tooltip, item.command);
+        if (item.command == 0) {
+            topic = bar_.AddTopic(item.topic, item.image);
+            continue;
+        }
+        GtkWidget* button = bar_.AddItem(topic, commands_.Facts(item.command).name,
+                                         commands_.Tip(item.command).c_str(), item.command);
+        commands_.AddProxy(item.command, button, WhenOff::kHidden);
     }
     return bar;
-}
-
-void CommandPlaces::CheckCommandBar(bool shown) {
-    window_.CheckMenuItem(kShowCommandBar, shown);
-}
-
-void CommandPlaces::Enable(CommandState state) {
-    state_ = state;
-    for (const int command : kOfText) {
-        window_.EnableMenuItem(command, state.hasText);
-        window_.EnableToolBarItem(command, state.hasText);
-        bar_.ShowItem(command, state.hasText);
-    }
-    window_.EnableMenuItem(kFind, state.hasText);
-    window_.EnableMenuItem(kFindNext, state.hasText);
-    window_.EnableMenuItem(kUndo, state.canUndo);
-    window_.EnableMenuItem(kRedo, state.canRedo);
-    for (const int command : kOfSelection) {
-        window_.EnableMenuItem(command, state.hasSelection);
-        bar_.ShowItem(command, state.hasSelection);
-    }
 }
 
 void CommandPlaces::ListRecentFiles(const std::vector<std::string>& paths) {
@@ -264,21 +256,35 @@ void CommandPlaces::ListRecentFiles(const std::vector<std::string>& paths) {
     gtk_widget_set_sensitive(title, !paths.empty());
 }
 
+void CommandPlaces::SetPopup(LWindow::PopupMenu& menu, LMenuItems items) {
+    menu.SetMenu(items);
+    for (const LMenuItem& item : items) {
+        int position = 0;
+        GtkWidget* widget = LMenuControls::_GetMenuItem(menu.Widget(), item.command, position);
+        commands_.AddProxy(item.command, widget, WhenOff::kGrey);
+    }
+}
+
 void CommandPlaces::DropDown(int command) {
     for (const auto& each : kDropDowns) {
         if (each.command != command)
             continue;
-        dropDown_.SetMenu(each.items);
-        for (const int ofText : kOfText)
-            dropDown_.EnableMenuItem(ofText, state_.hasText);
-        for (const int ofSelection : kOfSelection)
-            dropDown_.EnableMenuItem(ofSelection, state_.hasSelection);
+        SetPopup(dropDown_, Labelled(each.items, commands_));
         dropDown_.PopupUnder(window_.GetToolItemFromID(each.toolBarItem));
     }
 }
 
 void CommandPlaces::PopupTrayMenu() {
-    trayMenu_.SetMenu(kTrayMenu);
+    std::vector<LMenuItem> rows = Labelled(kTrayMenu, commands_);
+    std::vector<std::string> texts;  // which the rows point into
+    texts.reserve(rows.size());
+    for (LMenuItem& row : rows) {
+        if (row.text == nullptr)
+            continue;
+        texts.push_back(WithoutLetter(row.text));
+        row.text = texts.back().c_str();
+    }
+    SetPopup(trayMenu_, rows);
     trayMenu_.Popup();
 }
 

@@ -5,32 +5,19 @@
 #include <string>
 #include <vector>
 
+#include "app/commands/command_set.h"
 #include "gui/main_window.h"
 #include "gui/popup_menu.h"
 #include "gui/widgets/explorer_bar.h"
 
-// What commands can act upon at the moment.
-struct CommandState {
-    bool hasText = false;       // in the text box
-    bool hasSelection = false;  // in any program
-    bool canUndo = false;
-    bool canRedo = false;
-    bool operator==(const CommandState&) const = default;
-};
-
-// The keys of the commands, for the window's key map.
-LKeyMap MainKeyMap();
-
 // GUI thread.
 class CommandPlaces {
 public:
-    // The window gets the commands; it outlives this object.
-    explicit CommandPlaces(LMainWindow& window);
+    // The window gets the commands. Both outlive this object.
+    CommandPlaces(LMainWindow& window, CommandSet& commands);
 
     void CreateMenus();          // menu bar and tool bar; the window is open, and once
     GtkWidget* NewCommandBar();  // floating; once
-    void Enable(CommandState state);
-    void CheckCommandBar(bool shown);
     // In the first menu; numbered from kRecentFile on.
     void ListRecentFiles(const std::vector<std::string>& paths);
     void DropDown(int command);  // under the arrow that sent this command
@@ -39,9 +26,12 @@ public:
     void NameActiveWindow(const char* program);
 
 private:
+    void CreateToolBar();
+    void SetPopup(LWindow::PopupMenu& menu, LMenuItems items);
+
     LMainWindow& window_;
+    CommandSet& commands_;
     LExplorerBar bar_;
     LWindow::PopupMenu dropDown_;
     LWindow::PopupMenu trayMenu_;
-    CommandState state_;
 };

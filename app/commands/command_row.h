@@ -1,0 +1,38 @@
+// A command is a row: its number, what it is called and said to do, its keys, what it needs, and
+// what it does. Whatever offers it only names it.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "gui/key_map.h"
+
+// What must be there for a command to act; joined by "|".
+using CommandNeeds = unsigned;
+constexpr CommandNeeds kNeedsText = 1u << 0;           // in the text box
+constexpr CommandNeeds kNeedsSelection = 1u << 1;      // in any program, or on the clipboard
+constexpr CommandNeeds kNeedsTextOrReading = 1u << 2;  // starts a reading or ends it
+constexpr CommandNeeds kNeedsUndo = 1u << 3;
+constexpr CommandNeeds kNeedsRedo = 1u << 4;
+
+// A number of 0, a null text, a key of 0 stand for none.
+struct CommandFacts {
+    int number = 0;
+    std::array<int, 2> also{};    // further numbers of the same command
+    const char* label = nullptr;  // in menus; "&" marks its letter
+    const char* name = nullptr;   // on buttons
+    const char* tip = nullptr;    // without the key
+    int icon = 0;
+    std::array<LKeyCode, 4> keys{};  // the first is shown
+    CommandNeeds needs = 0;
+};
+
+// Of a part of the window; what it does is a member function of that part.
+template <typename Owner>
+struct CommandRow {
+    CommandFacts facts;
+    void (Owner::*act)();
+};
+
+// "Read text aloud (Ctrl+Shift+R)": the tip of a place that offers the command, with its key.
+std::string TipWithKey(const char* tip, const CommandFacts& facts);

@@ -1,0 +1,174 @@
+// What the main window's user can ask for.
+#include <gdk/gdkkeysyms.h>
+
+#include "app/commands/command_numbers.h"
+#include "app/help_links.h"
+#include "app/main_dialog.h"
+#include "gui/icon_numbers.h"
+
+void MainDialog::AddCommands() {
+    // The large buttons act as these commands do, and name their keys.
+    constexpr LKeyCode kReadKey = kKeyControl | kKeyShift | GDK_R;
+    constexpr LKeyCode kSaveKey = kKeyControl | kKeyAlt | GDK_V;
+    static constexpr CommandRow<MainDialog> kRows[] = {
+        {{.number = kReadCurrent,
+          .also = {kReadAllOfWindow, kReadSelectionOfWindow},
+          .label = "Read Current&Text",
+          .name = "Read current text",
+          .tip = "Read aloud the Lectora window",
+          .icon = kReadAloudIcon,
+          .keys = {kReadKey},
+          .needs = kNeedsText},
+         &MainDialog::CmRead},
+        {{.number = kReadFromFile,
+          .also = {kReadFromFileMenu},
+          .label = "Read from fil&e",
+          .name = "Read from a file",
+          .tip = "Read the text from the file",
+          .keys = {kKeyControl | kKeyShift | GDK_O}},
+         &MainDialog::CmReadFromFile},
+        {{.number = kReadFromSelection,
+          .label = "Read from Clipboar&d",
+          .name = "Read from clipboard",
+          .tip = "Read aloud the last text cut or copied to the clipboard",
+          .keys = {kKeyControl | kKeyShift | GDK_B},
+          .needs = kNeedsSelection},
+         &MainDialog::CmReadFromSelection},
+        {{.number = kReadSelectionOrStop}, &MainDialog::CmReadSelectionOrStop},
+        {{.number = kReadButton,
+          .name = "Read Aloud",
+          .tip = "Read the current text aloud",
+          .icon = kReadButtonIcon,
+          .keys = {kReadKey},
+          .needs = kNeedsTextOrReading},
+         &MainDialog::CmReadOrStop},
+        {{.number = kSaveCurrent,
+          .also = {kSaveAllOfWindow, kSaveSelectionOfWindow},
+          .label = "Save Current &Text",
+          .name = "Save current text",
+          .tip = "Save text in the Lectora window to file",
+          .icon = kSaveSpeechIcon,
+          .keys = {kSaveKey},
+          .needs = kNeedsText},
+         &MainDialog::CmSave},
+        {{.number = kSaveFromFile,
+          .also = {kSaveFromFileMenu},
+          .label = "Save f&rom file",
+          .name = "Save speech from file",
+          .tip = "Saves the text from the file",
+          .keys = {kKeyControl | kKeyAlt | GDK_O}},
+         &MainDialog::CmSaveFromFile},
+        {{.number = kSaveFromSelection,
+          .label = "Save from Cli&pboard",
+          .name = "Save from clipboard",
+          .tip = "Save the last text cut or copied to the clipboard",
+          .keys = {kKeyControl | kKeyAlt | GDK_B},
+          .needs = kNeedsSelection},
+         &MainDialog::CmSaveFromSelection},
+        {{.number = kSaveButton,
+          .name = "Save as Speech",
+          .tip = "Save as Speech",
+          .icon = kSaveButtonIcon,
+          .keys = {kSaveKey},
+          .needs = kNeedsText},
+         &MainDialog::CmSave},
+        {{.number = kUpdateFromSelection,
+          .label = "Update From Clip&board",
+          .name = "Update from clipboard",
+          .tip = "Copy text from Clipboard and paste to Lectora window",
+          .icon = kUpdateTextIcon,
+          .keys = {kKeyControl | GDK_B},
+          .needs = kNeedsSelection},
+         &MainDialog::CmCopyFromClipboard},
+        {{.number = kLoadFile,
+          .label = "&Load Text From File",
+          .name = "Update text from file",
+          .tip = "Load contents from text file to Lectora window",
+          .keys = {kKeyControl | GDK_O}},
+         &MainDialog::CmOpenFile},
+        {{.number = kShowCommandBar, .label = "Show Command Bar"}, &MainDialog::CmShowCommandBar},
+        {{.number = kUndo, .label = "&Undo", .keys = {kKeyControl | GDK_Z}, .needs = kNeedsUndo},
+         &MainDialog::CmUndo},
+        {{.number = kRedo,
+          .label = "&Redo",
+          .keys = {kKeyControl | kKeyShift | GDK_Z, kKeyControl | GDK_Y},
+          .needs = kNeedsRedo},
+         &MainDialog::CmRedo},
+        {{.number = kFind, .label = "&Find...", .keys = {kKeyControl | GDK_F}, .needs = kNeedsText},
+         &MainDialog::CmFind},
+        {{.number = kFindNext, .label = "Find &Next", .keys = {GDK_F3}, .needs = kNeedsText},
+         &MainDialog::CmFindNext},
+        {{.number = kLargerText,
+          .label = "&Larger Text",
+          // With Shift where "+" is above another sign.
+          .keys = {kKeyControl | GDK_plus, kKeyControl | kKeyShift | GDK_plus,
+                   kKeyControl | GDK_equal, kKeyControl | GDK_KP_Add}},
+         &MainDialog::CmLargerText},
+        {{.number = kSmallerText,
+          .label = "&Smaller Text",
+          .keys = {kKeyControl | GDK_minus, kKeyControl | GDK_KP_Subtract}},
+         &MainDialog::CmSmallerText},
+        {{.number = kNormalText,
+          .label = "Normal &Text Size",
+          .keys = {kKeyControl | GDK_0, kKeyControl | GDK_KP_0}},
+         &MainDialog::CmNormalText},
+        {{.number = kOptions,
+          .label = "&Options...",
+          .name = "Options",
+          .tip = "Change settings and hotkey preferences",
+          .icon = kOptionsIcon},
+         &MainDialog::CmOptions},
+        {{.number = kOpenWindow, .label = "Open Lectora"}, &MainDialog::CmOpen},
+        {{.number = kCommandHelp,
+          .name = "Display Help Contents",
+          .tip = "Open the help documentation",
+          .keys = {GDK_F1}},
+         &MainDialog::CmHelp},
+        {{.number = kTextChanged}, &MainDialog::EvTextChanged},
+        {{.number = kVoiceList}, &MainDialog::EvVoiceChosen},
+    };
+    commands_.Add(*this, kRows);
+    commands_.AddRange(kRecentFile, kLastRecentFile, [this](int command) {
+        OpenRecentFile(static_cast<std::size_t>(command - kRecentFile));
+    });
+    for (const int arrow : {kUpdateDropDown, kReadDropDown, kSaveDropDown})
+        commands_.AddRange(arrow, arrow, [this](int command) { places_.DropDown(command); });
+    commands_.AddRange(LHelpLinks::kFirst, LHelpLinks::kLast, LHelpLinks::Open);
+}
+
+// The button stays down while it reads; pressing it then lets go.
+void MainDialog::CmReadOrStop() {
+    if (reading_.IsReading())
+        StopReading();
+    else
+        Speak(&MainDialog::ReadText, Stretch::kSelected);
+}
+
+// The second step runs even when the first brought nothing new.
+void MainDialog::CmReadFromFile() {
+    CmOpenFile();
+    CmRead();
+}
+
+void MainDialog::CmReadFromSelection() {
+    CmCopyFromClipboard();
+    CmRead();
+}
+
+// Pressed again over the same text, the hotkey stops.
+void MainDialog::CmReadSelectionOrStop() {
+    if (reading_.IsReading() && SelectedText() == lines_.Text())
+        StopReading();
+    else
+        CmReadFromSelection();
+}
+
+void MainDialog::CmSaveFromFile() {
+    CmOpenFile();
+    CmSave();
+}
+
+void MainDialog::CmSaveFromSelection() {
+    CmCopyFromClipboard();
+    CmSave();
+}
