@@ -37,8 +37,7 @@ private:
     std::shared_ptr<Loading> loading_;
 };
 
-template <LProgress P>
-LProcessResult Process(P& progress, const Loading& loading) {
+LProcessResult Process(LProgress& progress, const Loading& loading) {
     char name[kTextBufferSize];
     LFile::_GetFileFromPath(name, loading.path.c_str());
     progress.SetSecondLabel(name);

@@ -13,6 +13,7 @@
 #include "app/speech_file.h"
 #include "app/speech_size.h"
 #include "formats/component_download.h"
+#include "formats/mp3_component.h"
 #include "formats/mp3_settings.h"
 #include "formats/mp3_sink.h"
 #include "formats/wave_file.h"

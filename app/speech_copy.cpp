@@ -12,9 +12,9 @@ class CopyProgress final : public LSilentProgress {
 public:
     CopyProgress(const LThread& thread, std::atomic<double>& fraction)
         : thread_(thread), fraction_(fraction) {}
-    bool IsShown() const { return true; }
-    void SetFraction(double fraction) { fraction_ = fraction; }
-    bool IsToStop() { return thread_.IsStopping(); }
+    bool IsShown() const override { return true; }
+    void SetFraction(double fraction) override { fraction_ = fraction; }
+    bool IsToStop() override { return thread_.IsStopping(); }
 
 private:
     const LThread& thread_;
@@ -38,4 +38,20 @@ LProcessResult SpeechCopy::End() {
         encoder->Interrupt();
     Join();
     return result_;
+}
+
+LProcessResult Process(LProgress& progress, SpeechCopy& copy) {
+    constexpr unsigned int kStepMilliseconds = 150;
+    progress.SetFirstLabel("Saving File");
+    progress.SetSecondLabel("Please wait...");
+    copy.Start(0);
+    LProcessResult waited = kProcessFailed;
+    while (waited == kProcessFailed) {
+        waited = progress.ProcessWaitSignal(copy.Done(), kStepMilliseconds);
+        progress.SetFraction(copy.Fraction());
+    }
+    if (waited == kProcessStopped)
+        copy.StopThreadSoon();
+    const LProcessResult result = copy.End();
+    return waited == kProcessStopped ? waited : result;
 }

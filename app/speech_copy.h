@@ -32,19 +32,4 @@ private:
     int error_ = 0;
 };
 
-template <LProgress P>
-LProcessResult Process(P& progress, SpeechCopy& copy) {
-    constexpr unsigned int kStepMilliseconds = 150;
-    progress.SetFirstLabel("Saving File");
-    progress.SetSecondLabel("Please wait...");
-    copy.Start(0);
-    LProcessResult waited = kProcessFailed;
-    while (waited == kProcessFailed) {
-        waited = progress.ProcessWaitSignal(copy.Done(), kStepMilliseconds);
-        progress.SetFraction(copy.Fraction());
-    }
-    if (waited == kProcessStopped)
-        copy.StopThreadSoon();
-    const LProcessResult result = copy.End();
-    return waited == kProcessStopped ? waited : result;
-}
+LProcessResult Process(LProgress& progress, SpeechCopy& copy);

@@ -3,7 +3,11 @@
 #include <cstring>
 #include <iterator>
 #include <string_view>
+#include <vector>
 
+#include "foundation/hosts.h"
+#include "foundation/resolve.h"
+#include "foundation/tcp_steps.h"
 #include "foundation/text_buffer.h"
 
 const LUninstallComment gUninstallComments[] = {
@@ -62,4 +66,27 @@ std::string UninstallReportHeader(const std::string& host, const std::string& bo
     return std::string("POST ") + kReportPath + " HTTP/1.0\r\nHost: " + host +
            "\r\nContent-Type: application/x-www-form-urlencoded\r\nContent-Length: " +
            std::to_string(body.size()) + "\r\n\r\n";
+}
+
+void ProcessUninstallReport(LProgress& progress, const std::string& body) {
+    const std::string host = ReportHost();
+    std::vector<LIPAddressWithPort> addresses;
+    if (body.empty() || ProcessResolve(progress, SplitHostPort(host, 80), kReportTimeout,
+                                       addresses) != kProcessDone)
+        return;
+    LIPSocketTCP socket;
+    for (const LIPAddressWithPort& address : addresses) {
+        const LProcessResult result = ProcessConnect(progress, socket, address, kReportTimeout);
+        if (result == kProcessStopped)
+            return;
+        if (result == kProcessDone)
+            break;
+    }
+    if (!socket.IsOpen())
+        return;
+    const std::string header = UninstallReportHeader(host, body);
+    if (ProcessSend(progress, socket, header.data(), static_cast<unsigned int>(header.size()),
+                    kReportTimeout) == kProcessDone)
+        ProcessSend(progress, socket, body.data(), static_cast<unsigned int>(body.size()),
+                    kReportTimeout);
 }

@@ -3,9 +3,7 @@
 
 #include <string>
 
-#include "foundation/hosts.h"
-#include "foundation/resolve.h"
-#include "foundation/tcp_steps.h"
+#include "foundation/progress.h"
 
 // One reason of the list. Null where it has no such text; the link is a page on the maker's site.
 struct LUninstallComment {
@@ -31,26 +29,4 @@ std::string UninstallReportHeader(const std::string& host, const std::string& bo
 
 // Sends it to the first address that accepts. Every failure ends it silently; the answer is not
 // read. Not for the GUI thread but under a progress object.
-template <LProgress P>
-void ProcessUninstallReport(P& progress, const std::string& body) {
-    const std::string host = ReportHost();
-    std::vector<LIPAddressWithPort> addresses;
-    if (body.empty() || ProcessResolve(progress, SplitHostPort(host, 80), kReportTimeout,
-                                       addresses) != kProcessDone)
-        return;
-    LIPSocketTCP socket;
-    for (const LIPAddressWithPort& address : addresses) {
-        const LProcessResult result = ProcessConnect(progress, socket, address, kReportTimeout);
-        if (result == kProcessStopped)
-            return;
-        if (result == kProcessDone)
-            break;
-    }
-    if (!socket.IsOpen())
-        return;
-    const std::string header = UninstallReportHeader(host, body);
-    if (ProcessSend(progress, socket, header.data(), static_cast<unsigned int>(header.size()),
-                    kReportTimeout) == kProcessDone)
-        ProcessSend(progress, socket, body.data(), static_cast<unsigned int>(body.size()),
-                    kReportTimeout);
-}
+void ProcessUninstallReport(LProgress& progress, const std::string& body);

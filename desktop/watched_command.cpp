@@ -66,3 +66,15 @@ bool LWatchedCommand::HasEnded() {
     lastLine_ = LastLineOf(output_.Get());
     return true;
 }
+
+LProcessResult Process(LProgress& progress, LWatchedCommand& command) {
+    constexpr unsigned int kBetweenLooks = 100;  // milliseconds
+    std::string said;
+    while (!command.HasEnded()) {
+        if (said != command.LastLine())
+            progress.SetSecondLabel((said = command.LastLine()).c_str());
+        if (progress.ProcessWait(kBetweenLooks) == kProcessStopped)
+            return kProcessStopped;
+    }
+    return command.HasSucceeded() ? kProcessDone : kProcessFailed;
+}

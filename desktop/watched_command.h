@@ -36,15 +36,4 @@ private:
 
 // Done: it succeeded. Failed: it did not, or could not be started. Stopped: nobody waits any more,
 // and it goes on.
-template <LProgress P>
-LProcessResult Process(P& progress, LWatchedCommand& command) {
-    constexpr unsigned int kBetweenLooks = 100;  // milliseconds
-    std::string said;
-    while (!command.HasEnded()) {
-        if (said != command.LastLine())
-            progress.SetSecondLabel((said = command.LastLine()).c_str());
-        if (progress.ProcessWait(kBetweenLooks) == kProcessStopped)
-            return kProcessStopped;
-    }
-    return command.HasSucceeded() ? kProcessDone : kProcessFailed;
-}
+LProcessResult Process(LProgress& progress, LWatchedCommand& command);

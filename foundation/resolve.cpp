@@ -83,3 +83,13 @@ std::vector<LIPAddressWithPort> LHostLookup::Addresses() const {
     const std::lock_guard lock(shared_->mutex);
     return shared_->addresses;
 }
+
+LProcessResult ProcessResolve(LProgress& progress, const LHostAndPort& host, unsigned int timeoutMs,
+                              std::vector<LIPAddressWithPort>& addresses) {
+    const LHostLookup lookup(host);
+    const LProcessResult waited = progress.ProcessWaitSignal(lookup.DoneSignal(), timeoutMs);
+    if (waited != kProcessDone)
+        return waited;
+    addresses = lookup.Addresses();
+    return addresses.empty() ? kProcessFailed : kProcessDone;
+}

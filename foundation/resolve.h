@@ -44,13 +44,5 @@ private:
 };
 
 // Keeps the progress alive meanwhile. Failed when the time passed or the host has no address.
-template <LProgress P>
-LProcessResult ProcessResolve(P& progress, const LHostAndPort& host, unsigned int timeoutMs,
-                              std::vector<LIPAddressWithPort>& addresses) {
-    const LHostLookup lookup(host);
-    const LProcessResult waited = progress.ProcessWaitSignal(lookup.DoneSignal(), timeoutMs);
-    if (waited != kProcessDone)
-        return waited;
-    addresses = lookup.Addresses();
-    return addresses.empty() ? kProcessFailed : kProcessDone;
-}
+LProcessResult ProcessResolve(LProgress& progress, const LHostAndPort& host, unsigned int timeoutMs,
+                              std::vector<LIPAddressWithPort>& addresses);

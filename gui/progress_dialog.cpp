@@ -144,5 +144,3 @@ LProcessResult LProgressDialog::ProcessWait(unsigned int milliseconds) {
         ProcessWaitSignal(LSignalObjectRef(), milliseconds) == kProcessFailed;  // never signalled
     return timeIsUp ? kProcessDone : kProcessStopped;
 }
-
-static_assert(LProgress<LProgressDialog>);

@@ -1,14 +1,15 @@
 // The small modal dialog that long work on the GUI thread shows: two lines, a bar, Cancel.
 //
 // The work runs inside Open and keeps the interface alive by asking IsToStop or waiting through
-// the dialog. It models LProgress, so that work written over a progress object runs under it
-// unchanged. GUI thread only, GDK lock held.
+// the dialog. It
+// is an LProgress, so that work written over one runs under it unchanged. GUI thread only, GDK lock
+// held.
 #pragma once
 
 #include "foundation/progress.h"
 #include "gui/dialog.h"
 
-class LProgressDialog : public LDialog {
+class LProgressDialog : public LDialog, public LProgress {
 public:
     // The title is shown as the first line; it is not copied and must outlive the dialog.
     explicit LProgressDialog(const char* title) : title_(title) {}
@@ -19,17 +20,17 @@ public:
     // The work itself; the returned value is not used.
     virtual bool MainFunction() = 0;
 
-    bool IsShown() const { return IsOpen(); }
-    void SetFirstLabel(const char* text);
-    void SetSecondLabel(const char* text);
-    void SetFraction(double fraction);
+    bool IsShown() const override { return IsOpen(); }
+    void SetFirstLabel(const char* text) override;
+    void SetSecondLabel(const char* text) override;
+    void SetFraction(double fraction) override;
     // Also true when the main loop is asked to quit.
-    bool IsToStop();
+    bool IsToStop() override;
     // In steps of 75 ms, during which events are handled as they come; running out of time is
     // kProcessFailed.
-    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds);
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) override;
     // Likewise; running out of time is kProcessDone.
-    LProcessResult ProcessWait(unsigned int milliseconds);
+    LProcessResult ProcessWait(unsigned int milliseconds) override;
 
 protected:
     void WidgetDetached() override;
@@ -58,7 +59,7 @@ public:
         : LProgressDialog(title), request_(&request) {}
 
     bool MainFunction() override {
-        result_ = Process(static_cast<LProgressDialog&>(*this), *request_);
+        result_ = Process(static_cast<LProgress&>(*this), *request_);
         return true;
     }
     LProcessResult Result() const { return result_; }  // kProcessFailed before the run

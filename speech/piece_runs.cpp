@@ -193,3 +193,13 @@ std::string LeftOutMessage(std::string_view text, const std::vector<LeftOutUnit>
     return "The speech engine could not speak " + std::to_string(leftOut.size()) +
            " passages, which were left out; the first is " + quote + ".";
 }
+
+LProcessResult Process(LProgress& progress, PieceRuns& runs) {
+    while (runs.StartRuns()) {
+        runs.Take(progress.ProcessWaitSignal(runs.Awaited(), runs.PatienceMilliseconds()));
+        progress.SetFraction(runs.Fraction());
+    }
+    if (runs.Outcome() == SynthesisOutcome::kSpoken)
+        return kProcessDone;
+    return runs.Outcome() == SynthesisOutcome::kStopped ? kProcessStopped : kProcessFailed;
+}

@@ -88,16 +88,7 @@ private:
 };
 
 // Speaks the text to its end. Done, stopped by the progress object, or failed (runs.Outcome()).
-template <LProgress P>
-LProcessResult Process(P& progress, PieceRuns& runs) {
-    while (runs.StartRuns()) {
-        runs.Take(progress.ProcessWaitSignal(runs.Awaited(), runs.PatienceMilliseconds()));
-        progress.SetFraction(runs.Fraction());
-    }
-    if (runs.Outcome() == SynthesisOutcome::kSpoken)
-        return kProcessDone;
-    return runs.Outcome() == SynthesisOutcome::kStopped ? kProcessStopped : kProcessFailed;
-}
+LProcessResult Process(LProgress& progress, PieceRuns& runs);
 
 // What the user is told of the units left out, in one sentence that quotes the first of them; empty
 // when there is none.

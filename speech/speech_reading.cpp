@@ -25,18 +25,14 @@ std::string FolderOf(const std::string& path) {
 }
 
 // A producer thread as what long work waits through.
-class ThreadProgress {
+class ThreadProgress final : public LSilentProgress {
 public:
     explicit ThreadProgress(const LThread& thread) : thread_(thread) {}
-    bool IsShown() const { return false; }
-    void SetFirstLabel(const char*) {}
-    void SetSecondLabel(const char*) {}
-    void SetFraction(double) {}
-    bool IsToStop() { return thread_.IsStopping(); }
-    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) {
+    bool IsToStop() override { return thread_.IsStopping(); }
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) override {
         return ::ProcessWaitSignal(thread_, signal, milliseconds);
     }
-    LProcessResult ProcessWait(unsigned int milliseconds) {
+    LProcessResult ProcessWait(unsigned int milliseconds) override {
         return thread_.StopSignal().WaitSignal(milliseconds) ? kProcessStopped : kProcessDone;
     }
 
@@ -209,4 +205,25 @@ std::string SpeechReading::Message() const {
     if (outcome_ != SynthesisOutcome::kSpoken)
         return SynthesisMessage(outcome_);
     return LeftOutMessage(text_, leftOut_);
+}
+
+LProcessResult Process(LProgress& progress, SpeechReading& reading) {
+    constexpr unsigned int kStepMilliseconds = 200;  // between two steps of the bar
+    progress.SetFirstLabel("Synthesizing Voice");
+    progress.SetSecondLabel("Please wait");
+    const bool isToHear = reading.Use() == ReadingUse::kListening;
+    const LSignalObjectRef awaited = isToHear ? reading.FirstSound() : reading.Ended();
+    LProcessResult waited = kProcessFailed;
+    while (waited == kProcessFailed) {
+        waited = progress.ProcessWaitSignal(awaited, kStepMilliseconds);
+        if (!isToHear)
+            progress.SetFraction(reading.Fraction());
+    }
+    if (waited == kProcessStopped) {
+        reading.Stop();
+        return kProcessStopped;
+    }
+    if (isToHear)
+        return reading.HasSound() ? kProcessDone : kProcessFailed;
+    return reading.Outcome() == SynthesisOutcome::kSpoken ? kProcessDone : kProcessFailed;
 }

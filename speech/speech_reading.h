@@ -87,24 +87,4 @@ private:
 // Waits, for as long as it takes, until the first sound is there (listening) or all of it (saving).
 // Done, also with some of it left out; stopped by the progress object, which stops the reading; or
 // failed: no sound, or when saving not all of it (reading.Outcome()).
-template <LProgress P>
-LProcessResult Process(P& progress, SpeechReading& reading) {
-    constexpr unsigned int kStepMilliseconds = 200;  // between two steps of the bar
-    progress.SetFirstLabel("Synthesizing Voice");
-    progress.SetSecondLabel("Please wait");
-    const bool isToHear = reading.Use() == ReadingUse::kListening;
-    const LSignalObjectRef awaited = isToHear ? reading.FirstSound() : reading.Ended();
-    LProcessResult waited = kProcessFailed;
-    while (waited == kProcessFailed) {
-        waited = progress.ProcessWaitSignal(awaited, kStepMilliseconds);
-        if (!isToHear)
-            progress.SetFraction(reading.Fraction());
-    }
-    if (waited == kProcessStopped) {
-        reading.Stop();
-        return kProcessStopped;
-    }
-    if (isToHear)
-        return reading.HasSound() ? kProcessDone : kProcessFailed;
-    return reading.Outcome() == SynthesisOutcome::kSpoken ? kProcessDone : kProcessFailed;
-}
+LProcessResult Process(LProgress& progress, SpeechReading& reading);

@@ -291,3 +291,12 @@ bool SynthesisRun::Deliver() const {
     return errno == EXDEV && LFile::CopyFile(soundPath_.c_str(), request_.outputPath) &&
            FileSize(request_.outputPath) == FileSize(soundPath_);
 }
+
+LProcessResult Process(LProgress& progress, LTTS& request) {
+    progress.SetFirstLabel("Synthesizing Voice");
+    progress.SetSecondLabel("Please wait");
+    SynthesisRun run(request);
+    if (!run.Start())
+        return run.Finish(kProcessFailed);
+    return run.Finish(progress.ProcessWaitSignal(run.Finished(), kSynthesisTimeoutMilliseconds));
+}

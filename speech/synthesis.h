@@ -94,12 +94,4 @@ private:
 
 // Speaks request.text into request.outputPath. Done, stopped by the progress object, or failed
 // (request.outcome).
-template <LProgress P>
-LProcessResult Process(P& progress, LTTS& request) {
-    progress.SetFirstLabel("Synthesizing Voice");
-    progress.SetSecondLabel("Please wait");
-    SynthesisRun run(request);
-    if (!run.Start())
-        return run.Finish(kProcessFailed);
-    return run.Finish(progress.ProcessWaitSignal(run.Finished(), kSynthesisTimeoutMilliseconds));
-}
+LProcessResult Process(LProgress& progress, LTTS& request);

@@ -120,3 +120,16 @@ bool VoiceListQuery::ReadReply(LPipeInOut& engine, std::string& reply) const {
     }
     return true;
 }
+
+LProcessResult Process(LProgress& progress, VoiceListQuery& query) {
+    constexpr unsigned int kPatienceMilliseconds = 20000;  // between two looks at nothing new
+    progress.SetFirstLabel("Waiting for the Speech Engine");
+    progress.SetSecondLabel("Please wait");
+    query.Ask();
+    LProcessResult waited = kProcessFailed;
+    while (waited == kProcessFailed)
+        waited = progress.ProcessWaitSignal(query.Answered(), kPatienceMilliseconds);
+    if (waited == kProcessStopped)
+        return kProcessStopped;
+    return query.State() == VoiceListState::kKnown ? kProcessDone : kProcessFailed;
+}

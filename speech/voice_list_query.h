@@ -51,16 +51,4 @@ private:
 
 // Waits for the answer, for as long as it takes. Done: the voices are known; stopped by the
 // progress object; failed: there are none, the query's state says why.
-template <LProgress P>
-LProcessResult Process(P& progress, VoiceListQuery& query) {
-    constexpr unsigned int kPatienceMilliseconds = 20000;  // between two looks at nothing new
-    progress.SetFirstLabel("Waiting for the Speech Engine");
-    progress.SetSecondLabel("Please wait");
-    query.Ask();
-    LProcessResult waited = kProcessFailed;
-    while (waited == kProcessFailed)
-        waited = progress.ProcessWaitSignal(query.Answered(), kPatienceMilliseconds);
-    if (waited == kProcessStopped)
-        return kProcessStopped;
-    return query.State() == VoiceListState::kKnown ? kProcessDone : kProcessFailed;
-}
+LProcessResult Process(LProgress& progress, VoiceListQuery& query);

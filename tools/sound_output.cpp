@@ -109,6 +109,15 @@ bool SoundOutput::FitsIntoFile(const LSoundSource& source) {
     return true;
 }
 
+LProcessResult SoundOutput::Append(LProgress& progress, const char* title,
+                                   const LSoundSource& source) {
+    LPRSourceToSink request;
+    if (!Prepare(source, request))
+        return kProcessFailed;
+    request.title = title;
+    return Judge(Process(progress, request));
+}
+
 bool SoundOutput::Prepare(const LSoundSource& source, LPRSourceToSink& request) {
     if (!error_.empty() || (!isOpen_ && !OpenSink(source)) || !FitsIntoFile(source))
         return false;

@@ -33,14 +33,7 @@ public:
 
     // Appends the rest of the source. The first one settles what the choice left open, and opens
     // the sink.
-    template <LProgress P>
-    LProcessResult Append(P& progress, const char* title, const LSoundSource& source) {
-        LPRSourceToSink request;
-        if (!Prepare(source, request))
-            return kProcessFailed;
-        request.title = title;
-        return Judge(Process(progress, request));
-    }
+    LProcessResult Append(LProgress& progress, const char* title, const LSoundSource& source);
 
     // Finishes the file and gives it its name, if it is whole; Error() tells otherwise.
     bool Commit();

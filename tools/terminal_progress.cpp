@@ -60,7 +60,7 @@ void LTerminalProgress::SetFraction(double fraction) {
     Show();
 }
 
-bool LTerminalProgress::IsToStop() const {
+bool LTerminalProgress::IsToStop() {
     return IsInterrupted();
 }
 

@@ -5,23 +5,22 @@
 
 #include "foundation/progress.h"
 
-// Models LProgress on standard error, shown only where that is a terminal; stopped by an
+// On standard error, shown only where that is a terminal; stopped by an
 // interruption. One at a time.
-class LTerminalProgress {
+class LTerminalProgress final : public LProgress {
 public:
     explicit LTerminalProgress(
-        bool isWanted = true);  // false: never shown, but stopped like one that is
-    ~LTerminalProgress();       // takes the line away
-    LTerminalProgress(const LTerminalProgress&) = delete;
-    LTerminalProgress& operator=(const LTerminalProgress&) = delete;
+        bool isWanted = true);      // false: never shown, but stopped like one that is
+    ~LTerminalProgress() override;  // takes the line away
 
-    bool IsShown() const { return isShown_; }
-    void SetFirstLabel(const char* text);
-    void SetSecondLabel(const char*) {}  // "please wait" is what a terminal's user does anyway
-    void SetFraction(double fraction);
-    bool IsToStop() const;
-    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds);
-    LProcessResult ProcessWait(unsigned int milliseconds);
+    bool IsShown() const override { return isShown_; }
+    void SetFirstLabel(const char* text) override;
+    // "Please wait" is what a terminal's user does anyway.
+    void SetSecondLabel(const char*) override {}
+    void SetFraction(double fraction) override;
+    bool IsToStop() override;
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) override;
+    LProcessResult ProcessWait(unsigned int milliseconds) override;
 
     // What the line says instead of the labels that runs set.
     void SetSubject(const std::string& subject);

@@ -91,36 +91,35 @@ class PlacesPage : public LWizardPage {
 };
 
 // Does the work while it is in view.
-class ProgressPage : public LWizardPage {
+class ProgressPage : public LWizardPage, private LProgress {
 public:
     explicit ProgressPage(Outcome& outcome) : outcome_(outcome) {}
 
-    // As a progress object.
-    static bool IsShown() { return true; }
-    static void SetFirstLabel(const char*) {}
-    void SetSecondLabel(const char* text) {
+private:
+    bool IsShown() const override { return true; }
+    void SetFirstLabel(const char*) override {}
+    void SetSecondLabel(const char* text) override {
         SetStaticText(kStep, text);
         IsToStop();
     }
-    void SetFraction(double fraction) {
+    void SetFraction(double fraction) override {
         PBSetProgress(kBar, fraction);
         IsToStop();
     }
-    bool IsToStop() {
+    bool IsToStop() override {
         while (gtk_events_pending())
             gtk_main_iteration_do(FALSE);
         return stopped_;
     }
-    LProcessResult ProcessWait(unsigned int milliseconds) {
+    LProcessResult ProcessWait(unsigned int milliseconds) override {
         gtk_progress_bar_pulse(GTK_PROGRESS_BAR(GetControlByID(kBar)));
         g_usleep(milliseconds * 1000UL);
         return IsToStop() ? kProcessStopped : kProcessDone;
     }
-    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) {
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) override {
         return signal.WaitSignal(milliseconds) ? kProcessDone : kProcessFailed;
     }
 
-private:
     void InitDialog() override {
         Connect(Widget(), "response", G_CALLBACK(GCStop));
         SetAccessibleName(GetControlByID(kBar), kTitle);

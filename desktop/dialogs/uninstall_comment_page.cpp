@@ -44,8 +44,7 @@ const LUninstallComment* ShownReason(int item) {
 struct Report {
     std::string body;
 };
-template <LProgress P>
-LProcessResult Process(P& progress, Report& report) {
+LProcessResult Process(LProgress& progress, Report& report) {
     ProcessUninstallReport(progress, report.body);
     return kProcessDone;
 }

@@ -11,6 +11,8 @@
 #include "formats/mp3_sink.h"
 #include "formats/raw_file.h"
 #include "formats/settings_keys.h"
+#include "foundation/child_process.h"
+#include "foundation/hosts.h"
 #include "foundation/settings.h"
 #include "foundation/settings_keys.h"
 #include "sound/convert.h"
@@ -24,9 +26,9 @@ using std::string_literals::operator""s;
 // Waits as a dialog does; stops once the server has said that it hangs.
 class PatientProgress : public LSilentProgress {
 public:
-    bool IsShown() const { return true; }
-    void SetFraction(double fraction) { fractions.push_back(fraction); }
-    bool IsToStop() const { return LSignalObjectRef(serverOutput).WaitSignal(0); }
+    bool IsShown() const override { return true; }
+    void SetFraction(double fraction) override { fractions.push_back(fraction); }
+    bool IsToStop() override { return LSignalObjectRef(serverOutput).WaitSignal(0); }
     int serverOutput = -1;
     std::vector<double> fractions;
 };

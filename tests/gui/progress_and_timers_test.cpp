@@ -11,9 +11,8 @@ struct Work {
     std::function<LProcessResult(LProgressDialog&)> body;
 };
 
-template <LProgress P>
-LProcessResult Process(P& progress, Work& work) {
-    return work.body(progress);
+LProcessResult Process(LProgress& progress, Work& work) {
+    return work.body(dynamic_cast<LProgressDialog&>(progress));
 }
 
 LProcessResult RunWork(std::function<LProcessResult(LProgressDialog&)> body,

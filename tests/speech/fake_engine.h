@@ -58,7 +58,7 @@ public:
     explicit ImpatientProgress(
         std::function<bool()> isEnough = [] { return false; }, bool cancel = false)
         : isEnough_(std::move(isEnough)), cancel_(cancel) {}
-    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) {
+    LProcessResult ProcessWaitSignal(LSignalObjectRef signal, unsigned int milliseconds) override {
         limit = milliseconds;
         while (!signal.WaitSignal(10))
             if (isEnough_())

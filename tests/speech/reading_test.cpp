@@ -190,7 +190,7 @@ TEST_F(NumbersReading, NeverRunsFarAheadOfTheListener) {
 
 TEST_F(NumbersReading, SavesTheWholeInFewRunsAndConvertsOtherRates) {
     struct : LSilentProgress {
-        void SetFraction(double fraction) { told.push_back(fraction); }
+        void SetFraction(double fraction) override { told.push_back(fraction); }
         std::vector<double> told;
     } progress;
     SpeechReading reading(Text(2000), 0, SoundPath(), ReadingUse::kSaving);

@@ -17,7 +17,7 @@
 class StopAfter : public LSilentProgress {
 public:
     explicit StopAfter(int questions) : left_(questions) {}
-    bool IsToStop() { return left_-- <= 0; }
+    bool IsToStop() override { return left_-- <= 0; }
 
 private:
     int left_;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "foundation/process_result.h"
+#include "foundation/progress.h"
 #include "foundation/signal_object.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
@@ -93,19 +94,19 @@ public:
     std::vector<int> seeks;
 };
 
-// Models LProgress. Nothing ever waits: the waits answer what the test has set.
-class RecordingProgress {
+// Nothing ever waits: the waits answer what the test has set.
+class RecordingProgress : public LProgress {
 public:
-    bool IsShown() const { return isShown; }
-    void SetFirstLabel(const char* text) { firstLabels.emplace_back(text); }
-    void SetSecondLabel(const char* text) { secondLabels.emplace_back(text); }
-    void SetFraction(double fraction) { fractions.push_back(fraction); }
-    bool IsToStop() { return stopTests++ >= stopAfter; }
-    LProcessResult ProcessWaitSignal(LSignalObjectRef, unsigned int milliseconds) {
+    bool IsShown() const override { return isShown; }
+    void SetFirstLabel(const char* text) override { firstLabels.emplace_back(text); }
+    void SetSecondLabel(const char* text) override { secondLabels.emplace_back(text); }
+    void SetFraction(double fraction) override { fractions.push_back(fraction); }
+    bool IsToStop() override { return stopTests++ >= stopAfter; }
+    LProcessResult ProcessWaitSignal(LSignalObjectRef, unsigned int milliseconds) override {
         waits.push_back(milliseconds);
         return IsToStop() ? kProcessStopped : waitResult;
     }
-    LProcessResult ProcessWait(unsigned int milliseconds) {
+    LProcessResult ProcessWait(unsigned int milliseconds) override {
         waits.push_back(milliseconds);
         return IsToStop() ? kProcessStopped : kProcessDone;
     }

@@ -255,7 +255,7 @@ TEST(WatchedCommand, TellsItsLastLineAndGoesOnWhenNobodyWatches) {
     EXPECT_EQ(Process(progress, refused), kProcessFailed);
     EXPECT_NE(WhyFailed(refused).find("password"), std::string::npos);
     struct Stopped : LSilentProgress {
-        LProcessResult ProcessWait(unsigned int) { return kProcessStopped; }
+        LProcessResult ProcessWait(unsigned int) override { return kProcessStopped; }
     };
     const std::string go = folder / "go";
     ASSERT_EQ(::mkfifo(go.c_str(), 0600), 0);
