@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "app/long_lines.h"
+#include "app/text/long_lines.h"
 
 // Cursor and selection stay as they are. Offsets are bytes of what LongLines::Text gives. GUI
 // thread.

@@ -1,10 +1,10 @@
-#include "app/text_history.h"
+#include "app/text/text_history.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "app/find_text.h"
+#include "app/text/find_text.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "app/long_lines.h"
+#include "app/text/long_lines.h"
 
 // Owns no widget: the window does. GUI thread.
 class FindBar {

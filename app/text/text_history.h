@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "app/long_lines.h"
+#include "app/text/long_lines.h"
 
 // GUI thread.
 class TextHistory {

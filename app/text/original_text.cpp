@@ -1,4 +1,4 @@
-#include "app/original_text.h"
+#include "app/text/original_text.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "app/long_lines.h"
+#include "app/text/long_lines.h"
 
 // Takes these ways over from GTK. GUI thread.
 class OriginalText {

@@ -1,4 +1,4 @@
-#include "app/drop_target.h"
+#include "app/text/drop_target.h"
 
 #include "foundation/owned_text.h"
 

@@ -1,4 +1,4 @@
-#include "app/long_lines.h"
+#include "app/text/long_lines.h"
 
 #include "foundation/owned_text.h"
 

@@ -1,4 +1,4 @@
-#include "app/text_size.h"
+#include "app/text/text_size.h"
 
 #include <algorithm>
 #include <iterator>

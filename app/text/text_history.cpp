@@ -1,4 +1,4 @@
-#include "app/text_history.h"
+#include "app/text/text_history.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "app/find_bar.h"
+#include "app/text/find_bar.h"
 
-#include "app/find_text.h"
+#include "app/text/find_text.h"
 #include "gui/accessible.h"
 
 namespace {

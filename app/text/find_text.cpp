@@ -1,4 +1,4 @@
-#include "app/find_text.h"
+#include "app/text/find_text.h"
 
 #include <glib.h>
 
