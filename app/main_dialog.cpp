@@ -15,12 +15,11 @@
 #include "gui/message_box.h"
 
 MainDialog::MainDialog()
-    : commands_([this] { return Available(); }, [this](const char* text) { TellStatusText(text); }),
+    : text_({[this](const char* text) { TellStatusText(text); }, [this] { Layout(); },
+             [this](const auto& paths) { EvFilesDropped(paths); }}),
+      commands_([this] { return Available(); }, [this](const char* text) { TellStatusText(text); }),
       places_(*this, commands_),
       selection_([this] { EnableControls(); }),
-      find_([this](const char* text) { TellStatusText(text); }, [this] { Layout(); }),
-      drop_([this](const auto& paths) { EvFilesDropped(paths); },
-            [this](const std::string& text) { ReplaceText(text); }),
       tray_([this](int button) { EvTrayIconPressed(button); }),
       voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }),
       reading_(*this) {
@@ -40,13 +39,8 @@ void MainDialog::Run() {
 }
 
 void MainDialog::CreateControls() {
-    const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
+    const LEditWidgets edit = text_.NewTextBox();
     AddControl(edit.textView, kTextBox, edit.scrolledWindow);
-    history_.Attach(gtk_text_view_get_buffer(GTK_TEXT_VIEW(edit.textView)), lines_);
-    lines_.Attach(gtk_text_view_get_buffer(GTK_TEXT_VIEW(edit.textView)));
-    highlight_.Attach(GTK_TEXT_VIEW(edit.textView), lines_);
-    original_.Attach(GTK_TEXT_VIEW(edit.textView), lines_);
-    SetAccessibleName(edit.textView, "Text to read");
     SetTooltip(kTextBox, "Enter your text here or click on the Update Text button");
 
     GtkWidget* label = gtk_label_new("Choose Voice: ");
@@ -64,9 +58,8 @@ void MainDialog::CreateControls() {
     AddControl(gtk_toggle_button_new(), kSaveButton);
     OfferButton(kSaveButton);
     AddControl(places_.NewCommandBar(), kCommandBar);
-    AddControl(find_.Create(GTK_TEXT_VIEW(edit.textView), lines_), kFindBar);
-    textSize_.Attach(edit.textView);
-    drop_.Attach(Widget(), edit.textView);
+    AddControl(text_.NewFindBar(commands_), kFindBar);
+    text_.TakeDrops(Widget());
     static constexpr int kFocusOrder[] = {kCommandBar, kTextBox,    kFindBar,
                                           kVoiceList,  kReadButton, kSaveButton};
     SetFocusOrder(kFocusOrder);
@@ -146,10 +139,8 @@ void MainDialog::KeepFocus() {
 }
 
 CommandNeeds MainDialog::Available() {
-    const bool hasText = GetEditTextLength(kTextBox) > 0;
-    return (hasText ? kNeedsText : 0) | (selection_.HasText() ? kNeedsSelection : 0) |
-           (hasText || reading_.IsReading() ? kNeedsTextOrReading : 0) |
-           (history_.CanUndo() ? kNeedsUndo : 0) | (history_.CanRedo() ? kNeedsRedo : 0);
+    return text_.Available() | (selection_.HasText() ? kNeedsSelection : 0) |
+           (!text_.IsEmpty() || reading_.IsReading() ? kNeedsTextOrReading : 0);
 }
 
 void MainDialog::Command(int command) {
@@ -169,19 +160,25 @@ void MainDialog::EvTextChanged() {
     // What the user writes is not replaced by a file that still waits.
     if (!settingWaitingFile_)
         waitingFiles_.clear();
-    highlight_.End();
+    text_.Highlight().End();
     EnableControls();
 }
 
 bool MainDialog::EvKeyDown(unsigned int key) {
     splash_.Close();
-    if (key == GDK_Escape && find_.HasKeyboard()) {
-        find_.Close();
+    if (text_.EvKeyDown(key))
         return true;
-    }
+    if (IsEntrysKey(key))
+        return false;
     if (key == GDK_Escape && reading_.IsReading()) {
         StopReading();
         return true;
     }
     return LMainWindow::EvKeyDown(key);
+}
+
+// Undoing in a field would otherwise empty the text box behind it.
+bool MainDialog::IsEntrysKey(LKeyCode key) const {
+    return GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(Widget()))) &&
+           commands_.Facts(CommandOfKey(commands_.Keys(), key)).edits;
 }

@@ -6,17 +6,11 @@
 #include <vector>
 
 #include "app/commands/command_places.h"
-#include "app/text/drop_target.h"
-#include "app/text/find_bar.h"
 #include "app/hot_key_handler.h"
 #include "app/hot_key_offer.h"
-#include "app/text/long_lines.h"
-#include "app/text/original_text.h"
 #include "app/read_aloud.h"
 #include "app/selection_watch.h"
-#include "app/spoken_highlight.h"
-#include "app/text/text_history.h"
-#include "app/text/text_size.h"
+#include "app/text/text_pane.h"
 #include "app/tray_icon.h"
 #include "app/voice_choice.h"
 #include "desktop/desktop_shortcut.h"
@@ -98,13 +92,12 @@ private:
     // In the status bar while there is nothing else to tell.
     static constexpr const char* kBanner = "Lectora v 1.05";
 
-    enum class Stretch { kAll, kSelected };  // kSelected: all when nothing is selected
     using SpeakFunction = void (MainDialog::*)(const std::string& text, int voice);
 
     // Runs speak on text of the text box and the chosen voice, unless there is none or such a run
     // is under way (its progress dialog pumps events, and a second start may hand a file over
     // meanwhile).
-    void Speak(SpeakFunction speak, Stretch stretch);
+    void Speak(SpeakFunction speak, TextPane::Extent extent);
     void ReadText(const std::string& text, int voice);
     void SaveText(const std::string& text, int voice);
     void ReadWaitingFiles();      // the next one, when nothing is being read
@@ -126,22 +119,13 @@ private:
     void CmReadSelectionOrStop();
     void CmSaveFromFile();
     void CmSaveFromSelection();
-    void CmUndo();
-    void CmRedo();
-    void CmFind();
-    void CmFindNext();
-    void CmLargerText() { TellTextSize(textSize_.Larger()); }
-    void CmSmallerText() { TellTextSize(textSize_.Smaller()); }
-    void CmNormalText() { TellTextSize(textSize_.Normal()); }
-    void ShowCursor();
-    void TellTextSize(int points);
     void EvVoiceChosen() { voices_.NoteChange(); }
-    void ReplaceText(const std::string& text);
     void OpenRecentFile(std::size_t number);
     void ListRecentFilesSoon();
     void EvFilesDropped(const std::vector<std::string>& paths);
     static bool ShowsCommandBar();
     void KeepFocus();
+    bool IsEntrysKey(LKeyCode key) const;
     bool IsMinimised() const;
     void BringBackWithoutTray();
     static gboolean GCFirstDrawing(GtkWidget* widget, GdkEventExpose* event, gpointer self);
@@ -152,16 +136,10 @@ private:
     void EvTrayIconPressed(int button);
     void ShowNoSpeechEngine();
 
-    LongLines lines_;  // of the text box
-    TextHistory history_;
-    TextSize textSize_;
-    SpokenHighlight highlight_;
-    OriginalText original_;
+    TextPane text_;
     CommandSet commands_;
     CommandPlaces places_;
     SelectionWatch selection_;
-    FindBar find_;
-    DropTarget drop_;
     LGuiTimer recentTimer_;
     LGuiTimer dropTimer_;
     TrayIcon tray_;

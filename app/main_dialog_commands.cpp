@@ -87,31 +87,6 @@ void MainDialog::AddCommands() {
           .keys = {kKeyControl | GDK_O}},
          &MainDialog::CmOpenFile},
         {{.number = kShowCommandBar, .label = "Show Command Bar"}, &MainDialog::CmShowCommandBar},
-        {{.number = kUndo, .label = "&Undo", .keys = {kKeyControl | GDK_Z}, .needs = kNeedsUndo},
-         &MainDialog::CmUndo},
-        {{.number = kRedo,
-          .label = "&Redo",
-          .keys = {kKeyControl | kKeyShift | GDK_Z, kKeyControl | GDK_Y},
-          .needs = kNeedsRedo},
-         &MainDialog::CmRedo},
-        {{.number = kFind, .label = "&Find...", .keys = {kKeyControl | GDK_F}, .needs = kNeedsText},
-         &MainDialog::CmFind},
-        {{.number = kFindNext, .label = "Find &Next", .keys = {GDK_F3}, .needs = kNeedsText},
-         &MainDialog::CmFindNext},
-        {{.number = kLargerText,
-          .label = "&Larger Text",
-          // With Shift where "+" is above another sign.
-          .keys = {kKeyControl | GDK_plus, kKeyControl | kKeyShift | GDK_plus,
-                   kKeyControl | GDK_equal, kKeyControl | GDK_KP_Add}},
-         &MainDialog::CmLargerText},
-        {{.number = kSmallerText,
-          .label = "&Smaller Text",
-          .keys = {kKeyControl | GDK_minus, kKeyControl | GDK_KP_Subtract}},
-         &MainDialog::CmSmallerText},
-        {{.number = kNormalText,
-          .label = "Normal &Text Size",
-          .keys = {kKeyControl | GDK_0, kKeyControl | GDK_KP_0}},
-         &MainDialog::CmNormalText},
         {{.number = kOptions,
           .label = "&Options...",
           .name = "Options",
@@ -128,6 +103,7 @@ void MainDialog::AddCommands() {
         {{.number = kVoiceList}, &MainDialog::EvVoiceChosen},
     };
     commands_.Add(*this, kRows);
+    text_.AddCommands(commands_);
     commands_.AddRange(kRecentFile, kLastRecentFile, [this](int command) {
         OpenRecentFile(static_cast<std::size_t>(command - kRecentFile));
     });
@@ -141,23 +117,26 @@ void MainDialog::CmReadOrStop() {
     if (reading_.IsReading())
         StopReading();
     else
-        Speak(&MainDialog::ReadText, Stretch::kSelected);
+        Speak(&MainDialog::ReadText, TextPane::Extent::kSelected);
 }
 
-// The second step runs even when the first brought nothing new.
+// The second step runs even when the first brought nothing new, but not once the window has gone
+// meanwhile.
 void MainDialog::CmReadFromFile() {
     CmOpenFile();
-    CmRead();
+    if (IsOpen())
+        CmRead();
 }
 
 void MainDialog::CmReadFromSelection() {
     CmCopyFromClipboard();
-    CmRead();
+    if (IsOpen())
+        CmRead();
 }
 
 // Pressed again over the same text, the hotkey stops.
 void MainDialog::CmReadSelectionOrStop() {
-    if (reading_.IsReading() && SelectedText() == lines_.Text())
+    if (reading_.IsReading() && SelectedText() == text_.Text())
         StopReading();
     else
         CmReadFromSelection();
@@ -165,10 +144,12 @@ void MainDialog::CmReadSelectionOrStop() {
 
 void MainDialog::CmSaveFromFile() {
     CmOpenFile();
-    CmSave();
+    if (IsOpen())
+        CmSave();
 }
 
 void MainDialog::CmSaveFromSelection() {
     CmCopyFromClipboard();
-    CmSave();
+    if (IsOpen())
+        CmSave();
 }

@@ -78,7 +78,7 @@ void MainDialog::LayoutControls(int width, int height) {
     const int listTop = oneRow ? rowEnd - listHeight : bottomRow - listHeight - 4;
     const int contentEnd = oneRow ? bottomRow : listTop - labelRow;
 
-    const bool hasFind = find_.IsOpen();
+    const bool hasFind = text_.IsFindOpen();
     const int findHeight = hasFind ? NaturalSize(GetControlByID(kFindBar)).height + kFindGap : 0;
     const int textLeft = left + barWidth + 5;
 

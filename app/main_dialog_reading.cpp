@@ -6,24 +6,20 @@
 #include "app/save_speech.h"
 #include "app/settings_keys.h"
 
-void MainDialog::Speak(SpeakFunction speak, Stretch stretch) {
+void MainDialog::Speak(SpeakFunction speak, TextPane::Extent extent) {
     if (speaking_ || loading_)
         return;
     speaking_ = true;
     // Once there was a dialog it takes the desktop a moment to give the keyboard back.
     hadKeyboard_ = gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE;
-    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(GetControlByID(kTextBox)));
     GtkTextIter start;
-    GtkTextIter end;
-    if (stretch == Stretch::kAll || !gtk_text_buffer_get_selection_bounds(buffer, &start, &end))
-        gtk_text_buffer_get_bounds(buffer, &start, &end);
-    const std::string text = lines_.Text(start, end);
+    const std::string text = text_.Text(extent, start);
     if (!text.empty()) {
         reading_.Stop();
         if (kFollowTextSetting.Get())
-            highlight_.Begin(start);
+            text_.Highlight().Begin(start);
         else
-            highlight_.End();
+            text_.Highlight().End();
         const int voice = AwaitVoice();
         if (voice >= 0)
             (this->*speak)(text, voice);
@@ -43,11 +39,11 @@ void MainDialog::SaveText(const std::string& text, int voice) {
 }
 
 void MainDialog::CmRead() {
-    Speak(&MainDialog::ReadText, Stretch::kAll);
+    Speak(&MainDialog::ReadText, TextPane::Extent::kAll);
 }
 
 void MainDialog::CmSave() {
-    Speak(&MainDialog::SaveText, Stretch::kAll);
+    Speak(&MainDialog::SaveText, TextPane::Extent::kAll);
 }
 
 void MainDialog::StopReading() {
@@ -61,7 +57,7 @@ void MainDialog::ReadWaitingFiles() {
         const std::string path = waitingFiles_.front();
         waitingFiles_.pop_front();
         if (LoadFile(path.c_str(), FileFrom::kArguments))
-            Speak(&MainDialog::ReadText, Stretch::kAll);
+            Speak(&MainDialog::ReadText, TextPane::Extent::kAll);
     }
 }
 
@@ -106,7 +102,7 @@ void MainDialog::EvReadingTime(LSoundTime position, LSoundTime length) {
 }
 
 void MainDialog::EvReadingStretch(std::size_t begin, std::size_t end) {
-    highlight_.Show(begin, end);
+    text_.Highlight().Show(begin, end);
 }
 
 void MainDialog::EvReadingWaits() {
@@ -121,7 +117,7 @@ void MainDialog::EvReadingEnded(const std::string& note, bool inTrouble) {
         SetStatusText(kBanner);
     else
         TellStatusText(note.c_str());
-    highlight_.Hide();
+    text_.Highlight().Hide();
     EnableControls();
     // The next file would meet the same trouble, and its box would hide this one's.
     if (inTrouble)

@@ -20,7 +20,7 @@ std::string MainDialog::SelectedText() {
 void MainDialog::CmCopyFromClipboard() {
     const std::string text = SelectedText();
     if (!text.empty())
-        ReplaceText(text);
+        text_.Replace(text);
 }
 
 void MainDialog::CmOpenFile() {
@@ -60,7 +60,7 @@ bool MainDialog::LoadFile(const char* path, FileFrom from) {
         return false;
     }
     settingWaitingFile_ = from == FileFrom::kArguments;
-    ReplaceText(document->text);
+    text_.Replace(document->text);
     settingWaitingFile_ = false;
     RecentFiles::Add(path);
     ListRecentFilesSoon();

@@ -25,6 +25,7 @@ struct CommandFacts {
     int icon = 0;
     std::array<LKeyCode, 4> keys{};  // the first is shown
     CommandNeeds needs = 0;
+    bool edits = false;  // the text box; an entry that has the keyboard keeps the key for itself
 };
 
 // Of a part of the window; what it does is a member function of that part.

@@ -45,19 +45,22 @@ void DropTarget::Attach(GtkWidget* window, GtkWidget* view) {
 
 void DropTarget::GCReceived(GtkWidget* widget, GdkDragContext* context, gint, gint,
                             GtkSelectionData* data, guint info, guint time, gpointer user) {
-    auto* self = static_cast<DropTarget*>(user);
+    static_cast<DropTarget*>(user)->EvReceived(widget, context, data, info, time);
+}
+
+void DropTarget::EvReceived(GtkWidget* widget, GdkDragContext* context, GtkSelectionData* data,
+                            guint info, guint time) {
     if (info == kFiles) {
         const std::vector<std::string> paths = LocalPaths(data);
-        if (widget == self->view_) {
+        if (widget == view_) {
             g_signal_stop_emission_by_name(widget, "drag-data-received");
             gtk_drag_finish(context, !paths.empty(), FALSE, time);
         }
         if (!paths.empty())
-            self->files_(paths);
+            files_(paths);
     } else if (info == kText) {
-        const auto* text = reinterpret_cast<char*>(gtk_selection_data_get_text(data));
-        const OwnedText owned(const_cast<char*>(text));
-        if (owned)
-            self->text_(owned.get());
+        const OwnedText text(reinterpret_cast<char*>(gtk_selection_data_get_text(data)));
+        if (text)
+            text_(text.get());
     }
 }

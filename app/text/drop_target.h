@@ -25,6 +25,9 @@ private:
     static void GCReceived(GtkWidget* widget, GdkDragContext* context, gint x, gint y,
                            GtkSelectionData* data, guint info, guint time, gpointer self);
 
+    void EvReceived(GtkWidget* widget, GdkDragContext* context, GtkSelectionData* data, guint info,
+                    guint time);
+
     std::function<void(const std::vector<std::string>&)> files_;
     std::function<void(const std::string&)> text_;
     GtkWidget* view_ = nullptr;

@@ -15,14 +15,14 @@ GtkWidget* NewButton(const char* text, const char* tooltip) {
 
 }  // namespace
 
-GtkWidget* FindBar::Create(GtkTextView* view, const LongLines& lines) {
+GtkWidget* FindBar::Create(GtkTextView* view, const LongLines& lines, const char* nextTip) {
     view_ = view;
     lines_ = &lines;
     GtkWidget* bar = gtk_hbox_new(FALSE, 4);
     GtkWidget* label = gtk_label_new("Find:");
     entry_ = gtk_entry_new();
     LabelWidget(label, entry_);
-    GtkWidget* next = NewButton("Ne_xt", "Find the next place (F3)");
+    GtkWidget* next = NewButton("Ne_xt", nextTip);
     GtkWidget* close = NewButton("_Close", "Close the find bar (Esc)");
     gtk_box_pack_start(GTK_BOX(bar), label, FALSE, FALSE, 4);
     gtk_box_pack_start(GTK_BOX(bar), entry_, TRUE, TRUE, 0);
@@ -56,6 +56,8 @@ void FindBar::Open() {
     const std::string selected = SelectedWords();
     if (!selected.empty())
         gtk_entry_set_text(GTK_ENTRY(entry_), selected.c_str());
+    // Its place comes before the keyboard.
+    reshaped_();
     gtk_widget_grab_focus(entry_);  // selects what stands in it
 }
 
@@ -68,7 +70,7 @@ bool FindBar::HasKeyboard() const {
 void FindBar::Close() {
     isOpen_ = false;
     gtk_widget_grab_focus(GTK_WIDGET(view_));
-    closed_();
+    reshaped_();
 }
 
 void FindBar::FindNext() {

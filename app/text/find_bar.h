@@ -11,15 +11,15 @@
 // Owns no widget: the window does. GUI thread.
 class FindBar {
 public:
-    // tell: a sentence for the user. closed: the user has closed the bar; both from the main loop.
-    FindBar(std::function<void(const char*)> tell, std::function<void()> closed)
-        : tell_(std::move(tell)), closed_(std::move(closed)) {}
+    // tell: a sentence for the user. reshaped: the bar wants its place, or has left it.
+    FindBar(std::function<void(const char*)> tell, std::function<void()> reshaped)
+        : tell_(std::move(tell)), reshaped_(std::move(reshaped)) {}
     FindBar(const FindBar&) = delete;
     FindBar& operator=(const FindBar&) = delete;
 
     // A new bar (floating), once. View and lines, which are those of its buffer, are borrowed and
     // outlive what is found.
-    GtkWidget* Create(GtkTextView* view, const LongLines& lines);
+    GtkWidget* Create(GtkTextView* view, const LongLines& lines, const char* nextTip);
 
     void Open();  // with the keyboard in it, and what is selected, when that is a word or a few
     bool IsOpen() const { return isOpen_; }
@@ -35,7 +35,7 @@ private:
     std::string SelectedWords() const;
 
     std::function<void(const char*)> tell_;
-    std::function<void()> closed_;
+    std::function<void()> reshaped_;
     GtkTextView* view_ = nullptr;
     const LongLines* lines_ = nullptr;
     GtkWidget* entry_ = nullptr;

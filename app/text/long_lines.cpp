@@ -87,16 +87,20 @@ void LongLines::Insert(GtkTextIter* at, std::string_view text) {
     }
 }
 
-// Before the buffer's own insertion, in whose place that of the broken text happens.
-void LongLines::GCInsertText(GtkTextBuffer* buffer, GtkTextIter* at, char* text, int length,
+void LongLines::GCInsertText(GtkTextBuffer*, GtkTextIter* at, char* text, int length,
                              gpointer user) {
-    auto* self = static_cast<LongLines*>(user);
-    if (self->inserting_ || gtk_text_iter_get_chars_in_line(at) + length <= kLongestLine)
+    static_cast<LongLines*>(user)->EvInsert(at, {text, static_cast<std::size_t>(length)});
+}
+
+// Before the buffer's own insertion, in whose place that of the broken text happens.
+void LongLines::EvInsert(GtkTextIter* at, std::string_view text) {
+    if (inserting_ ||
+        gtk_text_iter_get_chars_in_line(at) + static_cast<int>(text.size()) <= kLongestLine)
         return;
-    self->inserting_ = true;
-    self->Insert(at, std::string_view(text, static_cast<std::size_t>(length)));
-    self->inserting_ = false;
-    g_signal_stop_emission_by_name(buffer, "insert-text");
+    inserting_ = true;
+    Insert(at, text);
+    inserting_ = false;
+    g_signal_stop_emission_by_name(buffer_.Get(), "insert-text");
 }
 
 std::string LongLines::Text() const {

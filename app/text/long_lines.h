@@ -48,6 +48,7 @@ private:
     static Broken BreakLines(std::string_view text, int before, int behind);
     static void GCInsertText(GtkTextBuffer* buffer, GtkTextIter* at, char* text, int length,
                              gpointer self);
+    void EvInsert(GtkTextIter* at, std::string_view text);
     void Insert(GtkTextIter* at, std::string_view text);
 
     GObjectRef<GtkTextBuffer> buffer_;

@@ -38,53 +38,81 @@ bool OriginalText::CopySelected() {
     return !text.empty();
 }
 
-// The view has just told its buffer to offer what is selected; this offers it instead.
 void OriginalText::GCRealize(GtkWidget*, gpointer user) {
-    auto* self = static_cast<OriginalText*>(user);
-    gtk_text_buffer_remove_selection_clipboard(self->buffer_, Primary(self->view_));
-    g_signal_connect_after(self->buffer_, "mark-set", G_CALLBACK(GCMarkSet), self);
-    g_signal_connect(self->buffer_, "notify::has-selection", G_CALLBACK(GCHasSelection), self);
+    static_cast<OriginalText*>(user)->EvRealize();
 }
 
-// The view is about to take it back.
 void OriginalText::GCUnrealize(GtkWidget*, gpointer user) {
-    auto* self = static_cast<OriginalText*>(user);
-    g_signal_handlers_disconnect_by_data(self->buffer_, self);
-    GtkClipboard* primary = Primary(self->view_);
-    if (gtk_clipboard_get_owner(primary) == G_OBJECT(self->buffer_))
-        gtk_clipboard_clear(primary);
-    gtk_text_buffer_add_selection_clipboard(self->buffer_, primary);
+    static_cast<OriginalText*>(user)->EvUnrealize();
 }
 
-void OriginalText::GCCopy(GtkTextView* view, gpointer user) {
-    static_cast<OriginalText*>(user)->CopySelected();
-    g_signal_stop_emission_by_name(view, "copy-clipboard");
+void OriginalText::GCCopy(GtkTextView*, gpointer user) {
+    static_cast<OriginalText*>(user)->EvCopy();
 }
 
-void OriginalText::GCCut(GtkTextView* view, gpointer user) {
-    auto* self = static_cast<OriginalText*>(user);
-    if (self->CopySelected())
-        gtk_text_buffer_delete_selection(self->buffer_, TRUE, gtk_text_view_get_editable(view));
-    g_signal_stop_emission_by_name(view, "cut-clipboard");
+void OriginalText::GCCut(GtkTextView*, gpointer user) {
+    static_cast<OriginalText*>(user)->EvCut();
 }
 
-// Only a text box of this program takes anything but text; that moves the breaks as breaks.
-void OriginalText::GCDragDataGet(GtkWidget* view, GdkDragContext*, GtkSelectionData* data, guint,
-                                 guint, gpointer user) {
-    const std::string text = static_cast<OriginalText*>(user)->Selected();
-    if (gtk_selection_data_set_text(data, text.data(), static_cast<gint>(text.size())))
-        g_signal_stop_emission_by_name(view, "drag-data-get");
+void OriginalText::GCDragDataGet(GtkWidget*, GdkDragContext*, GtkSelectionData* data, guint, guint,
+                                 gpointer user) {
+    static_cast<OriginalText*>(user)->EvDrag(data);
 }
 
-void OriginalText::GCMarkSet(GtkTextBuffer* buffer, GtkTextIter*, GtkTextMark* mark,
-                             gpointer user) {
-    if (mark == gtk_text_buffer_get_insert(buffer) ||
-        mark == gtk_text_buffer_get_selection_bound(buffer))
-        static_cast<OriginalText*>(user)->UpdatePrimary();
+void OriginalText::GCMarkSet(GtkTextBuffer*, GtkTextIter*, GtkTextMark* mark, gpointer user) {
+    static_cast<OriginalText*>(user)->EvMarkSet(mark);
 }
 
 void OriginalText::GCHasSelection(GtkTextBuffer*, GParamSpec*, gpointer user) {
     static_cast<OriginalText*>(user)->UpdatePrimary();
+}
+
+void OriginalText::GCGetPrimary(GtkClipboard*, GtkSelectionData* data, guint, gpointer buffer) {
+    GiveSelected(data, G_OBJECT(buffer));
+}
+
+void OriginalText::GCClearPrimary(GtkClipboard*, gpointer buffer) {
+    ShowNoneSelected(GTK_TEXT_BUFFER(buffer));
+}
+
+// The view has just told its buffer to offer what is selected; this offers it instead.
+void OriginalText::EvRealize() {
+    gtk_text_buffer_remove_selection_clipboard(buffer_, Primary(view_));
+    g_signal_connect_after(buffer_, "mark-set", G_CALLBACK(GCMarkSet), this);
+    g_signal_connect(buffer_, "notify::has-selection", G_CALLBACK(GCHasSelection), this);
+}
+
+// The view is about to take it back.
+void OriginalText::EvUnrealize() {
+    g_signal_handlers_disconnect_by_data(buffer_, this);
+    GtkClipboard* primary = Primary(view_);
+    if (gtk_clipboard_get_owner(primary) == G_OBJECT(buffer_))
+        gtk_clipboard_clear(primary);
+    gtk_text_buffer_add_selection_clipboard(buffer_, primary);
+}
+
+void OriginalText::EvCopy() {
+    CopySelected();
+    g_signal_stop_emission_by_name(view_, "copy-clipboard");
+}
+
+void OriginalText::EvCut() {
+    if (CopySelected())
+        gtk_text_buffer_delete_selection(buffer_, TRUE, gtk_text_view_get_editable(view_));
+    g_signal_stop_emission_by_name(view_, "cut-clipboard");
+}
+
+// Only a text box of this program takes anything but text; that moves the breaks as breaks.
+void OriginalText::EvDrag(GtkSelectionData* data) {
+    const std::string text = Selected();
+    if (gtk_selection_data_set_text(data, text.data(), static_cast<gint>(text.size())))
+        g_signal_stop_emission_by_name(view_, "drag-data-get");
+}
+
+void OriginalText::EvMarkSet(GtkTextMark* mark) {
+    if (mark == gtk_text_buffer_get_insert(buffer_) ||
+        mark == gtk_text_buffer_get_selection_bound(buffer_))
+        UpdatePrimary();
 }
 
 void OriginalText::UpdatePrimary() {
@@ -104,15 +132,14 @@ void OriginalText::UpdatePrimary() {
     }
 }
 
-void OriginalText::GCGetPrimary(GtkClipboard*, GtkSelectionData* data, guint, gpointer buffer) {
+void OriginalText::GiveSelected(GtkSelectionData* data, GObject* buffer) {
     const std::string text =
-        static_cast<OriginalText*>(g_object_get_data(G_OBJECT(buffer), kSelfKey))->Selected();
+        static_cast<OriginalText*>(g_object_get_data(buffer, kSelfKey))->Selected();
     gtk_selection_data_set_text(data, text.data(), static_cast<gint>(text.size()));
 }
 
 // Another program has selected something; what is shown as selected is what would be pasted.
-void OriginalText::GCClearPrimary(GtkClipboard*, gpointer user) {
-    auto* buffer = static_cast<GtkTextBuffer*>(user);
+void OriginalText::ShowNoneSelected(GtkTextBuffer* buffer) {
     GtkTextIter caret;
     gtk_text_buffer_get_iter_at_mark(buffer, &caret, gtk_text_buffer_get_insert(buffer));
     gtk_text_buffer_move_mark(buffer, gtk_text_buffer_get_selection_bound(buffer), &caret);

@@ -17,6 +17,12 @@ public:
 
 private:
     std::string Selected() const;  // empty when nothing is
+    void EvRealize();
+    void EvUnrealize();
+    void EvCopy();
+    void EvCut();
+    void EvDrag(GtkSelectionData* data);
+    void EvMarkSet(GtkTextMark* mark);
     bool CopySelected();
     void UpdatePrimary();
 
@@ -28,6 +34,8 @@ private:
                               guint info, guint time, gpointer self);
     static void GCMarkSet(GtkTextBuffer* buffer, GtkTextIter* at, GtkTextMark* mark, gpointer self);
     static void GCHasSelection(GtkTextBuffer* buffer, GParamSpec* property, gpointer self);
+    static void GiveSelected(GtkSelectionData* data, GObject* buffer);
+    static void ShowNoneSelected(GtkTextBuffer* buffer);
     static void GCGetPrimary(GtkClipboard* primary, GtkSelectionData* data, guint info,
                              gpointer buffer);
     static void GCClearPrimary(GtkClipboard* primary, gpointer buffer);

@@ -5,11 +5,11 @@
 
 namespace {
 
-int Characters(const std::string& text) {
+int Characters(std::string_view text) {
     return static_cast<int>(g_utf8_strlen(text.data(), static_cast<gssize>(text.size())));
 }
 
-bool IsBlank(const std::string& text) {
+bool IsBlank(std::string_view text) {
     return text == " " || text == "\n" || text == "\t";
 }
 
@@ -32,37 +32,48 @@ void TextHistory::Attach(GtkTextBuffer* buffer, const LongLines& lines) {
 
 void TextHistory::GCInsertText(GtkTextBuffer*, GtkTextIter* at, char* text, int length,
                                gpointer user) {
-    auto* self = static_cast<TextHistory*>(user);
-    // Broken into lines, the same text comes a second time.
-    if (self->isReverting_ || length == 0 || self->lines_->IsBreaking())
-        return;
-    const std::string inserted(text, static_cast<std::size_t>(length));
-    const int characters = Characters(inserted);
-    self->Note({self->lines_->Offset(*at), characters, ""},
-               characters == 1 ? Kind::kTyped : Kind::kOther, IsBlank(inserted));
+    static_cast<TextHistory*>(user)->EvInsert(*at, {text, static_cast<std::size_t>(length)});
 }
 
 void TextHistory::GCDeleteRange(GtkTextBuffer*, GtkTextIter* start, GtkTextIter* end,
                                 gpointer user) {
-    auto* self = static_cast<TextHistory*>(user);
-    if (self->isReverting_)
-        return;
-    const std::string deleted = self->lines_->Text(*start, *end);
-    if (!deleted.empty())
-        self->Note({self->lines_->Offset(*start), 0, deleted},
-                   Characters(deleted) == 1 ? Kind::kErased : Kind::kOther, IsBlank(deleted));
+    static_cast<TextHistory*>(user)->EvDelete(*start, *end);
 }
 
 void TextHistory::GCBeginAction(GtkTextBuffer*, gpointer user) {
-    auto* self = static_cast<TextHistory*>(user);
-    if (self->actions_++ == 0)
-        self->isInStep_ = false;
+    static_cast<TextHistory*>(user)->EvBeginAction();
 }
 
 void TextHistory::GCEndAction(GtkTextBuffer*, gpointer user) {
-    auto* self = static_cast<TextHistory*>(user);
-    --self->actions_;
-    self->isInStep_ = false;
+    static_cast<TextHistory*>(user)->EvEndAction();
+}
+
+void TextHistory::EvInsert(const GtkTextIter& at, std::string_view text) {
+    // Broken into lines, the same text comes a second time.
+    if (isReverting_ || text.empty() || lines_->IsBreaking())
+        return;
+    const int characters = Characters(text);
+    Note({lines_->Offset(at), characters, ""}, characters == 1 ? Kind::kTyped : Kind::kOther,
+         IsBlank(text));
+}
+
+void TextHistory::EvDelete(const GtkTextIter& start, const GtkTextIter& end) {
+    if (isReverting_)
+        return;
+    const std::string deleted = lines_->Text(start, end);
+    if (!deleted.empty())
+        Note({lines_->Offset(start), 0, deleted},
+             Characters(deleted) == 1 ? Kind::kErased : Kind::kOther, IsBlank(deleted));
+}
+
+void TextHistory::EvBeginAction() {
+    if (actions_++ == 0)
+        isInStep_ = false;
+}
+
+void TextHistory::EvEndAction() {
+    --actions_;
+    isInStep_ = false;
 }
 
 void TextHistory::Note(Edit edit, Kind kind, bool blank) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/text/long_lines.h"
@@ -54,6 +55,10 @@ private:
     static void GCBeginAction(GtkTextBuffer* buffer, gpointer self);
     static void GCEndAction(GtkTextBuffer* buffer, gpointer self);
 
+    void EvInsert(const GtkTextIter& at, std::string_view text);
+    void EvDelete(const GtkTextIter& start, const GtkTextIter& end);
+    void EvBeginAction();
+    void EvEndAction();
     void Note(Edit edit, Kind kind, bool blank);
     bool GoesOn(const Edit& edit, Kind kind, bool blank) const;
     static bool Join(Edit& last, const Edit& next);

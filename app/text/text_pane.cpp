@@ -1,0 +1,136 @@
+#include "app/text/text_pane.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <utility>
+
+#include "app/commands/command_numbers.h"
+#include "gui/accessible.h"
+#include "gui/control_factory.h"
+#include "gui/display_text.h"
+
+TextPane::TextPane(Listener listener)
+    : listener_(std::move(listener)),
+      find_(listener_.tell, listener_.reshaped),
+      drop_(listener_.dropped, [this](const std::string& text) { Replace(text); }) {}
+
+LEditWidgets TextPane::NewTextBox() {
+    const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
+    view_ = GTK_TEXT_VIEW(edit.textView);
+    buffer_ = GObjectRef<GtkTextBuffer>::Share(gtk_text_view_get_buffer(view_));
+    history_.Attach(buffer_.Get(), lines_);
+    lines_.Attach(buffer_.Get());
+    highlight_.Attach(view_, lines_);
+    original_.Attach(view_, lines_);
+    size_.Attach(edit.textView);
+    SetAccessibleName(edit.textView, "Text to read");
+    return edit;
+}
+
+GtkWidget* TextPane::NewFindBar(const CommandSet& commands) {
+    return find_.Create(view_, lines_, commands.Tip(kFindNext).c_str());
+}
+
+void TextPane::TakeDrops(GtkWidget* window) {
+    drop_.Attach(window, GTK_WIDGET(view_));
+}
+
+void TextPane::AddCommands(CommandSet& commands) {
+    static constexpr CommandRow<TextPane> kRows[] = {
+        {{.number = kUndo,
+          .label = "&Undo",
+          .keys = {kKeyControl | GDK_Z},
+          .needs = kNeedsUndo,
+          .edits = true},
+         &TextPane::CmUndo},
+        {{.number = kRedo,
+          .label = "&Redo",
+          .keys = {kKeyControl | kKeyShift | GDK_Z, kKeyControl | GDK_Y},
+          .needs = kNeedsRedo,
+          .edits = true},
+         &TextPane::CmRedo},
+        {{.number = kFind, .label = "&Find...", .keys = {kKeyControl | GDK_F}, .needs = kNeedsText},
+         &TextPane::CmFind},
+        {{.number = kFindNext,
+          .label = "Find &Next",
+          .tip = "Find the next place",
+          .keys = {GDK_F3},
+          .needs = kNeedsText},
+         &TextPane::CmFindNext},
+        {{.number = kLargerText,
+          .label = "&Larger Text",
+          // With Shift where "+" is above another sign.
+          .keys = {kKeyControl | GDK_plus, kKeyControl | kKeyShift | GDK_plus,
+                   kKeyControl | GDK_equal, kKeyControl | GDK_KP_Add}},
+         &TextPane::CmLarger},
+        {{.number = kSmallerText,
+          .label = "&Smaller Text",
+          .keys = {kKeyControl | GDK_minus, kKeyControl | GDK_KP_Subtract}},
+         &TextPane::CmSmaller},
+        {{.number = kNormalText,
+          .label = "Normal &Text Size",
+          .keys = {kKeyControl | GDK_0, kKeyControl | GDK_KP_0}},
+         &TextPane::CmNormalSize},
+    };
+    commands.Add(*this, kRows);
+}
+
+CommandNeeds TextPane::Available() const {
+    return (IsEmpty() ? 0 : kNeedsText) | (history_.CanUndo() ? kNeedsUndo : 0) |
+           (history_.CanRedo() ? kNeedsRedo : 0);
+}
+
+bool TextPane::EvKeyDown(unsigned int key) {
+    if (key != GDK_Escape || !find_.HasKeyboard())
+        return false;
+    find_.Close();
+    return true;
+}
+
+bool TextPane::IsEmpty() const {
+    return !buffer_ || gtk_text_buffer_get_char_count(buffer_.Get()) == 0;
+}
+
+void TextPane::Replace(const std::string& text) {
+    const std::string shown = DisplayText(text);
+    gtk_text_buffer_begin_user_action(buffer_.Get());
+    gtk_text_buffer_set_text(buffer_.Get(), shown.data(), static_cast<gint>(shown.size()));
+    gtk_text_buffer_end_user_action(buffer_.Get());
+}
+
+std::string TextPane::Text(Extent extent, GtkTextIter& begin) const {
+    GtkTextIter end;
+    if (extent == Extent::kAll ||
+        !gtk_text_buffer_get_selection_bounds(buffer_.Get(), &begin, &end))
+        gtk_text_buffer_get_bounds(buffer_.Get(), &begin, &end);
+    return lines_.Text(begin, end);
+}
+
+void TextPane::CmUndo() {
+    history_.Undo();
+    ShowCursor();
+}
+
+void TextPane::CmRedo() {
+    history_.Redo();
+    ShowCursor();
+}
+
+void TextPane::ShowCursor() {
+    gtk_text_view_scroll_mark_onscreen(view_, gtk_text_buffer_get_insert(buffer_.Get()));
+}
+
+void TextPane::CmFind() {
+    find_.Open();
+}
+
+void TextPane::CmFindNext() {
+    if (find_.IsOpen())
+        find_.FindNext();
+    else
+        CmFind();
+}
+
+void TextPane::TellSize(int points) const {
+    listener_.tell(("Text size: " + std::to_string(points) + " points").c_str());
+}

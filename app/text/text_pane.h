@@ -1,0 +1,76 @@
+// The text box of the main window and what belongs to it: long lines, undoing, finding, the size of
+// the letters, what is dropped on it, and the stretch that is being heard.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/commands/command_set.h"
+#include "app/spoken_highlight.h"
+#include "app/text/drop_target.h"
+#include "app/text/find_bar.h"
+#include "app/text/long_lines.h"
+#include "app/text/original_text.h"
+#include "app/text/text_history.h"
+#include "app/text/text_size.h"
+
+struct LEditWidgets;
+
+// Owns no widget: the window does. GUI thread.
+class TextPane {
+public:
+    // All from the main loop, and never before the widgets are there.
+    struct Listener {
+        std::function<void(const char*)> tell;  // a sentence for the user
+        std::function<void()> reshaped;         // the find bar has come or gone
+        std::function<void(const std::vector<std::string>&)> dropped;  // paths of files
+    };
+    explicit TextPane(Listener listener);
+    TextPane(const TextPane&) = delete;
+    TextPane& operator=(const TextPane&) = delete;
+
+    // Once, in this order; the widgets are floating. Window and widgets end before this object.
+    LEditWidgets NewTextBox();
+    GtkWidget* NewFindBar(const CommandSet& commands);
+    void TakeDrops(GtkWidget* window);
+
+    void AddCommands(CommandSet& commands);  // of editing
+    CommandNeeds Available() const;          // text, undo, redo
+    // Escape in the find bar closes it. True: nobody else is to have the key.
+    bool EvKeyDown(unsigned int key);
+    bool IsFindOpen() const { return find_.IsOpen(); }
+
+    bool IsEmpty() const;
+    // As it was given, whatever is broken for showing.
+    std::string Text() const { return lines_.Text(); }
+    void Replace(const std::string& text);  // one step to be undone
+    // What is selected, or all where nothing is or all is wanted; begin: where it begins.
+    enum class Extent { kAll, kSelected };
+    std::string Text(Extent extent, GtkTextIter& begin) const;
+    SpokenHighlight& Highlight() { return highlight_; }
+
+private:
+    void CmUndo();
+    void CmRedo();
+    void CmFind();
+    void CmFindNext();
+    void CmLarger() { TellSize(size_.Larger()); }
+    void CmSmaller() { TellSize(size_.Smaller()); }
+    void CmNormalSize() { TellSize(size_.Normal()); }
+    void ShowCursor();
+    void TellSize(int points) const;
+
+    Listener listener_;
+    GtkTextView* view_ = nullptr;
+    GObjectRef<GtkTextBuffer> buffer_;  // outlives the window, which may close within a command
+    LongLines lines_;
+    TextHistory history_;
+    TextSize size_;
+    SpokenHighlight highlight_;
+    OriginalText original_;
+    FindBar find_;
+    DropTarget drop_;
+};
