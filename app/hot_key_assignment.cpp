@@ -12,14 +12,14 @@ namespace {
 constexpr int kCommandList = 101;
 constexpr int kKeyText = 103;
 constexpr int kChangeKey = 105;
-constexpr int kWidth = 420;
+constexpr int kAssignmentWidth = 420;
 
 constexpr const char* kNoKeyYet = "Click \"Change Key\" to assign key";
 
 }  // namespace
 
 void DlgGenHotKeyAssignmentDlg(LDialogGenContext& context) {
-    context.SetWidth(kWidth);
+    context.SetWidth(kAssignmentWidth);
     context.AddPullDownList(kCommandList, "Command");
     context.AddInput(kKeyText, "HotKey Assigned:");
     context.AddButton(kChangeKey, "Change Key");

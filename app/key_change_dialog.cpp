@@ -8,13 +8,13 @@
 
 namespace {
 
-constexpr int kPrompt = 101;
+constexpr int kKeyPrompt = 101;
 constexpr int kWayOut = 102;
-constexpr int kWidth = 540;
+constexpr int kKeyDialogWidth = 540;
 
 void DlgGenKeyChange(LDialogGenContext& context) {
-    context.SetWidth(kWidth);
-    context.AddStatic(kPrompt, "Press a key or a key combination");
+    context.SetWidth(kKeyDialogWidth);
+    context.AddStatic(kKeyPrompt, "Press a key or a key combination");
     context.AddStatic(kWayOut, "Escape goes back without a change.");
     context.AddOkCancelHelp("Go Back", false, true, false);
 }

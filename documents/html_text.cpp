@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::size_t kBlock = 16384;
+constexpr std::size_t kPageBlock = 16384;
 constexpr std::size_t kLargestPage = 64U << 20;
 constexpr std::size_t kCharsetWithin = 2048;
 
@@ -121,8 +121,8 @@ std::string ReadHtml(std::string_view bytes, const ReadingWatch& watch, TextFlow
     const std::string page = DecodePage(bytes);
     PageListener listener(flow);
     MarkupReader reader(MarkupReader::Kind::kHtml, listener);
-    for (std::size_t at = 0; at < page.size(); at += kBlock) {
-        if (!reader.Feed(std::string_view(page).substr(at, kBlock)))
+    for (std::size_t at = 0; at < page.size(); at += kPageBlock) {
+        if (!reader.Feed(std::string_view(page).substr(at, kPageBlock)))
             return kDamagedDocument;
         if (watch.IsToEnd())
             return watch.Problem();

@@ -117,7 +117,7 @@ private:
     bool isRaised_ = false;
 };
 
-constexpr std::size_t kBlock = 65536;
+constexpr std::size_t kPartBlock = 65536;
 
 }  // namespace
 
@@ -125,12 +125,12 @@ Document ReadFlatOdt(std::string_view bytes, const ReadingWatch& watch) {
     TextFlow flow;
     OdtListener listener(flow);
     MarkupReader reader(MarkupReader::Kind::kXml, listener);
-    for (std::size_t at = 0; at < bytes.size(); at += kBlock) {
+    for (std::size_t at = 0; at < bytes.size(); at += kPartBlock) {
         if (watch.IsToEnd())
             return {{}, watch.Problem()};
         if (flow.IsTooLong())
             return {{}, kTooLongDocument};
-        if (!reader.Feed(bytes.substr(at, kBlock)))
+        if (!reader.Feed(bytes.substr(at, kPartBlock)))
             return {{}, kDamagedDocument};
     }
     if (!reader.Finish())

@@ -19,7 +19,7 @@ namespace {
 constexpr rlim_t kMaxMemory = 1U << 30;
 constexpr rlim_t kMaxSeconds = 60;  // of the processor
 constexpr int kStopTestMilliseconds = 50;
-constexpr std::size_t kBlock = 65536;
+constexpr std::size_t kPipeBlock = 65536;
 
 // Bytes in memory as a file of no folder, at its beginning.
 UniqueFd FileInMemory(std::string_view bytes) {
@@ -40,7 +40,7 @@ void Bound(pid_t child) {
 enum class Outcome { kRead, kEnded, kTooLong };
 
 Outcome ReadOutput(int pipe, const ReadingWatch& watch, std::string& text) {
-    std::string block(kBlock, '\0');
+    std::string block(kPipeBlock, '\0');
     for (;;) {
         if (watch.IsToEnd())
             return Outcome::kEnded;

@@ -10,14 +10,14 @@ constexpr std::uint32_t kLinear8 = 2;
 constexpr std::uint32_t kLinear16 = 3;
 
 template <typename Stored>
-LSoundSource SourceOf(HeaderReader& file, std::uint32_t rate, std::uint32_t channels,
-                      std::uint32_t dataBytes) {
+LSoundSource AuSourceOf(HeaderReader& file, std::uint32_t rate, std::uint32_t channels,
+                        std::uint32_t dataBytes) {
     return LSoundSource(new LRawFileDataSoundSource<Stored>(
         file.Finish(), static_cast<int>(rate), static_cast<unsigned char>(channels), dataBytes));
 }
 
 template <typename Stored>
-LSoundSink SinkOf(const char* path, int rate, unsigned char channels, LHeaderWriter writeHeader) {
+LSoundSink AuSinkOf(const char* path, int rate, unsigned char channels, LHeaderWriter writeHeader) {
     return LSoundSink(new LRawFileDataSoundSink<Stored>(path, rate, channels, 0, writeHeader));
 }
 
@@ -40,13 +40,13 @@ LSoundSource LAuFile::OpenSource(const char* path) {
         return FailedSource(SoundStatus::kInvalidFormat);
     switch (encoding) {
         case kAuEncodingMuLaw:
-            return SourceOf<LSFULAW>(file, rate, channels, dataBytes);
+            return AuSourceOf<LSFULAW>(file, rate, channels, dataBytes);
         case kLinear8:
-            return SourceOf<LSFS8>(file, rate, channels, dataBytes);
+            return AuSourceOf<LSFS8>(file, rate, channels, dataBytes);
         case kLinear16:
-            return SourceOf<LSFBE16>(file, rate, channels, dataBytes);
+            return AuSourceOf<LSFBE16>(file, rate, channels, dataBytes);
         case kAuEncodingALaw:
-            return SourceOf<LSFALAW>(file, rate, channels, dataBytes);
+            return AuSourceOf<LSFALAW>(file, rate, channels, dataBytes);
         default:
             return FailedSource(SoundStatus::kUnsupported);
     }
@@ -57,15 +57,15 @@ LSoundSink OpenAuSink(const char* path, LAuSettings& settings) {
     const unsigned char channels = settings.channels;
     switch (settings.codec) {
         case kAuPcm16:
-            return SinkOf<LSFBE16>(path, rate, channels, WriteHeaderAU_16PCM);
+            return AuSinkOf<LSFBE16>(path, rate, channels, WriteHeaderAU_16PCM);
         case kAuPcm8:
-            return SinkOf<LSFS8>(path, rate, channels, WriteHeaderAU_8PCM);
+            return AuSinkOf<LSFS8>(path, rate, channels, WriteHeaderAU_8PCM);
         case kAuALaw:
-            return SinkOf<LSFALAW>(path, rate, channels, WriteHeaderAU_ALAW);
+            return AuSinkOf<LSFALAW>(path, rate, channels, WriteHeaderAU_ALAW);
         case kAuMuLaw:
-            return SinkOf<LSFULAW>(path, rate, channels, WriteHeaderAU_ULAW);
+            return AuSinkOf<LSFULAW>(path, rate, channels, WriteHeaderAU_ULAW);
         default:
-            return SinkOf<LSFBE16>(path, 44100, 2, WriteHeaderAU_16PCM);
+            return AuSinkOf<LSFBE16>(path, 44100, 2, WriteHeaderAU_16PCM);
     }
 }
 

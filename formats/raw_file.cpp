@@ -7,7 +7,7 @@
 namespace {
 
 template <typename Stored>
-LSoundSource SourceOf(const char* path, const LRawSettings& settings) {
+LSoundSource RawSourceOf(const char* path, const LRawSettings& settings) {
     UniqueFd file = OpenFileForReading(path);
     if (!file.IsOpen())
         return FailedSource(SoundStatus::kCannotOpen);
@@ -16,7 +16,7 @@ LSoundSource SourceOf(const char* path, const LRawSettings& settings) {
 }
 
 template <typename Stored>
-LSoundSink SinkOf(const char* path, const LRawSettings& settings) {
+LSoundSink RawSinkOf(const char* path, const LRawSettings& settings) {
     return LSoundSink(new LRawFileDataSoundSink<Stored>(path, settings.sampleRate,
                                                         settings.channels, 0, WriteHeaderRAW));
 }
@@ -28,21 +28,21 @@ LSoundSource LRawFile::OpenSource(const char* path, const LRawSettings& settings
         case kRawDialogicAdpcm:
             return OpenSourceADPCM(path, settings.sampleRate, settings.channels);
         case kRawMuLaw:
-            return SourceOf<LSFULAW>(path, settings);
+            return RawSourceOf<LSFULAW>(path, settings);
         case kRawALaw:
-            return SourceOf<LSFALAW>(path, settings);
+            return RawSourceOf<LSFALAW>(path, settings);
         case kRawPcm16:
-            return SourceOf<LSF16>(path, settings);
+            return RawSourceOf<LSF16>(path, settings);
         case kRawUnsigned8:
-            return SourceOf<LSFU8>(path, settings);
+            return RawSourceOf<LSFU8>(path, settings);
         case kRawSigned8:
-            return SourceOf<LSFS8>(path, settings);
+            return RawSourceOf<LSFS8>(path, settings);
         case kRawPcm16BigEndian:
-            return SourceOf<LSFBE16>(path, settings);
+            return RawSourceOf<LSFBE16>(path, settings);
         case kRawFloat:
-            return SourceOf<LSFF32>(path, settings);
+            return RawSourceOf<LSFF32>(path, settings);
         case kRawFloatBigEndian:
-            return SourceOf<LSFFRE32>(path, settings);
+            return RawSourceOf<LSFFRE32>(path, settings);
         default:
             return LSoundSource();
     }
@@ -53,21 +53,21 @@ LSoundSink LRawFile::OpenSink(const char* path, const LRawSettings& settings) {
         case kRawDialogicAdpcm:
             return OpenSinkADPCM(path, settings.sampleRate, settings.channels);
         case kRawMuLaw:
-            return SinkOf<LSFULAW>(path, settings);
+            return RawSinkOf<LSFULAW>(path, settings);
         case kRawALaw:
-            return SinkOf<LSFALAW>(path, settings);
+            return RawSinkOf<LSFALAW>(path, settings);
         case kRawPcm16:
-            return SinkOf<LSF16>(path, settings);
+            return RawSinkOf<LSF16>(path, settings);
         case kRawUnsigned8:
-            return SinkOf<LSFU8>(path, settings);
+            return RawSinkOf<LSFU8>(path, settings);
         case kRawSigned8:
-            return SinkOf<LSFS8>(path, settings);
+            return RawSinkOf<LSFS8>(path, settings);
         case kRawPcm16BigEndian:
-            return SinkOf<LSFBE16>(path, settings);
+            return RawSinkOf<LSFBE16>(path, settings);
         case kRawFloat:
-            return SinkOf<LSFF32>(path, settings);
+            return RawSinkOf<LSFF32>(path, settings);
         case kRawFloatBigEndian:
-            return SinkOf<LSFFRE32>(path, settings);
+            return RawSinkOf<LSFFRE32>(path, settings);
         default:
             return LSoundSink();
     }

@@ -55,6 +55,38 @@ template <typename Stored>
 void ConvertSamplesIn(const Stored* in, int* out, int samples);
 template <typename Stored>
 void ConvertSamplesOut(const int* in, Stored* out, int samples);
+template <>
+void ConvertSamplesIn(const LSF16* in, int* out, int samples);
+template <>
+void ConvertSamplesIn(const LSFBE16* in, int* out, int samples);
+template <>
+void ConvertSamplesIn(const LSFS8* in, int* out, int samples);
+template <>
+void ConvertSamplesIn(const LSFU8* in, int* out, int samples);
+template <>
+void ConvertSamplesIn(const LSFF32* in, int* out, int samples);
+template <>
+void ConvertSamplesIn(const LSFFRE32* in, int* out, int samples);
+template <>
+void ConvertSamplesIn(const LSFULAW* in, int* out, int samples);
+template <>
+void ConvertSamplesIn(const LSFALAW* in, int* out, int samples);
+template <>
+void ConvertSamplesOut(const int* in, LSF16* out, int samples);
+template <>
+void ConvertSamplesOut(const int* in, LSFBE16* out, int samples);
+template <>
+void ConvertSamplesOut(const int* in, LSFS8* out, int samples);
+template <>
+void ConvertSamplesOut(const int* in, LSFU8* out, int samples);
+template <>
+void ConvertSamplesOut(const int* in, LSFF32* out, int samples);
+template <>
+void ConvertSamplesOut(const int* in, LSFFRE32* out, int samples);
+template <>
+void ConvertSamplesOut(const int* in, LSFULAW* out, int samples);
+template <>
+void ConvertSamplesOut(const int* in, LSFALAW* out, int samples);
 
 // Largest absolute pipeline sample that a file of the encoding delivers.
 template <typename Stored>

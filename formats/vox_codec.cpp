@@ -14,13 +14,13 @@ constexpr int kMaxMagnitude = 7;
 constexpr int kReciprocalShift = 36;
 
 // One row a step index, so that a sample costs one look-up each way and no multiplication.
-struct Row {
+struct VoxRow {
     std::array<int, kCodes> change;         // what a code adds to the predictor
     std::array<std::uint8_t, kCodes> next;  // and the step index after it
 };
 
-constexpr std::array<Row, kSteps> MakeRows() {
-    std::array<Row, kSteps> rows{};
+constexpr std::array<VoxRow, kSteps> MakeRows() {
+    std::array<VoxRow, kSteps> rows{};
     for (int index = 0; index < kSteps; ++index) {
         for (int code = 0; code < kCodes; ++code) {
             const auto i = static_cast<std::size_t>(index);
@@ -32,7 +32,7 @@ constexpr std::array<Row, kSteps> MakeRows() {
     }
     return rows;
 }
-constexpr std::array<Row, kSteps> kRows = MakeRows();
+constexpr std::array<VoxRow, kSteps> kRows = MakeRows();
 
 // Dividing by the step is multiplying by its reciprocal: exact for the distances below 2^20 that
 // are asked for.
@@ -66,7 +66,7 @@ inline void Leak(State& state) {
 }
 
 inline int DecodeStep(State& state, unsigned code) {
-    const Row& row = kRows[static_cast<std::size_t>(state.index)];
+    const VoxRow& row = kRows[static_cast<std::size_t>(state.index)];
     Leak(state);
     state.predicted += row.change[code];
     state.index = row.next[code];

@@ -19,9 +19,9 @@ LDatFileNativeSystem gDatFileNativeSystem;
 namespace {
 
 constexpr std::size_t kLongestLine = 551;  // what follows is dropped
-constexpr int kLockMilliseconds = 1000;
+constexpr int kDatLockMilliseconds = 1000;
 
-std::string_view Cut(std::string_view text) {
+std::string_view CutToBuffer(std::string_view text) {
     return text.substr(0, kTextBufferSize - 1);
 }
 
@@ -31,7 +31,7 @@ constexpr const char* kKeyEnds = "=\r\n";
 constexpr const char* kValueEnds = "\r\n";
 
 std::string_view CutAt(const char* ends, std::string_view text) {
-    return Cut(text.substr(0, text.find_first_of(ends)));
+    return CutToBuffer(text.substr(0, text.find_first_of(ends)));
 }
 
 std::string KeyIndex(std::string_view key) {
@@ -91,7 +91,7 @@ void LDatFileNativeFile::Load() {
     dirty_ = false;
     const UniqueFd file = OpenFileForReading(path_.c_str());
     if (file.IsOpen())
-        flocktimed(file.Get(), LOCK_SH | LOCK_NB, kLockMilliseconds);
+        flocktimed(file.Get(), LOCK_SH | LOCK_NB, kDatLockMilliseconds);
     std::string content;
     unreadable_ = file.IsOpen() ? !ReadWholeFile(file.Get(), kLargestDataFile, content)
                                 : access(path_.c_str(), F_OK) == 0;
@@ -128,7 +128,7 @@ bool LDatFileNativeFile::Save() {
     const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT);
     if (!file.IsOpen())
         return false;
-    flocktimed(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
+    flocktimed(file.Get(), LOCK_EX | LOCK_NB, kDatLockMilliseconds);
     std::string content;
     dirty_ = !ReadWholeFile(file.Get(), kLargestDataFile, content) ||
              !RewriteFile(file.Get(), content, Text());
@@ -171,7 +171,7 @@ LDatFileNativeSystem::~LDatFileNativeSystem() {
 
 LDatFileNativeFile* LDatFileNativeSystem::Find(std::string_view file) {
     for (LDatFileNativeFile& known : files_) {
-        if (EqualsNoCase(known.Path(), Cut(file)))
+        if (EqualsNoCase(known.Path(), CutToBuffer(file)))
             return &known;
     }
     return nullptr;
@@ -180,7 +180,7 @@ LDatFileNativeFile* LDatFileNativeSystem::Find(std::string_view file) {
 LDatFileNativeFile& LDatFileNativeSystem::Open(const char* file, std::uint32_t now) {
     if (LDatFileNativeFile* known = Find(file))
         return *known;
-    LDatFileNativeFile& added = files_.emplace_front(Cut(file), now);
+    LDatFileNativeFile& added = files_.emplace_front(CutToBuffer(file), now);
     added.Load();
     return added;
 }

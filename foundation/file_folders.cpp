@@ -32,7 +32,7 @@ bool IsFolder(const std::string& path, bool followLink) {
     return result == 0 && S_ISDIR(status.st_mode);
 }
 
-bool IsSameFile(const std::string& a, const std::string& b) {
+bool IsSamePlace(const std::string& a, const std::string& b) {
     std::error_code error;
     return std::filesystem::equivalent(a, b, error) && !error;
 }
@@ -57,7 +57,7 @@ void CopyTree(const std::string& from, const std::string& to, const std::string&
         const std::string target = to + "/" + name;
         struct stat status {};
         if (IsFolder(source, false)) {
-            if (depth < kDeepestCopy && !IsSameFile(source, topTarget))
+            if (depth < kDeepestCopy && !IsSamePlace(source, topTarget))
                 CopyTree(source, target, topTarget, depth + 1);
         } else if (stat(source.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
             LFile::CopyFile(source.c_str(), target.c_str());

@@ -44,7 +44,7 @@ bool WriteAt(int fd, std::string_view bytes, std::size_t offset) {
     return WriteFullyAt(fd, bytes, static_cast<std::int64_t>(offset)) == 0;
 }
 
-bool CutAt(int fd, std::size_t size) {
+bool TruncateTo(int fd, std::size_t size) {
     int result;
     do {
         result = ftruncate(fd, static_cast<off_t>(size));
@@ -72,7 +72,7 @@ bool ReserveRoom(int fd, std::size_t oldSize, std::size_t newSize) {
     } while (result != 0 && errno == EINTR);
     if (result == 0 || (errno != ENOSPC && errno != EDQUOT && errno != EFBIG))
         return true;
-    CutAt(fd, oldSize);  // gives back the part that could be had
+    TruncateTo(fd, oldSize);  // gives back the part that could be had
     return false;
 }
 
@@ -114,10 +114,10 @@ bool OverwriteFrom(int fd, std::string_view oldText, std::string_view newText, s
         bytes += Blanks(oldText.size() - newText.size());
     if (!WriteAt(fd, bytes, from)) {
         WriteAt(fd, oldText.substr(from), from);
-        CutAt(fd, oldText.size());
+        TruncateTo(fd, oldText.size());
         return false;
     }
-    return newText.size() >= oldText.size() || CutAt(fd, newText.size());
+    return newText.size() >= oldText.size() || TruncateTo(fd, newText.size());
 }
 
 bool WriteBehind(int fd, std::string_view oldText, std::string_view behind) {
@@ -125,7 +125,7 @@ bool WriteBehind(int fd, std::string_view oldText, std::string_view behind) {
         return false;
     if (WriteAt(fd, behind, oldText.size()))
         return true;
-    CutAt(fd, oldText.size());
+    TruncateTo(fd, oldText.size());
     return false;
 }
 
@@ -195,7 +195,7 @@ bool RewriteAcrossPages(int fd, std::string_view oldText, std::string_view newTe
     if (oldText.size() + behind.size() > kLargestReadableFile || !WriteBehind(fd, oldText, behind))
         return false;
     return BlankPagesBackwards(fd, oldText, from, copiesAt) &&
-           WritePagesBackwards(fd, newText, from) && CutAt(fd, newText.size());
+           WritePagesBackwards(fd, newText, from) && TruncateTo(fd, newText.size());
 }
 
 }  // namespace
@@ -212,7 +212,7 @@ bool RewriteFile(int fd, std::string_view oldText, std::string_view newText) {
     if (oldText.size() + behind.size() > kLargestDataFile || !WriteBehind(fd, oldText, behind))
         return false;
     return WriteAt(fd, std::string(newText) + Blanks(end - newText.size()), 0) &&
-           CutAt(fd, newText.size());
+           TruncateTo(fd, newText.size());
 }
 
 std::string_view WholeTextOf(std::string_view content) {

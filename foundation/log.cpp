@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kLockMilliseconds = 500;
+constexpr int kLogLockMilliseconds = 500;
 constexpr std::size_t kLineBytes = 8192;
 
 std::time_t WallClock() {
@@ -25,7 +25,7 @@ void AppendToFile(const char* path, std::string_view text) {
     const UniqueFd file = OpenRegularFile(path, O_WRONLY | O_CREAT | O_APPEND);
     if (!file.IsOpen())
         return;
-    LockInTurn(file.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);
+    LockInTurn(file.Get(), LOCK_EX | LOCK_NB, kLogLockMilliseconds);
     WriteFully(file.Get(), text);
 }
 

@@ -22,7 +22,7 @@ std::uint32_t Hash(std::string_view key) {
 }
 
 // What the 260-byte buffers of the format hold: 259 bytes, ending at a NUL.
-std::string_view Cut(std::string_view text) {
+std::string_view CutToStored(std::string_view text) {
     text = text.substr(0, kSettingsTextLimit);
     return text.substr(0, text.find('\0'));
 }
@@ -60,12 +60,12 @@ void LSettingsEntries::Parse(std::string_view fileText) {
         if (at == fileText.size())
             break;
         const std::size_t keyEnd = std::min(fileText.find_first_of("=\r\n", at), fileText.size());
-        const std::string_view key = Cut(fileText.substr(at, keyEnd - at));
+        const std::string_view key = CutToStored(fileText.substr(at, keyEnd - at));
         // All "=" are skipped, so a value loses those it begins with: every program that reads
         // these files splits a line there.
         at = std::min(fileText.find_first_not_of('=', keyEnd), fileText.size());
         const std::size_t valueEnd = std::min(fileText.find_first_of("\r\n", at), fileText.size());
-        const std::string_view value = Cut(fileText.substr(at, valueEnd - at));
+        const std::string_view value = CutToStored(fileText.substr(at, valueEnd - at));
         at = SkipLineEnd(fileText, valueEnd);
         if (key.empty()) {
             if (value == marker && !copies) {

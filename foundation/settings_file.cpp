@@ -15,13 +15,13 @@ constexpr int kReadLockMilliseconds = 2000;
 constexpr int kTestLockMilliseconds = 1000;
 constexpr int kWriteLockMilliseconds = 3000;
 
-std::string_view Cut(const char* text) {
+std::string_view CutToLimit(const char* text) {
     return std::string_view(text ? text : "").substr(0, kSettingsTextLimit);
 }
 
 // A line break would end the value for every reader of the file.
 std::string_view CutValue(const char* text) {
-    const std::string_view value = Cut(text);
+    const std::string_view value = CutToLimit(text);
     return value.substr(0, value.find_first_of("\r\n"));
 }
 
@@ -42,7 +42,7 @@ LSettingsFile& LSettingsFile::operator=(const LSettingsFile& other) {
 }
 
 void LSettingsFile::ChangeFilePath(const char* path) {
-    path_ = Cut(path);
+    path_ = CutToLimit(path);
     Forget();
 }
 
@@ -67,7 +67,7 @@ void LSettingsFile::GetString(const char* key, const char* defaultValue, char* o
     }
     const std::size_t entry = entries_.Find(ToLower(CutKey(key)));
     CopyText(out, kTextBufferSize,
-             entry == LSettingsEntries::kNone ? Cut(defaultValue) : entries_.Value(entry));
+             entry == LSettingsEntries::kNone ? CutToLimit(defaultValue) : entries_.Value(entry));
 }
 
 bool LSettingsFile::TestFieldExists(const char* key) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kShownMs = 6000;
+constexpr int kBubbleShownMs = 6000;
 
 // The notification library, loaded at first use; whole or not at all. It stays loaded: its types
 // cannot be unloaded.
@@ -137,7 +137,7 @@ bool LBubbleTip::ShowNotification(const char* title, const char* text) {
         notification_.Reset();
         return false;
     }
-    notify.setTimeout(notification_.Get(), kShownMs);
+    notify.setTimeout(notification_.Get(), kBubbleShownMs);
     closedHandler_ = g_signal_connect(notification_.Get(), "closed",
                                       G_CALLBACK(LBubbleTipCallbacks::GCClosed), this);
     if (notify.show(notification_.Get(), nullptr))
@@ -162,7 +162,7 @@ void LBubbleTip::ShowPopUp(GtkWidget* control, const char* title, const char* te
     g_signal_connect(popUp_, "destroy", G_CALLBACK(LBubbleTipCallbacks::GCDestroyed), this);
     PlacePopUp(popUp_, control);
     gtk_widget_show_all(popUp_);
-    timer_.Start(kShownMs, [this] { Hide(); });
+    timer_.Start(kBubbleShownMs, [this] { Hide(); });
 }
 
 void LBubbleTip::Hide() {

@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr const char* kDataKey = "cool-button";
+constexpr const char* kCoolButtonKey = "cool-button";
 constexpr const char* kLettersKey = "cool-button-letters";
-constexpr int kImageSize = 32;  // pixels
+constexpr int kButtonImageSize = 32;  // pixels
 
 struct CoolButton {
     LCoolButtonKind kind;
@@ -26,8 +26,8 @@ struct CoolButton {
     GtkWidget* arrow = nullptr;  // the part that drops down; owned by the face
 };
 
-CoolButton* Of(gpointer button) {
-    return static_cast<CoolButton*>(g_object_get_data(G_OBJECT(button), kDataKey));
+CoolButton* CoolButtonOf(gpointer button) {
+    return static_cast<CoolButton*>(g_object_get_data(G_OBJECT(button), kCoolButtonKey));
 }
 
 // Last act of its caller: the command may destroy the button.
@@ -43,13 +43,13 @@ void Hold(CoolButton& state, bool held) {
     Send(state, held ? state.commands.command : state.commands.second);
 }
 
-void GCClicked(GtkToggleButton* button, gpointer);
+void GCCoolButtonClicked(GtkToggleButton* button, gpointer);
 
 // Changing the look emits "clicked" again, which must not be taken for the user's click.
 void SetLook(GtkToggleButton* button, bool down) {
     if ((gtk_toggle_button_get_active(button) != FALSE) == down)
         return;
-    const auto clicked = reinterpret_cast<gpointer>(GCClicked);
+    const auto clicked = reinterpret_cast<gpointer>(GCCoolButtonClicked);
     g_signal_handlers_block_by_func(button, clicked, nullptr);
     gtk_toggle_button_set_active(button, down);
     g_signal_handlers_unblock_by_func(button, clicked, nullptr);
@@ -69,15 +69,15 @@ bool IsSecondOfDoubleClick(GtkToggleButton* button, CoolButton& state) {
     return now != 0 && before != 0 && now - before < static_cast<guint32>(limit);
 }
 
-void GCClicked(GtkToggleButton* button, gpointer) {
-    CoolButton* state = Of(button);
+void GCCoolButtonClicked(GtkToggleButton* button, gpointer) {
+    CoolButton* state = CoolButtonOf(button);
     SetLook(button, state->down);  // GTK has turned it over already
     if (state->kind != LCoolButtonKind::kUpDown && !IsSecondOfDoubleClick(button, *state))
         Send(*state, state->commands.command);
 }
 
 gboolean GCArrowPress(GtkWidget* button, GdkEventButton* event, gpointer) {
-    const CoolButton* state = Of(button);
+    const CoolButton* state = CoolButtonOf(button);
     if (state->arrow == nullptr || event->button != 1)
         return FALSE;
     int x = 0;
@@ -90,20 +90,20 @@ gboolean GCArrowPress(GtkWidget* button, GdkEventButton* event, gpointer) {
 }
 
 void GCPressed(GtkWidget* button, gpointer) {
-    Hold(*Of(button), true);
+    Hold(*CoolButtonOf(button), true);
 }
 
 void GCReleased(GtkWidget* button, gpointer) {
-    Hold(*Of(button), false);
+    Hold(*CoolButtonOf(button), false);
 }
 
 gboolean GCFocusOut(GtkWidget* button, GdkEvent*, gpointer) {
-    Hold(*Of(button), false);
+    Hold(*CoolButtonOf(button), false);
     return FALSE;
 }
 
 gboolean GCKey(GtkWidget* button, GdkEventKey* event, gpointer) {
-    CoolButton* state = Of(button);
+    CoolButton* state = CoolButtonOf(button);
     const guint key = event->keyval;
     const bool press = event->type == GDK_KEY_PRESS;
     if (state->kind == LCoolButtonKind::kDropDown && press &&
@@ -172,8 +172,8 @@ void SetFace(GtkToggleButton* button, CoolButton& state, int imageNumber, const 
     const std::string shown = DisplayText(text);
     GtkWidget* face = gtk_hbox_new(FALSE, 4);
     if (imageNumber >= 0)
-        gtk_box_pack_start(GTK_BOX(face), NewIconImageAt(imageNumber, kImageSize), shown.empty(),
-                           FALSE, shown.empty() ? 0 : 2);
+        gtk_box_pack_start(GTK_BOX(face), NewIconImageAt(imageNumber, kButtonImageSize),
+                           shown.empty(), FALSE, shown.empty() ? 0 : 2);
     if (!shown.empty()) {
         gtk_box_pack_start(GTK_BOX(face), NewFaceLabel(shown), TRUE, TRUE, 0);
         SetAccessibleName(GTK_WIDGET(button), shown.c_str());
@@ -193,7 +193,7 @@ void Connect(GtkToggleButton* button, LCoolButtonKind kind) {
         GCallback callback;
         bool wanted;
     } connections[] = {
-        {"clicked", G_CALLBACK(GCClicked), true},
+        {"clicked", G_CALLBACK(GCCoolButtonClicked), true},
         {"button-press-event", G_CALLBACK(GCArrowPress), kind == LCoolButtonKind::kDropDown},
         {"key-press-event", G_CALLBACK(GCKey), kind != LCoolButtonKind::kPush},
         {"key-release-event", G_CALLBACK(GCKey), kind == LCoolButtonKind::kUpDown},
@@ -221,13 +221,13 @@ void InitCoolButton(GtkToggleButton* button, LCoolButtonKind kind, int imageNumb
     auto state = std::make_unique<CoolButton>(CoolButton{kind, commands, std::move(send), down});
     SetFace(button, *state, imageNumber, text);
     atk_object_set_role(gtk_widget_get_accessible(GTK_WIDGET(button)), ATK_ROLE_PUSH_BUTTON);
-    g_object_set_data_full(G_OBJECT(button), kDataKey, state.release(),
+    g_object_set_data_full(G_OBJECT(button), kCoolButtonKey, state.release(),
                            [](gpointer cool) { delete static_cast<CoolButton*>(cool); });
     Connect(button, kind);
 }
 
 void SetCoolButtonState(GtkToggleButton* button, bool down) {
-    CoolButton* state = Of(button);
+    CoolButton* state = CoolButtonOf(button);
     if (state == nullptr)
         return;
     state->down = down;

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const char* kDataKey = "_picker";
+constexpr const char* kPickerKey = "_picker";
 
 std::tm Epoch() {
     std::tm parts{};
@@ -50,7 +50,7 @@ LDateTimeWidgets NewDateTimePicker() {
 
 void LDateTimePicker::Attach(GtkWidget* button, GtkWidget* entry, bool universal, bool calendar,
                              const char* format) {
-    g_object_set_data_full(G_OBJECT(button), kDataKey,
+    g_object_set_data_full(G_OBJECT(button), kPickerKey,
                            new LDateTimePicker(button, entry, universal, format),
                            [](gpointer picker) { delete static_cast<LDateTimePicker*>(picker); });
     gtk_widget_set_no_show_all(button, !calendar);
@@ -58,7 +58,7 @@ void LDateTimePicker::Attach(GtkWidget* button, GtkWidget* entry, bool universal
 }
 
 LDateTimePicker* LDateTimePicker::Of(GtkWidget* button) {
-    return static_cast<LDateTimePicker*>(g_object_get_data(G_OBJECT(button), kDataKey));
+    return static_cast<LDateTimePicker*>(g_object_get_data(G_OBJECT(button), kPickerKey));
 }
 
 LDateTimePicker::LDateTimePicker(GtkWidget* button, GtkWidget* entry, bool universal,

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int kImageSize = 16;             // pixels
+constexpr int kRowImageSize = 16;          // pixels
 constexpr const char* kImages = "images";  // std::vector<int> of icon numbers
 
 void GCDialogListViewCurChanged(GtkWidget* list, gpointer host) {
@@ -252,7 +252,7 @@ void LListViewControls::LVSetImage(int id, int row, int image) {
     if (images == nullptr || !ListRowOf(view, row, iter))
         return;
     const bool known = image >= 0 && static_cast<std::size_t>(image) < images->size();
-    const auto icon = known ? LoadIconAt((*images)[static_cast<std::size_t>(image)], kImageSize)
+    const auto icon = known ? LoadIconAt((*images)[static_cast<std::size_t>(image)], kRowImageSize)
                             : GObjectRef<GdkPixbuf>();
     gtk_list_store_set(ListStoreOf(view), &iter, kListStoreImage, icon.Get(), -1);
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* kDataKey = "prompt";
+constexpr const char* kPromptKey = "prompt";
 
 bool IsEmpty(GtkWidget* field) {
     if (GTK_IS_ENTRY(field))
@@ -21,7 +21,7 @@ GdkWindow* TextWindow(GtkWidget* field) {
 }
 
 gboolean GCPromptExpose(GtkWidget* field, GdkEventExpose* event, gpointer) {
-    const auto* text = static_cast<const char*>(g_object_get_data(G_OBJECT(field), kDataKey));
+    const auto* text = static_cast<const char*>(g_object_get_data(G_OBJECT(field), kPromptKey));
     if (event->window != TextWindow(field) || text == nullptr || !IsEmpty(field))
         return FALSE;
     const auto layout = GObjectRef<PangoLayout>::Adopt(gtk_widget_create_pango_layout(field, text));
@@ -54,7 +54,7 @@ gboolean GCPromptExpose(GtkWidget* field, GdkEventExpose* event, gpointer) {
 
 void SetPromptText(GtkWidget* field, const char* text) {
     const std::string shown = DisplayText(text);
-    g_object_set_data_full(G_OBJECT(field), kDataKey,
+    g_object_set_data_full(G_OBJECT(field), kPromptKey,
                            shown.empty() ? nullptr : g_strdup(shown.c_str()), g_free);
     atk_object_set_description(gtk_widget_get_accessible(field), shown.c_str());
     g_signal_handlers_disconnect_by_func(field, reinterpret_cast<gpointer>(GCPromptExpose),

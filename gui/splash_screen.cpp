@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int kShownMs = 5000;
+constexpr int kSplashShownMs = 5000;
 constexpr int kSplashWidth = 344;
 constexpr GdkColor kWhite{0, 0xFFFF, 0xFFFF, 0xFFFF};
 constexpr GdkColor kInk{0, 0x2020, 0x2424, 0x2828};  // a dark theme's own letters are white
@@ -80,7 +80,7 @@ void LSplashScreen::Display(GtkWidget* parent) {
                      this);
     g_signal_connect(dialog_, "destroy", G_CALLBACK(LSplashCallbacks::GCDestroyed), this);
     gtk_widget_show_all(dialog_);
-    timer_.Start(kShownMs, [this] { Close(); });
+    timer_.Start(kSplashShownMs, [this] { Close(); });
 }
 
 void LSplashScreen::Close() {

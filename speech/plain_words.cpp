@@ -22,10 +22,6 @@ bool IsAsciiLetterOrDigit(char32_t character) {
     return character < 0x80 && g_ascii_isalnum(static_cast<gchar>(character));
 }
 
-bool IsDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
 bool IsBlank(char character) {
     return kBlanks.find(character) != std::string_view::npos;
 }
@@ -236,7 +232,7 @@ std::string_view PlainWords::LastWord() const {
 }
 bool PlainWords::LastWordIsNumber() const {
     const std::string_view word = LastWord();
-    return !word.empty() && IsDigit(word.back());
+    return !word.empty() && g_ascii_isdigit(word.back());
 }
 
 // What is left out parts words, but leaves no gap before punctuation.

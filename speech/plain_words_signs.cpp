@@ -17,10 +17,6 @@ constexpr std::string_view kNoBreakSpace = "\xc2\xa0";
 constexpr char32_t kDegreeSign = 0x00B0;
 constexpr char32_t kRaisedMinus = 0x207B;
 
-bool IsDigit(char character) {
-    return g_ascii_isdigit(character);
-}
-
 bool IsGreek(char32_t character) {
     return character >= 0x0370 && character < 0x0400;
 }
@@ -43,9 +39,10 @@ constexpr Scale kScales[] = {
 
 std::size_t NumberLength(std::string_view text) {
     std::size_t end = 0;
-    while (end < std::min(text.size(), kMaxAmount) &&
-           (IsDigit(text[end]) || (end > 0 && (text[end] == '.' || text[end] == ',') &&
-                                   end + 1 < text.size() && IsDigit(text[end + 1]))))
+    while (
+        end < std::min(text.size(), kMaxAmount) &&
+        (g_ascii_isdigit(text[end]) || (end > 0 && (text[end] == '.' || text[end] == ',') &&
+                                        end + 1 < text.size() && g_ascii_isdigit(text[end + 1]))))
         ++end;
     return end;
 }
@@ -93,7 +90,7 @@ void PlainWords::AddMinus() {
     ahead.remove_prefix(std::min(ahead.find_first_not_of(' '), ahead.size()));
     const std::string_view last = LastWord();
     const bool behindTerm = last.size() == 1 || LastWordIsNumber() || last.ends_with(')');
-    if (behindTerm || (!ahead.empty() && IsDigit(ahead[0])))
+    if (behindTerm || (!ahead.empty() && g_ascii_isdigit(ahead[0])))
         AddWords("minus");
     else
         Put('-');
@@ -152,7 +149,7 @@ void PlainWords::AddExponent(char32_t first) {
     const auto letters = static_cast<std::size_t>(
         std::find_if_not(word.rbegin(), word.rend(), [](char c) { return g_ascii_isalpha(c); }) -
         word.rbegin());
-    const bool isNumber = IsDigit(word.back());
+    const bool isNumber = g_ascii_isdigit(word.back());
     const bool isTerm = isNumber || word.back() == ')' || (letters > 0 && letters <= kLongestUnit);
     if (!isTerm)
         return;
@@ -171,5 +168,6 @@ bool PlainWords::StandsBehindNumber() const {
         return false;
     const bool isPrefix =
         last.size() == 1 && std::string_view("kKMGm").find(last[0]) != std::string_view::npos;
-    return IsDigit(last.back()) || (!EndsInBlank() && (isPrefix || IsDigit(last.front())));
+    return g_ascii_isdigit(last.back()) ||
+           (!EndsInBlank() && (isPrefix || g_ascii_isdigit(last.front())));
 }

@@ -51,6 +51,11 @@ bool IsFirstLookAt(const std::string& folder) {
 
 }  // namespace
 
+std::string FolderOf(std::string_view path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string_view::npos ? "./" : std::string(path.substr(0, slash + 1));
+}
+
 std::string MakeRunTextFile() {
     return MakePrivateFile(std::string(kRunTextFolder) + "0XXXXXX", 0);
 }

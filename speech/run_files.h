@@ -5,8 +5,12 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 constexpr const char* kRunTextFolder = "/tmp/";
+
+// With its slash; "./" for a name alone.
+std::string FolderOf(std::string_view path);
 
 // A new private file "/tmp/0XXXXXX"; empty when it cannot be made.
 std::string MakeRunTextFile();

@@ -10,6 +10,7 @@
 #include "foundation/log.h"
 #include "sound/convert.h"
 #include "speech/reading_source.h"
+#include "speech/run_files.h"
 
 namespace {
 
@@ -19,10 +20,6 @@ constexpr int kStretchesAhead = 2;
 constexpr int kBitsPerSample = 16;
 // What the 32-bit sizes of a WAV file can tell, with room for its header.
 constexpr long long kMostDataBytes = 0xFFFFFFFFLL - 1024;
-
-std::string FolderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/') + 1);
-}
 
 // A producer thread as what long work waits through.
 class ThreadProgress final : public LSilentProgress {

@@ -28,11 +28,6 @@ constexpr const char* kTemporaryFolder = "/tmp/";
 constexpr std::size_t kMaxCommand = 260;
 constexpr unsigned long kFullDiskBytes = 65536;  // fewer free bytes count as a full disk
 
-std::string FolderOf(std::string_view path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string_view::npos ? "./" : std::string(path.substr(0, slash + 1));
-}
-
 bool IsDiskFull(const std::string& folder) {
     struct statvfs disk {};
     return ::statvfs(folder.c_str(), &disk) == 0 &&

@@ -12,33 +12,31 @@
 
 namespace {
 
-constexpr const char* kProgram = "lectora-convert";
-
-enum LongOption : int {
+enum ConvertOption : int {
     kInfo = 256,
     kSeconds,
     kRawRate,
     kRawChannels,
     kRawEncoding,
-    kHelp,
-    kVersion
+    kConvertHelp,
+    kConvertVersion
 };
 
-const option kLongOptions[] = {{"rate", required_argument, nullptr, 'r'},
-                               {"channels", required_argument, nullptr, 'c'},
-                               {"encoding", required_argument, nullptr, 'e'},
-                               {"type", required_argument, nullptr, 't'},
-                               {"force", no_argument, nullptr, 'f'},
-                               {"info", no_argument, nullptr, kInfo},
-                               {"seconds", required_argument, nullptr, kSeconds},
-                               {"raw-rate", required_argument, nullptr, kRawRate},
-                               {"raw-channels", required_argument, nullptr, kRawChannels},
-                               {"raw-encoding", required_argument, nullptr, kRawEncoding},
-                               {"help", no_argument, nullptr, kHelp},
-                               {"version", no_argument, nullptr, kVersion},
-                               {nullptr, 0, nullptr, 0}};
+const option kConvertOptions[] = {{"rate", required_argument, nullptr, 'r'},
+                                  {"channels", required_argument, nullptr, 'c'},
+                                  {"encoding", required_argument, nullptr, 'e'},
+                                  {"type", required_argument, nullptr, 't'},
+                                  {"force", no_argument, nullptr, 'f'},
+                                  {"info", no_argument, nullptr, kInfo},
+                                  {"seconds", required_argument, nullptr, kSeconds},
+                                  {"raw-rate", required_argument, nullptr, kRawRate},
+                                  {"raw-channels", required_argument, nullptr, kRawChannels},
+                                  {"raw-encoding", required_argument, nullptr, kRawEncoding},
+                                  {"help", no_argument, nullptr, kConvertHelp},
+                                  {"version", no_argument, nullptr, kConvertVersion},
+                                  {nullptr, 0, nullptr, 0}};
 
-int ShowHelp() {
+int ShowConvertHelp() {
     std::printf(
         "Usage: %s [OPTION...] INPUT OUTPUT\n"
         "       %s --info FILE...\n"
@@ -56,8 +54,8 @@ int ShowHelp() {
         "      --info              tell what the files hold\n"
         "      --help              show this text\n"
         "      --version           show the version\n",
-        kProgram, kProgram, kLowestWrittenRate, kHighestRate, AllSampleEncodingNames().c_str(),
-        AllSoundTypeNames().c_str());
+        kConvertProgram, kConvertProgram, kLowestWrittenRate, kHighestRate,
+        AllSampleEncodingNames().c_str(), AllSoundTypeNames().c_str());
     return kExitDone;
 }
 
@@ -158,28 +156,29 @@ bool TakeOption(int option, ConvertOptions& options) {
 std::optional<int> CheckFiles(ConvertOptions& options) {
     for (const std::string& file : options.files) {
         if (file == "-")
-            return UsageError(kProgram,
+            return UsageError(kConvertProgram,
                               "standard input and output (-) are not supported: name a file");
         if (file.empty())
-            return UsageError(kProgram, "a file name is empty");
+            return UsageError(kConvertProgram, "a file name is empty");
     }
     if (options.isInfo) {
         if (options.files.empty())
-            return UsageError(kProgram, "--info needs at least one file");
+            return UsageError(kConvertProgram, "--info needs at least one file");
         return std::nullopt;
     }
     if (options.files.size() != 2)
-        return UsageError(kProgram, "an input and an output file are needed");
+        return UsageError(kConvertProgram, "an input and an output file are needed");
     if (!options.hasOutputType) {
         const std::optional<SoundType> type = SoundTypeOfPath(options.files[1]);
         if (!type)
-            return UsageError(kProgram, options.files[1] + ": no extension that names a type (" +
-                                            AllSoundTypeNames() + "); -t names it");
+            return UsageError(kConvertProgram, options.files[1] +
+                                                   ": no extension that names a type (" +
+                                                   AllSoundTypeNames() + "); -t names it");
         options.output.type = *type;
     }
     const std::string problem = ProblemWith(options.output);
     if (!problem.empty())
-        return UsageError(kProgram, options.files[1] + ": " + problem);
+        return UsageError(kConvertProgram, options.files[1] + ": " + problem);
     return std::nullopt;
 }
 
@@ -189,19 +188,20 @@ std::optional<int> ParseConvertOptions(int argc, char* const* argv, ConvertOptio
     optind = 1;
     for (;;) {
         const int at = optind;
-        const int option = ::getopt_long(argc, argv, "r:c:e:t:f", kLongOptions, nullptr);
+        const int option = ::getopt_long(argc, argv, "r:c:e:t:f", kConvertOptions, nullptr);
         if (option == -1)
             break;
         if (option == '?') {
-            std::fprintf(stderr, "Try '%s --help'.\n", kProgram);  // getopt_long has told the rest
+            std::fprintf(stderr, "Try '%s --help'.\n",
+                         kConvertProgram);  // getopt_long has told the rest
             return kExitUsage;
         }
-        if (option == kHelp)
-            return ShowHelp();
-        if (option == kVersion)
-            return ShowVersion(kProgram);
+        if (option == kConvertHelp)
+            return ShowConvertHelp();
+        if (option == kConvertVersion)
+            return ShowVersion(kConvertProgram);
         if (!TakeOption(option, options))
-            return UsageError(kProgram,
+            return UsageError(kConvertProgram,
                               std::string("invalid argument of ") + argv[at] + ": " + optarg);
     }
     options.files.assign(argv + optind, argv + argc);

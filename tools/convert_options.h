@@ -8,6 +8,8 @@
 #include "tools/sound_input.h"
 #include "tools/sound_output.h"
 
+constexpr const char* kConvertProgram = "lectora-convert";
+
 // Part of a sound, in milliseconds.
 struct TimeSpan {
     long long start = 0;

@@ -9,10 +9,8 @@
 
 namespace {
 
-constexpr const char* kProgram = "lectora-convert";
-
-int Fail(const std::string& path, const std::string& error) {
-    Complain(kProgram, path + ": " + error);
+int FailConverting(const std::string& path, const std::string& error) {
+    Complain(kConvertProgram, path + ": " + error);
     return kExitFailed;
 }
 
@@ -39,7 +37,7 @@ int ShowInfo(const ConvertOptions& options) {
     for (const std::string& path : options.files) {
         const std::string error = PrintSoundInfo(path, options.raw);
         if (!error.empty())
-            status = Fail(path, error);
+            status = FailConverting(path, error);
     }
     return status;
 }
@@ -53,30 +51,30 @@ int RunConvert(const ConvertOptions& options) {
     const std::string& outputPath = options.files[1];
     SoundInput input = OpenSoundInput(inputPath, options.raw);
     if (!input.error.empty())
-        return Fail(inputPath, input.error);
+        return FailConverting(inputPath, input.error);
     if (const std::string problem = RateProblem(input); !problem.empty())
-        return Fail(inputPath, problem);
+        return FailConverting(inputPath, problem);
     if (input.missingFrames > 0)
-        Complain(kProgram, inputPath + ": is cut short: the last " +
-                               std::to_string(input.missingFrames) + " of " +
-                               std::to_string(input.source->GetEndSample()) +
-                               " frames are not there");
+        Complain(kConvertProgram, inputPath + ": is cut short: the last " +
+                                      std::to_string(input.missingFrames) + " of " +
+                                      std::to_string(input.source->GetEndSample()) +
+                                      " frames are not there");
     if (input.isUnannounced)
-        Complain(kProgram, inputPath +
-                               ": says that it is empty, but sound follows: it is read to "
-                               "the end of the file");
+        Complain(kConvertProgram, inputPath +
+                                      ": says that it is empty, but sound follows: it is read to "
+                                      "the end of the file");
     if (!CutToSize(options, input))
-        return Fail(inputPath, "holds no sound in that part");
+        return FailConverting(inputPath, "holds no sound in that part");
     SoundOutput output(outputPath, options.overwrite, options.output);
     if (!output.Error().empty())
-        return Fail(outputPath, output.Error());
+        return FailConverting(outputPath, output.Error());
     LTerminalProgress progress;
     const LProcessResult result = output.Append(progress, inputPath.c_str(), input.source);
     LTerminalProgress::ClearLine();
     const std::string problem = ReadingProblem(input);
     if (!problem.empty())
-        return Fail(inputPath, problem);
+        return FailConverting(inputPath, problem);
     if (result != kProcessDone || !output.Commit())
-        return Fail(outputPath, output.Error());
+        return FailConverting(outputPath, output.Error());
     return kExitDone;
 }

@@ -13,21 +13,19 @@
 
 namespace {
 
-constexpr const char* kProgram = "lectora-say";
+enum SayOption : int { kListVoices = 256, kSplit, kText, kSayHelp, kSayVersion };
 
-enum LongOption : int { kListVoices = 256, kSplit, kText, kHelp, kVersion };
-
-const option kLongOptions[] = {{"voice", required_argument, nullptr, 'v'},
-                               {"list-voices", no_argument, nullptr, kListVoices},
-                               {"output", required_argument, nullptr, 'o'},
-                               {"type", required_argument, nullptr, 't'},
-                               {"force", no_argument, nullptr, 'f'},
-                               {"progress", no_argument, nullptr, 'p'},
-                               {"split", optional_argument, nullptr, kSplit},
-                               {"text", optional_argument, nullptr, kText},
-                               {"help", no_argument, nullptr, kHelp},
-                               {"version", no_argument, nullptr, kVersion},
-                               {nullptr, 0, nullptr, 0}};
+const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
+                              {"list-voices", no_argument, nullptr, kListVoices},
+                              {"output", required_argument, nullptr, 'o'},
+                              {"type", required_argument, nullptr, 't'},
+                              {"force", no_argument, nullptr, 'f'},
+                              {"progress", no_argument, nullptr, 'p'},
+                              {"split", optional_argument, nullptr, kSplit},
+                              {"text", optional_argument, nullptr, kText},
+                              {"help", no_argument, nullptr, kSayHelp},
+                              {"version", no_argument, nullptr, kSayVersion},
+                              {nullptr, 0, nullptr, 0}};
 
 // What the command line says, before it is put together.
 struct Words {
@@ -36,7 +34,7 @@ struct Words {
     std::vector<std::string> files;
 };
 
-int ShowHelp() {
+int ShowSayHelp() {
     std::printf(
         "Usage: %s [OPTION...] -o OUTPUT [FILE]\n"
         "       %s [OPTION...] -o - [FILE]\n"
@@ -60,7 +58,8 @@ int ShowHelp() {
         "by the voice\n"
         "      --help           show this text\n"
         "      --version        show the version\n",
-        kProgram, kProgram, kProgram, kProgram, kProgram, AllSoundTypeNames().c_str());
+        kSayProgram, kSayProgram, kSayProgram, kSayProgram, kSayProgram,
+        AllSoundTypeNames().c_str());
     return kExitDone;
 }
 
@@ -77,14 +76,14 @@ std::string SoundNameFor(const std::string& textPath, SoundType type) {
 
 std::optional<int> PlanFolder(const Words& words, SayOptions& options) {
     if (words.files.empty())
-        return UsageError(kProgram, "a folder as output needs files as input");
+        return UsageError(kSayProgram, "a folder as output needs files as input");
     const std::string folder = words.output.back() == '/' ? words.output : words.output + "/";
     std::set<std::string> taken;
     for (const std::string& file : words.files) {
         const SoundType type = words.type.value_or(SoundType::kWav);
         const SayJob job{file, folder + SoundNameFor(file, type), type};
         if (!taken.insert(job.sound).second)
-            return UsageError(kProgram, job.sound + ": two of the files would be written there");
+            return UsageError(kSayProgram, job.sound + ": two of the files would be written there");
         options.jobs.push_back(job);
     }
     return std::nullopt;
@@ -92,11 +91,11 @@ std::optional<int> PlanFolder(const Words& words, SayOptions& options) {
 
 std::optional<int> PlanStream(const Words& words, SayOptions& options) {
     if (words.files.size() > 1)
-        return UsageError(kProgram, "standard output takes one text");
+        return UsageError(kSayProgram, "standard output takes one text");
     if (words.type.value_or(SoundType::kWav) != SoundType::kWav || options.splitMinutes)
-        return UsageError(kProgram, "standard output is one stream of WAV");
+        return UsageError(kSayProgram, "standard output is one stream of WAV");
     if (::isatty(STDOUT_FILENO) == 1)
-        return UsageError(kProgram, "sound is not written to a terminal");
+        return UsageError(kSayProgram, "sound is not written to a terminal");
     options.jobs.push_back(
         {words.files.empty() ? "" : words.files[0], kStandardOutput, SoundType::kWav});
     return std::nullopt;
@@ -123,40 +122,40 @@ bool ParseTextForm(const char* form, SayOptions& options) {
 }
 
 // Refuses what names no file.
-std::optional<int> CheckFiles(const Words& words) {
+std::optional<int> CheckSayFiles(const Words& words) {
     for (const std::string& file : words.files)
         if (file.empty() || file == "-")
             return UsageError(
-                kProgram,
+                kSayProgram,
                 "'" + file + "' is no file; without files the text comes from standard input");
     return std::nullopt;
 }
 
 std::optional<int> PlanPrinting(const Words& words, SayOptions& options) {
     if (!words.output.empty())
-        return UsageError(kProgram, "--text prints to standard output, without -o");
+        return UsageError(kSayProgram, "--text prints to standard output, without -o");
     if (words.files.empty())
         options.jobs.emplace_back();
     for (const std::string& file : words.files)
         options.jobs.push_back({file, kStandardOutput, SoundType::kWav});
-    return CheckFiles(words);
+    return CheckSayFiles(words);
 }
 
 std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
     if (words.output.empty())
-        return UsageError(kProgram, "-o names the sound file to write");
-    if (const std::optional<int> status = CheckFiles(words))
+        return UsageError(kSayProgram, "-o names the sound file to write");
+    if (const std::optional<int> status = CheckSayFiles(words))
         return status;
     if (words.output == kStandardOutput)
         return PlanStream(words, options);
     if (IsFolder(words.output))
         return PlanFolder(words, options);
     if (words.files.size() > 1)
-        return UsageError(kProgram, words.output + ": many files need a folder as output");
+        return UsageError(kSayProgram, words.output + ": many files need a folder as output");
     const std::optional<SoundType> type = words.type ? words.type : SoundTypeOfPath(words.output);
     if (!type)
-        return UsageError(kProgram, words.output + ": no extension that names a type (" +
-                                        AllSoundTypeNames() + "); -t names it");
+        return UsageError(kSayProgram, words.output + ": no extension that names a type (" +
+                                           AllSoundTypeNames() + "); -t names it");
     options.jobs.push_back({words.files.empty() ? "" : words.files[0], words.output, *type});
     return std::nullopt;
 }
@@ -167,7 +166,7 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     Words words;
     optind = 1;
     for (;;) {
-        const int option = ::getopt_long(argc, argv, "v:o:t:fp", kLongOptions, nullptr);
+        const int option = ::getopt_long(argc, argv, "v:o:t:fp", kSayOptions, nullptr);
         if (option == -1)
             break;
         switch (option) {
@@ -180,7 +179,7 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
             case 't':
                 words.type = SoundTypeFromName(optarg);
                 if (!words.type)
-                    return UsageError(kProgram, std::string("no such type: ") + optarg);
+                    return UsageError(kSayProgram, std::string("no such type: ") + optarg);
                 break;
             case 'f':
                 options.overwrite = true;
@@ -190,22 +189,23 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 break;
             case kSplit:
                 if (!ParseSplit(optarg, options))
-                    return UsageError(kProgram, std::string("no such length of parts: ") + optarg);
+                    return UsageError(kSayProgram,
+                                      std::string("no such length of parts: ") + optarg);
                 break;
             case kText:
                 if (!ParseTextForm(optarg == nullptr ? "whole" : optarg, options))
-                    return UsageError(kProgram, std::string("no such form of text: ") + optarg);
+                    return UsageError(kSayProgram, std::string("no such form of text: ") + optarg);
                 break;
             case kListVoices:
                 options.listsVoices = true;
                 break;
-            case kHelp:
-                return ShowHelp();
-            case kVersion:
-                return ShowVersion(kProgram);
+            case kSayHelp:
+                return ShowSayHelp();
+            case kSayVersion:
+                return ShowVersion(kSayProgram);
             default:
                 std::fprintf(stderr, "Try '%s --help'.\n",
-                             kProgram);  // getopt_long has told the rest
+                             kSayProgram);  // getopt_long has told the rest
                 return kExitUsage;
         }
     }

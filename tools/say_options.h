@@ -7,6 +7,7 @@
 
 #include "formats/sound_types.h"
 
+constexpr const char* kSayProgram = "lectora-say";
 constexpr const char* kStandardOutput = "-";
 
 struct SayJob {

@@ -18,8 +18,6 @@
 
 namespace {
 
-constexpr const char* kProgram = "lectora-say";
-
 // In one line: any white space becomes a blank.
 void AppendLine(std::string_view text, std::string& printed) {
     constexpr std::string_view kBlanks = " \t\r\n\f";
@@ -83,7 +81,7 @@ int PrintTexts(const SayOptions& options, int voice) {
             problem = error == 0 ? "" : "standard output: " + ErrorText(error);
         }
         if (!problem.empty()) {
-            Complain(kProgram, NameOfText(job.text) + ": " + problem);
+            Complain(kSayProgram, NameOfText(job.text) + ": " + problem);
             status = kExitFailed;
         }
         if (IsInterrupted())

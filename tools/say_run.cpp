@@ -19,10 +19,8 @@
 
 namespace {
 
-constexpr const char* kProgram = "lectora-say";
-
-int Fail(const std::string& path, const std::string& error) {
-    Complain(kProgram, path + ": " + error);
+int FailSaying(const std::string& path, const std::string& error) {
+    Complain(kSayProgram, path + ": " + error);
     return kExitFailed;
 }
 
@@ -71,7 +69,7 @@ int AskForVoices() {
     VoiceListQuery query;
     const LProcessResult asked = Process(progress, query);
     if (asked == kProcessFailed)
-        Complain(kProgram, "no speech engine answers: is festival installed, with a voice?");
+        Complain(kSayProgram, "no speech engine answers: is festival installed, with a voice?");
     return asked == kProcessDone ? TTSGetNumSpeakers() : 0;
 }
 
@@ -87,7 +85,7 @@ int ListVoices(int count) {
 int SayOne(const SayOptions& options, const SayJob& job, int voice, const WorkFolder& folder) {
     const Document document = ReadSayDocument(job.text);
     if (!document.problem.empty())
-        return Fail(NameOfText(job.text), document.problem);
+        return FailSaying(NameOfText(job.text), document.problem);
     return SayText(options, job, document.text, voice, folder.Path());
 }
 
@@ -103,14 +101,14 @@ int RunSay(const SayOptions& options) {
         return ListVoices(count);
     const int voice = FindVoice(options, count);
     if (voice < 0) {
-        Complain(kProgram, *options.voice + ": no such voice; --list-voices lists them");
+        Complain(kSayProgram, *options.voice + ": no such voice; --list-voices lists them");
         return kExitFailed;
     }
     if (options.printsText)
         return PrintTexts(options, voice);
     const WorkFolder folder;
     if (!folder.IsMade())
-        return Fail("temporary folder", ErrorText(errno));
+        return FailSaying("temporary folder", ErrorText(errno));
     int status = kExitDone;
     for (const SayJob& job : options.jobs) {
         status = std::max(status, SayOne(options, job, voice, folder));

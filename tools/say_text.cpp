@@ -6,6 +6,7 @@
 
 #include "sound/source_to_sink.h"
 #include "speech/piece_runs.h"
+#include "speech/run_files.h"
 #include "speech/speech_estimate.h"
 #include "tools/interruption.h"
 #include "tools/say_stream.h"
@@ -14,8 +15,6 @@
 #include "tools/tool_texts.h"
 
 namespace {
-
-constexpr const char* kProgram = "lectora-say";
 
 // Where the pieces go. An error text names the output.
 class Output : public SpokenPieceTaker {
@@ -111,11 +110,6 @@ std::optional<double> PartLength(const SayOptions& options) {
     return EstimateSpeech(LargestTextForOneFile()).seconds;
 }
 
-std::string FolderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
-}
-
 // What does not fit is said before hours are spent on it; other types than WAV take less room.
 std::string SizeProblem(const SayOptions& options, const SayJob& job, const std::string& text) {
     if (job.sound == kStandardOutput || options.splitMinutes)
@@ -145,7 +139,7 @@ std::string Speak(const SayOptions& options, const SayJob& job, const std::strin
     if (std::string error = output.Finish(); !error.empty())
         return error;
     if (const std::string told = LeftOutMessage(text, runs.LeftOut()); !told.empty())
-        Complain(kProgram, subject + ": " + told);
+        Complain(kSayProgram, subject + ": " + told);
     return {};
 }
 
@@ -165,6 +159,6 @@ int SayText(const SayOptions& options, const SayJob& job, const std::string& tex
     }
     if (error.empty())
         return kExitDone;
-    Complain(kProgram, error);
+    Complain(kSayProgram, error);
     return kExitFailed;
 }

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr const char* kTitle = "Install Lectora";
+constexpr const char* kInstallTitle = "Install Lectora";
 constexpr int kPlaces = 102;  // its scrolled window is the next number
 constexpr int kStep = 104;
 constexpr int kBar = 105;
@@ -122,7 +122,7 @@ private:
 
     void InitDialog() override {
         Connect(Widget(), "response", G_CALLBACK(GCStop));
-        SetAccessibleName(GetControlByID(kBar), kTitle);
+        SetAccessibleName(GetControlByID(kBar), kInstallTitle);
     }
     // An answer that comes while the work runs is handled by the wizard when that has ended.
     static void GCStop(GtkDialog*, gint, gpointer host) {
@@ -205,7 +205,8 @@ bool RunInstallWizard() {
     if (OwnTree().empty() || IsOwnTreeInPlace()) {
         const bool isInstalled = !OwnTree().empty();
         MessageBoxRun(nullptr, isInstalled ? GTK_MESSAGE_INFO : GTK_MESSAGE_ERROR, GTK_BUTTONS_OK,
-                      kTitle, isInstalled ? "Lectora is installed already." : "Cannot install",
+                      kInstallTitle,
+                      isInstalled ? "Lectora is installed already." : "Cannot install",
                       isInstalled ? nullptr : kNoTreeText);
         return false;
     }
@@ -219,7 +220,7 @@ bool RunInstallWizard() {
     wizard.AddPage(places, {"What will be placed where", false, DlgGenInstallPlaces});
     wizard.AddPage(progress, {"Installing", false, DlgGenInstallProgress});
     wizard.AddPage(end, {"Installation", false, DlgGenInstallEnd});
-    const bool finished = wizard.Open(nullptr, kTitle);
+    const bool finished = wizard.Open(nullptr, kInstallTitle);
     RemoveEmptyFolders();  // of a wizard that was given up
     return finished && end.StartsNow();
 }

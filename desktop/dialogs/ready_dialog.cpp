@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char* kTitle = "Check This Computer";
+constexpr const char* kReadyTitle = "Check This Computer";
 constexpr int kState = 101;  // a list's scrolled window is the next number
 constexpr int kAdvice = 103;
 constexpr int kInstall = 104;
@@ -53,7 +53,7 @@ LProcessResult RunUnderDialog(GtkWidget* parent, LWatchedCommand& command) {
 }  // namespace
 
 void LReadyDialog::Run(GtkWidget* parent) {
-    Open(parent, {kTitle, false, DlgGenReady}, true);
+    Open(parent, {kReadyTitle, false, DlgGenReady}, true);
 }
 
 void LReadyDialog::InitDialog() {
@@ -176,7 +176,7 @@ void LReadyDialog::Command(int command) {
         case kInstallVoices:
             if (ChosenVoices().empty())
                 SetControlInvalid(kVoices, "Please tick a voice that is not installed yet.",
-                                  kTitle);
+                                  kReadyTitle);
             else
                 Install(ChosenVoices());
             break;
@@ -190,16 +190,16 @@ void LReadyDialog::Install(const std::vector<std::string>& packages) {
     const std::string command = InstallCommandToRun(packages);
     LWatchedCommand run;
     if (command.empty() || !run.Start(command)) {
-        MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, kTitle,
+        MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, kReadyTitle,
                       "No program is here that could install it for you", byHand.c_str());
         return;
     }
     const LProcessResult result = RunUnderDialog(Widget(), run);
     if (result == kProcessFailed)
-        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, "It was not installed",
-                      (WhyFailed(run) + "\n\n" + byHand).c_str());
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kReadyTitle,
+                      "It was not installed", (WhyFailed(run) + "\n\n" + byHand).c_str());
     else if (result == kProcessStopped)
-        MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, kTitle,
+        MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, kReadyTitle,
                       "The installation goes on without this window",
                       "It cannot be halted half-way. Press \"Check Again\" in a while.");
     Look();

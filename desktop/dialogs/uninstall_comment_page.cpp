@@ -14,7 +14,7 @@ constexpr int kSend = 111;
 constexpr int kReasons = 112;
 constexpr int kComment = 113;
 constexpr int kPrompt = 114;
-constexpr int kAdvice = 115;
+constexpr int kReasonAdvice = 115;
 constexpr int kLink = 116;
 constexpr int kReasonChosen = 1001;
 
@@ -30,7 +30,7 @@ void UninstallPage2(LDialogGenContext& context) {
     context.AddPullDownList(kReasons);
     context.AddStaticLeft(kPrompt, "");
     context.AddSpanRight(gtk_label_new(nullptr), -1);
-    AddPageText(context, kAdvice, "");
+    AddPageText(context, kReasonAdvice, "");
     context.AddEdit(kComment, "", 70);
     context.AddHyperLink(kLink, "", "");
 }
@@ -79,13 +79,13 @@ void LUninstallCommentPage::ShowReason(int item) {
     const bool mayComment = !hasAdvice;
     const std::string link = WebAddress(hasAdvice ? reason->link : "");
     SetHyperLink(GetControlByID(kLink), link.c_str(), link.c_str());
-    SetStaticText(kAdvice, hasAdvice ? reason->advice : "");
+    SetStaticText(kReasonAdvice, hasAdvice ? reason->advice : "");
     const char* prompt = reason && reason->prompt ? reason->prompt : "";
     SetStaticText(kPrompt, prompt);
     SetAccessibleName(GetControlByID(kComment), *prompt ? prompt : "Comment");
     ShowControl(kComment, mayComment);
     ShowControl(kPrompt, mayComment);
-    ShowControl(kAdvice, hasAdvice);
+    ShowControl(kReasonAdvice, hasAdvice);
     ShowControl(kLink, hasAdvice || !reason);  // without a reason it is the home page
 }
 

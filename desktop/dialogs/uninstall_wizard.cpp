@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* kTitle = "Uninstall Software";
+constexpr const char* kUninstallTitle = "Uninstall Software";
 constexpr int kMachineSettings = 101;
 constexpr int kUsersData = 102;
 
@@ -39,10 +39,10 @@ bool RunUninstallWizard(LWizard& wizard, RemovalChoice& choice) {
     LUninstallCommentPage comment(false);
     wizard.AddPage(page, {"Remove Lectora", false, UninstallPage1});
     wizard.AddPage(comment, LUninstallCommentPage::GenData());
-    return wizard.Open(nullptr, kTitle);
+    return wizard.Open(nullptr, kUninstallTitle);
 }
 
 void LUninstallWindowTalk::TellTrouble(const std::string& trouble) {
-    MessageBoxRun(window_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, "Lectora was not removed",
-                  trouble.c_str());
+    MessageBoxRun(window_, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kUninstallTitle,
+                  "Lectora was not removed", trouble.c_str());
 }

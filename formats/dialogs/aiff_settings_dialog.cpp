@@ -9,16 +9,16 @@
 namespace {
 
 // Control ids; each label is one above.
-constexpr int kRate = 101;
-constexpr int kChannels = 103;
-constexpr int kDefaults = 110;
+constexpr int kAiffRate = 101;
+constexpr int kAiffChannels = 103;
+constexpr int kAiffDefaults = 110;
 
 }  // namespace
 
 void DlgGenAIFFEncode(LDialogGenContext& context) {
-    context.AddPullDownList(kRate, "Sample Rate");
-    context.AddPullDownList(kChannels, "Channels");
-    context.AddSpecialOkCancelHelp(kDefaults, "Restore Defaults", nullptr, false, false, false);
+    context.AddPullDownList(kAiffRate, "Sample Rate");
+    context.AddPullDownList(kAiffChannels, "Channels");
+    context.AddSpecialOkCancelHelp(kAiffDefaults, "Restore Defaults", nullptr, false, false, false);
 }
 
 bool LAIFFSettingsDlg::Open(GtkWidget*) {
@@ -26,21 +26,21 @@ bool LAIFFSettingsDlg::Open(GtkWidget*) {
 }
 
 void LAIFFSettingsDlg::InitDialog() {
-    PDLFill(kRate, kStandardRates);
-    PDLFill(kChannels, kMonoStereo);
-    PDLSetText(kRate, std::to_string(kAiffRateSetting.Get()).c_str());
-    PDLSetCurSel(kChannels, kAiffChannelsSetting.Get() - 1);
+    PDLFill(kAiffRate, kStandardRates);
+    PDLFill(kAiffChannels, kMonoStereo);
+    PDLSetText(kAiffRate, std::to_string(kAiffRateSetting.Get()).c_str());
+    PDLSetCurSel(kAiffChannels, kAiffChannelsSetting.Get() - 1);
 }
 
 void LAIFFSettingsDlg::Command(int command) {
-    if (command == kDefaults) {
-        PDLSetCurSel(kRate, kStandardRate44100);
-        PDLSetCurSel(kChannels, kStereo);
+    if (command == kAiffDefaults) {
+        PDLSetCurSel(kAiffRate, kStandardRate44100);
+        PDLSetCurSel(kAiffChannels, kStereo);
     }
 }
 
 bool LAIFFSettingsDlg::CmOk() {
-    kAiffRateSetting.Set(PDLGetInt(kRate));
-    kAiffChannelsSetting.Set(PDLGetCurSel(kChannels) + 1);
+    kAiffRateSetting.Set(PDLGetInt(kAiffRate));
+    kAiffChannelsSetting.Set(PDLGetCurSel(kAiffChannels) + 1);
     return true;
 }

@@ -9,23 +9,23 @@
 namespace {
 
 // Control ids; each label is one above.
-constexpr int kCodec = 101;
-constexpr int kRate = 103;
-constexpr int kChannels = 105;
-constexpr int kDefaults = 110;
+constexpr int kAuCodec = 101;
+constexpr int kAuRate = 103;
+constexpr int kAuChannels = 105;
+constexpr int kAuDefaults = 110;
 
 constexpr int kPcm16 = 0;
-constexpr const char* kCodecs[] = {"PCM 16 bit", "PCM 8 bit", "aLaw", "uLaw", nullptr};
+constexpr const char* kAuCodecs[] = {"PCM 16 bit", "PCM 8 bit", "aLaw", "uLaw", nullptr};
 
 }  // namespace
 
 void DlgGenAuEncode(LDialogGenContext& context) {
     context.SetWidth(390);
     // The codec list bears the other list's label; the texts are fixed.
-    context.AddPullDownList(kCodec, "Channels");
-    context.AddPullDownList(kRate, "Sample Rate");
-    context.AddPullDownList(kChannels, "Channels");
-    context.AddSpecialOkCancelHelp(kDefaults, "Restore Defaults", nullptr, false, false, false);
+    context.AddPullDownList(kAuCodec, "Channels");
+    context.AddPullDownList(kAuRate, "Sample Rate");
+    context.AddPullDownList(kAuChannels, "Channels");
+    context.AddSpecialOkCancelHelp(kAuDefaults, "Restore Defaults", nullptr, false, false, false);
 }
 
 bool LAuSettingsDlg::Run(GtkWidget* parent) {
@@ -33,25 +33,25 @@ bool LAuSettingsDlg::Run(GtkWidget* parent) {
 }
 
 void LAuSettingsDlg::InitDialog() {
-    PDLFill(kCodec, kCodecs);
-    PDLFill(kRate, kStandardRates);
-    PDLFill(kChannels, kMonoStereo);
-    PDLSetCurSel(kCodec, kAuCodecSetting.Get());
-    PDLSetText(kRate, std::to_string(kAuRateSetting.Get()).c_str());
-    PDLSetCurSel(kChannels, kAuChannelsSetting.Get() - 1);
+    PDLFill(kAuCodec, kAuCodecs);
+    PDLFill(kAuRate, kStandardRates);
+    PDLFill(kAuChannels, kMonoStereo);
+    PDLSetCurSel(kAuCodec, kAuCodecSetting.Get());
+    PDLSetText(kAuRate, std::to_string(kAuRateSetting.Get()).c_str());
+    PDLSetCurSel(kAuChannels, kAuChannelsSetting.Get() - 1);
 }
 
 void LAuSettingsDlg::Command(int command) {
-    if (command == kDefaults) {
-        PDLSetCurSel(kCodec, kPcm16);
-        PDLSetCurSel(kRate, kStandardRate44100);
-        PDLSetCurSel(kChannels, kStereo);
+    if (command == kAuDefaults) {
+        PDLSetCurSel(kAuCodec, kPcm16);
+        PDLSetCurSel(kAuRate, kStandardRate44100);
+        PDLSetCurSel(kAuChannels, kStereo);
     }
 }
 
 bool LAuSettingsDlg::CmOk() {
-    kAuRateSetting.Set(PDLGetInt(kRate));
-    kAuChannelsSetting.Set(PDLGetCurSel(kChannels) + 1);
-    kAuCodecSetting.Set(PDLGetCurSel(kCodec));
+    kAuRateSetting.Set(PDLGetInt(kAuRate));
+    kAuChannelsSetting.Set(PDLGetCurSel(kAuChannels) + 1);
+    kAuCodecSetting.Set(PDLGetCurSel(kAuCodec));
     return true;
 }

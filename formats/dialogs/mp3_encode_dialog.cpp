@@ -14,11 +14,11 @@ constexpr int kConstant = 103;
 constexpr int kConstantRate = 104;
 constexpr int kHighQuality = 106;
 constexpr int kVariable = 107;
-constexpr int kLowestRate = 108;
-constexpr int kHighestRate = 110;
+constexpr int kLowestBitRate = 108;
+constexpr int kHighestBitRate = 110;
 constexpr int kQuality = 112;
 constexpr int kErrorProtection = 114;
-constexpr int kDefaults = 115;
+constexpr int kMp3Defaults = 115;
 
 constexpr const char* kChannelModes[] = {"Stereo", "Joint", "Force", "Mono", nullptr};
 constexpr const char* kBitRates[] = {"8",   "16",  "24",  "32",  "40",  "48",
@@ -35,11 +35,11 @@ void DlgGenMP3Encode(LDialogGenContext& context) {
     context.AddPullDownList(kConstantRate, "Bitrate (kbps):");
     context.AddCheckBox(kHighQuality, "High Quality");
     context.AddRadioButton(kVariable, "Variable Bitrate");
-    context.AddPullDownList(kLowestRate, "Minimum Bitrate (kbps):");
-    context.AddPullDownList(kHighestRate, "Maximum Bitrate (kbps):");
+    context.AddPullDownList(kLowestBitRate, "Minimum Bitrate (kbps):");
+    context.AddPullDownList(kHighestBitRate, "Maximum Bitrate (kbps):");
     context.AddPullDownList(kQuality, "Quality:");
     context.AddCheckBox(kErrorProtection, "Error Protection");
-    context.AddSpecialOkCancelHelp(kDefaults, "Defaults", nullptr, false, false, false);
+    context.AddSpecialOkCancelHelp(kMp3Defaults, "Defaults", nullptr, false, false, false);
 }
 
 bool LMP3EncodeDlg::Run(GtkWidget* parent) {
@@ -48,7 +48,7 @@ bool LMP3EncodeDlg::Run(GtkWidget* parent) {
 
 void LMP3EncodeDlg::InitDialog() {
     PDLFill(kChannelMode, kChannelModes);
-    for (const int list : {kConstantRate, kLowestRate, kHighestRate})
+    for (const int list : {kConstantRate, kLowestBitRate, kHighestBitRate})
         PDLFill(list, kBitRates);
     PDLFill(kQuality, kQualities);
     Show(settings_);
@@ -62,8 +62,8 @@ void LMP3EncodeDlg::Show(const LMp3EncodeSettings& settings) {
     SetCheck(settings.constantBitRate ? kConstant : kVariable, true);
     showRate(kConstantRate, settings.cbrBitRate);
     SetCheck(kHighQuality, settings.highQuality);
-    showRate(kLowestRate, settings.vbrMinBitRate);
-    showRate(kHighestRate, settings.vbrMaxBitRate);
+    showRate(kLowestBitRate, settings.vbrMinBitRate);
+    showRate(kHighestBitRate, settings.vbrMaxBitRate);
     PDLSetCurSel(kQuality, std::min<int>(settings.vbrQuality, 9));
     SetCheck(kErrorProtection, settings.errorProtection);
     EnableControls();
@@ -73,20 +73,20 @@ void LMP3EncodeDlg::EnableControls() {
     const bool isConstant = GetCheck(kConstant);
     for (const int offset : {0, 1}) {  // the list and its label
         EnableControl(kConstantRate + offset, isConstant);
-        for (const int list : {kLowestRate, kHighestRate, kQuality})
+        for (const int list : {kLowestBitRate, kHighestBitRate, kQuality})
             EnableControl(list + offset, !isConstant);
     }
     EnableControl(kHighQuality, isConstant);
 }
 
 void LMP3EncodeDlg::Command(int command) {
-    if (command == kDefaults)
+    if (command == kMp3Defaults)
         Show(LMp3EncodeSettings());
 }
 
 bool LMP3EncodeDlg::CheckVariableRates() {
-    const int lowest = PDLGetInt(kLowestRate);
-    const int highest = PDLGetInt(kHighestRate);
+    const int lowest = PDLGetInt(kLowestBitRate);
+    const int highest = PDLGetInt(kHighestBitRate);
     if (highest > 160 && lowest < 32) {
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
                       "Your VBR Minimum and Maximum Bitrates are too far apart, which will cause "
@@ -96,7 +96,7 @@ bool LMP3EncodeDlg::CheckVariableRates() {
         return false;
     }
     if (highest < lowest) {
-        SetControlInvalid(kHighestRate,
+        SetControlInvalid(kHighestBitRate,
                           "Your VBR Maximum Bitrate cannot be smaller than the Minimum Bitrate.",
                           "Lectora");
         return false;
@@ -115,8 +115,8 @@ bool LMP3EncodeDlg::CmOk() {
             rate = static_cast<std::uint16_t>(PDLGetInt(list));
     };
     take(kConstantRate, settings_.cbrBitRate);
-    take(kLowestRate, settings_.vbrMinBitRate);
-    take(kHighestRate, settings_.vbrMaxBitRate);
+    take(kLowestBitRate, settings_.vbrMinBitRate);
+    take(kHighestBitRate, settings_.vbrMaxBitRate);
     settings_.highQuality = GetCheck(kHighQuality);
     settings_.vbrQuality = static_cast<std::uint8_t>(std::max(PDLGetCurSel(kQuality), 0));
     settings_.errorProtection = GetCheck(kErrorProtection);

@@ -10,31 +10,31 @@
 namespace {
 
 // Control ids; each label is one above.
-constexpr int kCodec = 101;
-constexpr int kRate = 103;
-constexpr int kChannels = 105;
-constexpr int kDefaults = 110;
+constexpr int kRawCodec = 101;
+constexpr int kRawRate = 103;
+constexpr int kRawChannels = 105;
+constexpr int kRawDefaults = 110;
 
-constexpr int kLowestRate = 6000;
+constexpr int kLowestRawRate = 6000;
 
-constexpr const char* kCodecs[] = {"Dialogic ADPCM",
-                                   "G711 uLaw",
-                                   "G711 aLaw",
-                                   "16 bit PCM (Intel Endian)",
-                                   "8 bit unsigned",
-                                   "8 bit signed",
-                                   "16 bit PCM (Big Endian)",
-                                   "32 bit float (Intel Endian)",
-                                   "32 bit float (Big Endian)",
-                                   nullptr};
+constexpr const char* kRawCodecs[] = {"Dialogic ADPCM",
+                                      "G711 uLaw",
+                                      "G711 aLaw",
+                                      "16 bit PCM (Intel Endian)",
+                                      "8 bit unsigned",
+                                      "8 bit signed",
+                                      "16 bit PCM (Big Endian)",
+                                      "32 bit float (Intel Endian)",
+                                      "32 bit float (Big Endian)",
+                                      nullptr};
 
 }  // namespace
 
 void DlgGenRawSettings(LDialogGenContext& context) {
-    context.AddPullDownList(kCodec, "Codec:");
-    context.AddComboBox(kRate, "Sample Rate:");  // other rates than the listed ones may be typed
-    context.AddPullDownList(kChannels, "Channels:");
-    context.AddSpecialOkCancelHelp(kDefaults, "Restore Defaults", nullptr, false, false, false);
+    context.AddPullDownList(kRawCodec, "Codec:");
+    context.AddComboBox(kRawRate, "Sample Rate:");  // other rates than the listed ones may be typed
+    context.AddPullDownList(kRawChannels, "Channels:");
+    context.AddSpecialOkCancelHelp(kRawDefaults, "Restore Defaults", nullptr, false, false, false);
 }
 
 bool LRawSettingsDialog::Open(GtkWidget*) {
@@ -42,32 +42,33 @@ bool LRawSettingsDialog::Open(GtkWidget*) {
 }
 
 void LRawSettingsDialog::InitDialog() {
-    PDLFill(kCodec, kCodecs);
-    PDLFill(kRate, kStandardRates);
-    PDLFill(kChannels, kMonoStereo);
-    PDLSetCurSel(kCodec, settings_.codec);
-    PDLSetCurSel(kRate, PDLFindString(kRate, std::to_string(settings_.sampleRate).c_str()));
-    PDLSetCurSel(kChannels, settings_.channels - 1);
+    PDLFill(kRawCodec, kRawCodecs);
+    PDLFill(kRawRate, kStandardRates);
+    PDLFill(kRawChannels, kMonoStereo);
+    PDLSetCurSel(kRawCodec, settings_.codec);
+    PDLSetCurSel(kRawRate, PDLFindString(kRawRate, std::to_string(settings_.sampleRate).c_str()));
+    PDLSetCurSel(kRawChannels, settings_.channels - 1);
 }
 
 void LRawSettingsDialog::Command(int command) {
-    if (command == kDefaults) {
-        PDLSetCurSel(kCodec, kRawPcm16);
-        PDLSetCurSel(kRate, kStandardRate44100);
-        PDLSetCurSel(kChannels, kStereo);
+    if (command == kRawDefaults) {
+        PDLSetCurSel(kRawCodec, kRawPcm16);
+        PDLSetCurSel(kRawRate, kStandardRate44100);
+        PDLSetCurSel(kRawChannels, kStereo);
     }
 }
 
 bool LRawSettingsDialog::CmOk() {
-    const int rate = PDLGetInt(kRate);
-    if (rate < kLowestRate || rate > kHighestRate) {
-        SetControlInvalid(kRate, "Please select a sample rate between 6000 and 196000.", "Lectora");
+    const int rate = PDLGetInt(kRawRate);
+    if (rate < kLowestRawRate || rate > kHighestRate) {
+        SetControlInvalid(kRawRate, "Please select a sample rate between 6000 and 196000.",
+                          "Lectora");
         return false;
     }
     settings_.sampleRate = rate;
     // No selected channel count counts as mono, no codec as the first.
-    settings_.channels = static_cast<std::uint8_t>(std::max(PDLGetCurSel(kChannels) + 1, 1));
-    settings_.codec = std::max(PDLGetCurSel(kCodec), 0);
+    settings_.channels = static_cast<std::uint8_t>(std::max(PDLGetCurSel(kRawChannels) + 1, 1));
+    settings_.codec = std::max(PDLGetCurSel(kRawCodec), 0);
     RawRateSetting(section_).Set(settings_.sampleRate);
     RawChannelsSetting(section_).Set(settings_.channels);
     RawCodecSetting(section_).Set(settings_.codec);

@@ -13,9 +13,9 @@ namespace {
 // Control ids; each label is one above.
 constexpr int kSettings = 101;
 constexpr int kFormat = 103;
-constexpr int kRate = 105;
-constexpr int kChannels = 107;
-constexpr int kDefaults = 110;
+constexpr int kWaveRate = 105;
+constexpr int kWaveChannels = 107;
+constexpr int kWaveDefaults = 110;
 
 enum Preset { kAuto, kHigh, kMedium, kLow, kCustom };
 constexpr int kListAuto = 0;  // first item of the other lists
@@ -49,9 +49,9 @@ void DlgGenLWaveEncodeDlg(LDialogGenContext& context) {
     context.SetWidth(420);
     context.AddPullDownList(kSettings, "Settings:");
     context.AddPullDownList(kFormat, "Format:");
-    context.AddPullDownList(kRate, "Sample Rate:");
-    context.AddPullDownList(kChannels, "Channels:");
-    context.AddSpecialOkCancelHelp(kDefaults, "Defaults", nullptr, false, false, false);
+    context.AddPullDownList(kWaveRate, "Sample Rate:");
+    context.AddPullDownList(kWaveChannels, "Channels:");
+    context.AddSpecialOkCancelHelp(kWaveDefaults, "Defaults", nullptr, false, false, false);
 }
 
 bool LWaveEncodeDlg::Run(GtkWidget* parent) {
@@ -65,9 +65,9 @@ bool LWaveFile::WaveFormatSelectDialog(LWaveFileFormat& format, unsigned char, c
 void LWaveEncodeDlg::InitDialog() {
     PDLFill(kSettings, kPresets);
     PDLFill(kFormat, kFormats);
-    PDLFill(kRate, kAutoOnly);
-    PDLFill(kRate, kStandardRates);
-    PDLFill(kChannels, kChannelCounts);
+    PDLFill(kWaveRate, kAutoOnly);
+    PDLFill(kWaveRate, kStandardRates);
+    PDLFill(kWaveChannels, kChannelCounts);
     const int preset = kWavFormatPresetSetting.Get();
     PDLSetCurSel(kSettings, preset >= kAuto && preset <= kCustom ? preset : kAuto);
     if (IsCustom())
@@ -85,12 +85,12 @@ bool LWaveEncodeDlg::IsCustom() const {
 
 void LWaveEncodeDlg::ShowCustomFormat() {
     PDLSetCurSel(kFormat, format_.tag == kWaveTagPcm ? kFormatPcm : kFormatGsm);
-    PDLSetText(kRate, std::to_string(format_.samplesPerSecond).c_str());
-    PDLSetCurSel(kChannels, std::min<int>(format_.channels, 2));
+    PDLSetText(kWaveRate, std::to_string(format_.samplesPerSecond).c_str());
+    PDLSetCurSel(kWaveChannels, std::min<int>(format_.channels, 2));
 }
 
 void LWaveEncodeDlg::SetListsToAuto() {
-    for (const int list : {kFormat, kRate, kChannels})
+    for (const int list : {kFormat, kWaveRate, kWaveChannels})
         PDLSetCurSel(list, kListAuto);
 }
 
@@ -99,13 +99,13 @@ void LWaveEncodeDlg::EnableControls() {
     const bool free = custom && PDLGetCurSel(kFormat) != kFormatGsm;
     for (const int offset : {0, 1}) {  // the list and its label
         EnableControl(kFormat + offset, custom);
-        EnableControl(kRate + offset, free);
-        EnableControl(kChannels + offset, free);
+        EnableControl(kWaveRate + offset, free);
+        EnableControl(kWaveChannels + offset, free);
     }
 }
 
 void LWaveEncodeDlg::Command(int command) {
-    if (command == kDefaults)
+    if (command == kWaveDefaults)
         PDLSetCurSel(kSettings, kAuto);
     else if (command == kSettings && !IsCustom())
         SetListsToAuto();
@@ -118,9 +118,9 @@ void LWaveEncodeDlg::TakeCustomFormat() {
         format_.samplesPerSecond = 8000;
         return;
     }
-    if (PDLGetCurSel(kRate) > kListAuto)
-        format_.samplesPerSecond = static_cast<std::uint32_t>(PDLGetInt(kRate));
-    if (PDLGetCurSel(kChannels) == kChannelsMono)
+    if (PDLGetCurSel(kWaveRate) > kListAuto)
+        format_.samplesPerSecond = static_cast<std::uint32_t>(PDLGetInt(kWaveRate));
+    if (PDLGetCurSel(kWaveChannels) == kChannelsMono)
         format_.channels = 1;
 }
 

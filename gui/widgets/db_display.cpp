@@ -104,7 +104,7 @@ private:
     guint timer_ = 0;
 };
 
-Meter* Of(GtkWidget* widget) {
+Meter* MeterOf(GtkWidget* widget) {
     return widget == nullptr ? nullptr
                              : static_cast<Meter*>(g_object_get_data(G_OBJECT(widget), kMeterKey));
 }
@@ -136,11 +136,11 @@ GtkWidget* LDBDisplay::CreateControl() {
 }
 
 void LDBDisplay::SetLevels(GtkWidget* meter, const LDBMC& levels) {
-    if (Meter* found = Of(meter))
+    if (Meter* found = MeterOf(meter))
         found->SetLevels(levels);
 }
 
 LDBMC LDBDisplay::GetLevels(GtkWidget* meter) {
-    const Meter* found = Of(meter);
+    const Meter* found = MeterOf(meter);
     return found == nullptr ? LDBMC() : found->Levels();
 }

@@ -81,7 +81,7 @@ void SetLevelByDB(GtkWidget* display, int level, EntryText text) {
     SetLevelBar(display, PositionOf(display, index), index, text);
 }
 
-void Notify(GtkWidget* display) {
+void NotifyChanged(GtkWidget* display) {
     g_signal_emit_by_name(gtk_widget_get_parent(display), kVolumeChangeSignal,
                           Get(display, "iCurrentDB"));
 }
@@ -89,13 +89,13 @@ void Notify(GtkWidget* display) {
 void SetLevelByPosition(GtkWidget* display, int x) {
     const int position = std::clamp(x - kDBEditHandleWidth / 2, 0, Track(display));
     SetLevelBar(display, position, position * Range(display) / Track(display), EntryText::kFollows);
-    Notify(display);
+    NotifyChanged(display);
 }
 
 void Step(GtkWidget* display, int decibels) {
     SetLevelByDB(display, Level(display) + decibels, EntryText::kFollows);
     if (Get(display, "iChange") != 0)
-        Notify(display);
+        NotifyChanged(display);
 }
 
 double GetValue(GtkWidget* display) {
@@ -208,7 +208,7 @@ void GCTextActivate(GtkWidget* entry, gpointer display) {
     level.SetText(gtk_entry_get_text(GTK_ENTRY(entry)));
     SetLevelByDB(GTK_WIDGET(display), level.Value(), EntryText::kFollows);
     SetDBText(entry, LDB(Level(GTK_WIDGET(display))));
-    Notify(GTK_WIDGET(display));
+    NotifyChanged(GTK_WIDGET(display));
 }
 
 void GCFocusChange(GtkWidget* display, GdkEvent*, gpointer) {

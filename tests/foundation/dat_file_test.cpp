@@ -13,7 +13,7 @@
 
 namespace {
 
-std::string Get(const std::string& file, const char* section, const char* key) {
+std::string DatValue(const std::string& file, const char* section, const char* key) {
     char out[260];
     LDatFileGetValue(file.c_str(), section, key, "(none)", out);
     return out;
@@ -36,7 +36,7 @@ TEST(DatFile, ReadsSectionsMergesAndWritesThemBack) {
         const std::string name = "f" + std::to_string(number++);
         SCOPED_TRACE(name);
         folder.Write(name, content);
-        EXPECT_EQ(Get(folder / name, section, key), value);
+        EXPECT_EQ(DatValue(folder / name, section, key), value);
         LDatFileFlush((folder / name).c_str());
         EXPECT_EQ(folder.Read(name), content);  // clean: not written
         LDatFileSetValue((folder / name).c_str(), "Z", "n", "1");
@@ -62,7 +62,7 @@ TEST(DatFile, DeletesKeysAndSectionsAndKeepsBareHeaders) {
     EXPECT_EQ(folder.Read("f"), "[A]\r\nb=two\r\n\r\n[New]\r\n\r\n[P]\r\np=3\r\n\r\n");
     // The cache is what counts until the file leaves it.
     folder.Write("f", "[A]\nb=foreign\n");
-    EXPECT_EQ(Get(path, "A", "b"), "two");
+    EXPECT_EQ(DatValue(path, "A", "b"), "two");
 }
 
 TEST(DatFile, IsSavedAtExitAndLeavesTheCacheWhenIdleAndSaved) {

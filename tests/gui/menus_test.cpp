@@ -14,12 +14,12 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr LMenuItem kBar[] = {
+constexpr LMenuItem kMenuBar[] = {
     {-1, "Lectora"},     {-1, "&Read"},      {1011, "Current &Text"}, {0, nullptr},
     {1008, "From_file"}, {-1, nullptr},      {-2001, "Show && hide"}, {-1, nullptr},
     {-1, "&Tools"},      {1021, "&Options"},  // no end row
 };
-constexpr LKeyToCommandMap kKeys[] = {{kKeyControl | kKeyShift | 'R', 1011}};
+constexpr LKeyToCommandMap kMenuKeys[] = {{kKeyControl | kKeyShift | 'R', 1011}};
 
 struct MenuWindow : Recorder<LKeyDialog>, LToolBar {
     void CmExit() override { calls += "exit "; }
@@ -29,7 +29,7 @@ class Menus : public testing::Test {
 protected:
     void SetUp() override {
         window.Show([](LDialogGenContext& c) { c.AddInput(5, "Field"); });
-        LMenuContainer::SetMenu(window, kBar, kKeys);
+        LMenuContainer::SetMenu(window, kMenuBar, kMenuKeys);
         PumpPending();
     }
     void Press(GtkWidget* item) {

@@ -9,30 +9,30 @@
 
 namespace {
 
-constexpr int kCheck = 101;
-constexpr int kList = 102;
+constexpr int kLoginCheck = 101;
+constexpr int kLoginList = 102;
 
 TEST(StartOnLoginControls, ShowAndKeepTheChoice) {
     const ScratchFolder root;  // a machine without accounts
     const ScopedVariable rootVariable("LECTORA_ROOT", root.Path().c_str());
     RecordingDialog dialog;
     dialog.Show([](LDialogGenContext& context) {
-        context.AddCheckBox(kCheck, "Start");
-        context.AddPullDownList(kList);
+        context.AddCheckBox(kLoginCheck, "Start");
+        context.AddPullDownList(kLoginList);
     });
-    LAutoRunSettingsInit(dialog, kCheck, kList);
-    EXPECT_EQ(dialog.PDLGetItem(kList, 0), "Start when any user logs on.");
-    EXPECT_EQ(dialog.PDLGetItem(kList, 1), "Start when this user logs on only.");
+    LAutoRunSettingsInit(dialog, kLoginCheck, kLoginList);
+    EXPECT_EQ(dialog.PDLGetItem(kLoginList, 0), "Start when any user logs on.");
+    EXPECT_EQ(dialog.PDLGetItem(kLoginList, 1), "Start when this user logs on only.");
     for (const bool isOn : {true, false}) {
-        dialog.SetCheck(kCheck, isOn);
-        dialog.PDLSetCurSel(kList, isOn ? 1 : 0);
-        EXPECT_TRUE(LAutoRunSettingsApply(dialog, kCheck, kList));
+        dialog.SetCheck(kLoginCheck, isOn);
+        dialog.PDLSetCurSel(kLoginList, isOn ? 1 : 0);
+        EXPECT_TRUE(LAutoRunSettingsApply(dialog, kLoginCheck, kLoginList));
         EXPECT_EQ(LAutoRun::IsRunUser(), isOn);
-        dialog.SetCheck(kCheck, !isOn);
-        dialog.PDLSetCurSel(kList, 0);
-        LAutoRunSettingsInit(dialog, kCheck, kList);
-        EXPECT_EQ(dialog.GetCheck(kCheck), isOn);
-        EXPECT_EQ(dialog.PDLGetCurSel(kList), 1) << "switched off, the mode is left as it was";
+        dialog.SetCheck(kLoginCheck, !isOn);
+        dialog.PDLSetCurSel(kLoginList, 0);
+        LAutoRunSettingsInit(dialog, kLoginCheck, kLoginList);
+        EXPECT_EQ(dialog.GetCheck(kLoginCheck), isOn);
+        EXPECT_EQ(dialog.PDLGetCurSel(kLoginList), 1) << "switched off, the mode is left as it was";
     }
 }
 

@@ -13,13 +13,13 @@
 
 namespace {
 
-constexpr int kRate = 8000;
-constexpr int kBlock = kRate / 35;
+constexpr int kLimiterRate = 8000;
+constexpr int kLimiterBlock = kLimiterRate / 35;
 
 std::vector<int> Limited(const std::vector<int>& samples, int limit, unsigned char channels = 1,
                          int chunk = kMaxBlockFrames) {
-    LSoundSource source =
-        LSPPeakLimit(limit).OpenSource(LSoundSource(new MemorySource(samples, kRate, channels)));
+    LSoundSource source = LSPPeakLimit(limit).OpenSource(
+        LSoundSource(new MemorySource(samples, kLimiterRate, channels)));
     return ReadAll(source, chunk);
 }
 
@@ -27,11 +27,12 @@ TEST(PeakLimitTest, StaysWithinTheLimitWhateverComes) {
     // Blocks whose peaks jump, each peak at the first, the last or any frame.
     std::mt19937 engine(17);
     for (int round = 0; round < 60; ++round) {
-        std::vector<int> samples(static_cast<std::size_t>(30 * kBlock));
+        std::vector<int> samples(static_cast<std::size_t>(30 * kLimiterBlock));
         for (std::size_t block = 0; block < 30; ++block) {
-            const std::size_t places[] = {0, kBlock - 1, engine() % kBlock};
+            const std::size_t places[] = {0, kLimiterBlock - 1, engine() % kLimiterBlock};
             const int peak = static_cast<int>(engine() >> (1 + engine() % 15));
-            samples[block * kBlock + places[engine() % 3]] = engine() % 2 != 0 ? peak : -peak;
+            samples[block * kLimiterBlock + places[engine() % 3]] =
+                engine() % 2 != 0 ? peak : -peak;
         }
         for (const int limit : {kMaxPcm16Peak, 1000, 4194303}) {
             const std::vector<int> out = Limited(samples, limit);
@@ -55,20 +56,20 @@ TEST(PeakLimitTest, GainFallsBeforeAndRecoversAfterALoudBlock) {
             return half;
         return block == kLoudBlock + 1 ? (half + 3 * unity) / 4 : unity;
     };
-    std::vector<int> mono(30 * kBlock, kQuiet);
-    mono[kLoudBlock * kBlock + 5] = 2 * kMaxPcm16Peak;
+    std::vector<int> mono(30 * kLimiterBlock, kQuiet);
+    mono[kLoudBlock * kLimiterBlock + 5] = 2 * kMaxPcm16Peak;
     std::vector<int> expected;
     int gain = unity;
     for (int block = 0; block < 30; ++block) {
         const int difference = target(block) - gain;
-        gain += difference % kBlock;
-        for (int i = 0; i < kBlock; ++i, gain += difference / kBlock) {
-            const int s = mono[static_cast<std::size_t>(block * kBlock + i)];
+        gain += difference % kLimiterBlock;
+        for (int i = 0; i < kLimiterBlock; ++i, gain += difference / kLimiterBlock) {
+            const int s = mono[static_cast<std::size_t>(block * kLimiterBlock + i)];
             expected.push_back((s >> 12) * (gain >> 12) + ((gain >> 12) * (s & 4095) >> 12) +
                                ((s >> 12) * (gain & 4095) >> 12));
         }
     }
-    EXPECT_LT(expected[(kLoudBlock - 1) * kBlock], kQuiet * 6 / 10);
+    EXPECT_LT(expected[(kLoudBlock - 1) * kLimiterBlock], kQuiet * 6 / 10);
     EXPECT_EQ(expected.back(), kQuiet);
     for (const auto kernel : {LKernelChoice::kPortable, LKernelChoice::kBest}) {
         SelectSoundKernels(kernel);
@@ -90,7 +91,7 @@ TEST(PeakLimitTest, BlocksAndPositions) {
     }
     const std::vector<int> samples = RandomSamples(5000, 1000, 1);
     LSoundSource source(
-        new LSRCPeakLimit(LSoundSource(new MemorySource(samples, kRate, 1, 2000000)), 5000));
+        new LSRCPeakLimit(LSoundSource(new MemorySource(samples, kLimiterRate, 1, 2000000)), 5000));
     EXPECT_EQ(source->PeakMagnitude(), 5000);
     // What stays within the limit passes unchanged.
     for (const int position : {0, 77, 154, 4000}) {
@@ -107,10 +108,10 @@ TEST(ConvertFactoriesTest, ChannelsAndChoices) {
         SelectSoundKernels(kernel);
         const std::vector<int> samples = RandomSamples(2 * 9001, 1 << 30, 8);
         LSoundSource left =
-            LSPConvChannels(1).OpenSource(LSoundSource(new MemorySource(samples, kRate, 2)));
+            LSPConvChannels(1).OpenSource(LSoundSource(new MemorySource(samples, kLimiterRate, 2)));
         const std::vector<int> kept = ReadFrames(left, 9001, 9001);
         LSoundSource doubled =
-            LSPConvChannels(2).OpenSource(LSoundSource(new MemorySource(kept, kRate)));
+            LSPConvChannels(2).OpenSource(LSoundSource(new MemorySource(kept, kLimiterRate)));
         const std::vector<int> both = ReadFrames(doubled, 9001, 3000);
         for (std::size_t i = 0; i < kept.size(); ++i) {
             ASSERT_EQ(kept[i], samples[2 * i]);
@@ -118,7 +119,7 @@ TEST(ConvertFactoriesTest, ChannelsAndChoices) {
             ASSERT_EQ(both[2 * i + 1], kept[i]);
         }
     }
-    const LSoundSource surround(new MemorySource({}, kRate, 6));
+    const LSoundSource surround(new MemorySource({}, kLimiterRate, 6));
     EXPECT_EQ(LSPConvChannels(2).OpenSource(surround).Get(), surround.Get());
     const LSoundSource bad;
     for (const LSoundSource& same :

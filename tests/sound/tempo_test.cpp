@@ -10,14 +10,14 @@
 
 namespace {
 
-constexpr int kRate = 16000;
-constexpr int kFrames = 10 * kRate;
+constexpr int kTempoRate = 16000;
+constexpr int kFrames = 10 * kTempoRate;
 
 struct Heard {
     std::vector<int> samples;
-    std::vector<int> positions;  // of the source before each block of kBlock frames
+    std::vector<int> positions;  // of the source before each block of kTempoBlock frames
 };
-constexpr int kBlock = 400;
+constexpr int kTempoBlock = 400;
 
 // What a player does: never asks for more than is there, and waits where a source grows.
 Heard Play(LTempoSource& source) {
@@ -29,7 +29,7 @@ Heard Play(LTempoSource& source) {
             continue;
         }
         heard.positions.push_back(source.GetPositionSample());
-        std::vector<int> block(static_cast<std::size_t>(std::min(kBlock, readable)));
+        std::vector<int> block(static_cast<std::size_t>(std::min(kTempoBlock, readable)));
         source.Read(block.data(), static_cast<int>(block.size()));
         heard.samples.insert(heard.samples.end(), block.begin(), block.end());
     }
@@ -42,8 +42,8 @@ std::vector<int> Scale() {
     std::vector<int> samples;
     double phase = 0;
     for (int i = 0; i < kFrames; ++i) {
-        const int hertz = 200 + 50 * (i / kRate);
-        phase += 2 * std::numbers::pi * hertz / kRate;
+        const int hertz = 200 + 50 * (i / kTempoRate);
+        phase += 2 * std::numbers::pi * hertz / kTempoRate;
         samples.push_back(static_cast<int>(300000 * std::sin(phase)));
     }
     return samples;
@@ -52,7 +52,7 @@ std::vector<int> Scale() {
 TEST(TempoTest, TimeFollowsTheTempoAndPitchDoesNot) {
     for (const int percent : {50, 80, 150, 300}) {
         for (const bool grows : {false, true}) {
-            auto* inner = new MemorySource(Scale(), kRate);
+            auto* inner = new MemorySource(Scale(), kTempoRate);
             if (grows)
                 inner->SetStreaming(0, 3000);
             const LSoundSource handle(inner);
@@ -61,20 +61,21 @@ TEST(TempoTest, TimeFollowsTheTempoAndPitchDoesNot) {
             LTempoSource source(handle, tempo);
             const Heard heard = Play(source);
             EXPECT_NEAR(static_cast<double>(heard.samples.size()), kFrames * 100.0 / percent,
-                        0.05 * kRate)
+                        0.05 * kTempoRate)
                 << percent << grows;
             EXPECT_EQ(heard.positions.back(), kFrames) << percent << grows;
             // Half a second into each second of the text its own tone is heard, and nothing of the
             // neighbours.
             for (int second = 0; second < 10; ++second) {
-                const auto at = static_cast<std::size_t>((second + 0.5) * kRate * 100 / percent);
+                const auto at =
+                    static_cast<std::size_t>((second + 0.5) * kTempoRate * 100 / percent);
                 const std::vector<int> here(heard.samples.begin() + static_cast<long>(at) - 1600,
                                             heard.samples.begin() + static_cast<long>(at) + 1600);
-                EXPECT_GT(AmplitudeAt(here, (200.0 + 50 * second) / kRate), 250000)
+                EXPECT_GT(AmplitudeAt(here, (200.0 + 50 * second) / kTempoRate), 250000)
                     << percent << grows << second;
                 // ... when the source says that it stands there.
-                EXPECT_TRUE(grows || std::abs(heard.positions[at / kBlock] -
-                                              (second + 0.5) * kRate) <= 0.06 * kRate)
+                EXPECT_TRUE(grows || std::abs(heard.positions[at / kTempoBlock] -
+                                              (second + 0.5) * kTempoRate) <= 0.06 * kTempoRate)
                     << percent << second;
             }
         }
@@ -84,14 +85,14 @@ TEST(TempoTest, TimeFollowsTheTempoAndPitchDoesNot) {
 TEST(TempoTest, OwnTempoPassesUnchangedAndChangesAreHeardAtOnce) {
     const std::vector<int> samples = Scale();
     auto tempo = std::make_shared<LTempo>();
-    const LSoundSource handle(new MemorySource(samples, kRate));
+    const LSoundSource handle(new MemorySource(samples, kTempoRate));
     LTempoSource source(handle, tempo);
     std::vector<int> block(4000);
     source.Read(block.data(), 4000);
     EXPECT_TRUE(std::equal(block.begin(), block.end(), samples.begin()));
     tempo->Set(1000);
     source.Read(block.data(), 4000);
-    EXPECT_NEAR(source.GetPositionSample(), 4000 + 3 * 4000, 0.1 * kRate);
+    EXPECT_NEAR(source.GetPositionSample(), 4000 + 3 * 4000, 0.1 * kTempoRate);
     tempo->Set(LTempo::kOwnPercent);
     source.Seek(20000);
     source.Read(block.data(), 4000);

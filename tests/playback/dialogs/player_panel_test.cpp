@@ -20,7 +20,7 @@ namespace {
 
 using namespace PlayerPanel;
 
-constexpr int kRate = 4000;
+constexpr int kPanelRate = 4000;
 constexpr int kMost = 20000;
 
 int Number(int frame) {
@@ -35,10 +35,10 @@ class MadeInfo : public LPlayerBaseInfo {
 public:
     MadeInfo(int seconds, int (*sample)(int frame)) : seconds_(seconds), sample_(sample) {}
     void OpenSource(LSoundSource& source) override {
-        std::vector<int> samples(static_cast<std::size_t>(seconds_ * kRate));
+        std::vector<int> samples(static_cast<std::size_t>(seconds_ * kPanelRate));
         for (int frame = 0; int& sample : samples)
             sample = sample_(frame++);
-        source = LSoundSource(new MemorySource(std::move(samples), kRate));
+        source = LSoundSource(new MemorySource(std::move(samples), kPanelRate));
     }
     std::string VoiceName() const override { return "numbers"; }
     std::optional<LSoundTime> FindSentence(LSoundTime time, int step) const override {
@@ -106,7 +106,7 @@ TEST_F(PlayerPanelTest, PausesGoesOnAndBeginsAgain) {
     EXPECT_EQ(panel_->Time(), LSoundTime());
     ASSERT_EQ(cards_.Streams(0), 2);
     EXPECT_GT(cards_.Played(0, 2).front(), 1) << "it goes on";
-    EXPECT_EQ(cards_.Played(0, 2).back(), 4 * kRate);
+    EXPECT_EQ(cards_.Played(0, 2).back(), 4 * kPanelRate);
 }
 
 TEST_F(PlayerPanelTest, PositionsAreWhereTheUserPutThem) {
@@ -117,15 +117,15 @@ TEST_F(PlayerPanelTest, PositionsAreWhereTheUserPutThem) {
         const char* time;
     };
     const Row rows[] = {
-        {[&] { MoveTo(50); }, 7 * kRate / 2, "0:00:03.50 of 0:00:07"},
+        {[&] { MoveTo(50); }, 7 * kPanelRate / 2, "0:00:03.50 of 0:00:07"},
         {[&] { Press(GDK_Home); }, 0, "0:00:00.00 of 0:00:07"},
         {[&] {
              MoveTo(30);
              Press(kKeyControl | GDK_Right);
          },
-         3 * kRate, "0:00:03.00 of 0:00:07"},
-        {[&] { Press(kKeyControl | GDK_Left); }, 2 * kRate, "0:00:02.00 of 0:00:07"},
-        {[&] { Press(kKeyAlt | GDK_F9); }, 4 * kRate, ""},
+         3 * kPanelRate, "0:00:03.00 of 0:00:07"},
+        {[&] { Press(kKeyControl | GDK_Left); }, 2 * kPanelRate, "0:00:02.00 of 0:00:07"},
+        {[&] { Press(kKeyAlt | GDK_F9); }, 4 * kPanelRate, ""},
     };
     Press(GDK_F9);
     ASSERT_TRUE(PastTime(100));
@@ -173,12 +173,13 @@ TEST_F(PlayerPanelTest, WindingBecomesFasterAndReachesBothEnds) {
         ASSERT_TRUE(PumpUntil(
             [&] {
                 const auto newest = cards_.Streams(0);
-                return newest > playing && cards_.Received(0, newest).size() > 2 * kRate;
+                return newest > playing && cards_.Received(0, newest).size() > 2 * kPanelRate;
             },
             kMost));
         const std::vector<std::int16_t> wound = cards_.Received(0, cards_.Streams(0));
-        for (const std::size_t at : {std::size_t{kRate} / 2, 3 * std::size_t{kRate} / 2}) {
-            const double seconds = (static_cast<double>(at) + 50) / kRate;
+        for (const std::size_t at :
+             {std::size_t{kPanelRate} / 2, 3 * std::size_t{kPanelRate} / 2}) {
+            const double seconds = (static_cast<double>(at) + 50) / kPanelRate;
             EXPECT_NEAR((wound[at + 100] - wound[at]) / 100.0,
                         test.start + (test.end - test.start) * seconds / 8, 0.09);
         }

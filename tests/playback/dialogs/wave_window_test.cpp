@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int kRate = 1000;
+constexpr int kWaveRate = 1000;
 constexpr int kColumnFrames = 40;  // 25 columns a second
 constexpr int kWidth = 100;
 constexpr int kHeight = 61;
@@ -29,16 +29,16 @@ protected:
         gtk_container_add(GTK_CONTAINER(window_), fixed);
         gtk_widget_show_all(window_);
         EXPECT_TRUE(PumpUntil([&] { return gtk_widget_get_mapped(area) != FALSE; }));
-        wave_->SetPosition(-1000 * kRate, 0);  // the play line out of the way
+        wave_->SetPosition(-1000 * kWaveRate, 0);  // the play line out of the way
     }
     ~WaveWindow() override { gtk_widget_destroy(window_); }
 
     // A second each of silence, of speech and of clipping; half a second of speech.
     MemorySource* Give() {
-        std::vector<int> samples(3 * kRate + kRate / 2, 200 << 10);
-        std::fill_n(samples.begin(), kRate, 0);
-        std::fill_n(samples.begin() + 2 * kRate, kRate, -kMaxPcm16Peak);
-        auto* source = new MemorySource(samples, kRate);
+        std::vector<int> samples(3 * kWaveRate + kWaveRate / 2, 200 << 10);
+        std::fill_n(samples.begin(), kWaveRate, 0);
+        std::fill_n(samples.begin() + 2 * kWaveRate, kWaveRate, -kMaxPcm16Peak);
+        auto* source = new MemorySource(samples, kWaveRate);
         pending_ = source;
         return source;
     }
@@ -94,14 +94,14 @@ TEST_F(WaveWindow, ShowsSilenceSpeechClippingAndTheEnd) {
 }
 
 TEST_F(WaveWindow, ABlankIsLeftForWhatIsNotSpokenYet) {
-    Give()->SetStreaming(kRate + kRate / 2, 0);
+    Give()->SetStreaming(kWaveRate + kWaveRate / 2, 0);
     wave_->SetFrame(0, kColumnFrames);
     Show();
     EXPECT_TRUE(ComesToLook("---ww........")) << Looks();
-    Give()->SetStreaming(kRate / 2, kRate);
+    Give()->SetStreaming(kWaveRate / 2, kWaveRate);
     Show();
     EXPECT_TRUE(ComesToLook("---www!!!!w..")) << "grown";
-    Give()->SetStreaming(kRate, 0);
+    Give()->SetStreaming(kWaveRate, 0);
     Show();
     wave_.reset();  // while it grows
     PumpPending();
@@ -118,9 +118,9 @@ TEST_F(WaveWindow, TwoSecondsAroundThePositionAndAClickLeadsThere) {
         gtk_widget_event(wave_->Area(), event);
         gdk_event_free(event);
     };
-    wave_->ShowAround(500, kRate, true);
+    wave_->ShowAround(500, kWaveRate, true);
     click(50);
-    wave_->ShowAround(5007, kRate, false);
+    wave_->ShowAround(5007, kWaveRate, false);
     click(0);
     click(400);
     EXPECT_EQ(sought, (std::vector<std::int64_t>{1000, 4000, 5980}));

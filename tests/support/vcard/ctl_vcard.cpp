@@ -44,21 +44,21 @@ private:
     snd_ctl_ext_t ext_{};
 };
 
-VirtualControl& Self(snd_ctl_ext_t* ext) {
+VirtualControl& ControlOf(snd_ctl_ext_t* ext) {
     return *static_cast<VirtualControl*>(ext->private_data);
 }
 
-const snd_ctl_ext_callback_t& Callbacks() {
+const snd_ctl_ext_callback_t& ControlCallbacks() {
     static const snd_ctl_ext_callback_t callbacks = [] {
         snd_ctl_ext_callback_t table{};
-        table.close = [](snd_ctl_ext_t* ext) { delete &Self(ext); };
-        table.elem_count = [](snd_ctl_ext_t* ext) { return Self(ext).Count(); };
+        table.close = [](snd_ctl_ext_t* ext) { delete &ControlOf(ext); };
+        table.elem_count = [](snd_ctl_ext_t* ext) { return ControlOf(ext).Count(); };
         table.elem_list = [](snd_ctl_ext_t* ext, unsigned int offset, snd_ctl_elem_id_t* id) {
-            Self(ext).Identify(offset, id);
+            ControlOf(ext).Identify(offset, id);
             return 0;
         };
         table.find_elem = [](snd_ctl_ext_t* ext, const snd_ctl_elem_id_t* id) {
-            return Self(ext).Find(id);
+            return ControlOf(ext).Find(id);
         };
         table.get_attribute = [](snd_ctl_ext_t*, snd_ctl_ext_key_t, int* type, unsigned int* access,
                                  unsigned int* count) {
@@ -69,17 +69,17 @@ const snd_ctl_ext_callback_t& Callbacks() {
         };
         table.get_integer_info = [](snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, long* low,
                                     long* high, long* step) {
-            *low = Self(ext).Element(key).minimum;
-            *high = Self(ext).Element(key).maximum;
+            *low = ControlOf(ext).Element(key).minimum;
+            *high = ControlOf(ext).Element(key).maximum;
             *step = 1;
             return 0;
         };
         table.read_integer = [](snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, long* volumes) {
-            Self(ext).Read(key, volumes);
+            ControlOf(ext).Read(key, volumes);
             return 0;
         };
         table.write_integer = [](snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, long* volumes) {
-            Self(ext).Write(key, volumes);
+            ControlOf(ext).Write(key, volumes);
             return 1;
         };
         table.read_event = [](snd_ctl_ext_t*, snd_ctl_elem_id_t*, unsigned int*) {
@@ -108,7 +108,7 @@ int VirtualControl::Open(snd_ctl_t** control, const char* name, int mode) {
     Copy(ext_.longname, folder_.Settings().name + " (virtual)");
     Copy(ext_.mixername, folder_.Settings().name + " mixer");
     ext_.poll_fd = -1;
-    ext_.callback = &Callbacks();
+    ext_.callback = &ControlCallbacks();
     ext_.private_data = this;
     const int result = snd_ctl_ext_create(&ext_, name, mode);
     if (result >= 0)

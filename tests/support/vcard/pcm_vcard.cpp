@@ -80,39 +80,39 @@ private:
     snd_pcm_uframes_t availMin_ = 1;
 };
 
-VirtualPcm& Self(snd_pcm_ioplug_t* io) {
+VirtualPcm& PcmOf(snd_pcm_ioplug_t* io) {
     return *static_cast<VirtualPcm*>(io->private_data);
 }
 
-const snd_pcm_ioplug_callback_t& Callbacks() {
+const snd_pcm_ioplug_callback_t& PcmCallbacks() {
     static const snd_pcm_ioplug_callback_t callbacks = [] {
         snd_pcm_ioplug_callback_t table{};
-        table.start = [](snd_pcm_ioplug_t* io) { return Self(io).Start(); };
-        table.stop = [](snd_pcm_ioplug_t* io) { return Self(io).Stop(); };
-        table.pointer = [](snd_pcm_ioplug_t* io) { return Self(io).Pointer(); };
+        table.start = [](snd_pcm_ioplug_t* io) { return PcmOf(io).Start(); };
+        table.stop = [](snd_pcm_ioplug_t* io) { return PcmOf(io).Stop(); };
+        table.pointer = [](snd_pcm_ioplug_t* io) { return PcmOf(io).Pointer(); };
         table.transfer = [](snd_pcm_ioplug_t* io, const snd_pcm_channel_area_t* areas,
                             snd_pcm_uframes_t offset, snd_pcm_uframes_t size) {
-            return Self(io).Transfer(areas, offset, size);
+            return PcmOf(io).Transfer(areas, offset, size);
         };
         table.close = [](snd_pcm_ioplug_t* io) {
-            Self(io).LogClose();
-            delete &Self(io);
+            PcmOf(io).LogClose();
+            delete &PcmOf(io);
             return 0;
         };
         table.hw_params = [](snd_pcm_ioplug_t* io, snd_pcm_hw_params_t*) {
-            return Self(io).HwParams();
+            return PcmOf(io).HwParams();
         };
         table.sw_params = [](snd_pcm_ioplug_t* io, snd_pcm_sw_params_t* params) {
-            return Self(io).SwParams(params);
+            return PcmOf(io).SwParams(params);
         };
-        table.prepare = [](snd_pcm_ioplug_t* io) { return Self(io).Prepare(); };
-        table.resume = [](snd_pcm_ioplug_t* io) { return Self(io).Resume(); };
+        table.prepare = [](snd_pcm_ioplug_t* io) { return PcmOf(io).Prepare(); };
+        table.resume = [](snd_pcm_ioplug_t* io) { return PcmOf(io).Resume(); };
         table.delay = [](snd_pcm_ioplug_t* io, snd_pcm_sframes_t* delay) {
-            return Self(io).Delay(delay);
+            return PcmOf(io).Delay(delay);
         };
         table.poll_revents = [](snd_pcm_ioplug_t* io, pollfd* polled, unsigned int,
                                 unsigned short* revents) {
-            return Self(io).Revents(*polled, *revents);
+            return PcmOf(io).Revents(*polled, *revents);
         };
         return table;
     }();
@@ -134,7 +134,7 @@ int VirtualPcm::Open(snd_pcm_t** pcm, const char* name, snd_pcm_stream_t stream,
     io_.flags = SND_PCM_IOPLUG_FLAG_BOUNDARY_WA | SND_PCM_IOPLUG_FLAG_MONOTONIC;
     io_.poll_fd = timer_.Get();
     io_.poll_events = POLLIN;
-    io_.callback = &Callbacks();
+    io_.callback = &PcmCallbacks();
     io_.private_data = this;
     int result = snd_pcm_ioplug_create(&io_, name, stream, mode);
     if (result < 0)
