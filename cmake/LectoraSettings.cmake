@@ -20,6 +20,11 @@ add_library(lectora_options INTERFACE)
 target_compile_options(lectora_options INTERFACE
     -fno-exceptions -fno-strict-aliasing
     -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual)
+if(CMAKE_UNITY_BUILD)
+    # Sources that are compiled together: what stands in an unnamed namespace is no header's, and a local name may
+    # hide another source's. The preset "dev", which compiles each alone, watches over both.
+    target_compile_options(lectora_options INTERFACE -Wno-subobject-linkage -Wno-shadow)
+endif()
 if(LECTORA_WERROR)
     target_compile_options(lectora_options INTERFACE -Werror)
 endif()

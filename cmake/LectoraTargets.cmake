@@ -6,6 +6,10 @@ function(lectora_library name)
     cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
     add_library(${name} STATIC ${sources})
+    # Those for one kind of processor stand alone in builds that compile sources in groups.
+    set(kernels ${sources})
+    list(FILTER kernels INCLUDE REGEX "kernels[^/]*$")
+    set_source_files_properties(${kernels} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
     target_link_libraries(${name} PUBLIC lectora_options ${ARG_LINK})
 endfunction()
 
