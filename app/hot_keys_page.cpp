@@ -4,7 +4,7 @@
 #include <string>
 
 #include "app/hot_key_assignment.h"
-#include "app/hot_key_handler.h"
+#include "app/hotkeys/hot_key_handler.h"
 #include "gui/accessible.h"
 #include "gui/dialog_gen_context.h"
 #include "gui/message_box.h"

@@ -2,11 +2,17 @@
 
 #include <gdk/gdkkeysyms.h>
 
+#include <iterator>
+
 #include "app/commands/command_numbers.h"
 #include "app/help_links.h"
+#include "app/hot_key_store.h"
 #include "app/machine_check.h"
+#include "app/options_dialog.h"
 #include "app/recent_files.h"
+#include "app/settings_keys.h"
 #include "app/start_up.h"
+#include "app/window/window_layout.h"
 #include "foundation/browser.h"
 #include "foundation/hosts.h"
 #include "gui/accessible.h"
@@ -14,13 +20,36 @@
 #include "gui/icon_numbers.h"
 #include "gui/message_box.h"
 
+namespace {
+
+// What the control would take; afterwards its size is to be set again.
+int NaturalHeight(GtkWidget* control) {
+    GtkRequisition size{};
+    gtk_widget_set_size_request(control, -1, -1);
+    gtk_widget_size_request(control, &size);
+    return size.height;
+}
+
+int TextWidth(GtkWidget* label) {
+    const auto layout = GObjectRef<PangoLayout>::Adopt(
+        gtk_widget_create_pango_layout(label, gtk_label_get_text(GTK_LABEL(label))));
+    int width = 0;
+    pango_layout_get_pixel_size(layout.Get(), &width, nullptr);
+    return width;
+}
+
+}  // namespace
+
 MainDialog::MainDialog()
     : text_({[this](const char* text) { TellStatusText(text); }, [this] { Layout(); },
              [this](const auto& paths) { EvFilesDropped(paths); }}),
       commands_([this] { return Available(); }, [this](const char* text) { TellStatusText(text); }),
       places_(*this, commands_),
       selection_([this] { EnableControls(); }),
-      tray_([this](int button) { EvTrayIconPressed(button); }),
+      hotKeys_([this](int storedCommand) { EvHotKey(storedCommand); }),
+      presence_(*this, kTextBox,
+                {[this] { LMainWindow::CmClose(); }, [this] { Minimise(); },
+                 [this] { EvNotifyIconContextMenu(); }}),
       voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }),
       reading_(*this) {
     AddCommands();
@@ -28,10 +57,8 @@ MainDialog::MainDialog()
 }
 
 MainDialog::~MainDialog() {
-    for (const unsigned int source : {nextFile_, hotKeySource_}) {
-        if (source != 0)
-            g_source_remove(source);
-    }
+    if (nextFile_ != 0)
+        g_source_remove(nextFile_);
 }
 
 void MainDialog::Run() {
@@ -81,21 +108,31 @@ void MainDialog::InitDialog() {
     LHelpLinks::SetUp(*this);
     places_.ListRecentFiles(RecentFiles::List());
     SetKeyMap(commands_.Keys());
-    HotkeysInit();
+    hotKeys_.Init();
+    hotKeys_.Start();
     voices_.Ask();
     HandlePDLSelChange(kVoiceList);
     HandleEditTextChange(kTextBox, kTextChanged);
     EnableControls();
     FocusControl(kTextBox);
-    TimerSet(kKeepAliveTimer, kKeepAliveMilliseconds);
+}
+
+void MainDialog::EvShown() {
+    presence_.Begin();
+    if (waitingFiles_.empty()) {
+        firstMoments_.Begin(*this,
+                            [this] { hotKeyOffer_.AskSoon(*this, [this] { hotKeys_.Start(); }); });
+        return;
+    }
+    // No question is in the way of a reading that is about to begin.
+    firstMoments_.Begin(*this, nullptr);
+    firstKeyboard_.Start(Widget(), [this] { ReadWaitingFilesSoon(); });
 }
 
 void MainDialog::DestroyDialog() {
-    splashTimer_.Stop();
-    splash_.Close();
-    TimerReset(kKeepAliveTimer);
-    tray_.Remove();
-    HotkeysStop();
+    firstMoments_.End();
+    presence_.End();
+    hotKeys_.Stop();
     StopReading();
     reading_.Close();
     voices_.Store();
@@ -132,6 +169,75 @@ void MainDialog::EnableControls() {
     KeepFocus();
 }
 
+void MainDialog::CmClose() {
+    firstMoments_.EndSplash();
+    presence_.Close();
+}
+
+void MainDialog::Minimise() {
+    StorePlacement();
+    gtk_window_iconify(GTK_WINDOW(Widget()));
+}
+
+void MainDialog::CmOptions() {
+    hotKeys_.Stop();
+    OptDlg(Widget());
+    // The window may have been closed meanwhile.
+    if (IsOpen())
+        hotKeys_.Start();
+}
+
+void MainDialog::EvHotKey(int storedCommand) {
+    if (speaking_ || loading_) {
+        // A dialog of the last command still waits for its answer, perhaps behind other windows.
+        if (GtkWidget* waiting = gtk_grab_get_current())
+            gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(waiting)));
+        return;
+    }
+    static_assert(kHotKeyUpdate == 0 && kHotKeyRead == 1 && kHotKeySave == 2);
+    static constexpr int kCommands[] = {kUpdateFromSelection, kReadSelectionOrStop,
+                                        kSaveFromSelection};
+    if (storedCommand >= 0 && storedCommand < static_cast<int>(std::size(kCommands)))
+        WMCommand(kCommands[storedCommand]);
+}
+
+bool MainDialog::ShowsCommandBar() {
+    return kShowCommandBarSetting.Get() != "0";
+}
+
+void MainDialog::CmShowCommandBar() {
+    kShowCommandBarSetting.Set(ShowsCommandBar() ? "0" : "1");
+    commands_.Check(kShowCommandBar, ShowsCommandBar());
+    Layout();
+}
+
+void MainDialog::LayoutControls(int width, int height) {
+    LayoutSizes sizes{.width = width, .height = height, .wantsCommandBar = ShowsCommandBar()};
+    sizes.isLow = !HasRoomForToolBar(height);
+    ShowToolBar(!sizes.isLow);
+    LayoutBase(sizes.left, sizes.top, sizes.width, sizes.height);
+    ShowControl(kFindBar, text_.IsFindOpen());  // what is hidden has no size
+    sizes.findHeight = text_.IsFindOpen() ? NaturalHeight(GetControlByID(kFindBar)) : 0;
+    sizes.labelWidth = TextWidth(GetControlByID(kVoiceLabel)) + 4;
+    sizes.labelHeight = NaturalHeight(GetControlByID(kVoiceLabel));
+    sizes.listHeight = NaturalHeight(GetControlByID(kVoiceList));
+    const WindowLayout layout = LayOut(sizes);
+    Place(kCommandBar, layout.commandBar);
+    Place(kTextBox, layout.text);
+    Place(kFindBar, layout.findBar);
+    Place(kVoiceLabel, layout.voiceLabel);
+    Place(kVoiceList, layout.voiceList);
+    Place(kReadButton, layout.readButton);
+    Place(kSaveButton, layout.saveButton);
+    KeepFocus();
+}
+
+void MainDialog::Place(int control, const LayoutPlace& place) {
+    ShowControl(control, place.isShown);
+    if (place.isShown)
+        MoveControl(control, place.x, place.y, place.width, place.height);
+}
+
 // The keyboard is never lost with a control that was hidden or disabled.
 void MainDialog::KeepFocus() {
     if (IsOpen() && gtk_window_get_focus(GTK_WINDOW(Widget())) == nullptr)
@@ -144,7 +250,7 @@ CommandNeeds MainDialog::Available() {
 }
 
 void MainDialog::Command(int command) {
-    splash_.Close();
+    firstMoments_.EndSplash();
     commands_.Run(command);
 }
 
@@ -165,7 +271,7 @@ void MainDialog::EvTextChanged() {
 }
 
 bool MainDialog::EvKeyDown(unsigned int key) {
-    splash_.Close();
+    firstMoments_.EndSplash();
     if (text_.EvKeyDown(key))
         return true;
     if (IsEntrysKey(key))

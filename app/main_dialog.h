@@ -6,25 +6,23 @@
 #include <vector>
 
 #include "app/commands/command_places.h"
-#include "app/hot_key_handler.h"
-#include "app/hot_key_offer.h"
+#include "app/hotkeys/hot_key_offer.h"
+#include "app/hotkeys/hot_keys.h"
 #include "app/read_aloud.h"
 #include "app/selection_watch.h"
 #include "app/text/text_pane.h"
-#include "app/tray_icon.h"
 #include "app/voice_choice.h"
+#include "app/window/first_moments.h"
+#include "app/window/keyboard_wait.h"
+#include "app/window/presence.h"
 #include "desktop/desktop_shortcut.h"
 #include "gui/gui_timer.h"
 #include "gui/main_window.h"
-#include "gui/signal_owner.h"
-#include "gui/splash_screen.h"
-#include "gui/timer_handler.h"
+
+struct LayoutPlace;
 
 // Lives for the whole run. GUI thread.
-class MainDialog final : public LMainWindow,
-                         private LHotKeyHandler,
-                         private LTimerHandler,
-                         private ReadAloudListener {
+class MainDialog final : public LMainWindow, private ReadAloudListener {
 public:
     MainDialog();
     ~MainDialog() override;
@@ -45,9 +43,8 @@ public:
     void EvShown() override;
     void Command(int command) override;
     bool EvKeyDown(unsigned int key) override;
-    // Hides the window; without a tray that shows the icon, minimises it.
     void CmClose() override;
-    bool CmCancel() override;  // asks whether to end
+    bool CmCancel() override { return presence_.AskToEnd(); }
 
     void CmRead();
     void CmSave();
@@ -60,13 +57,9 @@ public:
 
     // Names the program that was in front before this window, in the labels that speak of it.
     void EvActiveWindowChanged(const char* program);
-    void EvNotifyIconContextMenu();
+    void EvNotifyIconContextMenu() { places_.PopupTrayMenu(); }
 
 private:
-    static constexpr int kKeepAliveTimer = 1;
-    static constexpr unsigned int kKeepAliveMilliseconds = 10000;
-
-    void EvTimer(int timerId) override;
     void CheckActiveWindowChange();
     void EvReadingStarted() override;
     void EvReadingTime(LSoundTime position, LSoundTime length) override;
@@ -79,14 +72,7 @@ private:
     void EvReadingStopped() override { waitingFiles_.clear(); }
     bool EvReadingKey(unsigned int key) override { return EvKeyDown(key); }
 
-    void HotkeysInit();
-    void HotkeysStart();  // as they are stored now
-    void HotkeysStop();
-    void EvHotKey(int index) override;
-    void EvHotKeyReleased(int index) override;
-    static void GCKeysChanged(GdkKeymap* keymap, gpointer self);
-    static int RunPressedHotKey(void* self);
-    void RunHotKey(int index);
+    void EvHotKey(int storedCommand);
     static std::string SelectedText();
 
     // In the status bar while there is nothing else to tell.
@@ -113,6 +99,7 @@ private:
     CommandNeeds Available();
     void CreateControls();
     void OfferButton(int number);
+    void Place(int control, const LayoutPlace& place);
     void CmReadOrStop();
     void CmReadFromFile();
     void CmReadFromSelection();
@@ -125,15 +112,11 @@ private:
     void EvFilesDropped(const std::vector<std::string>& paths);
     static bool ShowsCommandBar();
     void KeepFocus();
+    void Minimise();
     bool IsEntrysKey(LKeyCode key) const;
-    bool IsMinimised() const;
-    void BringBackWithoutTray();
-    static gboolean GCFirstDrawing(GtkWidget* widget, GdkEventExpose* event, gpointer self);
-    static gboolean GCFocusOut(GtkWidget* widget, GdkEventFocus* event, gpointer self);
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();
     void EvTextChanged();
-    void EvTrayIconPressed(int button);
     void ShowNoSpeechEngine();
 
     TextPane text_;
@@ -142,27 +125,19 @@ private:
     SelectionWatch selection_;
     LGuiTimer recentTimer_;
     LGuiTimer dropTimer_;
-    TrayIcon tray_;
-    LSplashScreen splash_;
-    LGuiTimer splashTimer_;
+    HotKeys hotKeys_;
+    HotKeyOffer hotKeyOffer_;
+    Presence presence_;
+    FirstMoments firstMoments_;
     VoiceChoice voices_;
     ReadAloud reading_;
     bool speaking_ = false;
     bool hadKeyboard_ = false;  // when the speaking began
-    bool askingToExit_ = false;
-    bool loading_ = false;  // its dialog handles events
+    bool loading_ = false;      // its dialog handles events
     bool settingWaitingFile_ = false;
     bool waitIsTold_ = false;  // of this reading; every further one would be talked over
-    HotKeyOffer hotKeyOffer_;
     KeyboardWait firstKeyboard_;
-    bool offersHotKeys_ = false;  // once the window is drawn
-    LSignalOwner keyboard_;
-    LGuiTimer keyboardTimer_;
-    int hotKeyCount_ = 0;
-    int heldHotKey_ = -1;            // index, -1 for none
-    int pressedHotKey_ = -1;         // what the idle source below will act on
-    unsigned int hotKeySource_ = 0;  // 0 when none
-    unsigned int nextFile_ = 0;      // idle source that goes on with the waiting files; 0 when none
+    unsigned int nextFile_ = 0;  // idle source that goes on with the waiting files; 0 when none
     std::deque<std::string>
         waitingFiles_;  // from the command line or another start, to be read in order
 };

@@ -1,4 +1,4 @@
-#include "app/tray_icon.h"
+#include "app/window/tray_icon.h"
 
 #include <gtest/gtest.h>
 

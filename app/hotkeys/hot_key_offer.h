@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "app/keyboard_wait.h"
+#include "app/window/keyboard_wait.h"
 #include "gui/window.h"
 
 // GUI thread. The question goes with this object.

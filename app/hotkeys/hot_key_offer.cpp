@@ -1,4 +1,4 @@
-#include "app/hot_key_offer.h"
+#include "app/hotkeys/hot_key_offer.h"
 
 #include <gdk/gdkkeysyms.h>
 
@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "app/hot_key_handler.h"
 #include "app/hot_key_store.h"
+#include "app/hotkeys/hot_key_handler.h"
 #include "app/settings_keys.h"
 #include "gui/message_box.h"
 

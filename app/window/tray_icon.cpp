@@ -1,4 +1,4 @@
-#include "app/tray_icon.h"
+#include "app/window/tray_icon.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>

@@ -1,4 +1,4 @@
-#include "app/keyboard_wait.h"
+#include "app/window/keyboard_wait.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "app/hot_key_handler.h"
+#include "app/hotkeys/hot_key_handler.h"
 
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>

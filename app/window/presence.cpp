@@ -1,0 +1,92 @@
+#include "app/window/presence.h"
+
+#include <utility>
+
+#include "app/settings_keys.h"
+#include "gui/icon_numbers.h"
+#include "gui/message_box.h"
+
+Presence::Presence(LMainWindow& window, int tipControl, Ways ways)
+    : window_(window),
+      tipControl_(tipControl),
+      ways_(std::move(ways)),
+      tray_([this](int button) { EvIconPressed(button); }) {}
+
+void Presence::Begin() {
+    tray_.Add(kTrayIcon, "Lectora");
+    TimerSet(kKeepAliveTimer, kKeepAliveMilliseconds);
+}
+
+void Presence::End() {
+    TimerReset(kKeepAliveTimer);
+    tray_.Remove();
+}
+
+// Brings the window back; pressing again does not hide it.
+void Presence::EvIconPressed(int button) {
+    if (button == 1 && (!gtk_widget_get_visible(window_.Widget()) || IsMinimised()))
+        window_.CmOpen();
+    else if (button == 3)
+        ways_.popupMenu();
+}
+
+bool Presence::IsMinimised() const {
+    return (gdk_window_get_state(gtk_widget_get_window(window_.Widget())) &
+            GDK_WINDOW_STATE_ICONIFIED) != 0;
+}
+
+void Presence::Close() {
+    if (!window_.IsOpen() || !gtk_widget_get_visible(window_.Widget()))
+        return;
+    if (!tray_.IsDocked()) {
+        // Hidden, nothing but a second start could bring it back.
+        ways_.minimise();
+        window_.BubbleTipRun(
+            tipControl_, "Lectora is minimized",
+            "This desktop has no notification area that could show Lectora's icon, so the window "
+            "was minimized instead of hidden. \"Exit (Turn Off)\" in its first menu ends Lectora.");
+        return;
+    }
+    ways_.hide();
+    if (!kFirstExitDoneSetting.Get()) {
+        kFirstExitDoneSetting.Set(true);
+        static constexpr char kText[] =
+            "Your hotkeys keep working. The icon in the notification area opens the window again, "
+            "and its menu ends Lectora.";
+        if (!window_.BubbleTipRun(tipControl_, "Lectora goes on", kText))
+            tray_.NotifyTray(kText);
+    }
+}
+
+// So does closing the box without an answer: the user has asked for the end and has not taken it
+// back.
+bool Presence::AskToEnd() {
+    if (isAsking_)
+        return false;
+    isAsking_ = true;
+    const int answer = MessageBoxRunYesNoCancel(
+        window_.Widget(), "Lectora", "Confirm Exit",
+        "Do you want Lectora to continue run in the background so you can use your hot keys to "
+        "read text?");
+    isAsking_ = false;
+    if (answer == GTK_RESPONSE_YES)
+        Close();
+    else if (answer == GTK_RESPONSE_NO)
+        ways_.hide();
+    return answer != GTK_RESPONSE_YES && answer != GTK_RESPONSE_CANCEL;
+}
+
+// Nobody loses the program: a window that was hidden into a tray that has gone comes back.
+void Presence::BringBackWithoutTray() {
+    if (!gtk_widget_get_visible(window_.Widget()) && !tray_.IsDocked())
+        window_.CmOpen();
+}
+
+void Presence::EvTimer(int timerId) {
+    if (timerId != kKeepAliveTimer) {
+        TimerReset(timerId);
+        return;
+    }
+    BringBackWithoutTray();
+    TimerSet(kKeepAliveTimer, kKeepAliveMilliseconds);
+}

@@ -1,0 +1,42 @@
+// Where the main window's controls stand: from sizes to places, without a window.
+#pragma once
+
+// A lower window shows no tool bar, so that the text has room. Pixels, of the whole window.
+bool HasRoomForToolBar(int windowHeight);
+
+// What there is to be placed; pixels.
+struct LayoutSizes {
+    int left = 0;  // the free area below the bars
+    int top = 0;
+    int width = 0;
+    int height = 0;
+    bool isLow = false;  // the tool bar has made room already
+    bool wantsCommandBar = false;
+    int findHeight = 0;  // 0: the find bar is closed
+    int labelWidth = 0;  // of "Choose Voice: "
+    int labelHeight = 0;
+    int listHeight = 0;  // of the list of voices
+};
+
+struct LayoutPlace {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    bool isShown = true;
+};
+
+struct WindowLayout {
+    LayoutPlace commandBar;
+    LayoutPlace text;
+    LayoutPlace findBar;
+    LayoutPlace voiceLabel;
+    LayoutPlace voiceList;
+    LayoutPlace readButton;
+    LayoutPlace saveButton;
+};
+
+// Voices and buttons share the bottom row. Where the command bar would leave too little room for
+// that, it ends above the row; where even the whole width is too little, the voices get a row of
+// their own.
+WindowLayout LayOut(const LayoutSizes& sizes);
