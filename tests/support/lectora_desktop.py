@@ -11,7 +11,9 @@ import subprocess
 import time
 import wave
 
+import accessible_roles
 import pyatspi
+from waiting import PATIENCE, TimeOut, wait_until  # the tests' too
 
 HERE = os.path.dirname(os.path.realpath(__file__))
 DESKTOP = os.environ["LECTORA_DESKTOP"]
@@ -19,9 +21,8 @@ BUILD = os.environ["LECTORA_BUILD"]
 HOME = os.environ["HOME"]
 SPEECH = os.path.join(HOME, "speech.wav")
 
+accessible_roles.use_names_of_tests()
 
-# How long an event may take on a busy machine; tests of delays say their own limit.
-PATIENCE = 60.0
 
 # A click that comes sooner may be taken for the second of a double click.
 DOUBLE_CLICK = 0.5
@@ -30,35 +31,18 @@ DOUBLE_CLICK = 0.5
 NOWHERE = -(2**31)
 
 
-class TimeOut(AssertionError):
-    pass
-
-
-def wait_until(condition, what, seconds=PATIENCE):
-    """The first true value of condition(); a widget that vanishes meanwhile is not there yet."""
-    deadline = time.monotonic() + seconds
-    while True:
-        try:
-            value = condition()
-            if value:
-                return value
-        except (
-            Exception
-        ) as error:  # pyatspi raises GLib errors of many kinds for a widget that has just gone
-            if isinstance(error, AssertionError) and not isinstance(error, TimeOut):
-                raise
-        if time.monotonic() > deadline:
-            raise TimeOut(f"waited {seconds} s for {what}")
-        time.sleep(0.02)
-
-
 def xdotool(*arguments):
+    deadline = time.monotonic() + PATIENCE
     while True:
         run = subprocess.run(
-            ["xdotool", *map(str, arguments)], capture_output=True, text=True, check=False
+            ["xdotool", *map(str, arguments)],
+            capture_output=True,
+            text=True,
+            check=False,
+            timeout=PATIENCE,
         )
         # A window that goes while it looks ends it: that is no answer.
-        if arguments[0] != "search" or "X Error" not in run.stderr:
+        if arguments[0] != "search" or "X Error" not in run.stderr or time.monotonic() > deadline:
             return run.stdout
 
 
