@@ -10,6 +10,7 @@ import tempfile
 
 import pyatspi
 
+import accessible_roles
 import lectora_desktop as desktop
 
 # A log that is written in whole blocks would hold back the last utterances for ever; what else it
@@ -19,16 +20,17 @@ _CUSTOMIZATIONS = """
 from orca import debug, settings
 debug.debugFile.reconfigure(line_buffering=True)
 debug.debugLevel = debug.LEVEL_INFO
-def speech_only(level, text="", timestamp=False, write=debug.println):
-    if text.startswith(("SPEECH OUTPUT", "^^^^^")):
-        write(level, text, timestamp)
-debug.println = speech_only
+writer = "println" if hasattr(debug, "println") else "_print_text"
+def speech_only(level, text="", *details, write=getattr(debug, writer)):
+    if text.startswith("SPEECH OUTPUT") or "^^^^^" in text:
+        write(level, text, *details)
+setattr(debug, writer, speech_only)
 settings.timeoutTime = 0
 settings.enableKeyEcho = settings.enableBraille = False
 """
 
 # An utterance, whose further lines are indented, or the end of what an event made the reader say.
-_LOGGED = re.compile(r"SPEECH OUTPUT: '(.*?)'(?: voice=\w+)? ?(?:\{[^\n]*\}|None)?\n(?! {18})|(\^{5}) PROCESS", re.DOTALL)
+_LOGGED = re.compile(r"SPEECH OUTPUT: '(.*?)'(?: voice=\w+)? ?(?:\{[^\n]*\}|None)?\n(?! {18})|(\^{5}) (?:PROCESS|FINISHED)", re.DOTALL)
 
 # What the user hears about states that a key press changes: the state, when set, else.
 _SPOKEN_STATES = {
@@ -50,10 +52,12 @@ class ScreenReader:
         open(log, "w").close()
         self._log = open(log, encoding="utf-8", errors="replace")
         self._unread, self._logged = "", []
+        self._hide_others()
         output = os.path.join(self._folder, "output")
         with open(output, "w") as file:
             self.process = subprocess.Popen(
                 ["orca", "--user-prefs", self._folder, "--debug-file", log],
+                env=dict(os.environ, PATH=self._folder + ":" + os.environ["PATH"]),
                 stdin=subprocess.DEVNULL,
                 stdout=file,
                 stderr=file,
@@ -63,6 +67,14 @@ class ScreenReader:
         except AssertionError as error:
             with open(output) as file:
                 raise AssertionError(f"{error}; the screen reader: {file.read()}") from None
+
+    def _hide_others(self):
+        """It starts beside no other of the same user, whose desktop this one has nothing to do with;
+        its only question about processes is this program's."""
+        answer = os.path.join(self._folder, "pgrep")
+        with open(answer, "w") as file:
+            file.write("#!/bin/sh\nexit 1\n")
+        os.chmod(answer, 0o700)
 
     def __enter__(self):
         return self
@@ -80,7 +92,8 @@ class ScreenReader:
         self._unread += self._log.read()
         end = 0
         for match in _LOGGED.finditer(self._unread):
-            self._logged.append(None if match[2] else " ".join(match[1].split()))
+            said = " ".join((match[1] or "").split())
+            self._logged.append(None if match[2] else accessible_roles.in_words_of_tests(said))
             end = match.end()
         self._unread = self._unread[end:]
         return self._logged
