@@ -128,25 +128,26 @@ const LHotKeyHandler::HotKey* LHotKeyHandler::Find(unsigned int keycode, unsigne
 
 // Every event that the X server reports.
 GdkFilterReturn LHotKeyHandler::gdk_filter(GdkXEvent* xevent, GdkEvent*, gpointer handler) {
-    auto* self = static_cast<LHotKeyHandler*>(handler);
-    if (self == nullptr)
-        return GDK_FILTER_REMOVE;
-    const auto& event = *static_cast<XEvent*>(xevent);
-    if (event.type != KeyPress && event.type != KeyRelease)
+    return handler != nullptr ? static_cast<LHotKeyHandler*>(handler)->EvXEvent(xevent)
+                              : GDK_FILTER_REMOVE;
+}
+
+GdkFilterReturn LHotKeyHandler::EvXEvent(GdkXEvent* xevent) {
+    const XKeyEvent& key = static_cast<XEvent*>(xevent)->xkey;
+    if (key.type != KeyPress && key.type != KeyRelease)
         return GDK_FILTER_CONTINUE;
-    const unsigned int keycode = event.xkey.keycode;
-    if (XkbKeycodeToKeysym(event.xkey.display, static_cast<KeyCode>(keycode), 0, 0) == NoSymbol)
+    if (XkbKeycodeToKeysym(key.display, static_cast<KeyCode>(key.keycode), 0, 0) == NoSymbol)
         return GDK_FILTER_CONTINUE;
-    const HotKey* hotKey = event.type == KeyPress ? self->Find(keycode, event.xkey.state) : nullptr;
+    const HotKey* hotKey = key.type == KeyPress ? Find(key.keycode, key.state) : nullptr;
     if (hotKey != nullptr) {
-        self->downKeycode_ = keycode;
-        self->downIndex_ = hotKey->index;
-        self->EvHotKey(hotKey->index);
-    } else if (event.type == KeyRelease && keycode == self->downKeycode_) {
+        downKeycode_ = key.keycode;
+        downIndex_ = hotKey->index;
+        EvHotKey(hotKey->index);
+    } else if (key.type == KeyRelease && key.keycode == downKeycode_) {
         // Many users let go of the modifiers first, so that these do not tell.
-        self->downKeycode_ = 0;
-        self->EvHotKeyReleased(self->downIndex_);
-    } else if (event.xkey.window != GDK_WINDOW_XID(self->root_)) {
+        downKeycode_ = 0;
+        EvHotKeyReleased(downIndex_);
+    } else if (key.window != GDK_WINDOW_XID(root_)) {
         return GDK_FILTER_CONTINUE;  // an ordinary key of a window of ours
     }
     return GDK_FILTER_REMOVE;

@@ -50,6 +50,7 @@ private:
     };
 
     static GdkFilterReturn gdk_filter(GdkXEvent* xevent, GdkEvent* event, gpointer handler);
+    GdkFilterReturn EvXEvent(GdkXEvent* xevent);
     const HotKey* Find(unsigned int keycode, unsigned int state) const;
     void Ungrab(const HotKey& hotKey) const;
 

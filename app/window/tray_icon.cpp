@@ -149,21 +149,24 @@ void TrayIcon::WatchForTrays() {
 }
 
 GdkFilterReturn TrayIcon::GCRootEvent(GdkXEvent* xevent, GdkEvent*, gpointer user) {
-    auto* icon = static_cast<TrayIcon*>(user);
+    static_cast<TrayIcon*>(user)->EvRootEvent(xevent);
+    return GDK_FILTER_CONTINUE;
+}
+
+void TrayIcon::EvRootEvent(GdkXEvent* xevent) {
     const auto& event = *static_cast<XEvent*>(xevent);
     if (event.type != ClientMessage)
-        return GDK_FILTER_CONTINUE;
+        return;
     Display* display = event.xclient.display;
-    if (event.xclient.message_type == AtomOf(display, "MANAGER") &&
-        static_cast<Atom>(event.xclient.data.l[1]) ==
-            AtomOf(display, TraySelection(display).c_str())) {
-        // The old one went with its tray, or never had any.
-        if (icon->plug_ != nullptr)
-            gtk_widget_destroy(icon->plug_);
-        icon->CreatePlug();
-        icon->DockToSysTray();
-    }
-    return GDK_FILTER_CONTINUE;
+    if (event.xclient.message_type != AtomOf(display, "MANAGER") ||
+        static_cast<Atom>(event.xclient.data.l[1]) !=
+            AtomOf(display, TraySelection(display).c_str()))
+        return;
+    // The old one went with its tray, or never had any.
+    if (plug_ != nullptr)
+        gtk_widget_destroy(plug_);
+    CreatePlug();
+    DockToSysTray();
 }
 
 gboolean TrayIcon::GSButtonDownNotify(GtkWidget*, GdkEventButton* event, gpointer user) {

@@ -27,6 +27,7 @@ private:
     void CreatePlug();
     void DockToSysTray();
     void WatchForTrays();
+    void EvRootEvent(GdkXEvent* xevent);
     static gboolean GSButtonDownNotify(GtkWidget* widget, GdkEventButton* event, gpointer icon);
     static void GCPlugDestroyed(GtkWidget* widget, gpointer icon);
     static GdkFilterReturn GCRootEvent(GdkXEvent* xevent, GdkEvent* event, gpointer icon);
