@@ -4,14 +4,13 @@
 #include <utility>
 
 #include "app/read_aloud.h"
-#include "app/settings_keys.h"
 #include "desktop/dialogs/ready_dialog.h"
 #include "foundation/child_process.h"
 #include "foundation/gdk/queued_notify.h"
 #include "playback/play_device.h"
 #include "playback/sound_server.h"
 #include "speech/voice_list_query.h"
-#include "speech/voices.h"
+#include "speech/voice_table.h"
 
 namespace {
 
@@ -55,11 +54,11 @@ public:
                 return Engine::kSpeaks;
         }
     }
-    int VoiceCount() const override { return TTSGetNumSpeakers(); }
+    int VoiceCount() const override { return CountVoices(); }
     std::vector<std::string> Cards() const override { return cards_; }
     bool HasEncoder() const override { return IsProgramInstalled("lame"); }
     void ReadTestSentence(GtkWidget* parent) override {
-        reading_.Start({parent}, kTestSentence, std::max(0, kVoiceSetting.Get()), false);
+        reading_.Start({parent}, kTestSentence, std::max(0, ChosenVoice()), false);
     }
 
 private:

@@ -7,7 +7,7 @@
 #include "foundation/text_buffer.h"
 #include "gui/message_box.h"
 #include "gui/progress_dialog.h"
-#include "speech/voices.h"
+#include "speech/voice_table.h"
 
 namespace {
 
@@ -29,9 +29,7 @@ bool WaitWithoutDialog(LSignalObjectRef signal) {
 }
 
 std::string VoiceName(int voice) {
-    char name[kTextBufferSize];
-    TTSGetDictSpeakerName(voice, name);
-    return name;
+    return VoiceAt(voice).title;
 }
 
 }  // namespace

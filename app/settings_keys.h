@@ -3,7 +3,6 @@
 
 #include "foundation/setting.h"
 
-constexpr UserSetting<int> kVoiceSetting{"Settings", "TextToSpeechVoice", 0};
 constexpr UserSetting<const char*> kOpenFolderSetting{"Settings", "OpenFileDir", ""};
 constexpr UserSetting<const char*> kSaveFolderSetting{"Settings", "SaveFileDir", ""};
 // "0": the format is chosen while saving, by the name's extension and a dialog.

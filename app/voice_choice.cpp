@@ -2,9 +2,8 @@
 
 #include <utility>
 
-#include "app/settings_keys.h"
 #include "gui/progress_dialog.h"
-#include "speech/voices.h"
+#include "speech/voice_table.h"
 
 VoiceChoice::VoiceChoice(LWindow& window, int list, std::function<void()> answered)
     : window_(window),
@@ -18,18 +17,14 @@ void VoiceChoice::EvNotify() {
 }
 
 void VoiceChoice::Fill() {
-    if (!AreVoicesKnown())
+    const int count = CountVoices();
+    if (count == 0)
         return;
-    const int count = TTSGetNumSpeakers();
-    for (; shown_ < count; ++shown_) {
-        char name[kTextBufferSize];
-        TTSGetDictSpeakerName(shown_, name);
-        window_.PDLAddString(list_, name);
-    }
+    for (; shown_ < count; ++shown_)
+        window_.PDLAddString(list_, VoiceAt(shown_).title.c_str());
     if (chosen_ >= 0)
         return;
-    const int stored = kVoiceSetting.Get();
-    chosen_ = stored >= 0 && stored < count ? stored : 0;
+    chosen_ = ChosenVoice();
     window_.PDLSetCurSel(list_, chosen_);
 }
 
@@ -45,7 +40,7 @@ void VoiceChoice::NoteChange() {
     if (selected < 0 || selected == chosen_)
         return;
     chosen_ = selected;
-    kVoiceSetting.Set(IndexAtNextStart(chosen_));  // the end of a session ends the program unasked
+    KeepChosenVoice(chosen_);  // the end of a session ends the program unasked
 }
 
 int VoiceChoice::Chosen() {
@@ -60,5 +55,5 @@ int VoiceChoice::Chosen() {
 void VoiceChoice::Store() {
     const int voice = Chosen();
     if (voice >= 0)
-        kVoiceSetting.Set(IndexAtNextStart(voice));
+        KeepChosenVoice(voice);
 }

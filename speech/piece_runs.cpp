@@ -8,8 +8,6 @@
 #include <thread>
 
 #include "foundation/log.h"
-#include "foundation/text_buffer.h"
-#include "speech/voice_charset.h"
 #include "speech/voices.h"
 
 namespace {
@@ -61,11 +59,8 @@ PieceRuns::PieceRuns(std::string_view text, int voice, std::string folder, Readi
 PieceRuns::~PieceRuns() = default;
 
 bool PieceRuns::StartRuns() {
-    if (!pieces_) {
-        char voice[kTextBufferSize];
-        TTSGetDictSpeakerName(voice_, voice);
-        pieces_.emplace(text_, CharsetOfVoice(voice), use_);
-    }
+    if (!pieces_)
+        pieces_.emplace(text_, AskedVoiceAt(voice_).charset, use_);
     while (!hasEnded_ && runs_.size() < mostAtOnce_ && taker_.IsMoreWanted() && PullPiece()) {
     }
     for (std::size_t i = 0; !hasEnded_ && i < std::min(mostAtOnce_, runs_.size()); ++i)
@@ -167,7 +162,7 @@ void PieceRuns::LeaveOut(const SpeechPiece& piece, SynthesisOutcome why) {
     spokenTo_ = piece.SourceEnd();
     whyNothing_ = why;
     LOGWARNF("Speech: left out bytes %zu to %zu of the text: %s", piece.SourceBegin(),
-             piece.SourceEnd(), SynthesisMessage(why).c_str());
+             piece.SourceEnd(), SynthesisMessage(why, VoiceAt(voice_)).c_str());
     if (++leftOutInRow_ >= kMaxLeftOutInRow)
         End(why);
 }

@@ -200,7 +200,7 @@ SynthesisOutcome SpeechReading::Outcome() const {
 std::string SpeechReading::Message() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (outcome_ != SynthesisOutcome::kSpoken)
-        return SynthesisMessage(outcome_);
+        return SynthesisMessage(outcome_, VoiceAt(voice_));
     return LeftOutMessage(text_, leftOut_);
 }
 

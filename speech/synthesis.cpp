@@ -15,11 +15,10 @@
 #include "formats/wave_file.h"
 #include "foundation/child_process.h"
 #include "foundation/file.h"
-#include "foundation/text_buffer.h"
 #include "foundation/text_file.h"
+#include "speech/festival_voices.h"
 #include "speech/run_files.h"
 #include "speech/text_preparation.h"
-#include "speech/voice_charset.h"
 #include "speech/voices.h"
 
 namespace {
@@ -41,7 +40,7 @@ long long FileSize(const std::string& path) {
 
 }  // namespace
 
-std::string SynthesisMessage(SynthesisOutcome outcome) {
+std::string SynthesisMessage(SynthesisOutcome outcome, const Voice& voice) {
     switch (outcome) {
         case SynthesisOutcome::kSpoken:
         case SynthesisOutcome::kStopped:
@@ -51,10 +50,14 @@ std::string SynthesisMessage(SynthesisOutcome outcome) {
         case SynthesisOutcome::kNothingToSay:
             return "There is nothing in this text that the chosen voice can speak.";
         case SynthesisOutcome::kEngineMissing:
-            return "The speech engine is not installed: the program \"text2wave\" was not found.";
+            return "The speech engine is not installed: the program \"" + EngineOf(voice).program +
+                   "\" was not found.";
         case SynthesisOutcome::kCannotStart:
             return "The speech engine could not be started: the system is out of resources.";
         case SynthesisOutcome::kNoSound:
+            if (const std::string package = MissingCompanion(voice.name); !package.empty())
+                return "The voice " + voice.title + " needs the package \"" + package +
+                       "\", which is not installed.";
             return "The speech engine produced no sound for this text. Another voice may help: "
                    "this one may have been removed or be incomplete.";
         case SynthesisOutcome::kIncomplete:
@@ -67,28 +70,6 @@ std::string SynthesisMessage(SynthesisOutcome outcome) {
                    "missing.";
     }
     return {};
-}
-
-std::string ShellWord(std::string_view word) {
-    constexpr std::string_view kPlain =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_./-";
-    if (!word.empty() && word.find_first_not_of(kPlain) == std::string_view::npos)
-        return std::string(word);
-    std::string quoted = "'";
-    for (const char character : word) {
-        if (character == '\'')
-            quoted += "'\\''";
-        else
-            quoted += character;
-    }
-    return quoted + "'";
-}
-
-std::string SynthesisCommand(std::string_view voice, std::string_view textPath,
-                             std::string_view soundPath) {
-    const std::string expression = "(voice_" + std::string(voice) + ")";
-    return "text2wave -eval " + ShellWord(expression) + " " + ShellWord(textPath) + " -o " +
-           ShellWord(soundPath);
 }
 
 // Worker and waiter each hold a reference; whoever is last frees it.
@@ -115,8 +96,7 @@ void SynthesisRun::Record::RunEngine() {
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         if (!isUnwanted_)
-            // In place of the shell, so that the engine itself dies with its starter.
-            engine = LChildProcess::StartShell(("exec " + command).c_str(), streams);
+            engine = LChildProcess::StartShell(command.c_str(), streams);
         engine_ = engine.Pid();
     }
     result.store(engine.IsStarted() ? kProcessDone : kProcessFailed);
@@ -132,7 +112,8 @@ void SynthesisRun::Record::KillEngine() {
         ::kill(-engine_, SIGKILL);
 }
 
-SynthesisRun::SynthesisRun(LTTS& request) : request_(request) {}
+SynthesisRun::SynthesisRun(LTTS& request)
+    : request_(request), voice_(AskedVoiceAt(request.voice)), engine_(EngineOf(voice_)) {}
 
 SynthesisRun::~SynthesisRun() {
     End();
@@ -143,9 +124,7 @@ LSignalObjectRef SynthesisRun::Finished() const {
 }
 
 bool SynthesisRun::Start() {
-    char voice[kTextBufferSize];
-    TTSGetDictSpeakerName(request_.voice, voice);
-    const PreparedText prepared = PrepareText(request_.text, CharsetOfVoice(voice));
+    const PreparedText prepared = PrepareText(request_.text, voice_.charset);
     if (!prepared.hasWords) {
         request_.outcome = SynthesisOutcome::kNothingToSay;
         return false;
@@ -159,11 +138,9 @@ bool SynthesisRun::StartPrepared(std::string_view text) {
 }
 
 bool SynthesisRun::StartEngine(std::string_view text) {
-    char voice[kTextBufferSize];
-    TTSGetDictSpeakerName(request_.voice, voice);
     RemoveFilesOfDeadRuns(FolderOf(request_.outputPath));
     std::string command;
-    if (!WriteText(text) || !ChooseCommand(voice, command)) {
+    if (!WriteText(text) || !ChooseCommand(command)) {
         request_.outcome = SynthesisOutcome::kCannotWrite;
         return false;
     }
@@ -183,15 +160,15 @@ bool SynthesisRun::WriteText(std::string_view text) {
 }
 
 // The sound file stands beside the output, or in the temporary folder when its path would not fit
-// into the command.
-bool SynthesisRun::ChooseCommand(std::string_view voice, std::string& command) {
+// into the command; a voice's name may be longer than that.
+bool SynthesisRun::ChooseCommand(std::string& command) {
     for (const std::string& folder :
          {FolderOf(request_.outputPath), std::string(kTemporaryFolder)}) {
         soundPath_ = MakeRunSoundFile(folder, textPath_);
         if (soundPath_.empty())
             return false;
-        command = SynthesisCommand(voice, textPath_, soundPath_);
-        if (command.size() < kMaxCommand)
+        command = engine_.command(engine_, voice_, textPath_, soundPath_);
+        if (command.size() < kMaxCommand || folder == kTemporaryFolder)
             return true;
         ::unlink(soundPath_.c_str());
         soundPath_.clear();
@@ -201,7 +178,8 @@ bool SynthesisRun::ChooseCommand(std::string_view voice, std::string& command) {
 
 bool SynthesisRun::StartWorker(std::string command) {
     record_ = std::make_shared<Record>();
-    record_->command = std::move(command);
+    // In place of the shell, so that the engine itself dies with its starter.
+    record_->command = (engine_.isOneProgram ? "exec " : "") + std::move(command);
     auto* const share = new std::shared_ptr<Record>(record_);
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
@@ -264,7 +242,7 @@ SynthesisOutcome SynthesisRun::Judge() {
     const LSoundSource sound = LWaveFile::OpenSource(soundPath_.c_str());
     const int frames = sound->GetEndSample();
     if (sound->Status() != SoundStatus::kGood || frames < 1) {
-        if (!IsProgramInstalled("text2wave"))
+        if (engine_.isOneProgram && !IsProgramInstalled(engine_.program.c_str()))
             return SynthesisOutcome::kEngineMissing;
         return IsDiskFull(FolderOf(soundPath_)) ? SynthesisOutcome::kCannotWrite
                                                 : SynthesisOutcome::kNoSound;

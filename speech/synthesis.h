@@ -14,6 +14,8 @@
 #include "foundation/progress.h"
 #include "foundation/signal_object.h"
 #include "sound/sound_source.h"
+#include "speech/speech_engines.h"
+#include "speech/voice_table.h"
 
 constexpr unsigned int kSynthesisTimeoutMilliseconds = 20000;
 
@@ -30,26 +32,20 @@ enum class SynthesisOutcome {
     kTooLong,      // the rest is more than a sound file can hold
 };
 
-// One plain sentence for the user; empty for kSpoken and kStopped.
-std::string SynthesisMessage(SynthesisOutcome outcome);
+// One plain sentence for the user; empty for kSpoken and kStopped. With the voice it names what
+// that one lacks.
+std::string SynthesisMessage(SynthesisOutcome outcome, const Voice& voice = {});
 
 // A request. The texts are borrowed and outlive the run.
 struct LTTS {
     const char* text = "";
     const char* outputPath = "";
-    int voice = 0;           // index into the voice table, clamped
+    int voice = 0;           // index into the voice table (voice_table.h), clamped
     unsigned char flag = 1;  // always 1
     LSignalObject done;      // signalled when the run has ended, well or not
     LProcessResult result = kProcessFailed;
     SynthesisOutcome outcome = SynthesisOutcome::kNoSound;
 };
-
-// The word as the shell reads it back: quoted when it holds anything but A-Z a-z 0-9 _ . / -
-std::string ShellWord(std::string_view word);
-
-// The engine's command line; the voice name is quoted in any case.
-std::string SynthesisCommand(std::string_view voice, std::string_view textPath,
-                             std::string_view soundPath);
 
 // The steps around the wait, on the waiter's thread: Start, wait for Finished(), Finish.
 class SynthesisRun {
@@ -77,7 +73,7 @@ private:
 
     static void* ProcessRunThreadCallback(void* record);
     bool WriteText(std::string_view text);
-    bool ChooseCommand(std::string_view voice, std::string& command);
+    bool ChooseCommand(std::string& command);
     bool StartWorker(std::string command);
     bool StartEngine(std::string_view text);
     SynthesisOutcome Judge();
@@ -85,6 +81,8 @@ private:
     void End();
 
     LTTS& request_;
+    const Voice voice_;
+    const SpeechEngine engine_;
     std::string textPath_;   // empty when there is no such file
     std::string soundPath_;  // likewise
     std::shared_ptr<Record> record_;

@@ -9,18 +9,33 @@
 
 #include "foundation/pipes.h"
 #include "speech/engine_input.h"
-#include "speech/voices.h"
+#include "speech/voice_table.h"
 
 namespace {
 
-// An engine that is silent for so long hangs; the next one may not.
+// An engine that is silent for so long hangs; the next one may not. Where others speak, nobody
+// waits for it that long.
 constexpr std::chrono::seconds kReplyPatience(60);
+constexpr std::chrono::seconds kReplyPatienceBesideOthers(20);
 constexpr unsigned int kPauseMilliseconds = 500;  // between two attempts
-constexpr int kMaxSilentEnds = 3;                 // engines in a row that end without an answer
+constexpr std::size_t kLargestAnswer = 1 << 20;
+constexpr int kMaxSilentEnds = 3;  // rounds in a row that end without an answer
 
-bool IsWhole(const std::string& reply) {
-    const std::size_t prompt = reply.find("festival>");
-    return prompt != std::string::npos && reply.find(')', prompt) != std::string::npos;
+std::string FirstWord(const std::string& command) {
+    return command.substr(0, command.find(' '));
+}
+
+bool IsInstalled(const SpeechEngine& engine) {
+    const std::string program =
+        engine.listCommand.empty() ? engine.program : FirstWord(engine.listCommand);
+    return program.find('/') == std::string::npos ? IsProgramInstalled(program.c_str())
+                                                  : ::access(program.c_str(), X_OK) == 0;
+}
+
+std::vector<SpeechEngine> InstalledEngines() {
+    std::vector<SpeechEngine> engines = SpeechEngines();
+    std::erase_if(engines, [](const SpeechEngine& engine) { return !IsInstalled(engine); });
+    return engines;
 }
 
 int MillisecondsUntil(std::chrono::steady_clock::time_point end) {
@@ -65,11 +80,12 @@ void VoiceListQuery::ThreadFunction() {
 
 VoiceListState VoiceListQuery::AskUntilAnswered() {
     for (int silentEnds = 0; !IsStopping(); StopSignal().WaitSignal(kPauseMilliseconds)) {
-        if (!anew_ && AreVoicesKnown())
+        if (!anew_ && CountVoices() > 0)
             return VoiceListState::kKnown;
-        if (!IsProgramInstalled("festival"))
+        const std::vector<SpeechEngine> engines = InstalledEngines();
+        if (engines.empty())
             return VoiceListState::kNoEngine;
-        const VoiceListState state = Converse();
+        const VoiceListState state = AskAll(engines);
         if (state == VoiceListState::kKnown)
             return state;
         if (state == VoiceListState::kNoVoices && ++silentEnds == kMaxSilentEnds)
@@ -78,45 +94,59 @@ VoiceListState VoiceListQuery::AskUntilAnswered() {
     return VoiceListState::kAsking;
 }
 
-// One engine: kAsking when it gave no answer in time or could not be started.
-VoiceListState VoiceListQuery::Converse() {
-    LPipeInOut engine;
-    if (!engine._Open("festival -i"))
-        return VoiceListState::kAsking;
-    WriteToEngine(engine.WriteFd(), kVoiceListCommand);
-    std::string reply;
-    if (!ReadReply(engine, reply)) {
-        engine.Kill();
-        return VoiceListState::kAsking;
+// The table gets the voices of all at once, in the order of the rows.
+VoiceListState VoiceListQuery::AskAll(const std::vector<SpeechEngine>& engines) {
+    const std::chrono::seconds patience =
+        engines.size() > 1 ? kReplyPatienceBesideOthers : kReplyPatience;
+    std::vector<Voice> voices;
+    VoiceListState state = VoiceListState::kNoVoices;
+    for (const SpeechEngine& engine : engines) {
+        std::vector<Voice> more = engine.ownVoices;
+        if (!engine.listCommand.empty() && !Converse(engine, patience, more))
+            state = VoiceListState::kAsking;
+        voices.insert(voices.end(), more.begin(), more.end());
     }
-    if (!IsWhole(reply))
-        return VoiceListState::kNoVoices;
-    std::vector<std::string> names = ParseVoiceList(reply);
-    const bool hasVoice = std::any_of(names.begin(), names.end(),
-                                      [](const std::string& name) { return !name.empty(); });
-    if (!hasVoice)
-        return VoiceListState::kNoVoices;
-    KeepVoices(std::move(names));
+    if (voices.empty() || IsStopping())
+        return state;
+    AddVoices(voices);
     return VoiceListState::kKnown;
 }
 
+// False when it gave no answer in time or could not be started.
+bool VoiceListQuery::Converse(const SpeechEngine& engine, std::chrono::seconds patience,
+                              std::vector<Voice>& voices) const {
+    LPipeInOut pipe;
+    if (!pipe._Open(engine.listCommand.c_str()))
+        return false;
+    WriteToEngine(pipe.WriteFd(), engine.listInput);
+    std::string answer;
+    if (!ReadAnswer(pipe, engine, patience, answer)) {
+        pipe.Kill();
+        return false;
+    }
+    voices = engine.voicesIn(engine, answer);
+    return true;
+}
+
 // Until the list or the engine's end; false when neither came, or on a request to stop.
-bool VoiceListQuery::ReadReply(LPipeInOut& engine, std::string& reply) const {
-    const auto end = std::chrono::steady_clock::now() + kReplyPatience;
-    while (!IsWhole(reply)) {
-        pollfd events[] = {{engine.ReadFd(), POLLIN, 0}, {StopSignal().ReadFd(), POLLIN, 0}};
+bool VoiceListQuery::ReadAnswer(LPipeInOut& pipe, const SpeechEngine& engine,
+                                std::chrono::seconds patience, std::string& answer) const {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while ((engine.isWhole == nullptr || !engine.isWhole(answer)) &&
+           answer.size() < kLargestAnswer) {
+        pollfd events[] = {{pipe.ReadFd(), POLLIN, 0}, {StopSignal().ReadFd(), POLLIN, 0}};
         const int ready = ::poll(events, 2, MillisecondsUntil(end));
         if (ready < 0 && errno == EINTR)
             continue;
         if (ready <= 0 || events[1].revents != 0)
             return false;
         char block[4096];
-        const ssize_t got = ::read(engine.ReadFd(), block, sizeof block);
+        const ssize_t got = ::read(pipe.ReadFd(), block, sizeof block);
         if (got < 0 && errno == EINTR)
             continue;
         if (got <= 0)
             return true;
-        reply.append(block, static_cast<std::size_t>(got));
+        answer.append(block, static_cast<std::size_t>(got));
     }
     return true;
 }

@@ -1,23 +1,26 @@
 // Asking for the voices without keeping anybody waiting.
 //
-// The engine answers within a tenth of a second when it is warm, and after many seconds on a busy
-// machine or from a cold disk. A query asks on a thread of its own until it knows.
+// Festival answers within a tenth of a second when it is warm, and after many seconds on a busy
+// machine or from a cold disk. A query asks all engines on a thread of its own until it knows.
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "foundation/progress.h"
 #include "foundation/thread.h"
+#include "speech/speech_engines.h"
 
 class LPipeInOut;
 
 enum class VoiceListState {
     kAsking,    // not asked yet, or not answered yet
-    kKnown,     // the functions in voices.h answer from memory
-    kNoEngine,  // the engine's program is not installed
-    kNoVoices,  // it answers without a voice, or ends without an answer
+    kKnown,     // the table in voice_table.h holds them
+    kNoEngine,  // no engine's program is installed
+    kNoVoices,  // they answer without a voice, or end without an answer
 };
 
 // Belongs to one thread, which starts and destroys it and asks for its state.
@@ -40,8 +43,11 @@ private:
     void StartAsking(bool anew);
     void ThreadFunction() override;
     VoiceListState AskUntilAnswered();
-    VoiceListState Converse();
-    bool ReadReply(LPipeInOut& engine, std::string& reply) const;
+    VoiceListState AskAll(const std::vector<SpeechEngine>& engines);
+    bool Converse(const SpeechEngine& engine, std::chrono::seconds patience,
+                  std::vector<Voice>& voices) const;
+    bool ReadAnswer(LPipeInOut& pipe, const SpeechEngine& engine, std::chrono::seconds patience,
+                    std::string& answer) const;
 
     std::function<void()> answered_;
     bool anew_ = false;  // changed while no thread runs

@@ -6,12 +6,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <mutex>
+#include <iterator>
 #include <thread>
 
 #include "foundation/pipes.h"
 #include "foundation/text_buffer.h"
 #include "speech/engine_input.h"
+#include "speech/festival_voices.h"
+#include "speech/voice_table.h"
 
 namespace {
 
@@ -19,26 +21,19 @@ constexpr std::string_view kPrompt = "festival>";
 constexpr int kMaxPolls = 11;
 constexpr std::chrono::milliseconds kPollInterval(100);
 
-std::mutex gTableMutex;
-
-// gTableMutex held.
-std::vector<std::string>& VoiceTable() {
-    static std::vector<std::string> table;
-    return table;
-}
-std::vector<std::string>& LatestAnswer() {
-    static std::vector<std::string> names;
-    return names;
-}
-
-int CountVoices() {
-    const std::lock_guard<std::mutex> lock(gTableMutex);
-    return static_cast<int>(VoiceTable().size());
-}
-
 int WaitingBytes(int fd) {
     int waiting = 0;
     return ::ioctl(fd, FIONREAD, &waiting) == 0 ? waiting : 0;
+}
+
+// What is no list fills the table as it always has.
+void KeepFestivalVoices(const std::string& reply) {
+    std::vector<std::string> names = FestivalVoiceNames(reply);
+    if (names.empty())
+        names = ParseVoiceList(reply);
+    std::vector<Voice> voices;
+    std::ranges::transform(names, std::back_inserter(voices), FestivalVoice);
+    AddVoices(voices);
 }
 
 // The number of bytes once the engine's output has stopped growing for one interval, 0 when it
@@ -82,61 +77,41 @@ std::vector<std::string> ParseVoiceList(std::string_view reply) {
     while (names.size() < kMaxVoices && (at >= reply.size() || reply[at] != ')')) {
         at = std::min(at + 1, reply.size());
         const std::size_t end = std::min(reply.find_first_of(" )", at), reply.size());
-        names.emplace_back(reply.substr(at, std::min(end - at, kMaxVoiceName)));
+        // Of many voices each but the last has its line's end before the blank.
+        const std::string_view name = reply.substr(at, end - at);
+        const std::size_t length = std::min(name.find('\n'), name.size());
+        names.emplace_back(name.substr(0, std::min(length, kMaxVoiceName)));
         at = end;
     }
     return names;
 }
 
-void KeepVoices(std::vector<std::string> names) {
-    const std::lock_guard<std::mutex> lock(gTableMutex);
-    std::vector<std::string>& table = VoiceTable();
-    const bool isFirst = table.empty();
-    for (const std::string& name : names) {
-        if (table.size() < kMaxVoices && (isFirst || std::ranges::find(table, name) == table.end()))
-            table.push_back(name);
-    }
-    LatestAnswer() = std::move(names);
-}
-
-int IndexAtNextStart(int index) {
-    const std::lock_guard<std::mutex> lock(gTableMutex);
-    const std::vector<std::string>& table = VoiceTable();
-    if (index < 0 || index >= static_cast<int>(table.size()))
-        return index;
-    const std::vector<std::string>& names = LatestAnswer();
-    const auto at = std::ranges::find(names, table[static_cast<std::size_t>(index)]);
-    return at == names.end() ? index : static_cast<int>(at - names.begin());
-}
-
-bool AreVoicesKnown() {
-    return CountVoices() > 0;
-}
-
 int TTSGetNumSpeakers() {
     // The shell would tell of a missing program only on its standard error; looking first saves the
     // wait for a reply.
-    if (AreVoicesKnown() || !IsProgramInstalled("festival"))
-        return CountVoices();
+    if (CountVoices() > 0 || !IsProgramInstalled("festival"))
+        return std::min(CountVoices(), kMaxVoices);
     LPipeInOut engine;
     if (!engine._Open("festival -i"))
-        return CountVoices();
+        return 0;
     WriteToEngine(engine.WriteFd(), kVoiceListCommand);
-    if (const int size = AwaitReply(engine.ReadFd()); size > 0)
-        KeepVoices(ParseVoiceList(ReadExactly(engine.ReadFd(), size)));
+    const int size = AwaitReply(engine.ReadFd());
     // An engine that answers leaves at the end of its input; one that hangs would stay.
+    if (size > 0)
+        KeepFestivalVoices(ReadExactly(engine.ReadFd(), size));
     else
         engine.Kill();
-    return CountVoices();
+    return std::min(CountVoices(), kMaxVoices);
 }
 
 void TTSGetDictSpeakerName(int index, char* out) {
     const int count = TTSGetNumSpeakers();
-    if (count < 1) {
-        CopyText(out, kTextBufferSize, "No Voices Found");
-        return;
-    }
-    const int clamped = std::clamp(index, 0, count - 1);
-    const std::lock_guard<std::mutex> lock(gTableMutex);
-    CopyText(out, kTextBufferSize, VoiceTable()[static_cast<std::size_t>(clamped)]);
+    const std::string name = AskedVoiceAt(std::min(index, std::max(count - 1, 0))).name;
+    CopyText(out, kTextBufferSize, std::string_view(name).substr(0, kMaxVoiceName));
+}
+
+Voice AskedVoiceAt(int index) {
+    if (TTSGetNumSpeakers() < 1)
+        return {"festival", "No Voices Found", "No Voices Found", "", VoiceCharset::kAscii};
+    return VoiceAt(index);
 }

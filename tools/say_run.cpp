@@ -7,9 +7,8 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "foundation/text_buffer.h"
 #include "speech/voice_list_query.h"
-#include "speech/voices.h"
+#include "speech/voice_table.h"
 #include "tools/interruption.h"
 #include "tools/say_document.h"
 #include "tools/say_print.h"
@@ -50,17 +49,13 @@ private:
 };
 
 // Position in the list of voices, -1 when there is no such voice.
-int FindVoice(const SayOptions& options, int count) {
+int VoiceAsked(const SayOptions& options, int count) {
     if (!options.voice)
-        return 0;
-    int index = -1;
-    for (int i = 0; i < count; i++) {
-        char name[kTextBufferSize];
-        TTSGetDictSpeakerName(i, name);
-        if (*options.voice == name)
-            return i;
-    }
-    return ParseNumber(options.voice->c_str(), 0, count - 1, index) ? index : -1;
+        return ChosenVoice();
+    int index = FindVoice(*options.voice);
+    if (index < 0 && !ParseNumber(options.voice->c_str(), 0, count - 1, index))
+        return -1;
+    return index;
 }
 
 // How many there are; 0 when there are none, which has been told.
@@ -69,16 +64,18 @@ int AskForVoices() {
     VoiceListQuery query;
     const LProcessResult asked = Process(progress, query);
     if (asked == kProcessFailed)
-        Complain(kSayProgram, "no speech engine answers: is festival installed, with a voice?");
-    return asked == kProcessDone ? TTSGetNumSpeakers() : 0;
+        Complain(kSayProgram,
+                 "no speech engine answers: is festival or espeak-ng installed, with a "
+                 "voice?");
+    return asked == kProcessDone ? CountVoices() : 0;
 }
 
-int ListVoices(int count) {
-    for (int i = 0; i < count; i++) {
-        char name[kTextBufferSize];
-        TTSGetDictSpeakerName(i, name);
-        std::printf("%d %s\n", i, name);
-    }
+// Columns between tabs, so that other programs can take them apart.
+int ListVoices() {
+    int number = 0;
+    for (const Voice& voice : KnownVoices())
+        std::printf("%d\t%s\t%s\t%s\t%s\n", number++, voice.name.c_str(), voice.engine.c_str(),
+                    voice.language.empty() ? "-" : voice.language.c_str(), voice.title.c_str());
     return kExitDone;
 }
 
@@ -98,8 +95,8 @@ int RunSay(const SayOptions& options) {
     if (count == 0)
         return kExitFailed;
     if (options.listsVoices)
-        return ListVoices(count);
-    const int voice = FindVoice(options, count);
+        return ListVoices();
+    const int voice = VoiceAsked(options, count);
     if (voice < 0) {
         Complain(kSayProgram, *options.voice + ": no such voice; --list-voices lists them");
         return kExitFailed;

@@ -11,7 +11,7 @@ bool ProcessDialogRun(GtkWidget* parent, LTTS& request) {
     dialog.Open(parent);
     if (dialog.Result() == kProcessDone)
         return true;
-    const std::string message = SynthesisMessage(request.outcome);
+    const std::string message = SynthesisMessage(request.outcome, VoiceAt(request.voice));
     if (!message.empty())
         MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle, message.c_str(), nullptr);
     return false;

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "foundation/setting.h"
 #include "gui/accessible.h"
 #include "gui/dialog_gen_context.h"
 #include "speech/dialogs/synthesis_dialog.h"
+#include "speech/voice_table.h"
 #include "speech/voices.h"
 
 namespace {
@@ -14,8 +14,6 @@ constexpr int kText = 101;
 constexpr int kVoice = 102;
 constexpr int kWidth = 420;
 constexpr int kTextHeight = 160;
-
-constexpr UserSetting<int> kChosenVoice{"Settings", "TextToSpeechVoice", 0};
 
 }  // namespace
 
@@ -33,19 +31,16 @@ bool LTTSInputDialog::Run(GtkWidget* parent) {
 void LTTSInputDialog::InitDialog() {
     SetAccessibleName(GetControlByID(kText), "Text to speak");
     SetEditText(kText, text_.c_str());
-    const int voices = TTSGetNumSpeakers();
-    for (int voice = 0; voice < voices; ++voice) {
-        char name[kTextBufferSize];
-        TTSGetDictSpeakerName(voice, name);
-        PDLAddString(kVoice, name);
-    }
-    PDLSetCurSel(kVoice, std::clamp(kChosenVoice.Get(), 0, std::max(voices - 1, 0)));
+    static_cast<void>(TTSGetNumSpeakers());  // asks when nobody has
+    for (const Voice& voice : KnownVoices())
+        PDLAddString(kVoice, voice.title.c_str());
+    PDLSetCurSel(kVoice, std::max(ChosenVoice(), 0));
 }
 
 bool LTTSInputDialog::CmOk() {
     text_ = GetEditText(kText);
     const int voice = std::max(PDLGetCurSel(kVoice), 0);
-    kChosenVoice.Set(voice);
+    KeepChosenVoice(voice);
     LTTS request;
     request.text = text_.c_str();
     request.outputPath = outputPath_.c_str();

@@ -33,7 +33,7 @@ class EndingTest(DesktopCase):
                 act(lectora)
                 self.picture("ending-" + name.replace(" ", "-"))
                 self.end(lectora, number)
-                self.assertEqual(self.setting("settings", "texttospeechvoice"), "1")
+                self.assertEqual(self.setting("settings", "voice"), "festival:voice2")
                 self.assertLess(abs(int(self.setting("mainwindow", "x")) - 40), 20)
                 with open(old) as file:
                     self.assertEqual(file.read(), "what it held")
@@ -98,12 +98,12 @@ class EndingTest(DesktopCase):
 
     def test_without_an_engine_it_opens_nothing_and_keeps_the_choice(self):
         desktop.tell_engine("festival nothing")
-        self.store("settings", texttospeechvoice=2)
+        self.store("settings", voice="festival:voice3")
         for role, arguments in (("alert", []), ("dialog", ["-check"])):
             with desktop.Lectora(*arguments) as lectora:
                 lectora.find(role)
                 self.end(lectora, signal.SIGTERM)
-            self.assertEqual(self.setting("settings", "texttospeechvoice"), "2")
+            self.assertEqual(self.setting("settings", "voice"), "festival:voice3")
         self.assertEqual([call for call in desktop.engine_calls() if call.startswith("browser")], [])
 
 

@@ -4,6 +4,7 @@
 
 #include <atomic>
 
+#include "foundation/setting.h"
 #include "foundation/text_buffer.h"
 #include "speech/voice_charset.h"
 #include "speech/voice_list_query.h"
@@ -28,6 +29,7 @@ TEST(VoiceList, IsReadFromTheEnginesReply) {
     } cases[] = {
         {"one voice", banner + "(kal_diphone)\nfestival> ", {"kal_diphone"}},
         {"two voices", "festival>(voice_a voice_b)", {"voice_a", "voice_b"}},
+        {"many, one a line", banner + "(a\n b\n c)\nfestival> ", {"a", "b", "c"}},
         {"on a line of its own", "festival>\n\t (a b)\n", {"a", "b"}},
         {"no more than ten",
          banner + "(a b c d e f g h i j k l)\nfestival> ",
@@ -100,12 +102,85 @@ void AskInTheBackground() {
     engine.Script("festival", "read line; printf 'festival> (trois un)\n'");
     query.AskAnew();
     EXPECT_EQ(Process(progress, query), kProcessDone);
-    for (const auto& [index, expected, later] :
-         {std::tuple{0, "un", 1}, {1, "deux", 1}, {2, "trois", 0}}) {
+    for (const auto& [index, expected] : {std::pair{0, "un"}, {1, "deux"}, {2, "trois"}}) {
         TTSGetDictSpeakerName(index, name);
         EXPECT_STREQ(name, expected);
-        EXPECT_EQ(IndexAtNextStart(index), later);
     }
+}
+
+// As with every package that the README names: the list stands one name a line.
+void FindManyVoicesOfSeveralEngines() {
+    const FakeEngine engine(true);
+    const ScopedVariable home("HOME", engine.Path().c_str());
+    const ScopedVariable language("LANGUAGE", "de");
+    const std::string longName = "very_" + std::string(300, 'l') + "ong";
+    engine.Script("festival",
+                  "read line; printf 'festival> (suo_fi_lj_diphone\n kal_diphone\n a\n b\n c\n d\n "
+                  "e\n f\n g\n h\n czech_ph\n " +
+                      longName + ")\nfestival> '");
+    engine.Script("espeak-ng",
+                  "echo 'Pty Language       Age/Gender VoiceName          File'\n"
+                  "echo ' 5  de              --/M      German             gmw/de'\n"
+                  "echo ' 2  en-us           --/M      English_(America)  gmw/en-US (en 3)'");
+    engine.Script("flite", "echo 'Voices available: kal awb_time slt '");
+    engine.Script("neural", "exit 0");
+    const std::string folder = engine / ".quillon/lectora/engines";
+    std::filesystem::create_directories(folder);
+    const std::string file =
+        "[Engine]\nName=Neural\nLanguage=cs\nCommand=neural {voice} {text} {wav}\n";
+    std::ofstream(folder + "/mine.engine") << file << "Voices=/v/it's.onnx;two\n";
+    std::ofstream(folder + "/theirs.engine") << file;
+    std::filesystem::permissions(folder + "/mine.engine", std::filesystem::perms(0600));
+    std::filesystem::permissions(folder + "/theirs.engine", std::filesystem::perms(0666));
+    std::ofstream(folder + "/no.engine") << "[Engine]\nName=No\nCommand=neural\n";
+    LSilentProgress progress;
+    VoiceListQuery query;
+    ASSERT_EQ(Process(progress, query), kProcessDone);
+    EXPECT_EQ(TTSGetNumSpeakers(), 10);
+    ASSERT_EQ(CountVoices(), 18);
+    const struct {
+        const char* wanted;
+        int index;
+        const char* title;
+        const char* language;
+    } cases[] = {{"suo_fi_lj_diphone", 0, "LJ, Finnish, woman", "fi"},
+                 {"festival:kal_diphone", 1, "Kal, English (US), man", "en-US"},
+                 {"PH, Czech, man", 10, "PH, Czech, man", "cs"},
+                 {longName.c_str(), 11, longName.c_str(), ""},
+                 {"espeak-ng:de", 12, "German, eSpeak NG", "de"},
+                 {"en-us", 13, "English (America), eSpeak NG", "en-US"},
+                 {"flite:slt", 15, "SLT, English (US), woman, Flite", "en-US"},
+                 {"own:mine:/v/it's.onnx", 16, "it's, Neural", "cs"},
+                 {"awb_time", -1, "", ""}};
+    for (const auto& [wanted, index, title, tag] : cases) {
+        EXPECT_EQ(FindVoice(wanted), index) << wanted;
+        EXPECT_TRUE(index < 0 || VoiceAt(index).title == title) << VoiceAt(index).title;
+        EXPECT_TRUE(index < 0 || VoiceAt(index).language == tag) << VoiceAt(index).language;
+    }
+    const auto command = [](int index) {
+        const SpeechEngine row = EngineOf(VoiceAt(index));
+        return row.command(row, VoiceAt(index), "/t x", "/w");
+    };
+    EXPECT_EQ(command(12), "espeak-ng -b 1 -v de -f '/t x' -w /w");
+    EXPECT_EQ(command(15), "flite -voice slt -f '/t x' -o /w");
+    EXPECT_EQ(command(16), "neural '/v/it'\\''s.onnx' '/t x' /w");
+    const UserSetting<const char*> kept{"Settings", "Voice", ""};
+    const UserSetting<int> keptNumber{"Settings", "TextToSpeechVoice", 0};
+    kept.Delete();
+    keptNumber.Delete();
+    // Nothing is chosen: a voice of the user's language, whatever the engines list first.
+    EXPECT_EQ(ChosenVoice(), 12);
+    KeepChosenVoice(10);
+    EXPECT_EQ(ChosenVoice(), 10);
+    kept.Set("festival:removed");
+    EXPECT_EQ(ChosenVoice(), 12);
+    // What an earlier version kept is read once.
+    kept.Delete();
+    keptNumber.Set(1);
+    EXPECT_EQ(ChosenVoice(), 1);
+    EXPECT_EQ(kept.Get(), "festival:kal_diphone");
+    kept.Delete();
+    keptNumber.Delete();
 }
 
 void StopAsking() {
@@ -123,6 +198,7 @@ TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
     InFreshProcess(AskUntilThereIsOne);
     InFreshProcess(AskInTheBackground);
     InFreshProcess(StopAsking);
+    InFreshProcess(FindManyVoicesOfSeveralEngines);
 }
 
 TEST(VoiceCharset, IsTheNamedOneOrAsKnown) {

@@ -25,7 +25,7 @@
 #include "gui/tool_bar.h"
 #include "gui/widgets/explorer_bar.h"
 #include "speech/dialogs/tts_input_dialog.h"
-#include "speech/voices.h"
+#include "speech/festival_voices.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {
@@ -280,7 +280,7 @@ void PictureModalOnes() {
     sheet.AddPage(keys, {"HotKeys", false, GenerateLists});
     const UserScript sheetUser(Photographed("sheet"));
     sheet.Open(nullptr, "Options", 0);
-    KeepVoices({"kal_diphone", "us_slt"});
+    AddVoices({FestivalVoice("kal_diphone"), FestivalVoice("cmu_us_slt_arctic_hts")});
     std::string text = "The quick brown fox jumps over the lazy dog.";
     LTTSInputDialog input(text, "");
     const UserScript inputUser(Photographed("text-to-speech"));

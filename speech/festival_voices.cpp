@@ -1,0 +1,90 @@
+#include "speech/festival_voices.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+
+#include "foundation/machine_root.h"
+#include "speech/voice_charset.h"
+
+namespace {
+
+struct KnownVoice {
+    std::string_view name;
+    const char* title;
+    const char* language;
+};
+constexpr KnownVoice kKnown[] = {
+    {"kal_diphone", "Kal, English (US), man", "en-US"},
+    {"ked_diphone", "Ked, English (US), man", "en-US"},
+    {"cmu_us_slt_arctic_hts", "SLT, English (US), woman", "en-US"},
+    {"suo_fi_lj_diphone", "LJ, Finnish, woman", "fi"},
+    {"hy_fi_mv_diphone", "MV, Finnish, man", "fi"},
+    {"lp_diphone", "LP, Italian, woman", "it"},
+    {"pc_diphone", "PC, Italian, man", "it"},
+    {"upc_ca_ona_hts", "Ona, Catalan, woman", "ca"},
+    {"czech_dita", "Dita, Czech, woman", "cs"},
+    {"czech_krb", "KRB, Czech, boy", "cs"},
+    {"czech_machac", "Machac, Czech, man", "cs"},
+    {"czech_ph", "PH, Czech, man", "cs"},
+    {"hindi_NSK_diphone", "NSK, Hindi, man", "hi"},
+    {"marathi_NSK_diphone", "NSK, Marathi, man", "mr"},
+    {"telugu_NSK_diphone", "NSK, Telugu, man", "te"},
+    {"msu_ru_nsh_clunits", "NSH, Russian, man", "ru"},
+};
+
+// Packages that bring voices only recommend these, so that they may be absent.
+struct Companion {
+    std::string_view voice;
+    const char* file;  // that it brings
+    const char* package;
+};
+constexpr Companion kCompanions[] = {
+    {"hindi_NSK_diphone", "/hindi_scm/hindi_lex.scm", "festival-hi"},
+    {"marathi_NSK_diphone", "/marathi_scm/marathi_lex.scm", "festival-mr"},
+    {"telugu_NSK_diphone", "/telugu_scm/telugu_lex.scm", "festival-te"},
+};
+
+constexpr std::string_view kPrompt = "festival>";
+constexpr std::string_view kBlanks = " \t\r\n";
+
+}  // namespace
+
+Voice FestivalVoice(const std::string& name) {
+    Voice voice{"festival", name, name, "", CharsetOfVoice(name)};
+    const auto* const known = std::ranges::find(kKnown, name, &KnownVoice::name);
+    if (known != std::end(kKnown)) {
+        voice.title = known->title;
+        voice.language = known->language;
+    }
+    return voice;
+}
+
+std::vector<std::string> FestivalVoiceNames(std::string_view answer) {
+    std::vector<std::string> names;
+    const std::size_t open = answer.find('(', std::min(answer.find(kPrompt), answer.size()));
+    const std::size_t close = answer.find(')', std::min(open, answer.size()));
+    if (close == std::string_view::npos)
+        return names;
+    std::string_view rest = answer.substr(open + 1, close - open - 1);
+    while (true) {
+        rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+        if (rest.empty())
+            return names;
+        const std::size_t end = std::min(rest.find_first_of(kBlanks), rest.size());
+        names.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(end);
+    }
+}
+
+std::string MissingCompanion(std::string_view name) {
+    const auto* const found = std::ranges::find(kCompanions, name, &Companion::voice);
+    std::error_code error;
+    // An uninstalled program has a root of its own, without an engine.
+    const std::string engine = "/usr/share/festival";
+    const std::string own = MachinePath(engine);
+    const std::string folder = std::filesystem::exists(own, error) ? own : engine;
+    if (found == std::end(kCompanions) || std::filesystem::exists(folder + found->file, error))
+        return {};
+    return found->package;
+}

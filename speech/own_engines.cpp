@@ -1,0 +1,133 @@
+#include "speech/own_engines.h"
+
+#include <fcntl.h>
+#include <glib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "foundation/log.h"
+#include "foundation/machine_root.h"
+#include "foundation/unique_fd.h"
+#include "speech/shell_word.h"
+
+namespace {
+
+constexpr std::size_t kLargestFile = 1 << 20;
+constexpr const char* kGroup = "Engine";
+
+using KeyFile = std::unique_ptr<GKeyFile, decltype(&g_key_file_unref)>;
+
+// Empty for a file that is not to be trusted.
+std::string ReadTrusted(const std::string& path) {
+    std::string text;
+    const UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    struct stat status {};
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode))
+        return text;
+    if ((status.st_uid != 0 && status.st_uid != ::geteuid()) ||
+        (status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
+        LOGWARNF("Speech: %s can be written by others and is passed over", path.c_str());
+        return text;
+    }
+    char part[8192];
+    while (text.size() < kLargestFile) {
+        const ssize_t got = ::read(file.Get(), part, sizeof part);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            break;
+        text.append(part, static_cast<std::size_t>(got));
+    }
+    return text;
+}
+
+std::string Value(GKeyFile* file, const char* key) {
+    char* const value = g_key_file_get_string(file, kGroup, key, nullptr);
+    std::string text = value == nullptr ? "" : value;
+    g_free(value);
+    return text;
+}
+
+std::vector<std::string> Values(GKeyFile* file, const char* key) {
+    gsize count = 0;
+    char** const values = g_key_file_get_string_list(file, kGroup, key, &count, nullptr);
+    std::vector<std::string> texts(values, values + count);
+    g_strfreev(values);
+    std::erase(texts, "");
+    return texts;
+}
+
+// The words behind the first one's place stand for themselves, so that a voice called "{wav}" does
+// not become a path.
+std::string OwnCommand(const SpeechEngine& engine, const Voice& voice, std::string_view textPath,
+                       std::string_view soundPath) {
+    const std::pair<std::string_view, std::string_view> places[] = {
+        {"{text}", textPath}, {"{wav}", soundPath}, {"{voice}", voice.name}, {"{rate}", "1"}};
+    std::string command;
+    for (std::string_view rest = engine.ownCommand; !rest.empty();) {
+        const auto* const place = std::ranges::find_if(
+            places, [rest](const auto& one) { return rest.starts_with(one.first); });
+        const bool isPlace = place != std::end(places);
+        command += isPlace ? ShellWord(place->second) : std::string(1, rest.front());
+        rest.remove_prefix(isPlace ? place->first.size() : 1);
+    }
+    return command;
+}
+
+std::optional<SpeechEngine> EngineIn(const std::string& path) {
+    const std::string text = ReadTrusted(path);
+    const KeyFile file(g_key_file_new(), g_key_file_unref);
+    if (text.empty() ||
+        !g_key_file_load_from_data(file.get(), text.data(), text.size(), G_KEY_FILE_NONE, nullptr))
+        return std::nullopt;
+    SpeechEngine engine;
+    engine.title = Value(file.get(), "Name");
+    engine.ownCommand = Value(file.get(), "Command");
+    if (engine.title.empty() || engine.ownCommand.find("{text}") == std::string::npos ||
+        engine.ownCommand.find("{wav}") == std::string::npos) {
+        LOGWARNF("Speech: %s needs a Name, and a Command with {text} and {wav}", path.c_str());
+        return std::nullopt;
+    }
+    engine.name = "own:" + std::filesystem::path(path).stem().string();
+    engine.program = engine.ownCommand.substr(0, engine.ownCommand.find_first_of(" \t"));
+    engine.isOneProgram = false;
+    engine.command = OwnCommand;
+    const std::string language = Value(file.get(), "Language");
+    std::vector<std::string> voices = Values(file.get(), "Voices");
+    if (voices.empty())
+        voices.emplace_back(engine.title);
+    for (const std::string& name : voices) {
+        const std::string shown = std::filesystem::path(name).stem().string();
+        const bool isAll = name == engine.title;
+        engine.ownVoices.push_back({engine.name, name,
+                                    isAll ? engine.title : shown + ", " + engine.title, language,
+                                    VoiceCharset::kUtf8});
+    }
+    return engine;
+}
+
+}  // namespace
+
+std::vector<SpeechEngine> OwnEngines() {
+    std::vector<SpeechEngine> engines;
+    for (const std::string& folder : {HomeFolder() + "/.quillon/lectora/engines",
+                                      MachinePath("/opt/quillon/lectora/etc/engines")}) {
+        std::vector<std::string> paths;
+        std::error_code error;
+        std::filesystem::directory_iterator files(folder, error);
+        for (; !error && files != std::filesystem::directory_iterator(); files.increment(error))
+            if (files->path().extension() == ".engine")
+                paths.push_back(files->path().string());
+        std::ranges::sort(paths);
+        for (const std::string& path : paths)
+            if (std::optional<SpeechEngine> engine = EngineIn(path))
+                engines.push_back(std::move(*engine));
+    }
+    return engines;
+}

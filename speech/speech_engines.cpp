@@ -1,0 +1,143 @@
+#include "speech/speech_engines.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "speech/festival_voices.h"
+#include "speech/own_engines.h"
+#include "speech/shell_word.h"
+#include "speech/voices.h"
+
+namespace {
+
+std::vector<Voice> FestivalVoicesIn(const SpeechEngine&, std::string_view answer) {
+    std::vector<Voice> voices;
+    for (const std::string& name : FestivalVoiceNames(answer))
+        voices.push_back(FestivalVoice(name));
+    return voices;
+}
+
+bool IsWholeFestivalAnswer(std::string_view answer) {
+    const std::size_t prompt = answer.find("festival>");
+    return prompt != std::string_view::npos && answer.find(')', prompt) != std::string_view::npos;
+}
+
+std::string FestivalCommand(const SpeechEngine&, const Voice& voice, std::string_view textPath,
+                            std::string_view soundPath) {
+    return SynthesisCommand(voice.name, textPath, soundPath);
+}
+
+// "en-us" as "en-US"; scripts and private parts stay as they are.
+std::string Tag(std::string tag) {
+    const std::size_t dash = tag.find('-');
+    if (dash != std::string::npos && (tag.size() == dash + 3 || tag[dash + 3] == '-'))
+        for (std::size_t at = dash + 1; at < dash + 3 && at < tag.size(); ++at)
+            tag[at] = g_ascii_toupper(tag[at]);
+    return tag;
+}
+
+// Lines of "priority language age/gender name file (others)" under a head.
+std::vector<Voice> EspeakVoicesIn(const SpeechEngine& engine, std::string_view answer) {
+    std::vector<Voice> voices;
+    std::istringstream lines{std::string(answer)};
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string priority;
+        std::string language;
+        std::string gender;
+        std::string title;
+        words >> priority >> language >> gender >> title;
+        if (title.empty() || !g_ascii_isdigit(priority[0]))
+            continue;
+        std::ranges::replace(title, '_', ' ');
+        title.erase(title.find_last_not_of(' ') + 1);
+        voices.push_back({engine.name, language, title + ", " + engine.title, Tag(language),
+                          VoiceCharset::kUtf8});
+    }
+    return voices;
+}
+
+std::string EspeakCommand(const SpeechEngine& engine, const Voice& voice, std::string_view textPath,
+                          std::string_view soundPath) {
+    return engine.program + " -b 1 -v " + ShellWord(voice.name) + " -f " + ShellWord(textPath) +
+           " -w " + ShellWord(soundPath);
+}
+
+struct FliteVoice {
+    std::string_view name;
+    const char* title;
+    const char* language;
+};
+constexpr FliteVoice kFliteVoices[] = {{"kal", "Kal, English (US), man", "en-US"},
+                                       {"kal16", "Kal at 16 kHz, English (US), man", "en-US"},
+                                       {"awb", "AWB, English (Scotland), man", "en-GB"},
+                                       {"rms", "RMS, English (US), man", "en-US"},
+                                       {"slt", "SLT, English (US), woman", "en-US"}};
+
+// "Voices available: kal awb_time ..."; the one that is no title here only tells the time.
+std::vector<Voice> FliteVoicesIn(const SpeechEngine& engine, std::string_view answer) {
+    std::vector<Voice> voices;
+    std::istringstream words{std::string(answer)};
+    for (std::string word; words >> word;) {
+        const auto* const known = std::ranges::find(kFliteVoices, word, &FliteVoice::name);
+        if (known != std::end(kFliteVoices))
+            voices.push_back({engine.name, word, std::string(known->title) + ", " + engine.title,
+                              known->language, VoiceCharset::kAscii});
+    }
+    return voices;
+}
+
+std::string FliteCommand(const SpeechEngine& engine, const Voice& voice, std::string_view textPath,
+                         std::string_view soundPath) {
+    return engine.program + " -voice " + ShellWord(voice.name) + " -f " + ShellWord(textPath) +
+           " -o " + ShellWord(soundPath);
+}
+
+std::vector<SpeechEngine> EnginesWithRows() {
+    std::vector<SpeechEngine> rows(3);
+    rows[0].name = "festival";
+    rows[0].title = "Festival";
+    rows[0].program = "text2wave";
+    rows[0].listCommand = "festival -i";
+    rows[0].listInput = kVoiceListCommand;
+    rows[0].isWhole = IsWholeFestivalAnswer;
+    rows[0].voicesIn = FestivalVoicesIn;
+    rows[0].command = FestivalCommand;
+    rows[1].name = "espeak-ng";
+    rows[1].title = "eSpeak NG";
+    rows[1].program = "espeak-ng";
+    rows[1].listCommand = "espeak-ng --voices";
+    rows[1].voicesIn = EspeakVoicesIn;
+    rows[1].command = EspeakCommand;
+    rows[2].name = "flite";
+    rows[2].title = "Flite";
+    rows[2].program = "flite";
+    rows[2].listCommand = "flite -lv";
+    rows[2].voicesIn = FliteVoicesIn;
+    rows[2].command = FliteCommand;
+    return rows;
+}
+
+}  // namespace
+
+std::vector<SpeechEngine> SpeechEngines() {
+    std::vector<SpeechEngine> engines = EnginesWithRows();
+    for (SpeechEngine& own : OwnEngines())
+        engines.push_back(std::move(own));
+    return engines;
+}
+
+SpeechEngine EngineOf(const Voice& voice) {
+    std::vector<SpeechEngine> engines = SpeechEngines();
+    const auto found = std::ranges::find(engines, voice.engine, &SpeechEngine::name);
+    return found == engines.end() ? engines.front() : *found;
+}
+
+std::string SynthesisCommand(std::string_view voice, std::string_view textPath,
+                             std::string_view soundPath) {
+    const std::string expression = "(voice_" + std::string(voice) + ")";
+    return "text2wave -eval " + ShellWord(expression) + " " + ShellWord(textPath) + " -o " +
+           ShellWord(soundPath);
+}

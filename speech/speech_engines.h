@@ -1,0 +1,39 @@
+// The speech engines: one row each, and all that the program knows about an engine.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "speech/voice_table.h"
+
+struct SpeechEngine {
+    std::string name;     // what its voices are kept under
+    std::string title;    // for people
+    std::string program;  // what speaks; in PATH when the engine is installed
+    // How it is asked for its voices: a command, what it is then written, and whether its answer
+    // is whole before its output ends (null: it is whole when it ends). No command: its voices are
+    // known.
+    std::string listCommand;
+    std::string_view listInput;
+    bool (*isWhole)(std::string_view answer) = nullptr;
+    std::vector<Voice> (*voicesIn)(const SpeechEngine& engine, std::string_view answer) = nullptr;
+    // The shell command that makes a WAV file of a text file. Paths and the voice's name are
+    // quoted. isOneProgram: it may take the shell's place, and so dies with this program.
+    std::string (*command)(const SpeechEngine& engine, const Voice& voice,
+                           std::string_view textPath, std::string_view soundPath) = nullptr;
+    bool isOneProgram = true;
+    // A user's own: "{text}", "{wav}", "{voice}" and "{rate}" stand for words; and its voices.
+    std::string ownCommand;
+    std::vector<Voice> ownVoices;
+};
+
+// Those that come with a row here, then the user's own (own_engines.h), read anew each time.
+std::vector<SpeechEngine> SpeechEngines();
+
+// The row of a voice, or Festival's for a voice that names none.
+SpeechEngine EngineOf(const Voice& voice);
+
+// The engine's command line; the voice name is quoted in any case.
+std::string SynthesisCommand(std::string_view voice, std::string_view textPath,
+                             std::string_view soundPath);
