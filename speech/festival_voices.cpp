@@ -45,8 +45,8 @@ constexpr Companion kCompanions[] = {
     {"telugu_NSK_diphone", "/telugu_scm/telugu_lex.scm", "festival-te"},
 };
 
-constexpr std::string_view kPrompt = "festival>";
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kListPrompt = "festival>";
+constexpr std::string_view kListBlanks = " \t\r\n";
 
 }  // namespace
 
@@ -62,16 +62,16 @@ Voice FestivalVoice(const std::string& name) {
 
 std::vector<std::string> FestivalVoiceNames(std::string_view answer) {
     std::vector<std::string> names;
-    const std::size_t open = answer.find('(', std::min(answer.find(kPrompt), answer.size()));
+    const std::size_t open = answer.find('(', std::min(answer.find(kListPrompt), answer.size()));
     const std::size_t close = answer.find(')', std::min(open, answer.size()));
     if (close == std::string_view::npos)
         return names;
     std::string_view rest = answer.substr(open + 1, close - open - 1);
     while (true) {
-        rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+        rest.remove_prefix(std::min(rest.find_first_not_of(kListBlanks), rest.size()));
         if (rest.empty())
             return names;
-        const std::size_t end = std::min(rest.find_first_of(kBlanks), rest.size());
+        const std::size_t end = std::min(rest.find_first_of(kListBlanks), rest.size());
         names.emplace_back(rest.substr(0, end));
         rest.remove_prefix(end);
     }

@@ -7,11 +7,10 @@
 #include <string_view>
 
 #include "foundation/file_io.h"
-#include "foundation/text_buffer.h"
 #include "speech/character_tables.h"
+#include "speech/sentences.h"
 #include "speech/text_preparation.h"
-#include "speech/voice_charset.h"
-#include "speech/voices.h"
+#include "speech/voice_table.h"
 #include "tools/interruption.h"
 #include "tools/say_document.h"
 #include "tools/tool_texts.h"
@@ -43,12 +42,6 @@ std::string ForTerminal(const std::string& text, VoiceCharset charset) {
     return utf8;
 }
 
-VoiceCharset CharsetOf(int voice) {
-    char name[kTextBufferSize];
-    TTSGetDictSpeakerName(voice, name);
-    return CharsetOfVoice(name);
-}
-
 std::string InForm(TextForm form, const std::string& text, int voice) {
     std::string printed;
     if (form == TextForm::kWhole) {
@@ -57,14 +50,16 @@ std::string InForm(TextForm form, const std::string& text, int voice) {
             printed += '\n';
         return printed;
     }
-    // Sentences are shown as they stand in the text, with the signs that a voice cannot say.
-    const bool isSpoken = form == TextForm::kSpoken;
-    const VoiceCharset charset = isSpoken ? CharsetOf(voice) : VoiceCharset::kUtf8;
+    if (form == TextForm::kSentences) {
+        for (const Sentence& sentence : SentencesOf(text))
+            AppendLine(std::string_view(text).substr(sentence.begin, sentence.end - sentence.begin),
+                       printed);
+        return printed;
+    }
+    const VoiceCharset charset = VoiceAt(voice).charset;
     TextUnits units(text, charset);
     for (TextUnit unit; units.Next(unit);)
-        AppendLine(isSpoken ? ForTerminal(unit.text, charset)
-                            : text.substr(unit.sourceBegin, unit.sourceEnd - unit.sourceBegin),
-                   printed);
+        AppendLine(ForTerminal(unit.text, charset), printed);
     return printed;
 }
 

@@ -1,0 +1,77 @@
+#include "speech/paragraph_lines.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "speech/sentence_characters.h"
+
+namespace {
+
+// Beyond this a line was wrapped by its width, not ended on purpose.
+constexpr std::size_t kShortLine = 55;
+
+bool BeginsItem(std::string_view line) {
+    const gunichar first = CharacterAt(line, 0);
+    if (IsBullet(first) ||
+        ((first == '-' || first == '*' || first == '+') && line.size() > 1 && line[1] == ' '))
+        return true;
+    const std::optional<ItemMark> mark = MarkAt(line);
+    return mark && (!mark->isLetter || mark->tail != "." || g_ascii_islower(line[0]));
+}
+
+std::string_view Trimmed(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(" \t\r\f\v");
+    if (first == std::string_view::npos)
+        return {};
+    return line.substr(first, line.find_last_not_of(" \t\r\f\v") + 1 - first);
+}
+
+bool EndsInStop(std::string_view line) {
+    for (std::size_t at = line.size(); at > 0;) {
+        at = Before(line, at);
+        const gunichar character = CharacterAt(line, at);
+        if (IsStop(character) || character == ':' || character == ';')
+            return true;
+        if (!IsCloser(character))
+            return false;
+    }
+    return false;
+}
+
+bool EndsOpen(std::string_view line) {
+    return line.ends_with(',') || line.ends_with('-') || line.ends_with('(');
+}
+
+bool BeginsCapital(std::string_view line) {
+    const gunichar first = CharacterAt(line, 0);
+    return g_unichar_isupper(first) != 0 || g_unichar_isdigit(first) != 0;
+}
+
+}  // namespace
+
+ParagraphLines::ParagraphLines(std::string_view paragraph) : joined_(paragraph) {
+    std::vector<std::pair<std::size_t, std::string_view>> lines;
+    for (std::size_t at = 0; at <= paragraph.size();) {
+        const std::size_t end = std::min(paragraph.find('\n', at), paragraph.size());
+        const std::string_view line = Trimmed(paragraph.substr(at, end - at));
+        if (!line.empty())
+            lines.emplace_back(static_cast<std::size_t>(line.data() - paragraph.data()), line);
+        at = end + 1;
+    }
+    std::ranges::replace(joined_, '\n', ' ');
+    std::ranges::replace(joined_, '\r', ' ');
+    // Short lines of which none ends in a stop are a list, whatever they begin
+    // with.
+    const bool isList = lines.size() > 2 && std::ranges::all_of(lines, [](const auto& line) {
+                            return line.second.size() < kShortLine && !EndsInStop(line.second);
+                        });
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        const std::string_view before = lines[i - 1].second;
+        const std::string_view line = lines[i].second;
+        const bool followsHeading = before.size() < kShortLine && !EndsInStop(before) &&
+                                    !EndsOpen(before) && BeginsCapital(line) &&
+                                    (i == 1 || EndsInStop(lines[i - 2].second));
+        if (BeginsItem(line) || isList || followsHeading)
+            starts_.push_back(lines[i].first);
+    }
+}

@@ -1,0 +1,212 @@
+#include "speech/sentence_words.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace {
+
+// One space around each word.
+bool Holds(std::string_view words, std::string_view word) {
+    if (word.empty() || word.find(' ') != std::string_view::npos)
+        return false;
+    for (std::size_t at = words.find(word); at != std::string_view::npos;
+         at = words.find(word, at + 1))
+        if (words[at - 1] == ' ' && words[at + word.size()] == ' ')
+            return true;
+    return false;
+}
+
+struct LanguageWords {
+    std::string_view language;
+    std::string_view small;           // words that tell it from others
+    std::string_view needsFollowing;  // beyond those that all have
+};
+constexpr LanguageWords kLanguages[] = {
+    {"en", " the and of to is that it was you for with are this have not ",
+     " Messrs Mme Rev Hon Gov Sgt Cpl Pvt Maj Cmdr Supt Sen Rep Pres Ave Blvd "
+     "Rd Mt Ft Jan Feb Mar "
+     "Apr Jun Jul Aug Sep Sept Oct Nov Dec viz ca approx dept est govt "},
+    {"de", " der die das und ist nicht ein eine zu den mit auf von im sich des dem ",
+     " z.B z. B d.h d. h u.a u. a o.ä bzw ca evtl ggf inkl Hr Hrn Fr Frl Str "
+     "Tel Abb Abs Art Bd "
+     "Mio Mrd Nr S s vgl Ing Dipl Kfm Rd Abt Aufl Verf v.a zzgl Jh St sog rd "
+     "i.d.R m.E z.T z.Zt "
+     "Jan Feb Apr Aug Sept Okt Nov Dez Mag Univ Hrsg Inh geb gest "},
+    {"fr", " le la les et est un une des dans que qui pour pas au du sur il elle ce ",
+     " M MM Mme Mmes Mlle Mlles Me Mgr av env ex bd éd fasc ibid janv févr "
+     "juill sept déc p.ex "
+     "c.-à-d chap vs "},
+    {"es", " el los las y es un una que en por con para del se no su como ",
+     " Sr Sra Sres Sras Srta Dra Dr Ud Uds Vd Vds D Da Dña p.ej ej pág págs "
+     "núm art cap tel avda c "
+     "Excmo Excma Ilmo Lic Ing Arq Prof Gral "},
+    {"it", " il lo gli di che è un una per non con del della sono si nel le ",
+     " Ing Geom Arch Sig Sigg Sig.ra Sig.na dott Dott prof Prof ing Ing avv Avv geom pag "
+     "pagg cap art es ecc.to "
+     "on On n N tel v ca p.es sec arch "},
+    {"pt", " o os as e é um uma que em para com não do da dos das se ",
+     " Sr Sra Srs Dr Dra Exmo Exma Prof Profa Eng pág págs núm art cap tel "
+     "p.ex av Av "},
+    {"nl", " de het een en van is niet dat op te met voor zijn er ",
+     " dhr mevr mw mr drs ir ing ds bijv blz nr o.a d.w.z m.b.t t.a.v t.o.v "
+     "i.p.v enz.v ca incl "
+     "excl Mgr prof jhr st afb vgl "},
+    {"pl", " i w nie to się na że jest z do jak po ale ",
+     " np m.in tzn tzw ul al pl prof dr inż mgr hab gen płk kpt por św ok nr "
+     "str tel godz zob lek "
+     "red wyd r.ż p.o pt ww "},
+    {"cs", " a je se na že to v s z do by byl jako ale ",
+     " např tj tzn tzv č čl str obr sv ing mgr mudr judr phdr prof doc ul nám "
+     "tel r mj resp popř "
+     "cca gen plk "},
+    {"ru", "",
+     " т.е т. е т.д.и т.к т.н т.п.и напр см ср ул пр просп пл пер д кв корп г "
+     "гг.и им проф акад "
+     "доц инж гр тов стр рис табл гл п пп ст св тыс млн млрд руб.за тел обл "
+     "р-н с р мл ген полк "},
+    {"el", "", " κ κα κος Δρ σελ π.χ π. χ δηλ βλ αρ τηλ οδ "},
+};
+
+constexpr std::string_view kNeedsFollowing =
+    " Mr Mrs Ms Dr Prof St Gen Col Capt Lt Fr Br Dir Drs Mx e.g i.e eg ie cf "
+    "vs v c.f Fig Figs fig "
+    "figs Nr nr Nos N° n° Univ al.et Herr Hr Sr.ta Mlle Mme Msgr Adm Cdr Insp "
+    "Pfc Ph ";
+constexpr std::string_view kNeedsNumber =
+    " p pp P Pp No no Nos nos Nr nr Art art Fig fig Vol vol Ch ch Sec sec Sect "
+    "Tab tab pg pgs pág "
+    "págs pag pagg str стр с п рис гл ст σελ n N N° n° núm num chap cap col Ed "
+    "ed ver Ver ext Ext "
+    "§ ";
+constexpr std::string_view kMayEnd =
+    " Co co Inc Ltd Corp Jr Sr Bros Esq etc Etc a.m p.m A.M P.M U.S U.K E.U "
+    "U.N U.S.A D.C B.C A.D "
+    "Ph.D M.D B.A M.A st St ave Ave Rd rd Blvd dept usw ecc etc.a enz itd itp "
+    "apod atd tzn.p т.д "
+    "т.п др пр г гг в вв н.э руб коп км м кг EE.UU al S.A S.p.A s.r.o a.s "
+    "GmbH.i Ud Uds κλπ κ.λπ "
+    "κτλ Rep Sen Gov Est est ";
+constexpr std::string_view kUsuallyEnds =
+    " etc Etc usw ecc enz itd itp apod atd т.д т.п пр κλπ κ.λπ κτλ ";
+// Sentences begin so, but neither names nor what stands behind an abbreviation
+// within one.
+constexpr std::string_view kBeginners =
+    " A After All Also Although And Another As At Because Before Being But By "
+    "Can Could Did Do "
+    "Does "
+    "Everyone First For From Had Has Have He Her Here His How However I If In "
+    "Is It Its It's Last "
+    "Let Many Maybe Millions More Most My No Nobody Not Now On Once One Or "
+    "Others Our Perhaps She "
+    "Should Since So Some Still That The Their Then There These They This "
+    "Those Though Thus To "
+    "Today Tomorrow Two Was We Well Were What When Where Whether Which While "
+    "Who Why Will With "
+    "Would Yes Yesterday Yet You Your "
+    "Der Die Das Den Dem Ein Eine Er Sie Es Wir Ihr Ich Du Und Aber Doch Dann "
+    "Da Dort Hier Wie Was "
+    "Wer Wo Wann Warum Wenn Weil Als Auch Nach Nun Jetzt Dies Diese Dieser "
+    "Dieses So "
+    "Le La Les Un Une Il Elle Ils Elles Nous Vous Je Tu Et Mais Ce Cette Ces "
+    "C'est Que Qui Quand "
+    "Comment Pourquoi On En Dans Pour "
+    "El Los Las Una Ella Ellos Yo Usted Y Pero Este Esta Esto Qué Cómo Cuándo "
+    "No Se Es "
+    "Lo Gli Uno Lui Lei Loro Noi Io Ma Questo Questa Come Quando Perché È Non "
+    "Он Она Оно Они Мы Вы Я Ты И А Но Это Этот Эта В На С По Как Что Когда Где "
+    "Почему Так Если "
+    "Там Тут Все Уже Было Был Была ";
+constexpr std::string_view kTitles = " Mr Mrs Ms Dr Prof Herr Frau Mme Sr Sra ";
+constexpr std::string_view kDottedOrdinals =
+    " de cs pl fi da nb no sk sl hr sr hu et lv lt tr is eu ";
+
+constexpr std::size_t kEnoughToGuess = 2000;
+
+bool IsDottedInitials(std::string_view word) {
+    return word.size() >= 3 && word.find('.') != std::string_view::npos &&
+           g_ascii_isalpha(word[0]) && word[1] == '.';
+}
+
+std::string_view LanguageOfScript(std::string_view text) {
+    const char* const end = text.data() + text.size();
+    for (const char* at = text.data(); at < end;) {
+        const gunichar letter = g_utf8_get_char_validated(at, end - at);
+        if (letter >= 0x110000) {
+            ++at;
+            continue;
+        }
+        if (g_unichar_isalpha(letter)) {
+            switch (g_unichar_get_script(letter)) {
+                case G_UNICODE_SCRIPT_CYRILLIC:
+                    return "ru";
+                case G_UNICODE_SCRIPT_GREEK:
+                    return "el";
+                case G_UNICODE_SCRIPT_HAN:
+                    return "zh";
+                case G_UNICODE_SCRIPT_HIRAGANA:
+                case G_UNICODE_SCRIPT_KATAKANA:
+                    return "ja";
+                case G_UNICODE_SCRIPT_DEVANAGARI:
+                    return "hi";
+                case G_UNICODE_SCRIPT_ARABIC:
+                    return "ar";
+                case G_UNICODE_SCRIPT_ARMENIAN:
+                    return "hy";
+                default:
+                    return "";
+            }
+        }
+        at = g_utf8_next_char(at);
+    }
+    return "";
+}
+
+}  // namespace
+
+std::string_view GuessLanguage(std::string_view text) {
+    text = text.substr(0, kEnoughToGuess);
+    if (const std::string_view language = LanguageOfScript(text); !language.empty())
+        return language;
+    std::array<int, std::size(kLanguages)> hits{};
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of(" \t\n.,;:!?\"()"), text.size());
+        for (std::size_t i = 0; i < hits.size(); ++i)
+            hits[i] += Holds(kLanguages[i].small, text.substr(0, end)) ? 1 : 0;
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return kLanguages[std::max_element(hits.begin(), hits.end()) - hits.begin()].language;
+}
+
+bool NeedsWhatFollows(std::string_view word, std::string_view language) {
+    if (Holds(kNeedsFollowing, word))
+        return true;
+    const auto* const own = std::ranges::find(kLanguages, language, &LanguageWords::language);
+    return own != std::end(kLanguages) && Holds(own->needsFollowing, word);
+}
+
+bool UsuallyEndsSentence(std::string_view word) {
+    return Holds(kUsuallyEnds, word);
+}
+
+bool NeedsNumber(std::string_view word) {
+    return Holds(kNeedsNumber, word) || word.ends_with("str");  // "Bahnhofstr. 5"
+}
+
+bool MayEndSentence(std::string_view word) {
+    return Holds(kMayEnd, word) || IsDottedInitials(word);
+}
+
+bool HasDottedOrdinals(std::string_view language) {
+    return Holds(kDottedOrdinals, language);
+}
+
+bool BeginsSentences(std::string_view word) {
+    return Holds(kBeginners, word);
+}
+
+bool IsTitle(std::string_view word) {
+    return Holds(kTitles, word);
+}

@@ -1,0 +1,27 @@
+// What the rules of sentences know about languages: abbreviations, and words
+// that begin sentences.
+#pragma once
+
+#include <string_view>
+
+// "de" for a text that is most likely German; "en" when nothing else is
+// likelier. By script, then by the small words among its first.
+std::string_view GuessLanguage(std::string_view text);
+
+// All take a word without its last stop, as it is written.
+//
+// Stands before a name or a number and so never ends a sentence: "Dr", "z.B",
+// "т.е".
+bool NeedsWhatFollows(std::string_view word, std::string_view language);
+// The same before a number alone: "p" of "p. 55".
+bool NeedsNumber(std::string_view word);
+// Stands behind something and may end a sentence: "Co", "Jr", "p.m".
+bool MayEndSentence(std::string_view word);
+// "etc", "usw": mostly does, before a capital letter.
+bool UsuallyEndsSentence(std::string_view word);
+// Whether numbers with a stop are ordinal numbers: "am 3. Mai".
+bool HasDottedOrdinals(std::string_view language);
+// A word with which sentences begin, and names and titles do not: "How",
+// "They".
+bool BeginsSentences(std::string_view word);
+bool IsTitle(std::string_view word);  // "Mr", with which a sentence may begin

@@ -1,0 +1,44 @@
+// The sentences of a text, as its reader would count them: by the rules of its
+// language (ICU's, with their abbreviations) and our own for lists, quotations,
+// brackets, initials, ellipses, addresses and headings. What an engine is
+// handed is cut from these by the engine's own rules.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Bytes of the text, without the white space around.
+struct Sentence {
+    std::size_t begin;
+    std::size_t end;
+};
+
+// In order, lazily: reads a few kilobytes beyond the sentence that it gives,
+// and a sentence that is longer than those is cut. Every byte that is no white
+// space is in one of them. One thread.
+class Sentences {
+public:
+    // UTF-8, whose bytes outlive this. language is a tag; empty: it is guessed.
+    explicit Sentences(std::string_view text, std::string_view language = {});
+    ~Sentences();
+    Sentences(Sentences&&) noexcept;
+    Sentences& operator=(Sentences&&) noexcept;
+
+    bool Next(Sentence& sentence);  // false at the end
+
+private:
+    class Breaker;
+
+    void FillWindow();
+
+    std::string_view text_;
+    std::size_t at_ = 0;
+    std::deque<Sentence> found_;
+    std::unique_ptr<Breaker> breaker_;
+};
+
+std::vector<Sentence> SentencesOf(std::string_view text, std::string_view language = {});
