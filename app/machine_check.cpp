@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/read_aloud.h"
+#include "app/reading/dialogs/reading_troubles.h"
+#include "app/reading/dialogs/reading_wait_box.h"
+#include "app/reading/narrator.h"
+#include "app/speech_file.h"
 #include "desktop/dialogs/ready_dialog.h"
 #include "foundation/child_process.h"
 #include "foundation/gdk/queued_notify.h"
@@ -28,13 +31,17 @@ std::vector<std::string> SoundCards() {
     return names;
 }
 
-class Machine : public LReadiness, private LThreadQueuedNotify, private ReadAloudListener {
+class Machine : public LReadiness, private LThreadQueuedNotify {
 public:
-    Machine() : reading_(*this, ReadAloud::Player::kUnseen), query_([this] { QueueNotify(); }) {}
+    Machine()
+        : narrator_(SpeechFilePath()),
+          waitBox_(narrator_, [this] { return parent_; }),
+          troubles_(narrator_, {.parent = [this] { return parent_; }}),
+          query_([this] { QueueNotify(); }) {}
 
     void Look(std::function<void()> changed) override {
         changed_ = std::move(changed);
-        reading_.Stop();
+        narrator_.Forget();
         cards_ = SoundCards();
         // As on a desktop whose sound goes over the air or the network.
         if (cards_.empty() && SoundServerAnswers())
@@ -58,7 +65,8 @@ public:
     std::vector<std::string> Cards() const override { return cards_; }
     bool HasEncoder() const override { return IsProgramInstalled("lame"); }
     void ReadTestSentence(GtkWidget* parent) override {
-        reading_.Start({parent}, kTestSentence, std::max(0, ChosenVoice()), false);
+        parent_ = parent;
+        narrator_.Read(kTestSentence, std::max(0, ChosenVoice()), "");
     }
 
 private:
@@ -66,15 +74,13 @@ private:
         if (changed_)
             changed_();
     }
-    void EvReadingStarted() override {}
-    void EvReadingTime(LSoundTime, LSoundTime) override {}
-    void EvReadingStretch(std::size_t, std::size_t) override {}
-    void EvReadingWaits() override {}
-    void EvReadingEnded(const std::string&, bool) override {}
 
     std::function<void()> changed_;
     std::vector<std::string> cards_;
-    ReadAloud reading_;
+    GtkWidget* parent_ = nullptr;  // of what is told of the test sentence
+    Narrator narrator_;
+    ReadingWaitBox waitBox_;
+    ReadingTroubles troubles_;
     VoiceListQuery query_;  // last: its thread ends before what it notifies
 };
 

@@ -11,6 +11,7 @@
 #include "app/options_dialog.h"
 #include "app/recent_files.h"
 #include "app/settings_keys.h"
+#include "app/speech_file.h"
 #include "app/start_up.h"
 #include "app/window/window_layout.h"
 #include "foundation/browser.h"
@@ -51,14 +52,19 @@ MainDialog::MainDialog()
                 {[this] { LMainWindow::CmClose(); }, [this] { Minimise(); },
                  [this] { EvNotifyIconContextMenu(); }}),
       voices_(*this, kVoiceList, [this] { EvVoicesAnswered(); }),
-      reading_(*this) {
+      narrator_(SpeechFilePath()),
+      player_(narrator_, [this](unsigned int key) { return EvKeyDown(key); }),
+      waitBox_(narrator_, [this] { return player_.BoxParent(); }),
+      troubles_(narrator_, {.parent = [this] { return player_.BoxParent(); },
+                            .noVoice = [this] { ShowNoSpeechEngine(); },
+                            .cannotPlay = RunMachineCheckWithoutCard}),
+      readingStatus_(narrator_,
+                     {.show = [this](const char* text) { SetStatusText(text); },
+                      .tell = [this](const char* text) { TellStatusText(text); }},
+                     kBanner),
+      reading_(narrator_.News(), [this](const ReadingNews& news) { EvReading(news); }) {
     AddCommands();
     CheckActiveWindowChange();
-}
-
-MainDialog::~MainDialog() {
-    if (nextFile_ != 0)
-        g_source_remove(nextFile_);
 }
 
 void MainDialog::Run() {
@@ -68,6 +74,7 @@ void MainDialog::Run() {
 void MainDialog::CreateControls() {
     const LEditWidgets edit = text_.NewTextBox();
     AddControl(edit.textView, kTextBox, edit.scrolledWindow);
+    text_.Highlight().Follow(narrator_);
     SetTooltip(kTextBox, "Enter your text here or click on the Update Text button");
 
     GtkWidget* label = gtk_label_new("Choose Voice: ");
@@ -119,22 +126,23 @@ void MainDialog::InitDialog() {
 
 void MainDialog::EvShown() {
     presence_.Begin();
-    if (waitingFiles_.empty()) {
+    if (narrator_.QueueLength() == 0) {
         firstMoments_.Begin(*this,
                             [this] { hotKeyOffer_.AskSoon(*this, [this] { hotKeys_.Start(); }); });
         return;
     }
     // No question is in the way of a reading that is about to begin.
     firstMoments_.Begin(*this, nullptr);
-    firstKeyboard_.Start(Widget(), [this] { ReadWaitingFilesSoon(); });
+    firstKeyboard_.Start(Widget(), [this] { narrator_.ContinueQueueSoon(); });
 }
 
 void MainDialog::DestroyDialog() {
     firstMoments_.End();
     presence_.End();
     hotKeys_.Stop();
-    StopReading();
-    reading_.Close();
+    narrator_.ForgetQueue();
+    narrator_.Forget();
+    player_.Close();
     voices_.Store();
 }
 
@@ -152,7 +160,9 @@ void MainDialog::ShowNoSpeechEngine() {
 
 void MainDialog::EvVoicesAnswered() {
     // Whoever waits for the voices right now tells of it.
-    if (!voices_.IsKnown() && !speaking_)
+    if (narrator_.State() == ReadingState::kWaitingForVoice)
+        narrator_.SetVoice(voices_.Chosen());
+    else if (!voices_.IsKnown() && !saving_)
         ShowNoSpeechEngine();
 }
 
@@ -188,7 +198,7 @@ void MainDialog::CmOptions() {
 }
 
 void MainDialog::EvHotKey(int storedCommand) {
-    if (speaking_ || loading_) {
+    if (saving_ || loading_) {
         // A dialog of the last command still waits for its answer, perhaps behind other windows.
         if (GtkWidget* waiting = gtk_grab_get_current())
             gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(waiting)));
@@ -246,7 +256,7 @@ void MainDialog::KeepFocus() {
 
 CommandNeeds MainDialog::Available() {
     return text_.Available() | (selection_.HasText() ? kNeedsSelection : 0) |
-           (!text_.IsEmpty() || reading_.IsReading() ? kNeedsTextOrReading : 0);
+           (!text_.IsEmpty() || narrator_.IsReading() ? kNeedsTextOrReading : 0);
 }
 
 void MainDialog::Command(int command) {
@@ -265,7 +275,7 @@ void MainDialog::CheckActiveWindowChange() {}
 void MainDialog::EvTextChanged() {
     // What the user writes is not replaced by a file that still waits.
     if (!settingWaitingFile_)
-        waitingFiles_.clear();
+        narrator_.ForgetQueue();
     text_.Highlight().End();
     EnableControls();
 }
@@ -276,8 +286,8 @@ bool MainDialog::EvKeyDown(unsigned int key) {
         return true;
     if (IsEntrysKey(key))
         return false;
-    if (key == GDK_Escape && reading_.IsReading()) {
-        StopReading();
+    if (key == GDK_Escape && narrator_.IsReading()) {
+        narrator_.Stop();
         return true;
     }
     return LMainWindow::EvKeyDown(key);

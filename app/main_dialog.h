@@ -1,14 +1,17 @@
 // The application's one main window: text, voice, and the commands that read or save speech.
 #pragma once
 
-#include <deque>
 #include <string>
 #include <vector>
 
 #include "app/commands/command_places.h"
 #include "app/hotkeys/hot_key_offer.h"
 #include "app/hotkeys/hot_keys.h"
-#include "app/read_aloud.h"
+#include "app/reading/dialogs/reading_player.h"
+#include "app/reading/dialogs/reading_status.h"
+#include "app/reading/dialogs/reading_troubles.h"
+#include "app/reading/dialogs/reading_wait_box.h"
+#include "app/reading/narrator.h"
 #include "app/selection_watch.h"
 #include "app/text/text_pane.h"
 #include "app/voice_choice.h"
@@ -22,10 +25,9 @@
 struct LayoutPlace;
 
 // Lives for the whole run. GUI thread.
-class MainDialog final : public LMainWindow, private ReadAloudListener {
+class MainDialog final : public LMainWindow {
 public:
     MainDialog();
-    ~MainDialog() override;
 
     // Builds and shows the window, processes this process's own arguments, and runs the main loop
     // until the user ends it.
@@ -61,35 +63,18 @@ public:
 
 private:
     void CheckActiveWindowChange();
-    void EvReadingStarted() override;
-    void EvReadingTime(LSoundTime position, LSoundTime length) override;
-    void EvReadingStretch(std::size_t begin, std::size_t end) override;
-    void EvReadingRoute(const std::string& text) override { TellStatusText(text.c_str()); }
-    void EvReadingWaits() override;
-    void EvReadingEnded(const std::string& note, bool inTrouble) override;
-    bool HasNextReading() const override { return !waitingFiles_.empty(); }
-    void EvNextReading() override;
-    void EvReadingStopped() override { waitingFiles_.clear(); }
-    bool EvReadingKey(unsigned int key) override { return EvKeyDown(key); }
-
+    void EvReading(const ReadingNews& news);
     void EvHotKey(int storedCommand);
     static std::string SelectedText();
 
     // In the status bar while there is nothing else to tell.
     static constexpr const char* kBanner = "Lectora v 1.05";
 
-    using SpeakFunction = void (MainDialog::*)(const std::string& text, int voice);
-
-    // Runs speak on text of the text box and the chosen voice, unless there is none or such a run
-    // is under way (its progress dialog pumps events, and a second start may hand a file over
-    // meanwhile).
-    void Speak(SpeakFunction speak, TextPane::Extent extent);
-    void ReadText(const std::string& text, int voice);
+    // Reads text of the text box aloud; not while a save or a loading is under way, whose dialogs
+    // pump events.
+    void Read(TextPane::Extent extent);
     void SaveText(const std::string& text, int voice);
-    void ReadWaitingFiles();      // the next one, when nothing is being read
-    void ReadWaitingFilesSoon();  // from the main loop
-    static int ReadNextFile(void* self);
-    void StopReading();  // and forgets the files that wait
+    QueuedText::Begun ReadWaitingFile(const std::string& path);
 
     // False: unreadable, which is told, or cancelled; the text stays.
     enum class FileFrom { kUser, kArguments };
@@ -100,7 +85,7 @@ private:
     void CreateControls();
     void OfferButton(int number);
     void Place(int control, const LayoutPlace& place);
-    void CmReadOrStop();
+    void CmReadStopOrGoOn();
     void CmReadFromFile();
     void CmReadFromSelection();
     void CmReadSelectionOrStop();
@@ -130,14 +115,14 @@ private:
     Presence presence_;
     FirstMoments firstMoments_;
     VoiceChoice voices_;
-    ReadAloud reading_;
-    bool speaking_ = false;
-    bool hadKeyboard_ = false;  // when the speaking began
-    bool loading_ = false;      // its dialog handles events
+    Narrator narrator_;
+    ReadingPlayer player_;
+    ReadingWaitBox waitBox_;
+    ReadingTroubles troubles_;
+    ReadingStatus readingStatus_;
+    Narrator::Subscription reading_;
+    bool saving_ = false;   // its dialogs handle events
+    bool loading_ = false;  // likewise
     bool settingWaitingFile_ = false;
-    bool waitIsTold_ = false;  // of this reading; every further one would be talked over
     KeyboardWait firstKeyboard_;
-    unsigned int nextFile_ = 0;  // idle source that goes on with the waiting files; 0 when none
-    std::deque<std::string>
-        waitingFiles_;  // from the command line or another start, to be read in order
 };

@@ -41,7 +41,7 @@ void MainDialog::AddCommands() {
           .icon = kReadButtonIcon,
           .keys = {kReadKey},
           .needs = kNeedsTextOrReading},
-         &MainDialog::CmReadOrStop},
+         &MainDialog::CmReadStopOrGoOn},
         {{.number = kSaveCurrent,
           .also = {kSaveAllOfWindow, kSaveSelectionOfWindow},
           .label = "Save Current &Text",
@@ -112,14 +112,6 @@ void MainDialog::AddCommands() {
     commands_.AddRange(LHelpLinks::kFirst, LHelpLinks::kLast, LHelpLinks::Open);
 }
 
-// The button stays down while it reads; pressing it then lets go.
-void MainDialog::CmReadOrStop() {
-    if (reading_.IsReading())
-        StopReading();
-    else
-        Speak(&MainDialog::ReadText, TextPane::Extent::kSelected);
-}
-
 // The second step runs even when the first brought nothing new, but not once the window has gone
 // meanwhile.
 void MainDialog::CmReadFromFile() {
@@ -136,8 +128,8 @@ void MainDialog::CmReadFromSelection() {
 
 // Pressed again over the same text, the hotkey stops.
 void MainDialog::CmReadSelectionOrStop() {
-    if (reading_.IsReading() && SelectedText() == text_.Text())
-        StopReading();
+    if (narrator_.IsReading() && SelectedText() == text_.Text())
+        narrator_.Stop();
     else
         CmReadFromSelection();
 }

@@ -33,7 +33,7 @@ void MainDialog::ListRecentFilesSoon() {
 // From the main loop: loading may run a dialog, and the other program waits for the drop to end.
 void MainDialog::EvFilesDropped(const std::vector<std::string>& paths) {
     dropTimer_.Start(0, [this, path = paths.front()] {
-        if (IsOpen() && !loading_ && !speaking_)
+        if (IsOpen() && !loading_ && !saving_)
             LoadFile(path.c_str(), FileFrom::kUser);
     });
 }

@@ -1,35 +1,33 @@
 // What the main window has spoken, and what it shows of the reading.
 #include <strings.h>
 
+#include <utility>
+#include <vector>
+
 #include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
 #include "app/save_speech.h"
 #include "app/settings_keys.h"
 
-void MainDialog::Speak(SpeakFunction speak, TextPane::Extent extent) {
-    if (speaking_ || loading_)
+void MainDialog::Read(TextPane::Extent extent) {
+    if (saving_ || loading_)
         return;
-    speaking_ = true;
-    // Once there was a dialog it takes the desktop a moment to give the keyboard back.
-    hadKeyboard_ = gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE;
     GtkTextIter start;
-    const std::string text = text_.Text(extent, start);
-    if (!text.empty()) {
-        reading_.Stop();
-        if (kFollowTextSetting.Get())
-            text_.Highlight().Begin(start);
-        else
-            text_.Highlight().End();
-        const int voice = AwaitVoice();
-        if (voice >= 0)
-            (this->*speak)(text, voice);
-    }
-    speaking_ = false;
-    ReadWaitingFilesSoon();
-}
-
-void MainDialog::ReadText(const std::string& text, int voice) {
-    reading_.Start({Widget(), GetControlByID(kTextBox)}, text, voice, hadKeyboard_);
+    std::string text = text_.Text(extent, start);
+    if (text.empty())
+        return;
+    // Once there was a box it takes the desktop a moment to give the keyboard back.
+    player_.Expect({Widget(), GetControlByID(kTextBox)},
+                   gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE);
+    // The engine may be slow to wake up, or have been installed since the program was started.
+    const int voice = voices_.Chosen();
+    narrator_.Read(std::move(text), voice, "");
+    if (kFollowTextSetting.Get())
+        text_.Highlight().Begin(start);
+    else
+        text_.Highlight().End();
+    if (voice < 0)
+        voices_.Ask();
 }
 
 void MainDialog::SaveText(const std::string& text, int voice) {
@@ -39,38 +37,48 @@ void MainDialog::SaveText(const std::string& text, int voice) {
 }
 
 void MainDialog::CmRead() {
-    Speak(&MainDialog::ReadText, TextPane::Extent::kAll);
+    Read(TextPane::Extent::kAll);
 }
 
+// What is being read goes on meanwhile.
 void MainDialog::CmSave() {
-    Speak(&MainDialog::SaveText, TextPane::Extent::kAll);
+    if (saving_ || loading_)
+        return;
+    const std::string text = text_.Text();
+    if (text.empty())
+        return;
+    saving_ = true;
+    const int voice = AwaitVoice();
+    if (voice >= 0)
+        SaveText(text, voice);
+    saving_ = false;
+    narrator_.ContinueQueueSoon();
 }
 
-void MainDialog::StopReading() {
-    waitingFiles_.clear();
-    reading_.Stop();
+// The button is down while it reads, and pressing it then lets go; up while it is paused.
+void MainDialog::CmReadStopOrGoOn() {
+    if (narrator_.State() == ReadingState::kPaused)
+        narrator_.Play();
+    else if (narrator_.IsReading())
+        narrator_.Stop();
+    else
+        Read(TextPane::Extent::kSelected);
 }
 
-void MainDialog::ReadWaitingFiles() {
-    while (IsOpen() && !firstKeyboard_.IsWaiting() && !speaking_ && !loading_ &&
-           !reading_.IsReading() && !waitingFiles_.empty()) {
-        const std::string path = waitingFiles_.front();
-        waitingFiles_.pop_front();
-        if (LoadFile(path.c_str(), FileFrom::kArguments))
-            Speak(&MainDialog::ReadText, TextPane::Extent::kAll);
-    }
-}
-
-void MainDialog::ReadWaitingFilesSoon() {
-    if (!waitingFiles_.empty() && nextFile_ == 0)
-        nextFile_ = gdk_threads_add_idle(ReadNextFile, this);
+QueuedText::Begun MainDialog::ReadWaitingFile(const std::string& path) {
+    if (!IsOpen() || firstKeyboard_.IsWaiting() || saving_ || loading_)
+        return QueuedText::Begun::kNotNow;
+    if (!LoadFile(path.c_str(), FileFrom::kArguments))
+        return QueuedText::Begun::kFailed;
+    Read(TextPane::Extent::kAll);
+    return narrator_.IsReading() ? QueuedText::Begun::kYes : QueuedText::Begun::kFailed;
 }
 
 void MainDialog::EvRunArguments(const char* const* arguments, int count) {
     if (count < 2)
         CmOpen();
     EnableControls();
-    std::deque<std::string> files;
+    std::vector<std::string> files;
     for (int index = 1; index < count; ++index) {
         const char* argument = arguments[index];
         if (strcasecmp(argument, "-logon") != 0 && strcasecmp(argument, "-block") != 0)
@@ -80,60 +88,18 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
         return;
     // What was asked for last is heard at once, unless a progress dialog is up: then it waits for
     // that to end. Several files are read one after the other.
-    if (!speaking_ && !loading_)
-        StopReading();
-    waitingFiles_.insert(waitingFiles_.end(), files.begin(), files.end());
-    // The window is drawn, and has its place, before the first reading, whose player stands beside
-    // it and which may have to wait for the engine.
-    ReadWaitingFilesSoon();
+    if (!saving_ && !loading_)
+        narrator_.Stop();
+    for (const std::string& path : files)
+        narrator_.Queue({.title = path, .begin = [this, path] { return ReadWaitingFile(path); }});
 }
 
-void MainDialog::EvReadingStarted() {
-    waitIsTold_ = false;
-    SetCoolButtonDown(kReadButton);
-}
-
-void MainDialog::EvReadingTime(LSoundTime position, LSoundTime length) {
-    char now[kSoundTimeTextSize];
-    char whole[kSoundTimeTextSize];
-    position._GetText0(now);
-    length._GetText0(whole);
-    SetStatusText(("Reading aloud: " + std::string(now) + " of " + whole + " (Esc stops)").c_str());
-}
-
-void MainDialog::EvReadingStretch(std::size_t begin, std::size_t end) {
-    text_.Highlight().Show(begin, end);
-}
-
-void MainDialog::EvReadingWaits() {
-    constexpr const char* kNote = "Waiting for the voice, which is slower than speech (Esc stops)";
-    waitIsTold_ ? SetStatusText(kNote) : TellStatusText(kNote);
-    waitIsTold_ = true;
-}
-
-void MainDialog::EvReadingEnded(const std::string& note, bool inTrouble) {
-    SetCoolButtonUp(kReadButton);
-    if (note.empty())
-        SetStatusText(kBanner);
+void MainDialog::EvReading(const ReadingNews& news) {
+    if (!news.IsNew() || !IsOpen())
+        return;
+    if (IsReading(news.state) && news.state != ReadingState::kPaused)
+        SetCoolButtonDown(kReadButton);
     else
-        TellStatusText(note.c_str());
-    text_.Highlight().Hide();
+        SetCoolButtonUp(kReadButton);
     EnableControls();
-    // The next file would meet the same trouble, and its box would hide this one's.
-    if (inTrouble)
-        waitingFiles_.clear();
-    // From the main loop: the player is still in the middle of ending this reading.
-    ReadWaitingFilesSoon();
-}
-
-void MainDialog::EvNextReading() {
-    reading_.Stop();
-    ReadWaitingFilesSoon();
-}
-
-int MainDialog::ReadNextFile(void* self) {
-    auto* window = static_cast<MainDialog*>(self);
-    window->nextFile_ = 0;
-    window->ReadWaitingFiles();
-    return FALSE;
 }

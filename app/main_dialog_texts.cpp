@@ -46,9 +46,9 @@ bool MainDialog::LoadFile(const char* path, FileFrom from) {
     // The window may have been closed meanwhile.
     if (!IsOpen())
         return false;
-    ReadWaitingFilesSoon();
+    narrator_.ContinueQueueSoon();
     if (!document) {
-        waitingFiles_.clear();
+        narrator_.ForgetQueue();
         return false;
     }
     if (!document->problem.empty()) {

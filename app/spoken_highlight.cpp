@@ -13,6 +13,17 @@ void SpokenHighlight::Attach(GtkTextView* view, const LongLines& lines) {
     shown_ = gtk_text_buffer_create_mark(buffer_, nullptr, &start, TRUE);
 }
 
+void SpokenHighlight::Follow(Narrator& narrator) {
+    news_.Begin(narrator.News(), [this](const ReadingNews& news) { Hear(news); });
+}
+
+void SpokenHighlight::Hear(const ReadingNews& news) {
+    if (!IsReading(news.state))
+        Hide();
+    else if (news.stretch)
+        Show(news.stretch->sourceBegin, news.stretch->sourceEnd);
+}
+
 void SpokenHighlight::Begin(const GtkTextIter& start) {
     Unmark();
     gtk_text_buffer_move_mark(buffer_, start_, &start);

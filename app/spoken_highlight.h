@@ -5,6 +5,7 @@
 
 #include <cstddef>
 
+#include "app/reading/narrator.h"
 #include "app/text/long_lines.h"
 
 // Cursor and selection stay as they are. Offsets are bytes of what LongLines::Text gives. GUI
@@ -18,6 +19,9 @@ public:
     // Once. Both are borrowed and outlive what is shown.
     void Attach(GtkTextView* view, const LongLines& lines);
 
+    // From now on it shows what is heard. A receiver of the narrator's news.
+    void Follow(Narrator& narrator);
+
     void Begin(const GtkTextIter& start);  // where the text that will be read begins
     // Marks the stretch and brings it into view; nothing before Begin and after End.
     void Show(std::size_t begin, std::size_t end);
@@ -25,6 +29,7 @@ public:
     void End();   // nothing is marked until Begin; at the end of the text as it was
 
 private:
+    void Hear(const ReadingNews& news);
     void Unmark();
 
     GtkTextView* view_ = nullptr;
@@ -36,4 +41,5 @@ private:
     std::size_t shownBegin_ = 0;
     std::size_t shownEnd_ = 0;
     bool isFollowing_ = false;
+    Narrator::Subscription news_;
 };

@@ -49,45 +49,41 @@ bool HasPointer(GtkWidget* window) {
 }  // namespace
 
 void LPlayDlg::Open(GtkWidget* parent) {
-    StartPlaying();
+    // The sound does not wait for the window.
+    Transport().Prepare();
+    CmPlay();
     if (Trouble() == PlayTrouble::kNone)
         LDialog::Open(parent, {kTitle, true, DlgGenPlayer}, true);
-}
-
-// The sound does not wait for the window.
-void LPlayDlg::StartPlaying() {
-    Prepare();
-    CmPlay();
+    CmStop();
 }
 
 // A panel that cannot be heard is of no use; the owner says why.
-void LPlayDlg::EvEnded() {
-    if (Trouble() != PlayTrouble::kNone)
+void LPlayDlg::EvChange(LPlayerChange change) {
+    LPlayerBaseDlg::EvChange(change);
+    if (change == LPlayerChange::kEnded && Trouble() != PlayTrouble::kNone)
         DoCANCELButton();
 }
 
-void LPlayDlgModeless::Restart(const LPlayerNeighbour& neighbour, bool takesKeyboard) {
-    if (IsOpen()) {
-        ShowItem();
-        CmPlay();
+void LPlayDlgModeless::Show(const LPlayerNeighbour& neighbour, bool takesKeyboard) {
+    if (IsOpen())
         return;
-    }
     neighbour_ = neighbour;
     givesFocusBack_ = takesKeyboard;
-    StartPlaying();
-    if (!IsLoaded())
-        return;
     // Not the neighbour's child, which would be kept above it and cover its text.
     LDialog::Open(nullptr, {kTitle, true, DlgGenPlayer}, false);
     EnableControls();
 }
 
-void LPlayDlgModeless::RestartUnseen() {
-    StartPlaying();
+void LPlayDlgModeless::Restart(const LPlayerNeighbour& neighbour, bool takesKeyboard) {
+    Transport().Prepare();
+    Transport().Stop();
+    CmPlay();
+    if (IsLoaded())
+        Show(neighbour, takesKeyboard);
 }
 
 void LPlayDlgModeless::InitDialog() {
-    LPlayDlg::InitDialog();
+    LPlayerBaseDlg::InitDialog();
     GtkWindow* window = GTK_WINDOW(Widget());
     gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_NORMAL);  // found like any program
     const bool isSeen =
@@ -103,8 +99,8 @@ void LPlayDlgModeless::InitDialog() {
 void LPlayDlgModeless::GCActiveChanged(GObject*, GParamSpec*, gpointer host) {
     auto& player = dynamic_cast<LPlayDlgModeless&>(HostOf(host));
     player.awaitsFocus_ = false;
-    if (!player.HasFocus())
-        player.listener_.EvPlayerLeft();
+    if (!player.HasFocus() && player.left)
+        player.left();
 }
 
 // To the right of the neighbour, to its left, below or above it. Where there is no room, the
@@ -146,7 +142,7 @@ void LPlayDlgModeless::PlaceBeside() {
 }
 
 void LPlayDlgModeless::DestroyDialog() {
-    LPlayDlg::DestroyDialog();
+    LPlayerBaseDlg::DestroyDialog();
     if (HasFocus() && givesFocusBack_ && gtk_widget_get_visible(neighbour_.window) != FALSE)
         gtk_window_present(GTK_WINDOW(neighbour_.window));
     neighbour_ = {};
@@ -162,63 +158,26 @@ void LPlayDlgModeless::Command(int command) {
         case kCommandHelp:
             CmHelp();
             break;
-        case kNextTrack:
-            listener_.EvNextTrack();
-            break;
         default:
-            LPlayDlg::Command(command);
+            LPlayerBaseDlg::Command(command);
             break;
     }
 }
 
 bool LPlayDlgModeless::EvKeyDown(unsigned int key) {
-    if (key == GDK_Page_Down && Info().HasNextItem()) {
+    if (key == GDK_Page_Down && Transport().Info().HasNextItem()) {
         DeliverCommand(kNextTrack);
         return true;
     }
-    return LPlayDlg::EvKeyDown(key) || listener_.EvPlayerKey(key);
-}
-
-void LPlayDlgModeless::Stop() {
-    LPlayDlg::CmStop();
-    EnableControls();
+    return LPlayerBaseDlg::EvKeyDown(key) || (keys && keys(key));
 }
 
 bool LPlayDlgModeless::HasFocus() const {
     return IsOpen() && (awaitsFocus_ || gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE);
 }
 
-void LPlayDlgModeless::CmStop() {
-    const bool wasLoaded = IsLoaded();
-    if (wasLoaded)
-        listener_.EvPlayerStopped();
-    LPlayDlg::CmStop();
-    if (wasLoaded)
-        listener_.EvPlayerEnded(PlayTrouble::kNone);
-}
-
 void LPlayDlgModeless::CmClose() {
-    CmStop();
     Close(kCommandOk);
-    listener_.EvPlayerClosed();
-}
-
-void LPlayDlgModeless::spntfPlay(int id) {
-    LPlayDlg::spntfPlay(id);
-    listener_.EvPlayerStarted();
-}
-
-void LPlayDlgModeless::spntfCue(int id) {
-    LPlayDlg::spntfCue(id);
-    listener_.EvPlayerPaused();
-}
-
-void LPlayDlgModeless::spntfTime(LSoundTime time, int id) {
-    LPlayDlg::spntfTime(time, id);
-    listener_.EvPlayerTime(time);
-}
-
-void LPlayDlgModeless::EvEnded() {
-    if (!IsLoaded())
-        listener_.EvPlayerEnded(Trouble());
+    if (closed)
+        closed();
 }

@@ -4,55 +4,47 @@
 
 #include "playback/dialogs/play_device_list.h"
 #include "playback/dialogs/player_panel_ids.h"
-#include "playback/settings_keys.h"
 
 using namespace PlayerPanel;
 
 namespace {
 
-constexpr int kPlayerId = 1;
 constexpr int kTempoStep = 10;
-
-std::string NameOf(LSoundPlayDevice device) {
-    char name[kTextBufferSize];
-    device.GetDeviceName(name);
-    return name;
-}
 
 }  // namespace
 
-LPlayerBaseDlg::LPlayerBaseDlg(LPlayerBaseInfo& info)
-    : info_(info),
-      tempo_(std::make_shared<LTempo>()),
-      player_(this, kPlayerId, LSoundPlayDevice()) {
-    player_.SetTroubleHandler([this](PlayTrouble trouble) { EvTrouble(trouble); });
-    player_.SetRouteHandler([this](const PlayRoute& route) { TakeRoute(route); });
+LPlayerBaseDlg::LPlayerBaseDlg(LPlayerTransport& transport) : transport_(transport) {
     SetHelpPage("player");
 }
 
-// The player stops with a notification, which must still find this class.
-LPlayerBaseDlg::~LPlayerBaseDlg() {
-    StopPlayer();
-}
-
-void LPlayerBaseDlg::Prepare() {
-    if (isPrepared_)
-        return;
-    isPrepared_ = true;
-    const std::string kept = kPlayerDevice.Get();
-    device_ = LSoundPlayDevice(kept.c_str());
-    const bool isMissing =
-        !kept.empty() && kept != NameOf(device_) && kept != kPlayerDevice.defaultValue;
-    missingDevice_ = isMissing ? kept : "";
-    player_.SetDevice(device_);
-    SetVolume(LDB(kPlayerVolume.Get()));
-    ReadTempo();
-}
-
 void LPlayerBaseDlg::InitDialog() {
-    Prepare();
+    transport_.Prepare();
     DBDisplaySetLevels(kMeter, LDBMC(8, LDB(-36)));
     DBDisplaySetLevels(kMeter, LDBMC(1));
+    NameButtons();
+    TBSetRange(kPosition, 0, 100);
+    HandleHSBChange(kPosition, kPositionMoved);
+    HandleHSBChange(kTempo, kTempoMoved);
+    SetTooltip(kTempo,
+               "How many times as fast as the voice itself. Faster (Ctrl+Up), slower (Ctrl+-)");
+    DBEditSetLevel(kVolume, transport_.Volume());
+    HandleDBEditChange(kVolume, kVolumeChanged);
+    LSoundPlayDeviceInit(*this, kDevice, transport_.Device());
+    HandlePDLSelChange(kDevice, kDeviceChosen);
+    SetTooltip(kDevice, "\"default\" is the desktop's own sound server");
+    wave_.Attach(GetControlByID(kWave));
+    wave_.seek = [this](std::int64_t frame) {
+        transport_.MoveTo(
+            LSoundTime::FromFrames(static_cast<std::int32_t>(frame), transport_.SampleRate()));
+    };
+    ShowRoute();
+    ShowItem();
+    FocusControl(kPlay);
+    changes_.Begin(transport_.Changes(), [this](LPlayerChange change) { EvChange(change); });
+    LSoundPlayDeviceTell(Widget(), transport_.Device(), transport_.MixerAnswer());
+}
+
+void LPlayerBaseDlg::NameButtons() {
     struct Button {
         int id;
         const char* tooltip;
@@ -79,61 +71,23 @@ void LPlayerBaseDlg::InitDialog() {
             CoolButtonInit(button.id, button.id, "");
         SetTooltip(button.id, button.tooltip);
     }
-    TBSetRange(kPosition, 0, 100);
-    HandleHSBChange(kPosition, kPositionMoved);
-    HandleHSBChange(kTempo, kTempoMoved);
-    SetTooltip(kTempo,
-               "How many times as fast as the voice itself. Faster (Ctrl+Up), slower (Ctrl+-)");
-    DBEditSetLevel(kVolume, LDB(kPlayerVolume.Get()));
-    HandleDBEditChange(kVolume, kVolumeChanged);
-    LSoundPlayDeviceInit(*this, kDevice, device_);
-    HandlePDLSelChange(kDevice, kDeviceChosen);
-    SetTooltip(kDevice, "\"default\" is the desktop's own sound server");
-    wave_.Attach(GetControlByID(kWave));
-    wave_.seek = [this](std::int64_t frame) {
-        MoveTo(LSoundTime::FromFrames(static_cast<std::int32_t>(frame), sampleRate_));
-    };
-    SetStaticText(kRoute, routeText_.c_str());
-    ShowControl(kRoute, !routeText_.empty());
-    ShowItemControls();
-    FocusControl(kPlay);
-}
-
-void LPlayerBaseDlg::ShowItem() {
-    StopPlayer();
-    StoreTempo();
-    ReadTempo();
-    time_ = length_ = LSoundTime();
-    ShowItemControls();
 }
 
 void LPlayerBaseDlg::DestroyDialog() {
-    StopPlayer();
+    changes_.End();
     wave_.LetGo();
-    // A card that is unplugged today plays again when it is back, unless another was chosen.
-    kPlayerDevice.Set(missingDevice_.empty() ? NameOf(device_).c_str() : missingDevice_.c_str());
-    kPlayerVolume.Set(DBEditGetLevel(kVolume).Value());
-    StoreTempo();
-    isPrepared_ = false;
-}
-
-void LPlayerBaseDlg::ReadTempo() {
-    voice_ = info_.VoiceName();
-    tempo_->Set(PlayerTempo(voice_.c_str()).Get());
-}
-
-void LPlayerBaseDlg::StoreTempo() {
-    PlayerTempo(voice_.c_str()).Set(tempo_->Percent());
+    transport_.KeepSettings();
 }
 
 void LPlayerBaseDlg::EnableControls() {
-    EnableControl(kStop, player_.IsLoaded());
-    const bool hasSentences = info_.FindSentence(LSoundTime(), 0).has_value();
+    EnableControl(kStop, IsLoaded());
+    const LPlayerBaseInfo& info = transport_.Info();
+    const bool hasSentences = info.FindSentence(LSoundTime(), 0).has_value();
     for (const int id : {kPreviousSentence, kRepeatSentence, kNextSentence})
         ShowControl(id, hasSentences);
-    ShowControl(kNextTrack, info_.HasNextItem());
-    IsPlaying() && !wind_.IsOn() ? SetCoolButtonDown(kPlay) : SetCoolButtonUp(kPlay);
-    player_.IsCued() ? SetCoolButtonDown(kScrub) : SetCoolButtonUp(kScrub);
+    ShowControl(kNextTrack, info.HasNextItem());
+    IsPlaying() && !transport_.Winding().IsOn() ? SetCoolButtonDown(kPlay) : SetCoolButtonUp(kPlay);
+    transport_.IsPaused() ? SetCoolButtonDown(kScrub) : SetCoolButtonUp(kScrub);
 }
 
 void LPlayerBaseDlg::Command(int command) {
@@ -172,12 +126,11 @@ void LPlayerBaseDlg::Command(int command) {
         case kNextSentence:
             CmSentence(1);
             break;
+        case kNextTrack:
+            transport_.NextItem();
+            break;
         case kPositionMoved:
-            SetTime(LSoundTime(static_cast<int>(std::int64_t{SBGetPos(kPosition)} *
-                                                ShownLength().Milliseconds() / 100)),
-                    true);
-            if (player_.IsLoaded())
-                player_.Seek(time_);
+            CmPositionMoved();
             break;
         case kDeviceChosen:
             TakeDevice();
@@ -186,25 +139,38 @@ void LPlayerBaseDlg::Command(int command) {
             SetVolume(DBEditGetLevel(kVolume));
             break;
         case kTempoMoved:
-            tempo_->Set(SBGetPos(kTempo));
-            ShowTempo();
+            ChangeTempo(SBGetPos(kTempo));
             break;
         default:
             break;
     }
 }
 
+void LPlayerBaseDlg::CmPositionMoved() {
+    isSliderMoving_ = true;
+    transport_.MoveTo(LSoundTime(static_cast<int>(std::int64_t{SBGetPos(kPosition)} *
+                                                  transport_.Length().Milliseconds() / 100)));
+    isSliderMoving_ = false;
+}
+
 void LPlayerBaseDlg::TakeDevice() {
-    device_ = LSoundPlayDeviceChosen(*this, kDevice);
-    missingDevice_.clear();
-    player_.SetDevice(device_);
+    transport_.SetDevice(LSoundPlayDeviceChosen(*this, kDevice));
     SetVolume(DBEditGetLevel(kVolume));
-    if (IsPlaying())
-        MoveTo(time_);  // on the new card
 }
 
 void LPlayerBaseDlg::SetVolume(LDB volume) {
-    LSoundPlayDeviceTell(Widget(), device_, device_.SetVolumeOverride(volume, LDB()));
+    const MixerResult result = transport_.SetVolume(volume);
+    LSoundPlayDeviceTell(Widget(), transport_.Device(), result);
+}
+
+void LPlayerBaseDlg::ChangeTempo(int percent) {
+    transport_.SetTempo(percent);
+    ShowTempo();
+}
+
+bool LPlayerBaseDlg::CmSpace() {
+    transport_.TogglePause();
+    return true;
 }
 
 bool LPlayerBaseDlg::EvKeyDown(unsigned int key) {
@@ -231,18 +197,18 @@ bool LPlayerBaseDlg::EvKeyDown(unsigned int key) {
             return !(IsTextEditable(kItem) && gtk_widget_has_focus(GetControlByID(kItem))) &&
                    CmSpace();
         case GDK_Escape:
-            if (!player_.IsLoaded())
+            if (!IsLoaded())
                 return false;  // there is nothing to stop: the panel closes
             CmStop();
             EnableControls();
             return true;
         // A key that is held repeats its press, which must not begin the winding anew.
         case GDK_Left:
-            if (!wind_.Is(PlayerWind::Way::kBack))
+            if (!transport_.Winding().Is(PlayerWind::Way::kBack))
                 CmBack();
             return true;
         case GDK_Right:
-            if (!wind_.Is(PlayerWind::Way::kForward))
+            if (!transport_.Winding().Is(PlayerWind::Way::kForward))
                 CmFwd();
             return true;
         case GDK_KP_Enter:
@@ -250,9 +216,8 @@ bool LPlayerBaseDlg::EvKeyDown(unsigned int key) {
             return true;
         case kKeyControl | GDK_Up:
         case kKeyControl | GDK_minus:
-            tempo_->Set(tempo_->Percent() +
+            ChangeTempo(transport_.TempoPercent() +
                         (key == (kKeyControl | GDK_Up) ? kTempoStep : -kTempoStep));
-            ShowTempo();
             return true;
         default:
             break;

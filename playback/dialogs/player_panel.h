@@ -2,114 +2,66 @@
 // and reading speed.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "gui/inter_win_message.h"
 #include "gui/key_dialog.h"
 #include "playback/dialogs/wave_window.h"
-#include "playback/play_device.h"
-#include "playback/player_info.h"
-#include "playback/player_wind.h"
-#include "playback/sound_player.h"
-#include "sound/sound_time.h"
-#include "sound/tempo.h"
+#include "playback/player_transport.h"
 
-// Owns its player and is the player's listener. GUI thread. `info` is borrowed and outlives the
-// panel.
-class LPlayerBaseDlg : public LKeyDialog,
-                       public LSoundPlayerNotify,
-                       public LInterWinMessageHandler {
+// Shows a transport, and moves it; while it is on the screen it hears what becomes of it. GUI
+// thread. The transport is borrowed and outlives the panel.
+class LPlayerBaseDlg : public LKeyDialog, public LInterWinMessageHandler {
 public:
-    explicit LPlayerBaseDlg(LPlayerBaseInfo& info);
-    ~LPlayerBaseDlg() override;
-
-    // Card, volume and speed as they are kept in the settings. InitDialog does it unless it was
-    // done: who plays before the panel is on the screen calls it first.
-    void Prepare();
+    explicit LPlayerBaseDlg(LPlayerTransport& transport);
 
     void InitDialog() override;
-    void DestroyDialog() override;
+    void DestroyDialog() override;  // keeps card, volume and speed
     void EnableControls() override;
     void Command(int command) override;
     bool EvKeyDown(unsigned int key) override;
     bool EvKeyUp(unsigned int key) override;
     void EvInterWinMessage(int, int, int) override {}
 
-    void CmPlay();
-    void CmScrub();
-    virtual void CmStop();
-    void CmStart();
-    void CmEnd();
-    void CmPlayEnd();  // the last three seconds
-    void CmBack();
-    void CmFwd();
-    void CmBackFwdStop();
-    void CmSentence(int step);  // to the sentence `step` ones on; 0 repeats the one being heard
+    void CmPlay() { transport_.Play(); }
+    void CmScrub() { transport_.Pause(); }
+    virtual void CmStop() { transport_.Stop(); }
+    void CmStart() { transport_.MoveTo(LSoundTime()); }
+    void CmEnd() { transport_.MoveToEnd(); }
+    void CmPlayEnd() { transport_.PlayEnd(); }
+    void CmBack() { transport_.Wind(PlayerWind::Way::kBack); }
+    void CmFwd() { transport_.Wind(PlayerWind::Way::kForward); }
+    void CmBackFwdStop() { transport_.EndWind(); }
+    void CmSentence(int step) { transport_.MoveToSentence(step); }
 
-    bool IsLoaded() const { return player_.IsLoaded(); }  // playing or paused
-    bool IsPlaying() const { return player_.IsLoaded() && !player_.IsCued(); }
-    LSoundTime Time() const { return time_; }
-    // Why nothing can be heard, when playback ended by itself.
-    PlayTrouble Trouble() const { return trouble_; }
-    // What keeps the sound from the card that was chosen, as a sentence; empty when nothing does.
-    const std::string& RouteText() const { return routeText_; }
+    bool IsLoaded() const { return transport_.IsLoaded(); }  // playing or paused
+    bool IsPlaying() const { return transport_.IsPlaying(); }
+    LSoundTime Time() const { return transport_.Time(); }
+    PlayTrouble Trouble() const { return transport_.Trouble(); }
 
 protected:
-    const LPlayerBaseInfo& Info() const { return info_; }
-
-    void spntfPlay(int id) override;
-    void spntfStop(int id) override;
-    void spntfCue(int id) override;
-    void spntfTime(LSoundTime time, int id) override;
-    void spntfLevel(const LDBMC& levels, int id) override;
-
-    // Playback ended by itself: at the end, or in trouble. Also when a rewind or forward ends that
-    // had begun in silence.
-    virtual void EvEnded() {}
-    virtual void EvRoute() {}  // RouteText() is another
-
-    // `info` tells of another item from now on: stops, and shows that from its start.
-    void ShowItem();
-    void MoveTo(LSoundTime time);
-    void StopPlayer();
+    LPlayerTransport& Transport() { return transport_; }
+    const LPlayerTransport& Transport() const { return transport_; }
+    virtual void EvChange(LPlayerChange change);
 
 private:
-    LSoundSource OpenSource();
-    void SetTime(LSoundTime time, bool fromSlider);
-    LSoundTime ShownLength() const;
-    void ShowItemControls();
+    void NameButtons();
+    void ShowItem();
     void ShowTime();
+    void ShowPosition();
     void ShowWave();
-    double Pace() const;
     void ShowTempo();
-    bool StartAt(const LSoundSource& source, LSoundTime time);
-    void Wind(PlayerWind::Way way);
+    void ShowRoute();
+    void CmPositionMoved();
     void TakeDevice();  // as chosen in the list
     void SetVolume(LDB volume);
-    void ReadTempo();
-    void StoreTempo();
+    void ChangeTempo(int percent);
     bool CmSpace();
-    void EvTrouble(PlayTrouble trouble);
-    void TakeRoute(const PlayRoute& route);
-    void SetRouteText(const std::string& text);
 
-    LPlayerBaseInfo& info_;
-    bool isPrepared_ = false;
-    std::string voice_;  // whose speed the tempo is
-    std::shared_ptr<LTempo> tempo_;
-    LSoundPlayDevice device_;
-    std::string missingDevice_;  // the settings' own, which has no card at the moment
-    std::string obstacle_;       // the first half of the next
-    std::string routeText_;
-    LSoundPlayer player_;
+    LPlayerTransport& transport_;
+    LPlayerTransport::Subscription changes_;
     LWaveWindow wave_;
-    int sampleRate_ = 0;  // of the source last opened
-    LSoundTime time_;
-    LSoundTime length_;  // of the source last opened; grows with it
-    PlayerWind wind_;
-    bool stopping_ = false;  // by the panel itself
-    PlayTrouble trouble_ = PlayTrouble::kNone;
+    bool isSliderMoving_ = false;  // by the user, who would be disturbed
 };
 
 void DlgGenPlayer(LDialogGenContext& context);

@@ -1,90 +1,85 @@
 // What the player panel shows: the item, its time and waveform, levels, speed, and trouble with the
 // card.
-#include <algorithm>
-
 #include "playback/dialogs/player_panel.h"
 #include "playback/dialogs/player_panel_ids.h"
 
 using namespace PlayerPanel;
 
-void LPlayerBaseDlg::ShowItemControls() {
-    SetText(kItem, info_.ItemText().c_str());
-    SetTextEditable(kItem, !info_.IsItemTextReadOnly());
-    wave_.SetSource(OpenSource());
+void LPlayerBaseDlg::EvChange(LPlayerChange change) {
+    switch (change) {
+        case LPlayerChange::kItem:
+            ShowItem();
+            break;
+        case LPlayerChange::kTime:
+            ShowTime();
+            break;
+        case LPlayerChange::kLevels:
+            DBDisplaySetLevels(kMeter, transport_.Levels());
+            break;
+        case LPlayerChange::kRoute:
+            ShowRoute();
+            break;
+        case LPlayerChange::kPlays:
+        case LPlayerChange::kPaused:
+        case LPlayerChange::kStopped:
+        case LPlayerChange::kEnded:
+            ShowWave();
+            break;
+    }
+    // The time is told four times a second, and changes no control.
+    if (change != LPlayerChange::kTime && change != LPlayerChange::kLevels)
+        EnableControls();
+}
+
+void LPlayerBaseDlg::ShowItem() {
+    const LPlayerBaseInfo& info = transport_.Info();
+    SetText(kItem, info.ItemText().c_str());
+    SetTextEditable(kItem, !info.IsItemTextReadOnly());
+    wave_.SetSource(transport_.OpenSource());
     ShowTempo();
-    SetTime(time_, false);
-}
-
-void LPlayerBaseDlg::SetTime(LSoundTime time, bool fromSlider) {
-    time_ = std::max(time, LSoundTime());
     ShowTime();
-    ShowWave();
-    if (fromSlider)
-        return;
-    const int length = ShownLength().Milliseconds();
-    SBSetPos(kPosition,
-             length > 0 ? static_cast<int>(std::int64_t{time_.Milliseconds()} * 100 / length) : 0);
-}
-
-LSoundTime LPlayerBaseDlg::ShownLength() const {
-    return std::max(length_, info_.EstimatedLength());
 }
 
 void LPlayerBaseDlg::ShowTime() {
     char text[kSoundTimeTextSize];
-    time_._GetText2(text);
+    transport_.Time()._GetText2(text);
     std::string shown = text;
-    const LSoundTime length = ShownLength();
+    const LSoundTime length = transport_.Length();
     if (length > LSoundTime()) {
         length._GetText0(text);
-        shown += length > length_ ? " of about " : " of ";
+        shown += length > transport_.KnownLength() ? " of about " : " of ";
         shown += text;
     }
     SetStaticText(kTime, shown.c_str());
+    ShowWave();
+    if (!isSliderMoving_)
+        ShowPosition();
+}
+
+void LPlayerBaseDlg::ShowPosition() {
+    const std::int64_t length = transport_.Length().Milliseconds();
+    SBSetPos(kPosition,
+             length > 0 ? static_cast<int>(transport_.Time().Milliseconds() * 100 / length) : 0);
 }
 
 void LPlayerBaseDlg::ShowWave() {
-    const int frame = time_.ToFrames(sampleRate_);
+    const int rate = transport_.SampleRate();
+    const int frame = transport_.Time().ToFrames(rate);
     if (IsPlaying())
-        wave_.MoveOn(frame, sampleRate_, Pace());
+        wave_.MoveOn(frame, rate, transport_.Pace());
     else
-        wave_.ShowAround(frame, sampleRate_, player_.IsCued());
-}
-
-// Frames of the text a second.
-double LPlayerBaseDlg::Pace() const {
-    return sampleRate_ * (wind_.IsOn() ? wind_.Factor() : tempo_->Percent() / 100.0);
+        wave_.ShowAround(frame, rate, transport_.IsPaused());
 }
 
 void LPlayerBaseDlg::ShowTempo() {
-    SBSetPos(kTempo, tempo_->Percent());
+    const int percent = transport_.TempoPercent();
+    SBSetPos(kTempo, percent);
     char text[32];
-    g_snprintf(text, sizeof text, "%d.%d\u00d7", tempo_->Percent() / 100,
-               tempo_->Percent() % 100 / 10);
+    g_snprintf(text, sizeof text, "%d.%d\u00d7", percent / 100, percent % 100 / 10);
     SetStaticText(kTempoTime, text);
 }
 
-void LPlayerBaseDlg::spntfLevel(const LDBMC& levels, int) {
-    DBDisplaySetLevels(kMeter, levels);
-}
-
-void LPlayerBaseDlg::TakeRoute(const PlayRoute& route) {
-    if (route.way == PlayRoute::Way::kAsked)
-        return SetRouteText("");
-    obstacle_ = "The sound card is not there";
-    if (route.isBusy)
-        obstacle_ = "The sound card is in use by " +
-                    (route.holder.empty() ? "another program" : route.holder);
-    SetRouteText(obstacle_ + (route.way == PlayRoute::Way::kAwaited
-                                  ? "; trying again..."
-                                  : "; playing through the desktop's sound server."));
-}
-
-void LPlayerBaseDlg::SetRouteText(const std::string& text) {
-    if (text == routeText_)
-        return;
-    routeText_ = text;
-    SetStaticText(kRoute, text.c_str());
-    ShowControl(kRoute, !text.empty());
-    EvRoute();
+void LPlayerBaseDlg::ShowRoute() {
+    SetStaticText(kRoute, transport_.RouteText().c_str());
+    ShowControl(kRoute, !transport_.RouteText().empty());
 }

@@ -63,13 +63,15 @@ protected:
         if (card != nullptr)
             cards_.Insert(0, card);
         info_ = std::make_unique<MadeInfo>(seconds, sample);
-        panel_ = std::make_unique<LPlayerBaseDlg>(*info_);
+        transport_ = std::make_unique<LPlayerTransport>(*info_);
+        panel_ = std::make_unique<LPlayerBaseDlg>(*transport_);
         ASSERT_TRUE(panel_->Open(nullptr, {"Player", false, DlgGenPlayer}, false));
         panel_->EnableControls();
     }
     void Close() {
         panel_->Close(kCommandCancel);
         panel_.reset();
+        transport_.reset();
     }
     void TearDown() override {
         if (panel_)
@@ -92,6 +94,7 @@ protected:
 
     VirtualCards cards_;
     std::unique_ptr<MadeInfo> info_;
+    std::unique_ptr<LPlayerTransport> transport_;
     std::unique_ptr<LPlayerBaseDlg> panel_;
 };
 

@@ -14,8 +14,8 @@ public:
     explicit ReadingInfo(std::function<bool()> hasNext) : hasNext_(std::move(hasNext)) {}
 
     // From now on; null for none.
-    void SetReading(std::shared_ptr<SpeechReading> reading, std::string voiceName);
-    const std::shared_ptr<SpeechReading>& Reading() const { return reading_; }
+    void SetReading(std::unique_ptr<SpeechReading> reading, std::string voiceName);
+    SpeechReading* Reading() const { return reading_.get(); }
 
     int Frame(LSoundTime time) const { return time.ToFrames(rate_); }
     LSoundTime TimeOf(int frame) const { return LSoundTime::FromFrames(frame, rate_); }
@@ -29,7 +29,7 @@ public:
 
 private:
     const std::function<bool()> hasNext_;
-    std::shared_ptr<SpeechReading> reading_;
+    std::unique_ptr<SpeechReading> reading_;
     std::string voiceName_;
     int rate_ = 0;  // frames a second, once there is sound
 };

@@ -1,8 +1,8 @@
-#include "app/reading_info.h"
+#include "app/reading/reading_info.h"
 
 #include <utility>
 
-void ReadingInfo::SetReading(std::shared_ptr<SpeechReading> reading, std::string voiceName) {
+void ReadingInfo::SetReading(std::unique_ptr<SpeechReading> reading, std::string voiceName) {
     reading_ = std::move(reading);
     voiceName_ = std::move(voiceName);
     rate_ = 0;

@@ -1,0 +1,31 @@
+// What the status bar says of a reading.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "app/reading/narrator.h"
+
+// "Reading aloud: 0:00:12 of about 0:00:27 (Esc stops)"; empty when there is nothing to say.
+std::string StatusOf(const ReadingNews& news);
+
+// A receiver of the narrator's news. GUI thread.
+class ReadingStatus {
+public:
+    struct Line {
+        std::function<void(const char* text)> show;
+        std::function<void(const char* text)> tell;  // news to the user: screen readers say it
+    };
+    // atRest: what stands there when there is nothing else to say; borrowed.
+    ReadingStatus(Narrator& narrator, Line line, const char* atRest);
+
+private:
+    void Hear(const ReadingNews& news);
+    void HearEnd(const ReadingNews& news) const;
+
+    const Line line_;
+    const char* const atRest_;
+    std::string route_;        // told
+    bool isWaitTold_ = false;  // of this reading; every further one would be talked over
+    Narrator::Subscription news_;
+};

@@ -1,0 +1,90 @@
+#include "app/reading/dialogs/reading_wait_box.h"
+
+#include <utility>
+
+#include "gui/accessible.h"
+#include "gui/dialog_frame.h"
+#include "gui/minimum_size.h"
+
+namespace {
+
+constexpr const char* kTitle = "Synthesize Voice";
+// A usual first sentence is there before a box could be read.
+constexpr unsigned int kPatienceMilliseconds = 300;
+constexpr unsigned int kPulseMilliseconds = 100;
+
+// A voice that falls behind in the middle of a text is told in the status bar.
+bool IsBeginning(const ReadingNews& news) {
+    return news.state == ReadingState::kWaitingForVoice ||
+           (news.state == ReadingState::kWaitingForSound && news.before != ReadingState::kPlaying);
+}
+
+}  // namespace
+
+ReadingWaitBox::ReadingWaitBox(Narrator& narrator, std::function<GtkWidget*()> parent)
+    : narrator_(narrator),
+      parent_(std::move(parent)),
+      news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
+
+ReadingWaitBox::~ReadingWaitBox() {
+    Close();
+}
+
+void ReadingWaitBox::Hear(const ReadingNews& news) {
+    if (!news.IsNew())
+        return;
+    if (!IsBeginning(news))
+        Close();
+    else if (box_ != nullptr)
+        ShowWhatFor();
+    else
+        patience_.Start(kPatienceMilliseconds, [this] { Show(); });
+}
+
+void ReadingWaitBox::Show() {
+    GtkWidget* parent = parent_();
+    box_ = NewDialogWindow(parent, "Lectora", GTK_DIALOG_DESTROY_WITH_PARENT,
+                           {{GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL}});
+    g_signal_connect(box_, "response", G_CALLBACK(GCResponse), this);
+    g_signal_connect(box_, "destroy", G_CALLBACK(gtk_widget_destroyed), &box_);
+    GtkWidget* content = gtk_dialog_get_content_area(GTK_DIALOG(box_));
+    label_ = gtk_label_new("");
+    bar_ = gtk_progress_bar_new();
+    for (GtkWidget* widget : {label_, gtk_label_new("Please wait"), bar_})
+        gtk_box_pack_start(GTK_BOX(content), widget, TRUE, TRUE, 0);
+    SetAccessibleName(bar_, kTitle);
+    // A screen reader takes labels of a word or two for captions and says nothing of them.
+    atk_object_set_description(gtk_widget_get_accessible(box_), kTitle);
+    SetMinimumSize(box_, 300, 110);
+    ShowWhatFor();
+    // Who works in another program goes on there.
+    const bool isActive = parent != nullptr && gtk_window_is_active(GTK_WINDOW(parent)) != FALSE;
+    gtk_window_set_focus_on_map(GTK_WINDOW(box_), isActive ? TRUE : FALSE);
+    gtk_widget_show_all(box_);
+    Pulse();
+}
+
+void ReadingWaitBox::ShowWhatFor() {
+    gtk_label_set_text(GTK_LABEL(label_), narrator_.State() == ReadingState::kWaitingForVoice
+                                              ? "Waiting for the Speech Engine"
+                                              : "Synthesizing Voice");
+}
+
+// It comes to an end, nobody knows when.
+void ReadingWaitBox::Pulse() {
+    if (box_ == nullptr)
+        return;
+    gtk_progress_bar_pulse(GTK_PROGRESS_BAR(bar_));
+    pulse_.Start(kPulseMilliseconds, [this] { Pulse(); });
+}
+
+void ReadingWaitBox::Close() {
+    patience_.Stop();
+    pulse_.Stop();
+    if (GtkWidget* box = std::exchange(box_, nullptr))
+        gtk_widget_destroy(box);
+}
+
+void ReadingWaitBox::GCResponse(GtkDialog*, gint, gpointer self) {
+    static_cast<ReadingWaitBox*>(self)->narrator_.Stop();
+}

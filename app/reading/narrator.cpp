@@ -1,0 +1,258 @@
+#include "app/reading/narrator.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+#include "foundation/log.h"
+#include "speech/voice_table.h"
+
+namespace {
+
+constexpr unsigned int kSilenceCheckMilliseconds = 500;
+
+}  // namespace
+
+Narrator::Narrator(std::string soundPath)
+    : LPlayerTransport(info_),
+      soundPath_(std::move(soundPath)),
+      info_([this] { return !queue_.empty(); }) {}
+
+Narrator::~Narrator() {
+    ForgetQueue();
+    Forget();
+}
+
+ReadingNews Narrator::Now() const {
+    ReadingNews news;
+    news.state = news.before = state_;
+    news.end = end_;
+    news.trouble = Trouble();
+    news.route = RouteText();
+    if (const SpeechReading* reading = info_.Reading()) {
+        news.time = Time();
+        news.length = info_.EstimatedLength();
+        news.isLengthKnown = reading->Track().IsComplete();
+        if (IsLoaded())
+            news.stretch = reading->Track().StretchAt(info_.Frame(Time()));
+    }
+    return news;
+}
+
+void Narrator::Tell(ReadingState before) {
+    ReadingNews news = Now();
+    news.before = before;
+    if (before != state_ && state_ == ReadingState::kEnded)
+        news.note = note_;
+    news_.Tell(std::move(news));
+}
+
+void Narrator::Enter(ReadingState state) {
+    if (state == state_)
+        return;
+    const bool mayFollow = MayFollow(state_, state);
+    if (!mayFollow)
+        LOGERRORF("A reading cannot go from %s to %s", NameOf(state_), NameOf(state));
+    assert(mayFollow);
+    const ReadingState before = std::exchange(state_, state);
+    if (state != ReadingState::kPlaying)
+        silence_.Stop();
+    if (state != ReadingState::kEnded)
+        end_ = ReadingEnd::kNone;
+    Tell(before);
+}
+
+void Narrator::End(ReadingEnd why, std::string note) {
+    firstSound_.Stop();
+    end_ = why;
+    note_ = std::move(note);
+    // The next text would meet the same trouble, and its box would hide this one's.
+    if (why != ReadingEnd::kToItsEnd && why != ReadingEnd::kStopped)
+        ForgetQueue();
+    Enter(ReadingState::kEnded);
+    ContinueQueueSoon();
+}
+
+// A receiver may have begun another meanwhile.
+void Narrator::EndAll() {
+    while (IsReading()) {
+        Halt();
+        End(ReadingEnd::kStopped, LeftOut());
+    }
+}
+
+void Narrator::Read(std::string text, int voice, std::string title) {
+    EndAll();
+    nextText_.Stop();
+    info_.SetReading(nullptr, "");
+    text_ = std::move(text);
+    title_ = std::move(title);
+    if (voice == kVoiceUnknown)
+        Enter(ReadingState::kWaitingForVoice);
+    else
+        BeginSpeech(voice);
+}
+
+void Narrator::SetVoice(int voice) {
+    if (state_ != ReadingState::kWaitingForVoice)
+        return;
+    if (voice == kVoiceUnknown)
+        End(ReadingEnd::kNoVoice, "");
+    else
+        BeginSpeech(voice);
+}
+
+void Narrator::BeginSpeech(int voice) {
+    info_.SetReading(std::make_unique<SpeechReading>(std::exchange(text_, {}), voice, soundPath_,
+                                                     ReadingUse::kListening),
+                     VoiceAt(voice).title);
+    isFailureTold_ = false;
+    info_.Reading()->Start();
+    firstSound_.Start(info_.Reading()->FirstSound(), [this] { EvFirstSound(); });
+    Enter(ReadingState::kWaitingForSound);
+}
+
+void Narrator::EvFirstSound() {
+    Prepare();
+    TakeItem();
+    if (info_.Reading()->HasSound()) {
+        Play();
+        return;
+    }
+    const std::string message = info_.Reading()->Message();
+    End(TakeEngineFailure() ? ReadingEnd::kEngineFailed : ReadingEnd::kToItsEnd, message);
+    if (!IsReading())
+        Forget();  // there is nothing to hear again
+}
+
+void Narrator::Forget() {
+    EndAll();
+    info_.SetReading(nullptr, "");
+    KeepSettings();
+    Enter(ReadingState::kIdle);
+}
+
+void Narrator::EvChange(LPlayerChange change) {
+    switch (change) {
+        case LPlayerChange::kPlays:
+            Enter(ReadingState::kPlaying);
+            WatchForSilence();
+            break;
+        case LPlayerChange::kPaused:
+            Enter(ReadingState::kPaused);
+            break;
+        case LPlayerChange::kTime:
+            if (!IsLoaded())
+                break;
+            if (state_ == ReadingState::kWaitingForSound && !Winding().IsOn())
+                Enter(ReadingState::kPlaying);
+            else
+                Tell(state_);
+            WatchForSilence();
+            break;
+        case LPlayerChange::kRoute:
+            Tell(state_);
+            break;
+        case LPlayerChange::kStopped:
+            EvStopped();
+            break;
+        case LPlayerChange::kEnded:
+            EvPlayedOut();
+            break;
+        case LPlayerChange::kItem:
+        case LPlayerChange::kLevels:
+            break;
+    }
+}
+
+void Narrator::EvStopped() {
+    ForgetQueue();
+    if (!IsReading())
+        return;
+    const bool hadSound = state_ != ReadingState::kWaitingForVoice && !firstSound_.IsWaiting();
+    End(ReadingEnd::kStopped, LeftOut());
+    if (!hadSound && !IsReading())
+        Forget();
+}
+
+void Narrator::EvPlayedOut() {
+    if (!IsReading())
+        return;
+    if (Trouble() != PlayTrouble::kNone)
+        End(ReadingEnd::kCardFailed, "");
+    else if (TakeEngineFailure())
+        End(ReadingEnd::kEngineFailed, info_.Reading()->Message());
+    else
+        End(ReadingEnd::kToItsEnd, LeftOut());
+}
+
+// What the engine left out, once it has spoken as far as it got.
+std::string Narrator::LeftOut() const {
+    const SpeechReading* reading = info_.Reading();
+    return reading != nullptr && reading->Ended().IsSignaled() ? reading->Message() : "";
+}
+
+// Whether it failed, which is told once: who hears the beginning again knows.
+bool Narrator::TakeEngineFailure() {
+    const SpeechReading& reading = *info_.Reading();
+    const bool hasFailed = reading.Ended().IsSignaled() &&
+                           reading.Outcome() != SynthesisOutcome::kSpoken &&
+                           reading.Outcome() != SynthesisOutcome::kStopped;
+    return hasFailed && !std::exchange(isFailureTold_, true);
+}
+
+// Whoever is told no new time although the sound has not ended hears nothing. Only while there may
+// be such a silence: nothing wakes up for a reading that is paused.
+void Narrator::WatchForSilence() {
+    if (state_ != ReadingState::kPlaying)
+        return;
+    silence_.Start(kSilenceCheckMilliseconds, [this] {
+        if (IsRunningDry())
+            Enter(ReadingState::kWaitingForSound);
+        else
+            WatchForSilence();
+    });
+}
+
+bool Narrator::IsRunningDry() const {
+    const SpeechTrack& track = info_.Reading()->Track();
+    const int tempo = std::max(TempoPercent(), 100);
+    const LSoundTime reach(static_cast<int>(kSilenceCheckMilliseconds) * tempo / 100);
+    return !track.IsComplete() && !Winding().IsOn() &&
+           info_.Frame(Time()) + info_.Frame(reach) >= track.Frames();
+}
+
+void Narrator::Queue(QueuedText text) {
+    queue_.push_back(std::move(text));
+    ContinueQueueSoon();
+}
+
+void Narrator::NextItem() {
+    if (queue_.empty())
+        return;
+    EndAll();
+    ContinueQueueSoon();
+}
+
+// From the main loop: the player is still in the middle of ending a reading.
+void Narrator::ContinueQueueSoon() {
+    if (!queue_.empty())
+        nextText_.Start(0, [this] { ContinueQueue(); });
+}
+
+void Narrator::ContinueQueue() {
+    if (IsReading() || queue_.empty())
+        return;
+    QueuedText next = std::move(queue_.front());
+    queue_.pop_front();
+    switch (next.begin()) {
+        case QueuedText::Begun::kYes:
+            break;
+        case QueuedText::Begun::kFailed:
+            ContinueQueueSoon();
+            break;
+        case QueuedText::Begun::kNotNow:
+            queue_.push_front(std::move(next));
+            break;
+    }
+}

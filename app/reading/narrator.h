@@ -1,0 +1,122 @@
+// The one who reads: a text becomes speech sentence by sentence and is heard from the first on.
+//
+// State
+//   One at a time (reading_state.h), changed by one function that holds it against the table. Who
+//   shows or follows a reading subscribes to News and needs nothing else: each state, time and
+//   stretch of the text is told there, in order, to everybody alike.
+//
+// Threads
+//   Everything here happens on the GUI thread, inside the GDK lock. Nothing waits and nothing pumps
+//   events: the engine's first sound is a signal watched in the main loop, and the card's progress
+//   comes as queued notifications of the player. The engine runs on the reading's producer thread
+//   (speech_reading.h), the card on the player's (play_run.h).
+//
+// Ownership
+//   It owns the reading, the player and the texts that wait. Receivers own their subscription,
+//   which ends with either. They may stop, start and move a reading from within what they are told,
+//   but run no main loop there; and they do not destroy the narrator.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "app/reading/reading_info.h"
+#include "app/reading/reading_state.h"
+#include "foundation/broadcast.h"
+#include "foundation/gdk/signal_watch.h"
+#include "gui/gui_timer.h"
+#include "playback/player_transport.h"
+#include "speech/speech_track.h"
+
+// What there is to know of a reading at a moment.
+struct ReadingNews {
+    ReadingState state = ReadingState::kIdle;
+    ReadingState before = ReadingState::kIdle;  // the same unless the state is what is new
+    ReadingEnd end = ReadingEnd::kNone;         // why it ended
+    PlayTrouble trouble = PlayTrouble::kNone;   // of the card
+    LSoundTime time;                            // being heard
+    LSoundTime length;
+    bool isLengthKnown = false;            // else it is an estimate
+    std::optional<SpokenStretch> stretch;  // being heard, in bytes of the text
+    // What the user is to be told, once: of an end, or of a reading that went well with something
+    // left out.
+    std::string note;
+    std::string route;  // what keeps the sound from the card that was chosen; empty when nothing
+
+    bool IsNew() const { return state != before; }
+    bool HasBegun() const { return IsNew() && !IsReading(before) && IsReading(state); }
+};
+
+// A text that waits for its turn.
+struct QueuedText {
+    enum class Begun { kYes, kFailed, kNotNow };
+    std::string title;
+    // Reads it (Narrator::Read), or says why it does not; called from the main loop.
+    std::function<Begun()> begin;
+};
+
+class Narrator final : public LPlayerTransport {
+public:
+    using Subscription = LBroadcast<ReadingNews>::Subscription;
+
+    static constexpr int kVoiceUnknown = -1;
+
+    // soundPath: where the speech is kept while it is read.
+    explicit Narrator(std::string soundPath);
+    ~Narrator() override;
+
+    LBroadcast<ReadingNews>& News() { return news_; }
+    ReadingNews Now() const;
+    ReadingState State() const { return state_; }
+    bool IsReading() const { return ::IsReading(state_); }
+
+    // Ends what is read and reads the text (UTF-8) from its start. With an unknown voice it waits
+    // for SetVoice.
+    void Read(std::string text, int voice, std::string title);
+    // The voice that a waiting reading takes; kVoiceUnknown ends it: there is none.
+    void SetVoice(int voice);
+    // Stop is the user's, and forgets the queue as well; what was spoken can be heard again. Then
+    // there is no text either: the engine is ended, and what the user set is kept.
+    void Forget();
+    const std::string& Title() const { return title_; }
+
+    // The texts that wait begin one after the other, whenever nothing is being read; trouble drops
+    // them.
+    void Queue(QueuedText text);
+    void ForgetQueue() { queue_.clear(); }
+    std::size_t QueueLength() const { return queue_.size(); }
+    void ContinueQueueSoon();  // after a text that said kNotNow
+    void NextItem() override;
+
+private:
+    void EvChange(LPlayerChange change) override;
+    void Enter(ReadingState state);
+    void End(ReadingEnd why, std::string note);
+    void Tell(ReadingState before);
+    void BeginSpeech(int voice);
+    void EvFirstSound();
+    void EvPlayedOut();
+    void EvStopped();
+    void EndAll();
+    void WatchForSilence();
+    bool IsRunningDry() const;
+    std::string LeftOut() const;
+    bool TakeEngineFailure();
+    void ContinueQueue();
+
+    const std::string soundPath_;
+    ReadingInfo info_;
+    LBroadcast<ReadingNews> news_;
+    ReadingState state_ = ReadingState::kIdle;
+    ReadingEnd end_ = ReadingEnd::kNone;
+    std::string note_;
+    std::string text_;  // while it waits for its voice
+    std::string title_;
+    bool isFailureTold_ = false;  // the engine's, of this reading
+    std::deque<QueuedText> queue_;
+    LSignalWatch firstSound_;
+    LGuiTimer silence_;
+    LGuiTimer nextText_;
+};

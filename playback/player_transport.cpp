@@ -1,0 +1,292 @@
+#include "playback/player_transport.h"
+
+#include <algorithm>
+
+#include "foundation/text_buffer.h"
+#include "playback/settings_keys.h"
+
+namespace {
+
+constexpr int kPlayerId = 1;
+constexpr int kPlayEndMilliseconds = 3000;
+
+std::string NameOf(LSoundPlayDevice device) {
+    char name[kTextBufferSize];
+    device.GetDeviceName(name);
+    return name;
+}
+
+}  // namespace
+
+LPlayerTransport::LPlayerTransport(LPlayerBaseInfo& info)
+    : info_(info), player_(this, kPlayerId, LSoundPlayDevice()) {
+    player_.SetTroubleHandler([this](PlayTrouble trouble) { EvTrouble(trouble); });
+    player_.SetRouteHandler([this](const PlayRoute& route) { TakeRoute(route); });
+}
+
+// The player stops with a notification, which must still find this class.
+LPlayerTransport::~LPlayerTransport() {
+    Silence();
+}
+
+void LPlayerTransport::Prepare() {
+    if (isPrepared_)
+        return;
+    isPrepared_ = true;
+    const std::string kept = kPlayerDevice.Get();
+    device_ = LSoundPlayDevice(kept.c_str());
+    const bool isMissing =
+        !kept.empty() && kept != NameOf(device_) && kept != kPlayerDevice.defaultValue;
+    missingDevice_ = isMissing ? kept : "";
+    player_.SetDevice(device_);
+    SetVolume(LDB(kPlayerVolume.Get()));
+    ReadTempo();
+}
+
+void LPlayerTransport::KeepSettings() {
+    if (!isPrepared_)
+        return;
+    isPrepared_ = false;
+    // A card that is unplugged today plays again when it is back, unless another was chosen.
+    kPlayerDevice.Set(missingDevice_.empty() ? NameOf(device_).c_str() : missingDevice_.c_str());
+    kPlayerVolume.Set(volume_.Value());
+    StoreTempo();
+}
+
+void LPlayerTransport::ReadTempo() {
+    voice_ = info_.VoiceName();
+    tempo_->Set(PlayerTempo(voice_.c_str()).Get());
+}
+
+void LPlayerTransport::StoreTempo() {
+    PlayerTempo(voice_.c_str()).Set(tempo_->Percent());
+}
+
+void LPlayerTransport::Halt() {
+    Silence();
+    wind_.End();
+}
+
+void LPlayerTransport::TakeItem() {
+    Halt();
+    StoreTempo();
+    ReadTempo();
+    time_ = length_ = LSoundTime();
+    Tell(LPlayerChange::kItem);
+}
+
+LSoundSource LPlayerTransport::OpenSource() {
+    LSoundSource source;
+    info_.OpenSource(source);
+    if (source->Status() == SoundStatus::kGood) {
+        sampleRate_ = source->SampleRate();
+        length_ = LSoundTime::FromFrames(source->GetEndSample(), sampleRate_);
+    }
+    return source;
+}
+
+bool LPlayerTransport::StartAt(const LSoundSource& source, LSoundTime time) {
+    if (source->Status() != SoundStatus::kGood)
+        return false;
+    if (time != LSoundTime())
+        source->Seek(time.ToFrames(sampleRate_));
+    trouble_ = PlayTrouble::kNone;
+    SetRouteText("");
+    return player_.Start(source);
+}
+
+void LPlayerTransport::Play() {
+    if (player_.IsCued()) {
+        player_.Play();
+        return;
+    }
+    Silence();
+    player_.SetTempo(tempo_);
+    PlayFrom(OpenSource(), time_);
+}
+
+void LPlayerTransport::PlayFrom(const LSoundSource& source, LSoundTime time) {
+    if (StartAt(source, time))
+        return;
+    trouble_ = PlayTrouble::kCannotOpen;
+    Tell(LPlayerChange::kEnded);
+}
+
+void LPlayerTransport::Pause() {
+    if (!player_.IsLoaded())
+        Play();
+    player_.Cue();
+}
+
+void LPlayerTransport::TogglePause() {
+    if (player_.IsCued())
+        Play();
+    else
+        Pause();
+}
+
+void LPlayerTransport::Stop() {
+    Halt();
+    SetTime(LSoundTime());
+    Tell(LPlayerChange::kStopped);
+}
+
+void LPlayerTransport::PlayEnd() {
+    Silence();
+    const LSoundSource source = OpenSource();
+    player_.SetTempo(tempo_);
+    PlayFrom(source, LSoundTime(std::max(length_.Milliseconds() - kPlayEndMilliseconds, 0)));
+}
+
+// A player that is moved while it is paused sounds, and still reads paused: Play makes that true.
+void LPlayerTransport::MoveTo(LSoundTime time) {
+    SetTime(time);
+    if (!player_.IsLoaded())
+        return;
+    player_.Seek(time_);
+    if (player_.IsCued())
+        player_.Play();
+}
+
+void LPlayerTransport::MoveToEnd() {
+    OpenSource();
+    MoveTo(length_);
+}
+
+void LPlayerTransport::MoveToSentence(int step) {
+    if (const auto start = info_.FindSentence(time_, step))
+        MoveTo(*start);
+}
+
+void LPlayerTransport::Wind(PlayerWind::Way way) {
+    if (wind_.IsOn() && !wind_.Is(way))
+        return;
+    EndWind();
+    const auto before = IsPlaying()        ? PlayerWind::Before::kPlaying
+                        : player_.IsCued() ? PlayerWind::Before::kCued
+                                           : PlayerWind::Before::kIdle;
+    Silence();
+    const LSoundSource source = OpenSource();
+    if (source->Status() != SoundStatus::kGood)
+        return;
+    source->Seek(time_.ToFrames(sampleRate_));
+    player_.SetTempo(nullptr);
+    StartAt(wind_.Begin(way, before, source), LSoundTime());
+}
+
+void LPlayerTransport::EndWind() {
+    if (!wind_.IsOn())
+        return;
+    Silence();
+    switch (wind_.End()) {
+        case PlayerWind::Before::kPlaying:
+            Play();
+            break;
+        case PlayerWind::Before::kCued:
+            Pause();
+            break;
+        case PlayerWind::Before::kIdle:
+            Tell(LPlayerChange::kEnded);
+            break;
+    }
+}
+
+void LPlayerTransport::SetDevice(LSoundPlayDevice device) {
+    device_ = device;
+    missingDevice_.clear();
+    player_.SetDevice(device);
+    if (IsPlaying())
+        MoveTo(time_);  // on the new card
+}
+
+MixerResult LPlayerTransport::SetVolume(LDB volume) {
+    volume_ = volume;
+    mixerAnswer_ = device_.SetVolumeOverride(volume, LDB());
+    return mixerAnswer_;
+}
+
+void LPlayerTransport::SetTempo(int percent) {
+    tempo_->Set(percent);
+}
+
+LSoundTime LPlayerTransport::Length() const {
+    return std::max(length_, info_.EstimatedLength());
+}
+
+double LPlayerTransport::Pace() const {
+    return sampleRate_ * (wind_.IsOn() ? wind_.Factor() : tempo_->Percent() / 100.0);
+}
+
+void LPlayerTransport::Tell(LPlayerChange change) {
+    EvChange(change);
+    changes_.Tell(change);
+}
+
+void LPlayerTransport::SetTime(LSoundTime time) {
+    time_ = std::max(time, LSoundTime());
+    Tell(LPlayerChange::kTime);
+}
+
+void LPlayerTransport::Silence() {
+    isSilencing_ = true;
+    player_.Stop();
+    isSilencing_ = false;
+}
+
+void LPlayerTransport::spntfPlay(int) {
+    Tell(LPlayerChange::kPlays);
+}
+
+void LPlayerTransport::spntfCue(int) {
+    Tell(LPlayerChange::kPaused);
+}
+
+void LPlayerTransport::spntfTime(LSoundTime time, int) {
+    length_ = std::max(length_, player_.Length());
+    SetTime(time);
+}
+
+void LPlayerTransport::spntfLevel(const LDBMC& levels, int) {
+    levels_ = levels;
+    Tell(LPlayerChange::kLevels);
+}
+
+void LPlayerTransport::spntfStop(int) {
+    if (isSilencing_)
+        return;
+    // A wind that reaches an end waits there for its button.
+    if (wind_.IsOn())
+        return Tell(LPlayerChange::kTime);
+    trouble_ = player_.Trouble();
+    if (trouble_ == PlayTrouble::kCannotOpen && !routeText_.empty())
+        SetRouteText(obstacle_ + ".");
+    // The next play begins again.
+    if (trouble_ == PlayTrouble::kNone)
+        SetTime(LSoundTime());
+    Tell(LPlayerChange::kEnded);
+}
+
+void LPlayerTransport::EvTrouble(PlayTrouble trouble) {
+    Halt();
+    trouble_ = trouble;
+    Tell(LPlayerChange::kEnded);
+}
+
+void LPlayerTransport::TakeRoute(const PlayRoute& route) {
+    if (route.way == PlayRoute::Way::kAsked)
+        return SetRouteText("");
+    obstacle_ = "The sound card is not there";
+    if (route.isBusy)
+        obstacle_ = "The sound card is in use by " +
+                    (route.holder.empty() ? "another program" : route.holder);
+    SetRouteText(obstacle_ + (route.way == PlayRoute::Way::kAwaited
+                                  ? "; trying again..."
+                                  : "; playing through the desktop's sound server."));
+}
+
+void LPlayerTransport::SetRouteText(const std::string& text) {
+    if (text == routeText_)
+        return;
+    routeText_ = text;
+    Tell(LPlayerChange::kRoute);
+}

@@ -1,0 +1,235 @@
+// The narrator itself, without windows: its states, and what its receivers are told.
+#include "app/reading/narrator.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <random>
+#include <thread>
+
+#include "speech/voices.h"
+#include "tests/support/scratch_folder.h"
+#include "tests/support/virtual_card.h"
+
+namespace {
+
+using testing::ElementsAre;
+using State = ReadingState;
+
+TEST(ReadingState, FollowOneAnother) {
+    constexpr State kAll[] = {State::kIdle,    State::kWaitingForVoice, State::kWaitingForSound,
+                              State::kPlaying, State::kPaused,          State::kEnded};
+    for (const State from : kAll) {
+        EXPECT_FALSE(MayFollow(from, from)) << NameOf(from);
+        // Nothing is left behind or heard out of turn: every reading ends before it is forgotten,
+        // and begins with a wait for its sound.
+        EXPECT_EQ(MayFollow(from, State::kIdle), from == State::kEnded) << NameOf(from);
+        EXPECT_EQ(MayFollow(from, State::kWaitingForVoice), !IsReading(from)) << NameOf(from);
+        EXPECT_EQ(MayFollow(from, State::kEnded), IsReading(from)) << NameOf(from);
+    }
+    EXPECT_FALSE(MayFollow(State::kIdle, State::kPlaying));
+    EXPECT_FALSE(MayFollow(State::kWaitingForVoice, State::kPlaying));
+    EXPECT_FALSE(MayFollow(State::kPaused, State::kWaitingForSound)) << "silence is wanted";
+    EXPECT_TRUE(MayFollow(State::kEnded, State::kPlaying)) << "again";
+}
+
+class NarratorTest : public testing::Test {
+protected:
+    NarratorTest() {
+        Engine("");
+        cards_.Insert(0, "speed 20\n");
+        TTSGetNumSpeakers();
+    }
+    // What the engine does; the head of its double tells the words.
+    void Engine(const std::string& words) { home_.Write("engine", words); }
+
+    static bool RunUntil(const std::function<bool()>& condition) {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (!condition() && std::chrono::steady_clock::now() < limit) {
+            while (g_main_context_iteration(nullptr, FALSE)) {
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return condition();
+    }
+    bool RunTo(State state) {
+        return RunUntil([&] { return narrator_->State() == state; });
+    }
+    void Hear(const ReadingNews& news) {
+        if (news.IsNew())
+            states_.push_back(news.state);
+        if (news.stretch && (heard_.empty() || heard_.back() != news.stretch->sourceBegin))
+            heard_.push_back(news.stretch->sourceBegin);
+        last_ = news;
+    }
+
+    ScratchFolder home_;
+    ScopedVariable path_{"PATH",
+                         (std::string(LECTORA_ENGINE_DOUBLE) + ":" + std::getenv("PATH")).c_str()};
+    ScopedVariable desktop_{"LECTORA_DESKTOP", home_.Path().c_str()};
+    VirtualCards cards_;
+    std::unique_ptr<Narrator> narrator_ = std::make_unique<Narrator>(home_ / "speech.wav");
+    std::vector<State> states_;
+    std::vector<std::size_t> heard_;
+    ReadingNews last_;
+    Narrator::Subscription news_{narrator_->News(),
+                                 [this](const ReadingNews& news) { Hear(news); }};
+};
+
+constexpr const char* kText =
+    "One is a sentence of several words. Two is a sentence of several words. Three is the last one "
+    "of the sentences.";
+
+TEST_F(NarratorTest, TellsEachStateAndStretchOnTheWayThroughAText) {
+    narrator_->Read(kText, Narrator::kVoiceUnknown, "numbers");
+    EXPECT_EQ(narrator_->State(), State::kWaitingForVoice);
+    narrator_->SetVoice(0);
+    EXPECT_EQ(narrator_->State(), State::kWaitingForSound) << "nothing waits in there";
+    ASSERT_TRUE(RunTo(State::kPlaying));
+    narrator_->Pause();
+    const LSoundTime at = last_.time;
+    EXPECT_EQ(last_.state, State::kPaused);
+    for (int turn = 0; turn < 50; ++turn)
+        g_main_context_iteration(nullptr, FALSE);
+    EXPECT_EQ(last_.state, State::kPaused);
+    EXPECT_EQ(last_.time, at) << "nothing is heard";
+    narrator_->Play();
+    ASSERT_TRUE(RunTo(State::kEnded));
+    EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd);
+    EXPECT_THAT(states_,
+                ElementsAre(State::kWaitingForVoice, State::kWaitingForSound, State::kPlaying,
+                            State::kPaused, State::kPlaying, State::kEnded));
+    EXPECT_THAT(heard_, ElementsAre(0u, 36u, 72u));
+    states_.clear();
+    narrator_->Play();
+    ASSERT_TRUE(RunTo(State::kEnded)) << "again";
+    narrator_->Forget();
+    EXPECT_THAT(states_, ElementsAre(State::kPlaying, State::kEnded, State::kIdle));
+}
+
+TEST_F(NarratorTest, EndsForAReason) {
+    const struct {
+        const char* engine;
+        const char* card;
+        int voice;
+        ReadingEnd end;
+    } cases[] = {
+        {"text2wave silent", "speed 20\n", 0, ReadingEnd::kEngineFailed},
+        {"", "speed 20\nfault busy\n", 0, ReadingEnd::kCardFailed},
+        {"", "speed 20\n", 0, ReadingEnd::kToItsEnd},
+        {"", "speed 20\nfault vanish 4000\n", 0, ReadingEnd::kCardFailed},
+        {"", "speed 20\n", Narrator::kVoiceUnknown, ReadingEnd::kNoVoice},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.engine + std::string(test.card));
+        Engine(test.engine);
+        cards_.Insert(0, test.card);
+        ReadingNews end;
+        const Narrator::Subscription ends(narrator_->News(), [&](const ReadingNews& news) {
+            if (news.IsNew() && news.state == State::kEnded)
+                end = news;
+        });
+        bool isQueueRead = false;
+        narrator_->Read(kText, test.voice, "");
+        narrator_->Queue({"next", [&] {
+                              isQueueRead = true;
+                              return QueuedText::Begun::kFailed;
+                          }});
+        narrator_->SetVoice(Narrator::kVoiceUnknown);
+        ASSERT_TRUE(RunUntil([&] { return end.state == State::kEnded; }));
+        EXPECT_EQ(end.end, test.end) << end.route << static_cast<int>(end.trouble);
+        EXPECT_EQ(end.note.empty(), test.end != ReadingEnd::kEngineFailed) << end.note;
+        for (int turn = 0; turn < 50; ++turn)
+            g_main_context_iteration(nullptr, FALSE);
+        EXPECT_EQ(isQueueRead, test.end == ReadingEnd::kToItsEnd) << "trouble drops what waits";
+    }
+}
+
+TEST_F(NarratorTest, AVoiceThatFallsBehindIsNoReading) {
+    Engine("text2wave hang last");
+    narrator_->Read(kText, 0, "");
+    ASSERT_TRUE(RunTo(State::kPlaying));
+    ASSERT_TRUE(RunTo(State::kWaitingForSound));
+    Engine("");
+    ASSERT_TRUE(RunTo(State::kEnded));
+    EXPECT_THAT(heard_, testing::Contains(72u));
+}
+
+// Everybody hears everything in order, whoever does what within.
+TEST_F(NarratorTest, ReceiversMayActAndGoFromWithin) {
+    std::vector<State> others;
+    auto going = std::make_unique<Narrator::Subscription>();
+    going->Begin(narrator_->News(), [&](const ReadingNews& news) {
+        if (news.state != State::kPlaying)
+            return;
+        auto gone = std::move(going);
+        narrator_->Read("Another text.", 0, "");
+    });
+    const Narrator::Subscription last(narrator_->News(), [&](const ReadingNews& news) {
+        if (news.IsNew())
+            others.push_back(news.state);
+    });
+    narrator_->Read(kText, 0, "");
+    ASSERT_TRUE(RunUntil([&] { return going == nullptr; }));
+    ASSERT_TRUE(RunTo(State::kEnded));
+    EXPECT_EQ(others, states_);
+    EXPECT_THAT(states_, ElementsAre(State::kWaitingForSound, State::kPlaying, State::kEnded,
+                                     State::kWaitingForSound, State::kPlaying, State::kEnded));
+    narrator_.reset();  // with its receivers
+}
+
+TEST_F(NarratorTest, LosesNothingInAThousandRandomActs) {
+    cards_.Insert(0, "speed 50\n");
+    std::mt19937 random(1);
+    int begun = 0;
+    const auto number = [&](int most) {
+        return static_cast<int>(random() % static_cast<unsigned>(most));
+    };
+    const std::function<void()> acts[] = {
+        [&] { narrator_->Read(kText, number(2), "text"); },
+        [&] { narrator_->Read(kText, Narrator::kVoiceUnknown, "text"); },
+        [&] { narrator_->SetVoice(number(3) - 1); },
+        [&] { narrator_->Pause(); },
+        [&] { narrator_->Play(); },
+        [&] { narrator_->TogglePause(); },
+        [&] { narrator_->Stop(); },
+        [&] { narrator_->MoveTo(LSoundTime(number(4000))); },
+        [&] { narrator_->MoveToSentence(number(3) - 1); },
+        [&] { narrator_->MoveToEnd(); },
+        [&] { narrator_->PlayEnd(); },
+        [&] {
+            narrator_->Wind(number(2) == 0 ? PlayerWind::Way::kBack : PlayerWind::Way::kForward);
+        },
+        [&] { narrator_->EndWind(); },
+        [&] { narrator_->SetTempo(50 + number(250)); },
+        [&] { narrator_->SetDevice(LSoundPlayDevice(number(2))); },
+        [&] { narrator_->NextItem(); },
+        [&] { narrator_->Forget(); },
+        [&] {
+            narrator_->Queue({"queued", [&] {
+                                  ++begun;
+                                  narrator_->Read("From the queue.", 0, "queued");
+                                  return QueuedText::Begun::kYes;
+                              }});
+        }};
+    for (int act = 0; act < 1000; ++act) {
+        acts[random() % std::size(acts)]();
+        const int turns = number(4) == 0 ? number(60) : 0;
+        for (int turn = 0; turn < turns; ++turn) {
+            g_main_context_iteration(nullptr, FALSE);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+    EXPECT_GT(begun, 0);
+    EXPECT_THAT(states_, testing::IsSupersetOf({State::kPaused, State::kPlaying, State::kEnded}));
+    narrator_->Forget();
+    cards_.Insert(0, "speed 20\n");
+    narrator_->SetDevice(LSoundPlayDevice(0));
+    heard_.clear();
+    narrator_->Read(kText, 0, "");
+    ASSERT_TRUE(RunTo(State::kEnded));
+    EXPECT_THAT(heard_, ElementsAre(0u, 36u, 72u));
+}
+
+}  // namespace
