@@ -8,9 +8,11 @@
 #include <cstring>
 
 #include "documents/document_kind.h"
+#include "documents/fiction_book.h"
 #include "documents/html_text.h"
-#include "documents/office_text.h"
 #include "documents/pdf_text.h"
+#include "documents/problems.h"
+#include "documents/small_texts.h"
 #include "documents/text_charset.h"
 #include "documents/zip_document.h"
 #include "foundation/file_io.h"
@@ -21,27 +23,44 @@ namespace {
 
 constexpr int kLockMilliseconds = 1000;
 
-Document Problem(const std::string& sentence) {
-    return {{}, sentence};
-}
-
 Document CannotOpen(const char* path, int error) {
     struct stat info;
     if (::stat(path, &info) == 0 && !S_ISREG(info.st_mode))
-        return Problem(S_ISDIR(info.st_mode) ? "This is a folder, not a file."
-                                             : "This is not a regular file.");
-    return Problem(std::string("The file cannot be opened: ") + std::strerror(error) + ".");
+        return DocumentProblem(S_ISDIR(info.st_mode) ? "This is a folder, not a file."
+                                                     : "This is not a regular file.");
+    return DocumentProblem(std::string("The file cannot be opened: ") + std::strerror(error) + ".");
 }
 
-Document ReadPage(std::string_view bytes, const ReadingWatch& watch) {
-    TextFlow flow;
-    std::string problem = ReadHtml(bytes, watch, flow);
-    return problem.empty() ? Document{flow.Take(), {}} : Problem(problem);
+bool HoldsWords(std::string_view text) {
+    return text.find_first_not_of(kWhiteSpace) != std::string_view::npos;
+}
+
+Document ReadKind(DocumentKind kind, std::string_view bytes, const ReadingWatch& watch,
+                  const DocumentRules& rules) {
+    switch (kind) {
+        case DocumentKind::kHtml:
+            return ReadPage(bytes, watch, rules);
+        case DocumentKind::kZip:
+            return ReadZipDocument(bytes, watch, rules);
+        case DocumentKind::kFlatOdt:
+            return ReadFlatOdt(bytes, watch, rules);
+        case DocumentKind::kFictionBook:
+            return ReadFictionBook(bytes, watch, rules);
+        case DocumentKind::kPdf:
+            return ReadPdf(bytes, watch, rules);
+        case DocumentKind::kForeign:
+            return DocumentProblem(ForeignKindProblem(bytes));
+        case DocumentKind::kPlainText:
+            break;
+    }
+    Document document;
+    document.text = DecodeText(bytes);
+    return document;
 }
 
 }  // namespace
 
-Document LoadDocument(const char* path, const StopTest& isToStop) {
+Document LoadDocument(const char* path, const StopTest& isToStop, const DocumentRules& rules) {
     errno = 0;
     const UniqueFd file = OpenFileForReading(path);
     if (!file.IsOpen())
@@ -49,29 +68,20 @@ Document LoadDocument(const char* path, const StopTest& isToStop) {
     // Whoever saves it at this moment finishes first.
     flocktimed(file.Get(), LOCK_SH | LOCK_NB, kLockMilliseconds);
     if (FileSize(file.Get()) > kLargestTextFile)
-        return Problem("The file is larger than 256 MB.");
+        return DocumentProblem("The file is larger than 256 MB.");
     std::string bytes;
     errno = 0;
     if (!ReadWholeFile(file.Get(), static_cast<std::size_t>(kLargestTextFile), bytes))
-        return Problem(std::string("The file cannot be read: ") + std::strerror(errno) + ".");
-    return ReadDocument(bytes, isToStop);
+        return DocumentProblem(std::string("The file cannot be read: ") + std::strerror(errno) +
+                               ".");
+    return ReadDocument(bytes, isToStop, rules, path);
 }
 
-Document ReadDocument(std::string_view bytes, const StopTest& isToStop) {
+Document ReadDocument(std::string_view bytes, const StopTest& isToStop, const DocumentRules& rules,
+                      std::string_view name) {
     const ReadingWatch watch(isToStop);
-    switch (KindOf(bytes)) {
-        case DocumentKind::kHtml:
-            return ReadPage(bytes, watch);
-        case DocumentKind::kZip:
-            return ReadZipDocument(bytes, watch);
-        case DocumentKind::kFlatOdt:
-            return ReadFlatOdt(bytes, watch);
-        case DocumentKind::kPdf:
-            return ReadPdf(bytes, watch);
-        case DocumentKind::kForeign:
-            return Problem(ForeignKindProblem(bytes));
-        case DocumentKind::kPlainText:
-            break;
-    }
-    return {DecodeText(bytes), {}};
+    Document document = ReadKind(KindOf(bytes, name), bytes, watch, rules);
+    if (document.problem.empty() && !HoldsWords(document.text))
+        document = DocumentProblem("There is no text in it.");
+    return document;
 }

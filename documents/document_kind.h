@@ -1,4 +1,4 @@
-// What kind of document a file is, by what it holds.
+// What kind of document a file is.
 #pragma once
 
 #include <string_view>
@@ -6,13 +6,15 @@
 enum class DocumentKind {
     kPlainText,
     kHtml,
-    kZip,      // EPUB, ODT, DOCX and others
+    kZip,      // EPUB, OpenDocument, Office Open XML
     kFlatOdt,  // an OpenDocument text as a single XML file
+    kFictionBook,
     kPdf,
     kForeign,  // known, but without text that could be read
 };
 
-DocumentKind KindOf(std::string_view bytes);
+// By what the file holds; its name counts where that says nothing.
+DocumentKind KindOf(std::string_view bytes, std::string_view name = {});
 
 // For a kForeign file: the sentence that says what it is.
 const char* ForeignKindProblem(std::string_view bytes);

@@ -1,16 +1,33 @@
-// What an EPUB book says about itself: which of its files are chapters, and their order.
+// What an EPUB book says about itself: which of its files are chapters, their order and titles.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// The package file's name in "META-INF/container.xml"; empty when it is none.
-std::string EpubPackageName(std::string_view container);
+#include "documents/zip_index.h"
 
-// The names in the archive of the chapters, in reading order, from the package file of this name.
+struct EpubChapter {
+    std::string address;  // as the book writes it
+    std::string name;     // in the archive; empty when it is missing there
+};
+
+struct EpubBook {
+    std::vector<EpubChapter> chapters;  // in reading order
+    std::string contentsPage;           // its name in the archive; empty when there is none
+    std::map<std::string, std::string, std::less<>> titles;  // of chapters, by name in the archive
+    std::string cover;                                       // the picture's name in the archive
+    std::string title;
+    std::string author;
+    std::string language;
+};
+
 // Contents pages and what is shown beside the text are no chapters.
-std::vector<std::string> EpubChapters(std::string_view packageName, std::string_view package);
+EpubBook ReadEpubPackage(const ZipIndex& index);
 
-// The names of the files that "META-INF/encryption.xml" lists.
-std::vector<std::string> EpubEncryptedFiles(std::string_view encryption);
+// Titles out of a contents page of today's books, "nav.xhtml".
+void ReadEpubContents(std::string_view page, const ZipIndex& index, EpubBook& book);
+
+// The names of the files that are encrypted.
+std::vector<std::string> EpubEncryptedFiles(const ZipIndex& index);

@@ -9,6 +9,7 @@
 #include <cerrno>
 
 #include "documents/problems.h"
+#include "documents/small_texts.h"
 #include "documents/text_charset.h"
 #include "foundation/child_process.h"
 #include "foundation/file_io.h"
@@ -19,7 +20,6 @@ namespace {
 constexpr rlim_t kMaxMemory = 1U << 30;
 constexpr rlim_t kMaxSeconds = 60;  // of the processor
 constexpr int kStopTestMilliseconds = 50;
-constexpr std::size_t kPipeBlock = 65536;
 
 // Bytes in memory as a file of no folder, at its beginning.
 UniqueFd FileInMemory(std::string_view bytes) {
@@ -40,7 +40,7 @@ void Bound(pid_t child) {
 enum class Outcome { kRead, kEnded, kTooLong };
 
 Outcome ReadOutput(int pipe, const ReadingWatch& watch, std::string& text) {
-    std::string block(kPipeBlock, '\0');
+    std::string block(kReadAtOnce, '\0');
     for (;;) {
         if (watch.IsToEnd())
             return Outcome::kEnded;
@@ -59,26 +59,27 @@ Outcome ReadOutput(int pipe, const ReadingWatch& watch, std::string& text) {
 }
 
 bool IsBlank(std::string_view text) {
-    return text.find_first_not_of(" \t\r\n\f") == std::string_view::npos;
+    return text.find_first_not_of(kWhiteSpace) == std::string_view::npos;
 }
 
 Document WithoutText(std::string_view bytes) {
     if (bytes.find("/Encrypt") != std::string_view::npos)
-        return {{}, "The PDF document is protected by a password."};
+        return DocumentProblem("The PDF document is protected by a password.");
     if (bytes.find("%%EOF") == std::string_view::npos)
-        return {{}, "The PDF document is damaged or not complete."};
-    return {{}, "The PDF document holds no text, only pictures of it, or is damaged."};
+        return DocumentProblem("The PDF document is damaged or not complete.");
+    return DocumentProblem("The PDF document holds no text, only pictures of it, or is damaged.");
 }
 
 }  // namespace
 
-Document ReadPdf(std::string_view bytes, const ReadingWatch& watch) {
+Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const DocumentRules&) {
     if (!IsProgramInstalled("pdftotext"))
-        return {{}, "PDF documents need the program pdftotext: install the package poppler-utils."};
+        return DocumentProblem(
+            "PDF documents need the program pdftotext: install the package poppler-utils.");
     const UniqueFd input = FileInMemory(bytes);
     LPipePair output = LPipePair::Make();
     if (!input.IsOpen() || !output.IsOpen())
-        return {{}, "There is not enough memory to read the PDF document."};
+        return DocumentProblem("There is not enough memory to read the PDF document.");
     LChildStreams streams;
     streams.input = input.Get();
     streams.output = output.writeEnd.Get();
@@ -86,7 +87,7 @@ Document ReadPdf(std::string_view bytes, const ReadingWatch& watch) {
     LChildProcess child = LChildProcess::StartShell(
         "exec pdftotext -q -enc UTF-8 -eol unix - - 2>/dev/null", streams);
     if (!child.IsStarted())
-        return {{}, "The program pdftotext cannot be started."};
+        return DocumentProblem("The program pdftotext cannot be started.");
     Bound(child.Pid());
     output.writeEnd.Reset();
     std::string text;
@@ -95,10 +96,12 @@ Document ReadPdf(std::string_view bytes, const ReadingWatch& watch) {
         ::kill(-child.Pid(), SIGKILL);
     child.Wait();
     if (outcome == Outcome::kEnded)
-        return {{}, watch.Problem()};
+        return DocumentProblem(watch.Problem());
     if (outcome == Outcome::kTooLong)
-        return {{}, kTooLongDocument};
+        return DocumentProblem(kTooLongDocument);
     if (IsBlank(text))
         return WithoutText(bytes);
-    return {JoinPages(DecodeText(text)), {}};
+    Document document;
+    document.text = JoinPages(DecodeText(text));
+    return document;
 }

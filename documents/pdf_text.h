@@ -8,7 +8,7 @@
 #include "documents/document.h"
 #include "documents/reading_watch.h"
 
-Document ReadPdf(std::string_view bytes, const ReadingWatch& watch);
+Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const DocumentRules& rules);
 
 // Makes running text of printed pages (lines; a form feed behind each page): page numbers go, words
 // divided at a line's end are joined, unless the text has them with their hyphen elsewhere, and a

@@ -1,16 +1,23 @@
 #include "documents/text_charset.h"
 
 #include <glib.h>
+#include <uchardet/uchardet.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <memory>
+#include <optional>
+
+#include "foundation/owned_text.h"
 
 namespace {
 
 constexpr std::string_view kReplacement = "\xef\xbf\xbd";
 // A text with fewer valid multi-byte characters for each bad byte has them by chance.
 constexpr std::size_t kBadBytesPerCharacter = 10;
+// One with fewer is UTF-8 whatever else fits.
+constexpr std::size_t kSurelyBadBytesPerCharacter = 2;
 
 // 0x80 to 0x9F of Windows-1252; the others are those of Unicode. 0 where it has none.
 constexpr std::array<char16_t, 32> kWindows1252 = {
@@ -23,14 +30,6 @@ void AppendCharacter(std::string& text, char32_t character) {
     std::array<char, 6> bytes;
     const int length = g_unichar_to_utf8(character == 0 ? U' ' : character, bytes.data());
     text.append(bytes.data(), static_cast<std::size_t>(length));
-}
-
-void AppendWindows1252(std::string& text, unsigned char byte) {
-    const char32_t character = byte >= 0x80 && byte < 0xA0 ? kWindows1252[byte - 0x80U] : byte;
-    if (character == 0 && byte != 0)
-        text += kReplacement;
-    else
-        AppendCharacter(text, character);
 }
 
 // Half a pair of surrogates, and half a unit at the end, become U+FFFD.
@@ -100,6 +99,43 @@ Utf8Step NextStep(std::string_view bytes) {
     return {length, isCut ? Utf8Step::Kind::kBroken : Utf8Step::Kind::kForeign};
 }
 
+constexpr std::size_t kGuessedFrom = 1U << 20;  // a beginning tells as much as the whole
+constexpr std::size_t kCharsetWithin = 4096;
+// Fewer bytes above ASCII would fit many charsets.
+constexpr std::size_t kLeastEvidence = 6;
+
+std::optional<std::string> Convert(std::string_view bytes, const char* charset) {
+    gsize length = 0;
+    const OwnedText text(g_convert_with_fallback(bytes.data(), static_cast<gssize>(bytes.size()),
+                                                 "UTF-8", charset, "?", nullptr, &length, nullptr));
+    if (!text)
+        return std::nullopt;
+    std::string converted(text.get(), length);
+    std::replace(converted.begin(), converted.end(), '\0', ' ');
+    return converted;
+}
+
+// The charset that the letters' frequencies speak for; empty when they say nothing.
+std::string GuessCharset(std::string_view bytes) {
+    bytes = bytes.substr(0, kGuessedFrom);
+    const auto evidence = std::count_if(bytes.begin(), bytes.end(), [](char byte) {
+        return static_cast<unsigned char>(byte) >= 0x80;
+    });
+    if (static_cast<std::size_t>(evidence) < kLeastEvidence)
+        return {};
+    const std::unique_ptr<uchardet, decltype(&uchardet_delete)> detector(uchardet_new(),
+                                                                         &uchardet_delete);
+    if (uchardet_handle_data(detector.get(), bytes.data(), bytes.size()) != 0)
+        return {};
+    uchardet_data_end(detector.get());
+    std::string charset = uchardet_get_charset(detector.get());
+    // What every text in it would be as well, and holds more.
+    if (charset == "ASCII" || charset == "ISO-8859-1" || charset == "ISO-8859-15" ||
+        charset.starts_with("UTF"))
+        charset.clear();
+    return charset;
+}
+
 std::string FromUtf8(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size());
@@ -119,6 +155,11 @@ std::string FromUtf8(std::string_view bytes) {
         }
         at += step.length;
     }
+    if (badBytes <= characters * kSurelyBadBytesPerCharacter)
+        return text;
+    if (const std::string guess = GuessCharset(bytes); !guess.empty())
+        if (std::optional<std::string> guessed = Convert(bytes, guess.c_str()); guessed)
+            return std::move(*guessed);
     if (badBytes <= characters * kBadBytesPerCharacter)
         return text;
     text.clear();
@@ -127,12 +168,68 @@ std::string FromUtf8(std::string_view bytes) {
     return text;
 }
 
+// In small letters, behind the key, quoted or not; empty when there is none.
+std::string NamedBehind(const std::string& head, std::string_view key) {
+    const std::size_t found = head.find(key);
+    if (found == std::string::npos)
+        return {};
+    const std::size_t begin = head.find_first_not_of("\"' =", found + key.size());
+    if (begin == std::string::npos)
+        return {};
+    return head.substr(begin, head.find_first_of("\"' />;?", begin) - begin);
+}
+
+// What a page says of its charset: the XML declaration, else a "meta" element.
+std::string NamedCharset(std::string_view bytes) {
+    std::string head(bytes.substr(0, kCharsetWithin));
+    std::transform(head.begin(), head.end(), head.begin(), g_ascii_tolower);
+    if (head.starts_with("<?xml"))
+        if (std::string named = NamedBehind(head.substr(0, head.find("?>")), "encoding");
+            !named.empty())
+            return named;
+    for (std::size_t at = head.find("<meta"); at != std::string::npos;
+         at = head.find("<meta", at + 1))
+        if (std::string named = NamedBehind(head.substr(at, head.find('>', at) - at), "charset=");
+            !named.empty())
+            return named;
+    return {};
+}
+
+bool IsUtf16Marked(std::string_view bytes) {
+    return bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff");
+}
+
+bool HoldsUtf8(std::string_view bytes) {
+    const bool isAscii = std::all_of(bytes.begin(), bytes.end(), [](char byte) {
+        return static_cast<unsigned char>(byte) < 0x80;
+    });
+    return !isAscii && g_utf8_validate_len(bytes.data(), bytes.size(), nullptr) != 0;
+}
+
 }  // namespace
+
+void AppendWindows1252(std::string& text, unsigned char byte) {
+    const char32_t character = byte >= 0x80 && byte < 0xA0 ? kWindows1252[byte - 0x80U] : byte;
+    if (character == 0 && byte != 0)
+        text += kReplacement;
+    else
+        AppendCharacter(text, character);
+}
+
+std::string DecodeMarkup(std::string_view bytes) {
+    const std::string charset = NamedCharset(bytes);
+    if (charset.empty() || charset.starts_with("utf") || IsUtf16Marked(bytes) || HoldsUtf8(bytes))
+        return DecodeText(bytes);
+    // The old name of what pages mean by it.
+    const bool isWestern = charset == "iso-8859-1" || charset == "us-ascii" || charset == "latin1";
+    std::optional<std::string> text = Convert(bytes, isWestern ? "WINDOWS-1252" : charset.c_str());
+    return text ? std::move(*text) : DecodeText(bytes);
+}
 
 std::string DecodeText(std::string_view bytes) {
     if (bytes.starts_with("\xef\xbb\xbf"))
         bytes.remove_prefix(3);
-    else if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff"))
+    else if (IsUtf16Marked(bytes))
         return FromUtf16(bytes.substr(2), bytes[0] == '\xfe');
     else if (LooksLikeUtf16(bytes, false) || LooksLikeUtf16(bytes, true))
         return FromUtf16(bytes, LooksLikeUtf16(bytes, true));

@@ -32,12 +32,18 @@ std::string ReadStandardInput(std::string& text) {
 }  // namespace
 
 Document ReadSayDocument(const std::string& path) {
-    if (!path.empty())
-        return LoadDocument(path.c_str(), IsInterrupted);
-    std::string bytes;
-    if (std::string problem = ReadStandardInput(bytes); !problem.empty())
-        return {{}, std::move(problem)};
-    return ReadDocument(bytes, IsInterrupted);
+    Document document;
+    if (!path.empty()) {
+        document = LoadDocument(path.c_str(), IsInterrupted);
+    } else {
+        std::string bytes;
+        document.problem = ReadStandardInput(bytes);
+        if (document.problem.empty())
+            document = ReadDocument(bytes, IsInterrupted);
+    }
+    if (!document.remark.empty())
+        Complain("lectora-say", NameOfText(path) + ": " + document.remark);
+    return document;
 }
 
 std::string NameOfText(const std::string& path) {

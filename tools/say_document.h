@@ -5,7 +5,8 @@
 
 #include "documents/document.h"
 
-// The document in this file, or on standard input when the path is empty.
+// The document in this file, or on standard input when the path is empty. What is missing of it has
+// been said.
 Document ReadSayDocument(const std::string& path);
 
 // For messages about it.

@@ -53,10 +53,9 @@ TEST(Documents, TextIsReadAndMarkupIsNot) {
          "<p>one<p>two <img src='x' alt='a cat'><!-- no --><p hidden>no</p><ul><li>i<li>j</ul>"
          "<pre>a\n b</pre><table><tr><th>n<th>m:<tr><td>1<td>2</table><select><option>no</select>"
          "exam\u00AD\n ple x<sup>2</sup> 10<sup>\u22126th</sup><a role=doc-noteref>1</a>",
-         "Head\n\nsome text & more\nline\n\none\n\ntwo a cat\n\ni\n\nj\n\na\nb\n\nn, m:\n\n1, 2\n\n"
+         "Head\n\nsome text & more\nline\n\none\n\ntwo Picture: a cat\n\ni\n\nj\n\na\nb\n\nn, "
+         "m:\n\n1, 2\n\n"
          "example x² 10⁻⁶th"},
-        {"page in the charset that it names", "<html><meta charset='iso-8859-2'><body>Dvo\xf8\xe1k",
-         "Dvořák"},
         {"page in UTF-16", "\xff\xfe<\0p\0>\0\xe9\0"s, "é"},
         {"page in none", "<html><body>caf\xe9 &eacute; &#x1F600;", "café é 😀"},
         {"XHTML", "<?xml version='1.0'?><!DOCTYPE html><html><body>a</body></html>", "a"},
@@ -80,7 +79,7 @@ TEST(Documents, TextIsReadAndMarkupIsNot) {
                           "<table:table-cell><text:p>1</text:p></table:table-cell>"
                           "<table:table-cell><text:p>2</text:p></table:table-cell>"
                           "</table:table-row></table:table>")}}),
-         "Head\n\na b\nc\n\n1, 2"},
+         "Head\n\na b\nc\n\nNote: no\n\n1, 2"},
         {"flat ODT", OdtXmlOf("<text:p>&lt;one&gt;</text:p><text:p>two</text:p>"), "<one>\n\ntwo"},
         {"EPUB", EpubOf({}), "One\n\ntext\n\nTwo\u00A0…"},
         {"PDF", PdfOf({{"It was a divi-", "ded word and goes", "12"}, {"on here. End."}}),
@@ -116,6 +115,22 @@ TEST(Documents, WhateverATextFileHoldsCanBeShown) {
          "a\uFFFD"
          "bÿ"},
         {"NUL bytes", "a\0b, \0“it”"s, "a b,  “it”"},
+        {"Cyrillic in Windows-1251",
+         "\xd1\xfa\xe5\xf8\xfc \xe5\xf9\xb8 \xfd\xf2\xe8\xf5 \xec\xff\xe3\xea\xe8\xf5 "
+         "\xf4\xf0\xe0\xed\xf6\xf3\xe7\xf1\xea\xe8\xf5 \xe1\xf3\xeb\xee\xea",
+         "Съешь ещё этих мягких французских булок"},
+        {"Shift-JIS",
+         "\x90\xcc\x81\x58\x82\xa0\x82\xe9\x82\xc6\x82\xb1\x82\xeb\x82\xc9\x82\xa8\x82\xb6\x82\xa2"
+         "\x82\xb3\x82\xf1\x82\xc6\x82\xa8\x82\xce\x82\xa0\x82\xb3\x82\xf1\x82\xaa\x8f\x5a\x82\xf1"
+         "\x82\xc5\x82\xa2\x82\xdc\x82\xb5\x82\xbd\x81\x42",
+         "昔々あるところにおじいさんとおばあさんが住んでいました。"},
+        {"Latin-2",
+         "\xb9\xe8\xf8 P\xf8\xedli\xb9 \xbelu\xbb\xf2u\xe8k\xfd k\xf9\xf2 \xfap\xecl "
+         "\xef\xe1"
+         "belsk\xe9 \xf3"
+         "dy. Dnes je v Praze hezky a v\xb9"
+         "ichni jdou ven.",
+         "ščř Příliš žluťňučký kůň úpěl ďábelské ódy. Dnes je v Praze hezky a všichni jdou ven."},
         {"UTF-8 whose end is cut off", "“It’s a naïve caf\xc3", "“It’s a naïve caf\uFFFD"},
         {"UTF-8 with foreign bytes", "“It’s” \xe9t\xe9 \x93too\x94 \xe2\x80 x",
          "“It’s” été “too” \uFFFD x"},
@@ -169,7 +184,19 @@ TEST(Documents, WhatCannotBeReadSaysSo) {
          "more text"},
         {"PDF without text", PdfOf({{}}), "only pictures"},
         {"cut PDF", PdfOf({{"text"}}).substr(0, 60), "damaged"},
+        {"blank text", " \n\r\n", "no text"},
+        {"page without words", "<html><body><img src=x>", "no text"},
         {"picture", "\x89PNG\r\n\x1a\n", "picture"},
+        {"bitmap", "BM\x36\x30\0\0\0\0\0\0\x36"s, "picture"},
+        {"newer picture", "RIFF\1\0\0\0WEBPVP8 "s, "picture"},
+        {"TIFF", "II*\0\x08\0\0\0"s, "picture"},
+        {"M4A",
+         "\0\0\0\x20"
+         "ftypM4A "s,
+         "sound"},
+        {"tar", std::string(257, 'a') + "ustar", "packed"},
+        {"MOBI", std::string(60, '\1') + "BOOKMOBI", "Kindle"},
+        {"data of a program", "\1\2\3\0\0\0abc\4\5\6\0\0xyz\xff\xfe"s, "data of a program"},
         {"RTF", "{\\rtf1 text}", "RTF"},
         {"old Office", "\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", "Office"},
         {"sound", "RIFF\1\0\0\0WAVEfmt "s, "sound"},
@@ -194,8 +221,12 @@ TEST(Documents, HostileMarkupEndsInTime) {
         attributes += "a" + std::to_string(i) + "=b ";
     }
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_THAT(ReadDocument(nested).problem, HasSubstr("damaged"));
-    EXPECT_THAT(ReadDocument(attributes).problem, HasSubstr("damaged"));
+    EXPECT_EQ(ReadDocument(nested + "a").text, "a");
+    EXPECT_EQ(ReadDocument(attributes + ">a").text, "a");
+    std::string noEnds = "<html>a";
+    for (int i = 0; i < 500000; ++i)
+        noEnds += "<title><textarea>\"";
+    EXPECT_EQ(ReadDocument(noEnds).problem, "");
     EXPECT_THAT(ReadDocument(DocxOf(attributes + ">")).problem, HasSubstr("damaged"));
     EXPECT_EQ(ReadDocument(unclosed).problem, "");
     EXPECT_EQ(ReadDocument("<html>a<!--" + std::string(20 << 20, '-')).text, "a");

@@ -1,0 +1,249 @@
+#include "documents/odt_text.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "documents/list_numbers.h"
+#include "documents/small_texts.h"
+#include "documents/zip_index.h"
+
+namespace {
+
+constexpr std::size_t kMostSides = 20;
+
+bool IsCell(std::string_view name) {
+    return name == "table-cell" || name == "covered-table-cell";
+}
+
+// The formula in an object's own file.
+class MathListener : public MarkupListener {
+public:
+    bool EvElement(std::string_view name, const MarkupAttributes&) override {
+        const std::optional<FormulaText::Part> part = MathPart(name);
+        if (part)
+            formula.Begin(*part);
+        return part.has_value();
+    }
+    void EvElementEnd(std::string_view) override { formula.End(); }
+    void EvText(std::string_view text) override { formula.AddText(text); }
+
+    FormulaText formula;
+};
+
+}  // namespace
+
+OdtListener::OdtListener(TextFlow& flow, const DocumentRules& rules, ObjectContent objects)
+    : flow_(flow), rules_(rules), objects_(std::move(objects)) {}
+
+bool OdtListener::IsLeftOut(std::string_view name) const {
+    if (name == "annotation" || name == "tracked-changes" || name == "forms" ||
+        name == "hidden-text" || name == "hidden-paragraph" || name == "ruby-text" ||
+        name == "binary-data" || name == "script" || name == "note-citation" || name == "notes" ||
+        name == "page-number" || name == "master-styles")
+        return true;
+    return name == "note" && !rules_.notes;
+}
+
+bool OdtListener::BeginFact(std::string_view name) {
+    fact_ = nullptr;
+    if (bodies_ > 0)
+        return false;
+    if (name == "title" && title_.empty())
+        fact_ = &title_;
+    else if ((name == "creator" || name == "initial-creator") && author_.empty())
+        fact_ = &author_;
+    return fact_ != nullptr;
+}
+
+bool OdtListener::EvElement(std::string_view name, const MarkupAttributes& attributes) {
+    if (IsLeftOut(name))
+        return false;
+    if (name == "math" || formulaDepth_ > 0)
+        return EvFormulaElement(name);
+    if (BeginFact(name))
+        return true;
+    BeginStyle(name, attributes);
+    if (name == "body")
+        ++bodies_;
+    else if (name == "p" || name == "h")
+        BeginParagraph(name, attributes);
+    else if (name == "s" || name == "tab")
+        Flow().AddBlank();
+    else if (name == "line-break")
+        Flow().EndLine();
+    else if (name == "list")
+        BeginList(attributes);
+    else if (name == "list-item")
+        BeginItem(attributes);
+    else if (name == "frame")
+        isSlideTitle_ = attributes.Value("class") == "title";
+    else if (name == "object" && paragraphs_ > 0)
+        AddObject(attributes.Value("href"));
+    else if (bodies_ > 0 && (name == "title" || name == "desc"))
+        ++descriptions_;
+    else if (IsCell(name))
+        ++cells_;
+    return (name != "note" && name != "text-box") || BeginSide(name);
+}
+
+void OdtListener::BeginStyle(std::string_view name, const MarkupAttributes& attributes) {
+    if (name == "list-style") {
+        levels_ = &listStyles_[std::string(attributes.Value("name"))];
+        levels_->assign(kMostListLevels, {});
+    } else if (name == "list-level-style-number" && levels_ != nullptr) {
+        const auto level = static_cast<std::size_t>(NumberIn(attributes.Value("level"), 1)) - 1;
+        if (level < kMostListLevels)
+            (*levels_)[level] = {std::string(attributes.Value("num-format")),
+                                 std::string(attributes.Value("num-prefix")),
+                                 std::string(attributes.Value("num-suffix")),
+                                 NumberIn(attributes.Value("start-value"), 1)};
+    } else if (name == "default-style") {
+        isDefaultStyle_ = attributes.Value("family") == "paragraph";
+    } else if (name == "text-properties" && isDefaultStyle_ && attributes.Has("language") &&
+               attributes.Value("language") != "none") {
+        std::string tag(attributes.Value("language"));
+        if (attributes.Has("country") && attributes.Value("country") != "none")
+            tag += "-" + std::string(attributes.Value("country"));
+        flow_.SetLanguage(tag);
+    }
+}
+
+void OdtListener::BeginList(const MarkupAttributes& attributes) {
+    List list{std::string(attributes.Value("style-name")), 0};
+    if (list.style.empty() && !lists_.empty())
+        list.style = lists_.back().style;
+    const auto style = listStyles_.find(list.style);
+    if (style != listStyles_.end() && lists_.size() < kMostListLevels)
+        list.next = style->second[lists_.size()].start;
+    lists_.push_back(std::move(list));
+}
+
+void OdtListener::BeginItem(const MarkupAttributes& attributes) {
+    if (lists_.empty() || lists_.size() > kMostListLevels)
+        return;
+    List& list = lists_.back();
+    const int number = NumberIn(attributes.Value("start-value"), list.next);
+    list.next = number + 1;
+    const auto style = listStyles_.find(list.style);
+    if (style == listStyles_.end())
+        return;
+    const Level& level = style->second[lists_.size() - 1];
+    itemMark_ = level.format.empty()
+                    ? std::string()
+                    : level.prefix + ListNumber(number, level.format) + level.suffix;
+}
+
+void OdtListener::BeginParagraph(std::string_view name, const MarkupAttributes& attributes) {
+    if (paragraphs_++ > 0 || cells_ > 0)
+        return;
+    if (name == "h" || isSlideTitle_)
+        Flow().BeginHeading(NumberIn(attributes.Value("outline-level"), 1));
+    else
+        Flow().EndParagraph();
+    if (!itemMark_.empty())
+        Flow().AddListMark(std::exchange(itemMark_, {}));
+}
+
+// A note or a text box. One that stands in no paragraph is read where it stands.
+bool OdtListener::BeginSide(std::string_view name) {
+    const bool isNote = name == "note";
+    if (paragraphs_ == 0 && !isNote && sides_.empty())
+        return true;
+    if (sides_.size() >= kMostSides)
+        return false;
+    sides_.push_back({TextFlow(rules_.referenceMarks), std::exchange(cells_, 0),
+                      std::exchange(paragraphs_, 0), isNote});
+    return true;
+}
+
+void OdtListener::EndSide() {
+    if (sides_.empty())
+        return;
+    Side side = std::move(sides_.back());
+    sides_.pop_back();
+    cells_ = side.cells;
+    paragraphs_ = side.paragraphs;
+    std::string text = side.flow.Take();
+    if (!text.empty() && behind_.size() < kMostBehind)
+        behind_.push_back((side.isNote ? "Note: " : "") + text);
+}
+
+void OdtListener::AddObject(std::string_view address) {
+    const std::string_view content = objects_ ? objects_(address) : std::string_view();
+    if (content.find("math") == std::string_view::npos)
+        return;
+    MathListener listener;
+    ParseXml(content, listener);
+    Flow().AddBlank();
+    Flow().Add(listener.formula.Take());
+}
+
+bool OdtListener::EvFormulaElement(std::string_view name) {
+    const std::optional<FormulaText::Part> part = MathPart(name);
+    if (!part)
+        return false;
+    ++formulaDepth_;
+    formula_.Begin(*part);
+    return true;
+}
+
+void OdtListener::EndParagraph() {
+    if (paragraphs_ > 0)
+        --paragraphs_;
+    if (cells_ > 0)
+        Flow().EndCell();
+    else if (paragraphs_ == 0)
+        Flow().EndHeading();
+    if (paragraphs_ > 0 || !sides_.empty())
+        return;
+    for (const std::string& text : std::exchange(behind_, {})) {
+        if (cells_ == 0)
+            flow_.EndParagraph();
+        flow_.AddLines(text);
+        if (cells_ == 0)
+            flow_.EndParagraph();
+    }
+}
+
+void OdtListener::EvElementEnd(std::string_view name) {
+    fact_ = nullptr;
+    if (formulaDepth_ > 0) {
+        formula_.End();
+        if (--formulaDepth_ == 0)
+            Flow().Add(formula_.Take());
+    } else if (name == "body") {
+        --bodies_;
+    } else if (name == "p" || name == "h") {
+        EndParagraph();
+    } else if (name == "list" && !lists_.empty()) {
+        lists_.pop_back();
+    } else if (name == "list-item") {
+        itemMark_.clear();
+    } else if (name == "frame") {
+        isSlideTitle_ = false;
+    } else if (descriptions_ > 0 && (name == "title" || name == "desc")) {
+        --descriptions_;
+        Flow().AddPicture(std::exchange(description_, {}));
+    } else if (name == "table-row" && cells_ == 0) {
+        Flow().EndParagraph();
+    } else if (IsCell(name) && cells_ > 0) {
+        --cells_;
+    } else if (name == "note" || (name == "text-box" && !sides_.empty())) {
+        EndSide();
+    } else if (name == "list-style") {
+        levels_ = nullptr;
+    } else if (name == "default-style") {
+        isDefaultStyle_ = false;
+    }
+}
+
+void OdtListener::EvText(std::string_view text) {
+    if (fact_ != nullptr && fact_->size() + text.size() < kLongestFact)
+        *fact_ += text;
+    else if (formulaDepth_ > 0)
+        formula_.AddText(text);
+    else if (descriptions_ > 0)
+        description_ += text.substr(0, kLongestFact);
+    else if (bodies_ > 0 && paragraphs_ > 0)
+        Flow().Add(text);
+}

@@ -1,0 +1,71 @@
+// Makes the running text of a web page's or an EPUB chapter's elements.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "documents/document.h"
+#include "documents/formula_text.h"
+#include "documents/markup_listener.h"
+#include "documents/text_flow.h"
+
+class PageListener : public MarkupListener {
+public:
+    // Both must outlive this.
+    PageListener(TextFlow& flow, const DocumentRules& rules)
+        : flow_(flow), rules_(rules), languages_{flow.Language()} {}
+
+    bool EvElement(std::string_view name, const MarkupAttributes& attributes) override;
+    void EvElementEnd(std::string_view name) override;
+    void EvText(std::string_view text) override;
+
+    // What the page says of itself.
+    const std::string& Title() const { return title_; }
+    const std::string& Author() const { return author_; }
+
+private:
+    struct Element {
+        bool isParagraph = false;
+        bool isPreformatted = false;
+        bool isRaised = false;
+        bool isReference = false;  // a link within pages
+        bool isHeading = false;
+        bool isFormulaPart = false;
+        bool endsQuote = false;
+        bool endsCell = false;
+        bool isList = false;
+        bool changesLanguage = false;
+    };
+    struct List {
+        bool isOrdered = false;
+        int next = 1;
+        int step = 1;
+        std::string type;
+    };
+
+    bool IsLeftOut(std::string_view name, const MarkupAttributes& attributes) const;
+    void BeginWords(std::string_view name, const MarkupAttributes& attributes, Element& element);
+    void BeginBlock(std::string_view name, const MarkupAttributes& attributes, Element& element);
+    void BeginListItem(const MarkupAttributes& attributes);
+    void BeginLanguage(std::string_view tag, Element& element);
+    void EndRaised();
+    bool EvFormulaElement(std::string_view name);
+    bool EvHeadElement(std::string_view name, const MarkupAttributes& attributes);
+
+    TextFlow& flow_;
+    const DocumentRules& rules_;
+    std::vector<Element> open_;
+    std::vector<List> lists_;
+    std::vector<std::string> languages_;  // of the elements that are open and name one
+    FormulaText formula_;
+    int formulaDepth_ = 0;  // elements of a formula that are open
+    int preformatted_ = 0;
+    int raisedDepth_ = 0;
+    int references_ = 0;  // links within pages that are open
+    std::string raised_;  // the text above the line
+    bool raisedHasReference_ = false;
+    bool isInTitle_ = false;
+    std::string title_;
+    std::string author_;
+};

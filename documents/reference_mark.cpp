@@ -1,0 +1,73 @@
+#include "documents/reference_mark.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <string>
+
+#include "documents/small_texts.h"
+
+namespace {
+
+constexpr std::size_t kShortestWord = 3;  // units and variables have at most two letters
+constexpr std::size_t kLongestNumber = 3;
+
+// Longer ones that do have powers.
+constexpr std::string_view kPowered[] = {"sin",  "cos",  "tan",  "cot", "sec", "csc",
+                                         "sinh", "cosh", "tanh", "log", "exp", "mol"};
+
+std::string_view Trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(kWhiteSpace);
+    return first == std::string_view::npos
+               ? std::string_view()
+               : text.substr(first, text.find_last_not_of(kWhiteSpace) + 1 - first);
+}
+
+bool IsDigits(std::string_view text) {
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char sign) { return g_ascii_isdigit(sign); });
+}
+
+// The letters at the end of a text.
+std::string_view LastWord(std::string_view text) {
+    std::size_t begin = text.size();
+    while (begin > 0 && (g_ascii_isalpha(text[begin - 1]) ||
+                         static_cast<unsigned char>(text[begin - 1]) >= 0x80))
+        --begin;
+    return text.substr(begin);
+}
+
+bool EndsLikeSentence(std::string_view text) {
+    if (text.empty())
+        return false;
+    for (const std::string_view sign : {"”", "’", "»", "“", "…"})
+        if (text.ends_with(sign))
+            return true;
+    return std::string_view(".,;:!?\"'").find(text.back()) != std::string_view::npos;
+}
+
+}  // namespace
+
+bool IsReferenceMark(std::string_view raised, std::string_view before, bool isLink) {
+    const std::string_view mark = Trimmed(raised);
+    if (mark.empty() || mark.front() == '[')
+        return true;
+    for (const std::string_view sign : {"*", "†", "‡", "§", "¶"})
+        if (mark.starts_with(sign))
+            return true;
+    const bool isNumbers =
+        mark.find_first_not_of("0123456789, -()\xe2\x80\x93") == std::string_view::npos;
+    if (isLink && (isNumbers || mark.size() <= 2))
+        return true;
+    if (!isNumbers || mark.front() == '-' || mark.front() == ',')
+        return false;
+    if (!IsDigits(mark))
+        return mark.find_first_of(",(") != std::string_view::npos;
+    const std::string_view word = LastWord(before);
+    if (word.empty())
+        return EndsLikeSentence(before);
+    return mark.size() <= kLongestNumber &&
+           g_utf8_strlen(word.data(), static_cast<gssize>(word.size())) >=
+               static_cast<glong>(kShortestWord) &&
+           std::find(std::begin(kPowered), std::end(kPowered), word) == std::end(kPowered);
+}

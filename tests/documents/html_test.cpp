@@ -1,0 +1,154 @@
+// Web pages: nothing of them lost, nothing garbled.
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "documents/document.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+std::string Read(const std::string& page, const DocumentRules& rules = {}) {
+    const Document document = ReadDocument(page, {}, rules);
+    return document.problem.empty() ? document.text : "PROBLEM: " + document.problem;
+}
+
+TEST(Html, NoMarkupSwallowsTheTextBehindIt) {
+    const struct {
+        const char* page;
+        const char* text;
+    } cases[] = {
+        {"<html><head><title>t</title><p>no end of head<p>two", "no end of head\n\ntwo"},
+        {"<html><head>text at once", "text at once"},
+        {"<html><body>a <embed src=x> b <wbr aria-hidden=true>c <input hidden>d", "a b c d"},
+        {"<html><body>a<script>if (a<b) '</p>'</script>b<style>p<q{}</style>c", "abc"},
+        {"<html><body><pre>a < b && c<5\n x</pre>d <3 e", "a < b && c<5\nx\n\nd <3 e"},
+        {"<html><body><img src=\"data:image/png;base64,A=\n B=\n > C=\">a", "a"},
+        {"<html><body>a<p title='it>\"'>b<p title=\"open>c", "a\n\nb\n\nc"},
+        {"<html><head><title>no end<body>a", "a"},
+        {"<html><body>a<!-- > -->b<!-->c<!x>d</ x>e", "abcde"},
+        {"<html><body><select><option>no</select>a<table><tr><td>b<td>c<tr><td>d</table>e",
+         "a\n\nb, c\n\nd\n\ne"},
+        {"<html><body><ul hidden><li>no<li>no</ul>a<b><p>b</b>c<i>d</p>e", "a\n\nbcd\n\ne"},
+        {"<?xml version='1.0'?><html><body><script src='x'/><a id='1'/>a<title/>b</body></html>",
+         "ab"},
+        {"<html><body>a<svg><path/><title>no</title><style/></svg>b", "ab"},
+        {"<html><body>a &ampb &eacute;&eacute &#233; &#x2014; &hellip; &lpar;&nosuch; &#150;",
+         "a &b éé é — … (&nosuch; –"},
+        {"<html><body>a <a href='?a=1&copy=2&amp;b'>b</a> <img alt='x &amp; y'>",
+         "a b Picture: x & y"},
+        {"<html><body>figure.<img alt='Figure one'>b <img alt='😀'><img alt='a.png'>",
+         "figure. Picture: Figure one b 😀"},
+        {"<html><body>a<div style='display: none'>no</div>b<a href='x=", "a\n\nb"},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(Read(item.page), item.text) << item.page;
+}
+
+// A parser that takes pages in blocks must not know where they end.
+TEST(Html, TextIsTheSameWhereverABlockEnds) {
+    const std::string parts = "<p>one<script>var a = '<b>';</script><style>a{}</style>two</p>";
+    for (std::size_t shift = 0; shift < parts.size(); ++shift)
+        EXPECT_EQ(Read("<html><body><!--" + std::string(16384 - 40 + shift, '-') + "-->" + parts),
+                  "onetwo");
+}
+
+TEST(Html, MarksThatPointToNotesAreNotRead) {
+    const struct {
+        const char* body;
+        const char* text;
+        const char* withMarks;
+    } cases[] = {
+        {"The war<sup>2</sup> began.<sup>3</sup> So", "The war began. So",
+         "The war[2] began.[3] So"},
+        {"a<sup>[<a href='#n'>12</a>]</sup> b<sup id=c><a href='#c'>[note 3]</a></sup>.", "a b.",
+         "a[12] b[note 3]."},
+        {"all[1][2] of[citation needed] it [3]", "all of it [3]",
+         "all[1][2] of[citation needed] it [3]"},
+        {"5 m<sup>2</sup>, 10<sup>-6</sup>, sin<sup>2</sup> x, 4<sup>th</sup>",
+         "5 m², 10⁻⁶, sin² x, 4th", "5 m², 10⁻⁶, sin² x, 4th"},
+        {"x<a epub:type='noteref' href='n.html#1'>1</a>y<a role='doc-noteref'><sup>1</sup></a>",
+         "xy", "x1y[1]"},
+        {"<pre>array[1] b[a]</pre>", "array[1] b[a]", "array[1] b[a]"},
+    };
+    DocumentRules rules;
+    rules.referenceMarks = true;
+    for (const auto& item : cases) {
+        const std::string page = std::string("<html><body>") + item.body;
+        EXPECT_EQ(Read(page), item.text);
+        EXPECT_EQ(Read(page, rules), item.withMarks);
+    }
+}
+
+TEST(Html, ListsKeepTheirNumbersAndFormulasAreReadOnce) {
+    const struct {
+        const char* body;
+        const char* text;
+    } cases[] = {
+        {"<ol><li><p>a</p><ol type=a start=2><li>b<li>c</ol><li value=7>d</ol><ul><li>e</ul>",
+         "1. a\n\nb. b\n\nc. c\n\n7. d\n\ne"},
+        {"<ol reversed start=2><li>a<li>b</ol><ol style='list-style: none'><li>c</ol>",
+         "2. a\n\n1. b\n\nc"},
+        {"It is <span class='mathml' style='display:none'><math alttext='no'><semantics><mrow><mi>E"
+         "</mi><mo>=</mo><mi>m</mi><msup><mi>c</mi><mn>2</mn></msup></mrow><annotation>no"
+         "</annotation></semantics></math></span><img alt='no' aria-hidden='true'>.",
+         "It is E = m c²."},
+        {"<math><mfrac><mrow><mi>a</mi><mo>+</mo><mn>1</mn></mrow><msqrt><mi>x</mi></msqrt></mfrac>"
+         "<mo>⁡</mo><msup><mi>e</mi><mrow><mo>−</mo><mi>i</mi></mrow></msup></math>",
+         "(a + 1)/√x e^−i"},
+        {"<math><mtable><mtr><mtd><mn>1</mn></mtd></mtr></mtable></math>", "formula"},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(Read(std::string("<html><body>") + item.body), item.text);
+}
+
+TEST(Html, HeadingsLanguagesAndTitleAreKept) {
+    const Document page = ReadDocument(
+        "<html lang=en><head><title> A\n page</title><meta name=author content='Ann O.'></head>"
+        "<body>in<h1><i>First</i></h1><p>a <q lang=de>ja</q> b<h3>Second</h3>c<h2></h2>");
+    EXPECT_EQ(page.text, "in\n\nFirst\n\na “ja” b\n\nSecond\n\nc");
+    EXPECT_EQ(page.title, "A page");
+    EXPECT_EQ(page.author, "Ann O.");
+    std::string headings;
+    for (const DocumentHeading& heading : page.headings)
+        headings += std::to_string(heading.level) +
+                    page.text.substr(heading.begin, heading.end - heading.begin) + ";";
+    EXPECT_EQ(headings, "1First;3Second;");
+    std::string languages;
+    for (const DocumentLanguage& language : page.languages)
+        languages += language.tag + page.text.substr(language.begin, 2) + ";";
+    EXPECT_EQ(languages, "enin;deja;enb\n;");
+}
+
+TEST(Html, WhatAPageSaysOfItsCharsetCountsLessThanWhatItHolds) {
+    const std::string latin2 = "Dvo\xf8\xe1k";
+    const struct {
+        std::string page;
+        const char* text;
+    } cases[] = {
+        {"<html><meta charset=iso-8859-2><body>" + latin2, "Dvořák"},
+        {"<html><body>charset=koi8-r <meta http-equiv=x content='text/html; charset=latin2'>" +
+             latin2,
+         "charset=koi8-r Dvořák"},
+        {"<?xml version='1.0' encoding='iso-8859-2'?><html><meta charset=utf-8><body>" + latin2,
+         "Dvořák"},
+        {"<html><meta charset=iso-8859-1><body>Dvořák", "Dvořák"},
+        {"\xef\xbb\xbf<html><meta charset=koi8-r><body>é", "é"},
+        {"<html><meta charset=iso-8859-1><body>\x93x\x94 \xe9", "“x” é"},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(Read(item.page), item.text) << item.page;
+}
+
+TEST(Html, IsKnownByWhatItBeginsWith) {
+    for (const char* page : {"<p class=a>x</p>", "<article>x</article>", "<ul>\n<p>x</ul>",
+                             "<!-- by hand -->\n<!-- two --><h2>x</h2>", "\n<B>x</B>"})
+        EXPECT_EQ(Read(page), "x") << page;
+    EXPECT_EQ(Read("<no> tag"), "<no> tag");
+    const Document named = ReadDocument("a<br>b", {}, {}, "/x/page.HTM");
+    EXPECT_EQ(named.text, "a\nb");
+    EXPECT_EQ(ReadDocument("<b>x", {}, {}, "a.txt").text, "<b>x");
+}
+
+}  // namespace

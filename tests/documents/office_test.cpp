@@ -1,0 +1,172 @@
+// DOCX, PPTX, ODT and ODP: every word of them, in its place.
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "documents/document.h"
+#include "tests/documents/document_files.h"
+
+namespace {
+
+std::string RunOf(const std::string& text, const std::string& properties = "") {
+    return "<w:r><w:rPr>" + properties + "</w:rPr><w:t xml:space='preserve'>" + text +
+           "</w:t></w:r>";
+}
+
+std::string Paragraph(const std::string& content, const std::string& properties = "") {
+    return "<w:p><w:pPr>" + properties + "</w:pPr>" + content + "</w:p>";
+}
+
+std::string NumberedItem(const std::string& text, int level) {
+    return Paragraph(RunOf(text), "<w:numPr><w:ilvl w:val='" + std::to_string(level) +
+                                      "'/><w:numId w:val='3'/></w:numPr>");
+}
+
+std::string DocxWith(const std::string& body, const ZipFiles& more) {
+    ZipFiles files = {{"word/document.xml", "<w:document xmlns:w='w' xmlns:m='m'><w:body>" + body +
+                                                "</w:body></w:document>"}};
+    files.insert(files.end(), more.begin(), more.end());
+    return ZipOf(files);
+}
+
+TEST(Office, NoWordOfADocxIsLost) {
+    const ZipFiles notes = {
+        {"word/footnotes.xml", "<w:footnotes xmlns:w='w'><w:footnote w:type='separator' w:id='0'>" +
+                                   Paragraph(RunOf("no")) + "</w:footnote><w:footnote w:id='2'>" +
+                                   Paragraph(RunOf("the note")) + "</w:footnote></w:footnotes>"},
+        {"word/styles.xml",
+         "<w:styles xmlns:w='w'><w:rPrDefault><w:lang w:val='en-GB'/></w:rPrDefault><w:style "
+         "w:styleId='a3'><w:name w:val='heading 2'/></w:style><w:style w:styleId='b'><w:basedOn "
+         "w:val='a3'/></w:style></w:styles>"},
+        {"word/numbering.xml",
+         "<w:numbering xmlns:w='w'><w:abstractNum w:abstractNumId='0'><w:lvl w:ilvl='0'><w:start "
+         "w:val='1'/><w:numFmt w:val='decimal'/><w:lvlText w:val='%1.'/></w:lvl><w:lvl w:ilvl='1'>"
+         "<w:start w:val='1'/><w:numFmt w:val='lowerLetter'/><w:lvlText w:val='%1.%2)'/></w:lvl>"
+         "</w:abstractNum><w:num w:numId='3'><w:abstractNumId w:val='0'/></w:num></w:numbering>"},
+        {"docProps/core.xml", "<c><dc:title>T</dc:title><dc:creator>Ann</dc:creator></c>"},
+    };
+    const struct {
+        const char* what;
+        std::string body;
+        const char* text;
+    } cases[] = {
+        {"formatting that was hidden before a change",
+         Paragraph(RunOf("seen", "<w:rPrChange><w:rPr><w:vanish/></w:rPr></w:rPrChange>")), "seen"},
+        {"text box in a sentence",
+         Paragraph(RunOf("a fig") + "<w:r><w:txbxContent>" + Paragraph(RunOf("Figure 1")) +
+                   Paragraph(RunOf("more")) + "</w:txbxContent></w:r>" + RunOf("ure. End")),
+         "a figure. End\n\nFigure 1\n\nmore"},
+        {"drop capital",
+         Paragraph(RunOf("T"), "<w:framePr w:dropCap='drop'/>") + Paragraph(RunOf("here it is")),
+         "There it is"},
+        {"footnote and picture",
+         Paragraph(RunOf("text") + "<w:r><w:footnoteReference w:id='2'/></w:r>" + RunOf(" on") +
+                   "<w:drawing><docPr name='x' descr='a cat'/></w:drawing>") +
+             Paragraph(RunOf("next")),
+         "text on Picture: a cat\n\nNote: the note\n\nnext"},
+        {"numbers",
+         NumberedItem("a", 0) + NumberedItem("b", 1) + NumberedItem("c", 1) + NumberedItem("d", 0) +
+             NumberedItem("e", 1),
+         "1. a\n\n1.a) b\n\n1.b) c\n\n2. d\n\n2.a) e"},
+        {"formula",
+         Paragraph(
+             RunOf("So ") +
+             "<m:oMath><m:r><m:t>E=m</m:t></m:r><m:sSup><m:e><m:r><m:t>c</m:t></m:r></m:e><m:sup>"
+             "<m:r><m:t>2</m:t></m:r></m:sup></m:sSup></m:oMath>" +
+             RunOf(".")),
+         "So E=m c²."},
+        {"reference and power",
+         Paragraph(RunOf("word") + RunOf("2", "<w:vertAlign w:val='superscript'/>") + RunOf(" m") +
+                   RunOf("2", "<w:vertAlign w:val='superscript'/>")),
+         "word m²"},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(ReadDocument(DocxWith(item.body, notes)).text, item.text) << item.what;
+
+    const Document document =
+        ReadDocument(DocxWith(Paragraph(RunOf("Head"), "<w:pStyle w:val='b'/>") +
+                                  Paragraph(RunOf("ja", "<w:lang w:val='de-DE'/>") + RunOf(" no")),
+                              notes));
+    EXPECT_EQ(document.title + document.author, "TAnn");
+    ASSERT_EQ(document.headings.size(), 1U);
+    EXPECT_EQ(document.headings[0].level, 2);
+    EXPECT_EQ(document.headings[0].end, 4U);
+    ASSERT_EQ(document.languages.size(), 3U);
+    EXPECT_EQ(document.languages[1].tag, "de-DE");
+}
+
+TEST(Office, NoWordOfAnOdtIsLost) {
+    const struct {
+        const char* what;
+        std::string body;
+        const char* text;
+    } cases[] = {
+        {"note and text box",
+         "<text:p>text<text:note><text:note-citation>1</text:note-citation><text:note-body><text:p>"
+         "the note</text:p></text:note-body></text:note> goes<draw:frame><svg:title>a "
+         "cat</svg:title>"
+         "<draw:text-box><text:p>Figure 1</text:p></draw:text-box></draw:frame> on</text:p>"
+         "<text:p>next</text:p>",
+         "text goes Picture: a cat on\n\nNote: the note\n\nFigure 1\n\nnext"},
+        {"numbers",
+         "<text:list-style style:name='L'><text:list-level-style-number text:level='1' "
+         "style:num-format='1' style:num-suffix='.'/><text:list-level-style-number text:level='2' "
+         "style:num-format='a' style:num-suffix=')' text:start-value='2'/></text:list-style>"
+         "<text:list text:style-name='L'><text:list-item><text:p>a</text:p><text:p>on</text:p>"
+         "<text:list><text:list-item><text:p>b</text:p></text:list-item></text:list>"
+         "</text:list-item><text:list-item><text:p>c</text:p></text:list-item></text:list>",
+         "1. a\n\non\n\nb) b\n\n2. c"},
+        {"formula", "<text:p>So <math><msup><mi>c</mi><mn>2</mn></msup></math></text:p>", "So c²"},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(ReadDocument(OdtXmlOf(item.body)).text, item.text) << item.what;
+
+    const std::string head = "<office:document xmlns:text='t'><office:body>";
+    const Document odt = ReadDocument(ZipOf(
+        {{"content.xml", head + "<text:h text:outline-level='3'>Head</text:h><text:p>x "
+                                "<draw:object xlink:href='./Object 1'/></text:p></office:body>"
+                                "</office:document>"},
+         {"Object 1/content.xml", "<math><mi>a</mi><mo>=</mo><mi>b</mi></math>"},
+         {"styles.xml",
+          "<s><style:default-style style:family='paragraph'><style:text-properties "
+          "fo:language='cs' fo:country='CZ'/></style:default-style></s>"},
+         {"meta.xml", "<m><dc:title>T</dc:title></m>"}}));
+    EXPECT_EQ(odt.text, "Head\n\nx a = b");
+    EXPECT_EQ(odt.title, "T");
+    EXPECT_EQ(odt.headings.at(0).level, 3);
+    EXPECT_EQ(odt.languages.at(0).tag, "cs-CZ");
+}
+
+TEST(Office, SlidesAreReadInOrderWithTheirTitlesAsHeadings) {
+    const auto slide = [](const std::string& title, const std::string& text) {
+        return "<p:sld xmlns:p='p' xmlns:a='a'><p:sp><p:nvPr><p:ph "
+               "type='title'/></p:nvPr><a:p><a:r>"
+               "<a:t>" +
+               title + "</a:t></a:r></a:p></p:sp><p:sp><a:p><a:t>" + text +
+               "</a:t></a:p><a:p><a:t>more</a:t></a:p></p:sp><p:sp><p:ph type='sldNum'/><a:p><a:t>9"
+               "</a:t></a:p></p:sp></p:sld>";
+    };
+    const Document pptx = ReadDocument(
+        ZipOf({{"ppt/slides/slide1.xml", slide("B", "two")},
+               {"ppt/slides/slide2.xml", slide("A", "one")},
+               {"ppt/presentation.xml",
+                "<p:p xmlns:p='p' xmlns:r='r'><p:sldId id='256' r:id='r2'/><p:sldId id='257' "
+                "r:id='r1'/></p:p>"},
+               {"ppt/_rels/presentation.xml.rels",
+                "<R><Relationship Id='r1' Target='slides/slide1.xml'/><Relationship Id='r2' "
+                "Target='/ppt/slides/slide2.xml'/></R>"}}));
+    EXPECT_EQ(pptx.text, "A\n\none\n\nmore\n\nB\n\ntwo\n\nmore");
+    EXPECT_EQ(pptx.headings.size(), 2U);
+    EXPECT_EQ(pptx.pages.size(), 2U);
+
+    const Document odp = ReadDocument(
+        ZipOf({{"content.xml",
+                "<d><office:body><draw:page><draw:frame presentation:class='title'><draw:text-box>"
+                "<text:p>A</text:p></draw:text-box></draw:frame><draw:frame><draw:text-box><text:p>"
+                "one</text:p></draw:text-box></draw:frame><presentation:notes><text:p>no</text:p>"
+                "</presentation:notes></draw:page></office:body></d>"}}));
+    EXPECT_EQ(odp.text, "A\n\none");
+    EXPECT_EQ(odp.headings.size(), 1U);
+}
+
+}  // namespace
