@@ -1,7 +1,5 @@
 #include "app/main_dialog.h"
 
-#include <gdk/gdkkeysyms.h>
-
 #include <iterator>
 
 #include "app/commands/command_numbers.h"
@@ -18,7 +16,6 @@
 #include "foundation/hosts.h"
 #include "gui/accessible.h"
 #include "gui/control_factory.h"
-#include "gui/icon_numbers.h"
 #include "gui/message_box.h"
 
 namespace {
@@ -58,6 +55,9 @@ MainDialog::MainDialog()
       troubles_(narrator_, {.parent = [this] { return player_.BoxParent(); },
                             .noVoice = [this] { ShowNoSpeechEngine(); },
                             .cannotPlay = RunMachineCheckWithoutCard}),
+      playback_(narrator_, commands_,
+                {.read = [this] { Read(TextPane::Extent::kAll); },
+                 .tell = [this](const char* text) { TellStatusText(text); }}),
       readingStatus_(narrator_,
                      {.show = [this](const char* text) { SetStatusText(text); },
                       .tell = [this](const char* text) { TellStatusText(text); }},
@@ -256,7 +256,7 @@ void MainDialog::KeepFocus() {
 
 CommandNeeds MainDialog::Available() {
     return text_.Available() | (selection_.HasText() ? kNeedsSelection : 0) |
-           (!text_.IsEmpty() || narrator_.IsReading() ? kNeedsTextOrReading : 0);
+           playback_.Available(!text_.IsEmpty());
 }
 
 void MainDialog::Command(int command) {
@@ -284,17 +284,21 @@ bool MainDialog::EvKeyDown(unsigned int key) {
     firstMoments_.EndSplash();
     if (text_.EvKeyDown(key))
         return true;
-    if (IsEntrysKey(key))
-        return false;
-    if (key == GDK_Escape && narrator_.IsReading()) {
-        narrator_.Stop();
-        return true;
-    }
-    return LMainWindow::EvKeyDown(key);
+    // Undoing in a field would otherwise empty the text box behind it.
+    const bool inEntry = GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(Widget())));
+    return commands_.LeavesKey(key, inEntry) ? GiveKeyToFocus() : LMainWindow::EvKeyDown(key);
 }
 
-// Undoing in a field would otherwise empty the text box behind it.
-bool MainDialog::IsEntrysKey(LKeyCode key) const {
-    return GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(Widget()))) &&
-           commands_.Facts(CommandOfKey(commands_.Keys(), key)).edits;
+// Past the menus: an item that shows the key would take it and do nothing.
+bool MainDialog::GiveKeyToFocus() {
+    GdkEvent* event = gtk_get_current_event();
+    if (event == nullptr)
+        return false;
+    // The player passes its keys on, which are none of this window's fields.
+    const bool isOwn = event->type == GDK_KEY_PRESS && gdk_window_get_toplevel(event->key.window) ==
+                                                           gtk_widget_get_window(Widget());
+    const bool isTaken =
+        isOwn && gtk_window_propagate_key_event(GTK_WINDOW(Widget()), &event->key) != FALSE;
+    gdk_event_free(event);
+    return isTaken;
 }

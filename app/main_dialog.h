@@ -17,6 +17,7 @@
 #include "app/voice_choice.h"
 #include "app/window/first_moments.h"
 #include "app/window/keyboard_wait.h"
+#include "app/window/playback_commands.h"
 #include "app/window/presence.h"
 #include "desktop/desktop_shortcut.h"
 #include "gui/gui_timer.h"
@@ -97,8 +98,8 @@ private:
     void EvFilesDropped(const std::vector<std::string>& paths);
     static bool ShowsCommandBar();
     void KeepFocus();
+    bool GiveKeyToFocus();
     void Minimise();
-    bool IsEntrysKey(LKeyCode key) const;
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();
     void EvTextChanged();
@@ -119,6 +120,7 @@ private:
     ReadingPlayer player_;
     ReadingWaitBox waitBox_;
     ReadingTroubles troubles_;
+    PlaybackCommands playback_;
     ReadingStatus readingStatus_;
     Narrator::Subscription reading_;
     bool saving_ = false;   // its dialogs handle events

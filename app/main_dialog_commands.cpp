@@ -104,6 +104,7 @@ void MainDialog::AddCommands() {
     };
     commands_.Add(*this, kRows);
     text_.AddCommands(commands_);
+    playback_.AddCommands();
     commands_.AddRange(kRecentFile, kLastRecentFile, [this](int command) {
         OpenRecentFile(static_cast<std::size_t>(command - kRecentFile));
     });

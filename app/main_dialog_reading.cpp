@@ -8,6 +8,7 @@
 #include "app/main_dialog.h"
 #include "app/save_speech.h"
 #include "app/settings_keys.h"
+#include "gui/icon_numbers.h"
 
 void MainDialog::Read(TextPane::Extent extent) {
     if (saving_ || loading_)
@@ -97,9 +98,16 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
 void MainDialog::EvReading(const ReadingNews& news) {
     if (!news.IsNew() || !IsOpen())
         return;
-    if (IsReading(news.state) && news.state != ReadingState::kPaused)
+    const bool isPaused = news.state == ReadingState::kPaused;
+    if (IsReading(news.state) && !isPaused)
         SetCoolButtonDown(kReadButton);
     else
         SetCoolButtonUp(kReadButton);
+    if (isPaused)
+        presence_.ShowState(kTrayPausedIcon, "Lectora: paused");
+    else if (IsReading(news.state))
+        presence_.ShowState(kTrayReadingIcon, "Lectora: reading aloud");
+    else
+        presence_.ShowState(kTrayIcon, "Lectora");
     EnableControls();
 }

@@ -4,6 +4,8 @@
 enum LIconNumber {
     kAppIconNumber = 1,  // the program's own icon, worn by its windows and message boxes
     kTrayIcon = 2,
+    kTrayReadingIcon = 3,
+    kTrayPausedIcon = 4,
 
     kErrorIcon = 5,  // status log
     kWarningIcon = 6,

@@ -207,6 +207,7 @@ MixerResult LPlayerTransport::SetVolume(LDB volume) {
 
 void LPlayerTransport::SetTempo(int percent) {
     tempo_->Set(percent);
+    Tell(LPlayerChange::kTempo);
 }
 
 LSoundTime LPlayerTransport::Length() const {

@@ -26,6 +26,7 @@ enum class LPlayerChange {
     kStopped,  // by the user
     kEnded,    // by itself: at the end, in trouble, or with a wind that had begun in silence
     kRoute,    // the way that the sound takes
+    kTempo,
 };
 
 class LPlayerTransport : private LSoundPlayerNotify {

@@ -35,6 +35,13 @@ enum CommandNumber {
     kTextChanged = 1111,
     kSaveSelectionOfWindow = 1222,
     kReadSelectionOrStop = 1301,  // the hotkey's
+    kPlayOrPause = 1311,
+    kStopReading = 1312,
+    kPreviousSentence = 1313,
+    kRepeatSentence = 1314,
+    kNextSentence = 1315,
+    kFaster = 1316,
+    kSlower = 1317,
     kUndo = 1401,
     kRedo = 1402,
     kFind = 1403,

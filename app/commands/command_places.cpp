@@ -55,6 +55,17 @@ constexpr LMenuItem kMenuBar[] = {
     Item(kSmallerText),
     Item(kNormalText),
     kEnd,
+    {-1, "&Playback"},
+    Item(kPlayOrPause),
+    Item(kStopReading),
+    kSeparator,
+    Item(kPreviousSentence),
+    Item(kRepeatSentence),
+    Item(kNextSentence),
+    kSeparator,
+    Item(kFaster),
+    Item(kSlower),
+    kEnd,
     {-1, "&Tools"},
     Item(kOptions),
     kEnd,
@@ -112,6 +123,12 @@ constexpr LMenuItem kTrayMenu[] = {
     kSeparator,
     {kCommandClose, "Close to Tray"},
     {kCommandExit, "Exit (Hot Keys Off)"},
+};
+
+// Above the others while something is read.
+constexpr LMenuItem kTrayReading[] = {
+    Item(kPlayOrPause),      Item(kStopReading),  kSeparator,
+    Item(kPreviousSentence), Item(kNextSentence), kSeparator,
 };
 
 struct BarItem {
@@ -276,6 +293,10 @@ void CommandPlaces::DropDown(int command) {
 
 void CommandPlaces::PopupTrayMenu() {
     std::vector<LMenuItem> rows = Labelled(kTrayMenu, commands_);
+    if (commands_.CanAct(kStopReading)) {
+        const std::vector<LMenuItem> reading = Labelled(kTrayReading, commands_);
+        rows.insert(rows.begin(), reading.begin(), reading.end());
+    }
     std::vector<std::string> texts;  // which the rows point into
     texts.reserve(rows.size());
     for (LMenuItem& row : rows) {

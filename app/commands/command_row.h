@@ -14,6 +14,9 @@ constexpr CommandNeeds kNeedsSelection = 1u << 1;      // in any program, or on 
 constexpr CommandNeeds kNeedsTextOrReading = 1u << 2;  // starts a reading or ends it
 constexpr CommandNeeds kNeedsUndo = 1u << 3;
 constexpr CommandNeeds kNeedsRedo = 1u << 4;
+constexpr CommandNeeds kNeedsReading = 1u << 5;
+constexpr CommandNeeds kNeedsSound = 1u << 6;        // a reading that is heard, or paused
+constexpr CommandNeeds kNeedsTextOrSound = 1u << 7;  // to be played
 
 // A number of 0, a null text, a key of 0 stand for none.
 struct CommandFacts {
@@ -25,7 +28,8 @@ struct CommandFacts {
     int icon = 0;
     std::array<LKeyCode, 4> keys{};  // the first is shown
     CommandNeeds needs = 0;
-    bool edits = false;  // the text box; an entry that has the keyboard keeps the key for itself
+    bool sharesKeys = false;     // somebody else gets them while the command cannot act
+    bool leavesEntries = false;  // to an entry that has the keyboard its keys mean something else
 };
 
 // Of a part of the window; what it does is a member function of that part.

@@ -14,6 +14,9 @@ constexpr struct {
     {kNeedsTextOrReading, "There is no text yet."},
     {kNeedsUndo, "There is nothing to undo."},
     {kNeedsRedo, "There is nothing to redo."},
+    {kNeedsReading, "Nothing is being read."},
+    {kNeedsSound, "Nothing is being read."},
+    {kNeedsTextOrSound, "There is nothing to play yet."},
 };
 
 }  // namespace
@@ -75,6 +78,15 @@ bool CommandSet::Run(int command) {
     return false;
 }
 
+bool CommandSet::CanAct(int command) const {
+    return (Facts(command).needs & ~available_()) == 0;
+}
+
+bool CommandSet::LeavesKey(LKeyCode key, bool inEntry) const {
+    const CommandFacts& facts = Facts(CommandOfKey(keys_, key));
+    return (facts.leavesEntries && inEntry) || (facts.sharesKeys && !CanAct(facts.number));
+}
+
 void CommandSet::Refresh() {
     const CommandNeeds available = available_();
     for (Entry& entry : entries_)
@@ -90,4 +102,12 @@ void CommandSet::AddProxy(int command, GtkWidget* widget, LAction::WhenOff whenO
 void CommandSet::Check(int command, bool checked) {
     if (Entry* entry = Find(entries_, command))
         entry->action.SetChecked(checked);
+}
+
+void CommandSet::Rename(int command, const char* label) {
+    Entry* entry = Find(entries_, command);
+    if (entry == nullptr)
+        return;
+    entry->facts.label = label;
+    entry->action.SetLabel(label);
 }

@@ -30,6 +30,9 @@ public:
     // have no other way to show it. Whether there is a selection its owner tells late: what needs
     // one looks for itself.
     bool Run(int command);
+    bool CanAct(int command) const;
+    // Whether the key is none of a command's just now; inEntry: an entry has the keyboard.
+    bool LeavesKey(LKeyCode key, bool inEntry) const;
     // Shows in all places what can act now; called whenever that may have changed.
     void Refresh();
 
@@ -41,6 +44,7 @@ public:
     // The widget shows the command's state until it is destroyed. Null or unknown: nothing.
     void AddProxy(int command, GtkWidget* widget, LAction::WhenOff whenOff);
     void Check(int command, bool checked);
+    void Rename(int command, const char* label);  // in menus, those made later too; not copied
 
 private:
     struct Entry {

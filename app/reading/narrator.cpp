@@ -161,6 +161,7 @@ void Narrator::EvChange(LPlayerChange change) {
             break;
         case LPlayerChange::kItem:
         case LPlayerChange::kLevels:
+        case LPlayerChange::kTempo:
             break;
     }
 }

@@ -29,6 +29,9 @@ public:
     // Asks whether to go on in the background, and does so after a yes. True ends the program.
     bool AskToEnd();
 
+    // The icon's picture and what it says.
+    void ShowState(int imageNumber, const char* tooltip) { tray_.Show(imageNumber, tooltip); }
+
 private:
     static constexpr int kKeepAliveTimer = 1;
     static constexpr unsigned int kKeepAliveMilliseconds = 10000;

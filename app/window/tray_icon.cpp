@@ -94,12 +94,29 @@ void TrayIcon::CreatePlug() {
     gtk_widget_set_size_request(plug_, kIconSize, kIconSize);
     gtk_widget_realize(plug_);
     gtk_window_set_title(GTK_WINDOW(plug_), "TrayIcon");
-    gtk_container_add(GTK_CONTAINER(plug_), NewIconImageAt(imageNumber_, 16));
-    gtk_widget_set_tooltip_text(plug_, tooltip_.c_str());
+    ShowPicture();
     gtk_widget_add_events(plug_, GDK_BUTTON_PRESS_MASK);
     g_signal_connect(plug_, "button-press-event", G_CALLBACK(GSButtonDownNotify), this);
     g_signal_connect(plug_, "destroy", G_CALLBACK(GCPlugDestroyed), this);
     gtk_widget_show_all(plug_);
+}
+
+void TrayIcon::Show(int imageNumber, const char* tooltip) {
+    if (imageNumber == imageNumber_ && tooltip == tooltip_)
+        return;
+    imageNumber_ = imageNumber;
+    tooltip_ = tooltip;
+    if (plug_ != nullptr)
+        ShowPicture();
+}
+
+void TrayIcon::ShowPicture() {
+    if (GtkWidget* old = gtk_bin_get_child(GTK_BIN(plug_)))
+        gtk_widget_destroy(old);
+    GtkWidget* picture = NewIconImageAt(imageNumber_, 16);
+    gtk_container_add(GTK_CONTAINER(plug_), picture);
+    gtk_widget_show(picture);
+    gtk_widget_set_tooltip_text(plug_, tooltip_.c_str());
 }
 
 void TrayIcon::Remove() {

@@ -18,6 +18,8 @@ public:
     TrayIcon& operator=(const TrayIcon&) = delete;
 
     void Add(int imageNumber, const char* tooltip);  // needs a display; once
+    // Another picture and tooltip from now on.
+    void Show(int imageNumber, const char* tooltip);
     void Remove();
     bool IsDocked() const;  // whether a tray shows it now
     // A short message at the icon, in a tray that shows such; UTF-8. Nothing tells whether it does.
@@ -25,6 +27,7 @@ public:
 
 private:
     void CreatePlug();
+    void ShowPicture();
     void DockToSysTray();
     void WatchForTrays();
     void EvRootEvent(GdkXEvent* xevent);

@@ -165,7 +165,6 @@ void LPlayerBaseDlg::SetVolume(LDB volume) {
 
 void LPlayerBaseDlg::ChangeTempo(int percent) {
     transport_.SetTempo(percent);
-    ShowTempo();
 }
 
 bool LPlayerBaseDlg::CmSpace() {

@@ -19,6 +19,9 @@ void LPlayerBaseDlg::EvChange(LPlayerChange change) {
         case LPlayerChange::kRoute:
             ShowRoute();
             break;
+        case LPlayerChange::kTempo:
+            ShowTempo();
+            break;
         case LPlayerChange::kPlays:
         case LPlayerChange::kPaused:
         case LPlayerChange::kStopped:

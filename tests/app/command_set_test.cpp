@@ -17,6 +17,12 @@ constexpr CommandRow<Pane> kRows[] = {
     {{.number = 1019, .also = {1008}, .keys = {kKeyControl | GDK_B}, .needs = kNeedsSelection},
      &Pane::Fetch},
     {{.number = 1021, .tip = "Settings"}, &Pane::Fetch},
+    {{.number = 1313,
+      .keys = {kKeyControl | GDK_Left},
+      .needs = kNeedsSound,
+      .sharesKeys = true,
+      .leavesEntries = true},
+     &Pane::Fetch},
 };
 
 TEST(CommandSetTest, WhatCannotActSaysWhyAndNumbersOfOneCommandAreAlike) {
@@ -40,6 +46,20 @@ TEST(CommandSetTest, WhatCannotActSaysWhyAndNumbersOfOneCommandAreAlike) {
     EXPECT_EQ(1019, CommandOfKey(commands.Keys(), kKeyControl | GDK_B));
     EXPECT_EQ(kKeyControl | GDK_B, KeyOfCommand(commands.Keys(), 1008)) << "a menu shows it";
     EXPECT_EQ(0u, KeyOfCommand(commands.Keys(), 0));
+}
+
+TEST(CommandSetTest, ASharedKeyIsTheCommandsOnlyWhileItCanActOutsideOfEntries) {
+    Pane pane;
+    CommandNeeds available = 0;
+    CommandSet commands([&] { return available; }, nullptr);
+    commands.Add(pane, kRows);
+    constexpr LKeyCode kBack = kKeyControl | GDK_Left;
+    EXPECT_TRUE(commands.LeavesKey(kBack, false));
+    available = kNeedsSound;
+    EXPECT_FALSE(commands.LeavesKey(kBack, false));
+    EXPECT_TRUE(commands.LeavesKey(kBack, true));
+    EXPECT_FALSE(commands.LeavesKey(kKeyControl | GDK_Z, false)) << "it says why it cannot act";
+    EXPECT_FALSE(commands.LeavesKey(GDK_X, true)) << "of no command";
 }
 
 }  // namespace

@@ -1,0 +1,92 @@
+#include "app/window/playback_commands.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <string>
+#include <utility>
+
+#include "app/commands/command_numbers.h"
+
+PlaybackCommands::PlaybackCommands(Narrator& narrator, CommandSet& commands, Listener listener)
+    : narrator_(narrator),
+      commands_(commands),
+      listener_(std::move(listener)),
+      news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
+
+void PlaybackCommands::AddCommands() {
+    // Ctrl with an arrow moves by words and paragraphs while nothing is heard.
+    static constexpr CommandRow<PlaybackCommands> kRows[] = {
+        {{.number = kPlayOrPause, .label = "&Play", .keys = {GDK_F9}, .needs = kNeedsTextOrSound},
+         &PlaybackCommands::CmPlayOrPause},
+        {{.number = kStopReading,
+          .label = "&Stop",
+          .keys = {GDK_Escape},
+          .needs = kNeedsReading,
+          .sharesKeys = true},
+         &PlaybackCommands::CmStop},
+        {{.number = kPreviousSentence,
+          .label = "Pre&vious Sentence",
+          .keys = {kKeyControl | GDK_Left},
+          .needs = kNeedsSound,
+          .sharesKeys = true,
+          .leavesEntries = true},
+         &PlaybackCommands::CmPreviousSentence},
+        {{.number = kRepeatSentence,
+          .label = "&Repeat Sentence",
+          .keys = {kKeyControl | GDK_Down},
+          .needs = kNeedsSound,
+          .sharesKeys = true,
+          .leavesEntries = true},
+         &PlaybackCommands::CmRepeatSentence},
+        {{.number = kNextSentence,
+          .label = "&Next Sentence",
+          .keys = {kKeyControl | GDK_Right},
+          .needs = kNeedsSound,
+          .sharesKeys = true,
+          .leavesEntries = true},
+         &PlaybackCommands::CmNextSentence},
+        {{.number = kFaster,
+          .label = "&Faster",
+          .keys = {kKeyAlt | GDK_Page_Up},
+          .needs = kNeedsReading},
+         &PlaybackCommands::CmFaster},
+        {{.number = kSlower,
+          .label = "Slo&wer",
+          .keys = {kKeyAlt | GDK_Page_Down},
+          .needs = kNeedsReading},
+         &PlaybackCommands::CmSlower},
+    };
+    commands_.Add(*this, kRows);
+}
+
+bool PlaybackCommands::CanBeHeard() const {
+    return narrator_.State() == ReadingState::kPlaying ||
+           narrator_.State() == ReadingState::kPaused;
+}
+
+CommandNeeds PlaybackCommands::Available(bool hasText) const {
+    const bool isReading = narrator_.IsReading();
+    return (isReading ? kNeedsReading : 0) | (CanBeHeard() ? kNeedsSound : 0) |
+           (CanBeHeard() || (hasText && !isReading) ? kNeedsTextOrSound : 0) |
+           (hasText || isReading ? kNeedsTextOrReading : 0);
+}
+
+void PlaybackCommands::CmPlayOrPause() {
+    if (narrator_.IsReading())
+        narrator_.TogglePause();
+    else
+        listener_.read();
+}
+
+void PlaybackCommands::ChangeSpeed(int percent) {
+    narrator_.SetTempo(narrator_.TempoPercent() + percent);
+    const std::string speed = std::to_string(narrator_.TempoPercent());
+    listener_.tell(("Reading speed: " + speed + " %").c_str());
+}
+
+void PlaybackCommands::Hear(const ReadingNews& news) {
+    if (!news.IsNew())
+        return;
+    const bool isHeard = IsReading(news.state) && news.state != ReadingState::kPaused;
+    commands_.Rename(kPlayOrPause, isHeard ? "&Pause" : "&Play");
+}
