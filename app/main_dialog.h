@@ -73,7 +73,7 @@ private:
 
     // Reads text of the text box aloud; not while a save or a loading is under way, whose dialogs
     // pump events.
-    void Read(TextPane::Extent extent);
+    void Read(TextPane::Extent extent, const std::string& title = "");
     void SaveText(const std::string& text, int voice);
     QueuedText::Begun ReadWaitingFile(const std::string& path);
 

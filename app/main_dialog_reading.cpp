@@ -10,7 +10,7 @@
 #include "app/settings_keys.h"
 #include "gui/icon_numbers.h"
 
-void MainDialog::Read(TextPane::Extent extent) {
+void MainDialog::Read(TextPane::Extent extent, const std::string& title) {
     if (saving_ || loading_)
         return;
     GtkTextIter start;
@@ -22,7 +22,7 @@ void MainDialog::Read(TextPane::Extent extent) {
                    gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE);
     // The engine may be slow to wake up, or have been installed since the program was started.
     const int voice = voices_.Chosen();
-    narrator_.Read(std::move(text), voice, "");
+    narrator_.Read(std::move(text), voice, title);
     if (kFollowTextSetting.Get())
         text_.Highlight().Begin(start);
     else
@@ -71,7 +71,7 @@ QueuedText::Begun MainDialog::ReadWaitingFile(const std::string& path) {
         return QueuedText::Begun::kNotNow;
     if (!LoadFile(path.c_str(), FileFrom::kArguments))
         return QueuedText::Begun::kFailed;
-    Read(TextPane::Extent::kAll);
+    Read(TextPane::Extent::kAll, path.substr(path.rfind('/') + 1));
     return narrator_.IsReading() ? QueuedText::Begun::kYes : QueuedText::Begun::kFailed;
 }
 
@@ -92,7 +92,7 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
     if (!saving_ && !loading_)
         narrator_.Stop();
     for (const std::string& path : files)
-        narrator_.Queue({.title = path, .begin = [this, path] { return ReadWaitingFile(path); }});
+        narrator_.Queue({.begin = [this, path] { return ReadWaitingFile(path); }});
 }
 
 void MainDialog::EvReading(const ReadingNews& news) {

@@ -84,7 +84,7 @@ void Narrator::EndAll() {
 void Narrator::Read(std::string text, int voice, std::string title) {
     EndAll();
     nextText_.Stop();
-    info_.SetReading(nullptr, "");
+    info_.SetReading(nullptr, "", "");
     text_ = std::move(text);
     title_ = std::move(title);
     if (voice == kVoiceUnknown)
@@ -105,7 +105,7 @@ void Narrator::SetVoice(int voice) {
 void Narrator::BeginSpeech(int voice) {
     info_.SetReading(std::make_unique<SpeechReading>(std::exchange(text_, {}), voice, soundPath_,
                                                      ReadingUse::kListening),
-                     VoiceAt(voice).title);
+                     VoiceAt(voice).title, title_);
     isFailureTold_ = false;
     info_.Reading()->Start();
     firstSound_.Start(info_.Reading()->FirstSound(), [this] { EvFirstSound(); });
@@ -127,7 +127,7 @@ void Narrator::EvFirstSound() {
 
 void Narrator::Forget() {
     EndAll();
-    info_.SetReading(nullptr, "");
+    info_.SetReading(nullptr, "", "");
     KeepSettings();
     Enter(ReadingState::kIdle);
 }

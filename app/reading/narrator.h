@@ -52,7 +52,6 @@ struct ReadingNews {
 // A text that waits for its turn.
 struct QueuedText {
     enum class Begun { kYes, kFailed, kNotNow };
-    std::string title;
     // Reads it (Narrator::Read), or says why it does not; called from the main loop.
     std::function<Begun()> begin;
 };
@@ -73,14 +72,13 @@ public:
     bool IsReading() const { return ::IsReading(state_); }
 
     // Ends what is read and reads the text (UTF-8) from its start. With an unknown voice it waits
-    // for SetVoice.
+    // for SetVoice. title: what the text is called, empty when it has no name.
     void Read(std::string text, int voice, std::string title);
     // The voice that a waiting reading takes; kVoiceUnknown ends it: there is none.
     void SetVoice(int voice);
     // Stop is the user's, and forgets the queue as well; what was spoken can be heard again. Then
     // there is no text either: the engine is ended, and what the user set is kept.
     void Forget();
-    const std::string& Title() const { return title_; }
 
     // The texts that wait begin one after the other, whenever nothing is being read; trouble drops
     // them.

@@ -2,9 +2,11 @@
 
 #include <utility>
 
-void ReadingInfo::SetReading(std::unique_ptr<SpeechReading> reading, std::string voiceName) {
+void ReadingInfo::SetReading(std::unique_ptr<SpeechReading> reading, std::string voiceName,
+                             std::string title) {
     reading_ = std::move(reading);
     voiceName_ = std::move(voiceName);
+    title_ = std::move(title);
     rate_ = 0;
 }
 
@@ -15,7 +17,7 @@ void ReadingInfo::OpenSource(LSoundSource& source) {
 }
 
 std::string ReadingInfo::ItemText() const {
-    return "speech.wav";
+    return title_.empty() ? "speech.wav" : title_;
 }
 
 LSoundTime ReadingInfo::EstimatedLength() const {

@@ -14,7 +14,8 @@ public:
     explicit ReadingInfo(std::function<bool()> hasNext) : hasNext_(std::move(hasNext)) {}
 
     // From now on; null for none.
-    void SetReading(std::unique_ptr<SpeechReading> reading, std::string voiceName);
+    void SetReading(std::unique_ptr<SpeechReading> reading, std::string voiceName,
+                    std::string title);
     SpeechReading* Reading() const { return reading_.get(); }
 
     int Frame(LSoundTime time) const { return time.ToFrames(rate_); }
@@ -31,5 +32,6 @@ private:
     const std::function<bool()> hasNext_;
     std::unique_ptr<SpeechReading> reading_;
     std::string voiceName_;
+    std::string title_;
     int rate_ = 0;  // frames a second, once there is sound
 };

@@ -53,9 +53,13 @@ class PlayerTest(DesktopCase):
         desktop.wait_until(lambda: lectora.highlighted().strip() == SENTENCES[1], "the sentence")
         desktop.press_keys("space")
         self.card.wait_for(stream, "close")
+        desktop.wait_until(lambda: lectora.status().startswith("Paused at 0:00:0"), "the pause in the status bar")
+        self.assertFalse(self.is_down(lectora))
         self.picture("player-paused")
-        desktop.press_keys("space")
+        lectora.press("toggle button", "Read Aloud")  # goes on
         stream = self.card.next_stream()
+        desktop.wait_until(lambda: lectora.status().startswith("Reading aloud"), "the status bar")
+        desktop.xdotool("windowactivate", "--sync", self.player())
         desktop.press_keys("ctrl+shift+r")  # the main window's key
         self.card.wait_for(stream, "close")
         stream = self.card.next_stream()

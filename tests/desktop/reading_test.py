@@ -40,6 +40,7 @@ class ReadingTest(DesktopCase):
             lectora.find("label", "Synthesizing Voice")
             self.picture("progress")
             cancel = lectora.find("push button", "Cancel")
+            self.assertIn("first sentence", lectora.status())
             pressed = time.monotonic()
             lectora.click(cancel)
             desktop.wait_until(lambda: len(lectora.windows()) == 1, "the dialog to go")

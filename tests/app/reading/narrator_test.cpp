@@ -132,10 +132,10 @@ TEST_F(NarratorTest, EndsForAReason) {
         });
         bool isQueueRead = false;
         narrator_->Read(kText, test.voice, "");
-        narrator_->Queue({"next", [&] {
-                              isQueueRead = true;
-                              return QueuedText::Begun::kFailed;
-                          }});
+        narrator_->Queue({[&] {
+            isQueueRead = true;
+            return QueuedText::Begun::kFailed;
+        }});
         narrator_->SetVoice(Narrator::kVoiceUnknown);
         ASSERT_TRUE(RunUntil([&] { return end.state == State::kEnded; }));
         EXPECT_EQ(end.end, test.end) << end.route << static_cast<int>(end.trouble);
@@ -207,11 +207,11 @@ TEST_F(NarratorTest, LosesNothingInAThousandRandomActs) {
         [&] { narrator_->NextItem(); },
         [&] { narrator_->Forget(); },
         [&] {
-            narrator_->Queue({"queued", [&] {
-                                  ++begun;
-                                  narrator_->Read("From the queue.", 0, "queued");
-                                  return QueuedText::Begun::kYes;
-                              }});
+            narrator_->Queue({[&] {
+                ++begun;
+                narrator_->Read("From the queue.", 0, "queued");
+                return QueuedText::Begun::kYes;
+            }});
         }};
     for (int act = 0; act < 1000; ++act) {
         acts[random() % std::size(acts)]();
