@@ -56,10 +56,8 @@ class PlayerTest(DesktopCase):
         desktop.wait_until(lambda: lectora.status().startswith("Paused at 0:00:0"), "the pause in the status bar")
         self.assertFalse(self.is_down(lectora))
         self.picture("player-paused")
-        lectora.press("toggle button", "Read Aloud")  # goes on
+        desktop.press_keys("space")
         stream = self.card.next_stream()
-        desktop.wait_until(lambda: lectora.status().startswith("Reading aloud"), "the status bar")
-        desktop.xdotool("windowactivate", "--sync", self.player())
         desktop.press_keys("ctrl+shift+r")  # the main window's key
         self.card.wait_for(stream, "close")
         stream = self.card.next_stream()
@@ -100,6 +98,18 @@ class PlayerTest(DesktopCase):
         self.card.wait_for(stream, "close")
         self.player(shown=False)
         desktop.wait_until(lambda: not self.is_down(lectora), "the button to come up")
+
+    def test_the_large_button_goes_on_after_a_pause(self):
+        lectora = self.start()
+        lectora.set_text(" ".join(SENTENCES))
+        lectora.press("toggle button", "Read Aloud")
+        stream = self.card.next_stream()
+        desktop.xdotool("windowactivate", "--sync", self.player(), "key", "ctrl+Right", "space")
+        desktop.wait_until(lambda: lectora.status().startswith("Paused at"), "the pause")
+        lectora.press("toggle button", "Read Aloud")
+        desktop.wait_until(lambda: self.is_down(lectora), "the button to go down")
+        self.card.wait_for(self.card.next_stream(), "start")
+        self.assertEqual(lectora.highlighted().strip(), SENTENCES[1])
 
     def test_a_hotkey_leaves_the_keyboard_to_the_other_program(self):
         self.give_keys((5 << 16 | ord("R"), 1))
