@@ -19,6 +19,14 @@ GtkWidget* NewComboBox() {
     return combo;
 }
 
+GtkWidget* NewProgressBar() {
+    GtkWidget* bar = gtk_progress_bar_new();
+    // Its accessible takes the adjustment that is there when it is made, and the first fraction
+    // makes one.
+    gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(bar), 0);
+    return bar;
+}
+
 LEditWidgets NewEdit(bool readOnly, GtkPolicyType verticalScrollBar) {
     LEditWidgets edit{gtk_scrolled_window_new(nullptr, nullptr), gtk_text_view_new()};
     GtkTextView* view = GTK_TEXT_VIEW(edit.textView);

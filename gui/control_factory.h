@@ -6,6 +6,7 @@
 // All return floating widgets, not yet shown.
 GtkWidget* NewDropDownList();  // text combo box, column 0 holds the text
 GtkWidget* NewComboBox();      // the same with an entry; typed text is allowed
+GtkWidget* NewProgressBar();   // whose value assistive programs can follow
 
 struct LEditWidgets {
     GtkWidget* scrolledWindow;  // to be packed

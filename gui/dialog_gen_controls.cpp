@@ -231,7 +231,7 @@ void LDialogGenContext::AddScrollBar(int id) {
 }
 
 void LDialogGenContext::AddProgressBar(int id) {
-    AddUnlabelled(gtk_progress_bar_new(), id);
+    AddUnlabelled(NewProgressBar(), id);
 }
 
 void LDialogGenContext::AddDBEdit(int id, const char* text) {

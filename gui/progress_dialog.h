@@ -6,6 +6,8 @@
 // held.
 #pragma once
 
+#include <string>
+
 #include "foundation/progress.h"
 #include "gui/dialog.h"
 
@@ -24,7 +26,7 @@ public:
     void SetFirstLabel(const char* text) override;
     void SetSecondLabel(const char* text) override;
     void SetFraction(double fraction) override;
-    // Also true when the main loop is asked to quit.
+    // Also true when the main loop is asked to quit, or the parent is gone.
     bool IsToStop() override;
     // In steps of 75 ms, during which events are handled as they come; running out of time is
     // kProcessFailed.
@@ -38,7 +40,9 @@ protected:
 private:
     static void GCStop(GtkDialog* dialog, gint response, gpointer host);
     static gboolean GCDelete(GtkWidget* widget, GdkEvent* event, gpointer host);
+    static void GCHidden(GtkWidget* widget, gpointer host);
     void Build(GtkWidget* parent);
+    void ShowFigures(double fraction);
     void Turn(bool wait);  // one turn of the main loop
     bool Pump();           // handles pending events; true once the work is to stop
     bool WaitStep(LSignalObjectRef signal);  // until signalled, 75 ms at most; true as Pump
@@ -48,8 +52,14 @@ private:
     GtkWidget* bar_ = nullptr;
     GtkWidget* firstLabel_ = nullptr;
     GtkWidget* secondLabel_ = nullptr;
-    bool stop_ = false;  // never cleared once set
+    GtkWidget* figures_ = nullptr;  // percent and time left
+    gint64 start_ = 0;              // microseconds, when the bar last stood at 0
+    bool stop_ = false;             // never cleared once set
 };
+
+// "about 2 minutes left" of work that took so many seconds for this fraction; empty while nobody
+// can know.
+std::string TimeLeftText(double fraction, double seconds);
 
 // Runs the request's Process under a progress dialog. The request must outlive the dialog.
 template <typename Request>

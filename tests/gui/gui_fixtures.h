@@ -12,6 +12,7 @@
 #include "foundation/gdk/gdk_lock.h"
 #include "gui/dialog.h"
 #include "gui/dialog_gen_context.h"
+#include "gui/gtk_children.h"
 #include "tests/support/window/main_loop.h"
 
 // Actions performed one after the other from timeouts, inside whatever main loop is running then.
@@ -92,6 +93,20 @@ inline GtkButton* ButtonOf(const LWindow& window, int id) {
 // As the Escape key does in a dialog that has the focus.
 inline void PressEscape(GtkWidget* window) {
     gtk_bindings_activate(GTK_OBJECT(window), GDK_KEY_Escape, GdkModifierType(0));
+}
+
+// The first widget of the type inside, at any depth, of which `is` holds; null when there is none.
+inline GtkWidget* FindChild(
+    GtkWidget* widget, GType type,
+    const std::function<bool(GtkWidget*)>& is = [](GtkWidget*) { return true; }) {
+    if (G_TYPE_CHECK_INSTANCE_TYPE(widget, type) && is(widget))
+        return widget;
+    GtkWidget* found = nullptr;
+    if (GTK_IS_CONTAINER(widget))
+        for (GtkWidget* child : LGtkChildren(widget))
+            if (found == nullptr)
+                found = FindChild(child, type, is);
+    return found;
 }
 
 // Gives the widget an event of its own window; `fill` says what is in it. True when it was handled.

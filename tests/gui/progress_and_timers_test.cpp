@@ -95,10 +95,10 @@ TEST(ProgressDialog, ParentMayGoAndTheMainLoopMayQuit) {
             EXPECT_FALSE(dialog.IsShown());
             dialog.SetFirstLabel("unheard");
             dialog.SetFraction(1);
-            return kProcessDone;
+            return dialog.IsToStop() ? kProcessStopped : kProcessDone;
         },
         parent);
-    EXPECT_EQ(gone, kProcessDone);
+    EXPECT_EQ(gone, kProcessStopped);
 
     LSignalObject never;
     LProcessResult quit = kProcessFailed;
@@ -109,6 +109,39 @@ TEST(ProgressDialog, ParentMayGoAndTheMainLoopMayQuit) {
     }});
     gtk_main();
     EXPECT_EQ(quit, kProcessStopped);
+}
+
+TEST(ProgressDialog, TellsItsFiguresAndAssistivePrograms) {
+    const LProcessResult told = RunWork([](LProgressDialog& dialog) {
+        GtkWidget* bar = FindChild(dialog.Widget(), GTK_TYPE_PROGRESS_BAR);
+        GtkAdjustment* value = nullptr;  // as the accessible finds it when it is made
+        g_object_get(bar, "adjustment", &value, nullptr);
+        if (value == nullptr)
+            return kProcessFailed;
+        dialog.SetFraction(0.42);
+        EXPECT_NEAR(gtk_adjustment_get_value(value), 42, 0.1);
+        g_object_unref(value);
+        EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(bar)), "Working");
+        const auto isFigures = [](GtkWidget* label) {
+            return g_strcmp0(gtk_label_get_text(GTK_LABEL(label)), "42 %") == 0;
+        };
+        EXPECT_NE(FindChild(dialog.Widget(), GTK_TYPE_LABEL, isFigures), nullptr);
+        return kProcessDone;
+    });
+    EXPECT_EQ(told, kProcessDone);
+    const struct {
+        double fraction, seconds;
+        const char* text;
+    } cases[] = {{0.5, 1, ""},
+                 {0.01, 60, ""},
+                 {1, 60, ""},
+                 {0.9, 9, "a few seconds left"},
+                 {0.5, 27, "about 30 seconds left"},
+                 {0.5, 57, "about 1 minute left"},
+                 {0.5, 600, "about 10 minutes left"},
+                 {0.1, 1200, "about 3 hours left"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(TimeLeftText(c.fraction, c.seconds), c.text);
 }
 
 struct TimerRecorder : LTimerHandler {
