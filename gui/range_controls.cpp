@@ -7,10 +7,35 @@
 
 namespace {
 
+constexpr const char* kSetByProgram = "sbset";
+
+// While it lives, the program changes the range, which is no news to it.
+class ProgramChange {
+public:
+    explicit ProgramChange(GtkRange* range) : range_(G_OBJECT(range)) {
+        g_object_set_data(range_, kSetByProgram, GINT_TO_POINTER(1));
+    }
+    ProgramChange(const ProgramChange&) = delete;
+    ProgramChange& operator=(const ProgramChange&) = delete;
+    ~ProgramChange() { g_object_set_data(range_, kSetByProgram, nullptr); }
+
+private:
+    GObject* range_;
+};
+
 gboolean GCDialogSBChangeValue(GtkRange* range, GtkScrollType, gdouble value, gpointer host) {
-    gtk_range_set_value(range, std::round(value));
+    {
+        const ProgramChange change(range);
+        gtk_range_set_value(range, std::round(value));
+    }
     DeliverStored(host, range, "sbchange");
     return TRUE;
+}
+
+// Assistive programs move a range without asking it to scroll.
+void GCRangeValueChanged(GtkRange* range, gpointer host) {
+    if (g_object_get_data(G_OBJECT(range), kSetByProgram) == nullptr)
+        GCDialogSBChangeValue(range, GTK_SCROLL_JUMP, gtk_range_get_value(range), host);
 }
 
 }  // namespace
@@ -19,6 +44,7 @@ void LRangeControls::SBSetRange(int id, int low, int high, int page) {
     auto* range = ControlAs<GtkRange>(id, GTK_TYPE_RANGE);
     if (range == nullptr)
         return;
+    const ProgramChange change(range);
     const int top = std::max(high, low);
     const int size = std::max(page, 1);
     gtk_range_set_increments(range, 1, size);
@@ -28,8 +54,10 @@ void LRangeControls::SBSetRange(int id, int low, int high, int page) {
 }
 
 void LRangeControls::SBSetPos(int id, int position) {
-    if (auto* range = ControlAs<GtkRange>(id, GTK_TYPE_RANGE))
+    if (auto* range = ControlAs<GtkRange>(id, GTK_TYPE_RANGE)) {
+        const ProgramChange change(range);
         gtk_range_set_value(range, position);
+    }
 }
 
 int LRangeControls::SBGetPos(int id) const {
@@ -39,6 +67,7 @@ int LRangeControls::SBGetPos(int id) const {
 
 void LRangeControls::TBSetRange(int id, int low, int high) {
     if (auto* range = ControlAs<GtkRange>(id, GTK_TYPE_RANGE)) {
+        const ProgramChange change(range);
         gtk_range_set_increments(range, 1, 1);
         gtk_adjustment_set_page_size(gtk_range_get_adjustment(range), 0);
         gtk_range_set_range(range, low, std::max(high, low));
@@ -87,5 +116,6 @@ void LRangeControls::HandleHSBChange(int id, int command) {
     if (auto* range = ControlAs<GtkRange>(id, GTK_TYPE_RANGE)) {
         StoreCommand(range, "sbchange", command, id);
         Connect(range, "change-value", G_CALLBACK(GCDialogSBChangeValue));
+        Connect(range, "value-changed", G_CALLBACK(GCRangeValueChanged));
     }
 }

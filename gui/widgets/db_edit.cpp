@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "gui/accessible.h"
 #include "gui/widgets/db_edit_paint.h"
@@ -82,6 +83,7 @@ void SetLevelByDB(GtkWidget* display, int level, EntryText text) {
 }
 
 void NotifyChanged(GtkWidget* display) {
+    Set(display, "iTold", Get(display, "iCurrentDB"));
     g_signal_emit_by_name(gtk_widget_get_parent(display), kVolumeChangeSignal,
                           Get(display, "iCurrentDB"));
 }
@@ -191,23 +193,36 @@ gboolean GCKeyPress(GtkWidget* display, GdkEventKey* event, gpointer) {
     return FALSE;
 }
 
-gboolean GCTextKeyRelease(GtkWidget* entry, GdkEventKey*, gpointer display) {
+// A text that says no level yet, as a lone sign, or an emptied entry, changes nothing.
+void TakeText(GtkWidget* entry, GtkWidget* display) {
+    const std::string_view text(gtk_entry_get_text(GTK_ENTRY(entry)));
+    if (text.find_first_of("0123456789") == std::string_view::npos && !text.starts_with("--"))
+        return;
     LDB level;
-    level.SetText(gtk_entry_get_text(GTK_ENTRY(entry)));
-    SetLevelByDB(GTK_WIDGET(display), level.Value(), EntryText::kStays);
+    level.SetText(text.data());
+    SetLevelByDB(display, level.Value(), EntryText::kStays);
+}
+
+void EndTyping(GtkWidget* entry, GtkWidget* display) {
+    TakeText(entry, display);
+    SetDBText(entry, LDB(Level(display)));
+}
+
+gboolean GCTextKeyRelease(GtkWidget* entry, GdkEventKey*, gpointer display) {
+    TakeText(entry, GTK_WIDGET(display));
     return FALSE;
 }
 
 gboolean GCTextFocusOut(GtkWidget* entry, GdkEventFocus*, gpointer display) {
-    SetDBText(entry, LDB(Level(GTK_WIDGET(display))));
+    // What was typed is told once the user is done with it: a half-typed level would be heard.
+    EndTyping(entry, GTK_WIDGET(display));
+    if (Get(GTK_WIDGET(display), "iTold") != Get(GTK_WIDGET(display), "iCurrentDB"))
+        NotifyChanged(GTK_WIDGET(display));
     return FALSE;
 }
 
 void GCTextActivate(GtkWidget* entry, gpointer display) {
-    LDB level;
-    level.SetText(gtk_entry_get_text(GTK_ENTRY(entry)));
-    SetLevelByDB(GTK_WIDGET(display), level.Value(), EntryText::kFollows);
-    SetDBText(entry, LDB(Level(GTK_WIDGET(display))));
+    EndTyping(entry, GTK_WIDGET(display));
     NotifyChanged(GTK_WIDGET(display));
 }
 
@@ -290,7 +305,7 @@ void LDBEdit::Init(int command, GtkWidget* box) {
     g_object_set_data(G_OBJECT(display), "textHandle", text);
     Set(display, "iMin", kLowest);
     Set(display, "iMax", kHighest);
-    for (const char* key : {"iCurrentDB", "iCurrentPos", "iChange"})
+    for (const char* key : {"iCurrentDB", "iCurrentPos", "iChange", "iTold"})
         Set(display, key, 1);
     WireDisplay(display);
     if (text != nullptr)
@@ -299,8 +314,10 @@ void LDBEdit::Init(int command, GtkWidget* box) {
 }
 
 void LDBEdit::SetLevel(GtkWidget* box, LDB level) {
-    if (GtkWidget* display = GetHandle(box, false))
+    if (GtkWidget* display = GetHandle(box, false)) {
         SetLevelByDB(display, level.Value(), EntryText::kFollows);
+        Set(display, "iTold", Get(display, "iCurrentDB"));
+    }
 }
 
 LDB LDBEdit::GetLevel(GtkWidget* box) {

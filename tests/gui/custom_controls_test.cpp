@@ -100,7 +100,7 @@ TEST_F(DBEdit, ThePointerGrabsTheHandleNearItAndJumpsFromAfar) {
     EXPECT_EQ(told_, (std::vector{25, 48, 39}));
 }
 
-TEST_F(DBEdit, TypedTextMovesTheHandleAndEnterTellsTheWindow) {
+TEST_F(DBEdit, TypedTextMovesTheHandleAndIsToldWhenTheUserIsDone) {
     gtk_entry_set_text(GTK_ENTRY(entry_), "");
     for (const char* typed : {"-", "-1", "-12"}) {
         gtk_entry_set_text(GTK_ENTRY(entry_), typed);
@@ -118,6 +118,17 @@ TEST_F(DBEdit, TypedTextMovesTheHandleAndEnterTellsTheWindow) {
     SendEvent(display_, GDK_SCROLL,
               [](GdkEvent& event) { event.scroll.direction = GDK_SCROLL_DOWN; });
     EXPECT_EQ(told_, (std::vector{20, 21, 48, 47})) << "no change, no notification";
+
+    const auto typeAndLeave = [&](const char* text) {
+        gtk_entry_set_text(GTK_ENTRY(entry_), text);
+        SendKey(entry_, GDK_KEY_RELEASE, GDK_KEY_minus);
+        SendEvent(entry_, GDK_FOCUS_CHANGE, [](GdkEvent&) {});
+        return std::exchange(told_, {});
+    };
+    EXPECT_EQ(typeAndLeave("-24"), (std::vector{20, 21, 48, 47, 8}));
+    for (const char* nothing : {"", "-", "loud"})
+        EXPECT_TRUE(typeAndLeave(nothing).empty()) << nothing;
+    EXPECT_EQ(Text(), "-24dB");
 }
 
 TEST(Meter, BarsFallSmoothlyUnderAHeldPeak) {

@@ -256,6 +256,10 @@ TEST_F(WindowControls, ListsTabsAndBars) {
     EXPECT_TRUE(handled);
     EXPECT_EQ(dialog.SBGetPos(kBar), 42);  // set before the command goes out
     EXPECT_THAT(Taken(), ElementsAre(kBar));
+    dialog.SBSetPos(kBar, 7);
+    EXPECT_THAT(Taken(), testing::IsEmpty());
+    gtk_range_set_value(GTK_RANGE(dialog.GetControlByID(kBar)), 8);  // as assistive programs do
+    EXPECT_THAT(Taken(), ElementsAre(kBar));
 
     dialog.TABInit(kTabs);
     dialog.TABInsertTab(kTabs, 0, "One");
