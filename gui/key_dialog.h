@@ -6,8 +6,9 @@
 
 class LKeyDialog : public LDialog {
 public:
-    // Every key press and release of the window, before the focused control sees it; true takes the
-    // key away from the control. By default a press sends the command of the key map or else of
+    // Every key press and release of the window, before the focused control sees it, but for the
+    // presses that edit the text of an entry that has the focus; true takes the key away from the
+    // control. By default a press sends the command of the key map or else of
     // the menu item with that accelerator.
     virtual bool EvKeyDown(unsigned int key);
     virtual bool EvKeyUp(unsigned int) { return false; }

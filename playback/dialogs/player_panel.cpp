@@ -190,11 +190,8 @@ bool LPlayerBaseDlg::EvKeyDown(unsigned int key) {
             CmPlayEnd();
             return true;
         case GDK_F10:
-            return CmSpace();
         case GDK_space:
-            // A name that is being edited takes its blanks.
-            return !(IsTextEditable(kItem) && gtk_widget_has_focus(GetControlByID(kItem))) &&
-                   CmSpace();
+            return CmSpace();
         case GDK_Escape:
             if (!IsLoaded())
                 return false;  // there is nothing to stop: the panel closes
