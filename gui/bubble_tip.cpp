@@ -1,54 +1,14 @@
 #include "gui/bubble_tip.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 
 #include "gui/accessible.h"
 #include "gui/display_text.h"
+#include "gui/monitor.h"
 
 namespace {
 
 constexpr int kBubbleShownMs = 6000;
-
-// The notification library, loaded at first use; whole or not at all. It stays loaded: its types
-// cannot be unloaded.
-struct NotifyLibrary {
-    gboolean (*init)(const char* appName) = nullptr;
-    GObject* (*newNotification)(const char* summary, const char* body, const char* icon) = nullptr;
-    void (*setTimeout)(GObject* notification, gint milliseconds) = nullptr;
-    gboolean (*show)(GObject* notification, GError** error) = nullptr;
-    gboolean (*close)(GObject* notification, GError** error) = nullptr;
-    GType (*getType)() = nullptr;
-    bool usable = false;
-
-    NotifyLibrary() {
-        void* library = dlopen("libnotify.so", RTLD_LAZY | RTLD_LOCAL);
-        if (library == nullptr)  // the plain name comes with the development files
-            library = dlopen("libnotify.so.4", RTLD_LAZY | RTLD_LOCAL);
-        if (library == nullptr)
-            return;
-        const bool whole = Load(library, "notify_init", init) &&
-                           Load(library, "notify_notification_new", newNotification) &&
-                           Load(library, "notify_notification_set_timeout", setTimeout) &&
-                           Load(library, "notify_notification_show", show) &&
-                           Load(library, "notify_notification_close", close) &&
-                           Load(library, "notify_notification_get_type", getType);
-        usable = whole && init("Lectora");
-    }
-
-private:
-    template <typename F>
-    static bool Load(void* library, const char* name, F& function) {
-        function = reinterpret_cast<F>(dlsym(library, name));
-        return function != nullptr;
-    }
-};
-
-const NotifyLibrary& Notify() {
-    static const NotifyLibrary library;
-    return library;
-}
 
 GtkWidget* NewTipContent(const char* title, const char* text) {
     GtkWidget* box = gtk_vbox_new(FALSE, 4);
@@ -85,31 +45,26 @@ void PlacePopUp(GtkWidget* popUp, GtkWidget* control) {
     }
     GtkRequisition size;
     gtk_widget_size_request(popUp, &size);
-    GdkScreen* screen = gtk_widget_get_screen(control);
-    const int right = gdk_screen_get_width(screen) - size.width;
+    const GdkRectangle monitor = MonitorOf(control);
+    const int right = monitor.x + monitor.width - size.width;
     GdkRectangle frame;
     gdk_window_get_frame_extents(gdk_window_get_toplevel(window), &frame);
     if (frame.x + frame.width <= right) {
         x = frame.x + frame.width;
-    } else if (frame.x >= size.width) {
+    } else if (frame.x - size.width >= monitor.x) {
         x = frame.x - size.width;
     } else {
         x = std::min(x, right);
         y += place.height;
     }
-    x = std::max(0, x);
-    y = std::max(0, std::min(y, gdk_screen_get_height(screen) - size.height));
+    x = std::max(monitor.x, x);
+    y = std::max(monitor.y, std::min(y, monitor.y + monitor.height - size.height));
     gtk_window_move(GTK_WINDOW(popUp), x, y);
 }
 
 }  // namespace
 
 struct LBubbleTipCallbacks {
-    static void GCClosed(GObject*, gpointer tip) {
-        auto* self = static_cast<LBubbleTip*>(tip);
-        g_signal_handler_disconnect(self->notification_.Get(), self->closedHandler_);
-        self->notification_.Reset();
-    }
     static gboolean GCClick(GtkWidget*, GdkEventButton*, gpointer tip) {
         static_cast<LBubbleTip*>(tip)->Hide();
         return TRUE;
@@ -119,35 +74,8 @@ struct LBubbleTipCallbacks {
     }
 };
 
-bool LBubbleTip::Show(GtkWidget* control, const char* title, const char* text) {
+void LBubbleTip::Show(GtkWidget* control, const char* title, const char* text) {
     Hide();
-    const bool isNotification = ShowNotification(title, text);
-    if (!isNotification)
-        ShowPopUp(control, title, text);
-    return isNotification;
-}
-
-bool LBubbleTip::ShowNotification(const char* title, const char* text) {
-    const NotifyLibrary& notify = Notify();
-    if (!notify.usable)
-        return false;
-    notification_ = GObjectRef<GObject>::Adopt(
-        notify.newNotification(DisplayText(title).c_str(), DisplayText(text).c_str(), nullptr));
-    if (!G_TYPE_CHECK_INSTANCE_TYPE(notification_.Get(), notify.getType())) {
-        notification_.Reset();
-        return false;
-    }
-    notify.setTimeout(notification_.Get(), kBubbleShownMs);
-    closedHandler_ = g_signal_connect(notification_.Get(), "closed",
-                                      G_CALLBACK(LBubbleTipCallbacks::GCClosed), this);
-    if (notify.show(notification_.Get(), nullptr))
-        return true;
-    g_signal_handler_disconnect(notification_.Get(), closedHandler_);
-    notification_.Reset();
-    return false;
-}
-
-void LBubbleTip::ShowPopUp(GtkWidget* control, const char* title, const char* text) {
     popUp_ = gtk_window_new(GTK_WINDOW_POPUP);
     gtk_window_set_type_hint(GTK_WINDOW(popUp_), GDK_WINDOW_TYPE_HINT_NOTIFICATION);
     // A screen reader says what comes up in this role, and only in this, although the focus is
@@ -166,11 +94,6 @@ void LBubbleTip::ShowPopUp(GtkWidget* control, const char* title, const char* te
 }
 
 void LBubbleTip::Hide() {
-    if (notification_) {
-        g_signal_handler_disconnect(notification_.Get(), closedHandler_);
-        Notify().close(notification_.Get(), nullptr);
-        notification_.Reset();
-    }
     timer_.Stop();
     if (popUp_ != nullptr)
         gtk_widget_destroy(popUp_);  // the "destroy" handler forgets it

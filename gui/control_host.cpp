@@ -11,6 +11,7 @@ void LControlHost::SetCompanionID(GtkWidget* companion, int id) {
 }
 
 void LControlHost::DeliverCommand(int command) {
+    const LRunningCallback running(signals_.Callbacks());
     const std::weak_ptr<const void> life = Life();
     Command(command);
     if (!life.expired())

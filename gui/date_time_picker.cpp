@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "gui/accessible.h"
+#include "gui/monitor.h"
 #include "gui/parent_window.h"
 
 namespace {
@@ -31,7 +32,8 @@ void PlaceBelow(GtkWidget* popUp, GtkWidget* button) {
     }
     GtkRequisition size;
     gtk_widget_size_request(popUp, &size);
-    const int right = gdk_screen_get_width(gtk_widget_get_screen(button)) - size.width;
+    const GdkRectangle monitor = MonitorOf(button);
+    const int right = monitor.x + monitor.width - size.width;
     gtk_window_move(GTK_WINDOW(popUp), std::min(x, right), y + place.height);
 }
 

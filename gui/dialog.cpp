@@ -75,10 +75,14 @@ bool LDialog::RunModal(GtkWidget* parent) {
     gtk_widget_show_all(Widget());
     const LDisabledParent disabled(parent);
     const std::weak_ptr<const void> life = Life();
-    // Whoever destroys the window may have deleted this object as well.
-    const LDialogEnd end = RunDialog(
-        Widget(), {[this] { return CmOk(); }, [this, life] { return life.expired() || CmCancel(); },
-                   [this] { CmHelp(); }});
+    // A handler may have deleted this object, also after it pressed a button of the dialog.
+    const LDialogEnd end =
+        RunDialog(Widget(), {[this, life] { return life.expired() || CmOk(); },
+                             [this, life] { return life.expired() || CmCancel(); },
+                             [this, life] {
+                                 if (!life.expired())
+                                     CmHelp();
+                             }});
     if (!life.expired() && end != LDialogEnd::kGone)
         Close(end == LDialogEnd::kOk ? GTK_RESPONSE_OK : GTK_RESPONSE_CANCEL);
     return end == LDialogEnd::kOk;

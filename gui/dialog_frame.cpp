@@ -4,6 +4,7 @@
 
 #include "gui/display_text.h"
 #include "gui/icons.h"
+#include "gui/monitor.h"
 #include "gui/parent_window.h"
 #include "gui/signal_owner.h"
 #include "gui/window.h"
@@ -32,9 +33,9 @@ void FitToScreen(GtkWidget* window, GtkWidget* content) {
     GtkRequisition inner;
     gtk_widget_size_request(window, &whole);
     gtk_widget_get_child_requisition(content, &inner);
-    GdkScreen* screen = gtk_widget_get_screen(window);
-    const int tooWide = whole.width - (gdk_screen_get_width(screen) - kWindowFrame);
-    const int tooHigh = whole.height - (gdk_screen_get_height(screen) - kWindowFrame);
+    const GdkRectangle monitor = MonitorOf(window);
+    const int tooWide = whole.width - (monitor.width - kWindowFrame);
+    const int tooHigh = whole.height - (monitor.height - kWindowFrame);
     if (tooWide <= 0 && tooHigh <= 0)
         return;
     GtkWidget* box = gtk_widget_get_parent(content);
@@ -91,7 +92,7 @@ LDialogEnd RunDialog(GtkWidget* dialog, const LDialogAnswers& answers) {
         dialog, "destroy",
         G_CALLBACK(+[](GtkWidget*, gpointer flag) { *static_cast<bool*>(flag) = true; }), &gone);
     for (;;) {
-        if (gone)
+        if (gone || IsEnded(dialog))
             return LDialogEnd::kGone;
         const int response = gtk_dialog_run(GTK_DIALOG(dialog));
         if (response == GTK_RESPONSE_OK) {
@@ -100,7 +101,7 @@ LDialogEnd RunDialog(GtkWidget* dialog, const LDialogAnswers& answers) {
         } else if (response == GTK_RESPONSE_HELP || response == kCommandHelp) {
             answers.help();
         } else if (answers.cancel()) {
-            return gone ? LDialogEnd::kGone : LDialogEnd::kCancel;
+            return gone || IsEnded(dialog) ? LDialogEnd::kGone : LDialogEnd::kCancel;
         }
     }
 }

@@ -35,12 +35,15 @@ void LMainWindow::Run(const char* title, const char* const* arguments, int count
     Layout();
     EvRunArguments(arguments, count);
     if (IsOpen()) {
+        // A command may have ended the window; by then GTK is out of it.
+        const auto window = GObjectRef<GtkWidget>::Share(Widget());
         gtk_widget_show_all(Widget());
         EvShown();
         gtk_main();
         // Still open when the loop was ended by anything but Close.
         LMainWindow::CmClose();
         Close(GTK_RESPONSE_CANCEL);
+        EndWidget(window.Get());
     }
 }
 

@@ -1,5 +1,7 @@
 #include "gui/menu_builder.h"
 
+#include <cmath>
+
 #include "gui/display_text.h"
 #include "gui/icons.h"
 
@@ -18,6 +20,24 @@ void Choose(GtkWidget* item, gpointer host) {
 gboolean GCWindowMenuItemClicked(GtkWidget* item, GdkEventButton* event, gpointer host) {
     if (event->type == GDK_BUTTON_PRESS)
         Choose(item, host);
+    return TRUE;
+}
+
+// The pointer is where it was when the menu came up under it: that is still the click that asked
+// for the menu.
+bool IsWhereMenuCameUp(GtkWidget* menu, const GdkEventButton& event) {
+    constexpr int kStill = 4;  // pixels
+    const auto* at = static_cast<const GdkPoint*>(g_object_get_data(G_OBJECT(menu), kMenuCameUp));
+    return at != nullptr && std::abs(event.x_root - at->x) <= kStill &&
+           std::abs(event.y_root - at->y) <= kStill;
+}
+
+// After a press elsewhere, on a menu's title or on the button that drops it down: a press on the
+// item itself has chosen it, and taken the menu away.
+gboolean GCWindowMenuItemReleased(GtkWidget* item, GdkEventButton* event, gpointer host) {
+    if (!gtk_widget_is_sensitive(item) || IsWhereMenuCameUp(gtk_widget_get_parent(item), *event))
+        return FALSE;
+    Choose(item, host);
     return TRUE;
 }
 
@@ -73,6 +93,8 @@ void ConnectMenuItem(const LMenuOwner& owner, GtkWidget* item, int command) {
     owner.registry.Add(item, command);
     StoreCommand(item, "_cmd", command, command);
     owner.signals.Connect(item, "button-press-event", G_CALLBACK(GCWindowMenuItemClicked),
+                          &owner.host);
+    owner.signals.Connect(item, "button-release-event", G_CALLBACK(GCWindowMenuItemReleased),
                           &owner.host);
     owner.signals.Connect(item, "activate", G_CALLBACK(GCMenuItemActive), &owner.host);
     owner.signals.Connect(item, "mnemonic-activate", G_CALLBACK(GCItemLetter), &owner.host);

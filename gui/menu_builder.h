@@ -23,11 +23,15 @@ struct LMenuOwner {
 // `index` behind the end row.
 void AddMenuRows(const LMenuOwner& owner, GtkWidget* menu, LMenuItems items, std::size_t& index);
 
-// An item that the user chooses in an open menu, by pointer or key, sends its command to the host;
-// activating it by other means does not. An item is registered under its command.
+// An item that the user chooses in an open menu sends its command to the host: by key, by a press,
+// or by letting the pointer go on it after a press elsewhere. Activating it by other means does
+// not. An item is registered under its command.
 void ConnectMenuItem(const LMenuOwner& owner, GtkWidget* item, int command);
 
 // An item with a sub-menu of its own, appended to the shell.
 GtkWidget* AddSubMenu(GtkWidget* shell, const char* title);
+
+// GObject data of a menu that comes up at the pointer: a GdkPoint of the desktop.
+constexpr const char* kMenuCameUp = "menu-came-up";
 
 std::string MnemonicText(const char* text);  // "&" turned into GTK's "_"

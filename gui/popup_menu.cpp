@@ -19,20 +19,21 @@ void PlaceUnder(GtkMenu*, gint* x, gint* y, gboolean* pushIn, gpointer data) {
 
 void LWindow::PopupMenu::Clear() {
     if (menu_)
-        gtk_widget_destroy(menu_.Get());
+        EndWidget(menu_.Get());
     menu_.Reset();
 }
 
 void LWindow::PopupMenu::SetMenu(LMenuItems items) {
     Clear();
-    menu_ = GObjectRef<GtkWidget>::Share(gtk_menu_new());
     std::size_t index = 0;
     LPopupMenuAdd(*this, items, index);
 }
 
 void LPopupMenuAdd(LWindow::PopupMenu& menu, LMenuItems items, std::size_t& index) {
-    if (!menu.menu_)
+    if (!menu.menu_) {
         menu.menu_ = GObjectRef<GtkWidget>::Share(gtk_menu_new());
+        AddCallbacks(menu.menu_.Get(), menu.signals_.Callbacks());
+    }
     AddMenuRows({menu.window_, menu.registry_, menu.signals_, nullptr, {}}, menu.menu_.Get(), items,
                 index);
     gtk_widget_show_all(menu.menu_.Get());
@@ -49,9 +50,14 @@ void LWindow::PopupMenu::CheckMenuItem(int command, bool on) {
 }
 
 void LWindow::PopupMenu::Popup() {
-    if (menu_)
-        gtk_menu_popup(GTK_MENU(menu_.Get()), nullptr, nullptr, nullptr, nullptr, 0,
-                       gtk_get_current_event_time());
+    if (!menu_)
+        return;
+    auto at = std::make_unique<GdkPoint>();
+    gdk_display_get_pointer(gtk_widget_get_display(menu_.Get()), nullptr, &at->x, &at->y, nullptr);
+    g_object_set_data_full(G_OBJECT(menu_.Get()), kMenuCameUp, at.release(),
+                           [](gpointer point) { delete static_cast<GdkPoint*>(point); });
+    gtk_menu_popup(GTK_MENU(menu_.Get()), nullptr, nullptr, nullptr, nullptr, 0,
+                   gtk_get_current_event_time());
 }
 
 void LWindow::PopupMenu::PopupUnder(GtkWidget* button) {

@@ -20,7 +20,7 @@ LWindow::~LWindow() {
     const bool own = !shared_;
     DetachWidget();
     if (widget != nullptr && own)
-        gtk_widget_destroy(widget);
+        EndWidget(widget);
 }
 
 void LWindow::CmHelp() {
@@ -45,12 +45,13 @@ void LWindow::Close(int) {
     const bool own = !shared_;
     DetachWidget();
     if (widget != nullptr && own)
-        gtk_widget_destroy(widget);
+        EndWidget(widget);
 }
 
 void LWindow::AttachWidget(GtkWidget* widget, bool shared) {
     widget_ = widget;
     shared_ = shared;
+    AddCallbacks(widget, Signals().Callbacks());
     Connect(widget, "destroy", G_CALLBACK(GCWindowDestroyed));
     WidgetAttached(widget);
 }
@@ -66,6 +67,7 @@ void LWindow::DetachWidget() {
     modeless_ = false;
     accelerators_.Reset();
     bubbleTip_.Hide();
+    notification_.Hide();
     ForgetControls();
     ForgetMenus();
     WidgetDetached();
@@ -135,9 +137,13 @@ void LWindow::SetControlInvalid(int id, const char* message, const char* title) 
     BubbleTipRun(id, title, message);
 }
 
-bool LWindow::BubbleTipRun(int id, const char* title, const char* text) {
-    GtkWidget* control = GetControlByID(id);
-    return control != nullptr && bubbleTip_.Show(control, title, text);
+void LWindow::BubbleTipRun(int id, const char* title, const char* text) {
+    if (GtkWidget* control = GetControlByID(id))
+        bubbleTip_.Show(control, title, text);
+}
+
+void LWindow::Notify(const char* title, const char* text, std::function<void()> otherwise) {
+    notification_.Show(title, text, std::move(otherwise));
 }
 
 void LWindow::BubbleTipHide() {

@@ -10,11 +10,14 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
+
 #include "gui/bubble_tip.h"
 #include "gui/button_controls.h"
 #include "gui/cool_button_controls.h"
 #include "gui/date_time_controls.h"
 #include "gui/decibel_controls.h"
+#include "gui/desktop_notification.h"
 #include "gui/drop_down_controls.h"
 #include "gui/edit_controls.h"
 #include "gui/gobject_ref.h"
@@ -81,16 +84,18 @@ public:
     void ShowControl(int id, bool shown);
     void FocusControl(int id);
     void SetTooltip(int id, const char* text);
-    // Tells the user what is wrong with a control and gives it the focus.
+    // Tells the user, beside the control, what is wrong with it, and gives it the focus.
     void SetControlInvalid(int id, const char* message, const char* title);
 
-    // A short message at a control; a window has one at a time. True: the desktop's notifications
-    // show it.
-    bool BubbleTipRun(int id, const char* title, const char* text);
+    // A short message at a control; a window has one at a time.
+    void BubbleTipRun(int id, const char* title, const char* text);
     void BubbleTipShow(int id, const char* title, const char* text) {
         BubbleTipRun(id, title, text);
     }
     void BubbleTipHide();
+    // A message that concerns no control, in the desktop's notifications. Where the desktop has
+    // none, `otherwise` runs, soon.
+    void Notify(const char* title, const char* text, std::function<void()> otherwise);
 
     void WMCommand(int command) override;
     bool TakeAnswer(int command) override;
@@ -116,5 +121,6 @@ private:
     bool closing_ = false;  // inside Close
     const char* helpPage_ = "index";
     LBubbleTip bubbleTip_;
+    LDesktopNotification notification_;
     GObjectRef<GtkAccelGroup> accelerators_;
 };

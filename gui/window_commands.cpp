@@ -20,6 +20,7 @@ void LWindow::CmHelpAbout() {
 }
 
 void LWindow::WMCommand(int command) {
+    const LRunningCallback running(Signals().Callbacks());
     switch (command) {
         case kCommandExit:
             return CmExit();

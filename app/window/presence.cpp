@@ -41,10 +41,12 @@ void Presence::Close() {
     if (!tray_.IsDocked()) {
         // Hidden, nothing but a second start could bring it back.
         ways_.minimise();
-        window_.BubbleTipRun(
-            tipControl_, "Lectora is minimized",
+        static constexpr char kText[] =
             "This desktop has no notification area that could show Lectora's icon, so the window "
-            "was minimized instead of hidden. \"Exit (Turn Off)\" in its first menu ends Lectora.");
+            "was minimized instead of hidden. \"Exit (Turn Off)\" in its first menu ends Lectora.";
+        window_.Notify("Lectora is minimized", kText, [this] {
+            window_.BubbleTipRun(tipControl_, "Lectora is minimized", kText);
+        });
         return;
     }
     ways_.hide();
@@ -53,8 +55,7 @@ void Presence::Close() {
         static constexpr char kText[] =
             "Your hotkeys keep working. The icon in the notification area opens the window again, "
             "and its menu ends Lectora.";
-        if (!window_.BubbleTipRun(tipControl_, "Lectora goes on", kText))
-            tray_.NotifyTray(kText);
+        window_.Notify("Lectora goes on", kText, [this] { tray_.NotifyTray(kText); });
     }
 }
 

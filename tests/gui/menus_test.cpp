@@ -104,6 +104,22 @@ TEST_F(Menus, APopUpMenuKeepsItsItemsToItselfAndTheWindowForgetsDeadOnes) {
     EXPECT_EQ(window.GetControlByID(2002), nullptr);
     Press(LGtkChildren(popUp.Widget()).First());
     EXPECT_THAT(Taken(), ElementsAre(1011));
+    popUp.EnableMenuItem(1011, true);
+    // Let go where the menu came up, the pointer has chosen nothing yet.
+    const auto letGo = [&](int away) {
+        popUp.Popup();
+        int x = 0;
+        int y = 0;
+        gdk_display_get_pointer(gdk_display_get_default(), nullptr, &x, &y, nullptr);
+        SendEvent(LGtkChildren(popUp.Widget()).First(), GDK_BUTTON_RELEASE, [&](GdkEvent& event) {
+            event.button.button = 1;
+            event.button.x_root = x + away;
+            event.button.y_root = y;
+        });
+        return Taken();
+    };
+    EXPECT_THAT(letGo(1), IsEmpty());
+    EXPECT_THAT(letGo(40), ElementsAre(1011));
 
     GtkWidget* newer = gtk_menu_item_new();
     window.SetMenuCommandHandler(newer, 1011);
@@ -171,6 +187,32 @@ TEST(KeyDialog, KeysFollowTheTableWhateverTheLocks) {
         EXPECT_EQ(dialog.EvKeyDown(KeyCodeOfEvent(event)), c.known);
     }
     EXPECT_THAT(dialog.commands, ElementsAre(1011, 1000));
+}
+
+TEST(KeyDialog, WhatEditsAnEntryIsNotTheWindows) {
+    static constexpr LKeyToCommandMap kMap[] = {{kKeyControl | 'Z', 1},  {'X', 2},
+                                                {kKeyControl | 'V', 3},  {GDK_KEY_Left, 4},
+                                                {kKeyControl | 'F', 10}, {GDK_KEY_F3, 11}};
+    Recorder<LKeyDialog> dialog;
+    dialog.SetKeyMap(kMap);
+    dialog.Show([](LDialogGenContext& c) {
+        c.AddInput(5, "Find");
+        c.AddButton(7, "Elsewhere");
+    });
+    const auto pressAll = [&] {
+        for (const LKeyToCommandMap& row : kMap)
+            SendEvent(dialog.Widget(), GDK_KEY_PRESS, [&](GdkEvent& event) {
+                event.key.keyval = gdk_keyval_to_lower(KeyValue(row.key));
+                event.key.state = KeyModifiers(row.key);
+            });
+        return std::exchange(dialog.commands, {});
+    };
+    gtk_widget_grab_focus(dialog.GetControlByID(5));
+    EXPECT_THAT(pressAll(), ElementsAre(10, 11));
+    dialog.SetTextEditable(5, false);
+    EXPECT_THAT(pressAll(), ElementsAre(1, 2, 3, 4, 10, 11));
+    dialog.FocusControl(7);
+    EXPECT_THAT(pressAll(), ElementsAre(1, 2, 3, 4, 10, 11));
 }
 
 TEST(KeyDialog, PressesAndReleasesArriveByThemselves) {
