@@ -17,19 +17,19 @@
 namespace {
 
 enum : int {
-    kButton = 10,
-    kCheck,
-    kRadio,
-    kList = 20,
-    kCombo = 30,
-    kEntry = 40,
-    kEdit = 50,
+    kVictimButton = 10,
+    kVictimCheck,
+    kVictimRadio,
+    kVictimList = 20,
+    kVictimCombo = 30,
+    kVictimEntry = 40,
+    kVictimEdit = 50,
     kScroll = 60,
     kRows = 70,
-    kTabs = 80,
+    kVictimTabs = 80,
     kLevel = 90,
     kDate = 100,
-    kCool = 110,
+    kVictimCool = 110,
     kDrop,
     kHeld,
     kOne = 499,
@@ -42,36 +42,36 @@ enum : int {
 
 enum class Ending { kNone, kDelete, kClose, kOkAndDelete, kCancelAndDelete, kParent, kCount };
 
-constexpr LKeyToCommandMap kKeys[] = {{GDK_KEY_F7, kKey}};
+constexpr LKeyToCommandMap kVictimKeys[] = {{GDK_KEY_F7, kKey}};
 
 class Victim : public LKeyDialog, public LToolBar {
 public:
     Victim(LDialog& parent, Ending ending, bool& deleted)
         : parent_(parent), ending_(ending), deleted_(deleted) {
-        SetKeyMap(kKeys);
+        SetKeyMap(kVictimKeys);
     }
     ~Victim() override { deleted_ = true; }
 
     static void Generate(LDialogGenContext& c) {
-        c.AddButton(kButton, "Button");
-        c.AddCheckBox(kCheck, "Check");
+        c.AddButton(kVictimButton, "Button");
+        c.AddCheckBox(kVictimCheck, "Check");
         c.AddRadioButtonGroup(kOne, "One");
-        c.AddRadioButton(kRadio, "Other");
-        c.AddPullDownList(kList, "List");
-        c.AddComboBox(kCombo, "Combo");
-        c.AddInput(kEntry, "Entry");
-        c.AddEdit(kEdit, "", 40);
+        c.AddRadioButton(kVictimRadio, "Other");
+        c.AddPullDownList(kVictimList, "List");
+        c.AddComboBox(kVictimCombo, "Combo");
+        c.AddInput(kVictimEntry, "Entry");
+        c.AddEdit(kVictimEdit, "", 40);
         c.AddScrollBar(kScroll, "Scroll");
         c.AddList(kRows, 60);
-        c.AddSpanFull(gtk_notebook_new(), kTabs);
+        c.AddSpanFull(gtk_notebook_new(), kVictimTabs);
         c.AddDBEdit(kLevel, "Level");
         c.AddDateTime(kDate, "Date", 0);
-        for (const int id : {kCool, kDrop, kHeld})
+        for (const int id : {kVictimCool, kDrop, kHeld})
             c.AddSpanFull(gtk_toggle_button_new(), id);
         c.AddOkCancelHelp(false, false, false);
     }
     void InitDialog() override {
-        for (const int id : {kList, kCombo})
+        for (const int id : {kVictimList, kVictimCombo})
             for (const char* text : {"one", "two", "three"})
                 PDLAddString(id, text);
         SBSetRange(kScroll, 0, 100, 10);
@@ -80,23 +80,23 @@ public:
         LVInit(kRows, {LListColumns::kPercent, kColumns});
         LVAddString(kRows, "first");
         LVAddString(kRows, "second");
-        TABInit(kTabs);
-        TABInsertTab(kTabs, 0, "One");
-        TABInsertTab(kTabs, 1, "Two");
+        TABInit(kVictimTabs);
+        TABInsertTab(kVictimTabs, 0, "One");
+        TABInsertTab(kVictimTabs, 1, "Two");
         DTPInitDateTime(kDate);
-        CoolButtonInit(kCool, -1, "Cool");
+        CoolButtonInit(kVictimCool, -1, "Cool");
         CoolButtonInitDropDown(kDrop, -1, "Drop", kDrop);
         CoolButtonInitUpDown(kHeld, -1, "Held", kHeld, kHeld);
-        HandlePDLSelChange(kList);
-        HandlePDLSelChange(kCombo);
-        HandleEditTextChange(kEdit);
+        HandlePDLSelChange(kVictimList);
+        HandlePDLSelChange(kVictimCombo);
+        HandleEditTextChange(kVictimEdit);
         HandleHSBChange(kScroll);
         HandleLVSelChange(kRows);
         HandleLVDoubleClick(kRows);
-        HandleTABSelChange(kTabs);
+        HandleTABSelChange(kVictimTabs);
         HandleDTPChange(kDate);
         HandleDBEditChange(kLevel);
-        HandleClick(kEntry, kEntry);
+        HandleClick(kVictimEntry, kVictimEntry);
         static constexpr LMenuItem kMenu[] = {{-1, "&Menu"}, {kMenuItem, "&Item"}};
         LMenuContainer::SetMenu(*this, kMenu, {});
         static constexpr ToolBarItem kItems[] = {
@@ -156,20 +156,20 @@ GtkWidget* FirstOf(GtkWidget* container) {
 
 // What a user does with each kind of control.
 void (*const kActs[])(Victim&) = {
-    [](Victim& v) { Click(v, kButton); },
-    [](Victim& v) { Click(v, kCheck); },
-    [](Victim& v) { Click(v, kRadio); },
-    [](Victim& v) { Emit(v.Part(kList), "move-active", GTK_SCROLL_STEP_DOWN); },
+    [](Victim& v) { Click(v, kVictimButton); },
+    [](Victim& v) { Click(v, kVictimCheck); },
+    [](Victim& v) { Click(v, kVictimRadio); },
+    [](Victim& v) { Emit(v.Part(kVictimList), "move-active", GTK_SCROLL_STEP_DOWN); },
     [](Victim& v) {
-        gtk_combo_box_popup(GTK_COMBO_BOX(v.Part(kList)));
-        AtkObject* menu = gtk_combo_box_get_popup_accessible(GTK_COMBO_BOX(v.Part(kList)));
+        gtk_combo_box_popup(GTK_COMBO_BOX(v.Part(kVictimList)));
+        AtkObject* menu = gtk_combo_box_get_popup_accessible(GTK_COMBO_BOX(v.Part(kVictimList)));
         auto* shell = GTK_MENU_SHELL(gtk_accessible_get_widget(GTK_ACCESSIBLE(menu)));
         gtk_menu_shell_select_first(shell, TRUE);
         g_signal_emit_by_name(shell, "activate-current", TRUE);
     },
-    [](Victim& v) { Type(gtk_bin_get_child(GTK_BIN(v.Part(kCombo)))); },
-    [](Victim& v) { Type(v.Part(kEdit)); },
-    [](Victim& v) { v.EditTextInsert(kEdit, "by the program"); },
+    [](Victim& v) { Type(gtk_bin_get_child(GTK_BIN(v.Part(kVictimCombo)))); },
+    [](Victim& v) { Type(v.Part(kVictimEdit)); },
+    [](Victim& v) { v.EditTextInsert(kVictimEdit, "by the program"); },
     [](Victim& v) { Emit(v.Part(kScroll), "move-slider", GTK_SCROLL_STEP_RIGHT); },
     [](Victim& v) { PressAt(v.Part(kScroll), GDK_BUTTON_PRESS, 90); },
     [](Victim& v) { gtk_range_set_value(GTK_RANGE(v.Part(kScroll)), 50); },
@@ -181,7 +181,7 @@ void (*const kActs[])(Victim&) = {
     },
     [](Victim& v) { PressAt(v.Part(kRows), GDK_2BUTTON_PRESS, 20); },
     [](Victim& v) { v.LVSetCurSel(kRows, 1); },
-    [](Victim& v) { gtk_notebook_next_page(GTK_NOTEBOOK(v.Part(kTabs))); },
+    [](Victim& v) { gtk_notebook_next_page(GTK_NOTEBOOK(v.Part(kVictimTabs))); },
     [](Victim& v) {
         SendKey(LDBEdit::GetHandle(v.Part(kLevel), false), GDK_KEY_PRESS, GDK_KEY_End);
     },
@@ -193,10 +193,10 @@ void (*const kActs[])(Victim&) = {
     },
     [](Victim& v) { v.SetText(kDate + 1, "2020-02-03"); },
     [](Victim& v) { Click(v, kDate); },
-    [](Victim& v) { Click(v, kCool); },
+    [](Victim& v) { Click(v, kVictimCool); },
     [](Victim& v) { SendKey(v.Part(kDrop), GDK_KEY_PRESS, GDK_KEY_Down); },
     [](Victim& v) { gtk_button_pressed(GTK_BUTTON(v.Part(kHeld))); },
-    [](Victim& v) { PressAt(v.Part(kEntry), GDK_BUTTON_PRESS, 3); },
+    [](Victim& v) { PressAt(v.Part(kVictimEntry), GDK_BUTTON_PRESS, 3); },
     [](Victim& v) {
         GtkWidget* item = v.Part(kMenuItem);
         gtk_menu_popup(GTK_MENU(gtk_widget_get_parent(item)), nullptr, nullptr, nullptr, nullptr, 0,
