@@ -38,8 +38,11 @@ bool ConnectStandardStreams(const LChildStreams& streams) {
     const int input = streams.emptyInput ? ::open("/dev/null", O_RDONLY) : streams.input;
     if (streams.emptyInput && input < 0)
         return false;
-    return (input <= 0 || ::dup2(input, 0) == 0) &&
-           (streams.output < 0 || ::dup2(streams.output, 1) == 1);
+    const int output = streams.noOutput ? ::open("/dev/null", O_WRONLY) : streams.output;
+    if (streams.noOutput && output < 0)
+        return false;
+    return (input <= 0 || ::dup2(input, 0) == 0) && (output < 0 || ::dup2(output, 1) == 1) &&
+           (streams.errors < 0 || ::dup2(streams.errors, 2) == 2);
 }
 
 // Between fork and exec: async-signal-safe calls only. errno goes to the descriptor when the

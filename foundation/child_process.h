@@ -11,12 +11,14 @@
 
 #include "foundation/unique_fd.h"
 
-// Where a child's standard input and output lead. Descriptors are borrowed, 3 or above; -1 inherits
-// this process's own.
+// Where a child's standard input, output and error lead. Descriptors are borrowed, 3 or above; -1
+// inherits this process's own.
 struct LChildStreams {
     int input = -1;
     int output = -1;
+    int errors = -1;
     bool emptyInput = false;  // input reads as empty (wins over input)
+    bool noOutput = false;    // output goes nowhere (wins over output)
     bool ownGroup = false;    // the child leads a process group of its own
     // The child is killed when the thread that started it ends, as it does when this process is
     // killed. Not inherited by the child's own children.

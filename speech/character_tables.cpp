@@ -233,6 +233,7 @@ int ByteInCharset(char32_t character, VoiceCharset charset) {
             return ByteInLatin9(character);
         case VoiceCharset::kAscii:
         case VoiceCharset::kUtf8:
+        case VoiceCharset::kUnicode:
             break;
     }
     return -1;

@@ -2,6 +2,8 @@
 // this table".
 #pragma once
 
+#include <string_view>
+
 #include "speech/text_preparation.h"
 
 // Typographic characters in the form of a plain keyboard, for every voice; "" for what is
@@ -22,6 +24,14 @@ struct Currency {
     const char* many;  // "5 euros"
 };
 const Currency* FindCurrency(char32_t character);
+
+// The same for other languages, in UTF-8 that the charset of their voices holds; null when none is
+// known. many: for a currency, null otherwise.
+struct ForeignSign {
+    const char* one;
+    const char* many;
+};
+const ForeignSign* FindForeignSign(std::string_view language, char32_t character);
 
 // The digit of a superscript, '\0' for every other character.
 char SuperscriptDigit(char32_t character);

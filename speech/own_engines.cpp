@@ -107,7 +107,7 @@ std::optional<SpeechEngine> EngineIn(const std::string& path) {
         const bool isAll = name == engine.title;
         engine.ownVoices.push_back({engine.name, name,
                                     isAll ? engine.title : shown + ", " + engine.title, language,
-                                    VoiceCharset::kUtf8});
+                                    VoiceCharset::kUnicode});
     }
     return engine;
 }

@@ -60,6 +60,11 @@ ParagraphLines::ParagraphLines(std::string_view paragraph) : joined_(paragraph) 
     }
     std::ranges::replace(joined_, '\n', ' ');
     std::ranges::replace(joined_, '\r', ' ');
+    std::ranges::replace(joined_, '\f', ' ');
+    constexpr std::string_view kLineSeparator = "\xe2\x80\xa8";
+    for (std::size_t at = joined_.find(kLineSeparator); at != std::string::npos;
+         at = joined_.find(kLineSeparator, at))
+        joined_.replace(at, kLineSeparator.size(), kLineSeparator.size(), ' ');
     // Short lines of which none ends in a stop are a list, whatever they begin
     // with.
     const bool isList = lines.size() > 2 && std::ranges::all_of(lines, [](const auto& line) {

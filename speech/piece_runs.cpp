@@ -43,6 +43,7 @@ struct PieceRuns::Run {
     LTTS request;
     std::optional<SynthesisRun> engine;  // once it was started
     std::chrono::steady_clock::time_point start;
+    bool isSecondTry = false;  // of one unit
 };
 
 PieceRuns::PieceRuns(std::string_view text, int voice, std::string folder, ReadingUse use,
@@ -60,7 +61,7 @@ PieceRuns::~PieceRuns() = default;
 
 bool PieceRuns::StartRuns() {
     if (!pieces_)
-        pieces_.emplace(text_, AskedVoiceAt(voice_).charset, use_);
+        pieces_.emplace(text_, AskedVoiceAt(voice_), use_);
     while (!hasEnded_ && runs_.size() < mostAtOnce_ && taker_.IsMoreWanted() && PullPiece()) {
     }
     for (std::size_t i = 0; !hasEnded_ && i < std::min(mostAtOnce_, runs_.size()); ++i)
@@ -127,7 +128,15 @@ void PieceRuns::TakeSound(Run& run) {
     leftOutInRow_ = 0;
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - run.start;
     pieces_->RunTook(took.count());
-    const SynthesisOutcome taken = taker_.TakePiece(run.engine->Sound(), run.piece);
+    const LSoundSource& sound = run.engine->Sound();
+    if (!hasSpoken_)
+        channels_ = sound->Channels();
+    // Only mono and stereo become each other.
+    if (sound->Channels() != channels_ && std::max(sound->Channels(), channels_) > 2) {
+        LeaveOut(run.piece, SynthesisOutcome::kOtherChannels);
+        return;
+    }
+    const SynthesisOutcome taken = taker_.TakePiece(sound, run.piece);
     if (taken != SynthesisOutcome::kSpoken) {
         End(taken);
         return;
@@ -145,8 +154,16 @@ void PieceRuns::TryInHalves(std::unique_ptr<Run> failed) {
             return;
         }
     }
-    if (failed->piece.units.size() < 2) {
+    if (failed->piece.units.size() < 2 && failed->isSecondTry) {
         LeaveOut(failed->piece, why);
+        return;
+    }
+    if (failed->piece.units.size() < 2) {
+        // It need not be the text's fault: memory, a killed process, a busy machine.
+        auto again = std::make_unique<Run>();
+        again->piece = std::move(failed->piece);
+        again->isSecondTry = true;
+        runs_.push_front(std::move(again));
         return;
     }
     auto second = std::make_unique<Run>();
@@ -175,6 +192,13 @@ void PieceRuns::End(SynthesisOutcome outcome) {
 
 double PieceRuns::Fraction() const {
     return text_.empty() ? 1.0 : static_cast<double>(spokenTo_) / static_cast<double>(text_.size());
+}
+
+std::string PieceRuns::LeftOutMessage() const {
+    const std::string unspoken = ::LeftOutMessage(text_, leftOut_);
+    const std::string unsayable = pieces_ ? pieces_->Unsayable().Message() : "";
+    return unspoken.empty() || unsayable.empty() ? unspoken + unsayable
+                                                 : unspoken + " " + unsayable;
 }
 
 std::string LeftOutMessage(std::string_view text, const std::vector<LeftOutUnit>& leftOut) {

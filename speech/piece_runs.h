@@ -56,6 +56,8 @@ public:
     // kSpoken: to the end, but for what was left out.
     SynthesisOutcome Outcome() const { return outcome_; }
     const std::vector<LeftOutUnit>& LeftOut() const { return leftOut_; }
+    // What the user is to be told of these and of what the voice cannot say; empty for nothing.
+    std::string LeftOutMessage() const;
     double Fraction() const;  // of the text that is spoken, 0 to 1
 
 private:
@@ -78,6 +80,7 @@ private:
     std::deque<std::unique_ptr<Run>> runs_;  // in the order of the text, those at work in front
     bool isAtEndOfText_ = false;
     bool hasSpoken_ = false;
+    unsigned char channels_ = 0;  // of the first sound
     bool hasEnded_ = false;
     std::size_t spokenTo_ = 0;  // bytes of the user's text
     int timeOutsInRow_ = 0;

@@ -114,7 +114,7 @@ std::size_t PlainWords::LengthOfPiece(std::size_t from, std::size_t end) const {
     if (end - from <= kMaxRun)
         return end - from;
     std::size_t length = kMaxRun;
-    if (charset_ == VoiceCharset::kUtf8)
+    if (IsUtf8(charset_))
         while (length > 1 && (static_cast<unsigned char>(out_[from + length]) & 0xC0U) == 0x80U)
             --length;
     return length;
@@ -136,13 +136,14 @@ void PlainWords::AddOther(char32_t character) {
         AddMinus();
     } else if (const char* plain = PlainForm(character)) {
         AddPlainForm(character, plain);
-    } else if (charset_ == VoiceCharset::kUtf8) {
+    } else if (IsUtf8(charset_)) {
         AddUtf8(character);
     } else if (g_unichar_ismark(character)) {
         AddMark(character);
     } else if (const int byte = ByteInCharset(character, charset_); byte >= 0) {
         Put(static_cast<char>(byte));
-    } else if (charset_ != VoiceCharset::kAscii || !AddSign(character)) {
+    } else if (charset_ == VoiceCharset::kAscii ? !AddSign(character)
+                                                : !AddForeignSign(character)) {
         AddFolded(character);
     }
 }
@@ -167,8 +168,12 @@ void PlainWords::AddUtf8(char32_t character) {
         case G_UNICODE_SURROGATE:
         case G_UNICODE_PRIVATE_USE:
         case G_UNICODE_UNASSIGNED:
+            Drop(character);
+            return;
         case G_UNICODE_OTHER_SYMBOL:
-            Drop();
+            if (charset_ == VoiceCharset::kUnicode)
+                break;
+            Drop(character);
             return;
         default:
             break;
@@ -180,6 +185,7 @@ void PlainWords::AddUtf8(char32_t character) {
 
 // A mark joins the letter before it when the charset holds the two as one.
 void PlainWords::AddMark(char32_t mark) {
+    unsayable_.AddMark(characterBegin_, reader_.At());
     gunichar joined = 0;
     if (charset_ == VoiceCharset::kAscii || out_.empty() ||
         !g_unichar_compose(CharacterOfByte(static_cast<unsigned char>(out_.back()), charset_), mark,
@@ -200,7 +206,7 @@ void PlainWords::AddFolded(char32_t character) {
     for (gsize i = 0; i < count && i < parts.size(); ++i)
         added = AddPart(parts[i]) || added;
     if (!added)
-        Drop();
+        Drop(character);
 }
 
 bool PlainWords::AddPart(char32_t part) {
@@ -236,7 +242,8 @@ bool PlainWords::LastWordIsNumber() const {
 }
 
 // What is left out parts words, but leaves no gap before punctuation.
-void PlainWords::Drop() {
+void PlainWords::Drop(char32_t character) {
+    unsayable_.Add(character, characterBegin_, reader_.At());
     if (!out_.empty() && IsAsciiLetterOrDigit(static_cast<unsigned char>(out_.back())))
         blankBeforeWord_ = true;
     dropped_ = true;

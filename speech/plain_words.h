@@ -34,6 +34,7 @@ struct PlainWord {
     std::size_t sourceBegin = 0;
     std::size_t sourceEnd = 0;
     bool isCutFromRun = false;  // the run of letters before it was too long, this is its next piece
+    bool beginsSentence = false;  // set by who knows the text's sentences
 };
 
 // Characters become bytes of the charset: typography its plain form, signs their words, the rest
@@ -42,10 +43,13 @@ struct PlainWord {
 class PlainWords {
 public:
     // The text's bytes must outlive this.
-    PlainWords(std::string_view text, VoiceCharset charset) : reader_(text), charset_(charset) {}
+    // language: the voice's tag, English for voices that read ASCII.
+    PlainWords(std::string_view text, VoiceCharset charset, std::string_view language)
+        : reader_(text), charset_(charset), language_(language.substr(0, 2)) {}
 
     // False at the end.
     bool Next(PlainWord& word);
+    const UnsayableText& Unsayable() const { return unsayable_; }
 
 private:
     struct Source {
@@ -64,6 +68,7 @@ private:
     void AddUtf8(char32_t character);
     void AddMark(char32_t mark);
     bool AddSign(char32_t sign);
+    bool AddForeignSign(char32_t sign);
     void AddDegreeScale();
     void AddMinus();
     void AddCurrency(const struct Currency& currency);
@@ -77,7 +82,8 @@ private:
     std::string_view LastWord() const;
     bool LastWordIsNumber() const;
 
-    void Drop();
+    void Drop(char32_t character);
+    std::string InCharset(std::string_view utf8) const;
     void AddWords(std::string_view words);
     void AddText(std::string_view text);
     void Put(char character);
@@ -86,6 +92,8 @@ private:
 
     Utf8Reader reader_;
     VoiceCharset charset_;
+    std::string language_;
+    UnsayableText unsayable_;
     std::string out_;              // what was read ahead, and a little of what was taken
     std::vector<Source> sources_;  // for each byte of out_
     std::size_t taken_ = 0;        // bytes of out_ that were given

@@ -66,13 +66,33 @@ bool PlainWords::AddSign(char32_t sign) {
     } else if (const char* name = GreekLetterName(sign)) {
         // Said by name as a symbol, dropped as part of a Greek word.
         if (IsGreek(previous_) || IsGreek(reader_.Peek()))
-            Drop();
+            Drop(sign);
         else
             AddWords(name);
     } else {
         return false;
     }
     return true;
+}
+
+// For voices of other languages than English: what neither their charset nor a plain form holds.
+bool PlainWords::AddForeignSign(char32_t sign) {
+    const ForeignSign* const words = FindForeignSign(language_, sign);
+    if (words == nullptr)
+        return false;
+    const std::string one = InCharset(words->one);
+    if (words->many == nullptr)
+        AddWords(one);
+    else
+        AddCurrency({one.c_str(), InCharset(words->many).c_str()});
+    return true;
+}
+
+std::string PlainWords::InCharset(std::string_view utf8) const {
+    std::string bytes;
+    for (Utf8Reader reader(utf8); !reader.AtEnd();)
+        bytes += static_cast<char>(ByteInCharset(reader.Next(), charset_));
+    return bytes;
 }
 
 void PlainWords::AddDegreeScale() {
@@ -120,6 +140,8 @@ bool PlainWords::AddAmountAhead(const Currency& currency, std::size_t blank) {
         return false;
     std::string amount(rest.substr(0, length));
     for (const Scale& scale : kScales) {
+        if (charset_ != VoiceCharset::kAscii)
+            break;  // they are English
         const std::size_t end = length + scale.written.size();
         if (rest.substr(length, scale.written.size()) != scale.written ||
             (end < rest.size() && g_ascii_isalnum(rest[end])))

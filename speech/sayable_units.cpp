@@ -90,9 +90,14 @@ void SayableUnits::Add(const PlainWord& word) {
         gap.remove_prefix(end + 1);
     }
     // A run that is too long is spoken piece by piece, each a unit of its own.
-    if (word.isCutFromRun)
+    // So is a sentence that the engine would not part from the one before.
+    sentenceBegins_ = sentenceBegins_ || word.beginsSentence;
+    const bool hasWords = HasWords(word.text);
+    const bool isNewSentence = hasWords && sentenceBegins_ && unitHasWords_ &&
+                               !EndsUnit(lastWord_, gap_ + std::string(gap), word.text);
+    if (word.isCutFromRun || isNewSentence)
         AddBlankLine();
-    if (HasWords(word.text)) {
+    if (hasWords) {
         AddLineStart();
         gap_ += gap;
         AddSayable(word);
@@ -121,7 +126,7 @@ bool SayableUnits::Take(TextUnit& unit) {
 }
 
 bool SayableUnits::HasWords(std::string_view text) const {
-    if (charset_ != VoiceCharset::kUtf8)
+    if (!IsUtf8(charset_))
         return std::any_of(text.begin(), text.end(), [this](char character) {
             return sayable_[static_cast<unsigned char>(character)];
         });
@@ -133,7 +138,7 @@ bool SayableUnits::HasWords(std::string_view text) const {
 }
 
 int SayableUnits::CountCharacters(std::string_view text) const {
-    if (charset_ != VoiceCharset::kUtf8)
+    if (!IsUtf8(charset_))
         return static_cast<int>(text.size());
     return static_cast<int>(g_utf8_strlen(text.data(), static_cast<gssize>(text.size())));
 }
@@ -153,8 +158,9 @@ void SayableUnits::AddLineEnd() {
 }
 
 void SayableUnits::AddBlankLine() {
-    AddLineEnd();
-    AddLineEnd();
+    do
+        AddLineEnd();
+    while (gapLines_ < 2);
 }
 
 void SayableUnits::HoldAtLineStart(const PlainWord& word, std::string_view gap) {
@@ -239,6 +245,8 @@ void SayableUnits::Append(const PlainWord& word) {
     leftOutRow_ = 0;
     if (unitWords_ == 0)
         unit_.sourceBegin = word.sourceBegin;
+    unit_.beginsSentence = unit_.beginsSentence || sentenceBegins_;
+    sentenceBegins_ = false;
     unit_.text += word.text;
     unit_.sourceEnd = word.sourceEnd;
     lastWord_ = word.text;

@@ -60,7 +60,8 @@ private:
     bool lineHasWords_ = false;
     int leftOutRow_ = 0;
 
-    TextUnit unit_;  // the one being made
+    bool sentenceBegins_ = false;  // with the next word that stays
+    TextUnit unit_;                // the one being made
     int unitCharacters_ = 0;
     int unitWords_ = 0;
     bool unitHasWords_ = false;

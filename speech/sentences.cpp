@@ -137,10 +137,12 @@ void Sentences::FillWindow() {
         const std::string_view sentence = part.substr(begin, next - begin);
         const std::size_t first = sentence.find_first_not_of(kWhiteBytes);
         if (first != std::string_view::npos && begin < end)
-            found_.push_back(
-                {at_ + begin + first, at_ + begin + sentence.find_last_not_of(kWhiteBytes) + 1});
+            found_.push_back({at_ + begin + first,
+                              at_ + begin + sentence.find_last_not_of(kWhiteBytes) + 1,
+                              begin == 0 && wasCut_});
         begin = next;
     }
+    wasCut_ = !isWhole && starts.size() == 1;
     at_ += std::max<std::size_t>(end, ahead.empty() ? 0 : 1);
 }
 

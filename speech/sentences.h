@@ -15,6 +15,7 @@
 struct Sentence {
     std::size_t begin;
     std::size_t end;
+    bool goesOn = false;  // with the one before it, which was too long
 };
 
 // In order, lazily: reads a few kilobytes beyond the sentence that it gives,
@@ -37,6 +38,7 @@ private:
 
     std::string_view text_;
     std::size_t at_ = 0;
+    bool wasCut_ = false;
     std::deque<Sentence> found_;
     std::unique_ptr<Breaker> breaker_;
 };

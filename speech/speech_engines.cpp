@@ -54,7 +54,7 @@ std::vector<Voice> EspeakVoicesIn(const SpeechEngine& engine, std::string_view a
         std::ranges::replace(title, '_', ' ');
         title.erase(title.find_last_not_of(' ') + 1);
         voices.push_back({engine.name, language, title + ", " + engine.title, Tag(language),
-                          VoiceCharset::kUtf8});
+                          VoiceCharset::kUnicode});
     }
     return voices;
 }

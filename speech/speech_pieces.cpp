@@ -7,6 +7,8 @@ namespace {
 
 // Less than this speaks for less than two seconds, and the next run needs a part of them to start.
 constexpr std::size_t kEnoughToListen = 25;
+// A sentence longer than this is heard in parts, so that its beginning is not waited for.
+constexpr std::size_t kMostToListen = 600;
 // A run costs a third of a second before its first sentence, of which 2,000 bytes hold some twenty:
 // longer pieces save a quarter of the time. But a slow voice speaks 4,800 in a run's 20 seconds.
 constexpr std::size_t kFirstToSave = 2000;
@@ -43,19 +45,26 @@ SpeechPiece SpeechPiece::TakeSecondHalf() {
     return second;
 }
 
-SpeechPieces::SpeechPieces(std::string_view text, VoiceCharset charset, ReadingUse use)
-    : units_(text, charset),
+SpeechPieces::SpeechPieces(std::string_view text, const Voice& voice, ReadingUse use)
+    : units_(text, voice.charset, voice.language),
       use_(use),
-      enough_(use == ReadingUse::kListening ? kEnoughToListen : kFirstToSave) {}
+      enough_(use == ReadingUse::kListening ? kEnoughToListen : kFirstToSave),
+      most_(use == ReadingUse::kListening ? kMostToListen : kFirstToSave) {}
 
 bool SpeechPieces::Next(SpeechPiece& piece) {
     piece.units.clear();
     std::size_t size = 0;
-    for (TextUnit unit; size < enough_ && units_.Next(unit); unit = {}) {
-        size += unit.text.size();
-        piece.units.push_back(std::move(unit));
+    while (true) {
+        if (TextUnit unit; !ahead_ && units_.Next(unit))
+            ahead_ = std::move(unit);
+        const bool isEnough = size >= enough_ && (use_ == ReadingUse::kSaving || size >= most_ ||
+                                                  (ahead_ && ahead_->beginsSentence));
+        if (!ahead_ || isEnough)
+            return !piece.units.empty();
+        size += ahead_->text.size();
+        piece.units.push_back(std::move(*ahead_));
+        ahead_.reset();
     }
-    return !piece.units.empty();
 }
 
 void SpeechPieces::RunTook(double seconds) {
@@ -69,4 +78,5 @@ void SpeechPieces::RunTook(double seconds) {
 
 void SpeechPieces::LimitTo(std::size_t size) {
     enough_ = std::min(enough_, std::max<std::size_t>(size, 1));
+    most_ = std::min(most_, enough_);
 }

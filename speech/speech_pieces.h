@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "speech/text_preparation.h"
+#include "speech/voice_table.h"
 
 // What a reading is for decides how its pieces are cut: the first sentence at once, or the whole at
 // the least cost.
@@ -25,20 +27,24 @@ struct SpeechPiece {
     SpeechPiece TakeSecondHalf();
 };
 
-// Pieces end only where the engine itself ends a unit, so that their sound joined is what one run
-// gives for the whole. Made as they are asked for. One thread.
+// Pieces end only where a unit ends, so that their sound joined is what one run gives for the
+// whole; for a listener also only where a sentence of the text does, unless that is over-long. Made
+// as they are asked for. One thread.
 class SpeechPieces {
 public:
     // The text's bytes outlive this.
-    SpeechPieces(std::string_view text, VoiceCharset charset, ReadingUse use);
+    SpeechPieces(std::string_view text, const Voice& voice, ReadingUse use);
 
     bool Next(SpeechPiece& piece);  // false at the end
     // A run over a piece took so long: the next ones are cut by that when saving.
     void RunTook(double seconds);
     void LimitTo(std::size_t size);  // bytes of prepared text; never less than a unit
+    const UnsayableText& Unsayable() const { return units_.Unsayable(); }
 
 private:
     TextUnits units_;
     ReadingUse use_;
     std::size_t enough_;  // a piece is closed at so many bytes
+    std::size_t most_;    // and here also within a sentence
+    std::optional<TextUnit> ahead_;
 };

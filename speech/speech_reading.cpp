@@ -156,10 +156,10 @@ void SpeechReading::Produce(const LThread& thread) {
     Process(progress, runs);
     const int error = taker.Finish();
     const bool isWhole = runs.Outcome() != SynthesisOutcome::kSpoken || error == 0;
-    End(isWhole ? runs.Outcome() : SynthesisOutcome::kCannotWrite, runs.LeftOut());
+    End(isWhole ? runs.Outcome() : SynthesisOutcome::kCannotWrite, runs.LeftOutMessage());
 }
 
-void SpeechReading::End(SynthesisOutcome outcome, const std::vector<LeftOutUnit>& leftOut) {
+void SpeechReading::End(SynthesisOutcome outcome, const std::string& leftOut) {
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         outcome_ = outcome;
@@ -201,7 +201,7 @@ std::string SpeechReading::Message() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (outcome_ != SynthesisOutcome::kSpoken)
         return SynthesisMessage(outcome_, VoiceAt(voice_));
-    return LeftOutMessage(text_, leftOut_);
+    return leftOut_;
 }
 
 LProcessResult Process(LProgress& progress, SpeechReading& reading) {

@@ -64,7 +64,7 @@ private:
     class Producer;
     class FileTaker;
 
-    void End(SynthesisOutcome outcome, const std::vector<LeftOutUnit>& leftOut);
+    void End(SynthesisOutcome outcome, const std::string& leftOut);
     bool IsOurs(const struct stat& status) const;
 
     const std::string text_;
@@ -78,7 +78,7 @@ private:
     mutable std::mutex mutex_;  // guards what follows
     double fraction_ = 0;
     SynthesisOutcome outcome_ = SynthesisOutcome::kStopped;
-    std::vector<LeftOutUnit> leftOut_;
+    std::string leftOut_;           // what the user is to be told of that
     std::pair<dev_t, ino_t> file_;  // somebody else may put another in its place
 
     std::unique_ptr<Producer> producer_;

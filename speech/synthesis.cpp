@@ -1,11 +1,14 @@
 #include "speech/synthesis.h"
 
+#include <poll.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -15,6 +18,7 @@
 #include "formats/wave_file.h"
 #include "foundation/child_process.h"
 #include "foundation/file.h"
+#include "foundation/log.h"
 #include "foundation/text_file.h"
 #include "speech/festival_voices.h"
 #include "speech/run_files.h"
@@ -25,6 +29,7 @@ namespace {
 
 constexpr const char* kTemporaryFolder = "/tmp/";
 constexpr std::size_t kMaxCommand = 260;
+constexpr std::size_t kMostErrors = 1000;        // bytes of a run that the log gets
 constexpr unsigned long kFullDiskBytes = 65536;  // fewer free bytes count as a full disk
 
 bool IsDiskFull(const std::string& folder) {
@@ -68,6 +73,8 @@ std::string SynthesisMessage(SynthesisOutcome outcome, const Voice& voice) {
         case SynthesisOutcome::kTooLong:
             return "The speech is longer than a sound file can hold, so the end of the text is "
                    "missing.";
+        case SynthesisOutcome::kOtherChannels:
+            return "The speech engine gave sound of another number of channels.";
     }
     return {};
 }
@@ -78,10 +85,13 @@ struct SynthesisRun::Record {
     LSignalObject finished;  // by the worker: the command has ended
     std::atomic<int> result{1};
 
-    void RunEngine();  // on the worker, until the engine has ended
+    void RunEngine();    // on the worker, until the engine has ended
+    std::string errors;  // what it wrote to its standard error, the beginning; once finished
     void KillEngine();
 
 private:
+    void ReadErrors(int fd, pid_t engine);
+
     std::mutex mutex_;
     pid_t engine_ = -1;  // leads its process group; -1 while it does not run
     bool isUnwanted_ = false;
@@ -90,6 +100,10 @@ private:
 void SynthesisRun::Record::RunEngine() {
     LChildStreams streams;
     streams.emptyInput = true;
+    // Ours may be where the sound goes.
+    streams.noOutput = true;
+    LPipePair errorPipe = LPipePair::Make();
+    streams.errors = errorPipe.writeEnd.Get();
     streams.ownGroup = true;
     streams.diesWithStarter = true;
     LChildProcess engine;
@@ -100,9 +114,32 @@ void SynthesisRun::Record::RunEngine() {
         engine_ = engine.Pid();
     }
     result.store(engine.IsStarted() ? kProcessDone : kProcessFailed);
+    errorPipe.writeEnd.Reset();
+    if (engine.IsStarted())
+        ReadErrors(errorPipe.readEnd.Get(), engine.Pid());
     engine.Wait();
     const std::lock_guard<std::mutex> lock(mutex_);
     engine_ = -1;
+}
+
+// Until the engine has ended: what it left in the background may hold the pipe for ever.
+void SynthesisRun::Record::ReadErrors(int fd, pid_t engine) {
+    const UniqueFd ended(static_cast<int>(::syscall(SYS_pidfd_open, engine, 0)));
+    for (bool hasEnded = false;;) {
+        pollfd events[] = {{fd, POLLIN, 0}, {ended.Get(), POLLIN, 0}};
+        if (::poll(events, 2, hasEnded ? 0 : -1) < 0 && errno == EINTR)
+            continue;
+        if (events[0].revents == 0 && hasEnded)
+            return;
+        hasEnded = hasEnded || events[1].revents != 0;
+        if (events[0].revents == 0)
+            continue;
+        char block[4096];
+        const ssize_t got = ::read(fd, block, sizeof block);
+        if (got <= 0)
+            return;
+        errors.append(block, std::min(static_cast<std::size_t>(got), kMostErrors - errors.size()));
+    }
 }
 
 void SynthesisRun::Record::KillEngine() {
@@ -124,7 +161,7 @@ LSignalObjectRef SynthesisRun::Finished() const {
 }
 
 bool SynthesisRun::Start() {
-    const PreparedText prepared = PrepareText(request_.text, voice_.charset);
+    const PreparedText prepared = PrepareText(request_.text, voice_.charset, voice_.language);
     if (!prepared.hasWords) {
         request_.outcome = SynthesisOutcome::kNothingToSay;
         return false;
@@ -213,6 +250,8 @@ LProcessResult SynthesisRun::Finish(LProcessResult waited) {
             request_.outcome = SynthesisOutcome::kCannotStart;
         else
             request_.outcome = Judge();
+        if (record_->finished.Ref().IsSignaled() && !record_->errors.empty())
+            LOGWARNF("Speech engine: %s", record_->errors.c_str());
     }
     End();
     if (request_.outcome == SynthesisOutcome::kSpoken)

@@ -25,11 +25,12 @@ enum class SynthesisOutcome {
     kTimedOut,
     kNothingToSay,  // the text holds nothing that can be said; the engine was not started
     kEngineMissing,
-    kCannotStart,  // the system has no room for another process or thread
-    kNoSound,      // the engine ended without a single sample
-    kIncomplete,   // the engine ended before all that it announced was there
-    kCannotWrite,  // the text or the sound could not be written
-    kTooLong,      // the rest is more than a sound file can hold
+    kCannotStart,    // the system has no room for another process or thread
+    kNoSound,        // the engine ended without a single sample
+    kIncomplete,     // the engine ended before all that it announced was there
+    kCannotWrite,    // the text or the sound could not be written
+    kTooLong,        // the rest is more than a sound file can hold
+    kOtherChannels,  // the sound has another number of channels, which cannot join the rest
 };
 
 // One plain sentence for the user; empty for kSpoken and kStopped. With the voice it names what

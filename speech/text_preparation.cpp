@@ -1,16 +1,37 @@
 #include "speech/text_preparation.h"
 
+#include <optional>
+
 #include "speech/plain_words.h"
 #include "speech/sayable_units.h"
+#include "speech/sentences.h"
 
 struct TextUnits::Stages {
     PlainWords words;
     SayableUnits units;
+    Sentences sentences;
+    std::optional<Sentence> current;
     bool atEnd = false;
+
+    // Whether the word is the first of its sentence that is said.
+    bool BeginsSentence(const PlainWord& word);
 };
 
-TextUnits::TextUnits(std::string_view text, VoiceCharset charset)
-    : stages_(new Stages{PlainWords(text, charset), SayableUnits(charset)}) {}
+bool TextUnits::Stages::BeginsSentence(const PlainWord& word) {
+    bool begins = false;
+    while (!current || word.sourceBegin >= current->end) {
+        Sentence next{};
+        if (!sentences.Next(next))
+            break;
+        current = next;
+        begins = begins || !next.goesOn;
+    }
+    return begins;
+}
+
+TextUnits::TextUnits(std::string_view text, VoiceCharset charset, std::string_view language)
+    : stages_(new Stages{PlainWords(text, charset, language), SayableUnits(charset),
+                         Sentences(text), std::nullopt}) {}
 
 TextUnits::~TextUnits() = default;
 TextUnits::TextUnits(TextUnits&&) noexcept = default;
@@ -22,6 +43,7 @@ bool TextUnits::Next(TextUnit& unit) {
         if (stages_->atEnd)
             return false;
         if (stages_->words.Next(word)) {
+            word.beginsSentence = !word.text.empty() && stages_->BeginsSentence(word);
             stages_->units.Add(word);
         } else {
             stages_->units.Finish();
@@ -31,9 +53,13 @@ bool TextUnits::Next(TextUnit& unit) {
     return true;
 }
 
-PreparedText PrepareText(std::string_view text, VoiceCharset charset) {
+const UnsayableText& TextUnits::Unsayable() const {
+    return stages_->words.Unsayable();
+}
+
+PreparedText PrepareText(std::string_view text, VoiceCharset charset, std::string_view language) {
     PreparedText prepared;
-    TextUnits units(text, charset);
+    TextUnits units(text, charset, language);
     for (TextUnit unit; units.Next(unit); prepared.hasWords = true)
         prepared.text += unit.text;
     return prepared;

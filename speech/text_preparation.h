@@ -7,10 +7,17 @@
 #include <string>
 #include <string_view>
 
-// What the bytes of a prepared text mean. English voices read ASCII.
-enum class VoiceCharset { kAscii, kLatin1, kLatin2, kLatin9, kUtf8 };
+#include "speech/unsayable_text.h"
 
-// What the engine itself ends as an utterance, about a sentence. So units can be spoken in runs of
+// What the bytes of a prepared text mean. English voices read ASCII.
+// kUnicode: UTF-8 of which the engine also says the signs.
+enum class VoiceCharset { kAscii, kLatin1, kLatin2, kLatin9, kUtf8, kUnicode };
+inline bool IsUtf8(VoiceCharset charset) {
+    return charset >= VoiceCharset::kUtf8;
+}
+
+// What the engine itself ends as an utterance; a sentence of the text holds one or several, none
+// holds two sentences. So units can be spoken in runs of
 // one or several, and the runs' sound joined is what one run gives for all.
 struct TextUnit {
     // In the voice's charset, without NUL and control bytes but tab and newline; with the white
@@ -20,6 +27,7 @@ struct TextUnit {
     // before it.
     std::size_t sourceBegin = 0;
     std::size_t sourceEnd = 0;
+    bool beginsSentence = false;  // of the text (sentences.h); others go on with one
 };
 
 // The units of a text in order. Reads only as far ahead as the unit's end needs, so the first
@@ -34,13 +42,15 @@ struct TextUnit {
 class TextUnits {
 public:
     // The text's bytes must outlive this.
-    TextUnits(std::string_view text, VoiceCharset charset);
+    // language is the voice's, for signs that are said in words.
+    TextUnits(std::string_view text, VoiceCharset charset, std::string_view language = {});
     ~TextUnits();
     TextUnits(TextUnits&&) noexcept;
     TextUnits& operator=(TextUnits&&) noexcept;
 
     // False at the end.
     bool Next(TextUnit& unit);
+    const UnsayableText& Unsayable() const;  // of what was read so far
 
 private:
     struct Stages;
@@ -52,4 +62,5 @@ struct PreparedText {
     bool hasWords = false;  // false: nothing in it can be said, do not start the engine
 };
 
-PreparedText PrepareText(std::string_view text, VoiceCharset charset);
+PreparedText PrepareText(std::string_view text, VoiceCharset charset,
+                         std::string_view language = {});

@@ -30,7 +30,7 @@ void AppendLine(std::string_view text, std::string& printed) {
 
 // What a voice reads in its charset, as UTF-8.
 std::string ForTerminal(const std::string& text, VoiceCharset charset) {
-    if (charset == VoiceCharset::kUtf8)
+    if (IsUtf8(charset))
         return text;
     std::string utf8;
     for (const char byte : text) {
@@ -57,7 +57,7 @@ std::string InForm(TextForm form, const std::string& text, int voice) {
         return printed;
     }
     const VoiceCharset charset = VoiceAt(voice).charset;
-    TextUnits units(text, charset);
+    TextUnits units(text, charset, VoiceAt(voice).language);
     for (TextUnit unit; units.Next(unit);)
         AppendLine(ForTerminal(unit.text, charset), printed);
     return printed;

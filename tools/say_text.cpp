@@ -135,10 +135,10 @@ std::string Speak(const SayOptions& options, const SayJob& job, const std::strin
     if (!output.Error().empty())
         return output.Error();
     if (result != kProcessDone)
-        return subject + ": " + SynthesisMessage(runs.Outcome());
+        return subject + ": " + SynthesisMessage(runs.Outcome(), VoiceAt(voice));
     if (std::string error = output.Finish(); !error.empty())
         return error;
-    if (const std::string told = LeftOutMessage(text, runs.LeftOut()); !told.empty())
+    if (const std::string told = runs.LeftOutMessage(); !told.empty())
         Complain(kSayProgram, subject + ": " + told);
     return {};
 }

@@ -13,6 +13,8 @@ constexpr int kSampleOfNumber = 16;   // times the number
 //   die      half the sound behind a header that says there is none, then a segmentation fault
 //   hang     the file "hanging", then nothing more
 //   nothing  no sound file, and success all the same
+//   once     the same, but only the first time
+//   many     the numbers in three channels
 //   rate     the numbers at 8,000 Hz
 //   wait     not before the file "go" is there
 // The line "text" is added to "said" when it begins; "running" holds the engines' process ids.
@@ -32,15 +34,19 @@ while "wait" in words and not os.path.exists(here + "/go"):
 if "hang" in words:
     open(here + "/hanging", "w").close()
     time.sleep(1000)
-if "nothing" in words:
+once = "once" in words and not os.path.exists(here + "/once")
+if once:
+    open(here + "/once", "w").close()
+if "nothing" in words or once:
     os.remove(output)
     sys.exit()
 rate = 8000 if "rate" in words else 16000
+channels = 3 if "many" in words else 1
 samples = b"".join(
     struct.pack("<h", int(word)) * (400 * rate // 16000) for word in words if word.isdigit())
 def header(size):
     return (b"RIFF" + struct.pack("<I", size + 36) + b"WAVEfmt " +
-            struct.pack("<IHHIIHH", 16, 1, 1, rate, rate * 2, 2, 16) + b"data" + struct.pack("<I", size))
+            struct.pack("<IHHIIHH", 16, 1, channels, rate, rate * 2 * channels, 2 * channels, 16) + b"data" + struct.pack("<I", size))
 with open(output, "wb") as file:
     file.write(header(0) + samples[:len(samples) // 2] if "die" in words else header(len(samples)) + samples)
 if "die" in words:

@@ -77,23 +77,58 @@ TEST_F(NumbersReading, TroubleCostsTheUnitThatMakesItAndIsToldOnce) {
         {"die", {3, 4, 7, 11}, "4 passages, which were left out; the first is \"This sentence"},
         {"nothing", {6}, "\"This sentence says the nothing 6.\""},
         {"hang", {6}, "hang 6."},
+        {"once", {6}, ""},
+        {"many", {6}, "\"This sentence says the many 6.\""},
     };
     for (const auto& test : cases) {
         for (const ReadingUse use : {ReadingUse::kListening, ReadingUse::kSaving}) {
             // Which of two runs at once hangs cannot be told.
             if (use == ReadingUse::kSaving && test.word == std::string("hang"))
                 continue;
+            const bool isSaved = test.word == std::string("many") && use == ReadingUse::kSaving;
+            if (isSaved)
+                continue;  // all is one piece of three channels
+            std::filesystem::remove(At("once"));
+            const std::vector<int> lost = *test.told == '\0' ? std::vector<int>() : test.at;
             const std::string text = Text(12, test.at, test.word);
             Listener listener;
             PieceRuns runs(text, 0, engine_.Path() + "/", use, listener);
             ImpatientProgress progress(engineHangs_);
             EXPECT_EQ(Process(progress, runs), kProcessDone) << test.word;
-            EXPECT_EQ(listener.heard, Numbers(12, test.at)) << test.word;
-            EXPECT_THAT(LeftOutMessage(text, runs.LeftOut()), HasSubstr(test.told));
+            EXPECT_EQ(listener.heard, Numbers(12, lost)) << test.word;
+            EXPECT_THAT(runs.LeftOutMessage(), HasSubstr(test.told));
+            EXPECT_EQ(runs.LeftOutMessage().empty(), lost.empty());
         }
     }
-    EXPECT_EQ(LeftOutMessage("", {}), "");
     EXPECT_EQ(CountFiles(engine_.Path(), ".speech"), 0U);
+}
+
+TEST_F(NumbersReading, AStretchIsASentenceWhateverTheEngineEnds) {
+    const std::string sentences[] = {"She said, \"This is number 1.\" and went to the U.S.",
+                                     "How are you and the number 2 of it?",
+                                     "1. Point to the number 3 there",
+                                     "- Then to the number 4 (so he says)"};
+    std::string text;
+    for (const std::string& sentence : sentences)
+        text += sentence + (sentence[0] == 'S' ? " " : "\n");
+    SpeechReading reading(text, 0, SoundPath(), ReadingUse::kListening);
+    reading.Start();
+    ASSERT_EQ(Process(progress_, reading), kProcessDone);
+    const LSoundSource source = reading.OpenSource();
+    EXPECT_EQ(HearNumbers(*source), (std::vector<int>{1, 2, 1, 3, 4}));
+    std::string heard;
+    for (int frame = 0; frame < reading.Track().Frames(); frame += kFramesOfNumber) {
+        const auto stretch = reading.Track().StretchAt(frame);
+        ASSERT_TRUE(stretch);
+        const std::string spoken =
+            text.substr(stretch->sourceBegin, stretch->sourceEnd - stretch->sourceBegin);
+        if (!heard.ends_with(spoken + "|"))
+            heard += spoken + "|";
+    }
+    std::string expected;
+    for (const std::string& sentence : sentences)
+        expected += sentence + "|";
+    EXPECT_EQ(heard, expected);
 }
 
 TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
@@ -105,7 +140,7 @@ TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
         ImpatientProgress progress(engineHangs_);
         EXPECT_EQ(Process(progress, runs), kProcessFailed);
         EXPECT_EQ(runs.Outcome(), outcome);
-        EXPECT_LT(CountLines(At("said")), 20U);
+        EXPECT_LT(CountLines(At("said")), 30U);
         EXPECT_TRUE(ProcessesEnd(At("running")));
     }
 }
@@ -333,7 +368,7 @@ void CompareWithOneRun() {
         source->Seek(source->GetEndSample());
         source->WaitForStreamingData(1000);
     }
-    EXPECT_EQ(reading.Message(), "");
+    EXPECT_THAT(reading.Message(), HasSubstr("2 signs were left out"));
     ASSERT_EQ(source->GetEndSample(), expected->GetEndSample());
     source->Seek(0);
     std::vector<int> first(8192);

@@ -18,18 +18,19 @@ struct Case {
     std::string expected;
 };
 
-void Check(const std::vector<Case>& cases, VoiceCharset charset = kAscii) {
+void Check(const std::vector<Case>& cases, VoiceCharset charset = kAscii,
+           const char* language = "") {
     for (const Case& test : cases)
-        EXPECT_EQ(PrepareText(test.text, charset).text, test.expected) << test.what;
+        EXPECT_EQ(PrepareText(test.text, charset, language).text, test.expected) << test.what;
 }
 
 TEST(TextPreparation, PlainTextWithSomethingToSayInEachLinePassesUnchanged) {
     for (const std::string text :
          {"Hello world.", "One line,\nand another - with a dash.\n\nA paragraph.\n",
           "\"Quoted!\" she said; (he) didn't...  Two  blanks\tand a tab", "a -- b: c :-) d",
-          "$5.00 + 50% = x_y @ http://www.example.com/a?b=c#d", "1.\n2)\n- three\n* four",
-          "He left. - She stayed.", "Hello! :-) Bye.", "Really? ? (Yes)!", "So. ... and on",
-          "\n\n leading and trailing \n\n", "etc. etc., e.g. Mr. Smith"}) {
+          "$5.00 + 50% = x_y @ http://www.example.com/a?b=c#d", "He left. - She stayed.",
+          "Hello! :-) Bye.", "Really? ? (Yes)!", "So. ... and on", "\n\n leading and trailing \n\n",
+          "etc. etc., e.g. Mr. Smith"}) {
         const PreparedText prepared = PrepareText(text, kAscii);
         EXPECT_EQ(prepared.text, text);
         EXPECT_TRUE(prepared.hasWords) << text;
@@ -77,13 +78,18 @@ TEST(TextPreparation, EnglishVoicesGetAsciiWithAccentsFoldedAndSignsInWords) {
            {"ohms", "5 Ω, 1 Ω, 10kΩ, 2 kΩ; Ω", "5 ohms, 1 ohm, 10k ohms, 2 k ohms; omega"},
            {"Greek symbol, Greek word", "π is 3; Αθήνα is far", "pi is 3;  is far"},
            {"trade", "© 2020 Foo™", "copyright 2020 Foo trademark"},
-           {"nothing stands for it", "I❤you 😀. Привет, friend", "I you., friend"}});
+           {"nothing stands for it", "I❤you 😀. Привет, friend", "I you.,\n\n friend"}});
 }
 
 TEST(TextPreparation, OtherVoicesGetTheirCharset) {
     Check({{"Latin 1", "café œuf ő €", "caf\xE9 oeuf o "}}, kLatin1);
     Check({{"Latin 2", "Dvořák ő e\u0301 r\u030C", "Dvo\xF8\xE1k \xF5 \xE9 \xF8"}}, kLatin2);
     Check({{"Latin 9", "œ € ½ Š", "\xBD \xA4 1/2 \xA6"}}, kLatin9);
+    Check({{"Italian", "Costa €5, 1 € ≈ poco.", "Costa 5 euro, 1 euro circa poco."}}, kLatin1,
+          "it");
+    Check({{"Czech", "Stojí £5 ≥ ½", "Stoj\xED 5 liber v\xECt\xB9\xED nebo rovno p\xF9l"}}, kLatin2,
+          "cs-CZ");
+    Check({{"signs that the engine says", "20°C 😀 ©", "20°C 😀 ©"}}, kUnicode);
     Check({{"letter and mark", "e\u0301 r\u030C", "e\u0301 r\u030C"},
            {"Hindi", "नमस्ते 😀 दुनिया।", "नमस्ते  दुनिया।"}},
           kUtf8);
@@ -95,11 +101,13 @@ TEST(TextPreparation, LinesAndPunctuationWithNothingToSayGoAndTheirPauseStays) {
            {"lone quote between paragraphs", "Hi!\n\n\"\n\nBye", "Hi!\n\n\n\nBye"},
            {"after sentence punctuation", "He said \"!!!\" \"???\" and left.",
             "He said \"!!!\" and left."},
-           {"between sentences", "Stop! ??? Go. Now? ... Yes", "Stop! Go. Now? Yes"},
+           {"between sentences", "Stop! ??? Go. Now? ... Yes", "Stop! Go.\n\n Now? Yes"},
            {"behind a colon or more", "I said: -- no. Really?! ... Yes. Well... -- yes",
-            "I said: no. Really?! Yes. Well... yes"},
+            "I said: no. Really?! Yes.\n\n Well... yes"},
            {"dashes in a row", "a -- -- b", "a -- b"},
            {"at the ends", "... so! ***", " so! "},
+           {"items of a list", "1. one\n2) two\n- three\n* four",
+            "1. one\n\n2) two\n\n- three\n\n* four"},
            {"dropped letters leave punctuation", "One! (Привет!) Two", "One! (!) Two"},
            {"only in another script", "One\nПривет!\nTwo", "One\n\nTwo"}});
 }
@@ -112,6 +120,28 @@ TEST(TextPreparation, TextWithoutWordsSaysSo) {
         EXPECT_FALSE(PrepareText(text, kLatin1).hasWords) << text;
     EXPECT_TRUE(PrepareText("Привет", kUtf8).hasWords);
     EXPECT_TRUE(PrepareText("ő", kLatin2).hasWords);
+}
+
+TEST(TextPreparation, WhatTheVoiceCannotSayIsToldByKindAndAmount) {
+    const struct {
+        const char* text;
+        VoiceCharset charset;
+        const char* told;
+    } cases[] = {
+        {"The café is “here” — 5 €.", kAscii, ""},
+        {"Он сказал «да» and left 😀😀 for नमस्ते.", kAscii,
+         "3 words in Cyrillic, 2 signs and 1 word in Devanagari were left out, because the chosen "
+         "voice cannot say them."},
+        {"So Привет.", kLatin1,
+         "1 word in Cyrillic was left out, because the chosen voice cannot say it."},
+        {"Привет नमस्ते 😀", kUtf8, "1 sign was left out, because the chosen voice cannot say it."},
+    };
+    for (const auto& [text, charset, told] : cases) {
+        TextUnits units(text, charset);
+        for (TextUnit unit; units.Next(unit);) {
+        }
+        EXPECT_EQ(units.Unsayable().Message(), told);
+    }
 }
 
 // Each unit with the stretch of the user's text that it stands for.

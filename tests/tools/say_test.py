@@ -34,6 +34,10 @@ class SayTest(ProgramCase):
             lines = [line.rstrip("\n").split(" ", 2) for line in log]
         return [(line[1], line[2]) for line in lines if line[0] == "text2wave"]
 
+    def logged(self):
+        logs = os.path.join(self.home, ".quillon/lectora/Logs")
+        return "".join(open(os.path.join(logs, name)).read() for name in os.listdir(logs))
+
     def frames(self, name):
         told = self.check(CONVERT, "--info", name)
         return int(told.split("Frames: ")[1].split("\n")[0])
@@ -90,6 +94,7 @@ class SayTest(ProgramCase):
         samples = [800 * len(word) for text in sentences for word in text.split()]
         whole = self.run_program(SAY, "-o", "-", "a.txt").stdout
         self.assertEqual(len(whole), 44 + 2 * sum(samples))
+        self.assertIn("Speech engine: a word of the engine's", self.logged())
         # Each sentence is longer than what a pipe holds, so the engine is not far ahead.
         os.remove(self.desktop + "/engine.log")
         pipes = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE}
