@@ -57,6 +57,6 @@ bool HotKeyAssignmentDlgImp::CmOk() {
         return true;
     MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
                   "The hotkey could not be kept.",
-                  "This computer's settings cannot be written, or hold too many hotkeys already.");
+                  "Your settings folder cannot be written, or holds too many hotkeys already.");
     return false;
 }

@@ -1,5 +1,6 @@
-// The user's system-wide hotkeys as they are kept, machine-wide, in the settings record
-// "Hotkey"/"Details".
+// The user's system-wide hotkeys as they are kept, in the user's settings record
+// "Hotkey"/"Details". Until the user changes one, those count that an administrator has put into
+// the machine's record of that name.
 #pragma once
 
 #include <vector>

@@ -118,6 +118,6 @@ void HotkeysDlgImp::Remove(int id) {
     if (!RemoveHotKey(id))
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
                       "The hotkey could not be removed.",
-                      "This computer's settings cannot be written.");
+                      "Your settings folder cannot be written.");
     FillList(-1);
 }

@@ -14,7 +14,6 @@
 #include <cstring>
 
 #include "foundation/file.h"
-#include "foundation/file_mask.h"
 #include "foundation/flock_timed.h"
 #include "foundation/machine_root.h"
 #include "foundation/text_buffer.h"
@@ -52,7 +51,7 @@ UniqueFd TakeTurn(const std::string& path) {
     return turn;
 }
 
-// The socket's mode lets everybody connect; the text box is not everybody's.
+// A file system without modes lets everybody connect; the text box is not everybody's.
 bool IsFromThisUser(int connection) {
     ucred peer{};
     socklen_t size = sizeof peer;
@@ -151,7 +150,7 @@ void RunOnceSocket::Close() {
 bool RunOnceSocket::Bind() {
     listening_ = NewSocket(SOCK_NONBLOCK);
     const sockaddr_un address = AddressOf(path_);
-    ::fchmod(listening_.Get(), CreationMode(path_.c_str(), 0777));
+    ::fchmod(listening_.Get(), 0700);  // whatever the mask
     const bool bound =
         ::bind(listening_.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
     return bound && ::listen(listening_.Get(), 5) == 0 && ::stat(path_.c_str(), &bound_) == 0;

@@ -6,10 +6,11 @@
 constexpr UserSetting<const char*> kOpenFolderSetting{"Settings", "OpenFileDir", ""};
 constexpr UserSetting<const char*> kSaveFolderSetting{"Settings", "SaveFileDir", ""};
 // "0": the format is chosen while saving, by the name's extension and a dialog.
-constexpr UserSetting<const char*> kSaveByDefaultSetting{"Settings", "SaveDefaultFormat", "1"};
-constexpr UserSetting<const char*> kSaveFormatSetting{"Settings", "SaveFormat", "1"};  // "0" is MP3
+constexpr LayeredSetting<const char*> kSaveByDefaultSetting{"Settings", "SaveDefaultFormat", "1"};
+constexpr LayeredSetting<const char*> kSaveFormatSetting{"Settings", "SaveFormat",
+                                                         "1"};  // "0" is MP3
 // The same as the options show it: where nothing was chosen, MP3, though saving then writes WAV.
-constexpr UserSetting<int> kSaveFormatIndexSetting{"Settings", "SaveFormat", 0};
+constexpr LayeredSetting<int> kSaveFormatIndexSetting{"Settings", "SaveFormat", 0};
 // Whether the user was asked about a first set of hotkeys.
 constexpr UserSetting<bool> kHotKeysOfferedSetting{"HotKeys", "Offered", false};
 // Whether the text box shows what is being heard.

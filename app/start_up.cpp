@@ -2,7 +2,6 @@
 
 #include <glib.h>
 #include <gtk/gtk.h>
-#include <sys/stat.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -182,8 +181,6 @@ bool IsNamedSetup(const char* program) {
 int RunProgram(int argc, char** argv) {
     gargc = argc;
     gargv = argv;
-    // Everything made later gets exactly the mode it asks for: the files are shared between users.
-    umask(0);
     if (std::getenv("DISPLAY") == nullptr) {
         if (argc < 2) {
             std::puts("You must have a display manager running to use this program.");

@@ -21,7 +21,6 @@
 #include "formats/mp3_component.h"
 #include "formats/settings_keys.h"
 #include "foundation/child_process.h"
-#include "foundation/file_mask.h"
 #include "foundation/flock_timed.h"
 #include "foundation/hosts.h"
 #include "foundation/resolve.h"
@@ -87,7 +86,7 @@ private:
 BodyFile::BodyFile(const char* path)
     : path_(path),
       file_(::open(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
-                   CreationMode(path, 0666))) {
+                   0666)) {
     if (!file_.IsOpen())
         return;
     (void)flocktimed(file_.Get(), LOCK_EX | LOCK_NB, kLockMilliseconds);

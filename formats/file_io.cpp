@@ -9,12 +9,11 @@
 #include <algorithm>
 #include <cstring>
 
-#include "foundation/file_mask.h"
 
 UniqueFd OpenFileForWriting(const char* path, int* error) {
     *error = 0;
     UniqueFd file(::open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
-                         CreationMode(path, 0666)));
+                         0666));
     struct stat info;
     if (!file.IsOpen() || ::fstat(file.Get(), &info) != 0) {
         *error = errno;

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "foundation/file.h"
-#include "foundation/file_mask.h"
 #include "foundation/machine_root.h"
 #include "foundation/text_buffer.h"
 #include "foundation/unique_fd.h"
@@ -31,7 +30,6 @@ bool FindComponent(const char* name, char* path) {
     if (FindIn(HomeFolder(), name, path))
         return true;
     const std::string shared = MachinePath("/opt/quillon");
-    MakeFolder(shared.c_str());
     return FindIn(shared, name, path);
 }
 

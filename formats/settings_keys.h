@@ -37,6 +37,6 @@ constexpr UserSetting<const char*> kMp3ProtectionSetting{"MP3Encoder", "ErrorPro
 constexpr UserSetting<const char*> kMp3ChannelModeSetting{"MP3Encoder", "ChannelMode", ""};
 
 // The SHA-256 that the installer of a component must have; the key is the component's name.
-inline MachineSetting<const char*> ComponentSumSetting(const char* component) {
+inline AdministratorSetting<const char*> ComponentSumSetting(const char* component) {
     return {"ComponentSha256", component, ""};
 }

@@ -71,7 +71,7 @@ void WholeFile::MakeTemporary(const struct stat* replaced) {
         errno != EPERM)
         problem_ = strerror(errno);
     ::fchmod(file.Get(), replaced != nullptr ? replaced->st_mode & 07777
-                                             : CreationMode(finalPath_.c_str(), 0666));
+                                             : 0666 & ~StartMask());
 }
 
 WholeFile::~WholeFile() {

@@ -12,8 +12,6 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/file_mask.h"
-
 namespace {
 
 constexpr int kFirstPrivateFd = 3;
@@ -48,13 +46,12 @@ bool ConnectStandardStreams(const LChildStreams& streams) {
 // Between fork and exec: async-signal-safe calls only. errno goes to the descriptor when the
 // program cannot be run.
 [[noreturn]] void BecomeProgram(const char* const* arguments, const LChildStreams& streams,
-                                mode_t mask, int failure) {
+                                int failure) {
     SetDefaultSignals();
     if (streams.ownGroup)
         ::setpgid(0, 0);
     if (streams.diesWithStarter)
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    ::umask(mask);
     if (ConnectStandardStreams(streams)) {
         CloseOnExecFromFirstPrivate();
         sigset_t none;
@@ -102,7 +99,6 @@ pid_t StartProgram(const char* const* arguments, const LChildStreams& streams, b
     LPipePair failure = LPipePair::Make();
     if (!failure.IsOpen())
         return -1;
-    const mode_t mask = StartMask();
     // No handler of this process may run in the child.
     sigset_t all;
     sigset_t before;
@@ -114,7 +110,7 @@ pid_t StartProgram(const char* const* arguments, const LChildStreams& streams, b
             ::_exit(0);
         if (detached)
             ::setsid();
-        BecomeProgram(arguments, streams, mask, failure.writeEnd.Get());
+        BecomeProgram(arguments, streams, failure.writeEnd.Get());
     }
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (pid < 0)

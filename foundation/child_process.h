@@ -1,8 +1,8 @@
 // Starting and collecting child processes.
 //
-// Every child starts with default signal dispositions, nothing blocked and the file mask that this
-// process was started with, whatever this process ignores, blocks or masks, and inherits
-// descriptors 0 to 2 only. Safe from any thread.
+// Every child starts with default signal dispositions, and nothing blocked,
+// whatever this process ignores or blocks, and inherits descriptors 0 to 2 only. Safe from any
+// thread.
 #pragma once
 
 #include <sys/types.h>

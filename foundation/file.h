@@ -31,11 +31,10 @@ public:
     // copied.
     static void MakeRelativeFilePath(char* out, const char* path, const char* base);
 
-    // --- folders: created by MakeFolder() (file_mask.h); failures show as missing folders
+    // --- folders; failures show as missing folders. The first three are made as store_file.h says.
     static void GetSharedDataFolderApp(char* out);
     static void GetSharedDataFolderAppSubFolder(const char* name, char* out);
     static void GetUserDataFolderAppSubFolder(const char* name, char* out);
-    static void SetFolderSecurityAllAccess(const char* folder);  // waits for the shell command
     // Links to folders are not followed; what is neither file nor folder is left out.
     static void CopyFolderFiles(const char* from, const char* to);
     // Its sub-folders keep it alive; a path that names a file has the file removed.

@@ -6,25 +6,16 @@
 #include <string>
 #include <system_error>
 
-#include "foundation/child_process.h"
 #include "foundation/file.h"
 #include "foundation/file_mask.h"
 #include "foundation/folder_iterator.h"
 #include "foundation/machine_root.h"
+#include "foundation/store_file.h"
 #include "foundation/text_buffer.h"
 
 namespace {
 
 constexpr int kDeepestCopy = 64;  // folders within folders; deeper paths do not fit their buffers
-
-// Creates every missing folder of the path, the first `given` characters of which are taken as they
-// are.
-void MakeFolders(const std::string& path, std::size_t given) {
-    for (std::size_t at = path.find('/', given + 1); at != std::string::npos;
-         at = path.find('/', at + 1))
-        MakeFolder(path.substr(0, at).c_str());
-    MakeFolder(path.c_str());
-}
 
 bool IsFolder(const std::string& path, bool followLink) {
     struct stat status {};
@@ -69,32 +60,21 @@ void CopyTree(const std::string& from, const std::string& to, const std::string&
 
 void LFile::GetSharedDataFolderApp(char* out) {
     const std::string folder = MachinePath("/opt/quillon/lectora");
-    MakeFolders(folder, 0);
+    MakeStoreFolder(folder);
     CopyText(out, kTextBufferSize, folder + "/etc");
 }
 
 void LFile::GetSharedDataFolderAppSubFolder(const char* name, char* out) {
     GetSharedDataFolderApp(out);
-    MakeFolder(out);
     _FilePathCat(out, name);
-    MakeFolder(out);
+    MakeStoreFolder(out);
 }
 
 void LFile::GetUserDataFolderAppSubFolder(const char* name, char* out) {
     const std::string home = HomeFolder();
     const std::string folder = home + (home.ends_with('/') ? "" : "/") + ".quillon/lectora/" + name;
-    MakeFolders(folder, home.size());
+    MakeStoreFolder(folder);
     CopyText(out, kTextBufferSize, folder);
-}
-
-void LFile::SetFolderSecurityAllAccess(const char* folder) {
-    std::string command = "chmod -Rf 777 \"";
-    for (const char c : std::string_view(folder)) {
-        if (std::string_view("\"\\$`").find(c) != std::string_view::npos)
-            command += '\\';
-        command += c;
-    }
-    RunShellCommand((command + "\"").c_str());
 }
 
 void LFile::CopyFolderFiles(const char* from, const char* to) {

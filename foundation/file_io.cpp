@@ -5,8 +5,6 @@
 
 #include <cerrno>
 
-#include "foundation/file_mask.h"
-
 namespace {
 
 // Calls read(done) until size bytes, the end of the file or an error.
@@ -46,7 +44,7 @@ int WriteAll(std::string_view bytes, Write write) {
 }  // namespace
 
 UniqueFd OpenRegularFile(const char* path, int flags, mode_t mode) {
-    UniqueFd fd(::open(path, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, CreationMode(path, mode)));
+    UniqueFd fd(::open(path, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode));
     struct stat status {};
     if (fd.IsOpen() && (::fstat(fd.Get(), &status) != 0 || !S_ISREG(status.st_mode)))
         fd.Reset();

@@ -11,7 +11,8 @@
 #include "foundation/unique_fd.h"
 
 // Opens close-on-exec; not open for anything but a regular file (a FIFO or a device never makes the
-// caller wait). mode is that of a new file, see CreationMode().
+// caller wait). mode is that of a new file, less the
+// process's mask.
 UniqueFd OpenRegularFile(const char* path, int flags, mode_t mode = 0666);
 // The same for reading from its start to its end.
 UniqueFd OpenFileForReading(const char* path);

@@ -2,11 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <string>
-#include <string_view>
-
-#include "foundation/machine_root.h"
-
 namespace {
 
 mode_t TakeMask() {
@@ -15,13 +10,8 @@ mode_t TakeMask() {
     return mask;
 }
 
-// While there is one thread and nobody has changed it.
+// While there is one thread.
 [[maybe_unused]] const mode_t gTakenBeforeMain = StartMask();
-
-bool IsMachineWide(std::string_view path) {
-    const std::string folder = MachinePath("/opt/quillon");
-    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
-}
 
 }  // namespace
 
@@ -30,10 +20,6 @@ mode_t StartMask() {
     return mask;
 }
 
-mode_t CreationMode(const char* path, mode_t mode) {
-    return IsMachineWide(path) ? mode : mode & ~StartMask();
-}
-
 bool MakeFolder(const char* path) {
-    return mkdir(path, CreationMode(path, 0777)) == 0;
+    return mkdir(path, 0777) == 0;
 }

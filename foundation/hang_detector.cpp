@@ -13,7 +13,6 @@
 #include "foundation/child_process.h"
 #include "foundation/crash_box_program.h"
 #include "foundation/file.h"
-#include "foundation/file_mask.h"
 #include "foundation/ticks.h"
 
 namespace {
@@ -77,7 +76,7 @@ void LHangDetector::Init(const char* folder, std::int32_t now, std::uint32_t tic
                          LBugReportDesk& desk) {
     CopyText(path_, folder);
     LFile::_FilePathCat(path_, "_lectora_rl");
-    fd_.Reset(::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, CreationMode(path_, 0666)));
+    fd_.Reset(::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     RunRecord record{now, tick};
     if (fd_.IsOpen()) {
         ::flock(fd_.Get(), LOCK_EX | LOCK_NB);

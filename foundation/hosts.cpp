@@ -5,7 +5,7 @@
 namespace {
 
 // An empty value is none.
-std::string Host(const MachineSetting<const char*>& setting) {
+std::string Host(const AdministratorSetting<const char*>& setting) {
     const std::string host = setting.Get();
     return host.empty() ? setting.defaultValue : host;
 }

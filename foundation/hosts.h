@@ -1,6 +1,6 @@
 // The maker's servers. Defaults are set at configure time (LECTORA_HOST_... of CMake); the
 // machine-wide settings section "Hosts" overrides them by the keys "Web", "Components" and
-// "Report". A host may carry a port: "host:port".
+// "Report", where nobody but root could have written it. A host may carry a port: "host:port".
 #pragma once
 
 #include <string>

@@ -9,6 +9,7 @@
 #include "foundation/file.h"
 #include "foundation/file_io.h"
 #include "foundation/flock_timed.h"
+#include "foundation/store_file.h"
 
 namespace {
 
@@ -19,10 +20,11 @@ std::time_t WallClock() {
     return std::time(nullptr);
 }
 
-// A file that cannot be opened takes nothing; one that cannot be locked is written all the same,
-// and appending keeps that line whole too wherever the file system is local.
+// For its user alone: what is logged may tell what was read. A file that cannot be opened takes
+// nothing; one that cannot be locked is written all the same, and appending keeps that line whole
+// too wherever the file system is local.
 void AppendToFile(const char* path, std::string_view text) {
-    const UniqueFd file = OpenRegularFile(path, O_WRONLY | O_CREAT | O_APPEND);
+    const UniqueFd file = OpenStoreFile(path, O_WRONLY | O_CREAT | O_APPEND, 0600);
     if (!file.IsOpen())
         return;
     LockInTurn(file.Get(), LOCK_EX | LOCK_NB, kLogLockMilliseconds);

@@ -32,7 +32,8 @@ class LLog {
 public:
     using Clock = std::time_t (*)();
 
-    // folder is cut to 259 characters and must exist. clock gives wall-clock seconds.
+    // folder is cut to 259 characters; one of the program's own is made by the first line. clock
+    // gives wall-clock seconds.
     explicit LLog(const char* folder, Clock clock = nullptr);
     LLog(const LLog&) = delete;
     LLog& operator=(const LLog&) = delete;
@@ -66,8 +67,7 @@ private:
     char filePath_[kTextBufferSize] = {};
 };
 
-// --- The program's own log (log_functions.cpp), in the "Logs" folder of the user's data, which is
-// made before main().
+// --- The program's own log (log_functions.cpp), in the "Logs" folder of the user's data.
 extern LLog gLLog;
 
 // Lines to gLLog; the name gives the level. Numbers and second texts are joined to the text, cut to

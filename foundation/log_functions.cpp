@@ -1,15 +1,13 @@
 #include <cstdio>
 #include <string>
 
-#include "foundation/file.h"
 #include "foundation/log.h"
+#include "foundation/settings.h"
 
 namespace {
 
 std::string LogFolder() {
-    char folder[kTextBufferSize];
-    LFile::GetUserDataFolderAppSubFolder("Logs", folder);
-    return folder;
+    return UserSettingsFolder() + "/Logs";
 }
 
 }  // namespace

@@ -1,33 +1,20 @@
 #include "foundation/settings.h"
 
-#include <sys/stat.h>
-
 #include "foundation/ascii.h"
 #include "foundation/file.h"
-#include "foundation/file_mask.h"
 #include "foundation/machine_root.h"
 #include "foundation/numbers.h"
+#include "foundation/store_file.h"
 #include "foundation/text_buffer.h"
 
 LLocalSettings gLLocalSettings;
 LUserSettings gLUserSettings;
 
-namespace {
-
-std::string FolderFrom(void (*getFolder)(char*)) {
-    char folder[kTextBufferSize];
-    getFolder(folder);
-    return folder;
-}
-
-}  // namespace
-
 LSettingsSectionList::LSettingsSectionList(const char* folder) : folder_(folder) {}
 
-LUserSettings::LUserSettings() : LSettingsSectionList(FolderFrom(LSettingsGetUserFolder).c_str()) {}
+LUserSettings::LUserSettings() : LSettingsSectionList(UserSettingsFolder().c_str()) {}
 
-LLocalSettings::LLocalSettings()
-    : LSettingsSectionList(FolderFrom(LSettingsGetSharedFolder).c_str()) {}
+LLocalSettings::LLocalSettings() : LSettingsSectionList(MachineSettingsFolder().c_str()) {}
 
 LSettingsFile* LSettingsSectionList::FindSection(const char* section) {
     const std::string_view name = std::string_view(section).substr(0, kSettingsTextLimit);
@@ -57,6 +44,12 @@ void LSettingsSectionList::GetString(const char* section, const char* key, const
 void LSettingsSectionList::SetString(const char* section, const char* key, const char* value) {
     const std::lock_guard lock(mutex_);
     OpenSection(section).SetString(key, value);
+}
+
+bool LSettingsSectionList::CouldOnlyRootWrite(const char* section) const {
+    char path[kTextBufferSize];
+    LSettingSectionFile(path, folder_.c_str(), section);
+    return ::CouldOnlyRootWrite(path);
 }
 
 void LSettingsSectionList::DeleteItem(const char* section, const char* key) {
@@ -125,18 +118,23 @@ std::string LSettingGet(const char* section, const char* key, const char* defaul
     return value;
 }
 
+std::string UserSettingsFolder() {
+    const std::string home = HomeFolder();
+    return home + (home.ends_with('/') ? "" : "/") + ".quillon/lectora";
+}
+
+std::string MachineSettingsFolder() {
+    return MachinePath("/opt/quillon/lectora/etc");
+}
+
 void LSettingsGetUserFolder(char* out) {
-    CopyText(out, kTextBufferSize, HomeFolder());
-    for (const char* level : {".quillon", "lectora"}) {
-        LFile::_FilePathCat(out, level);
-        MakeFolder(out);
-    }
+    CopyText(out, kTextBufferSize, UserSettingsFolder());
+    MakeStoreFolder(out);
 }
 
 void LSettingsGetSharedFolder(char* out) {
     LFile::GetSharedDataFolderApp(out);
-    if (MakeFolder(out))  // before main(), where the mask of the start still holds
-        chmod(out, 0777);
+    MakeStoreFolder(out);
 }
 
 void LSettingSectionFile(char* out, const char* folder, const char* section) {
@@ -151,6 +149,6 @@ void LSettingGetSubListPath(char* out, const char* path) {
 void LSettingSubListSection(char* out, const char* path, const char* name) {
     char folder[kTextBufferSize];
     LSettingGetSubListPath(folder, path);
-    MakeFolder(folder);
+    MakeStoreFolder(folder);
     LSettingSectionFile(out, folder, name);
 }

@@ -1,5 +1,6 @@
 // The two settings stores: per user ("$HOME/.quillon/lectora") and machine-wide
-// ("/opt/quillon/lectora/etc").
+// ("/opt/quillon/lectora/etc"). The machine's is root's to write: what stands there is the
+// administrator's default. Their folders are made by whoever writes first.
 #pragma once
 
 #include <forward_list>
@@ -21,6 +22,8 @@ public:
     // Does nothing in a section that was not read or set through this list before: callers read
     // before they delete.
     void DeleteItem(const char* section, const char* key);
+    // Of a section of the machine's (store_file.h).
+    bool CouldOnlyRootWrite(const char* section) const;
 
 private:
     struct Section {
@@ -68,6 +71,8 @@ void LSettingGetPassword(const char* section, const char* key, const char* defau
 std::string LSettingGet(const char* section, const char* key, const char* defaultValue = "");
 
 // --- where files stand; `out` holds 260 bytes
+std::string UserSettingsFolder();     // made by nobody who only asks
+std::string MachineSettingsFolder();  // likewise
 void LSettingsGetUserFolder(char* out);    // created when missing
 void LSettingsGetSharedFolder(char* out);  // created when missing
 void LSettingSectionFile(char* out, const char* folder, const char* section);

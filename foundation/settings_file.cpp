@@ -7,6 +7,7 @@
 #include "foundation/file_io.h"
 #include "foundation/file_rewrite.h"
 #include "foundation/flock_timed.h"
+#include "foundation/store_file.h"
 #include "foundation/text_buffer.h"
 
 namespace {
@@ -60,7 +61,7 @@ LSettingsFile::Stamps LSettingsFile::StampsOf(int fd) {
 }
 
 void LSettingsFile::GetString(const char* key, const char* defaultValue, char* out) {
-    const UniqueFd file = OpenFileForReading(path_.c_str());
+    const UniqueFd file = OpenStoreFile(path_.c_str(), O_RDONLY);
     if (file.IsOpen()) {
         LockInTurn(file.Get(), LOCK_SH | LOCK_NB, kReadLockMilliseconds);
         ReloadIfChanged(file.Get());
@@ -71,7 +72,7 @@ void LSettingsFile::GetString(const char* key, const char* defaultValue, char* o
 }
 
 bool LSettingsFile::TestFieldExists(const char* key) {
-    const UniqueFd file = OpenFileForReading(path_.c_str());
+    const UniqueFd file = OpenStoreFile(path_.c_str(), O_RDONLY);
     if (file.IsOpen()) {
         LockInTurn(file.Get(), LOCK_SH | LOCK_NB, kTestLockMilliseconds);
         ReloadIfChanged(file.Get());
@@ -83,7 +84,7 @@ void LSettingsFile::SetString(const char* key, const char* value) {
     const std::string lowered = ToLower(CutKey(key));
     if (lowered.empty())
         return;  // lines without a key are the rewrite's own
-    const UniqueFd file = OpenRegularFile(path_.c_str(), O_RDWR | O_CREAT);
+    const UniqueFd file = OpenStoreFile(path_.c_str(), value ? O_RDWR | O_CREAT : O_RDWR);
     if (!file.IsOpen())
         return;
     LockInTurn(file.Get(), LOCK_EX | LOCK_NB, kWriteLockMilliseconds);

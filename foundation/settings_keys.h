@@ -4,7 +4,8 @@
 #include "foundation/host_defaults.h"
 #include "foundation/setting.h"
 
-constexpr MachineSetting<const char*> kWebHostSetting{"Hosts", "Web", kDefaultWebHost};
-constexpr MachineSetting<const char*> kComponentsHostSetting{"Hosts", "Components",
-                                                             kDefaultComponentsHost};
-constexpr MachineSetting<const char*> kReportHostSetting{"Hosts", "Report", kDefaultReportHost};
+constexpr AdministratorSetting<const char*> kWebHostSetting{"Hosts", "Web", kDefaultWebHost};
+constexpr AdministratorSetting<const char*> kComponentsHostSetting{"Hosts", "Components",
+                                                                   kDefaultComponentsHost};
+constexpr AdministratorSetting<const char*> kReportHostSetting{"Hosts", "Report",
+                                                               kDefaultReportHost};

@@ -7,11 +7,10 @@
 #include <string>
 #include <tuple>
 
-#include "foundation/file_mask.h"
 #include "foundation/numbers.h"
 #include "foundation/settings.h"
+#include "foundation/store_file.h"
 #include "foundation/text_buffer.h"
-#include "foundation/unique_fd.h"
 
 namespace {
 
@@ -22,16 +21,22 @@ void SubRecordPath(char (&out)[kTextBufferSize], const char* path, const char* n
     LSettingSectionFile(out, folder, name);
 }
 
+std::string RecordPath(const std::string& store, const char* section, const char* name) {
+    char sectionFile[kTextBufferSize];
+    char path[kTextBufferSize];
+    LSettingSectionFile(sectionFile, store.c_str(), section);
+    SubRecordPath(path, sectionFile, name);
+    return path;
+}
+
 }  // namespace
 
 LSettingsRecord::LSettingsRecord(const char* section, const char* name) {
-    char folder[kTextBufferSize];
-    char sectionFile[kTextBufferSize];
-    char path[kTextBufferSize];
-    LSettingsGetSharedFolder(folder);
-    LSettingSectionFile(sectionFile, folder, section);
-    LSettingSubListSection(path, sectionFile, name);
-    ChangeFilePath(path);
+    ChangeFilePath(RecordPath(MachineSettingsFolder(), section, name).c_str());
+}
+
+LSettingsRecord LSettingsRecord::OfUser(const char* section, const char* name) {
+    return LSettingsRecord(RecordPath(UserSettingsFolder(), section, name).c_str());
 }
 
 int LSettingsRecord::GetInt(const char* key, int defaultValue) {
@@ -68,8 +73,7 @@ void LSettingsRecord::OpenSubRecord(const char* name, LSettingsRecord& out) cons
 
 bool LSettingsRecord::CreateSubRecord(const char* name, LSettingsRecord& out) const {
     OpenSubRecord(name, out);
-    const UniqueFd file(
-        open(out.Path(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, CreationMode(out.Path(), 0666)));
+    const UniqueFd file = OpenStoreFile(out.Path(), O_RDWR | O_CREAT | O_EXCL);
     if (!file.IsOpen())
         return false;
     // A reader may have come in between: the lock orders it, the cut empties what it cannot have

@@ -8,8 +8,10 @@ class LSettingsRecord : public LSettingsFile {
 public:
     LSettingsRecord() = default;
     explicit LSettingsRecord(const char* path) : LSettingsFile(path) {}
-    // The machine-wide record <name> of a section; the folders on the way are created.
+    // The machine-wide record <name> of a section. Its folders are made by whoever writes it first.
     LSettingsRecord(const char* section, const char* name);
+    // The present user's.
+    static LSettingsRecord OfUser(const char* section, const char* name);
 
     // Decimal text; absent or empty is the default, junk reads as its leading number or 0.
     int GetInt(const char* key, int defaultValue);

@@ -4,14 +4,12 @@
 #include <sys/file.h>
 
 #include "foundation/file_io.h"
-#include "foundation/file_mask.h"
 #include "foundation/flock_timed.h"
 
 namespace {
 
 void SaveBytes(const char* path, std::string_view bytes) {
-    UniqueFd fd(
-        open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, CreationMode(path, 0666)));
+    UniqueFd fd(open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666));
     if (!fd.IsOpen())
         return;
     static_cast<void>(flock(fd.Get(), LOCK_EX | LOCK_NB));

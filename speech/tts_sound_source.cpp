@@ -10,7 +10,6 @@
 #include <thread>
 
 #include "foundation/file.h"
-#include "foundation/file_mask.h"
 #include "foundation/ticks.h"
 #include "foundation/unique_fd.h"
 
@@ -50,7 +49,7 @@ bool LTTSSoundSource::ChoosePath() {
         CopyText(path_, "/tmp");
         LFile::_FilePathCat(path_, name);
         const UniqueFd file(
-            ::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, CreationMode(path_, 0666)));
+            ::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
         if (file.IsOpen()) {
             ::flock(file.Get(), LOCK_EX | LOCK_NB);
             return ::ftruncate(file.Get(), 0) == 0;

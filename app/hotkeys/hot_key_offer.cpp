@@ -50,8 +50,7 @@ bool Ask(GtkWidget* parent) {
         areStored = StoreHotKey(hotKey) && areStored;
     if (!areStored)
         MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
-                      "The hotkeys could not be kept.",
-                      "This computer's settings cannot be written.");
+                      "The hotkeys could not be kept.", "Your settings folder cannot be written.");
     return areStored;
 }
 

@@ -17,7 +17,9 @@ protected:
     }
 
     ScratchFolder root_;
+    ScratchFolder home_;
     ScopedVariable rootVariable_{"LECTORA_ROOT", root_.Path().c_str()};
+    ScopedVariable homeVariable_{"HOME", home_.Path().c_str()};
 };
 
 TEST_F(HotKeyStoreTest, KeepsWhatIsStoredAndUsesFreeIdsAgain) {
@@ -37,11 +39,30 @@ TEST_F(HotKeyStoreTest, KeepsWhatIsStoredAndUsesFreeIdsAgain) {
     StoreHotKey(added);
     EXPECT_EQ(1, added.id);
     EXPECT_EQ((std::vector<int>{0, 1, 2}), Ids());
-    EXPECT_EQ(3, LSettingsRecord("Hotkey", "Details").GetInt("MaxID", 0));
+    EXPECT_EQ(3, LSettingsRecord::OfUser("Hotkey", "Details").GetInt("MaxID", 0));
+    EXPECT_FALSE(root_.Has("opt")) << "one user's keys are no other's";
+}
+
+TEST_F(HotKeyStoreTest, TheAdministratorsCountUntilTheUserChangesOne) {
+    LSettingsRecord machines("Hotkey", "Details");
+    LSettingsRecord record;
+    machines.CreateSubRecord("1", record);
+    record.SetInt("Command", kHotKeySave);
+    record.SetInt("Key", 'S');
+    machines.SetInt("MaxID", 2);
+    EXPECT_EQ((std::vector<int>{1}), Ids());
+    StoredHotKey added{-1, kKeyControl | 'R', kHotKeyRead};
+    EXPECT_TRUE(StoreHotKey(added));
+    EXPECT_EQ((std::vector<int>{0, 1}), Ids());
+    EXPECT_EQ(kHotKeySave, LoadHotKeys()[1].command);
+    EXPECT_TRUE(RemoveHotKey(0) && RemoveHotKey(1));
+    EXPECT_TRUE(LoadHotKeys().empty()) << "removed for this user";
+    EXPECT_EQ(machines.GetInt("MaxID", 0), 2);
+    EXPECT_TRUE(machines.TestSubRecordExists("1")) << "and for nobody else";
 }
 
 TEST_F(HotKeyStoreTest, RecordsEditedByHandDoNoHarm) {
-    LSettingsRecord details("Hotkey", "Details");
+    LSettingsRecord details = LSettingsRecord::OfUser("Hotkey", "Details");
     details.SetInt("MaxID", 2000000000);
     LSettingsRecord record;
     details.CreateSubRecord("7", record);

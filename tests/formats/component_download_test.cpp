@@ -41,9 +41,7 @@ protected:
         turn_ = UniqueFd(::open(settings, O_RDONLY | O_CLOEXEC));
         EXPECT_EQ(::flock(turn_.Get(), LOCK_EX), 0);
         ::setenv("HOME", Path("").c_str(), 1);
-        ::setenv("LECTORA_ROOT", Path("root").c_str(), 1);
         ::setenv("MP3EL", FORMATS_TESTS_FOLDER "/../../share/components/mp3el", 1);
-        std::filesystem::create_directories(Path("root/opt/quillon/lectora"));
         const LPipePair input = LPipePair::Make();
         serverInput_ = UniqueFd(::dup(input.writeEnd.Get()));
         ::fcntl(serverInput_.Get(), F_SETFD, FD_CLOEXEC);

@@ -88,7 +88,7 @@ TEST_F(ProcessTest, RunShellCommandWaitsAndAnswersTheStatus) {
     EXPECT_GE(Clock::now() - start, milliseconds(200));
 }
 
-TEST_F(ProcessTest, FilesOutsideTheMachineWideFolderKeepToTheMaskOfTheStart) {
+TEST_F(ProcessTest, FilesOfTheUsersKeepToTheMaskAndTheMachinesAreRootsToWrite) {
     const ScratchFolder home;
     const ScratchFolder root;
     const ScopedVariable homeVariable("HOME", home.Path().c_str());
@@ -101,11 +101,14 @@ TEST_F(ProcessTest, FilesOutsideTheMachineWideFolderKeepToTheMaskOfTheStart) {
         ASSERT_EQ(::stat(entry.path().c_str(), &status), 0);
         files += entry.is_regular_file();
         const bool isLock = entry.path().extension() == ".lck";
-        EXPECT_EQ(status.st_mode & 07777, entry.is_directory() || isLock ? 0750u : 0640u)
+        const bool isLog = entry.path().parent_path() == home / ".quillon/lectora/Logs";
+        EXPECT_EQ(status.st_mode & 07777, isLog                            ? 0600u
+                                          : entry.is_directory() || isLock ? 0750u
+                                                                           : 0640u)
             << entry.path();
     }
     EXPECT_EQ(files, 12) << "settings, record, log, data, text, a copy of each, umask, lock";
-    for (const auto& [shared, mode] : {std::pair{"etc", 0777}, {"etc/name", 0666}})
+    for (const auto& [shared, mode] : {std::pair{"etc", 0755}, {"etc/name", 0644}, {"", 0755}})
         EXPECT_EQ(std::filesystem::status((root / "opt/quillon/lectora/") + shared).permissions(),
                   std::filesystem::perms(mode))
             << shared;

@@ -2,16 +2,13 @@
 // links them.
 //   crash WAY BOX  crashes in the given way, with BOX (if not empty) as the program that asks
 //   log TEXT       writes a line of every kind
-//   files NAME     makes a file of every kind in the home folder and the machine-wide one, without
-//   a
-//                  mask of its own
+//   files NAME     makes a file of every kind in the home folder and the machine-wide one
 //   run leave|end  marks a run in progress, and leaves it so or ends it cleanly
 #include <gdk/gdk.h>
 #include <malloc.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -106,7 +103,6 @@ void Crash(std::string_view way) {
 }
 
 void MakeFiles(const char* name) {
-    ::umask(0);
     const std::string home = HomeFolder() + "/";
     LUserSettingSetString(name, "key", "value");
     LSettingSetString(name, "key", "value");
