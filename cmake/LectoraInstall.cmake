@@ -15,9 +15,9 @@ foreach(program IN ITEMS lectora lectora-say lectora-convert)
         file(CREATE_LINK \"${LECTORA_HOME}/bin/${program}\" \"\${link}\" SYMBOLIC)")
 endforeach()
 
-# Machine-wide settings, which every user may change.
+# Machine-wide settings: the administrator's.
 install(DIRECTORY DESTINATION "${LECTORA_HOME}/etc" DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
-        GROUP_READ GROUP_WRITE GROUP_EXECUTE WORLD_READ WORLD_WRITE WORLD_EXECUTE)
+        GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
 # The MP3 component, which its installer otherwise fetches for one user: the program that stands in that script.
 set(mp3_installer "${PROJECT_SOURCE_DIR}/share/components/mp3el")

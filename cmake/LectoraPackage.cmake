@@ -29,6 +29,7 @@ set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "gnome-themes-extra, fonts-dejavu-core, libn
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "festival-voice, xterm")
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://quillon.example/")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/share/package/preinst"
+    "${PROJECT_SOURCE_DIR}/share/package/postinst"
     "${PROJECT_SOURCE_DIR}/share/package/postrm")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/LectoraPackageFolders.cmake")

@@ -1,86 +1,65 @@
 #include "desktop/desktop_shortcut.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
 #include <string_view>
 
-#include "desktop/user_accounts.h"
+#include "desktop/account_home.h"
 #include "foundation/file_io.h"
 #include "foundation/machine_root.h"
-#include "foundation/publish_file.h"
 
 namespace {
 
-constexpr std::size_t kLargestFile = 65536;
+constexpr const char* kShortcut = "lectora.desktop";
+constexpr std::size_t kLargestMenuEntry = 65536;
 
-std::string ReadText(const std::string& path) {
-    struct stat status {};
-    std::string text;
-    // A link or a pipe that a user left there is nothing to read as root.
-    if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
-        return text;
-    const UniqueFd file = OpenFileForReading(path.c_str());
-    if (!file.IsOpen() || !ReadWholeFile(file.Get(), kLargestFile, text))
-        text.clear();
-    return text;
-}
-
-// The folder has another name in other languages; the user's own file tells it. Empty where the
-// user wants none, which that file says by naming the home itself.
-std::string DesktopFolder(const std::string& home) {
-    constexpr std::string_view key = "XDG_DESKTOP_DIR=\"";
-    const std::string folders = "\n" + ReadText(home + "/.config/user-dirs.dirs");
-    const std::size_t at = folders.find("\n" + std::string(key));
+// Seen from the home. The folder has another name in other languages; the user's own file tells it.
+// Empty where the user wants none, which that file says by naming the home itself, or one
+// elsewhere.
+std::string DesktopFolder(const LHomeFolder& home) {
+    constexpr std::string_view key = "\nXDG_DESKTOP_DIR=\"";
+    constexpr std::string_view ownHome = "$HOME/";
+    const std::string folders = "\n" + home.ReadText(".config/user-dirs.dirs");
+    const std::size_t at = folders.find(key);
     if (at == std::string::npos)
-        return home + "/Desktop";
-    const std::size_t start = at + 1 + key.size();
+        return "Desktop";
+    const std::size_t start = at + key.size();
     std::string folder = folders.substr(start, folders.find('"', start) - start);
-    if (folder.starts_with("$HOME"))
-        folder.replace(0, 5, home);
     while (folder.ends_with('/'))
         folder.pop_back();
-    return folder == home ? std::string() : folder;
+    return folder.starts_with(ownHome) ? folder.substr(ownHome.size()) : std::string();
 }
 
-std::string ShortcutIn(const std::string& home) {
-    const std::string folder = home.empty() ? home : DesktopFolder(home);
-    return folder.empty() ? folder : folder + "/lectora.desktop";
+bool Create(const LHomeFolder& home, const std::string& entry) {
+    const std::string desktop = DesktopFolder(home);
+    const UniqueFd folder = desktop.empty() ? UniqueFd() : home.OpenFolder(desktop);
+    // Desktops start only what may be run.
+    return folder.IsOpen() && PlaceFile(folder.Get(), kShortcut, entry, 0755, false);
 }
 
-bool IsOurs(const std::string& path) {
-    return ReadText(path).find("\nExec=lectora ") != std::string::npos;
+bool RemoveOwn(const LHomeFolder& home) {
+    const std::string desktop = DesktopFolder(home);
+    const UniqueFd folder = desktop.empty() ? UniqueFd() : home.OpenFolder(desktop);
+    const bool isOurs =
+        folder.IsOpen() &&
+        home.ReadText(desktop + "/" + kShortcut).find("\nExec=lectora ") != std::string::npos;
+    return isOurs && ::unlinkat(folder.Get(), kShortcut, 0) == 0;
 }
 
 }  // namespace
 
 void CreateDesktopShortcut() {
-    const std::string entry = ReadText(MachinePath("/usr/share/applications/lectora.desktop"));
-    const std::string shortcut = ShortcutIn(HomeFolder());
-    if (entry.empty() || shortcut.empty())
+    const UniqueFd file =
+        OpenFileForReading(MachinePath("/usr/share/applications/lectora.desktop").c_str());
+    std::string entry;
+    if (!file.IsOpen() || !ReadWholeFile(file.Get(), kLargestMenuEntry, entry) || entry.empty())
         return;
-    const std::string written = shortcut + ".new";
-    {
-        // Desktops start only what may be run.
-        const UniqueFd file =
-            OpenRegularFile(written.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0755);
-        if (!file.IsOpen())
-            return;
-        if (WriteFully(file.Get(), entry) != 0) {
-            ::unlink(written.c_str());
-            return;
-        }
-    }
-    if (PublishFile(written.c_str(), shortcut.c_str(), false) != 0)
-        ::unlink(written.c_str());
+    InHomeOf(PresentAccount(), [&entry](const LHomeFolder& home) { return Create(home, entry); });
 }
 
 void RemoveDesktopShortcuts() {
-    for (const LUserAccount& account : LGetUsersAccounts()) {
-        const std::string shortcut = ShortcutIn(account.home);
-        if (!shortcut.empty() && IsOurs(shortcut))
-            ::unlink(shortcut.c_str());
-    }
+    for (const LUserAccount& account : LGetUsersAccounts())
+        InHomeOf(account, RemoveOwn);
 }

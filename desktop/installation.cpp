@@ -10,20 +10,20 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <tuple>
 #include <vector>
 
 #include "desktop/desktop_databases.h"
 #include "desktop/desktop_shortcut.h"
 #include "desktop/install_list.h"
 #include "desktop/start_on_login.h"
-#include "desktop/user_accounts.h"
 #include "desktop/users_data.h"
 #include "foundation/file.h"
 #include "foundation/file_io.h"
-#include "foundation/file_mask.h"
 #include "foundation/lock_file.h"
 #include "foundation/machine_root.h"
 #include "foundation/publish_file.h"
+#include "foundation/settings.h"
 #include "foundation/text_buffer.h"
 
 namespace fs = std::filesystem;
@@ -243,31 +243,43 @@ bool LockMachine(LLockFile& lock) {
     return lock.Lock(MachinePath("/opt/quillon/lectora/install.run").c_str());
 }
 
+// Older versions let every user write to the machine-wide settings. From above downwards, so that
+// nobody exchanges what is being looked at.
+void KeepOthersFromWriting(int parent, const char* name) {
+    const UniqueFd at(::openat(parent, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (!at.IsOpen() || ::fstat(at.Get(), &status) != 0 ||
+        !(S_ISDIR(status.st_mode) || S_ISREG(status.st_mode)))
+        return;
+    ::fchmod(at.Get(), status.st_mode & 0755);
+    if (!S_ISDIR(status.st_mode))
+        return;
+    std::ignore = ::fchown(at.Get(), ::geteuid(), ::getegid());
+    std::error_code error;
+    const std::string folder = "/proc/self/fd/" + std::to_string(at.Get());
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error))
+        KeepOthersFromWriting(at.Get(), entry->path().filename().c_str());
+}
+
 constexpr const char* kBusy =
     "The program's folder cannot be written, or another installation is running. Please run it as "
     "root.";
 
-// Switching the start on login off prepares each home for switching it on. Folders that came into
-// being by that go again.
-void RemoveStartOnLogin() {
-    std::vector<std::string> missing;
-    for (const LUserAccount& account : LGetUsersAccounts()) {
-        const std::string folder = account.home + "/.config/autostart";
-        std::error_code error;
-        if (!account.home.empty() && !fs::exists(fs::symlink_status(folder, error)))
-            missing.push_back(folder);
-    }
-    SetAllUserRun(false);
-    for (const std::string& folder : missing)
-        ::rmdir(folder.c_str());
-}
-
 // What the list does not name, but the program has put somewhere for its users.
 void RemoveWhatUsersHave(RemovalChoice choice) {
-    RemoveStartOnLogin();
+    SetAllUserRun(false);
     RemoveDesktopShortcuts();
     if (choice.usersData)
         RemoveUsersData();
+}
+
+// Those that this and the settings make, where nothing is installed and they are empty.
+void RemoveEmptyFolders() {
+    if (IsInstalled())
+        return;
+    for (const char* folder : {"/opt/quillon/lectora/etc", kHome, "/opt/quillon"})
+        ::rmdir(MachinePath(folder).c_str());
 }
 
 std::string RemovePlacedFiles(const LInstallList& list) {
@@ -291,23 +303,12 @@ std::string InstallTree(const std::string& tree, const InstallProgress& progress
         RemoveEmptyFolders();
         return trouble;
     }
-    // Every start makes these two, with the mask of whoever starts.
+    // A mask that keeps new folders from others would keep the program from them.
     for (const char* folder : {"/opt/quillon", kHome})
         ::chmod(MachinePath(folder).c_str(), 0755);
-    char settings[kTextBufferSize];
-    LFile::GetSharedDataFolderApp(settings);
-    MakeFolder(settings);
-    LFile::SetFolderSecurityAllAccess(settings);  // all users share the machine-wide settings
+    KeepOthersFromWriting(AT_FDCWD, MachineSettingsFolder().c_str());
     RefreshDesktopDatabases();
     return std::string();
-}
-
-void RemoveEmptyFolders() {
-    if (IsInstalled())
-        return;
-    for (const char* folder : {"/opt/quillon/lectora/etc", kHome, "/opt/quillon"})
-        ::rmdir(MachinePath(folder).c_str());
-    RemoveUsersEmptyFolders();
 }
 
 bool IsInstalled() {

@@ -29,10 +29,6 @@ struct RemovalChoice {
 // past what cannot be removed, and tells the first.
 std::string RemoveInstallation(RemovalChoice choice);
 
-// Takes away the folders that every start of the program makes, for the machine and in the homes,
-// where nothing is installed and they are empty.
-void RemoveEmptyFolders();
-
 bool IsInstalled();  // by an installation of this kind
 
 // The tree that the running program stands in; empty when it stands in none. The machine's own

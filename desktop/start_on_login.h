@@ -1,6 +1,8 @@
 // Starting the program when a desktop session begins, for every account of the machine or for the
-// present user. Nothing is reported to the user; any thread.
+// present user. Any thread.
 #pragma once
+
+#include <string>
 
 // The choice as it is kept, and its two ways of being carried out.
 class LAutoRun {
@@ -14,10 +16,11 @@ public:
     static void RemRunUser();
 };
 
-// Puts the start-up entry into the home folder of every account, or takes it out.
+// Puts the start-up entry into the home folder of every account, or takes it out; as far as this
+// process may act as these accounts.
 void SetAllUserRun(bool on);
-// The same for the account that the environment variable USERNAME names. False when there is none,
-// or its entry could not be placed or removed.
+// The same for the account that the environment variable USERNAME names, without it for whoever
+// runs this. False when there is none, or its entry could not be placed or removed.
 bool SetRunGUIUnderUser(bool on);
 
 // --- The page of the options, without its controls.
@@ -25,11 +28,13 @@ enum class StartMode : int { kEveryUser = 0, kThisUser = 1 };
 struct StartOnLoginPage {
     bool isOn;
     int mode;  // index in the list of modes
+    bool operator==(const StartOnLoginPage&) const = default;
 };
 // In the order of the list.
 inline constexpr const char* kStartModeTexts[] = {"Start when any user logs on.",
                                                   "Start when this user logs on only."};
 
-StartOnLoginPage LoadStartOnLogin();
-// A mode that the list does not have counts as off.
-void ApplyStartOnLogin(const StartOnLoginPage& page);
+StartOnLoginPage LoadStartOnLogin();  // on when this user's entry is there
+// A page that says what holds already changes nothing. A mode that the list does not have counts as
+// off. Empty, or a sentence for the user about what could not be done.
+std::string ApplyStartOnLogin(const StartOnLoginPage& page);

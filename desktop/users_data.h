@@ -4,6 +4,3 @@
 // Removes settings, logs and the last speech of every account, and of whoever runs this. Leaves
 // what belongs to no one of them: a link in the place of a folder is not followed.
 void RemoveUsersData();
-
-// Takes away the folders that every start makes in a home, where they are empty.
-void RemoveUsersEmptyFolders();

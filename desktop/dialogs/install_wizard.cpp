@@ -221,6 +221,5 @@ bool RunInstallWizard() {
     wizard.AddPage(progress, {"Installing", false, DlgGenInstallProgress});
     wizard.AddPage(end, {"Installation", false, DlgGenInstallEnd});
     const bool finished = wizard.Open(nullptr, kInstallTitle);
-    RemoveEmptyFolders();  // of a wizard that was given up
     return finished && end.StartsNow();
 }

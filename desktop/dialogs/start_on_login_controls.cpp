@@ -1,6 +1,7 @@
 #include "desktop/dialogs/start_on_login_controls.h"
 
 #include "desktop/start_on_login.h"
+#include "gui/message_box.h"
 
 void LAutoRunSettingsInit(LWindow& dialog, int checkId, int listId) {
     const StartOnLoginPage page = LoadStartOnLogin();
@@ -11,6 +12,10 @@ void LAutoRunSettingsInit(LWindow& dialog, int checkId, int listId) {
 }
 
 bool LAutoRunSettingsApply(const LWindow& dialog, int checkId, int listId) {
-    ApplyStartOnLogin({dialog.GetCheck(checkId), dialog.PDLGetCurSel(listId)});
+    const std::string trouble =
+        ApplyStartOnLogin({dialog.GetCheck(checkId), dialog.PDLGetCurSel(listId)});
+    if (!trouble.empty())
+        MessageBoxRun(dialog.Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "The start on login could not be changed.", trouble.c_str());
     return true;
 }

@@ -14,6 +14,7 @@
 #include "desktop/root_prompt.h"
 #include "desktop/watched_command.h"
 #include "foundation/lock_file.h"
+#include "tests/support/accounts.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
 
@@ -25,8 +26,9 @@ namespace fs = std::filesystem;
 class Installation : public ::testing::Test {
 protected:
     Installation() : rootVariable_("LECTORA_ROOT", root_.Path().c_str()) {
-        for (const char* folder : {"opt/quillon/lectora/bin", "opt/quillon/lectora/share/help",
-                                   "usr/bin", "usr/share/applications/desktop"})
+        for (const char* folder :
+             {"opt/quillon/lectora/bin", "opt/quillon/lectora/share/help",
+              "opt/quillon/lectora/etc", "usr/bin", "usr/share/applications/desktop"})
             fs::create_directories(tree_ / folder);
         tree_.WriteProgram(kProgram, "echo 1");
         tree_.Write("opt/quillon/lectora/share/help/index.html", std::string(200000, 'h'));
@@ -60,7 +62,10 @@ protected:
         EXPECT_EQ(fs::read_symlink(root_ / "usr/bin/lectora"), "/opt/quillon/lectora/bin/lectora");
         for (const char* path : {kProgram, "opt/quillon/lectora", "opt/quillon"})
             EXPECT_EQ(fs::status(root_ / path).permissions(), fs::perms(0755)) << path;
-        EXPECT_EQ(fs::status(root_ / "opt/quillon/lectora/etc").permissions(), fs::perms(0777));
+        for (const auto& entry : fs::recursive_directory_iterator(root_.Path()))
+            EXPECT_TRUE(entry.is_symlink() ||
+                        (entry.status().permissions() & fs::perms::others_write) == fs::perms::none)
+                << entry.path();
     }
 
     static constexpr const char* kProgram = "opt/quillon/lectora/bin/lectora";
@@ -77,7 +82,13 @@ TEST_F(Installation, LeavesNothingBehindHoweverOftenItWasDone) {
     ::umask(mask);
     ExpectInstalled();
     const auto once = Everything();
+    for (const char* open : {"", "/hotkey_"}) {  // as older versions made them
+        fs::create_directories(root_ / "opt/quillon/lectora/etc" + open);
+        fs::permissions(root_ / "opt/quillon/lectora/etc" + open, fs::perms::all);
+    }
     EXPECT_EQ(InstallTree(tree_.Path()), "");
+    ExpectInstalled();
+    fs::remove(root_ / "opt/quillon/lectora/etc/hotkey_");
     EXPECT_EQ(Everything(), once);
     // A new version: a changed file, a new one, and one that is no longer part of it.
     tree_.WriteProgram(kProgram, "echo 2");
@@ -164,9 +175,7 @@ TEST_F(Installation, TakesFromTheUsersWhatItPutThereAndTheirOwnDataOnlyWhenAsked
                                "home/bea/.quillon/other", "home/eve/.quillon/lectora/Logs",
                                "home/bea/.quillon/lectora", "elsewhere/lectora", "home/mal"})
         fs::create_directories(root_ / folder);
-    root_.Write("etc/passwd",
-                "ada:x:1:1::/home/ada:\nbea:x:2:2::/home/bea:\neve:x:3:3::/home/eve:\n"
-                "mal:x:4:4::/home/mal:\ngone:x:5:5::/home/gone:\nnone:x:6:6:::\n");
+    const Accounts accounts(root_, {"ada", "bea", "eve", "mal", "gone"}, "none:x:6:6:::\n");
     root_.Write("home/bea/.config/user-dirs.dirs",
                 "# XDG_DESKTOP_DIR=\"$HOME/no\"\nXDG_DESKTOP_DIR=\"$HOME/Bureau/\"\n");
     const std::string entry = "[Desktop Entry]\nExec=lectora %F\n";
@@ -178,6 +187,7 @@ TEST_F(Installation, TakesFromTheUsersWhatItPutThereAndTheirOwnDataOnlyWhenAsked
     root_.Write("home/ada/speech.wav", "RIFF");
     root_.Write("home/eve/.quillon/lectora/Logs/day", "log");
     root_.Write("home/bea/.quillon/lectora/settings", "installed=1");
+    accounts.OwnTheirHomes();
     const auto before = Everything();
     EXPECT_EQ(InstallTree(tree_.Path()), "");
     for (const char* home : {"home/ada", "home/bea", "home/eve"}) {

@@ -5,7 +5,7 @@
 
 #include "desktop/settings_keys.h"
 #include "desktop/user_accounts.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/support/accounts.h"
 
 namespace {
 
@@ -22,14 +22,20 @@ protected:
             std::filesystem::create_directories(root_ / folder);
         root_.Write("usr/share/applications/desktop/lectora.desktop", kEntry);
         root_.Write("home/gnome/.gnome2/session-manual", "[Default]\nnum_clients=1\n");
-        root_.Write("etc/passwd",
-                    "kde:x:1:1:K,D:E:/home/kde:/bin/sh\n"  // one field too many: no home of its own
-                    "kde:x:1:1:KDE:/home/kde:/bin/sh\ngnome:x:2:2::/home/gnome:/bin/sh\nnohome:x\n"
-                    "xdg:x:3:3::/home/xdg\nplain:x:4:4::/home/plain:\nempty:x:5:5:::\n\n");
+        accounts_.OwnTheirHomes();
+    }
+
+    uid_t OwnerOf(const std::string& path) const {
+        struct stat status {};
+        return ::stat((root_ / path).c_str(), &status) == 0 ? status.st_uid : kNoUser;
     }
 
     ScratchFolder root_;
     ScopedVariable rootVariable_;
+    // One field too many: no home of its own.
+    Accounts accounts_{root_,
+                       {"kde", "gnome", "xdg", "plain"},
+                       "kde:x:1:1:K,D:E:/home/kde:/bin/sh\nnohome:x\nempty:x:5:5:::\n\n"};
     static constexpr const char* kTargets[] = {"home/kde/.kde/AutoStart/lectora.desktop",
                                                "home/gnome/.gnome2/lectora.desktop",
                                                "home/xdg/.config/autostart/lectora.desktop"};
@@ -44,9 +50,11 @@ TEST_F(StartOnLogin, EachHomeGetsTheEntryByItsFirstMechanismOnly) {
     for (const char* target : kTargets) {
         EXPECT_EQ(root_.Read(target), kEntry) << target;
         EXPECT_EQ(std::filesystem::status(root_ / target).permissions(),
-                  std::filesystem::perms::all)
+                  std::filesystem::perms(0644))
             << target;
     }
+    EXPECT_EQ(OwnerOf(kTargets[2]), accounts_.IdOf("xdg"));
+    EXPECT_EQ(OwnerOf("home/xdg/.config/autostart"), accounts_.IdOf("xdg"));
     for (const char* other : {"home/kde/.config/autostart", "home/gnome/.config/autostart"})
         EXPECT_FALSE(root_.Has(other)) << other;
     EXPECT_TRUE(std::filesystem::is_empty(root_ / "home/plain"));
@@ -83,13 +91,14 @@ TEST_F(StartOnLogin, TheChoiceIsKeptAndCarriedOut) {
     forget();
     EXPECT_TRUE(LAutoRun::IsRun()) << "on where nothing was chosen";
     EXPECT_FALSE(LAutoRun::IsRunUser());
-    EXPECT_TRUE(LoadStartOnLogin().isOn);
-    EXPECT_EQ(LoadStartOnLogin().mode, 0);
+    EXPECT_EQ(LoadStartOnLogin(), (StartOnLoginPage{false, 0})) << "there is no entry";
+    ApplyStartOnLogin({false, 1});
+    EXPECT_EQ(kAutoRunForAllSetting.Get(), "") << "nothing was changed";
     LAutoRun::SetRun();
     EXPECT_TRUE(LAutoRun::IsRun() && has(kTargets[2]));
     LAutoRun::RemRun();
     EXPECT_FALSE(LAutoRun::IsRun() || has(kTargets[2]));
-    for (const char* user : {static_cast<const char*>(nullptr), "nobody", "plain", "empty"}) {
+    for (const char* user : {"nobody", "plain", "empty"}) {
         const ScopedVariable name("USERNAME", user);
         LAutoRun::SetRunUser();
         EXPECT_EQ(kAutoRunForUserSetting.Get(), "") << "what could not be done is not recorded";
@@ -103,13 +112,15 @@ TEST_F(StartOnLogin, TheChoiceIsKeptAndCarriedOut) {
     LAutoRun::RemRunUser();  // there is nothing to remove any more
     EXPECT_TRUE(LAutoRun::IsRunUser());
 
+    kAutoRunForUserSetting.Delete();
     const std::tuple<StartOnLoginPage, std::string, std::string, int> pages[] = {
         {{true, 0}, "1", "0", 0},
         {{true, 1}, "0", "1", 1},
         {{false, 0}, "0", "0", 1},
+        {{true, 0}, "1", "0", 0},
         {{true, -1}, "0", "0", -1}};
     for (const auto& [page, all, user, mode] : pages) {
-        ApplyStartOnLogin(page);
+        EXPECT_EQ(ApplyStartOnLogin(page), "");
         EXPECT_EQ(kAutoRunForAllSetting.Get(), all);
         EXPECT_EQ(kAutoRunForUserSetting.Get(), user);
         EXPECT_EQ(kRunModeSetting.Get(), mode);
@@ -117,6 +128,8 @@ TEST_F(StartOnLogin, TheChoiceIsKeptAndCarriedOut) {
         EXPECT_EQ(has(kTargets[2]), all == "1" || user == "1");
         EXPECT_EQ(LoadStartOnLogin().isOn, all == "1" || user == "1");
     }
+    const ScopedVariable homeless("USERNAME", "plain");
+    EXPECT_NE(ApplyStartOnLogin({true, 1}), "") << "this desktop keeps no list";
     forget();
 }
 
