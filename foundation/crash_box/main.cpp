@@ -9,6 +9,7 @@
 #include "foundation/browser.h"
 #include "foundation/bug_report.h"
 #include "foundation/machine_root.h"
+#include "foundation/standard_streams.h"
 
 namespace {
 
@@ -36,6 +37,7 @@ public:
 }  // namespace
 
 int main(int argc, char** argv) {
+    OpenStandardStreams();
     if (!gtk_init_check(&argc, &argv))
         return EXIT_FAILURE;
     const std::string_view option = argc > 1 ? argv[1] : "";
