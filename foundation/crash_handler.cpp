@@ -3,6 +3,7 @@
 #include <sched.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,6 +23,8 @@ static_assert(std::atomic<std::uint8_t>::is_always_lock_free, "used in a signal 
 namespace {
 
 std::atomic<pid_t> gTrappedThread{0};
+std::atomic<pid_t> gDisplayThread{0};
+std::atomic<int> gDisplayConnection{-1};
 
 // Copied before main(): the thread that faults may be in the middle of changing the environment.
 char** gEnvironment = nullptr;
@@ -84,7 +87,6 @@ void RunCrashBox(int signal) {
 struct Arming {
     Arming() {
         CopyEnvironment();
-        // Signal 10 is not a fault: it serves to ask for the report from outside.
         for (const int number : {SIGILL, SIGUSR1, SIGSEGV})
             SetDisposition(number, &LDebugSignalHandler);
         // Never taken down: the process may fault until its last instruction.
@@ -103,12 +105,19 @@ void LDebugSignalHandler(int signal) {
     const pid_t self = ::gettid();
     if (bLLibExceptionAlreadyTrapped.exchange(1) == 0) {
         gTrappedThread = self;
+        if (gDisplayThread == self)
+            ::shutdown(gDisplayConnection, SHUT_RDWR);
         RunCrashBox(signal);
     } else if (gTrappedThread != self) {
         for (;;)
             ::pause();  // the thread before ends the process once the user has answered
     }
     EndBySignal(signal);
+}
+
+void LDebugShutDownOnFault(int displayConnection) {
+    gDisplayConnection = displayConnection;
+    gDisplayThread = ::gettid();
 }
 
 void LDebugBlockSignals() {

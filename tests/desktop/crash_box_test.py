@@ -31,6 +31,9 @@ class CrashBoxTest(DesktopCase):
             # The engine's own processes would be taken for the box.
             desktop.wait_until(lambda: len(lectora.find("combo box")[0]) > 0, "the voices")
             desktop.forget_engine_calls()
+            # The menu holds pointer and keyboard of the whole desktop.
+            lectora.press("menu", "Tools")
+            desktop.wait_until(lambda: lectora.drawn(["menu item"], "Options..."), "the menu")
             lectora.process.send_signal(signal.SIGSEGV)
             box = Box(lectora.process)
             text = box.wait_for_box("Lectora has crashed with an abnormal signal.")
