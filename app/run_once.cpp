@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -17,14 +18,16 @@
 #include "foundation/flock_timed.h"
 #include "foundation/machine_root.h"
 #include "foundation/text_buffer.h"
+#include "foundation/timed_poll.h"
 
 namespace {
 
 // A peer that stalls must not freeze the window, and one that lies about sizes must not fill the
 // memory.
 constexpr int kReceiveLimitMilliseconds = 1000;
-constexpr int kHandOverLimitSeconds = 5;
 constexpr int kTurnLimitMilliseconds = 1000;
+constexpr int kMostTries = 100;
+constexpr useconds_t kBetweenTriesMicroseconds = 100000;
 constexpr std::int32_t kMaxArguments = 65536;
 constexpr std::int32_t kMaxArgumentBytes = 1 << 20;
 
@@ -88,6 +91,24 @@ void SendArguments(int fd, const std::vector<std::string>& arguments) {
     }
 }
 
+enum class Answer { kTaken, kEnding, kNone };
+
+// An instance that takes the command line closes the connection. One that ends says a byte, or
+// leaves what was sent unread, which resets the connection.
+Answer AwaitAnswer(int fd, int milliseconds) {
+    pollfd entry{fd, POLLIN, 0};
+    if (TimedPoll(&entry, 1, milliseconds) <= 0)
+        return Answer::kNone;
+    char byte;
+    return ::recv(fd, &byte, 1, 0) == 0 ? Answer::kTaken : Answer::kEnding;
+}
+
+int ProcessBehind(int fd) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : 0;
+}
+
 // Reads from one connection until a common deadline.
 class HandOverReader {
 public:
@@ -137,14 +158,21 @@ RunOnceSocket::~RunOnceSocket() {
     Close();
 }
 
+void HandedOver::Refuse() {
+    static_cast<void>(!::send(connection.Get(), "", 1, MSG_NOSIGNAL));
+    connection.Reset();
+}
+
 void RunOnceSocket::Close() {
-    listening_.Reset();
-    const UniqueFd turn = TakeTurn(path_);
+    // The next start finds nobody listening only after the path is gone: what it puts there could
+    // not be told from this.
+    const UniqueFd turn = path_.empty() ? UniqueFd() : TakeTurn(path_);
     struct stat now {};
     if (bound_.st_ino != 0 && ::stat(path_.c_str(), &now) == 0 && now.st_dev == bound_.st_dev &&
         now.st_ino == bound_.st_ino)
         ::unlink(path_.c_str());
     bound_ = {};
+    listening_.Reset();
 }
 
 bool RunOnceSocket::Bind() {
@@ -157,9 +185,9 @@ bool RunOnceSocket::Bind() {
 }
 
 // kServer: nobody listens on the path.
-RunOnceSocket::Claim RunOnceSocket::Connect(UniqueFd& client) const {
+RunOnceSocket::Claim RunOnceSocket::Connect(UniqueFd& client, int milliseconds) const {
     client = NewSocket(0);
-    const timeval limit{kHandOverLimitSeconds, 0};
+    const timeval limit{milliseconds / 1000, milliseconds % 1000 * 1000L};
     ::setsockopt(client.Get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
     const sockaddr_un address = AddressOf(path_);
     if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
@@ -167,30 +195,49 @@ RunOnceSocket::Claim RunOnceSocket::Connect(UniqueFd& client) const {
     return errno == EAGAIN ? Claim::kBusy : Claim::kServer;
 }
 
-RunOnceSocket::Claim RunOnceSocket::ClaimPath(const std::string& path,
-                                              const std::vector<std::string>& arguments) {
-    path_ = AddressOf(path).sun_path;
-    UniqueFd turn = TakeTurn(path_);
+RunOnceSocket::Claim RunOnceSocket::ClaimOnce(UniqueFd& client, int milliseconds) {
+    const UniqueFd turn = TakeTurn(path_);
     if (Bind())
         return Claim::kServer;
     listening_.Reset();
-    UniqueFd client;
-    const Claim claim = Connect(client);
+    const Claim claim = Connect(client, milliseconds);
     if (claim == Claim::kServer) {
         // Left by a crash. A second failure only means that this instance receives no hand-overs.
         ::unlink(path_.c_str());
         if (!Bind())
             listening_.Reset();
     }
-    turn.Reset();
-    if (claim == Claim::kHandedOver)
-        SendArguments(client.Get(), arguments);
     return claim;
 }
 
-bool RunOnceSocket::Receive(std::vector<std::string>& arguments) const {
-    arguments.clear();
-    const UniqueFd connection(::accept4(listening_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+RunOnceSocket::Claim RunOnceSocket::ClaimPath(const std::string& path,
+                                              const std::vector<std::string>& arguments,
+                                              int answerMilliseconds) {
+    path_ = AddressOf(path).sun_path;
+    UniqueFd client;
+    for (int tries = 0; tries < kMostTries; ++tries) {
+        Claim claim = ClaimOnce(client, answerMilliseconds);
+        if (claim == Claim::kHandedOver) {
+            SendArguments(client.Get(), arguments);
+            const Answer answer = AwaitAnswer(client.Get(), answerMilliseconds);
+            if (answer == Answer::kEnding) {
+                ::usleep(kBetweenTriesMicroseconds);  // until it has closed its socket
+                continue;
+            }
+            if (answer == Answer::kNone)
+                claim = Claim::kBusy;
+        }
+        if (claim == Claim::kBusy)
+            busyProcess_ = ProcessBehind(client.Get());
+        return claim;
+    }
+    return Claim::kBusy;
+}
+
+bool RunOnceSocket::Receive(HandedOver& handed) const {
+    handed = {};
+    std::vector<std::string>& arguments = handed.arguments;
+    UniqueFd connection(::accept4(listening_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!connection.IsOpen() || !IsFromThisUser(connection.Get()))
         return true;
     HandOverReader reader(connection.Get());
@@ -208,20 +255,6 @@ bool RunOnceSocket::Receive(std::vector<std::string>& arguments) const {
             break;
         arguments.push_back(argument);
     }
+    handed.connection = std::move(connection);
     return true;
-}
-
-std::vector<std::string> ArgumentsForHandOver(int argc, char* const* argv) {
-    std::vector<std::string> arguments(argv, argv + argc);
-    for (std::size_t index = 1; index < arguments.size(); ++index) {
-        const std::string& argument = arguments[index];
-        struct stat status {};
-        if (argument.empty() || argument[0] == '/' || ::stat(argument.c_str(), &status) != 0)
-            continue;
-        char* absolute = ::realpath(argument.c_str(), nullptr);
-        if (absolute != nullptr)
-            arguments[index] = absolute;
-        std::free(absolute);
-    }
-    return arguments;
 }

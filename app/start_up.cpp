@@ -1,14 +1,18 @@
 #include "app/start_up.h"
 
+#include <gdk/gdkx.h>
 #include <glib.h>
 #include <gtk/gtk.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "app/command_line.h"
 #include "app/machine_check.h"
 #include "app/main_dialog.h"
 #include "app/orderly_end.h"
@@ -21,6 +25,7 @@
 #include "foundation/crash_handler.h"
 #include "foundation/file.h"
 #include "foundation/machine_root.h"
+#include "foundation/standard_streams.h"
 #include "foundation/text_buffer.h"
 #include "gui/accessible.h"
 #include "gui/message_box.h"
@@ -41,7 +46,7 @@ void SilenceLibraries() {
 
 // With what screen readers need, which a session knows only from its next login on after it was
 // installed. Sessions without a bus have no screen reader, and NO_AT_BRIDGE refuses it.
-void InitToolkit() {
+bool InitToolkit() {
     constexpr const char* kModules = "GTK_MODULES";
     const char* before = std::getenv(kModules);
     const std::string modules = before != nullptr ? before : "";
@@ -52,14 +57,18 @@ void InitToolkit() {
         ::setenv(kModules, (modules + (modules.empty() ? "" : ":") + "gail:atk-bridge").c_str(), 1);
     // A module that is not installed is no news to the user.
     const guint quiet = g_log_set_handler("Gtk", G_LOG_LEVEL_MESSAGE, GLIBLogFunc, nullptr);
-    gtk_init(&gargc, &gargv);
+    const bool isThere = gtk_init_check(&gargc, &gargv) != FALSE;
     g_log_remove_handler("Gtk", quiet);
     if (adds && before != nullptr)
         ::setenv(kModules, modules.c_str(), 1);
     else if (adds)
         ::unsetenv(kModules);
+    if (isThere)
+        LDebugShutDownOnFault(ConnectionNumber(gdk_x11_get_default_xdisplay()));
+    return isThere;
 }
 
+constexpr const char* kNoDisplay = "You must have a display manager running to use this program.";
 constexpr const char* kInstall = "-install";
 constexpr const char* kUninstall = "-uninstall";
 constexpr const char* kCheck = "-check";
@@ -68,25 +77,27 @@ bool IsFirst(const char* word, int count, const char* const* arguments) {
     return count > 1 && std::strcmp(arguments[1], word) == 0;
 }
 
+// What second starts have handed over, until the main loop gets to it.
 struct HandOverTarget {
     RunOnceSocket& socket;
     MainDialog& window;
-};
-
-struct HandedOver {
-    MainDialog& window;
-    std::vector<std::string> arguments;
+    SpooledInputs inputs{};
+    std::deque<HandedOver> waiting{};
 };
 
 gboolean RunHandedOver(gpointer user) {
-    auto* handed = static_cast<HandedOver*>(user);
+    auto* target = static_cast<HandOverTarget*>(user);
+    std::vector<std::string> arguments = std::move(target->waiting.front().arguments);
+    target->waiting.pop_front();  // its start ends now
+    target->inputs.Note(arguments);
+    MainDialog& window = target->window;
     std::vector<char*> pointers;
-    for (std::string& argument : handed->arguments)
+    for (std::string& argument : arguments)
         pointers.push_back(argument.data());
     const int count = static_cast<int>(pointers.size());
     for (const char* word : {kInstall, kUninstall}) {
         if (IsFirst(word, count, pointers.data())) {
-            MessageBoxRun(handed->window.Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Lectora",
+            MessageBoxRun(window.Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Lectora",
                           "Lectora is running",
                           "Please end it first: choose \"Exit (Turn Off)\" in its first menu. "
                           "Then start the installation or removal again.");
@@ -94,52 +105,55 @@ gboolean RunHandedOver(gpointer user) {
         }
     }
     if (IsFirst(kCheck, count, pointers.data())) {
-        RunMachineCheck(handed->window.Widget());
-        handed->window.EnableControls();  // there may be new voices
+        RunMachineCheck(window.Widget());
+        window.EnableControls();  // there may be new voices
         return FALSE;
     }
-    handed->window.EvRunArguments(pointers.data(), count);
+    window.EvRunArguments(pointers.data(), count);
     // Also when EvRunArguments did so: a start without arguments always brings the window back.
     if (count < 2)
-        handed->window.CmOpen();
+        window.CmOpen();
     return FALSE;
-}
-
-void DeleteHandedOver(gpointer user) {
-    delete static_cast<HandedOver*>(user);
 }
 
 // GUI thread, inside the main loop. The arguments run from a callback of their own: a watch is not
 // called again while its callback runs, and reading a file takes as long as the engine does.
 gboolean GSRunOnceServerCallback(GIOChannel*, GIOCondition, gpointer user) {
     auto* target = static_cast<HandOverTarget*>(user);
-    std::vector<std::string> arguments;
+    HandedOver handed;
     // A negative count ends listening for the rest of the run; later starts then run by themselves.
-    if (!target->socket.Receive(arguments)) {
+    if (!target->socket.Receive(handed)) {
         target->socket.Close();
         return FALSE;
     }
-    gdk_threads_add_idle_full(G_PRIORITY_DEFAULT_IDLE, RunHandedOver,
-                              new HandedOver{target->window, std::move(arguments)},
-                              DeleteHandedOver);
+    if (!handed.arguments.empty()) {
+        target->waiting.push_back(std::move(handed));
+        gdk_threads_add_idle(RunHandedOver, target);
+    }
     return TRUE;
 }
 
 int RunFirstInstance(RunOnceSocket& socket) {
     MainDialog window;
     if (socket.ListeningFd() < 0) {
+        SpooledInputs inputs;
+        inputs.Note({gargv, gargv + gargc});
         window.Run();
         gdk_threads_leave();
         return 0;
     }
     HandOverTarget target{socket, window};
+    target.inputs.Note({gargv, gargv + gargc});
     GIOChannel* channel = g_io_channel_unix_new(socket.ListeningFd());
     g_io_add_watch(channel, G_IO_IN, GSRunOnceServerCallback, &target);
     window.Run();
     gdk_threads_leave();
-    g_source_remove_by_user_data(&target);
+    while (g_source_remove_by_user_data(&target) != FALSE) {
+    }
     g_io_channel_unref(channel);  // does not close the descriptor, which is the socket's
-    // Before the window goes, so that nobody hands over to an instance that no longer listens.
+    // Whoever comes while this ends waits until everything is kept and closed, and then takes over.
+    for (HandedOver& handed : target.waiting)
+        handed.Refuse();
     socket.Close();
     return 0;
 }
@@ -172,6 +186,15 @@ void UninstallInWindow() {
                       (UninstallDialog::CompleteText() + ".").c_str(), nullptr);
 }
 
+void TellBusy(int process) {
+    std::string text =
+        "Please wait a moment and try again. If it still does not answer, end it by logging out";
+    text += process > 0 ? ", or by the command: kill -9 " + std::to_string(process) : ".";
+    std::fputs("lectora: Lectora is running but does not answer.\n", stderr);
+    MessageBoxRun(nullptr, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                  "Lectora is running but does not answer", text.c_str());
+}
+
 bool IsNamedSetup(const char* program) {
     char name[kTextBufferSize];
     LFile::_GetFileFromPath(name, program);
@@ -181,9 +204,11 @@ bool IsNamedSetup(const char* program) {
 int RunProgram(int argc, char** argv) {
     gargc = argc;
     gargv = argv;
+    if (const std::optional<int> status = AnswerOnTerminal(argc, argv))
+        return *status;
     if (std::getenv("DISPLAY") == nullptr) {
         if (argc < 2) {
-            std::puts("You must have a display manager running to use this program.");
+            std::puts(kNoDisplay);
             return -1;
         }
         if (IsFirst(kInstall, argc, argv))
@@ -194,7 +219,10 @@ int RunProgram(int argc, char** argv) {
         }
     }
     gdk_threads_init();
-    InitToolkit();
+    if (!InitToolkit()) {
+        std::puts(kNoDisplay);
+        return -1;
+    }
     gdk_threads_enter();
     SilenceLibraries();
     // All its words are English, in whatever language the toolkit's own are.
@@ -204,14 +232,28 @@ int RunProgram(int argc, char** argv) {
         std::fputs("Lectora cannot start: the environment variable HOME is not set.\n", stderr);
         return 1;
     }
+    std::vector<std::string> commandLine = TakeCommandLine(gargc, gargv);
+    if (commandLine.empty() && gargc > 0)
+        return 2;
+    std::vector<char*> pointers;
+    for (std::string& argument : commandLine)
+        pointers.push_back(argument.data());
+    gargc = static_cast<int>(pointers.size());
+    pointers.push_back(nullptr);
+    gargv = pointers.data();
     RunOnceSocket socket;
-    const RunOnceSocket::Claim claim =
-        socket.ClaimPath(RunOnceSocket::DefaultPath(), ArgumentsForHandOver(gargc, gargv));
-    if (claim == RunOnceSocket::Claim::kHandedOver)
-        return 0;
-    if (claim == RunOnceSocket::Claim::kBusy) {
-        std::fputs("Lectora is running but does not answer; please try again.\n", stderr);
-        return 1;
+    switch (socket.ClaimPath(RunOnceSocket::DefaultPath(), commandLine)) {
+        case RunOnceSocket::Claim::kHandedOver:
+            // No window of this start ever tells the desktop that it has come up.
+            gdk_notify_startup_complete();
+            gdk_flush();
+            return 0;
+        case RunOnceSocket::Claim::kBusy:
+            SpooledInputs().Note(commandLine);
+            TellBusy(socket.BusyProcess());
+            return 1;
+        default:
+            break;
     }
     if (IsFirst(kInstall, gargc, gargv)) {
         if (RunInstallWizard()) {
@@ -238,6 +280,7 @@ int RunProgram(int argc, char** argv) {
 }  // namespace
 
 int RunLectora(int argc, char** argv) {
+    OpenStandardStreams();
     LDebugBlockSignals();
     OrderlyEnd end;
     const int status = RunProgram(argc, argv);

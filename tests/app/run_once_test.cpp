@@ -1,12 +1,14 @@
 #include "app/run_once.h"
 
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <future>
 #include <thread>
 
 #include "foundation/text_buffer.h"
@@ -37,32 +39,71 @@ protected:
                   ::write(client.Get(), message.data(), message.size()));
         if (!stay)
             client.Reset();
-        std::vector<std::string> arguments;
-        goOn = server_.Receive(arguments);
-        return arguments;
+        HandedOver handed;
+        goOn = server_.Receive(handed);
+        return handed.arguments;
     }
     static std::string Word(std::int32_t number) {
         return std::string(reinterpret_cast<const char*>(&number), sizeof number);
+    }
+
+    void AwaitConnection() const {
+        pollfd entry{server_.ListeningFd(), POLLIN, 0};
+        EXPECT_EQ(1, ::poll(&entry, 1, 60000));
+    }
+    // A second start, in a thread of its own because it waits for the answer.
+    std::future<RunOnceSocket::Claim> StartSecond(std::vector<std::string> arguments,
+                                                  int milliseconds = 60000) {
+        return std::async(std::launch::async, [this, arguments, milliseconds] {
+            return second_.ClaimPath(path_, arguments, milliseconds);
+        });
     }
 
     ScratchFolder folder_;
     std::string path_ = folder_ / "socket";
     sockaddr_un address_{};
     RunOnceSocket server_;
+    RunOnceSocket second_;
 };
 
 TEST_F(RunOnceTest, SecondStartHandsItsWholeCommandLineOver) {
     ASSERT_EQ(RunOnceSocket::Claim::kServer, server_.ClaimPath(path_, {"lectora"}));
-    RunOnceSocket second;
-    EXPECT_EQ(RunOnceSocket::Claim::kHandedOver,
-              second.ClaimPath(path_, {"/usr/bin/lectora", "", "/a b\n.txt"}));
-    std::vector<std::string> arguments;
-    EXPECT_TRUE(server_.Receive(arguments));
-    EXPECT_THAT(arguments, ElementsAre("/usr/bin/lectora", "", "/a b\n.txt"));
+    auto second = StartSecond({"/usr/bin/lectora", "", "/a b\n.txt"});
+    AwaitConnection();
+    HandedOver handed;
+    EXPECT_TRUE(server_.Receive(handed));
+    EXPECT_THAT(handed.arguments, ElementsAre("/usr/bin/lectora", "", "/a b\n.txt"));
+    EXPECT_EQ(std::future_status::timeout, second.wait_for(std::chrono::milliseconds(100)))
+        << "it waits until somebody does what it asks for";
+    handed = {};
+    EXPECT_EQ(RunOnceSocket::Claim::kHandedOver, second.get());
+}
+
+TEST_F(RunOnceTest, AStartIntoAnInstanceThatEndsTakesItsPlace) {
+    for (const bool isRead : {false, true}) {
+        ASSERT_EQ(RunOnceSocket::Claim::kServer, server_.ClaimPath(path_, {"lectora"}));
+        auto second = StartSecond({"lectora", "book.txt"});
+        AwaitConnection();
+        HandedOver handed;
+        if (isRead && server_.Receive(handed))
+            handed.Refuse();
+        server_.Close();
+        EXPECT_EQ(RunOnceSocket::Claim::kServer, second.get()) << isRead;
+        EXPECT_TRUE(folder_.Has("socket")) << "the end of the first took the path of the second";
+        second_.Close();
+    }
+}
+
+TEST_F(RunOnceTest, AnInstanceThatHangsIsToldOfByItsNumber) {
+    server_.ClaimPath(path_, {});
+    for (int start = 0; start < 8; ++start) {  // more than can queue
+        EXPECT_EQ(RunOnceSocket::Claim::kBusy, StartSecond({"lectora"}, 50).get());
+        EXPECT_TRUE(second_.BusyProcess() == ::getpid() || (start > 5 && !second_.BusyProcess()));
+    }
 }
 
 TEST_F(RunOnceTest, OfStartsInTheSameInstantOneIsTheInstance) {
-    std::vector<RunOnceSocket> starts(4);  // as many as fit into the queue that nobody serves here
+    std::vector<RunOnceSocket> starts(6);
     std::atomic<int> instances{0};
     for (int round = 0; round < 50; ++round) {
         // What a crash left: bound, and nobody listens.
@@ -73,7 +114,16 @@ TEST_F(RunOnceTest, OfStartsInTheSameInstantOneIsTheInstance) {
         threads.reserve(starts.size());
         for (RunOnceSocket& start : starts)
             threads.emplace_back([&] {
-                instances += start.ClaimPath(path_, {"x"}) == RunOnceSocket::Claim::kServer ? 1 : 0;
+                if (start.ClaimPath(path_, {"x"}) != RunOnceSocket::Claim::kServer)
+                    return;
+                ++instances;
+                HandedOver handed;
+                for (std::size_t others = 1; others < starts.size();
+                     others += handed.arguments.size()) {
+                    pollfd entry{start.ListeningFd(), POLLIN, 0};
+                    ::poll(&entry, 1, 60000);
+                    start.Receive(handed);
+                }
             });
         for (std::thread& thread : threads)
             thread.join();
@@ -105,21 +155,6 @@ TEST_F(RunOnceTest, StallingClientIsGivenUp) {
     EXPECT_THAT(ReceivedAfter(Word(2) + Word(1), goOn, true), IsEmpty());
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
     EXPECT_TRUE(goOn);
-}
-
-TEST_F(RunOnceTest, NamesOfExistingFilesAreHandedOverAbsolute) {
-    folder_.Write("book.txt", "text");
-    const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(folder_.Path());
-    std::string arguments[] = {"lectora", "book.txt", "-logon", "missing.txt", "/etc/passwd"};
-    char* pointers[5];
-    for (int index = 0; index < 5; ++index)
-        pointers[index] = arguments[index].data();
-    EXPECT_THAT(
-        ArgumentsForHandOver(5, pointers),
-        ElementsAre("lectora", std::filesystem::canonical(folder_.Path()).string() + "/book.txt",
-                    "-logon", "missing.txt", "/etc/passwd"));
-    std::filesystem::current_path(before);
 }
 
 }  // namespace
