@@ -12,7 +12,7 @@
 #include "app/speech_copy.h"
 #include "app/speech_file.h"
 #include "app/speech_size.h"
-#include "formats/component_download.h"
+#include "components/component_download.h"
 #include "formats/mp3_component.h"
 #include "formats/mp3_settings.h"
 #include "formats/mp3_sink.h"

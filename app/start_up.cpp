@@ -1,6 +1,5 @@
 #include "app/start_up.h"
 
-#include <gdk/gdkx.h>
 #include <glib.h>
 #include <gtk/gtk.h>
 
@@ -29,6 +28,7 @@
 #include "foundation/text_buffer.h"
 #include "gui/accessible.h"
 #include "gui/message_box.h"
+#include "gui/x_connection.h"
 
 int gargc = 0;
 char** gargv = nullptr;
@@ -64,7 +64,7 @@ bool InitToolkit() {
     else if (adds)
         ::unsetenv(kModules);
     if (isThere)
-        LDebugShutDownOnFault(ConnectionNumber(gdk_x11_get_default_xdisplay()));
+        LDebugShutDownOnFault(XConnectionSocket());
     return isThere;
 }
 

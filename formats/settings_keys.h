@@ -35,8 +35,3 @@ constexpr UserSetting<const char*> kMp3HighestSetting{"MP3Encoder", "VBRMaxBitRa
 constexpr UserSetting<const char*> kMp3QualitySetting{"MP3Encoder", "VBRQuality", ""};
 constexpr UserSetting<const char*> kMp3ProtectionSetting{"MP3Encoder", "ErrorProtection", ""};
 constexpr UserSetting<const char*> kMp3ChannelModeSetting{"MP3Encoder", "ChannelMode", ""};
-
-// The SHA-256 that the installer of a component must have; the key is the component's name.
-inline AdministratorSetting<const char*> ComponentSumSetting(const char* component) {
-    return {"ComponentSha256", component, ""};
-}

@@ -8,12 +8,6 @@
 #include "foundation/progress.h"
 #include "foundation/text_buffer.h"
 
-// url is "http://HOST[:PORT]/PATH". A 3xx answer counts as success and is not followed: its body is
-// what is taken for the file. An answer that does not tell its length fails, since half an
-// installer would look whole.
-LProcessResult ProcessHTTPDownloadFile(LProgress& progress, const char* url,
-                                       const char* outputPath);
-
 // message: what the installer said last, as a sentence for the user.
 LProcessResult ProcessDownloadComponent(LProgress& progress, const char* host, const char* name,
                                         const std::string& temporaryName, std::string& message);

@@ -1,22 +1,18 @@
 // Fetching a component from a local server with all kinds of manners.
-#include "formats/component_download.h"
+#include "components/component_download.h"
+#include "components/settings_keys.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <cmath>
-
-#include "formats/mp3_sink.h"
-#include "formats/raw_file.h"
-#include "formats/settings_keys.h"
 #include "foundation/child_process.h"
 #include "foundation/hosts.h"
 #include "foundation/settings.h"
 #include "foundation/settings_keys.h"
-#include "sound/convert.h"
-#include "tests/formats/format_files.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/support/signals.h"
 
 namespace {
@@ -33,7 +29,7 @@ public:
     std::vector<double> fractions;
 };
 
-class ComponentDownload : public FormatTest {
+class ComponentDownload : public ::testing::Test {
 protected:
     ComponentDownload() {
         char settings[kTextBufferSize];
@@ -41,7 +37,7 @@ protected:
         turn_ = UniqueFd(::open(settings, O_RDONLY | O_CLOEXEC));
         EXPECT_EQ(::flock(turn_.Get(), LOCK_EX), 0);
         ::setenv("HOME", Path("").c_str(), 1);
-        ::setenv("MP3EL", FORMATS_TESTS_FOLDER "/../../share/components/mp3el", 1);
+        ::setenv("MP3EL", COMPONENTS_TESTS_FOLDER "/../../share/components/mp3el", 1);
         const LPipePair input = LPipePair::Make();
         serverInput_ = UniqueFd(::dup(input.writeEnd.Get()));
         ::fcntl(serverInput_.Get(), F_SETFD, FD_CLOEXEC);
@@ -49,7 +45,7 @@ protected:
         streams.input = input.readEnd.Get();
         streams.output = output_.writeEnd.Get();
         server_ = LChildProcess::StartShell(
-            "exec python3 " FORMATS_TESTS_FOLDER "/../support/component_server.py", streams);
+            "exec python3 " COMPONENTS_TESTS_FOLDER "/../support/component_server.py", streams);
         host_ = "127.0.0.1:" + ServerLine();
         progress_.serverOutput = output_.readEnd.Get();
         kComponentsHostSetting.Set("127.0.0.1:1");  // refuses
@@ -68,10 +64,12 @@ protected:
         request_.name = name;
         return Process(progress_, request_);
     }
+    std::string Path(const std::string& name) const { return folder_ / name; }
     bool IsThere(const std::string& name) const {
         return std::filesystem::exists(Path("components/" + name));
     }
 
+    const ScratchFolder folder_;
     // A program's settings stand where they stood when it started, whatever LECTORA_ROOT says
     // later, and the cases of this fixture, each a process, name servers of their own there.
     UniqueFd turn_;
@@ -108,7 +106,7 @@ TEST_F(ComponentDownload, ACancelLeavesNothingAndAsksNobodyElse) {
     }
     int installer = 0;
     char script[100] = "";
-    ASSERT_EQ(std::sscanf(Load(Path("pid")).c_str(), "%d %99s", &installer, script), 2);
+    ASSERT_EQ(std::sscanf(folder_.Read("pid").c_str(), "%d %99s", &installer, script), 2);
     EXPECT_NE(::kill(installer, 0), 0);
     EXPECT_FALSE(std::filesystem::exists(script)) << script;
     EXPECT_FALSE(std::filesystem::exists(std::string(script).substr(0, 12))) << script;
@@ -123,47 +121,6 @@ TEST_F(ComponentDownload, AnInstallerWithAnotherSumIsNotRun) {
     // Of the script in component_server.py.
     sum.Set("c4daf55006719dedfc48d92cca87041b09b9fd112efd88179f86a325f4c25147");
     EXPECT_EQ(Get("good"), kProcessDone);
-}
-
-// The component as it is served, over the real LAME.
-TEST_F(ComponentDownload, TheEncoderKeepsTheSound) {
-    ASSERT_EQ(Get("mp3el"), kProcessDone) << request_.message;
-    const LMp3EncodeSettings vbr{.constantBitRate = false, .vbrMinBitRate = 32};
-    const struct {
-        const char* name;
-        LMp3EncodeSettings settings;
-        int rate;
-        unsigned char channels;
-        unsigned char decodedChannels;
-    } cases[] = {{"joint", {}, 44100, 2, 2},
-                 {"downmix", {.errorProtection = true, .channelMode = 3}, 44100, 2, 1},
-                 {"variable", vbr, 22050, 1, 1},
-                 {"slow", {.cbrBitRate = 16, .highQuality = false}, 8000, 1, 1},
-                 {"fast", {.cbrBitRate = 320, .channelMode = 0}, 44100, 2, 2}};
-    for (auto test : cases) {
-        SCOPED_TRACE(test.name);
-        const std::string path = Path(test.name) + ".mp3";
-        LSoundSink sink = OpenMp3Sink(path.c_str(), test.settings, test.rate, test.channels);
-        ASSERT_EQ(sink->SampleRate(), test.rate);
-        const std::vector<int> tone = Tone(440, test.rate, 2 * test.rate, 200000);
-        std::vector<int> sound;
-        for (const int sample : tone)
-            sound.insert(sound.end(), sink->Channels(), sample);
-        WriteAll(sink, sound);
-        ASSERT_EQ(sink->Finish(), 0);
-        ASSERT_EQ(std::system(("lame --quiet --decode -t " + path + " " + Path("out.raw")).c_str()),
-                  0);
-        const LRawSettings decoded{test.rate, test.decodedChannels, kRawPcm16};
-        const LSoundSource source = LRawFile::OpenSource(Path("out.raw").c_str(), decoded);
-        ASSERT_NEAR(source->GetEndSample(), 2 * test.rate, 4000);
-        LSPConvChannels left(1);
-        const std::vector<int> heard = ReadAll(left.OpenSource(source));
-        EXPECT_NEAR(AmplitudeAt(heard, 440.0 / test.rate), 200000, 16000);
-        double power = 0;
-        for (std::size_t i = 4000; i < 8000; ++i)
-            power += std::pow(heard[i], 2);
-        EXPECT_NEAR(std::sqrt(power / 2000), 200000, 16000) << "there is more than the tone";
-    }
 }
 
 }  // namespace
