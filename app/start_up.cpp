@@ -9,6 +9,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/command_line.h"
@@ -16,10 +17,12 @@
 #include "app/main_dialog.h"
 #include "app/orderly_end.h"
 #include "app/run_once.h"
+#include "app/settings_keys.h"
 #include "desktop/dialogs/install_wizard.h"
 #include "desktop/dialogs/uninstall_wizard.h"
 #include "desktop/install_console.h"
 #include "desktop/user_accounts.h"
+#include "formats/whole_file.h"
 #include "foundation/child_process.h"
 #include "foundation/crash_handler.h"
 #include "foundation/file.h"
@@ -133,6 +136,13 @@ gboolean GSRunOnceServerCallback(GIOChannel*, GIOCondition, gpointer user) {
     return TRUE;
 }
 
+// Beside the start, because the folder may be slow to read.
+void RemoveWhatAKilledSaveLeft() {
+    const std::string folder = kSaveFolderSetting.Get();
+    if (!folder.empty())
+        std::thread([folder] { RemoveUnfinishedFiles(folder); }).detach();
+}
+
 int RunFirstInstance(RunOnceSocket& socket) {
     MainDialog window;
     if (socket.ListeningFd() < 0) {
@@ -142,6 +152,7 @@ int RunFirstInstance(RunOnceSocket& socket) {
         gdk_threads_leave();
         return 0;
     }
+    RemoveWhatAKilledSaveLeft();
     HandOverTarget target{socket, window};
     target.inputs.Note({gargv, gargv + gargc});
     GIOChannel* channel = g_io_channel_unix_new(socket.ListeningFd());

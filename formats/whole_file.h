@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "foundation/unique_fd.h"
+
 // The content is written, by whoever, under a temporary name in the same folder, hidden and without
 // the extension of a sound file. An existing device is written to directly. A file that is replaced
 // hands down its mode and, as far as the user may give it away, its owner.
@@ -13,7 +15,7 @@ public:
 
     // Problem() tells why the file cannot be made; empty when it can.
     WholeFile(const std::string& path, Existing existing);
-    ~WholeFile();  // takes away what was not committed
+    ~WholeFile();  // takes away what was not committed, as the process's own exit does
     WholeFile(const WholeFile&) = delete;
     WholeFile& operator=(const WholeFile&) = delete;
 
@@ -37,4 +39,9 @@ private:
     Existing existing_;
     bool isDevice_ = false;
     bool isTemporary_ = false;
+    UniqueFd held_;  // a lock on the temporary file, which tells other processes that it is in use
 };
+
+// Takes away what killed processes of this user have left of unfinished files in the folder; each
+// WholeFile does so in its own.
+void RemoveUnfinishedFiles(const std::string& folder);

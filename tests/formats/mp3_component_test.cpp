@@ -6,6 +6,7 @@
 #include "formats/raw_file.h"
 #include "sound/convert.h"
 #include "tests/formats/format_files.h"
+#include "tests/support/signals.h"
 
 namespace {
 
