@@ -57,10 +57,15 @@ std::string WholePath(const std::string& name) {
     return whole ? whole.get() : name;
 }
 
+// An address on another machine stays one.
 std::string PathOfAddress(const std::string& address) {
+    char* host = nullptr;
     const std::unique_ptr<char, decltype(&g_free)> path(
-        g_filename_from_uri(address.c_str(), nullptr, nullptr), &g_free);
-    return path ? path.get() : address;
+        g_filename_from_uri(address.c_str(), &host, nullptr), &g_free);
+    const std::unique_ptr<char, decltype(&g_free)> owner(host, &g_free);
+    const bool isHere = host == nullptr || g_ascii_strcasecmp(host, "localhost") == 0 ||
+                        g_ascii_strcasecmp(host, g_get_host_name()) == 0;
+    return path && isHere ? path.get() : address;
 }
 
 bool CopyInput(int to) {

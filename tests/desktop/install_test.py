@@ -125,6 +125,8 @@ class InstallTest(DesktopCase):
         self.assertEqual(everything(self.machine), self.before)
         self.install()
         once = everything(self.machine)
+        self.assertEqual([path for path, (held, mode) in once.items() if mode & 0o002 and "->" not in str(held)], [],
+                         "nothing can be written by everybody")
         self.assertEqual(once[PROGRAM], everything(self.tree)[PROGRAM])
         self.install()
         self.assertEqual(everything(self.machine), once)
