@@ -75,8 +75,23 @@ class OptionsTest(DesktopCase):
     def wait_for_rows(self, lectora, *rows):
         desktop.wait_until(lambda: self.rows(lectora) == list(rows), f"{rows}, not {self.rows(lectora)}")
 
+    def prepare_start_on_login(self):
+        """A machine whose one account is this user's; gives back where the entry will stand."""
+        root = os.environ["LECTORA_ROOT"]
+        for folder in ("etc", "usr/share/applications/desktop"):
+            os.makedirs(os.path.join(root, folder), exist_ok=True)
+        with open(os.path.join(root, "etc/passwd"), "w") as file:
+            # A home is looked for below the machine's root.
+            file.write(f"me:x:{os.getuid()}:{os.getgid()}::/{os.path.relpath(desktop.HOME, root)}:\n")
+        with open(os.path.join(root, "usr/share/applications/desktop/lectora.desktop"), "w") as file:
+            file.write("[Desktop Entry]\n")
+        self.addCleanup(os.remove, os.path.join(root, "etc/passwd"))
+        os.makedirs(os.path.join(desktop.HOME, ".config"), exist_ok=True)
+        return os.path.join(desktop.HOME, ".config/autostart/lectora.desktop")
+
     def test_what_is_chosen_is_kept(self):
-        lectora = self.start()
+        entry = self.prepare_start_on_login()
+        lectora = self.start(USERNAME="me")
         self.open(lectora)
         lectora.find("label", "So far speech is saved as WAV; OK makes it this format.")
         self.picture("options-general")
@@ -99,12 +114,13 @@ class OptionsTest(DesktopCase):
         lectora.press("push button", "OK")
         desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the options")
         self.assertEqual([self.setting("settings", key) for key in ("savedefaultformat", "saveformat")], ["0", "1"])
+        self.assertEqual(os.stat(entry).st_mode & 0o777, 0o644)
         self.assertEqual(os.path.getsize(os.path.join(desktop.HOME, ".quillon/lectora/WavCodec.wff")), 1028)
         lectora.end()
-        lectora = self.start()
+        lectora = self.start(USERNAME="me")
         self.open(lectora)
         for role, name, on in (("radio button", "Prompt for format settings", True),
-            ("check box", "Run Lectora automatically when computer starts", False)):
+            ("check box", "Run Lectora automatically when computer starts", True)):
             state = lectora.find(role, name).getState()
             self.assertEqual(state.contains(desktop.pyatspi.STATE_CHECKED), on, name)
         self.assertFalse(lectora.can_press("push button", "Format Settings"))
