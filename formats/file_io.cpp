@@ -9,11 +9,9 @@
 #include <algorithm>
 #include <cstring>
 
-
 UniqueFd OpenFileForWriting(const char* path, int* error) {
     *error = 0;
-    UniqueFd file(::open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
-                         0666));
+    UniqueFd file(::open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666));
     struct stat info;
     if (!file.IsOpen() || ::fstat(file.Get(), &info) != 0) {
         *error = errno;

@@ -71,8 +71,8 @@ void LSettingGetPassword(const char* section, const char* key, const char* defau
 std::string LSettingGet(const char* section, const char* key, const char* defaultValue = "");
 
 // --- where files stand; `out` holds 260 bytes
-std::string UserSettingsFolder();     // made by nobody who only asks
-std::string MachineSettingsFolder();  // likewise
+std::string UserSettingsFolder();          // made by nobody who only asks
+std::string MachineSettingsFolder();       // likewise
 void LSettingsGetUserFolder(char* out);    // created when missing
 void LSettingsGetSharedFolder(char* out);  // created when missing
 void LSettingSectionFile(char* out, const char* folder, const char* section);

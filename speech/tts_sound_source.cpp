@@ -48,8 +48,7 @@ bool LTTSSoundSource::ChoosePath() {
         std::snprintf(name, sizeof name, "%u.wav", static_cast<unsigned int>(GetTickCount()));
         CopyText(path_, "/tmp");
         LFile::_FilePathCat(path_, name);
-        const UniqueFd file(
-            ::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        const UniqueFd file(::open(path_, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
         if (file.IsOpen()) {
             ::flock(file.Get(), LOCK_EX | LOCK_NB);
             return ::ftruncate(file.Get(), 0) == 0;
