@@ -3,15 +3,22 @@
 #include <algorithm>
 #include <map>
 #include <set>
-#include <vector>
+#include <utility>
 
-#include "documents/pdf_text.h"
+#include "documents/pdf_pages.h"
+#include "documents/small_texts.h"
 
 namespace {
 
 constexpr std::string_view kHyphens[] = {"-", "\xe2\x80\x90", "\xc2\xad"};
-constexpr std::size_t kMaxPageNumber = 8;
-constexpr int kRunningTitlePages = 3;
+constexpr std::string_view kSoft = "\xc2\xad";
+// Letters are higher than those of the text by this: a heading; or lower: a footnote.
+constexpr double kHeading = 1.12;
+constexpr double kHigherHeading = 1.3;
+constexpr double kHighestHeading = 1.6;
+constexpr double kNote = 0.93;
+constexpr std::size_t kLongestHeading = 200;
+constexpr double kIndent = 0.8;  // of the letters' height
 
 char32_t CharacterBefore(std::string_view text, std::size_t at) {
     std::size_t begin = at;
@@ -37,25 +44,6 @@ std::string_view FirstLetters(std::string_view text) {
     return text.substr(0, static_cast<std::size_t>(at - text.data()));
 }
 
-// "12", "- 12 -", "xiv".
-bool IsPageNumber(std::string_view line) {
-    const std::size_t first = line.find_first_not_of(" -\xe2\x80\x93\x94");
-    if (first == std::string_view::npos)
-        return false;
-    const std::size_t last = line.find_last_not_of(" -\xe2\x80\x93\x94");
-    const std::string_view number = line.substr(first, last + 1 - first);
-    return number.size() <= kMaxPageNumber &&
-           (number.find_first_not_of("0123456789") == std::string_view::npos ||
-            number.find_first_not_of("ivxlc") == std::string_view::npos);
-}
-
-// What a page's first or last line has in common with those of other pages.
-std::string WithoutDigits(std::string_view line) {
-    std::string rest(line);
-    std::erase_if(rest, [](char character) { return g_ascii_isdigit(character); });
-    return rest;
-}
-
 bool IsBullet(std::string_view line) {
     return line == "\xe2\x80\xa2" || line == "\xe2\x97\xa6" || line == "\xe2\x96\xaa";
 }
@@ -66,128 +54,242 @@ bool EndsSentence(std::string_view text) {
            std::string_view(".!?:;").find(text[last]) != std::string_view::npos;
 }
 
-std::vector<std::string_view> Split(std::string_view text, char end) {
-    std::vector<std::string_view> parts;
-    while (!text.empty()) {
-        const std::size_t length = std::min(text.find(end), text.size());
-        parts.push_back(text.substr(0, length));
-        text.remove_prefix(std::min(length + 1, text.size()));
-    }
-    return parts;
+bool BeginsSmall(std::string_view line) {
+    return !line.empty() && g_unichar_islower(g_utf8_get_char(line.data()));
 }
 
-class Joiner {
+bool HoldsLetters(std::string_view text) {
+    for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at))
+        if (g_unichar_isalpha(g_utf8_get_char(at)))
+            return true;
+    return false;
+}
+
+// The words within lines, to know how one that is divided at a line's end is written.
+class WordList {
 public:
-    explicit Joiner(std::string_view text) {
-        for (const std::string_view page : Split(text, '\f')) {
-            pages_.push_back(Split(page, '\n'));
-            TrimPage(pages_.back());
-            if (!pages_.back().empty())
-                ++firstLines_[WithoutDigits(pages_.back().front())];
+    void Add(std::string_view line) {
+        std::size_t at = 0;
+        while (at < line.size()) {
+            const std::string_view word = FirstLetters(line.substr(at));
+            if (word.empty()) {
+                at += std::max<std::size_t>(
+                    static_cast<std::size_t>(g_utf8_next_char(line.data() + at) - line.data()) - at,
+                    1);
+                continue;
+            }
+            words_.emplace(word);
+            at += word.size();
+            if (at < line.size() && line[at] == '-')
+                if (const std::string_view next = FirstLetters(line.substr(at + 1)); !next.empty())
+                    words_.insert(std::string(word) + "-" + std::string(next));
         }
-        for (std::size_t at = text.find('-'); at != std::string_view::npos;
-             at = text.find('-', at + 1))
-            if (const std::string word = HyphenatedWord(text, at); !word.empty())
-                hyphenated_.insert(word);
+    }
+    bool Holds(const std::string& word) const { return words_.contains(word); }
+
+private:
+    std::set<std::string, std::less<>> words_;
+};
+
+class PageJoiner {
+public:
+    PageJoiner(std::vector<PdfPage> pages, const DocumentRules& rules)
+        : pages_(std::move(pages)), rules_(rules) {
+        std::map<int, std::size_t> heights;  // in half points, weighed by their letters
+        for (const PdfPage& page : pages_)
+            for (const PdfLine& line : page) {
+                words_.Add(line.text);
+                if (line.height > 0)
+                    heights[static_cast<int>(line.height * 2 + 0.5)] += line.text.size();
+            }
+        const auto most = std::max_element(
+            heights.begin(), heights.end(),
+            [](const auto& one, const auto& other) { return one.second < other.second; });
+        bodyHeight_ = most == heights.end() ? 0 : most->first / 2.0;
     }
 
-    std::string Run() {
-        for (std::vector<std::string_view>& lines : pages_) {
-            DropRunningTitle(lines);
-            if (!lines.empty() && !text_.empty())
-                EndPage(lines.front());
-            for (const std::string_view line : lines)
-                AddLine(line);
+    Document Run() {
+        for (const PdfPage& page : pages_) {
+            isPageBegun_ = true;
+            const std::size_t notes = NotesFrom(page);
+            for (std::size_t i = 0; i < notes; ++i)
+                AddLine(page[i], i == 0);
+            if (rules_.notes)
+                notes_.insert(notes_.end(), page.begin() + static_cast<std::ptrdiff_t>(notes),
+                              page.end());
+            // A page whose last sentence is whole needs no waiting.
+            if (EndsSentence(document_.text) || notes_.size() > kMostBehind)
+                AddNotes();
         }
-        return std::move(text_);
+        EndHeading();
+        AddNotes();
+        if (!document_.text.empty())
+            document_.text += '\n';
+        return std::move(document_);
     }
 
 private:
-    static std::string HyphenatedWord(std::string_view text, std::size_t hyphen) {
-        const std::string_view first = LastLetters(
-            text.substr(hyphen > 64 ? hyphen - 64 : 0, std::min<std::size_t>(hyphen, 64)));
-        const std::string_view second = FirstLetters(text.substr(hyphen + 1, 64));
-        return first.empty() || second.empty() ? std::string()
-                                               : std::string(first) + "-" + std::string(second);
+    // The first of the lines in small letters at a page's end; all of them when none is.
+    std::size_t NotesFrom(const PdfPage& page) const {
+        std::size_t from = page.size();
+        while (from > 0 && page[from - 1].height > 0 && page[from - 1].height < bodyHeight_ * kNote)
+            --from;
+        while (from < page.size() && !(page[from].beginsBlock && BeginsNote(page[from].text)))
+            ++from;
+        return from == 0 ? page.size() : from;
+    }
+    static bool BeginsNote(const std::string& text) {
+        return g_ascii_isdigit(text[0]) || text[0] == '*' || text.starts_with("†") ||
+               g_unichar_isdigit(g_utf8_get_char(text.c_str())) ||
+               g_unichar_type(g_utf8_get_char(text.c_str())) == G_UNICODE_OTHER_NUMBER;
     }
 
-    static void TrimBlankLines(std::vector<std::string_view>& lines) {
-        while (!lines.empty() && lines.back().empty())
-            lines.pop_back();
-        lines.erase(lines.begin(), std::find_if(lines.begin(), lines.end(),
-                                                [](auto line) { return !line.empty(); }));
+    void AddNotes() {
+        std::string& text = document_.text;
+        EndHeading();
+        last_ = nullptr;
+        for (const PdfLine& note : std::exchange(notes_, {})) {
+            if (note.beginsBlock || text.empty())
+                text += text.empty() ? "" : "\n\n";
+            else if (!JoinDividedWord(note.text))
+                text += ' ';
+            else
+                continue;
+            text += note.text;
+        }
+        isBehindNotes_ = true;
     }
 
-    // Of its blank lines and its number.
-    static void TrimPage(std::vector<std::string_view>& lines) {
-        TrimBlankLines(lines);
-        if (!lines.empty() && IsPageNumber(lines.back()))
-            lines.pop_back();
-        else if (lines.size() > 1 && IsPageNumber(lines.front()))
-            lines.erase(lines.begin());
-        TrimBlankLines(lines);
-    }
-
-    // The title that stands above every page is read once.
-    void DropRunningTitle(std::vector<std::string_view>& lines) {
-        if (lines.size() < 2)
+    void AddLine(const PdfLine& line, bool beginsPage) {
+        if (line.text.empty())
             return;
-        const std::string title = WithoutDigits(lines.front());
-        if (firstLines_[title] < kRunningTitlePages || titles_.insert(title).second)
-            return;
-        lines.erase(lines.begin());
-        TrimBlankLines(lines);
+        const bool wasDivided = last_ != nullptr && HeadingLevel(line) == headingLevel_ &&
+                                (!line.beginsBlock || BeginsSmall(line.text)) &&
+                                JoinDividedWord(line.text);
+        if (!wasDivided) {
+            const char* const parting = Parting(line, beginsPage);
+            const bool isParagraph = std::string_view(parting) == "\n\n";
+            if (isParagraph)
+                EndHeading();
+            if (isParagraph && !notes_.empty())
+                AddNotes();
+            if (!document_.text.empty())
+                document_.text += parting;
+            BeginLine(line);
+            document_.text += line.text;
+        } else if (std::exchange(isPageBegun_, false)) {
+            document_.pages.push_back(document_.text.size() - line.text.size());
+        }
+        isBehindNotes_ = false;
+        last_ = &line;
     }
 
-    // A sentence that goes on upon the next page goes on here.
-    void EndPage(std::string_view next) {
-        const bool goesOn = !EndsSentence(text_) && !next.empty() &&
-                            !g_unichar_isupper(g_utf8_get_char(next.data()));
-        while (text_.ends_with('\n'))
-            text_.pop_back();
-        text_ += goesOn ? "\n" : "\n\n";
+    void BeginLine(const PdfLine& line) {
+        const std::size_t begin = document_.text.size();
+        if (std::exchange(isPageBegun_, false))
+            document_.pages.push_back(begin);
+        const int level = HeadingLevel(line);
+        if (level != headingLevel_)
+            EndHeading();
+        if (level > 0 && headingLevel_ == 0)
+            headingBegin_ = begin;
+        headingLevel_ = level;
     }
 
-    void AddLine(std::string_view line) {
-        const bool isBehindBullet = text_.ends_with(' ');
-        if (isBehindBullet && line.empty())
+    int HeadingLevel(const PdfLine& line) const {
+        if (bodyHeight_ <= 0 || line.text.size() > kLongestHeading)
+            return 0;
+        const double times = line.height / bodyHeight_;
+        return times >= kHighestHeading  ? 1
+               : times >= kHigherHeading ? 2
+               : times >= kHeading       ? 3
+                                         : 0;
+    }
+
+    void EndHeading() {
+        const std::size_t end = document_.text.size();
+        const int level = std::exchange(headingLevel_, 0);
+        if (level == 0 || end - headingBegin_ > kLongestHeading)
             return;
-        if (!JoinDividedWord(line))
-            text_ += line;
-        text_ += IsBullet(line) ? ' ' : '\n';
+        if (HoldsLetters(
+                std::string_view(document_.text).substr(headingBegin_, end - headingBegin_)))
+            document_.headings.push_back({headingBegin_, end, level});
+    }
+
+    // What stands between the last line and this one.
+    const char* Parting(const PdfLine& line, bool beginsPage) const {
+        if (last_ == nullptr || isBehindNotes_ || HeadingLevel(line) != headingLevel_)
+            return "\n\n";
+        if (IsBullet(last_->text))
+            return " ";
+        const bool goesOn = !EndsSentence(document_.text) && !IsBullet(line.text) &&
+                            HoldsLetters(last_->text) &&
+                            (beginsPage ? !g_unichar_isupper(g_utf8_get_char(line.text.c_str()))
+                                        : BeginsSmall(line.text) && IsFull(*last_, line));
+        if (line.beginsBlock || beginsPage)
+            return !goesOn ? "\n\n" : line.height > 0 ? " " : "\n";
+        if (line.height <= 0 || !IsFull(*last_, line) || !HoldsLetters(line.text) ||
+            !HoldsLetters(last_->text))
+            return "\n";
+        const bool isIndented = line.left > line.blockLeft + line.height * kIndent;
+        return isIndented && EndsSentence(last_->text) ? "\n\n" : " ";
+    }
+    // The next line's first word had no room: the line ends where the column does.
+    static bool IsFull(const PdfLine& line, const PdfLine& next) {
+        return line.blockRight - line.right < next.firstWordWidth;
     }
 
     // True when the line began with the rest of a word and has been added.
     bool JoinDividedWord(std::string_view line) {
-        if (line.empty() || !text_.ends_with('\n') ||
-            !g_unichar_islower(g_utf8_get_char(line.data())))
-            return false;
-        const std::string_view before = std::string_view(text_).substr(0, text_.size() - 1);
+        std::string& text = document_.text;
         for (const std::string_view hyphen : kHyphens) {
-            if (!before.ends_with(hyphen))
+            if (!text.ends_with(hyphen))
                 continue;
-            const std::string_view first =
-                LastLetters(before.substr(0, before.size() - hyphen.size()));
-            const bool keeps =
-                hyphenated_.contains(std::string(first) + "-" + std::string(FirstLetters(line)));
-            if (first.empty())
-                return false;
-            text_.resize(before.size() - (keeps ? 0 : hyphen.size()));
-            text_ += line;
+            const std::string_view before =
+                std::string_view(text).substr(0, text.size() - hyphen.size());
+            const std::string first(LastLetters(before));
+            const std::string second(FirstLetters(line));
+            if (hyphen != kSoft && (second.empty() || first.empty())) {
+                const bool isRange = !before.empty() && g_ascii_isdigit(before.back()) &&
+                                     !line.empty() && g_ascii_isdigit(line.front());
+                // "--name" of a command.
+                const bool isOption = before.ends_with(" -") && !second.empty();
+                if (!isRange && !isOption)
+                    return false;
+            } else if (hyphen == kSoft || !KeepsHyphen(before, first, second)) {
+                text.resize(before.size());
+            }
+            text += line;
             return true;
         }
         return false;
     }
+    bool KeepsHyphen(std::string_view before, const std::string& first,
+                     const std::string& second) const {
+        if (!BeginsSmall(second) || words_.Holds(first + "-" + second))
+            return true;
+        if (words_.Holds(first + second))
+            return false;
+        // "state-of-the-" goes on as it began.
+        const std::size_t at = before.size() - first.size();
+        return at > 0 && before[at - 1] == '-' && words_.Holds(second);
+    }
 
-    std::vector<std::vector<std::string_view>> pages_;  // their lines
-    std::map<std::string, int> firstLines_;             // how many pages begin with it
-    std::set<std::string> titles_;                      // those that were read
-    std::set<std::string, std::less<>> hyphenated_;     // words with their hyphen within a line
-    std::string text_;
+    std::vector<PdfPage> pages_;
+    const DocumentRules& rules_;
+    Document document_;
+    WordList words_;
+    double bodyHeight_ = 0;
+    std::vector<PdfLine> notes_;  // that wait for their paragraph's end
+    const PdfLine* last_ = nullptr;
+    bool isBehindNotes_ = false;
+    bool isPageBegun_ = false;
+    int headingLevel_ = 0;  // of the heading that is open
+    std::size_t headingBegin_ = 0;
 };
 
 }  // namespace
 
-std::string JoinPages(std::string_view pages) {
-    return Joiner(pages).Run();
+Document JoinPages(std::vector<PdfPage> pages, const DocumentRules& rules) {
+    return PageJoiner(std::move(pages), rules).Run();
 }

@@ -1,66 +1,20 @@
 #include "documents/pdf_text.h"
 
-#include <poll.h>
-#include <signal.h>
-#include <sys/mman.h>
-#include <sys/resource.h>
-#include <unistd.h>
+#include <string>
+#include <utility>
 
-#include <cerrno>
-
+#include "documents/pdf_pages.h"
 #include "documents/problems.h"
+#include "documents/program_output.h"
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
 #include "foundation/child_process.h"
-#include "foundation/file_io.h"
-#include "foundation/unique_fd.h"
 
 namespace {
 
-constexpr rlim_t kMaxMemory = 1U << 30;
-constexpr rlim_t kMaxSeconds = 60;  // of the processor
-constexpr int kStopTestMilliseconds = 50;
-
-// Bytes in memory as a file of no folder, at its beginning.
-UniqueFd FileInMemory(std::string_view bytes) {
-    UniqueFd file(::memfd_create("document", MFD_CLOEXEC));
-    if (file.IsOpen() &&
-        (WriteFully(file.Get(), bytes) != 0 || ::lseek(file.Get(), 0, SEEK_SET) != 0))
-        file.Reset();
-    return file;
-}
-
-void Bound(pid_t child) {
-    const rlimit memory{kMaxMemory, kMaxMemory};
-    const rlimit seconds{kMaxSeconds, kMaxSeconds};
-    ::prlimit(child, RLIMIT_AS, &memory, nullptr);
-    ::prlimit(child, RLIMIT_CPU, &seconds, nullptr);
-}
-
-enum class Outcome { kRead, kEnded, kTooLong };
-
-Outcome ReadOutput(int pipe, const ReadingWatch& watch, std::string& text) {
-    std::string block(kReadAtOnce, '\0');
-    for (;;) {
-        if (watch.IsToEnd())
-            return Outcome::kEnded;
-        pollfd waiting{pipe, POLLIN, 0};
-        if (::poll(&waiting, 1, kStopTestMilliseconds) <= 0)
-            continue;
-        const ssize_t got = ::read(pipe, block.data(), block.size());
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return Outcome::kRead;
-        text.append(block, 0, static_cast<std::size_t>(got));
-        if (text.size() > kLargestDocumentText)
-            return Outcome::kTooLong;
-    }
-}
-
-bool IsBlank(std::string_view text) {
-    return text.find_first_not_of(kWhiteSpace) == std::string_view::npos;
-}
+constexpr const char* kLayoutCommand = "pdftotext -q -bbox-layout -enc UTF-8 - -";
+constexpr const char* kTextCommand = "pdftotext -q -enc UTF-8 -eol unix - -";
+constexpr std::size_t kMostLayout = 4 * kLargestDocumentText;  // lines with their places
 
 Document WithoutText(std::string_view bytes) {
     if (bytes.find("/Encrypt") != std::string_view::npos)
@@ -70,38 +24,64 @@ Document WithoutText(std::string_view bytes) {
     return DocumentProblem("The PDF document holds no text, only pictures of it, or is damaged.");
 }
 
+// The sentence for what kept the program from reading anything; empty for the others.
+std::string OutcomeProblem(ProgramOutcome outcome, const ReadingWatch& watch) {
+    switch (outcome) {
+        case ProgramOutcome::kNotStarted:
+            return "The program pdftotext cannot be started.";
+        case ProgramOutcome::kEnded:
+            return watch.Problem();
+        case ProgramOutcome::kTooLong:
+            return kTooLongDocument;
+        case ProgramOutcome::kDone:
+        case ProgramOutcome::kFailed:
+            break;
+    }
+    return {};
+}
+
+bool HoldsText(const std::vector<PdfPage>& pages) {
+    for (const PdfPage& page : pages)
+        for (const PdfLine& line : page)
+            if (line.text.find_first_not_of(kWhiteSpace) != std::string::npos)
+                return true;
+    return false;
+}
+
 }  // namespace
 
-Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const DocumentRules&) {
+Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const DocumentRules& rules) {
     if (!IsProgramInstalled("pdftotext"))
         return DocumentProblem(
             "PDF documents need the program pdftotext: install the package poppler-utils.");
-    const UniqueFd input = FileInMemory(bytes);
-    LPipePair output = LPipePair::Make();
-    if (!input.IsOpen() || !output.IsOpen())
-        return DocumentProblem("There is not enough memory to read the PDF document.");
-    LChildStreams streams;
-    streams.input = input.Get();
-    streams.output = output.writeEnd.Get();
-    streams.ownGroup = true;
-    LChildProcess child = LChildProcess::StartShell(
-        "exec pdftotext -q -enc UTF-8 -eol unix - - 2>/dev/null", streams);
-    if (!child.IsStarted())
-        return DocumentProblem("The program pdftotext cannot be started.");
-    Bound(child.Pid());
-    output.writeEnd.Reset();
-    std::string text;
-    const Outcome outcome = ReadOutput(output.readEnd.Get(), watch, text);
-    if (outcome != Outcome::kRead)
-        ::kill(-child.Pid(), SIGKILL);
-    child.Wait();
-    if (outcome == Outcome::kEnded)
-        return DocumentProblem(watch.Problem());
-    if (outcome == Outcome::kTooLong)
-        return DocumentProblem(kTooLongDocument);
-    if (IsBlank(text))
+    PdfLayout layout(rules.referenceMarks);
+    ProgramOutcome outcome =
+        RunProgram(kLayoutCommand, bytes, watch, [&layout](std::string_view part) {
+            layout.Feed(part);
+            return layout.TextSize() <= kMostLayout;
+        });
+    if (std::string problem = OutcomeProblem(outcome, watch); !problem.empty())
+        return DocumentProblem(std::move(problem));
+    std::vector<PdfPage> pages = layout.TakePages();
+    if (layout.IsRightToLeft()) {
+        // Only as plain text the program turns such words round.
+        std::string text;
+        outcome = RunProgram(kTextCommand, bytes, watch, [&text](std::string_view part) {
+            text += part;
+            return text.size() <= kLargestDocumentText;
+        });
+        if (std::string problem = OutcomeProblem(outcome, watch); !problem.empty())
+            return DocumentProblem(std::move(problem));
+        pages = PdfPagesOfText(DecodeText(text));
+    }
+    if (!HoldsText(pages))
         return WithoutText(bytes);
-    Document document;
-    document.text = JoinPages(DecodeText(text));
+    const std::size_t read = pages.size();
+    if (!rules.pageHeads)
+        DropPageHeads(pages);
+    Document document = JoinPages(std::move(pages), rules);
+    if (outcome == ProgramOutcome::kFailed)
+        document.remark = "Only a part of the PDF document could be read, up to page " +
+                          std::to_string(read) + ".";
     return document;
 }

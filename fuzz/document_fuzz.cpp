@@ -4,10 +4,12 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "documents/document.h"
 #include "documents/document_kind.h"
-#include "documents/pdf_text.h"
+#include "documents/pdf_pages.h"
 #include "documents/text_charset.h"
 #include "fuzz/fuzz_file.h"
 
@@ -24,7 +26,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes(reinterpret_cast<const char*>(data), size);
     const std::string text = DecodeText(bytes);
     MustBeText(text);
-    MustBeText(JoinPages(text));
+    std::vector<PdfPage> pages = PdfPagesOfText(text);
+    DropPageHeads(pages);
+    MustBeText(JoinPages(std::move(pages), {}).text);
+    PdfLayout layout(false);
+    layout.Feed(text);
+    MustBeText(JoinPages(layout.TakePages(), {}).text);
     if (KindOf(bytes) == DocumentKind::kPdf)
         return 0;
     const Document document = ReadDocument(bytes);

@@ -3,13 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <string>
 
-#include "documents/pdf_text.h"
 #include "documents/text_charset.h"
 #include "tests/documents/document_files.h"
-#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -83,7 +80,7 @@ TEST(Documents, TextIsReadAndMarkupIsNot) {
         {"flat ODT", OdtXmlOf("<text:p>&lt;one&gt;</text:p><text:p>two</text:p>"), "<one>\n\ntwo"},
         {"EPUB", EpubOf({}), "One\n\ntext\n\nTwo\u00A0…"},
         {"PDF", PdfOf({{"It was a divi-", "ded word and goes", "12"}, {"on here. End."}}),
-         "It was a divided word and goes\non here. End.\n"},
+         "It was a divided word and goes\n12\n\non here. End.\n"},
     };
     for (const auto& item : cases) {
         const Document document = ReadDocument(item.bytes);
@@ -137,24 +134,6 @@ TEST(Documents, WhateverATextFileHoldsCanBeShown) {
     };
     for (const auto& item : cases)
         EXPECT_EQ(item.shown, DecodeText(item.bytes)) << item.what;
-}
-
-TEST(Documents, PagesOfAPdfBecomeRunningText) {
-    const struct {
-        std::string pages;
-        std::string text;
-    } cases[] = {
-        {"a well-known exam-\nple of well-\nknown words, Jean-\nPaul 3-\n4 a",
-         "a well-known example of well-known words, Jean-\nPaul 3-\n4 a\n"},
-        {"na\u00EF\u2010\nvet\u00E9 sof\u00AD\nter", "naïveté softer\n"},
-        {"Title 1\n\nOne.\n\n- 1 -\n\fTitle 2\n\nTwo\n\nii\n\n\fTitle 3\n\nthree\n",
-         "Title 1\n\nOne.\n\nTwo\nthree\n"},
-        {"\u2022\n\nItem\n\n\u2022\n\nOther", "\u2022 Item\n\n\u2022 Other\n"},
-        {"1\n", ""},
-        {"", ""},
-    };
-    for (const auto& item : cases)
-        EXPECT_EQ(JoinPages(item.pages), item.text);
 }
 
 TEST(Documents, WhatCannotBeReadSaysSo) {
@@ -233,17 +212,6 @@ TEST(Documents, HostileMarkupEndsInTime) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
     for (const std::string& bytes : {nested, DocxOf("<w:p/>"), EpubOf({}), OdtXmlOf("")})
         EXPECT_THAT(ReadDocument(bytes, [] { return true; }).problem, HasSubstr("stopped"));
-}
-
-TEST(Documents, PdfReaderThatHangsEndsWhenAsked) {
-    const ScratchFolder folder;
-    folder.WriteProgram("pdftotext", "echo part\nsleep 1000 & wait\n");
-    const ScopedVariable path("PATH", (folder.Path() + ":" + std::getenv("PATH")).c_str());
-    int asked = 0;
-    const Document stopped = ReadDocument("%PDF-", [&asked] { return ++asked > 3; });
-    EXPECT_THAT(stopped.problem, HasSubstr("stopped"));
-    const ScopedVariable none("PATH", "/none");
-    EXPECT_THAT(ReadDocument("%PDF-").problem, HasSubstr("poppler-utils"));
 }
 
 }  // namespace

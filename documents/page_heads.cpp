@@ -1,0 +1,184 @@
+#include <glib.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+
+#include "documents/pdf_pages.h"
+#include "documents/small_texts.h"
+
+namespace {
+
+constexpr std::size_t kOuterLines = 2;  // of a page, above and below
+constexpr std::size_t kLeastPages = 3;
+constexpr std::size_t kLongestHead = 200;
+constexpr int kMostPages = 100000;
+
+// In small letters. What stands beside a page's number; what stands beside a date's.
+constexpr SortedNames<20> kPageWords = {"/",    "blatt",  "de",  "di",  "of",     "p",   "p.",
+                                        "page", "pagina", "pg",  "pg.", "página", "s.",  "seite",
+                                        "str.", "sur",    "von", "|",   "из",     "стр."};
+static_assert(std::is_sorted(kPageWords.begin(), kPageWords.end()));
+constexpr std::string_view kMonths[] = {
+    "january",  "february",  "march",      "april",    "may",       "june",      "july",
+    "august",   "september", "october",    "november", "december",  "jan",       "feb",
+    "mar",      "apr",       "jun",        "jul",      "aug",       "sep",       "sept",
+    "oct",      "nov",       "dec",        "januar",   "februar",   "märz",      "mai",
+    "juni",     "juli",      "oktober",    "dezember", "janvier",   "février",   "mars",
+    "avril",    "juin",      "juillet",    "août",     "septembre", "octobre",   "novembre",
+    "décembre", "enero",     "febrero",    "marzo",    "abril",     "mayo",      "junio",
+    "julio",    "agosto",    "septiembre", "octubre",  "noviembre", "diciembre", "monday",
+    "tuesday",  "wednesday", "thursday",   "friday",   "saturday",  "sunday",    "day",
+    "tag"};
+
+std::optional<int> RomanValue(std::string_view text) {
+    constexpr std::pair<char, int> kDigits[] = {
+        {'i', 1}, {'v', 5}, {'x', 10}, {'l', 50}, {'c', 100}};
+    int value = 0;
+    int last = 1000;
+    for (const char sign : text) {
+        const auto* const digit =
+            std::find_if(std::begin(kDigits), std::end(kDigits),
+                         [sign](const auto& known) { return known.first == sign; });
+        if (digit == std::end(kDigits))
+            return std::nullopt;
+        value += digit->second > last ? digit->second - 2 * last : digit->second;
+        last = digit->second;
+    }
+    return text.empty() || text.size() > 10 ? std::nullopt : std::optional(value);
+}
+
+std::vector<std::string> WordsOf(std::string_view line) {
+    const std::string terminated(line);
+    gchar* const lower = g_utf8_strdown(terminated.c_str(), -1);
+    std::string text(lower);
+    g_free(lower);
+    std::vector<std::string> words;
+    for (std::size_t at = text.find_first_not_of(kWhiteSpace); at != std::string::npos;
+         at = text.find_first_not_of(kWhiteSpace, at)) {
+        const std::size_t end = std::min(text.find_first_of(kWhiteSpace, at), text.size());
+        words.push_back(text.substr(at, end - at));
+        at = end;
+    }
+    return words;
+}
+
+// The number in a word: "12", "-12-", "12/", "xiv" alone.
+std::optional<int> NumberOf(std::string word, bool isAlone) {
+    constexpr std::string_view kDecoration = "-()[]/|.,:";
+    for (const std::string_view dash : {"\u2013", "\u2014", "\u2022", "\u00b7"})
+        for (std::size_t at = word.find(dash); at != std::string::npos; at = word.find(dash))
+            word.erase(at, dash.size());
+    word.erase(0, std::min(word.find_first_not_of(kDecoration), word.size()));
+    word.resize(word.find_last_not_of(kDecoration) + 1);
+    if (word.empty() || word.size() > 10)
+        return std::nullopt;
+    if (word.find_first_not_of("0123456789") == std::string::npos)
+        return word.size() > 6 ? std::nullopt : std::optional(NumberIn(word));
+    return isAlone ? RomanValue(word) : std::nullopt;
+}
+
+bool HasLetterOrDigit(const std::string& word) {
+    return std::any_of(word.begin(), word.end(), [](char sign) {
+        return g_ascii_isalnum(sign) || static_cast<unsigned char>(sign) >= 0x80;
+    });
+}
+
+// One line as it may be repeated on other pages.
+struct Head {
+    std::size_t page;
+    std::string text;               // equal to others
+    std::vector<std::string> keys;  // equal to others but for a number that rises with the pages
+};
+
+// "Chapter 2", "Question 2 of 9", "12 March": what a number belongs to that is not the page's.
+bool NamesItsNumber(const std::vector<std::string>& words, bool isAlone) {
+    std::size_t own = 0;
+    for (const std::string& word : words) {
+        if (std::find(std::begin(kMonths), std::end(kMonths), word) != std::end(kMonths))
+            return true;
+        const bool isNumber = NumberOf(word, isAlone).has_value();
+        own += HasLetterOrDigit(word) && !isNumber && !IsOneOf(word, kPageWords) ? 1U : 0U;
+    }
+    return own == 1;
+}
+
+Head HeadOf(const std::string& line, std::size_t page, bool isBelow) {
+    Head head{page, (isBelow ? "v" : "^") + line, {}};
+    const std::vector<std::string> words = WordsOf(line);
+    std::size_t shown = 0;
+    for (const std::string& word : words)
+        shown += HasLetterOrDigit(word) ? 1U : 0U;
+    if (NamesItsNumber(words, shown == 1))
+        return head;
+    for (std::size_t at = 0; at < words.size(); ++at) {
+        const std::optional<int> number = NumberOf(words[at], shown == 1);
+        if (!number)
+            continue;
+        std::string key = isBelow ? "v" : "^";
+        for (std::size_t other = 0; other < words.size(); ++other)
+            key += " " + (other == at ? "#" : words[other]);
+        // The same for all pages on which it rises with them.
+        head.keys.push_back(key + " " + std::to_string(*number - static_cast<int>(page)));
+    }
+    return head;
+}
+
+// Above and below, by where the lines stand.
+std::vector<std::pair<std::size_t, bool>> OuterLines(const PdfPage& page) {
+    std::vector<std::size_t> order(page.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    std::stable_sort(order.begin(), order.end(), [&page](std::size_t one, std::size_t other) {
+        return page[one].top < page[other].top;
+    });
+    std::vector<std::pair<std::size_t, bool>> outer;
+    for (std::size_t i = 0; i < std::min(kOuterLines, order.size()); ++i)
+        outer.emplace_back(order[i], false);
+    for (std::size_t i = 0; i < std::min(kOuterLines, order.size()); ++i)
+        outer.emplace_back(order[order.size() - 1 - i], true);
+    return outer;
+}
+
+// On three pages or more, and on nearly every other one of those between.
+bool IsRunning(const std::set<std::size_t>& pages) {
+    const std::size_t span = pages.empty() ? 0 : *pages.rbegin() - *pages.begin() + 1;
+    return pages.size() >= kLeastPages && pages.size() * 5 >= span * 2;
+}
+
+}  // namespace
+
+void DropPageHeads(std::vector<PdfPage>& pages) {
+    if (pages.size() < kLeastPages || pages.size() > kMostPages)
+        return;
+    std::map<std::string, std::set<std::size_t>> seen;
+    const auto forEachHead = [&pages](const auto& take) {
+        for (std::size_t page = 0; page < pages.size(); ++page)
+            for (const auto& [line, isBelow] : OuterLines(pages[page]))
+                if (pages[page][line].text.size() <= kLongestHead)
+                    take(line, HeadOf(pages[page][line].text, page, isBelow));
+    };
+    forEachHead([&seen](std::size_t, const Head& head) {
+        seen[head.text].insert(head.page);
+        for (const std::string& key : head.keys)
+            seen[key].insert(head.page);
+    });
+    std::vector<std::set<std::size_t>> dropped(pages.size());
+    forEachHead([&seen, &dropped](std::size_t line, const Head& head) {
+        const bool rises = std::any_of(head.keys.begin(), head.keys.end(),
+                                       [&seen](const auto& key) { return IsRunning(seen[key]); });
+        // A title above all pages is read once.
+        const bool isTitle = head.page == 0 && head.text.starts_with('^');
+        if (rises || (IsRunning(seen[head.text]) && !isTitle))
+            dropped[head.page].insert(line);
+    });
+    for (std::size_t page = 0; page < pages.size(); ++page) {
+        // What a dropped line began, the next one begins.
+        for (const std::size_t line : dropped[page])
+            if (pages[page][line].beginsBlock && line + 1 < pages[page].size())
+                pages[page][line + 1].beginsBlock = true;
+        for (auto line = dropped[page].rbegin(); line != dropped[page].rend(); ++line)
+            pages[page].erase(pages[page].begin() + static_cast<std::ptrdiff_t>(*line));
+    }
+}

@@ -1,0 +1,147 @@
+#include <glib.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "documents/html_tokens.h"
+#include "documents/pdf_pages.h"
+#include "documents/reference_mark.h"
+
+namespace {
+
+constexpr std::size_t kLongestLine = 65536;
+// Of the letters' height: what parts words, and what lifts a small number above its line.
+constexpr double kLeastGap = 0.1;
+constexpr double kSmall = 0.85;
+constexpr double kLifted = 0.12;
+
+double LengthIn(std::string_view line, std::string_view name) {
+    const std::string key = std::string(name) + "=\"";
+    const std::size_t at = line.find(key);
+    return at == std::string_view::npos
+               ? 0
+               : g_ascii_strtod(std::string(line.substr(at + key.size(), 24)).c_str(), nullptr);
+}
+
+std::string TextIn(std::string_view line) {
+    const std::size_t begin = line.find('>');
+    const std::size_t end = line.rfind("</");
+    return begin == std::string_view::npos || end == std::string_view::npos || end <= begin
+               ? std::string()
+               : ResolveReferences(line.substr(begin + 1, end - begin - 1), false);
+}
+
+std::string RaisedDigits(std::string_view digits) {
+    constexpr const char* kRaised[] = {"⁰", "¹", "²", "³", "⁴", "⁵", "⁶", "⁷", "⁸", "⁹"};
+    std::string raised;
+    for (const char digit : digits)
+        raised += kRaised[digit - '0'];
+    return raised;
+}
+
+bool IsAllDigits(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+}  // namespace
+
+void PdfLayout::Feed(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const std::size_t end = bytes.find('\n');
+        if (rest_.size() < kLongestLine)
+            rest_ += bytes.substr(0, end);
+        if (end == std::string_view::npos)
+            return;
+        ReadLine(std::exchange(rest_, {}));
+        bytes.remove_prefix(end + 1);
+    }
+}
+
+void PdfLayout::ReadLine(std::string_view line) {
+    line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+    if (line.starts_with("<word ")) {
+        Word word{TextIn(line), LengthIn(line, "xMin"), LengthIn(line, "xMax"),
+                  LengthIn(line, "yMin"), LengthIn(line, "yMax")};
+        if (!word.text.empty())
+            words_.push_back(std::move(word));
+    } else if (line.starts_with("</line>")) {
+        EndLine();
+    } else if (line.starts_with("<block ")) {
+        blockLeft_ = LengthIn(line, "xMin");
+        blockRight_ = LengthIn(line, "xMax");
+        beginsBlock_ = true;
+    } else if (line.starts_with("<page ")) {
+        pages_.emplace_back();
+    }
+}
+
+void PdfLayout::CountLetters(std::string_view text) {
+    for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at)) {
+        const gunichar letter = g_utf8_get_char(at);
+        if (!g_unichar_isalpha(letter))
+            continue;
+        ++letters_;
+        // Hebrew, Arabic and their kin.
+        rightToLeft_ += (letter >= 0x590 && letter < 0x900) || letter >= 0xFB1D ? 1U : 0U;
+    }
+}
+
+void PdfLayout::EndLine() {
+    if (words_.empty() || pages_.empty())
+        return;
+    PdfLine line;
+    double bottom = 0;
+    for (const Word& word : words_)
+        if (word.bottom - word.top > line.height) {
+            line.height = word.bottom - word.top;
+            line.top = word.top;
+            bottom = word.bottom;
+        }
+    line.left = words_.front().left;
+    line.right = words_.back().right;
+    line.firstWordWidth = words_.front().right - words_.front().left + line.height / 4;
+    line.blockLeft = blockLeft_;
+    line.blockRight = blockRight_;
+    line.beginsBlock = std::exchange(beginsBlock_, false);
+    const Word* before = nullptr;
+    for (const Word& word : words_) {
+        const double height = word.bottom - word.top;
+        const bool isRaised = before != nullptr && IsAllDigits(word.text) &&
+                              height < line.height * kSmall &&
+                              word.bottom < bottom - line.height * kLifted;
+        if (isRaised && IsReferenceMark(word.text, line.text, false)) {
+            line.text += keepsMarks_ ? "[" + word.text + "]" : std::string();
+            before = &word;
+            continue;
+        }
+        // A note's own number is set small before its text.
+        const bool followsSmall = before == &words_.front() && IsAllDigits(before->text) &&
+                                  before->bottom - before->top < line.height * kSmall;
+        if (followsSmall || (before != nullptr && word.left - before->right > line.height * kLeastGap))
+            line.text += ' ';
+        line.text += isRaised ? RaisedDigits(word.text) : word.text;
+        before = &word;
+    }
+    words_.clear();
+    CountLetters(line.text);
+    textSize_ += line.text.size() + sizeof line;
+    pages_.back().push_back(std::move(line));
+}
+
+std::vector<PdfPage> PdfPagesOfText(std::string_view text) {
+    std::vector<PdfPage> pages(1);
+    bool beginsBlock = true;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of("\n\f"), text.size());
+        if (end > 0) {
+            pages.back().emplace_back();
+            pages.back().back().text = text.substr(0, end);
+            pages.back().back().beginsBlock = beginsBlock;
+        }
+        beginsBlock = end == 0 || (end < text.size() && text[end] == '\f');
+        if (end < text.size() && text[end] == '\f')
+            pages.emplace_back();
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return pages;
+}

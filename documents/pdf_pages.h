@@ -1,0 +1,68 @@
+// The lines that stand on the pages of a printed document, and running text made of them.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "documents/document.h"
+
+// Lengths are in points, from the page's upper left corner. A line without height is one of which
+// nothing is known but its text.
+struct PdfLine {
+    std::string text;
+    double left = 0;
+    double right = 0;
+    double top = 0;
+    double height = 0;          // of its letters
+    double firstWordWidth = 0;  // with a blank
+    double blockLeft = 0;
+    double blockRight = 0;
+    bool beginsBlock = false;  // a block is a paragraph, or the part of one in a column or page
+};
+
+using PdfPage = std::vector<PdfLine>;
+
+// Reads what "pdftotext -bbox-layout" writes, as it comes.
+class PdfLayout {
+public:
+    explicit PdfLayout(bool keepsReferenceMarks) : keepsMarks_(keepsReferenceMarks) {}
+
+    void Feed(std::string_view bytes);
+    std::size_t TextSize() const { return textSize_; }
+    // Whether most of it is written from right to left, which this program's output does not show.
+    bool IsRightToLeft() const { return rightToLeft_ * 3 > letters_; }
+    std::vector<PdfPage> TakePages() { return std::move(pages_); }
+
+private:
+    struct Word {
+        std::string text;
+        double left, right, top, bottom;
+    };
+
+    void ReadLine(std::string_view line);
+    void EndLine();
+    void CountLetters(std::string_view text);
+
+    bool keepsMarks_;
+    std::string rest_;  // of a line that has not come whole
+    std::vector<PdfPage> pages_;
+    std::vector<Word> words_;  // of the line that is being read
+    double blockLeft_ = 0;
+    double blockRight_ = 0;
+    bool beginsBlock_ = false;
+    std::size_t textSize_ = 0;
+    std::size_t letters_ = 0;
+    std::size_t rightToLeft_ = 0;
+};
+
+// Pages of plain text: lines, a form feed behind each page, an empty line between blocks.
+std::vector<PdfPage> PdfPagesOfText(std::string_view text);
+
+// Takes away what stands above or below every page: numbers that rise with the pages, and lines
+// that are the same on most of them or on every other one.
+void DropPageHeads(std::vector<PdfPage>& pages);
+
+// Running text: lines and divided words are joined, a sentence that goes on upon the next page goes
+// on, footnotes stand behind the paragraph at their page's end, large lines are headings.
+Document JoinPages(std::vector<PdfPage> pages, const DocumentRules& rules);

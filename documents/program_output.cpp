@@ -1,0 +1,83 @@
+#include "documents/program_output.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "documents/small_texts.h"
+#include "foundation/child_process.h"
+#include "foundation/file_io.h"
+#include "foundation/unique_fd.h"
+
+namespace {
+
+constexpr rlim_t kMaxMemory = 1U << 30;
+constexpr rlim_t kMaxSeconds = 60;      // of the processor
+constexpr rlim_t kMaxFile = 64U << 20;  // that it writes
+constexpr int kStopTestMilliseconds = 50;
+
+// Bytes in memory as a file of no folder, at its beginning.
+UniqueFd FileInMemory(std::string_view bytes) {
+    UniqueFd file(::memfd_create("document", MFD_CLOEXEC));
+    if (file.IsOpen() &&
+        (WriteFully(file.Get(), bytes) != 0 || ::lseek(file.Get(), 0, SEEK_SET) != 0))
+        file.Reset();
+    return file;
+}
+
+void Bound(pid_t child) {
+    const rlimit memory{kMaxMemory, kMaxMemory};
+    const rlimit seconds{kMaxSeconds, kMaxSeconds};
+    const rlimit file{kMaxFile, kMaxFile};
+    ::prlimit(child, RLIMIT_AS, &memory, nullptr);
+    ::prlimit(child, RLIMIT_CPU, &seconds, nullptr);
+    ::prlimit(child, RLIMIT_FSIZE, &file, nullptr);
+}
+
+ProgramOutcome TakeOutput(int pipe, const ReadingWatch& watch, const OutputTaker& take) {
+    std::string block(kReadAtOnce, '\0');
+    for (;;) {
+        if (watch.IsToEnd())
+            return ProgramOutcome::kEnded;
+        pollfd waiting{pipe, POLLIN, 0};
+        if (::poll(&waiting, 1, kStopTestMilliseconds) <= 0)
+            continue;
+        const ssize_t got = ::read(pipe, block.data(), block.size());
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return ProgramOutcome::kDone;
+        if (!take(std::string_view(block).substr(0, static_cast<std::size_t>(got))))
+            return ProgramOutcome::kTooLong;
+    }
+}
+
+}  // namespace
+
+ProgramOutcome RunProgram(const std::string& command, std::string_view input,
+                          const ReadingWatch& watch, const OutputTaker& take) {
+    const UniqueFd file = FileInMemory(input);
+    LPipePair output = LPipePair::Make();
+    if (!file.IsOpen() || !output.IsOpen())
+        return ProgramOutcome::kNotStarted;
+    LChildStreams streams;
+    streams.input = file.Get();
+    streams.output = output.writeEnd.Get();
+    streams.ownGroup = true;
+    LChildProcess child =
+        LChildProcess::StartShell(("exec " + command + " 2>/dev/null").c_str(), streams);
+    if (!child.IsStarted())
+        return ProgramOutcome::kNotStarted;
+    const pid_t group = child.Pid();
+    Bound(group);
+    output.writeEnd.Reset();
+    const ProgramOutcome outcome = TakeOutput(output.readEnd.Get(), watch, take);
+    if (outcome != ProgramOutcome::kDone)
+        ::kill(-group, SIGKILL);
+    const bool hasFailed = child.Wait() != 0;
+    return outcome == ProgramOutcome::kDone && hasFailed ? ProgramOutcome::kFailed : outcome;
+}

@@ -1,0 +1,152 @@
+// PDF: what stands on its pages, without what stands on every page.
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "documents/document.h"
+#include "documents/pdf_pages.h"
+#include "tests/documents/document_files.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+std::string Joined(const std::string& text) {
+    std::vector<PdfPage> pages = PdfPagesOfText(text);
+    DropPageHeads(pages);
+    return JoinPages(std::move(pages), {}).text;
+}
+
+TEST(Pdf, OnlyWhatIsRepeatedOrRisesWithThePagesIsLeftOut) {
+    const struct {
+        const char* what;
+        std::string pages;
+        std::string text;
+    } cases[] = {
+        {"chapters", "Chapter 1\n\nOne.\n\fChapter 2\n\nTwo.\n\fChapter 3\n\nThree.\n",
+         "Chapter 1\n\nOne.\n\nChapter 2\n\nTwo.\n\nChapter 3\n\nThree.\n"},
+        {"dates", "12 March 1984\n\nA.\n\f13 March 1984\n\nB.\n\f14 March 1984\n\nC.\n",
+         "12 March 1984\n\nA.\n\n13 March 1984\n\nB.\n\n14 March 1984\n\nC.\n"},
+        {"a total, a year, a word of roman digits",
+         "Total\n\n42\n\f1984\n\nThe.\n\nill\n\fEnd.\n\n7\n",
+         "Total\n\n42\n\n1984\n\nThe.\n\nill\n\nEnd.\n\n7\n"},
+        {"numbers of three pages", "A.\n\n- 7 -\n\fB.\n\n- 8 -\n\fC.\n\n- 9 -\n",
+         "A.\n\nB.\n\nC.\n"},
+        {"roman ones", "A.\n\niii\n\fB.\n\niv\n\fC.\n\nv\n", "A.\n\nB.\n\nC.\n"},
+        {"of two pages: nobody knows", "A.\n\n1\n\fB.\n\n2\n", "A.\n\n1\n\nB.\n\n2\n"},
+        {"numbered titles",
+         "My Long Book 1\n\nA goes\n\fMy Long Book 2\n\non. B\n\fMy Long Book 3\n\nC.\n",
+         "A goes\non. B\n\nC.\n"},
+        {"feet",
+         "A goes\n\nConfidential\n\nPage 1 of 3\n\fon. B\n\nConfidential\n\nPage 2 of 3\n\fC.\n\n"
+         "Confidential\n\nPage 3 of 3\n",
+         "A goes\non. B\n\nC.\n"},
+        {"every other page",
+         "x1\n\nHead\n\nA.\n\nA.\n\nA.\n\fb.\n\fHead\n\nC.\n\fd.\n\fHead\n\nE.\n",
+         "x1\n\nHead\n\nA.\n\nA.\n\nA.\n\nb.\n\nC.\n\nd.\n\nE.\n"},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(Joined(item.pages), item.text) << item.what;
+}
+
+TEST(Pdf, DividedWordsAreWrittenAsElsewhereInTheText) {
+    const struct {
+        const char* page;
+        const char* text;
+    } cases[] = {
+        {"a well-known exam-\nple of well-\nknown words",
+         "a well-known example of well-known words\n"},
+        {"state-of-\nthe-art the state-of-the-\nart is",
+         "state-of-the-art the state-of-the-art is\n"},
+        {"the infor-\nmation and art-\nwork, information",
+         "the information and artwork, information\n"},
+        {"use --\nall or -\nb", "use --all or -\nb\n"},
+        {"from 1990-\n1995 by Jean-\nPaul", "from 1990-1995 by Jean-Paul\n"},
+        {"na\u00EF\u2010\nvet\u00E9 sof\u00AD\nter", "naïveté softer\n"},
+        {"\u2022\n\nItem\n\n\u2022\n\nOther", "\u2022 Item\n\n\u2022 Other\n"},
+        {"\f\f", ""},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(Joined(item.page), item.text);
+}
+
+// A text of lines as the program tells them: height of the letters, words with their places.
+std::string LayoutOf(const std::vector<std::pair<double, std::string>>& lines) {
+    std::string xml = "<page width=\"600\" height=\"800\">\n<flow>\n";
+    double top = 50;
+    for (const auto& [height, text] : lines) {
+        const auto word = [&xml](double left, double right, double from, double to,
+                                 const std::string& letters) {
+            xml += "<word xMin=\"" + std::to_string(left) + "\" yMin=\"" + std::to_string(from) +
+                   "\" xMax=\"" + std::to_string(right) + "\" yMax=\"" + std::to_string(to) +
+                   "\">" + letters + "</word>\n";
+        };
+        if (text.starts_with('|'))
+            xml += "<block xMin=\"50\" yMin=\"0\" xMax=\"300\" yMax=\"0\">\n";
+        xml += "<line xMin=\"50\">\n";
+        std::string letters = text.substr(text.starts_with('|') ? 1 : 0);
+        // "^" lifts a small number that follows, "~" ends the line early.
+        const double right = letters.ends_with('~') ? 150 : 299;
+        letters.erase(letters.find_last_not_of('~') + 1);
+        const std::size_t lifted = letters.find('^');
+        if (lifted == std::string::npos) {
+            const std::size_t blank = letters.find(' ');
+            word(50, 70, top, top + height, letters.substr(0, blank));
+            if (blank != std::string::npos)
+                word(74, right, top, top + height, letters.substr(blank + 1));
+        } else {
+            word(50, 100, top, top + height, letters.substr(0, lifted));
+            word(100.1, 104, top, top + height / 2, letters.substr(lifted + 1, 1));
+            word(108, right, top, top + height, letters.substr(lifted + 2));
+        }
+        xml += "</line>\n";
+        top += height * 1.2;
+    }
+    return xml + "</flow>\n</page>\n";
+}
+
+TEST(Pdf, PlacesTellLinesParagraphsHeadingsAndNotes) {
+    const std::string pages =
+        LayoutOf({{20, "|A Heading~"},
+                  {10, "|The war^2began on"},
+                  {10, "land, and 5 m^2were"},
+                  {10, "taken. Then it &amp; they"},
+                  {10, "ended in short~"},
+                  {10, "goes on to"},
+                  {7, "|1 a note"},
+                  {7, "of two lines"}}) +
+        LayoutOf({{10, "|the next page. It"}, {10, "ended there.~"}, {10, "|Next."}});
+    PdfLayout layout(false);
+    for (std::size_t at = 0; at < pages.size(); at += 7)
+        layout.Feed(std::string_view(pages).substr(at, 7));
+    const Document document = JoinPages(layout.TakePages(), {});
+    EXPECT_EQ(document.text,
+              "A Heading\n\nThe war began on land, and 5 m² were taken. Then it & they ended in "
+              "short\ngoes on to the "
+              "next page. It ended there.\n\n1 a note of two lines\n\nNext.\n");
+    ASSERT_EQ(document.headings.size(), 1U);
+    EXPECT_EQ(document.headings[0].end, 9U);
+    ASSERT_EQ(document.pages.size(), 2U);
+    EXPECT_EQ(document.text.substr(document.pages[1], 8), "the next");
+}
+
+TEST(Pdf, ReadersThatHangFailOrLackAreTold) {
+    const ScratchFolder folder;
+    folder.WriteProgram("pdftotext", "echo part\nsleep 1000 & wait\n");
+    const ScopedVariable path("PATH", (folder.Path() + ":" + std::getenv("PATH")).c_str());
+    int asked = 0;
+    const Document stopped = ReadDocument("%PDF-", [&asked] { return ++asked > 3; });
+    EXPECT_THAT(stopped.problem, HasSubstr("stopped"));
+    folder.WriteProgram(
+        "pdftotext", "echo '<page x>\n<word x>part</word>\n</line>\n</page>\n<page x>'\nkill -9 $$\n");
+    const Document part = ReadDocument("%PDF-");
+    EXPECT_EQ(part.text, "part\n");
+    EXPECT_THAT(part.remark, HasSubstr("up to page 2"));
+    const ScopedVariable none("PATH", "/none");
+    EXPECT_THAT(ReadDocument("%PDF-").problem, HasSubstr("poppler-utils"));
+}
+
+}  // namespace
