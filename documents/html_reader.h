@@ -14,6 +14,9 @@ public:
 
     // Reads on, a few thousand tags at a time; false at the end.
     bool ReadSome();
+    // Of the page, how far it is read, in bytes: told during an element's event, it names the
+    // element.
+    std::size_t Position() const { return tokens_.Position(); }
 
 private:
     struct Element {

@@ -117,7 +117,8 @@ void PdfLayout::EndLine() {
         // A note's own number is set small before its text.
         const bool followsSmall = before == &words_.front() && IsAllDigits(before->text) &&
                                   before->bottom - before->top < line.height * kSmall;
-        if (followsSmall || (before != nullptr && word.left - before->right > line.height * kLeastGap))
+        if (followsSmall ||
+            (before != nullptr && word.left - before->right > line.height * kLeastGap))
             line.text += ' ';
         line.text += isRaised ? RaisedDigits(word.text) : word.text;
         before = &word;

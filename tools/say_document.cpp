@@ -31,18 +31,22 @@ std::string ReadStandardInput(std::string& text) {
 
 }  // namespace
 
-Document ReadSayDocument(const std::string& path) {
+Document ReadSayDocument(const std::string& path, const DocumentRules& rules) {
     Document document;
     if (!path.empty()) {
-        document = LoadDocument(path.c_str(), IsInterrupted);
+        document = LoadDocument(path.c_str(), IsInterrupted, rules);
     } else {
         std::string bytes;
         document.problem = ReadStandardInput(bytes);
         if (document.problem.empty())
-            document = ReadDocument(bytes, IsInterrupted);
+            document = ReadDocument(bytes, IsInterrupted, rules);
     }
     if (!document.remark.empty())
         Complain("lectora-say", NameOfText(path) + ": " + document.remark);
+    if (document.hasSurroundings)
+        Complain("lectora-say", NameOfText(path) +
+                                    ": the menus and notices around the article are "
+                                    "left out; --whole-page reads them too");
     return document;
 }
 

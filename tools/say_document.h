@@ -7,7 +7,7 @@
 
 // The document in this file, or on standard input when the path is empty. What is missing of it has
 // been said.
-Document ReadSayDocument(const std::string& path);
+Document ReadSayDocument(const std::string& path, const DocumentRules& rules);
 
 // For messages about it.
 std::string NameOfText(const std::string& path);

@@ -13,7 +13,7 @@
 
 namespace {
 
-enum SayOption : int { kListVoices = 256, kSplit, kText, kSayHelp, kSayVersion };
+enum SayOption : int { kListVoices = 256, kSplit, kText, kWholePage, kSayHelp, kSayVersion };
 
 const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"list-voices", no_argument, nullptr, kListVoices},
@@ -23,6 +23,7 @@ const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"progress", no_argument, nullptr, 'p'},
                               {"split", optional_argument, nullptr, kSplit},
                               {"text", optional_argument, nullptr, kText},
+                              {"whole-page", no_argument, nullptr, kWholePage},
                               {"help", no_argument, nullptr, kSayHelp},
                               {"version", no_argument, nullptr, kSayVersion},
                               {nullptr, 0, nullptr, 0}};
@@ -58,6 +59,7 @@ int ShowSayHelp() {
         "      --text[=FORM]    print the text that would be read: whole, by sentences, or as "
         "spoken "
         "by the voice\n"
+        "      --whole-page     of a web page read menus and all else around its article too\n"
         "      --help           show this text\n"
         "      --version        show the version\n",
         kSayProgram, kSayProgram, kSayProgram, kSayProgram, kSayProgram,
@@ -193,6 +195,9 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 if (!ParseSplit(optarg, options))
                     return UsageError(kSayProgram,
                                       std::string("no such length of parts: ") + optarg);
+                break;
+            case kWholePage:
+                options.rules.wholePage = true;
                 break;
             case kText:
                 if (!ParseTextForm(optarg == nullptr ? "whole" : optarg, options))

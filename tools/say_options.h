@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "documents/document.h"
 #include "formats/sound_types.h"
 
 constexpr const char* kSayProgram = "lectora-say";
@@ -21,6 +22,7 @@ enum class TextForm { kWhole, kSentences, kSpoken };
 
 struct SayOptions {
     bool listsVoices = false;
+    DocumentRules rules;
     std::optional<TextForm> printsText;  // the jobs have a text alone
     bool overwrite = false;
     bool showsProgress = false;        // also beside sound on standard output

@@ -68,7 +68,7 @@ std::string InForm(TextForm form, const std::string& text, int voice) {
 int PrintTexts(const SayOptions& options, int voice) {
     int status = kExitDone;
     for (const SayJob& job : options.jobs) {
-        const Document document = ReadSayDocument(job.text);
+        const Document document = ReadSayDocument(job.text, options.rules);
         std::string problem = document.problem;
         if (problem.empty()) {
             const int error =

@@ -80,7 +80,7 @@ int ListVoices() {
 }
 
 int SayOne(const SayOptions& options, const SayJob& job, int voice, const WorkFolder& folder) {
-    const Document document = ReadSayDocument(job.text);
+    const Document document = ReadSayDocument(job.text, options.rules);
     if (!document.problem.empty())
         return FailSaying(NameOfText(job.text), document.problem);
     return SayText(options, job, document.text, voice, folder.Path());

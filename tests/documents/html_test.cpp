@@ -141,6 +141,56 @@ TEST(Html, WhatAPageSaysOfItsCharsetCountsLessThanWhatItHolds) {
         EXPECT_EQ(Read(item.page), item.text) << item.page;
 }
 
+TEST(Html, WhatSurroundsAnArticleIsLeftOutAndCanBeHad) {
+    const std::string prose =
+        "<p>" + std::string(400, 'x') + " the <a href='x'>article</a> itself.</p>";
+    const struct {
+        const char* what;
+        std::string body;
+        const char* without;  // of what is left out: its words
+    } cases[] = {
+        {"news",
+         "<header><a href=/>no home</a></header><nav><ul><li><a "
+         "href=a>no</a></ul></nav><main><article>"
+         "<header><h1>yes title</h1></header>" +
+             prose +
+             "<div class='share-buttons'><a href=b>no share</a></div><aside>yes: a word on "
+             "it</aside>"
+             "</article><section><h2>no more</h2></section></main><footer>no rights</footer>",
+         "no"},
+        {"blog of old",
+         "<div id=header><h1>yes blog</h1></div><div class='nav-menu'><a href=a>no a</a></div>"
+         "<div class=content>" +
+             prose +
+             "</div><div id=sidebar><a href=b>no b</a></div><div class=cookie-notice>no</div>",
+         "no"},
+        {"forum",
+         "<div class=breadcrumbs><a href=a>no</a></div><div class=post>yes one" + prose +
+             "</div><div class=post>yes two" + prose + "</div><div role=contentinfo>no</div>",
+         "no"},
+        {"everything in one form of a wrong name",
+         "<form id=aspnetForm><div class='page-with-sidebar'>yes" + prose + "</div></form>", "no"},
+        {"a page of links is no article", "<nav><a href=a>yes a</a></nav><p>yes b</p>", "no"},
+    };
+    DocumentRules whole;
+    whole.wholePage = true;
+    for (const auto& item : cases) {
+        const std::string page = "<html><head><title>T</title></head><body>" + item.body;
+        const Document article = ReadDocument(page);
+        EXPECT_THAT(article.text, testing::Not(testing::ContainsRegex("(^|[^a-z])no([^a-z]|$)")))
+            << item.what;
+        EXPECT_EQ(article.title, "T");
+        const Document all = ReadDocument(page, {}, whole);
+        for (const std::string& text : {article.text, all.text})
+            for (std::size_t at = item.body.find("yes"); at != std::string::npos;
+                 at = item.body.find("yes", at + 1))
+                EXPECT_THAT(text, HasSubstr(item.body.substr(at, item.body.find('<', at) - at)))
+                    << item.what;
+        EXPECT_EQ(article.hasSurroundings, all.text != article.text) << item.what;
+        EXPECT_FALSE(all.hasSurroundings);
+    }
+}
+
 TEST(Html, IsKnownByWhatItBeginsWith) {
     for (const char* page : {"<p class=a>x</p>", "<article>x</article>", "<ul>\n<p>x</ul>",
                              "<!-- by hand -->\n<!-- two --><h2>x</h2>", "\n<B>x</B>"})

@@ -141,7 +141,8 @@ TEST(Pdf, ReadersThatHangFailOrLackAreTold) {
     const Document stopped = ReadDocument("%PDF-", [&asked] { return ++asked > 3; });
     EXPECT_THAT(stopped.problem, HasSubstr("stopped"));
     folder.WriteProgram(
-        "pdftotext", "echo '<page x>\n<word x>part</word>\n</line>\n</page>\n<page x>'\nkill -9 $$\n");
+        "pdftotext",
+        "echo '<page x>\n<word x>part</word>\n</line>\n</page>\n<page x>'\nkill -9 $$\n");
     const Document part = ReadDocument("%PDF-");
     EXPECT_EQ(part.text, "part\n");
     EXPECT_THAT(part.remark, HasSubstr("up to page 2"));
