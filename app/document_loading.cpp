@@ -29,8 +29,11 @@ public:
 
 private:
     void ThreadFunction() override {
-        loading_->document =
-            LoadDocument(loading_->path.c_str(), [this] { return loading_->stop || IsStopping(); });
+        // In the window, what surrounds an article is as easily passed over as missed.
+        DocumentRules rules;
+        rules.wholePage = true;
+        loading_->document = LoadDocument(
+            loading_->path.c_str(), [this] { return loading_->stop || IsStopping(); }, rules);
         loading_->done.Signal();
     }
 

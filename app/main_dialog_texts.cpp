@@ -30,8 +30,9 @@ void MainDialog::CmOpenFile() {
     static constexpr char kFilter[] =
         "Text Documents\0*.txt;*.text;*.TXT;*\0"
         "Web Pages\0*.html;*.htm;*.xhtml;*.HTML;*.HTM\0"
-        "Books\0*.epub;*.EPUB\0"
+        "Books\0*.epub;*.fb2;*.EPUB;*.FB2\0"
         "Word Processor Documents\0*.odt;*.fodt;*.docx;*.ODT;*.DOCX\0"
+        "Presentations\0*.odp;*.pptx;*.ODP;*.PPTX\0"
         "PDF Documents\0*.pdf;*.PDF\0";
     if (!LFile::BrowseReadFilePath(Widget(), path, "Locate File to Read Text", folder, kFilter))
         return;
@@ -62,6 +63,8 @@ bool MainDialog::LoadFile(const char* path, FileFrom from) {
     settingWaitingFile_ = from == FileFrom::kArguments;
     text_.Replace(document->text);
     settingWaitingFile_ = false;
+    if (!document->remark.empty())
+        TellStatusText(document->remark.c_str());
     RecentFiles::Add(path);
     ListRecentFilesSoon();
     return true;
