@@ -11,7 +11,7 @@ namespace {
 using WhenOff = LAction::WhenOff;
 
 constexpr LMenuItem kSeparator{0, nullptr};
-constexpr LMenuItem kEnd{-1, nullptr};
+constexpr LMenuItem kEndOfPlaces{-1, nullptr};
 
 // A row with the label of its command.
 constexpr LMenuItem Item(std::int16_t command) {
@@ -27,23 +27,23 @@ constexpr LMenuItem kMenuBar[] = {
     kSeparator,
     Item(kReadFromFileMenu),
     Item(kReadFromSelection),
-    kEnd,
+    kEndOfPlaces,
     {-1, "&Save as Speech"},
     Item(kSaveCurrent),
     kSeparator,
     Item(kSaveFromFileMenu),
     Item(kSaveFromSelection),
-    kEnd,
+    kEndOfPlaces,
     {-1, "&Update Text"},
     Item(kUpdateFromSelection),
     kSeparator,
     Item(kLoadFile),
-    kEnd,
+    kEndOfPlaces,
     {-1, kRecentFilesTitle},
-    kEnd,
+    kEndOfPlaces,
     kSeparator,
     Item(-kShowCommandBar),
-    kEnd,
+    kEndOfPlaces,
     {-1, "&Edit"},
     Item(kUndo),
     Item(kRedo),
@@ -54,7 +54,7 @@ constexpr LMenuItem kMenuBar[] = {
     Item(kLargerText),
     Item(kSmallerText),
     Item(kNormalText),
-    kEnd,
+    kEndOfPlaces,
     {-1, "&Playback"},
     Item(kPlayOrPause),
     Item(kStopReading),
@@ -65,10 +65,10 @@ constexpr LMenuItem kMenuBar[] = {
     kSeparator,
     Item(kFaster),
     Item(kSlower),
-    kEnd,
+    kEndOfPlaces,
     {-1, "&Tools"},
     Item(kOptions),
-    kEnd,
+    kEndOfPlaces,
 };
 
 // Shorter than elsewhere, for the room below a picture; null: as elsewhere.

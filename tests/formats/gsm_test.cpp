@@ -21,7 +21,7 @@ protected:
 };
 
 // A voiced sound: harmonics of a gliding pitch, with pauses and a little noise. 16-bit range.
-std::vector<int> Voice(int count) {
+std::vector<int> VoiceLike(int count) {
     std::mt19937 random(7);
     double phase = 0;
     std::vector<int> samples;
@@ -90,7 +90,7 @@ TEST_F(GsmTest, VectorKernelsGiveTheWordsOfThePlainOnes) {
             sum = (sum ^ static_cast<std::uint32_t>(value)) * 1099511628211U;
     };
     std::vector<std::vector<int>> signals = HardSignals();
-    signals.push_back(Voice(gsm::kFrameSamples * 200));
+    signals.push_back(VoiceLike(gsm::kFrameSamples * 200));
     for (std::size_t i = 0; i < signals.size(); i++) {
         const std::string coded = EncodeAll(signals[i], GsmPlainKernels());
         EXPECT_TRUE(coded == EncodeAll(signals[i])) << "signal " << i;
@@ -109,7 +109,7 @@ TEST_F(GsmTest, VectorKernelsGiveTheWordsOfThePlainOnes) {
 }
 
 TEST_F(GsmTest, OtherDecodersHearWhatOursHearsAndOtherEncodersCodeNoBetter) {
-    const std::vector<int> voice = Voice(kGsmRate * 4);
+    const std::vector<int> voice = VoiceLike(kGsmRate * 4);
     const std::string coded = EncodeAll(voice);
     Store("ours.gsm", coded);
     const std::vector<int> ours = DecodeAll(coded);
@@ -140,7 +140,7 @@ TEST_F(GsmTest, OtherDecodersHearWhatOursHearsAndOtherEncodersCodeNoBetter) {
 }
 
 TEST_F(GsmTest, FilesHoldWholeFramesHoweverTheyAreWritten) {
-    std::vector<int> voice = Voice(8192 * 2);
+    std::vector<int> voice = VoiceLike(8192 * 2);
     for (const std::size_t frames : {16384U, 161U, 160U, 1U, 0U}) {
         voice.resize(frames);
         std::vector<int> padded = voice;
@@ -159,7 +159,7 @@ TEST_F(GsmTest, FilesHoldWholeFramesHoweverTheyAreWritten) {
 
 // A seek starts the decoder cold at the frame that holds the place.
 TEST_F(GsmTest, ReadsTheSameFromAnyPlaceInAnyBlocksAndFallsSilentAtTheEnd) {
-    const std::string coded = EncodeAll(Voice(160 * 20));
+    const std::string coded = EncodeAll(VoiceLike(160 * 20));
     const std::vector<int> whole = DecodeAll(coded);
     const std::string path = Store("in.gsm", coded + "a partial frame");  // does not count
     LSoundSource source = LGSMFile::OpenSource(path.c_str());

@@ -21,7 +21,7 @@ std::time_t gNow = 0;
 
 constexpr std::time_t kLastSecondOfLeapDay = 1709251199;  // 2024-02-29 23:59:59 UTC
 constexpr const char* kDayFile = "2024-02-29 Lectora Log.txt";
-const std::string kTime = "23:59:59 ";
+const std::string kLogTime = "23:59:59 ";
 
 class LogTest : public ::testing::Test {
 protected:
@@ -46,9 +46,9 @@ TEST_F(LogTest, LinesGoToTheFileOfTheLocalDayAndAreCut) {
     log_.Log(std::string(255, 'b').c_str(), -12, kLogPlain);
     log_.Log(std::string(258, 'c').c_str(), "de", kLogPlain);
     log_.LogFileFromPath("Opened ", "/some/folder/file.wav", kLogPlain);
-    EXPECT_EQ(folder_.Read(kDayFile), kTime + "first\r\n" + kTime + longest + "yz" + kTime +
-                                          std::string(255, 'b') + "-12\r\n" + kTime +
-                                          std::string(258, 'c') + "d\r\n" + kTime +
+    EXPECT_EQ(folder_.Read(kDayFile), kLogTime + "first\r\n" + kLogTime + longest + "yz" +
+                                          kLogTime + std::string(255, 'b') + "-12\r\n" + kLogTime +
+                                          std::string(258, 'c') + "d\r\n" + kLogTime +
                                           "Opened file.wav\r\n");
     log_.Write("plain.txt", "one");
     log_.Write("plain.txt", "two\n");
@@ -77,7 +77,7 @@ TEST_F(LogTest, IsShownAndWrittenThoughTheFileIsLockedOrCannotBe) {
     const auto start = std::chrono::steady_clock::now();
     log_.Log("late", kLogPlain);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
-    EXPECT_EQ(folder_.Read(kDayFile), kTime + "late\r\n");
+    EXPECT_EQ(folder_.Read(kDayFile), kLogTime + "late\r\n");
 }
 
 TEST_F(LogTest, ManyProcessesAndThreadsLoseAndMixNoLine) {
@@ -105,7 +105,7 @@ TEST_F(LogTest, ManyProcessesAndThreadsLoseAndMixNoLine) {
         lines.insert(line);
     std::multiset<std::string> expected;
     for (int i = 0; i < kProcesses * kThreads * kLines; ++i)
-        expected.insert(kTime + std::to_string(i / kLines) + ":" + std::to_string(i % kLines) +
+        expected.insert(kLogTime + std::to_string(i / kLines) + ":" + std::to_string(i % kLines) +
                         "\r");
     EXPECT_TRUE(lines == expected);
 }

@@ -19,8 +19,8 @@ struct RatePair {
     int output;
 };
 constexpr RatePair kRates[] = {{16000, 44100}, {48000, 44100}, {48000, 12000}, {48000, 47999}};
-constexpr LKernelChoice kKernels[] = {LKernelChoice::kPortable, LKernelChoice::kSse2,
-                                      LKernelChoice::kAvx2};
+constexpr LKernelChoice kRateKernels[] = {LKernelChoice::kPortable, LKernelChoice::kSse2,
+                                          LKernelChoice::kAvx2};
 
 class ConvertRateTest : public testing::Test {
 protected:
@@ -80,7 +80,7 @@ TEST_F(ConvertRateTest, EveryKernelGivesTheSameBits) {
             both.insert(both.end(), {left[i], left[left.size() - 1 - i]});
         const int frames = static_cast<int>(std::min<std::int64_t>(
             std::int64_t{static_cast<int>(left.size())} * filter.Phases() / filter.Step(), 150000));
-        for (const LKernelChoice kernel : kKernels) {
+        for (const LKernelChoice kernel : kRateKernels) {
             if (!SelectSoundKernels(kernel))
                 continue;
             names.insert(SoundKernels().name);

@@ -15,7 +15,7 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-std::string Sentence(int number, const std::string& word = "number") {
+std::string SpokenSentence(int number, const std::string& word = "number") {
     return "This sentence says the " + word + " " + std::to_string(number) + ".";
 }
 
@@ -24,7 +24,7 @@ std::string Text(int count, const std::vector<int>& troubles = {}, const std::st
     std::string text;
     for (int i = 1; i <= count; ++i) {
         const bool isTrouble = std::count(troubles.begin(), troubles.end(), i) > 0;
-        text += Sentence(i, isTrouble ? word : "number") + (i % 5 == 0 ? "\n\n" : " ");
+        text += SpokenSentence(i, isTrouble ? word : "number") + (i % 5 == 0 ? "\n\n" : " ");
     }
     return text;
 }
@@ -185,7 +185,7 @@ TEST_F(NumbersReading, IsHeardWhileItIsSpokenAndKnowsWhichSentenceWhen) {
         ASSERT_TRUE(stretch);
         const std::string spoken =
             text.substr(stretch->sourceBegin, stretch->sourceEnd - stretch->sourceBegin);
-        EXPECT_THAT(spoken, HasSubstr(Sentence(i + 1, i == 3 ? "wait" : "number")));
+        EXPECT_THAT(spoken, HasSubstr(SpokenSentence(i + 1, i == 3 ? "wait" : "number")));
         EXPECT_EQ(stretch->firstFrame, start);
         EXPECT_EQ(stretch->endFrame, start + kFramesOfNumber);
         EXPECT_EQ(reading.Track().SentenceStart(start + 5), start);

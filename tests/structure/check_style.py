@@ -16,6 +16,9 @@ DEFINITION = re.compile(
     r"(?:struct|class|union|enum(?: class| struct)?) (?P<type>\w+)(?!;)\b"
     r"|[\w:<>,*&\[\] ]+?[ *&>](?P<name>\w+)(?:\(|\[| =|;|\{)"
 )
+PUBLIC = re.compile(
+    r"(?:struct|class|enum|enum class) (?P<type>\w+)(?! \w|\w|;)|(?:inline )?constexpr .*?(?P<constant>\bk[A-Z]\w*)\b"
+)
 ENUMERATOR = re.compile(r"\bk[A-Z]\w*(?=\s*(?:=|,|}|//|$))")
 NO_DEFINITION = ("using ", "template <", "namespace", "TEST", "extern ", "friend ", "static_assert")
 
@@ -57,8 +60,18 @@ def target_of(root, folder):
     return folder
 
 
+def public_types(files):
+    """Name -> header. A function's name may be overloaded; a type's and a constant's may not."""
+    for path, lines in files:
+        for line in lines if path.endswith(".h") else ():
+            match = PUBLIC.match(line)
+            if match:
+                yield match["type"] or match["constant"], path
+
+
 def check_private_names(root, files):
-    """Grouped builds compile several sources of a target as one."""
+    """Grouped builds compile several sources of a target as one, with all their headers."""
+    public = dict(public_types(files))
     seen = collections.defaultdict(dict)
     for path, lines in files:
         folder, name = os.path.split(path)
@@ -66,6 +79,8 @@ def check_private_names(root, files):
         if not name.endswith(".cpp") or "kernels" in name:
             continue
         for number, private in private_names(lines):
+            if private in public:
+                yield f"{path}:{number}: {private} is {public[private]}'s, choose another name"
             first = seen[target_of(root, folder)].setdefault(private, path)
             if first != path:
                 yield f"{path}:{number}: {private} stands in {first} as well, choose another name"
@@ -83,6 +98,7 @@ def check_itself():
     """Every planted file must be found, and no other."""
     fine = "namespace {\nconstexpr int kSize = 1;\nstruct Words {\n    int kOther;\n};\n}  // namespace\n"
     planted = {
+        "gui/public_name.cpp": "namespace {\nstruct Shown {\n}  // namespace\n",
         "gui/same_constant.cpp": "namespace {\nconst char* const kSize[] = {};\n}  // namespace\n",
         "gui/same_type.cpp": "namespace {\nint One() {\n}\nclass Words : public X {\n}  // namespace\n",
         "gui/same_enumerator.cpp": "namespace {\nenum Id : int { kFirst = 4, kSize };\n}  // namespace\n",
@@ -92,6 +108,7 @@ def check_itself():
         "gui/a.cpp": fine,
         "gui/b.cpp": "namespace {\nint Count() {\n}\n}  // namespace\nint kSize = 2;\n",
         "gui/c_kernels.cpp": fine,
+        "gui/shown.h": "class Shown;\nclass Words;\nstruct Shown : Base {\n    constexpr int kSize = 1;\n",
         "sound/a.cpp": fine,
         "gui/CMakeLists.txt": "",
         "sound/CMakeLists.txt": "",

@@ -4,7 +4,7 @@
 
 namespace {
 
-const std::string kStart = "software=Lectora&version=1.05&report=UNINSTALL&text=";
+const std::string kPageStart = "software=Lectora&version=1.05&report=UNINSTALL&text=";
 
 TEST(UninstallReport, FollowsTheRowBehindTheReasonThatIsShown) {
     const std::string longText(3000, 'x');
@@ -26,7 +26,7 @@ TEST(UninstallReport, FollowsTheRowBehindTheReasonThatIsShown) {
         {"Other", 5, "typed", ""},
         {"beyond", 6, "typed", ""},
         {"no item", -1, "typed", ""},
-        {"the whole is cut", 1, longText, longText.substr(0, 2047 - kStart.size())},
+        {"the whole is cut", 1, longText, longText.substr(0, 2047 - kPageStart.size())},
         {"the code is cut", 1, std::string(100, ' '),
          std::string(100, ' ') + "-" +
              [] {
@@ -38,7 +38,7 @@ TEST(UninstallReport, FollowsTheRowBehindTheReasonThatIsShown) {
     };
     for (const auto& each : cases)
         EXPECT_EQ(UninstallReportBody(each.item, each.typed),
-                  each.text.empty() ? "" : kStart + each.text)
+                  each.text.empty() ? "" : kPageStart + each.text)
             << each.choice;
 }
 
