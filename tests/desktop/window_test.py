@@ -1,7 +1,6 @@
 """What the window remembers, and what it does with several files."""
 import os
 import subprocess
-import time
 import unittest
 
 from desktop_case import DesktopCase, desktop

@@ -13,13 +13,15 @@ import wave
 
 import accessible_roles
 import pyatspi
-from waiting import PATIENCE, TimeOut, wait_until  # the tests' too
+import waiting
 
 HERE = os.path.dirname(os.path.realpath(__file__))
 DESKTOP = os.environ["LECTORA_DESKTOP"]
 BUILD = os.environ["LECTORA_BUILD"]
 HOME = os.environ["HOME"]
 SPEECH = os.path.join(HOME, "speech.wav")
+
+PATIENCE, TimeOut, wait_until = waiting.PATIENCE, waiting.TimeOut, waiting.wait_until
 
 accessible_roles.use_names_of_tests()
 

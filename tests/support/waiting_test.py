@@ -35,7 +35,7 @@ class WaitUntilTest(unittest.TestCase):
 
     def test_a_mistake_fails_at_once(self):
         mistakes = (
-            lambda: mispelt,  # noqa: F821
+            lambda: eval("mispelt"),
             lambda: "".mispelt,
             lambda: len(1),
             lambda: wait_until(),  # pylint: disable=no-value-for-parameter
