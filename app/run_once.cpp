@@ -167,7 +167,7 @@ void RunOnceSocket::Close() {
     // The next start finds nobody listening only after the path is gone: what it puts there could
     // not be told from this.
     const UniqueFd turn = path_.empty() ? UniqueFd() : TakeTurn(path_);
-    struct stat now {};
+    struct stat now = {};
     if (bound_.st_ino != 0 && ::stat(path_.c_str(), &now) == 0 && now.st_dev == bound_.st_dev &&
         now.st_ino == bound_.st_ino)
         ::unlink(path_.c_str());

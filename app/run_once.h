@@ -54,5 +54,5 @@ private:
     UniqueFd listening_;
     std::string path_;  // as cut to the address's length
     int busyProcess_ = 0;
-    struct stat bound_ {};  // what this process bound there; no inode while it bound nothing
+    struct stat bound_ = {};  // what this process bound there; no inode while it bound nothing
 };

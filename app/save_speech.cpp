@@ -40,7 +40,7 @@ bool HasExtension(const std::string& path, const char* extension) {
 
 // A folder is not asked about: it cannot be replaced, which is told later.
 bool MayReplace(GtkWidget* parent, const std::string& path) {
-    struct stat info {};
+    struct stat info = {};
     if (::stat(path.c_str(), &info) != 0 || S_ISDIR(info.st_mode))
         return true;
     const std::string question = "The file " + path + " exists. Do you want to replace it?";
@@ -75,8 +75,8 @@ bool ChooseTarget(GtkWidget* parent, Target& target) {
 }
 
 bool IsSameFile(const std::string& one, const std::string& other) {
-    struct stat first {};
-    struct stat second {};
+    struct stat first = {};
+    struct stat second = {};
     return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
            first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
@@ -162,7 +162,7 @@ std::string ProblemOfSize(std::size_t textBytes, OutputFormat format, bool mp3,
     const SpeechSize size = EstimateSpeechSize(textBytes, format.rate, format.channels);
     if (!size.fits)
         return TooLong(size.surelyFit);
-    struct statvfs disk {};
+    struct statvfs disk = {};
     const auto isTooSmall = [&disk](const std::string& file, long long bytes) {
         return ::statvfs(file.substr(0, file.rfind('/') + 1).c_str(), &disk) == 0 &&
                static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize) <

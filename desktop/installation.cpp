@@ -64,7 +64,7 @@ std::vector<TreeEntry> EntriesOf(const std::string& tree, std::error_code& error
 // 0 or the errno.
 int CopyContent(const char* from, const char* to) {
     const UniqueFd source = OpenFileForReading(from);
-    struct stat status {};
+    struct stat status = {};
     if (!source.IsOpen() || ::fstat(source.Get(), &status) != 0)
         return errno;
     ::unlink(to);  // what a run before left
@@ -124,7 +124,7 @@ public:
 
 private:
     static bool Exists(const std::string& path) {
-        struct stat status {};
+        struct stat status = {};
         return ::lstat(path.c_str(), &status) == 0;
     }
 

@@ -27,7 +27,7 @@ bool IsLockedElsewhere(int file) {
 
 // How long the file has been left alone already, by its time stamp.
 std::chrono::milliseconds QuietSoFar(int file) {
-    struct stat info {};
+    struct stat info = {};
     if (::fstat(file, &info) != 0)
         return {};
     const auto written = std::chrono::system_clock::from_time_t(info.st_mtim.tv_sec) +

@@ -17,7 +17,7 @@ namespace {
 constexpr int kFirstPrivateFd = 3;
 
 void SetDefaultSignals() {
-    struct sigaction action {};
+    struct sigaction action = {};
     action.sa_handler = SIG_DFL;
     for (int number = 1; number < NSIG; ++number)
         ::sigaction(number, &action, nullptr);
@@ -89,7 +89,7 @@ UniqueFd AwayFromStandard(int fd) {
 }
 
 bool IsRunnableFile(const char* path) {
-    struct stat status {};
+    struct stat status = {};
     return ::stat(path, &status) == 0 && S_ISREG(status.st_mode) && ::access(path, X_OK) == 0;
 }
 

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <new>
 
 #include "foundation/crash_box_program.h"
@@ -39,7 +40,7 @@ void CopyEnvironment() {
 }
 
 void SetDisposition(int number, void (*handler)(int)) {
-    struct sigaction action {};
+    struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_ONSTACK;
     sigemptyset(&action.sa_mask);

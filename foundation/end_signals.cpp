@@ -8,7 +8,7 @@ namespace {
 constexpr int kEndSignals[] = {SIGTERM, SIGINT, SIGHUP};
 
 bool IsIgnored(int number) {
-    struct sigaction action {};
+    struct sigaction action = {};
     return ::sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
@@ -34,7 +34,7 @@ bool IsEndSignalPending() {
 }
 
 void EndBySignal(int number) {
-    struct sigaction action {};
+    struct sigaction action = {};
     action.sa_handler = SIG_DFL;
     ::sigaction(number, &action, nullptr);
     sigset_t own;

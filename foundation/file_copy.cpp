@@ -17,8 +17,8 @@ bool IsLockRefused(const char* path, int operation) {
 }
 
 bool IsSameFile(int a, int b) {
-    struct stat first {};
-    struct stat second {};
+    struct stat first = {};
+    struct stat second = {};
     return fstat(a, &first) == 0 && fstat(b, &second) == 0 && first.st_dev == second.st_dev &&
            first.st_ino == second.st_ino;
 }

@@ -18,7 +18,7 @@ namespace {
 constexpr int kDeepestCopy = 64;  // folders within folders; deeper paths do not fit their buffers
 
 bool IsFolder(const std::string& path, bool followLink) {
-    struct stat status {};
+    struct stat status = {};
     const int result = followLink ? stat(path.c_str(), &status) : lstat(path.c_str(), &status);
     return result == 0 && S_ISDIR(status.st_mode);
 }
@@ -46,7 +46,7 @@ void CopyTree(const std::string& from, const std::string& to, const std::string&
     for (const std::string& name : names) {
         const std::string source = from + "/" + name;
         const std::string target = to + "/" + name;
-        struct stat status {};
+        struct stat status = {};
         if (IsFolder(source, false)) {
             if (depth < kDeepestCopy && !IsSamePlace(source, topTarget))
                 CopyTree(source, target, topTarget, depth + 1);

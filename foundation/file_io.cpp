@@ -45,7 +45,7 @@ int WriteAll(std::string_view bytes, Write write) {
 
 UniqueFd OpenRegularFile(const char* path, int flags, mode_t mode) {
     UniqueFd fd(::open(path, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode));
-    struct stat status {};
+    struct stat status = {};
     if (fd.IsOpen() && (::fstat(fd.Get(), &status) != 0 || !S_ISREG(status.st_mode)))
         fd.Reset();
     return fd;
@@ -73,7 +73,7 @@ std::size_t ReadFullyAt(int fd, void* buffer, std::size_t size, std::int64_t off
 
 bool ReadWholeFile(int fd, std::size_t limit, std::string& text) {
     text.clear();
-    struct stat status {};
+    struct stat status = {};
     if (::fstat(fd, &status) != 0 || status.st_size < 0 ||
         static_cast<std::size_t>(status.st_size) > limit)
         return false;
@@ -102,6 +102,6 @@ int WriteFullyAt(int fd, std::string_view bytes, std::int64_t offset) {
 }
 
 std::int64_t FileSize(int fd) {
-    struct stat status {};
+    struct stat status = {};
     return ::fstat(fd, &status) == 0 ? status.st_size : 0;
 }

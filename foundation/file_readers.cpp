@@ -67,7 +67,7 @@ std::int64_t LReadFileRef::Tell() const {
 }
 
 std::int64_t LReadFileRef::GetSize() const {
-    struct stat status {};
+    struct stat status = {};
     return fstat(fd_, &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
 }
 
@@ -76,8 +76,8 @@ bool LReadFileRef::ReadLine(char* out, std::size_t size) {
         unsigned char c;
         return Read(&c, 1) == 1 ? static_cast<int>(c) : -1;
     };
-    return ReadLineFrom(
-        nextByte, [this] { lseek(fd_, -1, SEEK_CUR); }, out, size);
+    const auto stepBack = [this] { lseek(fd_, -1, SEEK_CUR); };
+    return ReadLineFrom(nextByte, stepBack, out, size);
 }
 
 bool LReadFileRef::ReadStringUTF8(char* out, std::size_t length) {

@@ -41,7 +41,7 @@ bool Poll(Clock::time_point end, Try tryOnce) {
 }
 
 bool SetTurn(int fd, short type) {
-    struct flock turn {};
+    struct flock turn = {};
     turn.l_type = type;
     turn.l_whence = SEEK_SET;
     return fcntl(fd, F_OFD_SETLK, &turn) == 0;

@@ -36,6 +36,6 @@ std::string LFile::FolderIterator::Path() const {
 }
 
 bool LFile::FolderIterator::IsFolder() const {
-    struct stat status {};
+    struct stat status = {};
     return stat(Path().c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }

@@ -16,8 +16,8 @@ namespace {
 // False when the holder before removed the file between our open and our lock: the lock is then on
 // a file that nobody else can find.
 bool IsStillThere(int fd, const char* path) {
-    struct stat opened {};
-    struct stat named {};
+    struct stat opened = {};
+    struct stat named = {};
     return fstat(fd, &opened) == 0 && stat(path, &named) == 0 && opened.st_dev == named.st_dev &&
            opened.st_ino == named.st_ino;
 }

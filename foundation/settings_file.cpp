@@ -53,7 +53,7 @@ void LSettingsFile::Forget() {
 }
 
 LSettingsFile::Stamps LSettingsFile::StampsOf(int fd) {
-    struct stat status {};
+    struct stat status = {};
     if (fstat(fd, &status) != 0)
         return Stamps();
     return {static_cast<std::uint32_t>(status.st_mtime),

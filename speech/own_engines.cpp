@@ -27,7 +27,7 @@ using KeyFile = std::unique_ptr<GKeyFile, decltype(&g_key_file_unref)>;
 std::string ReadTrusted(const std::string& path) {
     std::string text;
     const UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-    struct stat status {};
+    struct stat status = {};
     if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode))
         return text;
     if ((status.st_uid != 0 && status.st_uid != ::geteuid()) ||

@@ -36,7 +36,7 @@ bool IsNameOfRunSound(std::string_view name) {
 }
 
 void RemoveDead(const std::string& path, time_t now) {
-    struct stat status {};
+    struct stat status = {};
     if (::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
         status.st_uid == ::geteuid() && status.st_mtime < now - kDeadSeconds)
         ::unlink(path.c_str());

@@ -41,7 +41,7 @@ std::string SavingProblem(std::size_t textBytes, const std::string& folder) {
         return "The speech would last about " + Hours(estimate.seconds) +
                ", more than one sound file can hold: the first " +
                Megabytes(static_cast<double>(LargestTextForOneFile())) + " of the text fit.";
-    struct statvfs disk {};
+    struct statvfs disk = {};
     if (::statvfs(folder.c_str(), &disk) != 0)
         return {};  // the writing will tell what is wrong
     const double free = static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize);

@@ -78,7 +78,7 @@ public:
 
 private:
     void Open(const LSoundSourceBase& first) {
-        struct stat status {};
+        struct stat status = {};
         if (::stat(reading_.path_.c_str(), &status) == 0 && status.st_size > 0)
             ::unlink(reading_.path_.c_str());
         sink_ = LWaveFile::OpenSinkPCM(reading_.path_.c_str(), first.SampleRate(), first.Channels(),
@@ -173,7 +173,7 @@ void SpeechReading::End(SynthesisOutcome outcome, const std::string& leftOut) {
 }
 
 LSoundSource SpeechReading::OpenSource() const {
-    struct stat status {};
+    struct stat status = {};
     if (!HasSound() || ::stat(path_.c_str(), &status) != 0 || !IsOurs(status))
         return LSoundSource();
     const LSoundSource file = LWaveFile::OpenSource(path_.c_str());

@@ -33,13 +33,13 @@ constexpr std::size_t kMostErrors = 1000;        // bytes of a run that the log 
 constexpr unsigned long kFullDiskBytes = 65536;  // fewer free bytes count as a full disk
 
 bool IsDiskFull(const std::string& folder) {
-    struct statvfs disk {};
+    struct statvfs disk = {};
     return ::statvfs(folder.c_str(), &disk) == 0 &&
            static_cast<unsigned long>(disk.f_bavail) * disk.f_frsize < kFullDiskBytes;
 }
 
 long long FileSize(const std::string& path) {
-    struct stat status {};
+    struct stat status = {};
     return ::stat(path.c_str(), &status) == 0 ? static_cast<long long>(status.st_size) : -1;
 }
 

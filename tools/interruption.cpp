@@ -17,7 +17,7 @@ void Interrupt(int number) {
 void CatchInterruptions() {
     const sigset_t end = EndSignals();
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction action {};
+        struct sigaction action = {};
         action.sa_handler = Interrupt;
         action.sa_flags = static_cast<int>(SA_RESETHAND);
         if (sigismember(&end, number) == 1)

@@ -68,7 +68,7 @@ public:
         gtk_file_chooser_add_filter(Self(), entry);
     }
     bool HasChosenExistingFile() const {
-        struct stat status {};
+        struct stat status = {};
         return ::stat(File().c_str(), &status) == 0;
     }
 

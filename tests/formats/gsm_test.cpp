@@ -116,7 +116,7 @@ TEST_F(GsmTest, OtherDecodersHearWhatOursHearsAndOtherEncodersCodeNoBetter) {
     const std::vector<int> heard = Witness("toast -d -l -c ours.gsm > out.raw");
     ASSERT_EQ(heard.size(), ours.size());
     EXPECT_GT(SignalToNoise(ours, heard), 40);  // de-emphasis differs by 0.07 %
-    { WriteAll(LRawFile::OpenSink(Path("in.raw").c_str(), {kGsmRate, 1, kRawPcm16}), voice); }
+    WriteAll(LRawFile::OpenSink(Path("in.raw").c_str(), {kGsmRate, 1, kRawPcm16}), voice);
     const std::vector<int> theirs =
         Witness("toast -l -c in.raw > theirs.gsm && toast -d -l -c theirs.gsm > out.raw");
     EXPECT_GT(SignalToNoise(voice, ours), SignalToNoise(voice, theirs) - 0.5);

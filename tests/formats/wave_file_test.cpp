@@ -137,7 +137,7 @@ TEST_F(WaveFile, SinksOnExistingFilesKeepTheFramesAskedFor) {
         WriteAll(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 0), signal);
     };
     make();
-    { EXPECT_EQ(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 1000)->FramesWritten(), 1000); }
+    EXPECT_EQ(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 1000)->FramesWritten(), 1000);
     EXPECT_EQ(Load(path).size(), 46U + 1000U);
     make();
     WriteAll(LWaveFile::OpenSinkPCM(path.c_str(), 8000, 1, 16, 100), {16, 32});
@@ -177,7 +177,7 @@ TEST_F(WaveFile, HeadersAreWholeAndLeaveSizesBeyondTheirFieldsUnknown) {
         {0x20000000, 0x80000026, 0x80000000}};
     for (const auto& [frames, riff, data] : cases) {
         const std::string path = Path("big.wav");
-        { LWaveFile::OpenSinkPCM(path.c_str(), 48000, 2, 16, frames); }
+        LWaveFile::OpenSinkPCM(path.c_str(), 48000, 2, 16, frames);  // and closed at once
         std::string header(46, '\0');
         std::ifstream(path, std::ios::binary).read(header.data(), 46);
         EXPECT_EQ(header.substr(4, 4), Bytes().LE32(riff).Str()) << frames;

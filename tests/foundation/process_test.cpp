@@ -97,7 +97,7 @@ TEST_F(ProcessTest, FilesOfTheUsersKeepToTheMaskAndTheMachinesAreRootsToWrite) {
     EXPECT_EQ(home.Read("umask"), "0027\n") << "what a command writes keeps to it too";
     int files = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(home.Path())) {
-        struct stat status {};
+        struct stat status = {};
         ASSERT_EQ(::stat(entry.path().c_str(), &status), 0);
         files += entry.is_regular_file();
         const bool isLock = entry.path().extension() == ".lck";

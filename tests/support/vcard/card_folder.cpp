@@ -116,7 +116,7 @@ bool CardFolder::Exists() const {
 
 const CardSettings& CardFolder::Settings() {
     const std::string file = path_ + "/settings";
-    struct stat now {};
+    struct stat now = {};
     if (::stat(file.c_str(), &now) == 0 &&
         (now.st_ino != read_.st_ino || now.st_size != read_.st_size ||
          now.st_mtim.tv_sec != read_.st_mtim.tv_sec ||

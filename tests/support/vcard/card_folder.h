@@ -72,7 +72,7 @@ public:
 private:
     std::string path_;
     CardSettings settings_;
-    struct stat read_ {};
+    struct stat read_ = {};
 };
 
 // The whole file, "" when there is none.
