@@ -44,7 +44,7 @@ bool IsOwnWord(const std::string& argument) {
 }
 
 bool IsThere(const std::string& path) {
-    struct stat status {};
+    struct stat status = {};
     return ::stat(path.c_str(), &status) == 0;
 }
 

@@ -74,7 +74,7 @@ bool DoWork(const LUserAccount& account, const HomeWork& work) {
 // The child: nothing of this process is left to it but the memory.
 [[noreturn]] void WorkAs(const LUserAccount& account, const std::vector<gid_t>& groups,
                          const HomeWork& work, int answer) {
-    struct sigaction action {};
+    struct sigaction action = {};
     action.sa_handler = SIG_DFL;
     for (const int fault : {SIGILL, SIGUSR1, SIGSEGV})
         ::sigaction(fault, &action, nullptr);  // no crash box of another user's
@@ -116,7 +116,7 @@ UniqueFd LHomeFolder::OpenFolder(const std::string& path) const {
 
 UniqueFd LHomeFolder::OpenFile(const std::string& path, int flags) const {
     UniqueFd file = Open(path, flags);
-    struct stat status {};
+    struct stat status = {};
     if (file.IsOpen() && (::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)))
         file.Reset();
     return file;
@@ -150,7 +150,7 @@ bool PlaceFile(int folder, const char* name, std::string_view content, mode_t mo
 }
 
 bool InHomeOf(const LUserAccount& account, const HomeWork& work) {
-    struct stat status {};
+    struct stat status = {};
     if (account.home.empty() || account.user == kNoUser ||
         ::stat(account.home.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
         return false;

@@ -247,7 +247,7 @@ bool LockMachine(LLockFile& lock) {
 // nobody exchanges what is being looked at.
 void KeepOthersFromWriting(int parent, const char* name) {
     const UniqueFd at(::openat(parent, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat status {};
+    struct stat status = {};
     if (!at.IsOpen() || ::fstat(at.Get(), &status) != 0 ||
         !(S_ISDIR(status.st_mode) || S_ISREG(status.st_mode)))
         return;

@@ -54,7 +54,7 @@ std::vector<LUserAccount> LGetUsersAccounts() {
 
 LUserAccount PresentAccount() {
     LUserAccount present{"", HomeFolder(), kNoUser, static_cast<gid_t>(-1)};
-    struct stat status {};
+    struct stat status = {};
     if (::stat(present.home.c_str(), &status) != 0)
         return present;
     present.user = status.st_uid;

@@ -39,7 +39,7 @@ std::string TemporaryPattern(const std::string& path) {
 
 // The lock goes with the process, however it ends. Not the kind that writers of the file take.
 bool HoldFile(int fd) {
-    struct flock all {};
+    struct flock all = {};
     all.l_type = F_WRLCK;
     all.l_whence = SEEK_SET;
     return ::fcntl(fd, F_OFD_SETLK, &all) == 0;
@@ -51,7 +51,7 @@ UniqueFd OpenTemporary(std::string& path) {
     for (;;) {
         path.replace(path.size() - kRandom.size(), kRandom.size(), kRandom);
         UniqueFd file(::mkostemp(path.data(), O_CLOEXEC));
-        struct stat status {};
+        struct stat status = {};
         if (!file.IsOpen() || !HoldFile(file.Get()) || ::fstat(file.Get(), &status) != 0 ||
             status.st_nlink > 0)
             return file;
@@ -60,7 +60,7 @@ UniqueFd OpenTemporary(std::string& path) {
 
 void RemoveWhenUnused(const std::string& path) {
     const UniqueFd file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat status {};
+    struct stat status = {};
     if (file.IsOpen() && ::fstat(file.Get(), &status) == 0 && S_ISREG(status.st_mode) &&
         status.st_uid == ::geteuid() && HoldFile(file.Get()))
         ::unlink(path.c_str());

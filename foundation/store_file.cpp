@@ -36,7 +36,7 @@ UniqueFd OpenStart(const std::string& folder) {
 Way WayTo(std::string_view path) {
     Way way;
     way.steps = path;
-    struct stat root {};
+    struct stat root = {};
     // The machine's first: "/opt" stands for a home folder that is not told.
     if (TakePrefix(way.steps, MachinePath("/opt/quillon"))) {
         way.steps = path.substr(MachinePath("/").size());
@@ -69,7 +69,7 @@ bool IsTrusted(const Way& way, int fd, struct stat& status) {
 }
 
 UniqueFd OpenFolderStep(const Way& way, int parent, const char* name, bool make) {
-    struct stat status {};
+    struct stat status = {};
     const bool isMade = make && ::mkdirat(parent, name, way.isMachines ? 0755 : 0777) == 0;
     UniqueFd folder(::openat(parent, name, kFolder));
     if (!folder.IsOpen() || !IsTrusted(way, folder.Get(), status))
@@ -99,7 +99,7 @@ UniqueFd OpenStoreFile(const char* path, int flags, mode_t mode) {
     UniqueFd file(::openat(folder.Get(), name.c_str(),
                            flags | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
                            way.isMachines ? 0644 : mode));
-    struct stat status {};
+    struct stat status = {};
     if (file.IsOpen() && (!IsTrusted(way, file.Get(), status) || !S_ISREG(status.st_mode)))
         return UniqueFd();
     // A mask that keeps new files from others would keep the administrator's defaults from them.
@@ -118,7 +118,7 @@ bool MakeStoreFolder(const std::string& path) {
 
 bool CouldOnlyRootWrite(const std::string& path) {
     Way way = WayTo(path);
-    struct stat root {};
+    struct stat root = {};
     if (!way.isMachines || ::fstat(way.start.Get(), &root) != 0)
         return false;
     const auto isRoots = [&](const struct stat& status) {
@@ -129,7 +129,7 @@ bool CouldOnlyRootWrite(const std::string& path) {
     UniqueFd at = std::move(way.start);
     while (!way.steps.empty()) {
         const std::string step = TakeStep(way.steps);
-        struct stat status {};
+        struct stat status = {};
         at = UniqueFd(::openat(at.Get(), step.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
         if (!at.IsOpen() || ::fstat(at.Get(), &status) != 0 || S_ISLNK(status.st_mode) ||
             !isRoots(status))

@@ -85,7 +85,7 @@ TEST_F(OtherAccounts, AreActedForWithNothingOfRoots) {
                PlaceFile(folder.Get(), "made", "by cid", 0644, true);
     }));
     ::umask(022);
-    struct stat made {};
+    struct stat made = {};
     ASSERT_EQ(::stat((root_ / "home/cid/made").c_str(), &made), 0);
     EXPECT_EQ(made.st_uid, cid.user);
     EXPECT_FALSE(InHomeOf(cid, [](const LHomeFolder&) { return false; }));

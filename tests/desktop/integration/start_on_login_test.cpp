@@ -26,7 +26,7 @@ protected:
     }
 
     uid_t OwnerOf(const std::string& path) const {
-        struct stat status {};
+        struct stat status = {};
         return ::stat((root_ / path).c_str(), &status) == 0 ? status.st_uid : kNoUser;
     }
 
