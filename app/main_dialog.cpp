@@ -284,21 +284,5 @@ bool MainDialog::EvKeyDown(unsigned int key) {
     firstMoments_.EndSplash();
     if (text_.EvKeyDown(key))
         return true;
-    // Undoing in a field would otherwise empty the text box behind it.
-    const bool inEntry = GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(Widget())));
-    return commands_.LeavesKey(key, inEntry) ? GiveKeyToFocus() : LMainWindow::EvKeyDown(key);
-}
-
-// Past the menus: an item that shows the key would take it and do nothing.
-bool MainDialog::GiveKeyToFocus() {
-    GdkEvent* event = gtk_get_current_event();
-    if (event == nullptr)
-        return false;
-    // The player passes its keys on, which are none of this window's fields.
-    const bool isOwn = event->type == GDK_KEY_PRESS && gdk_window_get_toplevel(event->key.window) ==
-                                                           gtk_widget_get_window(Widget());
-    const bool isTaken =
-        isOwn && gtk_window_propagate_key_event(GTK_WINDOW(Widget()), &event->key) != FALSE;
-    gdk_event_free(event);
-    return isTaken;
+    return !commands_.LeavesKey(key) && LMainWindow::EvKeyDown(key);
 }

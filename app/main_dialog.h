@@ -98,7 +98,6 @@ private:
     void EvFilesDropped(const std::vector<std::string>& paths);
     static bool ShowsCommandBar();
     void KeepFocus();
-    bool GiveKeyToFocus();
     void Minimise();
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();

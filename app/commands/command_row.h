@@ -28,8 +28,7 @@ struct CommandFacts {
     int icon = 0;
     std::array<LKeyCode, 4> keys{};  // the first is shown
     CommandNeeds needs = 0;
-    bool sharesKeys = false;     // somebody else gets them while the command cannot act
-    bool leavesEntries = false;  // to an entry that has the keyboard its keys mean something else
+    bool sharesKeys = false;  // somebody else gets them while the command cannot act
 };
 
 // Of a part of the window; what it does is a member function of that part.

@@ -82,9 +82,9 @@ bool CommandSet::CanAct(int command) const {
     return (Facts(command).needs & ~available_()) == 0;
 }
 
-bool CommandSet::LeavesKey(LKeyCode key, bool inEntry) const {
+bool CommandSet::LeavesKey(LKeyCode key) const {
     const CommandFacts& facts = Facts(CommandOfKey(keys_, key));
-    return (facts.leavesEntries && inEntry) || (facts.sharesKeys && !CanAct(facts.number));
+    return facts.sharesKeys && !CanAct(facts.number);
 }
 
 void CommandSet::Refresh() {

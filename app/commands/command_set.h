@@ -31,8 +31,7 @@ public:
     // one looks for itself.
     bool Run(int command);
     bool CanAct(int command) const;
-    // Whether the key is none of a command's just now; inEntry: an entry has the keyboard.
-    bool LeavesKey(LKeyCode key, bool inEntry) const;
+    bool LeavesKey(LKeyCode key) const;  // whether it is none of a command's just now
     // Shows in all places what can act now; called whenever that may have changed.
     void Refresh();
 

@@ -37,17 +37,12 @@ void TextPane::TakeDrops(GtkWidget* window) {
 
 void TextPane::AddCommands(CommandSet& commands) {
     static constexpr CommandRow<TextPane> kRows[] = {
-        {{.number = kUndo,
-          .label = "&Undo",
-          .keys = {kKeyControl | GDK_Z},
-          .needs = kNeedsUndo,
-          .leavesEntries = true},
+        {{.number = kUndo, .label = "&Undo", .keys = {kKeyControl | GDK_Z}, .needs = kNeedsUndo},
          &TextPane::CmUndo},
         {{.number = kRedo,
           .label = "&Redo",
           .keys = {kKeyControl | kKeyShift | GDK_Z, kKeyControl | GDK_Y},
-          .needs = kNeedsRedo,
-          .leavesEntries = true},
+          .needs = kNeedsRedo},
          &TextPane::CmRedo},
         {{.number = kFind, .label = "&Find...", .keys = {kKeyControl | GDK_F}, .needs = kNeedsText},
          &TextPane::CmFind},

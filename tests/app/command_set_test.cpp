@@ -17,11 +17,7 @@ constexpr CommandRow<Pane> kRows[] = {
     {{.number = 1019, .also = {1008}, .keys = {kKeyControl | GDK_B}, .needs = kNeedsSelection},
      &Pane::Fetch},
     {{.number = 1021, .tip = "Settings"}, &Pane::Fetch},
-    {{.number = 1313,
-      .keys = {kKeyControl | GDK_Left},
-      .needs = kNeedsSound,
-      .sharesKeys = true,
-      .leavesEntries = true},
+    {{.number = 1313, .keys = {kKeyControl | GDK_Left}, .needs = kNeedsSound, .sharesKeys = true},
      &Pane::Fetch},
 };
 
@@ -48,18 +44,17 @@ TEST(CommandSetTest, WhatCannotActSaysWhyAndNumbersOfOneCommandAreAlike) {
     EXPECT_EQ(0u, KeyOfCommand(commands.Keys(), 0));
 }
 
-TEST(CommandSetTest, ASharedKeyIsTheCommandsOnlyWhileItCanActOutsideOfEntries) {
+TEST(CommandSetTest, ASharedKeyIsTheCommandsOnlyWhileItCanAct) {
     Pane pane;
     CommandNeeds available = 0;
     CommandSet commands([&] { return available; }, nullptr);
     commands.Add(pane, kRows);
     constexpr LKeyCode kBack = kKeyControl | GDK_Left;
-    EXPECT_TRUE(commands.LeavesKey(kBack, false));
+    EXPECT_TRUE(commands.LeavesKey(kBack));
     available = kNeedsSound;
-    EXPECT_FALSE(commands.LeavesKey(kBack, false));
-    EXPECT_TRUE(commands.LeavesKey(kBack, true));
-    EXPECT_FALSE(commands.LeavesKey(kKeyControl | GDK_Z, false)) << "it says why it cannot act";
-    EXPECT_FALSE(commands.LeavesKey(GDK_X, true)) << "of no command";
+    EXPECT_FALSE(commands.LeavesKey(kBack));
+    EXPECT_FALSE(commands.LeavesKey(kKeyControl | GDK_Z)) << "it says why it cannot act";
+    EXPECT_FALSE(commands.LeavesKey(GDK_X)) << "of no command";
 }
 
 }  // namespace
