@@ -57,8 +57,15 @@ protected:
         return RunUntil([&] { return narrator_->State() == state; });
     }
     void Hear(const ReadingNews& news) {
-        if (news.IsNew())
-            states_.push_back(news.state);
+        if (news.IsNew()) {
+            all_.push_back(news.state);
+            // On a busy machine the engine's double may fall behind at any time.
+            const bool isBehind =
+                news.before == State::kPlaying && news.state == State::kWaitingForSound;
+            if (!isBehind && !(wasBehind_ && news.state == State::kPlaying))
+                states_.push_back(news.state);
+            wasBehind_ = isBehind;
+        }
         if (news.stretch && (heard_.empty() || heard_.back() != news.stretch->sourceBegin))
             heard_.push_back(news.stretch->sourceBegin);
         last_ = news;
@@ -70,7 +77,9 @@ protected:
     ScopedVariable desktop_{"LECTORA_DESKTOP", home_.Path().c_str()};
     VirtualCards cards_;
     std::unique_ptr<Narrator> narrator_ = std::make_unique<Narrator>(home_ / "speech.wav");
-    std::vector<State> states_;
+    std::vector<State> all_;
+    std::vector<State> states_;  // but for falling behind, and what follows that
+    bool wasBehind_ = false;
     std::vector<std::size_t> heard_;
     ReadingNews last_;
     Narrator::Subscription news_{narrator_->News(),
@@ -173,7 +182,7 @@ TEST_F(NarratorTest, ReceiversMayActAndGoFromWithin) {
     narrator_->Read(kText, 0, "");
     ASSERT_TRUE(RunUntil([&] { return going == nullptr; }));
     ASSERT_TRUE(RunTo(State::kEnded));
-    EXPECT_EQ(others, states_);
+    EXPECT_EQ(others, all_);
     EXPECT_THAT(states_, ElementsAre(State::kWaitingForSound, State::kPlaying, State::kEnded,
                                      State::kWaitingForSound, State::kPlaying, State::kEnded));
     narrator_.reset();  // with its receivers
