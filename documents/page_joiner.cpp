@@ -1,6 +1,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 #include <utility>
@@ -100,7 +101,7 @@ public:
             for (const PdfLine& line : page) {
                 words_.Add(line.text);
                 if (line.height > 0)
-                    heights[static_cast<int>(line.height * 2 + 0.5)] += line.text.size();
+                    heights[static_cast<int>(std::lround(line.height * 2))] += line.text.size();
             }
         const auto most = std::max_element(
             heights.begin(), heights.end(),

@@ -1,6 +1,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "documents/html_tokens.h"
@@ -10,6 +11,7 @@
 namespace {
 
 constexpr std::size_t kLongestLine = 65536;
+constexpr double kLargestLength = 1e6;
 // Of the letters' height: what parts words, and what lifts a small number above its line.
 constexpr double kLeastGap = 0.1;
 constexpr double kSmall = 0.85;
@@ -18,9 +20,12 @@ constexpr double kLifted = 0.12;
 double LengthIn(std::string_view line, std::string_view name) {
     const std::string key = std::string(name) + "=\"";
     const std::size_t at = line.find(key);
-    return at == std::string_view::npos
-               ? 0
-               : g_ascii_strtod(std::string(line.substr(at + key.size(), 24)).c_str(), nullptr);
+    if (at == std::string_view::npos)
+        return 0;
+    const double length =
+        g_ascii_strtod(std::string(line.substr(at + key.size(), 24)).c_str(), nullptr);
+    // Also false for what is no number.
+    return std::abs(length) < kLargestLength ? length : 0;
 }
 
 std::string TextIn(std::string_view line) {

@@ -222,6 +222,33 @@ def documents():
         ),
     )
     save("document", "pages", b"Title 1\nA divi-\nded well-known\n1\n\x0cTitle 2\nwell-\nknown\n\x0c")
+    layout = '<page width="9">\n<block xMin="5" xMax="90">\n<line>\n'
+    layout += '<word xMin="5" yMin="1" xMax="9" yMax="11">War</word>\n'
+    layout += '<word xMin="9.1" yMin="1" xMax="11" yMax="5">2</word>\n</line>\n<line>\n'
+    layout += '<word xMin="nan" yMin="-1e999" xMax="inf" yMax="1e300">a-</word>\n</line>\n'
+    save("document", "layout", layout.encode())
+    save(
+        "document",
+        "broken_page",
+        b"<p a='b>c<!-- <svg><path/></svg><math><msup><mi>x</mi><mn>2</mn></msup></math><sup>[1]</sup>"
+        b"<ol start=9 type=i><li><title>d<![CDATA[e]]>&eacute&#x80;&#1114112;</p><table><td><script>",
+    )
+    pptx = "<p:sld xmlns:p='p' xmlns:a='a'><p:sp><p:ph type='title'/><a:p><a:t>f</a:t></a:p></p:sp></p:sld>"
+    slides = "<p:p xmlns:p='p' xmlns:r='r'><p:sldId id='1' r:id='r1'/></p:p>"
+    save(
+        "document",
+        "pptx",
+        archive(
+            **{
+                "ppt/presentation.xml": slides,
+                "ppt/_rels/presentation.xml.rels": "<R><Relationship Id='r1' Target='s.xml'/></R>",
+                "ppt/s.xml": pptx,
+            }
+        ),
+    )
+    book = "<?xml version='1.0'?><FictionBook><body><title><p>a</p></title><section><p>b"
+    book += "<a type='note'>1</a></p></section></body><binary>c</binary></FictionBook>"
+    save("document", "fb2", book.encode())
     save("document", "mixed", "“é” ".encode() + b"\xe9\xe2\x80\0\x93\xf0\x9f\x98")
 
 
