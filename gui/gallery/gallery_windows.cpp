@@ -1,21 +1,13 @@
-// Shows every control, and the dialogs that no window of the program opens, and takes pictures.
-//
-//     gui_gallery FOLDER THEME FONT      e.g. "out/light" "Adwaita" "Sans 10"; "" for GTK's own
-//     theme
-//     gui_gallery                        one window after the other, until each is closed
-//
-// Fails when GTK prints a warning and when something has less room than it asks for.
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <functional>
+#include "gui/gallery/gallery_windows.h"
+
 #include <string>
-#include <vector>
 
 #include "formats/dialogs/aiff_settings_dialog.h"
 #include "formats/dialogs/au_settings_dialog.h"
 #include "formats/dialogs/mp3_encode_dialog.h"
 #include "formats/dialogs/raw_settings_dialog.h"
+#include "gui/dialog_gen_context.h"
+#include "gui/gallery/pictures.h"
 #include "gui/icon_numbers.h"
 #include "gui/key_dialog.h"
 #include "gui/property_sheet.h"
@@ -26,95 +18,21 @@
 #include "gui/widgets/explorer_bar.h"
 #include "speech/dialogs/tts_input_dialog.h"
 #include "speech/festival_voices.h"
-#include "tests/gui/gui_fixtures.h"
 
 namespace {
 
-std::string folder;  // empty: a person or a screen reader looks, no pictures
-bool allIsWell = true;
-
-// The one complaint that is GTK's own to make is about a theme's engine that is not installed.
-void Complain(const char* domain, GLogLevelFlags level, const char* message, gpointer) {
-    g_log_default_handler(domain, level, message, nullptr);
-    constexpr auto kBad =
-        GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_ERROR);
-    if ((level & kBad) != 0 && std::strstr(message, "Unable to locate theme engine") == nullptr)
-        allIsWell = false;
-}
-
-// What got less room than it asked for is cut off on the screen. What scrolls needs none, and
-// GTK's own path bar gives its arrows less.
-void CheckRoom(GtkWidget* widget, gpointer picture) {
-    if (!gtk_widget_get_mapped(widget))
-        return;
-    GtkRequisition wanted;
-    gtk_widget_get_child_requisition(widget, &wanted);
-    const GtkAllocation& place = widget->allocation;
-    if (place.width < wanted.width || place.height < wanted.height) {
-        std::fprintf(stderr, "%s: %s \"%s\" wants %d x %d, has %d x %d\n",
-                     static_cast<const char*>(picture), G_OBJECT_TYPE_NAME(widget),
-                     GTK_IS_LABEL(widget) ? gtk_label_get_text(GTK_LABEL(widget)) : "",
-                     wanted.width, wanted.height, place.width, place.height);
-        allIsWell = false;
-    }
-    const bool scrolls =
-        GTK_IS_SCROLLED_WINDOW(widget) || g_strcmp0(G_OBJECT_TYPE_NAME(widget), "GtkPathBar") == 0;
-    if (GTK_IS_CONTAINER(widget) && !scrolls)
-        gtk_container_foreach(GTK_CONTAINER(widget), CheckRoom, picture);
-}
-
-// The one that is open; there is never a second.
-GtkWidget* ContentWindow() {
-    return FindWindow([](GtkWidget* window) {
-        return gtk_widget_get_mapped(window) &&
-               gtk_window_get_window_type(GTK_WINDOW(window)) == GTK_WINDOW_TOPLEVEL;
-    });
-}
-
-// The window with its frame, and what has popped up over it, as they are on the screen.
-void TakePicture(const char* name) {
-    // Placing, drawing and theme pictures take some turns of the main loop.
-    PumpUntil([] { return false; }, 400);
-    GtkWidget* window = ContentWindow();
-    if (window == nullptr)
-        return;
-    CheckRoom(window, const_cast<char*>(name));
-    GdkRectangle frame;
-    gdk_window_get_frame_extents(gtk_widget_get_window(window), &frame);
-    GdkWindow* root = gdk_get_default_root_window();
-    int width = 0;
-    int height = 0;
-    gdk_drawable_get_size(root, &width, &height);
-    if (frame.width > width || frame.height > height) {
-        std::fprintf(stderr, "%s: %d x %d is larger than the screen\n", name, frame.width,
-                     frame.height);
-        allIsWell = false;
-    }
-    const GdkRectangle screen{0, 0, width, height};
-    GdkRectangle seen;
-    gdk_rectangle_intersect(&frame, &screen, &seen);
-    const auto picture = GObjectRef<GdkPixbuf>::Adopt(gdk_pixbuf_get_from_drawable(
-        nullptr, root, nullptr, seen.x, seen.y, 0, 0, seen.width, seen.height));
-    const std::string file = folder + "/" + name + ".png";
-    gdk_pixbuf_save(picture.Get(), file.c_str(), "png", nullptr, nullptr);
-}
-
-// Takes the window's picture, or lets a person look until it is closed.
-void Present(const LWindow& window, const char* name) {
-    if (!folder.empty())
-        TakePicture(name);
-    while (folder.empty() && window.Widget() != nullptr && gtk_widget_get_mapped(window.Widget()))
-        gtk_main_iteration();
-}
+constexpr int kName = 10;
+constexpr int kDate = 20;
+constexpr int kAdd = 36;
 
 void GenerateControls(LDialogGenContext& c) {
     c.AddStaticTitle(1, "Every control of the builder");
-    c.AddInput(10, "Name", 220);
+    c.AddInput(kName, "Name", 220);
     c.AddInputPassword(12, "Password");
     c.AddInputUpDown(14, "Copies");
     c.AddPullDownList(16, "Voice", 220);
     c.AddComboBox(18, "Device");
-    c.AddDateTime(20, "Remind me");
+    c.AddDateTime(kDate, "Remind me");
     c.AddScrollBar(22, "Speed");
     c.AddDBEdit(24, "Volume");
     c.AddDBDisplay(26);
@@ -127,7 +45,7 @@ void GenerateControls(LDialogGenContext& c) {
     c.AddRadioButton(34, "Use these default format settings ");
     c.AddCheckBox(35, "Tell me when it is done");
     c.StartHBox();
-    c.AddButton(36, "Add...");
+    c.AddButton(kAdd, "Add...");
     c.AddButton(37, "Change...");
     c.AddButton(38, "Remove...");
     c.EndHBox();
@@ -186,6 +104,20 @@ void FillLists(LDialog& d, LStatusWindow& log) {
     log.DisplayStatus("The file could not be written", kLogError);
 }
 
+struct ControlsDialog : LDialog {
+    void InitDialog() override { FillControls(*this); }
+    void Command(int command) override {
+        if (command == kAdd)
+            SetControlInvalid(kName, "Please enter your name.", "Name Required");
+    }
+    void Click(int id) { gtk_button_clicked(GTK_BUTTON(GetControlByID(id))); }
+};
+
+struct ListsDialog : LDialog {
+    void InitDialog() override { FillLists(*this, log); }
+    LStatusWindow log;
+};
+
 struct MainLike : LKeyDialog, LStatusBar, LToolBar {
     GtkWidget* StatusBar() { return CreateStatusBar(); }
     void Command(int command) override {
@@ -219,7 +151,28 @@ constexpr LToolBar::ToolBarItem kTools[] = {
     {1021, kOptionsIcon, "Options", "Change settings", LToolBar::ToolBarItem::kButton},
 };
 
-void ShowMainLike() {
+}  // namespace
+
+void ShowControls(Pictures& pictures) {
+    ControlsDialog controls;
+    controls.Open(nullptr, {"Controls", false, GenerateControls}, false);
+    pictures.Present(controls, "controls");
+    if (!pictures.AreTaken())
+        return;
+    controls.Click(kDate);
+    pictures.Take("calendar");
+    controls.Click(kDate);
+    controls.Click(kAdd);
+    pictures.Take("bubble-tip");
+}
+
+void ShowLists(Pictures& pictures) {
+    ListsDialog lists;
+    lists.Open(nullptr, {"Lists and log", false, GenerateLists}, false);
+    pictures.Present(lists, "lists");
+}
+
+void ShowMenusAndBars(Pictures& pictures) {
     MainLike window;
     window.Open(nullptr,
                 {"Menus, tool bar, command bar", true,
@@ -253,37 +206,31 @@ void ShowMainLike() {
     window.SetTooltip(512, "Rewind (<-)");
     gtk_widget_set_size_request(window.Widget(), MIN(860, gdk_screen_width() - 20), -1);
     gtk_widget_show_all(window.Widget());
-    Present(window, "main-like");
-    if (folder.empty())
+    pictures.Present(window, "main-like");
+    if (!pictures.AreTaken())
         return;
     GtkWidget* menuBar =
         static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(window.Widget()), "menu_bar"));
     gtk_menu_shell_select_first(GTK_MENU_SHELL(menuBar), FALSE);
     g_signal_emit_by_name(menuBar, "activate-current", FALSE);
-    TakePicture("menu");
+    pictures.Take("menu");
     gtk_menu_shell_cancel(GTK_MENU_SHELL(menuBar));
 }
 
-// Takes the picture of the modal dialog that opens next and ends it.
-std::vector<std::function<void()>> Photographed(const char* name) {
-    return {[name] {
-        TakePicture(name);
-        gtk_dialog_response(GTK_DIALOG(ContentWindow()), GTK_RESPONSE_CANCEL);
-    }};
-}
+namespace {
 
-void PictureModalOnes() {
+void PictureModalOnes(Pictures& pictures) {
     LPropertyPage general;
     LPropertyPage keys;
     LPropertySheet sheet;
     sheet.AddPage(general, {"General", false, GenerateLists});
     sheet.AddPage(keys, {"HotKeys", false, GenerateLists});
-    const UserScript sheetUser(Photographed("sheet"));
+    pictures.TakeNext("sheet");
     sheet.Open(nullptr, "Options", 0);
     AddVoices({FestivalVoice("kal_diphone"), FestivalVoice("cmu_us_slt_arctic_hts")});
     std::string text = "The quick brown fox jumps over the lazy dog.";
     LTTSInputDialog input(text, "");
-    const UserScript inputUser(Photographed("text-to-speech"));
+    pictures.TakeNext("text-to-speech");
     input.Run(nullptr);
 }
 
@@ -299,72 +246,28 @@ void ShowFormats() {
     static_cast<LDialog&>(raw).Open(nullptr, {"Raw", false, DlgGenRawSettings}, true);
 }
 
-void ShowSplash() {
+}  // namespace
+
+void ShowDialogs(Pictures& pictures) {
+    if (pictures.AreTaken())
+        PictureModalOnes(pictures);
+    else
+        ShowFormats();
+}
+
+void ShowSplashAndAbout(Pictures& pictures) {
     LSplashScreen splash;
-    for (int i = 0; folder.empty() && i < 2; ++i) {
+    for (int i = 0; !pictures.AreTaken() && i < 2; ++i) {
         splash.Display(nullptr);
         splash.Display(nullptr);
         while (splash.IsShown())
             gtk_main_iteration();
     }
-    if (folder.empty())
+    if (!pictures.AreTaken())
         return;
     LAboutBox::Open(nullptr);
-    TakePicture("about");
-    gtk_dialog_response(GTK_DIALOG(ContentWindow()), GTK_RESPONSE_OK);
+    pictures.Take("about");
+    gtk_dialog_response(GTK_DIALOG(OpenWindow()), GTK_RESPONSE_OK);
     splash.Display(nullptr);
-    TakePicture("splash");
-}
-
-void ShowAll() {
-    {
-        RecordingDialog controls;
-        controls.onInit = [&] { FillControls(controls); };
-        controls.Open(nullptr, {"Controls", false, GenerateControls}, false);
-        controls.onCommand = [&](int command) {
-            if (command == 36)
-                controls.SetControlInvalid(10, "Please enter your name.", "Name Required");
-        };
-        Present(controls, "controls");
-        if (!folder.empty()) {
-            gtk_button_clicked(ButtonOf(controls, 20));
-            TakePicture("calendar");
-            gtk_button_clicked(ButtonOf(controls, 20));
-            gtk_button_clicked(ButtonOf(controls, 36));
-            TakePicture("bubble-tip");
-        }
-    }
-    {
-        LStatusWindow log;
-        RecordingDialog lists;
-        lists.onInit = [&] { FillLists(lists, log); };
-        lists.Open(nullptr, {"Lists and log", false, GenerateLists}, false);
-        Present(lists, "lists");
-    }
-    ShowMainLike();
-    if (folder.empty())
-        ShowFormats();
-    else
-        PictureModalOnes();
-    ShowSplash();
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-    if (argc != 1 && argc != 4)
-        return 2;
-    gdk_threads_init();
-    gtk_init(&argc, &argv);
-    if (argc == 4) {
-        folder = argv[1];
-        std::filesystem::create_directories(folder);
-        const std::string style =
-            std::string("gtk-theme-name=\"") + argv[2] + "\"\ngtk-font-name=\"" + argv[3] + "\"\n";
-        gtk_rc_parse_string(style.c_str());
-    }
-    g_log_set_default_handler(Complain, nullptr);
-    const GdkLock lock;
-    ShowAll();
-    return allIsWell ? 0 : 1;
+    pictures.Take("splash");
 }
