@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <sstream>
+
 #include "desktop/root_prompt.h"
 #include "foundation/child_process.h"
 #include "foundation/machine_root.h"
@@ -19,12 +21,12 @@ constexpr LVoicePackage kVoices[] = {
     {"English, American", "female, SLT (slower)", "festvox-us-slt-hts"},
     {"Finnish", "female, LJ", "festvox-suopuhe-lj"},
     {"Finnish", "male, MV", "festvox-suopuhe-mv"},
-    {"Hindi", "male, NSK", "festvox-hi-nsk"},
+    {"Hindi", "male, NSK", "festvox-hi-nsk festival-hi"},
     {"Italian", "female, LP", "festvox-italp16k"},
     {"Italian", "male, PC", "festvox-itapc16k"},
-    {"Marathi", "male, NSK", "festvox-mr-nsk"},
+    {"Marathi", "male, NSK", "festvox-mr-nsk festival-mr"},
     {"Russian", "male, NSH", "festvox-ru"},
-    {"Telugu", "male, NSK", "festvox-te-nsk"},
+    {"Telugu", "male, NSK", "festvox-te-nsk festival-te"},
 };
 
 std::string Joined(const std::vector<std::string>& packages) {
@@ -40,10 +42,15 @@ std::span<const LVoicePackage> VoicePackages() {
     return kVoices;
 }
 
-bool IsPackageInstalled(const char* package) {
-    // Every package has this file; the package manager's own are for itself.
-    const std::string copyright = std::string("/usr/share/doc/") + package + "/copyright";
-    return ::access(MachinePath(copyright).c_str(), F_OK) == 0;
+bool IsPackageInstalled(const char* packages) {
+    std::istringstream words(packages);
+    for (std::string package; words >> package;) {
+        // Every package has this file; the package manager's own are for itself.
+        const std::string copyright = "/usr/share/doc/" + package + "/copyright";
+        if (::access(MachinePath(copyright).c_str(), F_OK) != 0)
+            return false;
+    }
+    return true;
 }
 
 std::string InstallCommandToType(const std::vector<std::string>& packages) {

@@ -9,7 +9,8 @@ constexpr const char* kEnginePackage = "festival";
 constexpr const char* kFirstVoicePackage = "festvox-kallpc16k";
 constexpr const char* kEncoderPackage = "lame";
 
-// A voice that Debian has for the speech engine.
+// A voice that Debian has for the speech engine; with the package of its language, behind a blank,
+// where it is mute without.
 struct LVoicePackage {
     const char* language;
     const char* speaker;
@@ -18,7 +19,7 @@ struct LVoicePackage {
 // In the order of the languages.
 std::span<const LVoicePackage> VoicePackages();
 
-bool IsPackageInstalled(const char* package);
+bool IsPackageInstalled(const char* packages);  // one, or several with blanks between
 
 // What to type in a terminal to install these.
 std::string InstallCommandToType(const std::vector<std::string>& packages);
