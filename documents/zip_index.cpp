@@ -70,7 +70,7 @@ std::string ZipIndex::Find(std::string_view folder, std::string_view address) co
         g_uri_unescape_segment(address.data(), address.data() + address.size(), nullptr));
     for (const std::string_view written :
          {unescaped ? std::string_view(unescaped.get()) : address, address}) {
-        const std::string name =
+        std::string name =
             WithoutDots(written.starts_with('/') ? std::string(written)
                                                  : std::string(folder) + std::string(written));
         if (Has(name))
