@@ -103,7 +103,7 @@ class PlayerTest(DesktopCase):
         lectora = self.start()
         lectora.set_text(" ".join(SENTENCES))
         lectora.press("toggle button", "Read Aloud")
-        stream = self.card.next_stream()
+        self.card.next_stream()
         desktop.xdotool("windowactivate", "--sync", self.player(), "key", "ctrl+Right", "space")
         desktop.wait_until(lambda: lectora.status().startswith("Paused at"), "the pause")
         lectora.press("toggle button", "Read Aloud")
