@@ -87,7 +87,7 @@ std::string SpoolInput() {
     std::string folder = std::string(kSpoolStart) + "XXXXXX";
     if (::mkdtemp(folder.data()) == nullptr)
         return std::string();
-    const std::string path = folder + std::string(kSpoolName);
+    std::string path = folder + std::string(kSpoolName);
     const UniqueFd file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (file.IsOpen() && CopyInput(file.Get()))
         return path;
