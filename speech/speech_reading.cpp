@@ -1,5 +1,6 @@
 #include "speech/speech_reading.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -7,6 +8,7 @@
 #include <cerrno>
 
 #include "formats/wave_file.h"
+#include "foundation/file_io.h"
 #include "foundation/log.h"
 #include "sound/convert.h"
 #include "speech/reading_source.h"
@@ -81,6 +83,10 @@ private:
         struct stat status = {};
         if (::stat(reading_.path_.c_str(), &status) == 0 && status.st_size > 0)
             ::unlink(reading_.path_.c_str());
+        // For its user alone: what is read may be private.
+        const UniqueFd empty = OpenRegularFile(reading_.path_.c_str(), O_RDWR | O_CREAT, 0600);
+        if (empty.IsOpen())
+            ::fchmod(empty.Get(), 0600);
         sink_ = LWaveFile::OpenSinkPCM(reading_.path_.c_str(), first.SampleRate(), first.Channels(),
                                        kBitsPerSample, 0);
         isOpen_ = true;
