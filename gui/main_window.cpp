@@ -6,6 +6,12 @@
 #include "gui/icons.h"
 #include "gui/settings_keys.h"
 
+namespace {
+
+constexpr guint kNewStateMs = 200;
+
+}  // namespace
+
 struct LMainWindowCallbacks {
     static LMainWindow& WindowOf(gpointer host) { return dynamic_cast<LMainWindow&>(HostOf(host)); }
     static gboolean GCExit(GtkWidget*, GdkEvent*, gpointer host) {
@@ -15,6 +21,8 @@ struct LMainWindowCallbacks {
     // Runs before GTK spreads the new size, so that the controls move in the same pass.
     static gboolean GCConfigure(GtkWidget*, GdkEventConfigure* event, gpointer host) {
         auto* window = &WindowOf(host);
+        // Later: the size of a maximised window comes before the news that it is one.
+        window->placementTimer_.Start(kNewStateMs, [window] { window->NotePlacement(); });
         if (event->width != window->width_ || event->height != window->height_) {
             window->width_ = event->width;
             window->height_ = event->height;
@@ -85,18 +93,28 @@ void LMainWindow::ApplyPlacement() {
                                 std::max(kWindowHeightSetting.Get(), kMinimumHeight));
 }
 
-void LMainWindow::StorePlacement() const {
+bool LMainWindow::IsMaximized() const {
+    GdkWindow* window = gtk_widget_get_window(Widget());
+    return window != nullptr && (gdk_window_get_state(window) & GDK_WINDOW_STATE_MAXIMIZED) != 0;
+}
+
+void LMainWindow::NotePlacement() {
+    if (!IsOpen() || !gtk_widget_get_visible(Widget()) || IsMaximized())
+        return;
     GtkWindow* window = GTK_WINDOW(Widget());
-    int width = 0;
-    int height = 0;
-    int x = 0;
-    int y = 0;
-    gtk_window_get_size(window, &width, &height);
-    gtk_window_get_position(window, &x, &y);
-    kWindowWidthSetting.Set(width);
-    kWindowHeightSetting.Set(height);
-    kWindowLeftSetting.Set(x);
-    kWindowTopSetting.Set(y);
+    gtk_window_get_size(window, &placement_.width, &placement_.height);
+    gtk_window_get_position(window, &placement_.x, &placement_.y);
+}
+
+void LMainWindow::StorePlacement() {
+    NotePlacement();
+    kMaximizedSetting.Set(IsMaximized());
+    if (placement_.width == 0)
+        return;  // what was stored before still holds
+    kWindowWidthSetting.Set(placement_.width);
+    kWindowHeightSetting.Set(placement_.height);
+    kWindowLeftSetting.Set(placement_.x);
+    kWindowTopSetting.Set(placement_.y);
 }
 
 void LMainWindow::LayoutBase(int& left, int& top, int&, int& height) {

@@ -4,6 +4,7 @@
 
 #include <span>
 
+#include "gui/gui_timer.h"
 #include "gui/key_dialog.h"
 #include "gui/status_bar.h"
 #include "gui/tool_bar.h"
@@ -41,7 +42,8 @@ protected:
     // that as `placed`.
     void AddControl(GtkWidget* control, int id, GtkWidget* placed = nullptr);
     void MoveControl(int id, int x, int y, int width, int height);
-    void StorePlacement() const;  // of the open window
+    // Of the open window; of a maximised one as it was before, and that it is.
+    void StorePlacement();
     // The way of the Tab key through the controls; without it, the way is by position.
     void SetFocusOrder(std::span<const int> ids);
 
@@ -51,7 +53,12 @@ private:
     void ApplyPlacement();
     void SetMinimumSize();
 
+    bool IsMaximized() const;
+    void NotePlacement();
+
     GtkWidget* fixed_ = nullptr;  // owned by the window
+    LGuiTimer placementTimer_;
+    GdkRectangle placement_{};  // when last it was not maximised; without a width: never yet
     int width_ = 0;
     int height_ = 0;
 };
