@@ -25,6 +25,9 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${mp3_installer}
 file(READ "${mp3_installer}" script)
 string(REGEX REPLACE ".*<<'PROGRAM'[^\n]*\n(.*\n)PROGRAM\n.*" "\\1" script "${script}")
 file(WRITE "${PROJECT_BINARY_DIR}/generated/mp3el" "${script}")
+# The programs of a build find it there.
+file(COPY "${PROJECT_BINARY_DIR}/generated/mp3el" DESTINATION "${PROJECT_BINARY_DIR}/root/opt/quillon/components/mp3el"
+     FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 install(PROGRAMS "${PROJECT_BINARY_DIR}/generated/mp3el" DESTINATION /opt/quillon/components/mp3el)
 
 # Icons and help pages, drawn at build time.

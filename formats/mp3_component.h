@@ -2,7 +2,8 @@
 #pragma once
 
 // Looks for the component's folder under the home folder's "components", then under the machine's
-// "/opt/quillon". True: path (260 bytes) is the program file inside it.
+// "/opt/quillon", then in the build that this program stands in. True: path (260 bytes) is the
+// program file inside it.
 bool FindComponent(const char* name, char* path);
 
 // The same; when there is none, path names a fresh empty file in /tmp, which is left there.
