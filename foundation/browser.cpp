@@ -27,13 +27,21 @@ std::string WithoutShellCharacters(const std::string& address) {
     return safe;
 }
 
+const char* DesktopsOwn() {
+    return std::getenv("KDE_FULL_SESSION") != nullptr ? "kfmclient" : "gnome-open";
+}
+
 }  // namespace
+
+bool HasBrowser() {
+    return IsProgramInstalled(DesktopsOwn()) || IsProgramInstalled("xdg-open");
+}
 
 std::string BrowserCommand(const std::string& address) {
     const bool inKde = std::getenv("KDE_FULL_SESSION") != nullptr;
     const std::string quoted = " \"" + WithoutShellCharacters(address) + "\"";
     std::string command;
-    if (IsProgramInstalled(inKde ? "kfmclient" : "gnome-open"))
+    if (IsProgramInstalled(DesktopsOwn()))
         command = (inKde ? "kfmclient exec" : "gnome-open") + quoted;
     else
         command = "xdg-open" + quoted;

@@ -8,6 +8,9 @@
 // characters.
 std::string BrowserCommand(const std::string& address);
 
+// False: the program that the command starts is not installed.
+bool HasBrowser();
+
 // Starts the browser on the address and does not wait for it; false when the command is too long
 // or no shell could be run. Any thread.
 bool OpenInBrowser(const std::string& address);

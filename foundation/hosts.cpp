@@ -24,6 +24,11 @@ std::string ReportHost() {
     return Host(kReportHostSetting);
 }
 
+bool HasWebSite() {
+    const std::string host = WebHost();
+    return !std::string_view(host).substr(0, host.find(':')).ends_with(".example");
+}
+
 std::string WebAddress(std::string_view page) {
     if (page.starts_with('/'))
         page.remove_prefix(1);

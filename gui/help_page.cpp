@@ -7,11 +7,21 @@
 #include "foundation/browser.h"
 #include "foundation/hosts.h"
 #include "foundation/machine_root.h"
+#include "gui/message_box.h"
 
 void DisplayHelpPage(const char* page) {
     const std::string file =
         MachinePath("/opt/quillon/lectora/share/help/" + std::string(page) + ".html");
-    if (!g_file_test(file.c_str(), G_FILE_TEST_IS_REGULAR)) {
+    const bool isInstalled = g_file_test(file.c_str(), G_FILE_TEST_IS_REGULAR) != FALSE;
+    if (!HasBrowser() || (!isInstalled && !HasWebSite())) {
+        MessageBoxRun(
+            nullptr, GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Lectora",
+            isInstalled ? "No program that shows web pages was found."
+                        : "The help pages are not installed.",
+            ((isInstalled ? "The help page lies at " : "This page is missing: ") + file).c_str());
+        return;
+    }
+    if (!isInstalled) {
         OpenInBrowser(WebAddress("lectora/help/" + std::string(page)));
         return;
     }

@@ -2,6 +2,9 @@
 
 #include <gdk/gdkkeysyms.h>
 
+#include <vector>
+
+#include "foundation/hosts.h"
 #include "gui/content_box.h"
 #include "gui/gtk_children.h"
 #include "gui/menu_builder.h"
@@ -46,6 +49,19 @@ void GCMenuSelected(GtkWidget* title, gpointer host) {
     if (event->type == GDK_KEY_PRESS)
         DeliverStored(host, title, "menu_bar");
     gdk_event_free(event);
+}
+
+// Links to a web site that is not there lead nowhere.
+std::vector<LMenuItem> HelpItems() {
+    std::vector<LMenuItem> items;
+    for (const LMenuItem& item : kHelpItems) {
+        const bool isPage = item.command >= kCommandSupportPage && item.command <= kCommandHomePage;
+        const bool isSecondRule =
+            item.text == nullptr && !items.empty() && items.back().text == nullptr;
+        if (!isSecondRule && (!isPage || HasWebSite()))
+            items.push_back(item);
+    }
+    return items;
 }
 
 }  // namespace
@@ -93,7 +109,7 @@ void LMenuControls::AddStandardMenuItems(bool withTray) {
     if (bar == nullptr)
         return;
     std::size_t index = 0;
-    AddRows(AddSubMenu(bar, "&Help"), kHelpItems, index, kStandardKeys);
+    AddRows(AddSubMenu(bar, "&Help"), HelpItems(), index, kStandardKeys);
     const LGtkChildren titles(bar);
     index = 0;
     AddRows(gtk_menu_item_get_submenu(GTK_MENU_ITEM(titles.First())),

@@ -31,6 +31,15 @@ int MessageBoxRun(GtkWidget* parent, GtkMessageType type, GtkButtonsType buttons
     return RunAndDestroy(NewMessageBox(parent, type, buttons, title, primary, secondary));
 }
 
+int MessageBoxRun(GtkWidget* parent, GtkMessageType type, std::span<const LBoxButton> buttons,
+                  const char* title, const char* primary, const char* secondary) {
+    GtkWidget* box = NewMessageBox(parent, type, GTK_BUTTONS_NONE, title, primary, secondary);
+    for (const LBoxButton& button : buttons)
+        gtk_dialog_add_button(GTK_DIALOG(box), button.label, button.response);
+    gtk_dialog_set_default_response(GTK_DIALOG(box), buttons.front().response);
+    return RunAndDestroy(box);
+}
+
 int MessageBoxRunYesNoCancel(GtkWidget* parent, const char* title, const char* primary,
                              const char* secondary) {
     GtkWidget* box =
