@@ -6,7 +6,8 @@
 #include "formats/mp3_settings.h"
 #include "sound/sound_sink.h"
 
-constexpr std::size_t kMp3CommandLineSize = 860;
+// Holds the longest path of a file, each byte of it behind a backslash.
+constexpr std::size_t kMp3CommandLineSize = 9216;
 
 // Builds the encoder's command line into commandLine (kMp3CommandLineSize bytes) and chooses what
 // the encoder is to be fed. False when the component is not installed, or the line would not fit.

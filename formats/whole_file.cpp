@@ -109,6 +109,8 @@ WholeFile::WholeFile(const std::string& path, Existing existing)
     const int error = errno;
     if (!exists && ::lstat(path.c_str(), &link) == 0) {
         problem_ = error == ENOENT ? "is a link to a file that does not exist" : strerror(error);
+    } else if (!exists && error == ENAMETOOLONG) {
+        problem_ = strerror(error);  // the temporary name, which is cut, would hide it
     } else if (exists && S_ISDIR(info.st_mode)) {
         problem_ = "is a folder";
     } else if (exists && existing == Existing::kRefuse) {

@@ -21,6 +21,10 @@ void DlgGenAIFFEncode(LDialogGenContext& context) {
     context.AddSpecialOkCancelHelp(kAiffDefaults, "Restore Defaults", nullptr, false, false, false);
 }
 
+bool LAIFFSettingsDlg::Run(GtkWidget* parent) {
+    return LDialog::Open(parent, {"AIFF Encoder Options", false, DlgGenAIFFEncode}, true);
+}
+
 bool LAIFFSettingsDlg::Open(GtkWidget*) {
     return false;
 }

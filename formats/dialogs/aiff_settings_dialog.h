@@ -5,8 +5,8 @@
 
 class LAIFFSettingsDlg final : public LDialog {
 public:
-    // Shows nothing and answers false, which callers take for a cancel: nothing offers AIFF files
-    // to the user. LDialog::Open with DlgGenAIFFEncode is the dialog itself.
+    bool Run(GtkWidget* parent);  // modal; true: OK, the settings are stored
+    // Shows nothing and answers false, which callers take for a cancel.
     bool Open(GtkWidget* parent);
 
     void InitDialog() override;

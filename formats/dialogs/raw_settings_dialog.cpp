@@ -37,6 +37,10 @@ void DlgGenRawSettings(LDialogGenContext& context) {
     context.AddSpecialOkCancelHelp(kRawDefaults, "Restore Defaults", nullptr, false, false, false);
 }
 
+bool LRawSettingsDialog::Run(GtkWidget* parent) {
+    return LDialog::Open(parent, {"Raw Encoder Options", false, DlgGenRawSettings}, true);
+}
+
 bool LRawSettingsDialog::Open(GtkWidget*) {
     return false;
 }

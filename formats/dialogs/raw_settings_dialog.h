@@ -10,8 +10,8 @@ public:
     LRawSettingsDialog(LRawSettings& settings, const char* section)
         : settings_(settings), section_(section) {}
 
-    // Shows nothing and answers false, which callers take for a cancel: nothing offers headerless
-    // files to the user. LDialog::Open with DlgGenRawSettings is the dialog itself.
+    bool Run(GtkWidget* parent);  // modal; true: OK
+    // Shows nothing and answers false, which callers take for a cancel.
     bool Open(GtkWidget* parent);
 
     void InitDialog() override;

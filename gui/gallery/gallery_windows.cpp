@@ -234,16 +234,13 @@ void PictureModalOnes(Pictures& pictures) {
     input.Run(nullptr);
 }
 
-// To be heard; the program itself shows none of them.
 void ShowFormats() {
     LMp3EncodeSettings mp3;
     LMP3EncodeDlg(mp3).Run(nullptr);
     LAuSettingsDlg().Run(nullptr);
-    LAIFFSettingsDlg aiff;
-    static_cast<LDialog&>(aiff).Open(nullptr, {"AIFF", false, DlgGenAIFFEncode}, true);
+    LAIFFSettingsDlg().Run(nullptr);
     LRawSettings settings{44100, 2, kRawPcm16};
-    LRawSettingsDialog raw(settings, "GalleryRaw");
-    static_cast<LDialog&>(raw).Open(nullptr, {"Raw", false, DlgGenRawSettings}, true);
+    LRawSettingsDialog(settings, "GalleryRaw").Run(nullptr);
 }
 
 }  // namespace
