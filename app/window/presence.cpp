@@ -24,10 +24,14 @@ void Presence::End() {
 
 // Brings the window back; pressing again does not hide it.
 void Presence::EvIconPressed(int button) {
-    if (button == 1 && (!gtk_widget_get_visible(window_.Widget()) || IsMinimised()))
+    if (button == 1 && !IsOnScreen())
         window_.CmOpen();
     else if (button == 3)
         ways_.popupMenu();
+}
+
+bool Presence::IsOnScreen() const {
+    return gtk_widget_get_visible(window_.Widget()) && !IsMinimised();
 }
 
 bool Presence::IsMinimised() const {
@@ -59,8 +63,7 @@ void Presence::Close() {
     }
 }
 
-// So does closing the box without an answer: the user has asked for the end and has not taken it
-// back.
+// "No" alone ends: Escape and closing the box take the end back.
 bool Presence::AskToEnd() {
     if (isAsking_)
         return false;
@@ -74,7 +77,7 @@ bool Presence::AskToEnd() {
         Close();
     else if (answer == GTK_RESPONSE_NO)
         ways_.hide();
-    return answer != GTK_RESPONSE_YES && answer != GTK_RESPONSE_CANCEL;
+    return answer == GTK_RESPONSE_NO;
 }
 
 // Nobody loses the program: a window that was hidden into a tray that has gone comes back.

@@ -28,6 +28,7 @@ public:
     void Close();
     // Asks whether to go on in the background, and does so after a yes. True ends the program.
     bool AskToEnd();
+    bool IsOnScreen() const;  // neither hidden nor minimised
 
     // The icon's picture and what it says.
     void ShowState(int imageNumber, const char* tooltip) { tray_.Show(imageNumber, tooltip); }
