@@ -2,6 +2,10 @@
 
 #include <strings.h>
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "app/key_change_dialog.h"
 #include "gui/accessible.h"
 #include "gui/dialog_gen_context.h"
@@ -49,6 +53,18 @@ void HotKeyAssignmentDlgImp::Command(int command) {
 bool HotKeyAssignmentDlgImp::CmOk() {
     if (strcasecmp(GetText(kKeyText).c_str(), kNoKeyYet) == 0) {
         SetControlInvalid(kKeyText, "Please click here to assign the hot-key.", "Hot-key Required");
+        return false;
+    }
+    const std::vector<StoredHotKey> others = LoadHotKeys();
+    const auto same = std::ranges::find_if(others, [this](const StoredHotKey& each) {
+        return each.key == key_ && each.id != hotKey_.id;
+    });
+    if (same != others.end()) {
+        const bool isNamed = same->command >= kHotKeyUpdate && same->command <= kHotKeySave;
+        const std::string text = LKeyGetDescription(key_) + " is already the hotkey of \"" +
+                                 (isNamed ? kHotKeyCommandLabels[same->command] : "Nothing") +
+                                 "\". Please choose another one.";
+        SetControlInvalid(kKeyText, text.c_str(), "Hot-key in Use");
         return false;
     }
     hotKey_.command = PDLGetCurSel(kCommandList);

@@ -39,7 +39,7 @@ const char* StateText(LKeyCode key) {
         case HotKeyState::kNotOnKeyboard:
             return "Not on this keyboard";
         default:
-            return "";
+            return CanBeHotKey(key) ? "" : "Needs Ctrl, Alt or Super";
     }
 }
 

@@ -4,6 +4,8 @@
 #include <gdk/gdkkeysyms.h>
 #include <gdk/gdkx.h>
 
+#include "app/hotkeys/hot_key_handler.h"
+#include "gui/accessible.h"
 #include "gui/dialog_gen_context.h"
 
 namespace {
@@ -23,7 +25,15 @@ void DlgGenKeyChange(LDialogGenContext& context) {
 // other key to spare may take them.
 bool IsModifier(guint value) {
     return (value >= GDK_Shift_L && value <= GDK_Control_R) || value == GDK_Alt_L ||
-           value == GDK_Alt_R;
+           value == GDK_Alt_R || value == GDK_Super_L || value == GDK_Super_R;
+}
+
+// Also with the Super key, which the windows' own keys do without.
+LKeyCode WithSuper(LKeyCode key) {
+    GdkModifierType state{};
+    const bool isHeld = gtk_get_current_event_state(&state) != FALSE &&
+                        (state & (GDK_SUPER_MASK | GDK_MOD4_MASK)) != 0;
+    return isHeld ? key | kKeySuper : key;
 }
 
 // The hardware's number of the key whose event is being handled; 0 for none.
@@ -60,6 +70,15 @@ bool LKeyChangeDlg::EvKeyDown(unsigned int key) {
     // On many keyboards the Enter that a hand finds by itself, so that it is no choice.
     if (value == GDK_KP_Enter || IsStillHeld())
         return true;
+    key = WithSuper(key);
+    if (!CanBeHotKey(key)) {
+        const std::string refusal = "\"" + LKeyGetDescription(key) +
+                                    "\" is typed with in every program. Press it together with "
+                                    "Ctrl, Alt or Super.";
+        SetStaticText(kKeyPrompt, refusal.c_str());
+        TellScreenReader(Widget(), refusal.c_str());
+        return true;
+    }
     key_ = key;
     DoOKButton();
     return true;

@@ -60,6 +60,8 @@ LKeyCode KeyOfCommand(LKeyMap map, int command) {
 
 std::string LKeyGetDescription(LKeyCode key) {
     std::string text;
+    if ((key & kKeySuper) != 0)
+        text += "Super+";
     if ((key & kKeyControl) != 0)
         text += "Ctrl+";
     if ((key & kKeyAlt) != 0)

@@ -13,6 +13,8 @@ using LKeyCode = std::uint32_t;
 constexpr LKeyCode kKeyShift = 1u << 16;
 constexpr LKeyCode kKeyControl = 4u << 16;
 constexpr LKeyCode kKeyAlt = 8u << 16;
+constexpr LKeyCode kKeySuper = 64u
+                               << 16;  // of system-wide hotkeys only: KeyCodeOfEvent leaves it out
 
 struct LKeyToCommandMap {
     LKeyCode key;
@@ -34,6 +36,6 @@ inline GdkModifierType KeyModifiers(LKeyCode key) {
     return GdkModifierType(key >> 16);
 }
 
-// "Ctrl+Alt+Shift+" as far as set, then GDK's name of the key value: "Ctrl+Shift+R". The name is
-// empty when GDK has none.
+// "Super+Ctrl+Alt+Shift+" as far as set, then GDK's name of the key value: "Ctrl+Shift+R". The name
+// is empty when GDK has none.
 std::string LKeyGetDescription(LKeyCode key);

@@ -2,6 +2,7 @@
 
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
+#include <gdk/gdkkeysyms.h>
 #include <gdk/gdkx.h>
 
 #include <algorithm>
@@ -17,7 +18,7 @@ constexpr unsigned int kLockStates[] = {0,
                                         LockMask | Mod5Mask,
                                         Mod2Mask | Mod5Mask,
                                         LockMask | Mod2Mask | Mod5Mask};
-constexpr unsigned int kModifiers = ShiftMask | ControlMask | Mod1Mask;
+constexpr unsigned int kModifiers = ShiftMask | ControlMask | Mod1Mask | Mod4Mask;
 
 Display* DisplayOf(GdkWindow* root) {
     return GDK_WINDOW_XDISPLAY(root);
@@ -49,6 +50,12 @@ bool GrabKey(GdkWindow* root, KeyCode keycode, unsigned int modifiers) {
 }
 
 }  // namespace
+
+bool CanBeHotKey(LKeyCode key) {
+    const guint value = KeyValue(key);
+    return (key & (kKeyControl | kKeyAlt | kKeySuper)) != 0 ||
+           (value >= GDK_F1 && value <= GDK_F35);
+}
 
 HotKeyState TestHotKey(LKeyCode key) {
     GdkWindow* root = gdk_get_default_root_window();

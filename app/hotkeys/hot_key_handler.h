@@ -7,6 +7,10 @@
 
 #include "gui/key_map.h"
 
+// False: without Ctrl, Alt or Super it is a key that is typed with, which no other program would
+// get any more. Function keys are typed with nowhere.
+bool CanBeHotKey(LKeyCode key);
+
 // Whether the key could be grabbed right now on the default screen.
 enum class HotKeyState { kFree, kHeldByAnotherProgram, kNotOnKeyboard };
 // Grabs and releases it, so that one's own registration of the same key would be lost: ask while

@@ -24,8 +24,12 @@ void HotKeys::EvKeysChanged() {
 
 void HotKeys::Start() {
     int index = 0;
-    for (const StoredHotKey& hotKey : LoadHotKeys())
-        RegisterHotKey(index++, hotKey.key);
+    for (const StoredHotKey& hotKey : LoadHotKeys()) {
+        // One that other programs type with is left to them.
+        if (CanBeHotKey(hotKey.key))
+            RegisterHotKey(index, hotKey.key);
+        ++index;
+    }
     count_ = index;
 }
 
