@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "foundation/detached_thread.h"
-#include "foundation/file.h"
+#include "foundation/path_text.h"
 #include "gui/progress_dialog.h"
 
 namespace {
@@ -41,9 +41,7 @@ private:
 };
 
 LProcessResult Process(LProgress& progress, const Loading& loading) {
-    char name[kTextBufferSize];
-    LFile::_GetFileFromPath(name, loading.path.c_str());
-    progress.SetSecondLabel(name);
+    progress.SetSecondLabel(FileOfPath(loading.path).c_str());
     return progress.ProcessWaitSignal(loading.done.Ref(), std::numeric_limits<unsigned int>::max());
 }
 

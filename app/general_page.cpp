@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/settings_keys.h"
+#include "app/text/kept_text.h"
 #include "desktop/dialogs/start_on_login_controls.h"
 #include "formats/wave_file.h"
 #include "gui/accessible.h"
@@ -17,20 +18,20 @@ constexpr int kPrompt = 103;
 constexpr int kUseDefault = 104;
 constexpr int kFormat = 105;
 constexpr int kFormatSettings = 107;
-constexpr int kFormatNote = 112;
+constexpr int kKeepText = 113;
 
 enum : int { kMp3 = 0, kWav = 1 };
 constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
 
-// The list begins with MP3 also for who has never chosen, while saving then writes WAV: told, so
-// that nobody finds out by saving.
-constexpr const char* kNothingChosen = "So far speech is saved as WAV; OK makes it this format.";
-
 constexpr const char* kFolderNotWritten = "Your settings folder cannot be written.";
 
-bool IsNothingChosen() {
-    return kSaveFormatIndexSetting.Get() == kMp3 && kSaveFormatSetting.Get() != "0" &&
-           kSaveByDefaultSetting.Get() != "0";
+// True when it is kept; an untouched choice is not written, so that it goes on following what an
+// administrator has set.
+template <typename Setting, typename Value>
+bool KeepChange(const Setting& setting, const Value& before, const Value& now) {
+    if (now != before)
+        setting.Set(now);
+    return now == before || setting.Get() == now;
 }
 
 }  // namespace
@@ -44,20 +45,27 @@ void DlgGenGeneralDlg(LDialogGenContext& context) {
     context.AddRadioButtonGroup(kPrompt, "Prompt for format settings");
     context.AddRadioButton(kUseDefault, "Use these default format settings ");
     context.AddPullDownList(kFormat, "  Choose Format");
-    if (IsNothingChosen())
-        context.AddStatic(kFormatNote, kNothingChosen);
     context.AddButton(kFormatSettings, "Format Settings");
+    context.GroupEnd();
+    context.AddGroup(-1, "Text");
+    context.AddCheckBox(kKeepText, "Keep the text for the next start");
     context.GroupEnd();
 }
 
 void GeneralDlgImp::InitDialog() {
     LAutoRunSettingsInit(*this, kRunAtLogin, kRunMode);
     SetAccessibleName(GetControlByID(kRunMode), "For whom");
+    // As saving takes them, also where nothing was chosen.
     SetCheck(kSaveByDefaultSetting.Get() == "0" ? kPrompt : kUseDefault, true);
     PDLFill(kFormat, kFormats);
-    PDLSetCurSel(kFormat, kSaveFormatIndexSetting.Get() == kMp3 ? kMp3 : kWav);
-    if (IsNothingChosen())
-        SetTooltip(kFormat, kNothingChosen);
+    PDLSetCurSel(kFormat, kSaveFormatSetting.Get() == "0" ? kMp3 : kWav);
+    SetCheck(kKeepText, kKeepTextSetting.Get());
+    shown_ = Choices();
+}
+
+GeneralDlgImp::Choice GeneralDlgImp::Choices() const {
+    return {GetCheck(kRunAtLogin), PDLGetCurSel(kRunMode), GetCheck(kUseDefault) ? "1" : "0",
+            PDLGetCurSel(kFormat) == kMp3 ? "0" : "1", GetCheck(kKeepText)};
 }
 
 void GeneralDlgImp::EnableControls() {
@@ -87,15 +95,18 @@ void GeneralDlgImp::ShowFormatSettings() {
                       "The format settings could not be kept.", kFolderNotWritten);
 }
 
+// What was left as it was shown is left as it is.
 bool GeneralDlgImp::CmOk() {
-    if (!LAutoRunSettingsApply(*this, kRunAtLogin, kRunMode))
+    const Choice now = Choices();
+    const bool startChanged =
+        now.runAtLogin != shown_.runAtLogin || (now.runAtLogin && now.runMode != shown_.runMode);
+    if (startChanged && !LAutoRunSettingsApply(*this, kRunAtLogin, kRunMode))
         return false;
-    const char* byDefault = GetCheck(kUseDefault) ? "1" : "0";
-    const int format = PDLGetCurSel(kFormat);
-    kSaveByDefaultSetting.Set(byDefault);
-    kSaveFormatIndexSetting.Set(format);
-    const bool isKept =
-        kSaveByDefaultSetting.Get() == byDefault && kSaveFormatIndexSetting.Get() == format;
+    bool isKept = KeepChange(kSaveByDefaultSetting, shown_.byDefault, now.byDefault);
+    isKept = KeepChange(kSaveFormatSetting, shown_.format, now.format) && isKept;
+    isKept = KeepChange(kKeepTextSetting, shown_.keepText, now.keepText) && isKept;
+    if (!now.keepText)
+        ForgetKeptText();
     if (!isKept)
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
                       "Your options could not be kept.", kFolderNotWritten);

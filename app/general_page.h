@@ -1,5 +1,8 @@
-// The page "General" of the options: start on login, and what format speech is saved in.
+// The page "General" of the options: start on login, what format speech is saved
+// in, and whether the text is kept.
 #pragma once
+
+#include <string>
 
 #include "gui/property_sheet.h"
 
@@ -13,7 +16,18 @@ public:
     void Command(int command) override;
 
 private:
+    // As the controls stand.
+    struct Choice {
+        bool runAtLogin = false;
+        int runMode = 0;
+        std::string byDefault;
+        std::string format;
+        bool keepText = false;
+    };
+    Choice Choices() const;
     void ShowFormatSettings();
+
+    Choice shown_;
 };
 
 void DlgGenGeneralDlg(LDialogGenContext& context);

@@ -1,14 +1,20 @@
 #include "app/help_links.h"
 
+#include "app/commands/command_numbers.h"
 #include "foundation/browser.h"
 #include "foundation/hosts.h"
 #include "gui/gtk_children.h"
 
 namespace {
 
-constexpr LMenuItem kItems[] = {
+// Behind a rule, and what the window itself does; the rest while there are such pages.
+constexpr LMenuItem kOwnItems[] = {
     {0, nullptr},
-    {9021, "Speech Engine and &Voices"},
+    {kCheckComputer, "&Check This Computer..."},
+    {kMoreVoices, "More &Voices..."},
+};
+constexpr LMenuItem kItems[] = {
+    {9021, "Speech Engine and V&oices"},
     {9022, "&News and Downloads"},
 };
 constexpr struct {
@@ -26,8 +32,12 @@ void LHelpLinks::SetUp(LWindow& window) {
     GtkWidget* help = nullptr;
     for (GtkWidget* title : LGtkChildren(bar))
         help = title;
+    GtkWidget* menu = gtk_menu_item_get_submenu(GTK_MENU_ITEM(help));
     std::size_t index = 0;
-    LMenuAdd(window, gtk_menu_item_get_submenu(GTK_MENU_ITEM(help)), kItems, index, {});
+    LMenuAdd(window, menu, kOwnItems, index, {});
+    index = 0;
+    if (HasWebSite())
+        LMenuAdd(window, menu, kItems, index, {});
     gtk_widget_show_all(bar);
 }
 

@@ -1,4 +1,5 @@
-// The Help menu's links to the maker's pages about this program.
+// What this program adds to the Help menu: what helps on this computer, and links to the maker's
+// pages where there are such pages.
 #pragma once
 
 #include "gui/window.h"

@@ -8,8 +8,11 @@
 #include "app/reading/narrator.h"
 #include "app/speech_file.h"
 #include "desktop/dialogs/ready_dialog.h"
+#include "foundation/browser.h"
 #include "foundation/child_process.h"
 #include "foundation/gdk/queued_notify.h"
+#include "foundation/hosts.h"
+#include "gui/message_box.h"
 #include "playback/play_device.h"
 #include "playback/sound_server.h"
 #include "speech/voice_list_query.h"
@@ -89,6 +92,31 @@ private:
 void RunMachineCheck(GtkWidget* parent) {
     Machine machine;
     LReadyDialog(machine).Run(parent);
+}
+
+void RunMachineCheckForVoices(GtkWidget* parent) {
+    Machine machine;
+    LReadyDialog(machine, LReadyDialog::Part::kVoices).Run(parent);
+}
+
+void TellNoSpeechEngine(GtkWidget* parent) {
+    enum { kClose, kCheck, kVoices };
+    static constexpr LBoxButton kButtons[] = {
+        {"gtk-ok", kClose}, {"_Check This Computer", kCheck}, {"More _Voices", kVoices}};
+    const bool hasPage = HasWebSite();
+    const int answer = MessageBoxRun(
+        parent, GTK_MESSAGE_INFO, kButtons, "No Speech Engine Found", "No Speech Engine Found",
+        hasPage ? "No voice is installed on this computer. Please download the speech engine from "
+                  "the speech web page, which opens when you close this message, or let \"Check "
+                  "This Computer\" install it."
+                : "No voice is installed on this computer. \"Check This Computer\" tells which "
+                  "packages are missing and can install them.");
+    if (answer == kCheck)
+        RunMachineCheck(parent);
+    else if (answer == kVoices)
+        RunMachineCheckForVoices(parent);
+    else if (hasPage && answer != GTK_RESPONSE_CANCEL)  // which nobody chose: the program ends
+        OpenInBrowser(WebAddress("speech"));
 }
 
 void RunMachineCheckWithoutCard(GtkWidget* parent) {

@@ -12,11 +12,8 @@
 #include "app/speech_file.h"
 #include "app/start_up.h"
 #include "app/window/window_layout.h"
-#include "foundation/browser.h"
-#include "foundation/hosts.h"
 #include "gui/accessible.h"
 #include "gui/control_factory.h"
-#include "gui/message_box.h"
 
 namespace {
 
@@ -53,7 +50,7 @@ MainDialog::MainDialog()
       player_(narrator_, [this](unsigned int key) { return EvKeyDown(key); }),
       waitBox_(narrator_, [this] { return player_.BoxParent(); }),
       troubles_(narrator_, {.parent = [this] { return player_.BoxParent(); },
-                            .noVoice = [this] { ShowNoSpeechEngine(); },
+                            .noVoice = [this] { TellNoSpeechEngine(Widget()); },
                             .cannotPlay = RunMachineCheckWithoutCard}),
       playback_(narrator_, commands_,
                 {.read = [this] { Read(TextPane::Extent::kAll); },
@@ -137,6 +134,8 @@ void MainDialog::EvShown() {
 }
 
 void MainDialog::DestroyDialog() {
+    text_.KeepNow();
+    selection_.DropFetch();
     firstMoments_.End();
     presence_.End();
     hotKeys_.Stop();
@@ -146,30 +145,18 @@ void MainDialog::DestroyDialog() {
     voices_.Store();
 }
 
-void MainDialog::ShowNoSpeechEngine() {
-    const int answer = MessageBoxRun(
-        Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "No Speech Engine Found",
-        "No Speech Engine Found",
-        "No voice is installed on this computer. Please download the speech engine from the "
-        "speech web page, which opens when you close this message.");
-    if (answer == GTK_RESPONSE_CANCEL)
-        return;  // no answer of its user: the program is told to end
-    OpenInBrowser(WebAddress("speech"));
-    RunMachineCheck(Widget());
-}
-
 void MainDialog::EvVoicesAnswered() {
     // Whoever waits for the voices right now tells of it.
     if (narrator_.State() == ReadingState::kWaitingForVoice)
         narrator_.SetVoice(voices_.Chosen());
     else if (!voices_.IsKnown() && !saving_)
-        ShowNoSpeechEngine();
+        TellNoSpeechEngine(Widget());
 }
 
 int MainDialog::AwaitVoice() {
     // The engine may be slow to wake up, or have been installed since the program was started.
     if (voices_.Chosen() < 0 && voices_.Await(Widget()) == kProcessFailed)
-        ShowNoSpeechEngine();
+        TellNoSpeechEngine(Widget());
     return voices_.Chosen();
 }
 
@@ -277,6 +264,7 @@ void MainDialog::EvTextChanged() {
     if (!settingWaitingFile_)
         narrator_.ForgetQueue();
     text_.Highlight().End();
+    selection_.DropFetch();
     EnableControls();
 }
 

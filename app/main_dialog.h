@@ -1,6 +1,7 @@
 // The application's one main window: text, voice, and the commands that read or save speech.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -51,8 +52,7 @@ public:
 
     void CmRead();
     void CmSave();
-    // From what is selected in any program, else from the clipboard; nothing when neither holds
-    // text.
+    // What was selected or copied last in any program; nothing when there is no text.
     void CmCopyFromClipboard();
     void CmOpenFile();
     void CmOptions();
@@ -66,7 +66,6 @@ private:
     void CheckActiveWindowChange();
     void EvReading(const ReadingNews& news);
     void EvHotKey(int storedCommand);
-    static std::string SelectedText();
 
     // In the status bar while there is nothing else to tell.
     static constexpr const char* kBanner = "Lectora v 1.05";
@@ -79,7 +78,13 @@ private:
 
     // False: unreadable, which is told, or cancelled; the text stays.
     enum class FileFrom { kUser, kArguments };
-    bool LoadFile(const char* path, FileFrom from);
+    bool LoadFile(const std::string& path, FileFrom from);
+    bool OpenFile();  // likewise, after a chooser
+    void TellUnreadable(const std::string& path, const std::string& problem, FileFrom from);
+    // Then runs from the main loop, once the text is there or there is none, unless the text was
+    // changed meanwhile. One at a time.
+    void FetchText(std::function<void(const std::string& text)> then);
+    void UpdateThen(void (MainDialog::*command)());
 
     void AddCommands();
     CommandNeeds Available();
@@ -92,9 +97,13 @@ private:
     void CmReadSelectionOrStop();
     void CmSaveFromFile();
     void CmSaveFromSelection();
+    void CmSaveTextAs();
+    void CmCheckComputer();
+    void CmMoreVoices();
     void EvVoiceChosen() { voices_.NoteChange(); }
     void OpenRecentFile(std::size_t number);
     void ListRecentFilesSoon();
+    void ReadFiles(const std::vector<std::string>& files);
     void EvFilesDropped(const std::vector<std::string>& paths);
     static bool ShowsCommandBar();
     void KeepFocus();
@@ -102,7 +111,6 @@ private:
     int AwaitVoice();  // below 0: none, and the user has been told or wants none
     void EvVoicesAnswered();
     void EvTextChanged();
-    void ShowNoSpeechEngine();
 
     TextPane text_;
     CommandSet commands_;
@@ -125,5 +133,6 @@ private:
     bool saving_ = false;   // its dialogs handle events
     bool loading_ = false;  // likewise
     bool settingWaitingFile_ = false;
+    bool unreadableIsTold_ = false;  // in the status bar
     KeyboardWait firstKeyboard_;
 };

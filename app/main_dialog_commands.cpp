@@ -3,6 +3,7 @@
 
 #include "app/commands/command_numbers.h"
 #include "app/help_links.h"
+#include "app/machine_check.h"
 #include "app/main_dialog.h"
 #include "gui/icon_numbers.h"
 
@@ -30,7 +31,7 @@ void MainDialog::AddCommands() {
         {{.number = kReadFromSelection,
           .label = "Read from Clipboar&d",
           .name = "Read from clipboard",
-          .tip = "Read aloud the last text cut or copied to the clipboard",
+          .tip = "Read aloud the selection or clipboard",
           .keys = {kKeyControl | kKeyShift | GDK_B},
           .needs = kNeedsSelection},
          &MainDialog::CmReadFromSelection},
@@ -61,7 +62,7 @@ void MainDialog::AddCommands() {
         {{.number = kSaveFromSelection,
           .label = "Save from Cli&pboard",
           .name = "Save from clipboard",
-          .tip = "Save the last text cut or copied to the clipboard",
+          .tip = "Save the selection or clipboard",
           .keys = {kKeyControl | kKeyAlt | GDK_B},
           .needs = kNeedsSelection},
          &MainDialog::CmSaveFromSelection},
@@ -75,7 +76,7 @@ void MainDialog::AddCommands() {
         {{.number = kUpdateFromSelection,
           .label = "Update From Clip&board",
           .name = "Update from clipboard",
-          .tip = "Copy text from Clipboard and paste to Lectora window",
+          .tip = "Copy the selection or clipboard to the Lectora window",
           .icon = kUpdateTextIcon,
           .keys = {kKeyControl | GDK_B},
           .needs = kNeedsSelection},
@@ -86,6 +87,14 @@ void MainDialog::AddCommands() {
           .tip = "Load contents from text file to Lectora window",
           .keys = {kKeyControl | GDK_O}},
          &MainDialog::CmOpenFile},
+        {{.number = kSaveTextAs,
+          .label = "Save Te&xt As...",
+          .keys = {kKeyControl | GDK_S},
+          .needs = kNeedsText},
+         &MainDialog::CmSaveTextAs},
+        {{.number = kCheckComputer, .label = "&Check This Computer..."},
+         &MainDialog::CmCheckComputer},
+        {{.number = kMoreVoices, .label = "More &Voices..."}, &MainDialog::CmMoreVoices},
         {{.number = kShowCommandBar, .label = "Show Command Bar"}, &MainDialog::CmShowCommandBar},
         {{.number = kOptions,
           .label = "&Options...",
@@ -113,36 +122,47 @@ void MainDialog::AddCommands() {
     commands_.AddRange(LHelpLinks::kFirst, LHelpLinks::kLast, LHelpLinks::Open);
 }
 
-// The second step runs even when the first brought nothing new, but not once the window has gone
-// meanwhile.
+// Without a file the command ends.
 void MainDialog::CmReadFromFile() {
-    CmOpenFile();
-    if (IsOpen())
+    if (OpenFile())
         CmRead();
 }
 
 void MainDialog::CmReadFromSelection() {
-    CmCopyFromClipboard();
-    if (IsOpen())
-        CmRead();
+    UpdateThen(&MainDialog::CmRead);
 }
 
 // Pressed again over the same text, the hotkey stops.
 void MainDialog::CmReadSelectionOrStop() {
-    if (narrator_.IsReading() && SelectedText() == text_.Text())
-        narrator_.Stop();
-    else
+    if (!narrator_.IsReading()) {
         CmReadFromSelection();
+        return;
+    }
+    FetchText([this](const std::string& text) {
+        if (narrator_.IsReading() && (text.empty() || text == text_.Text())) {
+            narrator_.Stop();
+            return;
+        }
+        text_.TakeFromProgram(text);
+        CmRead();
+    });
 }
 
 void MainDialog::CmSaveFromFile() {
-    CmOpenFile();
-    if (IsOpen())
+    if (OpenFile())
         CmSave();
 }
 
 void MainDialog::CmSaveFromSelection() {
-    CmCopyFromClipboard();
-    if (IsOpen())
-        CmSave();
+    UpdateThen(&MainDialog::CmSave);
+}
+
+void MainDialog::CmCheckComputer() {
+    RunMachineCheck(Widget());
+    EnableControls();  // there may be new voices
+}
+
+void MainDialog::CmMoreVoices() {
+    RunMachineCheckForVoices(Widget());
+    EnableControls();
 }

@@ -12,7 +12,7 @@ void MainDialog::OpenRecentFile(std::size_t number) {
         return;
     const std::string& path = files[number];
     if (::access(path.c_str(), F_OK) == 0) {
-        LoadFile(path.c_str(), FileFrom::kUser);
+        LoadFile(path, FileFrom::kUser);
         return;
     }
     RecentFiles::Remove(path);
@@ -31,9 +31,14 @@ void MainDialog::ListRecentFilesSoon() {
 }
 
 // From the main loop: loading may run a dialog, and the other program waits for the drop to end.
+// One file is there to be looked at; several are read one after the other, as arguments are.
 void MainDialog::EvFilesDropped(const std::vector<std::string>& paths) {
-    dropTimer_.Start(0, [this, path = paths.front()] {
-        if (IsOpen() && !loading_ && !saving_)
-            LoadFile(path.c_str(), FileFrom::kUser);
+    dropTimer_.Start(0, [this, paths] {
+        if (!IsOpen())
+            return;
+        if (paths.size() == 1 && !loading_ && !saving_)
+            LoadFile(paths.front(), FileFrom::kUser);
+        else
+            ReadFiles(paths);
     });
 }

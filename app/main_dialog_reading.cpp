@@ -8,6 +8,7 @@
 #include "app/main_dialog.h"
 #include "app/save_speech.h"
 #include "app/settings_keys.h"
+#include "app/suggested_name.h"
 #include "gui/icon_numbers.h"
 
 void MainDialog::Read(TextPane::Extent extent, const std::string& title) {
@@ -32,7 +33,7 @@ void MainDialog::Read(TextPane::Extent extent, const std::string& title) {
 }
 
 void MainDialog::SaveText(const std::string& text, int voice) {
-    const std::string note = SaveSpeech(Widget(), text, voice);
+    const std::string note = SaveSpeech(Widget(), text, voice, SuggestedName(text, text_.File()));
     if (!note.empty())
         TellStatusText(note.c_str());
 }
@@ -69,7 +70,7 @@ void MainDialog::CmReadStopOrGoOn() {
 QueuedText::Begun MainDialog::ReadWaitingFile(const std::string& path) {
     if (!IsOpen() || firstKeyboard_.IsWaiting() || saving_ || loading_)
         return QueuedText::Begun::kNotNow;
-    if (!LoadFile(path.c_str(), FileFrom::kArguments))
+    if (!LoadFile(path, FileFrom::kArguments))
         return QueuedText::Begun::kFailed;
     Read(TextPane::Extent::kAll, path.substr(path.rfind('/') + 1));
     return narrator_.IsReading() ? QueuedText::Begun::kYes : QueuedText::Begun::kFailed;
@@ -85,10 +86,13 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
         if (strcasecmp(argument, "-logon") != 0 && strcasecmp(argument, "-block") != 0)
             files.emplace_back(argument);
     }
-    if (files.empty())
-        return;
-    // What was asked for last is heard at once, unless a progress dialog is up: then it waits for
-    // that to end. Several files are read one after the other.
+    if (!files.empty())
+        ReadFiles(files);
+}
+
+// What was asked for last is heard at once, unless a progress dialog is up: then it waits for that
+// to end. Several files are read one after the other.
+void MainDialog::ReadFiles(const std::vector<std::string>& files) {
     if (!saving_ && !loading_)
         narrator_.Stop();
     for (const std::string& path : files)

@@ -1,48 +1,88 @@
-// How texts come into the main window.
+// How texts come into the main window, and out of it.
+#include <utility>
+
 #include "app/commands/command_numbers.h"
 #include "app/document_loading.h"
 #include "app/main_dialog.h"
 #include "app/recent_files.h"
+#include "app/save_text.h"
 #include "app/settings_keys.h"
+#include "app/suggested_name.h"
 #include "foundation/file.h"
-#include "foundation/owned_text.h"
 #include "gui/message_box.h"
 
-std::string MainDialog::SelectedText() {
-    for (const GdkAtom selection : {GDK_SELECTION_PRIMARY, GDK_SELECTION_CLIPBOARD}) {
-        const OwnedText text(gtk_clipboard_wait_for_text(gtk_clipboard_get(selection)));
-        if (text && *text != '\0')
-            return text.get();
-    }
-    return "";
+void MainDialog::FetchText(std::function<void(const std::string& text)> then) {
+    const bool isAsked = selection_.Fetch([this, then = std::move(then)](const std::string& text) {
+        // A dialog that came up meanwhile has the text.
+        if (IsOpen() && !saving_ && !loading_)
+            then(text);
+    });
+    if (!isAsked)
+        TellStatusText("Another program is still being asked for its selection.");
+}
+
+// Where nothing is selected or copied, the command acts on the text that is there.
+void MainDialog::UpdateThen(void (MainDialog::*command)()) {
+    FetchText([this, command](const std::string& text) {
+        if (!text.empty())
+            text_.TakeFromProgram(text);
+        (this->*command)();
+    });
 }
 
 void MainDialog::CmCopyFromClipboard() {
-    const std::string text = SelectedText();
-    if (!text.empty())
-        text_.Replace(text);
+    UpdateThen(&MainDialog::EnableControls);
 }
 
 void MainDialog::CmOpenFile() {
-    char path[kTextBufferSize] = "";
-    char folder[kTextBufferSize];
-    CopyText(folder, kOpenFolderSetting.Get());
-    static constexpr char kFilter[] =
+    OpenFile();
+}
+
+bool MainDialog::OpenFile() {
+    std::string path;
+    std::string folder = kOpenFolderSetting.Get();
+    static constexpr char kFilters[] =
         "Text Documents\0*.txt;*.text;*.TXT;*\0"
         "Web Pages\0*.html;*.htm;*.xhtml;*.HTML;*.HTM\0"
         "Books\0*.epub;*.fb2;*.EPUB;*.FB2\0"
         "Word Processor Documents\0*.odt;*.fodt;*.docx;*.ODT;*.DOCX\0"
         "Presentations\0*.odp;*.pptx;*.ODP;*.PPTX\0"
         "PDF Documents\0*.pdf;*.PDF\0";
-    if (!LFile::BrowseReadFilePath(Widget(), path, "Locate File to Read Text", folder, kFilter))
-        return;
-    kOpenFolderSetting.Set(folder);
-    LoadFile(path, FileFrom::kUser);
+    if (!LFile::BrowseReadFilePath(Widget(), path, "Locate File to Read Text", folder, kFilters))
+        return false;
+    KeepFolder(kOpenFolderSetting, folder);
+    return IsOpen() && LoadFile(path, FileFrom::kUser);
 }
 
-bool MainDialog::LoadFile(const char* path, FileFrom from) {
+void MainDialog::CmSaveTextAs() {
+    const std::string text = text_.Text();
+    const std::string path = SaveTextAs(Widget(), text, SuggestedName(text, text_.File()));
+    if (path.empty() || !IsOpen())
+        return;
+    text_.WasSavedAs(path);
+    RecentFiles::Add(path);
+    ListRecentFilesSoon();
+    TellStatusText(("Saved as " + path).c_str());
+}
+
+// Who chose the file sees a box. Nobody may be there to see what comes from elsewhere.
+void MainDialog::TellUnreadable(const std::string& path, const std::string& problem,
+                                FileFrom from) {
+    if (from == FileFrom::kUser) {
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "Cannot read the file.", problem.c_str());
+        return;
+    }
+    const std::string note = "Cannot read " + path + ": " + problem;
+    if (!presence_.IsOnScreen() && !BubbleTipRun(kTextBox, "Cannot read the file.", note.c_str()))
+        CmOpen();
+    TellStatusText(note.c_str());
+    unreadableIsTold_ = true;
+}
+
+bool MainDialog::LoadFile(const std::string& path, FileFrom from) {
     loading_ = true;
-    const std::optional<Document> document = LoadDocumentUnderDialog(Widget(), path);
+    const std::optional<Document> document = LoadDocumentUnderDialog(Widget(), path.c_str());
     loading_ = false;
     // The window may have been closed meanwhile.
     if (!IsOpen())
@@ -53,16 +93,14 @@ bool MainDialog::LoadFile(const char* path, FileFrom from) {
         return false;
     }
     if (!document->problem.empty()) {
-        if (from == FileFrom::kUser)
-            MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
-                          "Cannot read the file.", document->problem.c_str());
-        else
-            TellStatusText(document->problem.c_str());
+        TellUnreadable(path, document->problem, from);
         return false;
     }
     settingWaitingFile_ = from == FileFrom::kArguments;
-    text_.Replace(document->text);
+    text_.TakeFile(document->text, path);
     settingWaitingFile_ = false;
+    if (std::exchange(unreadableIsTold_, false))
+        SetStatusText(kBanner);
     if (!document->remark.empty())
         TellStatusText(document->remark.c_str());
     RecentFiles::Add(path);

@@ -5,46 +5,51 @@
 #include <algorithm>
 
 #include "foundation/owned_text.h"
+#include "foundation/private_file.h"
 #include "foundation/settings.h"
-#include "foundation/text_buffer.h"
 
 namespace {
 
-constexpr char kSection[] = "RecentFiles";
-
-std::string Key(int number) {
-    return "File" + std::to_string(number);
-}
+// Paths, newest first, each behind a zero byte: the one that no path holds.
+constexpr const char* kFile = "recent-files";
+constexpr std::size_t kMostBytes = 1 << 20;
 
 void Store(const std::vector<std::string>& files) {
-    for (int number = 0; number < RecentFiles::kMost; ++number) {
-        const bool isFree = number >= static_cast<int>(files.size());
-        LUserSettingSetString(kSection, Key(number).c_str(),
-                              isFree ? nullptr : files[static_cast<std::size_t>(number)].c_str());
-    }
+    std::string content;
+    for (const std::string& file : files)
+        content.append(1, '\0').append(file);
+    WritePrivateFile(kFile, content);
 }
 
-bool CanBeKept(const std::string& path) {
-    const auto isControl = [](unsigned char byte) { return byte < ' ' || byte == 0x7F; };
-    return path.size() < kTextBufferSize && std::none_of(path.begin(), path.end(), isControl);
-}
-
-}  // namespace
-
-std::vector<std::string> RecentFiles::List() {
+// As they were kept before they had a file of their own.
+std::vector<std::string> ListOfSettings() {
     std::vector<std::string> files;
-    for (int number = 0; number < kMost; ++number) {
-        std::string path = LUserSettingGet(kSection, Key(number).c_str());
+    for (int number = 0; number < RecentFiles::kMost; ++number) {
+        std::string path =
+            LUserSettingGet("RecentFiles", ("File" + std::to_string(number)).c_str());
         if (!path.empty())
             files.push_back(std::move(path));
     }
     return files;
 }
 
+}  // namespace
+
+std::vector<std::string> RecentFiles::List() {
+    std::string content;
+    if (!ReadPrivateFile(kFile, kMostBytes, content))
+        return ListOfSettings();
+    std::vector<std::string> files;
+    for (std::size_t at = 0; at < content.size() && files.size() < kMost;) {
+        const std::size_t end = std::min(content.find('\0', at + 1), content.size());
+        files.push_back(content.substr(at + 1, end - at - 1));
+        at = end;
+    }
+    return files;
+}
+
 void RecentFiles::Add(const std::string& path) {
     const OwnedText absolute(g_canonicalize_filename(path.c_str(), nullptr));
-    if (!CanBeKept(absolute.get()))
-        return;
     std::vector<std::string> files = List();
     std::erase(files, absolute.get());
     files.insert(files.begin(), absolute.get());

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-// Newest first. Any thread; each operation goes to the settings.
+// Newest first, paths of any length. GUI thread; each operation goes to the user's file of them.
 class RecentFiles {
 public:
     static constexpr int kMost = 8;
 
     static std::vector<std::string> List();
-    // In front of the others. A path that the settings cannot hold is left out.
+    // In front of the others.
     static void Add(const std::string& path);
     static void Remove(const std::string& path);
 };

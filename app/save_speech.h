@@ -5,9 +5,11 @@
 
 #include <string>
 
-// Asks for a file, speaks the text and writes it there as WAV, or as MP3 when the name or the
-// stored default says so; an encoder that is missing is fetched. Blocks with dialogs; every failure
-// is told to the user. GUI thread.
+// Asks for a file, for which suggestedName stands there first, speaks the text and writes it there
+// in the format that the chosen name tells; an encoder that is missing is fetched. Blocks with
+// dialogs; every failure is told to the user. Cancelled, a file that was there stays as it was, and
+// a new one holds what was spoken by then. GUI thread, GDK lock held.
 //
-// Gives back what is to be told of a save that went well; nothing of another.
-std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice);
+// Gives back what is to be told in the status bar, how it ended; empty when nothing is.
+std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice,
+                       const std::string& suggestedName);

@@ -9,12 +9,12 @@ constexpr UserSetting<const char*> kSaveFolderSetting{"Settings", "SaveFileDir",
 constexpr LayeredSetting<const char*> kSaveByDefaultSetting{"Settings", "SaveDefaultFormat", "1"};
 constexpr LayeredSetting<const char*> kSaveFormatSetting{"Settings", "SaveFormat",
                                                          "1"};  // "0" is MP3
-// The same as the options show it: where nothing was chosen, MP3, though saving then writes WAV.
-constexpr LayeredSetting<int> kSaveFormatIndexSetting{"Settings", "SaveFormat", 0};
 // Whether the user was asked about a first set of hotkeys.
 constexpr UserSetting<bool> kHotKeysOfferedSetting{"HotKeys", "Offered", false};
 // Whether the text box shows what is being heard.
 constexpr UserSetting<bool> kFollowTextSetting{"Options", "FollowText", true};
+// Whether the text of the window is there again at the next start.
+constexpr UserSetting<bool> kKeepTextSetting{"Options", "KeepText", true};
 constexpr UserSetting<int> kTextSizeSetting{"Options", "TextSize", 0};  // points; 0: the theme's
 // Shown unless this is exactly "0".
 constexpr UserSetting<const char*> kShowCommandBarSetting{"Options", "ShowCommandBar", "1"};
@@ -22,3 +22,9 @@ constexpr UserSetting<const char*> kShowCommandBarSetting{"Options", "ShowComman
 constexpr UserSetting<int> kTrayMessageSetting{"Settings", "TrayID", 0};
 // Whether the user was told that a closed Lectora goes on in the background.
 constexpr UserSetting<bool> kFirstExitDoneSetting{"Settings", "FirstExitDone", false};
+
+// Not kept when the settings cannot hold it: cut, it would be another folder.
+inline void KeepFolder(const UserSetting<const char*>& setting, const std::string& folder) {
+    if (folder.size() < kTextBufferSize)
+        setting.Set(folder);
+}

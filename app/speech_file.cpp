@@ -1,12 +1,12 @@
 #include "app/speech_file.h"
 
-#include "foundation/file.h"
 #include "foundation/machine_root.h"
-#include "foundation/text_buffer.h"
+#include "foundation/private_file.h"
 
 std::string SpeechFilePath() {
-    char path[kTextBufferSize];
-    CopyText(path, HomeFolder());
-    LFile::_FilePathCat(path, "speech.wav");
-    return path;
+    return HomeFolder() + "/speech.wav";
+}
+
+std::string SavingFilePath() {
+    return PrivateFilePath("saving.wav");
 }

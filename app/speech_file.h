@@ -1,7 +1,9 @@
-// Where speech is kept between the engine and whoever plays or saves it.
+// Where the sound of a text stands, in the user's home.
 #pragma once
 
 #include <string>
 
-// "speech.wav" in the home folder, which reading and saving share; the next run overwrites it.
+// "speech.wav": what was read aloud last, which stays.
 std::string SpeechFilePath();
+// That of a save, so that a reading goes on meanwhile; it goes with the save's end.
+std::string SavingFilePath();

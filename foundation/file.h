@@ -50,15 +50,20 @@ public:
     static bool IsErrorAlreadyExists();  // both look at errno
     static bool IsErrorSharingViolation();
 
-    // --- file choosers (target foundation_dialogs). folder "" starts in the home folder. A filter
-    // is a name, a NUL, patterns separated by ";", and a double NUL; null for none. On acceptance
-    // path receives the file and folder its folder; on cancel path is emptied.
+    // --- file choosers (target foundation_dialogs). Paths are of any length: what the system
+    // cannot take is refused where it is opened, never cut. folder "" starts in the home folder.
+    // Filters: each a name, a NUL, patterns separated by ";", and a NUL; a NUL more ends them; null
+    // for none. On acceptance path receives the file and folder its folder; on cancel path is
+    // emptied.
     using BrowseMultiplePaths = std::vector<std::string>;
-    static bool BrowseReadFilePath(_GtkWidget* parent, char* path, const char* title, char* folder,
-                                   const char* filter);
-    static bool BrowseSaveFilePath(_GtkWidget* parent, char* path, const char* title, char* folder,
-                                   const char* filter);
+    static bool BrowseReadFilePath(_GtkWidget* parent, std::string& path, const char* title,
+                                   std::string& folder, const char* filters);
+    // path as it comes suggests a name. filter: index of the filter that is preset, then of the one
+    // that was chosen; a name without an extension receives that of its first pattern.
+    static bool BrowseSaveFilePath(_GtkWidget* parent, std::string& path, const char* title,
+                                   std::string& folder, const char* filters, int& filter);
     static bool BrowseMultipleReadFiles(_GtkWidget* parent, BrowseMultiplePaths& paths,
-                                        const char* title, char* folder, const char* filter);
-    static bool BrowseFolder(_GtkWidget* parent, char* path, const char* title);
+                                        const char* title, std::string& folder,
+                                        const char* filters);
+    static bool BrowseFolder(_GtkWidget* parent, std::string& path, const char* title);
 };

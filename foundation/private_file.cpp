@@ -38,7 +38,7 @@ int WritePrivateFile(const char* name, std::string_view content) {
 bool ReadPrivateFile(const char* name, std::size_t most, std::string& content) {
     content.clear();
     const UniqueFd file = OpenRegularFile(PrivateFilePath(name).c_str(), O_RDONLY | O_NOFOLLOW);
-    struct stat status {};
+    struct stat status = {};
     return file.IsOpen() && ::fstat(file.Get(), &status) == 0 && status.st_uid == ::geteuid() &&
            ReadWholeFile(file.Get(), most, content);
 }

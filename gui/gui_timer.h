@@ -21,6 +21,7 @@ public:
         callback_ = std::move(callback);
         source_ = g_timeout_add(milliseconds, GCTimer, this);
     }
+    bool IsRunning() const { return source_ != 0; }
     void Stop() {
         if (source_ != 0)
             g_source_remove(std::exchange(source_, 0));

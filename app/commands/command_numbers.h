@@ -49,10 +49,13 @@ enum CommandNumber {
     kLargerText = 1405,
     kSmallerText = 1406,
     kNormalText = 1407,
+    kSaveTextAs = 1408,
     kRecentFile = 1451,  // the newest; the others follow
     kLastRecentFile = 1458,
     kShowCommandBar = 2001,
     kOpenWindow = 4001,
+    kCheckComputer = 9031,
+    kMoreVoices = 9032,
     kUpdateDropDown = 8000,  // the tool bar's arrows
     kReadDropDown = 8011,
     kSaveDropDown = 8012,

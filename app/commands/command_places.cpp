@@ -41,6 +41,7 @@ constexpr LMenuItem kMenuBar[] = {
     kEndOfPlaces,
     {-1, kRecentFilesTitle},
     kEndOfPlaces,
+    Item(kSaveTextAs),
     kSeparator,
     Item(-kShowCommandBar),
     kEndOfPlaces,

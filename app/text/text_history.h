@@ -28,6 +28,11 @@ public:
     // Once, before the lines are attached to the same buffer; they outlive this object.
     void Attach(GtkTextBuffer* buffer, const LongLines& lines);
 
+    // What stands in the buffer now has no history.
+    void BeginAnew() {
+        done_.clear();
+        undone_.clear();
+    }
     bool CanUndo() const { return !done_.empty(); }
     bool CanRedo() const { return !undone_.empty(); }
     void Undo() { Revert(done_, undone_); }  // puts the cursor behind what has changed

@@ -11,8 +11,9 @@
 
 TextPane::TextPane(Listener listener)
     : listener_(std::move(listener)),
+      kept_(listener_.tell),
       find_(listener_.tell, listener_.reshaped),
-      drop_(listener_.dropped, [this](const std::string& text) { Replace(text); }) {}
+      drop_(listener_.dropped, [this](const std::string& text) { TakeFromProgram(text); }) {}
 
 LEditWidgets TextPane::NewTextBox() {
     const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
@@ -20,6 +21,8 @@ LEditWidgets TextPane::NewTextBox() {
     buffer_ = GObjectRef<GtkTextBuffer>::Share(gtk_text_view_get_buffer(view_));
     history_.Attach(buffer_.Get(), lines_);
     lines_.Attach(buffer_.Get());
+    kept_.Attach(buffer_.Get(), lines_);
+    history_.BeginAnew();
     highlight_.Attach(view_, lines_);
     original_.Attach(view_, lines_);
     size_.Attach(edit.textView);
@@ -91,6 +94,17 @@ void TextPane::Replace(const std::string& text) {
     gtk_text_buffer_begin_user_action(buffer_.Get());
     gtk_text_buffer_set_text(buffer_.Get(), shown.data(), static_cast<gint>(shown.size()));
     gtk_text_buffer_end_user_action(buffer_.Get());
+}
+
+void TextPane::TakeFile(const std::string& text, const std::string& path) {
+    Replace(text);
+    kept_.CameFromFile(path);
+}
+
+void TextPane::TakeFromProgram(const std::string& text) {
+    kept_.KeepNow();
+    Replace(text);
+    kept_.CameFromProgram();
 }
 
 std::string TextPane::Text(Extent extent, GtkTextIter& begin) const {

@@ -12,6 +12,7 @@
 #include "app/spoken_highlight.h"
 #include "app/text/drop_target.h"
 #include "app/text/find_bar.h"
+#include "app/text/kept_text.h"
 #include "app/text/long_lines.h"
 #include "app/text/original_text.h"
 #include "app/text/text_history.h"
@@ -46,13 +47,20 @@ public:
     bool IsEmpty() const;
     // As it was given, whatever is broken for showing.
     std::string Text() const { return lines_.Text(); }
-    void Replace(const std::string& text);  // one step to be undone
+    // These replace all text, as one step to be undone.
+    void TakeFile(const std::string& text, const std::string& path);
+    void TakeFromProgram(const std::string& text);  // selected or copied there, or dropped
+    // Where the text is from and, later, is kept; empty: in no file.
+    const std::string& File() const { return kept_.File(); }
+    void WasSavedAs(const std::string& path) { kept_.CameFromFile(path); }
+    void KeepNow() { kept_.KeepNow(); }  // for the next start
     // What is selected, or all where nothing is or all is wanted; begin: where it begins.
     enum class Extent { kAll, kSelected };
     std::string Text(Extent extent, GtkTextIter& begin) const;
     SpokenHighlight& Highlight() { return highlight_; }
 
 private:
+    void Replace(const std::string& text);
     void CmUndo();
     void CmRedo();
     void CmFind();
@@ -68,6 +76,7 @@ private:
     GObjectRef<GtkTextBuffer> buffer_;  // outlives the window, which may close within a command
     LongLines lines_;
     TextHistory history_;
+    KeptText kept_;
     TextSize size_;
     SpokenHighlight highlight_;
     OriginalText original_;

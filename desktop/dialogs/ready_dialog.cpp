@@ -68,6 +68,8 @@ void LReadyDialog::InitDialog() {
     LVSetStyleCheck(kVoices);
     LVInit(kVoices, {LListColumns::kPercent, kVoiceColumns});
     SetAccessibleName(GetControlByID(kVoices), "More voices");
+    if (begin_ == Part::kVoices)
+        FocusControl(kVoices);
     Look();
 }
 

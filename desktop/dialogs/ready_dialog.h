@@ -25,7 +25,10 @@ public:
 
 class LReadyDialog : public LDialog {
 public:
-    explicit LReadyDialog(LReadiness& machine) : machine_(machine) {}
+    enum class Part { kState, kVoices };
+    // begin: the list that has the keyboard first.
+    explicit LReadyDialog(LReadiness& machine, Part begin = Part::kState)
+        : machine_(machine), begin_(begin) {}
 
     void Run(GtkWidget* parent);  // until the user closes it; `parent` may be null
 
@@ -41,6 +44,7 @@ private:
     void Install(const std::vector<std::string>& packages);
 
     LReadiness& machine_;
+    const Part begin_;
     std::vector<std::string> missing_;  // packages
     std::string told_;                  // the advice that stands there; empty before the first
 };

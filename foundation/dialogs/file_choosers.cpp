@@ -3,14 +3,16 @@
 #include <gtk/gtk.h>
 #include <sys/stat.h>
 
+#include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "foundation/file.h"
 #include "foundation/file_mask.h"
 #include "foundation/machine_root.h"
 #include "foundation/owned_text.h"
-#include "foundation/text_buffer.h"
+#include "foundation/path_text.h"
 #include "gui/display_text.h"
 #include "gui/icons.h"
 #include "gui/message_box.h"
@@ -46,26 +48,32 @@ public:
         return name ? name.get() : "";
     }
 
-    void StartIn(const char* folder) {
-        const std::string start = folder == nullptr || *folder == '\0' ? HomeFolder() : folder;
-        gtk_file_chooser_set_current_folder(Self(), start.c_str());
+    void StartIn(const std::string& folder) {
+        gtk_file_chooser_set_current_folder(Self(),
+                                            (folder.empty() ? HomeFolder() : folder).c_str());
     }
-    // A name, a NUL, patterns separated by ";", and a double NUL.
-    void AddFilter(const char* filter) {
-        if (filter == nullptr)
-            return;
-        GtkFileFilter* entry = gtk_file_filter_new();
-        gtk_file_filter_set_name(entry, DisplayText(filter).c_str());
-        std::string_view patterns(filter + std::char_traits<char>::length(filter) + 1);
-        while (!patterns.empty()) {
-            const std::size_t end = patterns.find(';');
-            std::string_view pattern = patterns.substr(0, end);
-            pattern.remove_prefix(std::min(pattern.find_first_not_of(' '), pattern.size()));
-            if (!pattern.empty())
-                gtk_file_filter_add_pattern(entry, std::string(pattern).c_str());
-            patterns.remove_prefix(end == std::string_view::npos ? patterns.size() : end + 1);
+    void AddFilters(const char* filters) {
+        while (filters != nullptr && *filters != '\0') {
+            const char* patterns = filters + std::strlen(filters) + 1;
+            AddFilter(filters, patterns);
+            filters = patterns + std::strlen(patterns) + 1;
         }
-        gtk_file_chooser_add_filter(Self(), entry);
+    }
+    void ChooseFilter(int index) {
+        if (index >= 0 && index < static_cast<int>(filters_.size()))
+            gtk_file_chooser_set_filter(Self(), filters_[static_cast<std::size_t>(index)].entry);
+    }
+    int ChosenFilter() const {
+        const GtkFileFilter* chosen = gtk_file_chooser_get_filter(Self());
+        for (std::size_t index = 0; index < filters_.size(); ++index) {
+            if (filters_[index].entry == chosen)
+                return static_cast<int>(index);
+        }
+        return 0;
+    }
+    // With its dot; empty where there are no filters.
+    std::string ExtensionOfFilter() const {
+        return filters_.empty() ? "" : filters_[static_cast<std::size_t>(ChosenFilter())].extension;
     }
     bool HasChosenExistingFile() const {
         struct stat status = {};
@@ -73,6 +81,28 @@ public:
     }
 
 private:
+    struct Filter {
+        GtkFileFilter* entry;  // the chooser's
+        std::string extension;
+    };
+
+    void AddFilter(const char* name, std::string_view patterns) {
+        Filter filter{gtk_file_filter_new(), ""};
+        gtk_file_filter_set_name(filter.entry, DisplayText(name).c_str());
+        while (!patterns.empty()) {
+            const std::size_t end = patterns.find(';');
+            std::string pattern(patterns.substr(0, end));
+            pattern.erase(0, std::min(pattern.find_first_not_of(' '), pattern.size()));
+            if (!pattern.empty())
+                gtk_file_filter_add_pattern(filter.entry, pattern.c_str());
+            if (filter.extension.empty())
+                filter.extension = EndingOfPath(pattern);
+            patterns.remove_prefix(end == std::string_view::npos ? patterns.size() : end + 1);
+        }
+        gtk_file_chooser_add_filter(Self(), filter.entry);
+        filters_.push_back(filter);
+    }
+
     // GTK keeps Tab in the field of the name, to complete it; whoever works by ear would not get
     // out. What GTK has completed while the name was typed is taken.
     static gboolean GCKey(GtkWidget* dialog, GdkEventKey* event, gpointer) {
@@ -86,60 +116,77 @@ private:
     }
 
     GtkWidget* dialog_;
+    std::vector<Filter> filters_;
     // GTK keeps files of its own about choosers in the home folder, and may be asked to make a
     // folder there.
     const mode_t maskBefore_ = umask(StartMask());
 };
 
-bool Accept(const Chooser& chooser, char* path, char* folder) {
-    const std::string file = chooser.File();
-    CopyText(path, kTextBufferSize, file);
-    LFile::_GetFolderFromPath(folder, path);
+// A folder is not asked about: it cannot be replaced, which is told later.
+bool MayReplace(GtkWidget* parent, const std::string& path) {
+    struct stat info = {};
+    if (::stat(path.c_str(), &info) != 0 || S_ISDIR(info.st_mode))
+        return true;
+    const std::string question = "The file " + path + " exists. Do you want to replace it?";
+    return MessageBoxRun(parent, GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, "Lectora",
+                         question.c_str(), "") == GTK_RESPONSE_YES;
+}
+
+bool Accept(const std::string& file, std::string& path, std::string& folder) {
+    path = file;
+    folder = FolderOfPath(file);
     return true;
 }
 
 }  // namespace
 
-bool LFile::BrowseReadFilePath(GtkWidget* parent, char* path, const char* title, char* folder,
-                               const char* filter) {
+bool LFile::BrowseReadFilePath(GtkWidget* parent, std::string& path, const char* title,
+                               std::string& folder, const char* filters) {
     Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_OPEN, "gtk-open");
     chooser.StartIn(folder);
-    if (*path != '\0')
-        gtk_file_chooser_set_filename(chooser.Self(), path);
-    chooser.AddFilter(filter);
+    if (!path.empty())
+        gtk_file_chooser_set_filename(chooser.Self(), path.c_str());
+    chooser.AddFilters(filters);
     while (chooser.Run()) {
         if (chooser.HasChosenExistingFile())
-            return Accept(chooser, path, folder);
+            return Accept(chooser.File(), path, folder);
         const std::string text =
             "The File " + chooser.File() + " is not valid. Please choose another file.";
         MessageBoxRun(chooser.Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora", text.c_str(),
                       "");
     }
-    *path = '\0';
+    path.clear();
     return false;
 }
 
-bool LFile::BrowseSaveFilePath(GtkWidget* parent, char* path, const char* title, char* folder,
-                               const char* filter) {
+bool LFile::BrowseSaveFilePath(GtkWidget* parent, std::string& path, const char* title,
+                               std::string& folder, const char* filters, int& filter) {
     Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_SAVE, "gtk-save");
     chooser.StartIn(folder);
-    if (*path != '\0') {
-        char name[kTextBufferSize];
-        _GetFileFromPath(name, path);
-        gtk_file_chooser_set_current_name(chooser.Self(), name);
+    if (!path.empty())
+        gtk_file_chooser_set_current_name(chooser.Self(), FileOfPath(path).c_str());
+    chooser.AddFilters(filters);
+    chooser.ChooseFilter(filter);
+    while (chooser.Run()) {
+        std::string file = chooser.File();
+        const bool lacksExtension = EndingOfPath(file).empty();
+        if (lacksExtension)
+            file += chooser.ExtensionOfFilter();
+        // The chooser itself has asked about the name as it was typed.
+        if (file.empty() || (lacksExtension && !MayReplace(chooser.Widget(), file)))
+            continue;
+        filter = chooser.ChosenFilter();
+        return Accept(file, path, folder);
     }
-    chooser.AddFilter(filter);
-    if (chooser.Run() && !chooser.File().empty())
-        return Accept(chooser, path, folder);
-    *path = '\0';
+    path.clear();
     return false;
 }
 
 bool LFile::BrowseMultipleReadFiles(GtkWidget* parent, BrowseMultiplePaths& paths,
-                                    const char* title, char* folder, const char* filter) {
+                                    const char* title, std::string& folder, const char* filters) {
     Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_OPEN, "gtk-open");
     chooser.StartIn(folder);
-    chooser.AddFilter(filter);
+    chooser.AddFilters(filters);
     gtk_file_chooser_set_select_multiple(chooser.Self(), TRUE);
     paths.clear();
     if (!chooser.Run())
@@ -151,14 +198,13 @@ bool LFile::BrowseMultipleReadFiles(GtkWidget* parent, BrowseMultiplePaths& path
     }
     g_slist_free(names);
     if (!paths.empty())
-        _GetFolderFromPath(folder, paths.front().c_str());
+        folder = FolderOfPath(paths.front());
     return !paths.empty();
 }
 
-bool LFile::BrowseFolder(GtkWidget* parent, char* path, const char* title) {
+bool LFile::BrowseFolder(GtkWidget* parent, std::string& path, const char* title) {
     Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER, "gtk-open");
     chooser.StartIn(path);
-    const bool accepted = chooser.Run() && !chooser.File().empty();
-    CopyText(path, kTextBufferSize, accepted ? chooser.File() : "");
-    return accepted;
+    path = chooser.Run() ? chooser.File() : "";
+    return !path.empty();
 }

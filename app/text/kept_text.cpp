@@ -1,0 +1,124 @@
+#include "app/text/kept_text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+
+#include "app/settings_keys.h"
+#include "foundation/private_file.h"
+
+namespace {
+
+constexpr const char* kTextFile = "text";
+constexpr const char* kPlaceFile = "text-place";  // the cursor's in decimal, a newline, the file
+constexpr std::size_t kMostPlaceBytes = 1 << 16;
+
+// A crash loses at most so much; a text that takes long to write is written less often.
+constexpr guint kPauseMs = 2000;
+constexpr int kPausePerWrite = 20;
+
+}  // namespace
+
+void KeptText::Attach(GtkTextBuffer* buffer, const LongLines& lines) {
+    buffer_ = buffer;
+    lines_ = &lines;
+    pauseMs_ = kPauseMs;
+    Restore();
+    changed_.Connect(buffer, "changed", G_CALLBACK(GCChanged), this);
+    markSet_.Connect(buffer, "mark-set", G_CALLBACK(GCMarkSet), this);
+}
+
+void KeptText::Restore() {
+    std::string text;
+    if (!kKeepTextSetting.Get() || !ReadPrivateFile(kTextFile, kMostBytes, text) ||
+        g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
+        return;
+    gtk_text_buffer_set_text(buffer_, text.data(), static_cast<gint>(text.size()));
+    std::string place;
+    ReadPrivateFile(kPlaceFile, kMostPlaceBytes, place);
+    int offset = 0;
+    std::from_chars(place.data(), place.data() + place.size(), offset);
+    const GtkTextIter at = lines_->At(std::max(offset, 0));
+    gtk_text_buffer_place_cursor(buffer_, &at);
+    const std::size_t line = place.find('\n');
+    file_ = line == std::string::npos ? "" : place.substr(line + 1);
+}
+
+void KeptText::CameFromFile(const std::string& path) {
+    isPrivate_ = false;
+    file_ = path;
+    isTextDue_ = true;
+    KeepSoon();
+}
+
+void KeptText::CameFromProgram() {
+    isPrivate_ = true;
+    file_.clear();
+    isTextDue_ = isPlaceDue_ = false;
+    timer_.Stop();
+}
+
+void KeptText::GCChanged(GtkTextBuffer* buffer, gpointer user) {
+    auto* self = static_cast<KeptText*>(user);
+    self->isPrivate_ = false;
+    self->isTextDue_ = true;
+    if (gtk_text_buffer_get_char_count(buffer) == 0)
+        self->file_.clear();
+    self->KeepSoon();
+}
+
+void KeptText::GCMarkSet(GtkTextBuffer* buffer, GtkTextIter*, GtkTextMark* mark, gpointer user) {
+    auto* self = static_cast<KeptText*>(user);
+    if (mark != gtk_text_buffer_get_insert(buffer) || self->isPrivate_)
+        return;
+    self->isPlaceDue_ = true;
+    self->KeepSoon();
+}
+
+// What changes until then is kept with it: whoever types on and on is not left for later.
+void KeptText::KeepSoon() {
+    if (timer_.IsRunning())
+        return;
+    timer_.Start(pauseMs_, [this] {
+        const gint64 before = g_get_monotonic_time();
+        Keep();
+        const auto tookMs = static_cast<guint>((g_get_monotonic_time() - before) / 1000);
+        pauseMs_ = std::max(kPauseMs, tookMs * kPausePerWrite);
+    });
+}
+
+void KeptText::KeepNow() {
+    timer_.Stop();
+    Keep();
+}
+
+bool KeptText::Write(const char* name, const std::string& content) {
+    const int error = content.size() > kMostBytes ? EFBIG : WritePrivateFile(name, content);
+    if (error != 0 && !isTold_)
+        tell_(
+            (std::string("The text cannot be kept for the next start: ") + g_strerror(error) + ".")
+                .c_str());
+    isTold_ = isTold_ || error != 0;
+    return error == 0;
+}
+
+void KeptText::Keep() {
+    if (buffer_ == nullptr || isPrivate_)
+        return;
+    if (!kKeepTextSetting.Get()) {
+        ForgetKeptText();
+        return;
+    }
+    if (!isTextDue_ && !isPlaceDue_)
+        return;
+    if (isTextDue_)
+        isTextDue_ = !Write(kTextFile, lines_->Text());
+    GtkTextIter at;
+    gtk_text_buffer_get_iter_at_mark(buffer_, &at, gtk_text_buffer_get_insert(buffer_));
+    isPlaceDue_ = !Write(kPlaceFile, std::to_string(lines_->Offset(at)) + "\n" + file_);
+}
+
+void ForgetKeptText() {
+    RemovePrivateFile(kTextFile);
+    RemovePrivateFile(kPlaceFile);
+}
