@@ -9,11 +9,11 @@ OWN, THEIRS = "own text", "text of theirs"
 # of the tray's menu.
 COMMANDS = (
     ("read", "Read Aloud", "Read CurrentText", "Read current text", "ctrl+shift+r", None),
-    ("locate read", "Read Aloud", "Read from file", "Read from a file", "ctrl+shift+o", None),
+    ("locate", "Read Aloud", "Read from file", "Read from a file", "ctrl+shift+o", None),
     ("theirs read", "Read Aloud", "Read from Clipboard", "Read from clipboard", "ctrl+shift+b",
      "Read from Clipboard"),
     ("save", "Save as Speech", "Save Current Text", "Save current text", "ctrl+alt+v", None),
-    ("locate save", "Save as Speech", "Save from file", "Save speech from file", "ctrl+alt+o", None),
+    ("locate", "Save as Speech", "Save from file", "Save speech from file", "ctrl+alt+o", None),
     ("theirs save", "Save as Speech", "Save from Clipboard", "Save from clipboard", "ctrl+alt+b",
      "Save from Clipboard"),
     ("theirs", "Update Text", "Update From Clipboard", "Update from clipboard", "ctrl+b", None),

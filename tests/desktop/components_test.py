@@ -23,7 +23,6 @@ class ComponentsTest(DesktopCase):
     def setUp(self):
         super().setUp()
         self.target = self.file("fox.mp3", OLD)
-        self.store("settings", savedefaultformat=0)
 
     def machine(self, section, **values):
         """Replaces a section of the machine's settings."""

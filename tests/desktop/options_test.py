@@ -93,9 +93,14 @@ class OptionsTest(DesktopCase):
         entry = self.prepare_start_on_login()
         lectora = self.start(USERNAME="me")
         self.open(lectora)
-        lectora.find("label", "So far speech is saved as WAV; OK makes it this format.")
         self.picture("options-general")
+        # What is only looked at stays as it is.
+        lectora.press("push button", "OK")
+        desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the options")
+        self.assertEqual([self.setting("settings", key) for key in ("savedefaultformat", "saveformat")], [None, None])
+        self.open(lectora)
         lectora.press("radio button", "Use these default format settings ")
+        desktop.press_keys("Tab", "Up")
         lectora.press("push button", "Format Settings")
         self.assertEqual(lectora.wait_for_box("MP3 Settings").strip(), "MP3 Settings are: Constant bitrate, 128")
         lectora.press("push button", "OK")
@@ -113,7 +118,7 @@ class OptionsTest(DesktopCase):
         desktop.wait_until(lambda: not lectora.can_press("push button", "Format Settings"), "the button")
         lectora.press("push button", "OK")
         desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the options")
-        self.assertEqual([self.setting("settings", key) for key in ("savedefaultformat", "saveformat")], ["0", "1"])
+        self.assertEqual([self.setting("settings", key) for key in ("savedefaultformat", "saveformat")], ["0", None])
         self.assertEqual(os.stat(entry).st_mode & 0o777, 0o644)
         self.assertEqual(os.path.getsize(os.path.join(desktop.HOME, ".quillon/lectora/WavCodec.wff")), 1028)
         lectora.end()
@@ -146,7 +151,8 @@ class OptionsTest(DesktopCase):
         for lock, keys, shown in (("Caps_Lock", "ctrl+alt+k", "Ctrl+Alt+K"), ("Num_Lock", "shift+F5", "Shift+F5")):
             desktop.press_keys(lock)
             self.addCleanup(desktop.press_keys, lock)
-            for answer in (("Escape",), ("Shift_L", "Control_L", keys)):
+            # One that everybody types with is refused.
+            for answer in (("Escape",), ("Shift_L", "Control_L", "r", keys)):
                 lectora.find("push button", "Change Key").queryComponent().grabFocus()
                 desktop.press_keys("space")
                 self.wait_for_dialog("Key Change")
@@ -167,6 +173,18 @@ class OptionsTest(DesktopCase):
             self.open(lectora, "HotKeys")
             if lock == "Caps_Lock":
                 self.press(lectora, "Change...", "Hot-Key Assignment")
+        # One that is in use is refused.
+        self.press(lectora, "Add...", "Hot-Key Assignment")
+        self.press(lectora, "Change Key", "Key Change")
+        desktop.press_keys("shift+F5")
+        self.wait_for_dialog("Hot-Key Assignment")
+        lectora.press("push button", "OK")
+        desktop.wait_until(
+            lambda: lectora.find("text", "HotKey Assigned:").getState().contains(desktop.pyatspi.STATE_FOCUSED),
+            "the focus")
+        self.picture("options-key-in-use")
+        desktop.press_keys("Escape")
+        self.wait_for_dialog("Options")
         self.press(lectora, "Remove...", "Confirms Delete")
         self.picture("options-remove")
         desktop.press_keys("alt+y")
@@ -182,12 +200,12 @@ class OptionsTest(DesktopCase):
             ["words of ctrl+alt+k", "words of shift+F5", "by hand"])
 
     def test_a_key_that_cannot_work_says_so_in_its_row(self):
-        self.give_keys((CONTROL_ALT | ord("R"), READ), (0xFFFE, 9))
+        self.give_keys((CONTROL_ALT | ord("R"), READ), (0xFFFE, 9), (ord("R"), READ))
         self.start(HOME=self.folder("other"))
         lectora = self.start()
         self.open(lectora, "HotKeys")
         self.wait_for_rows(lectora, ("Ctrl+Alt+R", "Read text from clipboard", "Held by another program"),
-            ("Unknown key", "Nothing", "Not on this keyboard"))
+            ("Unknown key", "Nothing", "Not on this keyboard"), ("R", "Read text from clipboard", "Needs Ctrl, Alt or Super"))
         self.picture("options-hotkeys")
 
 

@@ -1,5 +1,7 @@
 """Files of every kind as arguments, and texts with nothing to say."""
 import os
+import signal
+import subprocess
 import unittest
 
 from desktop_case import DesktopCase, desktop
@@ -17,10 +19,17 @@ class TextsTest(DesktopCase):
         lectora = self.start(self.file("first.txt", "first text"), PATH=f"{tools}:{os.environ['PATH']}")
         self.card.wait_for(self.card.next_stream(), "close")
         missing = os.path.join(desktop.HOME, "not there.txt")
-        for path, note in ((tools, "This is a folder"), (missing, "cannot be opened")):
+        # The window may be out of sight; a later file takes the sentence away.
+        for path, note in ((tools, "This is a folder"), (missing, "cannot be opened"), (self.file("first.txt", "first text"), None)):
+            if note:
+                lectora.hide()
             with desktop.Lectora(path) as second:
                 self.assertEqual(second.process.wait(desktop.PATIENCE), 0)
-            desktop.wait_until(lambda: note in lectora.status(), note)
+            if note:
+                desktop.wait_until(lambda: lectora.windows(), "the window")
+                desktop.wait_until(lambda: note in lectora.status() and path in lectora.status(), note)
+        self.card.wait_for(self.card.next_stream(), "close")
+        desktop.wait_until(lambda: "Cannot read" not in lectora.status(), "the end of the sentence")
         self.open_file(lectora, picture)
         lectora.wait_for_box("Cannot read the file.")
         self.picture("cannot-read")
@@ -35,6 +44,71 @@ class TextsTest(DesktopCase):
 
     def open_file(self, lectora, path):
         self.choose(lectora, "ctrl+o", "Locate File to Read Text", path)
+
+    def test_what_was_typed_is_there_after_every_end_and_what_was_only_fetched_is_not(self):
+        kept = os.path.join(desktop.HOME, ".quillon/lectora/text")
+        lectora = self.start()
+        lectora.set_text("grüße ")
+        self.assertEqual(lectora.exit(), 0)
+        lectora = self.start()
+        self.assertEqual(lectora.text(), "grüße ")
+        desktop.press_keys("ctrl+z", "ctrl+End", *"kind")
+        desktop.wait_until(lambda: lectora.text() == "grüße kind", "the words")
+        desktop.wait_until(lambda: open(kept, encoding="utf-8").read() == "grüße kind", "its file")
+        self.assertEqual(os.stat(kept).st_mode & 0o777, 0o600)
+        lectora.end()  # killed
+        lectora = self.start()
+        self.assertEqual((lectora.text(), lectora.text_box().queryText().caretOffset), ("grüße kind", 10))
+        self.select("theirs")
+        desktop.press_keys("ctrl+b")
+        desktop.wait_until(lambda: lectora.text() == "theirs", "their text")
+        lectora.process.terminate()
+        lectora.process.wait(desktop.PATIENCE)
+        lectora = self.start()
+        self.assertEqual(lectora.text(), "grüße kind")
+        path = os.path.join(desktop.HOME, "letter.txt")
+        self.choose(lectora, "ctrl+s", "Save Text As", path[:-4])
+        desktop.wait_until(lambda: "Saved as " + path in lectora.status(), "the note")
+        with open(path, encoding="utf-8") as file:
+            self.assertEqual(file.read(), "grüße kind")
+        lectora.press("push button", "Options")
+        lectora.press("check box", "Keep the text for the next start")
+        lectora.press("push button", "OK")
+        desktop.wait_until(lambda: not os.path.exists(kept), "nothing kept")
+        lectora.focus()
+        desktop.press_keys("ctrl+End", "x")
+        lectora.exit()
+        self.assertFalse(os.path.exists(kept))
+        self.assertEqual(self.start().text(), "")
+
+    def test_another_program_that_does_not_answer_holds_up_nothing(self):
+        lectora = self.start()
+        lectora.set_text("own")
+        owner = self.select("late")
+        owner.send_signal(signal.SIGSTOP)
+        for edit in (True, False):
+            lectora.focus()
+            desktop.press_keys("ctrl+shift+b")
+            if edit:  # its answer comes too late
+                desktop.press_keys("ctrl+End", "x")
+                desktop.wait_until(lambda: lectora.text() == "ownx", "the letter")
+            else:
+                desktop.press_keys("ctrl+shift+b", "ctrl+shift+b")
+                desktop.wait_until(lambda: "still being asked" in lectora.status(), "the note")
+        owner.send_signal(signal.SIGCONT)
+        self.card.wait_for(self.card.next_stream(), "close")
+        self.assertEqual(lectora.text(), "late")
+        self.read_aloud(lectora)
+        self.assertEqual(len(self.spoken()), 2)
+        # What was copied later counts, unless it is no text; one's own selection never does.
+        subprocess.run(["xclip", "-selection", "clipboard"], input=b"copied", check=True)
+        lectora.focus()
+        desktop.press_keys("ctrl+a", "ctrl+b")
+        desktop.wait_until(lambda: lectora.text() == "copied", "what was copied")
+        owner = self.select("later")
+        owner.send_signal(signal.SIGSTOP)
+        desktop.press_keys("ctrl+shift+b")
+        self.assertEqual(lectora.exit(), 0)
 
     def test_a_line_of_ten_megabytes_is_typed_into_without_delay_and_copied_as_it_was(self):
         text = "All work and no play makes Jack a dull boy. " * 240000

@@ -31,6 +31,21 @@ class WindowTest(DesktopCase):
         combo = lectora.find("combo box")
         desktop.wait_until(lambda: len(combo[0]) == count, "the voices")
 
+    def test_a_maximised_window_keeps_its_own_size_and_escape_takes_the_end_back(self):
+        lectora = self.start()
+        window = lectora.window()
+        desktop.xdotool("windowsize", "--sync", window, 640, 480)
+        title = int(desktop.xdotool("getwindowgeometry", "--shell", window).split("X=")[1].split()[0]) + 200
+        top = int(desktop.xdotool("getwindowgeometry", "--shell", window).split("Y=")[1].split()[0]) - 8
+        desktop.xdotool("mousemove", title, top, "click", "--repeat", "2", "--delay", "80", "1")
+        desktop.wait_until(lambda: lectora.text_box().queryComponent().getExtents(0).width > 900, "the large window")
+        lectora.choose("Lectora", "Exit (Turn Off)")
+        lectora.wait_for_box("Confirm Exit")
+        desktop.press_keys("Escape")
+        desktop.wait_until(lambda: not lectora.box_text(), "the end of the question")
+        self.assertEqual(lectora.exit(), 0)
+        self.assertEqual([self.setting("mainwindow", key) for key in ("width", "height", "maximized")], ["640", "480", "1"])
+
     def test_several_files_are_read_one_after_the_other_until_escape(self):
         files = [self.file(f"{word}.txt", word) for word in ("first", "second", "third")]
         missing = os.path.join(desktop.HOME, "missing.txt")
