@@ -6,6 +6,12 @@
 
 namespace {
 
+// A long path has no blank at which its line could be broken.
+void BreakAnywhere(GtkWidget* label, gpointer) {
+    if (GTK_IS_LABEL(label))
+        gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+}
+
 GtkWidget* NewMessageBox(GtkWidget* parent, GtkMessageType type, GtkButtonsType buttons,
                          const char* title, const char* primary, const char* secondary) {
     GtkWidget* box = gtk_message_dialog_new(ParentWindow(parent), GTK_DIALOG_MODAL, type, buttons,
@@ -13,6 +19,9 @@ GtkWidget* NewMessageBox(GtkWidget* parent, GtkMessageType type, GtkButtonsType 
     if (secondary != nullptr && *secondary != '\0')
         gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(box), "%s",
                                                  DisplayText(secondary).c_str());
+    gtk_container_forall(
+        GTK_CONTAINER(gtk_message_dialog_get_message_area(GTK_MESSAGE_DIALOG(box))), BreakAnywhere,
+        nullptr);
     gtk_window_set_title(GTK_WINDOW(box), DisplayText(title).c_str());
     SetWindowIcon(GTK_WINDOW(box), kAppIconNumber);
     return box;
