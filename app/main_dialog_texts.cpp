@@ -74,8 +74,8 @@ void MainDialog::TellUnreadable(const std::string& path, const std::string& prob
         return;
     }
     const std::string note = "Cannot read " + path + ": " + problem;
-    if (!presence_.IsOnScreen() && !BubbleTipRun(kTextBox, "Cannot read the file.", note.c_str()))
-        CmOpen();
+    if (!presence_.IsOnScreen())
+        Notify("Cannot read the file.", note.c_str(), [this] { CmOpen(); });
     TellStatusText(note.c_str());
     unreadableIsTold_ = true;
 }
