@@ -6,12 +6,6 @@
 #include "gui/icons.h"
 #include "gui/settings_keys.h"
 
-namespace {
-
-constexpr guint kNewStateMs = 200;
-
-}  // namespace
-
 struct LMainWindowCallbacks {
     static LMainWindow& WindowOf(gpointer host) { return dynamic_cast<LMainWindow&>(HostOf(host)); }
     static gboolean GCExit(GtkWidget*, GdkEvent*, gpointer host) {
@@ -21,8 +15,7 @@ struct LMainWindowCallbacks {
     // Runs before GTK spreads the new size, so that the controls move in the same pass.
     static gboolean GCConfigure(GtkWidget*, GdkEventConfigure* event, gpointer host) {
         auto* window = &WindowOf(host);
-        // Later: the size of a maximised window comes before the news that it is one.
-        window->placementTimer_.Start(kNewStateMs, [window] { window->NotePlacement(); });
+        window->NotePlacement();
         if (event->width != window->width_ || event->height != window->height_) {
             window->width_ = event->width;
             window->height_ = event->height;
@@ -98,23 +91,34 @@ bool LMainWindow::IsMaximized() const {
     return window != nullptr && (gdk_window_get_state(window) & GDK_WINDOW_STATE_MAXIMIZED) != 0;
 }
 
-void LMainWindow::NotePlacement() {
-    if (!IsOpen() || !gtk_widget_get_visible(Widget()) || IsMaximized())
-        return;
+GdkRectangle LMainWindow::Placement() const {
     GtkWindow* window = GTK_WINDOW(Widget());
-    gtk_window_get_size(window, &placement_.width, &placement_.height);
-    gtk_window_get_position(window, &placement_.x, &placement_.y);
+    GdkRectangle placement{};
+    gtk_window_get_size(window, &placement.width, &placement.height);
+    gtk_window_get_position(window, &placement.x, &placement.y);
+    return placement;
+}
+
+void LMainWindow::NotePlacement() {
+    if (!gtk_widget_get_visible(Widget()) || IsMaximized())
+        return;
+    const GdkRectangle now = Placement();
+    if (now.width != latest_.width || now.height != latest_.height)
+        previous_ = latest_;
+    latest_ = now;
 }
 
 void LMainWindow::StorePlacement() {
-    NotePlacement();
+    GdkRectangle own = Placement();
     kMaximizedSetting.Set(IsMaximized());
-    if (placement_.width == 0)
-        return;  // what was stored before still holds
-    kWindowWidthSetting.Set(placement_.width);
-    kWindowHeightSetting.Set(placement_.height);
-    kWindowLeftSetting.Set(placement_.x);
-    kWindowTopSetting.Set(placement_.y);
+    if (IsMaximized())
+        own = own.width == latest_.width && own.height == latest_.height ? previous_ : latest_;
+    if (own.width == 0)
+        return;  // maximised all the time: what was stored before still holds
+    kWindowWidthSetting.Set(own.width);
+    kWindowHeightSetting.Set(own.height);
+    kWindowLeftSetting.Set(own.x);
+    kWindowTopSetting.Set(own.y);
 }
 
 void LMainWindow::LayoutBase(int& left, int& top, int&, int& height) {

@@ -4,7 +4,6 @@
 
 #include <span>
 
-#include "gui/gui_timer.h"
 #include "gui/key_dialog.h"
 #include "gui/status_bar.h"
 #include "gui/tool_bar.h"
@@ -54,11 +53,14 @@ private:
     void SetMinimumSize();
 
     bool IsMaximized() const;
+    GdkRectangle Placement() const;  // now
     void NotePlacement();
 
     GtkWidget* fixed_ = nullptr;  // owned by the window
-    LGuiTimer placementTimer_;
-    GdkRectangle placement_{};  // when last it was not maximised; without a width: never yet
+    // The last two sizes, without those it had when it was known to be maximised: its new size may
+    // come before that news. Without a width: there was none.
+    GdkRectangle latest_{};
+    GdkRectangle previous_{};
     int width_ = 0;
     int height_ = 0;
 };
