@@ -34,8 +34,8 @@ WINDOWS = [
         "dialog Au Encoder Options",
         "Channels, Sample Rate, Channels, Restore Defaults, OK, Cancel, Help",
     ),
-    ("dialog AIFF", "Sample Rate, Channels, Restore Defaults, OK, Cancel, Help"),
-    ("dialog Raw", "Codec:, Sample Rate:, Sample Rate:, Channels:, Restore Defaults, OK, Cancel, Help"),
+    ("dialog AIFF Encoder Options", "Sample Rate, Channels, Restore Defaults, OK, Cancel, Help"),
+    ("dialog Raw Encoder Options", "Codec:, Sample Rate:, Sample Rate:, Channels:, Restore Defaults, OK, Cancel, Help"),
 ]
 
 # What the window is sent by keys; 7 is what it asked to be told when a menu opens.

@@ -5,6 +5,7 @@
 
 #include "desktop/start_on_login.h"
 #include "tests/gui/gui_fixtures.h"
+#include "tests/support/accounts.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -13,8 +14,14 @@ constexpr int kLoginCheck = 101;
 constexpr int kLoginList = 102;
 
 TEST(StartOnLoginControls, ShowAndKeepTheChoice) {
-    const ScratchFolder root;  // a machine without accounts
+    const ScratchFolder root;
     const ScopedVariable rootVariable("LECTORA_ROOT", root.Path().c_str());
+    const ScopedVariable name("USERNAME", "ada");
+    const Accounts accounts(root, {"ada"});
+    for (const char* folder : {"home/ada/.config", "usr/share/applications/desktop"})
+        std::filesystem::create_directories(root / folder);
+    root.Write("usr/share/applications/desktop/lectora.desktop", "[Desktop Entry]\n");
+    accounts.OwnTheirHomes();
     RecordingDialog dialog;
     dialog.Show([](LDialogGenContext& context) {
         context.AddCheckBox(kLoginCheck, "Start");
