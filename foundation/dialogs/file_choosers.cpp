@@ -14,6 +14,7 @@
 #include "foundation/owned_text.h"
 #include "foundation/path_text.h"
 #include "gui/display_text.h"
+#include "gui/gui_timer.h"
 #include "gui/icons.h"
 #include "gui/message_box.h"
 #include "gui/parent_window.h"
@@ -31,7 +32,7 @@ public:
         SetWindowIcon(GTK_WINDOW(dialog_), kAppIconNumber);
         gtk_dialog_set_default_response(GTK_DIALOG(dialog_), GTK_RESPONSE_ACCEPT);
         gtk_file_chooser_set_do_overwrite_confirmation(Self(), TRUE);
-        g_signal_connect(dialog_, "key-press-event", G_CALLBACK(GCKey), nullptr);
+        g_signal_connect(dialog_, "key-press-event", G_CALLBACK(GCKey), this);
     }
     ~Chooser() {
         gtk_widget_destroy(dialog_);
@@ -48,6 +49,12 @@ public:
         return name ? name.get() : "";
     }
 
+    // Stands in the field of the name, to be taken, edited, or typed over.
+    void SuggestName(const std::string& name) {
+        suggestion_ = name;
+        if (!name.empty())
+            g_signal_connect(dialog_, "map-event", G_CALLBACK(GCMapped), this);
+    }
     void StartIn(const std::string& folder) {
         gtk_file_chooser_set_current_folder(Self(),
                                             (folder.empty() ? HomeFolder() : folder).c_str());
@@ -103,10 +110,45 @@ private:
         filters_.push_back(filter);
     }
 
+    // Only now, since GTK selects what stands in the field when it gets the keyboard: the selection
+    // of the program in which the user has selected something would be lost.
+    void ShowSuggestion() {
+        GtkWidget* field = gtk_window_get_focus(GTK_WINDOW(dialog_));
+        if (!GTK_IS_ENTRY(field) || gtk_entry_get_text_length(GTK_ENTRY(field)) > 0)
+            return;
+        gtk_file_chooser_set_current_name(Self(), suggestion_.c_str());
+        g_signal_connect(field, "button-press-event", G_CALLBACK(GCPressed), this);
+        isSuggested_ = true;
+    }
+    // As if the suggestion were selected: what is typed first takes its place.
+    void TypeOverSuggestion(GtkWidget* field, const GdkEventKey& event) {
+        if (!isSuggested_ || event.is_modifier != 0 || !GTK_IS_ENTRY(field))
+            return;
+        isSuggested_ = false;
+        const guint modifiers = event.state & gtk_accelerator_get_default_mod_mask();
+        const gunichar sign = gdk_keyval_to_unicode(event.keyval);
+        const bool types = (modifiers & ~static_cast<guint>(GDK_SHIFT_MASK)) == 0 && sign != 0 &&
+                           g_unichar_isprint(sign) != FALSE;
+        const bool pastes = modifiers == GDK_CONTROL_MASK && event.keyval == GDK_KEY_v;
+        const bool erases = event.keyval == GDK_KEY_BackSpace || event.keyval == GDK_KEY_Delete;
+        if (types || pastes || erases)
+            gtk_editable_delete_text(GTK_EDITABLE(field), 0, -1);
+    }
+    static gboolean GCMapped(GtkWidget*, GdkEvent*, gpointer chooser) {
+        auto* self = static_cast<Chooser*>(chooser);
+        self->suggestTimer_.Start(0, [self] { self->ShowSuggestion(); });
+        return FALSE;
+    }
+    static gboolean GCPressed(GtkWidget*, GdkEventButton*, gpointer chooser) {
+        static_cast<Chooser*>(chooser)->isSuggested_ = false;
+        return FALSE;
+    }
+
     // GTK keeps Tab in the field of the name, to complete it; whoever works by ear would not get
     // out. What GTK has completed while the name was typed is taken.
-    static gboolean GCKey(GtkWidget* dialog, GdkEventKey* event, gpointer) {
+    static gboolean GCKey(GtkWidget* dialog, GdkEventKey* event, gpointer chooser) {
         GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(dialog));
+        static_cast<Chooser*>(chooser)->TypeOverSuggestion(focus, *event);
         const bool leaves = event->keyval == GDK_KEY_Tab &&
                             (event->state & gtk_accelerator_get_default_mod_mask()) == 0 &&
                             GTK_IS_ENTRY(focus);
@@ -117,6 +159,9 @@ private:
 
     GtkWidget* dialog_;
     std::vector<Filter> filters_;
+    std::string suggestion_;
+    LGuiTimer suggestTimer_;
+    bool isSuggested_ = false;  // untouched
     // GTK keeps files of its own about choosers in the home folder, and may be asked to make a
     // folder there.
     const mode_t maskBefore_ = umask(StartMask());
@@ -163,8 +208,7 @@ bool LFile::BrowseSaveFilePath(GtkWidget* parent, std::string& path, const char*
                                std::string& folder, const char* filters, int& filter) {
     Chooser chooser(parent, title, GTK_FILE_CHOOSER_ACTION_SAVE, "gtk-save");
     chooser.StartIn(folder);
-    if (!path.empty())
-        gtk_file_chooser_set_current_name(chooser.Self(), FileOfPath(path).c_str());
+    chooser.SuggestName(FileOfPath(path));
     chooser.AddFilters(filters);
     chooser.ChooseFilter(filter);
     while (chooser.Run()) {
