@@ -113,7 +113,9 @@ def furnish(options, folder):
         os.mkdir(os.path.join(folder, name), 0o700)
     icons = os.path.join(build, "root")
     if os.path.isdir(icons):
-        shutil.copytree(icons, os.path.join(folder, "root"), dirs_exist_ok=True)
+        # Without the build's own components: tests say which programs there are.
+        without = shutil.ignore_patterns("components")
+        shutil.copytree(icons, os.path.join(folder, "root"), dirs_exist_ok=True, ignore=without)
     for number in range(options.cards):
         card = os.path.join(folder, "cards", f"card{number}")
         os.mkdir(card)
