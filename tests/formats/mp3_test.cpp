@@ -76,7 +76,9 @@ TEST_F(Mp3Test, NoNameReachesTheShellAsCodeAndNoLineIsCut) {
     }
     EXPECT_EQ(std::filesystem::file_size(path), 40u);
     EXPECT_FALSE(std::filesystem::exists("x") || std::filesystem::exists("y"));
-    EXPECT_NE(OpenMp3Sink(std::string(kMp3CommandLineSize, 'n').c_str(), settings, 44100, 2)->Status(), 0);
+    EXPECT_NE(
+        OpenMp3Sink(std::string(kMp3CommandLineSize, 'n').c_str(), settings, 44100, 2)->Status(),
+        0);
 }
 
 TEST_F(Mp3Test, HomeComponentWinsOverTheSharedOneAndNoneIsAnErrorSink) {
