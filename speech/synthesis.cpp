@@ -85,16 +85,17 @@ struct SynthesisRun::Record {
     LSignalObject finished;  // by the worker: the command has ended
     std::atomic<int> result{1};
 
-    void RunEngine();    // on the worker, until the engine has ended
-    std::string errors;  // what it wrote to its standard error, the beginning; once finished
+    void RunEngine();  // on the worker, until the engine has ended
     void KillEngine();
+    std::string Errors();  // what it wrote to its standard error, the beginning; once it has ended
 
 private:
-    void ReadErrors(int fd, pid_t engine);
+    static std::string ReadErrors(int fd, pid_t engine);
 
-    std::mutex mutex_;
+    std::mutex mutex_;   // guards what follows
     pid_t engine_ = -1;  // leads its process group; -1 while it does not run
     bool isUnwanted_ = false;
+    std::string errors_;
 };
 
 void SynthesisRun::Record::RunEngine() {
@@ -115,31 +116,39 @@ void SynthesisRun::Record::RunEngine() {
     }
     result.store(engine.IsStarted() ? kProcessDone : kProcessFailed);
     errorPipe.writeEnd.Reset();
+    std::string errors;
     if (engine.IsStarted())
-        ReadErrors(errorPipe.readEnd.Get(), engine.Pid());
+        errors = ReadErrors(errorPipe.readEnd.Get(), engine.Pid());
     engine.Wait();
     const std::lock_guard<std::mutex> lock(mutex_);
     engine_ = -1;
+    errors_ = std::move(errors);
 }
 
 // Until the engine has ended: what it left in the background may hold the pipe for ever.
-void SynthesisRun::Record::ReadErrors(int fd, pid_t engine) {
+std::string SynthesisRun::Record::ReadErrors(int fd, pid_t engine) {
+    std::string errors;
     const UniqueFd ended(static_cast<int>(::syscall(SYS_pidfd_open, engine, 0)));
     for (bool hasEnded = false;;) {
         pollfd events[] = {{fd, POLLIN, 0}, {ended.Get(), POLLIN, 0}};
         if (::poll(events, 2, hasEnded ? 0 : -1) < 0 && errno == EINTR)
             continue;
         if (events[0].revents == 0 && hasEnded)
-            return;
+            return errors;
         hasEnded = hasEnded || events[1].revents != 0;
         if (events[0].revents == 0)
             continue;
         char block[4096];
         const ssize_t got = ::read(fd, block, sizeof block);
         if (got <= 0)
-            return;
+            return errors;
         errors.append(block, std::min(static_cast<std::size_t>(got), kMostErrors - errors.size()));
     }
+}
+
+std::string SynthesisRun::Record::Errors() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return errors_;
 }
 
 void SynthesisRun::Record::KillEngine() {
@@ -250,8 +259,8 @@ LProcessResult SynthesisRun::Finish(LProcessResult waited) {
             request_.outcome = SynthesisOutcome::kCannotStart;
         else
             request_.outcome = Judge();
-        if (record_->finished.Ref().IsSignaled() && !record_->errors.empty())
-            LOGWARNF("Speech engine: %s", record_->errors.c_str());
+        if (const std::string errors = record_->Errors(); !errors.empty())
+            LOGWARNF("Speech engine: %s", errors.c_str());
     }
     End();
     if (request_.outcome == SynthesisOutcome::kSpoken)
