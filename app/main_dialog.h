@@ -86,6 +86,7 @@ private:
     void FetchText(std::function<void(const std::string& text)> then);
     void UpdateThen(void (MainDialog::*command)());
 
+    struct Rows;  // of its commands
     void AddCommands();
     CommandNeeds Available();
     void CreateControls();

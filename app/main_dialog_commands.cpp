@@ -7,11 +7,11 @@
 #include "app/main_dialog.h"
 #include "gui/icon_numbers.h"
 
-void MainDialog::AddCommands() {
+struct MainDialog::Rows {
     // The large buttons act as these commands do, and name their keys.
-    constexpr LKeyCode kReadKey = kKeyControl | kKeyShift | GDK_R;
-    constexpr LKeyCode kSaveKey = kKeyControl | kKeyAlt | GDK_V;
-    static constexpr CommandRow<MainDialog> kRows[] = {
+    static constexpr LKeyCode kReadKey = kKeyControl | kKeyShift | GDK_R;
+    static constexpr LKeyCode kSaveKey = kKeyControl | kKeyAlt | GDK_V;
+    static constexpr CommandRow<MainDialog> kAll[] = {
         {{.number = kReadCurrent,
           .also = {kReadAllOfWindow, kReadSelectionOfWindow},
           .label = "Read Current&Text",
@@ -111,7 +111,10 @@ void MainDialog::AddCommands() {
         {{.number = kTextChanged}, &MainDialog::EvTextChanged},
         {{.number = kVoiceList}, &MainDialog::EvVoiceChosen},
     };
-    commands_.Add(*this, kRows);
+};
+
+void MainDialog::AddCommands() {
+    commands_.Add(*this, Rows::kAll);
     text_.AddCommands(commands_);
     playback_.AddCommands();
     commands_.AddRange(kRecentFile, kLastRecentFile, [this](int command) {
