@@ -26,7 +26,7 @@ WINDOWS = (
     (MAIN, None, "ctrl+o", "Locate File to Read Text dialog", "Files, Places, Cancel, Open"),
     (LOAD, None, "slash z Return", "alert Error", "OK"),
     (MAIN, None, "ctrl+alt+v", "Save File as dialog", "Name:, Create Folder, Places, Cancel, Save"),
-    (MAIN, None, "alt+t o", "Options dialog", "General, For whom, Format Settings, OK"),
+    (MAIN, None, "alt+t o", "Options dialog", "General, Choose Format, Format Settings, OK"),
     (OPTIONS, "Format Settings", "space", "Wave Encoder Options dialog", "OK"),
     (OPTIONS, "Choose Format", "Up", "MP3", None),
     (OPTIONS, "Format Settings", "space", "alert Information. MP3 Settings are", "OK"),
@@ -219,8 +219,8 @@ class ScreenReaderTest(DesktopCase):
         self.assertGreater(desktop.best_correlation(saved.channel(0)[part], expected, 1500), 0.9)
         self.select("words of another program")
         desktop.press_keys("ctrl+alt+k")
+        desktop.wait_until(lambda: self.spoken()[-1].endswith("words of another program"), "the words")
         self.card.next_stream()
-        self.assertTrue(self.spoken()[-1].endswith("words of another program"))
         desktop.press_keys("Escape")
         self.leave()
 
