@@ -172,6 +172,7 @@ class ScreenReaderTest(DesktopCase):
     def test_the_wizards_and_the_check_are_said(self):
         folder = tempfile.mkdtemp(dir=desktop.HOME)
         tree, machine = (os.path.join(folder, name) for name in ("tree", "machine"))
+        os.makedirs(os.path.join(machine, "opt"))
         subprocess.run(["cmake", "--install", desktop.BUILD], env={**os.environ, "DESTDIR": tree},
                        check=True, stdout=subprocess.DEVNULL)
         for option, rows in WIZARDS.items():
