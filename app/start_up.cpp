@@ -3,6 +3,7 @@
 #include <glib.h>
 #include <gtk/gtk.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -94,9 +95,9 @@ gboolean RunHandedOver(gpointer user) {
     target->waiting.pop_front();  // its start ends now
     target->inputs.Note(arguments);
     MainDialog& window = target->window;
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments)
-        pointers.push_back(argument.data());
+    std::vector<char*> pointers(arguments.size());
+    std::transform(arguments.begin(), arguments.end(), pointers.begin(),
+                   [](std::string& argument) { return argument.data(); });
     const int count = static_cast<int>(pointers.size());
     for (const char* word : {kInstall, kUninstall}) {
         if (IsFirst(word, count, pointers.data())) {
@@ -212,6 +213,30 @@ bool IsNamedSetup(const char* program) {
     return std::strstr(name, "setup") != nullptr;
 }
 
+// The one that the first argument asks for, else the window.
+int RunFirst(RunOnceSocket& socket) {
+    if (IsFirst(kInstall, gargc, gargv)) {
+        if (RunInstallWizard()) {
+            socket.Close();  // or the new one would hand over to this one
+            StartShellCommand(MachinePath("/usr/bin/lectora").c_str());
+        }
+        return 0;
+    }
+    if (IsFirst(kUninstall, gargc, gargv)) {
+        UninstallInWindow();
+        return 0;
+    }
+    if (IsFirst(kCheck, gargc, gargv)) {
+        RunMachineCheck(nullptr);
+        return 0;
+    }
+    if (gargc > 0 && IsNamedSetup(gargv[0])) {
+        MakeCorruptInstallBox();
+        return 0;
+    }
+    return RunFirstInstance(socket);
+}
+
 int RunProgram(int argc, char** argv) {
     gargc = argc;
     gargv = argv;
@@ -246,11 +271,10 @@ int RunProgram(int argc, char** argv) {
     std::vector<std::string> commandLine = TakeCommandLine(gargc, gargv);
     if (commandLine.empty() && gargc > 0)
         return 2;
-    std::vector<char*> pointers;
-    for (std::string& argument : commandLine)
-        pointers.push_back(argument.data());
-    gargc = static_cast<int>(pointers.size());
-    pointers.push_back(nullptr);
+    std::vector<char*> pointers(commandLine.size() + 1);  // the last ends the list
+    std::transform(commandLine.begin(), commandLine.end(), pointers.begin(),
+                   [](std::string& argument) { return argument.data(); });
+    gargc = static_cast<int>(commandLine.size());
     gargv = pointers.data();
     RunOnceSocket socket;
     switch (socket.ClaimPath(RunOnceSocket::DefaultPath(), commandLine)) {
@@ -264,28 +288,8 @@ int RunProgram(int argc, char** argv) {
             TellBusy(socket.BusyProcess());
             return 1;
         default:
-            break;
+            return RunFirst(socket);
     }
-    if (IsFirst(kInstall, gargc, gargv)) {
-        if (RunInstallWizard()) {
-            socket.Close();  // or the new one would hand over to this one
-            StartShellCommand(MachinePath("/usr/bin/lectora").c_str());
-        }
-        return 0;
-    }
-    if (IsFirst(kUninstall, gargc, gargv)) {
-        UninstallInWindow();
-        return 0;
-    }
-    if (IsFirst(kCheck, gargc, gargv)) {
-        RunMachineCheck(nullptr);
-        return 0;
-    }
-    if (gargc > 0 && IsNamedSetup(gargv[0])) {
-        MakeCorruptInstallBox();
-        return 0;
-    }
-    return RunFirstInstance(socket);
 }
 
 }  // namespace
