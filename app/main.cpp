@@ -1,4 +1,4 @@
-#include "app/start_up.h"
+#include "app/start/start_up.h"
 
 int main(int argc, char** argv) {
     return RunLectora(argc, argv);

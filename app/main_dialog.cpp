@@ -3,17 +3,17 @@
 #include <iterator>
 
 #include "app/commands/command_numbers.h"
-#include "app/help_links.h"
-#include "app/hot_key_store.h"
-#include "app/machine_check.h"
-#include "app/options_dialog.h"
-#include "app/recent_files.h"
+#include "app/help/help_links.h"
+#include "app/help/machine_check.h"
+#include "app/hotkeys/hot_key_store.h"
+#include "app/options/options_dialog.h"
+#include "app/process_arguments.h"
+#include "app/reading/speech_file.h"
 #include "app/settings_keys.h"
-#include "app/speech_file.h"
-#include "app/start_up.h"
+#include "app/text/recent_files.h"
 #include "app/window/window_layout.h"
 #include "gui/accessible.h"
-#include "gui/control_factory.h"
+#include "gui/controls/control_factory.h"
 
 namespace {
 

@@ -12,17 +12,17 @@
 #include "app/reading/dialogs/reading_status.h"
 #include "app/reading/dialogs/reading_troubles.h"
 #include "app/reading/dialogs/reading_wait_box.h"
+#include "app/reading/dialogs/voice_choice.h"
 #include "app/reading/narrator.h"
-#include "app/selection_watch.h"
+#include "app/text/selection_watch.h"
 #include "app/text/text_pane.h"
-#include "app/voice_choice.h"
 #include "app/window/first_moments.h"
 #include "app/window/keyboard_wait.h"
 #include "app/window/playback_commands.h"
 #include "app/window/presence.h"
 #include "desktop/desktop_shortcut.h"
 #include "gui/gui_timer.h"
-#include "gui/main_window.h"
+#include "gui/main_window/main_window.h"
 
 struct LayoutPlace;
 

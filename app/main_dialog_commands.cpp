@@ -2,8 +2,8 @@
 #include <gdk/gdkkeysyms.h>
 
 #include "app/commands/command_numbers.h"
-#include "app/help_links.h"
-#include "app/machine_check.h"
+#include "app/help/help_links.h"
+#include "app/help/machine_check.h"
 #include "app/main_dialog.h"
 #include "gui/icon_numbers.h"
 

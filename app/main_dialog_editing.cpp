@@ -3,8 +3,8 @@
 
 #include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
-#include "app/recent_files.h"
-#include "gui/message_box.h"
+#include "app/text/recent_files.h"
+#include "gui/windows/message_box.h"
 
 void MainDialog::OpenRecentFile(std::size_t number) {
     const std::vector<std::string> files = RecentFiles::List();

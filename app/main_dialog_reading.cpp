@@ -6,9 +6,9 @@
 
 #include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
-#include "app/save_speech.h"
+#include "app/saving/save_speech.h"
+#include "app/saving/suggested_name.h"
 #include "app/settings_keys.h"
-#include "app/suggested_name.h"
 #include "gui/icon_numbers.h"
 
 void MainDialog::Read(TextPane::Extent extent, const std::string& title) {

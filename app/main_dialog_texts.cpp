@@ -2,14 +2,14 @@
 #include <utility>
 
 #include "app/commands/command_numbers.h"
-#include "app/document_loading.h"
 #include "app/main_dialog.h"
-#include "app/recent_files.h"
-#include "app/save_text.h"
+#include "app/saving/save_text.h"
+#include "app/saving/suggested_name.h"
 #include "app/settings_keys.h"
-#include "app/suggested_name.h"
-#include "foundation/file.h"
-#include "gui/message_box.h"
+#include "app/text/document_loading.h"
+#include "app/text/recent_files.h"
+#include "foundation/files/file.h"
+#include "gui/windows/message_box.h"
 
 void MainDialog::FetchText(std::function<void(const std::string& text)> then) {
     const bool isAsked = selection_.Fetch([this, then = std::move(then)](const std::string& text) {

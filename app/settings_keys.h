@@ -1,7 +1,7 @@
 // The settings that this folder reads and writes.
 #pragma once
 
-#include "foundation/setting.h"
+#include "foundation/settings/setting.h"
 
 constexpr UserSetting<const char*> kOpenFolderSetting{"Settings", "OpenFileDir", ""};
 constexpr UserSetting<const char*> kSaveFolderSetting{"Settings", "SaveFileDir", ""};

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "foundation/settings_file.h"
+#include "foundation/settings/settings_file.h"
 
 namespace {
 

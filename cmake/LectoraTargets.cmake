@@ -1,15 +1,28 @@
-# lectora_library(NAME [LINK target...]): a static library of every *.cpp in the calling folder.
+# lectora_library(NAME [ROOMS folder...] [LINK target...]): a static library of every *.cpp in the calling folder and
+# those of its folders that are named as its rooms.
 # lectora_test(NAME [LINK target...] [DISPLAY] [SERIAL]): a GoogleTest program NAME_tests of every *.cpp in the
 # calling folder, its cases labelled NAME in CTest. DISPLAY runs each case in a private virtual desktop.
 
+# lectora_loners(source...): those that stand alone in builds that compile sources in groups, because they are for one
+# kind of processor or see the macros of Xlib ("Status").
+function(lectora_loners)
+    foreach(source IN LISTS ARGN)
+        file(STRINGS "${source}" xlib LIMIT_COUNT 1 REGEX "#include <(X11/|gdk/gdkx)")
+        if(xlib OR source MATCHES "kernels[^/]*$")
+            set_source_files_properties("${source}" PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+        endif()
+    endforeach()
+endfunction()
+
 function(lectora_library name)
-    cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "ROOMS;LINK" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+    foreach(room IN LISTS ARG_ROOMS)
+        file(GLOB in_room CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${room}/*.cpp")
+        list(APPEND sources ${in_room})
+    endforeach()
     add_library(${name} STATIC ${sources})
-    # Those for one kind of processor stand alone in builds that compile sources in groups.
-    set(kernels ${sources})
-    list(FILTER kernels INCLUDE REGEX "kernels[^/]*$")
-    set_source_files_properties(${kernels} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    lectora_loners(${sources})
     target_link_libraries(${name} PUBLIC lectora_options ${ARG_LINK})
 endfunction()
 

@@ -16,13 +16,13 @@
 #include "components/http_download.h"
 #include "components/settings_keys.h"
 #include "formats/mp3_component.h"
-#include "foundation/child_process.h"
-#include "foundation/file_io.h"
-#include "foundation/host_defaults.h"
-#include "foundation/hosts.h"
-#include "foundation/tcp_steps.h"
-#include "foundation/timed_poll.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/file_io.h"
+#include "foundation/files/unique_fd.h"
+#include "foundation/network/tcp_steps.h"
+#include "foundation/processes/child_process.h"
+#include "foundation/settings/host_defaults.h"
+#include "foundation/settings/hosts.h"
+#include "foundation/threads/timed_poll.h"
 
 namespace {
 

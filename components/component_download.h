@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "foundation/progress.h"
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/threads/progress.h"
 
 // message: what the installer said last, as a sentence for the user.
 LProcessResult ProcessDownloadComponent(LProgress& progress, const char* host, const char* name,

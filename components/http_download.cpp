@@ -15,11 +15,11 @@
 #include <vector>
 
 #include "formats/file_io.h"
-#include "foundation/flock_timed.h"
-#include "foundation/resolve.h"
-#include "foundation/tcp_steps.h"
-#include "foundation/text_buffer.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/flock_timed.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/files/unique_fd.h"
+#include "foundation/network/resolve.h"
+#include "foundation/network/tcp_steps.h"
 
 namespace {
 

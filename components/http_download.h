@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "foundation/progress.h"
+#include "foundation/threads/progress.h"
 
 constexpr std::int64_t kLargestDownload = std::int64_t{256} << 20;
 

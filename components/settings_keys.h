@@ -1,7 +1,7 @@
 // The settings that this folder reads.
 #pragma once
 
-#include "foundation/setting.h"
+#include "foundation/settings/setting.h"
 
 // The SHA-256 that the installer of a component must have; the key is the component's name.
 inline AdministratorSetting<const char*> ComponentSumSetting(const char* component) {

@@ -12,8 +12,8 @@
 #include <cerrno>
 #include <vector>
 
-#include "foundation/child_process.h"
-#include "foundation/file_io.h"
+#include "foundation/files/file_io.h"
+#include "foundation/processes/child_process.h"
 
 namespace {
 

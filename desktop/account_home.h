@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "desktop/user_accounts.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 
 // A home folder, held open. Paths are seen from it and begin without "/".
 class LHomeFolder {

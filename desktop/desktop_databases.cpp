@@ -5,8 +5,8 @@
 #include <string>
 
 #include "desktop/shell_words.h"
-#include "foundation/child_process.h"
-#include "foundation/machine_root.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/processes/child_process.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "desktop/account_home.h"
-#include "foundation/file_io.h"
-#include "foundation/machine_root.h"
+#include "foundation/files/file_io.h"
+#include "foundation/files/machine_root.h"
 
 namespace {
 

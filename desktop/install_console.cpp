@@ -7,7 +7,7 @@
 
 #include "desktop/installation.h"
 #include "desktop/uninstall_dialog.h"
-#include "foundation/end_signals.h"
+#include "foundation/threads/end_signals.h"
 
 namespace {
 

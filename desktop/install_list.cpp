@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <string_view>
 
-#include "foundation/file_io.h"
-#include "foundation/machine_root.h"
-#include "foundation/publish_file.h"
+#include "foundation/files/file_io.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/publish_file.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "foundation/machine_root.h"
+#include "foundation/files/machine_root.h"
 
 namespace fs = std::filesystem;
 

@@ -18,13 +18,14 @@
 #include "desktop/install_list.h"
 #include "desktop/start_on_login.h"
 #include "desktop/users_data.h"
-#include "foundation/file.h"
-#include "foundation/file_io.h"
-#include "foundation/lock_file.h"
-#include "foundation/machine_root.h"
-#include "foundation/publish_file.h"
-#include "foundation/settings.h"
-#include "foundation/text_buffer.h"
+#include "foundation/files/file.h"
+#include "foundation/files/file_io.h"
+#include "foundation/files/lock_file.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/publish_file.h"
+#include "foundation/files/settings_folders.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/settings/settings.h"
 
 namespace fs = std::filesystem;
 

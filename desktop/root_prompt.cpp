@@ -4,7 +4,7 @@
 
 #include "desktop/shell_words.h"
 #include "desktop/watched_command.h"
-#include "foundation/child_process.h"
+#include "foundation/processes/child_process.h"
 
 std::string RootPromptCommand(const std::vector<std::string>& words) {
     std::string command;

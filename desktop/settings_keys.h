@@ -1,7 +1,7 @@
 // The settings that this folder keeps.
 #pragma once
 
-#include "foundation/setting.h"
+#include "foundation/settings/setting.h"
 
 // Text, because an empty value counts as missing, and missing is on for the machine and off for a
 // user.

@@ -8,11 +8,11 @@
 
 #include "desktop/account_home.h"
 #include "desktop/settings_keys.h"
-#include "foundation/dat_file_native.h"
-#include "foundation/file_io.h"
-#include "foundation/machine_root.h"
+#include "foundation/files/file_io.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/text_buffer.h"
 #include "foundation/numbers.h"
-#include "foundation/text_buffer.h"
+#include "foundation/settings/dat_file_native.h"
 
 namespace {
 

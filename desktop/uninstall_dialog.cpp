@@ -1,6 +1,6 @@
 #include "desktop/uninstall_dialog.h"
 
-#include "foundation/hosts.h"
+#include "foundation/settings/hosts.h"
 
 bool UninstallDialog::Uninstall(LUninstallTalk& talk) {
     const std::string trouble = RemoveInstallation(talk.AskChoice());

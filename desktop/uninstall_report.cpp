@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/hosts.h"
-#include "foundation/resolve.h"
-#include "foundation/tcp_steps.h"
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/network/resolve.h"
+#include "foundation/network/tcp_steps.h"
+#include "foundation/settings/hosts.h"
 
 const LUninstallComment gUninstallComments[] = {
     {"NotUsed", "I don't use it very often", nullptr,

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/progress.h"
+#include "foundation/threads/progress.h"
 
 // One reason of the list. Null where it has no such text; the link is a page on the maker's site.
 struct LUninstallComment {

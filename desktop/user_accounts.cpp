@@ -7,9 +7,9 @@
 #include <charconv>
 #include <string_view>
 
-#include "foundation/file_readers.h"
-#include "foundation/machine_root.h"
-#include "foundation/text_buffer.h"
+#include "foundation/files/file_readers.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/text_buffer.h"
 
 namespace {
 

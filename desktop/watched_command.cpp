@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "foundation/file_io.h"
+#include "foundation/files/file_io.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "foundation/child_process.h"
-#include "foundation/progress.h"
+#include "foundation/processes/child_process.h"
+#include "foundation/threads/progress.h"
 
 // One run of one command. One thread.
 class LWatchedCommand {

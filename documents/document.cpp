@@ -15,9 +15,9 @@
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
 #include "documents/zip_document.h"
-#include "foundation/file_io.h"
-#include "foundation/flock_timed.h"
-#include "foundation/text_file.h"
+#include "foundation/files/file_io.h"
+#include "foundation/files/flock_timed.h"
+#include "foundation/files/text_file.h"
 
 namespace {
 

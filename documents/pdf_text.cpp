@@ -8,7 +8,7 @@
 #include "documents/program_output.h"
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
-#include "foundation/child_process.h"
+#include "foundation/processes/child_process.h"
 
 namespace {
 

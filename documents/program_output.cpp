@@ -9,9 +9,9 @@
 #include <cerrno>
 
 #include "documents/small_texts.h"
-#include "foundation/child_process.h"
-#include "foundation/file_io.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/file_io.h"
+#include "foundation/files/unique_fd.h"
+#include "foundation/processes/child_process.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // The header of dictation files: a version, notes and attachments in front of the audio.
 #pragma once
 
-#include "foundation/file_readers.h"
-#include "foundation/text_buffer.h"
+#include "foundation/files/file_readers.h"
+#include "foundation/files/text_buffer.h"
 
 // True when the header at the file's position is valid; the file then stands behind it, otherwise
 // wherever the walk stopped. Unless quiet, the text is emptied and receives a description in lines

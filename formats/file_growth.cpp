@@ -10,7 +10,7 @@
 #include <string>
 
 #include "formats/file_io.h"
-#include "foundation/timed_poll.h"
+#include "foundation/threads/timed_poll.h"
 
 namespace {
 

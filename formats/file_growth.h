@@ -4,8 +4,8 @@
 #include <chrono>
 #include <cstdint>
 
-#include "foundation/signal_object.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
+#include "foundation/threads/signal_object.h"
 
 // Tells when the file has changed, without looking at the disk over and over, and when nobody
 // writes it any more. Sinks hold a shared lock on their file; writers that do not are taken for

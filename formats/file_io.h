@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "foundation/file_io.h"
+#include "foundation/files/file_io.h"
 
 // Opens or creates (mode 0666 less the mask of the start) a file for reading and writing, without
 // truncating it, and takes a shared advisory lock that is not waited for. Not open on failure,

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "formats/sample_formats.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 #include "sound/sound_source.h"
 
 constexpr int kUnknownLength = -1;                   // frames

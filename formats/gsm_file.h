@@ -7,7 +7,7 @@
 
 #include "formats/gsm_decoder.h"
 #include "formats/gsm_encoder.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 

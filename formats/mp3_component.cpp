@@ -8,10 +8,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "foundation/file.h"
-#include "foundation/machine_root.h"
-#include "foundation/text_buffer.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/file.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/files/unique_fd.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "formats/mp3_component.h"
 #include "formats/pipe16_sink.h"
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "formats/sample_formats.h"
-#include "foundation/pipes.h"
+#include "foundation/processes/pipes.h"
 #include "sound/sound_sink.h"
 
 // The process must block or ignore SIGPIPE: a command that ends early then only shows in

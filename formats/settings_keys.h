@@ -1,7 +1,7 @@
 // The settings that this folder and its dialogs keep.
 #pragma once
 
-#include "foundation/setting.h"
+#include "foundation/settings/setting.h"
 
 constexpr UserSetting<int> kWavFormatPresetSetting{"Settings", "WavFormatPreset", 0};
 

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "formats/vox_codec.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "formats/wave_format.h"
-#include "foundation/signal_object.h"
+#include "foundation/threads/signal_object.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 

@@ -6,9 +6,9 @@
 
 #include "formats/file_io.h"
 #include "formats/whole_file.h"
-#include "foundation/file_mask.h"
-#include "foundation/log.h"
-#include "foundation/machine_root.h"
+#include "foundation/files/file_mask.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/log/log.h"
 
 LWaveFileFormat::LWaveFileFormat(int rate, unsigned char channelCount, const char* name)
     : tag(kWaveTagPcm), channels(channelCount), bitsPerSample(16) {

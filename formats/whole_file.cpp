@@ -13,9 +13,9 @@
 #include <set>
 #include <string_view>
 
-#include "foundation/file_mask.h"
-#include "foundation/folder_iterator.h"
-#include "foundation/publish_file.h"
+#include "foundation/files/file_mask.h"
+#include "foundation/files/folder_iterator.h"
+#include "foundation/files/publish_file.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 
 // The content is written, by whoever, under a temporary name in the same folder, hidden and without
 // the extension of a sound file. An existing device is written to directly. A file that is replaced

@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "foundation/dat_file_native.h"
-#include "foundation/text_file.h"
+#include "foundation/files/text_file.h"
+#include "foundation/settings/dat_file_native.h"
 #include "fuzz/fuzz_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

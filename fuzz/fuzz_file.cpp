@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 
 namespace {
 

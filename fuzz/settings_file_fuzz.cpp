@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "foundation/settings_file.h"
+#include "foundation/settings/settings_file.h"
 #include "fuzz/fuzz_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
 
 // Valid UTF-8 without NUL is returned unchanged. Otherwise bytes that are not UTF-8 are taken as
 // ISO-8859-1 characters and NUL bytes become U+FFFD, so that nothing vanishes silently.

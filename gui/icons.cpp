@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "foundation/machine_root.h"
+#include "foundation/files/machine_root.h"
 #include "foundation/owned_text.h"
 
 namespace {

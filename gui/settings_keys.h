@@ -1,7 +1,7 @@
 // The settings that this folder keeps.
 #pragma once
 
-#include "foundation/setting.h"
+#include "foundation/settings/setting.h"
 
 // Set once the program has run.
 constexpr UserSetting<bool> kInstalledSetting{"Settings", "Installed", false};

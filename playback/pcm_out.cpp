@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "foundation/timed_poll.h"
+#include "foundation/threads/timed_poll.h"
 #include "playback/alsa_card.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
 #include "playback/alsa_card.h"
 
 namespace {

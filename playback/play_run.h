@@ -23,7 +23,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/thread.h"
+#include "foundation/threads/thread.h"
 #include "playback/block_ring.h"
 #include "playback/card_clock.h"
 #include "playback/pcm_out.h"

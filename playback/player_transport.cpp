@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
 #include "playback/settings_keys.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/setting.h"
+#include "foundation/settings/setting.h"
 
 constexpr UserSetting<const char*> kPlayerDevice{"Player", "Device", "default"};
 constexpr UserSetting<int> kPlayerVolume{"Player", "VolumeDB", 0};  // decibels

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "foundation/detached_thread.h"
+#include "foundation/threads/detached_thread.h"
 #include "playback/alsa_card.h"
 #include "playback/pcm_out.h"
 

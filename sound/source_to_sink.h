@@ -1,8 +1,8 @@
 // Pumps a source into a sink, telling a progress object how far it got.
 #pragma once
 
-#include "foundation/process_result.h"
-#include "foundation/progress.h"
+#include "foundation/processes/process_result.h"
+#include "foundation/threads/progress.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 

@@ -3,7 +3,7 @@
 #include <signal.h>
 #include <time.h>
 
-#include "foundation/file_io.h"
+#include "foundation/files/file_io.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <iterator>
 
-#include "foundation/machine_root.h"
+#include "foundation/files/machine_root.h"
 #include "speech/voice_charset.h"
 
 namespace {

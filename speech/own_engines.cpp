@@ -11,9 +11,9 @@
 #include <memory>
 #include <optional>
 
-#include "foundation/log.h"
-#include "foundation/machine_root.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/unique_fd.h"
+#include "foundation/log/log.h"
 #include "speech/shell_word.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <limits>
 #include <thread>
 
-#include "foundation/log.h"
+#include "foundation/log/log.h"
 #include "speech/voices.h"
 
 namespace {

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/progress.h"
+#include "foundation/threads/progress.h"
 #include "sound/sound_source.h"
 #include "speech/speech_pieces.h"
 #include "speech/synthesis.h"

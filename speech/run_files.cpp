@@ -12,7 +12,7 @@
 #include <set>
 #include <string_view>
 
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <cerrno>
 
 #include "formats/wave_file.h"
-#include "foundation/file_io.h"
-#include "foundation/log.h"
+#include "foundation/files/file_io.h"
+#include "foundation/log/log.h"
 #include "sound/convert.h"
 #include "speech/reading_source.h"
 #include "speech/run_files.h"

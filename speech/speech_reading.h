@@ -16,8 +16,8 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/progress.h"
-#include "foundation/thread.h"
+#include "foundation/threads/progress.h"
+#include "foundation/threads/thread.h"
 #include "sound/sound_source.h"
 #include "speech/piece_runs.h"
 #include "speech/speech_pieces.h"

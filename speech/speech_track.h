@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-#include "foundation/signal_object.h"
+#include "foundation/threads/signal_object.h"
 
 // A stretch of the user's text (bytes) and its sound (frames).
 struct SpokenStretch {

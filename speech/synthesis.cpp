@@ -16,10 +16,10 @@
 #include <utility>
 
 #include "formats/wave_file.h"
-#include "foundation/child_process.h"
-#include "foundation/file.h"
-#include "foundation/log.h"
-#include "foundation/text_file.h"
+#include "foundation/files/file.h"
+#include "foundation/files/text_file.h"
+#include "foundation/log/log.h"
+#include "foundation/processes/child_process.h"
 #include "speech/festival_voices.h"
 #include "speech/run_files.h"
 #include "speech/text_preparation.h"

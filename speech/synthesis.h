@@ -10,9 +10,9 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/process_result.h"
-#include "foundation/progress.h"
-#include "foundation/signal_object.h"
+#include "foundation/processes/process_result.h"
+#include "foundation/threads/progress.h"
+#include "foundation/threads/signal_object.h"
 #include "sound/sound_source.h"
 #include "speech/speech_engines.h"
 #include "speech/voice_table.h"

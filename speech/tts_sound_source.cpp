@@ -9,9 +9,9 @@
 #include <cstdio>
 #include <thread>
 
-#include "foundation/file.h"
-#include "foundation/ticks.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/file.h"
+#include "foundation/files/unique_fd.h"
+#include "foundation/threads/ticks.h"
 
 namespace {
 

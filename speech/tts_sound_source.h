@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
-#include "foundation/process_result.h"
-#include "foundation/text_buffer.h"
-#include "foundation/thread.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/processes/process_result.h"
+#include "foundation/threads/thread.h"
 #include "sound/sound_source.h"
 #include "speech/speech_reading.h"
 #include "speech/synthesis.h"

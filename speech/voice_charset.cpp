@@ -11,8 +11,8 @@
 #include <string>
 #include <system_error>
 
-#include "foundation/machine_root.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/unique_fd.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <chrono>
 
-#include "foundation/pipes.h"
+#include "foundation/processes/pipes.h"
 #include "speech/engine_input.h"
 #include "speech/voice_table.h"
 

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "foundation/progress.h"
-#include "foundation/thread.h"
+#include "foundation/threads/progress.h"
+#include "foundation/threads/thread.h"
 #include "speech/speech_engines.h"
 
 class LPipeInOut;

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <mutex>
 
-#include "foundation/setting.h"
+#include "foundation/settings/setting.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <iterator>
 #include <thread>
 
-#include "foundation/pipes.h"
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/processes/pipes.h"
 #include "speech/engine_input.h"
 #include "speech/festival_voices.h"
 #include "speech/voice_table.h"

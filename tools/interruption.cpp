@@ -2,7 +2,7 @@
 
 #include <initializer_list>
 
-#include "foundation/end_signals.h"
+#include "foundation/threads/end_signals.h"
 
 namespace {
 

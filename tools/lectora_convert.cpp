@@ -1,5 +1,5 @@
 // lectora-convert: converts sound files. One process a file, with nothing shared.
-#include "foundation/standard_streams.h"
+#include "foundation/files/standard_streams.h"
 #include "tools/convert_run.h"
 #include "tools/interruption.h"
 

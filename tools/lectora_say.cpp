@@ -1,5 +1,5 @@
 // lectora-say: speaks texts into sound files. One process a file, with nothing shared.
-#include "foundation/standard_streams.h"
+#include "foundation/files/standard_streams.h"
 #include "tools/interruption.h"
 #include "tools/say_run.h"
 

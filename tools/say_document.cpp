@@ -4,7 +4,7 @@
 
 #include <cerrno>
 
-#include "foundation/text_file.h"
+#include "foundation/files/text_file.h"
 #include "tools/interruption.h"
 #include "tools/tool_texts.h"
 

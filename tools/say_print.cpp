@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "foundation/file_io.h"
+#include "foundation/files/file_io.h"
 #include "speech/character_tables.h"
 #include "speech/sentences.h"
 #include "speech/text_preparation.h"

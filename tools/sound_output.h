@@ -6,7 +6,7 @@
 
 #include "formats/sound_types.h"
 #include "formats/whole_file.h"
-#include "foundation/progress.h"
+#include "foundation/threads/progress.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 #include "sound/source_to_sink.h"

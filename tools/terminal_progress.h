@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/progress.h"
+#include "foundation/threads/progress.h"
 
 // On standard error, shown only where that is a terminal; stopped by an
 // interruption. One at a time.

@@ -1,5 +1,5 @@
 // The numbers of the main window's controls, and of what its user can ask for. The toolkit's own
-// commands are in gui/window.h.
+// commands are in gui/windows/window.h.
 #pragma once
 
 // Controls; a button's number is its command too.

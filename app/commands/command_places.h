@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "app/commands/command_set.h"
-#include "gui/main_window.h"
-#include "gui/popup_menu.h"
+#include "gui/main_window/main_window.h"
 #include "gui/widgets/explorer_bar.h"
+#include "gui/windows/popup_menu.h"
 
 // GUI thread.
 class CommandPlaces {

@@ -5,7 +5,7 @@
 #include <array>
 #include <string>
 
-#include "gui/key_map.h"
+#include "gui/menus/key_map.h"
 
 // What must be there for a command to act; joined by "|".
 using CommandNeeds = unsigned;

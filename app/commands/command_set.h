@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "app/commands/command_row.h"
-#include "gui/action.h"
+#include "gui/menus/action.h"
 
 // GUI thread. Everything is added before the first question.
 class CommandSet {

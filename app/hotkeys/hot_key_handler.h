@@ -5,7 +5,7 @@
 
 #include <forward_list>
 
-#include "gui/key_map.h"
+#include "gui/menus/key_map.h"
 
 // False: without Ctrl, Alt or Super it is a key that is typed with, which no other program would
 // get any more. Function keys are typed with nowhere.

@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "app/hot_key_store.h"
 #include "app/hotkeys/hot_key_handler.h"
+#include "app/hotkeys/hot_key_store.h"
 #include "app/settings_keys.h"
-#include "gui/message_box.h"
+#include "gui/windows/message_box.h"
 
 namespace {
 

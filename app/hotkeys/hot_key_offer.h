@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "app/window/keyboard_wait.h"
-#include "gui/window.h"
+#include "gui/windows/window.h"
 
 // GUI thread. The question goes with this object.
 class HotKeyOffer {

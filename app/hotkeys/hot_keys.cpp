@@ -1,6 +1,6 @@
 #include "app/hotkeys/hot_keys.h"
 
-#include "app/hot_key_store.h"
+#include "app/hotkeys/hot_key_store.h"
 
 namespace {
 

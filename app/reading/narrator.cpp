@@ -4,7 +4,7 @@
 #include <cassert>
 #include <utility>
 
-#include "foundation/log.h"
+#include "foundation/log/log.h"
 #include "speech/voice_table.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <charconv>
 
 #include "app/settings_keys.h"
-#include "foundation/private_file.h"
+#include "foundation/files/private_file.h"
 
 namespace {
 

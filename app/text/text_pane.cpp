@@ -6,7 +6,7 @@
 
 #include "app/commands/command_numbers.h"
 #include "gui/accessible.h"
-#include "gui/control_factory.h"
+#include "gui/controls/control_factory.h"
 #include "gui/display_text.h"
 
 TextPane::TextPane(Listener listener)

@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "app/commands/command_set.h"
-#include "app/spoken_highlight.h"
 #include "app/text/drop_target.h"
 #include "app/text/find_bar.h"
 #include "app/text/kept_text.h"
 #include "app/text/long_lines.h"
 #include "app/text/original_text.h"
+#include "app/text/spoken_highlight.h"
 #include "app/text/text_history.h"
 #include "app/text/text_size.h"
 

@@ -6,8 +6,8 @@
 
 #include "gui/gui_timer.h"
 #include "gui/signal_owner.h"
-#include "gui/splash_screen.h"
-#include "gui/window.h"
+#include "gui/windows/splash_screen.h"
+#include "gui/windows/window.h"
 
 // GUI thread. What comes over the window comes after it; the splash screen goes as soon as the user
 // does something or a dialog comes, which it would lie over.

@@ -4,7 +4,7 @@
 
 #include "app/settings_keys.h"
 #include "gui/icon_numbers.h"
-#include "gui/message_box.h"
+#include "gui/windows/message_box.h"
 
 Presence::Presence(LMainWindow& window, int tipControl, Ways ways)
     : window_(window),

@@ -5,8 +5,8 @@
 #include <functional>
 
 #include "app/window/tray_icon.h"
-#include "gui/main_window.h"
-#include "gui/timer_handler.h"
+#include "gui/main_window/main_window.h"
+#include "gui/windows/timer_handler.h"
 
 // GUI thread.
 class Presence : private LTimerHandler {

@@ -11,10 +11,10 @@
 #include "desktop/root_prompt.h"
 #include "desktop/user_accounts.h"
 #include "desktop/watched_command.h"
-#include "foundation/machine_root.h"
+#include "foundation/files/machine_root.h"
 #include "gui/accessible.h"
-#include "gui/dialog_gen_context.h"
-#include "gui/message_box.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/message_box.h"
 
 namespace {
 

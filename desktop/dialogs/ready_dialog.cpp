@@ -7,9 +7,9 @@
 #include "desktop/root_prompt.h"
 #include "desktop/watched_command.h"
 #include "gui/accessible.h"
-#include "gui/dialog_gen_context.h"
-#include "gui/message_box.h"
-#include "gui/progress_dialog.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/message_box.h"
+#include "gui/windows/progress_dialog.h"
 
 namespace {
 

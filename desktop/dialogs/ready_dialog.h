@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "gui/dialog.h"
+#include "gui/windows/dialog.h"
 
 // What the application knows about the machine. GUI thread.
 class LReadiness {

@@ -1,7 +1,7 @@
 #include "desktop/dialogs/start_on_login_controls.h"
 
 #include "desktop/start_on_login.h"
-#include "gui/message_box.h"
+#include "gui/windows/message_box.h"
 
 void LAutoRunSettingsInit(LWindow& dialog, int checkId, int listId) {
     const StartOnLoginPage page = LoadStartOnLogin();

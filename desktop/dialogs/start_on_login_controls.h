@@ -1,7 +1,7 @@
 // The two controls of the options that choose the start on login.
 #pragma once
 
-#include "gui/window.h"
+#include "gui/windows/window.h"
 
 // Fills the check box and the drop-down list from what is kept. GUI thread.
 void LAutoRunSettingsInit(LWindow& dialog, int checkId, int listId);

@@ -1,11 +1,11 @@
 #include "desktop/dialogs/uninstall_comment_page.h"
 
 #include "desktop/uninstall_report.h"
-#include "foundation/hosts.h"
+#include "foundation/settings/hosts.h"
 #include "gui/accessible.h"
-#include "gui/dialog_gen_context.h"
-#include "gui/progress_dialog.h"
 #include "gui/widgets/hyper_link.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/progress_dialog.h"
 
 namespace {
 

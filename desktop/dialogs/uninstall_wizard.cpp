@@ -1,8 +1,8 @@
 #include "desktop/dialogs/uninstall_wizard.h"
 
 #include "desktop/dialogs/uninstall_comment_page.h"
-#include "gui/dialog_gen_context.h"
-#include "gui/message_box.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/message_box.h"
 
 namespace {
 

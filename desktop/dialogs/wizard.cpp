@@ -1,10 +1,10 @@
 #include "desktop/dialogs/wizard.h"
 
 #include "gui/accessible.h"
-#include "gui/dialog_frame.h"
-#include "gui/dialog_gen_context.h"
 #include "gui/display_text.h"
 #include "gui/minimum_size.h"
+#include "gui/windows/dialog_frame.h"
+#include "gui/windows/dialog_gen_context.h"
 
 namespace {
 

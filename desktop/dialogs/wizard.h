@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "gui/dialog.h"
 #include "gui/gobject_ref.h"
+#include "gui/windows/dialog.h"
 
 class LWizard;
 

@@ -1,7 +1,7 @@
 // Rate and channels of AIFF files, kept in the user settings.
 #pragma once
 
-#include "gui/dialog.h"
+#include "gui/windows/dialog.h"
 
 class LAIFFSettingsDlg final : public LDialog {
 public:

@@ -1,7 +1,7 @@
 // "Au Encoder Options": encoding, rate and channels of AU files, kept in the user settings.
 #pragma once
 
-#include "gui/dialog.h"
+#include "gui/windows/dialog.h"
 
 class LAuSettingsDlg final : public LDialog {
 public:

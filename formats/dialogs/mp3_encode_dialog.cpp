@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "gui/dialog_gen_context.h"
-#include "gui/message_box.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/message_box.h"
 
 namespace {
 

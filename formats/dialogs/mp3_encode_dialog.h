@@ -2,7 +2,7 @@
 #pragma once
 
 #include "formats/mp3_settings.h"
-#include "gui/dialog.h"
+#include "gui/windows/dialog.h"
 
 // Nothing in the program opens it: MP3 settings are changed in the settings store.
 class LMP3EncodeDlg final : public LDialog {

@@ -5,7 +5,7 @@
 #include "formats/dialogs/standard_lists.h"
 #include "formats/settings_keys.h"
 #include "formats/wave_format.h"
-#include "gui/dialog_gen_context.h"
+#include "gui/windows/dialog_gen_context.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "formats/raw_file.h"
-#include "gui/dialog.h"
+#include "gui/windows/dialog.h"
 
 class LRawSettingsDialog final : public LDialog {
 public:

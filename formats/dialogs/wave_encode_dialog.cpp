@@ -6,7 +6,7 @@
 #include "formats/dialogs/standard_lists.h"
 #include "formats/settings_keys.h"
 #include "formats/wave_file.h"
-#include "gui/dialog_gen_context.h"
+#include "gui/windows/dialog_gen_context.h"
 
 namespace {
 

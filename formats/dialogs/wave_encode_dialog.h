@@ -2,7 +2,7 @@
 #pragma once
 
 #include "formats/wave_format.h"
-#include "gui/dialog.h"
+#include "gui/windows/dialog.h"
 
 // Shown by LWaveFile::WaveFormatSelectDialog. The preset is remembered in the user settings. GUI
 // thread, GDK lock held.

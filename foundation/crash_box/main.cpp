@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "foundation/browser.h"
-#include "foundation/bug_report.h"
-#include "foundation/machine_root.h"
-#include "foundation/standard_streams.h"
+#include "foundation/crash/bug_report.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/standard_streams.h"
+#include "foundation/processes/browser.h"
 
 namespace {
 

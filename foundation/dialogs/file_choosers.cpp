@@ -8,16 +8,16 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/file.h"
-#include "foundation/file_mask.h"
-#include "foundation/machine_root.h"
+#include "foundation/files/file.h"
+#include "foundation/files/file_mask.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/path_text.h"
 #include "foundation/owned_text.h"
-#include "foundation/path_text.h"
 #include "gui/display_text.h"
 #include "gui/gui_timer.h"
 #include "gui/icons.h"
-#include "gui/message_box.h"
 #include "gui/parent_window.h"
+#include "gui/windows/message_box.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "foundation/signal_object.h"
+#include "foundation/threads/signal_object.h"
 
 // GUI thread. One wait at a time; it ends with this object.
 class LSignalWatch {

@@ -7,7 +7,7 @@
 
 #include "foundation/gdk/gdk_lock.h"
 #include "gui/gtk_children.h"
-#include "gui/window.h"
+#include "gui/windows/window.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "foundation/browser.h"
+#include "foundation/processes/browser.h"
 #include "gui/accessible.h"
 #include "gui/display_text.h"
 #include "gui/widgets/theme_paint.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "gui/message_box.h"
+#include "gui/windows/message_box.h"
 #include "playback/alsa_card.h"
 
 void LSoundPlayDeviceInit(LWindow& dialog, int controlId, LSoundPlayDevice device) {

@@ -3,7 +3,7 @@
 
 #include <gtk/gtk.h>
 
-#include "gui/window.h"
+#include "gui/windows/window.h"
 #include "playback/play_device.h"
 
 // Fills the pull-down list with "Default Sound Device", the name of every card that has one, and

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "gui/inter_win_message.h"
-#include "gui/key_dialog.h"
+#include "gui/windows/inter_win_message.h"
+#include "gui/windows/key_dialog.h"
 #include "playback/dialogs/wave_window.h"
 #include "playback/player_transport.h"
 

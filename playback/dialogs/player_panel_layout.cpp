@@ -5,8 +5,8 @@
 #include <initializer_list>
 
 #include "gui/accessible.h"
-#include "gui/dialog_gen_context.h"
 #include "gui/gtk_children.h"
+#include "gui/windows/dialog_gen_context.h"
 #include "playback/dialogs/player_panel.h"
 #include "playback/dialogs/player_panel_ids.h"
 #include "playback/dialogs/wave_window.h"

@@ -6,8 +6,8 @@
 #include <mutex>
 
 #include "foundation/gdk/queued_notify.h"
-#include "foundation/signal_object.h"
-#include "foundation/thread.h"
+#include "foundation/threads/signal_object.h"
+#include "foundation/threads/thread.h"
 #include "gui/gui_timer.h"
 #include "gui/widgets/paint_control.h"
 #include "playback/dialogs/play_glide.h"

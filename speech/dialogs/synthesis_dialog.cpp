@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "gui/message_box.h"
-#include "gui/progress_dialog.h"
+#include "gui/windows/message_box.h"
+#include "gui/windows/progress_dialog.h"
 
 bool ProcessDialogRun(GtkWidget* parent, LTTS& request) {
     constexpr const char* kTitle = "Synthesize Voice";

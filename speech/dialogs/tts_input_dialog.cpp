@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "gui/accessible.h"
-#include "gui/dialog_gen_context.h"
+#include "gui/windows/dialog_gen_context.h"
 #include "speech/dialogs/synthesis_dialog.h"
 #include "speech/voice_table.h"
 #include "speech/voices.h"

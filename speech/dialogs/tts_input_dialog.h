@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "gui/dialog.h"
+#include "gui/windows/dialog.h"
 
 class LTTSInputDialog final : public LDialog {
 public:

@@ -1,9 +1,9 @@
-#include "app/command_line.h"
+#include "app/start/command_line.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "foundation/child_process.h"
+#include "foundation/processes/child_process.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
 

@@ -1,8 +1,8 @@
-#include "app/hot_key_store.h"
+#include "app/hotkeys/hot_key_store.h"
 
 #include <gtest/gtest.h>
 
-#include "foundation/settings_record.h"
+#include "foundation/settings/settings_record.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "app/run_once.h"
+#include "app/start/run_once.h"
 
 #include <gmock/gmock.h>
 #include <poll.h>
@@ -11,7 +11,7 @@
 #include <future>
 #include <thread>
 
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {

@@ -8,10 +8,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-#include "foundation/child_process.h"
-#include "foundation/hosts.h"
-#include "foundation/settings.h"
-#include "foundation/settings_keys.h"
+#include "foundation/processes/child_process.h"
+#include "foundation/settings/hosts.h"
+#include "foundation/settings/settings.h"
+#include "foundation/settings/settings_keys.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/signals.h"
 

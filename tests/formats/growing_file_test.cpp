@@ -7,8 +7,8 @@
 #include <thread>
 
 #include "formats/wave_file.h"
-#include "foundation/file_io.h"
-#include "foundation/progress.h"
+#include "foundation/files/file_io.h"
+#include "foundation/threads/progress.h"
 #include "sound/source_to_sink.h"
 #include "tests/formats/format_files.h"
 #include "tests/support/memory_sound.h"

@@ -5,9 +5,9 @@
 #include <chrono>
 #include <vector>
 
-#include "foundation/bug_report.h"
-#include "foundation/child_process.h"
-#include "foundation/hang_detector.h"
+#include "foundation/crash/bug_report.h"
+#include "foundation/crash/hang_detector.h"
+#include "foundation/processes/child_process.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {

@@ -1,12 +1,12 @@
-#include "foundation/dat_file.h"
+#include "foundation/settings/dat_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <ctime>
 
-#include "foundation/dat_file_native.h"
-#include "foundation/ticks.h"
+#include "foundation/settings/dat_file_native.h"
+#include "foundation/threads/ticks.h"
 #include "tests/support/forked.h"
 #include "tests/support/log_witness.h"
 #include "tests/support/scratch_folder.h"

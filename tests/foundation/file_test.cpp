@@ -1,4 +1,4 @@
-#include "foundation/file.h"
+#include "foundation/files/file.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -7,12 +7,12 @@
 
 #include <set>
 
-#include "foundation/file_readers.h"
-#include "foundation/folder_iterator.h"
-#include "foundation/lock_file.h"
-#include "foundation/machine_root.h"
-#include "foundation/publish_file.h"
-#include "foundation/text_file.h"
+#include "foundation/files/file_readers.h"
+#include "foundation/files/folder_iterator.h"
+#include "foundation/files/lock_file.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/publish_file.h"
+#include "foundation/files/text_file.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
 

@@ -1,4 +1,4 @@
-#include "foundation/log.h"
+#include "foundation/log/log.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "foundation/child_process.h"
+#include "foundation/processes/child_process.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
 

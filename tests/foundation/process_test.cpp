@@ -8,10 +8,10 @@
 #include <chrono>
 #include <string>
 
-#include "foundation/browser.h"
-#include "foundation/hosts.h"
-#include "foundation/pipes.h"
-#include "foundation/settings_keys.h"
+#include "foundation/processes/browser.h"
+#include "foundation/processes/pipes.h"
+#include "foundation/settings/hosts.h"
+#include "foundation/settings/settings_keys.h"
 #include "tests/support/eventually.h"
 #include "tests/support/scratch_folder.h"
 

@@ -10,9 +10,9 @@
 #include <sstream>
 #include <thread>
 
-#include "foundation/dat_file.h"
-#include "foundation/dat_file_native.h"
-#include "foundation/settings.h"
+#include "foundation/settings/dat_file.h"
+#include "foundation/settings/dat_file_native.h"
+#include "foundation/settings/settings.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
 

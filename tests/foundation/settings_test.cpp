@@ -1,4 +1,4 @@
-#include "foundation/settings.h"
+#include "foundation/settings/settings.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -11,10 +11,10 @@
 #include <functional>
 #include <vector>
 
-#include "foundation/flock_timed.h"
-#include "foundation/setting.h"
-#include "foundation/settings_record.h"
-#include "foundation/unique_fd.h"
+#include "foundation/files/flock_timed.h"
+#include "foundation/files/unique_fd.h"
+#include "foundation/settings/setting.h"
+#include "foundation/settings/settings_record.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
 

@@ -1,12 +1,12 @@
 // What the stores take for theirs, whatever others have put there.
 
-#include "foundation/store_file.h"
+#include "foundation/files/store_file.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "foundation/settings_file.h"
+#include "foundation/settings/settings_file.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"
 

@@ -5,8 +5,8 @@
 #include <functional>
 #include <future>
 
-#include "foundation/resolve.h"
-#include "foundation/tcp_steps.h"
+#include "foundation/network/resolve.h"
+#include "foundation/network/tcp_steps.h"
 #include "tests/support/loopback_peer.h"
 
 namespace {

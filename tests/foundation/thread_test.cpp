@@ -1,4 +1,4 @@
-#include "foundation/thread.h"
+#include "foundation/threads/thread.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 #include <functional>
 #include <thread>
 
-#include "foundation/detached_thread.h"
-#include "foundation/progress.h"
+#include "foundation/threads/detached_thread.h"
+#include "foundation/threads/progress.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "gui/cool_button.h"
 #include "gui/gtk_children.h"
+#include "gui/widgets/cool_button.h"
 #include "gui/widgets/db_display.h"
 #include "gui/widgets/db_edit.h"
 #include "gui/widgets/explorer_bar.h"

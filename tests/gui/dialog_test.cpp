@@ -1,10 +1,10 @@
 // Building and running dialogs and property sheets.
 #include <gmock/gmock.h>
 
-#include "gui/bubble_tip.h"
 #include "gui/gtk_children.h"
-#include "gui/message_box.h"
-#include "gui/property_sheet.h"
+#include "gui/windows/bubble_tip.h"
+#include "gui/windows/message_box.h"
+#include "gui/windows/property_sheet.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "formats/dialogs/mp3_encode_dialog.h"
 #include "formats/dialogs/raw_settings_dialog.h"
 #include "formats/dialogs/wave_encode_dialog.h"
-#include "foundation/settings.h"
+#include "foundation/settings/settings.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

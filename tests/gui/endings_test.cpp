@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "gui/gtk_children.h"
-#include "gui/key_dialog.h"
-#include "gui/popup_menu.h"
-#include "gui/tool_bar.h"
+#include "gui/main_window/tool_bar.h"
 #include "gui/widgets/db_edit.h"
+#include "gui/windows/key_dialog.h"
+#include "gui/windows/popup_menu.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "foundation/gdk/gdk_lock.h"
-#include "gui/dialog.h"
-#include "gui/dialog_gen_context.h"
 #include "gui/gtk_children.h"
+#include "gui/windows/dialog.h"
+#include "gui/windows/dialog_gen_context.h"
 #include "tests/support/window/main_loop.h"
 
 // Actions performed one after the other from timeouts, inside whatever main loop is running then.

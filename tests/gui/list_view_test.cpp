@@ -3,10 +3,10 @@
 
 #include <filesystem>
 
-#include "foundation/machine_root.h"
-#include "foundation/settings.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/settings/settings.h"
+#include "gui/controls/list_view_store.h"
 #include "gui/icon_numbers.h"
-#include "gui/list_view_store.h"
 #include "tests/gui/gui_fixtures.h"
 #include "tests/support/scratch_folder.h"
 

@@ -1,9 +1,9 @@
 // The main window: placement, free layout, keys, hiding.
 #include <gtest/gtest.h>
 
-#include "foundation/settings.h"
-#include "gui/control_factory.h"
-#include "gui/main_window.h"
+#include "foundation/settings/settings.h"
+#include "gui/controls/control_factory.h"
+#include "gui/main_window/main_window.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

@@ -1,12 +1,12 @@
 // Menus, tool bars and keys: what is found, and what reaches the window.
 #include <gmock/gmock.h>
 
-#include "gui/action.h"
 #include "gui/content_box.h"
 #include "gui/gtk_children.h"
-#include "gui/key_dialog.h"
-#include "gui/popup_menu.h"
-#include "gui/tool_bar.h"
+#include "gui/main_window/tool_bar.h"
+#include "gui/menus/action.h"
+#include "gui/windows/key_dialog.h"
+#include "gui/windows/popup_menu.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "gui/display_text.h"
-#include "gui/status_window.h"
+#include "gui/windows/status_window.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // Progress dialog and one-shot timers.
 #include <gmock/gmock.h>
 
-#include "gui/progress_dialog.h"
-#include "gui/timer_handler.h"
+#include "gui/windows/progress_dialog.h"
+#include "gui/windows/timer_handler.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

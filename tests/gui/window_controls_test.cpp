@@ -1,9 +1,9 @@
 // Controls by number: the operations of each family, and the user's actions that become commands.
 #include <gmock/gmock.h>
 
-#include "foundation/settings.h"
+#include "foundation/settings/settings.h"
 #include "gui/display_text.h"
-#include "gui/inter_win_message.h"
+#include "gui/windows/inter_win_message.h"
 #include "tests/gui/gui_fixtures.h"
 
 namespace {

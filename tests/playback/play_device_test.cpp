@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
 #include "playback/mixer.h"
 #include "tests/support/virtual_card.h"
 

@@ -3,7 +3,7 @@
 #include <climits>
 #include <tuple>
 
-#include "foundation/dat_file.h"
+#include "foundation/settings/dat_file.h"
 #include "sound/level.h"
 #include "sound/sound_time.h"
 #include "tests/support/memory_sound.h"

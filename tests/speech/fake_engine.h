@@ -11,7 +11,7 @@
 #include <string>
 
 #include "formats/wave_file.h"
-#include "foundation/progress.h"
+#include "foundation/threads/progress.h"
 #include "tests/support/eventually.h"
 #include "tests/support/scratch_folder.h"
 

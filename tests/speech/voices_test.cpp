@@ -4,8 +4,8 @@
 
 #include <atomic>
 
-#include "foundation/setting.h"
-#include "foundation/text_buffer.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/settings/setting.h"
 #include "speech/voice_charset.h"
 #include "speech/voice_list_query.h"
 #include "tests/speech/fake_engine.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/log.h"
+#include "foundation/log/log.h"
 
 class LogWitness final : public LStatusWindowBase {
 public:

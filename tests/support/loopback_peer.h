@@ -10,8 +10,8 @@
 #include <string_view>
 #include <thread>
 
-#include "foundation/ip_socket.h"
-#include "foundation/progress.h"
+#include "foundation/network/ip_socket.h"
+#include "foundation/threads/progress.h"
 
 // Says stop after a number of questions.
 class StopAfter : public LSilentProgress {

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/process_result.h"
-#include "foundation/progress.h"
-#include "foundation/signal_object.h"
+#include "foundation/processes/process_result.h"
+#include "foundation/threads/progress.h"
+#include "foundation/threads/signal_object.h"
 #include "sound/sound_sink.h"
 #include "sound/sound_source.h"
 

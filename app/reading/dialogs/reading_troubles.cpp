@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "gui/message_box.h"
+#include "gui/windows/message_box.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "gui/accessible.h"
-#include "gui/dialog_frame.h"
 #include "gui/minimum_size.h"
+#include "gui/windows/dialog_frame.h"
 
 namespace {
 

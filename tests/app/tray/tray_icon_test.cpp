@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "foundation/settings.h"
+#include "foundation/settings/settings.h"
 
 // Last: its macros are words of the others.
 #include <X11/Xlib.h>

@@ -13,7 +13,7 @@
 #include "desktop/packages.h"
 #include "desktop/root_prompt.h"
 #include "desktop/watched_command.h"
-#include "foundation/lock_file.h"
+#include "foundation/files/lock_file.h"
 #include "tests/support/accounts.h"
 #include "tests/support/forked.h"
 #include "tests/support/scratch_folder.h"

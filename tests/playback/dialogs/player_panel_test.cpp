@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/settings.h"
+#include "foundation/settings/settings.h"
 #include "playback/dialogs/player_panel_ids.h"
 #include "tests/support/memory_sound.h"
 #include "tests/support/virtual_card.h"

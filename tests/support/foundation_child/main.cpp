@@ -16,19 +16,19 @@
 #include <string_view>
 #include <thread>
 
-#include "foundation/child_process.h"
-#include "foundation/crash_box_program.h"
-#include "foundation/crash_handler.h"
-#include "foundation/dat_file.h"
-#include "foundation/file.h"
-#include "foundation/hang_detector.h"
-#include "foundation/lock_file.h"
-#include "foundation/log.h"
-#include "foundation/machine_root.h"
-#include "foundation/settings.h"
-#include "foundation/settings_record.h"
-#include "foundation/text_file.h"
-#include "foundation/thread.h"
+#include "foundation/crash/crash_box_program.h"
+#include "foundation/crash/crash_handler.h"
+#include "foundation/crash/hang_detector.h"
+#include "foundation/files/file.h"
+#include "foundation/files/lock_file.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/text_file.h"
+#include "foundation/log/log.h"
+#include "foundation/processes/child_process.h"
+#include "foundation/settings/dat_file.h"
+#include "foundation/settings/settings.h"
+#include "foundation/settings/settings_record.h"
+#include "foundation/threads/thread.h"
 
 namespace {
 

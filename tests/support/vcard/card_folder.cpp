@@ -9,7 +9,7 @@
 #include <sstream>
 #include <utility>
 
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 
 namespace {
 

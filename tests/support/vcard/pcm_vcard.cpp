@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 #include "tests/support/vcard/card_folder.h"
 #include "tests/support/vcard/card_number.h"
 #include "tests/support/vcard/received_sound.h"

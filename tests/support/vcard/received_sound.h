@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <string>
 
-#include "foundation/unique_fd.h"
+#include "foundation/files/unique_fd.h"
 
 class ReceivedSound {
 public:

@@ -1,0 +1,125 @@
+#include "app/help/machine_check.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app/reading/dialogs/reading_troubles.h"
+#include "app/reading/dialogs/reading_wait_box.h"
+#include "app/reading/narrator.h"
+#include "app/reading/speech_file.h"
+#include "desktop/dialogs/ready_dialog.h"
+#include "foundation/gdk/queued_notify.h"
+#include "foundation/processes/browser.h"
+#include "foundation/processes/child_process.h"
+#include "foundation/settings/hosts.h"
+#include "gui/windows/message_box.h"
+#include "playback/play_device.h"
+#include "playback/sound_server.h"
+#include "speech/voice_list_query.h"
+#include "speech/voice_table.h"
+
+namespace {
+
+constexpr int kMostCards = 32;  // as many as the kernel numbers
+constexpr const char* kTestSentence = "Hello. This is Lectora, and it can read to you.";
+
+std::vector<std::string> SoundCards() {
+    std::vector<std::string> names;
+    for (int card = 0; card < kMostCards; ++card) {
+        char name[kTextBufferSize];
+        LSoundPlayDevice::GetListDeviceName(card, name);
+        if (*name != '\0')
+            names.emplace_back(name);
+    }
+    return names;
+}
+
+class Machine : public LReadiness, private LThreadQueuedNotify {
+public:
+    Machine()
+        : narrator_(SpeechFilePath()),
+          waitBox_(narrator_, [this] { return parent_; }),
+          troubles_(narrator_, {.parent = [this] { return parent_; }}),
+          query_([this] { QueueNotify(); }) {}
+
+    void Look(std::function<void()> changed) override {
+        changed_ = std::move(changed);
+        narrator_.Forget();
+        cards_ = SoundCards();
+        // As on a desktop whose sound goes over the air or the network.
+        if (cards_.empty() && SoundServerAnswers())
+            cards_.emplace_back(LSoundPlayDevice::kServerLabel);
+        if (changed_)
+            query_.AskAnew();
+    }
+    Engine EngineState() const override {
+        switch (query_.State()) {
+            case VoiceListState::kAsking:
+                return Engine::kAsking;
+            case VoiceListState::kNoEngine:
+                return Engine::kMissing;
+            case VoiceListState::kNoVoices:
+                return Engine::kWithoutVoice;
+            default:
+                return Engine::kSpeaks;
+        }
+    }
+    int VoiceCount() const override { return CountVoices(); }
+    std::vector<std::string> Cards() const override { return cards_; }
+    bool HasEncoder() const override { return IsProgramInstalled("lame"); }
+    void ReadTestSentence(GtkWidget* parent) override {
+        parent_ = parent;
+        narrator_.Read(kTestSentence, std::max(0, ChosenVoice()), "");
+    }
+
+private:
+    void EvNotify() override {
+        if (changed_)
+            changed_();
+    }
+
+    std::function<void()> changed_;
+    std::vector<std::string> cards_;
+    GtkWidget* parent_ = nullptr;  // of what is told of the test sentence
+    Narrator narrator_;
+    ReadingWaitBox waitBox_;
+    ReadingTroubles troubles_;
+    VoiceListQuery query_;  // last: its thread ends before what it notifies
+};
+
+}  // namespace
+
+void RunMachineCheck(GtkWidget* parent) {
+    Machine machine;
+    LReadyDialog(machine).Run(parent);
+}
+
+void RunMachineCheckForVoices(GtkWidget* parent) {
+    Machine machine;
+    LReadyDialog(machine, LReadyDialog::Part::kVoices).Run(parent);
+}
+
+void TellNoSpeechEngine(GtkWidget* parent) {
+    enum { kClose, kCheck, kVoices };
+    static constexpr LBoxButton kButtons[] = {
+        {"gtk-ok", kClose}, {"_Check This Computer", kCheck}, {"More _Voices", kVoices}};
+    const bool hasPage = HasWebSite();
+    const int answer = MessageBoxRun(
+        parent, GTK_MESSAGE_INFO, kButtons, "No Speech Engine Found", "No Speech Engine Found",
+        hasPage ? "No voice is installed on this computer. Please download the speech engine from "
+                  "the speech web page, which opens when you close this message, or let \"Check "
+                  "This Computer\" install it."
+                : "No voice is installed on this computer. \"Check This Computer\" tells which "
+                  "packages are missing and can install them.");
+    if (answer == kCheck)
+        RunMachineCheck(parent);
+    else if (answer == kVoices)
+        RunMachineCheckForVoices(parent);
+    else if (hasPage && answer != GTK_RESPONSE_CANCEL)  // which nobody chose: the program ends
+        OpenInBrowser(WebAddress("speech"));
+}
+
+void RunMachineCheckWithoutCard(GtkWidget* parent) {
+    if (SoundCards().empty())
+        RunMachineCheck(parent);
+}

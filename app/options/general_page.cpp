@@ -1,0 +1,114 @@
+#include "app/options/general_page.h"
+
+#include <string>
+
+#include "app/settings_keys.h"
+#include "app/text/kept_text.h"
+#include "desktop/dialogs/start_on_login_controls.h"
+#include "formats/wave_file.h"
+#include "gui/accessible.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/message_box.h"
+
+namespace {
+
+constexpr int kRunAtLogin = 101;
+constexpr int kRunMode = 102;
+constexpr int kPrompt = 103;
+constexpr int kUseDefault = 104;
+constexpr int kFormat = 105;
+constexpr int kFormatSettings = 107;
+constexpr int kKeepText = 113;
+
+enum : int { kMp3 = 0, kWav = 1 };
+constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
+
+constexpr const char* kFolderNotWritten = "Your settings folder cannot be written.";
+
+// True when it is kept; an untouched choice is not written, so that it goes on following what an
+// administrator has set.
+template <typename Setting, typename Value>
+bool KeepChange(const Setting& setting, const Value& before, const Value& now) {
+    if (now != before)
+        setting.Set(now);
+    return now == before || setting.Get() == now;
+}
+
+}  // namespace
+
+void DlgGenGeneralDlg(LDialogGenContext& context) {
+    context.AddGroup(-1, "Run Start Up");
+    context.AddCheckBox(kRunAtLogin, "Run Lectora automatically when computer starts");
+    context.AddPullDownList(kRunMode);
+    context.GroupEnd();
+    context.AddGroup(-1, "Save");
+    context.AddRadioButtonGroup(kPrompt, "Prompt for format settings");
+    context.AddRadioButton(kUseDefault, "Use these default format settings ");
+    context.AddPullDownList(kFormat, "  Choose Format");
+    context.AddButton(kFormatSettings, "Format Settings");
+    context.GroupEnd();
+    context.AddGroup(-1, "Text");
+    context.AddCheckBox(kKeepText, "Keep the text for the next start");
+    context.GroupEnd();
+}
+
+void GeneralDlgImp::InitDialog() {
+    LAutoRunSettingsInit(*this, kRunAtLogin, kRunMode);
+    SetAccessibleName(GetControlByID(kRunMode), "For whom");
+    // As saving takes them, also where nothing was chosen.
+    SetCheck(kSaveByDefaultSetting.Get() == "0" ? kPrompt : kUseDefault, true);
+    PDLFill(kFormat, kFormats);
+    PDLSetCurSel(kFormat, kSaveFormatSetting.Get() == "0" ? kMp3 : kWav);
+    SetCheck(kKeepText, kKeepTextSetting.Get());
+    shown_ = Choices();
+}
+
+GeneralDlgImp::Choice GeneralDlgImp::Choices() const {
+    return {GetCheck(kRunAtLogin), PDLGetCurSel(kRunMode), GetCheck(kUseDefault) ? "1" : "0",
+            PDLGetCurSel(kFormat) == kMp3 ? "0" : "1", GetCheck(kKeepText)};
+}
+
+void GeneralDlgImp::EnableControls() {
+    const bool useDefault = GetCheck(kUseDefault);
+    EnableControl(kRunMode, GetCheck(kRunAtLogin));
+    for (const int id : {kFormat, kFormat + 1, kFormatSettings})  // kFormat + 1 is its label
+        EnableControl(id, useDefault);
+}
+
+void GeneralDlgImp::Command(int command) {
+    if (command == kFormatSettings)
+        ShowFormatSettings();
+}
+
+void GeneralDlgImp::ShowFormatSettings() {
+    if (PDLGetCurSel(kFormat) == kMp3) {
+        // Whatever is stored: MP3 settings are for administrators, who edit the settings store.
+        MessageBoxRun(Widget(), GTK_MESSAGE_INFO, GTK_BUTTONS_OK, "Lectora",
+                      "MP3 Settings are: Constant bitrate, 128", "");
+        return;
+    }
+    LWaveFileFormat format(44100, 1, "PCM");
+    LoadDefaultWaveFormat(format);
+    if (LWaveFile::WaveFormatSelectDialog(format, 0, "Select Wave File Format") &&
+        !SaveDefaultWaveFormat(format))
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "The format settings could not be kept.", kFolderNotWritten);
+}
+
+// What was left as it was shown is left as it is.
+bool GeneralDlgImp::CmOk() {
+    const Choice now = Choices();
+    const bool startChanged =
+        now.runAtLogin != shown_.runAtLogin || (now.runAtLogin && now.runMode != shown_.runMode);
+    if (startChanged && !LAutoRunSettingsApply(*this, kRunAtLogin, kRunMode))
+        return false;
+    bool isKept = KeepChange(kSaveByDefaultSetting, shown_.byDefault, now.byDefault);
+    isKept = KeepChange(kSaveFormatSetting, shown_.format, now.format) && isKept;
+    isKept = KeepChange(kKeepTextSetting, shown_.keepText, now.keepText) && isKept;
+    if (!now.keepText)
+        ForgetKeptText();
+    if (!isKept)
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "Your options could not be kept.", kFolderNotWritten);
+    return isKept;
+}

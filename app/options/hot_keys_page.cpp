@@ -1,0 +1,123 @@
+#include "app/options/hot_keys_page.h"
+
+#include <algorithm>
+#include <string>
+
+#include "app/hotkeys/hot_key_handler.h"
+#include "app/options/hot_key_assignment.h"
+#include "gui/accessible.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/message_box.h"
+
+namespace {
+
+constexpr int kList = 108;
+constexpr int kAdd = 109;
+constexpr int kChange = 110;
+constexpr int kRemove = 111;
+constexpr int kListHeight = 128;
+constexpr int kCommandColumn = 1;
+constexpr int kStateColumn = 2;
+
+constexpr const char* kGroup = "System Wide HotKeys";
+
+const char* CommandLabel(int command) {
+    return command >= kHotKeyUpdate && command <= kHotKeySave ? kHotKeyCommandLabels[command]
+                                                              : "Nothing";
+}
+
+std::string KeyText(LKeyCode key) {
+    const std::string text = LKeyGetDescription(key);
+    return text.empty() ? "Unknown key" : text;
+}
+
+// Why the key does nothing, or nothing to tell.
+const char* StateText(LKeyCode key) {
+    switch (TestHotKey(key)) {
+        case HotKeyState::kHeldByAnotherProgram:
+            return "Held by another program";
+        case HotKeyState::kNotOnKeyboard:
+            return "Not on this keyboard";
+        default:
+            return CanBeHotKey(key) ? "" : "Needs Ctrl, Alt or Super";
+    }
+}
+
+}  // namespace
+
+void DlgGenHotkeysDlg(LDialogGenContext& context) {
+    context.AddGroup(-1, kGroup);
+    context.AddList(kList, kListHeight);
+    context.StartHBox();
+    context.AddButton(kAdd, "Add...");
+    context.AddButton(kChange, "Change...");
+    context.AddButton(kRemove, "Remove...");
+    context.EndHBox();
+    context.GroupEnd();
+}
+
+void HotkeysDlgImp::InitDialog() {
+    static constexpr LListColumn kColumns[] = {{"Key", 0}, {"Command", 0}, {"Problem", 0}};
+    LVInit(kList, {LListColumns::kDynamic, kColumns});
+    SetAccessibleName(GetControlByID(kList), kGroup);
+    HandleLVSelChange(kList);
+    HandleLVDoubleClick(kList, kChange);
+    FillList(-1);
+}
+
+// Selects the hotkey with that id, else the first, so that the keyboard finds a row.
+void HotkeysDlgImp::FillList(int selectedId) {
+    LVClear(kList);
+    int selectedRow = 0;
+    for (const StoredHotKey& hotKey : LoadHotKeys()) {
+        const int row = LVAddString(kList, KeyText(hotKey.key).c_str(), hotKey.id);
+        LVSetColumnString(kList, row, kCommandColumn, CommandLabel(hotKey.command));
+        LVSetColumnString(kList, row, kStateColumn, StateText(hotKey.key));
+        if (hotKey.id == selectedId)
+            selectedRow = row;
+    }
+    LVSetCurSel(kList, selectedRow);
+    EnableControls();
+}
+
+void HotkeysDlgImp::EnableControls() {
+    const bool hasSelection = LVGetFirstSel(kList) >= 0;
+    EnableControl(kChange, hasSelection);
+    EnableControl(kRemove, hasSelection);
+}
+
+void HotkeysDlgImp::Command(int command) {
+    const int row = LVGetFirstSel(kList);
+    if (command == kAdd)
+        Add();
+    else if (command == kChange && row >= 0)
+        Change(LVGetItemData(kList, row));
+    else if (command == kRemove && row >= 0)
+        Remove(LVGetItemData(kList, row));
+}
+
+void HotkeysDlgImp::Add() {
+    StoredHotKey hotKey;
+    if (HotKeyAssignmentDlgImp(hotKey).Run(Widget()))
+        FillList(hotKey.id);
+}
+
+void HotkeysDlgImp::Change(int id) {
+    std::vector<StoredHotKey> hotKeys = LoadHotKeys();
+    const auto found =
+        std::ranges::find_if(hotKeys, [id](const StoredHotKey& each) { return each.id == id; });
+    if (found != hotKeys.end() && HotKeyAssignmentDlgImp(*found).Run(Widget()))
+        FillList(id);
+}
+
+void HotkeysDlgImp::Remove(int id) {
+    constexpr const char* kQuestion = "Confirms Delete";
+    if (MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kQuestion, kQuestion,
+                      "Are you sure you want to delete?") != GTK_RESPONSE_YES)
+        return;
+    if (!RemoveHotKey(id))
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "The hotkey could not be removed.",
+                      "Your settings folder cannot be written.");
+    FillList(-1);
+}

@@ -1,0 +1,13 @@
+#include "app/options/options_dialog.h"
+
+#include "app/options/general_page.h"
+#include "app/options/hot_keys_page.h"
+
+bool OptDlg(GtkWidget* parent) {
+    GeneralDlgImp general;
+    HotkeysDlgImp hotKeys;
+    LPropertySheet sheet;
+    sheet.AddPage(general, {"General", false, DlgGenGeneralDlg});
+    sheet.AddPage(hotKeys, {"HotKeys", false, DlgGenHotkeysDlg});
+    return sheet.Open(parent, "Options", 0);
+}

@@ -1,0 +1,260 @@
+#include "app/start/run_once.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "foundation/files/file.h"
+#include "foundation/files/flock_timed.h"
+#include "foundation/files/machine_root.h"
+#include "foundation/files/text_buffer.h"
+#include "foundation/threads/timed_poll.h"
+
+namespace {
+
+// A peer that stalls must not freeze the window, and one that lies about sizes must not fill the
+// memory.
+constexpr int kReceiveLimitMilliseconds = 1000;
+constexpr int kTurnLimitMilliseconds = 1000;
+constexpr int kMostTries = 100;
+constexpr useconds_t kBetweenTriesMicroseconds = 100000;
+constexpr std::int32_t kMaxArguments = 65536;
+constexpr std::int32_t kMaxArgumentBytes = 1 << 20;
+
+sockaddr_un AddressOf(const std::string& path) {
+    sockaddr_un address{};
+    static_assert(sizeof address == 110);
+    address.sun_family = AF_UNIX;
+    CopyText(address.sun_path, path);
+    return address;
+}
+
+UniqueFd NewSocket(int flags) {
+    return UniqueFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
+}
+
+// One start at a time looks at the path: otherwise one meets another's socket that is bound and
+// does not listen yet, or takes away what another has just put in the place of a dead one. The turn
+// is the lock of the folder, and ends with the descriptor.
+UniqueFd TakeTurn(const std::string& path) {
+    const std::string folder = path.substr(0, path.rfind('/') + 1);
+    UniqueFd turn(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (turn.IsOpen())
+        LockInTurn(turn.Get(), LOCK_EX | LOCK_NB, kTurnLimitMilliseconds);
+    return turn;
+}
+
+// A file system without modes lets everybody connect; the text box is not everybody's.
+bool IsFromThisUser(int connection) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
+           (peer.uid == ::geteuid() || peer.uid == 0);
+}
+
+bool SendAll(int fd, const void* data, std::size_t size) {
+    const char* bytes = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t sent = ::send(fd, bytes, size, MSG_NOSIGNAL);
+        if (sent < 0 && errno == EINTR)
+            continue;
+        if (sent <= 0)
+            return false;
+        bytes += sent;
+        size -= static_cast<std::size_t>(sent);
+    }
+    return true;
+}
+
+bool SendNumber(int fd, std::size_t number) {
+    const auto word = static_cast<std::int32_t>(number);
+    return SendAll(fd, &word, sizeof word);
+}
+
+// No header, no terminators, host byte order: the peer is always this program on this machine.
+void SendArguments(int fd, const std::vector<std::string>& arguments) {
+    if (!SendNumber(fd, arguments.size()))
+        return;
+    for (const std::string& argument : arguments) {
+        if (!SendNumber(fd, argument.size()) || !SendAll(fd, argument.data(), argument.size()))
+            return;
+    }
+}
+
+enum class Answer { kTaken, kEnding, kNone };
+
+// An instance that takes the command line closes the connection. One that ends says a byte, or
+// leaves what was sent unread, which resets the connection.
+Answer AwaitAnswer(int fd, int milliseconds) {
+    pollfd entry{fd, POLLIN, 0};
+    if (TimedPoll(&entry, 1, milliseconds) <= 0)
+        return Answer::kNone;
+    char byte;
+    return ::recv(fd, &byte, 1, 0) == 0 ? Answer::kTaken : Answer::kEnding;
+}
+
+int ProcessBehind(int fd) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : 0;
+}
+
+// Reads from one connection until a common deadline.
+class HandOverReader {
+public:
+    explicit HandOverReader(int fd) : fd_(fd) {}
+
+    bool Read(void* out, std::size_t size) {
+        char* bytes = static_cast<char*>(out);
+        while (size > 0) {
+            pollfd entry{fd_, POLLIN, 0};
+            if (::poll(&entry, 1, RemainingMilliseconds()) <= 0)
+                return false;
+            const ssize_t got = ::recv(fd_, bytes, size, MSG_DONTWAIT);
+            if (got < 0 && (errno == EINTR || errno == EAGAIN))
+                continue;
+            if (got <= 0)
+                return false;
+            bytes += got;
+            size -= static_cast<std::size_t>(got);
+        }
+        return true;
+    }
+    bool ReadNumber(std::int32_t& number) { return Read(&number, sizeof number); }
+
+private:
+    int RemainingMilliseconds() const {
+        const auto left = deadline_ - std::chrono::steady_clock::now();
+        const auto milliseconds =
+            std::chrono::duration_cast<std::chrono::milliseconds>(left).count();
+        return milliseconds > 0 ? static_cast<int>(milliseconds) : 0;
+    }
+
+    int fd_;
+    std::chrono::steady_clock::time_point deadline_ =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(kReceiveLimitMilliseconds);
+};
+
+}  // namespace
+
+std::string RunOnceSocket::DefaultPath() {
+    char path[kTextBufferSize];
+    CopyText(path, HomeFolder());
+    LFile::_FilePathCat(path, ".Lectora.runonce");
+    return path;
+}
+
+RunOnceSocket::~RunOnceSocket() {
+    Close();
+}
+
+void HandedOver::Refuse() {
+    static_cast<void>(!::send(connection.Get(), "", 1, MSG_NOSIGNAL));
+    connection.Reset();
+}
+
+void RunOnceSocket::Close() {
+    // The next start finds nobody listening only after the path is gone: what it puts there could
+    // not be told from this.
+    const UniqueFd turn = path_.empty() ? UniqueFd() : TakeTurn(path_);
+    struct stat now = {};
+    if (bound_.st_ino != 0 && ::stat(path_.c_str(), &now) == 0 && now.st_dev == bound_.st_dev &&
+        now.st_ino == bound_.st_ino)
+        ::unlink(path_.c_str());
+    bound_ = {};
+    listening_.Reset();
+}
+
+bool RunOnceSocket::Bind() {
+    listening_ = NewSocket(SOCK_NONBLOCK);
+    const sockaddr_un address = AddressOf(path_);
+    ::fchmod(listening_.Get(), 0700);  // whatever the mask
+    const bool bound =
+        ::bind(listening_.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    return bound && ::listen(listening_.Get(), 5) == 0 && ::stat(path_.c_str(), &bound_) == 0;
+}
+
+// kServer: nobody listens on the path.
+RunOnceSocket::Claim RunOnceSocket::Connect(UniqueFd& client, int milliseconds) const {
+    client = NewSocket(0);
+    const timeval limit{milliseconds / 1000, milliseconds % 1000 * 1000L};
+    ::setsockopt(client.Get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    const sockaddr_un address = AddressOf(path_);
+    if (::connect(client.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+        return Claim::kHandedOver;
+    return errno == EAGAIN ? Claim::kBusy : Claim::kServer;
+}
+
+RunOnceSocket::Claim RunOnceSocket::ClaimOnce(UniqueFd& client, int milliseconds) {
+    const UniqueFd turn = TakeTurn(path_);
+    if (Bind())
+        return Claim::kServer;
+    listening_.Reset();
+    const Claim claim = Connect(client, milliseconds);
+    if (claim == Claim::kServer) {
+        // Left by a crash. A second failure only means that this instance receives no hand-overs.
+        ::unlink(path_.c_str());
+        if (!Bind())
+            listening_.Reset();
+    }
+    return claim;
+}
+
+RunOnceSocket::Claim RunOnceSocket::ClaimPath(const std::string& path,
+                                              const std::vector<std::string>& arguments,
+                                              int answerMilliseconds) {
+    path_ = AddressOf(path).sun_path;
+    UniqueFd client;
+    for (int tries = 0; tries < kMostTries; ++tries) {
+        Claim claim = ClaimOnce(client, answerMilliseconds);
+        if (claim == Claim::kHandedOver) {
+            SendArguments(client.Get(), arguments);
+            const Answer answer = AwaitAnswer(client.Get(), answerMilliseconds);
+            if (answer == Answer::kEnding) {
+                ::usleep(kBetweenTriesMicroseconds);  // until it has closed its socket
+                continue;
+            }
+            if (answer == Answer::kNone)
+                claim = Claim::kBusy;
+        }
+        if (claim == Claim::kBusy)
+            busyProcess_ = ProcessBehind(client.Get());
+        return claim;
+    }
+    return Claim::kBusy;
+}
+
+bool RunOnceSocket::Receive(HandedOver& handed) const {
+    handed = {};
+    std::vector<std::string>& arguments = handed.arguments;
+    UniqueFd connection(::accept4(listening_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!connection.IsOpen() || !IsFromThisUser(connection.Get()))
+        return true;
+    HandOverReader reader(connection.Get());
+    std::int32_t count = 0;
+    if (!reader.ReadNumber(count))
+        return true;
+    if (count < 0)
+        return false;
+    for (std::int32_t index = 0; index < count && index < kMaxArguments; ++index) {
+        std::int32_t length = 0;
+        if (!reader.ReadNumber(length) || length < 0 || length > kMaxArgumentBytes)
+            break;
+        std::string argument(static_cast<std::size_t>(length), '\0');
+        if (!reader.Read(argument.data(), argument.size()))
+            break;
+        arguments.push_back(argument);
+    }
+    handed.connection = std::move(connection);
+    return true;
+}
