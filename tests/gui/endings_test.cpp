@@ -107,8 +107,10 @@ public:
         static constexpr LMenuItem kPopUp[] = {{kPopUpItem, "Pop"}, {kMenuItem, "Up"}};
         popUp.SetMenu(kPopUp);
     }
+    // Until then it hears what its controls tell by themselves: a tab, its page at the first layout.
+    void BeginToEnd() { mayEnd_ = true; }
     void Command(int) override {
-        const Ending ending = std::exchange(ending_, Ending::kNone);
+        const Ending ending = mayEnd_ ? std::exchange(ending_, Ending::kNone) : Ending::kNone;
         if (ending == Ending::kClose)
             return Close(0);
         if (ending == Ending::kParent)
@@ -127,6 +129,7 @@ public:
 private:
     LDialog& parent_;
     Ending ending_;
+    bool mayEnd_ = false;
     bool& deleted_;
 };
 
@@ -231,6 +234,7 @@ bool ActOnce(std::size_t act, Ending ending, bool modal) {
     const auto perform = [&] {
         window = victim->Widget();
         g_object_add_weak_pointer(G_OBJECT(window), reinterpret_cast<gpointer*>(&window));
+        victim->BeginToEnd();
         kActs[act](*victim);
         if (!deleted)
             victim->DoCANCELButton();
