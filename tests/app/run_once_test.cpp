@@ -52,7 +52,7 @@ protected:
         EXPECT_EQ(1, ::poll(&entry, 1, 60000));
     }
     // A second start, in a thread of its own because it waits for the answer.
-    std::future<RunOnceSocket::Claim> StartSecond(std::vector<std::string> arguments,
+    std::future<RunOnceSocket::Claim> StartSecond(const std::vector<std::string>& arguments,
                                                   int milliseconds = 60000) {
         return std::async(std::launch::async, [this, arguments, milliseconds] {
             return second_.ClaimPath(path_, arguments, milliseconds);

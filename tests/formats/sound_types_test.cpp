@@ -30,7 +30,7 @@ TEST(SoundTypes, AreOfferedWavAndMp3FirstAndWrittenAsTheUserHasSetThem) {
         LSoundSink sink = RowOf(type).openSinkAsSet(path.c_str());
         EXPECT_EQ(sink->SampleRate(), rate) << NameOf(type);
         EXPECT_EQ(sink->Channels(), channels) << NameOf(type);
-        const std::vector<int> second(static_cast<std::size_t>(rate) * channels);
+        const std::vector<int> second(static_cast<std::size_t>(rate * channels));
         for (int at = 0; at < rate; at += 1000)
             sink->Write(second.data(), std::min(1000, rate - at));
         EXPECT_EQ(sink->Finish(), 0);
