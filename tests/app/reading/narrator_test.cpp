@@ -233,7 +233,7 @@ TEST_F(NarratorTest, LosesNothingInAThousandRandomActs) {
     EXPECT_GT(begun, 0);
     EXPECT_THAT(states_, testing::IsSupersetOf({State::kPaused, State::kPlaying, State::kEnded}));
     narrator_->Forget();
-    cards_.Insert(0, "speed 20\n");
+    cards_.Insert(0, "speed 4\n");  // a busy machine still sees each sentence
     narrator_->SetDevice(LSoundPlayDevice(0));
     heard_.clear();
     narrator_->Read(kText, 0, "");
