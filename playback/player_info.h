@@ -25,6 +25,9 @@ public:
     // Whose speech it is: each voice keeps a reading speed of its own.
     virtual std::string VoiceName() const { return ""; }
 
+    // Where in the item its source begins: a text may be spoken from the middle on.
+    virtual LSoundTime SourceBegin() const { return LSoundTime(); }
+
     // While the source still grows: how long the whole will probably be. 0 when nobody knows.
     virtual LSoundTime EstimatedLength() const { return LSoundTime(); }
 

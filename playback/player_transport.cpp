@@ -1,6 +1,7 @@
 #include "playback/player_transport.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "foundation/files/text_buffer.h"
 #include "playback/settings_keys.h"
@@ -71,7 +72,8 @@ void LPlayerTransport::TakeItem() {
     Halt();
     StoreTempo();
     ReadTempo();
-    time_ = length_ = LSoundTime();
+    length_ = LSoundTime();
+    time_ = info_.SourceBegin();
     Tell(LPlayerChange::kItem);
 }
 
@@ -80,16 +82,30 @@ LSoundSource LPlayerTransport::OpenSource() {
     info_.OpenSource(source);
     if (source->Status() == SoundStatus::kGood) {
         sampleRate_ = source->SampleRate();
-        length_ = LSoundTime::FromFrames(source->GetEndSample(), sampleRate_);
+        length_ = TimeOf(source->GetEndSample());
     }
     return source;
 }
 
-bool LPlayerTransport::StartAt(const LSoundSource& source, LSoundTime time) {
+int LPlayerTransport::FrameAt(LSoundTime time) const {
+    const int within = std::max(time, info_.SourceBegin()).Milliseconds();
+    return LSoundTime(within - info_.SourceBegin().Milliseconds()).ToFrames(sampleRate_);
+}
+
+LSoundTime LPlayerTransport::TimeOf(int frame) const {
+    return Later(LSoundTime::FromFrames(frame, sampleRate_));
+}
+
+// A time of the source as one of the item.
+LSoundTime LPlayerTransport::Later(LSoundTime time) const {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+    const std::int64_t sum = std::int64_t{info_.SourceBegin().Milliseconds()} + time.Milliseconds();
+    return LSoundTime(static_cast<std::int32_t>(std::min(sum, kMost)));
+}
+
+bool LPlayerTransport::Start(const LSoundSource& source) {
     if (source->Status() != SoundStatus::kGood)
         return false;
-    if (time != LSoundTime())
-        source->Seek(time.ToFrames(sampleRate_));
     trouble_ = PlayTrouble::kNone;
     SetRouteText("");
     return player_.Start(source);
@@ -106,7 +122,9 @@ void LPlayerTransport::Play() {
 }
 
 void LPlayerTransport::PlayFrom(const LSoundSource& source, LSoundTime time) {
-    if (StartAt(source, time))
+    if (time != info_.SourceBegin())
+        source->Seek(FrameAt(time));
+    if (Start(source))
         return;
     trouble_ = PlayTrouble::kCannotOpen;
     Tell(LPlayerChange::kEnded);
@@ -143,7 +161,7 @@ void LPlayerTransport::MoveTo(LSoundTime time) {
     SetTime(time);
     if (!player_.IsLoaded())
         return;
-    player_.Seek(time_);
+    player_.Seek(Frame());
     if (player_.IsCued())
         player_.Play();
 }
@@ -169,9 +187,9 @@ void LPlayerTransport::Wind(PlayerWind::Way way) {
     const LSoundSource source = OpenSource();
     if (source->Status() != SoundStatus::kGood)
         return;
-    source->Seek(time_.ToFrames(sampleRate_));
+    source->Seek(Frame());
     player_.SetTempo(nullptr);
-    StartAt(wind_.Begin(way, before, source), LSoundTime());
+    Start(wind_.Begin(way, before, source));
 }
 
 void LPlayerTransport::EndWind() {
@@ -214,6 +232,10 @@ LSoundTime LPlayerTransport::Length() const {
     return std::max(length_, info_.EstimatedLength());
 }
 
+bool LPlayerTransport::IsLengthKnown() const {
+    return Length() <= length_ && info_.SourceBegin() == LSoundTime();
+}
+
 double LPlayerTransport::Pace() const {
     return sampleRate_ * (wind_.IsOn() ? wind_.Factor() : tempo_->Percent() / 100.0);
 }
@@ -243,8 +265,8 @@ void LPlayerTransport::spntfCue(int) {
 }
 
 void LPlayerTransport::spntfTime(LSoundTime time, int) {
-    length_ = std::max(length_, player_.Length());
-    SetTime(time);
+    length_ = std::max(length_, Later(player_.Length()));
+    SetTime(Later(time));
 }
 
 void LPlayerTransport::spntfLevel(const LDBMC& levels, int) {

@@ -46,16 +46,16 @@ public:
     void Prepare();
     void KeepSettings();
 
-    void Play();   // goes on when paused, else from Time() on
-    void Pause();  // at the present place; begins to play first when nothing is loaded
+    virtual void Play();  // goes on when paused, else from Time() on
+    void Pause();         // at the present place; begins to play first when nothing is loaded
     void TogglePause();
-    void Stop();     // and back to the start
-    void PlayEnd();  // the last three seconds
+    void Stop();             // and back to the start
+    virtual void PlayEnd();  // the last three seconds
     // Where the sound goes on. Who is paused hears it again at once.
-    void MoveTo(LSoundTime time);
-    void MoveToEnd();
-    void MoveToSentence(int step);   // `step` ones on; 0 repeats the one being heard
-    void Wind(PlayerWind::Way way);  // until EndWind; the same way again begins anew
+    virtual void MoveTo(LSoundTime time);
+    virtual void MoveToEnd();
+    virtual void MoveToSentence(int step);  // `step` ones on; 0 repeats the one being heard
+    void Wind(PlayerWind::Way way);         // until EndWind; the same way again begins anew
     void EndWind();
     virtual void NextItem() {}  // while Info().HasNextItem()
 
@@ -72,10 +72,12 @@ public:
     bool IsPlaying() const { return IsLoaded() && !IsPaused(); }
     const PlayerWind& Winding() const { return wind_; }
     LSoundTime Time() const { return time_; }
-    LSoundTime KnownLength() const { return length_; }  // of the source; grows with it
-    LSoundTime Length() const;                          // of the whole, estimated while it grows
-    int SampleRate() const { return sampleRate_; }      // of the source last opened
-    double Pace() const;                                // frames of it a second
+    LSoundTime Length() const;                    // of the whole
+    bool IsLengthKnown() const;                   // else it is an estimate
+    int Frame() const { return FrameAt(time_); }  // of the source, at Time()
+    LSoundTime TimeOf(int frame) const;
+    int SampleRate() const { return sampleRate_; }  // of the source last opened
+    double Pace() const;                            // frames of it a second
     const LDBMC& Levels() const { return levels_; }
     // Why nothing can be heard, when playback ended by itself.
     PlayTrouble Trouble() const { return trouble_; }
@@ -91,6 +93,7 @@ protected:
     // `info` tells of another item from now on: stops, and goes to its start.
     void TakeItem();
     void Halt();  // stops without a word
+    void SetTime(LSoundTime time);
 
 private:
     void spntfPlay(int id) override;
@@ -100,8 +103,9 @@ private:
     void spntfLevel(const LDBMC& levels, int id) override;
 
     void Tell(LPlayerChange change);
-    void SetTime(LSoundTime time);
-    bool StartAt(const LSoundSource& source, LSoundTime time);
+    bool Start(const LSoundSource& source);
+    int FrameAt(LSoundTime time) const;
+    LSoundTime Later(LSoundTime time) const;
     void PlayFrom(const LSoundSource& source, LSoundTime time);
     void Silence();
     void ReadTempo();

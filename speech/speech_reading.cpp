@@ -57,11 +57,12 @@ public:
             return SynthesisOutcome::kTooLong;
         if (!Write(adapted, frames))
             return SynthesisOutcome::kCannotWrite;
-        track_.Append(frames, piece.SourceBegin(), piece.SourceEnd());
+        const std::size_t end = reading_.begin_ + piece.SourceEnd();
+        track_.Append(frames, reading_.begin_ + piece.SourceBegin(), end);
         {
             const std::lock_guard<std::mutex> lock(reading_.mutex_);
             reading_.fraction_ =
-                static_cast<double>(piece.SourceEnd()) / static_cast<double>(reading_.text_.size());
+                static_cast<double>(end) / static_cast<double>(reading_.text_->size());
         }
         reading_.firstSound_.Signal();
         return SynthesisOutcome::kSpoken;
@@ -135,11 +136,17 @@ private:
 };
 
 SpeechReading::SpeechReading(std::string text, int voice, std::string path, ReadingUse use)
+    : SpeechReading(std::make_shared<const std::string>(std::move(text)), 0, voice, std::move(path),
+                    use) {}
+
+SpeechReading::SpeechReading(std::shared_ptr<const std::string> text, std::size_t begin, int voice,
+                             std::string path, ReadingUse use)
     : text_(std::move(text)),
+      begin_(std::min(begin, text_->size())),
       voice_(voice),
       path_(std::move(path)),
       use_(use),
-      track_(std::make_shared<SpeechTrack>(text_.size())) {}
+      track_(std::make_shared<SpeechTrack>()) {}
 
 SpeechReading::~SpeechReading() = default;
 
@@ -157,7 +164,8 @@ void SpeechReading::Stop() {
 
 void SpeechReading::Produce(const LThread& thread) {
     FileTaker taker(*this);
-    PieceRuns runs(text_, voice_, FolderOf(path_), use_, taker);
+    const std::string_view rest = std::string_view(*text_).substr(begin_);
+    PieceRuns runs(rest, voice_, FolderOf(path_), use_, taker);
     ThreadProgress progress(thread);
     Process(progress, runs);
     const int error = taker.Finish();

@@ -30,6 +30,9 @@ public:
     // the engine's own files stand beside it. A file with something in it is replaced, never
     // written over: who still reads that keeps it.
     SpeechReading(std::string text, int voice, std::string path, ReadingUse use);
+    // From the byte `begin` on; what stands before it is known, and not spoken.
+    SpeechReading(std::shared_ptr<const std::string> text, std::size_t begin, int voice,
+                  std::string path, ReadingUse use);
     ~SpeechReading();  // stops; the file stays
     SpeechReading(const SpeechReading&) = delete;
     SpeechReading& operator=(const SpeechReading&) = delete;
@@ -67,7 +70,8 @@ private:
     void End(SynthesisOutcome outcome, const std::string& leftOut);
     bool IsOurs(const struct stat& status) const;
 
-    const std::string text_;
+    const std::shared_ptr<const std::string> text_;
+    const std::size_t begin_;  // within the text
     const int voice_;
     const std::string path_;
     const ReadingUse use_;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <limits>
 
 void SpeechTrack::Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd) {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -27,14 +26,21 @@ bool SpeechTrack::IsComplete() const {
     return isComplete_;
 }
 
-int SpeechTrack::EstimatedEnd() const {
+SpokenStretch SpeechTrack::All() const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (isComplete_ || entries_.empty() || entries_.back().sourceEnd == 0)
-        return frames_;
-    const double whole = static_cast<double>(frames_) * static_cast<double>(sourceSize_) /
-                         static_cast<double>(entries_.back().sourceEnd);
-    constexpr int kMost = std::numeric_limits<int>::max();
-    return whole < kMost ? std::max(static_cast<int>(whole), frames_) : kMost;
+    if (entries_.empty())
+        return {};
+    return {entries_.front().sourceBegin, entries_.back().sourceEnd, 0, frames_};
+}
+
+std::optional<int> SpeechTrack::FrameOf(std::size_t source) const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (entries_.empty() || source < entries_.front().sourceBegin)
+        return std::nullopt;
+    const auto found =
+        std::partition_point(entries_.begin(), entries_.end(),
+                             [&](const Entry& entry) { return entry.sourceEnd <= source; });
+    return found == entries_.end() ? std::nullopt : std::optional(found->firstFrame);
 }
 
 std::size_t SpeechTrack::IndexAt(int frame) const {

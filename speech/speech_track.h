@@ -22,16 +22,18 @@ struct SpokenStretch {
 
 class SpeechTrack {
 public:
-    // sourceSize: bytes of the whole text. A stretch is a sentence or some very short ones.
-    explicit SpeechTrack(std::size_t sourceSize) : sourceSize_(sourceSize) {}
-
+    // A stretch is a sentence or some very short ones.
     // The producer's: frames of sound for the stretch are in the file behind those before.
     void Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd);
     void Complete();  // no more will come
 
-    int Frames() const;        // that are in the file by now
-    bool IsComplete() const;   // Frames() is the end
-    int EstimatedEnd() const;  // frames of the whole; exact once complete
+    int Frames() const;         // that are in the file by now
+    bool IsComplete() const;    // Frames() is the end
+    SpokenStretch All() const;  // of the text and its sound, by now; empty before the first
+
+    // Where the sound begins of the stretch that the byte of the text is in, or that comes behind
+    // it; nothing outside of what is spoken.
+    std::optional<int> FrameOf(std::size_t source) const;
 
     // The stretch that is spoken at the frame, nothing outside the sound.
     std::optional<SpokenStretch> StretchAt(int frame) const;
@@ -62,7 +64,6 @@ private:
     std::size_t IndexAt(int frame) const;  // of the stretch; entries_ is not empty, mutex_ held
     int StartOf(std::size_t index) const;  // mutex_ held
 
-    const std::size_t sourceSize_;
     mutable std::mutex mutex_;
     mutable std::condition_variable grown_;
     std::vector<Entry> entries_;

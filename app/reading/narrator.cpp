@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "foundation/log/log.h"
-#include "speech/voice_table.h"
 
 namespace {
 
@@ -29,10 +28,12 @@ ReadingNews Narrator::Now() const {
     news.end = end_;
     news.trouble = Trouble();
     news.route = RouteText();
+    news.title = info_.ItemText();
     if (const SpeechReading* reading = info_.Reading()) {
         news.time = Time();
         news.length = info_.EstimatedLength();
-        news.isLengthKnown = reading->Track().IsComplete();
+        news.isLengthKnown = reading->Track().IsComplete() && info_.Begin() == 0;
+        news.isMove = isMove_ && state_ == ReadingState::kWaitingForSound;
         if (IsLoaded())
             news.stretch = reading->Track().StretchAt(info_.Frame(Time()));
     }
@@ -64,6 +65,7 @@ void Narrator::Enter(ReadingState state) {
 
 void Narrator::End(ReadingEnd why, std::string note) {
     firstSound_.Stop();
+    nextPlace_.Stop();
     end_ = why;
     note_ = std::move(note);
     // The next text would meet the same trouble, and its box would hide this one's.
@@ -81,42 +83,45 @@ void Narrator::EndAll() {
     }
 }
 
-void Narrator::Read(std::string text, int voice, std::string title) {
+void Narrator::Read(ReadingText text, int voice) {
     EndAll();
     nextText_.Stop();
-    info_.SetReading(nullptr, "", "");
-    text_ = std::move(text);
-    title_ = std::move(title);
+    info_.SetText(std::move(text));
+    isMove_ = false;
+    isFailureTold_ = false;
+    voice_ = voice;
     if (voice == kVoiceUnknown)
         Enter(ReadingState::kWaitingForVoice);
     else
-        BeginSpeech(voice);
+        BeginSpeech(info_.Begin());
 }
 
 void Narrator::SetVoice(int voice) {
     if (state_ != ReadingState::kWaitingForVoice)
         return;
+    voice_ = voice;
     if (voice == kVoiceUnknown)
         End(ReadingEnd::kNoVoice, "");
     else
-        BeginSpeech(voice);
+        BeginSpeech(info_.Begin());
 }
 
-void Narrator::BeginSpeech(int voice) {
-    info_.SetReading(std::make_unique<SpeechReading>(std::exchange(text_, {}), voice, soundPath_,
-                                                     ReadingUse::kListening),
-                     VoiceAt(voice).title, title_);
-    isFailureTold_ = false;
-    info_.Reading()->Start();
+void Narrator::BeginSpeech(std::size_t place) {
+    firstSound_.Stop();
+    wanted_ = place;
+    info_.Speak(place, voice_, soundPath_);
     firstSound_.Start(info_.Reading()->FirstSound(), [this] { EvFirstSound(); });
-    Enter(ReadingState::kWaitingForSound);
+    if (state_ == ReadingState::kWaitingForSound)
+        Tell(state_);
+    else
+        Enter(ReadingState::kWaitingForSound);
 }
 
 void Narrator::EvFirstSound() {
     Prepare();
     TakeItem();
     if (info_.Reading()->HasSound()) {
-        Play();
+        LPlayerTransport::Play();
         return;
     }
     const std::string message = info_.Reading()->Message();
@@ -127,7 +132,7 @@ void Narrator::EvFirstSound() {
 
 void Narrator::Forget() {
     EndAll();
-    info_.SetReading(nullptr, "", "");
+    info_.Forget();
     KeepSettings();
     Enter(ReadingState::kIdle);
 }
@@ -170,7 +175,7 @@ void Narrator::EvStopped() {
     ForgetQueue();
     if (!IsReading())
         return;
-    const bool hadSound = state_ != ReadingState::kWaitingForVoice && !firstSound_.IsWaiting();
+    const bool hadSound = state_ != ReadingState::kWaitingForVoice && (isMove_ || !IsFetching());
     End(ReadingEnd::kStopped, LeftOut());
     if (!hadSound && !IsReading())
         Forget();

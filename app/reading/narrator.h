@@ -39,6 +39,8 @@ struct ReadingNews {
     LSoundTime time;                            // being heard
     LSoundTime length;
     bool isLengthKnown = false;            // else it is an estimate
+    bool isMove = false;                   // it waits for the sound of a place that it moved to
+    std::string title;                     // what is read is called
     std::optional<SpokenStretch> stretch;  // being heard, in bytes of the text
     // What the user is to be told, once: of an end, or of a reading that went well with something
     // left out.
@@ -71,14 +73,30 @@ public:
     ReadingState State() const { return state_; }
     bool IsReading() const { return ::IsReading(state_); }
 
-    // Ends what is read and reads the text (UTF-8) from its start. With an unknown voice it waits
-    // for SetVoice. title: what the text is called, empty when it has no name.
-    void Read(std::string text, int voice, std::string title);
+    // Ends what is read and reads the text. With an unknown voice it waits for SetVoice.
+    void Read(ReadingText text, int voice);
+    void Read(std::string text, int voice, std::string title) {
+        Read({.text = std::move(text), .title = std::move(title)}, voice);
+    }
     // The voice that a waiting reading takes; kVoiceUnknown ends it: there is none.
     void SetVoice(int voice);
     // Stop is the user's, and forgets the queue as well; what was spoken can be heard again. Then
     // there is no text either: the engine is ended, and what the user set is kept.
     void Forget();
+
+    // Anywhere in the text, whether it is spoken yet or not: what is not begins there anew. While
+    // nothing is read, times only say where Play begins, and the others do nothing. Who is paused
+    // hears the new place at once.
+    void Play() override;
+    void PlayEnd() override;
+    void MoveTo(LSoundTime time) override;
+    void MoveToEnd() override;
+    void MoveToSentence(int step) override;
+    void MoveToParagraph(int step);       // 1 or -1: the next one, or the start of this or the last
+    void MoveToHeading(int step);         // likewise, where the text has headings
+    void MoveToPlace(std::size_t place);  // the sentence at that byte of the text
+    bool HasHeadings() const { return !info_.Headings().empty(); }
+    std::size_t Place() const;  // of the sentence that is heard, or will be
 
     // The texts that wait begin one after the other, whenever nothing is being read; trouble drops
     // them.
@@ -93,7 +111,11 @@ private:
     void Enter(ReadingState state);
     void End(ReadingEnd why, std::string note);
     void Tell(ReadingState before);
-    void BeginSpeech(int voice);
+    bool IsFetching() const { return firstSound_.IsWaiting() || nextPlace_.IsRunning(); }
+    bool CanMove() const;
+    std::optional<SpokenStretch> Heard() const;
+    void BeginSpeech(std::size_t place);
+    void GoTo(std::size_t place);
     void EvFirstSound();
     void EvPlayedOut();
     void EvStopped();
@@ -110,11 +132,13 @@ private:
     ReadingState state_ = ReadingState::kIdle;
     ReadingEnd end_ = ReadingEnd::kNone;
     std::string note_;
-    std::string text_;  // while it waits for its voice
-    std::string title_;
+    int voice_ = kVoiceUnknown;
+    std::size_t wanted_ = 0;      // place whose sound is being fetched
+    bool isMove_ = false;         // and another was heard before
     bool isFailureTold_ = false;  // the engine's, of this reading
     std::deque<QueuedText> queue_;
     LSignalWatch firstSound_;
+    LGuiTimer nextPlace_;  // while places follow each other fast
     LGuiTimer silence_;
     LGuiTimer nextText_;
 };

@@ -2,26 +2,94 @@
 
 #include <utility>
 
-void ReadingInfo::SetReading(std::unique_ptr<SpeechReading> reading, std::string voiceName,
-                             std::string title) {
-    reading_ = std::move(reading);
-    voiceName_ = std::move(voiceName);
-    title_ = std::move(title);
+#include "speech/voice_table.h"
+
+namespace {
+
+constexpr std::size_t kTitleWords = 40;  // bytes of a text without a name
+
+// The text's first words.
+std::string FirstWords(std::string_view text) {
+    constexpr std::string_view kWhite = " \t\r\n\f\v";
+    std::string words;
+    std::size_t at = text.find_first_not_of(kWhite);
+    while (at < text.size()) {
+        const std::size_t end = std::min(text.find_first_of(kWhite, at), text.size());
+        if (words.size() + end - at > kTitleWords)
+            break;
+        words.append(words.empty() ? "" : " ").append(text.substr(at, end - at));
+        at = text.find_first_not_of(kWhite, end);
+    }
+    if (at < text.size())
+        words += "...";
+    return words;
+}
+
+}  // namespace
+
+void ReadingInfo::SetText(ReadingText text) {
+    Forget();
+    title_ = text.title.empty() ? FirstWords(text.text) : std::move(text.title);
+    headings_ = std::move(text.headings);
+    begin_ = std::min(text.begin, text.text.size());
+    times_ = ReadingTimes(text.text.size(), begin_);
+    text_ = std::make_shared<const std::string>(std::move(text.text));
+}
+
+void ReadingInfo::Forget() {
+    reading_.reset();
+    text_ = std::make_shared<const std::string>();
+    headings_.clear();
+    times_ = ReadingTimes();
+    begin_ = 0;
+    voiceName_.clear();
+    title_.clear();
     rate_ = 0;
+}
+
+void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPath) {
+    times_ = Times();
+    times_.GoOnFrom(place);
+    reading_.reset();  // both would write the same file
+    rate_ = 0;
+    begin_ = place;
+    voiceName_ = VoiceAt(voice).title;
+    reading_ =
+        std::make_unique<SpeechReading>(text_, place, voice, soundPath, ReadingUse::kListening);
+    reading_->Start();
+}
+
+int ReadingInfo::Frame(LSoundTime time) const {
+    const int within = time.Milliseconds() - SourceBegin().Milliseconds();
+    return LSoundTime(within).ToFrames(rate_);
+}
+
+LSoundTime ReadingInfo::TimeOf(int frame) const {
+    const LSoundTime within = LSoundTime::FromFrames(frame, rate_);
+    return LSoundTime(SourceBegin().Milliseconds() + within.Milliseconds());
+}
+
+bool ReadingInfo::Reaches(LSoundTime time) const {
+    if (!reading_ || rate_ == 0 || time < SourceBegin())
+        return false;
+    return reading_->Track().IsComplete() || Frame(time) <= reading_->Track().Frames();
+}
+
+ReadingTimes ReadingInfo::Times() const {
+    ReadingTimes times = times_;
+    if (reading_ && rate_ > 0) {
+        const SpokenStretch spoken = reading_->Track().All();
+        const bool isAll = reading_->Track().IsComplete();
+        times.SetSpoken(isAll ? times.Size() : spoken.sourceEnd,
+                        LSoundTime::FromFrames(spoken.endFrame, rate_));
+    }
+    return times;
 }
 
 void ReadingInfo::OpenSource(LSoundSource& source) {
     source = reading_ ? reading_->OpenSource() : LSoundSource();
     if (source->Status() == SoundStatus::kGood)
         rate_ = source->SampleRate();
-}
-
-std::string ReadingInfo::ItemText() const {
-    return title_.empty() ? "speech.wav" : title_;
-}
-
-LSoundTime ReadingInfo::EstimatedLength() const {
-    return reading_ ? TimeOf(reading_->Track().EstimatedEnd()) : LSoundTime();
 }
 
 std::optional<LSoundTime> ReadingInfo::FindSentence(LSoundTime time, int step) const {

@@ -1,36 +1,64 @@
-// What the player is told of a reading.
+// What is read, and what the player is told of it.
 #pragma once
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
+#include "app/reading/reading_times.h"
 #include "playback/player_info.h"
 #include "speech/speech_reading.h"
 
-// GUI thread.
+// What there is to read. Places are bytes of the text.
+struct ReadingText {
+    std::string text;                        // UTF-8
+    std::string title = {};                  // what it is called; empty: by its first words
+    std::size_t begin = 0;                   // where the reading begins
+    std::vector<std::size_t> headings = {};  // where they begin, in order
+};
+
+// A text, and the part of it that is being spoken: from a place on, which changes when the listener
+// wants to be where nothing is spoken yet. GUI thread.
 class ReadingInfo final : public LPlayerBaseInfo {
 public:
     // hasNext: whether another text waits to be read.
     explicit ReadingInfo(std::function<bool()> hasNext) : hasNext_(std::move(hasNext)) {}
 
-    // From now on; null for none.
-    void SetReading(std::unique_ptr<SpeechReading> reading, std::string voiceName,
-                    std::string title);
-    SpeechReading* Reading() const { return reading_.get(); }
+    // From now on; nothing of it is spoken yet.
+    void SetText(ReadingText text);
+    void Forget();  // text and speech
+    // Ends what is being spoken, and speaks from the place on into the file.
+    void Speak(std::size_t place, int voice, const std::string& soundPath);
 
-    int Frame(LSoundTime time) const { return time.ToFrames(rate_); }
-    LSoundTime TimeOf(int frame) const { return LSoundTime::FromFrames(frame, rate_); }
+    SpeechReading* Reading() const { return reading_.get(); }  // null before Speak
+    const std::string& Text() const { return *text_; }
+    const std::vector<std::size_t>& Headings() const { return headings_; }
+    std::size_t Begin() const { return begin_; }  // of what is spoken, or will be
+
+    // Of what is spoken; 0 before its source was opened.
+    int Frame(LSoundTime time) const;
+    LSoundTime TimeOf(int frame) const;
+    // Whether that time is in the sound that is there, or its very end.
+    bool Reaches(LSoundTime time) const;
+    bool IsSpokenToTheEnd() const { return reading_ && reading_->Track().IsComplete(); }
+    ReadingTimes Times() const;
 
     void OpenSource(LSoundSource& source) override;
-    std::string ItemText() const override;
+    std::string ItemText() const override { return title_; }
     bool HasNextItem() const override { return hasNext_(); }
     std::string VoiceName() const override { return voiceName_; }
-    LSoundTime EstimatedLength() const override;
+    LSoundTime SourceBegin() const override { return times_.PartBegin(); }
+    LSoundTime EstimatedLength() const override { return Times().Length(); }
     std::optional<LSoundTime> FindSentence(LSoundTime time, int step) const override;
 
 private:
     const std::function<bool()> hasNext_;
+    std::shared_ptr<const std::string> text_ = std::make_shared<const std::string>();
+    std::vector<std::size_t> headings_;
     std::unique_ptr<SpeechReading> reading_;
+    ReadingTimes times_;  // but for what was spoken since the part began
+    std::size_t begin_ = 0;
     std::string voiceName_;
     std::string title_;
     int rate_ = 0;  // frames a second, once there is sound

@@ -34,7 +34,7 @@ constexpr bool MayFollow(ReadingState from, ReadingState to) {
         {o, o, x, o, o, x},  // from waiting for the voice
         {o, o, o, x, x, x},  // from waiting for sound
         {o, o, x, o, x, x},  // from playing
-        {o, o, o, x, o, x},  // from paused
+        {o, o, x, x, o, x},  // from paused
         {x, x, x, x, o, o},  // from ended
     }};
     return kTable[static_cast<std::size_t>(from)][static_cast<std::size_t>(to)];

@@ -34,8 +34,7 @@ void LPlayerBaseDlg::InitDialog() {
     SetTooltip(kDevice, "\"default\" is the desktop's own sound server");
     wave_.Attach(GetControlByID(kWave));
     wave_.seek = [this](std::int64_t frame) {
-        transport_.MoveTo(
-            LSoundTime::FromFrames(static_cast<std::int32_t>(frame), transport_.SampleRate()));
+        transport_.MoveTo(transport_.TimeOf(static_cast<std::int32_t>(frame)));
     };
     ShowRoute();
     ShowItem();

@@ -50,7 +50,7 @@ void LPlayerBaseDlg::ShowTime() {
     const LSoundTime length = transport_.Length();
     if (length > LSoundTime()) {
         length._GetText0(text);
-        shown += length > transport_.KnownLength() ? " of about " : " of ";
+        shown += transport_.IsLengthKnown() ? " of " : " of about ";
         shown += text;
     }
     SetStaticText(kTime, shown.c_str());
@@ -61,13 +61,13 @@ void LPlayerBaseDlg::ShowTime() {
 
 void LPlayerBaseDlg::ShowPosition() {
     const std::int64_t length = transport_.Length().Milliseconds();
-    SBSetPos(kPosition,
-             length > 0 ? static_cast<int>(transport_.Time().Milliseconds() * 100 / length) : 0);
+    const std::int64_t time = transport_.Time().Milliseconds();
+    SBSetPos(kPosition, length > 0 ? static_cast<int>(time * 100 / length) : 0);
 }
 
 void LPlayerBaseDlg::ShowWave() {
     const int rate = transport_.SampleRate();
-    const int frame = transport_.Time().ToFrames(rate);
+    const int frame = transport_.Frame();
     if (IsPlaying())
         wave_.MoveOn(frame, rate, transport_.Pace());
     else

@@ -158,8 +158,6 @@ TEST_F(NumbersReading, IsHeardWhileItIsSpokenAndKnowsWhichSentenceWhen) {
 
     ASSERT_TRUE(Eventually([&] { return reading.Track().Frames() == 3 * kFramesOfNumber; }));
     EXPECT_TRUE(source->IsStreaming());
-    const int estimate = reading.Track().EstimatedEnd();
-    EXPECT_NEAR(estimate, 20 * kFramesOfNumber, 4 * kFramesOfNumber);
     // Where it runs dry it stands still.
     int block[4 * kFramesOfNumber];
     source->Seek(100 * kFramesOfNumber);
@@ -175,7 +173,6 @@ TEST_F(NumbersReading, IsHeardWhileItIsSpokenAndKnowsWhichSentenceWhen) {
     source->Seek(0);
     EXPECT_EQ(HearNumbers(*source), Numbers(20));
     EXPECT_FALSE(source->IsStreaming());
-    EXPECT_EQ(reading.Track().EstimatedEnd(), 20 * kFramesOfNumber);
     EXPECT_EQ(reading.Outcome(), SynthesisOutcome::kSpoken);
     EXPECT_EQ(reading.Message(), "");
 
@@ -313,7 +310,7 @@ TEST_F(NumbersReading, EndsInEveryPhaseAndLeavesNothing) {
                     source = reading.OpenSource();
                 }
                 source->Read(block, 1000);
-                source->Seek(static_cast<int>(i * 997 % (reading.Track().EstimatedEnd() + 1)));
+                source->Seek(static_cast<int>(i * 997 % (reading.Track().Frames() + 1)));
                 source->WaitForStreamingData(1);
             }
         });

@@ -21,7 +21,8 @@ std::string StatusOf(const ReadingNews& news) {
         case ReadingState::kWaitingForVoice:
             return "Waiting for the speech engine (Esc stops)";
         case ReadingState::kWaitingForSound:
-            return "Waiting for the first sentence (Esc stops)";
+            return news.isMove ? "Going to " + PlaceOf(news) + " (Esc stops)"
+                               : "Waiting for the first sentence (Esc stops)";
         case ReadingState::kPlaying:
             return "Reading aloud: " + PlaceOf(news) + " (Esc stops)";
         case ReadingState::kPaused:
@@ -48,7 +49,8 @@ void ReadingStatus::Hear(const ReadingNews& news) {
             HearEnd(news);
         return;
     }
-    const bool fallsBehind = news.IsNew() && news.state == ReadingState::kWaitingForSound &&
+    const bool fallsBehind = news.IsNew() && !news.isMove &&
+                             news.state == ReadingState::kWaitingForSound &&
                              news.before == ReadingState::kPlaying;
     if (fallsBehind) {
         constexpr const char* kNote =

@@ -13,8 +13,10 @@ constexpr const char* kTitle = "Synthesize Voice";
 constexpr unsigned int kPatienceMilliseconds = 300;
 constexpr unsigned int kPulseMilliseconds = 100;
 
-// A voice that falls behind in the middle of a text is told in the status bar.
+// A wait in the middle of a text is told in the status bar.
 bool IsBeginning(const ReadingNews& news) {
+    if (news.isMove)
+        return false;
     return news.state == ReadingState::kWaitingForVoice ||
            (news.state == ReadingState::kWaitingForSound && news.before != ReadingState::kPlaying);
 }

@@ -1,5 +1,6 @@
 // The narrator itself, without windows: its states, and what its receivers are told.
 #include "app/reading/narrator.h"
+#include "app/reading/reading_times.h"
 
 #include <gmock/gmock.h>
 
@@ -30,8 +31,32 @@ TEST(ReadingState, FollowOneAnother) {
     }
     EXPECT_FALSE(MayFollow(State::kIdle, State::kPlaying));
     EXPECT_FALSE(MayFollow(State::kWaitingForVoice, State::kPlaying));
-    EXPECT_FALSE(MayFollow(State::kPaused, State::kWaitingForSound)) << "silence is wanted";
+    EXPECT_TRUE(MayFollow(State::kPaused, State::kWaitingForSound)) << "of another place";
     EXPECT_TRUE(MayFollow(State::kEnded, State::kPlaying)) << "again";
+}
+
+TEST(ReadingTimes, ReachAllOfATextFromEveryPart) {
+    ReadingTimes times(1000);
+    EXPECT_EQ(times.Length(), LSoundTime(70000)) << "a guess";
+    times.SetSpoken(100, LSoundTime(5000));
+    EXPECT_EQ(times.Length(), LSoundTime(50000));
+    EXPECT_EQ(times.PlaceAt(LSoundTime(25000)), 500u);
+    times.GoOnFrom(500);
+    EXPECT_EQ(times.PartBegin(), LSoundTime(25000)) << "nothing falls back";
+    EXPECT_EQ(times.Length(), LSoundTime(50000));
+    times.SetSpoken(600, LSoundTime(15000));
+    EXPECT_EQ(times.PartBegin(), LSoundTime(25000));
+    EXPECT_EQ(times.Length(), LSoundTime(80000)) << "both parts have told the pace";
+    EXPECT_EQ(times.PlaceAt(LSoundTime(12500)), 250u);
+    EXPECT_EQ(times.PlaceAt(LSoundTime(32500)), 550u);
+    EXPECT_EQ(times.PlaceAt(LSoundTime(80000)), 1000u);
+    times.SetSpoken(1000, LSoundTime(40000));
+    EXPECT_EQ(times.Length(), LSoundTime(65000));
+    EXPECT_EQ(times.PlaceAt(LSoundTime(99000)), 1000u);
+    // 600 MB would take longer than a time can tell, and are reached all the same.
+    ReadingTimes longest(600'000'000, 300'000'000);
+    EXPECT_NEAR(static_cast<double>(longest.PlaceAt(longest.PartBegin())), 3e8, 1e4);
+    EXPECT_GE(longest.PlaceAt(longest.Length()), 599'000'000u);
 }
 
 class NarratorTest : public testing::Test {
@@ -115,6 +140,82 @@ TEST_F(NarratorTest, TellsEachStateAndStretchOnTheWayThroughAText) {
     ASSERT_TRUE(RunTo(State::kEnded)) << "again";
     narrator_->Forget();
     EXPECT_THAT(states_, ElementsAre(State::kPlaying, State::kEnded, State::kIdle));
+}
+
+// Sentences as the engine's double speaks them, so many seconds each.
+std::string LongText(int count) {
+    std::string text;
+    for (int number = 0; number < count; ++number)
+        text += "Sentence number " + std::to_string(1000 + number) +
+                (number % 5 == 4 ? " is said.\n\n" : " is said. ");
+    return text;
+}
+
+std::string WordsAt(const std::string& text, const ReadingNews& news) {
+    return news.stretch ? text.substr(news.stretch->sourceBegin, 20) : "";
+}
+
+// Whatever is asked for: much further than the engine has spoken, and back again.
+TEST_F(NarratorTest, GoesToAnyPlaceOfTheText) {
+    const std::string text = LongText(1000);
+    cards_.Insert(0, "speed 1\n");
+    const auto hears = [&](const char* words) {
+        return RunUntil(
+            [&] { return last_.state == State::kPlaying && WordsAt(text, last_) == words; });
+    };
+    const auto percent = [&] {
+        return 100.0 * last_.time.Milliseconds() / last_.length.Milliseconds();
+    };
+    narrator_->Read({.text = text, .headings = {0, text.find("Sentence number 1500"), 20000}}, 0);
+    EXPECT_EQ(last_.title, "Sentence number 1000 is said. Sentence...");
+    ASSERT_TRUE(hears("Sentence number 1000"));
+    EXPECT_FALSE(last_.isLengthKnown);
+    narrator_->MoveTo(LSoundTime(narrator_->Length().Milliseconds() / 2));
+    EXPECT_NEAR(percent(), 50, 1) << "at once";
+    EXPECT_TRUE(last_.isMove);
+    EXPECT_NEAR(static_cast<double>(narrator_->Place()), static_cast<double>(text.size()) / 2, 50);
+    ASSERT_TRUE(RunTo(State::kPlaying));
+    ASSERT_TRUE(RunUntil([&] { return last_.stretch.has_value(); }));
+    EXPECT_NEAR(static_cast<double>(last_.stretch->sourceBegin),
+                static_cast<double>(text.size()) / 2, 50);
+    EXPECT_NEAR(percent(), 50, 3) << "and it stays there";
+    EXPECT_FALSE(last_.isLengthKnown);
+
+    narrator_->MoveToHeading(-1);
+    narrator_->MoveToHeading(-1);
+    ASSERT_TRUE(hears("Sentence number 1000"));
+    narrator_->MoveToHeading(1);
+    ASSERT_TRUE(hears("Sentence number 1500"));
+    narrator_->MoveToSentence(-1);
+    ASSERT_TRUE(hears("Sentence number 1499"));
+    narrator_->MoveToParagraph(-1);
+    ASSERT_TRUE(hears("Sentence number 1495"));
+    for (int step = 0; step < 3; ++step)
+        narrator_->MoveToParagraph(1);  // faster than the engine
+    ASSERT_TRUE(hears("Sentence number 1510"));
+    narrator_->Pause();
+    ASSERT_TRUE(RunTo(State::kPaused));
+    narrator_->MoveToPlace(text.find("1800"));
+    ASSERT_TRUE(hears("Sentence number 1800"));
+    narrator_->Stop();
+    ASSERT_TRUE(RunTo(State::kEnded));
+    narrator_->Play();
+    ASSERT_TRUE(hears("Sentence number 1000")) << "what was ended begins again";
+    narrator_->MoveToEnd();
+    ASSERT_TRUE(hears("Sentence number 1999"));
+    cards_.Insert(0, "speed 20\n");
+    narrator_->MoveToSentence(-1);
+    ASSERT_TRUE(RunTo(State::kEnded));
+    EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd);
+}
+
+TEST_F(NarratorTest, NothingLeftToSayBehindAPlaceIsAnEnd) {
+    const std::string text = LongText(50);
+    narrator_->Read({.text = text + "\n\n* * *", .begin = text.size() - 20}, 0);
+    ASSERT_TRUE(RunTo(State::kEnded));
+    EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd);
+    narrator_->Play();
+    ASSERT_TRUE(RunUntil([&] { return WordsAt(text, last_) == "Sentence number 1000"; }));
 }
 
 TEST_F(NarratorTest, EndsForAReason) {
@@ -206,6 +307,8 @@ TEST_F(NarratorTest, LosesNothingInAThousandRandomActs) {
         [&] { narrator_->MoveTo(LSoundTime(number(4000))); },
         [&] { narrator_->MoveToSentence(number(3) - 1); },
         [&] { narrator_->MoveToEnd(); },
+        [&] { narrator_->MoveToParagraph(number(2) * 2 - 1); },
+        [&] { narrator_->MoveToPlace(static_cast<std::size_t>(number(120))); },
         [&] { narrator_->PlayEnd(); },
         [&] {
             narrator_->Wind(number(2) == 0 ? PlayerWind::Way::kBack : PlayerWind::Way::kForward);
