@@ -38,7 +38,8 @@ Way WayTo(std::string_view path) {
     way.steps = path;
     struct stat root = {};
     // The machine's first: "/opt" stands for a home folder that is not told.
-    if (TakePrefix(way.steps, MachinePath("/opt/quillon"))) {
+    if (TakePrefix(way.steps, MachinePath("/opt/quillon")) ||
+        TakePrefix(way.steps, MachinePath("/etc/lectora"))) {
         way.steps = path.substr(MachinePath("/").size());
         way.start = OpenStart(MachinePath("/"));
         way.isMachines = true;
