@@ -47,12 +47,13 @@ struct PieceRuns::Run {
 };
 
 PieceRuns::PieceRuns(std::string_view text, int voice, std::string folder, ReadingUse use,
-                     SpokenPieceTaker& taker)
+                     SpokenPieceTaker& taker, SpeakingRules rules)
     : text_(text),
       voice_(voice),
       folder_(std::move(folder)),
       use_(use),
       taker_(taker),
+      rules_(std::move(rules)),
       mostAtOnce_(use == ReadingUse::kListening
                       ? 1
                       : std::clamp(std::thread::hardware_concurrency(), 1U, kMostRunsWhenSaving)) {}
@@ -61,7 +62,7 @@ PieceRuns::~PieceRuns() = default;
 
 bool PieceRuns::StartRuns() {
     if (!pieces_)
-        pieces_.emplace(text_, AskedVoiceAt(voice_), use_);
+        pieces_.emplace(text_, AskedVoiceAt(voice_), use_, rules_);
     while (!hasEnded_ && runs_.size() < mostAtOnce_ && taker_.IsMoreWanted() && PullPiece()) {
     }
     for (std::size_t i = 0; !hasEnded_ && i < std::min(mostAtOnce_, runs_.size()); ++i)
@@ -196,7 +197,7 @@ double PieceRuns::Fraction() const {
 
 std::string PieceRuns::LeftOutMessage() const {
     const std::string unspoken = ::LeftOutMessage(text_, leftOut_);
-    const std::string unsayable = pieces_ ? pieces_->Unsayable().Message() : "";
+    const std::string unsayable = pieces_ ? pieces_->Message() : "";
     return unspoken.empty() || unsayable.empty() ? unspoken + unsayable
                                                  : unspoken + " " + unsayable;
 }

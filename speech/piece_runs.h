@@ -41,7 +41,7 @@ public:
     // The text's bytes and the taker outlive this; folder (with its slash) is where the engine
     // writes.
     PieceRuns(std::string_view text, int voice, std::string folder, ReadingUse use,
-              SpokenPieceTaker& taker);
+              SpokenPieceTaker& taker, SpeakingRules rules = {});
     ~PieceRuns();
     PieceRuns(const PieceRuns&) = delete;
     PieceRuns& operator=(const PieceRuns&) = delete;
@@ -75,6 +75,7 @@ private:
     std::string folder_;
     ReadingUse use_;
     SpokenPieceTaker& taker_;
+    SpeakingRules rules_;
     std::optional<SpeechPieces> pieces_;
     std::size_t mostAtOnce_;
     std::deque<std::unique_ptr<Run>> runs_;  // in the order of the text, those at work in front

@@ -65,7 +65,7 @@ void PlainWords::Fill() {
     if (skipsLongStretch_ && taken_ < out_.size())
         return;
     while (!reader_.AtEnd() && out_.size() - taken_ < kReadAhead) {
-        ReadCharacter();
+        Read();
         if (skipsLongStretch_ || reader_.At() - keptEnd_ <= kLongStretch)
             continue;
         // Nobody waits for the end of it to hear what stands before.
@@ -76,10 +76,19 @@ void PlainWords::Fill() {
     }
 }
 
-void PlainWords::ReadCharacter() {
+// A character, or a stretch that is said differently.
+void PlainWords::Read() {
     const std::size_t before = out_.size();
     characterBegin_ = reader_.At();
-    const char32_t character = reader_.Next();
+    if (const auto stretch = said_.At(characterBegin_))
+        AddInstead(*stretch);
+    else
+        AddCharacter(reader_.Next());
+    for (std::size_t at = before; at < out_.size(); ++at)
+        sources_[at].end = reader_.At();
+}
+
+void PlainWords::AddCharacter(char32_t character) {
     if (character == 0)
         return;
     if (character < 0x80)
@@ -87,8 +96,15 @@ void PlainWords::ReadCharacter() {
     else
         AddOther(character);
     previous_ = character;
-    for (std::size_t at = before; at < out_.size(); ++at)
-        sources_[at].end = reader_.At();
+}
+
+// Every byte of it stands for the whole stretch of the text.
+void PlainWords::AddInstead(const SaidDifferently::Stretch& stretch) {
+    reader_.Skip(stretch.end - reader_.At());
+    for (Utf8Reader said(stretch.said); !said.AtEnd();)
+        AddCharacter(said.Next());
+    if (stretch.said.empty())
+        Skip();
 }
 
 bool PlainWords::TakeWord(PlainWord& word) {
@@ -241,9 +257,13 @@ bool PlainWords::LastWordIsNumber() const {
     return !word.empty() && g_ascii_isdigit(word.back());
 }
 
-// What is left out parts words, but leaves no gap before punctuation.
 void PlainWords::Drop(char32_t character) {
     unsayable_.Add(character, characterBegin_, reader_.At());
+    Skip();
+}
+
+// What is left out parts words, but leaves no gap before punctuation.
+void PlainWords::Skip() {
     if (!out_.empty() && IsAsciiLetterOrDigit(static_cast<unsigned char>(out_.back())))
         blankBeforeWord_ = true;
     dropped_ = true;

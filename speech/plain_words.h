@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "speech/pronunciations.h"
 #include "speech/text_preparation.h"
 
 // Walks UTF-8, skipping bytes that are none.
@@ -44,12 +45,17 @@ class PlainWords {
 public:
     // The text's bytes must outlive this.
     // language: the voice's tag, English for voices that read ASCII.
-    PlainWords(std::string_view text, VoiceCharset charset, std::string_view language)
-        : reader_(text), charset_(charset), language_(language.substr(0, 2)) {}
+    PlainWords(std::string_view text, VoiceCharset charset, std::string_view language,
+               SaidDifferently said)
+        : reader_(text),
+          charset_(charset),
+          language_(language.substr(0, 2)),
+          said_(std::move(said)) {}
 
     // False at the end.
     bool Next(PlainWord& word);
     const UnsayableText& Unsayable() const { return unsayable_; }
+    const std::vector<std::string>& GivenUpPatterns() const { return said_.GivenUp(); }
 
 private:
     struct Source {
@@ -58,7 +64,9 @@ private:
     };
 
     void Fill();
-    void ReadCharacter();
+    void Read();
+    void AddCharacter(char32_t character);
+    void AddInstead(const SaidDifferently::Stretch& stretch);
     bool TakeWord(PlainWord& word);
     std::size_t LengthOfPiece(std::size_t from, std::size_t end) const;
 
@@ -83,6 +91,7 @@ private:
     bool LastWordIsNumber() const;
 
     void Drop(char32_t character);
+    void Skip();
     std::string InCharset(std::string_view utf8) const;
     void AddWords(std::string_view words);
     void AddText(std::string_view text);
@@ -93,6 +102,7 @@ private:
     Utf8Reader reader_;
     VoiceCharset charset_;
     std::string language_;
+    SaidDifferently said_;
     UnsayableText unsayable_;
     std::string out_;              // what was read ahead, and a little of what was taken
     std::vector<Source> sources_;  // for each byte of out_

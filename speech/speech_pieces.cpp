@@ -17,6 +17,12 @@ constexpr std::size_t kMostToSave = 8000;
 constexpr double kQuickSeconds = 3;
 constexpr double kSlowSeconds = 8;
 
+SaidDifferently SaidBy(const Voice& voice, std::string_view text, const SpeakingRules& rules) {
+    return rules.saysDifferently
+               ? SaidDifferently(CurrentPronunciations(), text, KeyOf(voice), voice.language)
+               : SaidDifferently();
+}
+
 }  // namespace
 
 std::size_t SpeechPiece::Size() const {
@@ -45,8 +51,9 @@ SpeechPiece SpeechPiece::TakeSecondHalf() {
     return second;
 }
 
-SpeechPieces::SpeechPieces(std::string_view text, const Voice& voice, ReadingUse use)
-    : units_(text, voice.charset, voice.language),
+SpeechPieces::SpeechPieces(std::string_view text, const Voice& voice, ReadingUse use,
+                           const SpeakingRules& rules)
+    : units_(text, voice.charset, voice.language, SaidBy(voice, text, rules)),
       use_(use),
       enough_(use == ReadingUse::kListening ? kEnoughToListen : kFirstToSave),
       most_(use == ReadingUse::kListening ? kMostToListen : kFirstToSave) {}
@@ -79,4 +86,14 @@ void SpeechPieces::RunTook(double seconds) {
 void SpeechPieces::LimitTo(std::size_t size) {
     enough_ = std::min(enough_, std::max<std::size_t>(size, 1));
     most_ = std::min(most_, enough_);
+}
+
+std::string SpeechPieces::Message() const {
+    std::string message = units_.Unsayable().Message();
+    for (const std::string& pattern : units_.GivenUpPatterns()) {
+        message += message.empty() ? "" : " ";
+        message += "The pattern \"" + pattern +
+                   "\" of your pronunciation list takes too long and was not used to the end.";
+    }
+    return message;
 }

@@ -14,6 +14,11 @@
 // the least cost.
 enum class ReadingUse { kListening, kSaving };
 
+// How a text is spoken, beside the voice.
+struct SpeakingRules {
+    bool saysDifferently = true;  // by the pronunciation list (pronunciations.h)
+};
+
 // Consecutive units of a text; never empty.
 struct SpeechPiece {
     std::vector<TextUnit> units;
@@ -33,13 +38,15 @@ struct SpeechPiece {
 class SpeechPieces {
 public:
     // The text's bytes outlive this.
-    SpeechPieces(std::string_view text, const Voice& voice, ReadingUse use);
+    SpeechPieces(std::string_view text, const Voice& voice, ReadingUse use,
+                 const SpeakingRules& rules = {});
 
     bool Next(SpeechPiece& piece);  // false at the end
     // A run over a piece took so long: the next ones are cut by that when saving.
     void RunTook(double seconds);
     void LimitTo(std::size_t size);  // bytes of prepared text; never less than a unit
-    const UnsayableText& Unsayable() const { return units_.Unsayable(); }
+    // What the user is to be told of the text that was read so far; empty for nothing.
+    std::string Message() const;
 
 private:
     TextUnits units_;

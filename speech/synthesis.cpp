@@ -170,7 +170,9 @@ LSignalObjectRef SynthesisRun::Finished() const {
 }
 
 bool SynthesisRun::Start() {
-    const PreparedText prepared = PrepareText(request_.text, voice_.charset, voice_.language);
+    const PreparedText prepared = PrepareText(
+        request_.text, voice_.charset, voice_.language,
+        SaidDifferently(CurrentPronunciations(), request_.text, KeyOf(voice_), voice_.language));
     if (!prepared.hasWords) {
         request_.outcome = SynthesisOutcome::kNothingToSay;
         return false;

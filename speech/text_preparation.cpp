@@ -1,6 +1,7 @@
 #include "speech/text_preparation.h"
 
 #include <optional>
+#include <utility>
 
 #include "speech/plain_words.h"
 #include "speech/sayable_units.h"
@@ -29,9 +30,10 @@ bool TextUnits::Stages::BeginsSentence(const PlainWord& word) {
     return begins;
 }
 
-TextUnits::TextUnits(std::string_view text, VoiceCharset charset, std::string_view language)
-    : stages_(new Stages{PlainWords(text, charset, language), SayableUnits(charset),
-                         Sentences(text), std::nullopt}) {}
+TextUnits::TextUnits(std::string_view text, VoiceCharset charset, std::string_view language,
+                     SaidDifferently said)
+    : stages_(new Stages{PlainWords(text, charset, language, std::move(said)),
+                         SayableUnits(charset), Sentences(text), std::nullopt}) {}
 
 TextUnits::~TextUnits() = default;
 TextUnits::TextUnits(TextUnits&&) noexcept = default;
@@ -57,9 +59,14 @@ const UnsayableText& TextUnits::Unsayable() const {
     return stages_->words.Unsayable();
 }
 
-PreparedText PrepareText(std::string_view text, VoiceCharset charset, std::string_view language) {
+const std::vector<std::string>& TextUnits::GivenUpPatterns() const {
+    return stages_->words.GivenUpPatterns();
+}
+
+PreparedText PrepareText(std::string_view text, VoiceCharset charset, std::string_view language,
+                         SaidDifferently said) {
     PreparedText prepared;
-    TextUnits units(text, charset, language);
+    TextUnits units(text, charset, language, std::move(said));
     for (TextUnit unit; units.Next(unit); prepared.hasWords = true)
         prepared.text += unit.text;
     return prepared;

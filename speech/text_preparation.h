@@ -6,7 +6,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "speech/pronunciations.h"
 #include "speech/unsayable_text.h"
 
 // What the bytes of a prepared text mean. English voices read ASCII.
@@ -42,15 +44,18 @@ struct TextUnit {
 class TextUnits {
 public:
     // The text's bytes must outlive this.
-    // language is the voice's, for signs that are said in words.
-    TextUnits(std::string_view text, VoiceCharset charset, std::string_view language = {});
+    // language is the voice's, for signs that are said in words; said is asked about this text.
+    TextUnits(std::string_view text, VoiceCharset charset, std::string_view language = {},
+              SaidDifferently said = {});
     ~TextUnits();
     TextUnits(TextUnits&&) noexcept;
     TextUnits& operator=(TextUnits&&) noexcept;
 
     // False at the end.
     bool Next(TextUnit& unit);
-    const UnsayableText& Unsayable() const;  // of what was read so far
+    // Of what was read so far.
+    const UnsayableText& Unsayable() const;
+    const std::vector<std::string>& GivenUpPatterns() const;
 
 private:
     struct Stages;
@@ -63,4 +68,4 @@ struct PreparedText {
 };
 
 PreparedText PrepareText(std::string_view text, VoiceCharset charset,
-                         std::string_view language = {});
+                         std::string_view language = {}, SaidDifferently said = {});

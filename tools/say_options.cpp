@@ -13,7 +13,15 @@
 
 namespace {
 
-enum SayOption : int { kListVoices = 256, kSplit, kText, kWholePage, kSayHelp, kSayVersion };
+enum SayOption : int {
+    kListVoices = 256,
+    kSplit,
+    kText,
+    kWholePage,
+    kAsWritten,
+    kSayHelp,
+    kSayVersion
+};
 
 const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"list-voices", no_argument, nullptr, kListVoices},
@@ -24,6 +32,7 @@ const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"split", optional_argument, nullptr, kSplit},
                               {"text", optional_argument, nullptr, kText},
                               {"whole-page", no_argument, nullptr, kWholePage},
+                              {"as-written", no_argument, nullptr, kAsWritten},
                               {"help", no_argument, nullptr, kSayHelp},
                               {"version", no_argument, nullptr, kSayVersion},
                               {nullptr, 0, nullptr, 0}};
@@ -60,6 +69,7 @@ int ShowSayHelp() {
         "spoken "
         "by the voice\n"
         "      --whole-page     of a web page read menus and all else around its article too\n"
+        "      --as-written     leave the pronunciation list aside\n"
         "      --help           show this text\n"
         "      --version        show the version\n",
         kSayProgram, kSayProgram, kSayProgram, kSayProgram, kSayProgram,
@@ -198,6 +208,9 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 break;
             case kWholePage:
                 options.rules.wholePage = true;
+                break;
+            case kAsWritten:
+                options.speaking.saysDifferently = false;
                 break;
             case kText:
                 if (!ParseTextForm(optarg == nullptr ? "whole" : optarg, options))

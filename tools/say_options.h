@@ -7,6 +7,7 @@
 
 #include "documents/document.h"
 #include "formats/sound_types.h"
+#include "speech/speech_pieces.h"
 
 constexpr const char* kSayProgram = "lectora-say";
 constexpr const char* kStandardOutput = "-";
@@ -24,6 +25,7 @@ struct SayOptions {
     bool listsVoices = false;
     DocumentRules rules;
     std::optional<TextForm> printsText;  // the jobs have a text alone
+    SpeakingRules speaking;
     bool overwrite = false;
     bool showsProgress = false;        // also beside sound on standard output
     std::optional<int> splitMinutes;   // length of numbered parts; 0: what a file can hold

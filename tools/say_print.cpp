@@ -9,7 +9,7 @@
 #include "foundation/files/file_io.h"
 #include "speech/character_tables.h"
 #include "speech/sentences.h"
-#include "speech/text_preparation.h"
+#include "speech/speech_pieces.h"
 #include "speech/voice_table.h"
 #include "tools/interruption.h"
 #include "tools/say_document.h"
@@ -42,7 +42,8 @@ std::string ForTerminal(const std::string& text, VoiceCharset charset) {
     return utf8;
 }
 
-std::string InForm(TextForm form, const std::string& text, int voice) {
+std::string InForm(const SayOptions& options, const std::string& text, int voice) {
+    const TextForm form = *options.printsText;
     std::string printed;
     if (form == TextForm::kWhole) {
         printed = text;
@@ -56,10 +57,10 @@ std::string InForm(TextForm form, const std::string& text, int voice) {
                        printed);
         return printed;
     }
-    const VoiceCharset charset = VoiceAt(voice).charset;
-    TextUnits units(text, charset, VoiceAt(voice).language);
-    for (TextUnit unit; units.Next(unit);)
-        AppendLine(ForTerminal(unit.text, charset), printed);
+    SpeechPieces pieces(text, VoiceAt(voice), ReadingUse::kListening, options.speaking);
+    for (SpeechPiece piece; pieces.Next(piece);)
+        for (const TextUnit& unit : piece.units)
+            AppendLine(ForTerminal(unit.text, VoiceAt(voice).charset), printed);
     return printed;
 }
 
@@ -71,8 +72,7 @@ int PrintTexts(const SayOptions& options, int voice) {
         const Document document = ReadSayDocument(job.text, options.rules);
         std::string problem = document.problem;
         if (problem.empty()) {
-            const int error =
-                WriteFully(STDOUT_FILENO, InForm(*options.printsText, document.text, voice));
+            const int error = WriteFully(STDOUT_FILENO, InForm(options, document.text, voice));
             problem = error == 0 ? "" : "standard output: " + ErrorText(error);
         }
         if (!problem.empty()) {

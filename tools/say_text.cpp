@@ -128,7 +128,7 @@ std::string Speak(const SayOptions& options, const SayJob& job, const std::strin
     LTerminalProgress progress(options.showsProgress || !streams);
     progress.SetSubject(subject);
     PieceRuns runs(text, voice, workFolder, streams ? ReadingUse::kListening : ReadingUse::kSaving,
-                   output);
+                   output, options.speaking);
     const LProcessResult result = Process(progress, runs);
     if (IsInterrupted())
         return subject + ": stopped";
