@@ -5,6 +5,7 @@
 #include "app/commands/command_numbers.h"
 #include "gui/gtk_children.h"
 #include "gui/icon_numbers.h"
+#include "gui/mnemonic.h"
 
 namespace {
 
@@ -187,11 +188,6 @@ std::string Named(const char* label, const char* program) {
     return text.replace(text.find("%s"), 2, program);
 }
 
-std::string WithoutLetter(std::string label) {
-    std::erase(label, '&');
-    return label;
-}
-
 int CommandOf(const LMenuItem& item) {
     return item.command < -1 ? -item.command : item.command;
 }
@@ -303,7 +299,7 @@ void CommandPlaces::PopupTrayMenu() {
     for (LMenuItem& row : rows) {
         if (row.text == nullptr)
             continue;
-        texts.push_back(WithoutLetter(row.text));
+        texts.push_back(WithoutMnemonic(row.text));
         row.text = texts.back().c_str();
     }
     SetPopup(trayMenu_, rows);

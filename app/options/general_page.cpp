@@ -38,17 +38,17 @@ bool KeepChange(const Setting& setting, const Value& before, const Value& now) {
 
 void DlgGenGeneralDlg(LDialogGenContext& context) {
     context.AddGroup(-1, "Run Start Up");
-    context.AddCheckBox(kRunAtLogin, "Run Lectora automatically when computer starts");
+    context.AddCheckBox(kRunAtLogin, "&Run Lectora automatically when computer starts");
     context.AddPullDownList(kRunMode);
     context.GroupEnd();
     context.AddGroup(-1, "Save");
-    context.AddRadioButtonGroup(kPrompt, "Prompt for format settings");
-    context.AddRadioButton(kUseDefault, "Use these default format settings ");
+    context.AddRadioButtonGroup(kPrompt, "&Prompt for format settings");
+    context.AddRadioButton(kUseDefault, "&Use these default format settings ");
     context.AddPullDownList(kFormat, "  Choose Format");
-    context.AddButton(kFormatSettings, "Format Settings");
+    context.AddButton(kFormatSettings, "&Format Settings");
     context.GroupEnd();
     context.AddGroup(-1, "Text");
-    context.AddCheckBox(kKeepText, "Keep the text for the next start");
+    context.AddCheckBox(kKeepText, "&Keep the text for the next start");
     context.GroupEnd();
 }
 

@@ -26,8 +26,8 @@ void DlgGenHotKeyAssignmentDlg(LDialogGenContext& context) {
     context.SetWidth(kAssignmentWidth);
     context.AddPullDownList(kCommandList, "Command");
     context.AddInput(kKeyText, "HotKey Assigned:");
-    context.AddButton(kChangeKey, "Change Key");
-    context.AddOkCancelHelp(false, false, false);
+    context.AddButton(kChangeKey, "Change &Key");
+    context.AddOkCancelHelp(kOkCancelHelp);
 }
 
 bool HotKeyAssignmentDlgImp::Run(GtkWidget* parent) {

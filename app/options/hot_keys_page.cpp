@@ -15,7 +15,7 @@ constexpr int kList = 108;
 constexpr int kAdd = 109;
 constexpr int kChange = 110;
 constexpr int kRemove = 111;
-constexpr int kListHeight = 128;
+constexpr LRows kListHeight{5};
 constexpr int kCommandColumn = 1;
 constexpr int kStateColumn = 2;
 
@@ -49,9 +49,9 @@ void DlgGenHotkeysDlg(LDialogGenContext& context) {
     context.AddGroup(-1, kGroup);
     context.AddList(kList, kListHeight);
     context.StartHBox();
-    context.AddButton(kAdd, "Add...");
-    context.AddButton(kChange, "Change...");
-    context.AddButton(kRemove, "Remove...");
+    context.AddButton(kAdd, "&Add...");
+    context.AddButton(kChange, "Chan&ge...");
+    context.AddButton(kRemove, "&Remove...");
     context.EndHBox();
     context.GroupEnd();
 }

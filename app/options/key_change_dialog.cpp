@@ -18,7 +18,7 @@ void DlgGenKeyChange(LDialogGenContext& context) {
     context.SetWidth(kKeyDialogWidth);
     context.AddStatic(kKeyPrompt, "Press a key or a key combination");
     context.AddStatic(kWayOut, "Escape goes back without a change.");
-    context.AddOkCancelHelp("Go Back", false, true, false);
+    context.AddOkCancelHelp(kOkButton | kHelpButton, "Go Back");
 }
 
 // Alone it is the beginning of a combination. Caps Lock and Meta are none of these: whoever has no

@@ -30,7 +30,7 @@ void DlgGenInstallWelcome(LDialogGenContext& context) {
 
 void DlgGenInstallPlaces(LDialogGenContext& context) {
     AddPageText(context, kPageText, "");
-    context.AddList(kPlaces, 190);
+    context.AddList(kPlaces, LRows{7});
 }
 
 void DlgGenInstallProgress(LDialogGenContext& context) {

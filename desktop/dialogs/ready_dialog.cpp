@@ -29,18 +29,18 @@ constexpr const char* kNoCardAdvice =
 
 void DlgGenReady(LDialogGenContext& context) {
     context.SetWidth(620);
-    context.AddList(kState, 160);
+    context.AddList(kState, LRows{5});
     AddPageText(context, kAdvice, "");
     context.StartHBox();
-    context.AddButton(kInstall, "Install What Is Missing");
-    context.AddButton(kAgain, "Check Again");
-    context.AddButton(kTest, "Read a Test Sentence");
+    context.AddButton(kInstall, "&Install What Is Missing");
+    context.AddButton(kAgain, "Check &Again");
+    context.AddButton(kTest, "&Read a Test Sentence");
     context.EndHBox();
     context.AddGroup(-1, "More voices");
-    context.AddList(kVoices, 135);
-    context.AddButton(kInstallVoices, "Install Chosen Voices");
+    context.AddList(kVoices, LRows{4});
+    context.AddButton(kInstallVoices, "Install Chosen &Voices");
     context.GroupEnd();
-    context.AddOkCancelHelp("Close", true, true, false);
+    context.AddOkCancelHelp(kOkButton, "&Close");
 }
 
 // The command under a progress dialog.

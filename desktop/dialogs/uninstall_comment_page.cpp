@@ -31,7 +31,7 @@ void UninstallPage2(LDialogGenContext& context) {
     context.AddStaticLeft(kPrompt, "");
     context.AddSpanRight(gtk_label_new(nullptr), -1);
     AddPageText(context, kReasonAdvice, "");
-    context.AddEdit(kComment, "", 70);
+    context.AddEdit(kComment, "", LRows{3});
     context.AddHyperLink(kLink, "", "");
 }
 

@@ -18,7 +18,7 @@ constexpr int kAiffDefaults = 110;
 void DlgGenAIFFEncode(LDialogGenContext& context) {
     context.AddPullDownList(kAiffRate, "Sample Rate");
     context.AddPullDownList(kAiffChannels, "Channels");
-    context.AddSpecialOkCancelHelp(kAiffDefaults, "Restore Defaults", nullptr, false, false, false);
+    context.AddSpecialOkCancelHelp(kAiffDefaults, "Restore Defaults", kOkCancelHelp);
 }
 
 bool LAIFFSettingsDlg::Run(GtkWidget* parent) {

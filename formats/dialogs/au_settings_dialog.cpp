@@ -25,7 +25,7 @@ void DlgGenAuEncode(LDialogGenContext& context) {
     context.AddPullDownList(kAuCodec, "Channels");
     context.AddPullDownList(kAuRate, "Sample Rate");
     context.AddPullDownList(kAuChannels, "Channels");
-    context.AddSpecialOkCancelHelp(kAuDefaults, "Restore Defaults", nullptr, false, false, false);
+    context.AddSpecialOkCancelHelp(kAuDefaults, "Restore Defaults", kOkCancelHelp);
 }
 
 bool LAuSettingsDlg::Run(GtkWidget* parent) {

@@ -31,15 +31,15 @@ constexpr const char* kQualities[] = {"0 (Highest)", "1", "2", "3",          "4"
 
 void DlgGenMP3Encode(LDialogGenContext& context) {
     context.AddPullDownList(kChannelMode, "Channel Mode:");
-    context.AddRadioButtonGroup(kConstant, "Constant Bitrate");
+    context.AddRadioButtonGroup(kConstant, "Cons&tant Bitrate");
     context.AddPullDownList(kConstantRate, "Bitrate (kbps):");
-    context.AddCheckBox(kHighQuality, "High Quality");
-    context.AddRadioButton(kVariable, "Variable Bitrate");
+    context.AddCheckBox(kHighQuality, "Hi&gh Quality");
+    context.AddRadioButton(kVariable, "&Variable Bitrate");
     context.AddPullDownList(kLowestBitRate, "Minimum Bitrate (kbps):");
     context.AddPullDownList(kHighestBitRate, "Maximum Bitrate (kbps):");
     context.AddPullDownList(kQuality, "Quality:");
-    context.AddCheckBox(kErrorProtection, "Error Protection");
-    context.AddSpecialOkCancelHelp(kMp3Defaults, "Defaults", nullptr, false, false, false);
+    context.AddCheckBox(kErrorProtection, "&Error Protection");
+    context.AddSpecialOkCancelHelp(kMp3Defaults, "Defaults", kOkCancelHelp);
 }
 
 bool LMP3EncodeDlg::Run(GtkWidget* parent) {
@@ -66,7 +66,6 @@ void LMP3EncodeDlg::Show(const LMp3EncodeSettings& settings) {
     showRate(kHighestBitRate, settings.vbrMaxBitRate);
     PDLSetCurSel(kQuality, std::min<int>(settings.vbrQuality, 9));
     SetCheck(kErrorProtection, settings.errorProtection);
-    EnableControls();
 }
 
 void LMP3EncodeDlg::EnableControls() {

@@ -34,7 +34,7 @@ void DlgGenRawSettings(LDialogGenContext& context) {
     context.AddPullDownList(kRawCodec, "Codec:");
     context.AddComboBox(kRawRate, "Sample Rate:");  // other rates than the listed ones may be typed
     context.AddPullDownList(kRawChannels, "Channels:");
-    context.AddSpecialOkCancelHelp(kRawDefaults, "Restore Defaults", nullptr, false, false, false);
+    context.AddSpecialOkCancelHelp(kRawDefaults, "Restore Defaults", kOkCancelHelp);
 }
 
 bool LRawSettingsDialog::Run(GtkWidget* parent) {

@@ -51,7 +51,7 @@ void DlgGenLWaveEncodeDlg(LDialogGenContext& context) {
     context.AddPullDownList(kFormat, "Format:");
     context.AddPullDownList(kWaveRate, "Sample Rate:");
     context.AddPullDownList(kWaveChannels, "Channels:");
-    context.AddSpecialOkCancelHelp(kWaveDefaults, "Defaults", nullptr, false, false, false);
+    context.AddSpecialOkCancelHelp(kWaveDefaults, "Defaults", kOkCancelHelp);
 }
 
 bool LWaveEncodeDlg::Run(GtkWidget* parent) {
@@ -76,7 +76,6 @@ void LWaveEncodeDlg::InitDialog() {
         SetListsToAuto();
     HandlePDLSelChange(kSettings);
     HandlePDLSelChange(kFormat);
-    EnableControls();
 }
 
 bool LWaveEncodeDlg::IsCustom() const {

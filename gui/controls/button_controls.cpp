@@ -3,6 +3,7 @@
 #include "gui/accessible.h"
 #include "gui/display_text.h"
 #include "gui/icons.h"
+#include "gui/mnemonic.h"
 
 namespace {
 
@@ -80,8 +81,10 @@ void LButtonControls::SetStaticText(int id, const char* text) {
 
 void LButtonControls::SetButtonText(int id, const char* text) {
     if (auto* button = ControlAs<GtkButton>(id, GTK_TYPE_BUTTON)) {
-        gtk_button_set_label(button, DisplayText(text).c_str());
-        SetAccessibleName(GTK_WIDGET(button), gtk_button_get_label(button));
+        gtk_button_set_label(button, gtk_button_get_use_underline(button)
+                                         ? MnemonicText(text).c_str()
+                                         : DisplayText(text).c_str());
+        SetAccessibleName(GTK_WIDGET(button), WithoutMnemonic(text).c_str());
     }
 }
 

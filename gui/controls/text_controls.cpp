@@ -14,9 +14,31 @@ GtkEntry* EntryOf(GtkWidget* control) {
     return GTK_IS_ENTRY(control) ? GTK_ENTRY(control) : nullptr;
 }
 
+namespace {
+
+constexpr const char* kTextSetByProgram = "textset";
+
+void GCTextChanged(GtkEditable* entry, gpointer host) {
+    if (g_object_get_data(G_OBJECT(entry), kTextSetByProgram) == nullptr)
+        DeliverStored(host, entry, "changed");
+}
+
+}  // namespace
+
 void LTextControls::SetText(int id, const char* text) {
-    if (GtkEntry* entry = EntryOf(GetControlByID(id)))
-        gtk_entry_set_text(entry, DisplayText(text).c_str());
+    GtkEntry* entry = EntryOf(GetControlByID(id));
+    if (entry == nullptr)
+        return;
+    g_object_set_data(G_OBJECT(entry), kTextSetByProgram, entry);
+    gtk_entry_set_text(entry, DisplayText(text).c_str());
+    g_object_set_data(G_OBJECT(entry), kTextSetByProgram, nullptr);
+}
+
+void LTextControls::HandleTextChange(int id, int command) {
+    if (GtkEntry* entry = EntryOf(GetControlByID(id))) {
+        StoreCommand(entry, "changed", command, id);
+        Connect(entry, "changed", G_CALLBACK(GCTextChanged));
+    }
 }
 
 void LTextControls::GetText(int id, char* out, std::size_t size) const {
@@ -60,7 +82,7 @@ int LTextControls::GetInt(int id) const {
 void LTextControls::SetPasswordText(int id, const char* text) {
     if (GtkEntry* entry = EntryOf(GetControlByID(id))) {
         gtk_entry_set_visibility(entry, FALSE);
-        gtk_entry_set_text(entry, DisplayText(text).c_str());
+        SetText(id, text);
     }
 }
 

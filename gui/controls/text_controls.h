@@ -28,6 +28,9 @@ public:
     void SetTextEditable(int id, bool editable);  // a multi-line edit as well
     bool IsTextEditable(int id) const;
     void TextPromptSet(int id, const char* text);  // shown in grey while the entry is empty
+
+    // Each change by the user; what a generator makes is registered already, under its id.
+    void HandleTextChange(int id, int command = kUseControlId);
 };
 
 // The entry itself or the entry of a combo box; null for anything else.

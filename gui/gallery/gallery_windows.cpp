@@ -27,9 +27,9 @@ constexpr int kAdd = 36;
 
 void GenerateControls(LDialogGenContext& c) {
     c.AddStaticTitle(1, "Every control of the builder");
-    c.AddInput(kName, "Name", 220);
-    c.AddInputPassword(12, "Password");
-    c.AddInputUpDown(14, "Copies");
+    c.AddInput(kName, "&Name", 220);
+    c.AddInputPassword(12, "Pass&word");
+    c.AddInputUpDown(14, "Cop&ies");
     c.AddPullDownList(16, "Voice", 220);
     c.AddComboBox(18, "Device");
     c.AddDateTime(kDate, "Remind me");
@@ -38,19 +38,19 @@ void GenerateControls(LDialogGenContext& c) {
     c.AddDBDisplay(26);
     c.AddHorizontalLine(27, "Progress");
     c.AddProgressBar(28);
-    c.AddEdit(29, "Several lines of text\nin a field of their own", 60, "Notes");
+    c.AddEdit(29, "Several lines of text\nin a field of their own", LRows{3}, "Notes");
     c.AddHyperLink(31, "Quillon on the web", "http://quillon.example/");
     c.AddGroup(32, "How to save");
-    c.AddRadioButtonGroup(33, "Prompt for format settings");
-    c.AddRadioButton(34, "Use these default format settings ");
-    c.AddCheckBox(35, "Tell me when it is done");
+    c.AddRadioButtonGroup(33, "&Prompt for format settings");
+    c.AddRadioButton(34, "&Use these default format settings ");
+    c.AddCheckBox(35, "&Tell me when it is done");
     c.StartHBox();
-    c.AddButton(kAdd, "Add...");
-    c.AddButton(37, "Change...");
-    c.AddButton(38, "Remove...");
+    c.AddButton(kAdd, "&Add...");
+    c.AddButton(37, "Chan&ge...");
+    c.AddButton(38, "&Remove...");
     c.EndHBox();
     c.GroupEnd();
-    c.AddSpecialOkCancelHelp(39, "Defaults", nullptr, false, false, false);
+    c.AddSpecialOkCancelHelp(39, "Defaults", kOkCancelHelp);
 }
 
 void FillControls(LDialog& d) {
@@ -74,10 +74,10 @@ void FillControls(LDialog& d) {
 void GenerateLists(LDialogGenContext& c) {
     c.SetWidth(420);
     c.AddGroup(1, "System Wide HotKeys");
-    c.AddList(10, 128);
+    c.AddList(10, LRows{5});
     c.GroupEnd();
-    c.AddEditReadOnly(31, "", 110);
-    c.AddOkCancelHelp("Go Back", false, true, false);
+    c.AddEditReadOnly(31, "", LRows{5});
+    c.AddOkCancelHelp(kOkButton | kHelpButton, "Go Back");
 }
 
 void FillLists(LDialog& d, LStatusWindow& log) {
@@ -182,7 +182,7 @@ void ShowMenusAndBars(Pictures& pictures) {
                      c.AddSpanFull(gtk_toggle_button_new(), 511);
                      c.AddSpanFull(gtk_toggle_button_new(), 512);
                      c.EndHBox();
-                     c.AddOkCancelHelp(true, true, true);
+                     c.AddOkCancelHelp(kNoButtons);
                  }},
                 false);
     LExplorerBar commands;

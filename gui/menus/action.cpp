@@ -1,24 +1,14 @@
 #include "gui/menus/action.h"
 
 #include "gui/accessible.h"
-#include "gui/display_text.h"
 #include "gui/menus/menu_builder.h"
+#include "gui/mnemonic.h"
 
 namespace {
 
-// Menus have letters to choose an item by; elsewhere an "&" would be read.
-std::string WithoutLetter(const std::string& label) {
-    std::string text;
-    for (std::size_t at = 0; at < label.size(); ++at) {
-        if (label[at] == '&' && ++at == label.size())
-            break;
-        text += label[at];
-    }
-    return DisplayText(text);
-}
-
 void ShowLabel(GtkWidget* widget, const std::string& label) {
-    const std::string text = WithoutLetter(label);
+    // Menus have letters to choose an item by; elsewhere an "&" would be read.
+    const std::string text = WithoutMnemonic(label.c_str());
     if (GTK_IS_MENU_ITEM(widget)) {
         gtk_menu_item_set_label(GTK_MENU_ITEM(widget), MnemonicText(label.c_str()).c_str());
     } else if (GTK_IS_TOOL_BUTTON(widget)) {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "gui/display_text.h"
 #include "gui/icons.h"
+#include "gui/mnemonic.h"
 
 namespace {
 
@@ -74,20 +74,6 @@ GtkWidget* NewItem(const LMenuItem& row, bool first) {
 }
 
 }  // namespace
-
-std::string MnemonicText(const char* text) {
-    std::string out;
-    for (const char* c = text; *c != '\0'; ++c) {
-        if (*c == '_') {
-            out += "__";
-        } else if (*c == '&' && c[1] == '&') {
-            out += *c++;
-        } else {
-            out += *c == '&' ? '_' : *c;
-        }
-    }
-    return DisplayText(out);
-}
 
 void ConnectMenuItem(const LMenuOwner& owner, GtkWidget* item, int command) {
     owner.registry.Add(item, command);

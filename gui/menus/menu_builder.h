@@ -4,7 +4,6 @@
 #include <gtk/gtk.h>
 
 #include <cstddef>
-#include <string>
 
 #include "gui/controls/control_host.h"
 #include "gui/menus/key_map.h"
@@ -33,5 +32,3 @@ GtkWidget* AddSubMenu(GtkWidget* shell, const char* title);
 
 // GObject data of a menu that comes up at the pointer: a GdkPoint of the desktop.
 constexpr const char* kMenuCameUp = "menu-came-up";
-
-std::string MnemonicText(const char* text);  // "&" turned into GTK's "_"

@@ -1,5 +1,8 @@
 #include "gui/windows/dialog.h"
 
+#include <gdk/gdkkeysyms.h>
+
+#include "gui/menus/key_map.h"
 #include "gui/windows/dialog_frame.h"
 #include "gui/windows/dialog_gen_context.h"
 
@@ -41,8 +44,10 @@ bool LDialog::Open(GtkWidget* parent, OpenGenData genData, bool modal) {
         return ShowAgain(parent);
     GtkWidget* table = Build(parent, genData);
     InitDialog();
-    if (IsOpen())  // not closed by InitDialog
+    if (IsOpen()) {  // not closed by InitDialog
+        EnableControls();
         FitToScreen(Widget(), table);
+    }
     if (modal)
         return RunModal(parent);
     RunModeless(parent);
@@ -61,6 +66,7 @@ GtkWidget* LDialog::Build(GtkWidget* parent, const OpenGenData& genData) {
     gtk_window_set_resizable(GTK_WINDOW(window), FALSE);
     AttachWidget(window);
 
+    Connect(window, "key-press-event", G_CALLBACK(GCHelpKey));
     GtkWidget* table = GenerateTable(*this, genData);
     CreateAccelerators();
     GtkWidget* content = gtk_dialog_get_content_area(GTK_DIALOG(window));
@@ -109,6 +115,18 @@ bool LDialog::ShowAgain(GtkWidget* parent) {
 gboolean LDialog::GCExitDlg(GtkWidget* widget, GdkEvent*, gpointer host) {
     GiveGrabBack(widget);
     dynamic_cast<LDialog&>(HostOf(host)).CmClose();
+    return TRUE;
+}
+
+// F1 asks for Help, with a button for it or without.
+gboolean LDialog::GCHelpKey(GtkWidget* widget, GdkEventKey* event, gpointer host) {
+    auto& self = dynamic_cast<LDialog&>(HostOf(host));
+    if (KeyCodeOfEvent(*event) != GDK_KEY_F1)
+        return FALSE;
+    if (self.IsModeless())
+        self.CmHelp();
+    else
+        gtk_dialog_response(GTK_DIALOG(widget), GTK_RESPONSE_HELP);
     return TRUE;
 }
 

@@ -14,11 +14,11 @@ public:
         void (*generator)(LDialogGenContext& context);
     };
 
-    // Builds the dialog, calls InitDialog and runs it. Modal: returns when it ended, true for OK.
-    // Modeless: returns true at once; the dialog object must outlive its window, OK, Cancel and
-    // Help arrive as commands, and closing the window hides it; Open then shows it again as it was
-    // left. False at once when already on the screen. `parent` may be null. GUI thread, GDK lock
-    // held.
+    // Builds the dialog, calls InitDialog and EnableControls, and runs it. Modal: returns when it
+    // ended, true for OK. Modeless: returns true at once; the dialog object must outlive its
+    // window, OK, Cancel and Help arrive as commands, and closing the window hides it; Open then
+    // shows it again as it was left. False at once when already on the screen. `parent` may be
+    // null. GUI thread, GDK lock held.
     bool Open(GtkWidget* parent, OpenGenData genData, bool modal);
 
     // As if the buttons had been pressed.
@@ -32,6 +32,7 @@ private:
     void RunModeless(GtkWidget* parent);
     bool ShowAgain(GtkWidget* parent);
     static gboolean GCExitDlg(GtkWidget* widget, GdkEvent* event, gpointer host);
+    static gboolean GCHelpKey(GtkWidget* widget, GdkEventKey* event, gpointer host);
 };
 
 // A table filled by the generator, floating; the controls are registered in the dialog.

@@ -2,11 +2,11 @@
 #include "gui/windows/dialog_gen_context.h"
 
 #include <algorithm>
-#include <cstring>
+#include <string>
 
-#include "gui/display_text.h"
 #include "gui/gtk_children.h"
 #include "gui/minimum_size.h"
+#include "gui/mnemonic.h"
 #include "gui/windows/dialog.h"
 
 namespace {
@@ -23,6 +23,11 @@ unsigned int IndentPixels(int indent) {
 // A size request would be the size itself and cut what is added later, in a large font.
 void GCAtLeastWidth(GtkWidget*, GtkRequisition* size, gpointer width) {
     size->width = std::max(size->width, GPOINTER_TO_INT(width));
+}
+
+// A group's letter goes to the first of its controls.
+gboolean GCGroupLetter(GtkWidget* table, gboolean, gpointer) {
+    return gtk_widget_child_focus(table, GTK_DIR_TAB_FORWARD);
 }
 
 // A table without rows would be an error to GTK.
@@ -123,8 +128,12 @@ void LDialogGenContext::EndHBox() {
 }
 
 void LDialogGenContext::AddGroup(int id, const char* title, int width) {
-    GtkWidget* frame = gtk_frame_new(DisplayText(title).c_str());
+    GtkWidget* frame = gtk_frame_new(nullptr);
     GtkWidget* table = gtk_table_new(1, kColumns, FALSE);
+    GtkWidget* label = gtk_label_new_with_mnemonic(MnemonicText(title).c_str());
+    gtk_frame_set_label_widget(GTK_FRAME(frame), label);
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), table);
+    g_signal_connect(table, "mnemonic-activate", G_CALLBACK(GCGroupLetter), nullptr);
     if (width > 0)
         gtk_widget_set_size_request(table, width, -1);
     gtk_container_add(GTK_CONTAINER(frame), table);
@@ -185,70 +194,71 @@ GtkWidget* LDialogGenContext::FindButtonBox() {
     return nullptr;
 }
 
-void LDialogGenContext::SetUpActionButton(GtkWidget* button, const char* label, bool noHelp,
-                                          bool noCancel, bool noOk) {
-    const char* stock = gtk_button_get_label(GTK_BUTTON(button));
-    const auto is = [stock](const char* id) { return stock && std::strcmp(stock, id) == 0; };
-    const bool ok = is(GTK_STOCK_OK);
-    const bool cancel = is(GTK_STOCK_CANCEL);
-    const bool help = is(GTK_STOCK_HELP);
-    if ((ok && noOk) || (cancel && noCancel) || (help && noHelp)) {
-        gtk_widget_destroy(button);
-        return;
+void LDialogGenContext::SetUpActionButton(GtkWidget* button, LDialogButtons buttons,
+                                          const char* okLabel) {
+    constexpr struct {
+        const char* stock;
+        LDialogButtons flag;
+        int command;
+    } kButtons[] = {{GTK_STOCK_OK, kOkButton, kCommandOk},
+                    {GTK_STOCK_CANCEL, kCancelButton, kCommandCancel},
+                    {GTK_STOCK_HELP, kHelpButton, kCommandHelp}};
+    const std::string stock = gtk_button_get_label(GTK_BUTTON(button));
+    for (const auto& known : kButtons) {
+        if (stock != known.stock)
+            continue;
+        if ((buttons & known.flag) == 0) {
+            gtk_widget_destroy(button);
+            return;
+        }
+        dialog_.SetButtonCommandHandler(button, known.command);
+        if (known.flag == kOkButton)
+            gtk_window_set_default(GTK_WINDOW(dialog_.Widget()), button);
+        if (known.flag == kOkButton && okLabel != nullptr) {
+            gtk_button_set_use_stock(GTK_BUTTON(button), FALSE);
+            gtk_button_set_use_underline(GTK_BUTTON(button), TRUE);
+            gtk_button_set_label(GTK_BUTTON(button), MnemonicText(okLabel).c_str());
+            gtk_button_set_image(GTK_BUTTON(button),
+                                 gtk_image_new_from_stock(GTK_STOCK_OK, GTK_ICON_SIZE_BUTTON));
+        }
     }
-    if (ok && label != nullptr) {
-        gtk_button_set_use_stock(GTK_BUTTON(button), FALSE);
-        gtk_button_set_label(GTK_BUTTON(button), DisplayText(label).c_str());
-        gtk_button_set_image(GTK_BUTTON(button),
-                             gtk_image_new_from_stock(GTK_STOCK_OK, GTK_ICON_SIZE_BUTTON));
-    }
-    if (ok)
-        dialog_.SetButtonCommandHandler(button, kCommandOk);
-    else if (cancel)
-        dialog_.SetButtonCommandHandler(button, kCommandCancel);
-    else if (help)
-        dialog_.SetButtonCommandHandler(button, kCommandHelp);
     SetMinimumSize(button, kActionButtonSize, kActionButtonSize);
 }
 
-void LDialogGenContext::AddOkCancelHelp(const char* label, bool noHelp, bool noCancel, bool noOk) {
-    GtkWidget* box = FindButtonBox();
-    if (box == nullptr)
-        return;
-    for (GtkWidget* button : LGtkChildren(box))
-        SetUpActionButton(button, label, noHelp, noCancel, noOk);
-    gtk_button_box_set_layout(GTK_BUTTON_BOX(box), GTK_BUTTONBOX_SPREAD);
-}
-
-void LDialogGenContext::AddOkCancelHelp(bool noHelp, bool noCancel, bool noOk) {
-    if (!(noHelp && noCancel && noOk)) {
-        AddOkCancelHelp(nullptr, noHelp, noCancel, noOk);
-        return;
-    }
-    GtkWidget* box = FindButtonBox();
-    if (box == nullptr)
-        return;
+// The dialog itself goes on knowing its action area, so that the box is emptied and hidden.
+void LDialogGenContext::RemoveActionArea(GtkWidget* box) {
     gtk_dialog_set_has_separator(GTK_DIALOG(dialog_.Widget()), FALSE);
-    // The dialog itself goes on knowing its action area, so that the box is emptied and hidden.
     for (GtkWidget* button : LGtkChildren(box))
         gtk_widget_destroy(button);
     gtk_widget_set_no_show_all(box, TRUE);
     gtk_widget_hide(box);
 }
 
-void LDialogGenContext::AddSpecialOkCancelHelp(int id, const char* stockIdOrText, const char* label,
-                                               bool noHelp, bool noCancel, bool noOk) {
-    if (GtkWidget* box = FindButtonBox()) {
-        GtkStockItem stock;
-        GtkWidget* button = gtk_stock_lookup(stockIdOrText, &stock)
-                                ? gtk_button_new_from_stock(stockIdOrText)
-                                : gtk_button_new_with_label(DisplayText(stockIdOrText).c_str());
-        gtk_button_set_image(GTK_BUTTON(button),
-                             gtk_image_new_from_stock(GTK_STOCK_YES, GTK_ICON_SIZE_MENU));
-        dialog_.SetButtonCommandHandler(button, id);
-        gtk_box_pack_start(GTK_BOX(box), button, FALSE, FALSE, 0);
-        gtk_box_reorder_child(GTK_BOX(box), button, 0);
-        gtk_button_box_set_layout(GTK_BUTTON_BOX(box), GTK_BUTTONBOX_SPREAD);
-    }
-    AddOkCancelHelp(label, noHelp, noCancel, noOk);
+void LDialogGenContext::AddOkCancelHelp(LDialogButtons buttons, const char* okLabel) {
+    GtkWidget* box = FindButtonBox();
+    if (box == nullptr)
+        return;
+    if (buttons == kNoButtons)
+        return RemoveActionArea(box);
+    for (GtkWidget* button : LGtkChildren(box))
+        SetUpActionButton(button, buttons, okLabel);
+    gtk_button_box_set_layout(GTK_BUTTON_BOX(box), GTK_BUTTONBOX_SPREAD);
+}
+
+void LDialogGenContext::AddSpecialOkCancelHelp(int id, const char* stockIdOrText,
+                                               LDialogButtons buttons, const char* okLabel) {
+    AddOkCancelHelp(buttons, okLabel);
+    GtkWidget* box = FindButtonBox();
+    if (box == nullptr)
+        return;
+    GtkStockItem stock;
+    GtkWidget* button = gtk_stock_lookup(stockIdOrText, &stock)
+                            ? gtk_button_new_from_stock(stockIdOrText)
+                            : gtk_button_new_with_mnemonic(MnemonicText(stockIdOrText).c_str());
+    gtk_button_set_image(GTK_BUTTON(button),
+                         gtk_image_new_from_stock(GTK_STOCK_YES, GTK_ICON_SIZE_MENU));
+    dialog_.SetButtonCommandHandler(button, id);
+    SetMinimumSize(button, kActionButtonSize, kActionButtonSize);
+    gtk_box_pack_start(GTK_BOX(box), button, FALSE, FALSE, 0);
+    gtk_box_reorder_child(GTK_BOX(box), button, 0);
 }

@@ -4,7 +4,9 @@
 // dialog. A label made beside a control goes under id + 1 and speaks for the control to screen
 // readers. What has no label is named after its group, else after the dialog; `name` says it
 // better. Id -1 stands for widgets that are never addressed. Containers form a stack: every
-// Start... and AddGroup has its End. Sizes are pixels; texts are plain.
+// Start... and AddGroup has its End. Widths are pixels. In the texts of controls and groups "&"
+// marks the letter that reaches them with Alt, and "&&" stands for itself; static texts and what
+// stands in a field are plain.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -12,6 +14,19 @@
 #include <vector>
 
 class LDialog;
+
+// A set of standard buttons.
+using LDialogButtons = unsigned int;
+constexpr LDialogButtons kNoButtons = 0;
+constexpr LDialogButtons kOkButton = 1;
+constexpr LDialogButtons kCancelButton = 2;
+constexpr LDialogButtons kHelpButton = 4;
+constexpr LDialogButtons kOkCancelHelp = kOkButton | kCancelButton | kHelpButton;
+
+// A height in rows of text, in whatever letters the desktop has; 0 leaves it to the control.
+struct LRows {
+    int count = 0;
+};
 
 class LDialogGenContext {
 public:
@@ -54,13 +69,14 @@ public:
     void AddInput(int id, const char* text, int width = 0);
     void AddInputPassword(int id, const char* text, int width = 0);
     void AddInputUpDown(int id, const char* text);  // range: LWindow::UDInit
-    void AddEdit(int id, const char* text, int height = 0, const char* name = nullptr);
-    void AddEditReadOnly(int id, const char* text, int height = 0, const char* name = nullptr);
+    void AddEdit(int id, const char* text, LRows height = {}, const char* name = nullptr);
+    void AddEditReadOnly(int id, const char* text, LRows height = {}, const char* name = nullptr);
     void AddPullDownList(int id, const char* text, int width = 0);
     void AddPullDownList(int id);
     void AddComboBox(int id, const char* text, int width = 0);
     void AddComboBox(int id);
-    void AddList(int id, int height, const char* name = nullptr);  // its scrolled window: id + 1
+    // Its scrolled window: id + 1. The heading of its columns comes on top of the height.
+    void AddList(int id, LRows height, const char* name = nullptr);
     void AddButton(int id, const char* text, int align = 0, int width = 0, int height = 0);
     void AddCheckBox(int id, const char* text, int width = 0);
     void AddRadioButtonGroup(int id, const char* text);
@@ -74,13 +90,13 @@ public:
     void AddHyperLink(int id, const char* text, const char* link);
     void AddDateTime(int id, const char* text, int width = 0);  // its entry is id + 1
 
-    // The action area. The special button stands first; it is a stock item or else has the given
-    // text. A null label keeps the stock text of the OK button; without a label and with
-    // all three buttons unwanted there is no action area at all.
-    void AddOkCancelHelp(const char* label, bool noHelp, bool noCancel, bool noOk);
-    void AddOkCancelHelp(bool noHelp, bool noCancel, bool noOk);
-    void AddSpecialOkCancelHelp(int id, const char* stockIdOrText, const char* label, bool noHelp,
-                                bool noCancel, bool noOk);
+    // The action area has these buttons (kOkButton | kHelpButton, for example), OK under its own
+    // label where one is given. OK is what Enter presses in an entry, too. The special button
+    // stands first; it is a stock item or else has the given text. With kNoButtons there is no
+    // action area at all.
+    void AddOkCancelHelp(LDialogButtons buttons, const char* okLabel = nullptr);
+    void AddSpecialOkCancelHelp(int id, const char* stockIdOrText, LDialogButtons buttons,
+                                const char* okLabel = nullptr);
 
 private:
     enum class Kind { kBox, kRootTable, kGroup, kPanels };
@@ -98,10 +114,10 @@ private:
     void AddLabelled(GtkWidget* control, int id, const char* text);
     void NameUnlabelled(GtkWidget* control, const char* name);
     void AddUnlabelled(GtkWidget* control, int id);
-    void AddEditWidget(int id, const char* text, int height, bool readOnly, const char* name);
+    void AddEditWidget(int id, const char* text, LRows height, bool readOnly, const char* name);
     GtkWidget* FindButtonBox();
-    void SetUpActionButton(GtkWidget* button, const char* label, bool noHelp, bool noCancel,
-                           bool noOk);
+    void SetUpActionButton(GtkWidget* button, LDialogButtons buttons, const char* okLabel);
+    void RemoveActionArea(GtkWidget* box);
 
     LDialog& dialog_;
     const char* title_;

@@ -4,6 +4,7 @@
 #include "gui/controls/control_factory.h"
 #include "gui/display_text.h"
 #include "gui/minimum_size.h"
+#include "gui/mnemonic.h"
 #include "gui/widgets/date_time_picker.h"
 #include "gui/widgets/db_display.h"
 #include "gui/widgets/db_edit.h"
@@ -16,6 +17,24 @@ namespace {
 constexpr int kFieldHeight = 24;
 constexpr int kButtonWidth = 110;
 constexpr int kTitleWidth = 400;
+// Pixels around the rows of text.
+constexpr int kEditBottom = 10;
+constexpr int kEditBorder = kEditBottom + 4;
+constexpr int kRowPadding = 4;
+constexpr int kHeadingPadding = 14;
+
+// Pixels of a line in the widget's letters.
+int RowHeight(GtkWidget* widget) {
+    int height = 0;
+    const auto layout =
+        GObjectRef<PangoLayout>::Adopt(gtk_widget_create_pango_layout(widget, "Ay"));
+    pango_layout_get_pixel_size(layout.Get(), nullptr, &height);
+    return height;
+}
+
+void PressOkByEnter(GtkWidget* entry) {
+    gtk_entry_set_activates_default(GTK_ENTRY(entry), TRUE);
+}
 
 GtkWidget* NewLabel(const char* text) {
     return gtk_label_new(DisplayText(text).c_str());
@@ -92,7 +111,7 @@ void LDialogGenContext::AddHorizontalLine(int id, const char* text) {
 }
 
 void LDialogGenContext::AddLabelled(GtkWidget* control, int id, const char* text) {
-    GtkWidget* label = NewLabel(text);
+    GtkWidget* label = gtk_label_new_with_mnemonic(MnemonicText(text).c_str());
     gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
     Place(label, 0, 1);
     dialog_.SetCompanionID(label, id + 1);
@@ -115,7 +134,9 @@ void LDialogGenContext::AddUnlabelled(GtkWidget* control, int id) {
 
 void LDialogGenContext::AddInput(int id, const char* text, int width) {
     GtkWidget* entry = gtk_entry_new();
+    PressOkByEnter(entry);
     AddLabelled(entry, id, text);
+    dialog_.HandleTextChange(id);
     if (width <= 0)
         return;
     SetMinimumSize(entry, -1, kFieldHeight);
@@ -130,26 +151,31 @@ void LDialogGenContext::AddInputPassword(int id, const char* text, int width) {
 }
 
 void LDialogGenContext::AddInputUpDown(int id, const char* text) {
-    AddLabelled(gtk_spin_button_new_with_range(0, 100, 1), id, text);
+    GtkWidget* field = gtk_spin_button_new_with_range(0, 100, 1);
+    PressOkByEnter(field);
+    AddLabelled(field, id, text);
+    dialog_.HandleTextChange(id);
 }
 
-void LDialogGenContext::AddEditWidget(int id, const char* text, int height, bool readOnly,
+void LDialogGenContext::AddEditWidget(int id, const char* text, LRows height, bool readOnly,
                                       const char* name) {
     const LEditWidgets edit = NewEdit(readOnly, GTK_POLICY_AUTOMATIC);
-    gtk_text_view_set_border_window_size(GTK_TEXT_VIEW(edit.textView), GTK_TEXT_WINDOW_BOTTOM, 10);
-    if (height > 0)
-        gtk_widget_set_size_request(edit.scrolledWindow, -1, height);
+    gtk_text_view_set_border_window_size(GTK_TEXT_VIEW(edit.textView), GTK_TEXT_WINDOW_BOTTOM,
+                                         kEditBottom);
+    if (height.count > 0)
+        gtk_widget_set_size_request(edit.scrolledWindow, -1,
+                                    height.count * RowHeight(edit.textView) + kEditBorder);
     AddSpanFull(edit.scrolledWindow, -1);
     NameUnlabelled(edit.textView, name);
     dialog_.SetControlID(edit.textView, id);
     dialog_.SetEditText(id, text);
 }
 
-void LDialogGenContext::AddEdit(int id, const char* text, int height, const char* name) {
+void LDialogGenContext::AddEdit(int id, const char* text, LRows height, const char* name) {
     AddEditWidget(id, text, height, false, name);
 }
 
-void LDialogGenContext::AddEditReadOnly(int id, const char* text, int height, const char* name) {
+void LDialogGenContext::AddEditReadOnly(int id, const char* text, LRows height, const char* name) {
     AddEditWidget(id, text, height, true, name);
 }
 
@@ -166,22 +192,28 @@ void LDialogGenContext::AddPullDownList(int id) {
 
 void LDialogGenContext::AddComboBox(int id, const char* text, int width) {
     GtkWidget* box = NewComboBox();
+    PressOkByEnter(gtk_bin_get_child(GTK_BIN(box)));
     if (width > 0)
         gtk_widget_set_size_request(box, width, -1);
     AddLabelled(box, id, text);
 }
 
 void LDialogGenContext::AddComboBox(int id) {
-    AddUnlabelled(NewComboBox(), id);
+    GtkWidget* box = NewComboBox();
+    PressOkByEnter(gtk_bin_get_child(GTK_BIN(box)));
+    AddUnlabelled(box, id);
 }
 
-void LDialogGenContext::AddList(int id, int height, const char* name) {
+void LDialogGenContext::AddList(int id, LRows height, const char* name) {
     GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
     GtkWidget* list = gtk_tree_view_new();
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                    GTK_POLICY_AUTOMATIC);
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_ETCHED_IN);
-    gtk_widget_set_size_request(list, -1, height > 0 ? height : -1);
+    if (height.count > 0)
+        gtk_widget_set_size_request(
+            list, -1,
+            height.count * (RowHeight(list) + kRowPadding) + RowHeight(list) + kHeadingPadding);
     gtk_container_add(GTK_CONTAINER(scrolled), list);
     Place(scrolled, 0, 2);
     ++Top().row;
@@ -191,7 +223,7 @@ void LDialogGenContext::AddList(int id, int height, const char* name) {
 }
 
 void LDialogGenContext::AddButton(int id, const char* text, int align, int width, int height) {
-    GtkWidget* button = gtk_button_new_with_label(DisplayText(text).c_str());
+    GtkWidget* button = gtk_button_new_with_mnemonic(MnemonicText(text).c_str());
     SetMinimumSize(button, width > 0 ? width : kButtonWidth, height > 0 ? height : -1);
     if (align == 1)
         gtk_button_set_alignment(GTK_BUTTON(button), 0.0F, 0.5F);
@@ -200,7 +232,7 @@ void LDialogGenContext::AddButton(int id, const char* text, int align, int width
 }
 
 void LDialogGenContext::AddCheckBox(int id, const char* text, int width) {
-    GtkWidget* button = gtk_check_button_new_with_label(DisplayText(text).c_str());
+    GtkWidget* button = gtk_check_button_new_with_mnemonic(MnemonicText(text).c_str());
     if (width > 0)
         SetMinimumSize(button, width, -1);
     AddSpanFull(button, id);
@@ -213,9 +245,9 @@ void LDialogGenContext::AddRadioButtonGroup(int id, const char* text) {
 }
 
 void LDialogGenContext::AddRadioButton(int id, const char* text) {
-    GtkWidget* button = gtk_radio_button_new_with_label_from_widget(
+    GtkWidget* button = gtk_radio_button_new_with_mnemonic_from_widget(
         radioGroup_ != nullptr ? GTK_RADIO_BUTTON(radioGroup_) : nullptr,
-        DisplayText(text).c_str());
+        MnemonicText(text).c_str());
     if (radioGroup_ == nullptr)
         radioGroup_ = button;
     AddSpanFull(button, id);
@@ -236,9 +268,11 @@ void LDialogGenContext::AddProgressBar(int id) {
 
 void LDialogGenContext::AddDBEdit(int id, const char* text) {
     GtkWidget* box = LDBEdit::CreateControl();
-    LDBEdit::SetName(box, DisplayText(text).c_str());
+    LDBEdit::SetName(box, WithoutMnemonic(text).c_str());
     LDBEdit::Init(id, box);
     AddLabelled(box, id, text);
+    gtk_label_set_mnemonic_widget(GTK_LABEL(dialog_.GetControlByID(id + 1)),
+                                  LDBEdit::GetHandle(box, false));
 }
 
 void LDialogGenContext::AddDBEdit(int id) {
@@ -258,10 +292,13 @@ void LDialogGenContext::AddHyperLink(int id, const char* text, const char* link)
 
 void LDialogGenContext::AddDateTime(int id, const char* text, int width) {
     const LDateTimeWidgets picker = NewDateTimePicker();
+    PressOkByEnter(picker.entry);
     if (width > 0)
         gtk_widget_set_size_request(picker.entry, width, -1);
-    AddStaticLeft(-1, text);
-    LabelWidget(dialog_.GetControlByID(-1), picker.entry);
+    GtkWidget* label = gtk_label_new_with_mnemonic(MnemonicText(text).c_str());
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    Place(label, 0, 1);
+    LabelWidget(label, picker.entry);
     AddSpanRight(picker.box, -1);
     dialog_.SetControlID(picker.button, id);
     dialog_.SetCompanionID(picker.entry, id + 1);

@@ -8,6 +8,7 @@
 #include "gui/content_box.h"
 #include "gui/gtk_children.h"
 #include "gui/menus/menu_builder.h"
+#include "gui/mnemonic.h"
 #include "gui/windows/window.h"
 
 namespace {

@@ -14,9 +14,13 @@ namespace {
 constexpr int kSheetWidth = 550;
 
 // Ctrl+Page Down and Ctrl+Page Up turn the pages from the buttons too, where the notebook does not
-// hear them: who cannot see where the focus is need not look for it first.
-gboolean GCPageKey(GtkWidget*, GdkEventKey* event, gpointer notebook) {
+// hear them: who cannot see where the focus is need not look for it first. F1 asks for Help.
+gboolean GCPageKey(GtkWidget* window, GdkEventKey* event, gpointer notebook) {
     const LKeyCode key = KeyCodeOfEvent(*event);
+    if (key == GDK_KEY_F1) {
+        gtk_dialog_response(GTK_DIALOG(window), GTK_RESPONSE_HELP);
+        return TRUE;
+    }
     const bool forward = key == (kKeyControl | GDK_KEY_Page_Down);
     if (!forward && key != (kKeyControl | GDK_KEY_Page_Up))
         return FALSE;
@@ -39,7 +43,7 @@ GtkWidget* LPropertySheet::Build(GtkWidget* parent, const char* title) {
                                         {{GTK_STOCK_OK, GTK_RESPONSE_OK},
                                          {GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL},
                                          {GTK_STOCK_HELP, GTK_RESPONSE_HELP}});
-    gtk_dialog_set_default_response(GTK_DIALOG(window), GTK_RESPONSE_ACCEPT);
+    gtk_dialog_set_default_response(GTK_DIALOG(window), GTK_RESPONSE_OK);
     gtk_window_set_default_size(GTK_WINDOW(window), 500, -1);
     gtk_window_set_resizable(GTK_WINDOW(window), FALSE);
 

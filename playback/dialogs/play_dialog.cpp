@@ -71,7 +71,6 @@ void LPlayDlgModeless::Show(const LPlayerNeighbour& neighbour, bool takesKeyboar
     givesFocusBack_ = takesKeyboard;
     // Not the neighbour's child, which would be kept above it and cover its text.
     LDialog::Open(nullptr, {kTitle, true, DlgGenPlayer}, false);
-    EnableControls();
 }
 
 void LPlayDlgModeless::Restart(const LPlayerNeighbour& neighbour, bool takesKeyboard) {

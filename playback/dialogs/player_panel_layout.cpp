@@ -98,5 +98,5 @@ void DlgGenPlayer(LDialogGenContext& context) {
     gtk_widget_set_size_request(route, kWidth, -1);
     context.AddSpanFull(route, kRoute);
     PackClosely(gtk_widget_get_parent(wave));
-    context.AddOkCancelHelp("Close", false, true, false);
+    context.AddOkCancelHelp(kOkButton | kHelpButton, "Close");
 }

@@ -13,7 +13,7 @@ namespace {
 constexpr int kText = 101;
 constexpr int kVoice = 102;
 constexpr int kWidth = 420;
-constexpr int kTextHeight = 160;
+constexpr LRows kTextHeight{8};
 
 }  // namespace
 
@@ -21,7 +21,7 @@ void DlgGenTTSInput(LDialogGenContext& context) {
     context.SetWidth(kWidth);
     context.AddEdit(kText, "", kTextHeight);
     context.AddPullDownList(kVoice, "Choose Voice:");
-    context.AddOkCancelHelp(false, false, false);
+    context.AddOkCancelHelp(kOkCancelHelp);
 }
 
 bool LTTSInputDialog::Run(GtkWidget* parent) {

@@ -10,8 +10,8 @@
 namespace {
 
 void GenerateButtons(LDialogGenContext& context) {
-    context.AddInput(1, "Name");
-    context.AddOkCancelHelp(false, false, false);
+    context.AddInput(1, "&Name");
+    context.AddOkCancelHelp(kOkCancelHelp);
 }
 
 class DialogRun : public testing::Test {
@@ -49,6 +49,27 @@ TEST_F(DialogRun, AnswersEndItUnlessRefusedAndItOpensAnew) {
     dialog.cancelRefusals = 1;
     EXPECT_FALSE(Run(dialog, {press(kCommandCancel), [&] { PressEscape(dialog.Widget()); }}));
     EXPECT_EQ(dialog.calls, "init cancel cancel destroy ");
+}
+
+TEST_F(DialogRun, TheKeyboardReachesEverythingAndEntriesTellEachChange) {
+    GtkWidget* focus = nullptr;
+    const auto entry = [&] { return dialog.GetControlByID(1); };
+    const std::vector<std::function<void()>> acts = {
+        [&] {
+            EXPECT_EQ(dialog.enableCalls, 1) << "as it opened";
+            dialog.SetText(1, "by the program");
+            dialog.FocusControl(kCommandHelp);
+            gtk_window_mnemonic_activate(GTK_WINDOW(dialog.Widget()), GDK_KEY_n, GDK_MOD1_MASK);
+            focus = gtk_window_get_focus(GTK_WINDOW(dialog.Widget()));
+            EXPECT_EQ(focus, entry());
+            g_signal_emit_by_name(entry(), "insert-at-cursor", "x");
+            SendKey(dialog.Widget(), GDK_KEY_PRESS, GDK_KEY_F1);
+        },
+        [&] { gtk_widget_activate(entry()); },  // Enter
+    };
+    EXPECT_TRUE(Run(dialog, acts));
+    EXPECT_EQ(dialog.calls, "init help ok destroy ");
+    EXPECT_THAT(dialog.commands, testing::ElementsAre(1));
 }
 
 TEST_F(DialogRun, DestroyedUnderTheLoopEndsItWhateverCancelAnswers) {
@@ -178,13 +199,13 @@ TEST(DialogLayout, ReadsAsItWasAskedFor) {
     EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(dialog.GetControlByID(10))), " Title & more ");
 }
 
-template <bool NoHelp, bool NoCancel, bool NoOk>
+template <LDialogButtons Buttons>
 void GenerateFlags(LDialogGenContext& context) {
-    context.AddOkCancelHelp(NoHelp, NoCancel, NoOk);
+    context.AddOkCancelHelp(Buttons);
 }
 
 void GenerateSpecial(LDialogGenContext& context) {
-    context.AddSpecialOkCancelHelp(5, GTK_STOCK_CLEAR, "Go", true, false, false);
+    context.AddSpecialOkCancelHelp(5, GTK_STOCK_CLEAR, kOkButton | kCancelButton, "G&o");
 }
 
 TEST(DialogLayout, ActionAreaFollowsItsFlags) {
@@ -192,12 +213,12 @@ TEST(DialogLayout, ActionAreaFollowsItsFlags) {
         void (*generator)(LDialogGenContext&);
         const char* shown;
     } cases[] = {
-        {GenerateFlags<false, false, false>, "- gtk-help gtk-cancel gtk-ok"},
-        {GenerateFlags<true, false, false>, "- gtk-cancel gtk-ok"},
-        {GenerateFlags<true, true, false>, "- gtk-ok"},
-        {GenerateFlags<false, false, true>, "- gtk-help gtk-cancel"},
-        {GenerateFlags<true, true, true>, ""},
-        {GenerateSpecial, "- gtk-clear gtk-cancel Go"},
+        {GenerateFlags<kOkCancelHelp>, "- gtk-help gtk-cancel gtk-ok"},
+        {GenerateFlags<kOkButton | kCancelButton>, "- gtk-cancel gtk-ok"},
+        {GenerateFlags<kOkButton>, "- gtk-ok"},
+        {GenerateFlags<kCancelButton | kHelpButton>, "- gtk-help gtk-cancel"},
+        {GenerateFlags<kNoButtons>, ""},
+        {GenerateSpecial, "- gtk-clear gtk-cancel G_o"},
     };
     for (const auto& c : cases) {
         RecordingDialog dialog;

@@ -60,15 +60,15 @@ public:
         c.AddPullDownList(kVictimList, "List");
         c.AddComboBox(kVictimCombo, "Combo");
         c.AddInput(kVictimEntry, "Entry");
-        c.AddEdit(kVictimEdit, "", 40);
+        c.AddEdit(kVictimEdit, "", LRows{2});
         c.AddScrollBar(kScroll, "Scroll");
-        c.AddList(kRows, 60);
+        c.AddList(kRows, LRows{2});
         c.AddSpanFull(gtk_notebook_new(), kVictimTabs);
         c.AddDBEdit(kLevel, "Level");
         c.AddDateTime(kDate, "Date", 0);
         for (const int id : {kVictimCool, kDrop, kHeld})
             c.AddSpanFull(gtk_toggle_button_new(), id);
-        c.AddOkCancelHelp(false, false, false);
+        c.AddOkCancelHelp(kOkCancelHelp);
     }
     void InitDialog() override {
         for (const int id : {kVictimList, kVictimCombo})
@@ -107,7 +107,8 @@ public:
         static constexpr LMenuItem kPopUp[] = {{kPopUpItem, "Pop"}, {kMenuItem, "Up"}};
         popUp.SetMenu(kPopUp);
     }
-    // Until then it hears what its controls tell by themselves: a tab, its page at the first layout.
+    // Until then it hears what its controls tell by themselves: a tab, its page at the first
+    // layout.
     void BeginToEnd() { mayEnd_ = true; }
     void Command(int) override {
         const Ending ending = mayEnd_ ? std::exchange(ending_, Ending::kNone) : Ending::kNone;

@@ -18,7 +18,7 @@ constexpr LListColumn kColumns[] = {{"Key", 200}, {"Command", 90}};
 class ListView : public testing::Test {
 protected:
     void SetUp() override {
-        dialog.Show([](LDialogGenContext& context) { context.AddList(kId, 128); });
+        dialog.Show([](LDialogGenContext& context) { context.AddList(kId, LRows{5}); });
         view = GTK_TREE_VIEW(dialog.GetControlByID(kId));
     }
     std::string Cell(int row, int column) {

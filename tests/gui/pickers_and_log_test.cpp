@@ -120,7 +120,7 @@ TEST(StatusLog, ShowsLinesOfAllThreadsInOrderAndOutlivesItsWindow) {
     PumpPending();
     {
         RecordingDialog dialog;
-        dialog.Show([](LDialogGenContext& c) { c.AddEditReadOnly(31, "", 80); });
+        dialog.Show([](LDialogGenContext& c) { c.AddEditReadOnly(31, "", LRows{3}); });
         log.Init(dialog, 30);
         std::thread([&] {
             log.DisplayStatus("12:34:56", "plain", kLogPlain);

@@ -36,6 +36,7 @@ protected:
     void SetUp() override {
         dialog.Show(GenerateAll);
         PumpPending();
+        dialog.enableCalls = 0;
     }
     // The commands since the last call; each must have been followed by EnableControls.
     std::vector<int> Taken() {
