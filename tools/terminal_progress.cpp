@@ -12,7 +12,11 @@ namespace {
 constexpr unsigned int kStepMilliseconds = 50;  // how late an interruption may be noticed
 constexpr int kLabelWidth = 60;                 // fits a terminal of 80 columns
 
-bool gLineIsShown = false;
+// There is one terminal.
+bool& LineIsShown() {
+    static bool isShown = false;
+    return isShown;
+}
 
 }  // namespace
 
@@ -30,9 +34,9 @@ void LTerminalProgress::SetSubject(const std::string& subject) {
 }
 
 void LTerminalProgress::ClearLine() {
-    if (gLineIsShown)
+    if (LineIsShown())
         std::fputs("\r\x1b[K", stderr);
-    gLineIsShown = false;
+    LineIsShown() = false;
 }
 
 void LTerminalProgress::Show() {
@@ -43,7 +47,7 @@ void LTerminalProgress::Show() {
     if (percent_ >= 0)
         std::fprintf(stderr, " %d %%", percent_);
     std::fflush(stderr);
-    gLineIsShown = true;
+    LineIsShown() = true;
 }
 
 void LTerminalProgress::SetFirstLabel(const char* text) {

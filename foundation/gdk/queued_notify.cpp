@@ -19,9 +19,12 @@ struct Queued {
     const Message* message;
     guint source;
 };
-std::mutex gQueueMutex;
-std::vector<Queued>& Queue() {
-    static std::vector<Queued> queue;
+struct MessageQueue {
+    std::mutex mutex;
+    std::vector<Queued> messages;
+};
+MessageQueue& TheQueue() {
+    static MessageQueue queue;
     return queue;
 }
 
@@ -61,18 +64,19 @@ unsigned int LQueuedNotifyDataSender::NotifyData(unsigned int code, const void* 
         message->data = block + sizeof(Message);
         std::memcpy(message->data, data, size);
     }
-    const std::lock_guard lock(gQueueMutex);
+    const std::lock_guard lock(TheQueue().mutex);
     const guint source = g_idle_add_full(
         G_PRIORITY_DEFAULT_IDLE, &LQueuedNotifyDataHandler::NotifyCallBack, message, g_free);
-    Queue().push_back({message, source});
+    TheQueue().messages.push_back({message, source});
     return source;
 }
 
 gboolean LQueuedNotifyDataHandler::NotifyCallBack(gpointer data) {
     const auto* const message = static_cast<const Message*>(data);
     {
-        const std::lock_guard lock(gQueueMutex);
-        std::erase_if(Queue(), [message](const Queued& entry) { return entry.message == message; });
+        const std::lock_guard lock(TheQueue().mutex);
+        std::erase_if(TheQueue().messages,
+                      [message](const Queued& entry) { return entry.message == message; });
     }
     message->handler->EvNotifyData(message->code, message->data, message->size);
     return FALSE;
@@ -81,11 +85,11 @@ gboolean LQueuedNotifyDataHandler::NotifyCallBack(gpointer data) {
 LQueuedNotifyDataHandler::~LQueuedNotifyDataHandler() {
     std::vector<guint> sources;
     {
-        const std::lock_guard lock(gQueueMutex);
-        for (const Queued& entry : Queue())
+        const std::lock_guard lock(TheQueue().mutex);
+        for (const Queued& entry : TheQueue().messages)
             if (entry.message->handler == this)
                 sources.push_back(entry.source);
-        std::erase_if(Queue(),
+        std::erase_if(TheQueue().messages,
                       [this](const Queued& entry) { return entry.message->handler == this; });
     }
     for (const guint source : sources)

@@ -20,32 +20,33 @@ GdkWindow* TextWindow(GtkWidget* field) {
     return gtk_text_view_get_window(GTK_TEXT_VIEW(field), GTK_TEXT_WINDOW_TEXT);
 }
 
+// Where the field begins its own text.
+GdkPoint PlaceOfText(GtkWidget* field, GdkWindow* window, PangoLayout* layout) {
+    if (!GTK_IS_ENTRY(field))
+        return {gtk_text_view_get_left_margin(GTK_TEXT_VIEW(field)), 0};
+    // The text's window lies within the entry's.
+    int x = 0;
+    int left = 0;
+    int height = 0;
+    int textHeight = 0;
+    gtk_entry_get_layout_offsets(GTK_ENTRY(field), &x, nullptr);
+    gdk_window_get_position(window, &left, nullptr);
+    gdk_drawable_get_size(window, nullptr, &height);
+    pango_layout_get_pixel_size(layout, nullptr, &textHeight);
+    return {x - left, (height - textHeight) / 2};
+}
+
 gboolean GCPromptExpose(GtkWidget* field, GdkEventExpose* event, gpointer) {
     const auto* text = static_cast<const char*>(g_object_get_data(G_OBJECT(field), kPromptKey));
     if (event->window != TextWindow(field) || text == nullptr || !IsEmpty(field))
         return FALSE;
     const auto layout = GObjectRef<PangoLayout>::Adopt(gtk_widget_create_pango_layout(field, text));
-    int x = 0;
-    int y = 0;
-    if (GTK_IS_ENTRY(field)) {
-        int left = 0;
-        int height = 0;
-        int textHeight = 0;
-        // Where the entry begins its own text, whose window lies within the entry's.
-        gtk_entry_get_layout_offsets(GTK_ENTRY(field), &x, nullptr);
-        gdk_window_get_position(event->window, &left, nullptr);
-        x -= left;
-        gdk_drawable_get_size(event->window, nullptr, &height);
-        pango_layout_get_pixel_size(layout.Get(), nullptr, &textHeight);
-        y = (height - textHeight) / 2;
-    } else {
-        x = gtk_text_view_get_left_margin(GTK_TEXT_VIEW(field));
-    }
+    const GdkPoint place = PlaceOfText(field, event->window, layout.Get());
     // Half-way between text and background; what a theme paints for disabled texts may be embossed.
     const LCairo cairo(gdk_cairo_create(event->window));
     gdk_cairo_set_source_color(cairo.get(),
                                &gtk_widget_get_style(field)->text_aa[GTK_STATE_NORMAL]);
-    cairo_move_to(cairo.get(), x, y);
+    cairo_move_to(cairo.get(), place.x, place.y);
     pango_cairo_show_layout(cairo.get(), layout.Get());
     return FALSE;
 }

@@ -37,6 +37,29 @@ void PlaceBelow(GtkWidget* popUp, GtkWidget* button) {
     gtk_window_move(GTK_WINDOW(popUp), std::min(x, right), y + place.height);
 }
 
+GtkWidget* NewPopUp(GtkWidget* owner, GtkWidget* content) {
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_POPUP);
+    gtk_window_set_transient_for(GTK_WINDOW(window), ParentWindow(owner));
+    gtk_window_set_destroy_with_parent(GTK_WINDOW(window), TRUE);
+    gtk_window_set_type_hint(GTK_WINDOW(window), GDK_WINDOW_TYPE_HINT_COMBO);
+    GtkWidget* frame = gtk_frame_new(nullptr);
+    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_OUT);
+    gtk_container_add(GTK_CONTAINER(frame), content);
+    gtk_container_add(GTK_CONTAINER(window), frame);
+    gtk_widget_show_all(frame);
+    return window;
+}
+
+// All of the pointer and the keyboard, until the window is destroyed.
+void GrabInput(GtkWidget* popUp) {
+    const guint32 time = gtk_get_current_event_time();
+    GdkWindow* window = gtk_widget_get_window(popUp);
+    const auto pointer = GdkEventMask(GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK);
+    gdk_pointer_grab(window, TRUE, pointer, nullptr, nullptr, time);
+    gdk_keyboard_grab(window, TRUE, time);
+    gtk_grab_add(popUp);
+}
+
 }  // namespace
 
 LDateTimeWidgets NewDateTimePicker() {
@@ -170,14 +193,7 @@ void LDateTimePicker::GCButtonToggled(GtkToggleButton* button, gpointer self) {
         picker->PopDown();
 }
 
-void LDateTimePicker::GCCalendarPopUp() {
-    if (popUp_ != nullptr || !gtk_widget_get_realized(button_))
-        return;
-    popUp_ = gtk_window_new(GTK_WINDOW_POPUP);
-    g_object_add_weak_pointer(G_OBJECT(popUp_), reinterpret_cast<gpointer*>(&popUp_));
-    gtk_window_set_transient_for(GTK_WINDOW(popUp_), ParentWindow(button_));
-    gtk_window_set_destroy_with_parent(GTK_WINDOW(popUp_), TRUE);
-    gtk_window_set_type_hint(GTK_WINDOW(popUp_), GDK_WINDOW_TYPE_HINT_COMBO);
+GtkWidget* LDateTimePicker::NewCalendar() const {
     GtkWidget* calendar = gtk_calendar_new();
     std::tm parts = Parts();
     if (!seconds_) {
@@ -187,24 +203,23 @@ void LDateTimePicker::GCCalendarPopUp() {
     gtk_calendar_select_month(GTK_CALENDAR(calendar), static_cast<guint>(parts.tm_mon),
                               static_cast<guint>(parts.tm_year + 1900));
     gtk_calendar_select_day(GTK_CALENDAR(calendar), static_cast<guint>(parts.tm_mday));
-    GtkWidget* frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_OUT);
-    gtk_container_add(GTK_CONTAINER(frame), calendar);
-    gtk_container_add(GTK_CONTAINER(popUp_), frame);
+    return calendar;
+}
+
+void LDateTimePicker::GCCalendarPopUp() {
+    if (popUp_ != nullptr || !gtk_widget_get_realized(button_))
+        return;
+    GtkWidget* calendar = NewCalendar();
+    popUp_ = NewPopUp(button_, calendar);
+    g_object_add_weak_pointer(G_OBJECT(popUp_), reinterpret_cast<gpointer*>(&popUp_));
     signals_.Connect(calendar, "day-selected", G_CALLBACK(GCCalendarDateSelected), this);
     signals_.Connect(calendar, "day-selected-double-click", G_CALLBACK(GCCalendarPopDown), this);
     signals_.Connect(popUp_, "button-press-event", G_CALLBACK(GCCalendarExit), this);
     signals_.Connect(popUp_, "key-press-event", G_CALLBACK(GCCalendarKey), this);
-    gtk_widget_show_all(frame);
     PlaceBelow(popUp_, button_);
     gtk_widget_show(popUp_);
     gtk_widget_grab_focus(calendar);
-    const guint32 time = gtk_get_current_event_time();
-    GdkWindow* window = gtk_widget_get_window(popUp_);
-    const auto pointer = GdkEventMask(GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK);
-    gdk_pointer_grab(window, TRUE, pointer, nullptr, nullptr, time);
-    gdk_keyboard_grab(window, TRUE, time);
-    gtk_grab_add(popUp_);
+    GrabInput(popUp_);
 }
 
 void LDateTimePicker::PopDown() {

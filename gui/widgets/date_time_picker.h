@@ -34,7 +34,8 @@ public:
     void SetFormat(const char* format);  // as strftime; copied
     std::optional<std::int64_t> Seconds() const { return seconds_; }
     void SetSeconds(std::optional<std::int64_t> seconds);
-    std::tm Parts() const;  // of the value as it is shown; of 1970 without a value
+    GtkWidget* NewCalendar() const;  // showing the value, or today
+    std::tm Parts() const;           // of the value as it is shown; of 1970 without a value
     void SetParts(std::tm parts);
     // Called for every change of the value while `life` has not expired.
     void SetListener(Listener listener, gpointer data, std::weak_ptr<const void> life);

@@ -165,14 +165,11 @@ gboolean GCScroll(GtkWidget* display, GdkEventScroll* event, gpointer) {
     return TRUE;
 }
 
-gboolean GCKeyPress(GtkWidget* display, GdkEventKey* event, gpointer) {
-    if ((event->state & (GDK_CONTROL_MASK | GDK_MOD1_MASK)) != 0)
-        return FALSE;
-    constexpr int kWholeRange = kHighest - kLowest;
-    constexpr struct {
-        guint key;
-        int decibels;
-    } kSteps[] = {{GDK_KEY_Up, 1},
+constexpr int kWholeRange = kHighest - kLowest;
+constexpr struct {
+    guint key;
+    int decibels;
+} kLevelKeys[] = {{GDK_KEY_Up, 1},
                   {GDK_KEY_Right, 1},
                   {GDK_KEY_plus, 1},
                   {GDK_KEY_KP_Add, 1},
@@ -184,7 +181,11 @@ gboolean GCKeyPress(GtkWidget* display, GdkEventKey* event, gpointer) {
                   {GDK_KEY_Page_Down, -kPage},
                   {GDK_KEY_Home, -kWholeRange},
                   {GDK_KEY_End, kWholeRange}};
-    for (const auto& step : kSteps) {
+
+gboolean GCKeyPress(GtkWidget* display, GdkEventKey* event, gpointer) {
+    if ((event->state & (GDK_CONTROL_MASK | GDK_MOD1_MASK)) != 0)
+        return FALSE;
+    for (const auto& step : kLevelKeys) {
         if (step.key == event->keyval) {
             Step(display, step.decibels);
             return TRUE;

@@ -3,12 +3,13 @@
     check_includes.py ROOT
 
 Prints a line for each wrong include and fails when there is one. Before that it checks itself on
-a tree with planted violations, so that it cannot rot into a check that never fails.
+a tree with planted violations.
 """
 import os
 import re
 import sys
-import tempfile
+
+from source_tree import report, sources_in, try_on_planted
 
 
 def read_layers():
@@ -28,7 +29,6 @@ def read_layers():
 
 
 MAY_INCLUDE, LIBRARIES = read_layers()
-SUFFIXES = (".h", ".cpp")
 MAIN_LINES = 60
 MOST_LINES = {".h": 150, ".cpp": 400}
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]')
@@ -103,30 +103,20 @@ def check_include(root, path, quote, header):
 
 def check(root):
     problems = []
-    for base, folders, files in os.walk(root):
-        relative = os.path.relpath(base, root)
-        if relative == ".":
-            folders[:] = [name for name in folders if not name.startswith(".") and name != "build"]
-        for name in sorted(files):
-            if not name.endswith(SUFFIXES):
-                continue
-            path = os.path.normpath(os.path.join(relative, name))
-            with open(os.path.join(base, name), encoding="utf-8") as file:
-                lines = file.readlines()
-            is_main = name == "main.cpp" and not path.startswith("tests/")
-            limit = MAIN_LINES if is_main else MOST_LINES[os.path.splitext(name)[1]]
-            if len(lines) > limit:
-                problems.append(f"{path}:{len(lines)}: longer than {limit} lines")
-            for number, line in enumerate(lines, 1):
-                match = INCLUDE.match(line)
-                wrong = match and check_include(root, path, *match.groups())
-                if wrong:
-                    problems.append(f"{path}:{number}: {wrong}")
+    for path, lines in sources_in(root):
+        is_main = os.path.basename(path) == "main.cpp" and not path.startswith("tests/")
+        limit = MAIN_LINES if is_main else MOST_LINES[os.path.splitext(path)[1]]
+        if len(lines) > limit:
+            problems.append(f"{path}:{len(lines)}: longer than {limit} lines")
+        for number, line in enumerate(lines, 1):
+            match = INCLUDE.match(line)
+            wrong = match and check_include(root, path, *match.groups())
+            if wrong:
+                problems.append(f"{path}:{number}: {wrong}")
     return problems
 
 
 def check_itself():
-    """Every planted line must be found, and nothing else."""
     if circle({"a": ["b", "c"], "b": ["c"], "c": []}) or not circle({"a": ["b"], "b": ["a"]}):
         sys.exit("the check of circles is wrong")
     planted = {
@@ -146,14 +136,7 @@ def check_itself():
         "tests/sound/good.cpp": '#include "sound/stream.h"\n#include "tests/support/double.h"\n',
         "tests/support/double.h": '#include "sound/stream.h"\n#include <alsa/asoundlib.h>\n',
     }
-    with tempfile.TemporaryDirectory() as root:
-        for path, text in {**planted, **fine}.items():
-            os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
-            with open(os.path.join(root, path), "w") as file:
-                file.write(text)
-        found = sorted(problem.split(":")[0] for problem in check(root))
-    if found != sorted(planted):
-        sys.exit(f"the check itself is wrong: planted {sorted(planted)}, found {found}")
+    try_on_planted(check, planted, fine)
 
 
 def main():
@@ -161,9 +144,8 @@ def main():
     problems = check(sys.argv[1])
     if way := circle(MAY_INCLUDE):
         problems.append("the layers run in a circle: " + " -> ".join(way))
-    print("\n".join(problems) or "every include keeps to the layers")
-    return 1 if problems else 0
+    report(problems, "every include keeps to the layers")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()
