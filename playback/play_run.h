@@ -93,6 +93,7 @@ private:
     };
 
     void ThreadFunction() override;
+    bool IsPendingWork() const override { return false; }
     bool OpenCard();
     PlayTrouble TryDevice(LSoundPlayDevice device);
     void TellRoute(PlayRoute::Way way, bool isBusy);
@@ -120,7 +121,6 @@ private:
     const std::shared_ptr<const LTempo> tempo_;
     const std::function<void()> notify_;
     LSignalObject finished_;
-
     std::mutex sourceMutex_;
     LSoundSource original_;     // as the owner gave it
     LSoundSource source_;       // as the card gets it

@@ -20,6 +20,11 @@ LProcessResult WaitOrStop(const LThread& thread, int first, int second, long lon
     return ((entries[1].revents | entries[2].revents) & POLLIN) ? kProcessDone : kProcessFailed;
 }
 
+std::atomic<int>& Pending() {
+    static std::atomic<int> pending{0};
+    return pending;
+}
+
 }  // namespace
 
 LThread::~LThread() {
@@ -42,13 +47,24 @@ void LThread::Start(int priority) {
 
 void LThread::Launch(int priority, void* (*entry)(void*)) {
     running_ = true;
+    isPending_ = IsPendingWork();
+    Pending() += isPending_ ? 1 : 0;
     {
         const std::lock_guard priorityLock(priorityMutex_);
         priority_ = priority;
     }
     hasHandle_ = ::pthread_create(&handle_, nullptr, entry, this) == 0;
     if (!hasHandle_)
-        running_ = false;
+        EndRun();
+}
+
+void LThread::EndRun() {
+    Pending() -= isPending_ ? 1 : 0;
+    running_ = false;
+}
+
+int LThread::PendingWork() {
+    return Pending();
 }
 
 void* LThread::Entry(void* self) {
@@ -68,7 +84,7 @@ void LThread::Run() {
         const std::lock_guard lock(priorityMutex_);
         kernelId_ = -1;
     }
-    running_ = false;
+    EndRun();
 }
 
 void LThread::SetPriority(int priority) {

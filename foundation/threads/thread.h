@@ -29,6 +29,9 @@ public:
     void StopThreadSoon();  // asks, does not wait
     void Join();  // the owner's thread only; returns at once when there is nothing to join
 
+    // How many threads run of those whose work somebody waits for. Any thread.
+    static int PendingWork();
+
     bool IsRunning() const { return running_.load(); }
     bool IsStopping() const { return stopFlag_.load(); }
     LSignalObjectRef StopSignal() const { return stopSignal_.Ref(); }
@@ -43,6 +46,8 @@ protected:
     // Tests IsStopping() between units of work and sleeps by waiting on StopSignal(), so that a
     // stop wakes it.
     virtual void ThreadFunction() = 0;
+    // False for one that only accompanies something, however long that goes on.
+    virtual bool IsPendingWork() const { return true; }
     void SetStopFlag() { stopFlag_.store(true); }  // for a body that ends itself
 
 private:
@@ -50,6 +55,7 @@ private:
     friend class LDetachedThreadsOwner;
     static void* Entry(void* self);
     void Launch(int priority, void* (*entry)(void*));  // no thread is to be running or joinable
+    void EndRun();
     void Run();            // the body with its priority and signal stack, on the thread itself
     void ApplyPriority();  // priorityMutex_ held
 
@@ -62,6 +68,7 @@ private:
     int kernelId_ = -1;
     int priority_ = 0;
     std::atomic<bool> running_{false};
+    bool isPending_ = false;  // counted, as long as it runs
     std::mutex startMutex_;
 };
 

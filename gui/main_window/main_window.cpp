@@ -4,6 +4,7 @@
 
 #include "gui/display_text.h"
 #include "gui/icons.h"
+#include "gui/main_window/idle_answer.h"
 #include "gui/settings_keys.h"
 
 struct LMainWindowCallbacks {
@@ -56,6 +57,7 @@ void LMainWindow::CreateMainWindow(const char* title) {
     CreateAccelerators();
     Connect(window, "delete_event", G_CALLBACK(LMainWindowCallbacks::GCExit));
     Connect(window, "configure-event", G_CALLBACK(LMainWindowCallbacks::GCConfigure));
+    AnswerWhenIdle(window);
 
     GtkWidget* box = gtk_vbox_new(FALSE, 0);
     fixed_ = gtk_fixed_new();

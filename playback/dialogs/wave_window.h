@@ -46,6 +46,7 @@ private:
         int from = 0, to = 0;  // columns; empty when equal
     };
     void ThreadFunction() override;
+    bool IsPendingWork() const override { return false; }
     void ScanColumns();
     bool MayGrow();
     void Place(std::int64_t position, std::int32_t rate, bool isCued);

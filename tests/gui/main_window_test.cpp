@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "foundation/settings/settings.h"
+#include "foundation/threads/thread.h"
 #include "gui/controls/control_factory.h"
+#include "gui/main_window/idle_answer.h"
 #include "gui/main_window/main_window.h"
 #include "tests/gui/gui_fixtures.h"
 
@@ -89,6 +91,68 @@ TEST(MainWindow, RunsInOrderAndComesBackWhereItWas) {
     EXPECT_EQ(LUserSettingGetInt("MainWindow", "Width", 0), 280);
     EXPECT_EQ(LUserSettingGetInt("MainWindow", "Height", 0), 230);
     EXPECT_EQ(LUserSettingGet("Settings", "Installed"), "1");
+}
+
+void Ask(GdkWindow* window, glong number) {
+    gdk_property_change(window, gdk_atom_intern(kTellWhenIdle, FALSE),
+                        gdk_atom_intern("CARDINAL", FALSE), 32, GDK_PROP_MODE_REPLACE,
+                        reinterpret_cast<const guchar*>(&number), 1);
+}
+
+bool IsAnswered(GdkWindow* window, glong number) {
+    guchar* answer = nullptr;
+    const bool isThere =
+        gdk_property_get(window, gdk_atom_intern(kIsIdle, FALSE), GDK_NONE, 0, sizeof number, FALSE,
+                         nullptr, nullptr, nullptr, &answer) != FALSE;
+    const bool isIt = isThere && *reinterpret_cast<const glong*>(answer) == number;
+    g_free(answer);
+    return isIt;
+}
+
+// The main loop sleeps here as it does in the program.
+bool WaitForAnswer(GdkWindow* window, glong number, int milliseconds = 10000) {
+    const guint wake = g_timeout_add(
+        100, [](gpointer) -> gboolean { return TRUE; }, nullptr);
+    const gint64 end = g_get_monotonic_time() + gint64{1000} * milliseconds;
+    while (!IsAnswered(window, number) && g_get_monotonic_time() < end)
+        gtk_main_iteration();
+    g_source_remove(wake);
+    return IsAnswered(window, number);
+}
+
+class SlowWorker : public LThread {
+public:
+    ~SlowWorker() override {
+        end.Signal();
+        Join();
+    }
+    LSignalObject end;
+
+private:
+    void ThreadFunction() override { ProcessWaitSignalForever(*this, end.Ref()); }
+};
+
+TEST(IdleAnswer, ComesOnceTimersCallbacksAndWorkersAreDone) {
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    AnswerWhenIdle(window);
+    gtk_widget_show(window);
+    GdkWindow* shown = gtk_widget_get_window(window);
+    int steps = 30;
+    UserScript timer(std::vector<std::function<void()>>(30, [&] { --steps; }));
+    Ask(shown, 7);
+    EXPECT_TRUE(WaitForAnswer(shown, 7));
+    EXPECT_EQ(steps, 0);
+
+    SlowWorker worker;
+    worker.Start(0);
+    Ask(shown, 8);
+    EXPECT_FALSE(WaitForAnswer(shown, 8, 300));
+    worker.end.Signal();
+    EXPECT_TRUE(WaitForAnswer(shown, 8));
+    Ask(shown, 9);
+    gtk_main_iteration();
+    gtk_widget_destroy(window);  // takes its question with it
+    EXPECT_FALSE(PumpUntil([] { return false; }, 100));
 }
 
 }  // namespace
