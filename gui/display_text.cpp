@@ -32,13 +32,3 @@ std::string DisplayText(std::string_view text) {
     }
     return out;
 }
-
-std::string_view WholeCharacters(std::string_view text, std::size_t bytes) {
-    if (text.size() <= bytes)
-        return text;
-    std::size_t end = bytes;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-        --end;
-    // Four bytes are the longest character: more of the same are no UTF-8.
-    return text.substr(0, bytes - end < 4 ? end : bytes);
-}

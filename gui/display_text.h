@@ -5,13 +5,11 @@
 #include <string_view>
 
 #include "foundation/files/text_buffer.h"
+#include "foundation/whole_characters.h"
 
 // Valid UTF-8 without NUL is returned unchanged. Otherwise bytes that are not UTF-8 are taken as
 // ISO-8859-1 characters and NUL bytes become U+FFFD, so that nothing vanishes silently.
 std::string DisplayText(std::string_view text);
-
-// The first bytes of the text, at most so many, that do not end inside a character.
-std::string_view WholeCharacters(std::string_view text, std::size_t bytes);
 
 // Cut to the buffer, which holds whole characters only.
 template <std::size_t N>
