@@ -72,6 +72,8 @@ public:
     ReadingNews Now() const;
     ReadingState State() const { return state_; }
     bool IsReading() const { return ::IsReading(state_); }
+    // What is read, or was and can be heard again: the whole text, whose bytes stretches tell.
+    const std::string& Text() const { return info_.Text(); }
 
     // Ends what is read and reads the text. With an unknown voice it waits for SetVoice.
     void Read(ReadingText text, int voice);
