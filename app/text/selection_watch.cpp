@@ -85,19 +85,32 @@ void SelectionWatch::GCTargets(GtkClipboard*, GdkAtom* targets, gint count, gpoi
         shared->changed();
 }
 
-bool SelectionWatch::Fetch(std::function<void(const std::string&)> taken) {
+bool SelectionWatch::Fetch(std::function<void(const std::string&)> taken, From from) {
     if (shared_->taken)
         return false;
     shared_->taken = std::move(taken);
-    const unsigned int request = ++shared_->request;
+    ++shared_->request;
     const Source* sources = shared_->sources;
-    int first = IsLater(sources[1].since, sources[0].since) ? 1 : 0;
-    if (IsOwnSelection(sources[0].selection))
-        first = 1;
-    const bool isLast = first == 1 && IsOwnSelection(sources[0].selection);
-    gtk_clipboard_request_text(sources[first].clipboard, GCText,
-                               new Asked{shared_, first, request, isLast});
+    const bool isOwn = IsOwnSelection(sources[0].selection);
+    switch (from) {
+        case From::kNewest: {
+            const int first = isOwn || IsLater(sources[1].since, sources[0].since) ? 1 : 0;
+            RequestText(first, first == 1 && isOwn);
+            break;
+        }
+        case From::kSelection:
+            RequestText(0, true);
+            break;
+        case From::kClipboard:
+            RequestText(1, true);
+            break;
+    }
     return true;
+}
+
+void SelectionWatch::RequestText(int index, bool isLast) {
+    gtk_clipboard_request_text(shared_->sources[index].clipboard, GCText,
+                               new Asked{shared_, index, shared_->request, isLast});
 }
 
 void SelectionWatch::DropFetch() {
@@ -110,7 +123,8 @@ void SelectionWatch::GCText(GtkClipboard*, const char* text, gpointer user) {
     const std::shared_ptr<Sources> shared = asked->sources.lock();
     if (!shared || !shared->taken || asked->request != shared->request)
         return;
-    const std::string fetched = text != nullptr ? text : "";
+    const bool isOwn = IsOwnSelection(shared->sources[asked->index].selection);
+    const std::string fetched = text != nullptr && !isOwn ? text : "";
     if (fetched.empty() && !asked->isLast) {
         const int other = 1 - asked->index;
         gtk_clipboard_request_text(shared->sources[other].clipboard, GCText,

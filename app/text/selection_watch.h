@@ -19,10 +19,11 @@ public:
 
     bool HasText() const;
 
-    // Asks for the text that was selected or copied last. taken: from the main loop, once, with the
-    // text, empty where there is none; never once the request was dropped or this object is gone.
-    // False, and nothing happens: a request is under way already.
-    bool Fetch(std::function<void(const std::string&)> taken);
+    enum class From { kNewest, kSelection, kClipboard };
+    // Asks for the text that was selected or copied last, or for one of both. taken: from the main
+    // loop, once, with the text, empty where there is none; never once the request was dropped or
+    // this object is gone. False, and nothing happens: a request is under way already.
+    bool Fetch(std::function<void(const std::string&)> taken, From from = From::kNewest);
     void DropFetch();
 
 private:
@@ -51,6 +52,7 @@ private:
     static void GCTime(GtkClipboard* clipboard, GtkSelectionData* data, gpointer asked);
     static void GCText(GtkClipboard* clipboard, const char* text, gpointer asked);
     void Ask(int index);
+    void RequestText(int index, bool isLast);
 
     std::shared_ptr<Sources> shared_;
 };
