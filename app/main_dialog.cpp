@@ -59,6 +59,7 @@ MainDialog::MainDialog()
                      {.show = [this](const char* text) { SetStatusText(text); },
                       .tell = [this](const char* text) { TellStatusText(text); }},
                      kBanner),
+      control_(narrator_, ControlWays()),
       reading_(narrator_.News(), [this](const ReadingNews& news) { EvReading(news); }) {
     AddCommands();
     CheckActiveWindowChange();
@@ -184,11 +185,15 @@ void MainDialog::CmOptions() {
         hotKeys_.Start();
 }
 
+// A dialog of the last command still waits for its answer, perhaps behind other windows.
+void MainDialog::PresentWaitingDialog() {
+    if (GtkWidget* waiting = gtk_grab_get_current())
+        gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(waiting)));
+}
+
 void MainDialog::EvHotKey(int storedCommand) {
     if (saving_ || loading_) {
-        // A dialog of the last command still waits for its answer, perhaps behind other windows.
-        if (GtkWidget* waiting = gtk_grab_get_current())
-            gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(waiting)));
+        PresentWaitingDialog();
         return;
     }
     static_assert(kHotKeyUpdate == 0 && kHotKeyRead == 1 && kHotKeySave == 2);

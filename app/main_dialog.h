@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/commands/command_places.h"
+#include "app/control/remote_control.h"
 #include "app/hotkeys/hot_key_offer.h"
 #include "app/hotkeys/hot_keys.h"
 #include "app/reading/dialogs/reading_player.h"
@@ -58,6 +59,9 @@ public:
     void CmOptions();
     void CmShowCommandBar();  // or hides it
 
+    // What a second start asks for, or this one.
+    RemoteControl& Control() { return control_; }
+
     // Names the program that was in front before this window, in the labels that speak of it.
     void EvActiveWindowChanged(const char* program);
     void EvNotifyIconContextMenu() { places_.PopupTrayMenu(); }
@@ -66,6 +70,7 @@ private:
     void CheckActiveWindowChange();
     void EvReading(const ReadingNews& news);
     void EvHotKey(int storedCommand);
+    static void PresentWaitingDialog();
 
     // In the status bar while there is nothing else to tell.
     static constexpr const char* kBanner = "Lectora v 1.05";
@@ -83,7 +88,8 @@ private:
     void TellUnreadable(const std::string& path, const std::string& problem, FileFrom from);
     // Then runs from the main loop, once the text is there or there is none, unless the text was
     // changed meanwhile. One at a time.
-    void FetchText(std::function<void(const std::string& text)> then);
+    void FetchText(std::function<void(const std::string& text)> then,
+                   SelectionWatch::From from = SelectionWatch::From::kNewest);
     void UpdateThen(void (MainDialog::*command)());
 
     struct Rows;  // of its commands
@@ -105,6 +111,10 @@ private:
     void OpenRecentFile(std::size_t number);
     void ListRecentFilesSoon();
     void ReadFiles(const std::vector<std::string>& files);
+    struct Outside;  // what is done for who asks from there
+    ControlledWindow ControlWays();
+    void DoAtStart(const VerbFacts& verb, const std::string& operand);
+    void TellOutside(const char* summary, const std::string& note);
     void EvFilesDropped(const std::vector<std::string>& paths);
     static bool ShowsCommandBar();
     void KeepFocus();
@@ -130,6 +140,7 @@ private:
     ReadingTroubles troubles_;
     PlaybackCommands playback_;
     ReadingStatus readingStatus_;
+    RemoteControl control_;
     Narrator::Subscription reading_;
     bool saving_ = false;   // its dialogs handle events
     bool loading_ = false;  // likewise

@@ -80,6 +80,10 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
     if (count < 2)
         CmOpen();
     EnableControls();
+    if (const VerbFacts* verb = count > 1 ? FindVerb(arguments[1]) : nullptr) {
+        DoAtStart(*verb, count > 2 ? arguments[2] : "");
+        return;
+    }
     std::vector<std::string> files;
     for (int index = 1; index < count; ++index) {
         const char* argument = arguments[index];

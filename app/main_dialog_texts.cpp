@@ -11,12 +11,14 @@
 #include "foundation/files/file.h"
 #include "gui/windows/message_box.h"
 
-void MainDialog::FetchText(std::function<void(const std::string& text)> then) {
-    const bool isAsked = selection_.Fetch([this, then = std::move(then)](const std::string& text) {
+void MainDialog::FetchText(std::function<void(const std::string& text)> then,
+                           SelectionWatch::From from) {
+    auto taken = [this, then = std::move(then)](const std::string& text) {
         // A dialog that came up meanwhile has the text.
         if (IsOpen() && !saving_ && !loading_)
             then(text);
-    });
+    };
+    const bool isAsked = selection_.Fetch(std::move(taken), from);
     if (!isAsked)
         TellStatusText("Another program is still being asked for its selection.");
 }
@@ -73,11 +75,14 @@ void MainDialog::TellUnreadable(const std::string& path, const std::string& prob
                       "Cannot read the file.", problem.c_str());
         return;
     }
-    const std::string note = "Cannot read " + path + ": " + problem;
-    if (!presence_.IsOnScreen())
-        Notify("Cannot read the file.", note.c_str(), [this] { CmOpen(); });
-    TellStatusText(note.c_str());
+    TellOutside("Cannot read the file.", "Cannot read " + path + ": " + problem);
     unreadableIsTold_ = true;
+}
+
+void MainDialog::TellOutside(const char* summary, const std::string& note) {
+    if (!presence_.IsOnScreen())
+        Notify(summary, note.c_str(), [this] { CmOpen(); });
+    TellStatusText(note.c_str());
 }
 
 bool MainDialog::LoadFile(const std::string& path, FileFrom from) {

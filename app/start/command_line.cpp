@@ -12,6 +12,7 @@
 #include <memory>
 #include <string_view>
 
+#include "app/control/verb.h"
 #include "foundation/files/file_io.h"
 #include "foundation/files/unique_fd.h"
 
@@ -19,6 +20,7 @@ namespace {
 
 constexpr const char* kUsage =
     "Usage: lectora [FILE...]\n"
+    "       lectora VERB\n"
     "       lectora -install | -uninstall | -check\n"
     "\n"
     "Opens Lectora, which reads texts aloud, and reads each FILE: plain text, HTML,\n"
@@ -29,13 +31,24 @@ constexpr const char* kUsage =
     "  -uninstall   remove it\n"
     "  -check       tell what this computer lacks for reading aloud\n"
     "  --help       show this help and exit\n"
-    "  --version    show the version and exit\n";
+    "  --version    show the version and exit\n"
+    "\n"
+    "Verbs for the Lectora that runs; those that read start one where none does. The exit\n"
+    "status is 0 once it is done, and 1 when it could not be:\n"
+    "\n";
 
 constexpr const char* kOwnWords[] = {"-logon", "-block", "-install", "-uninstall", "-check"};
 
 constexpr std::string_view kSpoolStart = "/tmp/lectora-input-";
 constexpr std::string_view kSpoolName = "/Standard input.txt";
 constexpr std::size_t kMostInput = std::size_t{256} << 20;
+
+void TellVerbs() {
+    for (const VerbFacts& verb : AllVerbs()) {
+        const std::string words = std::string(verb.word) + " " + verb.operand;
+        std::printf("  %-20s %s\n", words.c_str(), verb.does);
+    }
+}
 
 bool IsOwnWord(const std::string& argument) {
     return std::ranges::any_of(kOwnWords, [&](const char* word) {
@@ -110,6 +123,7 @@ std::optional<int> AnswerOnTerminal(int argc, const char* const* argv) {
             break;
         if (argument == "--help" || argument == "-h") {
             std::fputs(kUsage, stdout);
+            TellVerbs();
             return 0;
         }
         if (argument == "--version") {
@@ -125,7 +139,9 @@ std::vector<std::string> TakeCommandLine(int argc, const char* const* argv) {
     bool isFilesOnly = false;
     for (int index = 1; index < argc; ++index) {
         const std::string argument = argv[index];
-        if (isFilesOnly) {
+        if (index == 1 && FindVerb(argument) != nullptr) {
+            taken.push_back(argument);
+        } else if (isFilesOnly) {
             // A file may be called as a word of the program's own.
             const std::string path = WholePath(argument);
             taken.push_back(path.starts_with('-') ? "./" + path : path);

@@ -8,6 +8,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -91,16 +92,51 @@ void SendArguments(int fd, const std::vector<std::string>& arguments) {
     }
 }
 
-enum class Answer { kTaken, kEnding, kNone };
+// The first byte of what an instance says. One that takes the command line and has no more to say
+// closes the connection; one that ends may also leave what was sent unread, which resets it.
+enum class Sign : char { kEnding = 0, kPromised = 1, kDone = 2, kNotDone = 3, kTaken, kNone };
 
-// An instance that takes the command line closes the connection. One that ends says a byte, or
-// leaves what was sent unread, which resets the connection.
-Answer AwaitAnswer(int fd, int milliseconds) {
+// What is promised may be a long document that is loaded first.
+constexpr int kPromisedMilliseconds = 60000;
+constexpr std::size_t kMostAnswer = 65536;
+
+Sign AwaitSign(int fd, int milliseconds) {
     pollfd entry{fd, POLLIN, 0};
     if (TimedPoll(&entry, 1, milliseconds) <= 0)
-        return Answer::kNone;
-    char byte;
-    return ::recv(fd, &byte, 1, 0) == 0 ? Answer::kTaken : Answer::kEnding;
+        return Sign::kNone;
+    char byte = 0;
+    const ssize_t got = ::recv(fd, &byte, 1, 0);
+    if (got == 0)
+        return Sign::kTaken;
+    const bool isKnown = got == 1 && byte > 0 && byte <= static_cast<char>(Sign::kNotDone);
+    return isKnown ? static_cast<Sign>(byte) : Sign::kEnding;
+}
+
+// Until the instance closes the connection.
+std::string ReceiveRest(int fd) {
+    std::string rest;
+    char block[4096];
+    pollfd entry{fd, POLLIN, 0};
+    while (rest.size() < kMostAnswer && TimedPoll(&entry, 1, kReceiveLimitMilliseconds) > 0) {
+        const ssize_t got = ::recv(fd, block, sizeof block, 0);
+        if (got <= 0)
+            break;
+        rest.append(block, static_cast<std::size_t>(got));
+    }
+    return rest;
+}
+
+// Never waits: what an asker does not take is its loss.
+void Say(int fd, Sign sign, const std::string& text = "") {
+    const std::string message = static_cast<char>(sign) + text.substr(0, kMostAnswer);
+    static_cast<void>(!::send(fd, message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT));
+}
+
+int MillisecondsSince(const timespec& time) {
+    const auto then = std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    const auto age = std::chrono::system_clock::now().time_since_epoch() - then;
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(age).count();
+    return static_cast<int>(std::clamp<std::int64_t>(milliseconds, 0, INT32_MAX));
 }
 
 int ProcessBehind(int fd) {
@@ -159,7 +195,16 @@ RunOnceSocket::~RunOnceSocket() {
 }
 
 void HandedOver::Refuse() {
-    static_cast<void>(!::send(connection.Get(), "", 1, MSG_NOSIGNAL));
+    Say(connection.Get(), Sign::kEnding);
+    connection.Reset();
+}
+
+void HandedOver::Promise() {
+    Say(connection.Get(), Sign::kPromised);
+}
+
+void HandedOver::Answer(bool isDone, const std::string& text) {
+    Say(connection.Get(), isDone ? Sign::kDone : Sign::kNotDone, text);
     connection.Reset();
 }
 
@@ -210,26 +255,54 @@ RunOnceSocket::Claim RunOnceSocket::ClaimOnce(UniqueFd& client, int milliseconds
     return claim;
 }
 
+RunOnceSocket::Claim RunOnceSocket::AskOnce(UniqueFd& client, int milliseconds) const {
+    const UniqueFd turn = TakeTurn(path_);
+    const Claim claim = Connect(client, milliseconds);
+    return claim == Claim::kServer ? Claim::kNobody : claim;
+}
+
 RunOnceSocket::Claim RunOnceSocket::ClaimPath(const std::string& path,
                                               const std::vector<std::string>& arguments,
                                               int answerMilliseconds) {
     path_ = AddressOf(path).sun_path;
-    UniqueFd client;
+    return HandOver(arguments, answerMilliseconds, true);
+}
+
+// A start is younger than its socket only by moments: one whose window is not up yet does not hang.
+RunOnceSocket::Claim RunOnceSocket::AskRunning(const std::string& path,
+                                               const std::vector<std::string>& arguments,
+                                               int promiseMilliseconds) {
+    path_ = AddressOf(path).sun_path;
+    struct stat socket = {};
+    const bool isThere = ::stat(path_.c_str(), &socket) == 0;
+    const int age = isThere ? MillisecondsSince(socket.st_mtim) : kAnswerMilliseconds;
+    const int left = kAnswerMilliseconds - std::min(age, kAnswerMilliseconds);
+    return HandOver(arguments, std::max(promiseMilliseconds, left), false);
+}
+
+RunOnceSocket::Claim RunOnceSocket::HandOver(const std::vector<std::string>& arguments,
+                                             int milliseconds, bool claims) {
     for (int tries = 0; tries < kMostTries; ++tries) {
-        Claim claim = ClaimOnce(client, answerMilliseconds);
+        UniqueFd client;
+        const Claim claim =
+            claims ? ClaimOnce(client, milliseconds) : AskOnce(client, milliseconds);
+        Sign sign = Sign::kNone;
         if (claim == Claim::kHandedOver) {
             SendArguments(client.Get(), arguments);
-            const Answer answer = AwaitAnswer(client.Get(), answerMilliseconds);
-            if (answer == Answer::kEnding) {
-                ::usleep(kBetweenTriesMicroseconds);  // until it has closed its socket
-                continue;
-            }
-            if (answer == Answer::kNone)
-                claim = Claim::kBusy;
+            sign = AwaitSign(client.Get(), milliseconds);
+            if (sign == Sign::kPromised)
+                sign = AwaitSign(client.Get(), kPromisedMilliseconds);
         }
-        if (claim == Claim::kBusy)
-            busyProcess_ = ProcessBehind(client.Get());
-        return claim;
+        if (sign == Sign::kEnding) {
+            ::usleep(kBetweenTriesMicroseconds);  // until it has closed its socket
+            continue;
+        }
+        if (sign == Sign::kDone || sign == Sign::kNotDone)
+            answer_ = HandOverAnswer{sign == Sign::kDone, ReceiveRest(client.Get())};
+        if (claim == Claim::kServer || claim == Claim::kNobody || sign != Sign::kNone)
+            return claim;
+        busyProcess_ = ProcessBehind(client.Get());
+        return Claim::kBusy;
     }
     return Claim::kBusy;
 }

@@ -4,6 +4,7 @@
 
 #include <sys/stat.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,16 @@ struct HandedOver {
     std::vector<std::string> arguments;
     UniqueFd connection;
     void Refuse();  // lets it start by itself instead
+    // For a start that asked for something and wants to know what became of it: that this is being
+    // seen to, so that it goes on waiting; and the answer.
+    void Promise();
+    void Answer(bool isDone, const std::string& text);
+};
+
+// What the instance answered.
+struct HandOverAnswer {
+    bool isDone = false;
+    std::string text;  // a line for the user
 };
 
 // The listening end; removes its path when it goes. GUI thread.
@@ -24,8 +35,10 @@ public:
         kServer,      // this process is the instance; listening, or at least trying to
         kHandedOver,  // another instance runs and has taken the command line
         kBusy,        // another instance runs but does not answer
+        kNobody,      // no instance runs
     };
     static constexpr int kAnswerMilliseconds = 10000;
+    static constexpr int kPromiseMilliseconds = 2000;
 
     RunOnceSocket() = default;
     RunOnceSocket(const RunOnceSocket&) = delete;
@@ -36,6 +49,12 @@ public:
     // answer of an instance that runs; one that is just ending gives its place to this one.
     Claim ClaimPath(const std::string& path, const std::vector<std::string>& arguments,
                     int answerMilliseconds = kAnswerMilliseconds);
+    // Only asks the instance that runs, which has this long for a sign of life, and longer while it
+    // is just starting.
+    Claim AskRunning(const std::string& path, const std::vector<std::string>& arguments,
+                     int promiseMilliseconds = kPromiseMilliseconds);
+    // After kHandedOver: nothing when the instance only took what was handed over.
+    const std::optional<HandOverAnswer>& Answer() const { return answer_; }
     int BusyProcess() const { return busyProcess_; }      // after kBusy; 0: not known
     int ListeningFd() const { return listening_.Get(); }  // borrowed; -1 when not listening
     void Close();  // stops listening and removes the path, unless another instance has replaced it
@@ -49,10 +68,13 @@ public:
 private:
     Claim Connect(UniqueFd& client, int milliseconds) const;
     Claim ClaimOnce(UniqueFd& client, int milliseconds);
+    Claim AskOnce(UniqueFd& client, int milliseconds) const;
+    Claim HandOver(const std::vector<std::string>& arguments, int milliseconds, bool claims);
     bool Bind();
 
     UniqueFd listening_;
     std::string path_;  // as cut to the address's length
     int busyProcess_ = 0;
+    std::optional<HandOverAnswer> answer_;
     struct stat bound_ = {};  // what this process bound there; no inode while it bound nothing
 };

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
@@ -20,6 +21,7 @@
 #include "app/start/command_line.h"
 #include "app/start/orderly_end.h"
 #include "app/start/run_once.h"
+#include "app/start/verb_start.h"
 #include "desktop/dialogs/install_wizard.h"
 #include "desktop/dialogs/uninstall_wizard.h"
 #include "desktop/install_console.h"
@@ -87,12 +89,27 @@ struct HandOverTarget {
     std::deque<HandedOver> waiting{};
 };
 
+void DoVerb(MainDialog& window, const VerbFacts& verb, const std::string& operand,
+            HandedOver asked) {
+    asked.Promise();
+    const auto asker = std::make_shared<HandedOver>(std::move(asked));
+    const auto reply = std::make_shared<VerbReply>(
+        [asker](bool isDone, const std::string& text) { asker->Answer(isDone, text); });
+    window.Control().Do(verb.verb, operand, reply);
+}
+
 gboolean RunHandedOver(gpointer user) {
     auto* target = static_cast<HandOverTarget*>(user);
-    std::vector<std::string> arguments = std::move(target->waiting.front().arguments);
-    target->waiting.pop_front();  // its start ends now
+    HandedOver handed = std::move(target->waiting.front());
+    target->waiting.pop_front();
+    std::vector<std::string> arguments = std::move(handed.arguments);
     target->inputs.Note(arguments);
     MainDialog& window = target->window;
+    if (const VerbFacts* verb = arguments.size() > 1 ? FindVerb(arguments[1]) : nullptr) {
+        DoVerb(window, *verb, arguments.size() > 2 ? arguments[2] : "", std::move(handed));
+        return FALSE;
+    }
+    handed.connection.Reset();  // its start ends now
     std::vector<char*> pointers(arguments.size());
     std::transform(arguments.begin(), arguments.end(), pointers.begin(),
                    [](std::string& argument) { return argument.data(); });
@@ -240,6 +257,9 @@ int RunProgram(int argc, char** argv) {
     gargv = argv;
     if (const std::optional<int> status = AnswerOnTerminal(argc, argv))
         return *status;
+    std::vector<std::string> commandLine;
+    if (const std::optional<int> status = AnswerByRunning(argc, argv, commandLine))
+        return *status;
     if (std::getenv("DISPLAY") == nullptr) {
         if (argc < 2) {
             std::puts(kNoDisplay);
@@ -266,7 +286,8 @@ int RunProgram(int argc, char** argv) {
         std::fputs("Lectora cannot start: the environment variable HOME is not set.\n", stderr);
         return 1;
     }
-    std::vector<std::string> commandLine = TakeCommandLine(gargc, gargv);
+    if (commandLine.empty())
+        commandLine = TakeCommandLine(gargc, gargv);
     if (commandLine.empty() && gargc > 0)
         return 2;
     std::vector<char*> pointers(commandLine.size() + 1);  // the last ends the list
@@ -280,7 +301,7 @@ int RunProgram(int argc, char** argv) {
             // No window of this start ever tells the desktop that it has come up.
             gdk_notify_startup_complete();
             gdk_flush();
-            return 0;
+            return TellAnswer(commandLine, socket);
         case RunOnceSocket::Claim::kBusy:
             SpooledInputs().Note(commandLine);
             TellBusy(socket.BusyProcess());

@@ -79,6 +79,45 @@ TEST_F(RunOnceTest, SecondStartHandsItsWholeCommandLineOver) {
     EXPECT_EQ(RunOnceSocket::Claim::kHandedOver, second.get());
 }
 
+TEST_F(RunOnceTest, AStartThatOnlyAsksTakesNoPlaceAndHearsWhatBecameOfIt) {
+    using Claim = RunOnceSocket::Claim;
+    EXPECT_EQ(Claim::kNobody, second_.AskRunning(path_, {"lectora", "--stop"}));
+    EXPECT_FALSE(folder_.Has("socket"));
+    server_.ClaimPath(path_, {});
+    const auto ask = [&](int milliseconds) {
+        return std::async(std::launch::async, [this, milliseconds] {
+            return second_.AskRunning(path_, {"lectora", "--stop"}, milliseconds);
+        });
+    };
+    for (const bool isDone : {true, false}) {
+        auto asked = ask(60000);
+        AwaitConnection();
+        HandedOver handed;
+        server_.Receive(handed);
+        handed.Promise();
+        handed.Answer(isDone, "a\nb");
+        EXPECT_EQ(Claim::kHandedOver, asked.get());
+        ASSERT_TRUE(second_.Answer());
+        EXPECT_EQ(second_.Answer()->isDone, isDone);
+        EXPECT_EQ(second_.Answer()->text, "a\nb");
+    }
+    // One that has just begun to listen is given more time than it was asked with.
+    auto asked = ask(1);
+    AwaitConnection();
+    HandedOver handed;
+    server_.Receive(handed);
+    EXPECT_EQ(std::future_status::timeout, asked.wait_for(std::chrono::milliseconds(200)));
+    handed.Refuse();
+    server_.Close();
+    EXPECT_EQ(Claim::kNobody, asked.get());
+    // What was left there listens to nobody, and a hung one is known by its age.
+    server_.ClaimPath(path_, {});
+    std::filesystem::last_write_time(
+        path_, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    EXPECT_EQ(Claim::kBusy, ask(50).get());
+    EXPECT_EQ(second_.BusyProcess(), ::getpid());
+}
+
 TEST_F(RunOnceTest, AStartIntoAnInstanceThatEndsTakesItsPlace) {
     for (const bool isRead : {false, true}) {
         ASSERT_EQ(RunOnceSocket::Claim::kServer, server_.ClaimPath(path_, {"lectora"}));
