@@ -16,6 +16,7 @@ public:
     ~LPipe16Sink() override;
 
     void Write(const int* buffer, int frames) override;
+    bool KeepsSixteenBits() const override { return true; }
     void Write(const void* bytes, int length);  // as they are; not counted as frames
 
     // Kills the command with all that it started, so that a thread that waits for it in Write or

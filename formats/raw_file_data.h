@@ -2,6 +2,8 @@
 // files.
 #pragma once
 
+#include <type_traits>
+
 #include "formats/frame_file.h"
 #include "sound/sound_sink.h"
 
@@ -72,6 +74,10 @@ public:
     LRawFileDataSoundSink(const char* path, int rate, unsigned char channels, int startFrame,
                           LHeaderWriter writeHeader)
         : LRawFileDataSoundSinkBase(path, rate, channels, startFrame, sizeof(Stored), writeHeader) {
+    }
+
+    bool KeepsSixteenBits() const override {
+        return std::is_same_v<Stored, LSF16> || std::is_same_v<Stored, LSFBE16>;
     }
 
     void Write(const int* buffer, int frames) override {

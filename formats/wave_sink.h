@@ -18,6 +18,8 @@ public:
     // Backwards only: drops the frames from there on. A forward seek is ignored.
     void Seek(int frame) override;
 
+    bool KeepsSixteenBits() const override { return bytesPerSample_ == 2; }
+
     // Writes the header at the file's current position, with the sizes as they now are when final.
     void WriteRIFF(bool final);
 

@@ -4,6 +4,7 @@
 
 #include "sound/convert_channels.h"
 #include "sound/convert_rate.h"
+#include "sound/convert_rate_fine.h"
 #include "sound/peak_limit.h"
 
 LSoundSource LSPConvChannels::OpenSource(const LSoundSource& source) const {
@@ -32,17 +33,27 @@ LSoundSource LSPConvertRate::OpenSource(const LSoundSource& source) const {
     return LSoundSource(new LSRCConvertRate(source, rate_, false));
 }
 
+LSoundSource LSPConvertRateFine::OpenSource(const LSoundSource& source) const {
+    if (source->Status() != SoundStatus::kGood || source->SampleRate() == rate_)
+        return source;
+    if (LSRCConvertRateFine::CanConvert(source->SampleRate(), rate_))
+        return LSoundSource(new LSRCConvertRateFine(source, rate_));
+    return LSPConvertRate(rate_).OpenSource(source);
+}
+
 LSoundSource LSPPeakLimit::OpenSource(const LSoundSource& source) const {
     if (source->Status() != SoundStatus::kGood)
         return source;
     return LSoundSource(new LSRCPeakLimit(source, std::min(limit_, LSRCPeakLimit::kHighestLimit)));
 }
 
-void LSPConvertSourceRateChannels(int rate, unsigned char channels, LSoundSource& source) {
+void LSPConvertSourceRateChannels(int rate, unsigned char channels, LSoundSource& source,
+                                  RateQuality quality) {
     if (source->Channels() > channels)
         source = LSPConvChannels(channels).OpenSource(source);
     if (source->SampleRate() != rate)
-        source = LSPConvertRate(rate).OpenSource(source);
+        source = quality == RateQuality::kFine ? LSPConvertRateFine(rate).OpenSource(source)
+                                               : LSPConvertRate(rate).OpenSource(source);
     if (source->Channels() != channels)
         source = LSPConvChannels(channels).OpenSource(source);
 }

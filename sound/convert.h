@@ -36,6 +36,20 @@ private:
     int limit_;
 };
 
+// The same without its compromises (convert_rate_fine.h), for rates of 100 to 1,000,000; else as
+// that.
+class LSPConvertRateFine {
+public:
+    explicit LSPConvertRateFine(int rate) : rate_(rate) {}
+    LSoundSource OpenSource(const LSoundSource& source) const;
+
+private:
+    int rate_;
+};
+
+enum class RateQuality { kFine, kFast };
+
 // Replaces the source in place. Channels are reduced before and added after the rate conversion,
 // which so works on the fewest.
-void LSPConvertSourceRateChannels(int rate, unsigned char channels, LSoundSource& source);
+void LSPConvertSourceRateChannels(int rate, unsigned char channels, LSoundSource& source,
+                                  RateQuality quality = RateQuality::kFine);

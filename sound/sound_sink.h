@@ -20,6 +20,9 @@ public:
     int FramesWritten() const { return framesWritten_; }
     int SampleRate() const { return sampleRate_; }
     unsigned char Channels() const { return channels_; }
+    // Write rounds to 16 bits, so that what holds more is better dithered before.
+    virtual bool KeepsSixteenBits() const { return false; }
+
     std::uint8_t Status() const { return status_; }  // 0 good, 1 placeholder or invalid format
 
     // Completes the output (header rewritten, file closed, command ended) and tells whether it is

@@ -5,16 +5,19 @@
 #include <cstdint>
 #include <vector>
 
-#include "sound/convert.h"
+#include "sound/dither.h"
 
-LSoundSource AdaptSourceToSink(const LSoundSource& source, const LSoundSinkBase& sink) {
+LSoundSource AdaptSourceToSink(const LSoundSource& source, const LSoundSinkBase& sink,
+                               RateQuality quality) {
     LSoundSource adapted = source;
-    LSPConvertSourceRateChannels(sink.SampleRate(), sink.Channels(), adapted);
+    LSPConvertSourceRateChannels(sink.SampleRate(), sink.Channels(), adapted, quality);
     // What cannot pass the limit needs no limiter, and a 16-bit file is then copied bit for bit: a
     // limiter would turn the whole stretch around a -32768 down by a hair.
-    if (adapted->PeakMagnitude() <= kMaxPcm16Peak)
-        return adapted;
-    return LSPPeakLimit(kMaxPcm16Peak).OpenSource(adapted);
+    if (adapted->PeakMagnitude() > kMaxPcm16Peak)
+        adapted = LSPPeakLimit(kMaxPcm16Peak).OpenSource(adapted);
+    if (sink.KeepsSixteenBits() && adapted->Status() == SoundStatus::kGood)
+        adapted = LSoundSource(new LSRCDither(adapted));
+    return adapted;
 }
 
 LProcessResult Process(LProgress& progress, LPRSourceToSink& request) {
@@ -28,7 +31,7 @@ LProcessResult Process(LProgress& progress, LPRSourceToSink& request) {
     // Only bit 0 of a sink's status says that it cannot be written.
     if (source->Status() != SoundStatus::kGood || (sink->Status() & 1) != 0)
         return kProcessFailed;
-    source = AdaptSourceToSink(source, *sink);
+    source = AdaptSourceToSink(source, *sink, request.quality);
     if (source->Status() != SoundStatus::kGood || source->SampleRate() != sink->SampleRate() ||
         source->Channels() != sink->Channels())
         return kProcessFailed;

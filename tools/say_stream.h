@@ -9,6 +9,7 @@ class WaveStreamSink final : public LSoundSinkBase {
 public:
     WaveStreamSink(int rate, unsigned char channels);
 
+    bool KeepsSixteenBits() const override { return true; }
     void Write(const int* buffer, int frames) override;
 
 private:
