@@ -13,9 +13,11 @@
 #include "formats/mp3_component.h"
 #include "formats/mp3_sink.h"
 #include "formats/settings_keys.h"
+#include "formats/sndfile_file.h"
 #include "formats/wave_codec_names.h"
 #include "formats/wave_file.h"
 #include "formats/wave_sink.h"
+#include "foundation/files/file_io.h"
 
 namespace {
 
@@ -54,11 +56,20 @@ constexpr SampleEncoding kGsmHolds[] = {kGsm};
 constexpr SampleEncoding kVoxHolds[] = {kAdpcm};
 constexpr SampleEncoding kMuLawHolds[] = {kMuLaw};
 constexpr SampleEncoding kALawHolds[] = {kALaw};
-constexpr SampleEncoding kMp3Holds[] = {kNone};
+constexpr SampleEncoding kEncoderHolds[] = {kNone};
 
+// What the reader of ours does not know is tried by the library's.
 template <LSoundSource (*Open)(const char*)>
 LSoundSource Source(const char* path, const LRawSettings&) {
-    return Open(path);
+    const LSoundSource source = Open(path);
+    if (source->Status() == SoundStatus::kGood || source->Status() == SoundStatus::kCannotOpen)
+        return source;
+    const LSoundSource foreign = OpenSndfileSource(path);
+    return foreign->Status() == SoundStatus::kGood ? foreign : source;
+}
+
+LSoundSource ForeignSource(const char* path, const LRawSettings&) {
+    return OpenSndfileSource(path);
 }
 
 LSoundSink WavSink(const char* path, const LRawSettings& format, const EncodingRow& encoding) {
@@ -79,6 +90,10 @@ LSoundSink GsmSink(const char* path, const LRawSettings&, const EncodingRow&) {
     return LGSMFile::OpenSink(path);
 }
 
+LSoundSource OpenGsm(const char* path, const LRawSettings&) {
+    return LGSMFile::OpenSource(path);
+}
+
 LSoundSink RawSink(const char* path, const LRawSettings& format, const EncodingRow&) {
     return LRawFile::OpenSink(path, format);
 }
@@ -86,6 +101,10 @@ LSoundSink RawSink(const char* path, const LRawSettings& format, const EncodingR
 LSoundSink Mp3Sink(const char* path, const LRawSettings& format, const EncodingRow&) {
     LMp3EncodeSettings settings = LoadMp3SettingsForSaving();
     return OpenMp3Sink(path, settings, format.sampleRate, format.channels);
+}
+
+LSoundSink FlacSink(const char* path, const LRawSettings& format, const EncodingRow&) {
+    return OpenFlacSink(path, format.sampleRate, format.channels);
 }
 
 // A headerless file that is told to hold GSM frames.
@@ -114,24 +133,24 @@ std::uint16_t AuTag(const char* path) {
     }
 }
 
-LSoundSink WavSinkAsSet(const char* path) {
+LSoundSink WavSinkAsSet(const char* path, const LRawSettings&) {
     LWaveFileFormat format(44100, 1, "PCM");
     LoadDefaultWaveFormat(format);
     return LWaveFile::OpenSink(path, format);
 }
 
-LSoundSink AuSinkAsSet(const char* path) {
+LSoundSink AuSinkAsSet(const char* path, const LRawSettings&) {
     LAuSettings settings{kAuCodecSetting.Get(), kAuRateSetting.Get(),
                          static_cast<std::uint8_t>(kAuChannelsSetting.Get())};
     return OpenAuSink(path, settings);
 }
 
-LSoundSink AiffSinkAsSet(const char* path) {
+LSoundSink AiffSinkAsSet(const char* path, const LRawSettings&) {
     return OpenAIFFSink(path, kAiffRateSetting.Get(),
                         static_cast<unsigned char>(kAiffChannelsSetting.Get()));
 }
 
-LSoundSink RawSinkAsSet(const char* path) {
+LSoundSink RawSinkAsSet(const char* path, const LRawSettings&) {
     const LRawSettings settings{
         RawRateSetting(kRawSavingSection).Get(),
         static_cast<std::uint8_t>(RawChannelsSetting(kRawSavingSection).Get()),
@@ -139,15 +158,22 @@ LSoundSink RawSinkAsSet(const char* path) {
     return LRawFile::OpenSink(path, settings);
 }
 
-// The encoder is fed studio sound, whatever it makes of it.
-LSoundSink Mp3SinkAsSet(const char* path) {
+LSoundSink Mp3SinkAsSet(const char* path, const LRawSettings& asked) {
     LMp3EncodeSettings settings = LoadMp3SettingsForSaving();
-    return OpenMp3Sink(path, settings, 44100, 2);
+    return OpenMp3Sink(path, settings, asked.sampleRate, asked.channels);
+}
+
+LSoundSink FlacSinkAsSet(const char* path, const LRawSettings& asked) {
+    return OpenFlacSink(path, asked.sampleRate, asked.channels);
+}
+
+LSoundSink GsmSinkAsSet(const char* path, const LRawSettings&) {
+    return LGSMFile::OpenSink(path);
 }
 
 // Types without settings: as telephones have them.
 template <LRawCodec Codec>
-LSoundSink TelephoneSink(const char* path) {
+LSoundSink TelephoneSink(const char* path, const LRawSettings&) {
     return LRawFile::OpenSink(path, {8000, 1, Codec});
 }
 
@@ -170,9 +196,22 @@ struct Names {
 template <std::size_t N>
 constexpr SoundTypeRow Row(SoundType type, Names names, const SampleEncoding (&encodings)[N],
                            int headerBytes, const Opening& open, const char* component = nullptr) {
-    return {type,        names.first, names.other,    names.title,     encodings,
-            N,           false,       headerBytes,    headerBytes > 0, {},
-            open.source, open.sink,   open.waveTagOf, open.sinkAsSet,  component};
+    return {type,
+            names.first,
+            names.other,
+            names.title,
+            encodings,
+            N,
+            false,
+            headerBytes,
+            headerBytes > 0,
+            {},
+            open.source,
+            open.sink,
+            open.waveTagOf,
+            open.sinkAsSet,
+            component,
+            encodings[0] == kNone};
 }
 
 template <std::size_t N>
@@ -194,7 +233,7 @@ constexpr SoundTypeRow kTypes[] = {
     Row(SoundType::kAiff, {"aiff", "aif", "Aiff Files"}, kAiffHolds, kAiffHeaderBytes,
         {Source<LAifFile::OpenSource>, AiffSink, AiffSinkAsSet}),
     Row(SoundType::kGsm, {"gsm", nullptr, "GSM Files"}, kGsmHolds, 0,
-        {Source<LGSMFile::OpenSource>, GsmSink, LGSMFile::OpenSink}),
+        {OpenGsm, GsmSink, GsmSinkAsSet}),
     HeaderlessRow(SoundType::kVox, {"vox", nullptr, "Vox Files"}, kVoxHolds, kTelephone,
                   TelephoneSink<kRawDialogicAdpcm>),
     HeaderlessRow(SoundType::kRaw, {"raw", nullptr, "Raw Files"}, kRawHolds, kStudio, RawSinkAsSet),
@@ -202,8 +241,12 @@ constexpr SoundTypeRow kTypes[] = {
                   TelephoneSink<kRawMuLaw>),
     HeaderlessRow(SoundType::kALaw, {"al", nullptr, "aLaw Files"}, kALawHolds, kTelephone,
                   TelephoneSink<kRawALaw>),
-    Row(SoundType::kMp3, {"mp3", nullptr, "Mp3 Files"}, kMp3Holds, 0,
+    Row(SoundType::kMp3, {"mp3", nullptr, "Mp3 Files"}, kEncoderHolds, 0,
         {nullptr, Mp3Sink, Mp3SinkAsSet}, "mp3el"),
+    Row(SoundType::kFlac, {"flac", nullptr, "Flac Files"}, kEncoderHolds, 0,
+        {ForeignSource, FlacSink, FlacSinkAsSet}),
+    Row(SoundType::kOgg, {"ogg", "oga", "Ogg Files"}, kEncoderHolds, 0,
+        {ForeignSource, nullptr, nullptr}),
 };
 
 bool IsSameWord(std::string_view a, const char* b) {
@@ -270,6 +313,20 @@ std::optional<SoundType> SoundTypeOfPath(std::string_view path) {
     const std::string_view file = path.substr(path.rfind('/') + 1);
     const std::size_t dot = file.rfind('.');
     return dot == std::string_view::npos ? std::nullopt : SoundTypeFromName(file.substr(dot + 1));
+}
+
+std::optional<SoundType> SoundTypeOfContent(const std::string& path) {
+    static constexpr std::pair<std::string_view, SoundType> kMarks[] = {
+        {"RIFF", SoundType::kWav},  {"RF64", SoundType::kWav},  {".snd", SoundType::kAu},
+        {"FORM", SoundType::kAiff}, {"fLaC", SoundType::kFlac}, {"OggS", SoundType::kOgg}};
+    char start[4] = {};
+    const UniqueFd file = OpenFileForReading(path.c_str());
+    const std::string_view bytes(start,
+                                 file.IsOpen() ? ReadFully(file.Get(), start, sizeof start) : 0);
+    for (const auto& [mark, type] : kMarks)
+        if (bytes == mark)
+            return type;
+    return std::nullopt;
 }
 
 std::optional<SampleEncoding> SampleEncodingFromName(std::string_view name) {

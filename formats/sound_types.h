@@ -10,7 +10,7 @@
 
 #include "formats/raw_file.h"
 
-enum class SoundType { kWav, kAu, kAiff, kGsm, kVox, kRaw, kMuLaw, kALaw, kMp3 };
+enum class SoundType { kWav, kAu, kAiff, kGsm, kVox, kRaw, kMuLaw, kALaw, kMp3, kFlac, kOgg };
 
 enum class SampleEncoding {
     kPcm16,
@@ -57,10 +57,12 @@ struct SoundTypeRow {
     LSoundSink (*openSink)(const char* path, const LRawSettings& format,
                            const EncodingRow& encoding);
     std::uint16_t (*waveTagOf)(const char* path);  // null: the encoding's
-    // With what the user has set for files of this type; null as openSink is.
-    LSoundSink (*openSinkAsSet)(const char* path);
+    // With what the user has set for files of this type; null as openSink is. Where nothing is set
+    // there is `asked`, the rate and channels of the sound.
+    LSoundSink (*openSinkAsSet)(const char* path, const LRawSettings& asked);
     // The component without which openSink fails (formats/mp3_component.h); null: needs none.
     const char* component;
+    bool takesAnyRate;  // openSinkAsSet heeds what is asked
 
     bool CanHold(SampleEncoding encoding) const;
     bool CanBeWritten() const { return openSink != nullptr; }
@@ -71,6 +73,8 @@ const SoundTypeRow& RowOf(SoundType type);
 // By extension without its dot, whatever its case.
 std::optional<SoundType> SoundTypeFromName(std::string_view name);
 std::optional<SoundType> SoundTypeOfPath(std::string_view path);
+// By the first bytes of the file; nothing for those without a header, and for what nobody reads.
+std::optional<SoundType> SoundTypeOfContent(const std::string& path);
 inline const char* NameOf(SoundType type) {
     return RowOf(type).name;
 }

@@ -1,12 +1,14 @@
 #include "tools/convert_options.h"
 
 #include <getopt.h>
+#include <unistd.h>
 
 #include <cctype>
 #include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include "tools/tool_texts.h"
 
@@ -15,6 +17,7 @@ namespace {
 enum ConvertOption : int {
     kInfo = 256,
     kSeconds,
+    kQuality,
     kRawRate,
     kRawChannels,
     kRawEncoding,
@@ -29,6 +32,7 @@ const option kConvertOptions[] = {{"rate", required_argument, nullptr, 'r'},
                                   {"force", no_argument, nullptr, 'f'},
                                   {"info", no_argument, nullptr, kInfo},
                                   {"seconds", required_argument, nullptr, kSeconds},
+                                  {"quality", required_argument, nullptr, kQuality},
                                   {"raw-rate", required_argument, nullptr, kRawRate},
                                   {"raw-channels", required_argument, nullptr, kRawChannels},
                                   {"raw-encoding", required_argument, nullptr, kRawEncoding},
@@ -40,7 +44,7 @@ int ShowConvertHelp() {
     std::printf(
         "Usage: %s [OPTION...] INPUT OUTPUT\n"
         "       %s --info FILE...\n"
-        "Converts a sound file into another format.\n\n"
+        "Converts a sound file into another format; - is standard input or output.\n\n"
         "  -r, --rate=RATE         samples a second (%d to %d); the input's without it\n"
         "  -c, --channels=1|2      the input's without it\n"
         "  -e, --encoding=NAME     %s\n"
@@ -48,6 +52,7 @@ int ShowConvertHelp() {
         "                          %s\n"
         "  -f, --force             overwrite OUTPUT\n"
         "      --seconds=A-B       only that part; seconds or h:mm:ss.fff, A or B may be left out\n"
+        "      --quality=fine|fast how rates are converted; fine without it\n"
         "      --raw-rate=RATE     how to read an input without a header: rate,\n"
         "      --raw-channels=N    channels\n"
         "      --raw-encoding=NAME and encoding (8000 Hz mono, for .raw 44100 Hz stereo pcm16)\n"
@@ -144,6 +149,10 @@ bool TakeOption(int option, ConvertOptions& options) {
             return true;
         case kSeconds:
             return ParseSpan(optarg, options.span);
+        case kQuality:
+            options.output.quality =
+                optarg == std::string_view("fast") ? RateQuality::kFast : RateQuality::kFine;
+            return optarg == std::string_view("fast") || optarg == std::string_view("fine");
         case kRawRate:
             return ParseOptionalNumber(optarg, kLowestWrittenRate, kHighestRate, options.raw.rate);
         case kRawChannels:
@@ -155,9 +164,8 @@ bool TakeOption(int option, ConvertOptions& options) {
 
 std::optional<int> CheckFiles(ConvertOptions& options) {
     for (const std::string& file : options.files) {
-        if (file == "-")
-            return UsageError(kConvertProgram,
-                              "standard input and output (-) are not supported: name a file");
+        if (file == kStandardStream && options.isInfo)
+            return UsageError(kConvertProgram, "--info takes files, not standard input (-)");
         if (file.empty())
             return UsageError(kConvertProgram, "a file name is empty");
     }
@@ -169,13 +177,17 @@ std::optional<int> CheckFiles(ConvertOptions& options) {
     if (options.files.size() != 2)
         return UsageError(kConvertProgram, "an input and an output file are needed");
     if (!options.hasOutputType) {
-        const std::optional<SoundType> type = SoundTypeOfPath(options.files[1]);
+        const std::optional<SoundType> type = options.files[1] == kStandardStream
+                                                  ? SoundType::kWav
+                                                  : SoundTypeOfPath(options.files[1]);
         if (!type)
             return UsageError(kConvertProgram, options.files[1] +
                                                    ": no extension that names a type (" +
                                                    AllSoundTypeNames() + "); -t names it");
         options.output.type = *type;
     }
+    if (options.files[1] == kStandardStream && ::isatty(STDOUT_FILENO) == 1)
+        return UsageError(kConvertProgram, "sound is not written to a terminal");
     const std::string problem = ProblemWith(options.output);
     if (!problem.empty())
         return UsageError(kConvertProgram, options.files[1] + ": " + problem);

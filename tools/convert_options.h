@@ -9,6 +9,7 @@
 #include "tools/sound_output.h"
 
 constexpr const char* kConvertProgram = "lectora-convert";
+constexpr const char* kStandardStream = "-";  // as the name of a file: input or output
 
 // Part of a sound, in milliseconds.
 struct TimeSpan {

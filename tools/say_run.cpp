@@ -1,11 +1,9 @@
 #include "tools/say_run.h"
 
 #include <errno.h>
-#include <stdlib.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 
 #include "speech/voice_list_query.h"
 #include "speech/voice_table.h"
@@ -15,6 +13,7 @@
 #include "tools/say_text.h"
 #include "tools/terminal_progress.h"
 #include "tools/tool_texts.h"
+#include "tools/work_folder.h"
 
 namespace {
 
@@ -22,31 +21,6 @@ int FailSaying(const std::string& path, const std::string& error) {
     Complain(kSayProgram, path + ": " + error);
     return kExitFailed;
 }
-
-// A private folder for what the engine writes, taken away with all that an engine left there.
-class WorkFolder {
-public:
-    WorkFolder() {
-        const char* base = std::getenv("TMPDIR");
-        path_ =
-            std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/lectora-say-XXXXXX";
-        if (::mkdtemp(path_.data()) == nullptr)
-            path_.clear();
-    }
-    ~WorkFolder() {
-        std::error_code ignored;
-        if (!path_.empty())
-            std::filesystem::remove_all(path_, ignored);
-    }
-    WorkFolder(const WorkFolder&) = delete;
-    WorkFolder& operator=(const WorkFolder&) = delete;
-
-    bool IsMade() const { return !path_.empty(); }
-    std::string Path() const { return path_ + "/"; }
-
-private:
-    std::string path_;
-};
 
 // Position in the list of voices, -1 when there is no such voice.
 int VoiceAsked(const SayOptions& options, int count) {
@@ -103,7 +77,7 @@ int RunSay(const SayOptions& options) {
     }
     if (options.printsText)
         return PrintTexts(options, voice);
-    const WorkFolder folder;
+    const WorkFolder folder(kSayProgram);
     if (!folder.IsMade())
         return FailSaying("temporary folder", ErrorText(errno));
     int status = kExitDone;

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "formats/dictation_header.h"
+#include "formats/sndfile_file.h"
 #include "formats/wave_codec_names.h"
 #include "formats/wave_file.h"
 #include "sound/sound_time.h"
@@ -31,6 +32,14 @@ bool PrintUnsupportedWave(const std::string& path) {
                 static_cast<unsigned>(format->nChannels));
     FreeWaveFormatEx(format);
     return true;
+}
+
+std::string CodecOf(const std::string& path, const SoundInput& input) {
+    if (const auto* foreign = dynamic_cast<const LSndfileSource*>(input.source.Get()))
+        return foreign->FormatName();
+    const SoundTypeRow& row = RowOf(input.type);
+    return WaveCodecName(row.waveTagOf != nullptr ? row.waveTagOf(path.c_str())
+                                                  : RowOf(input.encoding).waveTag);
 }
 
 bool PrintDictation(const std::string& path) {
@@ -63,9 +72,8 @@ std::string PrintSoundInfo(const std::string& path, const RawReading& raw) {
     if (!input.error.empty() && !isUnsupportedWave)
         return input.error;
     const SoundTypeRow& row = RowOf(input.type);
-    const std::uint16_t tag =
-        row.waveTagOf != nullptr ? row.waveTagOf(path.c_str()) : RowOf(input.encoding).waveTag;
-    std::printf("%s:\n  Type: %s\n  Codec: %s\n", path.c_str(), row.name, WaveCodecName(tag));
+    std::printf("%s:\n  Type: %s\n  Codec: %s\n", path.c_str(), row.name,
+                CodecOf(path, input).c_str());
     if (isUnsupportedWave)
         return PrintUnsupportedWave(path) ? "" : input.error;
     PrintSource(*input.source);

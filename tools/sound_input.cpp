@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "formats/sndfile_file.h"
+#include "formats/wave_codec_names.h"
 #include "formats/wave_source.h"
 #include "tools/tool_texts.h"
 
@@ -39,6 +41,19 @@ std::string StatusProblem(const SoundInput& input) {
     }
 }
 
+// The problem with a word on what the file holds, where that can be told.
+std::string WithContent(const std::string& problem, const std::string& path, SoundType type) {
+    if (problem.empty())
+        return "";
+    const SoundTypeRow& row = RowOf(type);
+    const std::uint16_t tag = row.waveTagOf != nullptr ? row.waveTagOf(path.c_str()) : 0;
+    if (tag != 0)
+        return problem + ": " + WaveCodecName(tag);
+    const std::string content = ForeignSoundName(path.c_str());
+    const bool isOther = !content.empty() && SoundTypeOfContent(path) != type;
+    return isOther ? problem + "; it holds " + content : problem;
+}
+
 }  // namespace
 
 SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
@@ -46,10 +61,16 @@ SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
     input.error = OpeningProblem(path);
     if (!input.error.empty())
         return input;
-    const std::optional<SoundType> type = SoundTypeOfPath(path);
+    std::optional<SoundType> type = SoundTypeOfPath(path);
+    if (!type && !raw.IsAsked())
+        type = SoundTypeOfContent(path);
     if (!type && !raw.IsAsked()) {
-        input.error = "has no extension that names a sound type (" + AllSoundTypeNames() +
-                      "); --raw-rate, --raw-channels and --raw-encoding say how to read it";
+        const std::string content = ForeignSoundName(path.c_str());
+        input.error = content.empty()
+                          ? "has no extension that names a sound type (" + AllSoundTypeNames() +
+                                "); --raw-rate, --raw-channels and --raw-encoding say how to read "
+                                "it"
+                          : "holds " + content + ", which is not read here";
         return input;
     }
     input.type = type.value_or(SoundType::kRaw);
@@ -66,7 +87,7 @@ SoundInput OpenSoundInput(const std::string& path, const RawReading& raw) {
         static_cast<unsigned char>(raw.channels.value_or(row.reading.channels)),
         RowOf(input.encoding).rawCodec};
     input.source = row.openSource(path.c_str(), reading);
-    input.error = StatusProblem(input);
+    input.error = WithContent(StatusProblem(input), path, input.type);
     if (!input.error.empty())
         return input;
     input.file = input.source;

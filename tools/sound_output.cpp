@@ -52,6 +52,8 @@ std::string Explained(const std::string& problem) {
 std::string ProblemWith(const OutputChoice& choice) {
     const std::string type = NameOf(choice.type);
     const EncodingRow& encoding = RowOf(EncodingOf(choice));
+    if (!RowOf(choice.type).CanBeWritten())
+        return type + " files can be read but not written";
     if (choice.type == SoundType::kMp3 && choice.encoding)
         return "the encoding of mp3 files is set in Lectora's options, not by -e";
     if (!RowOf(choice.type).CanHold(encoding.encoding))
@@ -125,16 +127,20 @@ bool SoundOutput::Prepare(const LSoundSource& source, LPRSourceToSink& request) 
         std::max(source->Channels(), sink_->Channels()) > 2)
         return Fail("sound of " + std::to_string(source->Channels()) + " channels cannot become " +
                     std::to_string(sink_->Channels()));
-    if (SpeedError(source->SampleRate(), sink_->SampleRate()) > kLargestSpeedError)
+    request.quality = choice_.quality;
+    if (choice_.quality == RateQuality::kFast &&
+        SpeedError(source->SampleRate(), sink_->SampleRate()) > kLargestSpeedError)
         return Fail("sound of " + std::to_string(source->SampleRate()) + " Hz can become " +
                     std::to_string(sink_->SampleRate()) +
-                    " Hz only at a speed more than 0.5 % off; choose another rate");
+                    " Hz only at a speed more than 0.5 % off; choose another rate or --quality "
+                    "fine");
     request.source = source;
     request.sink = sink_;
     if (EncodingOf(choice_) == SampleEncoding::kAdpcm) {
         // An odd sample would wait in the sink for a byte's other half, so pieces that follow one
         // another are kept even.
-        LSPConvertSourceRateChannels(sink_->SampleRate(), sink_->Channels(), request.source);
+        LSPConvertSourceRateChannels(sink_->SampleRate(), sink_->Channels(), request.source,
+                                     choice_.quality);
         const int start = request.source->GetPositionSample();
         const int end = request.source->GetEndSample();
         request.source =

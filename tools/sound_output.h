@@ -16,6 +16,7 @@ struct OutputChoice {
     std::optional<SampleEncoding> encoding;  // the type's default
     std::optional<int> rate;                 // the source's; 8000 for GSM and VOX
     std::optional<int> channels;             // the source's; 1 for GSM and VOX
+    RateQuality quality = RateQuality::kFine;
 };
 
 // What is contradictory about a choice, empty when nothing is.

@@ -141,16 +141,18 @@ public:
 
 private:
     bool NeedsEncoder() const { return RowOf(target_.type).component != nullptr; }
+    // The sink is then opened once the voice's rate is known, and an encoder has something to do.
+    bool FollowsVoice() const { return RowOf(target_.type).takesAnyRate; }
     bool IsReady(std::size_t textBytes);
-    bool OpenSink();
+    bool OpenSink(const LRawSettings& asked);
     bool Speak(SpeechReading& reading);
     bool Copy(const LSoundSource& source);
     bool Publish();
     std::string NothingSaved() const;
-    // Of MP3 only the frames are counted, not their bytes, so that it is like mono.
+    // Before it is open: of what is encoded only the frames are counted, not their bytes.
     OutputFormat Format() const {
-        return NeedsEncoder() ? OutputFormat{44100, 1}
-                              : OutputFormat{sink_->SampleRate(), sink_->Channels()};
+        return sink_->Status() != 0 ? OutputFormat{44100, 1}
+                                    : OutputFormat{sink_->SampleRate(), sink_->Channels()};
     }
 
     GtkWidget* parent_;
@@ -162,8 +164,8 @@ private:
 };
 
 // False: it cannot be opened, which the user has been told, or the user thought better of it.
-bool Saving::OpenSink() {
-    std::optional<LSoundSink> sink = OpenTargetSink(parent_, target_, output_.WritePath());
+bool Saving::OpenSink(const LRawSettings& asked) {
+    std::optional<LSoundSink> sink = OpenTargetSink(parent_, target_, output_.WritePath(), asked);
     if (!sink)
         return false;
     sink_ = *sink;
@@ -181,12 +183,11 @@ bool Saving::IsReady(std::size_t textBytes) {
                   "name or folder.";
     else if (!output_.Problem().empty())
         problem = SentenceOf(target_.path, output_.Problem());
-    // An encoder is started only once there is something for it.
-    else if (NeedsEncoder() ? !FetchEncoder(parent_) : !OpenSink())
+    else if ((NeedsEncoder() && !FetchEncoder(parent_)) || (!FollowsVoice() && !OpenSink({})))
         return false;
     else
         problem =
-            ProblemOfSize(textBytes, Format(), NeedsEncoder(), output_.WritePath(), speech_.Path());
+            ProblemOfSize(textBytes, Format(), FollowsVoice(), output_.WritePath(), speech_.Path());
     if (!problem.empty())
         ShowSaveError(parent_, problem);
     return problem.empty();
@@ -253,7 +254,8 @@ std::string Saving::Run(const std::string& text, int voice) {
                       TooLong(EstimateSpeechSize(0, format.rate, format.channels).surelyFit));
         return NothingSaved();
     }
-    if ((NeedsEncoder() && !OpenSink()) || !Copy(source))
+    const LRawSettings voiceFormat{source->SampleRate(), source->Channels(), 0};
+    if ((FollowsVoice() && !OpenSink(voiceFormat)) || !Copy(source))
         return NothingSaved();
     const std::string saved =
         (isBeginning_ ? "Only the beginning was saved, as " : "Saved as ") + target_.path;

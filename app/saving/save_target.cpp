@@ -61,11 +61,11 @@ std::optional<SaveTarget> ChooseSaveTarget(GtkWidget* parent, const std::string&
 }
 
 std::optional<LSoundSink> OpenTargetSink(GtkWidget* parent, const SaveTarget& target,
-                                         const std::string& writePath) {
+                                         const std::string& writePath, const LRawSettings& asked) {
     if (!target.asksSettings || target.type != SoundType::kWav) {
         if (target.asksSettings && !AskSettings(parent, target.type))
             return std::nullopt;
-        return RowOf(target.type).openSinkAsSet(writePath.c_str());
+        return RowOf(target.type).openSinkAsSet(writePath.c_str(), asked);
     }
     LWaveFileFormat format(44100, 1, "PCM");
     if (!LWaveFile::WaveFormatSelectDialog(format, 0, "Select Wave File Format"))

@@ -22,4 +22,4 @@ std::optional<SaveTarget> ChooseSaveTarget(GtkWidget* parent, const std::string&
 // Opens writePath as the target's format, with the user's settings or with those he is asked for.
 // Nothing: he thought better of it. A sink that could not be opened says so by its status.
 std::optional<LSoundSink> OpenTargetSink(GtkWidget* parent, const SaveTarget& target,
-                                         const std::string& writePath);
+                                         const std::string& writePath, const LRawSettings& asked);
