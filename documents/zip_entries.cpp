@@ -106,8 +106,11 @@ bool ZipEntries::ReadBlock(std::string_view& block) {
         return false;
     isEntryBroken_ = result != ARCHIVE_OK;
     isReaderLost_ = result == ARCHIVE_FATAL;
-    // The last block of a file whose checksum is wrong comes with a warning.
-    if (result != ARCHIVE_OK && result != ARCHIVE_WARN)
+    // The last block of a file whose checksum is wrong comes with a warning, or as a failure from
+    // libarchive 3.7 on; a failure to unpack has no block.
+    const bool hasBlock = result == ARCHIVE_OK || result == ARCHIVE_WARN ||
+                          (result == ARCHIVE_FAILED && data != nullptr);
+    if (!hasBlock)
         return false;
     unpacked_ += size;
     isTooLarge_ = unpacked_ > kMaxUnpacked;
