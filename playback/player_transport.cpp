@@ -220,6 +220,7 @@ void LPlayerTransport::SetDevice(LSoundPlayDevice device) {
 MixerResult LPlayerTransport::SetVolume(LDB volume) {
     volume_ = volume;
     mixerAnswer_ = device_.SetVolumeOverride(volume, LDB());
+    Tell(LPlayerChange::kVolume);
     return mixerAnswer_;
 }
 

@@ -27,6 +27,7 @@ enum class LPlayerChange {
     kEnded,    // by itself: at the end, in trouble, or with a wind that had begun in silence
     kRoute,    // the way that the sound takes
     kTempo,
+    kVolume,
 };
 
 class LPlayerTransport : private LSoundPlayerNotify {
@@ -44,6 +45,7 @@ public:
 
     // Card, volume and speed as the settings have them, unless that was done; and back into them.
     void Prepare();
+    bool IsPrepared() const { return isPrepared_; }
     void KeepSettings();
 
     virtual void Play();  // goes on when paused, else from Time() on

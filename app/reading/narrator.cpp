@@ -167,6 +167,7 @@ void Narrator::EvChange(LPlayerChange change) {
         case LPlayerChange::kItem:
         case LPlayerChange::kLevels:
         case LPlayerChange::kTempo:
+        case LPlayerChange::kVolume:
             break;
     }
 }

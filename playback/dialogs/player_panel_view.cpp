@@ -22,6 +22,11 @@ void LPlayerBaseDlg::EvChange(LPlayerChange change) {
         case LPlayerChange::kTempo:
             ShowTempo();
             break;
+        case LPlayerChange::kVolume:
+            // Set by somebody else; what is being typed here is left alone.
+            if (DBEditGetLevel(kVolume) != transport_.Volume())
+                DBEditSetLevel(kVolume, transport_.Volume());
+            break;
         case LPlayerChange::kPlays:
         case LPlayerChange::kPaused:
         case LPlayerChange::kStopped:
