@@ -124,6 +124,7 @@ void MainDialog::InitDialog() {
 
 void MainDialog::EvShown() {
     presence_.Begin();
+    control_.OfferSoon();
     if (narrator_.QueueLength() == 0) {
         firstMoments_.Begin(*this,
                             [this] { hotKeyOffer_.AskSoon(*this, [this] { hotKeys_.Start(); }); });
@@ -164,6 +165,7 @@ int MainDialog::AwaitVoice() {
 void MainDialog::EnableControls() {
     voices_.Update();
     commands_.Refresh();
+    control_.Update();
     KeepFocus();
 }
 

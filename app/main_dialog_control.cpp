@@ -56,6 +56,8 @@ void MainDialog::Outside::ReadFile(MainDialog& window, const std::string& path,
 ControlledWindow MainDialog::ControlWays() {
     return {
         .run = [this](int command) { return commands_.CanAct(command) && commands_.Run(command); },
+        .canRun = [this](int command) { return commands_.CanAct(command); },
+        .show = [this] { CmOpen(); },
         .read =
             [this](ControlledWindow::Source source, const VerbReplyRef& reply) {
                 Outside::Read(*this,

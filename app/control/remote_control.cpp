@@ -66,7 +66,7 @@ std::string StatusLine(const Narrator& narrator) {
 }
 
 RemoteControl::RemoteControl(Narrator& narrator, ControlledWindow window)
-    : narrator_(narrator), window_(std::move(window)) {}
+    : narrator_(narrator), window_(std::move(window)), player_(narrator, window_) {}
 
 void RemoteControl::Do(Verb verb, const std::string& operand, const VerbReplyRef& reply) {
     switch (verb) {

@@ -31,13 +31,6 @@ class ControlTest(DesktopCase):
         self.assertEqual(status, 1, words)
         self.assertRegex(said, reason)
 
-    def state(self, state, sentence=""):
-        """Waits for it; gives back title and time."""
-        line = desktop.wait_until(
-            lambda: (said := self.done("--status").rstrip("\n").split("\t"))[0] == state and sentence in said[3] and said,
-            f"{state} {sentence}")
-        return line[1:3]
-
     def test_verbs_control_a_reading_whether_the_window_is_there_or_not(self):
         self.card.tell("speed 0.1")
         desktop.tell_engine("text2wave long 30")
@@ -52,21 +45,21 @@ class ControlTest(DesktopCase):
                 lectora.hide()
             with self.subTest(hidden=hidden):
                 self.done("--read", path)
-                self.assertEqual(self.state("reading", SENTENCES[0])[0], "three.txt")
+                self.assertEqual(self.await_status("reading", SENTENCES[0])[0], "three.txt")
                 self.done("--next-sentence")
-                self.state("reading", SENTENCES[1])
+                self.await_status("reading", SENTENCES[1])
                 self.done("--toggle-pause")
-                self.assertRegex(self.state("paused", SENTENCES[1])[1], r"^0:00:3\d of (about )?0:01:\d\d$")
+                self.assertRegex(self.await_status("paused", SENTENCES[1])[1], r"^0:00:3\d of (about )?0:01:\d\d$")
                 self.done("--previous-sentence")
-                self.state("reading", SENTENCES[0])
+                self.await_status("reading", SENTENCES[0])
                 self.done("--faster")
                 self.done("--stop")
-                self.state("stopped")
+                self.await_status("stopped")
                 self.refused("Nothing is being read", "--stop")
         self.refused("No text is selected", "--read-selection")
         self.select("some selected words")
         self.done("--read-selection")
-        self.assertEqual(self.state("reading", "some selected words")[0], "some selected words")
+        self.assertEqual(self.await_status("reading", "some selected words")[0], "some selected words")
         self.refused("no text on the clipboard", "--read-clipboard")
         for words in (["--read"], ["--read", path, path], ["--stop", "now"]):
             self.assertEqual(ask(*words)[0], 2, words)
@@ -81,7 +74,7 @@ class ControlTest(DesktopCase):
         self.refused("not running", "--stop")
         self.select("words for a start")
         first = self.start("--read-selection")
-        self.state("reading", "words for a start")
+        self.await_status("reading", "words for a start")
         self.assertIsNone(first.process.poll())
 
         first.process.send_signal(signal.SIGSTOP)
@@ -110,10 +103,83 @@ class ControlTest(DesktopCase):
         desktop.tell_engine("text2wave long 30")
         path = self.file("three.txt", "\n".join(SENTENCES))
         self.start(path)
-        self.state("reading")
+        self.await_status("reading")
         asked = [subprocess.Popen([os.path.join(desktop.BUILD, "bin/lectora"), verb], stdout=subprocess.DEVNULL)
                  for verb in ("--faster", "--slower") * 4]
         self.assertEqual([each.wait(desktop.PATIENCE) for each in asked], [0] * 8)
+
+
+class MediaPlayerTest(DesktopCase):
+    """The judge is the program that desktops and their users press players' keys with."""
+
+    def ask(self, *words):
+        run = subprocess.run(["playerctl", "--player=lectora", *words], capture_output=True, text=True,
+                             timeout=desktop.PATIENCE, check=False)
+        return run.stdout.strip()
+
+    def sees(self, expected, *words):
+        desktop.wait_until(lambda: self.ask(*words) == expected, f"{words}: {expected}")
+
+    def at(self, seconds):
+        desktop.wait_until(lambda: seconds <= float(self.ask("position")) < seconds + 10, f"the place {seconds}")
+
+    def test_a_reading_is_seen_and_controlled_as_a_player(self):
+        self.card.tell("speed 0.1")
+        desktop.tell_engine("text2wave long 30")
+        heard = subprocess.Popen(["dbus-monitor", "--session", "path=/org/mpris/MediaPlayer2"],
+                                 stdout=subprocess.PIPE, text=True)
+        self.addCleanup(heard.wait)
+        self.addCleanup(heard.kill)
+        followed = subprocess.Popen(["playerctl", "--player=lectora", "--follow", "status"],
+                                    stdout=subprocess.PIPE, text=True)
+        self.addCleanup(followed.wait)
+        self.addCleanup(followed.kill)
+        lectora = self.start()
+        self.sees("Stopped", "status")
+        lectora.set_text("\n".join(SENTENCES))
+        self.ask("play")
+        self.sees("Playing", "status")
+        desktop.wait_until(lambda: self.ask("metadata", "title").startswith("Number one is"), "the title")
+        self.await_status("reading")
+        self.ask("next")
+        self.at(30)
+        self.ask("pause")
+        self.sees("Paused", "status")
+        self.ask("pause")  # is no "go on"
+        self.assertEqual(self.ask("status"), "Paused")
+        self.ask("play-pause")
+        self.sees("Playing", "status")
+        self.ask("previous")
+        self.at(0)
+        self.ask("position", "10+")
+        self.at(10)
+        self.ask("position", "65")
+        self.at(60)
+        self.ask("volume", "0.5")
+        self.assertEqual(self.ask("volume"), "0.501187")
+        self.ask("stop")
+        self.sees("Stopped", "status")
+        path = self.file("caf\u00e9 \u65e5.txt", "From an address.")
+        self.ask("open", path)
+        self.sees("caf\u00e9 \u65e5.txt", "metadata", "title")
+        lectora.end()
+        followed.kill()
+        seen = [line for line in followed.stdout.read().split("\n") if line]
+        self.assertEqual(seen[:5], ["Stopped", "Playing", "Paused", "Playing", "Stopped"])
+        heard.kill()
+        jumps = re.findall(r"member=Seeked\n +int64 (\d+)", heard.stdout.read())
+        self.assertEqual([int(each) // 10000000 for each in jumps[:4]], [3, 0, 1, 6])
+
+    def test_a_second_player_has_its_own_name_and_none_needs_a_bus(self):
+        first, second = self.start(), self.start(HOME=self.folder("other"))
+        names = f"lectora\nlectora.instance{second.process.pid}"
+        desktop.wait_until(lambda: "\n".join(sorted(self.ask("--list-all").split())) == names, "both")
+        self.assertTrue(first.alive())
+        alone = self.start(HOME=self.folder("third"), DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
+        alone.focus()
+        desktop.press_keys("a")
+        self.assertEqual(ask("--status")[0], 0)
+        self.assertTrue(alone.alive())
 
 
 if __name__ == "__main__":

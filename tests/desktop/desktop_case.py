@@ -140,6 +140,18 @@ class DesktopCase(unittest.TestCase):
         button = lectora.find("toggle button", "Read Aloud")
         return button.getState().contains(desktop.pyatspi.STATE_CHECKED)
 
+    def told_status(self):
+        """State, title, time and sentence as the running Lectora tells them, hidden or not."""
+        command = [os.path.join(desktop.BUILD, "bin/lectora"), "--status"]
+        run = subprocess.run(command, capture_output=True, text=True, timeout=desktop.PATIENCE, check=True)
+        return run.stdout.rstrip("\n").split("\t")
+
+    def await_status(self, state, sentence=""):
+        """Gives back title and time."""
+        told = desktop.wait_until(
+            lambda: (now := self.told_status())[0] == state and sentence in now[3] and now, f"{state} {sentence}")
+        return told[1:3]
+
     def assert_usable(self, lectora, text):
         """The text is still there, and reading works."""
         self.assertEqual(lectora.text(), text)
