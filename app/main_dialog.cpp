@@ -1,7 +1,5 @@
 #include "app/main_dialog.h"
 
-#include <iterator>
-
 #include "app/commands/command_numbers.h"
 #include "app/help/help_links.h"
 #include "app/help/machine_check.h"
@@ -194,14 +192,19 @@ void MainDialog::PresentWaitingDialog() {
 }
 
 void MainDialog::EvHotKey(int storedCommand) {
-    if (saving_ || loading_) {
+    // By the stored number. What is being read goes on while a dialog is up, and obeys.
+    static constexpr int kCommands[kHotKeyCommands] = {kUpdateFromSelection,
+                                                       kReadSelectionOrPause,
+                                                       kSaveFromSelection,
+                                                       kPlayOrPause,
+                                                       kStopReading,
+                                                       kPreviousSentence,
+                                                       kNextSentence,
+                                                       kFaster,
+                                                       kSlower};
+    if ((saving_ || loading_) && storedCommand <= kHotKeySave)
         PresentWaitingDialog();
-        return;
-    }
-    static_assert(kHotKeyUpdate == 0 && kHotKeyRead == 1 && kHotKeySave == 2);
-    static constexpr int kCommands[] = {kUpdateFromSelection, kReadSelectionOrStop,
-                                        kSaveFromSelection};
-    if (storedCommand >= 0 && storedCommand < static_cast<int>(std::size(kCommands)))
+    else if (storedCommand >= 0 && storedCommand < kHotKeyCommands)
         WMCommand(kCommands[storedCommand]);
 }
 

@@ -101,7 +101,7 @@ private:
     void CmReadStopOrGoOn();
     void CmReadFromFile();
     void CmReadFromSelection();
-    void CmReadSelectionOrStop();
+    void CmReadSelectionOrPause();
     void CmSaveFromFile();
     void CmSaveFromSelection();
     void CmSaveTextAs();

@@ -35,7 +35,7 @@ struct MainDialog::Rows {
           .keys = {kKeyControl | kKeyShift | GDK_B},
           .needs = kNeedsSelection},
          &MainDialog::CmReadFromSelection},
-        {{.number = kReadSelectionOrStop}, &MainDialog::CmReadSelectionOrStop},
+        {{.number = kReadSelectionOrPause}, &MainDialog::CmReadSelectionOrPause},
         {{.number = kReadButton,
           .name = "Read Aloud",
           .tip = "Read the current text aloud",
@@ -135,15 +135,18 @@ void MainDialog::CmReadFromSelection() {
     UpdateThen(&MainDialog::CmRead);
 }
 
-// Pressed again over the same text, the hotkey stops.
-void MainDialog::CmReadSelectionOrStop() {
+// Pressed again without anything new to read, the hotkey pauses, and then goes on. What is not
+// heard yet is stopped: the next press reads it anew.
+void MainDialog::CmReadSelectionOrPause() {
     if (!narrator_.IsReading()) {
         CmReadFromSelection();
         return;
     }
     FetchText([this](const std::string& text) {
-        if (narrator_.IsReading() && (text.empty() || text == text_.Text())) {
-            narrator_.Stop();
+        // The text in the window may have been edited since.
+        const bool isNew = !text.empty() && text != narrator_.Text() && text != text_.Text();
+        if (narrator_.IsReading() && !isNew) {
+            commands_.Run(commands_.CanAct(kPlayOrPause) ? kPlayOrPause : kStopReading);
             return;
         }
         text_.TakeFromProgram(text);

@@ -34,7 +34,7 @@ enum CommandNumber {
     kSaveFromFile = 1063,
     kTextChanged = 1111,
     kSaveSelectionOfWindow = 1222,
-    kReadSelectionOrStop = 1301,  // the hotkey's
+    kReadSelectionOrPause = 1301,  // the hotkey's
     kPlayOrPause = 1311,
     kStopReading = 1312,
     kPreviousSentence = 1313,

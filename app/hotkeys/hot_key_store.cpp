@@ -79,7 +79,21 @@ LSettingsRecord ChangeableDetails() {
     return own;
 }
 
+constexpr const char* kCommandLabels[kHotKeyCommands] = {"Copy text from clipboard",
+                                                         "Read text from clipboard",
+                                                         "Save text from clipboard",
+                                                         "Pause or go on",
+                                                         "Stop reading",
+                                                         "Go a sentence back",
+                                                         "Go a sentence ahead",
+                                                         "Read faster",
+                                                         "Read slower"};
+
 }  // namespace
+
+const char* HotKeyCommandLabel(int command) {
+    return command >= 0 && command < kHotKeyCommands ? kCommandLabels[command] : "Nothing";
+}
 
 std::vector<StoredHotKey> LoadHotKeys() {
     return LoadFrom(Details());

@@ -7,12 +7,23 @@
 
 #include "gui/menus/key_map.h"
 
-enum HotKeyCommand { kHotKeyUpdate = 0, kHotKeyRead = 1, kHotKeySave = 2 };
+// The numbers stand in the store.
+enum HotKeyCommand {
+    kHotKeyUpdate = 0,
+    kHotKeyRead = 1,
+    kHotKeySave = 2,
+    kHotKeyPause = 3,
+    kHotKeyStop = 4,
+    kHotKeySentenceBack = 5,
+    kHotKeySentenceAhead = 6,
+    kHotKeyFaster = 7,
+    kHotKeySlower = 8,
+};
+constexpr int kHotKeyCommands = 9;
 
-// What the user is told that the commands do, in their order. Their clipboard is what is selected
-// in any program.
-constexpr const char* kHotKeyCommandLabels[] = {
-    "Copy text from clipboard", "Read text from clipboard", "Save text from clipboard"};
+// What the user is told that the command does; "Nothing" for any other number. Their clipboard is
+// what is selected in any program.
+const char* HotKeyCommandLabel(int command);
 
 struct StoredHotKey {
     int id = -1;  // names its record; below 0 while it has none

@@ -35,9 +35,9 @@ bool HotKeyAssignmentDlgImp::Run(GtkWidget* parent) {
 }
 
 void HotKeyAssignmentDlgImp::InitDialog() {
-    for (const char* label : kHotKeyCommandLabels)
-        PDLAddString(kCommandList, label);
-    const bool isKnown = hotKey_.command >= kHotKeyUpdate && hotKey_.command <= kHotKeySave;
+    for (int command = 0; command < kHotKeyCommands; ++command)
+        PDLAddString(kCommandList, HotKeyCommandLabel(command));
+    const bool isKnown = hotKey_.command >= 0 && hotKey_.command < kHotKeyCommands;
     PDLSetCurSel(kCommandList, isKnown ? hotKey_.command : kHotKeyUpdate);
     SetTextEditable(kKeyText, false);
     SetText(kKeyText, hotKey_.id < 0 ? kNoKeyYet : LKeyGetDescription(key_).c_str());
@@ -60,9 +60,8 @@ bool HotKeyAssignmentDlgImp::CmOk() {
         return each.key == key_ && each.id != hotKey_.id;
     });
     if (same != others.end()) {
-        const bool isNamed = same->command >= kHotKeyUpdate && same->command <= kHotKeySave;
         const std::string text = LKeyGetDescription(key_) + " is already the hotkey of \"" +
-                                 (isNamed ? kHotKeyCommandLabels[same->command] : "Nothing") +
+                                 HotKeyCommandLabel(same->command) +
                                  "\". Please choose another one.";
         SetControlInvalid(kKeyText, text.c_str(), "Hot-key in Use");
         return false;

@@ -21,11 +21,6 @@ constexpr int kStateColumn = 2;
 
 constexpr const char* kGroup = "System Wide HotKeys";
 
-const char* CommandLabel(int command) {
-    return command >= kHotKeyUpdate && command <= kHotKeySave ? kHotKeyCommandLabels[command]
-                                                              : "Nothing";
-}
-
 std::string KeyText(LKeyCode key) {
     const std::string text = LKeyGetDescription(key);
     return text.empty() ? "Unknown key" : text;
@@ -71,7 +66,7 @@ void HotkeysDlgImp::FillList(int selectedId) {
     int selectedRow = 0;
     for (const StoredHotKey& hotKey : LoadHotKeys()) {
         const int row = LVAddString(kList, KeyText(hotKey.key).c_str(), hotKey.id);
-        LVSetColumnString(kList, row, kCommandColumn, CommandLabel(hotKey.command));
+        LVSetColumnString(kList, row, kCommandColumn, HotKeyCommandLabel(hotKey.command));
         LVSetColumnString(kList, row, kStateColumn, StateText(hotKey.key));
         if (hotKey.id == selectedId)
             selectedRow = row;

@@ -4,12 +4,12 @@ import unittest
 
 from desktop_case import DesktopCase, desktop
 
-UPDATE, READ, SAVE = range(3)
+UPDATE, READ, SAVE, PAUSE, STOP, BACK, AHEAD, FASTER, SLOWER = range(9)
 CONTROL_SHIFT, CONTROL_ALT = 5 << 16, 12 << 16
 
 
 class HotKeysTest(DesktopCase):
-    def test_the_selection_is_read_and_stopped_by_the_same_key_whatever_lock_is_on(self):
+    def test_one_key_reads_the_selection_pauses_and_goes_on_whatever_lock_is_on(self):
         self.give_keys((CONTROL_SHIFT | ord("R"), READ), (CONTROL_ALT | ord("U"), UPDATE))
         self.card.tell("speed 0.1")
         desktop.tell_engine("text2wave long 60")
@@ -23,15 +23,37 @@ class HotKeysTest(DesktopCase):
                 text = f"words of {lock}"
                 self.select(text)
                 desktop.press_keys("ctrl+shift+r")
-                stream = self.card.next_stream()
-                self.card.wait_for(stream, "start")
-                desktop.press_keys("ctrl+shift+r")
-                self.card.wait_for(stream, "close")
+                self.card.wait_for(self.card.next_stream(), "start")
+                self.await_status("reading", text)
+                for state in ("paused", "reading", "paused"):
+                    desktop.press_keys("ctrl+shift+r")
+                    self.await_status(state)
                 self.assertEqual(self.spoken()[-1].split(" ", 2)[2], text)
         self.select("not read")
         desktop.press_keys("ctrl+alt+u")
         lectora.press_tray_icon(1)
         desktop.wait_until(lambda: lectora.text() == "not read", "the text")
+
+    def test_keys_control_a_reading_over_another_programs_window(self):
+        keys = {PAUSE: "p", STOP: "x", BACK: "b", AHEAD: "a", FASTER: "f", SLOWER: "s"}
+        self.give_keys(*((CONTROL_ALT | ord(key.upper()), command) for command, key in keys.items()))
+        self.card.tell("speed 0.1")
+        desktop.tell_engine("text2wave long 60")
+        sentences = [f"Number {word} is a sentence that goes on for a while here." for word in ("one", "two")]
+        lectora = self.start(self.file("two.txt", "\n".join(sentences)))
+        self.card.wait_for(self.card.next_stream(), "start")
+        lectora.hide()
+        for command, seen in (
+            (AHEAD, lambda: self.told_status()[3] == sentences[1]),
+            (BACK, lambda: self.told_status()[3] == sentences[0]),
+            (PAUSE, lambda: self.told_status()[0] == "paused"),
+            (PAUSE, lambda: self.told_status()[0] == "reading"),
+            (FASTER, lambda: next(lectora.walk("label", "1.1\u00d7"), None)),
+            (SLOWER, lambda: next(lectora.walk("label", "1.0\u00d7"), None)),
+            (STOP, lambda: self.told_status()[0] == "stopped"),
+        ):
+            desktop.press_keys("ctrl+alt+" + keys[command])
+            desktop.wait_until(seen, f"command {command}")
 
     def test_hotkeys_and_commands_follow_the_layout_of_the_keyboard(self):
         self.give_keys((CONTROL_ALT | ord("Z"), UPDATE))
