@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/hotkeys/desktop_keys.h"
 #include "app/hotkeys/hot_key_handler.h"
 #include "app/hotkeys/hot_key_store.h"
 #include "app/settings_keys.h"
@@ -54,13 +55,33 @@ bool Ask(GtkWidget* parent) {
     return areStored;
 }
 
+// In place of the question, where its promise would not be kept.
+void ShowDesktopKeys(GtkWidget* parent) {
+    constexpr int kCopy = 1;
+    constexpr LBoxButton kButtons[] = {{"_Copy Commands", kCopy}, {"C_lose", 0}};
+    const std::string explanation =
+        "In this session (Wayland) no program gets the keys that are pressed in others. Lectora "
+        "can "
+        "be used from every program all the same: in the keyboard settings of your desktop, let a "
+        "key start one of these commands.\n\n" +
+        DesktopKeyHints() + "\nThe options show them on the page \"HotKeys\".";
+    kHotKeysOfferedSetting.Set(true);
+    if (MessageBoxRun(parent, GTK_MESSAGE_INFO, kButtons, "Lectora",
+                      "Keys for Lectora are set in your desktop", explanation.c_str()) == kCopy)
+        CopyDesktopKeyCommands();
+}
+
 }  // namespace
 
 void HotKeyOffer::AskSoon(const LWindow& window, std::function<void()> taken) {
     if (kHotKeysOfferedSetting.Get() || !LoadHotKeys().empty())
         return;
     wait_.Start(window.Widget(), [&window, taken = std::move(taken)] {
-        if (window.IsOpen() && Ask(window.Widget()) && window.IsOpen())
+        if (!window.IsOpen())
+            return;
+        if (!HotKeysReachEveryProgram())
+            ShowDesktopKeys(window.Widget());
+        else if (Ask(window.Widget()) && window.IsOpen())
             taken();
     });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "app/hotkeys/desktop_keys.h"
 #include "app/hotkeys/hot_key_handler.h"
 #include "app/options/hot_key_assignment.h"
 #include "gui/accessible.h"
@@ -15,6 +16,8 @@ constexpr int kList = 108;
 constexpr int kAdd = 109;
 constexpr int kChange = 110;
 constexpr int kRemove = 111;
+constexpr int kDesktopKeys = 112;
+constexpr int kCopyCommands = 113;
 constexpr LRows kListHeight{5};
 constexpr int kCommandColumn = 1;
 constexpr int kStateColumn = 2;
@@ -34,7 +37,9 @@ const char* StateText(LKeyCode key) {
         case HotKeyState::kNotOnKeyboard:
             return "Not on this keyboard";
         default:
-            return CanBeHotKey(key) ? "" : "Needs Ctrl, Alt or Super";
+            if (!CanBeHotKey(key))
+                return "Needs Ctrl, Alt or Super";
+            return HotKeysReachEveryProgram() ? "" : "Arrives from some programs";
     }
 }
 
@@ -48,6 +53,14 @@ void DlgGenHotkeysDlg(LDialogGenContext& context) {
     context.AddButton(kChange, "Chan&ge...");
     context.AddButton(kRemove, "&Remove...");
     context.EndHBox();
+    if (!HotKeysReachEveryProgram()) {
+        const std::string note =
+            "In this session (Wayland) these keys arrive only from some programs. In the keyboard "
+            "settings of your desktop, let keys start these commands instead:\n\n" +
+            DesktopKeyHints();
+        context.AddStatic(kDesktopKeys, note.c_str());
+        context.AddButton(kCopyCommands, "&Copy Commands");
+    }
     context.GroupEnd();
 }
 
@@ -89,6 +102,8 @@ void HotkeysDlgImp::Command(int command) {
         Change(LVGetItemData(kList, row));
     else if (command == kRemove && row >= 0)
         Remove(LVGetItemData(kList, row));
+    else if (command == kCopyCommands)
+        CopyDesktopKeyCommands();
 }
 
 void HotkeysDlgImp::Add() {

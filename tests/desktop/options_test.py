@@ -1,5 +1,6 @@
 """The options, and the hotkeys of the first start."""
 import os
+import subprocess
 import unittest
 
 from desktop_case import DesktopCase, desktop
@@ -32,6 +33,24 @@ class FirstStartTest(DesktopCase):
             if reads:
                 self.card.wait_for(self.card.next_stream(), "close")
         self.assertEqual([call.split(" ", 2)[2] for call in self.spoken()], ["by ctrl+alt+shift+r"])
+
+    def test_under_wayland_nothing_is_promised_and_commands_for_the_desktops_keys_are_shown(self):
+        lectora = self.start(asks=True, XDG_SESSION_TYPE="wayland")
+        shown = lectora.wait_for_box("keyboard settings")
+        self.assertIn("lectora --toggle-pause", shown)
+        self.assertNotIn("Ctrl+", shown)
+        self.picture("wayland-first-start")
+        lectora.press("push button", "Copy Commands")
+        self.commands_are_copied()
+        subprocess.run(["xclip", "-selection", "clipboard"], input=b"something else", check=True)
+        lectora.press("push button", "Options")
+        lectora.press("page tab", "HotKeys")
+        self.picture("wayland-options")
+        lectora.press("push button", "Copy Commands")
+        self.commands_are_copied()
+
+    def commands_are_copied(self):
+        desktop.wait_until(lambda: self.selection("clipboard").startswith("lectora --read-selection\n"), "the commands")
 
     def test_it_asks_once_and_never_over_a_reading(self):
         lectora = self.start(self.file("fox.txt", "some words"), asks=True)
