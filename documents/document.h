@@ -37,7 +37,8 @@ struct Document {
     std::vector<DocumentChapter> chapters;    // of books: their files, by their own contents
     std::vector<std::size_t> pages;           // where each begins, of documents that have pages
     std::vector<DocumentLanguage> languages;  // none: it says nothing of its language
-    bool hasSurroundings = false;             // a web page's menus and the like were left out
+    bool hasSurroundings = false;             // a web page's menus and the like were left out,
+    std::size_t surroundingWords = 0;         // so many words of them
 };
 
 // What is left out.
@@ -53,9 +54,9 @@ struct DocumentRules {
 // Asked now and then during long work; true ends it.
 using StopTest = std::function<bool()>;
 
-// Reads a whole regular file of at most kLargestTextFile bytes. Kinds are known by what the file
-// holds; its name counts only where that says nothing. A document without a word in it is a
-// problem. Any thread.
+// Reads a whole regular file of at most kLargestTextFile bytes, or what is at a web address
+// ("https://..."). Kinds are known by what the file holds; its name counts only where that says
+// nothing. A document without a word in it is a problem. Any thread.
 Document LoadDocument(const char* path, const StopTest& isToStop = {},
                       const DocumentRules& rules = {});
 

@@ -94,5 +94,6 @@ Document ReadPage(std::string_view bytes, const ReadingWatch& watch, const Docum
     document.title = std::move(facts.title);
     document.author = std::move(facts.author);
     document.hasSurroundings = surroundings.AreThere();
+    document.surroundingWords = surroundings.words;
     return document;
 }

@@ -1,194 +1,206 @@
 #include "documents/page_surroundings.h"
 
-#include <glib.h>
-
 #include <algorithm>
-#include <string>
+#include <utility>
 #include <vector>
 
 #include "documents/html_reader.h"
-#include "documents/small_texts.h"
+#include "documents/page_parts.h"
 
 namespace {
 
-constexpr std::size_t kMostElements = 300000;
-constexpr std::size_t kLeastArticle = 200;  // bytes of text
-constexpr std::size_t kShortNotice = 600;
+// In letters.
+constexpr std::size_t kLeastArticle = 200;
+constexpr std::size_t kLongBlock = 250;  // what notices and teasers hardly have
+constexpr std::size_t kLongPart = 800;
 
-// Words in the classes and identifiers of what surrounds articles.
-constexpr SortedNames<36> kSurroundingWords = {
-    "ad",          "ads",           "advert",     "advertisement", "banner",  "breadcrumb",
-    "breadcrumbs", "consent",       "cookie",     "cookies",       "footer",  "gdpr",
-    "masthead",    "menu",          "modal",      "nav",           "navbar",  "navfooter",
-    "navheader",   "navigation",    "newsletter", "popup",         "promo",   "promotion",
-    "recommended", "related",       "share",      "sharing",       "sidebar", "skip",
-    "social",      "sphinxsidebar", "sponsored",  "subscribe",     "toolbar", "topbar"};
-static_assert(std::is_sorted(kSurroundingWords.begin(), kSurroundingWords.end()));
-constexpr SortedNames<10> kSurroundingRoles = {
-    "alertdialog", "banner",  "complementary", "contentinfo", "dialog",
-    "menu",        "menubar", "navigation",    "search",      "toolbar"};
-static_assert(std::is_sorted(kSurroundingRoles.begin(), kSurroundingRoles.end()));
-constexpr SortedNames<9> kNeverText = {"button", "head", "noscript", "script",  "select",
-                                       "style",  "svg",  "template", "textarea"};
-static_assert(std::is_sorted(kNeverText.begin(), kNeverText.end()));
-
-enum class Sign {
-    kNone,
-    kPlain,   // what it is called says that it may surround
-    kMarked,  // its element or role says so
-    kSurely
-};
-
-struct Part {
-    std::size_t at;      // in the page
-    std::size_t parent;  // in the list; of the first one itself
-    Sign sign = Sign::kNone;
-    bool isMain = false;
-    bool isArticle = false;
-    bool isInArticle = false;
-    bool isLink = false;
-    bool isSiteHead = false;
-    bool hasTitle = false;  // an <h1>
-    bool isLeftOut = false;
-    std::size_t text = 0;
-    std::size_t linked = 0;  // of it, in links
-};
-
-bool HasSurroundingWord(std::string_view names) {
-    std::string word;
-    for (std::size_t at = 0; at <= names.size(); ++at) {
-        if (at < names.size() && g_ascii_isalpha(names[at])) {
-            word += g_ascii_tolower(names[at]);
-            continue;
-        }
-        if (IsOneOf(word, kSurroundingWords))
-            return true;
-        word.clear();
-    }
-    return false;
-}
-
-class PartsOfPage : public MarkupListener {
+class Judge {
 public:
-    PartsOfPage() { parts_.push_back({}); }
+    Judge(std::vector<PagePart> parts, PageTitle title)
+        : parts_(std::move(parts)), title_(title.part), isTitleSure_(title.isSure) {}
 
-    void SetReader(const HtmlReader& reader) { reader_ = &reader; }
-    bool IsTooLarge() const { return parts_.size() > kMostElements; }
+    PageSurroundings Find() {
+        SumUp(parts_);
+        const std::size_t words = parts_[0].words;
+        LeaveOutWhere([this](std::size_t i) { return Holds(i, PartSign::kSurely); });
+        LeaveOutWhere([this](std::size_t i) { return Holds(i, PartSign::kMatter); });
+        if (IsLeftOut(title_))
+            title_ = 0;
+        FindMatter();
+        if (matter_ != 0 && !isTitleSure_)
+            title_ = 0;
+        article_ = title_ == 0 || IsIn(title_, matter_) ? matter_ : 0;
+        FindPath();
+        LeaveOutWhere([this](std::size_t i) { return IsBesides(i); });
+        PruneBesidePath();
+        SumUp(parts_);
 
-    bool EvElement(std::string_view name, const MarkupAttributes& attributes) override {
-        if (IsOneOf(name, kNeverText))
-            return false;
-        Part part;
-        part.at = reader_->Position();
-        part.parent = open_;
-        const std::string_view role = attributes.Value("role");
-        part.isMain = name == "main" || role == "main";
-        part.isArticle = name == "article" || role == "article";
-        part.isInArticle =
-            part.isMain || part.isArticle || name == "blockquote" || parts_[open_].isInArticle;
-        part.isLink = name == "a";
-        part.isSiteHead = name == "header" || role == "banner";
-        if (name == "h1")
-            for (std::size_t i = open_; i != 0; i = parts_[i].parent)
-                parts_[i].hasTitle = true;
-        if (name == "nav" || name == "form" || name == "dialog")
-            part.sign = Sign::kSurely;
-        else if (name == "aside" || name == "footer" || name == "header" ||
-                 IsOneOf(role, kSurroundingRoles))
-            part.sign = Sign::kMarked;
-        else if (name != "body" && name != "html" && !part.isMain && !part.isArticle &&
-                 (HasSurroundingWord(attributes.Value("class")) ||
-                  HasSurroundingWord(attributes.Value("id"))))
-            part.sign = Sign::kPlain;
-        open_ = parts_.size();
-        parts_.push_back(part);
-        return true;
-    }
-    void EvElementEnd(std::string_view) override { open_ = parts_[open_].parent; }
-    void EvText(std::string_view text) override {
-        const auto letters =
-            static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char sign) {
-                return kWhiteSpace.find(sign) == std::string_view::npos;
-            }));
-        bool isLinked = false;
-        for (std::size_t i = open_;; i = parts_[i].parent) {
-            isLinked = isLinked || parts_[i].isLink;
-            parts_[i].text += letters;
-            parts_[i].linked += isLinked ? letters : 0;
-            if (i == 0)
-                break;
-        }
-    }
-
-    PageSurroundings Judge() {
         PageSurroundings found;
-        std::size_t left = parts_[0].text;
-        for (std::size_t i = 1; i < parts_.size(); ++i) {
-            Part& part = parts_[i];
-            if (parts_[part.parent].isLeftOut) {
-                part.isLeftOut = true;
-            } else if (Surrounds(part)) {
-                part.isLeftOut = true;
+        const PagePart& read = parts_[article_];
+        if (read.text < kLeastArticle)
+            return found;
+        found.words = words - std::min(words, read.words);
+        if (article_ != 0)
+            found.article = read.at;
+        for (const PagePart& part : parts_)
+            if (part.isLeftOut)
                 found.leftOut.insert(part.at);
-                left -= std::min(left, part.text);
-            }
-        }
-        if (left < kLeastArticle)
-            return {};
-        found.article = ArticleOf(left);
         return found;
     }
 
 private:
-    bool Surrounds(const Part& part) const {
-        if (part.sign == Sign::kNone || part.text * 2 > parts_[0].text || part.hasTitle)
-            return false;
-        const bool isLinks = part.linked * 10 > part.text * 3;
-        switch (part.sign) {
-            case Sign::kSurely:
-                return true;
-            case Sign::kMarked:
-                return isLinks || !part.isInArticle;
-            case Sign::kPlain:
-                return isLinks || (part.text < kShortNotice && !part.isInArticle);
-            case Sign::kNone:
-                break;
+    template <typename Test>
+    void LeaveOutWhere(Test test) {
+        for (std::size_t i = 1; i < parts_.size();) {
+            if (parts_[i].isLeftOut || test(i)) {
+                parts_[i].isLeftOut = true;
+                i = parts_[i].end;
+            } else {
+                ++i;
+            }
         }
+        SumUp(parts_);
+    }
+    bool IsIn(std::size_t part, std::size_t whole) const {
+        return part >= whole && part < parts_[whole].end;
+    }
+    bool IsLeftOut(std::size_t part) const {
+        for (std::size_t i = part; i != 0; i = parts_[i].parent)
+            if (parts_[i].isLeftOut)
+                return true;
         return false;
+    }
+    bool HasTitle(std::size_t part) const { return title_ != 0 && IsIn(title_, part); }
+    static bool IsLinks(const PagePart& part) { return part.linked * 10 > part.text * 3; }
+
+    // By its sign alone, unless it holds what is most of the page.
+    bool Holds(std::size_t i, PartSign sign) const {
+        const PagePart& part = parts_[i];
+        return part.sign == sign && !HasTitle(i) && part.prose * 2 <= parts_[0].prose &&
+               (part.prose > 0 || part.text * 2 <= parts_[0].text);
     }
 
     // The one element that says that it holds the page's matter.
-    std::size_t ArticleOf(std::size_t left) const {
-        const Part* main = nullptr;
-        const Part* article = nullptr;
-        int articles = 0;
-        for (const Part& part : parts_) {
-            if (part.isLeftOut)
+    void FindMatter() {
+        std::size_t main = 0;
+        std::size_t article = 0;
+        std::size_t second = 0;  // letters of the next longest
+        for (std::size_t i = 1; i < parts_.size(); ++i) {
+            const PagePart& part = parts_[i];
+            if (part.isLeftOut) {
+                i = part.end - 1;
                 continue;
-            if (part.isMain && (main == nullptr || part.text > main->text))
-                main = &part;
-            if (part.isArticle && !parts_[part.parent].isArticle && ++articles > 0)
-                article = &part;
+            }
+            if (part.isMain && (main == 0 || part.prose > parts_[main].prose))
+                main = i;
+            if (!part.isArticle || (article != 0 && IsIn(i, article)))
+                continue;
+            const std::size_t longest = article == 0 ? 0 : parts_[article].prose;
+            second = std::max(second, std::min(longest, part.prose));
+            if (article == 0 || part.prose > longest)
+                article = i;
         }
-        const std::size_t least = std::max(kLeastArticle, left / 3);
-        if (articles == 1 && article->text >= least && article->text * 5 >= left * 3)
-            return article->at;
-        return main != nullptr && main->text >= least ? main->at : PageSurroundings::kNowhere;
+        const std::size_t all = parts_[0].prose;
+        const bool isArticle = article != 0 && parts_[article].text >= kLeastArticle &&
+                               parts_[article].prose >= 3 * second &&
+                               parts_[article].prose * 5 >= all * 3;
+        matter_ = isArticle                                                            ? article
+                  : main != 0 && parts_[main].text >= std::max(kLeastArticle, all / 3) ? main
+                                                                                       : 0;
     }
 
-    const HtmlReader* reader_ = nullptr;
-    std::vector<Part> parts_;
-    std::size_t open_ = 0;
+    // From the page down to what holds most of its prose.
+    void FindPath() {
+        for (std::size_t i = matter_; i != 0; i = parts_[i].parent)
+            path_.insert(path_.begin(), i);
+        path_.insert(path_.begin(), 0);
+        for (;;) {
+            const std::size_t open = path_.back();
+            std::size_t best = 0;
+            for (std::size_t i = open + 1; i < parts_[open].end; i = parts_[i].end)
+                if (!parts_[i].isLeftOut && (best == 0 || parts_[i].prose > parts_[best].prose))
+                    best = i;
+            if (best == 0 || !parts_[best].isContainer || HasKin(best) ||
+                parts_[best].prose * 10 < parts_[open].prose * 6 || parts_[best].prose == 0)
+                break;
+            path_.push_back(best);
+        }
+        body_ = title_ == 0 && matter_ != 0 ? matter_ : path_.back();
+        while (body_ != 0 && title_ != 0 && !HasTitle(body_))
+            body_ = parts_[body_].parent;
+        // A title may stand in the head of the whole page.
+        const std::size_t above = parts_[parts_[body_].parent].parent;
+        inner_ = matter_ != 0 ? matter_ : above == 0 ? path_.back() : body_;
+    }
+
+    // Whether it is one of several: of a thread's posts, a list's teasers.
+    bool HasKin(std::size_t part) const {
+        const std::size_t parent = parts_[part].parent;
+        for (std::size_t i = parent + 1; i < parts_[parent].end; i = parts_[i].end)
+            if (i != part && !parts_[i].isLeftOut && parts_[i].kin == parts_[part].kin &&
+                parts_[i].kin != 0 && parts_[i].prose > 0)
+                return true;
+        return false;
+    }
+
+    bool IsBesides(std::size_t i) const {
+        const PagePart& part = parts_[i];
+        if ((part.sign != PartSign::kPlace && part.sign != PartSign::kMarked) || HasTitle(i))
+            return false;
+        if (part.prose * 2 > parts_[0].prose || part.text * 2 > parts_[0].text)
+            return false;
+        const bool isLinks =
+            part.sign == PartSign::kMarked ? IsLinks(part) : part.linked * 2 > part.text;
+        const bool isFoot = title_ == 0 && matter_ == 0 && part.sign == PartSign::kMarked;
+        const bool isAround = (isFoot || !IsIn(i, inner_)) && part.longest < kLongBlock;
+        return isLinks || isAround || !IsIn(i, body_);
+    }
+
+    // What stands beside the way to the article.
+    void PruneBesidePath() {
+        for (std::size_t level = 0; level + 1 < path_.size(); ++level) {
+            const std::size_t open = path_[level];
+            const std::size_t next = path_[level + 1];
+            const bool isOutside = open != body_ && !IsIn(open, body_);
+            // Between the title and the end there may be more of the article, behind hardly.
+            const bool isBehind = inner_ != body_ && IsIn(inner_, next);
+            for (std::size_t i = open + 1; i < parts_[open].end; i = parts_[i].end)
+                if (i != next && !HasTitle(i) && !parts_[i].isLeftOut &&
+                    (isOutside || (isBehind && i > next) ? IsForeign(parts_[i]) : IsTail(i, next)))
+                    parts_[i].isLeftOut = true;
+        }
+    }
+    static bool IsForeign(const PagePart& part) {
+        return part.linked * 2 >= part.text ||
+               (part.longest < kLongBlock && part.text - part.linked < kLongPart);
+    }
+    // Links before the title, and headlines of other articles behind this one.
+    bool IsTail(std::size_t i, std::size_t next) const {
+        const PagePart& part = parts_[i];
+        if (part.isHeading || part.prose > 0 || !IsLinks(part))
+            return false;
+        return i < title_ || (title_ != 0 && i > next && part.linked * 2 > part.text);
+    }
+
+    std::vector<PagePart> parts_;
+    std::size_t title_;  // all of these in the list; 0: there is none, or it is the page
+    bool isTitleSure_;
+    std::size_t matter_ = 0;   // the element that says so
+    std::size_t article_ = 0;  // of which alone is read
+    std::vector<std::size_t> path_;
+    std::size_t body_ = 0;   // the lowest of it that holds title and prose
+    std::size_t inner_ = 0;  // holds prose, but may lack the title
 };
 
 }  // namespace
 
 PageSurroundings FindSurroundings(std::string_view page, const ReadingWatch& watch) {
-    PartsOfPage parts;
+    PageParts parts;
     HtmlReader reader(page, parts);
     parts.SetReader(reader);
     while (reader.ReadSome())
         if (watch.IsToEnd() || parts.IsTooLarge())
             return {};
-    return parts.Judge();
+    const PageTitle title = parts.Title();
+    return Judge(parts.Take(), title).Find();
 }

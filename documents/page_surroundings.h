@@ -1,5 +1,5 @@
 // Tells a web page's article from what surrounds it: menus, heads and feet of the site, notices,
-// "share", "related".
+// "share", "related", comments.
 #pragma once
 
 #include <cstddef>
@@ -14,8 +14,9 @@ struct PageSurroundings {
 
     std::set<std::size_t> leftOut;   // the elements, by where their tags end in the page
     std::size_t article = kNowhere;  // the element outside of which nothing is read
+    std::size_t words = 0;           // that are left out
 
-    bool AreThere() const { return !leftOut.empty() || article != kNowhere; }
+    bool AreThere() const { return words > 0; }
 };
 
 // None when little text would be left: then it was no page with an article.

@@ -44,9 +44,10 @@ Document ReadSayDocument(const std::string& path, const DocumentRules& rules) {
     if (!document.remark.empty())
         Complain("lectora-say", NameOfText(path) + ": " + document.remark);
     if (document.hasSurroundings)
-        Complain("lectora-say", NameOfText(path) +
-                                    ": the menus and notices around the article are "
-                                    "left out; --whole-page reads them too");
+        Complain("lectora-say", NameOfText(path) + ": " +
+                                    std::to_string(document.surroundingWords) +
+                                    " words around the article are left out; --whole-page reads "
+                                    "them too");
     return document;
 }
 

@@ -1,0 +1,197 @@
+#include "documents/page_parts.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "documents/small_texts.h"
+#include "documents/surrounding_names.h"
+
+namespace {
+
+constexpr std::size_t kMostElements = 300000;
+constexpr std::size_t kMostHeadings = 1000;
+constexpr std::size_t kLongestHeadingText = 300;
+constexpr std::size_t kShortestTitle = 4;
+constexpr std::size_t kLeastProse = 60;  // letters of a block: less is a label
+
+constexpr SortedNames<10> kSurroundingRoles = {"alertdialog", "dialog",     "listbox", "menu",
+                                               "menubar",     "navigation", "search",  "status",
+                                               "toolbar",     "tooltip"};
+static_assert(std::is_sorted(kSurroundingRoles.begin(), kSurroundingRoles.end()));
+constexpr SortedNames<8> kNeverText = {"button", "noscript", "script",   "select",
+                                       "style",  "svg",      "template", "textarea"};
+static_assert(std::is_sorted(kNeverText.begin(), kNeverText.end()));
+constexpr SortedNames<40> kPartsOfLines = {
+    "a",     "abbr",  "acronym", "b",      "bdi",  "bdo", "big",  "br",   "cite",  "code",
+    "data",  "del",   "dfn",     "em",     "font", "hr",  "i",    "img",  "input", "ins",
+    "kbd",   "label", "mark",    "math",   "q",    "rp",  "rt",   "ruby", "s",     "samp",
+    "small", "span",  "strike",  "strong", "sub",  "sup", "time", "tt",   "u",     "var"};
+static_assert(std::is_sorted(kPartsOfLines.begin(), kPartsOfLines.end()));
+constexpr SortedNames<14> kContainers = {"article", "body",   "center", "div",  "fieldset",
+                                         "form",    "header", "html",   "main", "section",
+                                         "table",   "tbody",  "td",     "tr"};
+static_assert(std::is_sorted(kContainers.begin(), kContainers.end()));
+
+std::string InOneLine(std::string_view text) {
+    std::string line;
+    for (const char sign : text) {
+        if (kWhiteSpace.find(sign) == std::string_view::npos)
+            line += g_ascii_tolower(sign);
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    if (line.ends_with(' '))
+        line.pop_back();
+    return line;
+}
+
+// Identifiers of sections are made of their headings, whatever these are about.
+bool IsNamedByHeading(std::string_view name, const MarkupAttributes& attributes) {
+    const std::string_view names = attributes.Value("class");
+    return name == "section" || names.find("section") != std::string_view::npos ||
+           names.find("sect") != std::string_view::npos ||
+           names.find("level") != std::string_view::npos;
+}
+
+PartSign SignOf(std::string_view name, const MarkupAttributes& attributes, const PagePart& part) {
+    const std::string_view role = attributes.Value("role");
+    if (name == "nav" || name == "form" || name == "dialog" || IsOneOf(role, kSurroundingRoles))
+        return PartSign::kSurely;
+    if (name == "body" || name == "html" || part.isMain || part.isArticle || part.isHeading)
+        return PartSign::kNone;
+    SurroundingName named = SurroundingNameOfClass(attributes.Value("class"));
+    if (!IsNamedByHeading(name, attributes))
+        named = std::max(named, SurroundingNameOfId(attributes.Value("id")));
+    if (named == SurroundingName::kMatter && name != "p")
+        return PartSign::kMatter;
+    if (name == "aside" || name == "footer" || name == "header" || role == "banner" ||
+        role == "complementary" || role == "contentinfo")
+        return PartSign::kMarked;
+    return named == SurroundingName::kNone ? PartSign::kNone : PartSign::kPlace;
+}
+
+}  // namespace
+
+bool PageParts::IsTooLarge() const {
+    return parts_.size() > kMostElements;
+}
+
+bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attributes) {
+    if (IsOneOf(name, kNeverText))
+        return false;
+    isInTitle_ = name == "title";
+    const bool isLink = name == "a" && attributes.Has("href");
+    PagePart part;
+    part.at = reader_->Position();
+    part.parent = open_;
+    const std::string_view role = attributes.Value("role");
+    part.isMain = name == "main" || role == "main";
+    part.isArticle = name == "article" || role == "article";
+    part.isHeading = IsHeadingName(name);
+    part.isContainer = IsOneOf(name, kContainers) || name.find('-') != std::string_view::npos;
+    const std::string_view names = attributes.Value("class");
+    part.kin = names.empty() ? 0 : std::hash<std::string_view>()(names.substr(0, names.find(' ')));
+    part.sign = SignOf(name, attributes, part);
+    const bool isOfPage = name != "head" && name != "title";
+    const bool isPart = isOfPage && (!IsOneOf(name, kPartsOfLines) || part.sign != PartSign::kNone);
+    isPart_.push_back(isPart);
+    isLink_.push_back(isLink);
+    linkDepth_ += isLink ? 1 : 0;
+    if (isLink)
+        ++parts_[open_].links;
+    if (!isPart)
+        return true;
+    open_ = parts_.size();
+    parts_.push_back(part);
+    if (part.isHeading && headings_.size() < kMostHeadings)
+        headings_.push_back({open_, name == "h1", {}});
+    return true;
+}
+
+void PageParts::EvElementEnd(std::string_view) {
+    isInTitle_ = false;
+    if (isPart_.empty())
+        return;
+    linkDepth_ -= isLink_.back() ? 1 : 0;
+    isLink_.pop_back();
+    if (isPart_.back()) {
+        parts_[open_].end = parts_.size();
+        open_ = parts_[open_].parent;
+    }
+    isPart_.pop_back();
+}
+
+void PageParts::EvText(std::string_view text) {
+    if (isInTitle_) {
+        title_ += text.substr(0, kLongestHeadingText);
+        return;
+    }
+    PagePart& part = parts_[open_];
+    bool isInWord = false;
+    for (const char sign : text) {
+        const bool isBlank = kWhiteSpace.find(sign) != std::string_view::npos;
+        part.ownText += isBlank ? 0 : 1;
+        part.ownLinked += isBlank || linkDepth_ == 0 ? 0 : 1;
+        part.ownWords += !isBlank && !isInWord ? 1 : 0;
+        isInWord = !isBlank;
+    }
+    if (!headings_.empty() && headings_.back().text.size() < kLongestHeadingText)
+        for (std::size_t i = open_;; i = parts_[i].parent) {
+            if (i == headings_.back().part)
+                headings_.back().text += text.substr(0, kLongestHeadingText);
+            if (i <= headings_.back().part)
+                break;
+        }
+}
+
+std::vector<PagePart> PageParts::Take() {
+    parts_[0].end = parts_.size();
+    parts_[0].isContainer = true;
+    return std::move(parts_);
+}
+
+// The heading that the page's own title names, the longest of several; else the first of the first
+// level, else the first.
+PageTitle PageParts::Title() const {
+    const std::string title = InOneLine(title_);
+    const Heading* best = nullptr;
+    std::size_t length = 0;
+    for (const Heading& heading : headings_) {
+        const std::string text = InOneLine(heading.text);
+        if (text.size() >= kShortestTitle && text.size() > length &&
+            title.find(text) != std::string::npos) {
+            best = &heading;
+            length = text.size();
+        }
+    }
+    for (const Heading& heading : headings_)
+        if (best == nullptr && heading.isFirstLevel)
+            best = &heading;
+    if (best == nullptr)
+        return {headings_.empty() ? 0 : headings_.front().part, false};
+    return {best->part, true};
+}
+
+void SumUp(std::vector<PagePart>& parts) {
+    for (PagePart& part : parts) {
+        part.text = part.ownText;
+        part.linked = part.ownLinked;
+        part.words = part.ownWords;
+        const bool isProse = part.ownText >= kLeastProse && part.ownLinked * 2 <= part.ownText;
+        part.prose = isProse ? part.ownText : 0;
+        part.longest = isProse ? part.ownText - part.ownLinked : 0;
+    }
+    for (std::size_t i = parts.size(); i-- > 1;) {
+        const PagePart& part = parts[i];
+        if (part.isLeftOut)
+            continue;
+        PagePart& parent = parts[part.parent];
+        parent.text += part.text;
+        parent.linked += part.linked;
+        parent.words += part.words;
+        parent.prose += part.prose;
+        parent.longest = std::max(parent.longest, part.longest);
+    }
+}

@@ -1,0 +1,16 @@
+// What web pages call the parts that surround their articles, in classes and identifiers.
+#pragma once
+
+#include <string_view>
+
+enum class SurroundingName {
+    kNone,
+    kPlace,  // where it stands: a side, a head; articles have such parts too
+    kMatter  // what it holds: comments, notices, what is shared or related
+};
+
+// Of the names in an attribute's value, parted by blanks. All words of a name behind the first that
+// tells something must be known: "news-share-links", not "share-price". Identifiers are made of
+// headings too, so that only one word before it may be the page's own.
+SurroundingName SurroundingNameOfClass(std::string_view names);
+SurroundingName SurroundingNameOfId(std::string_view name);

@@ -1,0 +1,73 @@
+// Pages written as sites of many kinds write them: how much of the article is lost, how much else
+// is read. In tests/documents/pages "@12@" stands for twelve words of the article, "~12~" for
+// twelve that are not.
+#include <gmock/gmock.h>
+
+#include <cctype>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "documents/document.h"
+
+namespace {
+
+constexpr const char* kArticle = "kept";
+constexpr const char* kForeign = "gone";
+
+// Each word has a number of its own; texts end with a stop, labels do not.
+std::string Written(const std::string& page) {
+    std::string written;
+    int number = 0;
+    for (std::size_t at = 0; at < page.size(); ++at) {
+        const std::size_t end = page.find_first_not_of("0123456789", at + 1);
+        if ((page[at] != '@' && page[at] != '~') || end == at + 1 || page[end] != page[at]) {
+            written += page[at];
+            continue;
+        }
+        const int count = std::atoi(page.c_str() + at + 1);
+        for (int i = 1; i <= count; ++i)
+            written += (page[at] == '@' ? kArticle : kForeign) + std::to_string(++number) +
+                       (count >= 8 && (i == count || i % 12 == 0) ? "." : "") +
+                       (i < count ? " " : "");
+        at = end;
+    }
+    return written;
+}
+
+std::set<std::string> Words(const std::string& text, const std::string& beginning) {
+    std::set<std::string> words;
+    for (std::size_t at = text.find(beginning); at != std::string::npos;
+         at = text.find(beginning, at + 1)) {
+        const std::size_t number = at + beginning.size();
+        words.insert(text.substr(at, text.find_first_not_of("0123456789", number) - at));
+    }
+    return words;
+}
+
+TEST(Pages, ArticlesArriveWholeAndHardlyAnythingElse) {
+    std::size_t foreign = 0;
+    std::size_t read = 0;
+    for (const auto& file : std::filesystem::directory_iterator(PAGES_FOLDER)) {
+        std::ifstream stream(file.path());
+        const std::string page = Written({std::istreambuf_iterator<char>(stream), {}});
+        const Document document = ReadDocument(page);
+        EXPECT_EQ(Words(document.text, kArticle), Words(page, kArticle)) << file.path();
+        const std::size_t more = Words(document.text, kForeign).size();
+        const std::size_t all = Words(page, kForeign).size();
+        EXPECT_LT(more * 4, all) << file.path();
+        // Told is what is not read, as nearly as words can be counted.
+        EXPECT_NEAR(static_cast<double>(document.surroundingWords), static_cast<double>(all - more),
+                    static_cast<double>(all) / 5 + 4)
+            << file.path();
+        foreign += more;
+        read += Words(page, kArticle).size() + more;
+    }
+    ASSERT_GT(read, 3000U);
+    EXPECT_LE(foreign * 100, read * 3) << foreign << " of " << read;
+}
+
+}  // namespace
