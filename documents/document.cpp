@@ -10,8 +10,11 @@
 #include "documents/document_kind.h"
 #include "documents/fiction_book.h"
 #include "documents/html_text.h"
+#include "documents/mail_text.h"
 #include "documents/pdf_text.h"
 #include "documents/problems.h"
+#include "documents/program_document.h"
+#include "documents/recognised_text.h"
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
 #include "documents/zip_document.h"
@@ -48,6 +51,16 @@ Document ReadKind(DocumentKind kind, std::string_view bytes, const ReadingWatch&
             return ReadFictionBook(bytes, watch, rules);
         case DocumentKind::kPdf:
             return ReadPdf(bytes, watch, rules);
+        case DocumentKind::kRtf:
+            return ReadRtf(bytes, watch, rules);
+        case DocumentKind::kDjvu:
+            return ReadDjvu(bytes, watch, rules);
+        case DocumentKind::kMarkdown:
+            return ReadMarkdown(bytes, watch, rules);
+        case DocumentKind::kMail:
+            return ReadMail(bytes, watch, rules);
+        case DocumentKind::kPicture:
+            return ReadPicture(bytes, watch, rules);
         case DocumentKind::kForeign:
             return DocumentProblem(ForeignKindProblem(bytes));
         case DocumentKind::kPlainText:

@@ -6,6 +6,7 @@
 #include <array>
 #include <string>
 
+#include "documents/mail_text.h"
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
 
@@ -29,13 +30,13 @@ struct Signature {
 constexpr DocumentKind kNone = DocumentKind::kForeign;
 constexpr Signature kSignatures[] = {
     {0, "PK\x03\x04"sv, DocumentKind::kZip, nullptr},
-    {0, "{\\rtf"sv, kNone, "The file is an RTF document; save it as DOCX, ODT or plain text."},
-    {0, "AT&TFORM"sv, kNone, "The file is a DjVu document; convert it to PDF first."},
-    {0, "\x89PNG\r\n"sv, kNone, kPicture},
-    {0, "\xff\xd8\xff"sv, kNone, kPicture},
-    {0, "II*\0"sv, kNone, kPicture},
-    {0, "MM\0*"sv, kNone, kPicture},
-    {8, "WEBP"sv, kNone, kPicture},
+    {0, "{\\rtf"sv, DocumentKind::kRtf, nullptr},
+    {0, "AT&TFORM"sv, DocumentKind::kDjvu, nullptr},
+    {0, "\x89PNG\r\n"sv, DocumentKind::kPicture, nullptr},
+    {0, "\xff\xd8\xff"sv, DocumentKind::kPicture, nullptr},
+    {0, "II*\0"sv, DocumentKind::kPicture, nullptr},
+    {0, "MM\0*"sv, DocumentKind::kPicture, nullptr},
+    {8, "WEBP"sv, DocumentKind::kPicture, nullptr},
     {0, "\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1"sv, kNone,
      "The file is an old or protected Office document; save it without password as DOCX or ODT."},
     {0, "%!PS"sv, kNone, "The file is a PostScript document; convert it to PDF first."},
@@ -152,8 +153,11 @@ bool IsHtml(std::string_view beginning, const std::string& ending) {
 
 DocumentKind KindByName(const std::string& beginning, const std::string& ending) {
     const bool isNamedHtml = ending == "html" || ending == "htm" || ending == "xhtml";
-    return isNamedHtml && beginning.find('<') != std::string::npos ? DocumentKind::kHtml
-                                                                   : DocumentKind::kPlainText;
+    if (isNamedHtml && beginning.find('<') != std::string::npos)
+        return DocumentKind::kHtml;
+    if (ending == "md" || ending == "markdown")
+        return DocumentKind::kMarkdown;
+    return ending == "eml" ? DocumentKind::kMail : DocumentKind::kPlainText;
 }
 
 }  // namespace
@@ -171,8 +175,10 @@ DocumentKind KindOf(std::string_view bytes, std::string_view name) {
         return DocumentKind::kFlatOdt;
     if (beginning.find("<fictionbook") != std::string::npos && beginning.starts_with('<'))
         return DocumentKind::kFictionBook;
-    if (IsHtml(beginning, ending))
+    if (ending != "md" && ending != "markdown" && IsHtml(beginning, ending))
         return DocumentKind::kHtml;
+    if (ending != "txt" && BeginsAsMail(bytes))
+        return DocumentKind::kMail;
     return KindByName(beginning, ending);
 }
 

@@ -10,6 +10,11 @@ enum class DocumentKind {
     kFlatOdt,  // an OpenDocument text as a single XML file
     kFictionBook,
     kPdf,
+    kRtf,
+    kDjvu,
+    kMail,
+    kMarkdown,
+    kPicture,
     kForeign,  // known, but without text that could be read
 };
 

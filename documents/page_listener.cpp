@@ -39,6 +39,7 @@ bool IsBackLink(const MarkupAttributes& attributes) {
     return attributes.HasWord("role", "doc-backlink") ||
            attributes.HasWord("epub:type", "backlink") ||
            attributes.HasWord("class", "footnote-back") ||
+           attributes.HasWord("class", "footnote-backref") ||
            attributes.HasWord("class", "mw-cite-backlink") ||
            attributes.HasWord("class", "mw-editsection") ||
            attributes.HasWord("class", "headerlink");

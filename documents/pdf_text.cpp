@@ -6,6 +6,7 @@
 #include "documents/pdf_pages.h"
 #include "documents/problems.h"
 #include "documents/program_output.h"
+#include "documents/recognised_text.h"
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
 #include "foundation/processes/child_process.h"
@@ -16,28 +17,13 @@ constexpr const char* kLayoutCommand = "pdftotext -q -bbox-layout -enc UTF-8 - -
 constexpr const char* kTextCommand = "pdftotext -q -enc UTF-8 -eol unix - -";
 constexpr std::size_t kMostLayout = 4 * kLargestDocumentText;  // lines with their places
 
-Document WithoutText(std::string_view bytes) {
+Document WithoutText(std::string_view bytes, const ReadingWatch& watch,
+                     const DocumentRules& rules) {
     if (bytes.find("/Encrypt") != std::string_view::npos)
         return DocumentProblem("The PDF document is protected by a password.");
     if (bytes.find("%%EOF") == std::string_view::npos)
         return DocumentProblem("The PDF document is damaged or not complete.");
-    return DocumentProblem("The PDF document holds no text, only pictures of it, or is damaged.");
-}
-
-// The sentence for what kept the program from reading anything; empty for the others.
-std::string OutcomeProblem(ProgramOutcome outcome, const ReadingWatch& watch) {
-    switch (outcome) {
-        case ProgramOutcome::kNotStarted:
-            return "The program pdftotext cannot be started.";
-        case ProgramOutcome::kEnded:
-            return watch.Problem();
-        case ProgramOutcome::kTooLong:
-            return kTooLongDocument;
-        case ProgramOutcome::kDone:
-        case ProgramOutcome::kFailed:
-            break;
-    }
-    return {};
+    return ReadScannedPdf(bytes, watch, rules);
 }
 
 bool HoldsText(const std::vector<PdfPage>& pages) {
@@ -60,7 +46,7 @@ Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const Docume
             layout.Feed(part);
             return layout.TextSize() <= kMostLayout;
         });
-    if (std::string problem = OutcomeProblem(outcome, watch); !problem.empty())
+    if (std::string problem = ProgramProblem("pdftotext", outcome, watch); !problem.empty())
         return DocumentProblem(std::move(problem));
     std::vector<PdfPage> pages = layout.TakePages();
     if (layout.IsRightToLeft()) {
@@ -70,12 +56,12 @@ Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const Docume
             text += part;
             return text.size() <= kLargestDocumentText;
         });
-        if (std::string problem = OutcomeProblem(outcome, watch); !problem.empty())
+        if (std::string problem = ProgramProblem("pdftotext", outcome, watch); !problem.empty())
             return DocumentProblem(std::move(problem));
         pages = PdfPagesOfText(DecodeText(text));
     }
     if (!HoldsText(pages))
-        return WithoutText(bytes);
+        return WithoutText(bytes, watch, rules);
     const std::size_t read = pages.size();
     if (!rules.pageHeads)
         DropPageHeads(pages);

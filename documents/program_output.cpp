@@ -8,6 +8,7 @@
 
 #include <cerrno>
 
+#include "documents/problems.h"
 #include "documents/small_texts.h"
 #include "foundation/files/file_io.h"
 #include "foundation/files/unique_fd.h"
@@ -80,4 +81,20 @@ ProgramOutcome RunProgram(const std::string& command, std::string_view input,
         ::kill(-group, SIGKILL);
     const bool hasFailed = child.Wait() != 0;
     return outcome == ProgramOutcome::kDone && hasFailed ? ProgramOutcome::kFailed : outcome;
+}
+
+std::string ProgramProblem(const std::string& program, ProgramOutcome outcome,
+                           const ReadingWatch& watch) {
+    switch (outcome) {
+        case ProgramOutcome::kNotStarted:
+            return "The program " + program + " cannot be started.";
+        case ProgramOutcome::kEnded:
+            return watch.Problem();
+        case ProgramOutcome::kTooLong:
+            return kTooLongDocument;
+        case ProgramOutcome::kDone:
+        case ProgramOutcome::kFailed:
+            break;
+    }
+    return {};
 }

@@ -22,3 +22,7 @@ using OutputTaker = std::function<bool(std::string_view part)>;
 // messages go nowhere. All that it started is gone at the return.
 ProgramOutcome RunProgram(const std::string& command, std::string_view input,
                           const ReadingWatch& watch, const OutputTaker& take);
+
+// The sentence for what kept the program from reading anything; empty when it ran to its end.
+std::string ProgramProblem(const std::string& program, ProgramOutcome outcome,
+                           const ReadingWatch& watch);

@@ -15,6 +15,9 @@ class ReadingWatch {
 public:
     explicit ReadingWatch(const StopTest& isToStop) : isToStop_(isToStop) {}
 
+    // The same for a part of the document that takes time of its own.
+    ReadingWatch Anew() const { return ReadingWatch(isToStop_); }
+
     bool IsToEnd() const { return WasStopped() || IsLate(); }
     // The sentence for a reading that was ended.
     std::string Problem() const {

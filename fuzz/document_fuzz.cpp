@@ -1,5 +1,5 @@
-// Every reader of documents but the one for PDF, which is a program of its own: of that, what makes
-// text of its pages.
+// Every reader of documents but those that are programs of their own: of these, what makes text of
+// pages.
 #include <glib.h>
 
 #include <cstdlib>
@@ -20,6 +20,19 @@ void MustBeText(const std::string& text) {
         std::abort();
 }
 
+bool IsReadByProgram(DocumentKind kind) {
+    switch (kind) {
+        case DocumentKind::kPdf:
+        case DocumentKind::kRtf:
+        case DocumentKind::kDjvu:
+        case DocumentKind::kMarkdown:
+        case DocumentKind::kPicture:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -32,11 +45,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     PdfLayout layout(false);
     layout.Feed(text);
     MustBeText(JoinPages(layout.TakePages(), {}).text);
-    if (KindOf(bytes) == DocumentKind::kPdf)
+    if (IsReadByProgram(KindOf(bytes)))
         return 0;
-    const Document document = ReadDocument(bytes);
-    MustBeText(document.text);
-    if (!document.problem.empty() && !document.text.empty())
-        std::abort();
+    const DocumentRules all = {true, true, true, true, true, true};
+    const DocumentRules least = {false, false, false, false, false, false};
+    for (const DocumentRules& rules : {DocumentRules(), all, least}) {
+        const Document document = ReadDocument(bytes, {}, rules);
+        MustBeText(document.text);
+        if (!document.problem.empty() && !document.text.empty())
+            std::abort();
+    }
     return 0;
 }

@@ -1,0 +1,139 @@
+#include "documents/recognised_text.h"
+
+#include <string>
+#include <utility>
+
+#include "documents/pdf_pages.h"
+#include "documents/problems.h"
+#include "documents/program_output.h"
+#include "documents/small_texts.h"
+#include "documents/text_charset.h"
+#include "foundation/processes/child_process.h"
+
+namespace {
+
+constexpr std::size_t kLargestPicture = 64U << 20;  // of a page
+constexpr std::size_t kMostScans = 2000;
+constexpr int kMostLanguages = 6;  // each takes time of its own
+
+// "deu+eng": what is installed, scripts and the detector of the page's direction aside.
+std::string InstalledLanguages(const ReadingWatch& watch) {
+    std::string list;
+    RunProgram("tesseract --list-langs 2>&1", {}, watch, [&list](std::string_view part) {
+        list += part;
+        return list.size() < kReadAtOnce;
+    });
+    std::string languages;
+    int count = 0;
+    std::size_t at = list.find('\n');
+    while (at != std::string::npos && count < kMostLanguages) {
+        const std::size_t end = list.find('\n', ++at);
+        const std::string name = list.substr(at, end == std::string::npos ? end : end - at);
+        at = end;
+        if (name.empty() || name == "osd" || name == "equ" ||
+            name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_") != std::string::npos)
+            continue;
+        languages += (count++ == 0 ? "" : "+") + name;
+    }
+    return languages;
+}
+
+class Recogniser {
+public:
+    Recogniser(const ReadingWatch& watch, const DocumentRules& rules)
+        : rules_(rules), languages_(InstalledLanguages(watch)) {}
+
+    bool HasLanguage() const { return !languages_.empty(); }
+    std::size_t Pages() const { return pages_; }
+
+    // One page, or the pages of one file.
+    ProgramOutcome Read(std::string_view picture, const ReadingWatch& watch) {
+        std::string text;
+        const ProgramOutcome outcome =
+            RunProgram("env OMP_THREAD_LIMIT=1 tesseract stdin stdout -l " + languages_, picture,
+                       watch, [&text](std::string_view part) {
+                           text += part;
+                           return text.size() <= kLargestDocumentText;
+                       });
+        if (!text.ends_with('\f'))
+            text += '\f';
+        text_ += text;
+        ++pages_;
+        return text_.size() > kLargestDocumentText ? ProgramOutcome::kTooLong : outcome;
+    }
+
+    Document Take() const {
+        std::vector<PdfPage> pages = PdfPagesOfText(DecodeText(text_));
+        if (!rules_.pageHeads)
+            DropPageHeads(pages);
+        Document document = JoinPages(std::move(pages), rules_);
+        document.remark = "The text was recognised in pictures; some of its words may be wrong.";
+        return document;
+    }
+
+private:
+    const DocumentRules& rules_;
+    std::string languages_;
+    std::string text_;
+    std::size_t pages_ = 0;
+};
+
+std::string Lack(const Recogniser& recogniser) {
+    return recogniser.HasLanguage()
+               ? ""
+               : "The program tesseract knows no language: install the package tesseract-ocr-eng.";
+}
+
+constexpr const char* kNotInstalled =
+    "The text in pictures is read by the program tesseract: install the package tesseract-ocr.";
+
+// Grey, as large as an office's page at 300 dots an inch.
+std::string PageCommand(std::size_t page) {
+    const std::string number = std::to_string(page);
+    return "pdftoppm -gray -scale-to 3500 -f " + number + " -l " + number + " - ";
+}
+
+}  // namespace
+
+Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
+                     const DocumentRules& rules) {
+    if (!IsProgramInstalled("tesseract"))
+        return DocumentProblem(kNotInstalled);
+    Recogniser recogniser(watch, rules);
+    if (std::string lack = Lack(recogniser); !lack.empty())
+        return DocumentProblem(std::move(lack));
+    const ProgramOutcome outcome = recogniser.Read(bytes, watch.Anew());
+    if (outcome == ProgramOutcome::kFailed)
+        return DocumentProblem("The picture is damaged or of a kind that cannot be read.");
+    if (std::string problem = ProgramProblem("tesseract", outcome, watch.Anew()); !problem.empty())
+        return DocumentProblem(std::move(problem));
+    return recogniser.Take();
+}
+
+Document ReadScannedPdf(std::string_view bytes, const ReadingWatch& watch,
+                        const DocumentRules& rules) {
+    if (!IsProgramInstalled("tesseract"))
+        return DocumentProblem(std::string("The PDF document holds only pictures of its pages. ") +
+                               kNotInstalled);
+    Recogniser recogniser(watch, rules);
+    if (std::string lack = Lack(recogniser); !lack.empty())
+        return DocumentProblem(std::move(lack));
+    for (std::size_t page = 1; page <= kMostScans; ++page) {
+        const ReadingWatch pageWatch = watch.Anew();
+        std::string picture;
+        ProgramOutcome outcome =
+            RunProgram(PageCommand(page), bytes, pageWatch, [&picture](std::string_view part) {
+                picture += part;
+                return picture.size() <= kLargestPicture;
+            });
+        if (outcome == ProgramOutcome::kFailed || picture.empty())
+            break;  // behind the last page
+        if (outcome == ProgramOutcome::kDone)
+            outcome = recogniser.Read(picture, pageWatch);
+        if (std::string problem = ProgramProblem("tesseract", outcome, pageWatch); !problem.empty())
+            return DocumentProblem(std::move(problem));
+    }
+    if (recogniser.Pages() == 0)
+        return DocumentProblem("The PDF document holds no text, or is damaged.");
+    return recogniser.Take();
+}

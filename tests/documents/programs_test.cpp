@@ -1,0 +1,163 @@
+// Documents that other programs help to read, with the real programs, and mail.
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "documents/document.h"
+#include "tests/documents/document_files.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+TEST(Programs, RtfIsReadWithWhatItShowsAlone) {
+    const std::string rtf =
+        "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0 Times;}}{\\info{\\title The Title}}\\f0 "
+        "Caf\\'e9 and \\u8212- \\ldblquote so\\rdblquote .\\par It{\\deleted gone} has{\\v hid} a "
+        "word{\\footnote A note.}.\\par}";
+    const Document whole = ReadDocument(rtf);
+    EXPECT_EQ(whole.title, "The Title");
+    EXPECT_THAT(whole.text, testing::StartsWith("Café and — “so”.\nIt has a word"));
+    EXPECT_THAT(whole.text, HasSubstr("(Note:) A note"));
+    EXPECT_EQ(whole.remark, "");
+    DocumentRules without;
+    without.notes = false;
+    EXPECT_THAT(ReadDocument(rtf, {}, without).text, testing::EndsWith("has a word."));
+    const Document cut = ReadDocument(rtf.substr(0, rtf.find("word")));
+    EXPECT_THAT(cut.text, HasSubstr("has"));
+    EXPECT_THAT(cut.remark, HasSubstr("not complete"));
+}
+
+TEST(Programs, MarkdownIsReadByItsStructure) {
+    const std::string markdown =
+        "---\ntitle: \"A Title\"\n---\n\n# Head\n\nSome *text*[^1] with `code`.\n\n1. one\n2. "
+        "two\n\n"
+        "| a | b |\n|---|---|\n| 1 | 2 |\n\n<div align=\"center\"><b>bold</b></div>\n\n[^1]: The "
+        "note.\n";
+    const Document document = ReadDocument(markdown, {}, {}, "README.md");
+    EXPECT_EQ(document.title, "A Title");
+    ASSERT_EQ(document.headings.size(), 1U);
+    EXPECT_THAT(document.text, testing::StartsWith(
+                                   "Head\n\nSome text with code.\n\n1. one\n\n2. two\n\na, b\n\n1, "
+                                   "2\n\nbold"));
+    EXPECT_THAT(document.text, HasSubstr("1. The note."));
+    EXPECT_EQ(ReadDocument(markdown, {}, {}, "README.txt").text, markdown);
+}
+
+TEST(Programs, DjvuIsReadPageByPage) {
+    const ScratchFolder folder;
+    folder.Write("blank.pbm", "P1 8 8\n" + std::string(64, '0'));
+    folder.Write("text.txt", "(page 0 0 8 8 (line 0 0 8 8 \"Words of a page.\"))\n");
+    const std::string in = "cd " + folder.Path() + " && ";
+    ASSERT_EQ(std::system((in + "cjb2 blank.pbm a.djvu && cp a.djvu empty.djvu && "
+                                "djvused a.djvu -e 'select 1; set-txt text.txt' -s")
+                              .c_str()),
+              0);
+    EXPECT_THAT(LoadDocument((folder / "a.djvu").c_str()).text, HasSubstr("Words of a page."));
+    EXPECT_THAT(LoadDocument((folder / "empty.djvu").c_str()).problem, HasSubstr("no text"));
+    EXPECT_THAT(ReadDocument("AT&TFORM").problem, HasSubstr("damaged"));
+}
+
+// A page of grey dots, as scanners make them.
+std::string ScannedPdf(const std::string& pgm) {
+    std::size_t at = 2;
+    const auto number = [&pgm, &at] {
+        char* end = nullptr;
+        const long value = std::strtol(pgm.c_str() + at, &end, 10);
+        at = static_cast<std::size_t>(end - pgm.c_str());
+        return std::to_string(value);
+    };
+    const std::string width = number();
+    const std::string height = number();
+    number();
+    const std::string dots = pgm.substr(at + 1);
+    const std::string show = "q 612 0 0 792 0 0 cm /I Do Q";
+    return "%PDF-1.4\n1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n2 0 obj <</Type/Pages/Kids[4 0 "
+           "R 4 0 R]/Count 2>> endobj\n4 0 obj <</Type/Page/Parent 2 0 R/MediaBox[0 0 612 "
+           "792]/Contents 5 0 R/Resources<</XObject<</I 6 0 R>>>>>> endobj\n5 0 obj <</Length " +
+           std::to_string(show.size()) + ">> stream\n" + show +
+           "\nendstream endobj\n6 0 obj <</Type/XObject/Subtype/Image/Width " + width + "/Height " +
+           height + "/ColorSpace/DeviceGray/BitsPerComponent 8/Length " +
+           std::to_string(dots.size()) + ">> stream\n" + dots +
+           "\nendstream endobj\ntrailer <</Root 1 0 R>>\n%%EOF\n";
+}
+
+TEST(Programs, ScansAndPicturesAreRead) {
+    const ScratchFolder folder;
+    folder.Write("a.pdf", PdfOf({{"The quick brown fox", "jumps over the dog."}}));
+    const std::string in = "cd " + folder.Path() + " && ";
+    ASSERT_EQ(std::system((in + "pdftoppm -r 150 -gray a.pdf a && pdftoppm -r 150 -png a.pdf b && "
+                                "mv a*.pgm a.pgm && mv b*.png b.png")
+                              .c_str()),
+              0);
+    const Document picture = LoadDocument((folder / "b.png").c_str());
+    EXPECT_THAT(picture.text, HasSubstr("The quick brown fox\njumps over the dog."));
+    EXPECT_THAT(picture.remark, HasSubstr("recognised"));
+    folder.Write("scan.pdf", ScannedPdf(folder.Read("a.pgm")));
+    const Document scan = LoadDocument((folder / "scan.pdf").c_str());
+    EXPECT_EQ(scan.pages.size(), 2U) << scan.problem;
+    EXPECT_THAT(scan.text.substr(scan.pages.empty() ? 0 : scan.pages.back()),
+                HasSubstr("quick brown fox"));
+    EXPECT_THAT(LoadDocument((folder / "scan.pdf").c_str(), [] { return true; }).problem,
+                HasSubstr("stopped"));
+}
+
+// What is missing is named with its package; Markdown is readable as it stands.
+TEST(Programs, WhatIsNotInstalledIsNamed) {
+    const std::string path = std::getenv("PATH");
+    ::setenv("PATH", "/nowhere", 1);
+    const std::string rtf = ReadDocument("{\\rtf1 text}").problem;
+    const std::string picture = ReadDocument("\x89PNG\r\n\x1a\n").problem;
+    const Document markdown = ReadDocument("# Head", {}, {}, "a.md");
+    ::setenv("PATH", path.c_str(), 1);
+    EXPECT_THAT(rtf, HasSubstr("package unrtf"));
+    EXPECT_THAT(picture, HasSubstr("package tesseract-ocr"));
+    EXPECT_EQ(markdown.text, "# Head");
+    EXPECT_THAT(markdown.remark, HasSubstr("package cmark-gfm"));
+}
+
+TEST(Mail, IsReadWithItsHeadAndWithoutItsDoubles) {
+    const std::string head =
+        "Received: from a\r\n by b\r\nFrom: =?utf-8?q?J=C3=B6rg?= <j@example.org>\r\n"
+        "To: Ann <ann@example.org>, b@example.org\r\nSubject: =?utf-8?b?R3LDvMOfZQ==?=\r\n"
+        "Date: Mon, 02 Mar 2026 10:20:00 +0100\r\nMIME-Version: 1.0\r\n";
+    const std::string shown =
+        "Grüße\n\nFrom: Jörg\nTo: Ann, b@example.org\nDate: 2 March 2026, 10:20\n\n";
+    const struct {
+        const char* what;
+        std::string body;
+        const char* text;
+    } cases[] = {
+        {"quoted printable in an old charset",
+         "Content-Type: text/plain; charset=iso-8859-1\r\nContent-Transfer-Encoding: "
+         "quoted-printable\r\n\r\nCaf=E9 a=\r\nnd tea.\r\n\r\n> said\r\n",
+         "Café and tea.\n\n> said"},
+        {"the same twice",
+         "Content-Type: multipart/alternative; boundary=x\r\n\r\n--x\r\nContent-Type: "
+         "text/plain\r\n\r\nPlain.\r\n--x\r\nContent-Type: text/html\r\n\r\n<p>No\r\n--x--\r\n",
+         "Plain."},
+        {"a page and what is attached",
+         "Content-Type: multipart/mixed; boundary=x\r\n\r\n--x\r\nContent-Type: text/html\r\n"
+         "Content-Transfer-Encoding: base64\r\n\r\nPGgyPkhlYWQ8L2gyPmJvZHk=\r\n--x\r\nContent-"
+         "Type: text/plain\r\nContent-Disposition: attachment; filename=\"a b.txt\"\r\n\r\nno\r\n"
+         "--x--\r\n",
+         "Head\n\nbody\n\nAttached: a b.txt"},
+        {"cut off within a part",
+         "Content-Type: multipart/mixed; boundary=x\r\n\r\n--x\r\n\r\nBeginning", "Beginning"},
+    };
+    for (const auto& item : cases) {
+        const Document mail = ReadDocument(head + item.body);
+        EXPECT_EQ(mail.text, shown + item.text) << item.what << mail.problem;
+        EXPECT_EQ(mail.title, "Grüße");
+        EXPECT_EQ(mail.author, "Jörg");
+    }
+    std::string nested;
+    for (int i = 0; i < 100000; ++i)
+        nested += "Content-Type: multipart/mixed; boundary=a\n\n--a\n";
+    EXPECT_THAT(ReadDocument("From: a\nDate: b\n" + nested).problem, HasSubstr("more text"));
+    EXPECT_EQ(ReadDocument("From: a\nwe see: b\n\nc").text, "From: a\nwe see: b\n\nc");
+}
+
+}  // namespace
