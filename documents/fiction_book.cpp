@@ -8,7 +8,7 @@
 #include "documents/problems.h"
 #include "documents/small_texts.h"
 #include "documents/text_flow.h"
-#include "documents/xml_reader.h"
+#include "documents/xml_text.h"
 
 namespace {
 
@@ -100,17 +100,8 @@ Document ReadFictionBook(std::string_view bytes, const ReadingWatch& watch,
                          const DocumentRules& rules) {
     TextFlow flow(rules.referenceMarks);
     FictionBookListener listener(flow, rules);
-    XmlReader reader(listener);
-    for (std::size_t at = 0; at < bytes.size(); at += kReadAtOnce) {
-        if (watch.IsToEnd())
-            return DocumentProblem(watch.Problem());
-        if (flow.IsTooLong())
-            return DocumentProblem(kTooLongDocument);
-        if (!reader.Feed(bytes.substr(at, kReadAtOnce)))
-            return DocumentProblem(kDamagedDocument);
-    }
-    if (!reader.Finish())
-        return DocumentProblem(kDamagedDocument);
+    if (std::string problem = ReadXml(bytes, listener, flow, watch); !problem.empty())
+        return DocumentProblem(std::move(problem));
     Document document = flow.TakeDocument();
     document.title = listener.title;
     document.author =
