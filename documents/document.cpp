@@ -17,6 +17,8 @@
 #include "documents/recognised_text.h"
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
+#include "documents/web_address.h"
+#include "documents/web_page.h"
 #include "documents/zip_document.h"
 #include "foundation/files/file_io.h"
 #include "foundation/files/flock_timed.h"
@@ -74,6 +76,11 @@ Document ReadKind(DocumentKind kind, std::string_view bytes, const ReadingWatch&
 }  // namespace
 
 Document LoadDocument(const char* path, const StopTest& isToStop, const DocumentRules& rules) {
+    if (IsWebAddress(path)) {
+        const WebPage page = FetchWebPage(path, isToStop);
+        return page.problem.empty() ? ReadDocument(page.bytes, isToStop, rules, page.name)
+                                    : DocumentProblem(page.problem);
+    }
     errno = 0;
     const UniqueFd file = OpenFileForReading(path);
     if (!file.IsOpen())
