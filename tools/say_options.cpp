@@ -4,9 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "tools/tool_texts.h"
@@ -19,6 +22,8 @@ enum SayOption : int {
     kText,
     kWholePage,
     kAsWritten,
+    kSkip,
+    kKeep,
     kSayHelp,
     kSayVersion
 };
@@ -33,6 +38,8 @@ const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"text", optional_argument, nullptr, kText},
                               {"whole-page", no_argument, nullptr, kWholePage},
                               {"as-written", no_argument, nullptr, kAsWritten},
+                              {"skip", required_argument, nullptr, kSkip},
+                              {"keep", required_argument, nullptr, kKeep},
                               {"help", no_argument, nullptr, kSayHelp},
                               {"version", no_argument, nullptr, kSayVersion},
                               {nullptr, 0, nullptr, 0}};
@@ -70,6 +77,9 @@ int ShowSayHelp() {
         "by the voice\n"
         "      --whole-page     of a web page read menus and all else around its article too\n"
         "      --as-written     leave the pronunciation list aside\n"
+        "      --skip=PARTS     leave out of documents: marks (that point to notes), notes, code,\n"
+        "                       captions, heads (of pages); several with commas between\n"
+        "      --keep=PARTS     read them; without both, marks and heads are left out\n"
         "      --help           show this text\n"
         "      --version        show the version\n",
         kSayProgram, kSayProgram, kSayProgram, kSayProgram, kSayProgram,
@@ -83,7 +93,9 @@ bool IsFolder(const std::string& path) {
 }
 
 std::string SoundNameFor(const std::string& textPath, SoundType type) {
-    const std::string file = textPath.substr(textPath.rfind('/') + 1);
+    std::string file = textPath.substr(textPath.rfind('/') + 1);
+    if (file.empty())
+        file = "page";  // an address may name a site alone
     const std::size_t dot = file.rfind('.');
     return (dot == 0 ? file : file.substr(0, dot)) + "." + NameOf(type);
 }
@@ -133,6 +145,28 @@ bool ParseTextForm(const char* form, SayOptions& options) {
         if (std::strcmp(form, name) == 0)
             options.printsText = value;
     return options.printsText.has_value();
+}
+
+// "notes,code"; false when one of them is not known.
+bool ParseParts(std::string_view parts, bool isRead, DocumentRules& rules) {
+    constexpr std::pair<std::string_view, bool DocumentRules::*> kParts[] = {
+        {"marks", &DocumentRules::referenceMarks},
+        {"notes", &DocumentRules::notes},
+        {"code", &DocumentRules::code},
+        {"captions", &DocumentRules::captions},
+        {"heads", &DocumentRules::pageHeads}};
+    for (;;) {
+        const std::size_t end = std::min(parts.find(','), parts.size());
+        const auto* known =
+            std::find_if(std::begin(kParts), std::end(kParts),
+                         [&](const auto& part) { return part.first == parts.substr(0, end); });
+        if (known == std::end(kParts))
+            return false;
+        rules.*known->second = isRead;
+        if (end == parts.size())
+            return true;
+        parts.remove_prefix(end + 1);
+    }
 }
 
 // Refuses what names no file.
@@ -211,6 +245,12 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 break;
             case kAsWritten:
                 options.speaking.saysDifferently = false;
+                break;
+            case kSkip:
+            case kKeep:
+                if (!ParseParts(optarg, option == kKeep, options.rules))
+                    return UsageError(kSayProgram,
+                                      std::string("no such part of documents: ") + optarg);
                 break;
             case kText:
                 if (!ParseTextForm(optarg == nullptr ? "whole" : optarg, options))
