@@ -32,8 +32,7 @@ class MainDialog final : public LMainWindow {
 public:
     MainDialog();
 
-    // Builds and shows the window, processes this process's own arguments, and runs the main loop
-    // until the user ends it.
+    // Builds and shows the window, runs this process's own arguments, and the main loop to its end.
     void Run();
 
     // arguments[0] is the program; every other argument but "-logon" and "-block" is a text file to
@@ -83,7 +82,7 @@ private:
 
     // False: unreadable, which is told, or cancelled; the text stays.
     enum class FileFrom { kUser, kArguments };
-    bool LoadFile(const std::string& path, FileFrom from);
+    bool LoadFile(const std::string& path, FileFrom from, bool isWholePage = false);
     bool OpenFile();  // likewise, after a chooser
     void TellUnreadable(const std::string& path, const std::string& problem, FileFrom from);
     // Then runs from the main loop, once the text is there or there is none, unless the text was
@@ -105,6 +104,7 @@ private:
     void CmSaveFromFile();
     void CmSaveFromSelection();
     void CmSaveTextAs();
+    void CmWholePage();
     void CmCheckComputer();
     void CmMoreVoices();
     void EvVoiceChosen() { voices_.NoteChange(); }

@@ -4,6 +4,7 @@
 #include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
 #include "app/text/recent_files.h"
+#include "documents/web_address.h"
 #include "gui/windows/message_box.h"
 
 void MainDialog::OpenRecentFile(std::size_t number) {
@@ -11,7 +12,7 @@ void MainDialog::OpenRecentFile(std::size_t number) {
     if (number >= files.size())
         return;
     const std::string& path = files[number];
-    if (::access(path.c_str(), F_OK) == 0) {
+    if (IsWebAddress(path) || ::access(path.c_str(), F_OK) == 0) {
         LoadFile(path, FileFrom::kUser);
         return;
     }

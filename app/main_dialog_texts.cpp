@@ -8,6 +8,7 @@
 #include "app/settings_keys.h"
 #include "app/text/document_loading.h"
 #include "app/text/recent_files.h"
+#include "documents/web_address.h"
 #include "foundation/files/file.h"
 #include "gui/windows/message_box.h"
 
@@ -26,8 +27,12 @@ void MainDialog::FetchText(std::function<void(const std::string& text)> then,
 // Where nothing is selected or copied, the command acts on the text that is there.
 void MainDialog::UpdateThen(void (MainDialog::*command)()) {
     FetchText([this, command](const std::string& text) {
-        if (!text.empty())
+        if (IsWebAddress(text)) {
+            if (!LoadFile(std::string(Trimmed(text)), FileFrom::kUser))
+                return;
+        } else if (!text.empty()) {
             text_.TakeFromProgram(text);
+        }
         (this->*command)();
     });
 }
@@ -85,9 +90,10 @@ void MainDialog::TellOutside(const char* summary, const std::string& note) {
     TellStatusText(note.c_str());
 }
 
-bool MainDialog::LoadFile(const std::string& path, FileFrom from) {
+bool MainDialog::LoadFile(const std::string& path, FileFrom from, bool isWholePage) {
     loading_ = true;
-    const std::optional<Document> document = LoadDocumentUnderDialog(Widget(), path.c_str());
+    const std::optional<Document> document =
+        LoadDocumentUnderDialog(Widget(), path.c_str(), isWholePage);
     loading_ = false;
     // The window may have been closed meanwhile.
     if (!IsOpen())
@@ -102,13 +108,18 @@ bool MainDialog::LoadFile(const std::string& path, FileFrom from) {
         return false;
     }
     settingWaitingFile_ = from == FileFrom::kArguments;
-    text_.TakeFile(document->text, path);
+    text_.TakeFile(document->text, path, document->hasSurroundings);
     settingWaitingFile_ = false;
     if (std::exchange(unreadableIsTold_, false))
         SetStatusText(kBanner);
-    if (!document->remark.empty())
-        TellStatusText(document->remark.c_str());
+    if (const std::string note = NoteOn(*document); !note.empty())
+        TellStatusText(note.c_str());
     RecentFiles::Add(path);
     ListRecentFilesSoon();
     return true;
+}
+
+// What surrounds the article of the page that is there; a reading goes on.
+void MainDialog::CmWholePage() {
+    LoadFile(std::string(text_.File()), FileFrom::kUser, true);
 }

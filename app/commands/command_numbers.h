@@ -50,6 +50,7 @@ enum CommandNumber {
     kSmallerText = 1406,
     kNormalText = 1407,
     kSaveTextAs = 1408,
+    kWholePage = 1409,
     kRecentFile = 1451,  // the newest; the others follow
     kLastRecentFile = 1458,
     kShowCommandBar = 2001,

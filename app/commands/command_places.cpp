@@ -42,6 +42,7 @@ constexpr LMenuItem kMenuBar[] = {
     kEndOfPlaces,
     {-1, kRecentFilesTitle},
     kEndOfPlaces,
+    Item(kWholePage),
     Item(kSaveTextAs),
     kSeparator,
     Item(-kShowCommandBar),

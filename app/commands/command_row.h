@@ -17,6 +17,7 @@ constexpr CommandNeeds kNeedsRedo = 1u << 4;
 constexpr CommandNeeds kNeedsReading = 1u << 5;
 constexpr CommandNeeds kNeedsSound = 1u << 6;        // a reading that is heard, or paused
 constexpr CommandNeeds kNeedsTextOrSound = 1u << 7;  // to be played
+constexpr CommandNeeds kNeedsArticle = 1u << 8;      // of a web page, of which the rest is left out
 
 // A number of 0, a null text, a key of 0 stand for none.
 struct CommandFacts {

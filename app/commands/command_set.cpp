@@ -17,6 +17,7 @@ constexpr struct {
     {kNeedsReading, "Nothing is being read."},
     {kNeedsSound, "Nothing is being read."},
     {kNeedsTextOrSound, "There is nothing to play yet."},
+    {kNeedsArticle, "Nothing around the text is left out."},
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "documents/web_address.h"
 #include "foundation/files/path_text.h"
 #include "foundation/threads/detached_thread.h"
 #include "gui/windows/progress_dialog.h"
@@ -18,6 +19,7 @@ constexpr unsigned int kWithoutDialogMs = 300;
 // Shared by the window's thread and the worker, whichever lasts longer.
 struct Loading {
     std::string path;
+    bool isWholePage;
     std::atomic<bool> stop{false};
     Document document;  // the worker's until done is signalled
     LSignalObject done;
@@ -29,9 +31,8 @@ public:
 
 private:
     void ThreadFunction() override {
-        // In the window, what surrounds an article is as easily passed over as missed.
         DocumentRules rules;
-        rules.wholePage = true;
+        rules.wholePage = loading_->isWholePage;
         loading_->document = LoadDocument(
             loading_->path.c_str(), [this] { return loading_->stop || IsStopping(); }, rules);
         loading_->done.Signal();
@@ -41,17 +42,20 @@ private:
 };
 
 LProcessResult Process(LProgress& progress, const Loading& loading) {
-    progress.SetSecondLabel(FileOfPath(loading.path).c_str());
+    const std::string& path = loading.path;
+    progress.SetSecondLabel((IsWebAddress(path) ? path : FileOfPath(path)).c_str());
     return progress.ProcessWaitSignal(loading.done.Ref(), std::numeric_limits<unsigned int>::max());
 }
 
 }  // namespace
 
-std::optional<Document> LoadDocumentUnderDialog(GtkWidget* parent, const char* path) {
+std::optional<Document> LoadDocumentUnderDialog(GtkWidget* parent, const char* path,
+                                                bool isWholePage) {
     // Never destroyed: the program's end does not wait for a disk either.
     static auto& threads = *new LDetachedThreadsOwner;
     auto loading = std::make_shared<Loading>();
     loading->path = path;
+    loading->isWholePage = isWholePage;
     (new LoadingThread(loading))->StartDetached(threads, 0);
     if (!loading->done.Ref().WaitSignal(kWithoutDialogMs)) {
         LProcessDialog<const Loading> dialog("Loading Document", *loading);
@@ -62,4 +66,12 @@ std::optional<Document> LoadDocumentUnderDialog(GtkWidget* parent, const char* p
         }
     }
     return std::move(loading->document);
+}
+
+std::string NoteOn(const Document& document) {
+    std::string note = document.remark;
+    if (document.hasSurroundings)
+        note += (note.empty() ? "" : " ") + std::to_string(document.surroundingWords) +
+                " words around the article are left out; \"Whole Page\" brings them back.";
+    return note;
 }

@@ -1,5 +1,6 @@
 #include "app/text/drop_target.h"
 
+#include "documents/web_address.h"
 #include "foundation/owned_text.h"
 
 namespace {
@@ -14,6 +15,8 @@ std::vector<std::string> LocalPaths(GtkSelectionData* data) {
     for (char** address = addresses; address != nullptr && *address != nullptr; ++address) {
         if (const OwnedText path{g_filename_from_uri(*address, nullptr, nullptr)})
             paths.emplace_back(path.get());
+        else if (IsWebAddress(*address))
+            paths.emplace_back(Trimmed(*address));
     }
     g_strfreev(addresses);
     return paths;
@@ -60,7 +63,9 @@ void DropTarget::EvReceived(GtkWidget* widget, GdkDragContext* context, GtkSelec
             files_(paths);
     } else if (info == kText) {
         const OwnedText text(reinterpret_cast<char*>(gtk_selection_data_get_text(data)));
-        if (text)
+        if (text && IsWebAddress(text.get()))
+            files_({std::string(Trimmed(text.get()))});
+        else if (text)
             text_(text.get());
     }
 }

@@ -11,7 +11,7 @@
 // place where it was dropped.
 class DropTarget {
 public:
-    // files: paths on this computer, from the main loop.
+    // files: paths on this computer and addresses of web pages, from the main loop.
     DropTarget(std::function<void(const std::vector<std::string>&)> files,
                std::function<void(const std::string&)> text)
         : files_(std::move(files)), text_(std::move(text)) {}

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "documents/web_address.h"
 #include "foundation/files/private_file.h"
 #include "foundation/owned_text.h"
 #include "foundation/settings/settings.h"
@@ -50,9 +51,10 @@ std::vector<std::string> RecentFiles::List() {
 
 void RecentFiles::Add(const std::string& path) {
     const OwnedText absolute(g_canonicalize_filename(path.c_str(), nullptr));
+    const std::string file = IsWebAddress(path) ? path : absolute.get();
     std::vector<std::string> files = List();
-    std::erase(files, absolute.get());
-    files.insert(files.begin(), absolute.get());
+    std::erase(files, file);
+    files.insert(files.begin(), file);
     if (files.size() > kMost)
         files.pop_back();
     Store(files);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/commands/command_numbers.h"
+#include "documents/web_address.h"
 #include "gui/accessible.h"
 #include "gui/controls/control_factory.h"
 #include "gui/display_text.h"
@@ -25,6 +26,7 @@ LEditWidgets TextPane::NewTextBox() {
     history_.BeginAnew();
     highlight_.Attach(view_, lines_);
     original_.Attach(view_, lines_);
+    pasted_.Connect(buffer_.Get(), "paste-done", G_CALLBACK(GCPasted), this);
     size_.Attach(edit.textView);
     SetAccessibleName(edit.textView, "Text to read");
     return edit;
@@ -75,7 +77,7 @@ void TextPane::AddCommands(CommandSet& commands) {
 
 CommandNeeds TextPane::Available() const {
     return (IsEmpty() ? 0 : kNeedsText) | (history_.CanUndo() ? kNeedsUndo : 0) |
-           (history_.CanRedo() ? kNeedsRedo : 0);
+           (history_.CanRedo() ? kNeedsRedo : 0) | (isArticle_ ? kNeedsArticle : 0);
 }
 
 bool TextPane::EvKeyDown(unsigned int key) {
@@ -96,12 +98,19 @@ void TextPane::Replace(const std::string& text) {
     gtk_text_buffer_end_user_action(buffer_.Get());
 }
 
-void TextPane::TakeFile(const std::string& text, const std::string& path) {
+void TextPane::TakeFile(const std::string& text, const std::string& path, bool isArticle) {
+    isArticle_ = isArticle;
     Replace(text);
     kept_.CameFromFile(path);
 }
 
+void TextPane::WasSavedAs(const std::string& path) {
+    isArticle_ = false;
+    kept_.CameFromFile(path);
+}
+
 void TextPane::TakeFromProgram(const std::string& text) {
+    isArticle_ = false;
     kept_.KeepNow();
     Replace(text);
     kept_.CameFromProgram();
@@ -142,4 +151,12 @@ void TextPane::CmFindNext() {
 
 void TextPane::TellSize(int points) const {
     listener_.tell(("Text size: " + std::to_string(points) + " points").c_str());
+}
+
+// The address of a page that was pasted alone stands for the page.
+void TextPane::GCPasted(GtkTextBuffer*, GtkClipboard*, gpointer self) {
+    const auto* pane = static_cast<TextPane*>(self);
+    const std::string text = pane->Text();
+    if (IsWebAddress(text))
+        pane->listener_.dropped({std::string(Trimmed(text))});
 }

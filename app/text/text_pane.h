@@ -27,7 +27,7 @@ public:
     struct Listener {
         std::function<void(const char*)> tell;  // a sentence for the user
         std::function<void()> reshaped;         // the find bar has come or gone
-        std::function<void(const std::vector<std::string>&)> dropped;  // paths of files
+        std::function<void(const std::vector<std::string>&)> dropped;  // files, pages
     };
     explicit TextPane(Listener listener);
     TextPane(const TextPane&) = delete;
@@ -48,11 +48,12 @@ public:
     // As it was given, whatever is broken for showing.
     std::string Text() const { return lines_.Text(); }
     // These replace all text, as one step to be undone.
-    void TakeFile(const std::string& text, const std::string& path);
+    // isArticle: what surrounds it on its web page is left out.
+    void TakeFile(const std::string& text, const std::string& path, bool isArticle);
     void TakeFromProgram(const std::string& text);  // selected or copied there, or dropped
     // Where the text is from and, later, is kept; empty: in no file.
     const std::string& File() const { return kept_.File(); }
-    void WasSavedAs(const std::string& path) { kept_.CameFromFile(path); }
+    void WasSavedAs(const std::string& path);
     void KeepNow() { kept_.KeepNow(); }  // for the next start
     // What is selected, or all where nothing is or all is wanted; begin: where it begins.
     enum class Extent { kAll, kSelected };
@@ -70,6 +71,7 @@ private:
     void CmNormalSize() { TellSize(size_.Normal()); }
     void ShowCursor();
     void TellSize(int points) const;
+    static void GCPasted(GtkTextBuffer* buffer, GtkClipboard* from, gpointer self);
 
     Listener listener_;
     GtkTextView* view_ = nullptr;
@@ -78,8 +80,10 @@ private:
     TextHistory history_;
     KeptText kept_;
     TextSize size_;
+    bool isArticle_ = false;
     SpokenHighlight highlight_;
     OriginalText original_;
     FindBar find_;
     DropTarget drop_;
+    LSignalOwner pasted_;
 };
