@@ -52,9 +52,11 @@ bool MainDialog::OpenFile() {
         "Text Documents\0*.txt;*.text;*.TXT;*\0"
         "Web Pages\0*.html;*.htm;*.xhtml;*.HTML;*.HTM\0"
         "Books\0*.epub;*.fb2;*.EPUB;*.FB2\0"
-        "Word Processor Documents\0*.odt;*.fodt;*.docx;*.ODT;*.DOCX\0"
+        "Word Processor Documents\0*.odt;*.fodt;*.docx;*.rtf;*.ODT;*.DOCX;*.RTF\0"
         "Presentations\0*.odp;*.pptx;*.ODP;*.PPTX\0"
-        "PDF Documents\0*.pdf;*.PDF\0";
+        "PDF and DjVu Documents\0*.pdf;*.djvu;*.PDF;*.DJVU\0"
+        "Pictures of Text\0*.png;*.jpg;*.jpeg;*.tif;*.tiff;*.webp;*.PNG;*.JPG;*.TIF\0"
+        "Mail and Markdown\0*.eml;*.md;*.EML;*.MD\0";
     if (!LFile::BrowseReadFilePath(Widget(), path, "Locate File to Read Text", folder, kFilters))
         return false;
     KeepFolder(kOpenFolderSetting, folder);

@@ -1,0 +1,66 @@
+"""Pages from the web: the article, all of it, and addresses given, pasted and dropped."""
+import http.server
+import subprocess
+import threading
+import unittest
+
+from desktop_case import DesktopCase, desktop
+
+WORDS = "These are the words of an article that is long enough to be one. " * 6
+PAGE = f"<html><head><title>T</title></head><body><nav><a href=/>Menu entry</a></nav><h1>Title</h1><p>{WORDS}</p></body></html>"
+ARTICLE = "Title\n\n" + WORDS.strip()
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    def do_GET(self):
+        if self.path == "/slow":
+            self.server.may_end.wait()
+        self.send_response(200)
+        self.end_headers()
+        self.wfile.write(PAGE.encode())
+
+    def log_message(self, *_):
+        pass
+
+
+class WebPagesTest(DesktopCase):
+    def setUp(self):
+        super().setUp()
+        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        self.server.daemon_threads = True
+        self.server.may_end = threading.Event()
+        threading.Thread(target=self.server.serve_forever, daemon=True).start()
+        for end in (self.server.server_close, self.server.shutdown, self.server.may_end.set):
+            self.addCleanup(end)
+
+    def address(self, path):
+        return f"http://127.0.0.1:{self.server.server_port}{path}"
+
+    def test_an_address_brings_the_article_and_a_command_the_whole_page(self):
+        lectora = self.start(self.address("/page"))
+        desktop.wait_until(lambda: lectora.text() == ARTICLE, "the article")
+        self.card.wait_for(self.card.next_stream(), "close")
+        lectora.focus()
+        desktop.press_keys("ctrl+shift+w")
+        desktop.wait_until(lambda: lectora.text().startswith("Menu entry"), "the whole page")
+        desktop.press_keys("ctrl+shift+w")
+        desktop.wait_until(lambda: "Nothing around the text is left out" in lectora.status(), "the reason")
+        # Pasted alone; a page that does not come can be cancelled, and the text stays.
+        for path in ("/other", "/slow"):
+            subprocess.run(["xclip", "-selection", "clipboard"], input=self.address(path).encode(), check=True)
+            desktop.press_keys("ctrl+a", "ctrl+v")
+            if path == "/other":
+                desktop.wait_until(lambda: lectora.text() == ARTICLE, "the pasted page's article")
+                desktop.wait_until(lambda: "2 words around the article are left out" in lectora.status(), "the note")
+                self.picture("web-page")
+        lectora.find("label", self.address("/slow"))
+        self.picture("web-page-loading")
+        lectora.press("push button", "Cancel")
+        desktop.wait_until(lambda: len(lectora.windows()) == 1, "the dialog to go")
+        self.assertEqual(lectora.text(), self.address("/slow"))
+        desktop.press_keys("ctrl+z")
+        desktop.wait_until(lambda: lectora.text() == ARTICLE, "the text before")
+
+
+if __name__ == "__main__":
+    unittest.main()
