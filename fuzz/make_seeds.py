@@ -249,6 +249,14 @@ def documents():
     book = "<?xml version='1.0'?><FictionBook><body><title><p>a</p></title><section><p>b"
     book += "<a type='note'>1</a></p></section></body><binary>c</binary></FictionBook>"
     save("document", "fb2", book.encode())
+    article = "<title>a b</title><nav><a href=x>c</a></nav><main><div class='share-bar'><a href=y>d</a>"
+    article += f"</div><article><h1>a b</h1><p>{'e ' * 150}</p></article><div id=comments>f</div></main>"
+    save("document", "article", article.encode())
+    mail = "From: =?utf-8?q?a?= <a@b>\nDate: Mon, 02 Mar 2026 10:20:00 +0100\nContent-Type: "
+    mail += "multipart/mixed; boundary=x\n\n--x\nContent-Type: multipart/alternative; boundary=y\n\n"
+    mail += "--y\n\nc=20d\n--y\nContent-Type: text/html; charset=koi8-r\nContent-Transfer-Encoding: "
+    mail += "base64\n\nPHA+YQ==\n--y--\n--x\nContent-Type: message/rfc822\n\nSubject: e\n\nf\n--x--\n"
+    save("document", "mail", mail.encode())
     save("document", "mixed", "“é” ".encode() + b"\xe9\xe2\x80\0\x93\xf0\x9f\x98")
 
 
