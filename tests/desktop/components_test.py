@@ -15,7 +15,7 @@ CANCEL = None
 
 
 def rough_frequency(path):
-    told = subprocess.run(["sox", path, "-n", "remix", "1", "stat"], capture_output=True, text=True, check=True).stderr
+    told = subprocess.run(["sox", path, "-n", "remix", "1", "stat"], capture_output=True, text=True, check=True, timeout=desktop.PATIENCE).stderr
     return int(next(line for line in told.splitlines() if line.startswith("Rough")).split()[-1])
 
 
@@ -96,15 +96,15 @@ class ComponentsTest(DesktopCase):
 
     def assert_holds_the_engines_sound(self):
         own, saved, reference = (os.path.join(desktop.HOME, f"{name}.wav") for name in ("own", "saved", "reference"))
-        subprocess.run(["text2wave", self.file("t.txt", TEXT), "-o", own], check=True)
-        subprocess.run(["lame", "--quiet", "--decode", self.target, saved], check=True)
+        subprocess.run(["text2wave", self.file("t.txt", TEXT), "-o", own], check=True, timeout=desktop.PATIENCE)
+        subprocess.run(["lame", "--quiet", "--decode", self.target, saved], check=True, timeout=desktop.PATIENCE)
         spoken, heard = desktop.Sound(own), desktop.Sound(saved)
         self.assertEqual((heard.rate, heard.channels), (44100, 2))
         # The converter's ratio is one of small numbers; the encoder adds some silence.
         rate = 44000 if spoken.rate == 16000 else 44100
         self.assertLess(abs(heard.frames / rate - spoken.frames / spoken.rate), 0.1)
         self.assertLess(abs(rough_frequency(saved) / rough_frequency(own) - 1), 0.1)
-        subprocess.run(["sox", own, "-r", str(rate), reference], check=True)
+        subprocess.run(["sox", own, "-r", str(rate), reference], check=True, timeout=desktop.PATIENCE)
         part = slice(rate // 2, rate // 2 + 4000)
         expected = desktop.Sound(reference).channel(0)
         for channel in (0, 1):

@@ -67,27 +67,28 @@ class EditingTest(DesktopCase):
             ("ctrl+shift+z", "typed"),
             ("ctrl+y", "from elsewhere"),
         ):
-            desktop.press_keys(keys)
-            desktop.wait_until(lambda: lectora.text() == text, f"{keys} to bring '{text}'")
+            lectora.type(keys)
+            self.assertEqual(lectora.text(), text, keys)
         lectora.choose("Edit", "Undo")
-        desktop.wait_until(lambda: lectora.text() == "typed", "the menu's Undo")
+        lectora.settle()
+        self.assertEqual(lectora.text(), "typed")
 
     def test_words_are_found_one_after_the_other_and_from_the_beginning_again(self):
         lectora = self.start()
         lectora.set_text("Fox one\nfox two\nand no more")
         lectora.text_box().queryText().setCaretOffset(0)
         lectora.focus()
-        desktop.press_keys("ctrl+f", *"fox", "Return")
+        lectora.type("ctrl+f", *"fox", "Return")
         for place, note in ((0, "Found"), (8, "Found"), (0, "beginning")):
-            desktop.wait_until(lambda: self.selected(lectora) == (place, place + 3), place)
+            self.assertEqual(self.selected(lectora), (place, place + 3))
             self.picture("find")
             self.assertIn(note, lectora.status())
-            desktop.press_keys("F3")
+            lectora.type("F3")
         # Undoing in the bar is none of the text's.
-        desktop.press_keys("ctrl+f", *"cat", "ctrl+z", "Return")
-        desktop.wait_until(lambda: "not in the text" in lectora.status(), "the answer")
-        desktop.press_keys("Escape", "x")
-        desktop.wait_until(lambda: not lectora.shown("text", "Find:"), "the bar to go")
+        lectora.type("ctrl+f", *"cat", "ctrl+z", "Return")
+        self.assertIn("not in the text", lectora.status())
+        lectora.type("Escape", "x")
+        self.assertIsNone(lectora.shown("text", "Find:"))
         self.assertEqual(lectora.text(), "Fox one\nfoxx two\nand no more")
 
     def selected(self, lectora):
@@ -102,27 +103,26 @@ class EditingTest(DesktopCase):
         lectora.focus()
         sizes = [""]
         for key in ("ctrl+plus", "ctrl+equal", "ctrl+minus"):
-            desktop.press_keys(key)
-            sizes.append(desktop.wait_until(lambda: self.size(lectora) != sizes[-1] and self.size(lectora), key))
+            lectora.type(key)
+            sizes.append(lectora.status())
+            self.assertNotEqual(*sizes[-2:])
         size = sizes[-1]
+        self.assertIn("points", size)
         self.assertEqual(size, sizes[1])
         lectora.end()
         os.unlink(files[1])
         lectora = self.start()
         lectora.focus()
-        desktop.press_keys("ctrl+plus", "ctrl+minus")
-        desktop.wait_until(lambda: self.size(lectora) == size, size)
+        lectora.type("ctrl+plus", "ctrl+minus")
+        self.assertEqual(lectora.status(), size)
         lectora.choose("Lectora", "Recent Files", f"2 {files[0]}")
-        desktop.wait_until(lambda: lectora.text() == "a & b", "the text")
+        lectora.settle()
+        self.assertEqual(lectora.text(), "a & b")
         lectora.choose("Lectora", "Recent Files", f"2 {files[1]}")
         lectora.wait_for_box("no longer there")
         self.picture("recent-gone")
-        desktop.press_keys("Return")
-        desktop.wait_until(lambda: not next(lectora.walk("menu item", f"2 {files[1]}"), None), "its end")
-
-    def size(self, lectora):
-        status = lectora.status()
-        return status if "points" in status else ""
+        lectora.type("Return")
+        self.assertEqual(lectora.find_all("menu item", f"2 {files[1]}"), [])
 
 
 if __name__ == "__main__":

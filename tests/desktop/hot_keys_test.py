@@ -62,10 +62,10 @@ class HotKeysTest(DesktopCase):
         lectora = self.start(GTK_MODULES="")
         self.select("by its new place")
         z_of_german, f_of_english = 29, 41
-        subprocess.run(["setxkbmap", "de"], check=True)
+        subprocess.run(["setxkbmap", "de"], check=True, timeout=desktop.PATIENCE)
         pressed = lambda: desktop.press_keys(f"ctrl+alt+{z_of_german}") or lectora.text()  # noqa: E731
         desktop.wait_until(pressed, "the text")
-        subprocess.run(["setxkbmap", "ru,us"], check=True)
+        subprocess.run(["setxkbmap", "ru,us"], check=True, timeout=desktop.PATIENCE)
         lectora.focus()
         asked = lambda: desktop.press_keys(f"ctrl+{f_of_english}") or lectora.shown("push button", "Next")  # noqa: E731
         desktop.wait_until(asked, "the find bar")

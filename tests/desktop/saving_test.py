@@ -22,11 +22,11 @@ class SavingTest(DesktopCase):
         desktop.wait_until(lambda: os.path.exists(path), "the file")
         saved = desktop.Sound(path)
         own, reference = (os.path.join(desktop.HOME, name) for name in ("own.wav", "ref.wav"))
-        subprocess.run(["text2wave", self.file("t.txt", TEXT), "-o", own], check=True)
+        subprocess.run(["text2wave", self.file("t.txt", TEXT), "-o", own], check=True, timeout=desktop.PATIENCE)
         spoken = desktop.Sound(own)
         rate = saved.rate
         self.assertLess(abs(saved.frames - spoken.frames * rate / spoken.rate), 2)
-        subprocess.run(["sox", own, "-r", str(rate), reference], check=True)
+        subprocess.run(["sox", own, "-r", str(rate), reference], check=True, timeout=desktop.PATIENCE)
         part = slice(rate // 2, rate)
         expected = desktop.Sound(reference).channel(0)[part]
         self.assertGreater(desktop.best_correlation(saved.channel(0)[part], expected, 100), 0.95)
@@ -47,7 +47,7 @@ class SavingTest(DesktopCase):
         lectora.press("push button", "OK")
         path = os.path.join(folder, "fox.au")
         desktop.wait_until(lambda: os.path.exists(path), "the file")
-        told = subprocess.run(["sox", "--info", path], capture_output=True, text=True, check=True).stdout
+        told = subprocess.run(["sox", "--info", path], capture_output=True, text=True, check=True, timeout=desktop.PATIENCE).stdout
         self.assertIn("44100", told)
         # Suggested is the document's name, else the text's first words, where no folder was kept.
         for text, name in ((TEXT, "Chapter 12"), ("Dear reader: how are you?\nFine, thanks.", "Dear reader how are you Fine")):

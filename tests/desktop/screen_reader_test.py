@@ -179,11 +179,11 @@ class ScreenReaderTest(DesktopCase):
             self.began, before = self.reader.mark(), desktop.xdotool("getactivewindow")
             program = os.path.join(tree if option == "-install" else machine, PROGRAM)
             # A program that is there before anybody can listen, as on a busy machine.
-            subprocess.run(["pkill", "-STOP", "-f", "at-spi2-registryd"], check=True)
+            subprocess.run(["pkill", "-STOP", "-f", "at-spi2-registryd"], check=True, timeout=desktop.PATIENCE)
             wizard = desktop.Lectora(option, program=program, LECTORA_ROOT=machine)
             self.addCleanup(wizard.end)
             desktop.wait_until(lambda: desktop.xdotool("getactivewindow") != before, "its window")
-            subprocess.run(["pkill", "-CONT", "-f", "at-spi2-registryd"], check=True)
+            subprocess.run(["pkill", "-CONT", "-f", "at-spi2-registryd"], check=True, timeout=desktop.PATIENCE)
             self.walk(rows)
             self.leave()
             wizard.end()
@@ -191,11 +191,11 @@ class ScreenReaderTest(DesktopCase):
     def test_a_story_is_read_saved_and_given_a_key_by_its_words_alone(self):
         self.give_keys()
         self.store("settings", savedefaultformat=0)
-        subprocess.run(["bash", os.path.join(SHARE, "components/mp3el")], check=True)
+        subprocess.run(["bash", os.path.join(SHARE, "components/mp3el")], check=True, timeout=desktop.PATIENCE)
         paths = {"STORY": self.file("story.txt", " ".join(SENTENCES)), "SOUND": os.path.join(desktop.HOME, "story.mp3")}
         engine = [os.path.join(desktop.HERE, "engine/text2wave"), "-eval", "(voice_voice2)", paths["STORY"]]
         own, decoded, reference = (self.file(f"{name}.wav", "") for name in ("own", "decoded", "reference"))
-        subprocess.run([*engine, "-o", own], check=True)
+        subprocess.run([*engine, "-o", own], check=True, timeout=desktop.PATIENCE)
         spoken = desktop.Sound(own)
         desktop.forget_engine_calls()
         self.card.tell("speed 1")
@@ -212,8 +212,8 @@ class ScreenReaderTest(DesktopCase):
         one = slice(800 * len("Number"), 800 * len("Numberone"))
         self.assertGreater(desktop.best_correlation(heard.samples[one], spoken.samples[one], 200), 0.99)
         self.reader.follow(TO_A_FILE_AND_A_HOTKEY, began, paths)
-        subprocess.run(["lame", "--quiet", "--decode", paths["SOUND"], decoded], check=True)
-        subprocess.run(["sox", own, "-r", "44000", reference], check=True)
+        subprocess.run(["lame", "--quiet", "--decode", paths["SOUND"], decoded], check=True, timeout=desktop.PATIENCE)
+        subprocess.run(["sox", own, "-r", "44000", reference], check=True, timeout=desktop.PATIENCE)
         saved, part = desktop.Sound(decoded), slice(22000, 23000)
         self.assertLess(abs(saved.frames / 44000 - spoken.frames / spoken.rate), 0.1)
         expected = desktop.Sound(reference).channel(0)[part]

@@ -71,7 +71,12 @@ def wait_until(what, condition):
 
 def answers(command, part):
     """Whether the command succeeds and its output holds the part."""
-    result = subprocess.run(command, capture_output=True, text=True, check=False)
+    try:
+        result = subprocess.run(
+            command, capture_output=True, text=True, check=False, timeout=START_SECONDS
+        )
+    except subprocess.TimeoutExpired:
+        return False
     return result.returncode == 0 and part in result.stdout
 
 
@@ -166,7 +171,7 @@ def main():
         return 125
     status = run_command(command)
     if screenshot:
-        subprocess.run(["import", "-window", "root", screenshot], check=False)
+        subprocess.run(["import", "-window", "root", screenshot], check=False, timeout=START_SECONDS)
     servers.stop("Xvfb")
     return status
 

@@ -48,6 +48,13 @@ def xdotool(*arguments):
             return run.stdout
 
 
+def window_property(window, name, *change):
+    """What a window's property says; it is set first when a format and a value are given."""
+    ask = ["xprop", "-id", str(window), *change, name]
+    run = subprocess.run(ask, capture_output=True, text=True, check=False, timeout=PATIENCE)
+    return run.stdout.partition(" = ")[2].strip()
+
+
 def press_keys(*keys):
     xdotool("key", "--delay", "20", *keys)
 
@@ -56,7 +63,7 @@ def screenshot(path, window="root"):
     """A PNG of the screen, or of a window with its frame; without the pointer's tooltips."""
     os.makedirs(os.path.dirname(os.path.realpath(path)), exist_ok=True)
     xdotool("mousemove", 0, 0, "sleep", 0.1)
-    subprocess.run(["import", "-frame", "-window", window, path], check=True)
+    subprocess.run(["import", "-frame", "-window", window, path], check=True, timeout=PATIENCE)
 
 
 def tell_engine(*lines):
@@ -161,6 +168,8 @@ class Lectora:
     """The real program. Ends with the object; what it left running is told by leftovers()."""
 
     clicked = None, 0.0  # where, and when by the monotonic clock
+    main_window = None
+    settled = 0  # times
 
     def __init__(
         self,
@@ -267,6 +276,27 @@ class Lectora:
 
     def window(self, seconds=PATIENCE):
         return wait_until(self.windows, "the main window", seconds)[0]
+
+    def settle(self, seconds=PATIENCE):
+        """Until it has done what was asked of it, as it says itself. A long text that is being read
+        keeps it at work."""
+        if self.main_window is None:
+            kind = "_NET_WM_WINDOW_TYPE"
+            self.main_window = next(
+                each for each in self.windows() if window_property(each, kind) == kind + "_NORMAL"
+            )
+        self.settled += 1
+        asked = str(self.settled)
+        ask = "_LECTORA_TELL_WHEN_IDLE"
+        window_property(self.main_window, ask, "-f", ask, "32c", "-set", ask, asked)
+        wait_until(
+            lambda: window_property(self.main_window, "_LECTORA_IDLE") == asked, "it to rest", seconds
+        )
+
+    def type(self, *keys):
+        """Presses the keys, and waits until all is done that they ask for."""
+        press_keys(*keys)
+        self.settle()
 
     def focus(self):
         xdotool("windowactivate", "--sync", self.window())
