@@ -18,7 +18,7 @@ constexpr int kChange = 110;
 constexpr int kRemove = 111;
 constexpr int kDesktopKeys = 112;
 constexpr int kCopyCommands = 113;
-constexpr LRows kListHeight{5};
+constexpr LRows kListHeight{4};
 constexpr int kCommandColumn = 1;
 constexpr int kStateColumn = 2;
 

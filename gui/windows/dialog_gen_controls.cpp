@@ -20,7 +20,6 @@ constexpr int kTitleWidth = 400;
 // Pixels around the rows of text.
 constexpr int kEditBottom = 10;
 constexpr int kEditBorder = kEditBottom + 4;
-constexpr int kRowPadding = 4;
 constexpr int kHeadingPadding = 14;
 
 // Pixels of a line in the widget's letters.
@@ -30,6 +29,15 @@ int RowHeight(GtkWidget* widget) {
         GObjectRef<PangoLayout>::Adopt(gtk_widget_create_pango_layout(widget, "Ay"));
     pango_layout_get_pixel_size(layout.Get(), nullptr, &height);
     return height;
+}
+
+// Of a list, whose renderer of texts leaves two pixels above and below.
+int ListRowHeight(GtkWidget* list) {
+    int separator = 0;
+    int focus = 0;
+    gtk_widget_style_get(list, "vertical-separator", &separator, "focus-line-width", &focus,
+                         nullptr);
+    return RowHeight(list) + 2 * 2 + 2 * focus + separator;
 }
 
 void PressOkByEnter(GtkWidget* entry) {
@@ -212,8 +220,7 @@ void LDialogGenContext::AddList(int id, LRows height, const char* name) {
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_ETCHED_IN);
     if (height.count > 0)
         gtk_widget_set_size_request(
-            list, -1,
-            height.count * (RowHeight(list) + kRowPadding) + RowHeight(list) + kHeadingPadding);
+            list, -1, height.count * ListRowHeight(list) + RowHeight(list) + kHeadingPadding);
     gtk_container_add(GTK_CONTAINER(scrolled), list);
     Place(scrolled, 0, 2);
     ++Top().row;
