@@ -4,7 +4,7 @@
 // Another program writes a number into the property _LECTORA_TELL_WHEN_IDLE of the window. Once
 // what the user did before is done, and no idle callback, short timer or worker is pending, the
 // window's property _LECTORA_IDLE holds that number. Sound that plays and the player's pictures are
-// not waited for, and what other programs have yet to do is not known.
+// not waited for; a text that is still being spoken is. What other programs do is not known.
 #pragma once
 
 #include <gtk/gtk.h>
