@@ -28,7 +28,7 @@ std::string DesktopKeyHints() {
     std::string lines;
     for (const VerbFacts& verb : AllVerbs()) {
         if (IsForKeys(verb))
-            lines += ShellCommandOf(verb) + ": " + verb.does + "\n";
+            lines += (lines.empty() ? "" : "\n") + ShellCommandOf(verb) + ": " + verb.does;
     }
     return lines;
 }

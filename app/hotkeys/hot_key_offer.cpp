@@ -64,7 +64,7 @@ void ShowDesktopKeys(GtkWidget* parent) {
         "can "
         "be used from every program all the same: in the keyboard settings of your desktop, let a "
         "key start one of these commands.\n\n" +
-        DesktopKeyHints() + "\nThe options show them on the page \"HotKeys\".";
+        DesktopKeyHints() + "\n\nThe options show them on the page \"HotKeys\".";
     kHotKeysOfferedSetting.Set(true);
     if (MessageBoxRun(parent, GTK_MESSAGE_INFO, kButtons, "Lectora",
                       "Keys for Lectora are set in your desktop", explanation.c_str()) == kCopy)

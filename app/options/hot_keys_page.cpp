@@ -55,8 +55,8 @@ void DlgGenHotkeysDlg(LDialogGenContext& context) {
     context.EndHBox();
     if (!HotKeysReachEveryProgram()) {
         const std::string note =
-            "In this session (Wayland) these keys arrive only from some programs. In the keyboard "
-            "settings of your desktop, let keys start these commands instead:\n\n" +
+            "In this session (Wayland) these keys arrive only from some programs.\n"
+            "In the keyboard settings of your desktop, let keys start these commands:\n\n" +
             DesktopKeyHints();
         context.AddStatic(kDesktopKeys, note.c_str());
         context.AddButton(kCopyCommands, "&Copy Commands");
@@ -103,7 +103,12 @@ void HotkeysDlgImp::Command(int command) {
     else if (command == kRemove && row >= 0)
         Remove(LVGetItemData(kList, row));
     else if (command == kCopyCommands)
-        CopyDesktopKeyCommands();
+        CopyCommands();
+}
+
+void HotkeysDlgImp::CopyCommands() {
+    CopyDesktopKeyCommands();
+    BubbleTipRun(kCopyCommands, "Copied", "The commands are on the clipboard.");
 }
 
 void HotkeysDlgImp::Add() {

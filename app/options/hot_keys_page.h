@@ -17,6 +17,7 @@ public:
 private:
     void FillList(int selectedId);
     void Add();
+    void CopyCommands();
     void Change(int id);
     void Remove(int id);
 };
