@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::string_view kWhite = " \t\r\n\f\v";
 // The longest sentence that Sentences gives is half as long.
-constexpr std::size_t kLookBack = 8192;
+constexpr std::size_t kFirstLookBack = 8192;
 // That is looked through for its end; a step is as far then.
 constexpr std::size_t kLongestLine = 4096;
 
@@ -49,7 +49,7 @@ struct Around {
 };
 
 Around SentencesAround(std::string_view text, std::size_t place) {
-    for (std::size_t back = kLookBack;; back *= 2) {
+    for (std::size_t back = kFirstLookBack;; back *= 2) {
         bool isWhole = false;
         const std::size_t start = StartBefore(text, place, back, isWhole);
         Around found;
@@ -123,7 +123,7 @@ std::optional<std::size_t> ParagraphBefore(std::string_view text, std::size_t pl
     place = std::min(place, text.size());
     if (first >= place)
         return std::nullopt;
-    for (std::size_t back = kLookBack;; back *= 2) {
+    for (std::size_t back = kFirstLookBack;; back *= 2) {
         const std::size_t from = place > back ? place - back : 0;
         std::optional<std::size_t> last;
         for (std::size_t at = BehindEmptyLine(text, from); at < place;
