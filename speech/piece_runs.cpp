@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "foundation/log/log.h"
+#include "foundation/whole_characters.h"
 #include "speech/voices.h"
 
 namespace {
@@ -23,12 +24,9 @@ constexpr std::size_t kMaxQuote = 60;  // bytes
 std::string Quote(std::string_view stretch) {
     bool isCut = stretch.size() > kMaxQuote;
     if (isCut) {
-        std::size_t end = stretch.rfind(' ', kMaxQuote);
-        if (end == std::string_view::npos || end < kMaxQuote / 2)
-            for (end = kMaxQuote;
-                 end > 0 && (static_cast<unsigned char>(stretch[end]) & 0xC0U) == 0x80U;)
-                --end;
-        stretch = stretch.substr(0, end);
+        const std::size_t end = stretch.rfind(' ', kMaxQuote);
+        const bool isWithinWord = end == std::string_view::npos || end < kMaxQuote / 2;
+        stretch = isWithinWord ? WholeCharacters(stretch, kMaxQuote) : stretch.substr(0, end);
     }
     std::string quote = "\"";
     for (const char character : stretch)

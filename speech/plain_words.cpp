@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 
+#include "foundation/whole_characters.h"
 #include "speech/character_tables.h"
 
 namespace {
@@ -129,11 +130,8 @@ bool PlainWords::TakeWord(PlainWord& word) {
 std::size_t PlainWords::LengthOfPiece(std::size_t from, std::size_t end) const {
     if (end - from <= kMaxRun)
         return end - from;
-    std::size_t length = kMaxRun;
-    if (IsUtf8(charset_))
-        while (length > 1 && (static_cast<unsigned char>(out_[from + length]) & 0xC0U) == 0x80U)
-            --length;
-    return length;
+    const auto rest = std::string_view(out_).substr(from, end - from);
+    return IsUtf8(charset_) ? WholeCharacters(rest, kMaxRun).size() : kMaxRun;
 }
 
 void PlainWords::AddAscii(char character) {

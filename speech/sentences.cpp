@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "foundation/whole_characters.h"
 #include "speech/paragraph_lines.h"
 #include "speech/sentence_rules.h"
 #include "speech/sentence_words.h"
@@ -29,10 +30,8 @@ std::size_t ParagraphEnd(std::string_view text) {
 // Not within a word or a character.
 std::size_t CutBefore(std::string_view text, std::size_t most) {
     std::size_t cut = text.find_last_of(kWhiteBytes, most - 1);
-    if (cut == std::string_view::npos || cut < most / 2)
-        for (cut = most; cut > 1 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U;)
-            --cut;
-    return cut;
+    const bool isWithinWord = cut == std::string_view::npos || cut < most / 2;
+    return isWithinWord ? WholeCharacters(text, most).size() : cut;
 }
 
 class BreakIterator {
