@@ -38,12 +38,13 @@ gboolean GCIdleAnswer(GSource* source, GSourceFunc, gpointer) {
     guchar* number = nullptr;
     gint length = 0;
     if (gdk_property_get(shown, gdk_atom_intern_static_string(kTellWhenIdle), GDK_NONE, 0,
-                         sizeof(glong), FALSE, nullptr, nullptr, &length, &number) != FALSE) {
+                         sizeof(glong), FALSE, nullptr, nullptr, &length, &number) == FALSE)
+        return G_SOURCE_REMOVE;
+    if (std::size_t(length) >= sizeof(glong))  // else it is no number
         gdk_property_change(shown, gdk_atom_intern_static_string(kIsIdle),
                             gdk_atom_intern_static_string("CARDINAL"), 32, GDK_PROP_MODE_REPLACE,
                             number, 1);
-        g_free(number);
-    }
+    g_free(number);
     return G_SOURCE_REMOVE;
 }
 
