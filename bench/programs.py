@@ -5,13 +5,11 @@
 
 Ten minutes of speech in memory-backed files; each program does the same work in turn, runs
 interleaved, medians of user plus system time compared. Behind each side stands how good its output
-is: signal-to-noise ratio and peak of a tone (a ratio that a program only approximates is no noise),
-the -1 dB end of the pass band where the rate changes, and the strength of the aliases of tones that
-the new rate cannot hold. Peers: sndfile-convert, sox, ffmpeg, toast.
+is: signal-to-noise ratio and peak of a tone. Peers: sndfile-convert, sox, toast. Rates are compared
+by rates.py.
 """
 import argparse
 import array
-import cmath
 import math
 import os
 import shutil
@@ -73,17 +71,6 @@ def tones(frequencies, rate, channels, level, seconds=2):
         for i in range(rate * seconds)
     )
     return array.array("h", (value for value in values for _ in range(channels)))
-
-
-def amplitude(samples, turn):
-    """Complex amplitude of the tone that advances by `turn` radians a sample, under a Hann window."""
-    count = len(samples)
-    total = 0
-    for i, sample in enumerate(samples):
-        total += (
-            sample * (1 - math.cos(2 * math.pi * (i + 0.5) / count)) * cmath.exp(-1j * turn * i)
-        )
-    return 2 * total / count
 
 
 def tone_quality(samples, turn):
@@ -171,14 +158,13 @@ class Bench:
             rate = struct.unpack("<I", file.read(28)[24:28])[0]
         return samples, rate
 
-    def quality(self, side, rate_in, channels, is_resampled):
+    def quality(self, side, rate_in, channels):
         frequency = 441
         self.quality_input(side, tones([frequency], rate_in, channels, 12000), channels, rate_in)
         samples, rate = self.heard(side["output"], side.get("reading"))
         turn = 2 * math.pi * frequency / rate
         ratio, peak = tone_quality(samples, turn)
-        told = f"SNR {ratio:5.1f} dB, peak {peak}"
-        return told + self.band(side, rate_in, channels) if is_resampled else told
+        return f"SNR {ratio:5.1f} dB, peak {peak}"
 
     def quality_input(self, side, samples, channels, rate):
         wav(self.path("quality.wav"), samples, channels, rate)
@@ -187,31 +173,7 @@ class Bench:
             run(side["prepare"], side.get("prepared"), self.folder)
         run(side["quality"], side["output"] if side.get("to_stdout") else None, self.folder)
 
-    def band(self, side, rate_in, channels):
-        rate_out = side["rate"]
-        half = min(rate_in, rate_out) / 2
-        inside = [half * share / 100 for share in range(50, 100, 2)]
-        self.quality_input(side, tones(inside, rate_in, channels, 1000), channels, rate_in)
-        samples, rate = self.heard(side["output"], None)
-        drift = 2 * rate / len(samples)  # two seconds went in
-        levels = [
-            2 * abs(amplitude(samples[2000:22000], 2 * math.pi * f / rate * drift)) / 1000
-            for f in inside
-        ]
-        edge = next((f for f, level in zip(inside, levels) if level < 0.891), half)
-        told = f", -1 dB at {edge / half * 100:.0f} % of Nyquist"
-        shares = range(110, 200, 7)
-        outside = [half * share / 100 for share in shares if half * share / 100 < rate_in / 2]
-        if rate_out < rate_in and outside:
-            self.quality_input(side, tones(outside, rate_in, channels, 1000), channels, rate_in)
-            samples, _ = self.heard(side["output"], None)
-            power = sum(s * s for s in samples[2000:]) / len(samples[2000:])
-            told += (
-                f", aliases {10 * math.log10(max(power, 1e-3) / (len(outside) * 500000)):.0f} dB"
-            )
-        return told
-
-    def compare(self, work, aim, ours, peers, rate_in, channels, is_resampled=False):
+    def compare(self, work, aim, ours, peers, rate_in, channels):
         if self.only not in work:
             return
         sides = [ours, *peers]
@@ -228,7 +190,7 @@ class Bench:
         medians = [statistics.median(taken) for taken in times]
         print(f"\n{work}")
         for side, median in zip(sides, medians):
-            told = self.quality(side, rate_in, channels, is_resampled)
+            told = self.quality(side, rate_in, channels)
             print(f"  {side['name']:16} {median * 1000:8.1f} ms   {told}")
         for side, median, limit in zip(peers, medians[1:], aim):
             print(f"  ratio to {side['name']}: {medians[0] / median:.2f} (aim {limit})", flush=True)
@@ -261,30 +223,6 @@ class Bench:
             "output": output[-1],
             "quality": ["sox", "-D", *before, "quality.wav", *output, *after],
             "reading": reading,
-            "rate": rate,
-        }
-
-    def ffmpeg(self, source, output, rate):
-        def words(name):
-            return [
-                "ffmpeg",
-                "-v",
-                "error",
-                "-y",
-                "-threads",
-                "1",
-                "-i",
-                name,
-                "-ar",
-                str(rate),
-                output,
-            ]
-
-        return {
-            "name": "ffmpeg",
-            "command": words(source),
-            "output": output,
-            "quality": words("quality.wav"),
             "rate": rate,
         }
 
@@ -370,26 +308,7 @@ class Bench:
         theirs["quality"] = ["sox", "-r", "16000", "quality.vox", "b.wav"]
         self.compare("VOX decode, 16 kHz mono", [0.4], ours, [theirs], 16000, 1)
 
-    def rates(self):
-        for work, source, rate_in, channels, rate, aim in (
-            ("16 to 44.1 kHz, mono", "16m.wav", 16000, 1, 44100, (0.75, 0.4)),
-            ("48 to 44.1 kHz, stereo", "48s.wav", 48000, 2, 44100, (0.75, 0.4)),
-            ("44.1 to 22.05 kHz, stereo", "44s.wav", 44100, 2, 22050, (0.75, 0.5)),
-            ("48 to 8 kHz, stereo", "48s.wav", 48000, 2, 8000, (0.75, 0.5)),
-        ):
-            peers = [
-                self.ffmpeg(source, "b.wav", rate),
-                self.by_sox(source, ["c.wav"], after=["rate", "-m", str(rate)], rate=rate),
-            ]
-            self.compare(
-                work,
-                aim,
-                self.ours(source, "a.wav", "-r", str(rate), rate=rate),
-                peers,
-                rate_in,
-                channels,
-                True,
-            )
+    def channels(self):
         self.compare(
             "mono to stereo, 44.1 kHz",
             [0.4],
@@ -428,7 +347,7 @@ def main():
         bench.make_speech()
         bench.formats()
         bench.codecs()
-        bench.rates()
+        bench.channels()
         bench.memory()
     finally:
         shutil.rmtree(bench.folder)

@@ -7,11 +7,13 @@
 #include <iterator>
 #include <limits>
 
+#include "formats/aac_sink.h"
 #include "formats/aiff_file.h"
 #include "formats/au_file.h"
 #include "formats/gsm_file.h"
 #include "formats/mp3_component.h"
 #include "formats/mp3_sink.h"
+#include "formats/opus_sink.h"
 #include "formats/settings_keys.h"
 #include "formats/sndfile_file.h"
 #include "formats/wave_codec_names.h"
@@ -107,6 +109,16 @@ LSoundSink FlacSink(const char* path, const LRawSettings& format, const Encoding
     return OpenFlacSink(path, format.sampleRate, format.channels);
 }
 
+LSoundSink OpusSink(const char* path, const LRawSettings& format, const EncodingRow&) {
+    return OpenOpusSink(path, format.channels, 0);
+}
+
+LSoundSink M4bSink(const char* path, const LRawSettings& format, const EncodingRow&) {
+    constexpr int kKilobitsAChannel = 64;
+    return OpenAacSink(path, format.sampleRate, format.channels,
+                       kKilobitsAChannel * format.channels, AacContainer::kMp4);
+}
+
 // A headerless file that is told to hold GSM frames.
 LSoundSource RawSource(const char* path, const LRawSettings& reading) {
     return reading.codec == kNoRawCodec ? LGSMFile::OpenSource(path)
@@ -167,6 +179,10 @@ LSoundSink FlacSinkAsSet(const char* path, const LRawSettings& asked) {
     return OpenFlacSink(path, asked.sampleRate, asked.channels);
 }
 
+LSoundSink OpusSinkAsSet(const char* path, const LRawSettings& asked) {
+    return OpenOpusSink(path, asked.channels, 0);
+}
+
 LSoundSink GsmSinkAsSet(const char* path, const LRawSettings&) {
     return LGSMFile::OpenSink(path);
 }
@@ -195,7 +211,8 @@ struct Names {
 
 template <std::size_t N>
 constexpr SoundTypeRow Row(SoundType type, Names names, const SampleEncoding (&encodings)[N],
-                           int headerBytes, const Opening& open, const char* component = nullptr) {
+                           int headerBytes, const Opening& open, const char* component = nullptr,
+                           const char* encoder = nullptr) {
     return {type,
             names.first,
             names.other,
@@ -211,6 +228,7 @@ constexpr SoundTypeRow Row(SoundType type, Names names, const SampleEncoding (&e
             open.waveTagOf,
             open.sinkAsSet,
             component,
+            encoder,
             encodings[0] == kNone};
 }
 
@@ -242,11 +260,15 @@ constexpr SoundTypeRow kTypes[] = {
     HeaderlessRow(SoundType::kALaw, {"al", nullptr, "aLaw Files"}, kALawHolds, kTelephone,
                   TelephoneSink<kRawALaw>),
     Row(SoundType::kMp3, {"mp3", nullptr, "Mp3 Files"}, kEncoderHolds, 0,
-        {nullptr, Mp3Sink, Mp3SinkAsSet}, "mp3el"),
+        {nullptr, Mp3Sink, Mp3SinkAsSet}, "mp3el", "MP3 encoder component"),
     Row(SoundType::kFlac, {"flac", nullptr, "Flac Files"}, kEncoderHolds, 0,
         {ForeignSource, FlacSink, FlacSinkAsSet}),
     Row(SoundType::kOgg, {"ogg", "oga", "Ogg Files"}, kEncoderHolds, 0,
         {ForeignSource, nullptr, nullptr}),
+    Row(SoundType::kOpus, {"opus", nullptr, "Opus Files"}, kEncoderHolds, 0,
+        {ForeignSource, OpusSink, OpusSinkAsSet}),
+    Row(SoundType::kM4b, {"m4b", "m4a", "Audiobook Files"}, kEncoderHolds, 0,
+        {nullptr, M4bSink, nullptr}, nullptr, "program ffmpeg"),
 };
 
 bool IsSameWord(std::string_view a, const char* b) {
@@ -284,7 +306,7 @@ bool SoundTypeRow::HasName(std::string_view ending) const {
 std::vector<SoundType> WritableSoundTypes() {
     std::vector<SoundType> types = {SoundType::kWav, SoundType::kMp3};
     for (const SoundTypeRow& row : kTypes)
-        if (row.CanBeWritten() && std::ranges::find(types, row.type) == types.end())
+        if (row.openSinkAsSet != nullptr && std::ranges::find(types, row.type) == types.end())
             types.push_back(row.type);
     return types;
 }

@@ -10,7 +10,21 @@
 
 #include "formats/raw_file.h"
 
-enum class SoundType { kWav, kAu, kAiff, kGsm, kVox, kRaw, kMuLaw, kALaw, kMp3, kFlac, kOgg };
+enum class SoundType {
+    kWav,
+    kAu,
+    kAiff,
+    kGsm,
+    kVox,
+    kRaw,
+    kMuLaw,
+    kALaw,
+    kMp3,
+    kFlac,
+    kOgg,
+    kOpus,
+    kM4b
+};
 
 enum class SampleEncoding {
     kPcm16,
@@ -57,12 +71,13 @@ struct SoundTypeRow {
     LSoundSink (*openSink)(const char* path, const LRawSettings& format,
                            const EncodingRow& encoding);
     std::uint16_t (*waveTagOf)(const char* path);  // null: the encoding's
-    // With what the user has set for files of this type; null as openSink is. Where nothing is set
-    // there is `asked`, the rate and channels of the sound.
+    // With what the user has set for files of this type; null: is not offered in choosers. Where
+    // nothing is set there is `asked`, the rate and channels of the sound.
     LSoundSink (*openSinkAsSet)(const char* path, const LRawSettings& asked);
     // The component without which openSink fails (formats/mp3_component.h); null: needs none.
     const char* component;
-    bool takesAnyRate;  // openSinkAsSet heeds what is asked
+    const char* encoder;  // for messages: without what openSink fails; null: with nothing
+    bool takesAnyRate;    // openSinkAsSet heeds what is asked
 
     bool CanHold(SampleEncoding encoding) const;
     bool CanBeWritten() const { return openSink != nullptr; }

@@ -24,6 +24,10 @@ enum SayOption : int {
     kAsWritten,
     kSkip,
     kKeep,
+    kAudiobook,
+    kBitRate,
+    kSubtitles,
+    kPlan,
     kSayHelp,
     kSayVersion
 };
@@ -40,6 +44,10 @@ const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"as-written", no_argument, nullptr, kAsWritten},
                               {"skip", required_argument, nullptr, kSkip},
                               {"keep", required_argument, nullptr, kKeep},
+                              {"audiobook", optional_argument, nullptr, kAudiobook},
+                              {"bitrate", required_argument, nullptr, kBitRate},
+                              {"subtitles", required_argument, nullptr, kSubtitles},
+                              {"plan", no_argument, nullptr, kPlan},
                               {"help", no_argument, nullptr, kSayHelp},
                               {"version", no_argument, nullptr, kSayVersion},
                               {nullptr, 0, nullptr, 0}};
@@ -80,6 +88,13 @@ int ShowSayHelp() {
         "      --skip=PARTS     leave out of documents: marks (that point to notes), notes, code,\n"
         "                       captions, heads (of pages); several with commas between\n"
         "      --keep=PARTS     read them; without both, marks and heads are left out\n"
+        "      --audiobook[=chapters]  a book with its chapters, tags and cover (mp3, opus, m4b, "
+        "flac,\n"
+        "                       wav), or a file for each chapter in the folder OUTPUT; goes on\n"
+        "                       where it was broken off\n"
+        "      --bitrate=KBIT   of an audiobook, a second\n"
+        "      --subtitles=FORM beside an audiobook its sentences: srt, vtt or lrc\n"
+        "      --plan           print an audiobook's chapters, length and size, and make none\n"
         "      --help           show this text\n"
         "      --version        show the version\n",
         kSayProgram, kSayProgram, kSayProgram, kSayProgram, kSayProgram,
@@ -106,8 +121,12 @@ std::optional<int> PlanFolder(const Words& words, SayOptions& options) {
     const std::string folder = words.output.back() == '/' ? words.output : words.output + "/";
     std::set<std::string> taken;
     for (const std::string& file : words.files) {
-        const SoundType type = words.type.value_or(SoundType::kWav);
-        const SayJob job{file, folder + SoundNameFor(file, type), type};
+        const SoundType type =
+            words.type.value_or(options.book ? SoundType::kMp3 : SoundType::kWav);
+        SayJob job{file, folder + SoundNameFor(file, type), type};
+        if (options.book && options.book->inChapters)
+            job.sound =
+                words.files.size() == 1 ? folder : job.sound.substr(0, job.sound.rfind('.')) + "/";
         if (!taken.insert(job.sound).second)
             return UsageError(kSayProgram, job.sound + ": two of the files would be written there");
         options.jobs.push_back(job);
@@ -189,11 +208,47 @@ std::optional<int> PlanPrinting(const Words& words, SayOptions& options) {
     return CheckSayFiles(words);
 }
 
+// What is wrong with what is asked for an audiobook; empty when nothing is.
+std::string BookProblem(const Words& words, const SayOptions& options) {
+    if (words.output == kStandardOutput || options.splitMinutes)
+        return "an audiobook is one file, or a file for each chapter";
+    if (options.book->inChapters && !IsFolder(words.output))
+        return words.output + ": chapters go into a folder (" + words.output + "/)";
+    const SoundType type =
+        words.type.value_or(SoundTypeOfPath(words.output).value_or(SoundType::kMp3));
+    for (const SoundType known :
+         {SoundType::kMp3, SoundType::kOpus, SoundType::kM4b, SoundType::kFlac, SoundType::kWav})
+        if (type == known)
+            return "";
+    return std::string("audiobooks are mp3, opus, m4b, flac or wav, not ") + NameOf(type);
+}
+
+// False when the option's argument is not one that it takes.
+bool TakeBookOption(int option, BookWish& wish) {
+    switch (option) {
+        case kAudiobook:
+            wish.inChapters = optarg != nullptr && std::strcmp(optarg, "chapters") == 0;
+            return optarg == nullptr || wish.inChapters;
+        case kBitRate:
+            return ParseNumber(optarg, 8, 320, wish.kilobits);
+        case kSubtitles:
+            wish.subtitles = SubtitleFormFromName(optarg);
+            return wish.subtitles.has_value();
+        default:
+            wish.isOnlyPlanned = true;
+            return true;
+    }
+}
+
 std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
     if (words.output.empty())
         return UsageError(kSayProgram, "-o names the sound file to write");
     if (const std::optional<int> status = CheckSayFiles(words))
         return status;
+    if (options.book) {
+        if (const std::string problem = BookProblem(words, options); !problem.empty())
+            return UsageError(kSayProgram, problem);
+    }
     if (words.output == kStandardOutput)
         return PlanStream(words, options);
     if (IsFolder(words.output))
@@ -212,6 +267,9 @@ std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
 
 std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& options) {
     Words words;
+    BookWish wish;
+    bool isBook = false;
+    bool hasBookOption = false;
     optind = 1;
     for (;;) {
         const int option = ::getopt_long(argc, argv, "v:o:t:fp", kSayOptions, nullptr);
@@ -256,6 +314,16 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 if (!ParseTextForm(optarg == nullptr ? "whole" : optarg, options))
                     return UsageError(kSayProgram, std::string("no such form of text: ") + optarg);
                 break;
+            case kAudiobook:
+                isBook = true;
+                [[fallthrough]];
+            case kBitRate:
+            case kSubtitles:
+            case kPlan:
+                hasBookOption = true;
+                if (!TakeBookOption(option, wish))
+                    return UsageError(kSayProgram, std::string("not for an audiobook: ") + optarg);
+                break;
             case kListVoices:
                 options.listsVoices = true;
                 break;
@@ -270,6 +338,10 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
         }
     }
     words.files.assign(argv + optind, argv + argc);
+    if (isBook)
+        options.book = wish;
+    else if (hasBookOption)
+        return UsageError(kSayProgram, "--bitrate, --subtitles and --plan belong to --audiobook");
     if (options.listsVoices)
         return std::nullopt;
     if (options.printsText)

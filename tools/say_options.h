@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "books/subtitles.h"
 #include "documents/document.h"
 #include "formats/sound_types.h"
 #include "speech/speech_pieces.h"
@@ -18,6 +19,14 @@ struct SayJob {
     SoundType type = SoundType::kWav;
 };
 
+// What an audiobook is to be like (books/book_run.h).
+struct BookWish {
+    bool inChapters = false;  // a file each
+    bool isOnlyPlanned = false;
+    int kilobits = 0;  // a second; 0: what serves speech
+    std::optional<SubtitleForm> subtitles;
+};
+
 // What --text prints in place of speaking.
 enum class TextForm { kWhole, kSentences, kSpoken };
 
@@ -26,6 +35,7 @@ struct SayOptions {
     DocumentRules rules;
     std::optional<TextForm> printsText;  // the jobs have a text alone
     SpeakingRules speaking;
+    std::optional<BookWish> book;
     bool overwrite = false;
     bool showsProgress = false;        // also beside sound on standard output
     std::optional<int> splitMinutes;   // length of numbered parts; 0: what a file can hold

@@ -8,6 +8,7 @@
 #include "speech/voice_list_query.h"
 #include "speech/voice_table.h"
 #include "tools/interruption.h"
+#include "tools/say_book.h"
 #include "tools/say_document.h"
 #include "tools/say_print.h"
 #include "tools/say_text.h"
@@ -57,6 +58,8 @@ int SayOne(const SayOptions& options, const SayJob& job, int voice, const WorkFo
     const Document document = ReadSayDocument(job.text, options.rules);
     if (!document.problem.empty())
         return FailSaying(NameOfText(job.text), document.problem);
+    if (options.book)
+        return SayBook(options, job, document, voice, folder.Path());
     return SayText(options, job, document.text, voice, folder.Path());
 }
 

@@ -94,8 +94,9 @@ bool SoundOutput::OpenSink(const LSoundSource& source) {
         return true;
     if (sink_->WriteError() != 0)
         return Fail(ErrorText(sink_->WriteError()));
-    return Fail(choice_.type == SoundType::kMp3 ? "the MP3 encoder component is not installed"
-                                                : "cannot be written");
+    const char* const encoder = RowOf(choice_.type).encoder;
+    return Fail(encoder != nullptr ? std::string("the ") + encoder + " is not installed"
+                                   : "cannot be written");
 }
 
 bool SoundOutput::FitsIntoFile(const LSoundSource& source) {
@@ -166,7 +167,9 @@ bool SoundOutput::FinishSink() {
     const int error = sink_->Finish();
     sink_.Close();
     if (error != 0)
-        return Fail(choice_.type == SoundType::kMp3 ? "the MP3 encoder failed" : ErrorText(error));
+        return Fail(RowOf(choice_.type).encoder != nullptr
+                        ? std::string("the ") + RowOf(choice_.type).encoder + " failed"
+                        : ErrorText(error));
     if (!file_.IsDevice() && file_.Size() < expected)
         return Fail("could not be written whole");
     return true;

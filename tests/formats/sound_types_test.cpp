@@ -27,7 +27,8 @@ TEST(SoundTypes, AreOfferedWavAndMp3FirstAndWrittenAsTheUserHasSetThem) {
                  {SoundType::kRaw, 6000, 2, 48000},
                  {SoundType::kMuLaw, 8000, 1, 8000},
                  {SoundType::kALaw, 8000, 1, 8000},
-                 {SoundType::kFlac, 16000, 1, 0}};
+                 {SoundType::kFlac, 16000, 1, 0},
+                 {SoundType::kOpus, 48000, 1, 0}};
     const ScratchFolder folder;
     std::vector<SoundType> offered = {SoundType::kWav, SoundType::kMp3};
     for (const auto& [type, rate, channels, size] : cases) {

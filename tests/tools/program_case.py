@@ -9,6 +9,7 @@ PROGRAMS = os.environ["LECTORA_PROGRAMS"]
 CONVERT = os.path.join(PROGRAMS, "lectora-convert")
 SAY = os.path.join(PROGRAMS, "lectora-say")
 
+ENGINE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support/engine")
 # LAME stands in for the encoder component, which swaps bytes on -x of its own accord.
 ENCODER = """#!/bin/sh
 echo "$@" > "$HOME/encoder.log"
@@ -78,3 +79,29 @@ class ProgramCase(unittest.TestCase):
     def sox(self, *command):
         result = self.run_program("sox", *command)
         self.assertEqual(result.returncode, 0, result.stderr.decode())
+
+
+class EngineCase(ProgramCase):
+    """With a speech engine that speaks a tone for each word (50 ms a letter)."""
+
+    def setUp(self):
+        super().setUp()
+        self.desktop = os.path.join(self.folder, "desktop")
+        temporary = os.path.join(self.folder, "tmp")
+        os.makedirs(self.desktop)
+        os.makedirs(temporary)
+        self.environment.update(
+            LECTORA_DESKTOP=self.desktop, TMPDIR=temporary, PATH=ENGINE + ":" + os.environ["PATH"]
+        )
+
+    def tell_engine(self, line):
+        with open(self.desktop + "/engine", "w") as file:
+            file.write(line + "\n")
+
+    def said(self):
+        """What the engine was given: (voice, text) for each run."""
+        if not os.path.exists(self.desktop + "/engine.log"):
+            return []
+        with open(self.desktop + "/engine.log", encoding="latin-1") as log:
+            lines = [line.rstrip("\n").split(" ", 2) for line in log]
+        return [(line[1], line[2]) for line in lines if line[0] == "text2wave"]

@@ -6,34 +6,10 @@ import subprocess
 import time
 import unittest
 
-from program_case import CONVERT, SAY, ProgramCase
-
-ENGINE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support/engine")
+from program_case import CONVERT, SAY, EngineCase
 
 
-class SayTest(ProgramCase):
-    def setUp(self):
-        super().setUp()
-        self.desktop = os.path.join(self.folder, "desktop")
-        temporary = os.path.join(self.folder, "tmp")
-        os.makedirs(self.desktop)
-        os.makedirs(temporary)
-        self.environment.update(
-            LECTORA_DESKTOP=self.desktop, TMPDIR=temporary, PATH=ENGINE + ":" + os.environ["PATH"]
-        )
-
-    def tell_engine(self, line):
-        with open(self.desktop + "/engine", "w") as file:
-            file.write(line + "\n")
-
-    def said(self):
-        """What the engine was given: (voice, text) for each run."""
-        if not os.path.exists(self.desktop + "/engine.log"):
-            return []
-        with open(self.desktop + "/engine.log", encoding="latin-1") as log:
-            lines = [line.rstrip("\n").split(" ", 2) for line in log]
-        return [(line[1], line[2]) for line in lines if line[0] == "text2wave"]
-
+class SayTest(EngineCase):
     def logged(self):
         logs = os.path.join(self.home, ".quillon/lectora/Logs")
         return "".join(open(os.path.join(logs, name)).read() for name in os.listdir(logs))

@@ -1,0 +1,41 @@
+#include "books/book_estimate.h"
+
+#include "speech/speech_estimate.h"
+
+namespace {
+
+constexpr int kUsualRate = 22050;
+constexpr double kFlacPart = 0.5;  // of WAV, for speech
+
+double BytesASecond(const BookOrder& order) {
+    if (order.type == SoundType::kWav)
+        return 2.0 * kUsualRate;
+    if (order.type == SoundType::kFlac)
+        return kFlacPart * 2 * kUsualRate;
+    const int kilobits =
+        order.kilobits > 0 ? order.kilobits : SpeechKilobits(order.type, kUsualRate);
+    return kilobits * 1000 / 8.0;
+}
+
+}  // namespace
+
+double SecondsOfChapter(const BookOrder& order, const BookChapter& chapter) {
+    return EstimateSpeech(chapter.end - chapter.begin).seconds + order.secondsBetween;
+}
+
+BookEstimate EstimateBook(const BookOrder& order) {
+    BookEstimate whole;
+    for (const BookChapter& chapter : order.plan.chapters)
+        whole.seconds += SecondsOfChapter(order, chapter);
+    whole.bytes = static_cast<long long>(whole.seconds * BytesASecond(order)) +
+                  static_cast<long long>(order.plan.cover.size());
+    return whole;
+}
+
+int SpeechKilobits(SoundType type, int rate) {
+    if (type == SoundType::kOpus)
+        return 24;
+    if (type == SoundType::kM4b)
+        return rate >= 32000 ? 64 : 48;
+    return rate >= 32000 ? 64 : rate >= 22050 ? 48 : 32;
+}

@@ -1,0 +1,18 @@
+// Joining the encoded files of chapters into one, without decoding them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "formats/sound_types.h"
+
+struct BookJoint {
+    std::string problem;  // empty: the file is there
+    int rate = 1;
+    std::vector<std::int64_t> frames;  // of each part, at that rate
+};
+
+// Parts are MP3, Opus, ADTS (for M4B, as which it is written) or FLAC (for FLAC and WAV), of one
+// rate and one channel. A part is never held in memory.
+BookJoint JoinBook(SoundType type, const std::vector<std::string>& parts, const std::string& path);

@@ -1,0 +1,124 @@
+#include "books/book_plan.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t kLongestTitle = 200;  // bytes
+constexpr std::size_t kLongestFileName = 120;
+// Players load the whole picture, and the frames of MP3 tags hold no more than 256 MB in any case.
+constexpr std::size_t kLargestCover = 5'000'000;
+constexpr std::string_view kSpaces = " \t\r\n\f\v";
+
+// Not within a character.
+std::string CutTo(std::string text, std::size_t size) {
+    if (text.size() <= size)
+        return text;
+    while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80U)
+        --size;
+    text.resize(size);
+    return text;
+}
+
+std::string OneLine(std::string_view text) {
+    std::string line;
+    for (const char character : text) {
+        const bool isSpace = static_cast<unsigned char>(character) <= ' ' || character == 127;
+        if (!isSpace)
+            line += character;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    if (!line.empty() && line.back() == ' ')
+        line.pop_back();
+    return CutTo(line, kLongestTitle);
+}
+
+bool HasWords(std::string_view text) {
+    return text.find_first_not_of(kSpaces) != std::string_view::npos;
+}
+
+std::vector<DocumentChapter> ChaptersByHeadings(const Document& document) {
+    std::array<int, 7> counts{};
+    for (const DocumentHeading& heading : document.headings)
+        ++counts[static_cast<std::size_t>(std::clamp(heading.level, 1, 6))];
+    const auto* const level =
+        std::find_if(counts.begin(), counts.end(), [](int count) { return count > 1; });
+    std::vector<DocumentChapter> chapters;
+    for (const DocumentHeading& heading : document.headings)
+        if (std::clamp(heading.level, 1, 6) == level - counts.begin())
+            chapters.push_back(
+                {heading.begin, document.text.substr(heading.begin, heading.end - heading.begin)});
+    return chapters;
+}
+
+// The first heading within, else the number.
+std::string TitleOf(const Document& document, const BookChapter& chapter, std::size_t number) {
+    if (!chapter.title.empty())
+        return chapter.title;
+    for (const DocumentHeading& heading : document.headings)
+        if (heading.begin >= chapter.begin && heading.begin < chapter.end)
+            return OneLine(
+                std::string_view(document.text).substr(heading.begin, heading.end - heading.begin));
+    return "Chapter " + std::to_string(number);
+}
+
+}  // namespace
+
+BookPlan PlanBook(const Document& document, const std::string& name) {
+    BookPlan plan;
+    plan.title = OneLine(document.title);
+    if (plan.title.empty())
+        plan.title = OneLine(name);
+    plan.author = OneLine(document.author);
+    if (!document.languages.empty())
+        plan.language = CutTo(document.languages.front().tag, 20);
+    if (document.cover.size() <= kLargestCover)
+        plan.cover = document.cover;
+    else
+        plan.remark = "The cover is larger than 5 MB and is left out.";
+
+    const std::vector<DocumentChapter> starts =
+        document.chapters.size() > 1 ? document.chapters : ChaptersByHeadings(document);
+    const std::string_view text = document.text;
+    std::size_t begin = 0;
+    std::string title;
+    const auto close = [&](std::size_t end) {
+        // One without a word joins the next, and keeps its title for that.
+        if (end <= begin || !HasWords(text.substr(begin, end - begin)))
+            return;
+        plan.chapters.push_back({OneLine(title), begin, end});
+        begin = end;
+        title.clear();
+    };
+    for (const DocumentChapter& start : starts) {
+        close(std::min(start.begin, text.size()));
+        if (!start.title.empty())
+            title = start.title;
+    }
+    close(text.size());
+    if (!plan.chapters.empty())
+        plan.chapters.back().end = text.size();
+    for (std::size_t i = 0; i < plan.chapters.size(); ++i)
+        plan.chapters[i].title = TitleOf(document, plan.chapters[i], i + 1);
+    if (plan.chapters.size() == 1)
+        plan.chapters[0].title = plan.title;
+    return plan;
+}
+
+std::string FileNameOfTitle(const std::string& title) {
+    std::string name;
+    for (const char character : title)
+        name += std::string_view("/\\:*?\"<>|").find(character) == std::string_view::npos
+                    ? character
+                    : ' ';
+    name = OneLine(name);
+    while (!name.empty() && (name.front() == '.' || name.front() == '-' || name.front() == ' '))
+        name.erase(0, 1);
+    name = CutTo(name, kLongestFileName);
+    while (!name.empty() && (name.back() == '.' || name.back() == ' '))
+        name.pop_back();
+    return name.empty() ? "untitled" : name;
+}

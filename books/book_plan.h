@@ -1,0 +1,32 @@
+// What an audiobook of a document is made of.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "documents/document.h"
+
+// Bytes of the document's text.
+struct BookChapter {
+    std::string title;  // never empty
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+struct BookPlan {
+    std::string title;
+    std::string author;
+    std::string language;  // as the document says it; may be empty
+    std::string cover;     // the bytes of a picture file; empty when there is none that can be kept
+    std::vector<BookChapter> chapters;  // in order, without gaps
+    std::string remark;                 // what is not kept, in a sentence; mostly empty
+};
+
+// The chapters are the book's own, or begin at its highest headings of which there are at least
+// two; what stands before the first one is a chapter, too. Titles are one line of at most 200
+// bytes. The name serves where the document has no title.
+BookPlan PlanBook(const Document& document, const std::string& name);
+
+// As a name of a file, without anything that a file system or a shell may take ill.
+std::string FileNameOfTitle(const std::string& title);

@@ -1,0 +1,250 @@
+#include "books/book_run.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+#include "books/book_joint.h"
+#include "books/book_work.h"
+#include "books/chapter_encoder.h"
+#include "books/chapter_speech.h"
+#include "formats/aac_sink.h"
+#include "formats/whole_file.h"
+#include "foundation/files/path_text.h"
+
+namespace {
+
+class BookMaker {
+public:
+    BookMaker(const BookOrder& order, LProgress& progress)
+        : order_(order), progress_(progress), work_(order) {}
+
+    BookResult Make();
+
+private:
+    bool Fail(const std::string& problem) {
+        if (result_.problem.empty())
+            result_.problem = problem;
+        return false;
+    }
+    bool IsFolder() const { return order_.target.back() == '/'; }
+    std::string FinishedPath(std::size_t index) const;
+    bool IsFinished(std::size_t index) const {
+        return ::access(FinishedPath(index).c_str(), F_OK) == 0;
+    }
+    std::string SubtitlePath(std::size_t index) const { return work_.Path(index, "lines"); }
+    BookTags TagsOf(std::size_t index) const;
+    bool SpeakChapters(ChapterEncoder& encoder);
+    bool SpeakChapter(std::size_t index, ChapterEncoder& encoder);
+    bool Join();
+    bool JoinInto(const std::string& path, std::vector<ChapterMark>& marks);
+    bool AddChapters(const std::string& joined, const std::vector<ChapterMark>& marks,
+                     const std::string& path);
+    bool WriteSubtitles(const std::vector<ChapterMark>& marks);
+    bool WriteFile(const std::string& path, const std::string& content);
+
+    const BookOrder& order_;
+    LProgress& progress_;
+    BookWork work_;
+    BookResult result_;
+};
+
+std::string BookMaker::FinishedPath(std::size_t index) const {
+    return IsFolder() ? order_.target + ChapterFileName(order_, index) : work_.Path(index, "part");
+}
+
+BookTags BookMaker::TagsOf(std::size_t index) const {
+    const BookPlan& plan = order_.plan;
+    BookTags tags;
+    tags.title = plan.chapters[index].title;
+    tags.author = plan.author;
+    tags.album = plan.title;
+    tags.language = plan.language;
+    tags.track = static_cast<int>(index) + 1;
+    tags.tracks = static_cast<int>(plan.chapters.size());
+    tags.cover = plan.cover;
+    return tags;
+}
+
+BookResult BookMaker::Make() {
+    if (order_.plan.chapters.empty()) {
+        Fail("there is nothing to read");
+        return result_;
+    }
+    if (const std::string problem = work_.Open(); !problem.empty()) {
+        Fail(problem);
+        return result_;
+    }
+    bool isSpoken = false;
+    {
+        ChapterEncoder encoder;
+        isSpoken = SpeakChapters(encoder) && encoder.Finish(progress_);
+        if (!encoder.Problem().empty())
+            Fail(encoder.Problem());
+    }
+    result_.isDone = isSpoken && result_.problem.empty() && Join();
+    if (result_.isDone) {
+        work_.Remove();
+        return result_;
+    }
+    for (std::size_t i = 0; i < order_.plan.chapters.size(); ++i)
+        result_.chaptersKept += IsFinished(i) ? 1 : 0;
+    return result_;
+}
+
+bool BookMaker::SpeakChapters(ChapterEncoder& encoder) {
+    const std::size_t count = order_.plan.chapters.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const BookChapter& chapter = order_.plan.chapters[i];
+        const std::string label = "Chapter " + std::to_string(i + 1) + " of " +
+                                  std::to_string(count) + ": " + chapter.title;
+        progress_.SetFirstLabel(label.c_str());
+        if (!IsFinished(i) && !SpeakChapter(i, encoder))
+            return false;
+        progress_.SetFraction(static_cast<double>(chapter.end) /
+                              static_cast<double>(std::max<std::size_t>(order_.text.size(), 1)));
+    }
+    return true;
+}
+
+bool BookMaker::SpeakChapter(std::size_t index, ChapterEncoder& encoder) {
+    const BookChapter& chapter = order_.plan.chapters[index];
+    ChapterToEncode job;
+    job.speech = work_.Path(index, "wav");
+    job.path = FinishedPath(index);
+    job.name = "chapter " + std::to_string(index + 1) + " (" + chapter.title + ")";
+    job.type = order_.type;
+    job.isPart = !IsFolder();
+    job.kilobits = order_.kilobits;
+    job.evensLoudness = order_.evensLoudness;
+    if (IsFolder())
+        job.tags = TagsOf(index);
+    const ChapterSpeech speech = SpeakBookChapter(order_, chapter, job.speech, progress_);
+    if (speech.isStopped)
+        return false;
+    if (!speech.problem.empty())
+        return Fail(job.name + ": " + speech.problem);
+    if (!speech.remark.empty())
+        result_.remarks.push_back(job.name + ": " + speech.remark);
+    if (order_.subtitles) {
+        const std::string content = IsFolder() ? SubtitleText(*order_.subtitles, speech.lines)
+                                               : StoreSubtitles(speech.lines);
+        const std::string path =
+            IsFolder() ? job.path.substr(0, job.path.rfind('.') + 1) + EndingOf(*order_.subtitles)
+                       : SubtitlePath(index);
+        if (!WriteFile(path, content))
+            return false;
+    }
+    return encoder.Add(std::move(job), progress_);
+}
+
+bool BookMaker::WriteFile(const std::string& path, const std::string& content) {
+    WholeFile file(path, WholeFile::Existing::kReplace);
+    std::string problem = file.Problem();
+    if (problem.empty()) {
+        errno = 0;
+        std::FILE* const out = std::fopen(file.WritePath().c_str(), "wbe");
+        const bool isWritten =
+            out != nullptr && std::fwrite(content.data(), 1, content.size(), out) == content.size();
+        if ((out != nullptr && std::fclose(out) != 0) || !isWritten)
+            problem = std::strerror(errno);
+        else
+            problem = file.Commit();
+    }
+    return problem.empty() || Fail(path + ": " + problem);
+}
+
+bool BookMaker::Join() {
+    if (IsFolder())
+        return true;
+    progress_.SetFirstLabel("Joining the chapters");
+    WholeFile file(order_.target, order_.overwrites ? WholeFile::Existing::kReplace
+                                                    : WholeFile::Existing::kRefuse);
+    if (!file.Problem().empty())
+        return Fail(order_.target + ": " + file.Problem());
+    std::vector<ChapterMark> marks;
+    if (!JoinInto(file.WritePath(), marks))
+        return false;
+    BookTags tags = TagsOf(0);
+    tags.title = order_.plan.title;
+    tags.track = 0;
+    tags.chapters = marks;
+    if (!WriteBookTags(file.WritePath(), order_.type, tags))
+        return Fail(order_.target + ": titles and chapters cannot be written");
+    if (order_.type == SoundType::kWav && marks.size() > 1)
+        result_.remarks.emplace_back("WAV files hold no titles and chapters.");
+    if (order_.subtitles && !WriteSubtitles(marks))
+        return false;
+    const std::string problem = file.Commit();
+    return problem.empty() || Fail(order_.target + ": " + problem);
+}
+
+bool BookMaker::JoinInto(const std::string& path, std::vector<ChapterMark>& marks) {
+    const std::size_t count = order_.plan.chapters.size();
+    std::vector<std::string> parts;
+    for (std::size_t i = 0; i < count; ++i)
+        parts.push_back(FinishedPath(i));
+    const bool isM4b = order_.type == SoundType::kM4b;
+    const std::string joined = isM4b ? work_.Path(0, "aac") : path;
+    const BookJoint joint = JoinBook(order_.type, parts, joined);
+    if (!joint.problem.empty())
+        return Fail(order_.target + ": " + joint.problem);
+    std::int64_t frames = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::int64_t begin = frames;
+        frames += joint.frames[i];
+        marks.push_back(
+            {begin * 1000 / joint.rate, frames * 1000 / joint.rate, order_.plan.chapters[i].title});
+    }
+    return !isM4b || AddChapters(joined, marks, path);
+}
+
+bool BookMaker::AddChapters(const std::string& joined, const std::vector<ChapterMark>& marks,
+                            const std::string& path) {
+    const std::string metadata = work_.Path(0, "chapters");
+    if (!WriteFile(metadata, ChapterMetadata(marks)))
+        return false;
+    const bool isDone =
+        RunFfmpeg("-f aac -i " + FfmpegFile(joined) + " -f ffmetadata -i " + FfmpegFile(metadata) +
+                  " -map 0:a -map_metadata 1 -map_chapters 1 -c copy -f ipod " + FfmpegFile(path));
+    return isDone ||
+           Fail(order_.target + ": the program ffmpeg could not put the chapters into it");
+}
+
+bool BookMaker::WriteSubtitles(const std::vector<ChapterMark>& marks) {
+    std::vector<SubtitleLine> all;
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        for (SubtitleLine line : LoadSubtitles(ContentOf(SubtitlePath(i)))) {
+            line.begin += marks[i].begin;
+            line.end += marks[i].begin;
+            all.push_back(std::move(line));
+        }
+    }
+    const std::size_t slash = order_.target.rfind('/');
+    const std::size_t dot = order_.target.rfind('.');
+    const bool hasEnding =
+        dot != std::string::npos && (slash == std::string::npos || dot > slash + 1);
+    return WriteFile(order_.target.substr(0, hasEnding ? dot : std::string::npos) + "." +
+                         EndingOf(*order_.subtitles),
+                     SubtitleText(*order_.subtitles, all));
+}
+
+}  // namespace
+
+std::string ChapterFileName(const BookOrder& order, std::size_t index) {
+    const auto digits = std::max<std::size_t>(2, std::to_string(order.plan.chapters.size()).size());
+    std::string number = std::to_string(index + 1);
+    number.insert(0, digits - std::min(digits, number.size()), '0');
+    return number + " " + FileNameOfTitle(order.plan.chapters[index].title) + "." +
+           NameOf(order.type);
+}
+
+BookResult MakeBook(const BookOrder& order, LProgress& progress) {
+    return BookMaker(order, progress).Make();
+}

@@ -1,0 +1,42 @@
+// Makes an audiobook: chapters are spoken and encoded side by side, and whatever was finished stays
+// for the next time.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "books/book_plan.h"
+#include "books/subtitles.h"
+#include "formats/sound_types.h"
+#include "foundation/threads/progress.h"
+#include "speech/speech_pieces.h"
+
+struct BookOrder {
+    BookPlan plan;
+    std::string text;  // of the document
+    int voice = 0;
+    SpeakingRules rules;
+    SoundType type = SoundType::kMp3;
+    int kilobits = 0;           // a second; 0: what serves speech
+    std::string target;         // a file, or with a slash at its end a folder of chapters
+    bool overwrites = false;    // else a target that is there is a problem
+    bool evensLoudness = true;  // else as the voice has it
+    double secondsBetween = 1;  // of silence behind each chapter
+    std::optional<SubtitleForm> subtitles;
+    std::string engineFolder;  // for the engine's own files, with its slash
+};
+
+struct BookResult {
+    bool isDone = false;
+    std::string problem;               // why it is not; empty when it was stopped
+    std::vector<std::string> remarks;  // what was left out, a sentence each
+    std::size_t chaptersKept = 0;      // of one that is not done, for the next time
+};
+
+// Blocks. Unfinished work stands in a hidden folder beside the target, or in it, and goes when the
+// book is done; the same order goes on with it.
+BookResult MakeBook(const BookOrder& order, LProgress& progress);
+
+// Where chapters of an order with so many of them go: "07 Of the Sea.mp3".
+std::string ChapterFileName(const BookOrder& order, std::size_t index);

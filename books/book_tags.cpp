@@ -1,0 +1,219 @@
+#include "books/book_tags.h"
+
+#include <taglib/attachedpictureframe.h>
+#include <taglib/chapterframe.h>
+#include <taglib/flacfile.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/mp4file.h>
+#include <taglib/mpegfile.h>
+#include <taglib/opusfile.h>
+#include <taglib/tableofcontentsframe.h>
+#include <taglib/textidentificationframe.h>
+#include <taglib/xiphcomment.h>
+
+#include <cstdio>
+#include <string_view>
+
+#include "speech/language_code.h"
+
+namespace {
+
+TagLib::String Utf8(const std::string& text) {
+    return {text, TagLib::String::UTF8};
+}
+
+TagLib::ByteVector ByteVectorOf(const std::string& text) {
+    return {text.data(), static_cast<unsigned int>(text.size())};
+}
+
+const char* PictureKind(std::string_view bytes) {
+    if (bytes.starts_with("\x89PNG"))
+        return "image/png";
+    if (bytes.starts_with("GIF8"))
+        return "image/gif";
+    return "image/jpeg";
+}
+
+TagLib::ID3v2::TextIdentificationFrame* TextFrame(const char* id, const std::string& text) {
+    auto* const frame = new TagLib::ID3v2::TextIdentificationFrame(id, TagLib::String::UTF8);
+    frame->setText(Utf8(text));
+    return frame;
+}
+
+std::string TrackText(const BookTags& tags) {
+    return std::to_string(tags.track) + "/" + std::to_string(tags.tracks);
+}
+
+// Frames belong to the tag that they are added to.
+void AddChapterFrames(TagLib::ID3v2::Tag& tag, const std::vector<ChapterMark>& chapters) {
+    constexpr unsigned int kNoOffset = 0xFFFFFFFF;
+    TagLib::ByteVectorList ids;
+    for (std::size_t i = 0; i < chapters.size(); ++i) {
+        const TagLib::ByteVector id = ByteVectorOf("ch" + std::to_string(i));
+        TagLib::ID3v2::FrameList title;
+        title.append(TextFrame("TIT2", chapters[i].title));
+        tag.addFrame(new TagLib::ID3v2::ChapterFrame(
+            id, static_cast<unsigned int>(chapters[i].begin),
+            static_cast<unsigned int>(chapters[i].end), kNoOffset, kNoOffset, title));
+        ids.append(id);
+    }
+    // An entry counts its children in one byte; more of them are in tables below the first.
+    constexpr unsigned int kMostChildren = 255;
+    auto* const top = new TagLib::ID3v2::TableOfContentsFrame("toc");
+    top->setIsTopLevel(true);
+    top->setIsOrdered(true);
+    if (ids.size() <= kMostChildren) {
+        top->setChildElements(ids);
+    } else {
+        unsigned int number = 0;
+        TagLib::ByteVectorList part;
+        const auto close = [&] {
+            const TagLib::ByteVector id = ByteVectorOf("toc" + std::to_string(number++));
+            auto* const table = new TagLib::ID3v2::TableOfContentsFrame(id, part);
+            table->setIsOrdered(true);
+            tag.addFrame(table);
+            top->addChildElement(id);
+            part.clear();
+        };
+        for (const TagLib::ByteVector& id : ids) {
+            part.append(id);
+            if (part.size() == kMostChildren)
+                close();
+        }
+        if (!part.isEmpty())
+            close();
+    }
+    tag.addFrame(top);
+}
+
+bool TagMp3(const std::string& path, const BookTags& tags) {
+    TagLib::MPEG::File file(path.c_str(), false);
+    if (!file.isOpen())
+        return false;
+    TagLib::ID3v2::Tag& tag = *file.ID3v2Tag(true);
+    for (const auto& [id, text] : {std::pair{"TIT2", tags.title},
+                                   {"TPE1", tags.author},
+                                   {"TALB", tags.album},
+                                   {"TLAN", ThreeLetterLanguage(tags.language)}})
+        if (!text.empty())
+            tag.addFrame(TextFrame(id, text));
+    if (tags.track > 0)
+        tag.addFrame(TextFrame("TRCK", TrackText(tags)));
+    if (!tags.cover.empty()) {
+        auto* const picture = new TagLib::ID3v2::AttachedPictureFrame;
+        picture->setType(TagLib::ID3v2::AttachedPictureFrame::FrontCover);
+        picture->setMimeType(PictureKind(tags.cover));
+        picture->setPicture(ByteVectorOf(tags.cover));
+        tag.addFrame(picture);
+    }
+    if (tags.chapters.size() > 1)
+        AddChapterFrames(tag, tags.chapters);
+    return file.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripOthers, TagLib::ID3v2::v4);
+}
+
+TagLib::FLAC::Picture* XiphPicture(const std::string& cover) {
+    auto* const picture = new TagLib::FLAC::Picture;
+    picture->setType(TagLib::FLAC::Picture::FrontCover);
+    picture->setMimeType(PictureKind(cover));
+    picture->setData(ByteVectorOf(cover));
+    return picture;
+}
+
+std::string ClockTime(long long milliseconds) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%02lld:%02lld:%02lld.%03lld", milliseconds / 3600000,
+                  milliseconds / 60000 % 60, milliseconds / 1000 % 60, milliseconds % 1000);
+    return text;
+}
+
+void FillComments(TagLib::Ogg::XiphComment& comments, const BookTags& tags) {
+    comments.setTitle(Utf8(tags.title));
+    comments.setArtist(Utf8(tags.author));
+    comments.setAlbum(Utf8(tags.album));
+    if (!tags.language.empty())
+        comments.addField("LANGUAGE", Utf8(tags.language));
+    if (tags.track > 0) {
+        comments.addField("TRACKNUMBER", Utf8(std::to_string(tags.track)));
+        comments.addField("TRACKTOTAL", Utf8(std::to_string(tags.tracks)));
+    }
+    for (std::size_t i = 0; tags.chapters.size() > 1 && i < tags.chapters.size(); ++i) {
+        char name[32];
+        std::snprintf(name, sizeof name, "CHAPTER%03zu", i);
+        comments.addField(Utf8(name), Utf8(ClockTime(tags.chapters[i].begin)));
+        comments.addField(Utf8(std::string(name) + "NAME"), Utf8(tags.chapters[i].title));
+    }
+}
+
+bool TagOpus(const std::string& path, const BookTags& tags) {
+    TagLib::Ogg::Opus::File file(path.c_str(), false);
+    if (!file.isValid())
+        return false;
+    FillComments(*file.tag(), tags);
+    if (!tags.cover.empty())
+        file.tag()->addPicture(XiphPicture(tags.cover));
+    return file.save();
+}
+
+bool TagFlac(const std::string& path, const BookTags& tags) {
+    TagLib::FLAC::File file(path.c_str(), false);
+    if (!file.isValid())
+        return false;
+    FillComments(*file.xiphComment(true), tags);
+    if (!tags.cover.empty())
+        file.addPicture(XiphPicture(tags.cover));
+    return file.save();
+}
+
+bool TagMp4(const std::string& path, const BookTags& tags) {
+    TagLib::MP4::File file(path.c_str(), false);
+    if (!file.isValid())
+        return false;
+    TagLib::MP4::Tag& tag = *file.tag();
+    tag.setTitle(Utf8(tags.title));
+    tag.setArtist(Utf8(tags.author));
+    tag.setAlbum(Utf8(tags.album));
+    if (tags.track > 0)
+        tag.setItem("trkn", TagLib::MP4::Item(tags.track, tags.tracks));
+    if (!tags.cover.empty()) {
+        const bool isPng = PictureKind(tags.cover) == std::string_view("image/png");
+        TagLib::MP4::CoverArtList covers;
+        covers.append({isPng ? TagLib::MP4::CoverArt::PNG : TagLib::MP4::CoverArt::JPEG,
+                       ByteVectorOf(tags.cover)});
+        tag.setItem("covr", covers);
+    }
+    constexpr int kAudiobook = 2;
+    tag.setItem("stik", TagLib::MP4::Item(kAudiobook));
+    return file.save();
+}
+
+}  // namespace
+
+bool WriteBookTags(const std::string& path, SoundType type, const BookTags& tags) {
+    switch (type) {
+        case SoundType::kMp3:
+            return TagMp3(path, tags);
+        case SoundType::kOpus:
+            return TagOpus(path, tags);
+        case SoundType::kFlac:
+            return TagFlac(path, tags);
+        case SoundType::kM4b:
+            return TagMp4(path, tags);
+        default:
+            return true;
+    }
+}
+
+std::string ChapterMetadata(const std::vector<ChapterMark>& chapters) {
+    std::string text = ";FFMETADATA1\n";
+    for (const ChapterMark& chapter : chapters) {
+        text += "[CHAPTER]\nTIMEBASE=1/1000\nSTART=" + std::to_string(chapter.begin) +
+                "\nEND=" + std::to_string(chapter.end) + "\ntitle=";
+        for (const char character : chapter.title) {
+            if (std::string_view("=;#\\\n").find(character) != std::string_view::npos)
+                text += '\\';
+            text += character;
+        }
+        text += '\n';
+    }
+    return text;
+}

@@ -1,0 +1,125 @@
+#include "books/book_work.h"
+
+#include <fcntl.h>
+#include <glib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+
+#include "books/book_run.h"
+#include "formats/whole_file.h"
+#include "foundation/files/file_io.h"
+#include "speech/voice_table.h"
+
+namespace {
+
+constexpr std::size_t kMostContent = 64U << 20;
+
+std::string FolderFor(const std::string& target) {
+    if (target.back() == '/')
+        return target + ".lectora-book/";
+    const std::size_t name = target.rfind('/') + 1;
+    return target.substr(0, name) + "." + target.substr(name, 200) + ".lectora-book/";
+}
+
+bool IsSomethingThere(const std::string& folder) {
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
+        if (entry.path().filename() != ".lectora-book")
+            return true;
+    return false;
+}
+
+}  // namespace
+
+BookWork::BookWork(const BookOrder& order) : order_(order), folder_(FolderFor(order.target)) {}
+
+std::string BookWork::Path(std::size_t index, const char* ending) const {
+    char name[64];
+    std::snprintf(name, sizeof name, "%05zu.%s", index + 1, ending);
+    return folder_ + name;
+}
+
+// Of all that the sound depends on.
+std::string BookWork::KeyOf() const {
+    const std::unique_ptr<GChecksum, decltype(&g_checksum_free)> sum(
+        g_checksum_new(G_CHECKSUM_SHA256), &g_checksum_free);
+    const auto add = [&sum](const std::string& part) {
+        const std::string framed = std::to_string(part.size()) + ":" + part;
+        g_checksum_update(sum.get(), reinterpret_cast<const guchar*>(framed.data()),
+                          static_cast<gssize>(framed.size()));
+    };
+    const Voice voice = VoiceAt(order_.voice);
+    add(order_.text);
+    add(voice.engine + " " + voice.name);
+    add(std::to_string(static_cast<int>(order_.type)) + " " + std::to_string(order_.kilobits) +
+        " " + std::to_string(order_.evensLoudness) + " " + std::to_string(order_.secondsBetween) +
+        " " + std::to_string(order_.subtitles ? static_cast<int>(*order_.subtitles) : -1));
+    for (const std::string& part : {order_.plan.title, order_.plan.author, order_.plan.cover})
+        add(part);
+    for (const BookChapter& chapter : order_.plan.chapters)
+        add(chapter.title + " " + std::to_string(chapter.begin));
+    return g_checksum_get_string(sum.get());
+}
+
+std::string BookWork::Open() {
+    if (order_.target.back() == '/' && ::mkdir(order_.target.c_str(), 0777) != 0 && errno != EEXIST)
+        return order_.target + ": " + std::strerror(errno);
+    struct stat info = {};
+    if (order_.target.back() != '/' && ::stat(order_.target.c_str(), &info) == 0) {
+        if (!S_ISREG(info.st_mode))
+            return order_.target + ": is not a regular file";
+        if (!order_.overwrites)
+            return order_.target + ": " + WholeFile::kExists;
+    }
+    if (::mkdir(folder_.c_str(), 0700) != 0 && errno != EEXIST)
+        return folder_ + ": " + std::strerror(errno);
+    if (::lstat(folder_.c_str(), &info) != 0 || !S_ISDIR(info.st_mode) ||
+        info.st_uid != ::geteuid())
+        return folder_ + ": is not a folder of yours";
+    lock_ = OpenRegularFile((folder_ + "key").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    if (!lock_.IsOpen())
+        return folder_ + ": " + std::strerror(errno);
+    if (::flock(lock_.Get(), LOCK_EX | LOCK_NB) != 0)
+        return order_.target + ": another program is at work on this book";
+    return Claim(ContentOf(folder_ + "key"));
+}
+
+// What another order has left goes; what it has finished in a folder is the user's.
+std::string BookWork::Claim(const std::string& found) {
+    const std::string key = KeyOf();
+    if (found == key)
+        return "";
+    if (order_.target.back() == '/' && IsSomethingThere(order_.target) && !order_.overwrites) {
+        if (found.empty())
+            Remove();
+        return order_.target + ": holds other files";
+    }
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_, ignored))
+        if (entry.path().filename() != "key")
+            std::filesystem::remove(entry.path(), ignored);
+    for (std::size_t i = 0; order_.target.back() == '/' && i < order_.plan.chapters.size(); ++i)
+        ::unlink((order_.target + ChapterFileName(order_, i)).c_str());
+    const bool isKept = ::ftruncate(lock_.Get(), 0) == 0 && WriteFullyAt(lock_.Get(), key, 0) == 0;
+    return isKept ? "" : folder_ + ": " + std::strerror(errno);
+}
+
+void BookWork::Remove() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_.substr(0, folder_.size() - 1), ignored);
+}
+
+std::string ContentOf(const std::string& path) {
+    std::string content;
+    const UniqueFd file = OpenFileForReading(path.c_str());
+    if (file.IsOpen())
+        ReadWholeFile(file.Get(), kMostContent, content);
+    return content;
+}

@@ -1,0 +1,169 @@
+#include "books/chapter_encoder.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstring>
+
+#include "books/book_estimate.h"
+#include "books/loudness.h"
+#include "formats/aac_sink.h"
+#include "formats/mp3_sink.h"
+#include "formats/opus_sink.h"
+#include "formats/sndfile_file.h"
+#include "formats/wave_file.h"
+#include "formats/whole_file.h"
+#include "sound/source_to_sink.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t kMostWaiting = 2;
+constexpr double kLoudestChange = 20;  // decibels
+
+class ThreadStop final : public LSilentProgress {
+public:
+    explicit ThreadStop(const LThread& thread) : thread_(thread) {}
+    bool IsToStop() override { return thread_.IsStopping(); }
+
+private:
+    const LThread& thread_;
+};
+
+LSoundSink OpenChapterSink(const ChapterToEncode& chapter, const char* path, int rate) {
+    const int kilobits =
+        chapter.kilobits > 0 ? chapter.kilobits : SpeechKilobits(chapter.type, rate);
+    LMp3EncodeSettings mp3;
+    mp3.cbrBitRate = static_cast<std::uint16_t>(kilobits);
+    switch (chapter.type) {
+        case SoundType::kMp3:
+            return OpenMp3Sink(path, mp3, rate, 1);
+        case SoundType::kOpus:
+            return OpenOpusSink(path, 1, kilobits);
+        case SoundType::kM4b:
+            return OpenAacSink(path, rate, 1, kilobits,
+                               chapter.isPart ? AacContainer::kAdts : AacContainer::kMp4);
+        case SoundType::kWav:
+            if (!chapter.isPart)
+                return LWaveFile::OpenSinkPCM(path, rate, 1, 16, 0);
+            [[fallthrough]];
+        default:
+            return OpenFlacSink(path, rate, 1);
+    }
+}
+
+std::string WhyNotOpen(SoundType type) {
+    const char* const encoder = RowOf(type).encoder;
+    return encoder != nullptr ? std::string("the ") + encoder + " is not installed"
+                              : "cannot be written";
+}
+
+}  // namespace
+
+bool ChapterEncoder::Add(ChapterToEncode chapter, LProgress& progress) {
+    if (!WaitUntilLeft(kMostWaiting - 1, progress))
+        return false;
+    const std::lock_guard lock(mutex_);
+    waiting_.push_back(std::move(chapter));
+    changed_.notify_all();
+    return true;
+}
+
+bool ChapterEncoder::Finish(LProgress& progress) {
+    return WaitUntilLeft(0, progress);
+}
+
+bool ChapterEncoder::WaitUntilLeft(std::size_t most, LProgress& progress) {
+    for (;;) {
+        if (progress.IsToStop())
+            return false;
+        std::unique_lock lock(mutex_);
+        if (!problem_.empty() || waiting_.size() <= most)
+            return problem_.empty();
+        changed_.wait_for(lock, 50ms);
+    }
+}
+
+std::string ChapterEncoder::Problem() const {
+    const std::lock_guard lock(mutex_);
+    return problem_;
+}
+
+void ChapterEncoder::ThreadFunction() {
+    while (!IsStopping()) {
+        ChapterToEncode chapter;
+        {
+            std::unique_lock lock(mutex_);
+            if (waiting_.empty()) {
+                changed_.wait_for(lock, 50ms);
+                continue;
+            }
+            chapter = waiting_.front();
+        }
+        const std::string problem = Encode(chapter);
+        ::unlink(chapter.speech.c_str());
+        const std::lock_guard lock(mutex_);
+        waiting_.pop_front();
+        if (!problem.empty() && problem_.empty())
+            problem_ = chapter.name + ": " + problem;
+        changed_.notify_all();
+    }
+}
+
+std::string ChapterEncoder::Encode(const ChapterToEncode& chapter) {
+    WholeFile file(chapter.path, WholeFile::Existing::kReplace);
+    if (!file.Problem().empty())
+        return file.Problem();
+    const std::string problem = Write(chapter, file.WritePath());
+    if (!problem.empty())
+        return problem;
+    if (!chapter.isPart && !WriteBookTags(file.WritePath(), chapter.type, chapter.tags))
+        return "title and cover cannot be written";
+    return file.Commit();
+}
+
+std::string ChapterEncoder::Write(const ChapterToEncode& chapter, const std::string& path) {
+    double change = 0;
+    if (chapter.evensLoudness) {
+        const LSoundSource whole = LWaveFile::OpenSource(chapter.speech.c_str());
+        const double loudness = LoudnessOf(whole);
+        if (std::isfinite(loudness) && loudness > -70)
+            change = std::min(kBookLoudness - loudness, kLoudestChange);
+    }
+    LSoundSource source = LWaveFile::OpenSource(chapter.speech.c_str());
+    if (chapter.evensLoudness)
+        source = Louder(source, change);
+    const LSoundSink sink = OpenChapterSink(chapter, path.c_str(), source->SampleRate());
+    if ((sink->Status() & 1) != 0)
+        return WhyNotOpen(chapter.type);
+    {
+        const std::lock_guard lock(mutex_);
+        encoder_ = dynamic_cast<LPipe16Sink*>(sink.Get());
+    }
+    ThreadStop stop(*this);
+    LPRSourceToSink request{"", source, sink};
+    const LProcessResult result = Process(stop, request);
+    const int error = sink->Finish();
+    const std::lock_guard lock(mutex_);
+    encoder_ = nullptr;
+    if (result == kProcessStopped)
+        return "stopped";
+    if (error != 0 && RowOf(chapter.type).encoder != nullptr)
+        return std::string("the ") + RowOf(chapter.type).encoder + " failed; is the disk full?";
+    return error != 0 ? std::strerror(error) : "";
+}
+
+// One that hangs takes its encoder with it.
+void ChapterEncoder::End() {
+    StopThreadSoon();
+    for (int waits = 0; IsRunning(); ++waits) {
+        const std::lock_guard lock(mutex_);
+        changed_.notify_all();
+        if (waits == 20 && encoder_ != nullptr)
+            encoder_->Interrupt();
+        ::usleep(50000);
+    }
+    Join();
+}

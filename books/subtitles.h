@@ -1,0 +1,24 @@
+// The text in time with the sound, for players.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class SubtitleForm { kSrt, kVtt, kLrc };
+
+const char* EndingOf(SubtitleForm form);  // "srt"
+std::optional<SubtitleForm> SubtitleFormFromName(std::string_view name);
+
+struct SubtitleLine {
+    long long begin = 0;  // milliseconds
+    long long end = 0;
+    std::string text;  // one line
+};
+
+std::string SubtitleText(SubtitleForm form, const std::vector<SubtitleLine>& lines);
+
+// As they are kept between runs.
+std::string StoreSubtitles(const std::vector<SubtitleLine>& lines);
+std::vector<SubtitleLine> LoadSubtitles(std::string_view stored);

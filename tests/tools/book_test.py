@@ -1,0 +1,182 @@
+#!/usr/bin/python3
+"""Audiobooks: chapters, tags, times and levels, read back by other programs."""
+import array
+import base64
+import json
+import os
+import re
+import resource
+import signal
+import time
+import unittest
+import zipfile
+
+from program_case import SAY, EngineCase
+
+PICTURE = base64.b64decode(
+    "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg=="
+)
+CONTAINER = (
+    '<container version="1.0" xmlns="urn:oasis:names:tc:opendocument:xmlns:container"><rootfiles>'
+    '<rootfile full-path="c.opf" media-type="application/oebps-package+xml"/></rootfiles></container>'
+)
+TITLES = ["One = a; #1", "Über die See", "Third"]
+TEXTS = ["wonderful wonderful worlds. " * 4, "longest sentence. " * 5, "end of it all. " * 3]
+
+
+class BookTest(EngineCase):
+    def book(self, name, titles, texts, cover=PICTURE):
+        with zipfile.ZipFile(self.path(name), "w") as epub:
+            epub.writestr("mimetype", "application/epub+zip")
+            epub.writestr("META-INF/container.xml", CONTAINER)
+            epub.writestr("cover.png", cover)
+            page = '<item id="c{0}" href="c{0}.xhtml" media-type="application/xhtml+xml"/>'
+            items = "".join(page.format(i) for i in range(len(texts)))
+            spine = "".join(f'<itemref idref="c{i}"/>' for i in range(len(texts)))
+            epub.writestr(
+                "c.opf",
+                '<package xmlns="http://www.idpf.org/2007/opf" version="3.0"><metadata '
+                'xmlns:dc="http://purl.org/dc/elements/1.1/"><dc:title>Of the Sea</dc:title>'
+                "<dc:creator>Ann Author</dc:creator><dc:language>de-AT</dc:language></metadata>"
+                f'<manifest>{items}<item id="v" href="cover.png" media-type="image/png" '
+                f'properties="cover-image"/></manifest><spine>{spine}</spine></package>',
+            )
+            for i, (title, text) in enumerate(zip(titles, texts)):
+                epub.writestr(
+                    f"c{i}.xhtml",
+                    '<html xmlns="http://www.w3.org/1999/xhtml"><head/><body>'
+                    f"<h1>{title}</h1><p>{text}</p></body></html>",
+                )
+
+    def probed(self, name):
+        shown = ("-show_chapters", "-show_format", "-show_streams", "-of", "json")
+        told = self.run_program("ffprobe", "-v", "error", *shown, name)
+        self.assertEqual((told.returncode, told.stderr), (0, b""), name)
+        return json.loads(told.stdout)
+
+    def heard(self, name):
+        raw = ("-f", "s16le", "-ac", "1", "-ar", "16000", "-")
+        decoded = self.run_program("ffmpeg", "-v", "error", "-i", name, "-map", "0:a", *raw)
+        self.assertEqual((decoded.returncode, decoded.stderr), (0, b""), name)
+        return array.array("h", decoded.stdout)
+
+    def test_one_file_tells_its_chapters_where_they_are_heard(self):
+        self.install_encoder()
+        self.book("book.epub", TITLES, TEXTS)
+        for kind in ("mp3", "opus", "m4b", "flac", "wav"):
+            with self.subTest(kind=kind):
+                says = "WAV files hold no titles" if kind == "wav" else None
+                self.check(SAY, "--audiobook", "-o", f"book.{kind}", "book.epub", says=says)
+                self.assertEqual(self.files(), sorted(["book.epub", f"book.{kind}"]))
+                samples = self.heard(f"book.{kind}")
+                loudest = max(map(abs, samples))
+                self.assertLess(loudest, 32767 * 0.891)
+                told = self.probed(f"book.{kind}")
+                length = float(told["format"]["duration"])
+                self.assertAlmostEqual(len(samples) / 16000, length, delta=0.1)
+                os.remove(self.path(f"book.{kind}"))
+                if kind == "wav":
+                    continue
+                tagged = told["streams"][0] if kind == "opus" else told["format"]
+                tags = {key.lower(): value for key, value in tagged["tags"].items()}
+                self.assertEqual((tags["title"], tags["artist"]), ("Of the Sea", "Ann Author"))
+                if kind == "mp3":
+                    self.assertEqual(tags["language"], "deu")
+                pictures = [s for s in told["streams"] if s["codec_type"] == "video"]
+                self.assertEqual(len(pictures), 1)
+                self.assertEqual([c["tags"]["title"] for c in told["chapters"]], TITLES)
+                self.assertAlmostEqual(float(told["chapters"][-1]["end_time"]), length, delta=0.1)
+                for chapter in told["chapters"]:
+                    start = round(float(chapter["start_time"]) * 16000)
+                    # Encoders are late by up to 70 ms; a second of silence stands before.
+                    self.assertGreater(max(samples[start : start + 2400]), loudest / 4)
+                    before = samples[max(start - 8000, 0) : start]
+                    self.assertLess(max(before, default=0), loudest / 50)
+
+    def test_chapters_are_equally_loud_files_that_a_killed_run_leaves_whole(self):
+        self.install_encoder()
+        self.tell_engine("text2wave slow 1.5")
+        self.book("book.epub", TITLES, TEXTS)
+        command = (SAY, "--audiobook=chapters", "-o", "spoken/", "book.epub")
+        names = ["01 One = a; #1.mp3", "02 Über die See.mp3", "03 Third.mp3"]
+        first = self.path("spoken/" + names[0])
+        for number in (signal.SIGKILL, signal.SIGINT):
+            if os.path.exists(first):
+                os.remove(first)
+            run = self.start(*command, stderr=-1)
+            while not os.path.exists(first) and run.poll() is None:
+                time.sleep(0.01)
+            run.send_signal(number)
+            told = run.communicate(timeout=30)[1]
+        self.assertRegex(told.decode(), r"stopped; [12] of 3 chapters are kept")
+        kept = sorted(name for name in os.listdir(self.path("spoken")) if name[0] != ".")
+        whole = {name: self.load("spoken/" + name) for name in kept}
+        spoken = len([text for _, text in self.said() if "wonderful" in text])
+        self.check(*command)
+        self.assertEqual(sorted(os.listdir(self.path("spoken"))), names)
+        self.assertEqual(len([text for _, text in self.said() if "wonderful" in text]), spoken)
+        for name, content in whole.items():
+            self.assertEqual(self.load("spoken/" + name), content)
+        for number, name in enumerate(names):
+            told = self.probed("spoken/" + name)["format"]["tags"]
+            self.assertEqual((told["track"], told["album"]), (f"{number + 1}/3", "Of the Sea"))
+            measured = self.run_program(
+                "ffmpeg", "-i", "spoken/" + name, "-map", "0:a", "-af", "ebur128=peak=true", "-f", "null", "-"
+            ).stderr.decode()
+            self.assertAlmostEqual(float(re.findall(r"I: +(-[\d.]+) LUFS", measured)[-1]), -19, delta=1)
+            self.assertLess(float(re.findall(r"Peak: +(-?[\d.]+) dBFS", measured)[-1]), -1)
+        self.check(*command, status=1, says="spoken/: holds other files")
+        self.assertEqual(sorted(os.listdir(self.path("spoken"))), names)
+        self.check(*command, "-f")
+
+    def test_subtitles_stand_where_their_sentences_are_heard(self):
+        self.book("book.epub", ["Aaaaaaaaaa", "Bbbbbbbbbbb"], ["Four tones are here. "] * 2)
+        for form, mark in (("srt", " --> "), ("vtt", "WEBVTT"), ("lrc", "[00:0")):
+            self.check(SAY, "-f", "--audiobook", f"--subtitles={form}", "-o", "book.flac", "book.epub")
+            self.assertIn(mark, self.load("book." + form).decode())
+        samples = self.heard("book.flac")
+        rows = re.findall(r"(\d+):(\d+):(\d+),(\d+) --> .*\n(.*)", self.load("book.srt").decode())
+        self.assertIn("Four tones are here.", rows[1][4] + rows[0][4])
+        chapter = float(self.probed("book.flac")["chapters"][1]["start_time"])
+        begins = [int(h) * 3600 + int(m) * 60 + int(s) + int(ms) / 1000 for h, m, s, ms, _ in rows]
+        self.assertIn(chapter, [round(begin, 3) for begin in begins])
+        for begin in begins:
+            at = round(begin * 16000)
+            self.assertGreater(max(samples[at : at + 1600]), 3000)
+
+    def test_what_goes_wrong_is_told_and_keeps_what_is_whole(self):
+        self.book("book.epub", TITLES, TEXTS)
+        command = (SAY, "--audiobook", "-o", "book.mp3", "book.epub")
+        self.check(*command, status=1, says="the MP3 encoder component is not installed")
+        self.install_encoder("#!/bin/sh\nexec head -c 5 >/dev/null\n")
+        self.check(*command, status=1, says="the MP3 encoder component failed")
+        self.assertNotIn("book.mp3", self.files())
+        self.book("long.epub", TITLES, [TEXTS[0], TEXTS[1] * 100, TEXTS[2]])
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000000, 5000000))
+        flac = (SAY, "--audiobook", "-o", "long.flac", "long.epub")
+        told = self.check(*flac, status=1, says="chapter 2 (", preexec_fn=limit)
+        self.assertNotIn("long.flac", self.files())
+        self.check(*flac)
+        self.assertEqual(len(self.probed("long.flac")["chapters"]), 3)
+        for words, says in (
+            (("-o", "a.gsm"), "not gsm"),
+            (("-o", "-"), "an audiobook is one file"),
+            (("--subtitles=txt", "-o", "a.mp3"), "txt"),
+            (("--split", "-o", "a.mp3"), "an audiobook is one file"),
+        ):
+            self.check(SAY, "--audiobook", *words, "book.epub", status=2, says=says)
+        self.check(SAY, "--plan", "-o", "a.mp3", "book.epub", status=2, says="belong to --audiobook")
+        self.assertEqual(told, "")
+
+    def test_a_book_of_two_thousand_chapters_with_long_titles_and_a_huge_cover_is_planned(self):
+        titles = ["\N{SNOWMAN}/.." * 2000 if i % 100 == 0 else f"Number {i}" for i in range(2000)]
+        self.book("huge.epub", titles, ["word."] * 2000, bytes(6000000))
+        told = self.check(SAY, "--audiobook", "--plan", "-o", "a.opus", "huge.epub").splitlines()
+        self.assertEqual(told[0], "Of the Sea\tAnn Author\tde-AT")
+        self.assertEqual(len(told), 2002)
+        self.assertLessEqual(len(told[2].split("\t")[2].encode()), 200)
+        self.assertEqual(told[3].split("\t")[0::2], ["2", "Number 1"])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,81 @@
+#include "tools/say_book.h"
+
+#include <cstdio>
+
+#include "books/book_estimate.h"
+#include "books/book_run.h"
+#include "tools/interruption.h"
+#include "tools/say_document.h"
+#include "tools/terminal_progress.h"
+#include "tools/tool_texts.h"
+
+namespace {
+
+std::string Clock(double seconds) {
+    const auto whole = static_cast<long long>(seconds);
+    char text[32];
+    std::snprintf(text, sizeof text, "%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60,
+                  whole % 60);
+    return text;
+}
+
+std::string StemOf(const std::string& path) {
+    const std::string file = path.substr(path.rfind('/') + 1);
+    const std::size_t dot = file.rfind('.');
+    return dot == 0 || dot == std::string::npos ? file : file.substr(0, dot);
+}
+
+// Columns between tabs, so that other programs can take them apart.
+void PrintPlan(const BookOrder& order) {
+    std::printf("%s\t%s\t%s\n", order.plan.title.c_str(),
+                order.plan.author.empty() ? "-" : order.plan.author.c_str(),
+                order.plan.language.empty() ? "-" : order.plan.language.c_str());
+    const BookEstimate whole = EstimateBook(order);
+    std::printf("about %s\tabout %.1f MB\n", Clock(whole.seconds).c_str(),
+                static_cast<double>(whole.bytes) / 1e6);
+    std::size_t number = 0;
+    for (const BookChapter& chapter : order.plan.chapters)
+        std::printf("%zu\t%s\t%s\n", ++number, Clock(SecondsOfChapter(order, chapter)).c_str(),
+                    chapter.title.c_str());
+}
+
+}  // namespace
+
+int SayBook(const SayOptions& options, const SayJob& job, const Document& document, int voice,
+            const std::string& workFolder) {
+    const std::string subject = NameOfText(job.text);
+    BookOrder order;
+    order.plan = PlanBook(document, StemOf(subject));
+    order.text = document.text;
+    order.voice = voice;
+    order.rules = options.speaking;
+    order.type = job.type;
+    order.kilobits = options.book->kilobits;
+    order.target = job.sound;
+    order.overwrites = options.overwrite;
+    order.subtitles = options.book->subtitles;
+    order.engineFolder = workFolder;
+    if (options.book->isOnlyPlanned) {
+        PrintPlan(order);
+        return kExitDone;
+    }
+    if (!order.plan.remark.empty())
+        Complain(kSayProgram, subject + ": " + order.plan.remark);
+    BookResult result;
+    {
+        LTerminalProgress progress;
+        result = MakeBook(order, progress);
+    }
+    for (const std::string& remark : result.remarks)
+        Complain(kSayProgram, subject + ": " + remark);
+    if (result.isDone)
+        return kExitDone;
+    std::string told =
+        result.problem.empty() ? subject + ": stopped" : subject + ": " + result.problem;
+    if (result.chaptersKept > 0)
+        told += "; " + std::to_string(result.chaptersKept) + " of " +
+                std::to_string(order.plan.chapters.size()) +
+                " chapters are kept, and the same command goes on with the next";
+    Complain(kSayProgram, told);
+    return kExitFailed;
+}
