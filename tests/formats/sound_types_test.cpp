@@ -19,16 +19,11 @@ TEST(SoundTypes, AreOfferedWavAndMp3FirstAndWrittenAsTheUserHasSetThem) {
         SoundType type;
         int rate, channels;
         std::size_t size;  // of a second
-    } cases[] = {{SoundType::kWav, 44100, 1, 46 + 88200},
-                 {SoundType::kAu, 11025, 1, 24 + 11025},
-                 {SoundType::kAiff, 32000, 2, 54 + 128000},
-                 {SoundType::kGsm, 8000, 1, 1650},
-                 {SoundType::kVox, 8000, 1, 4000},
-                 {SoundType::kRaw, 6000, 2, 48000},
-                 {SoundType::kMuLaw, 8000, 1, 8000},
-                 {SoundType::kALaw, 8000, 1, 8000},
-                 {SoundType::kFlac, 16000, 1, 0},
-                 {SoundType::kOpus, 48000, 1, 0}};
+    } cases[] = {{SoundType::kWav, 44100, 1, 46 + 88200},   {SoundType::kAu, 11025, 1, 24 + 11025},
+                 {SoundType::kAiff, 32000, 2, 54 + 128000}, {SoundType::kGsm, 8000, 1, 1650},
+                 {SoundType::kVox, 8000, 1, 4000},          {SoundType::kRaw, 6000, 2, 48000},
+                 {SoundType::kMuLaw, 8000, 1, 8000},        {SoundType::kALaw, 8000, 1, 8000},
+                 {SoundType::kFlac, 16000, 1, 0},           {SoundType::kOpus, 48000, 1, 0}};
     const ScratchFolder folder;
     std::vector<SoundType> offered = {SoundType::kWav, SoundType::kMp3};
     for (const auto& [type, rate, channels, size] : cases) {
