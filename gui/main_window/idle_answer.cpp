@@ -29,22 +29,25 @@ gboolean GCIdleCheck(GSource* source) {
     return quiet >= kQuietMilliseconds * 1000;
 }
 
+// With the number of the question; another program may have written anything.
+void Answer(GdkWindow* window) {
+    guchar* number = nullptr;
+    gint length = 0;
+    if (gdk_property_get(window, gdk_atom_intern_static_string(kTellWhenIdle), GDK_NONE, 0,
+                         sizeof(glong), FALSE, nullptr, nullptr, &length, &number) == FALSE)
+        return;
+    if (std::size_t(length) >= sizeof(glong))
+        gdk_property_change(window, gdk_atom_intern_static_string(kIsIdle),
+                            gdk_atom_intern_static_string("CARDINAL"), 32, GDK_PROP_MODE_REPLACE,
+                            number, 1);
+    g_free(number);
+}
+
 gboolean GCIdleAnswer(GSource* source, GSourceFunc, gpointer) {
     const GdkLock lock;
     if (LThread::PendingWork() > 0)
         return G_SOURCE_CONTINUE;
-    GtkWidget* window = reinterpret_cast<IdleSource*>(source)->window;
-    GdkWindow* shown = gtk_widget_get_window(window);
-    guchar* number = nullptr;
-    gint length = 0;
-    if (gdk_property_get(shown, gdk_atom_intern_static_string(kTellWhenIdle), GDK_NONE, 0,
-                         sizeof(glong), FALSE, nullptr, nullptr, &length, &number) == FALSE)
-        return G_SOURCE_REMOVE;
-    if (std::size_t(length) >= sizeof(glong))  // else it is no number
-        gdk_property_change(shown, gdk_atom_intern_static_string(kIsIdle),
-                            gdk_atom_intern_static_string("CARDINAL"), 32, GDK_PROP_MODE_REPLACE,
-                            number, 1);
-    g_free(number);
+    Answer(gtk_widget_get_window(reinterpret_cast<IdleSource*>(source)->window));
     return G_SOURCE_REMOVE;
 }
 
