@@ -2,34 +2,12 @@
 
 #include <utility>
 
+#include "foundation/first_words.h"
 #include "speech/voice_table.h"
-
-namespace {
-
-constexpr std::size_t kTitleWords = 40;  // bytes of a text without a name
-
-// The text's first words.
-std::string FirstWords(std::string_view text) {
-    constexpr std::string_view kWhite = " \t\r\n\f\v";
-    std::string words;
-    std::size_t at = text.find_first_not_of(kWhite);
-    while (at < text.size()) {
-        const std::size_t end = std::min(text.find_first_of(kWhite, at), text.size());
-        if (words.size() + end - at > kTitleWords)
-            break;
-        words.append(words.empty() ? "" : " ").append(text.substr(at, end - at));
-        at = text.find_first_not_of(kWhite, end);
-    }
-    if (at < text.size())
-        words += "...";
-    return words;
-}
-
-}  // namespace
 
 void ReadingInfo::SetText(ReadingText text) {
     Forget();
-    title_ = text.title.empty() ? FirstWords(text.text) : std::move(text.title);
+    title_ = text.title.empty() ? BeginningOf(text.text) : std::move(text.title);
     headings_ = std::move(text.headings);
     begin_ = std::min(text.begin, text.text.size());
     times_ = ReadingTimes(text.text.size(), begin_);

@@ -7,12 +7,12 @@
 #include "foundation/files/file.h"
 #include "foundation/files/path_text.h"
 #include "foundation/files/text_buffer.h"
+#include "foundation/first_words.h"
 #include "foundation/owned_text.h"
 
 namespace {
 
 constexpr glong kMostCharacters = 50;
-constexpr int kMostWords = 6;
 
 // As a name can hold it: no dots, so that none begins an ending.
 std::string AsName(const std::string& text) {
@@ -28,24 +28,6 @@ std::string AsName(const std::string& text) {
     return kept;
 }
 
-std::string FirstWords(const std::string& text) {
-    std::string words;
-    const char* at = text.c_str();
-    for (int word = 0; word < kMostWords && *at != '\0'; ++word) {
-        while (*at != '\0' && g_unichar_isspace(g_utf8_get_char(at)) != 0)
-            at = g_utf8_next_char(at);
-        const char* begin = at;
-        while (*at != '\0' && g_unichar_isspace(g_utf8_get_char(at)) == 0)
-            at = g_utf8_next_char(at);
-        // A first word that is too long is cut, a further one left out.
-        if (word > 0 &&
-            g_utf8_strlen(words.c_str(), -1) + g_utf8_strlen(begin, at - begin) > kMostCharacters)
-            break;
-        words.append(word > 0 ? " " : "").append(begin, at);
-    }
-    return words;
-}
-
 }  // namespace
 
 std::string SuggestedName(const std::string& text, const std::string& file) {
@@ -55,6 +37,6 @@ std::string SuggestedName(const std::string& text, const std::string& file) {
     const std::string_view whole(document.get());
     std::string name = AsName(std::string(whole.substr(0, whole.size() - ending.size())));
     if (name.empty())
-        name = AsName(FirstWords(text));
+        name = AsName(FirstWordsOf(text).words);
     return name.empty() ? "Spoken text" : name;
 }
