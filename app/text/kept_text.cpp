@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <charconv>
 
+#include "app/reading/kept_places.h"
 #include "app/settings_keys.h"
 #include "foundation/files/private_file.h"
 
@@ -121,4 +122,5 @@ void KeptText::Keep() {
 void ForgetKeptText() {
     RemovePrivateFile(kTextFile);
     RemovePrivateFile(kPlaceFile);
+    ForgetKeptPlaces();
 }

@@ -31,6 +31,8 @@ public:
     // by KeepNow before.
     void CameFromFile(const std::string& path);
     void CameFromProgram();
+    // False: another program's, and unedited.
+    bool IsKept() const { return !isPrivate_; }
     // Empty: the text came from no file.
     const std::string& File() const { return file_; }
 
@@ -60,5 +62,5 @@ private:
     guint pauseMs_ = 0;  // between two writes
 };
 
-// What was kept is gone from the disk.
+// What was kept is gone from the disk, and how far texts were read.
 void ForgetKeptText();

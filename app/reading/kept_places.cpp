@@ -1,0 +1,122 @@
+#include "app/reading/kept_places.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "foundation/files/private_file.h"
+#include "foundation/owned_text.h"
+
+namespace {
+
+constexpr const char* kPlacesFile = "reading-places";
+constexpr std::size_t kMostPlacesBytes = 1 << 20;
+constexpr int kFields = 5;
+// Of a long text its beginning, its end and its length tell enough.
+constexpr std::size_t kMostDigested = 1 << 22;
+
+std::string Sha256(std::string_view bytes) {
+    const OwnedText digest(g_compute_checksum_for_data(
+        G_CHECKSUM_SHA256, reinterpret_cast<const guchar*>(bytes.data()), bytes.size()));
+    return digest.get();
+}
+
+// Each field ends with a zero byte: the one that no text holds.
+std::vector<std::string> FieldsOf(std::string_view content) {
+    std::vector<std::string> fields;
+    for (std::size_t at = 0; at < content.size();) {
+        const std::size_t end = std::min(content.find('\0', at), content.size());
+        fields.emplace_back(content.substr(at, end - at));
+        at = end + 1;
+    }
+    return fields;
+}
+
+std::size_t NumberOf(const std::string& text) {
+    std::size_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+}  // namespace
+
+int KeptPlace::Percent() const {
+    return size == 0
+               ? 0
+               : static_cast<int>(static_cast<double>(place) * 100 / static_cast<double>(size));
+}
+
+std::string KeyOfFile(const std::string& path) {
+    const OwnedText absolute(g_canonicalize_filename(path.c_str(), nullptr));
+    return Sha256(std::string("file ") + absolute.get());
+}
+
+std::string KeyOfText(std::string_view text) {
+    std::string digested = "text " + std::to_string(text.size()) + " ";
+    digested += text.substr(0, kMostDigested);
+    if (text.size() > kMostDigested)
+        digested += text.substr(text.size() - kMostDigested / 4);
+    return Sha256(digested);
+}
+
+std::optional<std::size_t> FindPlace(const KeptPlace& kept, std::string_view text) {
+    if (kept.digest == KeyOfText(text))
+        return std::min(kept.place, text.size());
+    if (kept.sentence.empty())
+        return std::nullopt;
+    const std::size_t behind = text.find(kept.sentence, std::min(kept.place, text.size()));
+    const std::size_t before = text.rfind(kept.sentence, kept.place);
+    constexpr std::size_t kNone = std::string_view::npos;
+    if (behind == kNone && before == kNone)
+        return std::nullopt;
+    if (before == kNone || (behind != kNone && behind - kept.place < kept.place - before))
+        return behind;
+    return before;
+}
+
+KeptPlaces::KeptPlaces() {
+    std::string content;
+    if (!ReadPrivateFile(kPlacesFile, kMostPlacesBytes, content))
+        return;
+    std::vector<std::string> fields = FieldsOf(content);
+    for (std::size_t at = 0; at + kFields <= fields.size() && places_.size() < kMost; at += kFields)
+        places_.push_back({std::move(fields[at]), std::move(fields[at + 1]),
+                           NumberOf(fields[at + 2]), NumberOf(fields[at + 3]),
+                           std::move(fields[at + 4])});
+}
+
+std::optional<KeptPlace> KeptPlaces::Find(const std::string& key) const {
+    const auto found = std::ranges::find(places_, key, &KeptPlace::key);
+    return found == places_.end() ? std::nullopt : std::optional(*found);
+}
+
+int KeptPlaces::Keep(KeptPlace place) {
+    place.sentence.resize(std::min(place.sentence.size(), kMostSentence));
+    std::erase_if(places_, [&](const KeptPlace& each) { return each.key == place.key; });
+    places_.insert(places_.begin(), std::move(place));
+    if (places_.size() > kMost)
+        places_.pop_back();
+    return Write();
+}
+
+int KeptPlaces::Forget(const std::string& key) {
+    return std::erase_if(places_, [&](const KeptPlace& each) { return each.key == key; }) == 0
+               ? 0
+               : Write();
+}
+
+void ForgetKeptPlaces() {
+    RemovePrivateFile(kPlacesFile);
+}
+
+int KeptPlaces::Write() const {
+    std::string content;
+    for (const KeptPlace& each : places_) {
+        for (const std::string& field : {each.key, each.digest, std::to_string(each.size),
+                                         std::to_string(each.place), each.sentence})
+            content.append(field).push_back('\0');
+    }
+    return WritePrivateFile(kPlacesFile, content);
+}

@@ -1,0 +1,54 @@
+#include "app/reading/kept_places.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using testing::Optional;
+
+KeptPlace PlaceIn(const std::string& text, const std::string& sentence, const std::string& key) {
+    return {.key = key,
+            .digest = KeyOfText(text),
+            .size = text.size(),
+            .place = text.find(sentence),
+            .sentence = sentence};
+}
+
+TEST(KeptPlacesTest, TheNewestAreThereAtTheNextStart) {
+    const ScratchFolder home;
+    const ScopedVariable variable("HOME", home.Path().c_str());
+    const std::string text = "One. Two. Three. Four.";
+    {
+        KeptPlaces places;
+        for (std::size_t number = 0; number < KeptPlaces::kMost + 5; ++number)
+            EXPECT_EQ(places.Keep(PlaceIn(text, "Three.", std::to_string(number))), 0);
+        EXPECT_EQ(places.Keep(PlaceIn(text, "Two.", "7")), 0);
+        EXPECT_EQ(places.Forget("9"), 0);
+    }
+    const KeptPlaces places;
+    for (const char* gone : {"0", "4", "9"})
+        EXPECT_FALSE(places.Find(gone)) << gone;
+    ASSERT_TRUE(places.Find("5"));
+    EXPECT_EQ(places.Find("5")->Percent(), 45);
+    EXPECT_EQ(places.Find("7")->sentence, "Two.");
+    EXPECT_EQ(places.Find("7")->digest, KeyOfText(text));
+    // Whatever stands in the file.
+    home.Write(".quillon/lectora/reading-places", std::string("a\0b\0-1\0x", 8));
+    EXPECT_FALSE(KeptPlaces().Find("a"));
+}
+
+TEST(KeptPlacesTest, TheSentenceIsFoundAgainInAChangedText) {
+    const std::string text = "It rains. It pours. It rains. The end.";
+    KeptPlace kept = PlaceIn(text, "It rains.", "key");
+    kept.place = text.rfind("It rains.");
+    EXPECT_THAT(FindPlace(kept, text), Optional(20u));
+    EXPECT_THAT(FindPlace(kept, "New. " + text), Optional(25u)) << "the nearest";
+    EXPECT_THAT(FindPlace(kept, "It rains."), Optional(0u));
+    EXPECT_EQ(FindPlace(kept, "It snows."), std::nullopt);
+    kept.sentence.clear();
+    EXPECT_EQ(FindPlace(kept, "It snows."), std::nullopt);
+}
+
+}  // namespace
