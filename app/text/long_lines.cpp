@@ -1,5 +1,7 @@
 #include "app/text/long_lines.h"
 
+#include <algorithm>
+
 #include "foundation/owned_text.h"
 
 namespace {
@@ -164,6 +166,22 @@ GtkTextIter LongLines::At(int offset) const {
         at = next;
     }
     return at;
+}
+
+std::size_t LongLines::Bytes(GtkTextIter from, const GtkTextIter& to) const {
+    std::size_t bytes = 0;
+    while (gtk_text_iter_get_line(&from) < gtk_text_iter_get_line(&to)) {
+        GtkTextIter end = from;
+        if (!gtk_text_iter_ends_line(&end))
+            gtk_text_iter_forward_to_line_end(&end);
+        const int left =
+            gtk_text_iter_get_bytes_in_line(&from) - gtk_text_iter_get_line_index(&from);
+        bytes += static_cast<std::size_t>(left - (gtk_text_iter_has_tag(&end, nothing_) ? 1 : 0));
+        if (!gtk_text_iter_forward_line(&from))
+            return bytes;
+    }
+    const int rest = gtk_text_iter_get_line_index(&to) - gtk_text_iter_get_line_index(&from);
+    return bytes + static_cast<std::size_t>(std::max(rest, 0));
 }
 
 void LongLines::Forward(GtkTextIter& at, std::size_t bytes) const {

@@ -33,6 +33,8 @@ public:
     GtkTextIter At(int offset) const;
     // Whether the insertion under way is that of the broken text, in the place of the original.
     bool IsBreaking() const { return inserting_; }
+    // Bytes of the text between the places.
+    std::size_t Bytes(GtkTextIter from, const GtkTextIter& to) const;
     // Moves on by so many bytes of the text, or to its end.
     void Forward(GtkTextIter& at, std::size_t bytes) const;
 

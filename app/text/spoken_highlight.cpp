@@ -1,5 +1,11 @@
 #include "app/text/spoken_highlight.h"
 
+namespace {
+
+constexpr int kLinesAhead = 2;  // who reads along sees so many more
+
+}  // namespace
+
 void SpokenHighlight::Attach(GtkTextView* view, const LongLines& lines) {
     view_ = view;
     lines_ = &lines;
@@ -9,8 +15,10 @@ void SpokenHighlight::Attach(GtkTextView* view, const LongLines& lines) {
                                       "#000000", nullptr);
     GtkTextIter start;
     gtk_text_buffer_get_start_iter(buffer_, &start);
-    start_ = gtk_text_buffer_create_mark(buffer_, nullptr, &start, TRUE);
-    shown_ = gtk_text_buffer_create_mark(buffer_, nullptr, &start, TRUE);
+    for (GtkTextMark** mark : {&start_, &shown_, &ahead_})
+        *mark = gtk_text_buffer_create_mark(buffer_, nullptr, &start, TRUE);
+    edits_.Connect(buffer_, "insert-text", G_CALLBACK(GCInsertText), this);
+    edits_.Connect(buffer_, "delete-range", G_CALLBACK(GCDeleteRange), this);
 }
 
 void SpokenHighlight::Follow(Narrator& narrator) {
@@ -22,33 +30,111 @@ void SpokenHighlight::Hear(const ReadingNews& news) {
         Hide();
     else if (news.stretch)
         Show(news.stretch->sourceBegin, news.stretch->sourceEnd);
+    ShowSelected();
 }
 
-void SpokenHighlight::Begin(const GtkTextIter& start) {
+void SpokenHighlight::GCInsertText(GtkTextBuffer*, GtkTextIter* at, char*, int length,
+                                   gpointer user) {
+    static_cast<SpokenHighlight*>(user)->EvEdit(*at, 0, static_cast<std::size_t>(length));
+}
+
+void SpokenHighlight::GCDeleteRange(GtkTextBuffer*, GtkTextIter* start, GtkTextIter* end,
+                                    gpointer user) {
+    auto* self = static_cast<SpokenHighlight*>(user);
+    if (!self->isFollowing_)
+        return;
+    // What is before the text that is read moves its start.
+    const GtkTextIter begin = self->Start();
+    const GtkTextIter& from = gtk_text_iter_compare(start, &begin) < 0 ? begin : *start;
+    if (gtk_text_iter_compare(&from, end) < 0)
+        self->EvEdit(from, self->lines_->Bytes(from, *end), 0);
+}
+
+// Before it happens.
+void SpokenHighlight::EvEdit(const GtkTextIter& at, std::size_t removed, std::size_t added) {
+    const GtkTextIter begin = Start();
+    // Broken lines come in the place of what was noted already.
+    if (!isFollowing_ || lines_->IsBreaking() || gtk_text_iter_compare(&at, &begin) < 0)
+        return;
+    places_.Note(lines_->Bytes(begin, at), removed, added);
+    if (shownEnd_ > shownBegin_ && !places_.Now(shownBegin_, shownEnd_))
+        Unmark();
+}
+
+GtkTextIter SpokenHighlight::Start() const {
+    GtkTextIter start;
+    gtk_text_buffer_get_iter_at_mark(buffer_, &start, start_);
+    return start;
+}
+
+void SpokenHighlight::Begin(const GtkTextIter& start, bool isShown) {
     Unmark();
     gtk_text_buffer_move_mark(buffer_, start_, &start);
     gtk_text_buffer_move_mark(buffer_, shown_, &start);
+    places_.Clear();
     shownBegin_ = 0;
     shownEnd_ = 0;
     isFollowing_ = true;
+    isShown_ = isShown;
+}
+
+std::optional<std::size_t> SpokenHighlight::PlaceOf(const GtkTextIter& at) const {
+    const GtkTextIter start = Start();
+    if (!isFollowing_ || gtk_text_iter_compare(&at, &start) < 0)
+        return std::nullopt;
+    return places_.Then(lines_->Bytes(start, at));
 }
 
 void SpokenHighlight::Show(std::size_t begin, std::size_t end) {
-    if (!isFollowing_ || (begin == shownBegin_ && end == shownEnd_))
+    if (!isFollowing_ || !isShown_ || (begin == shownBegin_ && end == shownEnd_))
         return;
     Unmark();
-    GtkTextIter first;
-    // From the stretch before, since a text may be long.
-    const bool isAhead = begin >= shownBegin_;
-    gtk_text_buffer_get_iter_at_mark(buffer_, &first, isAhead ? shown_ : start_);
-    lines_->Forward(first, isAhead ? begin - shownBegin_ : begin);
-    GtkTextIter last = first;
-    lines_->Forward(last, end - begin);
-    gtk_text_buffer_move_mark(buffer_, shown_, &first);
+    const auto now = places_.Now(begin, end);
+    if (now) {
+        // From the stretch before, since a text may be long.
+        const bool isAhead = begin >= shownBegin_ && !places_.HasEdits();
+        GtkTextIter first;
+        gtk_text_buffer_get_iter_at_mark(buffer_, &first, isAhead ? shown_ : start_);
+        lines_->Forward(first, isAhead ? begin - shownBegin_ : *now);
+        GtkTextIter last = first;
+        lines_->Forward(last, end - begin);
+        gtk_text_buffer_move_mark(buffer_, shown_, &first);
+        gtk_text_buffer_apply_tag(buffer_, tag_, &first, &last);
+        BringIntoView(first, last);
+    }
     shownBegin_ = begin;
     shownEnd_ = end;
-    gtk_text_buffer_apply_tag(buffer_, tag_, &first, &last);
-    gtk_text_view_scroll_to_mark(view_, shown_, 0.1, FALSE, 0, 0);
+}
+
+// With the next lines, where all of that has room; a stretch that is taller from its beginning on.
+void SpokenHighlight::BringIntoView(const GtkTextIter& first, const GtkTextIter& last) {
+    GtkTextIter ahead = last;
+    for (int line = 0; line < kLinesAhead; ++line)
+        gtk_text_view_forward_display_line(view_, &ahead);
+    gtk_text_buffer_move_mark(buffer_, ahead_, &ahead);
+    GdkRectangle seen;
+    GdkRectangle top;
+    GdkRectangle bottom;
+    gtk_text_view_get_visible_rect(view_, &seen);
+    gtk_text_view_get_iter_location(view_, &first, &top);
+    gtk_text_view_get_iter_location(view_, &ahead, &bottom);
+    const int end = bottom.y + bottom.height;
+    if (top.y < seen.y)
+        gtk_text_view_scroll_to_mark(view_, shown_, 0.1, FALSE, 0, 0);
+    else if (end - top.y > seen.height)
+        gtk_text_view_scroll_to_mark(view_, shown_, 0, TRUE, 0, 0);
+    else if (end > seen.y + seen.height)
+        gtk_text_view_scroll_to_mark(view_, ahead_, 0, FALSE, 0, 0);
+}
+
+// The colours of a selection are drawn above those of the stretch.
+void SpokenHighlight::ShowSelected() {
+    const bool isSelected = gtk_text_buffer_get_has_selection(buffer_) != FALSE;
+    if (isSelected == isUnderlined_)
+        return;
+    isUnderlined_ = isSelected;
+    g_object_set(tag_, "underline", isSelected ? PANGO_UNDERLINE_SINGLE : PANGO_UNDERLINE_NONE,
+                 nullptr);
 }
 
 void SpokenHighlight::Hide() {
