@@ -34,8 +34,12 @@ int TextWidth(GtkWidget* label) {
 }  // namespace
 
 MainDialog::MainDialog()
-    : text_({[this](const char* text) { TellStatusText(text); }, [this] { Layout(); },
-             [this](const auto& paths) { EvFilesDropped(paths); }}),
+    : text_({[this](const char* text) { TellStatusText(text); },
+             [this] { Layout(); },
+             [this](const auto& paths) { EvFilesDropped(paths); },
+             [this] { read_.ShowStart(); },
+             {[this](const auto& place) { return read_.GoOnAt(place); },
+              [this](const auto& place) { read_.ReadFromPlace(place); }}}),
       commands_([this] { return Available(); }, [this](const char* text) { TellStatusText(text); }),
       places_(*this, commands_),
       selection_([this] { EnableControls(); }),
@@ -51,12 +55,17 @@ MainDialog::MainDialog()
                             .noVoice = [this] { TellNoSpeechEngine(Widget()); },
                             .cannotPlay = RunMachineCheckWithoutCard}),
       playback_(narrator_, commands_,
-                {.read = [this] { Read(TextPane::Extent::kAll); },
+                {.read = [this] { read_.Read(); },
                  .tell = [this](const char* text) { TellStatusText(text); }}),
       readingStatus_(narrator_,
                      {.show = [this](const char* text) { SetStatusText(text); },
                       .tell = [this](const char* text) { TellStatusText(text); }},
                      kBanner),
+      read_({*this, text_, narrator_, voices_, player_, commands_,
+             [this] { return saving_ || loading_; },
+             [this](const char* text) { TellStatusText(text); }}),
+      keeper_({text_, narrator_, read_, [this](const char* text) { TellStatusText(text); },
+               [this] { Layout(); }}),
       control_(narrator_, ControlWays()),
       reading_(narrator_.News(), [this](const ReadingNews& news) { EvReading(news); }) {
     AddCommands();
@@ -89,8 +98,9 @@ void MainDialog::CreateControls() {
     OfferButton(kSaveButton);
     AddControl(places_.NewCommandBar(), kCommandBar);
     AddControl(text_.NewFindBar(commands_), kFindBar);
+    AddControl(keeper_.Offer().Create(), kPlaceOffer);
     text_.TakeDrops(Widget());
-    static constexpr int kFocusOrder[] = {kCommandBar, kTextBox,    kFindBar,
+    static constexpr int kFocusOrder[] = {kCommandBar, kTextBox,    kPlaceOffer, kFindBar,
                                           kVoiceList,  kReadButton, kSaveButton};
     SetFocusOrder(kFocusOrder);
 }
@@ -109,7 +119,7 @@ void MainDialog::InitDialog() {
     commands_.Check(kShowCommandBar, ShowsCommandBar());
     AddStandardMenuItems(true);
     LHelpLinks::SetUp(*this);
-    places_.ListRecentFiles(RecentFiles::List());
+    ListRecentFiles();
     SetKeyMap(commands_.Keys());
     hotKeys_.Init();
     hotKeys_.Start();
@@ -123,7 +133,9 @@ void MainDialog::InitDialog() {
 void MainDialog::EvShown() {
     presence_.Begin();
     control_.OfferSoon();
+    ShowTitle();
     if (narrator_.QueueLength() == 0) {
+        keeper_.TextCame();
         firstMoments_.Begin(*this,
                             [this] { hotKeyOffer_.AskSoon(*this, [this] { hotKeys_.Start(); }); });
         return;
@@ -224,14 +236,25 @@ void MainDialog::LayoutControls(int width, int height) {
     ShowToolBar(!sizes.isLow);
     LayoutBase(sizes.left, sizes.top, sizes.width, sizes.height);
     ShowControl(kFindBar, text_.IsFindOpen());  // what is hidden has no size
-    sizes.findHeight = text_.IsFindOpen() ? NaturalHeight(GetControlByID(kFindBar)) : 0;
+    ShowControl(kPlaceOffer, keeper_.Offer().IsOpen());
+    const int findHeight = text_.IsFindOpen() ? NaturalHeight(GetControlByID(kFindBar)) : 0;
+    const int offerHeight =
+        keeper_.Offer().IsOpen() ? NaturalHeight(GetControlByID(kPlaceOffer)) : 0;
+    sizes.findHeight = findHeight + offerHeight;
     sizes.labelWidth = TextWidth(GetControlByID(kVoiceLabel)) + 4;
     sizes.labelHeight = NaturalHeight(GetControlByID(kVoiceLabel));
     sizes.listHeight = NaturalHeight(GetControlByID(kVoiceList));
     const WindowLayout layout = LayOut(sizes);
     Place(kCommandBar, layout.commandBar);
     Place(kTextBox, layout.text);
-    Place(kFindBar, layout.findBar);
+    LayoutPlace bar = layout.findBar;
+    bar.height = offerHeight;
+    bar.isShown = layout.findBar.isShown && keeper_.Offer().IsOpen();
+    Place(kPlaceOffer, bar);
+    bar.y += offerHeight;
+    bar.height = layout.findBar.height - offerHeight;
+    bar.isShown = layout.findBar.isShown && text_.IsFindOpen();
+    Place(kFindBar, bar);
     Place(kVoiceLabel, layout.voiceLabel);
     Place(kVoiceList, layout.voiceList);
     Place(kReadButton, layout.readButton);
@@ -273,9 +296,16 @@ void MainDialog::EvTextChanged() {
     // What the user writes is not replaced by a file that still waits.
     if (!settingWaitingFile_)
         narrator_.ForgetQueue();
-    text_.Highlight().End();
     selection_.DropFetch();
+    keeper_.TextChanged();
     EnableControls();
+}
+
+// What is read, else the document in the window.
+void MainDialog::ShowTitle() {
+    const std::string name = narrator_.IsReading() ? narrator_.Now().title : text_.Title();
+    gtk_window_set_title(GTK_WINDOW(Widget()),
+                         name.empty() ? "Lectora" : (name + " - Lectora").c_str());
 }
 
 bool MainDialog::EvKeyDown(unsigned int key) {

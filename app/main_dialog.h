@@ -9,14 +9,12 @@
 #include "app/control/remote_control.h"
 #include "app/hotkeys/hot_key_offer.h"
 #include "app/hotkeys/hot_keys.h"
-#include "app/reading/dialogs/reading_player.h"
+#include "app/place_keeper.h"
+#include "app/read_aloud.h"
 #include "app/reading/dialogs/reading_status.h"
 #include "app/reading/dialogs/reading_troubles.h"
 #include "app/reading/dialogs/reading_wait_box.h"
-#include "app/reading/dialogs/voice_choice.h"
-#include "app/reading/narrator.h"
 #include "app/text/selection_watch.h"
-#include "app/text/text_pane.h"
 #include "app/window/first_moments.h"
 #include "app/window/keyboard_wait.h"
 #include "app/window/playback_commands.h"
@@ -74,9 +72,6 @@ private:
     // In the status bar while there is nothing else to tell.
     static constexpr const char* kBanner = "Lectora v 1.05";
 
-    // Reads text of the text box aloud; not while a save or a loading is under way, whose dialogs
-    // pump events.
-    void Read(TextPane::Extent extent, const std::string& title = "");
     void SaveText(const std::string& text, int voice);
     QueuedText::Begun ReadWaitingFile(const std::string& path);
 
@@ -97,7 +92,6 @@ private:
     void CreateControls();
     void OfferButton(int number);
     void Place(int control, const LayoutPlace& place);
-    void CmReadStopOrGoOn();
     void CmReadFromFile();
     void CmReadFromSelection();
     void CmReadSelectionOrPause();
@@ -109,7 +103,9 @@ private:
     void CmMoreVoices();
     void EvVoiceChosen() { voices_.NoteChange(); }
     void OpenRecentFile(std::size_t number);
+    void ListRecentFiles();
     void ListRecentFilesSoon();
+    void ShowTitle();
     void ReadFiles(const std::vector<std::string>& files);
     struct Outside;  // what is done for who asks from there
     ControlledWindow ControlWays();
@@ -140,6 +136,8 @@ private:
     ReadingTroubles troubles_;
     PlaybackCommands playback_;
     ReadingStatus readingStatus_;
+    ReadAloud read_;
+    PlaceKeeper keeper_;
     RemoteControl control_;
     Narrator::Subscription reading_;
     bool saving_ = false;   // its dialogs handle events

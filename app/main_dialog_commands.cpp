@@ -8,19 +8,9 @@
 #include "gui/icon_numbers.h"
 
 struct MainDialog::Rows {
-    // The large buttons act as these commands do, and name their keys.
-    static constexpr LKeyCode kReadKey = kKeyControl | kKeyShift | GDK_R;
+    // The large button acts as this command does, and names its key.
     static constexpr LKeyCode kSaveKey = kKeyControl | kKeyAlt | GDK_V;
     static constexpr CommandRow<MainDialog> kAll[] = {
-        {{.number = kReadCurrent,
-          .also = {kReadAllOfWindow, kReadSelectionOfWindow},
-          .label = "Read Current&Text",
-          .name = "Read current text",
-          .tip = "Read aloud the Lectora window",
-          .icon = kReadAloudIcon,
-          .keys = {kReadKey},
-          .needs = kNeedsText},
-         &MainDialog::CmRead},
         {{.number = kReadFromFile,
           .also = {kReadFromFileMenu},
           .label = "Read from fil&e",
@@ -36,13 +26,6 @@ struct MainDialog::Rows {
           .needs = kNeedsSelection},
          &MainDialog::CmReadFromSelection},
         {{.number = kReadSelectionOrPause}, &MainDialog::CmReadSelectionOrPause},
-        {{.number = kReadButton,
-          .name = "Read Aloud",
-          .tip = "Read the current text aloud",
-          .icon = kReadButtonIcon,
-          .keys = {kReadKey},
-          .needs = kNeedsTextOrReading},
-         &MainDialog::CmReadStopOrGoOn},
         {{.number = kSaveCurrent,
           .also = {kSaveAllOfWindow, kSaveSelectionOfWindow},
           .label = "Save Current &Text",
@@ -120,6 +103,7 @@ struct MainDialog::Rows {
 
 void MainDialog::AddCommands() {
     commands_.Add(*this, Rows::kAll);
+    read_.AddCommands();
     text_.AddCommands(commands_);
     playback_.AddCommands();
     commands_.AddRange(kRecentFile, kLastRecentFile, [this](int command) {
@@ -132,8 +116,10 @@ void MainDialog::AddCommands() {
 
 // Without a file the command ends.
 void MainDialog::CmReadFromFile() {
-    if (OpenFile())
-        CmRead();
+    if (!OpenFile())
+        return;
+    CmRead();
+    keeper_.TextCame();  // it is heard from its beginning until its user has answered
 }
 
 void MainDialog::CmReadFromSelection() {

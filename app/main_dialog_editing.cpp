@@ -23,11 +23,18 @@ void MainDialog::OpenRecentFile(std::size_t number) {
                   (path + " was taken from the list of recent files.").c_str());
 }
 
+void MainDialog::ListRecentFiles() {
+    std::vector<std::string> labels = RecentFiles::List();
+    for (std::string& label : labels)
+        label = keeper_.WithProgress(label);
+    places_.ListRecentFiles(labels);
+}
+
 // From the main loop: an item of the list may be what was pressed just now.
 void MainDialog::ListRecentFilesSoon() {
     recentTimer_.Start(0, [this] {
         if (IsOpen())
-            places_.ListRecentFiles(RecentFiles::List());
+            ListRecentFiles();
     });
 }
 

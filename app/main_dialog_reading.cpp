@@ -11,27 +11,6 @@
 #include "app/settings_keys.h"
 #include "gui/icon_numbers.h"
 
-void MainDialog::Read(TextPane::Extent extent, const std::string& title) {
-    if (saving_ || loading_)
-        return;
-    GtkTextIter start;
-    std::string text = text_.Text(extent, start);
-    if (text.empty())
-        return;
-    // Once there was a box it takes the desktop a moment to give the keyboard back.
-    player_.Expect({Widget(), GetControlByID(kTextBox)},
-                   gtk_window_is_active(GTK_WINDOW(Widget())) != FALSE);
-    // The engine may be slow to wake up, or have been installed since the program was started.
-    const int voice = voices_.Chosen();
-    narrator_.Read(std::move(text), voice, title);
-    if (kFollowTextSetting.Get())
-        text_.Highlight().Begin(start);
-    else
-        text_.Highlight().End();
-    if (voice < 0)
-        voices_.Ask();
-}
-
 void MainDialog::SaveText(const std::string& text, int voice) {
     const std::string note = SaveSpeech(Widget(), text, voice, SuggestedName(text, text_.File()));
     if (!note.empty())
@@ -39,7 +18,7 @@ void MainDialog::SaveText(const std::string& text, int voice) {
 }
 
 void MainDialog::CmRead() {
-    Read(TextPane::Extent::kAll);
+    read_.Read();
 }
 
 // What is being read goes on meanwhile.
@@ -57,22 +36,13 @@ void MainDialog::CmSave() {
     narrator_.ContinueQueueSoon();
 }
 
-// The button is down while it reads, and pressing it then lets go; up while it is paused.
-void MainDialog::CmReadStopOrGoOn() {
-    if (narrator_.State() == ReadingState::kPaused)
-        narrator_.Play();
-    else if (narrator_.IsReading())
-        narrator_.Stop();
-    else
-        Read(TextPane::Extent::kSelected);
-}
-
 QueuedText::Begun MainDialog::ReadWaitingFile(const std::string& path) {
     if (!IsOpen() || firstKeyboard_.IsWaiting() || saving_ || loading_)
         return QueuedText::Begun::kNotNow;
     if (!LoadFile(path, FileFrom::kArguments))
         return QueuedText::Begun::kFailed;
-    Read(TextPane::Extent::kAll, path.substr(path.rfind('/') + 1));
+    read_.Read();
+    keeper_.TextCame();  // it is heard from its beginning until its user has answered
     return narrator_.IsReading() ? QueuedText::Begun::kYes : QueuedText::Begun::kFailed;
 }
 
@@ -106,11 +76,10 @@ void MainDialog::ReadFiles(const std::vector<std::string>& files) {
 void MainDialog::EvReading(const ReadingNews& news) {
     if (!news.IsNew() || !IsOpen())
         return;
+    ShowTitle();
+    if (!IsReading(news.state))
+        ListRecentFilesSoon();  // and how far they were read
     const bool isPaused = news.state == ReadingState::kPaused;
-    if (IsReading(news.state) && !isPaused)
-        SetCoolButtonDown(kReadButton);
-    else
-        SetCoolButtonUp(kReadButton);
     if (isPaused)
         presence_.ShowState(kTrayPausedIcon, "Lectora: paused");
     else if (IsReading(news.state))

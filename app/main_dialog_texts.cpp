@@ -70,6 +70,7 @@ void MainDialog::CmSaveTextAs() {
         return;
     text_.WasSavedAs(path);
     RecentFiles::Add(path);
+    ShowTitle();
     ListRecentFilesSoon();
     TellStatusText(("Saved as " + path).c_str());
 }
@@ -110,8 +111,11 @@ bool MainDialog::LoadFile(const std::string& path, FileFrom from, bool isWholePa
         return false;
     }
     settingWaitingFile_ = from == FileFrom::kArguments;
-    text_.TakeFile(document->text, path, document->hasSurroundings);
+    text_.TakeFile(*document, path);
     settingWaitingFile_ = false;
+    ShowTitle();
+    if (from == FileFrom::kUser)
+        keeper_.TextCame();
     if (std::exchange(unreadableIsTold_, false))
         SetStatusText(kBanner);
     if (const std::string note = NoteOn(*document); !note.empty())

@@ -6,6 +6,7 @@
 enum ControlNumber {
     kCommandBar = 85,
     kFindBar = 86,
+    kPlaceOffer = 87,
     kTextBox = 101,
     kVoiceLabel = 402,
     kVoiceList = 500,
@@ -35,6 +36,7 @@ enum CommandNumber {
     kTextChanged = 1111,
     kSaveSelectionOfWindow = 1222,
     kReadSelectionOrPause = 1301,  // the hotkey's
+    kReadFromHere = 1302,
     kPlayOrPause = 1311,
     kStopReading = 1312,
     kPreviousSentence = 1313,
@@ -42,6 +44,10 @@ enum CommandNumber {
     kNextSentence = 1315,
     kFaster = 1316,
     kSlower = 1317,
+    kPreviousParagraph = 1321,
+    kNextParagraph = 1322,
+    kPreviousHeading = 1323,
+    kNextHeading = 1324,
     kUndo = 1401,
     kRedo = 1402,
     kFind = 1403,

@@ -54,6 +54,8 @@ constexpr LMenuItem kMenuBar[] = {
     Item(kFind),
     Item(kFindNext),
     kSeparator,
+    Item(kReadFromHere),
+    kSeparator,
     Item(kLargerText),
     Item(kSmallerText),
     Item(kNormalText),
@@ -65,6 +67,11 @@ constexpr LMenuItem kMenuBar[] = {
     Item(kPreviousSentence),
     Item(kRepeatSentence),
     Item(kNextSentence),
+    kSeparator,
+    Item(kPreviousParagraph),
+    Item(kNextParagraph),
+    Item(kPreviousHeading),
+    Item(kNextHeading),
     kSeparator,
     Item(kFaster),
     Item(kSlower),
@@ -174,9 +181,9 @@ constexpr WindowLabel kMenuLabels[] = {
     {kSaveAllOfWindow, "Save all from %s\tCtrl+Alt+E"},
 };
 
-std::string RecentFileText(std::size_t number, const std::string& path) {
+std::string RecentFileText(std::size_t number, const std::string& label) {
     std::string text = "&" + std::to_string(number + 1) + " ";
-    for (const char byte : path) {
+    for (const char byte : label) {
         text += byte;
         if (byte == '&')
             text += byte;
@@ -251,7 +258,7 @@ GtkWidget* CommandPlaces::NewCommandBar() {
     return bar;
 }
 
-void CommandPlaces::ListRecentFiles(const std::vector<std::string>& paths) {
+void CommandPlaces::ListRecentFiles(const std::vector<std::string>& labels) {
     auto* bar = static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(window_.Widget()), "menu_bar"));
     GtkWidget* menu = gtk_menu_item_get_submenu(GTK_MENU_ITEM(LGtkChildren(bar).First()));
     const auto position =
@@ -261,14 +268,14 @@ void CommandPlaces::ListRecentFiles(const std::vector<std::string>& paths) {
     GtkWidget* list = gtk_menu_item_get_submenu(GTK_MENU_ITEM(title));
     for (GtkWidget* old : LGtkChildren(list))
         gtk_widget_destroy(old);
-    for (std::size_t number = 0; number < paths.size(); ++number) {
-        const std::string text = RecentFileText(number, paths[number]);
+    for (std::size_t number = 0; number < labels.size(); ++number) {
+        const std::string text = RecentFileText(number, labels[number]);
         const LMenuItem row[] = {{static_cast<std::int16_t>(kRecentFile + number), text.c_str()}};
         std::size_t index = 0;
         LMenuAdd(window_, list, row, index, {});
     }
     gtk_widget_show_all(list);
-    gtk_widget_set_sensitive(title, !paths.empty());
+    gtk_widget_set_sensitive(title, !labels.empty());
 }
 
 void CommandPlaces::SetPopup(LWindow::PopupMenu& menu, LMenuItems items) {

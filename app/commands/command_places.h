@@ -19,7 +19,7 @@ public:
     void CreateMenus();          // menu bar and tool bar; the window is open, and once
     GtkWidget* NewCommandBar();  // floating; once
     // In the first menu; numbered from kRecentFile on.
-    void ListRecentFiles(const std::vector<std::string>& paths);
+    void ListRecentFiles(const std::vector<std::string>& labels);
     void DropDown(int command);  // under the arrow that sent this command
     void PopupTrayMenu();        // at the pointer
     // Names the program that was in front before this window, in the labels that speak of it.

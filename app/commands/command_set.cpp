@@ -18,6 +18,8 @@ constexpr struct {
     {kNeedsSound, "Nothing is being read."},
     {kNeedsTextOrSound, "There is nothing to play yet."},
     {kNeedsArticle, "Nothing around the text is left out."},
+    {kNeedsPlaces, "Nothing is being read."},
+    {kNeedsHeadings, "This text has no headings."},
 };
 
 }  // namespace

@@ -49,6 +49,8 @@ int KeptPlace::Percent() const {
 }
 
 std::string KeyOfFile(const std::string& path) {
+    if (path.find("://") != std::string::npos)
+        return Sha256("page " + path);
     const OwnedText absolute(g_canonicalize_filename(path.c_str(), nullptr));
     return Sha256(std::string("file ") + absolute.get());
 }

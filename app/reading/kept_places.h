@@ -18,7 +18,7 @@ struct KeptPlace {
     int Percent() const;
 };
 
-// Neither names nor texts stand in the store.
+// Neither names nor texts stand in the store. A path, or a page's address.
 std::string KeyOfFile(const std::string& path);
 std::string KeyOfText(std::string_view text);
 

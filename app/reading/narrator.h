@@ -97,6 +97,7 @@ public:
     void MoveToParagraph(int step);       // 1 or -1: the next one, or the start of this or the last
     void MoveToHeading(int step);         // likewise, where the text has headings
     void MoveToPlace(std::size_t place);  // the sentence at that byte of the text
+    bool CanMove() const;                 // there is a text whose places can be heard
     bool HasHeadings() const { return !info_.Headings().empty(); }
     std::size_t Place() const;  // of the sentence that is heard, or will be
 
@@ -114,7 +115,6 @@ private:
     void End(ReadingEnd why, std::string note);
     void Tell(ReadingState before);
     bool IsFetching() const { return firstSound_.IsWaiting() || nextPlace_.IsRunning(); }
-    bool CanMove() const;
     std::optional<SpokenStretch> Heard() const;
     void BeginSpeech(std::size_t place);
     void GoTo(std::size_t place);

@@ -11,7 +11,6 @@ constexpr unsigned int kPlaceMilliseconds = 100;
 
 }  // namespace
 
-// There is a text whose places can be heard.
 bool Narrator::CanMove() const {
     return IsReading() && info_.Reading() != nullptr;
 }

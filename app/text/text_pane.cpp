@@ -6,6 +6,8 @@
 
 #include "app/commands/command_numbers.h"
 #include "documents/web_address.h"
+#include "foundation/first_words.h"
+#include "foundation/owned_text.h"
 #include "gui/accessible.h"
 #include "gui/controls/control_factory.h"
 #include "gui/display_text.h"
@@ -21,10 +23,13 @@ LEditWidgets TextPane::NewTextBox() {
     view_ = GTK_TEXT_VIEW(edit.textView);
     buffer_ = GObjectRef<GtkTextBuffer>::Share(gtk_text_view_get_buffer(view_));
     history_.Attach(buffer_.Get(), lines_);
+    highlight_.Attach(view_, lines_);
+    headings_.Attach(buffer_.Get(), lines_);
     lines_.Attach(buffer_.Get());
     kept_.Attach(buffer_.Get(), lines_);
     history_.BeginAnew();
-    highlight_.Attach(view_, lines_);
+    start_.Attach(buffer_.Get(), lines_, listener_.startMoved);
+    clicks_.Attach(view_, listener_.clicks);
     original_.Attach(view_, lines_);
     pasted_.Connect(buffer_.Get(), "paste-done", G_CALLBACK(GCPasted), this);
     size_.Attach(edit.textView);
@@ -96,12 +101,28 @@ void TextPane::Replace(const std::string& text) {
     gtk_text_buffer_begin_user_action(buffer_.Get());
     gtk_text_buffer_set_text(buffer_.Get(), shown.data(), static_cast<gint>(shown.size()));
     gtk_text_buffer_end_user_action(buffer_.Get());
+    highlight_.End();
+    headings_.Set({});
+    title_.clear();
+    start_.TextCame();
 }
 
-void TextPane::TakeFile(const std::string& text, const std::string& path, bool isArticle) {
-    isArticle_ = isArticle;
-    Replace(text);
+void TextPane::TakeFile(const Document& document, const std::string& path) {
+    isArticle_ = document.hasSurroundings;
+    Replace(document.text);
     kept_.CameFromFile(path);
+    title_ = BeginningOf(DisplayText(document.title), 20, 100);
+    std::vector<std::size_t> places;
+    for (const DocumentHeading& heading : document.headings)
+        places.push_back(heading.begin);
+    headings_.Set(places);
+}
+
+std::string TextPane::Title() const {
+    if (File().empty() || !title_.empty())
+        return File().empty() ? "" : title_;
+    const OwnedText name(g_filename_display_basename(File().c_str()));
+    return name.get();
 }
 
 void TextPane::WasSavedAs(const std::string& path) {
@@ -114,14 +135,6 @@ void TextPane::TakeFromProgram(const std::string& text) {
     kept_.KeepNow();
     Replace(text);
     kept_.CameFromProgram();
-}
-
-std::string TextPane::Text(Extent extent, GtkTextIter& begin) const {
-    GtkTextIter end;
-    if (extent == Extent::kAll ||
-        !gtk_text_buffer_get_selection_bounds(buffer_.Get(), &begin, &end))
-        gtk_text_buffer_get_bounds(buffer_.Get(), &begin, &end);
-    return lines_.Text(begin, end);
 }
 
 void TextPane::CmUndo() {

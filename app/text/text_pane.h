@@ -1,5 +1,5 @@
 // The text box of the main window and what belongs to it: long lines, undoing, finding, the size of
-// the letters, what is dropped on it, and the stretch that is being heard.
+// the letters, what is dropped on it, where a reading begins, and the stretch that is being heard.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -14,9 +14,13 @@
 #include "app/text/kept_text.h"
 #include "app/text/long_lines.h"
 #include "app/text/original_text.h"
+#include "app/text/reading_start.h"
 #include "app/text/spoken_highlight.h"
+#include "app/text/text_clicks.h"
+#include "app/text/text_headings.h"
 #include "app/text/text_history.h"
 #include "app/text/text_size.h"
+#include "documents/document.h"
 
 struct LEditWidgets;
 
@@ -28,6 +32,8 @@ public:
         std::function<void(const char*)> tell;  // a sentence for the user
         std::function<void()> reshaped;         // the find bar has come or gone
         std::function<void(const std::vector<std::string>&)> dropped;  // files, pages
+        std::function<void()> startMoved;                              // Start() may be another now
+        TextClicks::Listener clicks;
     };
     explicit TextPane(Listener listener);
     TextPane(const TextPane&) = delete;
@@ -48,16 +54,17 @@ public:
     // As it was given, whatever is broken for showing.
     std::string Text() const { return lines_.Text(); }
     // These replace all text, as one step to be undone.
-    // isArticle: what surrounds it on its web page is left out.
-    void TakeFile(const std::string& text, const std::string& path, bool isArticle);
+    void TakeFile(const Document& document, const std::string& path);
     void TakeFromProgram(const std::string& text);  // selected or copied there, or dropped
     // Where the text is from and, later, is kept; empty: in no file.
     const std::string& File() const { return kept_.File(); }
+    bool IsKept() const { return kept_.IsKept(); }
     void WasSavedAs(const std::string& path);
     void KeepNow() { kept_.KeepNow(); }  // for the next start
-    // What is selected, or all where nothing is or all is wanted; begin: where it begins.
-    enum class Extent { kAll, kSelected };
-    std::string Text(Extent extent, GtkTextIter& begin) const;
+    // What the document calls itself, else its file's name; empty: it is none.
+    std::string Title() const;
+    std::vector<std::size_t> Headings() const { return headings_.Places(); }
+    const ReadingStart& Start() const { return start_; }
     SpokenHighlight& Highlight() { return highlight_; }
 
 private:
@@ -82,6 +89,10 @@ private:
     TextSize size_;
     bool isArticle_ = false;
     SpokenHighlight highlight_;
+    ReadingStart start_;
+    TextClicks clicks_;
+    TextHeadings headings_;
+    std::string title_;  // the document's own
     OriginalText original_;
     FindBar find_;
     DropTarget drop_;

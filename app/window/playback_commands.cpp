@@ -14,7 +14,7 @@ PlaybackCommands::PlaybackCommands(Narrator& narrator, CommandSet& commands, Lis
       news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
 
 void PlaybackCommands::AddCommands() {
-    // Ctrl with an arrow moves by words and paragraphs while nothing is heard.
+    // Ctrl with an arrow moves by words and paragraphs of the text box while nothing is read.
     static constexpr CommandRow<PlaybackCommands> kRows[] = {
         {{.number = kPlayOrPause, .label = "&Play", .keys = {GDK_F9}, .needs = kNeedsTextOrSound},
          &PlaybackCommands::CmPlayOrPause},
@@ -27,21 +27,44 @@ void PlaybackCommands::AddCommands() {
         {{.number = kPreviousSentence,
           .label = "Pre&vious Sentence",
           .keys = {kKeyControl | GDK_Left},
-          .needs = kNeedsSound,
+          .needs = kNeedsPlaces,
           .sharesKeys = true},
          &PlaybackCommands::CmPreviousSentence},
         {{.number = kRepeatSentence,
           .label = "&Repeat Sentence",
-          .keys = {kKeyControl | GDK_Down},
-          .needs = kNeedsSound,
-          .sharesKeys = true},
+          .keys = {kKeyControl | GDK_R},
+          .needs = kNeedsSound},
          &PlaybackCommands::CmRepeatSentence},
         {{.number = kNextSentence,
           .label = "&Next Sentence",
           .keys = {kKeyControl | GDK_Right},
-          .needs = kNeedsSound,
+          .needs = kNeedsPlaces,
           .sharesKeys = true},
          &PlaybackCommands::CmNextSentence},
+        {{.number = kPreviousParagraph,
+          .label = "Previous P&aragraph",
+          .keys = {kKeyControl | GDK_Up},
+          .needs = kNeedsPlaces,
+          .sharesKeys = true},
+         &PlaybackCommands::CmPreviousParagraph},
+        {{.number = kNextParagraph,
+          .label = "Next Para&graph",
+          .keys = {kKeyControl | GDK_Down},
+          .needs = kNeedsPlaces,
+          .sharesKeys = true},
+         &PlaybackCommands::CmNextParagraph},
+        {{.number = kPreviousHeading,
+          .label = "Previous &Heading",
+          .keys = {kKeyControl | GDK_Page_Up},
+          .needs = kNeedsPlaces | kNeedsHeadings,
+          .sharesKeys = true},
+         &PlaybackCommands::CmPreviousHeading},
+        {{.number = kNextHeading,
+          .label = "Next H&eading",
+          .keys = {kKeyControl | GDK_Page_Down},
+          .needs = kNeedsPlaces | kNeedsHeadings,
+          .sharesKeys = true},
+         &PlaybackCommands::CmNextHeading},
         {{.number = kFaster,
           .label = "&Faster",
           .keys = {kKeyAlt | GDK_Page_Up},
@@ -65,7 +88,9 @@ CommandNeeds PlaybackCommands::Available(bool hasText) const {
     const bool isReading = narrator_.IsReading();
     return (isReading ? kNeedsReading : 0) | (CanBeHeard() ? kNeedsSound : 0) |
            (CanBeHeard() || (hasText && !isReading) ? kNeedsTextOrSound : 0) |
-           (hasText || isReading ? kNeedsTextOrReading : 0);
+           (hasText || isReading ? kNeedsTextOrReading : 0) |
+           (narrator_.CanMove() ? kNeedsPlaces : 0) |
+           (narrator_.HasHeadings() ? kNeedsHeadings : 0);
 }
 
 void PlaybackCommands::CmPlayOrPause() {

@@ -28,6 +28,10 @@ private:
     void CmPreviousSentence() { narrator_.MoveToSentence(-1); }
     void CmRepeatSentence() { narrator_.MoveToSentence(0); }
     void CmNextSentence() { narrator_.MoveToSentence(1); }
+    void CmPreviousParagraph() { narrator_.MoveToParagraph(-1); }
+    void CmNextParagraph() { narrator_.MoveToParagraph(1); }
+    void CmPreviousHeading() { narrator_.MoveToHeading(-1); }
+    void CmNextHeading() { narrator_.MoveToHeading(1); }
     void CmFaster() { ChangeSpeed(kSpeedStep); }
     void CmSlower() { ChangeSpeed(-kSpeedStep); }
     void ChangeSpeed(int percent);

@@ -25,8 +25,9 @@ void LPlayerBaseDlg::InitDialog() {
     TBSetRange(kPosition, 0, 100);
     HandleHSBChange(kPosition, kPositionMoved);
     HandleHSBChange(kTempo, kTempoMoved);
-    SetTooltip(kTempo,
-               "How many times as fast as the voice itself. Faster (Ctrl+Up), slower (Ctrl+-)");
+    SetTooltip(
+        kTempo,
+        "How many times as fast as the voice itself. Faster (Alt+Page Up), slower (Alt+Page Down)");
     DBEditSetLevel(kVolume, transport_.Volume());
     HandleDBEditChange(kVolume, kVolumeChanged);
     LSoundPlayDeviceInit(*this, kDevice, transport_.Device());
@@ -59,7 +60,7 @@ void LPlayerBaseDlg::NameButtons() {
         {kForward, "Forward (->)", kForwardDown, kForwardUp},
         {kEnd, "Go to End (End)", kEnd, 0},
         {kPreviousSentence, "Previous Sentence (Ctrl+Left)", kPreviousSentence, 0},
-        {kRepeatSentence, "Repeat Sentence (Ctrl+Down)", kRepeatSentence, 0},
+        {kRepeatSentence, "Repeat Sentence (Ctrl+R)", kRepeatSentence, 0},
         {kNextSentence, "Next Sentence (Ctrl+Right)", kNextSentence, 0},
         {kNextTrack, "Next Track (PgDn)", kNextTrack, 0},
     };
@@ -181,7 +182,7 @@ bool LPlayerBaseDlg::EvKeyDown(unsigned int key) {
         {GDK_Home, kStart},
         {GDK_End, kEnd},
         {kKeyControl | GDK_Left, kPreviousSentence},
-        {kKeyControl | GDK_Down, kRepeatSentence},
+        {kKeyControl | GDK_R, kRepeatSentence},
         {kKeyControl | GDK_Right, kNextSentence},
     };
     switch (key) {
@@ -209,10 +210,10 @@ bool LPlayerBaseDlg::EvKeyDown(unsigned int key) {
         case GDK_KP_Enter:
             DeliverCommand(kCommandOk);
             return true;
-        case kKeyControl | GDK_Up:
-        case kKeyControl | GDK_minus:
+        case kKeyAlt | GDK_Page_Up:
+        case kKeyAlt | GDK_Page_Down:
             ChangeTempo(transport_.TempoPercent() +
-                        (key == (kKeyControl | GDK_Up) ? kTempoStep : -kTempoStep));
+                        (key == (kKeyAlt | GDK_Page_Up) ? kTempoStep : -kTempoStep));
             return true;
         default:
             break;

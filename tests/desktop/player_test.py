@@ -42,7 +42,7 @@ class PlayerTest(DesktopCase):
         desktop.wait_until(lectora.highlighted, "the highlight")
         self.picture("player")
         # The main window has moved over for it as far as it can, and its buttons are in sight.
-        own, player = lectora.find("frame", "Lectora"), lectora.find("dialog", "Lectora Player")
+        own, player = lectora.find("frame"), lectora.find("dialog", "Lectora Player")
         desktop.wait_until(lambda: lectora.place(own).x < 10, "the move")
         box = lectora.place(player)
         save = lectora.place(lectora.find("push button", "Save as Speech"))
@@ -82,7 +82,7 @@ class PlayerTest(DesktopCase):
             lectora.active_window("dialog", "Lectora Player")
             if leaves:
                 lectora.focus()
-                lectora.active_window("frame", "Lectora")
+                desktop.wait_until(lambda: lectora.has_keyboard(lectora.find("frame")), "the window")
             self.card.tell("speed 8")
             self.card.wait_for(stream, "close")
             sounds.append(self.card.sound(stream).samples)

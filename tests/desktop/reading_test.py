@@ -117,16 +117,6 @@ class ReadingTest(DesktopCase):
         starts = [row for row in self.card.events(stream) if row[1] == "start" and row[3] <= frame]
         return starts[-1][0] + (frame - starts[-1][3]) / rate
 
-    def test_a_selected_stretch_is_read_alone_by_the_large_button(self):
-        lectora = self.start()
-        lectora.set_text("one two three")
-        self.assertTrue(lectora.text_box().queryText().addSelection(4, 7))
-        self.read_aloud(lectora)
-        lectora.focus()
-        desktop.press_keys("ctrl+shift+r")
-        self.card.wait_for(self.card.next_stream(), "close")
-        self.assertEqual([call.split(" ", 2)[2] for call in self.spoken()], ["two", "one two three"])
-
     def test_a_sentence_that_kills_the_engine_is_left_out_and_told(self):
         desktop.tell_engine("text2wave die poison")
         lectora = self.start()

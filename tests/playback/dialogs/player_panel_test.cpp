@@ -203,7 +203,7 @@ TEST_F(PlayerPanelTest, WindingBecomesFasterAndReachesBothEnds) {
 TEST_F(PlayerPanelTest, SpeedHalvesTheTimeAtTheSamePitchAndIsKeptWithTheVoice) {
     Open(4, "rates 48000\nspeed 4\n", Tone);
     for (int presses = 0; presses < 10; ++presses)
-        Press(kKeyControl | GDK_Up);
+        Press(kKeyAlt | GDK_Page_Up);
     Press(GDK_F9);
     ASSERT_TRUE(Ended());
     const std::vector<std::int16_t> played = cards_.Played(0);

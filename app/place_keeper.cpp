@@ -1,0 +1,103 @@
+#include "app/place_keeper.h"
+
+#include <glib.h>
+
+#include <utility>
+
+#include "app/settings_keys.h"
+#include "foundation/first_words.h"
+
+PlaceKeeper::PlaceKeeper(Parts parts)
+    : parts_(std::move(parts)),
+      offer_({parts_.reshaped, [this] { GoOn(); }, [this] { BeginAnew(); }}),
+      news_(parts_.narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
+
+std::string PlaceKeeper::KeyOfWindow(const std::string& text) const {
+    return parts_.text.File().empty() ? KeyOfText(text) : KeyOfFile(parts_.text.File());
+}
+
+void PlaceKeeper::TextCame() {
+    offer_.Close();
+    const std::string text = parts_.text.Text();
+    const auto kept = text.empty() ? std::nullopt : places_.Find(KeyOfWindow(text));
+    if (!kept)
+        return;
+    const auto place = FindPlace(*kept, text);
+    if (!place) {
+        parts_.tell("The document has changed: the sentence where you stopped is not in it.");
+        return;
+    }
+    offered_ = *place;
+    const std::string offer = "You stopped at " + std::to_string(kept->Percent()) + " %, \"" +
+                              BeginningOf(std::string_view(text).substr(offered_)) + "\"";
+    offer_.Open(offer);
+    parts_.tell((offer + ": Alt+G goes on, Alt+B begins anew").c_str());
+}
+
+void PlaceKeeper::TextChanged() {
+    offer_.Close();
+}
+
+void PlaceKeeper::GoOn() {
+    if (parts_.narrator.IsReading())
+        parts_.narrator.MoveToPlace(offered_);
+    else
+        parts_.read.ReadAt(offered_);
+}
+
+void PlaceKeeper::BeginAnew() {
+    if (parts_.narrator.IsReading())
+        parts_.narrator.MoveToPlace(0);
+    else
+        parts_.read.ReadAt(0);
+}
+
+void PlaceKeeper::Hear(const ReadingNews& news) {
+    if (news.HasBegun()) {
+        offer_.Close();
+        NoteText();
+    }
+    // What was offered stays kept until its user has answered, or has heard so far.
+    if (news.stretch && news.stretch->sourceBegin >= offered_)
+        offer_.Close();
+    if (now_.key.empty() || offer_.IsOpen())
+        return;
+    if (news.IsNew() && news.end == ReadingEnd::kToItsEnd)
+        TellTrouble(places_.Forget(now_.key));
+    else if (news.stretch && news.stretch->sourceBegin != now_.place)
+        Keep(news.stretch->sourceBegin);
+}
+
+// A stretch that was selected is no text of its own, and what came from another program is private.
+void PlaceKeeper::NoteText() {
+    now_ = {};
+    if (!parts_.read.IsWhole() || !parts_.text.IsKept() || !kKeepTextSetting.Get())
+        return;
+    const std::string& text = parts_.narrator.Text();
+    now_ = {.key = KeyOfWindow(text),
+            .digest = KeyOfText(text),
+            .size = text.size(),
+            .place = 0,
+            .sentence = {}};
+}
+
+// At its beginning there is nothing to go on with.
+void PlaceKeeper::Keep(std::size_t place) {
+    now_.place = place;
+    now_.sentence = parts_.narrator.Text().substr(place, KeptPlaces::kMostSentence);
+    if (const std::size_t line = now_.sentence.find('\n'); line != std::string::npos)
+        now_.sentence.resize(line);
+    TellTrouble(place == 0 ? places_.Forget(now_.key) : places_.Keep(now_));
+}
+
+void PlaceKeeper::TellTrouble(int error) {
+    if (error == 0 || std::exchange(isTroubleTold_, true))
+        return;
+    const std::string why = g_strerror(error);
+    parts_.tell(("The place in the text cannot be kept: " + why + ".").c_str());
+}
+
+std::string PlaceKeeper::WithProgress(const std::string& path) const {
+    const auto kept = places_.Find(KeyOfFile(path));
+    return kept ? path + " (" + std::to_string(kept->Percent()) + " %)" : path;
+}

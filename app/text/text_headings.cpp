@@ -1,0 +1,34 @@
+#include "app/text/text_headings.h"
+
+void TextHeadings::Attach(GtkTextBuffer* buffer, const LongLines& lines) {
+    buffer_ = buffer;
+    lines_ = &lines;
+}
+
+void TextHeadings::Set(const std::vector<std::size_t>& places) {
+    for (GtkTextMark* mark : marks_)
+        gtk_text_buffer_delete_mark(buffer_, mark);
+    marks_.clear();
+    GtkTextIter at;
+    gtk_text_buffer_get_start_iter(buffer_, &at);
+    for (std::size_t before = 0; const std::size_t place : places) {
+        lines_->Forward(at, place - before);
+        // What is typed right before a heading does not belong to it.
+        marks_.push_back(gtk_text_buffer_create_mark(buffer_, nullptr, &at, FALSE));
+        before = place;
+    }
+}
+
+std::vector<std::size_t> TextHeadings::Places() const {
+    std::vector<std::size_t> places;
+    GtkTextIter from;
+    gtk_text_buffer_get_start_iter(buffer_, &from);
+    for (GtkTextMark* mark : marks_) {
+        GtkTextIter at;
+        gtk_text_buffer_get_iter_at_mark(buffer_, &at, mark);
+        const std::size_t before = places.empty() ? 0 : places.back();
+        places.push_back(before + lines_->Bytes(from, at));
+        from = at;
+    }
+    return places;
+}

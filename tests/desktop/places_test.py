@@ -1,0 +1,127 @@
+"""Places in the text: where a reading begins, follows its user's edits, and goes on another day."""
+import os
+import unittest
+
+from desktop_case import DesktopCase, desktop
+
+SENTENCES = [
+    f"Number {word} is a sentence that goes on for a while here."
+    for word in "one two three four five six".split()
+]
+TEXT = " ".join(SENTENCES)
+
+
+class PlacesTest(DesktopCase):
+    def words_spoken(self):
+        return " ".join(call.split(" ", 2)[2] for call in self.spoken())
+
+    def wait_for_highlight(self, lectora, sentence):
+        desktop.wait_until(lambda: lectora.highlighted().strip() == sentence, sentence)
+
+    def double_click(self, lectora, offset):
+        text = lectora.text_box().queryText()
+        x, y, width, height = text.getCharacterExtents(offset, desktop.pyatspi.DESKTOP_COORDS)
+        desktop.xdotool("mousemove", x + width // 2, y + height // 2, "click", "--repeat", 2, "--delay", 50, 1)
+
+    def test_a_reading_begins_with_the_selection_at_the_cursor_or_at_the_beginning(self):
+        lectora = self.start()
+        lectora.set_text("One two three. Four five six.")
+        box = lectora.text_box().queryText()
+        lectora.focus()
+
+        def spoken_after(act):
+            desktop.forget_engine_calls()
+            act()
+            self.card.wait_for(self.card.next_stream(), "close")
+            desktop.wait_until(lambda: "eading" not in lectora.status(), "the end")
+            return self.words_spoken()
+
+        def press(name):
+            return lambda: lectora.press("toggle button", name)
+
+        self.assertEqual(spoken_after(press("Read Aloud")), "One two three. Four five six.")
+        box.setCaretOffset(22)  # within "five"
+        lectora.find("toggle button", "Read from Cursor")
+        self.picture("read-from-cursor")
+        self.assertEqual(spoken_after(press("Read from Cursor")), "five six.")
+        self.assertEqual(spoken_after(lambda: desktop.press_keys("ctrl+shift+r")), "five six.")
+        box.addSelection(4, 13)
+        self.assertEqual(spoken_after(press("Read Selection")), "two three")
+        # A selection is a place too.
+        self.assertEqual(
+            spoken_after(lambda: desktop.press_keys("ctrl+Return")), "two three. Four five six."
+        )
+        self.assertEqual(lectora.text(), "One two three. Four five six.")
+        lectora.set_text("Another text.")
+        lectora.find("toggle button", "Read Aloud")
+
+    def test_the_highlight_follows_edits_and_double_clicks_move_it(self):
+        self.card.tell("speed 0.2")
+        lectora = self.start()
+        lectora.set_text(TEXT)
+        lectora.focus()
+        desktop.press_keys("F9")
+        self.wait_for_highlight(lectora, SENTENCES[0])
+        self.assertEqual(
+            desktop.xdotool("getwindowname", lectora.window()).strip(),
+            "Number one is a sentence that... - Lectora",
+        )
+        lectora.focus()
+        self.double_click(lectora, TEXT.index(SENTENCES[3]) + 12)
+        self.wait_for_highlight(lectora, SENTENCES[3])
+        # Into a sentence before the one that is heard, and into one behind it.
+        box = lectora.text_box().queryEditableText()
+        box.insertText(4, "more and more ", 14)
+        self.assertEqual(lectora.highlighted().strip(), SENTENCES[3])
+        box.insertText(lectora.text().index("five"), "nearly ", 7)
+        self.assertEqual(lectora.highlighted().strip(), SENTENCES[3])
+        desktop.press_keys("ctrl+Right", "ctrl+Right")
+        self.wait_for_highlight(lectora, SENTENCES[5])
+        self.picture("highlight-after-edits")
+        desktop.press_keys("ctrl+Left")
+        desktop.wait_until(lambda: not lectora.highlighted(), "the edited sentence, which has none")
+        desktop.press_keys("ctrl+Left")
+        self.wait_for_highlight(lectora, SENTENCES[3])
+        desktop.press_keys("Escape")
+        self.assertIn("more and more", lectora.text())
+
+    def test_a_killed_reading_goes_on_where_it_was(self):
+        self.card.tell("speed 0.5")
+        path = self.file("ferries.txt", TEXT)
+        lectora = self.start(path)
+        for sentence in SENTENCES[:3]:
+            self.wait_for_highlight(lectora, sentence)
+        lectora.end()
+        store = os.path.join(desktop.HOME, ".quillon/lectora/reading-places")
+        self.assertEqual(os.stat(store).st_mode & 0o777, 0o600)
+
+        lectora = self.start()
+        offer = lectora.find("label", 'You stopped at 33 %, "Number three is a sentence that..."')
+        self.picture("place-offered")
+        self.assertTrue(offer.getState().contains(desktop.pyatspi.STATE_SHOWING))
+        lectora.focus()
+        desktop.press_keys("alt+g")
+        self.wait_for_highlight(lectora, SENTENCES[2])
+        self.assertEqual(desktop.xdotool("getwindowname", lectora.window()).strip(), "ferries.txt - Lectora")
+        desktop.wait_until(lambda: not offer.getState().contains(desktop.pyatspi.STATE_SHOWING), "the offer to go")
+        lectora.focus()
+        desktop.press_keys("Escape")
+        desktop.wait_until(lambda: not self.is_down(lectora), "the end")
+        lectora.end()
+
+        # The file has changed: the sentence is found again.
+        self.file("ferries.txt", "A line that is new stands before all of it. " + TEXT)
+        lectora = self.start(path)
+        self.wait_for_highlight(lectora, "A line that is new stands before all of it.")
+        lectora.focus()
+        desktop.press_keys("alt+g")
+        self.wait_for_highlight(lectora, SENTENCES[2])
+        self.card.tell("speed 20")
+        desktop.wait_until(lambda: not self.is_down(lectora), "the end")
+        lectora.end()
+        lectora = self.start()
+        self.assertFalse(lectora.shown("push button", "Go On"), "it was heard to its end")
+
+
+if __name__ == "__main__":
+    unittest.main()
