@@ -73,8 +73,8 @@ void DocxListener::SetNotes(const DocxNotes* footnotes, const DocxNotes* endnote
 bool DocxListener::EvElement(std::string_view name, const MarkupAttributes& attributes) {
     if (IsLeftOutOfDocx(name))
         return false;
-    if (name == "oMath" || formulaDepth_ > 0)
-        return EvFormulaElement(name);
+    if (name == "oMath" || formula_.IsOpen())
+        return formula_.Begin(OfficeMathPart(name));
     if (name == "p") {
         paragraphs_.emplace_back();
     } else if (name == "txbxContent") {
@@ -87,15 +87,6 @@ bool DocxListener::EvElement(std::string_view name, const MarkupAttributes& attr
         EvProperty(name, attributes);
         EvContent(name, attributes);
     }
-    return true;
-}
-
-bool DocxListener::EvFormulaElement(std::string_view name) {
-    const std::optional<FormulaText::Part> part = OfficeMathPart(name);
-    if (!part)
-        return false;
-    ++formulaDepth_;
-    formula_.Begin(*part);
     return true;
 }
 
@@ -203,9 +194,9 @@ void DocxListener::EndTextBox() {
 }
 
 void DocxListener::EvElementEnd(std::string_view name) {
-    if (formulaDepth_ > 0) {
+    if (formula_.IsOpen()) {
         formula_.End();
-        if (--formulaDepth_ == 0) {
+        if (!formula_.IsOpen()) {
             if (!paragraphs_.empty())
                 BeginParagraph();
             Flow().Add(formula_.Take());
@@ -227,7 +218,7 @@ void DocxListener::EvElementEnd(std::string_view name) {
 }
 
 void DocxListener::EvText(std::string_view text) {
-    if (formulaDepth_ > 0)
+    if (formula_.IsOpen())
         return formula_.AddText(text);
     if (texts_ == 0 || isHidden_)
         return;

@@ -44,7 +44,6 @@ private:
         int cells;  // that were open around it
     };
 
-    bool EvFormulaElement(std::string_view name);
     void EvProperty(std::string_view name, const MarkupAttributes& attributes);
     void EvContent(std::string_view name, const MarkupAttributes& attributes);
     void AddNote(const DocxNotes* notes, const MarkupAttributes& attributes);
@@ -63,7 +62,6 @@ private:
     std::vector<TextBox> boxes_;         // that are open
     std::vector<std::string> behind_;    // what follows the paragraph
     FormulaText formula_;
-    int formulaDepth_ = 0;
     int texts_ = 0;
     int cells_ = 0;
     bool isHidden_ = false;

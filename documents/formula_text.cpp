@@ -86,7 +86,9 @@ FormulaText::FormulaText() : formula_(std::make_unique<Node>()), open_{formula_.
 
 FormulaText::~FormulaText() = default;
 
-void FormulaText::Begin(Part part) {
+bool FormulaText::Begin(std::optional<Part> part) {
+    if (!part)
+        return false;
     isTable_ = isTable_ || part == Part::kTable;
     if (part == Part::kToken)
         ++tokens_;
@@ -94,11 +96,12 @@ void FormulaText::Begin(Part part) {
     if (tokens_ > kMostTokens || open_.size() > kMostDepth || isTable_) {
         isTable_ = true;
         open_.push_back(open_.back());
-        return;
+        return true;
     }
     open_.back()->children.push_back(std::make_unique<Node>());
-    open_.back()->children.back()->part = part;
+    open_.back()->children.back()->part = *part;
     open_.push_back(open_.back()->children.back().get());
+    return true;
 }
 
 void FormulaText::End() {

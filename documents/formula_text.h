@@ -17,10 +17,11 @@ public:
     FormulaText(const FormulaText&) = delete;
     FormulaText& operator=(const FormulaText&) = delete;
 
-    void Begin(Part part);
+    // False: what is no part is left out with all that it holds, and its end is not told.
+    bool Begin(std::optional<Part> part);
     void End();
     void AddText(std::string_view text);
-    bool IsWhole() const { return open_.size() == 1; }  // all that was begun has ended
+    bool IsOpen() const { return open_.size() > 1; }  // something was begun and has not ended
 
     // "formula" for one that no line can show. Makes room for the next one.
     std::string Take();

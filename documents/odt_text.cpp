@@ -19,10 +19,7 @@ bool IsCell(std::string_view name) {
 class MathListener : public MarkupListener {
 public:
     bool EvElement(std::string_view name, const MarkupAttributes&) override {
-        const std::optional<FormulaText::Part> part = MathPart(name);
-        if (part)
-            formula.Begin(*part);
-        return part.has_value();
+        return formula.Begin(MathPart(name));
     }
     void EvElementEnd(std::string_view) override { formula.End(); }
     void EvText(std::string_view text) override { formula.AddText(text); }
@@ -58,8 +55,8 @@ bool OdtListener::BeginFact(std::string_view name) {
 bool OdtListener::EvElement(std::string_view name, const MarkupAttributes& attributes) {
     if (IsLeftOut(name))
         return false;
-    if (name == "math" || formulaDepth_ > 0)
-        return EvFormulaElement(name);
+    if (name == "math" || formula_.IsOpen())
+        return formula_.Begin(MathPart(name));
     if (BeginFact(name))
         return true;
     BeginStyle(name, attributes);
@@ -178,15 +175,6 @@ void OdtListener::AddObject(std::string_view address) {
     Flow().Add(listener.formula.Take());
 }
 
-bool OdtListener::EvFormulaElement(std::string_view name) {
-    const std::optional<FormulaText::Part> part = MathPart(name);
-    if (!part)
-        return false;
-    ++formulaDepth_;
-    formula_.Begin(*part);
-    return true;
-}
-
 void OdtListener::EndParagraph() {
     if (paragraphs_ > 0)
         --paragraphs_;
@@ -207,9 +195,9 @@ void OdtListener::EndParagraph() {
 
 void OdtListener::EvElementEnd(std::string_view name) {
     fact_ = nullptr;
-    if (formulaDepth_ > 0) {
+    if (formula_.IsOpen()) {
         formula_.End();
-        if (--formulaDepth_ == 0)
+        if (!formula_.IsOpen())
             Flow().Add(formula_.Take());
     } else if (name == "body") {
         --bodies_;
@@ -240,7 +228,7 @@ void OdtListener::EvElementEnd(std::string_view name) {
 void OdtListener::EvText(std::string_view text) {
     if (fact_ != nullptr && fact_->size() + text.size() < kLongestFact)
         *fact_ += text;
-    else if (formulaDepth_ > 0)
+    else if (formula_.IsOpen())
         formula_.AddText(text);
     else if (descriptions_ > 0)
         description_ += text.substr(0, kLongestFact);

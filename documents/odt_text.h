@@ -59,7 +59,6 @@ private:
     void EndParagraph();
     void EndSide();
     void AddObject(std::string_view address);
-    bool EvFormulaElement(std::string_view name);
     TextFlow& Flow() { return sides_.empty() ? flow_ : sides_.back().flow; }
 
     TextFlow& flow_;
@@ -72,7 +71,6 @@ private:
     std::vector<std::string> behind_;
     std::string itemMark_;  // of an item that has begun
     FormulaText formula_;
-    int formulaDepth_ = 0;
     int bodies_ = 0;
     int paragraphs_ = 0;
     int cells_ = 0;

@@ -108,9 +108,9 @@ bool PageListener::EvElement(std::string_view name, const MarkupAttributes& attr
         return false;
     }
     Element element;
-    if (name == "math" || formulaDepth_ > 0) {
+    if (name == "math" || formula_.IsOpen()) {
         element.isFormulaPart = true;
-        if (!EvFormulaElement(name))
+        if (!formula_.Begin(MathPart(name)))
             return false;
     } else {
         BeginWords(name, attributes, element);
@@ -121,15 +121,6 @@ bool PageListener::EvElement(std::string_view name, const MarkupAttributes& attr
     else if (attributes.Has("xml:lang"))
         BeginLanguage(attributes.Value("xml:lang"), element);
     open_.push_back(element);
-    return true;
-}
-
-bool PageListener::EvFormulaElement(std::string_view name) {
-    const std::optional<FormulaText::Part> part = MathPart(name);
-    if (!part)
-        return false;
-    ++formulaDepth_;
-    formula_.Begin(*part);
     return true;
 }
 
@@ -220,7 +211,7 @@ void PageListener::EvElementEnd(std::string_view) {
     isInTitle_ = false;
     if (element.isFormulaPart) {
         formula_.End();
-        if (--formulaDepth_ == 0)
+        if (!formula_.IsOpen())
             flow_.Add(formula_.Take());
     }
     if (element.endsQuote)
@@ -248,7 +239,7 @@ void PageListener::EvElementEnd(std::string_view) {
 void PageListener::EvText(std::string_view text) {
     if (isInTitle_)
         title_ += text;
-    else if (formulaDepth_ > 0)
+    else if (formula_.IsOpen())
         formula_.AddText(text);
     else if (raisedDepth_ > 0)
         raised_ += text.substr(0, 4096);

@@ -50,7 +50,6 @@ private:
     void BeginListItem(const MarkupAttributes& attributes);
     void BeginLanguage(std::string_view tag, Element& element);
     void EndRaised();
-    bool EvFormulaElement(std::string_view name);
     bool EvHeadElement(std::string_view name, const MarkupAttributes& attributes);
 
     TextFlow& flow_;
@@ -59,7 +58,6 @@ private:
     std::vector<List> lists_;
     std::vector<std::string> languages_;  // of the elements that are open and name one
     FormulaText formula_;
-    int formulaDepth_ = 0;  // elements of a formula that are open
     int preformatted_ = 0;
     int raisedDepth_ = 0;
     int references_ = 0;  // links within pages that are open
