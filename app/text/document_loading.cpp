@@ -15,6 +15,7 @@ namespace {
 
 // Most documents are there before this; a dialog would only flicker.
 constexpr unsigned int kWithoutDialogMs = 300;
+constexpr std::size_t kLongestAddressShown = 80;  // the dialog is as wide as its label
 
 // Shared by the window's thread and the worker, whichever lasts longer.
 struct Loading {
@@ -42,8 +43,10 @@ private:
 };
 
 LProcessResult Process(LProgress& progress, const Loading& loading) {
-    const std::string& path = loading.path;
-    progress.SetSecondLabel((IsWebAddress(path) ? path : FileOfPath(path)).c_str());
+    std::string name = IsWebAddress(loading.path) ? loading.path : FileOfPath(loading.path);
+    if (name.size() > kLongestAddressShown && IsWebAddress(name))
+        name = name.substr(0, kLongestAddressShown) + "...";
+    progress.SetSecondLabel(name.c_str());
     return progress.ProcessWaitSignal(loading.done.Ref(), std::numeric_limits<unsigned int>::max());
 }
 
