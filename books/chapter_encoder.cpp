@@ -116,7 +116,7 @@ std::string ChapterEncoder::Encode(const ChapterToEncode& chapter) {
     WholeFile file(chapter.path, WholeFile::Existing::kReplace);
     if (!file.Problem().empty())
         return file.Problem();
-    const std::string problem = Write(chapter, file.WritePath());
+    std::string problem = Write(chapter, file.WritePath());
     if (!problem.empty())
         return problem;
     if (!chapter.isPart && !WriteBookTags(file.WritePath(), chapter.type, chapter.tags))
