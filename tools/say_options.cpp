@@ -263,6 +263,18 @@ std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
     return std::nullopt;
 }
 
+// How texts are read and written; the exit status when the option's value is none.
+std::optional<int> ParseManner(int option, SayOptions& options) {
+    const std::string value = optarg == nullptr ? "" : optarg;
+    if (option == kSplit && !ParseSplit(optarg, options))
+        return UsageError(kSayProgram, "no such length of parts: " + value);
+    if (option == kText && !ParseTextForm(optarg == nullptr ? "whole" : optarg, options))
+        return UsageError(kSayProgram, "no such form of text: " + value);
+    if ((option == kSkip || option == kKeep) && !ParseParts(value, option == kKeep, options.rules))
+        return UsageError(kSayProgram, "no such part of documents: " + value);
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& options) {
@@ -293,26 +305,18 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
             case 'p':
                 options.showsProgress = true;
                 break;
-            case kSplit:
-                if (!ParseSplit(optarg, options))
-                    return UsageError(kSayProgram,
-                                      std::string("no such length of parts: ") + optarg);
-                break;
             case kWholePage:
                 options.rules.wholePage = true;
                 break;
             case kAsWritten:
                 options.speaking.saysDifferently = false;
                 break;
+            case kSplit:
             case kSkip:
             case kKeep:
-                if (!ParseParts(optarg, option == kKeep, options.rules))
-                    return UsageError(kSayProgram,
-                                      std::string("no such part of documents: ") + optarg);
-                break;
             case kText:
-                if (!ParseTextForm(optarg == nullptr ? "whole" : optarg, options))
-                    return UsageError(kSayProgram, std::string("no such form of text: ") + optarg);
+                if (const std::optional<int> status = ParseManner(option, options))
+                    return status;
                 break;
             case kAudiobook:
                 isBook = true;
