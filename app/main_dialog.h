@@ -99,6 +99,7 @@ private:
     void CmSaveFromSelection();
     void CmSaveTextAs();
     void CmWholePage();
+    void CmSayDifferently();
     void CmCheckComputer();
     void CmMoreVoices();
     void EvVoiceChosen() { voices_.NoteChange(); }

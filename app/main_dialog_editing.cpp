@@ -4,8 +4,13 @@
 #include "app/commands/command_numbers.h"
 #include "app/main_dialog.h"
 #include "app/text/recent_files.h"
+#include "app/words/say_differently_dialog.h"
 #include "documents/web_address.h"
 #include "gui/windows/message_box.h"
+
+void MainDialog::CmSayDifferently() {
+    SayDifferently(Widget(), text_.WordAtCursor());
+}
 
 void MainDialog::OpenRecentFile(std::size_t number) {
     const std::vector<std::string> files = RecentFiles::List();

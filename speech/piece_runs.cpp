@@ -59,8 +59,10 @@ PieceRuns::PieceRuns(std::string_view text, int voice, std::string folder, Readi
 PieceRuns::~PieceRuns() = default;
 
 bool PieceRuns::StartRuns() {
-    if (!pieces_)
-        pieces_.emplace(text_, AskedVoiceAt(voice_), use_, rules_);
+    if (!pieces_) {
+        TTSGetNumSpeakers();  // asks when nobody has
+        pieces_.emplace(text_, voice_, use_, rules_);
+    }
     while (!hasEnded_ && runs_.size() < mostAtOnce_ && taker_.IsMoreWanted() && PullPiece()) {
     }
     for (std::size_t i = 0; !hasEnded_ && i < std::min(mostAtOnce_, runs_.size()); ++i)
@@ -81,7 +83,7 @@ bool PieceRuns::PullPiece() {
 
 void PieceRuns::StartRun(Run& run) {
     run.request.outputPath = folder_.c_str();
-    run.request.voice = voice_;
+    run.request.voice = run.piece.voice;
     run.start = std::chrono::steady_clock::now();
     run.engine.emplace(run.request);
     if (!run.engine->StartPrepared(run.piece.Text())) {
@@ -178,7 +180,7 @@ void PieceRuns::LeaveOut(const SpeechPiece& piece, SynthesisOutcome why) {
     spokenTo_ = piece.SourceEnd();
     whyNothing_ = why;
     LOGWARNF("Speech: left out bytes %zu to %zu of the text: %s", piece.SourceBegin(),
-             piece.SourceEnd(), SynthesisMessage(why, VoiceAt(voice_)).c_str());
+             piece.SourceEnd(), SynthesisMessage(why, VoiceAt(piece.voice)).c_str());
     if (++leftOutInRow_ >= kMaxLeftOutInRow)
         End(why);
 }

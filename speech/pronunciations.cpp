@@ -319,3 +319,17 @@ void SaidDifferently::SearchNextSentence() {
         match.end += sentence.begin;
     }
 }
+
+std::string SayWith(Pronunciation entry, std::string_view text) {
+    entry.where.clear();
+    SaidDifferently differently(
+        std::make_shared<Pronunciations>(std::vector<Pronunciation>{std::move(entry)}), text, "",
+        "");
+    std::string said;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto stretch = differently.At(at);
+        said += stretch ? stretch->said : text.substr(at, 1);
+        at = stretch ? stretch->end : at + 1;
+    }
+    return said;
+}

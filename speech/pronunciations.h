@@ -50,6 +50,9 @@ private:
 // Of the user and of the machine; read again when a file has changed. Any thread.
 std::shared_ptr<const Pronunciations> CurrentPronunciations();
 
+// The text with the entry applied, whatever voice and language it is for.
+std::string SayWith(Pronunciation entry, std::string_view text);
+
 // More patterns than these would make each sentence wait; the others are left out, with a word in
 // the log.
 constexpr std::size_t kMostPatterns = 300;

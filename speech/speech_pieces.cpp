@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
+
+#include "speech/language_voices.h"
 
 namespace {
 
@@ -46,14 +49,20 @@ SpeechPiece SpeechPiece::TakeSecondHalf() {
     while (std::next(middle) != units.end() && size < whole / 2)
         size += (middle++)->text.size();
     SpeechPiece second;
+    second.voice = voice;
     second.units.assign(std::make_move_iterator(middle), std::make_move_iterator(units.end()));
     units.erase(middle, units.end());
     return second;
 }
 
-SpeechPieces::SpeechPieces(std::string_view text, const Voice& voice, ReadingUse use,
-                           const SpeakingRules& rules)
-    : units_(text, voice.charset, voice.language, SaidBy(voice, text, rules)),
+SpeakingRules ChosenSpeakingRules() {
+    return {.byLanguage = kVoiceByLanguageSetting.Get()};
+}
+
+SpeechPieces::SpeechPieces(std::string_view text, int voice, ReadingUse use, SpeakingRules rules)
+    : text_(text),
+      rules_(std::move(rules)),
+      stretches_(text, voice, rules_.byLanguage, rules_.marks),
       use_(use),
       enough_(use == ReadingUse::kListening ? kEnoughToListen : kFirstToSave),
       most_(use == ReadingUse::kListening ? kMostToListen : kFirstToSave) {}
@@ -62,16 +71,40 @@ bool SpeechPieces::Next(SpeechPiece& piece) {
     piece.units.clear();
     std::size_t size = 0;
     while (true) {
-        if (TextUnit unit; !ahead_ && units_.Next(unit))
-            ahead_ = std::move(unit);
+        const bool isAhead = ahead_ || NextUnit();
         const bool isEnough = size >= enough_ && (use_ == ReadingUse::kSaving || size >= most_ ||
-                                                  (ahead_ && ahead_->beginsSentence));
-        if (!ahead_ || isEnough)
+                                                  (isAhead && ahead_->beginsSentence));
+        const bool isOthers = !piece.units.empty() && isAhead && aheadVoice_ != piece.voice;
+        if (!isAhead || isEnough || isOthers)
             return !piece.units.empty();
         size += ahead_->text.size();
+        piece.voice = aheadVoice_;
         piece.units.push_back(std::move(*ahead_));
         ahead_.reset();
     }
+}
+
+// Into ahead_. False at the end.
+bool SpeechPieces::NextUnit() {
+    TextUnit unit;
+    while (!units_ || !units_->Next(unit)) {
+        if (units_) {
+            unsayable_.Add(units_->Unsayable());
+            const std::vector<std::string>& givenUp = units_->GivenUpPatterns();
+            givenUp_.insert(givenUp_.end(), givenUp.begin(), givenUp.end());
+            units_.reset();
+        }
+        if (!stretches_.Next(stretch_))
+            return false;
+        const std::string_view text = text_.substr(stretch_.begin, stretch_.end - stretch_.begin);
+        const Voice voice = VoiceAt(stretch_.voice);
+        units_.emplace(text, voice.charset, voice.language, SaidBy(voice, text, rules_));
+    }
+    unit.sourceBegin += stretch_.begin;
+    unit.sourceEnd += stretch_.begin;
+    ahead_ = std::move(unit);
+    aheadVoice_ = stretch_.voice;
+    return true;
 }
 
 void SpeechPieces::RunTook(double seconds) {
@@ -89,11 +122,25 @@ void SpeechPieces::LimitTo(std::size_t size) {
 }
 
 std::string SpeechPieces::Message() const {
-    std::string message = units_.Unsayable().Message();
-    for (const std::string& pattern : units_.GivenUpPatterns()) {
-        message += message.empty() ? "" : " ";
-        message += "The pattern \"" + pattern +
-                   "\" of your pronunciation list takes too long and was not used to the end.";
+    UnsayableText unsayable = unsayable_;
+    std::vector<std::string> givenUp = givenUp_;
+    if (units_) {
+        unsayable.Add(units_->Unsayable());
+        givenUp.insert(givenUp.end(), units_->GivenUpPatterns().begin(),
+                       units_->GivenUpPatterns().end());
+    }
+    std::ranges::sort(givenUp);
+    givenUp.erase(std::ranges::unique(givenUp).begin(), givenUp.end());
+    std::vector<std::string> sentences = {unsayable.Message(),
+                                          MissingVoicesMessage(stretches_.WithoutVoice())};
+    for (const std::string& pattern : givenUp)
+        sentences.push_back("The pattern \"" + pattern +
+                            "\" of your pronunciation list takes too long and was not used to the "
+                            "end.");
+    std::string message;
+    for (const std::string& sentence : sentences) {
+        message += message.empty() || sentence.empty() ? "" : " ";
+        message += sentence;
     }
     return message;
 }

@@ -7,7 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "foundation/settings/setting.h"
 #include "speech/text_preparation.h"
+#include "speech/voice_stretches.h"
 #include "speech/voice_table.h"
 
 // What a reading is for decides how its pieces are cut: the first sentence at once, or the whole at
@@ -16,12 +18,19 @@ enum class ReadingUse { kListening, kSaving };
 
 // How a text is spoken, beside the voice.
 struct SpeakingRules {
-    bool saysDifferently = true;  // by the pronunciation list (pronunciations.h)
+    bool saysDifferently = true;           // by the pronunciation list (pronunciations.h)
+    bool byLanguage = false;               // each language by a voice of its own
+    std::vector<LanguageMark> marks = {};  // of the text's document
 };
+
+// As the user has chosen.
+SpeakingRules ChosenSpeakingRules();
+constexpr UserSetting<bool> kVoiceByLanguageSetting{"Settings", "VoiceByLanguage", true};
 
 // Consecutive units of a text; never empty.
 struct SpeechPiece {
     std::vector<TextUnit> units;
+    int voice = 0;  // index into the voice table
 
     std::size_t Size() const;  // bytes of prepared text
     std::string Text() const;  // the units' prepared texts joined
@@ -32,14 +41,13 @@ struct SpeechPiece {
     SpeechPiece TakeSecondHalf();
 };
 
-// Pieces end only where a unit ends, so that their sound joined is what one run gives for the
-// whole; for a listener also only where a sentence of the text does, unless that is over-long. Made
-// as they are asked for. One thread.
+// Each in one voice. Pieces end only where a unit ends, so that their sound joined is what one run
+// gives for the whole; for a listener also only where a sentence of the text does, unless that is
+// over-long. Made as they are asked for. One thread.
 class SpeechPieces {
 public:
     // The text's bytes outlive this.
-    SpeechPieces(std::string_view text, const Voice& voice, ReadingUse use,
-                 const SpeakingRules& rules = {});
+    SpeechPieces(std::string_view text, int voice, ReadingUse use, SpeakingRules rules = {});
 
     bool Next(SpeechPiece& piece);  // false at the end
     // A run over a piece took so long: the next ones are cut by that when saving.
@@ -49,9 +57,18 @@ public:
     std::string Message() const;
 
 private:
-    TextUnits units_;
+    bool NextUnit();
+
+    std::string_view text_;
+    SpeakingRules rules_;
+    VoiceStretches stretches_;
+    VoiceStretch stretch_{};
+    std::optional<TextUnits> units_;  // of the stretch
+    UnsayableText unsayable_;         // of those before
+    std::vector<std::string> givenUp_;
     ReadingUse use_;
     std::size_t enough_;  // a piece is closed at so many bytes
     std::size_t most_;    // and here also within a sentence
     std::optional<TextUnit> ahead_;
+    int aheadVoice_ = 0;
 };

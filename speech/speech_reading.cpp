@@ -165,7 +165,9 @@ void SpeechReading::Stop() {
 void SpeechReading::Produce(const LThread& thread) {
     FileTaker taker(*this);
     const std::string_view rest = std::string_view(*text_).substr(begin_);
-    PieceRuns runs(rest, voice_, FolderOf(path_), use_, taker);
+    SpeakingRules rules = rules_;
+    rules.marks = MarksFrom(rules_.marks, begin_);
+    PieceRuns runs(rest, voice_, FolderOf(path_), use_, taker, std::move(rules));
     ThreadProgress progress(thread);
     Process(progress, runs);
     const int error = taker.Finish();

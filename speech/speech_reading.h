@@ -37,7 +37,8 @@ public:
     SpeechReading(const SpeechReading&) = delete;
     SpeechReading& operator=(const SpeechReading&) = delete;
 
-    void Start();  // once; returns at once
+    void SpeakBy(SpeakingRules rules) { rules_ = std::move(rules); }  // before the start
+    void Start();                                                     // once; returns at once
     // Ends production and its engines, at once. What has been spoken stays in the file, which is
     // whole then; a source goes on to that end.
     void Stop();
@@ -75,6 +76,7 @@ private:
     const int voice_;
     const std::string path_;
     const ReadingUse use_;
+    SpeakingRules rules_;
     const std::shared_ptr<SpeechTrack> track_;
     LSignalObject firstSound_;
     LSignalObject ended_;

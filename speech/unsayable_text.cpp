@@ -53,6 +53,16 @@ void UnsayableText::Add(char32_t character, std::size_t begin, std::size_t end) 
         ++kind->amount;
 }
 
+void UnsayableText::Add(const UnsayableText& other) {
+    for (const Kind& kind : other.kinds_) {
+        const auto known = std::ranges::find(kinds_, kind.name, &Kind::name);
+        if (known == kinds_.end())
+            kinds_.push_back(kind);
+        else
+            known->amount += kind.amount;
+    }
+}
+
 std::string UnsayableText::Message() const {
     if (kinds_.empty())
         return {};

@@ -13,6 +13,7 @@ public:
     void AddMark(std::size_t begin, std::size_t end) {
         lastEnd_ = begin == lastEnd_ ? end : lastEnd_;
     }
+    void Add(const UnsayableText& other);
     // One sentence for the user: "12 words in Cyrillic and 3 signs were left out, ..."; empty when
     // nothing was.
     std::string Message() const;

@@ -6,6 +6,8 @@
 #include <mutex>
 
 #include "foundation/settings/setting.h"
+#include "speech/language_voices.h"
+#include "speech/text_language.h"
 
 namespace {
 
@@ -35,22 +37,16 @@ int FirstVoice(Test test) {
     return found == voices.end() ? -1 : static_cast<int>(found - voices.begin());
 }
 
-// "de" of "de-AT" and "de_AT.UTF-8".
-std::string_view LanguageOnly(std::string_view tag) {
-    return tag.substr(0, tag.find_first_of("-_.@"));
-}
-
-int FirstOfLanguage(std::string_view wanted) {
-    return FirstVoice([wanted](const Voice& voice) {
-        return !voice.language.empty() && LanguageOnly(voice.language) == wanted;
-    });
-}
-
 int FirstOfUsersLanguage() {
-    for (const char* const* name = g_get_language_names(); *name != nullptr; ++name)
-        if (const int index = FirstOfLanguage(LanguageOnly(*name)); index >= 0)
+    for (const char* const* name = g_get_language_names(); *name != nullptr; ++name) {
+        const std::string_view locale = *name;  // "de_AT.UTF-8"
+        const std::size_t dash = locale.find('_');
+        const std::string_view region =
+            dash == std::string_view::npos ? "" : locale.substr(dash + 1, 2);
+        if (const int index = FindVoiceOfLanguage(LanguageOnly(locale), region); index >= 0)
             return index;
-    return FirstOfLanguage("en");
+    }
+    return FindVoiceOfLanguage("en", "");
 }
 
 }  // namespace
@@ -115,6 +111,8 @@ int ChosenVoice() {
 }
 
 void KeepChosenVoice(int index) {
-    if (index >= 0 && index < CountVoices())
-        kVoiceSetting.Set(StoredKey(VoiceAt(index)));
+    if (index < 0 || index >= CountVoices())
+        return;
+    kVoiceSetting.Set(StoredKey(VoiceAt(index)));
+    KeepVoiceForLanguage(VoiceAt(index));
 }

@@ -21,6 +21,8 @@ enum SayOption : int {
     kSplit,
     kText,
     kWholePage,
+    kByLanguage,
+    kOneVoice,
     kAsWritten,
     kSkip,
     kKeep,
@@ -41,6 +43,8 @@ const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"split", optional_argument, nullptr, kSplit},
                               {"text", optional_argument, nullptr, kText},
                               {"whole-page", no_argument, nullptr, kWholePage},
+                              {"by-language", no_argument, nullptr, kByLanguage},
+                              {"one-voice", no_argument, nullptr, kOneVoice},
                               {"as-written", no_argument, nullptr, kAsWritten},
                               {"skip", required_argument, nullptr, kSkip},
                               {"keep", required_argument, nullptr, kKeep},
@@ -74,6 +78,9 @@ int ShowSayHelp() {
         "                       %s\n"
         "  -v, --voice=VOICE    name, title or number of a voice; the one chosen in\n"
         "                       Lectora without it\n"
+        "      --by-language    each language in a voice of its own, the voice for the others; so "
+        "without\n"
+        "                       --voice, unless --one-voice\n"
         "      --list-voices    list the installed voices: number, name, engine, language,\n"
         "                       title\n"
         "  -f, --force          overwrite sound files\n"
@@ -308,6 +315,10 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
             case kWholePage:
                 options.rules.wholePage = true;
                 break;
+            case kByLanguage:
+            case kOneVoice:
+                options.byLanguage = option == kByLanguage;
+                break;
             case kAsWritten:
                 options.speaking.saysDifferently = false;
                 break;
@@ -341,6 +352,8 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 return kExitUsage;
         }
     }
+    options.speaking.byLanguage =
+        options.byLanguage.value_or(!options.voice && ChosenSpeakingRules().byLanguage);
     words.files.assign(argv + optind, argv + argc);
     if (isBook)
         options.book = wish;

@@ -36,6 +36,7 @@ struct SayOptions {
     std::optional<TextForm> printsText;  // the jobs have a text alone
     SpeakingRules speaking;
     std::optional<BookWish> book;
+    std::optional<bool> byLanguage;  // else as the user has chosen, where no voice is asked for
     bool overwrite = false;
     bool showsProgress = false;        // also beside sound on standard output
     std::optional<int> splitMinutes;   // length of numbered parts; 0: what a file can hold

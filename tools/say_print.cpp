@@ -57,10 +57,10 @@ std::string InForm(const SayOptions& options, const std::string& text, int voice
                        printed);
         return printed;
     }
-    SpeechPieces pieces(text, VoiceAt(voice), ReadingUse::kListening, options.speaking);
+    SpeechPieces pieces(text, voice, ReadingUse::kListening, options.speaking);
     for (SpeechPiece piece; pieces.Next(piece);)
         for (const TextUnit& unit : piece.units)
-            AppendLine(ForTerminal(unit.text, VoiceAt(voice).charset), printed);
+            AppendLine(ForTerminal(unit.text, VoiceAt(piece.voice).charset), printed);
     return printed;
 }
 

@@ -60,7 +60,7 @@ int SayOne(const SayOptions& options, const SayJob& job, int voice, const WorkFo
         return FailSaying(NameOfText(job.text), document.problem);
     if (options.book)
         return SayBook(options, job, document, voice, folder.Path());
-    return SayText(options, job, document.text, voice, folder.Path());
+    return SayText(options, job, document, voice, folder.Path());
 }
 
 }  // namespace

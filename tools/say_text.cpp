@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "sound/source_to_sink.h"
@@ -121,14 +122,18 @@ std::string SizeProblem(const SayOptions& options, const SayJob& job, const std:
 }
 
 // Empty when the text was spoken.
-std::string Speak(const SayOptions& options, const SayJob& job, const std::string& text, int voice,
+std::string Speak(const SayOptions& options, const SayJob& job, const Document& document, int voice,
                   const std::string& workFolder, Output& output) {
     const std::string subject = job.text.empty() ? "standard input" : job.text;
     const bool streams = job.sound == kStandardOutput;
     LTerminalProgress progress(options.showsProgress || !streams);
     progress.SetSubject(subject);
-    PieceRuns runs(text, voice, workFolder, streams ? ReadingUse::kListening : ReadingUse::kSaving,
-                   output, options.speaking);
+    SpeakingRules rules = options.speaking;
+    for (const DocumentLanguage& language : document.languages)
+        rules.marks.push_back({language.begin, language.tag});
+    PieceRuns runs(document.text, voice, workFolder,
+                   streams ? ReadingUse::kListening : ReadingUse::kSaving, output,
+                   std::move(rules));
     const LProcessResult result = Process(progress, runs);
     if (IsInterrupted())
         return subject + ": stopped";
@@ -145,17 +150,17 @@ std::string Speak(const SayOptions& options, const SayJob& job, const std::strin
 
 }  // namespace
 
-int SayText(const SayOptions& options, const SayJob& job, const std::string& text, int voice,
+int SayText(const SayOptions& options, const SayJob& job, const Document& document, int voice,
             const std::string& workFolder) {
-    std::string error = SizeProblem(options, job, text);
+    std::string error = SizeProblem(options, job, document.text);
     if (error.empty() && job.sound == kStandardOutput) {
         StreamOutput output;
-        error = Speak(options, job, text, voice, workFolder, output);
+        error = Speak(options, job, document, voice, workFolder, output);
     } else if (error.empty()) {
         FileOutput output(job, options.overwrite, PartLength(options));
         error = output.Error();
         if (error.empty())
-            error = Speak(options, job, text, voice, workFolder, output);
+            error = Speak(options, job, document, voice, workFolder, output);
     }
     if (error.empty())
         return kExitDone;

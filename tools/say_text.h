@@ -7,5 +7,5 @@
 
 // Speaks the text with the voice; the engine writes into workFolder (with its slash). Tells on
 // standard error what went wrong, and what was left out. The exit status.
-int SayText(const SayOptions& options, const SayJob& job, const std::string& text, int voice,
+int SayText(const SayOptions& options, const SayJob& job, const Document& document, int voice,
             const std::string& workFolder);

@@ -57,6 +57,7 @@ enum CommandNumber {
     kNormalText = 1407,
     kSaveTextAs = 1408,
     kWholePage = 1409,
+    kSayDifferently = 1410,
     kRecentFile = 1451,  // the newest; the others follow
     kLastRecentFile = 1458,
     kShowCommandBar = 2001,

@@ -56,6 +56,8 @@ constexpr LMenuItem kMenuBar[] = {
     kSeparator,
     Item(kReadFromHere),
     kSeparator,
+    Item(kSayDifferently),
+    kSeparator,
     Item(kLargerText),
     Item(kSmallerText),
     Item(kNormalText),
@@ -294,6 +296,17 @@ void CommandPlaces::DropDown(int command) {
         SetPopup(dropDown_, Labelled(each.items, commands_));
         dropDown_.PopupUnder(window_.GetToolItemFromID(each.toolBarItem));
     }
+}
+
+void CommandPlaces::AddToTextMenu(GtkWidget* menu) {
+    static constexpr LMenuItem kItems[] = {kSeparator, Item(kSayDifferently)};
+    std::size_t index = 0;
+    LMenuAdd(window_, menu, Labelled(kItems, commands_), index, {});
+    gtk_widget_show_all(menu);
+    if (!commands_.CanAct(kSayDifferently))
+        for (GtkWidget* item : LGtkChildren(menu))
+            if (item == window_.GetControlByID(kSayDifferently))
+                gtk_widget_set_sensitive(item, FALSE);
 }
 
 void CommandPlaces::PopupTrayMenu() {

@@ -20,8 +20,9 @@ public:
     GtkWidget* NewCommandBar();  // floating; once
     // In the first menu; numbered from kRecentFile on.
     void ListRecentFiles(const std::vector<std::string>& labels);
-    void DropDown(int command);  // under the arrow that sent this command
-    void PopupTrayMenu();        // at the pointer
+    void DropDown(int command);           // under the arrow that sent this command
+    void AddToTextMenu(GtkWidget* menu);  // that of the text box, before it is shown
+    void PopupTrayMenu();                 // at the pointer
     // Names the program that was in front before this window, in the labels that speak of it.
     void NameActiveWindow(const char* program);
 

@@ -9,6 +9,7 @@
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "gui/windows/message_box.h"
+#include "speech/speech_pieces.h"
 
 namespace {
 
@@ -19,6 +20,7 @@ constexpr int kUseDefault = 104;
 constexpr int kFormat = 105;
 constexpr int kFormatSettings = 107;
 constexpr int kKeepText = 113;
+constexpr int kByLanguage = 114;
 
 enum : int { kMp3 = 0, kWav = 1 };
 constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
@@ -47,6 +49,9 @@ void DlgGenGeneralDlg(LDialogGenContext& context) {
     context.AddPullDownList(kFormat, "  Choose Format");
     context.AddButton(kFormatSettings, "&Format Settings");
     context.GroupEnd();
+    context.AddGroup(-1, "Voices");
+    context.AddCheckBox(kByLanguage, "Read each language in a voice of its own");
+    context.GroupEnd();
     context.AddGroup(-1, "Text");
     context.AddCheckBox(kKeepText, "&Keep the text for the next start");
     context.GroupEnd();
@@ -60,12 +65,17 @@ void GeneralDlgImp::InitDialog() {
     PDLFill(kFormat, kFormats);
     PDLSetCurSel(kFormat, kSaveFormatSetting.Get() == "0" ? kMp3 : kWav);
     SetCheck(kKeepText, kKeepTextSetting.Get());
+    SetCheck(kByLanguage, kVoiceByLanguageSetting.Get());
     shown_ = Choices();
 }
 
 GeneralDlgImp::Choice GeneralDlgImp::Choices() const {
-    return {GetCheck(kRunAtLogin), PDLGetCurSel(kRunMode), GetCheck(kUseDefault) ? "1" : "0",
-            PDLGetCurSel(kFormat) == kMp3 ? "0" : "1", GetCheck(kKeepText)};
+    return {GetCheck(kRunAtLogin),
+            PDLGetCurSel(kRunMode),
+            GetCheck(kUseDefault) ? "1" : "0",
+            PDLGetCurSel(kFormat) == kMp3 ? "0" : "1",
+            GetCheck(kKeepText),
+            GetCheck(kByLanguage)};
 }
 
 void GeneralDlgImp::EnableControls() {
@@ -105,6 +115,7 @@ bool GeneralDlgImp::CmOk() {
     bool isKept = KeepChange(kSaveByDefaultSetting, shown_.byDefault, now.byDefault);
     isKept = KeepChange(kSaveFormatSetting, shown_.format, now.format) && isKept;
     isKept = KeepChange(kKeepTextSetting, shown_.keepText, now.keepText) && isKept;
+    isKept = KeepChange(kVoiceByLanguageSetting, shown_.byLanguage, now.byLanguage) && isKept;
     if (!now.keepText)
         ForgetKeptText();
     if (!isKept)

@@ -23,6 +23,7 @@ private:
         std::string byDefault;
         std::string format;
         bool keepText = false;
+        bool byLanguage = false;
     };
     Choice Choices() const;
     void ShowFormatSettings();

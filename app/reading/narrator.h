@@ -80,6 +80,8 @@ public:
     void Read(std::string text, int voice, std::string title) {
         Read({.text = std::move(text), .title = std::move(title)}, voice);
     }
+    // Of the readings that begin from now on; otherwise as the user has chosen.
+    void SpeakBy(SpeakingRules rules) { info_.SpeakBy(std::move(rules)); }
     // The voice that a waiting reading takes; kVoiceUnknown ends it: there is none.
     void SetVoice(int voice);
     // Stop is the user's, and forgets the queue as well; what was spoken can be heard again. Then

@@ -34,6 +34,7 @@ void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPa
     voiceName_ = VoiceAt(voice).title;
     reading_ =
         std::make_unique<SpeechReading>(text_, place, voice, soundPath, ReadingUse::kListening);
+    reading_->SpeakBy(rules_ ? *rules_ : ChosenSpeakingRules());
     reading_->Start();
 }
 

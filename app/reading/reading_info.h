@@ -29,6 +29,7 @@ public:
     void SetText(ReadingText text);
     void Forget();  // text and speech
     // Ends what is being spoken, and speaks from the place on into the file.
+    void SpeakBy(SpeakingRules rules) { rules_ = std::move(rules); }  // from the next Speak on
     void Speak(std::size_t place, int voice, const std::string& soundPath);
 
     SpeechReading* Reading() const { return reading_.get(); }  // null before Speak
@@ -56,6 +57,7 @@ private:
     const std::function<bool()> hasNext_;
     std::shared_ptr<const std::string> text_ = std::make_shared<const std::string>();
     std::vector<std::size_t> headings_;
+    std::optional<SpeakingRules> rules_;  // else as the user has chosen
     std::unique_ptr<SpeechReading> reading_;
     ReadingTimes times_;  // but for what was spoken since the part began
     std::size_t begin_ = 0;

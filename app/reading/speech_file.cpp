@@ -7,6 +7,10 @@ std::string SpeechFilePath() {
     return HomeFolder() + "/speech.wav";
 }
 
+std::string SampleFilePath() {
+    return PrivateFilePath("sample.wav");
+}
+
 std::string SavingFilePath() {
     return PrivateFilePath("saving.wav");
 }

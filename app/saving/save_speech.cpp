@@ -240,6 +240,7 @@ std::string Saving::Run(const std::string& text, int voice) {
     if (!IsReady(text.size()))
         return "";
     SpeechReading reading(text, voice, speech_.Path(), ReadingUse::kSaving);
+    reading.SpeakBy(ChosenSpeakingRules());
     if (!Speak(reading))
         return NothingSaved();
     LSoundSource source = reading.OpenSource();

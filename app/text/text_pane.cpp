@@ -16,7 +16,8 @@ TextPane::TextPane(Listener listener)
     : listener_(std::move(listener)),
       kept_(listener_.tell),
       find_(listener_.tell, listener_.reshaped),
-      drop_(listener_.dropped, [this](const std::string& text) { TakeFromProgram(text); }) {}
+      drop_(listener_.dropped, [this](const std::string& text) { TakeFromProgram(text); }),
+      menu_(listener_.menu) {}
 
 LEditWidgets TextPane::NewTextBox() {
     const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
@@ -33,6 +34,7 @@ LEditWidgets TextPane::NewTextBox() {
     original_.Attach(view_, lines_);
     pasted_.Connect(buffer_.Get(), "paste-done", G_CALLBACK(GCPasted), this);
     size_.Attach(edit.textView);
+    menu_.Attach(view_);
     SetAccessibleName(edit.textView, "Text to read");
     return edit;
 }
@@ -135,6 +137,20 @@ void TextPane::TakeFromProgram(const std::string& text) {
     kept_.KeepNow();
     Replace(text);
     kept_.CameFromProgram();
+}
+
+std::string TextPane::WordAtCursor() const {
+    GtkTextIter begin;
+    GtkTextIter end;
+    if (gtk_text_buffer_get_selection_bounds(buffer_.Get(), &begin, &end))
+        return lines_.Text(begin, end);
+    end = begin;
+    const bool isBehindStart = gtk_text_iter_inside_word(&begin) || gtk_text_iter_ends_word(&begin);
+    if (isBehindStart && !gtk_text_iter_starts_word(&begin))
+        gtk_text_iter_backward_word_start(&begin);
+    if (!gtk_text_iter_ends_word(&end))
+        gtk_text_iter_forward_word_end(&end);
+    return gtk_text_iter_starts_word(&begin) ? lines_.Text(begin, end) : "";
 }
 
 void TextPane::CmUndo() {

@@ -19,6 +19,7 @@
 #include "app/text/text_clicks.h"
 #include "app/text/text_headings.h"
 #include "app/text/text_history.h"
+#include "app/text/text_menu.h"
 #include "app/text/text_size.h"
 #include "documents/document.h"
 
@@ -32,8 +33,9 @@ public:
         std::function<void(const char*)> tell;  // a sentence for the user
         std::function<void()> reshaped;         // the find bar has come or gone
         std::function<void(const std::vector<std::string>&)> dropped;  // files, pages
-        std::function<void()> startMoved;                              // Start() may be another now
+        std::function<void()> startMoved;  // Start() may be another now
         TextClicks::Listener clicks;
+        std::function<void(GtkWidget*)> menu;  // adds to the text box's own
     };
     explicit TextPane(Listener listener);
     TextPane(const TextPane&) = delete;
@@ -65,6 +67,7 @@ public:
     std::string Title() const;
     std::vector<std::size_t> Headings() const { return headings_.Places(); }
     const ReadingStart& Start() const { return start_; }
+    std::string WordAtCursor() const;  // or what is selected; may be empty
     SpokenHighlight& Highlight() { return highlight_; }
 
 private:
@@ -97,4 +100,5 @@ private:
     FindBar find_;
     DropTarget drop_;
     LSignalOwner pasted_;
+    TextMenu menu_;
 };

@@ -1,0 +1,120 @@
+#include "app/words/say_differently_dialog.h"
+
+#include <algorithm>
+
+#include "app/words/keep_pronunciations.h"
+#include "gui/accessible.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "speech/pronunciations.h"
+#include "speech/voice_table.h"
+
+namespace {
+
+constexpr int kWordText = 101;
+constexpr int kSaid = 103;
+constexpr int kFor = 105;
+constexpr int kHeedsCase = 107;
+constexpr int kIsPattern = 108;
+constexpr int kHear = 109;
+constexpr int kDialogWidth = 440;
+
+// Lines and blanks of a selection are as good as one blank each.
+std::string OnOneLine(const std::string& text) {
+    std::string line;
+    for (const char byte : text) {
+        const bool isBlank = static_cast<unsigned char>(byte) <= ' ';
+        if (!isBlank)
+            line += byte;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+void DlgGenSayDifferently(LDialogGenContext& context) {
+    context.SetWidth(kDialogWidth);
+    context.AddInput(kWordText, "Text:");
+    context.AddInput(kSaid, "Say it as:");
+    context.AddStatic(-1, "Left empty, the text is skipped.");
+    context.AddPullDownList(kFor, "For:");
+    context.AddCheckBox(kHeedsCase, "Only with these capitals");
+    context.AddCheckBox(kIsPattern, "The text is a pattern (regular expression)");
+    context.AddSpecialOkCancelHelp(kHear, "Hear It", nullptr, false, false, false);
+}
+
+}  // namespace
+
+bool SayDifferentlyDlg::Run(GtkWidget* parent) {
+    return Open(parent, {"Say It Differently", false, DlgGenSayDifferently}, true);
+}
+
+void SayDifferentlyDlg::InitDialog() {
+    SetText(kWordText, entry_.text.c_str());
+    SetText(kSaid, entry_.said.c_str());
+    SetCheck(kHeedsCase, entry_.heedsCase);
+    SetCheck(kIsPattern, entry_.isPattern);
+    const Voice voice = VoiceAt(ChosenVoice());
+    const auto add = [this](const std::string& place, const std::string& label) {
+        if (std::ranges::find(places_, place) != places_.end())
+            return;
+        places_.push_back(place);
+        PDLAddString(kFor, label.c_str());
+    };
+    add("", "Every voice");
+    const std::string language = voice.language.substr(0, voice.language.find('-'));
+    add(language, "Voices of the language \"" + language + "\"");
+    add(KeyOf(voice), "The voice " + voice.title);
+    add(entry_.where, entry_.where);
+    const auto chosen = std::ranges::find(places_, entry_.where) - places_.begin();
+    PDLSetCurSel(kFor, static_cast<int>(chosen));
+    gtk_widget_grab_focus(GetControlByID(entry_.text.empty() ? kWordText : kSaid));
+}
+
+Pronunciation SayDifferentlyDlg::Entered() const {
+    const auto place = static_cast<std::size_t>(std::max(0, PDLGetCurSel(kFor)));
+    return {OnOneLine(GetText(kWordText)), OnOneLine(GetText(kSaid)),
+            place < places_.size() ? places_[place] : "", GetCheck(kIsPattern),
+            GetCheck(kHeedsCase)};
+}
+
+void SayDifferentlyDlg::Command(int command) {
+    if (command == kHear)
+        Hear();
+}
+
+void SayDifferentlyDlg::Hear() {
+    const Pronunciation entry = Entered();
+    if (const std::string problem = ProblemOf(entry); !problem.empty()) {
+        SetControlInvalid(kWordText, problem.c_str(), "Text");
+        return;
+    }
+    const std::string said = SayWith(entry, entry.isPattern ? example_ : entry.text);
+    if (said.empty())
+        TellScreenReader(Widget(), "This text is skipped.");
+    else
+        sample_.Hear(Widget(), said);
+}
+
+bool SayDifferentlyDlg::CmOk() {
+    const Pronunciation entry = Entered();
+    const std::string problem = ProblemOf(entry);
+    if (!problem.empty())
+        SetControlInvalid(kWordText, problem.c_str(), "Text");
+    else
+        entry_ = entry;
+    return problem.empty();
+}
+
+void SayDifferently(GtkWidget* parent, const std::string& text) {
+    std::vector<Pronunciation> entries = LoadOwnPronunciations();
+    const std::string wanted = OnOneLine(text);
+    auto found = std::ranges::find_if(entries, [&wanted](const Pronunciation& entry) {
+        return !entry.isPattern && entry.text == wanted;
+    });
+    // What was added last goes before what would say otherwise.
+    if (found == entries.end())
+        found = entries.insert(entries.begin(), {wanted, wanted, "", false, false});
+    if (SayDifferentlyDlg(*found).Run(parent))
+        KeepPronunciations(parent, entries);
+}

@@ -1,0 +1,24 @@
+// The voice for a language: the one that the user has chosen for it last, else one that is
+// installed. Any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "speech/voice_table.h"
+
+// The tag without region ("de"). -1 when no voice speaks it.
+int VoiceForLanguage(std::string_view language);
+// What the user chooses to read with is the choice for its language, too.
+void KeepVoiceForLanguage(const Voice& voice);
+
+// Of a language's voices that of the region ("AT"), else the one of no region, of the region that
+// the language is named after or of the most speakers, else the first; -1 when there is none.
+int FindVoiceOfLanguage(std::string_view language, std::string_view region);
+
+// "Deutsch" or "German", as people call it; the tag when that is not known.
+std::string NameOfLanguage(const std::string& language);
+
+// One sentence about languages that no voice speaks, with the package that brings one; empty for
+// none.
+std::string MissingVoicesMessage(const std::vector<std::string>& languages);

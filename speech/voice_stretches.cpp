@@ -1,0 +1,130 @@
+#include "speech/voice_stretches.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "speech/language_voices.h"
+
+namespace {
+
+// What is looked at together; a first sentence is not kept waiting for more.
+constexpr std::size_t kMostTogether = 2000;
+constexpr std::size_t kMostSentences = 30;
+
+}  // namespace
+
+std::vector<LanguageMark> MarksFrom(const std::vector<LanguageMark>& marks, std::size_t begin) {
+    std::vector<LanguageMark> rest;
+    for (const LanguageMark& mark : marks) {
+        if (mark.begin <= begin)
+            rest.clear();
+        rest.push_back({mark.begin < begin ? 0 : mark.begin - begin, mark.tag});
+    }
+    return rest;
+}
+
+VoiceStretches::VoiceStretches(std::string_view text, int voice, bool byLanguage,
+                               std::vector<LanguageMark> marks)
+    : text_(text),
+      voice_(voice),
+      voiceLanguage_(LanguageOnly(VoiceAt(voice).language)),
+      // Of a voice whose language nobody knows nobody knows either whether it is the wrong one.
+      byLanguage_(byLanguage && !voiceLanguage_.empty()),
+      marks_(std::move(marks)),
+      sentences_(text),
+      language_(voiceLanguage_) {}
+
+bool VoiceStretches::Next(VoiceStretch& stretch) {
+    if (ready_.empty() && !Fill())
+        return false;
+    stretch = ready_.front();
+    ready_.pop_front();
+    return true;
+}
+
+bool VoiceStretches::Fill() {
+    if (givenTo_ == text_.size())
+        return false;
+    if (!byLanguage_)
+        ready_.push_back({0, text_.size(), voice_});
+    else
+        AddParagraph();
+    if (ready_.empty())  // only white space is left
+        ready_.push_back({givenTo_, text_.size(), voice_});
+    givenTo_ = ready_.back().end;
+    return true;
+}
+
+// Up to the next empty line: its sentences mostly are of one language.
+void VoiceStretches::AddParagraph() {
+    std::vector<Sentence> paragraph;
+    while (true) {
+        Sentence next{};
+        if (!ahead_ && sentences_.Next(next))
+            ahead_ = next;
+        if (!ahead_ || paragraph.size() == kMostSentences)
+            break;
+        if (!paragraph.empty()) {
+            const std::size_t end = paragraph.back().end;
+            const std::string_view gap = text_.substr(end, ahead_->begin - end);
+            if (std::ranges::count(gap, '\n') > 1 ||
+                ahead_->end - paragraph.front().begin > kMostTogether)
+                break;
+        }
+        paragraph.push_back(*std::exchange(ahead_, std::nullopt));
+    }
+    if (!paragraph.empty())
+        AddSentences(paragraph);
+}
+
+void VoiceStretches::AddSentences(const std::vector<Sentence>& paragraph) {
+    const auto languageOf = [this](std::size_t begin, std::size_t end) {
+        return LanguageOf(text_.substr(begin, end - begin));
+    };
+    const std::size_t begin = paragraph.front().begin;
+    std::optional<std::string> ofWhole;  // asked for by sentences that do not tell
+    for (const Sentence& sentence : paragraph) {
+        const TextLanguage seen = languageOf(sentence.begin, sentence.end);
+        const std::string marked = MarkedLanguage(sentence.begin);
+        std::string own = seen.tag.empty() ? marked : Judge(seen, marked);
+        if (seen.tag.empty() && marked == MarkedLanguage(begin)) {
+            if (!ofWhole)
+                ofWhole = Judge(languageOf(begin, paragraph.back().end), marked);
+            own = *ofWhole;
+        }
+        if (!own.empty())
+            language_ = std::move(own);
+        const int voice = VoiceOf(language_);
+        if (!ready_.empty() && ready_.back().voice != voice) {
+            ready_.back().end = sentence.begin;  // white space belongs to what stands before it
+            ready_.push_back({sentence.begin, sentence.end, voice});
+        } else if (ready_.empty()) {
+            ready_.push_back({givenTo_, sentence.end, voice});
+        }
+    }
+    ready_.back().end = ahead_ ? ahead_->begin : text_.size();
+}
+
+// The language of what was looked at; empty when nothing tells it.
+std::string VoiceStretches::Judge(const TextLanguage& seen, const std::string& marked) const {
+    const std::string& expected = marked.empty() ? language_ : marked;
+    if (seen.tag.empty() || (!seen.isLong && AreMuchAlike(seen.tag, expected)))
+        return seen.tag.empty() ? marked : expected;
+    return seen.tag;
+}
+
+std::string VoiceStretches::MarkedLanguage(std::size_t place) const {
+    const auto next = std::ranges::upper_bound(marks_, place, {}, &LanguageMark::begin);
+    return next == marks_.begin() ? "" : std::string(LanguageOnly(std::prev(next)->tag));
+}
+
+int VoiceStretches::VoiceOf(const std::string& language) {
+    if (language == voiceLanguage_)
+        return voice_;
+    const int voice = VoiceForLanguage(language);
+    if (voice >= 0)
+        return voice;
+    if (std::ranges::find(withoutVoice_, language) == withoutVoice_.end())
+        withoutVoice_.push_back(language);
+    return voice_;
+}

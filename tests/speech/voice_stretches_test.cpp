@@ -1,0 +1,118 @@
+#include "speech/voice_stretches.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/settings/setting.h"
+#include "speech/language_voices.h"
+#include "speech/speech_pieces.h"
+#include "tests/speech/fake_engine.h"
+
+namespace {
+
+constexpr const char* kEnglish =
+    "The old house at the end of the street had been empty for many years. Nobody knew who owned "
+    "it, and the children were told to stay away.";
+constexpr const char* kGerman =
+    "Das alte Haus am Ende der Straße stand seit vielen Jahren leer. Niemand wusste, wem es "
+    "gehörte, und den Kindern sagte man, sie sollten sich fernhalten.";
+constexpr const char* kRussian =
+    "Старый дом в конце улицы много лет стоял пустым. Никто не знал, кому он принадлежит, и детям "
+    "велели держаться подальше.";
+constexpr const char* kCzech =
+    "Starý dům na konci ulice byl mnoho let prázdný. Nikdo nevěděl, komu patří, a dětem říkali, "
+    "aby se k němu nepřibližovaly.";
+constexpr const char* kGermanSentence =
+    "Der Kapitän rief laut über das Deck, dass niemand das Schiff verlassen dürfe.";
+
+// Its own process and voices, none of them chosen.
+template <typename Checks>
+void WithVoices(Checks checks) {
+    InFreshProcess([&checks] {
+        UserSetting<const char*>{"Voices", "de", ""}.Delete();
+        std::vector<Voice> voices;
+        for (const char* tag : {"en-029", "en-US", "de", "ru", "cs", "da", "nb", "es"})
+            voices.push_back({"espeak-ng", tag, tag, tag, VoiceCharset::kUnicode});
+        voices.push_back({"own:Piper", "amy", "amy", "de-AT", VoiceCharset::kUnicode});
+        AddVoices(voices);
+        checks();
+    });
+}
+
+// "en-US: The ...|de: Das ...", by the first characters of each stretch.
+std::string Spoken(const std::string& text, const char* voice = "en-US",
+                   std::vector<LanguageMark> marks = {}, bool byLanguage = true) {
+    VoiceStretches stretches(text, FindVoice(voice), byLanguage, std::move(marks));
+    std::string told;
+    std::size_t at = 0;
+    for (VoiceStretch stretch{}; stretches.Next(stretch); at = stretch.end) {
+        EXPECT_EQ(stretch.begin, at);
+        const std::string next = VoiceAt(stretch.voice).name;
+        if (told.size() >= next.size() + 1 && told.ends_with("|" + next))
+            continue;
+        told += "|" + next;
+    }
+    EXPECT_EQ(at, text.size());
+    const std::string message = MissingVoicesMessage(stretches.WithoutVoice());
+    return told + (message.empty() ? "" : " " + message.substr(0, message.find(',')));
+}
+
+TEST(VoiceStretches, GiveEachLanguageItsVoice) {
+    WithVoices([] {
+        const std::string english = kEnglish;
+        const std::string german = kGerman;
+        EXPECT_EQ(Spoken(english + "\n\n" + german + "\n\n" + kRussian + "\n\n" + kCzech + "\n"),
+                  "|en-US|de|ru|cs");
+        EXPECT_EQ(Spoken(german + "\n\n" + english, "de"), "|de|en-US");
+        // A sentence within a paragraph.
+        EXPECT_EQ(Spoken(english + " " + kGermanSentence + " " + english), "|en-US|de|en-US");
+        EXPECT_EQ(Spoken(german + "\n\n" + english, "en-US", {}, false), "|en-US");
+        // Too short to tell: the last language stays.
+        EXPECT_EQ(Spoken(german + "\n\nKapitel 2\n\n" + german + "\n\nOK."), "|de");
+        EXPECT_EQ(Spoken("Chapter 7. OK? 12 1/2 \xFF\xFE www.example.com"), "|en-US");
+        EXPECT_EQ(Spoken("\n \n"), "|en-US");
+        // Much alike, and so taken for each other in a short sentence.
+        EXPECT_EQ(Spoken("Hun kom hjem sent om aftenen og lagde maden på bordet.", "nb"), "|nb");
+        // Of several voices: not a small region's, unless the user says so.
+        EXPECT_EQ(Spoken(english, "de"), "|en-US");
+        KeepVoiceForLanguage(VoiceAt(FindVoice("amy")));
+        EXPECT_EQ(Spoken(english + "\n\n" + german), "|en-US|amy");
+        UserSetting<const char*>{"Voices", "de", ""}.Delete();
+    });
+}
+
+TEST(VoiceStretches, BelieveTheDocumentWhereTheTextDoesNotTell) {
+    WithVoices([] {
+        const std::string shortOnes = "Chapter 7.\n\nOK 12.\n\nNr. 5";
+        EXPECT_EQ(Spoken(shortOnes, "en-US", {{0, "en"}, {12, "de-AT"}, {20, ""}}), "|en-US|de");
+        // Programs write their own language into every document.
+        EXPECT_EQ(Spoken(kGerman, "de", {{0, "en-US"}}), "|de");
+        const std::vector<LanguageMark> marks = {{5, "de"}, {20, "ru"}};
+        const std::vector<LanguageMark> rest = MarksFrom(marks, 12);
+        ASSERT_EQ(rest.size(), 2U);
+        EXPECT_EQ(std::pair(rest[0].begin, rest[0].tag),
+                  std::pair(std::size_t{0}, std::string("de")));
+        EXPECT_EQ(rest[1].begin, 8U);
+    });
+}
+
+TEST(VoiceStretches, TellLanguagesWithoutVoiceAndMakePiecesOfOneVoice) {
+    WithVoices([] {
+        const std::string hungarian =
+            "A ház az utca végén sok éve üresen állt, és senki sem tudta, hogy kié.";
+        EXPECT_EQ(Spoken(std::string(kEnglish) + "\n\n" + hungarian + "\n\n" + hungarian),
+                  "|en-US The text is partly in Hungarian");
+        const std::string text = std::string(kEnglish) + " " + kGermanSentence + "\n\n" + kEnglish;
+        SpeechPieces pieces(text, FindVoice("en-US"), ReadingUse::kSaving, {.byLanguage = true});
+        std::string told;
+        for (SpeechPiece piece; pieces.Next(piece);)
+            told += VoiceAt(piece.voice).name + " " +
+                    text.substr(piece.SourceBegin(), piece.SourceEnd() - piece.SourceBegin()) + "|";
+        EXPECT_EQ(told, "en-US " + std::string(kEnglish) + "|de " + kGermanSentence + "|en-US " +
+                            kEnglish + "|");
+    });
+}
+
+}  // namespace
