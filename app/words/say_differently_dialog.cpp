@@ -40,7 +40,7 @@ void DlgGenSayDifferently(LDialogGenContext& context) {
     context.AddPullDownList(kFor, "For:");
     context.AddCheckBox(kHeedsCase, "Only with these capitals");
     context.AddCheckBox(kIsPattern, "The text is a pattern (regular expression)");
-    context.AddSpecialOkCancelHelp(kHear, "Hear It", nullptr, false, false, false);
+    context.AddSpecialOkCancelHelp(kHear, "Hear It", kOkCancelHelp);
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ constexpr int kChangeWord = 110;
 constexpr int kRemoveWord = 111;
 constexpr int kImportWords = 112;
 constexpr int kCount = 113;
-constexpr int kWordsHeight = 128;
+constexpr LRows kWordsHeight{4};
 constexpr int kSaidColumn = 1;
 constexpr int kForColumn = 2;
 // More rows would make the list slow; the others are in the file.
@@ -138,9 +138,8 @@ void WordsPage::Import() {
     const std::size_t imported = entries.size() - entries_.size();
     if (imported > 0)
         Keep(std::move(entries), entries_.size());
-    const std::string told = imported == 0
-                                 ? "Nothing could be imported from " + path + "."
-                                 : std::to_string(imported) + " entries were imported.";
+    const std::string told = imported == 0 ? "Nothing could be imported from " + path + "."
+                                           : std::to_string(imported) + " entries were imported.";
     std::string detail;
     if (imported == 0 || leftOut > 0)
         detail =
