@@ -270,6 +270,29 @@ std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
     return std::nullopt;
 }
 
+// False for what has a value, or ends the program.
+bool TakeFlag(int option, SayOptions& options) {
+    switch (option) {
+        case 'f':
+            return options.overwrite = true;
+        case 'p':
+            return options.showsProgress = true;
+        case kWholePage:
+            return options.rules.wholePage = true;
+        case kListVoices:
+            return options.listsVoices = true;
+        case kAsWritten:
+            options.speaking.saysDifferently = false;
+            return true;
+        case kByLanguage:
+        case kOneVoice:
+            options.byLanguage = option == kByLanguage;
+            return true;
+        default:
+            return false;
+    }
+}
+
 // How texts are read and written; the exit status when the option's value is none.
 std::optional<int> ParseManner(int option, SayOptions& options) {
     const std::string value = optarg == nullptr ? "" : optarg;
@@ -280,6 +303,12 @@ std::optional<int> ParseManner(int option, SayOptions& options) {
     if ((option == kSkip || option == kKeep) && !ParseParts(value, option == kKeep, options.rules))
         return UsageError(kSayProgram, "no such part of documents: " + value);
     return std::nullopt;
+}
+
+std::optional<int> Plan(const Words& words, SayOptions& options) {
+    if (options.listsVoices)
+        return std::nullopt;
+    return options.printsText ? PlanPrinting(words, options) : PlanJobs(words, options);
 }
 
 }  // namespace
@@ -294,6 +323,8 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
         const int option = ::getopt_long(argc, argv, "v:o:t:fp", kSayOptions, nullptr);
         if (option == -1)
             break;
+        if (TakeFlag(option, options))
+            continue;
         switch (option) {
             case 'v':
                 options.voice = optarg;
@@ -305,22 +336,6 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 words.type = SoundTypeFromName(optarg);
                 if (!words.type)
                     return UsageError(kSayProgram, std::string("no such type: ") + optarg);
-                break;
-            case 'f':
-                options.overwrite = true;
-                break;
-            case 'p':
-                options.showsProgress = true;
-                break;
-            case kWholePage:
-                options.rules.wholePage = true;
-                break;
-            case kByLanguage:
-            case kOneVoice:
-                options.byLanguage = option == kByLanguage;
-                break;
-            case kAsWritten:
-                options.speaking.saysDifferently = false;
                 break;
             case kSplit:
             case kSkip:
@@ -339,9 +354,6 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 if (!TakeBookOption(option, wish))
                     return UsageError(kSayProgram, std::string("not for an audiobook: ") + optarg);
                 break;
-            case kListVoices:
-                options.listsVoices = true;
-                break;
             case kSayHelp:
                 return ShowSayHelp();
             case kSayVersion:
@@ -359,9 +371,5 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
         options.book = wish;
     else if (hasBookOption)
         return UsageError(kSayProgram, "--bitrate, --subtitles and --plan belong to --audiobook");
-    if (options.listsVoices)
-        return std::nullopt;
-    if (options.printsText)
-        return PlanPrinting(words, options);
-    return PlanJobs(words, options);
+    return Plan(words, options);
 }
