@@ -16,13 +16,6 @@ constexpr std::size_t kLongestNumber = 3;
 constexpr std::string_view kPowered[] = {"sin",  "cos",  "tan",  "cot", "sec", "csc",
                                          "sinh", "cosh", "tanh", "log", "exp", "mol"};
 
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kWhiteSpace);
-    return first == std::string_view::npos
-               ? std::string_view()
-               : text.substr(first, text.find_last_not_of(kWhiteSpace) + 1 - first);
-}
-
 bool IsDigits(std::string_view text) {
     return !text.empty() &&
            std::all_of(text.begin(), text.end(), [](char sign) { return g_ascii_isdigit(sign); });

@@ -54,11 +54,6 @@ bool IsLocal6(const std::array<std::uint8_t, 16>& bytes) {
 
 }  // namespace
 
-std::string_view Trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
-    return text.substr(0, text.find_last_not_of(kWhiteSpace) + 1);
-}
-
 bool IsWebAddress(std::string_view text) {
     text = Trimmed(text);
     if (text.size() > kLongestAddress)

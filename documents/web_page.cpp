@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "documents/small_texts.h"
 #include "documents/web_address.h"
 #include "foundation/owned_text.h"
 

@@ -1,5 +1,6 @@
 #include "app/text/drop_target.h"
 
+#include "documents/small_texts.h"
 #include "documents/web_address.h"
 #include "foundation/owned_text.h"
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/commands/command_numbers.h"
+#include "documents/small_texts.h"
 #include "documents/web_address.h"
 #include "foundation/first_words.h"
 #include "foundation/owned_text.h"
