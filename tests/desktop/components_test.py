@@ -95,20 +95,16 @@ class ComponentsTest(DesktopCase):
         self.assert_holds_the_engines_sound()
 
     def assert_holds_the_engines_sound(self):
-        own, saved, reference = (os.path.join(desktop.HOME, f"{name}.wav") for name in ("own", "saved", "reference"))
+        own, saved = (os.path.join(desktop.HOME, f"{name}.wav") for name in ("own", "saved"))
         subprocess.run(["text2wave", self.file("t.txt", TEXT), "-o", own], check=True, timeout=desktop.PATIENCE)
         subprocess.run(["lame", "--quiet", "--decode", self.target, saved], check=True, timeout=desktop.PATIENCE)
         spoken, heard = desktop.Sound(own), desktop.Sound(saved)
-        self.assertEqual((heard.rate, heard.channels), (44100, 2))
-        # The converter's ratio is one of small numbers; the encoder adds some silence.
-        rate = 44000 if spoken.rate == 16000 else 44100
-        self.assertLess(abs(heard.frames / rate - spoken.frames / spoken.rate), 0.1)
+        # Speech is stored as the voice speaks it; the encoder adds some silence.
+        self.assertEqual((heard.rate, heard.channels), (spoken.rate, spoken.channels))
+        self.assertLess(abs(heard.frames - spoken.frames) / spoken.rate, 0.2)
         self.assertLess(abs(rough_frequency(saved) / rough_frequency(own) - 1), 0.1)
-        subprocess.run(["sox", own, "-r", str(rate), reference], check=True, timeout=desktop.PATIENCE)
-        part = slice(rate // 2, rate // 2 + 4000)
-        expected = desktop.Sound(reference).channel(0)
-        for channel in (0, 1):
-            self.assertGreater(desktop.best_correlation(heard.channel(channel)[part], expected[part], 1500), 0.9)
+        part = slice(spoken.rate // 2, spoken.rate)
+        self.assertGreater(desktop.best_correlation(heard.channel(0)[part], spoken.channel(0)[part], 2000), 0.9)
 
     def test_an_encoder_that_fails_is_told_and_one_that_hangs_can_be_left(self):
         ended = "The MP3 encoder has ended too early"
@@ -118,7 +114,7 @@ class ComponentsTest(DesktopCase):
         lectora = self.start()
         lectora.set_text(TEXT)
         for script, most, message in (("exit 1", None, ended), (None, None, "could not be installed"),
-            ('head -c 100000 >"${!#}"; rm -r "${0%/*}"; kill -9 $$', None, ended), (copy, 600_000, ended),
+            ('head -c 100000 >"${!#}"; rm -r "${0%/*}"; kill -9 $$', None, ended), (copy, 100_000, ended),
             ("sleep 1000", None, CANCEL), ("cat >/dev/null; sleep 1000", None, CANCEL)):
             with self.subTest(script):
                 self.install(script)
@@ -130,7 +126,7 @@ class ComponentsTest(DesktopCase):
                 self.end(lectora, message)
         self.install(copy)
         self.save(lectora)
-        desktop.wait_until(lambda: os.path.getsize(self.target) > 1_700_000, "the file")
+        desktop.wait_until(lambda: os.path.getsize(self.target) > 300_000, "the file")
 
 
 if __name__ == "__main__":

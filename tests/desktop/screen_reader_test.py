@@ -194,7 +194,7 @@ class ScreenReaderTest(DesktopCase):
         subprocess.run(["bash", os.path.join(SHARE, "components/mp3el")], check=True, timeout=desktop.PATIENCE)
         paths = {"STORY": self.file("story.txt", " ".join(SENTENCES)), "SOUND": os.path.join(desktop.HOME, "story.mp3")}
         engine = [os.path.join(desktop.HERE, "engine/text2wave"), "-eval", "(voice_voice2)", paths["STORY"]]
-        own, decoded, reference = (self.file(f"{name}.wav", "") for name in ("own", "decoded", "reference"))
+        own, decoded = (self.file(f"{name}.wav", "") for name in ("own", "decoded"))
         subprocess.run([*engine, "-o", own], check=True, timeout=desktop.PATIENCE)
         spoken = desktop.Sound(own)
         desktop.forget_engine_calls()
@@ -213,11 +213,10 @@ class ScreenReaderTest(DesktopCase):
         self.assertGreater(desktop.best_correlation(heard.samples[one], spoken.samples[one], 200), 0.99)
         self.reader.follow(TO_A_FILE_AND_A_HOTKEY, began, paths)
         subprocess.run(["lame", "--quiet", "--decode", paths["SOUND"], decoded], check=True, timeout=desktop.PATIENCE)
-        subprocess.run(["sox", own, "-r", "44000", reference], check=True, timeout=desktop.PATIENCE)
-        saved, part = desktop.Sound(decoded), slice(22000, 23000)
-        self.assertLess(abs(saved.frames / 44000 - spoken.frames / spoken.rate), 0.1)
-        expected = desktop.Sound(reference).channel(0)[part]
-        self.assertGreater(desktop.best_correlation(saved.channel(0)[part], expected, 1500), 0.9)
+        saved, part = desktop.Sound(decoded), slice(8000, 14000)
+        self.assertEqual((saved.rate, saved.channels), (spoken.rate, 1))
+        self.assertLess(abs(saved.frames - spoken.frames) / spoken.rate, 0.2)
+        self.assertGreater(desktop.best_correlation(saved.channel(0)[part], spoken.channel(0)[part], 2000), 0.9)
         self.select("words of another program")
         desktop.press_keys("ctrl+alt+k")
         desktop.wait_until(lambda: self.spoken()[-1].endswith("words of another program"), "the words")
