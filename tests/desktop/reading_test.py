@@ -3,6 +3,7 @@ import glob
 import operator
 import os
 import statistics
+import subprocess
 import time
 import unittest
 import uuid
@@ -140,6 +141,9 @@ class ReadingTest(DesktopCase):
 
         self.read_aloud(lectora)
         lectora.active_window("dialog", "Lectora Player")
+        # Its connection to the session's bus, which begins a moment after the window, stays.
+        ask = ["playerctl", "--player=lectora", "status"]
+        desktop.wait_until(lambda: subprocess.run(ask, capture_output=True, timeout=60).returncode == 0, "the player")
         before = held()
         for _ in range(20):
             desktop.press_keys("ctrl+shift+r")
