@@ -23,9 +23,9 @@ set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Nothing else brings the bridge from GTK 2 to screen readers, without which these find an empty window.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "festival, festvox-kallpc16k | festival-voice, lame, libatk-adaptor, libgail-common")
+    "festival | espeak-ng, festvox-kallpc16k | festival-voice | espeak-ng, lame, libatk-adaptor, libgail-common")
 # Without a theme GTK 2 looks bare; without the fonts a minimal machine shows boxes.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "gnome-themes-extra, fonts-dejavu-core, libnotify4, xdg-utils, poppler-utils, unrtf, djvulibre-bin, cmark-gfm, tesseract-ocr, tesseract-ocr-eng")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "espeak-ng, gnome-themes-extra, fonts-dejavu-core, libnotify4, xdg-utils, poppler-utils, unrtf, djvulibre-bin, cmark-gfm, tesseract-ocr, tesseract-ocr-eng")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "festival-voice, ffmpeg, xterm")
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://quillon.example/")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/share/package/preinst"
