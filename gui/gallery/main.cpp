@@ -11,6 +11,7 @@
 #include <string>
 
 #include "foundation/gdk/gdk_lock.h"
+#include "gui/accessible.h"
 #include "gui/gallery/gallery_windows.h"
 #include "gui/gallery/pictures.h"
 
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
         gtk_rc_parse_string(style.c_str());
     }
     const GdkLock lock;
+    TellFocusToLateScreenReader();
     Pictures pictures(argc == 4 ? argv[1] : "");
     for (const auto show :
          {ShowControls, ShowLists, ShowMenusAndBars, ShowDialogs, ShowSplashAndAbout})
