@@ -1,12 +1,12 @@
 #include "gui/desktop_notification.h"
 
-#include <dlfcn.h>
 #include <glib-object.h>
 
 #include <string>
 #include <utility>
 
 #include "foundation/gdk/gdk_lock.h"
+#include "foundation/processes/late_library.h"
 #include "gui/display_text.h"
 #include "gui/gobject_ref.h"
 
@@ -14,38 +14,20 @@ namespace {
 
 constexpr int kShownMs = 6000;
 
-// The notification library, loaded at first use; whole or not at all. It stays loaded: its types
-// cannot be unloaded.
 struct NotifyLibrary {
-    gboolean (*init)(const char* appName) = nullptr;
-    GObject* (*newNotification)(const char* summary, const char* body, const char* icon) = nullptr;
-    void (*setTimeout)(GObject* notification, gint milliseconds) = nullptr;
-    gboolean (*show)(GObject* notification, GError** error) = nullptr;
-    gboolean (*close)(GObject* notification, GError** error) = nullptr;
-    GType (*getType)() = nullptr;
-    bool usable = false;
-
-    NotifyLibrary() {
-        void* library = dlopen("libnotify.so", RTLD_LAZY | RTLD_LOCAL);
-        if (library == nullptr)  // the plain name comes with the development files
-            library = dlopen("libnotify.so.4", RTLD_LAZY | RTLD_LOCAL);
-        if (library == nullptr)
-            return;
-        const bool whole = Load(library, "notify_init", init) &&
-                           Load(library, "notify_notification_new", newNotification) &&
-                           Load(library, "notify_notification_set_timeout", setTimeout) &&
-                           Load(library, "notify_notification_show", show) &&
-                           Load(library, "notify_notification_close", close) &&
-                           Load(library, "notify_notification_get_type", getType);
-        usable = whole && init("Lectora");
-    }
-
-private:
-    template <typename F>
-    static bool Load(void* library, const char* name, F& function) {
-        function = reinterpret_cast<F>(dlsym(library, name));
-        return function != nullptr;
-    }
+    // The plain name comes with the development files.
+    LateLibrary library{"libnotify.so", "libnotify.so.4"};
+    gboolean (*init)(const char* appName) = library.Find<gboolean(const char*)>("notify_init");
+    GObject* (*newNotification)(const char* summary, const char* body, const char* icon) =
+        library.Find<GObject*(const char*, const char*, const char*)>("notify_notification_new");
+    void (*setTimeout)(GObject* notification, gint milliseconds) =
+        library.Find<void(GObject*, gint)>("notify_notification_set_timeout");
+    gboolean (*show)(GObject* notification, GError** error) =
+        library.Find<gboolean(GObject*, GError**)>("notify_notification_show");
+    gboolean (*close)(GObject* notification, GError** error) =
+        library.Find<gboolean(GObject*, GError**)>("notify_notification_close");
+    GType (*getType)() = library.Find<GType()>("notify_notification_get_type");
+    bool usable = library.IsWhole() && init("Lectora");
 };
 
 // Notification thread only.
