@@ -21,9 +21,10 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# libcurl is loaded late, where the tool that finds libraries does not see it (its names on Debian 13 and 12).
 # Nothing else brings the bridge from GTK 2 to screen readers, without which these find an empty window.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "festival | espeak-ng, festvox-kallpc16k | festival-voice | espeak-ng, lame, libatk-adaptor, libgail-common")
+    "festival | espeak-ng, festvox-kallpc16k | festival-voice | espeak-ng, lame, libcurl3t64-gnutls | libcurl3-gnutls, libatk-adaptor, libgail-common")
 # Without a theme GTK 2 looks bare; without the fonts a minimal machine shows boxes.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "espeak-ng, gnome-themes-extra, fonts-dejavu-core, libnotify4, xdg-utils, poppler-utils, unrtf, djvulibre-bin, cmark-gfm, tesseract-ocr, tesseract-ocr-eng")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "festival-voice, ffmpeg, xterm")

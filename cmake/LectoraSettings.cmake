@@ -16,7 +16,7 @@ find_library(CLD2_LIBRARY cld2 REQUIRED)  # brings no description for pkg-config
 pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-uc)
 pkg_check_modules(ARCHIVE REQUIRED IMPORTED_TARGET libarchive)
 pkg_check_modules(UCHARDET REQUIRED IMPORTED_TARGET uchardet)
-pkg_check_modules(CURL REQUIRED IMPORTED_TARGET libcurl)
+pkg_check_modules(CURL REQUIRED libcurl)
 pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET gmime-3.0)
 pkg_check_modules(GTK2 REQUIRED IMPORTED_TARGET gtk+-2.0 x11)
 pkg_check_modules(SOUNDTOUCH REQUIRED IMPORTED_TARGET soundtouch)

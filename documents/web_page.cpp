@@ -1,6 +1,5 @@
 #include "documents/web_page.h"
 
-#include <curl/curl.h>
 #include <glib.h>
 #include <sys/socket.h>
 
@@ -9,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "documents/curl_library.h"
 #include "documents/small_texts.h"
 #include "documents/web_address.h"
 #include "foundation/owned_text.h"
@@ -21,6 +21,7 @@ constexpr long kSlowSeconds = 20;  // without a byte
 
 using Clock = std::chrono::steady_clock;
 using EasyHandle = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
+using UrlHandle = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
 
 // One request: what it may do, and what came of it.
 struct Step {
@@ -67,40 +68,41 @@ int AskWhetherToStop(void* user, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
     return step->isToStop && step->isToStop() ? 1 : 0;
 }
 
-void SetUp(CURL* curl, const std::string& address, Clock::time_point end, Step& step) {
+void SetUp(CURL* handle, const std::string& address, Clock::time_point end, Step& step) {
+    const auto set = CurlLibrary::Get().easySetopt;
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-    curl_easy_setopt(curl, CURLOPT_URL, address.c_str());
-    curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
-    curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 0L);  // each step is looked at first
-    curl_easy_setopt(curl, CURLOPT_PROXY, "");           // it would choose the addresses
-    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(curl, CURLOPT_USERAGENT, "Lectora/1.05");
-    curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "");
-    curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, std::max<long>(1, left));
-    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT_MS,
-                     static_cast<long>(step.bounds.connecting.count()));
-    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
-    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, kSlowSeconds);
-    curl_easy_setopt(curl, CURLOPT_OPENSOCKETFUNCTION, OpenSocket);
-    curl_easy_setopt(curl, CURLOPT_OPENSOCKETDATA, &step);
-    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, TakeBody);
-    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &step);
-    curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, CountHeader);
-    curl_easy_setopt(curl, CURLOPT_HEADERDATA, &step);
-    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
-    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, AskWhetherToStop);
-    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, &step);
+    set(handle, CURLOPT_URL, address.c_str());
+    set(handle, CURLOPT_PROTOCOLS_STR, "http,https");
+    set(handle, CURLOPT_FOLLOWLOCATION, 0L);  // each step is looked at first
+    set(handle, CURLOPT_PROXY, "");           // it would choose the addresses
+    set(handle, CURLOPT_NOSIGNAL, 1L);
+    set(handle, CURLOPT_USERAGENT, "Lectora/1.05");
+    set(handle, CURLOPT_ACCEPT_ENCODING, "");
+    set(handle, CURLOPT_TIMEOUT_MS, std::max<long>(1, left));
+    set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(step.bounds.connecting.count()));
+    set(handle, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    set(handle, CURLOPT_LOW_SPEED_TIME, kSlowSeconds);
+    set(handle, CURLOPT_OPENSOCKETFUNCTION, OpenSocket);
+    set(handle, CURLOPT_OPENSOCKETDATA, &step);
+    set(handle, CURLOPT_WRITEFUNCTION, TakeBody);
+    set(handle, CURLOPT_WRITEDATA, &step);
+    set(handle, CURLOPT_HEADERFUNCTION, CountHeader);
+    set(handle, CURLOPT_HEADERDATA, &step);
+    set(handle, CURLOPT_NOPROGRESS, 0L);
+    set(handle, CURLOPT_XFERINFOFUNCTION, AskWhetherToStop);
+    set(handle, CURLOPT_XFERINFODATA, &step);
 }
 
 std::string PartOf(const std::string& address, CURLUPart part) {
-    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), curl_url_cleanup);
+    const CurlLibrary& curl = CurlLibrary::Get();
+    const UrlHandle url(curl.url(), curl.urlCleanup);
     char* text = nullptr;
-    if (!url || curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0) != CURLUE_OK ||
-        curl_url_get(url.get(), part, &text, 0) != CURLUE_OK)
+    if (!url || curl.urlSet(url.get(), CURLUPART_URL, address.c_str(), 0) != CURLUE_OK ||
+        curl.urlGet(url.get(), part, &text, 0) != CURLUE_OK)
         return {};
     std::string owned(text);
-    curl_free(text);
+    curl.free(text);
     return owned;
 }
 
@@ -129,7 +131,7 @@ std::string TransferProblem(CURLcode code, const Step& step, const std::string& 
         case CURLE_GOT_NOTHING:
             return host + " ended the connection before the page was whole.";
         default:
-            return host + " cannot be read: " + curl_easy_strerror(code) + ".";
+            return host + " cannot be read: " + CurlLibrary::Get().easyStrerror(code) + ".";
     }
 }
 
@@ -187,9 +189,9 @@ std::string RefusalOf(const std::string& from, const std::string& to, const std:
 }  // namespace
 
 WebPage FetchWebPage(const std::string& typed, const StopTest& isToStop, const WebBounds& bounds) {
-    static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
-    const EasyHandle curl(started == CURLE_OK ? curl_easy_init() : nullptr, curl_easy_cleanup);
-    if (!curl)
+    const CurlLibrary& curl = CurlLibrary::Get();
+    const EasyHandle handle(curl.isReady ? curl.easyInit() : nullptr, curl.easyCleanup);
+    if (!handle)
         return {{}, {}, "Web pages cannot be fetched on this computer."};
     const Clock::time_point end = Clock::now() + bounds.time;
     std::string address(Trimmed(typed));
@@ -199,18 +201,18 @@ WebPage FetchWebPage(const std::string& typed, const StopTest& isToStop, const W
         const std::string host = PartOf(address, CURLUPART_HOST);
         Step step{isToStop, bounds};
         step.mayBeLocal = steps == 0 || (isFirstLocal && host == first);
-        SetUp(curl.get(), address, end, step);
-        const CURLcode code = curl_easy_perform(curl.get());
+        SetUp(handle.get(), address, end, step);
+        const CURLcode code = curl.easyPerform(handle.get());
         if (std::string problem = TransferProblem(code, step, host); !problem.empty())
             return {{}, {}, std::move(problem)};
         isFirstLocal = isFirstLocal || (steps == 0 && step.wasLocal);
         const char* next = nullptr;
-        curl_easy_getinfo(curl.get(), CURLINFO_REDIRECT_URL, &next);
+        curl.easyGetinfo(handle.get(), CURLINFO_REDIRECT_URL, &next);
         if (next == nullptr) {
             long status = 0;
             const char* type = nullptr;
-            curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &status);
-            curl_easy_getinfo(curl.get(), CURLINFO_CONTENT_TYPE, &type);
+            curl.easyGetinfo(handle.get(), CURLINFO_RESPONSE_CODE, &status);
+            curl.easyGetinfo(handle.get(), CURLINFO_CONTENT_TYPE, &type);
             const std::string kind = type == nullptr ? "" : type;
             WebPage page{std::move(step.body), NameFor(address, kind), StatusProblem(status, host)};
             Decode(page.bytes, kind);

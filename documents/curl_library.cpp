@@ -1,0 +1,6 @@
+#include "documents/curl_library.h"
+
+const CurlLibrary& CurlLibrary::Get() {
+    static const CurlLibrary library;
+    return library;
+}
