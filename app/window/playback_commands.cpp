@@ -13,9 +13,9 @@ PlaybackCommands::PlaybackCommands(Narrator& narrator, CommandSet& commands, Lis
       listener_(std::move(listener)),
       news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
 
-void PlaybackCommands::AddCommands() {
+struct PlaybackCommands::Rows {
     // Ctrl with an arrow moves by words and paragraphs of the text box while nothing is read.
-    static constexpr CommandRow<PlaybackCommands> kRows[] = {
+    static constexpr CommandRow<PlaybackCommands> kAll[] = {
         {{.number = kPlayOrPause, .label = "&Play", .keys = {GDK_F9}, .needs = kNeedsTextOrSound},
          &PlaybackCommands::CmPlayOrPause},
         {{.number = kStopReading,
@@ -76,7 +76,10 @@ void PlaybackCommands::AddCommands() {
           .needs = kNeedsReading},
          &PlaybackCommands::CmSlower},
     };
-    commands_.Add(*this, kRows);
+};
+
+void PlaybackCommands::AddCommands() {
+    commands_.Add(*this, Rows::kAll);
 }
 
 bool PlaybackCommands::CanBeHeard() const {

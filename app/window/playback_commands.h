@@ -22,6 +22,8 @@ public:
     CommandNeeds Available(bool hasText) const;
 
 private:
+    struct Rows;  // of its commands
+
     void Hear(const ReadingNews& news);
     void CmPlayOrPause();
     void CmStop() { narrator_.Stop(); }
