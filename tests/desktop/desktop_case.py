@@ -84,6 +84,8 @@ class DesktopCase(unittest.TestCase):
 
     def choose(self, lectora, keys, title, path, replaces=False):
         """Answers the file chooser that the keys bring up, and whether the file is to be replaced."""
+        # A command before this one may still be at its end, and takes no other.
+        lectora.settle()
         lectora.focus()
         desktop.press_keys(keys)
         chooser = desktop.wait_until(
@@ -91,7 +93,10 @@ class DesktopCase(unittest.TestCase):
         )[0]
         desktop.xdotool("windowactivate", "--sync", chooser)
         self.picture("chooser")
+        # The chooser looks into folders in the background, and drops an answer that comes meanwhile.
+        lectora.settle()
         desktop.xdotool("type", "--delay", "10", path)
+        lectora.settle()
         desktop.press_keys("Return")
         if replaces:
             lectora.active_window("alert", "Question")
