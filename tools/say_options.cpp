@@ -70,8 +70,8 @@ int ShowSayHelp() {
         "       %s [OPTION...] -o FOLDER/ [-t TYPE] FILE...\n"
         "       %s --text[=FORM] [FILE...]\n"
         "       %s --list-voices\n"
-        "Speaks a text (FILE, or standard input) into a sound file, or each of many into one of "
-        "its own.\n\n"
+        "Speaks a text (FILE; standard input for - or none) into a sound file, or each of many\n"
+        "into one of its own.\n\n"
         "  -o, --output=OUTPUT  sound file, the folder for many, or - for WAV on standard output\n"
         "  -t, --type=TYPE      type of sound file; from OUTPUT's extension without it, in a "
         "folder wav:\n"
@@ -199,9 +199,8 @@ bool ParseParts(std::string_view parts, bool isRead, DocumentRules& rules) {
 std::optional<int> CheckSayFiles(const Words& words) {
     for (const std::string& file : words.files)
         if (file.empty() || file == "-")
-            return UsageError(
-                kSayProgram,
-                "'" + file + "' is no file; without files the text comes from standard input");
+            return UsageError(kSayProgram,
+                              "'" + file + "' is no file; standard input is read alone");
     return std::nullopt;
 }
 
@@ -367,6 +366,8 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     options.speaking.byLanguage =
         options.byLanguage.value_or(!options.voice && ChosenSpeakingRules().byLanguage);
     words.files.assign(argv + optind, argv + argc);
+    if (words.files == std::vector<std::string>{"-"})
+        words.files.clear();  // standard input, as without files
     if (isBook)
         options.book = wish;
     else if (hasBookOption)

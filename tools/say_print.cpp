@@ -42,7 +42,9 @@ std::string ForTerminal(const std::string& text, VoiceCharset charset) {
     return utf8;
 }
 
-std::string InForm(const SayOptions& options, const std::string& text, int voice) {
+// told: what the user is to know of it beside.
+std::string InForm(const SayOptions& options, const std::string& text, int voice,
+                   std::string& told) {
     const TextForm form = *options.printsText;
     std::string printed;
     if (form == TextForm::kWhole) {
@@ -61,6 +63,7 @@ std::string InForm(const SayOptions& options, const std::string& text, int voice
     for (SpeechPiece piece; pieces.Next(piece);)
         for (const TextUnit& unit : piece.units)
             AppendLine(ForTerminal(unit.text, VoiceAt(piece.voice).charset), printed);
+    told = pieces.Message();
     return printed;
 }
 
@@ -72,8 +75,12 @@ int PrintTexts(const SayOptions& options, int voice) {
         const Document document = ReadSayDocument(job.text, options.rules);
         std::string problem = document.problem;
         if (problem.empty()) {
-            const int error = WriteFully(STDOUT_FILENO, InForm(options, document.text, voice));
+            std::string told;
+            const int error =
+                WriteFully(STDOUT_FILENO, InForm(options, document.text, voice, told));
             problem = error == 0 ? "" : "standard output: " + ErrorText(error);
+            if (!told.empty())
+                Complain(kSayProgram, NameOfText(job.text) + ": " + told);
         }
         if (!problem.empty()) {
             Complain(kSayProgram, NameOfText(job.text) + ": " + problem);

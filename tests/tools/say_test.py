@@ -54,12 +54,15 @@ class SayTest(EngineCase):
         self.save("a.html", "<html><body><h1>Caf\u00e9</h1><p>It\u2019s <b>one</b>.\nTwo!".encode())
         whole = "Caf\u00e9\n\nIt\u2019s one. Two!\n"
         self.assertEqual(self.check(SAY, "--text", "a.html"), whole)
-        self.assertEqual(self.check(SAY, "--text", input=whole.encode()), whole)
+        self.assertEqual(self.check(SAY, "--text", "-", input=whole.encode()), whole)
         self.assertEqual(
             self.check(SAY, "--text=sentences", "a.html"), "Caf\u00e9\nIt\u2019s one.\nTwo!\n"
         )
         self.assertEqual(self.said(), [])
         self.assertEqual(self.check(SAY, "--text=spoken", "a.html"), "Cafe\nIt's one.\nTwo!\n")
+        self.assertEqual(
+            self.check(SAY, "--text=spoken", input="yes да".encode(), says="1 word in Cyrillic"), "yes\n"
+        )
         self.save("b.html", f"<html><nav><a href=x>Menu</a></nav><p>{'word ' * 60}".encode())
         article = self.check(SAY, "--text", "b.html", says="--whole-page reads them")
         self.assertEqual(article, ("word " * 60).strip() + "\n")
@@ -154,7 +157,7 @@ class SayTest(EngineCase):
             (["-o", "-", "a.txt", "b.txt"], "one text"),
             (["-o", "-", "-t", "au", "a.txt"], "one stream of WAV"),
             (["--split=9", "-o", "a.wav", "a.txt"], "no such length"),
-            (["-o", "a.wav", "-"], "'-'"),
+            (["-o", "./", "-", "a.txt"], "'-'"),
             (["-o", "a.xyz", "a.txt"], "a.xyz"),
             (["-o", "a.wav", "a.txt", "b.txt"], "need a folder"),
             (["-o", "./"], "needs files"),
