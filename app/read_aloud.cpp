@@ -27,8 +27,8 @@ const char* NameOf(ReadFrom from) {
 
 }  // namespace
 
-ReadAloud::ReadAloud(Parts parts)
-    : parts_(std::move(parts)),
+ReadAloud::ReadAloud(const Parts& parts)
+    : parts_(parts),
       news_(parts_.narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
 
 void ReadAloud::AddCommands() {
@@ -41,7 +41,7 @@ void ReadAloud::AddCommands() {
           .icon = kReadAloudIcon,
           .keys = {kReadKey},
           .needs = kNeedsText},
-         &ReadAloud::Read},
+         &ReadAloud::CmRead},
         {{.number = kReadFromHere,
           .label = "Read from &Here",
           .keys = {kKeyControl | GDK_Return, kKeyControl | GDK_KP_Enter},
@@ -58,7 +58,7 @@ void ReadAloud::AddCommands() {
     parts_.commands.Add(*this, kRows);
 }
 
-void ReadAloud::Read() {
+void ReadAloud::CmRead() {
     const ReadFrom from = parts_.text.Start().Which();
     Begin(parts_.text.Start().Take(from), from != ReadFrom::kSelection);
 }
@@ -79,11 +79,11 @@ void ReadAloud::CmReadFromHere() {
 }
 
 void ReadAloud::Begin(TextToRead what, bool isWhole) {
-    if (parts_.isBusy() || what.text.empty())
+    if (parts_.turn.IsTaken() || what.text.empty())
         return;
     const std::size_t begin = what.begin == 0 ? 0 : WordAt(what.text, what.begin);
     if (begin == what.text.size()) {
-        parts_.tell("There is no text behind that place.");
+        parts_.window.TellStatusText("There is no text behind that place.");
         return;
     }
     // Once there was a box it takes the desktop a moment to give the keyboard back.
@@ -119,7 +119,7 @@ void ReadAloud::CmStopOrGoOn() {
     else if (parts_.narrator.IsReading())
         parts_.narrator.Stop();
     else
-        Read();
+        CmRead();
 }
 
 void ReadAloud::Hear(const ReadingNews& news) {

@@ -1,10 +1,10 @@
 // Reads the text of the window aloud: all of it, what is selected, or from a place on.
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "app/commands/command_set.h"
+#include "app/commands/command_turn.h"
 #include "app/reading/dialogs/reading_player.h"
 #include "app/reading/dialogs/voice_choice.h"
 #include "app/reading/narrator.h"
@@ -23,24 +23,22 @@ public:
         VoiceChoice& voices;
         ReadingPlayer& player;
         CommandSet& commands;
-        std::function<bool()>
-            isBusy;  // a save or a loading is under way, whose dialogs pump events
-        std::function<void(const char*)> tell;
+        const CommandTurn& turn;
     };
-    explicit ReadAloud(Parts parts);
+    explicit ReadAloud(const Parts& parts);
     ReadAloud(const ReadAloud&) = delete;
     ReadAloud& operator=(const ReadAloud&) = delete;
 
     void AddCommands();
 
     // What is selected, else from the cursor where that was placed, else from the beginning.
-    void Read();
+    void CmRead();
     void ReadFromPlace(const GtkTextIter& place);
     void ReadAt(std::size_t byte);             // of all of the text
     bool IsWhole() const { return isWhole_; }  // what is read, was read last: not a selection
     // In the text that is being read, goes on with the sentence there; false: nothing is read.
     bool GoOnAt(const GtkTextIter& place);
-    void ShowStart();  // what Read would read may have changed
+    void ShowStart();  // what CmRead would read may have changed
 
 private:
     void Hear(const ReadingNews& news);

@@ -215,7 +215,18 @@ std::vector<LMenuItem> Labelled(LMenuItems items, const CommandSet& commands) {
 }  // namespace
 
 CommandPlaces::CommandPlaces(LMainWindow& window, CommandSet& commands)
-    : window_(window), commands_(commands), dropDown_(window), trayMenu_(window) {}
+    : window_(window), commands_(commands), dropDown_(window), trayMenu_(window) {
+    CheckActiveWindowChange();
+}
+
+// X does not tell a program which window was in front before its own; where a desktop does, this is
+// the place to ask it and to pass the name on to EvActiveWindowChanged.
+void CommandPlaces::CheckActiveWindowChange() {}
+
+void CommandPlaces::AddCommands() {
+    for (const auto& each : kDropDowns)
+        commands_.AddRange(each.command, each.command, [this](int arrow) { DropDown(arrow); });
+}
 
 void CommandPlaces::CreateMenus() {
     LMenuContainer::SetMenu(window_, Labelled(kMenuBar, commands_), commands_.Keys());
@@ -309,7 +320,7 @@ void CommandPlaces::AddToTextMenu(GtkWidget* menu) {
                 gtk_widget_set_sensitive(item, FALSE);
 }
 
-void CommandPlaces::PopupTrayMenu() {
+void CommandPlaces::EvNotifyIconContextMenu() {
     std::vector<LMenuItem> rows = Labelled(kTrayMenu, commands_);
     if (commands_.CanAct(kStopReading)) {
         const std::vector<LMenuItem> reading = Labelled(kTrayReading, commands_);
@@ -327,7 +338,7 @@ void CommandPlaces::PopupTrayMenu() {
     trayMenu_.Popup();
 }
 
-void CommandPlaces::NameActiveWindow(const char* program) {
+void CommandPlaces::EvActiveWindowChanged(const char* program) {
     for (const WindowLabel& label : kBarLabels)
         bar_.SetItemText(label.command, Named(label.text, program).c_str());
     for (const WindowLabel& label : kMenuLabels) {

@@ -16,17 +16,19 @@ public:
     // The window gets the commands. Both outlive this object.
     CommandPlaces(LMainWindow& window, CommandSet& commands);
 
+    void AddCommands();          // of the arrows
     void CreateMenus();          // menu bar and tool bar; the window is open, and once
     GtkWidget* NewCommandBar();  // floating; once
     // In the first menu; numbered from kRecentFile on.
     void ListRecentFiles(const std::vector<std::string>& labels);
-    void DropDown(int command);           // under the arrow that sent this command
     void AddToTextMenu(GtkWidget* menu);  // that of the text box, before it is shown
-    void PopupTrayMenu();                 // at the pointer
+    void EvNotifyIconContextMenu();       // the tray's menu, at the pointer
     // Names the program that was in front before this window, in the labels that speak of it.
-    void NameActiveWindow(const char* program);
+    void EvActiveWindowChanged(const char* program);
 
 private:
+    void CheckActiveWindowChange();
+    void DropDown(int command);  // under the arrow that sent this command
     void CreateToolBar();
     void SetPopup(LWindow::PopupMenu& menu, LMenuItems items);
 

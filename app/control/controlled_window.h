@@ -11,6 +11,7 @@ struct ControlledWindow {
     std::function<bool(int command)> run;  // of command_numbers.h; false: it cannot act now
     std::function<bool(int command)> canRun;
     std::function<void()> show;
+    std::function<bool()> isReady;  // has come up at its start
     enum class Source { kSelection, kClipboard };
     std::function<void(Source source, VerbReplyRef reply)> read;
     std::function<void(const std::string& path, VerbReplyRef reply)> readFile;

@@ -93,6 +93,16 @@ void RemoteControl::Do(Verb verb, const std::string& operand, const VerbReplyRef
     }
 }
 
+// Among the texts that wait.
+void RemoteControl::DoOnceReady(Verb verb, const std::string& operand) {
+    narrator_.Queue({.begin = [this, verb, operand] {
+        if (!window_.isReady())
+            return QueuedText::Begun::kNotNow;
+        Do(verb, operand, std::make_shared<VerbReply>(nullptr));
+        return QueuedText::Begun::kFailed;  // what it reads comes later, by itself
+    }});
+}
+
 void RemoteControl::Run(int command, const VerbReplyRef& reply) {
     if (window_.run(command))
         return reply->Done();

@@ -18,6 +18,9 @@ public:
 
     // operand: what stood behind the verb.
     void Do(Verb verb, const std::string& operand, const VerbReplyRef& reply);
+    // What this process was started for: once the window is ready. What comes of it the window
+    // tells; nobody waits for an answer.
+    void DoOnceReady(Verb verb, const std::string& operand);
 
     // As a media player of the desktop: once the window is shown, and whenever something else can
     // be asked for.

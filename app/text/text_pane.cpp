@@ -79,6 +79,7 @@ void TextPane::AddCommands(CommandSet& commands) {
           .label = "Normal &Text Size",
           .keys = {kKeyControl | GDK_0, kKeyControl | GDK_KP_0}},
          &TextPane::CmNormalSize},
+        {{.number = kTextChanged}, &TextPane::EvTextChanged},
     };
     commands.Add(*this, kRows);
 }

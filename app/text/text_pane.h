@@ -33,6 +33,7 @@ public:
         std::function<void(const char*)> tell;  // a sentence for the user
         std::function<void()> reshaped;         // the find bar has come or gone
         std::function<void(const std::vector<std::string>&)> dropped;  // files, pages
+        std::function<void()> changed;                                 // the text, by whomever
         std::function<void()> startMoved;                              // Start() may be another now
         TextClicks::Listener clicks;
         std::function<void(GtkWidget*)> menu;  // adds to the text box's own
@@ -72,6 +73,7 @@ public:
 
 private:
     void Replace(const std::string& text);
+    void EvTextChanged() { listener_.changed(); }
     void CmUndo();
     void CmRedo();
     void CmFind();

@@ -114,4 +114,5 @@ void PlaybackCommands::Hear(const ReadingNews& news) {
         return;
     const bool isHeard = IsReading(news.state) && news.state != ReadingState::kPaused;
     commands_.Rename(kPlayOrPause, isHeard ? "&Pause" : "&Play");
+    listener_.changed();
 }

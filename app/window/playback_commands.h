@@ -12,6 +12,7 @@ public:
     struct Listener {
         std::function<void()> read;  // begin with the text in the window
         std::function<void(const char*)> tell;
+        std::function<void()> changed;  // Available() is another one
     };
     // The narrator outlives this object, the commands too.
     PlaybackCommands(Narrator& narrator, CommandSet& commands, Listener listener);

@@ -2,15 +2,36 @@
 
 #include <utility>
 
+#include "app/commands/command_numbers.h"
 #include "app/settings_keys.h"
 #include "gui/icon_numbers.h"
 #include "gui/windows/message_box.h"
 
-Presence::Presence(LMainWindow& window, int tipControl, Ways ways)
+Presence::Presence(LMainWindow& window, int tipControl, Narrator& narrator,
+                   std::function<void()> popupMenu)
     : window_(window),
       tipControl_(tipControl),
-      ways_(std::move(ways)),
-      tray_([this](int button) { EvIconPressed(button); }) {}
+      popupMenu_(std::move(popupMenu)),
+      tray_([this](int button) { EvIconPressed(button); }),
+      news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
+
+void Presence::AddCommands(CommandSet& commands) {
+    static constexpr CommandRow<Presence> kRows[] = {
+        {{.number = kOpenWindow, .label = "Open Lectora"}, &Presence::CmOpen},
+    };
+    commands.Add(*this, kRows);
+}
+
+void Presence::Hear(const ReadingNews& news) {
+    if (!news.IsNew() || !window_.IsOpen())
+        return;
+    if (news.state == ReadingState::kPaused)
+        tray_.Show(kTrayPausedIcon, "Lectora: paused");
+    else if (IsReading(news.state))
+        tray_.Show(kTrayReadingIcon, "Lectora: reading aloud");
+    else
+        tray_.Show(kTrayIcon, "Lectora");
+}
 
 void Presence::Begin() {
     tray_.Add(kTrayIcon, "Lectora");
@@ -27,11 +48,17 @@ void Presence::EvIconPressed(int button) {
     if (button == 1 && !IsOnScreen())
         window_.CmOpen();
     else if (button == 3)
-        ways_.popupMenu();
+        popupMenu_();
 }
 
 bool Presence::IsOnScreen() const {
     return gtk_widget_get_visible(window_.Widget()) && !IsMinimised();
+}
+
+void Presence::TellAnywhere(const char* summary, const std::string& note) {
+    if (!IsOnScreen())
+        window_.Notify(summary, note.c_str(), [this] { window_.CmOpen(); });
+    window_.TellStatusText(note.c_str());
 }
 
 bool Presence::IsMinimised() const {
@@ -44,7 +71,7 @@ void Presence::Close() {
         return;
     if (!tray_.IsDocked()) {
         // Hidden, nothing but a second start could bring it back.
-        ways_.minimise();
+        window_.Minimise();
         static constexpr char kText[] =
             "This desktop has no notification area that could show Lectora's icon, so the window "
             "was minimized instead of hidden. \"Exit (Turn Off)\" in its first menu ends Lectora.";
@@ -53,7 +80,7 @@ void Presence::Close() {
         });
         return;
     }
-    ways_.hide();
+    window_.LMainWindow::CmClose();
     if (!kFirstExitDoneSetting.Get()) {
         kFirstExitDoneSetting.Set(true);
         static constexpr char kText[] =
@@ -76,7 +103,7 @@ bool Presence::AskToEnd() {
     if (answer == GTK_RESPONSE_YES)
         Close();
     else if (answer == GTK_RESPONSE_NO)
-        ways_.hide();
+        window_.LMainWindow::CmClose();
     return answer == GTK_RESPONSE_NO;
 }
 

@@ -3,22 +3,23 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
+#include "app/commands/command_set.h"
+#include "app/reading/narrator.h"
 #include "app/window/tray_icon.h"
 #include "gui/main_window/main_window.h"
 #include "gui/windows/timer_handler.h"
 
-// GUI thread.
+// A receiver of the narrator's news, which the icon shows. GUI thread.
 class Presence : private LTimerHandler {
 public:
-    // What the window does itself.
-    struct Ways {
-        std::function<void()> hide;       // stores the placement first
-        std::function<void()> minimise;   // likewise
-        std::function<void()> popupMenu;  // of the icon, at the pointer
-    };
-    // tipControl: where it is told what has become of the window, which outlives this object.
-    Presence(LMainWindow& window, int tipControl, Ways ways);
+    // tipControl: where it is told what has become of the window. popupMenu: the icon's, at the
+    // pointer. Window and narrator are borrowed.
+    Presence(LMainWindow& window, int tipControl, Narrator& narrator,
+             std::function<void()> popupMenu);
+
+    void AddCommands(CommandSet& commands);
 
     void Begin();  // the window is about to be shown for the first time
     void End();    // it is about to go
@@ -28,10 +29,8 @@ public:
     void Close();
     // Asks whether to go on in the background, and does so after a yes. True ends the program.
     bool AskToEnd();
-    bool IsOnScreen() const;  // neither hidden nor minimised
-
-    // The icon's picture and what it says.
-    void ShowState(int imageNumber, const char* tooltip) { tray_.Show(imageNumber, tooltip); }
+    // In the status bar; while nobody sees that, in the desktop's notifications too.
+    void TellAnywhere(const char* summary, const std::string& note);
 
 private:
     static constexpr int kKeepAliveTimer = 1;
@@ -39,12 +38,16 @@ private:
 
     void EvTimer(int timerId) override;
     void EvIconPressed(int button);
+    void Hear(const ReadingNews& news);
+    void CmOpen() { window_.CmOpen(); }
+    bool IsOnScreen() const;  // neither hidden nor minimised
     bool IsMinimised() const;
     void BringBackWithoutTray();
 
     LMainWindow& window_;
     const int tipControl_;
-    const Ways ways_;
+    const std::function<void()> popupMenu_;
     TrayIcon tray_;
     bool isAsking_ = false;
+    Narrator::Subscription news_;
 };

@@ -14,7 +14,7 @@ constexpr int kVoiceWidth = 150;
 constexpr int kWidestVoice = 286;
 constexpr int kLineHeight = 24;
 constexpr int kGap = 8;
-constexpr int kFindGap = 4;  // above the find bar
+constexpr int kBarsGap = 4;  // above the bars below the text
 constexpr int kRim = 6;      // below what stands above something
 constexpr int kLowestWithToolBar = 300;
 
@@ -56,11 +56,11 @@ void PlaceContent(const Rows& rows, WindowLayout& out) {
     const int barEnd = rows.isBarBeside ? s.top + s.height : rows.contentEnd;
     out.commandBar = {s.left, s.top, kBarWidth, barEnd - s.top - kRim, rows.barWidth > 0};
     const int textLeft = s.left + rows.barWidth + 5;
-    const int findRoom = s.findHeight > 0 ? s.findHeight + kFindGap : 0;
-    const int textEnd = rows.contentEnd - kRim - findRoom;
+    const int barsRoom = s.barsHeight > 0 ? s.barsHeight + kBarsGap : 0;
+    const int textEnd = rows.contentEnd - kRim - barsRoom;
     out.text = {textLeft, s.top, s.width - textLeft, textEnd - s.top};
-    out.findBar = {textLeft, textEnd + kFindGap, s.width - textLeft - 4, s.findHeight,
-                   s.findHeight > 0};
+    out.bars = {textLeft, textEnd + kBarsGap, s.width - textLeft - 4, s.barsHeight,
+                s.barsHeight > 0};
 }
 
 void PlaceVoices(const Rows& rows, WindowLayout& out) {

@@ -12,7 +12,7 @@ struct LayoutSizes {
     int height = 0;
     bool isLow = false;  // the tool bar has made room already
     bool wantsCommandBar = false;
-    int findHeight = 0;  // 0: the find bar is closed
+    int barsHeight = 0;  // of what stands below the text; 0: nothing
     int labelWidth = 0;  // of "Choose Voice: "
     int labelHeight = 0;
     int listHeight = 0;  // of the list of voices
@@ -29,7 +29,7 @@ struct LayoutPlace {
 struct WindowLayout {
     LayoutPlace commandBar;
     LayoutPlace text;
-    LayoutPlace findBar;
+    LayoutPlace bars;  // below the text
     LayoutPlace voiceLabel;
     LayoutPlace voiceList;
     LayoutPlace readButton;

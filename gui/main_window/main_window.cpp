@@ -159,6 +159,11 @@ void LMainWindow::Close(int response) {
         gtk_main_quit();
 }
 
+void LMainWindow::Minimise() {
+    StorePlacement();
+    gtk_window_iconify(GTK_WINDOW(Widget()));
+}
+
 void LMainWindow::CmOpen() {
     if (!IsOpen())
         return;

@@ -31,20 +31,23 @@ public:
     void CmExit() override;             // asks CmCancel; true ends
     void Close(int response) override;  // ends the main loop
     void CmOpen();                      // back on the screen where it was, in front
+    void Minimise();                    // stores the placement first
 
     void Layout();  // runs LayoutControls with the present size
 
-protected:
-    void WidgetDetached() override { fixed_ = nullptr; }
-    void CreateMainWindow(const char* title);
+    // For the parts of the window that make and place its controls.
     // Adds a control to the free area and registers it; one that lies in a scrolled window names
     // that as `placed`.
     void AddControl(GtkWidget* control, int id, GtkWidget* placed = nullptr);
     void MoveControl(int id, int x, int y, int width, int height);
-    // Of the open window; of a maximised one as it was before, and that it is.
-    void StorePlacement();
     // The way of the Tab key through the controls; without it, the way is by position.
     void SetFocusOrder(std::span<const int> ids);
+
+protected:
+    void WidgetDetached() override { fixed_ = nullptr; }
+    void CreateMainWindow(const char* title);
+    // Of the open window; of a maximised one as it was before, and that it is.
+    void StorePlacement();
 
 private:
     friend struct LMainWindowCallbacks;

@@ -32,7 +32,7 @@ TEST(WindowLayoutTest, AWindowOfTheUsualSizeHasTheBarAtTheLeftAndAllElseInOneRow
     EXPECT_EQ((LayoutPlace{188, 450, 286, 24}), layout.voiceList);
     EXPECT_EQ((LayoutPlace{492, 420, 150, 54}), layout.readButton);
     EXPECT_EQ((LayoutPlace{646, 420, 150, 54}), layout.saveButton);
-    EXPECT_FALSE(layout.findBar.isShown);
+    EXPECT_FALSE(layout.bars.isShown);
 }
 
 // At every size that the window can have, with small letters and large ones.
@@ -43,10 +43,10 @@ TEST(WindowLayoutTest, NothingLiesOverAnythingAndTheTextKeepsRoom) {
                 for (const bool hasFind : {false, true}) {
                     LayoutSizes sizes = Sizes(width, height, letters);
                     sizes.isLow = height < 250;
-                    sizes.findHeight = hasFind && height > 250 ? letters + 10 : 0;
+                    sizes.barsHeight = hasFind && height > 250 ? letters + 10 : 0;
                     const WindowLayout layout = LayOut(sizes);
                     const std::array places = {
-                        layout.commandBar, layout.text,       layout.findBar,   layout.voiceLabel,
+                        layout.commandBar, layout.text,       layout.bars,      layout.voiceLabel,
                         layout.voiceList,  layout.readButton, layout.saveButton};
                     SCOPED_TRACE(testing::Message() << width << 'x' << height << ' ' << letters);
                     for (std::size_t at = 0; at < places.size(); ++at) {

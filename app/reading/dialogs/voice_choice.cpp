@@ -2,18 +2,31 @@
 
 #include <utility>
 
+#include "app/commands/command_numbers.h"
 #include "gui/windows/progress_dialog.h"
 #include "speech/voice_table.h"
 
-VoiceChoice::VoiceChoice(LWindow& window, int list, std::function<void()> answered)
+VoiceChoice::VoiceChoice(LWindow& window, int list, Narrator& narrator,
+                         std::function<void()> missing)
     : window_(window),
       list_(list),
-      answered_(std::move(answered)),
+      narrator_(narrator),
+      missing_(std::move(missing)),
       query_([this] { QueueNotify(); }) {}
+
+void VoiceChoice::AddCommands(CommandSet& commands) {
+    static constexpr CommandRow<VoiceChoice> kRows[] = {
+        {{.number = kVoiceList}, &VoiceChoice::NoteChange},
+    };
+    commands.Add(*this, kRows);
+}
 
 void VoiceChoice::EvNotify() {
     Fill();
-    answered_();
+    if (narrator_.State() == ReadingState::kWaitingForVoice)
+        narrator_.SetVoice(Chosen());
+    else if (query_.State() != VoiceListState::kKnown && !isRequired_)
+        missing_();
 }
 
 void VoiceChoice::Fill() {
@@ -28,9 +41,18 @@ void VoiceChoice::Fill() {
     window_.PDLSetCurSel(list_, chosen_);
 }
 
-LProcessResult VoiceChoice::Await(GtkWidget* parent) {
+// The engine may be slow to wake up, or have been installed since the program was started.
+int VoiceChoice::Require() {
+    isRequired_ = true;
+    if (Chosen() < 0 && Await() == kProcessFailed)
+        missing_();
+    isRequired_ = false;
+    return Chosen();
+}
+
+LProcessResult VoiceChoice::Await() {
     LProcessDialog<VoiceListQuery> dialog("Synthesize Voice", query_);
-    dialog.Open(parent);
+    dialog.Open(window_.Widget());
     Fill();
     return dialog.Result();
 }

@@ -3,6 +3,8 @@
 
 #include <functional>
 
+#include "app/commands/command_set.h"
+#include "app/reading/narrator.h"
 #include "foundation/gdk/queued_notify.h"
 #include "gui/windows/window.h"
 #include "speech/voice_list_query.h"
@@ -11,33 +13,37 @@
 // that but Await. GUI thread.
 class VoiceChoice : private LThreadQueuedNotify {
 public:
-    // The combo box `list` of the window, which outlives this object. `answered` is called on the
-    // GUI thread, from the main loop, when the engine has answered or turned out to be missing.
-    VoiceChoice(LWindow& window, int list, std::function<void()> answered);
+    // The combo box `list` of the window; both outlive this object. A reading that waits for the
+    // engine's answer gets its voice. `missing` tells that there is no voice, in a box.
+    VoiceChoice(LWindow& window, int list, Narrator& narrator, std::function<void()> missing);
+
+    void AddCommands(CommandSet& commands);
 
     // Shows the voices that have become known since, whoever asked for them.
     void Update() { Fill(); }
     void Ask() { query_.Ask(); }  // at once; after an answer without voices asks again
-    bool IsKnown() const { return query_.State() == VoiceListState::kKnown; }
 
-    // Asks again and waits under a progress dialog until the engine has answered. Done: there are
-    // voices.
-    LProcessResult Await(GtkWidget* parent);
+    // The voice that reads, for which the engine is awaited under a progress dialog; below 0: there
+    // is none, which the user has been told, or he wants none.
+    int Require();
 
     // Whatever was typed into the list, the voice chosen last reads: a typed name chooses its
     // voice, anything else is put right. Index into the engine's voices, -1 while there are none.
     int Chosen();
-    void NoteChange();  // the list's selection has changed; stored
-    void Store();       // what was typed, too, for the next start; nothing known, nothing stored
+    void Store();  // what was typed, too, for the next start; nothing known, nothing stored
 
 private:
     void EvNotify() override;
     void Fill();
+    void NoteChange();  // the list's selection has changed; stored
+    LProcessResult Await();
 
     LWindow& window_;
     const int list_;
-    std::function<void()> answered_;
-    int shown_ = 0;  // voices in the list
+    Narrator& narrator_;
+    const std::function<void()> missing_;
+    bool isRequired_ = false;  // by somebody who tells what comes of it
+    int shown_ = 0;            // voices in the list
     int chosen_ = -1;
     VoiceListQuery query_;  // last: its thread ends before what it notifies
 };

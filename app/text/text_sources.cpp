@@ -1,0 +1,161 @@
+#include "app/text/text_sources.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <optional>
+#include <utility>
+
+#include "app/commands/command_numbers.h"
+#include "app/settings_keys.h"
+#include "app/text/document_loading.h"
+#include "app/text/recent_files.h"
+#include "documents/small_texts.h"
+#include "documents/web_address.h"
+#include "foundation/files/file.h"
+#include "gui/icon_numbers.h"
+#include "gui/windows/message_box.h"
+
+TextSources::TextSources(LMainWindow& window, CommandTurn& turn, TextPane& text, Narrator& narrator,
+                         Listener listener)
+    : window_(window),
+      turn_(turn),
+      text_(text),
+      narrator_(narrator),
+      listener_(std::move(listener)),
+      selection_(listener_.changed) {}
+
+void TextSources::AddCommands(CommandSet& commands) {
+    static constexpr CommandRow<TextSources> kRows[] = {
+        {{.number = kUpdateFromSelection,
+          .label = "Update From Clip&board",
+          .name = "Update from clipboard",
+          .tip = "Copy the selection or clipboard to the Lectora window",
+          .icon = kUpdateTextIcon,
+          .keys = {kKeyControl | GDK_B},
+          .needs = kNeedsSelection},
+         &TextSources::CmCopyFromClipboard},
+        {{.number = kLoadFile,
+          .label = "&Load Text From File",
+          .name = "Update text from file",
+          .tip = "Load contents from text file to Lectora window",
+          .keys = {kKeyControl | GDK_O}},
+         &TextSources::CmOpenFile},
+        {{.number = kWholePage,
+          .label = "&Whole Page",
+          .keys = {kKeyControl | kKeyShift | GDK_W},
+          .needs = kNeedsArticle},
+         &TextSources::CmWholePage},
+    };
+    commands.Add(*this, kRows);
+}
+
+void TextSources::Fetch(std::function<void(const std::string& text)> then,
+                        SelectionWatch::From from) {
+    auto taken = [this, then = std::move(then)](const std::string& text) {
+        // A dialog that came up meanwhile has the text.
+        if (window_.IsOpen() && !turn_.IsTaken())
+            then(text);
+    };
+    const bool isAsked = selection_.Fetch(std::move(taken), from);
+    if (!isAsked)
+        window_.TellStatusText("Another program is still being asked for its selection.");
+}
+
+void TextSources::UpdateThen(std::function<void()> then) {
+    Fetch([this, then = std::move(then)](const std::string& text) {
+        if (IsWebAddress(text)) {
+            if (!LoadFile(std::string(Trimmed(text))))
+                return;
+        } else if (!text.empty()) {
+            text_.TakeFromProgram(text);
+        }
+        then();
+    });
+}
+
+void TextSources::CmCopyFromClipboard() {
+    UpdateThen(listener_.changed);
+}
+
+bool TextSources::OpenFile() {
+    std::string path;
+    std::string folder = kOpenFolderSetting.Get();
+    static constexpr char kFilters[] =
+        "Text Documents\0*.txt;*.text;*.TXT;*\0"
+        "Web Pages\0*.html;*.htm;*.xhtml;*.HTML;*.HTM\0"
+        "Books\0*.epub;*.fb2;*.EPUB;*.FB2\0"
+        "Word Processor Documents\0*.odt;*.fodt;*.docx;*.rtf;*.ODT;*.DOCX;*.RTF\0"
+        "Presentations\0*.odp;*.pptx;*.ODP;*.PPTX\0"
+        "PDF and DjVu Documents\0*.pdf;*.djvu;*.PDF;*.DJVU\0"
+        "Pictures of Text\0*.png;*.jpg;*.jpeg;*.tif;*.tiff;*.webp;*.PNG;*.JPG;*.TIF\0"
+        "Mail and Markdown\0*.eml;*.md;*.EML;*.MD\0";
+    if (!LFile::BrowseReadFilePath(window_.Widget(), path, "Locate File to Read Text", folder,
+                                   kFilters))
+        return false;
+    KeepFolder(kOpenFolderSetting, folder);
+    return window_.IsOpen() && LoadFile(path);
+}
+
+bool TextSources::LoadFile(const std::string& path, FileFrom from, bool isWholePage) {
+    std::optional<Document> document;
+    {
+        const CommandTurn::Hold hold(turn_);
+        document = LoadDocumentUnderDialog(window_.Widget(), path.c_str(), isWholePage);
+    }
+    // The window may have been closed meanwhile.
+    if (!window_.IsOpen())
+        return false;
+    if (!document) {
+        narrator_.ForgetQueue();
+        return false;
+    }
+    if (!document->problem.empty()) {
+        TellUnreadable(path, document->problem, from);
+        return false;
+    }
+    isTakingFromElsewhere_ = from == FileFrom::kElsewhere;
+    text_.TakeFile(*document, path);
+    isTakingFromElsewhere_ = false;
+    NoteFile(path);
+    if (from == FileFrom::kUser)
+        listener_.opened();
+    if (std::exchange(isUnreadableTold_, false))
+        listener_.readable();
+    if (const std::string note = NoteOn(*document); !note.empty())
+        window_.TellStatusText(note.c_str());
+    return true;
+}
+
+// Who chose the file sees a box.
+void TextSources::TellUnreadable(const std::string& path, const std::string& problem,
+                                 FileFrom from) {
+    if (from == FileFrom::kUser) {
+        MessageBoxRun(window_.Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "Cannot read the file.", problem.c_str());
+        return;
+    }
+    listener_.unreadable("Cannot read " + path + ": " + problem);
+    isUnreadableTold_ = true;
+}
+
+// What surrounds the article of the page that is there; a reading goes on.
+void TextSources::CmWholePage() {
+    LoadFile(std::string(text_.File()), FileFrom::kUser, true);
+}
+
+// What the user writes is not replaced: by a file that still waits, or by a selection.
+void TextSources::EvTextChanged() {
+    if (!isTakingFromElsewhere_)
+        narrator_.ForgetQueue();
+    selection_.DropFetch();
+}
+
+void TextSources::WasSavedAs(const std::string& path) {
+    text_.WasSavedAs(path);
+    NoteFile(path);
+}
+
+void TextSources::NoteFile(const std::string& path) {
+    RecentFiles::Add(path);
+    listener_.filed();
+}

@@ -1,0 +1,68 @@
+// How texts come into the window: files and pages that are opened, and what is selected or copied
+// in any program.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "app/commands/command_set.h"
+#include "app/commands/command_turn.h"
+#include "app/reading/narrator.h"
+#include "app/text/selection_watch.h"
+#include "app/text/text_pane.h"
+#include "gui/main_window/main_window.h"
+
+// GUI thread.
+class TextSources {
+public:
+    enum class FileFrom { kUser, kElsewhere };
+    struct Listener {
+        std::function<void()> changed;  // Available() is another one
+        std::function<void()> filed;    // the text is another file's
+        std::function<void()> opened;   // a file that the user chose
+        // A file from elsewhere cannot be read: nobody may be there to see it.
+        std::function<void(const std::string& note)> unreadable;
+        std::function<void()> readable;  // that was told, and another file is here
+    };
+    // All are borrowed. The narrator's texts wait for the window.
+    TextSources(LMainWindow& window, CommandTurn& turn, TextPane& text, Narrator& narrator,
+                Listener listener);
+    TextSources(const TextSources&) = delete;
+    TextSources& operator=(const TextSources&) = delete;
+
+    void AddCommands(CommandSet& commands);
+    CommandNeeds Available() const { return selection_.HasText() ? kNeedsSelection : 0; }
+
+    // False: unreadable, which is told, or cancelled; the text stays.
+    bool LoadFile(const std::string& path, FileFrom from = FileFrom::kUser,
+                  bool isWholePage = false);
+    bool OpenFile();  // likewise, after a chooser
+
+    // Then runs from the main loop, once the text is there or there is none, unless the text was
+    // changed meanwhile. One at a time.
+    void Fetch(std::function<void(const std::string& text)> then,
+               SelectionWatch::From from = SelectionWatch::From::kNewest);
+    // The same with the text in the window. Where nothing is selected or copied, that is the text
+    // that was there.
+    void UpdateThen(std::function<void()> then);
+    void DropFetch() { selection_.DropFetch(); }
+
+    void EvTextChanged();
+    void WasSavedAs(const std::string& path);
+
+private:
+    void CmCopyFromClipboard();
+    void CmOpenFile() { OpenFile(); }
+    void CmWholePage();
+    void TellUnreadable(const std::string& path, const std::string& problem, FileFrom from);
+    void NoteFile(const std::string& path);
+
+    LMainWindow& window_;
+    CommandTurn& turn_;
+    TextPane& text_;
+    Narrator& narrator_;
+    const Listener listener_;
+    SelectionWatch selection_;
+    bool isTakingFromElsewhere_ = false;
+    bool isUnreadableTold_ = false;
+};

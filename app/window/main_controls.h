@@ -1,0 +1,51 @@
+// The main window's controls: made once, and laid out whenever its size or what is shown changes.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "app/commands/command_places.h"
+#include "app/commands/command_set.h"
+#include "gui/controls/control_factory.h"
+#include "gui/main_window/main_window.h"
+
+struct LayoutPlace;
+
+// GUI thread.
+class MainControls {
+public:
+    // Below the text, there only now and then.
+    struct Bar {
+        int control;
+        GtkWidget* widget;  // floating
+        std::function<bool()> isOpen;
+    };
+    // All are borrowed.
+    MainControls(LMainWindow& window, CommandSet& commands, CommandPlaces& places)
+        : window_(window), commands_(commands), places_(places) {}
+    MainControls(const MainControls&) = delete;
+    MainControls& operator=(const MainControls&) = delete;
+
+    void AddCommands();
+    // Once. The bars from top to bottom, which have the keyboard after the text.
+    void Create(const LEditWidgets& text, std::vector<Bar> bars);
+    void LayOut(int width, int height);
+    // The keyboard is never lost with a control that was hidden or disabled.
+    void KeepFocus();
+
+private:
+    void CmShowCommandBar();  // or hides it
+    void ShowChoice();
+    void CreateVoices();
+    void CreateButton(int number);
+    void SetFocusOrder();
+    int MeasureBars();
+    void PlaceBars(LayoutPlace place);
+    void Place(int control, const LayoutPlace& place);
+
+    LMainWindow& window_;
+    CommandSet& commands_;
+    CommandPlaces& places_;
+    std::vector<Bar> bars_;
+};
