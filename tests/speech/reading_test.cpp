@@ -44,11 +44,10 @@ std::size_t CountLines(const std::string& path) {
 
 class NumbersReading : public testing::Test {
 protected:
-    NumbersReading() { SpeakNumbers(engine_); }
     std::string At(const std::string& name) const { return engine_.Path() + "/" + name; }
     std::string SoundPath() const { return At("speech.wav"); }
 
-    const FakeEngine engine_;
+    const NumbersEngine engine_;
     LSilentProgress progress_;
     const std::function<bool()> engineHangs_ = [this] {
         return std::filesystem::remove(At("hanging"));
@@ -140,8 +139,8 @@ TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
         ImpatientProgress progress(engineHangs_);
         EXPECT_EQ(Process(progress, runs), kProcessFailed);
         EXPECT_EQ(runs.Outcome(), outcome);
-        EXPECT_LT(CountLines(At("said")), 30U);
-        EXPECT_TRUE(ProcessesEnd(At("running")));
+        EXPECT_LT(CountLines(At("engine.log")), 30U);
+        EXPECT_TRUE(ProcessesEnd(At("engine.ids")));
     }
 }
 
@@ -168,7 +167,7 @@ TEST_F(NumbersReading, IsHeardWhileItIsSpokenAndKnowsWhichSentenceWhen) {
     EXPECT_EQ(block[2 * kFramesOfNumber], 0);
     EXPECT_EQ(source->GetPositionSample(), 3 * kFramesOfNumber);
     source->WaitForStreamingData(1);
-    std::ofstream(At("go")).close();
+    engine_.LetGo();
     EXPECT_EQ(HearNumbers(*source).front(), 4);
     source->Seek(0);
     EXPECT_EQ(HearNumbers(*source), Numbers(20));
@@ -231,11 +230,11 @@ TEST_F(NumbersReading, SavesTheWholeInFewRunsAndConvertsOtherRates) {
     ASSERT_FALSE(progress.told.empty());
     EXPECT_TRUE(std::is_sorted(progress.told.begin(), progress.told.end()));
     EXPECT_EQ(progress.told.back(), 1.0);
-    EXPECT_LT(CountLines(At("said")), 30U);
+    EXPECT_LT(CountLines(At("engine.log")), 30U);
     const LSoundSource whole = LWaveFile::OpenSource(SoundPath().c_str());
     EXPECT_EQ(HearNumbers(*whole), Numbers(2000));
 
-    SpeechReading mixed(Text(9, {4, 5}, "rate"), 0, SoundPath(), ReadingUse::kListening);
+    SpeechReading mixed(Text(9, {4, 5}, "half"), 0, SoundPath(), ReadingUse::kListening);
     mixed.Start();
     ASSERT_EQ(Process(progress_, mixed), kProcessDone);
     const LSoundSource source = mixed.OpenSource();
@@ -320,7 +319,7 @@ TEST_F(NumbersReading, EndsInEveryPhaseAndLeavesNothing) {
         EXPECT_TRUE(reading.Ended().IsSignaled());
         EXPECT_TRUE(reading.Track().IsComplete());
     }
-    EXPECT_TRUE(ProcessesEnd(At("running")));
+    EXPECT_TRUE(ProcessesEnd(At("engine.ids")));
     EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/fd") <= descriptors; }));
     EXPECT_TRUE(Eventually([&] { return CountFiles("/proc/self/task") <= 2; }));
     EXPECT_EQ(CountFiles(engine_.Path(), ".speech"), 0U);
