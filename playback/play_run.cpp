@@ -36,12 +36,14 @@ CardClock::Time Now() {
 }  // namespace
 
 PlayRun::PlayRun(const LSoundSource& source, LSoundPlayDevice device, bool waitsForCard,
-                 std::shared_ptr<const LTempo> tempo, std::function<void()> notify)
+                 std::shared_ptr<const LTempo> tempo, std::shared_ptr<LFade> fade,
+                 std::function<void()> notify)
     : device_(device),
       waitsForCard_(waitsForCard),
       rate_(source->SampleRate()),
       channels_(source->Channels()),
       tempo_(std::move(tempo)),
+      fade_(std::move(fade)),
       notify_(std::move(notify)),
       original_(source),
       source_(source) {
@@ -200,6 +202,8 @@ void PlayRun::ReadBlock(int position, int frames) {
     // A rate converter overshoots; beyond full scale samples would wrap around to loud clicks.
     if (source_->PeakMagnitude() > kMaxPcm16Peak)
         LSoundPeakLimit(block_.data(), frames * source_->Channels());
+    if (fade_ != nullptr)
+        fade_->Apply(block_.data(), frames, source_->Channels(), source_->SampleRate());
     ring_.Add({clock_.Written(), frames, position, nextFrame_,
                GetBufferLevels(block_.data(), frames, source_->Channels())});
     ConvertBlock(frames);

@@ -20,7 +20,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "foundation/threads/thread.h"
@@ -28,50 +27,19 @@
 #include "playback/card_clock.h"
 #include "playback/pcm_out.h"
 #include "playback/play_device.h"
-#include "sound/level.h"
+#include "playback/play_news.h"
+#include "sound/fade.h"
 #include "sound/sound_source.h"
 #include "sound/tempo.h"
-
-// Why playback ended by itself.
-enum class PlayTrouble {
-    kNone,         // played to the end, stopped by the owner, or still playing
-    kCannotOpen,   // no such card, or another program holds it; no sound server either
-    kCannotSetUp,  // the card refused the sound's parameters
-    kDeviceLost,   // the card vanished, failed or stood still while playing
-};
-
-// Where the sound goes.
-struct PlayRoute {
-    enum class Way {
-        kAsked,    // to the device that was asked for
-        kAwaited,  // nowhere yet: another program holds the card, which is tried again
-        kServer,   // to the sound server, since the card that was asked for cannot be had
-    };
-    Way way = Way::kAsked;
-    bool isBusy = false;  // the card is there, but another program holds it
-    std::string holder;   // the name of that program, when the kernel tells
-};
-
-// Frames are the owner's source's own, whatever the card is given.
-struct PlayNews {
-    bool hasBlock = false;   // another block is being heard: its start and its levels are told
-    bool hasEnded = false;   // heard to the end, or the card could not be opened
-    bool hasFailed = false;  // ended without an end; trouble says why
-    bool hasRoute = false;   // not what it was
-    PlayRoute route;
-    PlayTrouble trouble = PlayTrouble::kNone;
-    int frame = 0;     // where playback would go on: start of the block being heard
-    int endFrame = 0;  // grows while the source streams
-    LDBMC levels;
-};
 
 class PlayRun final : private LThread {
 public:
     // notify is called on the thread when there are news, never once Halt has returned. Without a
-    // tempo the source plays at its own. Who was heard through the sound server just now does not
-    // wait for a card that another program holds.
+    // tempo the source plays at its own, without a fade at its own loudness. Who was heard through
+    // the sound server just now does not wait for a card that another program holds.
     PlayRun(const LSoundSource& source, LSoundPlayDevice device, bool waitsForCard,
-            std::shared_ptr<const LTempo> tempo, std::function<void()> notify);
+            std::shared_ptr<const LTempo> tempo, std::shared_ptr<LFade> fade,
+            std::function<void()> notify);
     ~PlayRun() override;  // waits for the thread
 
     using LThread::IsRunning;
@@ -119,6 +87,7 @@ private:
     const int rate_;  // of the owner's source, which may be taken back while the card is opened
     const std::uint8_t channels_;
     const std::shared_ptr<const LTempo> tempo_;
+    const std::shared_ptr<LFade> fade_;
     const std::function<void()> notify_;
     LSignalObject finished_;
     std::mutex sourceMutex_;

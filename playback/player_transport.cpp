@@ -21,6 +21,7 @@ std::string NameOf(LSoundPlayDevice device) {
 
 LPlayerTransport::LPlayerTransport(LPlayerBaseInfo& info)
     : info_(info), player_(this, kPlayerId, LSoundPlayDevice()) {
+    player_.SetFade(fade_);
     player_.SetTroubleHandler([this](PlayTrouble trouble) { EvTrouble(trouble); });
     player_.SetRouteHandler([this](const PlayRoute& route) { TakeRoute(route); });
 }

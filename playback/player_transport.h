@@ -68,6 +68,7 @@ public:
     MixerResult MixerAnswer() const { return mixerAnswer_; }  // to the volume set last
     void SetTempo(int percent);
     int TempoPercent() const { return tempo_->Percent(); }
+    LFade& Fade() { return *fade_; }  // of what is heard, whatever the volume
 
     bool IsLoaded() const { return player_.IsLoaded(); }  // playing or paused
     bool IsPaused() const { return player_.IsCued(); }
@@ -121,6 +122,7 @@ private:
     bool isPrepared_ = false;
     std::string voice_;  // whose speed the tempo is
     const std::shared_ptr<LTempo> tempo_ = std::make_shared<LTempo>();
+    const std::shared_ptr<LFade> fade_ = std::make_shared<LFade>();
     LSoundPlayDevice device_;
     LDB volume_;
     MixerResult mixerAnswer_ = MixerResult::kDone;

@@ -130,7 +130,7 @@ int LSoundPlayer::EndSample() const {
 void LSoundPlayer::StartRun() {
     FreeRunsLetGo();
     trouble_ = PlayTrouble::kNone;
-    run_ = std::make_unique<PlayRun>(source_, device_, !wasOnServer_, tempo_,
+    run_ = std::make_unique<PlayRun>(source_, device_, !wasOnServer_, tempo_, fade_,
                                      [this] { QueueNotify(); });
     run_->Start();
 }

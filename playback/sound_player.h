@@ -17,6 +17,7 @@
 #include "foundation/gdk/queued_notify.h"
 #include "playback/play_device.h"
 #include "playback/play_run.h"
+#include "sound/fade.h"
 #include "sound/level.h"
 #include "sound/sound_source.h"
 #include "sound/sound_time.h"
@@ -48,6 +49,8 @@ public:
     // How fast to play, from the next opening of the card on; changes of the tempo itself are heard
     // at once. None: at the source's own.
     void SetTempo(std::shared_ptr<const LTempo> tempo) { tempo_ = std::move(tempo); }
+    // Likewise how loud. None: as the source is.
+    void SetFade(std::shared_ptr<LFade> fade) { fade_ = std::move(fade); }
 
     // Stops what plays, then plays source from its position; the caller may drop its own handle at
     // any time, but leaves the source alone. False: the source is not good, or another Start waits
@@ -112,6 +115,7 @@ private:
     const int id_;
     LSoundPlayDevice device_;
     std::shared_ptr<const LTempo> tempo_;
+    std::shared_ptr<LFade> fade_;
     LSoundSource source_;  // the run's while there is one
     int rate_ = 0;
     int position_ = 0;

@@ -1,0 +1,21 @@
+// Sound that becomes silence, and comes back, without a click.
+#pragma once
+
+#include <atomic>
+
+// Shared by who wants it (GUI thread) and the one who plays (player thread). It is paced by what is
+// played: while nothing is, nothing fades.
+class LFade {
+public:
+    void Out(
+        int milliseconds);  // from here to silence; a fade that is under way keeps its loudness
+    void Back();            // to full loudness, within a moment
+    bool IsOut() const { return outMilliseconds_.load(std::memory_order_relaxed) > 0; }
+
+    // The player's: of interleaved samples, in place.
+    void Apply(int* samples, int frames, int channels, int rate);
+
+private:
+    std::atomic<int> outMilliseconds_{0};  // from full loudness to silence; 0: back
+    float level_ = 1;  // 1 is full; the player thread's, from one run to the next
+};
