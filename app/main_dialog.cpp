@@ -47,10 +47,12 @@ MainDialog::MainDialog()
       narrator_(SpeechFilePath()),
       turn_([this] { narrator_.ContinueQueueSoon(); }),
       voices_(*this, kVoiceList, narrator_, [this] { TellNoSpeechEngine(Widget()); }),
+      sleep_(narrator_, commands_, [this](const char* text) { TellStatusText(text); }),
       view_(*this, narrator_,
             {.keys = [this](unsigned int key) { return EvKeyDown(key); },
              .noVoice = [this] { TellNoSpeechEngine(Widget()); },
-             .cannotPlay = RunMachineCheckWithoutCard}),
+             .cannotPlay = RunMachineCheckWithoutCard,
+             .statusMore = [this] { return sleep_.Status(); }}),
       playback_(narrator_, commands_,
                 {.read = [this] { read_.CmRead(); },
                  .tell = [this](const char* text) { TellStatusText(text); },
@@ -88,6 +90,7 @@ MainDialog::MainDialog()
     places_.AddCommands();
     voices_.AddCommands(commands_);
     playback_.AddCommands();
+    sleep_.AddCommands();
     read_.AddCommands();
     sources_.AddCommands(commands_);
     recent_.AddCommands(commands_);

@@ -12,6 +12,7 @@
 #include "app/window/main_controls.h"
 #include "app/window/playback_commands.h"
 #include "app/window/presence.h"
+#include "app/window/sleep_commands.h"
 #include "app/window/window_title.h"
 #include "desktop/desktop_shortcut.h"
 
@@ -50,6 +51,7 @@ private:
     Narrator narrator_;
     CommandTurn turn_;
     VoiceChoice voices_;
+    SleepCommands sleep_;
     ReadingView view_;
     PlaybackCommands playback_;
     ReadAloud read_;

@@ -100,7 +100,8 @@ public:
     void MoveToHeading(int step);         // likewise, where the text has headings
     void MoveToPlace(std::size_t place);  // the sentence at that byte of the text
     bool CanMove() const;                 // there is a text whose places can be heard
-    bool HasHeadings() const { return !info_.Headings().empty(); }
+    const std::vector<std::size_t>& Headings() const { return info_.Headings(); }
+    LSoundTime TimeAt(std::size_t place) const { return info_.TimeAt(place); }
     std::size_t Place() const;  // of the sentence that is heard, or will be
 
     // The texts that wait begin one after the other, whenever nothing is being read; trouble drops

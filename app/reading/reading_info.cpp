@@ -48,6 +48,11 @@ LSoundTime ReadingInfo::TimeOf(int frame) const {
     return LSoundTime(SourceBegin().Milliseconds() + within.Milliseconds());
 }
 
+LSoundTime ReadingInfo::TimeAt(std::size_t place) const {
+    const auto frame = reading_ && rate_ > 0 ? reading_->Track().FrameOf(place) : std::nullopt;
+    return frame ? TimeOf(*frame) : Times().TimeOf(place);
+}
+
 bool ReadingInfo::Reaches(LSoundTime time) const {
     if (!reading_ || rate_ == 0 || time < SourceBegin())
         return false;

@@ -40,6 +40,8 @@ public:
     // Of what is spoken; 0 before its source was opened.
     int Frame(LSoundTime time) const;
     LSoundTime TimeOf(int frame) const;
+    // Of a place of the text: that of its sound once it is spoken, else an estimate.
+    LSoundTime TimeAt(std::size_t place) const;
     // Whether that time is in the sound that is there, or its very end.
     bool Reaches(LSoundTime time) const;
     bool IsSpokenToTheEnd() const { return reading_ && reading_->Track().IsComplete(); }

@@ -93,7 +93,7 @@ CommandNeeds PlaybackCommands::Available(bool hasText) const {
            (CanBeHeard() || (hasText && !isReading) ? kNeedsTextOrSound : 0) |
            (hasText || isReading ? kNeedsTextOrReading : 0) |
            (narrator_.CanMove() ? kNeedsPlaces : 0) |
-           (narrator_.HasHeadings() ? kNeedsHeadings : 0);
+           (narrator_.Headings().empty() ? 0 : kNeedsHeadings);
 }
 
 void PlaybackCommands::CmPlayOrPause() {

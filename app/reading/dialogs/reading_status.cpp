@@ -61,8 +61,13 @@ void ReadingStatus::Hear(const ReadingNews& news) {
         line_.tell(news.route.c_str());
     } else {
         const bool isPause = news.IsNew() && news.state == ReadingState::kPaused;
-        (isPause ? line_.tell : line_.show)(StatusOf(news).c_str());
+        (isPause ? line_.tell : line_.show)(WithMore(StatusOf(news)).c_str());
     }
+}
+
+std::string ReadingStatus::WithMore(std::string status) const {
+    const std::string more = line_.more();
+    return more.empty() ? status : std::move(status) + "; " + more;
 }
 
 void ReadingStatus::HearEnd(const ReadingNews& news) const {

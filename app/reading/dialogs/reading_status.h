@@ -15,12 +15,14 @@ public:
     struct Line {
         std::function<void(const char* text)> show;
         std::function<void(const char* text)> tell;  // news to the user: screen readers say it
+        std::function<std::string()> more;           // stands behind the place
     };
     // atRest: what stands there when there is nothing else to say; borrowed.
     ReadingStatus(Narrator& narrator, Line line, const char* atRest);
 
 private:
     void Hear(const ReadingNews& news);
+    std::string WithMore(std::string status) const;
     void HearEnd(const ReadingNews& news) const;
 
     const Line line_;

@@ -19,7 +19,8 @@ ReadingView::ReadingView(LMainWindow& window, Narrator& narrator, Ways ways)
                            .cannotPlay = std::move(ways.cannotPlay)}),
       status_(narrator,
               {.show = [this](const char* text) { window_.SetStatusText(text); },
-               .tell = [this](const char* text) { window_.TellStatusText(text); }},
+               .tell = [this](const char* text) { window_.TellStatusText(text); },
+               .more = std::move(ways.statusMore)},
               kBanner) {}
 
 void ReadingView::ShowStatus() const {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "app/reading/dialogs/reading_player.h"
 #include "app/reading/dialogs/reading_status.h"
@@ -17,6 +18,7 @@ public:
         std::function<bool(unsigned int key)> keys;         // those that the player does not know
         std::function<void()> noVoice;                      // tells that, and what to do
         std::function<void(GtkWidget* parent)> cannotPlay;  // after the box about it
+        std::function<std::string()> statusMore;            // behind the place in the status bar
     };
     // Both are borrowed.
     ReadingView(LMainWindow& window, Narrator& narrator, Ways ways);
