@@ -60,6 +60,9 @@ MainDialog::MainDialog()
       read_({*this, text_, narrator_, voices_, view_.Player(), commands_, turn_}),
       keeper_({text_, narrator_, read_, [this](const char* text) { TellStatusText(text); },
                [this] { Layout(); }}),
+      bookmarks_({text_, narrator_, commands_, [this] { return Widget(); },
+                  [this](const auto& place) { return read_.GoOnAt(place); },
+                  [this](const char* text) { TellStatusText(text); }}),
       sources_(*this, turn_, text_, narrator_,
                {.changed = [this] { EnableControls(); },
                 .filed =
@@ -92,6 +95,7 @@ MainDialog::MainDialog()
     playback_.AddCommands();
     sleep_.AddCommands();
     read_.AddCommands();
+    bookmarks_.AddCommands();
     sources_.AddCommands(commands_);
     recent_.AddCommands(commands_);
     presence_.AddCommands(commands_);

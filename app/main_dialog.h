@@ -2,6 +2,7 @@
 // by itself; here they are made known to each other.
 #pragma once
 
+#include "app/bookmarks/bookmarks.h"
 #include "app/control/remote_control.h"
 #include "app/read_requests.h"
 #include "app/reading/dialogs/reading_view.h"
@@ -56,6 +57,7 @@ private:
     PlaybackCommands playback_;
     ReadAloud read_;
     PlaceKeeper keeper_;
+    Bookmarks bookmarks_;
     TextSources sources_;
     RecentList recent_;
     Presence presence_;

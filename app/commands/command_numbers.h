@@ -48,6 +48,8 @@ enum CommandNumber {
     kNextParagraph = 1322,
     kPreviousHeading = 1323,
     kNextHeading = 1324,
+    kSetBookmark = 1325,
+    kBookmarks = 1326,
     kSleepNever = 1331,
     kSleepIn15 = 1332,
     kSleepIn30 = 1333,

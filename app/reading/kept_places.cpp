@@ -3,16 +3,15 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
+#include "app/reading/kept_fields.h"
 #include "foundation/files/private_file.h"
 #include "foundation/owned_text.h"
 
 namespace {
 
 constexpr const char* kPlacesFile = "reading-places";
-constexpr std::size_t kMostPlacesBytes = 1 << 20;
 constexpr int kFields = 5;
 // Of a long text its beginning, its end and its length tell enough.
 constexpr std::size_t kMostDigested = 1 << 22;
@@ -21,23 +20,6 @@ std::string Sha256(std::string_view bytes) {
     const OwnedText digest(g_compute_checksum_for_data(
         G_CHECKSUM_SHA256, reinterpret_cast<const guchar*>(bytes.data()), bytes.size()));
     return digest.get();
-}
-
-// Each field ends with a zero byte: the one that no text holds.
-std::vector<std::string> FieldsOf(std::string_view content) {
-    std::vector<std::string> fields;
-    for (std::size_t at = 0; at < content.size();) {
-        const std::size_t end = std::min(content.find('\0', at), content.size());
-        fields.emplace_back(content.substr(at, end - at));
-        at = end + 1;
-    }
-    return fields;
-}
-
-std::size_t NumberOf(const std::string& text) {
-    std::size_t number = 0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
 }
 
 }  // namespace
@@ -64,7 +46,12 @@ std::string KeyOfText(std::string_view text) {
 }
 
 std::optional<std::size_t> FindPlace(const KeptPlace& kept, std::string_view text) {
-    if (kept.digest == KeyOfText(text))
+    return FindPlace(kept, text, KeyOfText(text));
+}
+
+std::optional<std::size_t> FindPlace(const KeptPlace& kept, std::string_view text,
+                                     const std::string& key) {
+    if (kept.digest == key)
         return std::min(kept.place, text.size());
     if (kept.sentence.empty())
         return std::nullopt;
@@ -79,13 +66,10 @@ std::optional<std::size_t> FindPlace(const KeptPlace& kept, std::string_view tex
 }
 
 KeptPlaces::KeptPlaces() {
-    std::string content;
-    if (!ReadPrivateFile(kPlacesFile, kMostPlacesBytes, content))
-        return;
-    std::vector<std::string> fields = FieldsOf(content);
+    std::vector<std::string> fields = ReadKeptFields(kPlacesFile);
     for (std::size_t at = 0; at + kFields <= fields.size() && places_.size() < kMost; at += kFields)
         places_.push_back({std::move(fields[at]), std::move(fields[at + 1]),
-                           NumberOf(fields[at + 2]), NumberOf(fields[at + 3]),
+                           NumberOfField(fields[at + 2]), NumberOfField(fields[at + 3]),
                            std::move(fields[at + 4])});
 }
 
@@ -114,11 +98,9 @@ void ForgetKeptPlaces() {
 }
 
 int KeptPlaces::Write() const {
-    std::string content;
-    for (const KeptPlace& each : places_) {
-        for (const std::string& field : {each.key, each.digest, std::to_string(each.size),
-                                         std::to_string(each.place), each.sentence})
-            content.append(field).push_back('\0');
-    }
-    return WritePrivateFile(kPlacesFile, content);
+    std::vector<std::string> fields;
+    for (const KeptPlace& each : places_)
+        fields.insert(fields.end(), {each.key, each.digest, std::to_string(each.size),
+                                     std::to_string(each.place), each.sentence});
+    return WriteKeptFields(kPlacesFile, fields);
 }

@@ -25,6 +25,9 @@ std::string KeyOfText(std::string_view text);
 // Where the sentence stands that was heard last: the same place in the same text, in a changed one
 // the nearest sentence with the same words; nothing when there is none.
 std::optional<std::size_t> FindPlace(const KeptPlace& kept, std::string_view text);
+// For who looks for several: key is KeyOfText of the text.
+std::optional<std::size_t> FindPlace(const KeptPlace& kept, std::string_view text,
+                                     const std::string& key);
 
 // The user's store of the newest ones, written whole at each change. GUI thread.
 class KeptPlaces {

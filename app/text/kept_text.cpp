@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <charconv>
 
-#include "app/reading/kept_places.h"
+#include "app/reading/kept_bookmarks.h"
 #include "app/settings_keys.h"
 #include "foundation/files/private_file.h"
 
@@ -123,4 +123,5 @@ void ForgetKeptText() {
     RemovePrivateFile(kTextFile);
     RemovePrivateFile(kPlaceFile);
     ForgetKeptPlaces();
+    ForgetKeptBookmarks();
 }

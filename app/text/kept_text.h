@@ -62,5 +62,5 @@ private:
     guint pauseMs_ = 0;  // between two writes
 };
 
-// What was kept is gone from the disk, and how far texts were read.
+// What was kept is gone from the disk, with the places and bookmarks of all texts.
 void ForgetKeptText();

@@ -85,6 +85,15 @@ std::optional<std::size_t> SpokenHighlight::PlaceOf(const GtkTextIter& at) const
     return places_.Then(lines_->Bytes(start, at));
 }
 
+std::optional<GtkTextIter> SpokenHighlight::PlaceNow(std::size_t begin, std::size_t end) const {
+    const auto now = isFollowing_ ? places_.Now(begin, end) : std::nullopt;
+    if (!now)
+        return std::nullopt;
+    GtkTextIter at = Start();
+    lines_->Forward(at, *now);
+    return at;
+}
+
 void SpokenHighlight::Show(std::size_t begin, std::size_t end) {
     if (!isFollowing_ || !isShown_ || (begin == shownBegin_ && end == shownEnd_))
         return;

@@ -32,6 +32,8 @@ public:
     void Begin(const GtkTextIter& start, bool isShown);
     // Which byte of that text stands there; nothing after End.
     std::optional<std::size_t> PlaceOf(const GtkTextIter& at) const;
+    // And where it is now; nothing when something up to `end` was edited.
+    std::optional<GtkTextIter> PlaceNow(std::size_t begin, std::size_t end) const;
     // Marks the stretch and brings it into view; nothing before Begin and after End.
     void Show(std::size_t begin, std::size_t end);
     void Hide();  // until the next Show; at the end of the reading, which may be heard again

@@ -155,6 +155,15 @@ std::string TextPane::WordAtCursor() const {
     return gtk_text_iter_starts_word(&begin) ? lines_.Text(begin, end) : "";
 }
 
+GtkTextIter TextPane::PlaceCursor(std::size_t byte) {
+    GtkTextIter at;
+    gtk_text_buffer_get_start_iter(buffer_.Get(), &at);
+    lines_.Forward(at, byte);
+    gtk_text_buffer_place_cursor(buffer_.Get(), &at);
+    ShowCursor();
+    return at;
+}
+
 void TextPane::CmUndo() {
     history_.Undo();
     ShowCursor();

@@ -68,7 +68,8 @@ public:
     std::string Title() const;
     std::vector<std::size_t> Headings() const { return headings_.Places(); }
     const ReadingStart& Start() const { return start_; }
-    std::string WordAtCursor() const;  // or what is selected; may be empty
+    GtkTextIter PlaceCursor(std::size_t byte);  // of the text; it comes into view
+    std::string WordAtCursor() const;           // or what is selected; may be empty
     SpokenHighlight& Highlight() { return highlight_; }
 
 private:

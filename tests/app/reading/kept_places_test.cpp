@@ -1,5 +1,7 @@
 #include "app/reading/kept_places.h"
 
+#include "app/reading/kept_bookmarks.h"
+
 #include <gmock/gmock.h>
 
 #include "tests/support/scratch_folder.h"
@@ -35,8 +37,34 @@ TEST(KeptPlacesTest, TheNewestAreThereAtTheNextStart) {
     EXPECT_EQ(places.Find("7")->sentence, "Two.");
     EXPECT_EQ(places.Find("7")->digest, KeyOfText(text));
     // Whatever stands in the file.
-    home.Write(".quillon/lectora/reading-places", std::string("a\0b\0-1\0x", 8));
+    for (const char* file : {"reading-places", "bookmarks"})
+        home.Write(std::string(".quillon/lectora/") + file, std::string("a\0b\0-1\0x", 8));
     EXPECT_FALSE(KeptPlaces().Find("a"));
+    EXPECT_TRUE(KeptBookmarks().Of("a").empty());
+}
+
+TEST(KeptBookmarksTest, EachDocumentHasItsOwnInTheOrderOfTheText) {
+    const ScratchFolder home;
+    const ScopedVariable variable("HOME", home.Path().c_str());
+    const std::string text = "One is first. Two is second. Three is third.";
+    {
+        KeptBookmarks kept;
+        for (const char* sentence : {"Three", "One", "Two"})
+            EXPECT_EQ(kept.Set({.at = PlaceIn(text, sentence, "book")}), 0);
+        for (std::size_t number = 3; number < KeptBookmarks::kMost; ++number)
+            EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", std::to_string(number))}), 0);
+        EXPECT_NE(kept.Set({.at = PlaceIn(text, "Two", "one too many")}), 0);
+        EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", "book"), .name = "Here"}), 0)
+            << "another name";
+        EXPECT_EQ(kept.Remove({.at = PlaceIn(text, "One", "book")}), 0);
+    }
+    const std::vector<Bookmark> bookmarks = KeptBookmarks().Of("book");
+    ASSERT_EQ(bookmarks.size(), 2u);
+    EXPECT_EQ(bookmarks[0].Title(), "Here");
+    EXPECT_EQ(bookmarks[1].Title(), "Three");
+    EXPECT_THAT(FindPlace(bookmarks[1].at, "New. " + text), Optional(34u));
+    ForgetKeptBookmarks();
+    EXPECT_FALSE(KeptBookmarks().IsFull());
 }
 
 TEST(KeptPlacesTest, TheSentenceIsFoundAgainInAChangedText) {

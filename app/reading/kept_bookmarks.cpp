@@ -1,0 +1,86 @@
+#include "app/reading/kept_bookmarks.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "app/reading/kept_fields.h"
+#include "foundation/files/private_file.h"
+#include "foundation/first_words.h"
+#include "foundation/owned_text.h"
+
+namespace {
+
+constexpr const char* kBookmarksFile = "bookmarks";
+constexpr std::size_t kBookmarkFields = 6;
+
+// Never in the middle of a character.
+std::string Shortened(std::string text, std::size_t most) {
+    if (text.size() > most) {
+        const char* end = text.data();
+        g_utf8_validate(text.data(), static_cast<gssize>(most), &end);
+        text.resize(static_cast<std::size_t>(end - text.data()));
+    }
+    return text;
+}
+
+bool IsSamePlace(const Bookmark& one, const Bookmark& other) {
+    return one.at.key == other.at.key && one.at.place == other.at.place;
+}
+
+}  // namespace
+
+std::string Bookmark::Title() const {
+    return name.empty() ? BeginningOf(at.sentence) : name;
+}
+
+KeptBookmarks::KeptBookmarks() {
+    const std::vector<std::string> fields = ReadKeptFields(kBookmarksFile);
+    for (std::size_t at = 0; at + kBookmarkFields <= fields.size() && !IsFull();
+         at += kBookmarkFields)
+        bookmarks_.push_back({.at = {.key = fields[at],
+                                     .digest = fields[at + 1],
+                                     .size = NumberOfField(fields[at + 2]),
+                                     .place = NumberOfField(fields[at + 3]),
+                                     .sentence = fields[at + 4]},
+                              .name = fields[at + 5]});
+}
+
+std::vector<Bookmark> KeptBookmarks::Of(const std::string& key) const {
+    std::vector<Bookmark> found;
+    std::ranges::copy_if(bookmarks_, std::back_inserter(found),
+                         [&](const Bookmark& each) { return each.at.key == key; });
+    std::ranges::sort(found, {}, [](const Bookmark& each) { return each.at.place; });
+    return found;
+}
+
+int KeptBookmarks::Set(Bookmark bookmark) {
+    std::erase_if(bookmarks_, [&](const Bookmark& each) { return IsSamePlace(each, bookmark); });
+    if (IsFull())
+        return ENOSPC;
+    bookmark.at.sentence = Shortened(std::move(bookmark.at.sentence), KeptPlaces::kMostSentence);
+    bookmark.name = Shortened(std::move(bookmark.name), kMostName);
+    bookmarks_.push_back(std::move(bookmark));
+    return Write();
+}
+
+int KeptBookmarks::Remove(const Bookmark& bookmark) {
+    std::erase_if(bookmarks_, [&](const Bookmark& each) { return IsSamePlace(each, bookmark); });
+    return Write();
+}
+
+int KeptBookmarks::Write() const {
+    std::vector<std::string> fields;
+    for (const Bookmark& each : bookmarks_) {
+        const KeptPlace& at = each.at;
+        fields.insert(fields.end(), {at.key, at.digest, std::to_string(at.size),
+                                     std::to_string(at.place), at.sentence, each.name});
+    }
+    return WriteKeptFields(kBookmarksFile, fields);
+}
+
+void ForgetKeptBookmarks() {
+    RemovePrivateFile(kBookmarksFile);
+}
