@@ -1,27 +1,30 @@
-"""The real program for tests (and script/demo.py): its widgets, real keys, and the sound card.
+"""The real program for tests (and script/demo.py): its widgets and real keys.
 
 Runs below tests/support/virtual-desktop. Widgets are read through the accessibility bus; keys and
-clicks are real ones.
+clicks are real ones. What else a test of the desktop uses has the same name here: waits, the screen,
+the engine's double, the sound cards.
 """
-import array
-import math
-import operator
 import os
-import subprocess
 import time
-import wave
 
 import accessible_roles
 import pyatspi
-import waiting
+from desktop_card import Card, Sound, best_correlation, correlation
+from desktop_engine import engine_calls, forget_engine_calls, tell_engine
+from desktop_process import BUILD, DESKTOP, HERE, Process, processes
+from desktop_screen import press_keys, screenshot, tray_icons, window_property, xdotool
+from waiting import PATIENCE, TimeOut, wait_until
 
-HERE = os.path.dirname(os.path.realpath(__file__))
-DESKTOP = os.environ["LECTORA_DESKTOP"]
-BUILD = os.environ["LECTORA_BUILD"]
+__all__ = [
+    "BUILD", "DESKTOP", "HERE", "HOME", "PATIENCE", "SPEECH",
+    "Card", "Lectora", "Sound", "TimeOut",
+    "best_correlation", "correlation", "engine_calls", "forget_engine_calls", "press_keys",
+    "processes", "pyatspi", "screenshot", "tell_engine", "tray_icons", "wait_until",
+    "window_property", "xdotool",
+]  # fmt: skip
+
 HOME = os.environ["HOME"]
 SPEECH = os.path.join(HOME, "speech.wav")
-
-PATIENCE, TimeOut, wait_until = waiting.PATIENCE, waiting.TimeOut, waiting.wait_until
 
 accessible_roles.use_names_of_tests()
 
@@ -33,185 +36,12 @@ DOUBLE_CLICK = 0.5
 NOWHERE = -(2**31)
 
 
-def xdotool(*arguments):
-    deadline = time.monotonic() + PATIENCE
-    while True:
-        run = subprocess.run(
-            ["xdotool", *map(str, arguments)],
-            capture_output=True,
-            text=True,
-            check=False,
-            timeout=PATIENCE,
-        )
-        # A window that goes while it looks ends it: that is no answer.
-        if arguments[0] != "search" or "X Error" not in run.stderr or time.monotonic() > deadline:
-            return run.stdout
-
-
-def window_property(window, name, *change):
-    """What a window's property says; it is set first when a format and a value are given."""
-    ask = ["xprop", "-id", str(window), *change, name]
-    run = subprocess.run(ask, capture_output=True, text=True, check=False, timeout=PATIENCE)
-    return run.stdout.partition(" = ")[2].strip()
-
-
-def press_keys(*keys):
-    xdotool("key", "--delay", "20", *keys)
-
-
-def screenshot(path, window="root"):
-    """A PNG of the screen, or of a window with its frame; without the pointer's tooltips."""
-    os.makedirs(os.path.dirname(os.path.realpath(path)), exist_ok=True)
-    xdotool("mousemove", 0, 0, "sleep", 0.1)
-    subprocess.run(["import", "-frame", "-window", window, path], check=True, timeout=PATIENCE)
-
-
-def tell_engine(*lines):
-    """What the fake engine (tests/support/engine) does from now on."""
-    with open(os.path.join(DESKTOP, "engine"), "w") as file:
-        file.write("\n".join(lines) + "\n")
-
-
-def engine_calls():
-    try:
-        with open(os.path.join(DESKTOP, "engine.log"), encoding="utf-8", errors="replace") as file:
-            return file.read().splitlines()
-    except OSError:
-        return []
-
-
-def forget_engine_calls():
-    open(os.path.join(DESKTOP, "engine.log"), "w").close()
-
-
-class Sound:
-    def __init__(self, path):
-        with wave.open(path) as file:
-            self.rate, self.channels = file.getframerate(), file.getnchannels()
-            self.samples = array.array("h", file.readframes(file.getnframes()))
-
-    @property
-    def frames(self):
-        return len(self.samples) // self.channels
-
-    def channel(self, number):
-        return self.samples[number :: self.channels]
-
-
-def correlation(first, second):
-    length = min(len(first), len(second))
-    first, second = first[:length], second[:length]
-    norm = math.sqrt(sum(map(operator.mul, first, first)) * sum(map(operator.mul, second, second)))
-    return sum(map(operator.mul, first, second)) / norm if norm else 0.0
-
-
-def best_correlation(first, second, most_lag):
-    """The highest correlation with either sound shifted by up to most_lag samples."""
-    probe = range(0, most_lag + 1)
-    return max(
-        max(correlation(first[lag:], second) for lag in probe),
-        max(correlation(first, second[lag:]) for lag in probe),
-    )
-
-
-class Card:
-    """A virtual sound card; see tests/support/vcard/card_folder.h for what it can be told."""
-
-    def __init__(self, number=0):
-        self.folder = os.path.join(os.environ["LECTORA_VCARD"], f"card{number}")
-        os.makedirs(self.folder, exist_ok=True)
-        self.seen = len(self.streams())
-
-    def tell(self, *lines):
-        """Replaces what the card is told, as "rates 48000", "fault vanish 9000"."""
-        fresh = os.path.join(self.folder, "settings.new")
-        with open(fresh, "w") as file:
-            file.write("\n".join(("name Virtual Card A", "element Master 0 87", *lines)) + "\n")
-        os.replace(fresh, os.path.join(self.folder, "settings"))
-        try:
-            os.unlink(os.path.join(self.folder, "gone"))
-        except FileNotFoundError:
-            pass
-
-    def streams(self):
-        return sorted(name[:-4] for name in os.listdir(self.folder) if name.endswith(".wav"))
-
-    def next_stream(self, seconds=PATIENCE):
-        """The name of the next stream that the test has not asked for yet."""
-        wait_until(lambda: len(self.streams()) > self.seen, "a stream at the card", seconds)
-        self.seen += 1
-        stream = self.streams()[self.seen - 1]
-        wait_until(lambda: self.events(stream), "the stream's first event", seconds)
-        return stream
-
-    def events(self, stream):
-        """(monotonic seconds, event, frames received, frames played, more) of each log line."""
-        with open(os.path.join(self.folder, stream + ".log")) as file:
-            rows = [line.split() for line in file]
-        return [
-            (int(row[0]) / 1e6, row[1], int(row[2]), int(row[3]), [int(word) for word in row[4:]])
-            for row in rows
-        ]
-
-    def wait_for(self, stream, event, seconds=PATIENCE):
-        return wait_until(
-            lambda: [row for row in self.events(stream) if row[1] == event],
-            f"'{event}' at the card",
-            seconds,
-        )[0]
-
-    def sound(self, stream):
-        return Sound(os.path.join(self.folder, stream + ".wav"))
-
-
-class Lectora:
-    """The real program. Ends with the object; what it left running is told by leftovers()."""
+class Lectora(Process):
+    """The real program."""
 
     clicked = None, 0.0  # where, and when by the monotonic clock
     main_window = None
     settled = 0  # times
-
-    def __init__(
-        self,
-        *arguments,
-        program="lectora",
-        fake_engine=True,
-        path=None,
-        asks=False,
-        **environment,
-    ):
-        """asks: whether the first start asks its question, as it does in a fresh home."""
-        everything = dict(os.environ, **environment)
-        if not asks:
-            answers = os.path.join(everything["HOME"], ".quillon/lectora")
-            os.makedirs(answers, exist_ok=True)
-            with open(os.path.join(answers, "hotkeys"), "w") as file:
-                file.write("offered=1\r\n")
-        if path is not None:
-            everything["PATH"] = path
-        if fake_engine:
-            everything["PATH"] = os.path.join(HERE, "engine") + ":" + everything["PATH"]
-        self.started = time.monotonic()
-        self.process = subprocess.Popen(
-            [os.path.join(BUILD, "bin", program), *arguments],
-            env=everything,
-            stdin=subprocess.DEVNULL,
-        )
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.end()
-
-    def end(self):
-        self.process.kill()  # the main thread blocks every signal that can be blocked
-        self.process.wait()
-
-    def alive(self):
-        return self.process.poll() is None
-
-    # Widgets.
 
     def application(self):
         return next(
@@ -413,26 +243,6 @@ class Lectora:
         self.press("push button", "No")
         return self.process.wait(PATIENCE)
 
-    # The process as the kernel sees it.
-
-    def threads(self):
-        return len(os.listdir(f"/proc/{self.process.pid}/task"))
-
-    def descriptors(self):
-        folder = f"/proc/{self.process.pid}/fd"
-        return sorted(
-            filter(None, (_link(os.path.join(folder, name)) for name in os.listdir(folder)))
-        )
-
-    def cpu_seconds(self):
-        with open(f"/proc/{self.process.pid}/stat") as file:
-            fields = file.read().rsplit(")", 1)[1].split()
-        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
-
-    def resident_megabytes(self):
-        with open(f"/proc/{self.process.pid}/status") as file:
-            return next(int(line.split()[1]) for line in file if line.startswith("VmRSS")) / 1024
-
 
 # What there is in the parts of the main window that hold many widgets.
 _BELOW = {"menu bar": ("menu", "menu item", "check menu item"), "tool bar": ("push button",)}
@@ -443,32 +253,4 @@ def _labels(widget):
     for child in widget:
         if child:
             found += _labels(child)
-    return found
-
-
-def _link(path):
-    try:
-        # Pipes and sockets carry a number that changes; their kind is what counts.
-        return os.readlink(path).split("[")[0]
-    except OSError:
-        return None
-
-
-def tray_icons():
-    return xdotool("search", "--onlyvisible", "--name", "^TrayIcon$").split()
-
-
-def processes():
-    """Process id -> command line of everything in this desktop, known by its environment."""
-    mark = b"LECTORA_DESKTOP=" + os.fsencode(DESKTOP) + b"\0"
-    found = {}
-    for name in filter(str.isdigit, os.listdir("/proc")):
-        try:
-            with open(f"/proc/{name}/environ", "rb") as file:
-                if mark not in file.read():
-                    continue
-            with open(f"/proc/{name}/cmdline", "rb") as file:
-                found[int(name)] = file.read().replace(b"\0", b" ").decode(errors="replace").strip()
-        except OSError:
-            pass
     return found
