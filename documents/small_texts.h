@@ -7,13 +7,8 @@
 #include <string>
 #include <string_view>
 
-constexpr std::string_view kWhiteSpace = " \t\r\n\f";
+#include "foundation/white_space.h"
 
-// What a text holds beside the white space around it.
-constexpr std::string_view Trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
-    return text.substr(0, text.find_last_not_of(kWhiteSpace) + 1);
-}
 constexpr std::size_t kReadAtOnce = 65536;  // bytes, between two questions whether to go on
 constexpr std::size_t kLongestFact = 1000;  // bytes of a title or a name
 constexpr std::size_t kMostBehind = 1000;   // notes and text boxes of one paragraph

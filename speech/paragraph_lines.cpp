@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/white_space.h"
 #include "speech/sentence_characters.h"
 
 namespace {
@@ -17,13 +18,6 @@ bool BeginsItem(std::string_view line) {
         return true;
     const std::optional<ItemMark> mark = MarkAt(line);
     return mark && (!mark->isLetter || mark->tail != "." || g_ascii_islower(line[0]));
-}
-
-std::string_view Trimmed(std::string_view line) {
-    const std::size_t first = line.find_first_not_of(" \t\r\f\v");
-    if (first == std::string_view::npos)
-        return {};
-    return line.substr(first, line.find_last_not_of(" \t\r\f\v") + 1 - first);
 }
 
 bool EndsInStop(std::string_view line) {

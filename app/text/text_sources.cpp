@@ -9,9 +9,9 @@
 #include "app/settings_keys.h"
 #include "app/text/document_loading.h"
 #include "app/text/recent_files.h"
-#include "documents/small_texts.h"
 #include "documents/web_address.h"
 #include "foundation/files/file.h"
+#include "foundation/white_space.h"
 #include "gui/icon_numbers.h"
 #include "gui/windows/message_box.h"
 
