@@ -47,14 +47,29 @@ bool TextClicks::EvButtonPress(const GdkEventButton& event) {
            listener_.doubleClicked(At(event));
 }
 
-// A menu that a key brought is about the cursor.
-void TextClicks::EvPopulate(GtkMenu* menu) {
+// Where the pointer asks, there the cursor goes, unless something is selected. A menu that a key
+// brought is about the cursor.
+void TextClicks::PlaceCursor() const {
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(view_);
-    if (!std::exchange(isByPointer_, false)) {
-        GtkTextIter at;
+    GtkTextIter at;
+    if (!isByPointer_) {
         gtk_text_buffer_get_iter_at_mark(buffer, &at, gtk_text_buffer_get_insert(buffer));
         gtk_text_buffer_move_mark(buffer, place_, &at);
+    } else if (gtk_text_buffer_get_has_selection(buffer) == FALSE) {
+        gtk_text_buffer_get_iter_at_mark(buffer, &at, place_);
+        gtk_text_buffer_place_cursor(buffer, &at);
     }
+}
+
+void TextClicks::EvPopulate(GtkMenu* menu) {
+    PlaceCursor();
+    isByPointer_ = false;
+    AddReadFrom(menu);
+    listener_.addToMenu(GTK_WIDGET(menu));
+}
+
+void TextClicks::AddReadFrom(GtkMenu* menu) {
+    GtkTextBuffer* buffer = gtk_text_view_get_buffer(view_);
     GtkWidget* item = gtk_menu_item_new_with_mnemonic("Read from _Here");
     GtkWidget* line = gtk_separator_menu_item_new();
     gtk_widget_set_sensitive(item, gtk_text_buffer_get_char_count(buffer) > 0 ? TRUE : FALSE);

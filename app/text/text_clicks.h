@@ -1,5 +1,5 @@
 // What the pointer asks for in a text box beyond editing: a sentence to go on with, by a double
-// click, and a place to read from, in the menu of the right button.
+// click, and what the menu of the right button offers about the place below the pointer.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -13,6 +13,7 @@ public:
         // A double click; false: it means what it means in any text.
         std::function<bool(const GtkTextIter&)> doubleClicked;
         std::function<void(const GtkTextIter&)> readFrom;
+        std::function<void(GtkWidget* menu)> addToMenu;  // what else is about the cursor
     };
     // Once; the view ends before this object.
     void Attach(GtkTextView* view, Listener listener);
@@ -24,6 +25,8 @@ private:
 
     bool EvButtonPress(const GdkEventButton& event);
     void EvPopulate(GtkMenu* menu);
+    void PlaceCursor() const;
+    void AddReadFrom(GtkMenu* menu);
     void EvReadFrom();
     GtkTextIter At(const GdkEventButton& event) const;
 

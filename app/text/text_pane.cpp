@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "app/commands/command_numbers.h"
-#include "documents/small_texts.h"
 #include "documents/web_address.h"
 #include "foundation/first_words.h"
 #include "foundation/owned_text.h"
+#include "foundation/white_space.h"
 #include "gui/accessible.h"
 #include "gui/controls/control_factory.h"
 #include "gui/display_text.h"
@@ -17,8 +17,7 @@ TextPane::TextPane(Listener listener)
     : listener_(std::move(listener)),
       kept_(listener_.tell),
       find_(listener_.tell, listener_.reshaped),
-      drop_(listener_.dropped, [this](const std::string& text) { TakeFromProgram(text); }),
-      menu_(listener_.menu) {}
+      drop_(listener_.dropped, [this](const std::string& text) { TakeFromProgram(text); }) {}
 
 LEditWidgets TextPane::NewTextBox() {
     const LEditWidgets edit = NewEdit(false, GTK_POLICY_ALWAYS);
@@ -35,7 +34,6 @@ LEditWidgets TextPane::NewTextBox() {
     original_.Attach(view_, lines_);
     pasted_.Connect(buffer_.Get(), "paste-done", G_CALLBACK(GCPasted), this);
     size_.Attach(edit.textView);
-    menu_.Attach(view_);
     SetAccessibleName(edit.textView, "Text to read");
     return edit;
 }

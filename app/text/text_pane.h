@@ -19,7 +19,6 @@
 #include "app/text/text_clicks.h"
 #include "app/text/text_headings.h"
 #include "app/text/text_history.h"
-#include "app/text/text_menu.h"
 #include "app/text/text_size.h"
 #include "documents/document.h"
 
@@ -36,7 +35,6 @@ public:
         std::function<void()> changed;                                 // the text, by whomever
         std::function<void()> startMoved;                              // Start() may be another now
         TextClicks::Listener clicks;
-        std::function<void(GtkWidget*)> menu;  // adds to the text box's own
     };
     explicit TextPane(Listener listener);
     TextPane(const TextPane&) = delete;
@@ -103,5 +101,4 @@ private:
     FindBar find_;
     DropTarget drop_;
     LSignalOwner pasted_;
-    TextMenu menu_;
 };
