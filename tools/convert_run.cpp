@@ -7,12 +7,12 @@
 #include <cerrno>
 
 #include "foundation/files/file_io.h"
+#include "foundation/files/work_folder.h"
 #include "tools/interruption.h"
 #include "tools/sound_info.h"
 #include "tools/sound_output.h"
 #include "tools/terminal_progress.h"
 #include "tools/tool_texts.h"
-#include "tools/work_folder.h"
 
 namespace {
 

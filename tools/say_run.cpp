@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "foundation/files/work_folder.h"
 #include "speech/voice_list_query.h"
 #include "speech/voice_table.h"
 #include "tools/interruption.h"
@@ -14,7 +15,6 @@
 #include "tools/say_text.h"
 #include "tools/terminal_progress.h"
 #include "tools/tool_texts.h"
-#include "tools/work_folder.h"
 
 namespace {
 

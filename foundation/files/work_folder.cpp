@@ -1,4 +1,4 @@
-#include "tools/work_folder.h"
+#include "foundation/files/work_folder.h"
 
 #include <stdlib.h>
 
