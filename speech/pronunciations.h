@@ -27,6 +27,7 @@ public:
     explicit Pronunciations(std::vector<Pronunciation> entries);
 
     bool IsEmpty() const { return nodes_.size() == 1 && patterns_.empty(); }
+    const std::vector<Pronunciation>& Entries() const { return entries_; }
 
 private:
     friend class SaidDifferently;

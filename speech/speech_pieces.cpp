@@ -21,9 +21,10 @@ constexpr double kQuickSeconds = 3;
 constexpr double kSlowSeconds = 8;
 
 SaidDifferently SaidBy(const Voice& voice, std::string_view text, const SpeakingRules& rules) {
-    return rules.saysDifferently
-               ? SaidDifferently(CurrentPronunciations(), text, KeyOf(voice), voice.language)
-               : SaidDifferently();
+    if (!rules.saysDifferently)
+        return {};
+    return {rules.pronunciations ? rules.pronunciations : CurrentPronunciations(), text,
+            KeyOf(voice), voice.language};
 }
 
 }  // namespace
@@ -64,8 +65,10 @@ SpeechPieces::SpeechPieces(std::string_view text, int voice, ReadingUse use, Spe
       rules_(std::move(rules)),
       stretches_(text, voice, rules_.byLanguage, rules_.marks),
       use_(use),
-      enough_(use == ReadingUse::kListening ? kEnoughToListen : kFirstToSave),
-      most_(use == ReadingUse::kListening ? kMostToListen : kFirstToSave) {}
+      enough_(use == ReadingUse::kListening ? kEnoughToListen
+              : use == ReadingUse::kSaving  ? kFirstToSave
+                                            : 1),
+      most_(use == ReadingUse::kSaving ? kFirstToSave : kMostToListen) {}
 
 bool SpeechPieces::Next(SpeechPiece& piece) {
     piece.units.clear();
@@ -108,7 +111,7 @@ bool SpeechPieces::NextUnit() {
 }
 
 void SpeechPieces::RunTook(double seconds) {
-    if (use_ == ReadingUse::kListening)
+    if (use_ != ReadingUse::kSaving)
         return;
     if (seconds < kQuickSeconds)
         enough_ = std::min(enough_ * 2, kMostToSave);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,15 +13,19 @@
 #include "speech/voice_stretches.h"
 #include "speech/voice_table.h"
 
-// What a reading is for decides how its pieces are cut: the first sentence at once, or the whole at
-// the least cost.
-enum class ReadingUse { kListening, kSaving };
+class Pronunciations;
+
+// What a reading is for decides how its pieces are cut: the first sentence at once, the whole at
+// the least cost, or each sentence alone, so that it is known when it is heard.
+enum class ReadingUse { kListening, kSaving, kSavingSentences };
 
 // How a text is spoken, beside the voice.
 struct SpeakingRules {
     bool saysDifferently = true;           // by the pronunciation list (pronunciations.h)
     bool byLanguage = false;               // each language by a voice of its own
     std::vector<LanguageMark> marks = {};  // of the text's document
+    // That list, whatever becomes of the files meanwhile; null: as they are now.
+    std::shared_ptr<const Pronunciations> pronunciations = {};
 };
 
 // As the user has chosen.
