@@ -12,11 +12,10 @@
 #include <utility>
 
 #include "app/reading/speech_file.h"
+#include "app/saving/fetch_encoder.h"
 #include "app/saving/save_target.h"
 #include "app/saving/speech_copy.h"
 #include "app/saving/speech_size.h"
-#include "components/component_download.h"
-#include "formats/mp3_component.h"
 #include "formats/whole_file.h"
 #include "foundation/files/file.h"
 #include "foundation/files/path_text.h"
@@ -62,31 +61,6 @@ std::string TooLong(std::size_t bytes) {
     return "The speech of this text is longer than a sound file can hold. Please save it in parts "
            "of at most " +
            std::to_string(bytes) + " characters.";
-}
-
-// False: there is no encoder, which the user has been told, or does not want to wait for.
-bool FetchEncoder(GtkWidget* parent) {
-    LProcessGetComponentPath request;
-    request.name = "mp3el";
-    if (FindComponent(request.name, request.path)) {
-        if (::access(request.path, X_OK) == 0)
-            return true;
-        // Left by an installer that was killed: as long as the folder stands, nothing is fetched.
-        LFile::DeleteFolderAndFiles(
-            std::string(request.path, std::strrchr(request.path, '/')).c_str());
-    }
-    LProcessDialog<LProcessGetComponentPath> dialog("Install-on-Demand", request);
-    dialog.Open(parent);
-    if (dialog.Result() == kProcessFailed) {
-        if (!request.message.empty())
-            request.message += "\n\n";
-        ShowError(parent, "Install-on-Demand",
-                  "Saving as MP3 needs an encoder, which could not be installed.",
-                  request.message +
-                      "Please see that this computer is connected to the internet and has the "
-                      "program LAME (package \"lame\"), then save again. WAV files need nothing.");
-    }
-    return dialog.Result() == kProcessDone;
 }
 
 // What the speech is written to, as far as sizes go.
@@ -183,7 +157,7 @@ bool Saving::IsReady(std::size_t textBytes) {
                   "name or folder.";
     else if (!output_.Problem().empty())
         problem = SentenceOf(target_.path, output_.Problem());
-    else if ((NeedsEncoder() && !FetchEncoder(parent_)) || (!FollowsVoice() && !OpenSink({})))
+    else if ((NeedsEncoder() && !FetchMp3Encoder(parent_)) || (!FollowsVoice() && !OpenSink({})))
         return false;
     else
         problem =
