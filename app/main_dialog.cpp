@@ -84,6 +84,7 @@ MainDialog::MainDialog()
                      presence_.TellAnywhere(summary, note);
                  }}),
       save_({*this, turn_, text_, sources_, voices_}),
+      audiobooks_({*this, turn_, text_, voices_}),
       hotKeys_(*this, turn_),
       tools_(*this, text_, hotKeys_),
       controls_(*this, commands_, places_),
@@ -101,6 +102,7 @@ MainDialog::MainDialog()
     presence_.AddCommands(commands_);
     requests_.AddCommands();
     save_.AddCommands(commands_);
+    audiobooks_.AddCommands(commands_);
     tools_.AddCommands(commands_);
     controls_.AddCommands();
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/bookmarks/bookmarks.h"
+#include "app/books/audiobooks.h"
 #include "app/control/remote_control.h"
 #include "app/read_requests.h"
 #include "app/reading/dialogs/reading_view.h"
@@ -63,6 +64,7 @@ private:
     Presence presence_;
     ReadRequests requests_;
     SaveCommands save_;
+    Audiobooks audiobooks_;
     HotKeyCommands hotKeys_;
     ToolCommands tools_;
     MainControls controls_;

@@ -33,6 +33,7 @@ enum CommandNumber {
     kReadFromFile = 1019,
     kOptions = 1021,
     kSaveFromFile = 1063,
+    kSaveAsAudiobook = 1064,
     kTextChanged = 1111,
     kSaveSelectionOfWindow = 1222,
     kReadSelectionOrPause = 1301,  // the hotkey's

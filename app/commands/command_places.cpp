@@ -34,6 +34,8 @@ constexpr LMenuItem kMenuBar[] = {
     kSeparator,
     Item(kSaveFromFileMenu),
     Item(kSaveFromSelection),
+    kSeparator,
+    Item(kSaveAsAudiobook),
     kEndOfPlaces,
     {-1, "&Update Text"},
     Item(kUpdateFromSelection),
@@ -123,6 +125,8 @@ constexpr LMenuItem kSaveMenu[] = {
     kSeparator,
     Item(kSaveFromFileMenu),
     Item(kSaveFromSelection),
+    kSeparator,
+    Item(kSaveAsAudiobook),
 };
 constexpr LMenuItem kUpdateMenu[] = {
     Item(kUpdateFromSelection),

@@ -12,7 +12,7 @@ PROGRAM = "opt/quillon/lectora/bin/lectora"
 # From which window, by which control in it and which keys, what is heard then, and what Tab must
 # reach where that is a window or page; whatever else can have the focus is walked to and heard too.
 MAIN, LOAD, OPTIONS = "frame Lectora", "dialog Locate File to Read Text", "dialog Options"
-ASSIGN, PLAYER, QUESTION = "dialog Hot-Key Assignment", "dialog Lectora Player", "alert Question"
+ASSIGN, PLAYER, QUESTION, BOOKS = "dialog Hot-Key Assignment", "dialog Lectora Player", "alert Question", "dialog Save as Audiobook"
 FIRST_START = (
     (None, None, "", "Do you want to use Lectora from every program? Select a text", "Yes, No"),
     (MAIN, None, "", "Text to read text",
@@ -26,6 +26,9 @@ WINDOWS = (
     (MAIN, None, "ctrl+o", "Locate File to Read Text dialog", "Files, Places, Cancel, Open"),
     (LOAD, None, "slash z Return", "alert Error", "OK"),
     (MAIN, None, "ctrl+alt+v", "Save File as dialog", "Name:, Create Folder, Places, Cancel, Save"),
+    (MAIN, None, "ctrl+alt+a", "Save as Audiobook dialog",
+     "Documents, Add..., Format:, Voice:, Speed:, Folder:, Start"),
+    (BOOKS, "Title and Cover...", "space", "About This Book dialog", "Title:, Author:, Choose Cover..., Chapters, OK"),
     (MAIN, None, "alt+t o", "Options dialog", "General, Choose Format, Format Settings, OK"),
     (OPTIONS, "Format Settings", "space", "Wave Encoder Options dialog", "OK"),
     (OPTIONS, "Choose Format", "Up", "MP3", None),

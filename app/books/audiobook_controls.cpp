@@ -1,0 +1,40 @@
+#include "app/books/audiobook_controls.h"
+
+#include "gui/windows/dialog_gen_context.h"
+
+using namespace AudiobookControls;
+
+namespace {
+
+constexpr int kWidth = 660;
+constexpr LRows kDocumentRows{5};
+constexpr LRows kMessageRows{2};
+
+}  // namespace
+
+void DlgGenAudiobook(LDialogGenContext& context) {
+    context.SetWidth(kWidth);
+    context.AddList(kDocuments, kDocumentRows, "Documents");
+    context.StartHBox();
+    context.AddButton(kAddDocuments, "&Add...");
+    context.AddButton(kRemoveDocument, "&Remove");
+    context.AddButton(kDetails, "&Title and Cover...");
+    context.AddButton(kBreakOff, "&Break Off");
+    context.EndHBox();
+    context.AddEditReadOnly(kMessage, "", kMessageRows, "Details");
+    context.AddPullDownList(kFormat, "&Format:");
+    context.AddPullDownList(kQuality, "&Quality:");
+    context.AddPullDownList(kFiles, "F&iles:");
+    context.AddPullDownList(kBookVoice, "&Voice:");
+    context.AddPullDownList(kBookSpeed, "Sp&eed:");
+    context.AddPullDownList(kSilence, "Sile&nce between chapters:");
+    context.AddPullDownList(kSubtitleForm, "Te&xt in time with the sound:");
+    context.AddCheckBox(kEvensLoudness, "Voices and chapters equally lou&d");
+    context.AddCheckBox(kByLanguage, "Each &language in a voice of its own");
+    context.AddInput(kFolder, "F&older:");
+    context.AddButton(kBrowse, "Bro&wse...");
+    context.AddStatic(kEstimate, "");
+    context.AddProgressBar(kDone);
+    context.AddSpecialOkCancelHelp(kPause, "&Pause", kOkButton | kCancelButton | kHelpButton,
+                                   "&Start");
+}

@@ -1,0 +1,397 @@
+#include "app/books/audiobook_dialog.h"
+
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "app/books/book_details_dialog.h"
+#include "app/books/book_words.h"
+#include "app/help/machine_check.h"
+#include "app/saving/fetch_encoder.h"
+#include "app/saving/suggested_name.h"
+#include "app/settings_keys.h"
+#include "app/text/document_loading.h"
+#include "formats/aac_sink.h"
+#include "foundation/files/file.h"
+#include "gui/accessible.h"
+#include "gui/windows/message_box.h"
+
+using namespace AudiobookControls;
+
+namespace {
+
+constexpr guint kFollowMs = 500;
+constexpr const char* kTitle = "Save as Audiobook";
+
+// What stands at the path is a book, or something else of the user's; an unfinished folder of ours
+// is gone on with.
+bool IsTaken(const std::string& target) {
+    struct stat info = {};
+    return ::stat(target.c_str(), &info) == 0 &&
+           (target.back() != '/' || ::stat((target + ".lectora-book").c_str(), &info) != 0);
+}
+
+}  // namespace
+
+AudiobookDialog::AudiobookDialog(std::function<void(const char*)> tell) : tell_(std::move(tell)) {
+    SetHelpPage("audiobooks");
+}
+
+void AudiobookDialog::Show(GtkWidget* parent, int voice) {
+    voice_ = voice;
+    if (IsOpen() && gtk_widget_get_visible(Widget()))
+        gtk_window_present(GTK_WINDOW(Widget()));
+    else
+        Open(parent, {kTitle, false, DlgGenAudiobook}, false);
+    FillVoices(voice);
+    if (!std::exchange(isRestored_, true))
+        RestoreKept();
+    EnableControls();
+}
+
+void AudiobookDialog::InitDialog() {
+    static constexpr LListColumn kColumns[] = {
+        {"Document", 42}, {"Length", 14}, {"Size", 14}, {"State", 30}};
+    LVInit(kDocuments, {LListColumns::kPercent, kColumns});
+    SetAccessibleName(GetControlByID(kDocuments), "Documents");
+    HandleLVSelChange(kDocuments);
+    HandleLVDoubleClick(kDocuments, kDetails);
+    for (const int list :
+         {kFormat, kQuality, kFiles, kBookVoice, kBookSpeed, kSilence, kSubtitleForm})
+        HandlePDLSelChange(list);
+    voicesShown_ = 0;
+    FillVoices(voice_);
+    ShowChoices();
+    for (std::size_t i = 0; i < list_.Count(); ++i)
+        LVAddString(kDocuments, list_.At(i).plan.title.c_str());
+    if (list_.Count() > 0)
+        LVSetCurSel(kDocuments, 0);
+    FocusControl(kDocuments);
+    FollowWork();
+}
+
+void AudiobookDialog::DestroyDialog() {
+    StoreBookChoices(Choices());
+}
+
+void AudiobookDialog::FillVoices(int chosen) {
+    const std::vector<Voice> voices = KnownVoices();
+    if (static_cast<int>(voices.size()) == voicesShown_)
+        return;
+    for (auto i = static_cast<std::size_t>(voicesShown_); i < voices.size(); ++i)
+        PDLAddString(kBookVoice, voices[i].title.c_str());
+    voicesShown_ = static_cast<int>(voices.size());
+    PDLSetCurSel(kBookVoice, std::max(0, chosen));
+}
+
+void AudiobookDialog::ShowChoices() {
+    const BookChoices choices = LoadBookChoices();
+    for (const SoundType type : kBookTypes)
+        PDLAddString(kFormat, TitleOf(type));
+    PDLAddString(kFormat, "EPUB with sound, to read along");
+    const auto* const type = std::ranges::find(kBookTypes, choices.type);
+    PDLSetCurSel(kFormat, static_cast<int>((choices.isReadAlong ? std::end(kBookTypes) : type) -
+                                           std::begin(kBookTypes)));
+    ShowQualities(choices.quality);
+    PDLAddString(kFiles, "One file with chapters");
+    PDLAddString(kFiles, "A folder with a file for each chapter");
+    PDLSetCurSel(kFiles, choices.inChapters ? 1 : 0);
+    PDLAddString(kBookSpeed, "As I listen to it");
+    PDLAddString(kBookSpeed, "The voice's own");
+    PDLSetCurSel(kBookSpeed, choices.asListenedTo ? 0 : 1);
+    PDLAddString(kSilence, "None");
+    PDLAddString(kSilence, "1 second");
+    for (int seconds = 2; seconds <= kMostSecondsBetween; ++seconds)
+        PDLAddString(kSilence, (std::to_string(seconds) + " seconds").c_str());
+    PDLSetCurSel(kSilence, choices.secondsBetween);
+    PDLAddString(kSubtitleForm, "None");
+    for (const SubtitleForm form : kSubtitleForms)
+        PDLAddString(kSubtitleForm, TitleOf(form));
+    PDLSetCurSel(kSubtitleForm, choices.subtitles ? 1 + static_cast<int>(*choices.subtitles) : 0);
+    SetCheck(kEvensLoudness, choices.evensLoudness);
+    SetCheck(kByLanguage, choices.byLanguage);
+    SetText(kFolder, choices.folder.c_str());
+}
+
+void AudiobookDialog::ShowQualities(BookQuality chosen) {
+    const SoundType type = Choices().type;
+    PDLClear(kQuality);
+    for (const BookQuality quality : kBookQualities)
+        PDLAddString(kQuality, QualityText(type, quality).c_str());
+    PDLSetCurSel(kQuality, static_cast<int>(chosen));
+}
+
+BookChoices AudiobookDialog::Choices() const {
+    const auto chosen = [this](int list) {
+        return static_cast<std::size_t>(std::max(0, PDLGetCurSel(list)));
+    };
+    BookChoices choices;
+    choices.isReadAlong = chosen(kFormat) == std::size(kBookTypes);
+    if (!choices.isReadAlong)
+        choices.type = kBookTypes[chosen(kFormat)];
+    choices.quality = kBookQualities[chosen(kQuality)];
+    choices.inChapters = chosen(kFiles) == 1 && !choices.isReadAlong;
+    choices.asListenedTo = chosen(kBookSpeed) == 0;
+    choices.evensLoudness = GetCheck(kEvensLoudness);
+    choices.byLanguage = GetCheck(kByLanguage);
+    choices.secondsBetween = static_cast<int>(chosen(kSilence));
+    if (const std::size_t form = chosen(kSubtitleForm); form > 0 && !choices.isReadAlong)
+        choices.subtitles = kSubtitleForms[form - 1];
+    choices.folder = GetText(kFolder);
+    while (choices.folder.size() > 1 && choices.folder.back() == '/')
+        choices.folder.pop_back();
+    return choices;
+}
+
+std::size_t AudiobookDialog::Selected() const {
+    const int row = LVGetFirstSel(kDocuments);
+    return row >= 0 ? static_cast<std::size_t>(row) : list_.Count();
+}
+
+void AudiobookDialog::EnableControls() {
+    const std::size_t selected = Selected();
+    const bool isAny = selected < list_.Count();
+    const bool isOnItsWay = isAny && list_.IsOnItsWay(selected);
+    EnableControl(kRemoveDocument, isAny && !isOnItsWay);
+    EnableControl(kDetails, isAny && list_.IsOpen(selected));
+    EnableControl(kBreakOff, isOnItsWay);
+    const BookChoices choices = Choices();
+    EnableControl(kQuality, HasQuality(choices.type));
+    EnableControl(kFiles, !choices.isReadAlong);
+    EnableControl(kSubtitleForm, !choices.isReadAlong);
+    bool canStart = false;
+    for (std::size_t i = 0; i < list_.Count(); ++i)
+        canStart = canStart || list_.IsOpen(i);
+    gtk_dialog_set_response_sensitive(GTK_DIALOG(Widget()), GTK_RESPONSE_OK, canStart ? 1 : 0);
+    EnableControl(kPause, list_.Queue().IsAtWork());
+    ShowBooks();
+}
+
+void AudiobookDialog::Command(int command) {
+    static constexpr struct {
+        int command;
+        void (AudiobookDialog::*act)();
+    } kActs[] = {
+        {kAddDocuments, &AudiobookDialog::CmAdd}, {kRemoveDocument, &AudiobookDialog::CmRemove},
+        {kDetails, &AudiobookDialog::CmDetails},  {kBreakOff, &AudiobookDialog::CmBreakOff},
+        {kBrowse, &AudiobookDialog::CmBrowse},    {kPause, &AudiobookDialog::CmPause},
+        {kCommandOk, &AudiobookDialog::CmStart},  {kCommandCancel, &AudiobookDialog::CmClose}};
+    if (command == kFormat)
+        ShowQualities(Choices().quality);
+    for (const auto& each : kActs)
+        if (each.command == command)
+            (this->*each.act)();
+}
+
+void AudiobookDialog::Add(BookEntry entry) {
+    const std::string title = entry.plan.title;
+    if (!list_.Add(std::move(entry)))
+        return;
+    LVAddString(kDocuments, title.c_str());
+    LVSetCurSel(kDocuments, static_cast<int>(list_.Count()) - 1);
+}
+
+void AudiobookDialog::CmAdd() {
+    static constexpr char kFilters[] =
+        "Documents\0*\0"
+        "Books\0*.epub;*.fb2;*.EPUB;*.FB2\0";
+    LFile::BrowseMultiplePaths paths;
+    std::string folder = kOpenFolderSetting.Get();
+    if (!LFile::BrowseMultipleReadFiles(Widget(), paths, "Add Documents", folder, kFilters))
+        return;
+    KeepFolder(kOpenFolderSetting, folder);
+    AddFiles(paths);
+}
+
+void AudiobookDialog::AddFiles(const std::vector<std::string>& paths) {
+    std::string problems;
+    for (const std::string& path : paths) {
+        const std::optional<Document> document =
+            LoadDocumentUnderDialog(Widget(), path.c_str(), false);
+        if (!document || !IsOpen())  // cancelled, or the window is gone
+            break;
+        if (document->problem.empty())
+            Add(EntryOf(*document, path, SuggestedName("", path)));
+        else
+            problems += (problems.empty() ? "" : "\n") + path + ": " + document->problem;
+    }
+    if (!problems.empty() && IsOpen())
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle,
+                      "Not all documents can be read.", problems.c_str());
+}
+
+// What the last run of the program was at.
+void AudiobookDialog::RestoreKept() {
+    for (const KeptBook& kept : LoadKeptBooks()) {
+        const std::optional<Document> document =
+            LoadDocumentUnderDialog(Widget(), kept.path.c_str(), false);
+        if (!document || !IsOpen())
+            break;
+        if (!document->problem.empty())
+            continue;
+        BookEntry entry = EntryOf(*document, kept.path, SuggestedName("", kept.path));
+        Restore(kept, entry);
+        Add(std::move(entry));
+    }
+}
+
+void AudiobookDialog::CmRemove() {
+    const std::size_t selected = Selected();
+    if (selected >= list_.Count() || list_.IsOnItsWay(selected))
+        return;
+    list_.Remove(selected);
+    LVDeleteItem(kDocuments, static_cast<int>(selected));
+    if (list_.Count() > 0)
+        LVSetCurSel(kDocuments, static_cast<int>(std::min(selected, list_.Count() - 1)));
+    FocusControl(kDocuments);  // the button may be off now
+}
+
+void AudiobookDialog::CmDetails() {
+    const std::size_t selected = Selected();
+    if (selected >= list_.Count() || !list_.IsOpen(selected))
+        return;
+    BookEntry& entry = list_.Change(selected);
+    if (BookDetailsDlg(entry).Run(Widget()) && IsOpen())
+        LVSetString(kDocuments, static_cast<int>(selected), entry.plan.title.c_str());
+}
+
+void AudiobookDialog::CmBrowse() {
+    std::string folder = GetText(kFolder);
+    if (LFile::BrowseFolder(Widget(), folder, "Folder for Audiobooks"))
+        SetText(kFolder, folder.c_str());
+}
+
+void AudiobookDialog::CmBreakOff() {
+    if (Selected() < list_.Count())
+        list_.BreakOff(Selected());
+    FocusControl(kDocuments);
+}
+
+void AudiobookDialog::CmPause() {
+    BookQueue& queue = list_.Queue();
+    queue.Pause(!queue.IsPaused());
+    SetButtonText(kPause, queue.IsPaused() ? "&Go On" : "&Pause");
+    Tell(queue.IsPaused() ? "Paused." : "Goes on.");
+}
+
+// Whatever can be known before is told before the engine speaks for hours.
+bool AudiobookDialog::IsReadyToStart(const BookChoices& choices) {
+    struct stat info = {};
+    if (choices.folder[0] != '/' || ::stat(choices.folder.c_str(), &info) != 0 ||
+        !S_ISDIR(info.st_mode)) {
+        SetControlInvalid(kFolder, "There is no such folder.", "Folder");
+        return false;
+    }
+    if (CountVoices() == 0) {
+        TellNoSpeechEngine(Widget());
+        return false;
+    }
+    if (choices.type == SoundType::kM4b && !HasFfmpeg()) {
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle,
+                      "M4B files need the program ffmpeg.",
+                      "Your distribution has it in the package \"ffmpeg\". The other formats do "
+                      "without it.");
+        return false;
+    }
+    return choices.type != SoundType::kMp3 || FetchMp3Encoder(Widget());
+}
+
+void AudiobookDialog::CmStart() {
+    const BookChoices choices = Choices();
+    if (!IsReadyToStart(choices) || !IsOpen())
+        return;
+    StoreBookChoices(choices);
+    std::string taken;
+    for (const std::string& target : list_.Targets(choices))
+        if (IsTaken(target))
+            taken += (taken.empty() ? "" : "\n") + target;
+    if (!taken.empty() &&
+        MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kTitle,
+                      "Replace what is there?", taken.c_str()) != GTK_RESPONSE_YES)
+        return;
+    if (!list_.Start(choices, ChosenVoiceOf(), !taken.empty()))
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle,
+                      "There is no room for temporary files.", "");
+    FollowWork();
+}
+
+void AudiobookDialog::ShowRow(int row, int column, const std::string& text) {
+    char shown[kTextBufferSize];
+    LVGetColumnString(kDocuments, row, column, shown);
+    if (text != shown)  // what stays the same is not told anew
+        LVSetColumnString(kDocuments, row, column, text.c_str());
+}
+
+void AudiobookDialog::ShowBooks() {
+    const BookOrder manner = OrderOf(Choices(), ChosenVoiceOf());
+    const std::size_t selected = Selected();
+    std::string message;
+    for (std::size_t i = 0; i < list_.Count(); ++i) {
+        const int row = static_cast<int>(i);
+        if (list_.IsOpen(i)) {
+            const BookEstimate estimate = list_.EstimateOf(i, manner);
+            ShowRow(row, kLengthColumn, LengthText(estimate.seconds));
+            ShowRow(row, kSizeColumn, SizeText(static_cast<double>(estimate.bytes)));
+        }
+        const BookState state = list_.At(i).number ? list_.StateOf(i) : BookState{};
+        ShowRow(row, kStateColumn,
+                list_.At(i).number ? StateText(state, list_.Queue().IsPaused()) : "");
+        if (i == selected)
+            message = list_.At(i).number ? StateDetails(state, list_.At(i).target)
+                                         : list_.At(i).plan.remark;
+    }
+    if (message != GetEditText(kMessage))
+        SetEditText(kMessage, message.c_str());
+    PBSetProgress(kDone, list_.Fraction());
+    ShowEstimate(manner);
+}
+
+void AudiobookDialog::ShowEstimate(const BookOrder& manner) {
+    double seconds = 0;
+    double bytes = 0;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < list_.Count(); ++i) {
+        if (!list_.IsOpen(i))
+            continue;
+        const BookEstimate estimate = list_.EstimateOf(i, manner);
+        seconds += estimate.seconds;
+        bytes += static_cast<double>(estimate.bytes);
+        ++count;
+    }
+    std::string text;
+    struct statvfs disk = {};
+    if (count > 0)
+        text = "To be made: about " + LengthText(seconds) + " hours, " + SizeText(bytes) + ".";
+    else if (list_.Count() == 0)
+        text = "Add documents that are to become audiobooks.";
+    if (::statvfs(Choices().folder.c_str(), &disk) == 0) {
+        const double free = static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize);
+        text += (text.empty() ? "" : " ") + SizeText(free) + " of the disk are free.";
+    }
+    if (std::exchange(shownEstimate_, text) != text)
+        SetStaticText(kEstimate, text.c_str());
+}
+
+void AudiobookDialog::FollowWork() {
+    for (const std::size_t index : list_.TakeEnds()) {
+        const BookEntry& entry = list_.At(index);
+        const BookState state = list_.StateOf(index);
+        Tell(entry.plan.title + ": " + StateDetails(state, entry.target));
+    }
+    if (list_.Queue().IsAtWork())
+        timer_.Start(kFollowMs, [this] { FollowWork(); });
+    else if (list_.Queue().IsPaused())
+        list_.Queue().Pause(false);
+    if (IsOpen())
+        EnableControls();
+}
+
+void AudiobookDialog::Tell(const std::string& text) {
+    if (IsOpen() && gtk_widget_get_visible(Widget()))
+        TellScreenReader(Widget(), text.c_str());
+    else
+        tell_(text.c_str());
+}

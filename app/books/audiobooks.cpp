@@ -1,0 +1,67 @@
+#include "app/books/audiobooks.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include "app/commands/command_numbers.h"
+#include "app/saving/suggested_name.h"
+#include "app/text/document_loading.h"
+#include "documents/web_address.h"
+
+Audiobooks::Audiobooks(const Parts& parts)
+    : parts_(parts), dialog_([this](const char* text) { parts_.window.TellStatusText(text); }) {}
+
+void Audiobooks::AddCommands(CommandSet& commands) {
+    static constexpr CommandRow<Audiobooks> kRows[] = {
+        {{.number = kSaveAsAudiobook,
+          .label = "Save as &Audiobook...",
+          .keys = {kKeyControl | kKeyAlt | GDK_A}},
+         &Audiobooks::CmSaveAsAudiobook},
+    };
+    commands.Add(*this, kRows);
+}
+
+void Audiobooks::CmSaveAsAudiobook() {
+    if (parts_.turn.IsTaken())
+        return;
+    const CommandTurn::Hold hold(parts_.turn);
+    dialog_.Show(parts_.window.Widget(), parts_.voices.Chosen());
+    if (dialog_.IsOpen() && !parts_.text.IsEmpty())
+        AddText();
+    if (dialog_.IsOpen())
+        dialog_.EnableControls();
+}
+
+// The document as it is in its file has chapters and a cover. What its user has changed in the
+// window has the headings that are still there.
+void Audiobooks::AddText() {
+    const std::string text = parts_.text.Text();
+    const std::string& file = parts_.text.File();
+    Document document;
+    if (!file.empty() && !IsWebAddress(file)) {
+        const std::optional<Document> loaded =
+            LoadDocumentUnderDialog(dialog_.Widget(), file.c_str(), false);
+        if (!loaded || !dialog_.IsOpen())
+            return;
+        document = *loaded;
+    }
+    const std::string name = SuggestedName(text, file);
+    if (document.text == text) {
+        dialog_.Add(EntryOf(document, file, name));
+        return;
+    }
+    Document edited;
+    edited.text = text;
+    edited.title = document.title;
+    edited.author = document.author;
+    edited.cover = document.cover;
+    for (const std::size_t begin : parts_.text.Headings()) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        if (begin < end)
+            edited.headings.push_back({begin, end, 1});
+    }
+    dialog_.Add(EntryOf(edited, "", name));
+}

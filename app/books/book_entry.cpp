@@ -1,0 +1,96 @@
+#include "app/books/book_entry.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "books/book_cover.h"
+#include "foundation/files/private_file.h"
+
+namespace {
+
+constexpr const char* kKeptBooks = "audiobooks.txt";
+constexpr std::size_t kMostKept = 4U << 20;
+constexpr const char* kNoCover = "-";
+
+bool FitsIntoLine(const std::string& text) {
+    return text.find_first_of("\t\n") == std::string::npos;
+}
+
+}  // namespace
+
+BookEntry EntryOf(const Document& document, const std::string& path, const std::string& name) {
+    BookEntry entry;
+    entry.path = path;
+    entry.text = document.text;
+    for (const DocumentLanguage& language : document.languages)
+        entry.marks.push_back({language.begin, language.tag});
+    entry.plan = PlanBook(document, name);
+    entry.documentsCover = entry.plan.cover;
+    return entry;
+}
+
+std::string TargetOf(const BookEntry& entry, const std::string& folder, const char* ending,
+                     bool inChapters, const std::vector<std::string>& others) {
+    const std::string stem =
+        (folder == "/" ? "" : folder) + "/" + FileNameOfTitle(entry.plan.title);
+    const std::string end = inChapters ? "/" : std::string(".") + ending;
+    std::string target = stem + end;
+    for (int number = 2; std::ranges::find(others, target) != others.end(); ++number)
+        target = stem + " " + std::to_string(number) + end;
+    return target;
+}
+
+std::vector<KeptBook> LoadKeptBooks() {
+    std::string content;
+    ReadPrivateFile(kKeptBooks, kMostKept, content);
+    std::vector<KeptBook> books;
+    std::string_view rest = content;
+    while (!rest.empty()) {
+        std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        std::array<std::string, 5> columns;
+        for (std::string& column : columns) {
+            column = line.substr(0, line.find('\t'));
+            line.remove_prefix(std::min(column.size() + 1, line.size()));
+        }
+        if (!columns[0].empty())
+            books.push_back({columns[0], columns[1], columns[2], columns[3], columns[4]});
+    }
+    return books;
+}
+
+void StoreKeptBooks(const std::vector<KeptBook>& books) {
+    std::string content;
+    for (const KeptBook& book : books)
+        if (!book.path.empty() && FitsIntoLine(book.path) && FitsIntoLine(book.coverPath))
+            content += book.path + '\t' + book.title + '\t' + book.author + '\t' + book.language +
+                       '\t' + book.coverPath + '\n';
+    if (content.empty())
+        RemovePrivateFile(kKeptBooks);
+    else
+        WritePrivateFile(kKeptBooks, content);
+}
+
+KeptBook KeptOf(const BookEntry& entry) {
+    const BookPlan& plan = entry.plan;
+    const bool isCoverTaken = plan.cover.empty() && !entry.documentsCover.empty();
+    return {entry.path, plan.title, plan.author, plan.language,
+            isCoverTaken ? kNoCover : entry.coverPath};
+}
+
+void Restore(const KeptBook& kept, BookEntry& entry) {
+    TitleBook(entry.plan, kept.title);
+    entry.plan.author = kept.author;
+    entry.plan.language = kept.language;
+    if (kept.coverPath == kNoCover) {
+        entry.plan.cover.clear();
+        return;
+    }
+    std::string problem;
+    const std::string cover = kept.coverPath.empty() ? "" : ReadCover(kept.coverPath, problem);
+    if (cover.empty())
+        return;
+    entry.plan.cover = cover;
+    entry.coverPath = kept.coverPath;
+}

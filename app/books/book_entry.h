@@ -1,0 +1,44 @@
+// A document that is to become an audiobook.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "books/book_plan.h"
+#include "documents/document.h"
+#include "speech/voice_stretches.h"
+
+struct BookEntry {
+    std::string path;  // of the document; empty: the text was typed, or came from a program
+    std::string text;
+    std::vector<LanguageMark> marks;
+    BookPlan plan;  // its tags as the user has changed them
+    std::string documentsCover;
+    std::string coverPath;              // of the picture that the user has chosen in its place
+    std::optional<std::size_t> number;  // in the queue, once it is there
+    std::string target;                 // where it goes, then
+    bool isToldOf = false;              // how it ended
+};
+
+// The document's; name serves where it has no title.
+BookEntry EntryOf(const Document& document, const std::string& path, const std::string& name);
+
+// Where the entry's book goes: below the folder (without its slash), by its title; a number behind
+// it where one of the others goes there. With a slash at its end for a folder of chapters.
+std::string TargetOf(const BookEntry& entry, const std::string& folder, const char* ending,
+                     bool inChapters, const std::vector<std::string>& others);
+
+// What is not done yet, from one run of the program to the next: what a restart has to begin with.
+// Texts that are in no file are not among them.
+struct KeptBook {
+    std::string path;
+    std::string title;
+    std::string author;
+    std::string language;
+    std::string coverPath;  // "": the document's, "-": none
+};
+std::vector<KeptBook> LoadKeptBooks();
+void StoreKeptBooks(const std::vector<KeptBook>& books);
+KeptBook KeptOf(const BookEntry& entry);
+void Restore(const KeptBook& kept, BookEntry& entry);

@@ -1,0 +1,112 @@
+#include "app/books/book_list.h"
+
+#include <algorithm>
+#include <utility>
+
+bool BookList::Add(BookEntry entry) {
+    for (std::size_t i = 0; i < entries_.size(); ++i)
+        if (!IsDone(i) && entries_[i].path == entry.path && entries_[i].text == entry.text)
+            return false;
+    entries_.push_back(std::move(entry));
+    return true;
+}
+
+void BookList::Remove(std::size_t index) {
+    entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(index));
+    Keep();
+}
+
+BookState BookList::StateOf(std::size_t index) const {
+    return queue_.StateOf(*entries_[index].number);
+}
+
+bool BookList::IsDone(std::size_t index) const {
+    return entries_[index].number && StateOf(index).stage == BookStage::kDone;
+}
+
+bool BookList::IsOpen(std::size_t index) const {
+    return !entries_[index].number || StateOf(index).stage == BookStage::kBrokenOff;
+}
+
+BookEstimate BookList::EstimateOf(std::size_t index, const BookOrder& manner) const {
+    return EstimateBook(entries_[index].plan, manner);
+}
+
+std::vector<std::string> BookList::Targets(const BookChoices& choices) {
+    std::vector<std::string> others;
+    for (std::size_t i = 0; i < entries_.size(); ++i)
+        if (!IsOpen(i))
+            others.push_back(entries_[i].target);
+    std::vector<std::string> targets;
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (!IsOpen(i))
+            continue;
+        entries_[i].target =
+            TargetOf(entries_[i], choices.folder, EndingOf(choices), choices.inChapters, others);
+        others.push_back(entries_[i].target);
+        targets.push_back(entries_[i].target);
+    }
+    return targets;
+}
+
+bool BookList::Start(const BookChoices& choices, int voice, bool replaces) {
+    if (folder_ == nullptr || !folder_->IsMade())
+        folder_ = std::make_unique<WorkFolder>("lectora-books");
+    if (!folder_->IsMade())
+        return false;
+    const BookOrder manner = OrderOf(choices, voice);
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (!IsOpen(i))
+            continue;
+        BookEntry& entry = entries_[i];
+        BookOrder order = manner;
+        order.plan = entry.plan;
+        order.text = entry.text;
+        order.rules.marks = entry.marks;
+        order.target = entry.target;
+        order.overwrites = replaces;
+        order.engineFolder = folder_->Path();
+        entry.isToldOf = false;
+        entry.number = queue_.Add(std::move(order));
+    }
+    Keep();
+    return true;
+}
+
+void BookList::BreakOff(std::size_t index) {
+    if (IsOnItsWay(index))
+        queue_.BreakOff(*entries_[index].number);
+}
+
+double BookList::Fraction() const {
+    double made = 0;
+    double all = 0;
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (IsOpen(i))
+            continue;
+        const auto size = static_cast<double>(entries_[i].text.size());
+        all += size;
+        made += size * (IsDone(i) ? 1 : StateOf(i).fraction);
+    }
+    return all > 0 ? made / all : 0;
+}
+
+std::vector<std::size_t> BookList::TakeEnds() {
+    std::vector<std::size_t> ends;
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (!entries_[i].number || IsOnItsWay(i) || std::exchange(entries_[i].isToldOf, true))
+            continue;
+        ends.push_back(i);
+    }
+    if (!ends.empty())
+        Keep();
+    return ends;
+}
+
+void BookList::Keep() const {
+    std::vector<KeptBook> books;
+    for (std::size_t i = 0; i < entries_.size(); ++i)
+        if (entries_[i].number && !IsDone(i))
+            books.push_back(KeptOf(entries_[i]));
+    StoreKeptBooks(books);
+}

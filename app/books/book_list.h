@@ -1,0 +1,47 @@
+// The documents that are to become audiobooks, and the making of them.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/books/book_choices.h"
+#include "app/books/book_entry.h"
+#include "books/book_estimate.h"
+#include "books/book_queue.h"
+#include "foundation/files/work_folder.h"
+
+// GUI thread. Its end breaks off what is at work, which a later run of the program goes on with.
+class BookList {
+public:
+    std::size_t Count() const { return entries_.size(); }
+    const BookEntry& At(std::size_t index) const { return entries_[index]; }
+    BookEntry& Change(std::size_t index) { return entries_[index]; }
+
+    bool Add(BookEntry entry);  // false: it is there already
+    void Remove(std::size_t index);
+    bool IsOpen(std::size_t index) const;  // neither done nor on its way
+    bool IsOnItsWay(std::size_t index) const { return !IsOpen(index) && !IsDone(index); }
+    bool IsDone(std::size_t index) const;
+    BookState StateOf(std::size_t index) const;  // of one that was started
+    BookEstimate EstimateOf(std::size_t index, const BookOrder& manner) const;
+
+    // Where the open ones would go, in order.
+    std::vector<std::string> Targets(const BookChoices& choices);
+    // Makes these; false: there is no place for temporary files.
+    bool Start(const BookChoices& choices, int voice, bool replaces);
+    void BreakOff(std::size_t index);
+    BookQueue& Queue() { return queue_; }
+    const BookQueue& Queue() const { return queue_; }
+    double Fraction() const;  // of all that were started and not broken off
+
+    // Those that have ended since this was asked last.
+    std::vector<std::size_t> TakeEnds();
+
+private:
+    void Keep() const;
+
+    std::unique_ptr<WorkFolder> folder_;  // the engines'
+    std::vector<BookEntry> entries_;
+    BookQueue queue_;  // last: ends before what its engines write into
+};

@@ -1,0 +1,91 @@
+"""Audiobooks made in the window: the list, what is changed, pause, an end in the middle, and what is then there."""
+import json
+import os
+import subprocess
+import unittest
+
+from desktop_case import DesktopCase, desktop
+
+CHAPTERS = "<h1>One</h1><p>First words.</p><h1>Two</h1><p>Other words.</p><h1>Three</h1><p>Last words.</p>"
+PAGE = "<html lang=en><head><title>{}</title><body>" + CHAPTERS
+
+
+class AudiobooksTest(DesktopCase):
+    def open_dialog(self, lectora):
+        lectora.focus()
+        desktop.press_keys("ctrl+alt+a")
+        lectora.active_window("dialog", "Save as Audiobook")
+
+    def rows(self, lectora):
+        table = lectora.find("table", "Documents")
+        return [[table[row * 4 + column].name for column in range(4)] for row in range(table.queryTable().nRows)]
+
+    def state(self, lectora, row):
+        return self.rows(lectora)[row][3]
+
+    def probe(self, name):
+        command = ["ffprobe", "-v", "error", "-show_chapters", "-show_format", "-of", "json", os.path.join(desktop.HOME, name)]
+        return json.loads(subprocess.run(command, capture_output=True, check=True, timeout=desktop.PATIENCE).stdout)
+
+    def test_books_are_listed_changed_paused_killed_and_gone_on_with(self):
+        self.store("audiobooks", format="flac", folder=desktop.HOME)
+        desktop.tell_engine("text2wave slow 1")
+        story = self.file("story.html", PAGE.format("Of the Sea"))
+        paths = [self.file(f"{name}.html", PAGE.format("The Same")) for name in "ab"]
+        lectora = self.start(story)
+        desktop.wait_until(lambda: "Last words." in lectora.text(), "the text")
+        self.card.wait_for(self.card.next_stream(), "close")
+        self.open_dialog(lectora)
+        desktop.wait_until(lambda: [row[0] for row in self.rows(lectora)] == ["Of the Sea"], "the window's text")
+        lectora.press("push button", "Add...")
+        lectora.active_window("dialog", "Add Documents")
+        desktop.xdotool("type", "--delay", "10", paths[0])
+        desktop.press_keys("Return")
+        desktop.wait_until(lambda: len(self.rows(lectora)) == 2, "the document")
+        self.assertRegex(" ".join(self.rows(lectora)[1]), r"The Same 0:00:\d\d \d+\.\d MB")
+        lectora.press("push button", "Title and Cover...")
+        lectora.active_window("dialog", "About This Book")
+        self.picture("audiobook-details")
+        desktop.press_keys("ctrl+a", *"Tide", "Return")
+        desktop.wait_until(lambda: self.rows(lectora)[1][0] == "Tide", "its new title")
+        self.picture("audiobook")
+        desktop.forget_engine_calls()
+        desktop.press_keys("alt+s")
+        desktop.wait_until(lambda: "%" in self.state(lectora, 0), "the first book to begin")
+        self.assertIn("Waiting", self.state(lectora, 1))
+        desktop.wait_until(lambda: len(self.spoken()) >= 2, "a chapter to be done")
+        lectora.press("push button", "Pause")
+        desktop.wait_until(lambda: "Paused" in self.state(lectora, 0), "the pause")
+        self.picture("audiobook-paused")
+        desktop.wait_until(lambda: self.kept(), "a finished chapter")
+        lectora.process.kill()
+        lectora.process.wait()
+        kept = self.kept()
+
+        desktop.tell_engine()
+        lectora = self.start()
+        self.open_dialog(lectora)
+        desktop.wait_until(lambda: [row[0] for row in self.rows(lectora)] == ["Of the Sea", "Tide"], "the books")
+        desktop.forget_engine_calls()
+        desktop.press_keys("alt+s")
+        # What the user does meanwhile is not in its way, nor it in theirs.
+        desktop.press_keys("Escape")
+        for name in ("Of the Sea.flac", "Tide.flac"):
+            desktop.wait_until(lambda: os.path.exists(os.path.join(desktop.HOME, name)), name)
+        self.assertEqual(len(self.spoken()), 6 - kept)
+        for title in ("Of the Sea", "Tide"):
+            told = self.probe(title + ".flac")
+            self.assertEqual([chapter["tags"]["title"] for chapter in told["chapters"]], ["One", "Two", "Three"])
+            self.assertEqual(told["format"]["tags"]["TITLE"], title)
+        desktop.wait_until(lambda: "Tide: Saved as" in lectora.status(), "what became of it")
+        self.open_dialog(lectora)
+        self.assertEqual([row[3] for row in self.rows(lectora)], ["Done", "Done"])
+        self.picture("audiobook-done")
+
+    def kept(self):
+        folder = os.path.join(desktop.HOME, ".Of the Sea.flac.lectora-book")
+        return len([name for name in os.listdir(folder) if name.endswith(".part")])
+
+
+if __name__ == "__main__":
+    unittest.main()
