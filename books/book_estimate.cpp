@@ -19,16 +19,18 @@ double BytesASecond(const BookOrder& order) {
 
 }  // namespace
 
-double SecondsOfChapter(const BookOrder& order, const BookChapter& chapter) {
-    return EstimateSpeech(chapter.end - chapter.begin).seconds + order.secondsBetween;
+double SecondsOfChapter(const BookOrder& manner, const BookChapter& chapter) {
+    return EstimateSpeech(chapter.end - chapter.begin).seconds * 100 /
+               manner.TempoOf(manner.voice) +
+           manner.secondsBetween;
 }
 
-BookEstimate EstimateBook(const BookOrder& order) {
+BookEstimate EstimateBook(const BookPlan& plan, const BookOrder& manner) {
     BookEstimate whole;
-    for (const BookChapter& chapter : order.plan.chapters)
-        whole.seconds += SecondsOfChapter(order, chapter);
-    whole.bytes = static_cast<long long>(whole.seconds * BytesASecond(order)) +
-                  static_cast<long long>(order.plan.cover.size());
+    for (const BookChapter& chapter : plan.chapters)
+        whole.seconds += SecondsOfChapter(manner, chapter);
+    whole.bytes = static_cast<long long>(whole.seconds * BytesASecond(manner)) +
+                  static_cast<long long>(plan.cover.size());
     return whole;
 }
 

@@ -8,8 +8,10 @@ struct BookEstimate {
     long long bytes = 0;
 };
 
-BookEstimate EstimateBook(const BookOrder& order);  // voices differ by some 15 %
-double SecondsOfChapter(const BookOrder& order, const BookChapter& chapter);
+// Of a book that is ordered in that manner, whose own plan does not count. Voices differ by some
+// 15 %.
+BookEstimate EstimateBook(const BookPlan& plan, const BookOrder& manner);
+double SecondsOfChapter(const BookOrder& manner, const BookChapter& chapter);
 
 // What speech needs, in kilobits a second.
 int SpeechKilobits(SoundType type, int rate);

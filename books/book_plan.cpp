@@ -4,12 +4,12 @@
 #include <array>
 #include <string_view>
 
+#include "books/book_cover.h"
+
 namespace {
 
 constexpr std::size_t kLongestTitle = 200;  // bytes
 constexpr std::size_t kLongestFileName = 120;
-// Players load the whole picture, and the frames of MP3 tags hold no more than 256 MB in any case.
-constexpr std::size_t kLargestCover = 5'000'000;
 constexpr std::string_view kSpaces = " \t\r\n\f\v";
 
 // Not within a character.
@@ -20,20 +20,6 @@ std::string CutTo(std::string text, std::size_t size) {
         --size;
     text.resize(size);
     return text;
-}
-
-std::string OneLine(std::string_view text) {
-    std::string line;
-    for (const char character : text) {
-        const bool isSpace = static_cast<unsigned char>(character) <= ' ' || character == 127;
-        if (!isSpace)
-            line += character;
-        else if (!line.empty() && line.back() != ' ')
-            line += ' ';
-    }
-    if (!line.empty() && line.back() == ' ')
-        line.pop_back();
-    return CutTo(line, kLongestTitle);
 }
 
 bool HasWords(std::string_view text) {
@@ -60,25 +46,43 @@ std::string TitleOf(const Document& document, const BookChapter& chapter, std::s
         return chapter.title;
     for (const DocumentHeading& heading : document.headings)
         if (heading.begin >= chapter.begin && heading.begin < chapter.end)
-            return OneLine(
+            return AsTag(
                 std::string_view(document.text).substr(heading.begin, heading.end - heading.begin));
     return "Chapter " + std::to_string(number);
 }
 
 }  // namespace
 
+std::string AsTag(std::string_view text) {
+    std::string line;
+    for (const char character : text) {
+        const bool isSpace = static_cast<unsigned char>(character) <= ' ' || character == 127;
+        if (!isSpace)
+            line += character;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    if (!line.empty() && line.back() == ' ')
+        line.pop_back();
+    return CutTo(line, kLongestTitle);
+}
+
 BookPlan PlanBook(const Document& document, const std::string& name) {
     BookPlan plan;
-    plan.title = OneLine(document.title);
+    plan.title = AsTag(document.title);
     if (plan.title.empty())
-        plan.title = OneLine(name);
-    plan.author = OneLine(document.author);
+        plan.title = AsTag(name);
+    plan.author = AsTag(document.author);
     if (!document.languages.empty())
         plan.language = CutTo(document.languages.front().tag, 20);
-    if (document.cover.size() <= kLargestCover)
-        plan.cover = document.cover;
-    else
+    if (document.cover.size() > kLargestCover)
         plan.remark = "The cover is larger than 5 MB and is left out.";
+    else if (!document.cover.empty() && PictureType(document.cover) == nullptr)
+        plan.remark = "The cover is no PNG, JPEG or GIF picture and is left out.";
+    else
+        plan.cover = document.cover;
+
+    plan.headings = document.headings;
 
     const std::vector<DocumentChapter> starts =
         document.chapters.size() > 1 ? document.chapters : ChaptersByHeadings(document);
@@ -89,7 +93,7 @@ BookPlan PlanBook(const Document& document, const std::string& name) {
         // One without a word joins the next, and keeps its title for that.
         if (end <= begin || !HasWords(text.substr(begin, end - begin)))
             return;
-        plan.chapters.push_back({OneLine(title), begin, end});
+        plan.chapters.push_back({AsTag(title), begin, end});
         begin = end;
         title.clear();
     };
@@ -103,9 +107,14 @@ BookPlan PlanBook(const Document& document, const std::string& name) {
         plan.chapters.back().end = text.size();
     for (std::size_t i = 0; i < plan.chapters.size(); ++i)
         plan.chapters[i].title = TitleOf(document, plan.chapters[i], i + 1);
-    if (plan.chapters.size() == 1)
-        plan.chapters[0].title = plan.title;
+    TitleBook(plan, plan.title);
     return plan;
+}
+
+void TitleBook(BookPlan& plan, const std::string& title) {
+    plan.title = title;
+    if (plan.chapters.size() == 1)
+        plan.chapters[0].title = title;
 }
 
 std::string FileNameOfTitle(const std::string& title) {
@@ -114,7 +123,7 @@ std::string FileNameOfTitle(const std::string& title) {
         name += std::string_view("/\\:*?\"<>|").find(character) == std::string_view::npos
                     ? character
                     : ' ';
-    name = OneLine(name);
+    name = AsTag(name);
     while (!name.empty() && (name.front() == '.' || name.front() == '-' || name.front() == ' '))
         name.erase(0, 1);
     name = CutTo(name, kLongestFileName);

@@ -14,9 +14,12 @@
 #include "books/book_work.h"
 #include "books/chapter_encoder.h"
 #include "books/chapter_speech.h"
+#include "books/read_along.h"
 #include "formats/aac_sink.h"
 #include "formats/whole_file.h"
 #include "foundation/files/path_text.h"
+#include "speech/pronunciations.h"
+#include "speech/voice_table.h"
 
 namespace {
 
@@ -43,6 +46,7 @@ private:
     bool SpeakChapters(ChapterEncoder& encoder);
     bool SpeakChapter(std::size_t index, ChapterEncoder& encoder);
     bool Join();
+    std::string WriteWithText(const std::string& path);
     bool JoinInto(const std::string& path, std::vector<ChapterMark>& marks);
     bool AddChapters(const std::string& joined, const std::vector<ChapterMark>& marks,
                      const std::string& path);
@@ -132,7 +136,7 @@ bool BookMaker::SpeakChapter(std::size_t index, ChapterEncoder& encoder) {
         return Fail(job.name + ": " + speech.problem);
     if (!speech.remark.empty())
         result_.remarks.push_back(job.name + ": " + speech.remark);
-    if (order_.subtitles) {
+    if (order_.NeedsTimes()) {
         const std::string content = IsFolder() ? SubtitleText(*order_.subtitles, speech.lines)
                                                : StoreSubtitles(speech.lines);
         const std::string path =
@@ -168,6 +172,12 @@ bool BookMaker::Join() {
                                                     : WholeFile::Existing::kRefuse);
     if (!file.Problem().empty())
         return Fail(order_.target + ": " + file.Problem());
+    if (order_.isReadAlong) {
+        std::string problem = WriteWithText(file.WritePath());
+        if (problem.empty())
+            problem = file.Commit();
+        return problem.empty() || Fail(order_.target + ": " + problem);
+    }
     std::vector<ChapterMark> marks;
     if (!JoinInto(file.WritePath(), marks))
         return false;
@@ -183,6 +193,13 @@ bool BookMaker::Join() {
         return false;
     const std::string problem = file.Commit();
     return problem.empty() || Fail(order_.target + ": " + problem);
+}
+
+std::string BookMaker::WriteWithText(const std::string& path) {
+    std::vector<ReadAlongChapter> chapters;
+    for (std::size_t i = 0; i < order_.plan.chapters.size(); ++i)
+        chapters.push_back({FinishedPath(i), LoadSubtitles(ContentOf(SubtitlePath(i)))});
+    return WriteReadAlong(path, order_.plan, order_.text, VoiceAt(order_.voice).language, chapters);
 }
 
 bool BookMaker::JoinInto(const std::string& path, std::vector<ChapterMark>& marks) {
@@ -245,6 +262,8 @@ std::string ChapterFileName(const BookOrder& order, std::size_t index) {
            NameOf(order.type);
 }
 
-BookResult MakeBook(const BookOrder& order, LProgress& progress) {
+BookResult MakeBook(BookOrder order, LProgress& progress) {
+    if (order.rules.saysDifferently)
+        order.rules.pronunciations = CurrentPronunciations();
     return BookMaker(order, progress).Make();
 }

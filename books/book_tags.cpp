@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "books/book_cover.h"
 #include "speech/language_code.h"
 
 namespace {
@@ -24,14 +25,6 @@ TagLib::String Utf8(const std::string& text) {
 
 TagLib::ByteVector ByteVectorOf(const std::string& text) {
     return {text.data(), static_cast<unsigned int>(text.size())};
-}
-
-const char* PictureKind(std::string_view bytes) {
-    if (bytes.starts_with("\x89PNG"))
-        return "image/png";
-    if (bytes.starts_with("GIF8"))
-        return "image/gif";
-    return "image/jpeg";
 }
 
 TagLib::ID3v2::TextIdentificationFrame* TextFrame(const char* id, const std::string& text) {
@@ -102,7 +95,7 @@ bool TagMp3(const std::string& path, const BookTags& tags) {
     if (!tags.cover.empty()) {
         auto* const picture = new TagLib::ID3v2::AttachedPictureFrame;
         picture->setType(TagLib::ID3v2::AttachedPictureFrame::FrontCover);
-        picture->setMimeType(PictureKind(tags.cover));
+        picture->setMimeType(PictureType(tags.cover));
         picture->setPicture(ByteVectorOf(tags.cover));
         tag.addFrame(picture);
     }
@@ -114,7 +107,7 @@ bool TagMp3(const std::string& path, const BookTags& tags) {
 TagLib::FLAC::Picture* XiphPicture(const std::string& cover) {
     auto* const picture = new TagLib::FLAC::Picture;
     picture->setType(TagLib::FLAC::Picture::FrontCover);
-    picture->setMimeType(PictureKind(cover));
+    picture->setMimeType(PictureType(cover));
     picture->setData(ByteVectorOf(cover));
     return picture;
 }
@@ -175,7 +168,7 @@ bool TagMp4(const std::string& path, const BookTags& tags) {
     if (tags.track > 0)
         tag.setItem("trkn", TagLib::MP4::Item(tags.track, tags.tracks));
     if (!tags.cover.empty()) {
-        const bool isPng = PictureKind(tags.cover) == std::string_view("image/png");
+        const bool isPng = PictureType(tags.cover) == std::string_view("image/png");
         TagLib::MP4::CoverArtList covers;
         covers.append({isPng ? TagLib::MP4::CoverArt::PNG : TagLib::MP4::CoverArt::JPEG,
                        ByteVectorOf(tags.cover)});

@@ -10,11 +10,15 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <memory>
 
 #include "books/book_run.h"
 #include "formats/whole_file.h"
 #include "foundation/files/file_io.h"
+#include "speech/language_voices.h"
+#include "speech/pronunciations.h"
 #include "speech/voice_table.h"
 
 namespace {
@@ -36,6 +40,29 @@ bool IsSomethingThere(const std::string& folder) {
     return false;
 }
 
+std::string SpokenBy(const BookOrder& order, int voice) {
+    return KeyOf(VoiceAt(voice)) + " " + std::to_string(order.TempoOf(voice));
+}
+
+// What decides which voice says which words how.
+void AddRules(const BookOrder& order, const std::function<void(const std::string&)>& add) {
+    const SpeakingRules& rules = order.rules;
+    add(rules.pronunciations ? FormatPronunciations(rules.pronunciations->Entries()) : "");
+    if (!rules.byLanguage)
+        return;
+    for (const LanguageMark& mark : rules.marks)
+        add(mark.tag + " " + std::to_string(mark.begin));
+    std::map<std::string, std::string> voices;  // by language
+    for (const Voice& voice : KnownVoices()) {
+        const std::string language = voice.language.substr(0, voice.language.find('-'));
+        if (voices.contains(language))
+            continue;
+        voices[language] = SpokenBy(order, VoiceForLanguage(language));
+    }
+    for (const auto& [language, voice] : voices)
+        add(language + " " + voice);
+}
+
 }  // namespace
 
 BookWork::BookWork(const BookOrder& order) : order_(order), folder_(FolderFor(order.target)) {}
@@ -55,13 +82,15 @@ std::string BookWork::KeyOf() const {
         g_checksum_update(sum.get(), reinterpret_cast<const guchar*>(framed.data()),
                           static_cast<gssize>(framed.size()));
     };
-    const Voice voice = VoiceAt(order_.voice);
     add(order_.text);
-    add(voice.engine + " " + voice.name);
+    add(SpokenBy(order_, order_.voice));
+    AddRules(order_, add);
     add(std::to_string(static_cast<int>(order_.type)) + " " + std::to_string(order_.kilobits) +
         " " + std::to_string(order_.evensLoudness) + " " + std::to_string(order_.secondsBetween) +
-        " " + std::to_string(order_.subtitles ? static_cast<int>(*order_.subtitles) : -1));
-    for (const std::string& part : {order_.plan.title, order_.plan.author, order_.plan.cover})
+        " " + std::to_string(order_.subtitles ? static_cast<int>(*order_.subtitles) : -1) + " " +
+        std::to_string(order_.isReadAlong));
+    for (const std::string& part :
+         {order_.plan.title, order_.plan.author, order_.plan.language, order_.plan.cover})
         add(part);
     for (const BookChapter& chapter : order_.plan.chapters)
         add(chapter.title + " " + std::to_string(chapter.begin));

@@ -23,15 +23,6 @@ using namespace std::chrono_literals;
 constexpr std::size_t kMostWaiting = 2;
 constexpr double kLoudestChange = 20;  // decibels
 
-class ThreadStop final : public LSilentProgress {
-public:
-    explicit ThreadStop(const LThread& thread) : thread_(thread) {}
-    bool IsToStop() override { return thread_.IsStopping(); }
-
-private:
-    const LThread& thread_;
-};
-
 LSoundSink OpenChapterSink(const ChapterToEncode& chapter, const char* path, int rate) {
     const int kilobits =
         chapter.kilobits > 0 ? chapter.kilobits : SpeechKilobits(chapter.type, rate);
@@ -62,6 +53,19 @@ std::string WhyNotOpen(SoundType type) {
 
 }  // namespace
 
+// Asked before each block.
+class ChapterEncoder::Work final : public LSilentProgress {
+public:
+    explicit Work(ChapterEncoder& encoder) : encoder_(encoder) {}
+    bool IsToStop() override {
+        encoder_.lastTaken_ = Clock::now();
+        return encoder_.IsStopping();
+    }
+
+private:
+    ChapterEncoder& encoder_;
+};
+
 bool ChapterEncoder::Add(ChapterToEncode chapter, LProgress& progress) {
     if (!WaitUntilLeft(kMostWaiting - 1, progress))
         return false;
@@ -83,7 +87,15 @@ bool ChapterEncoder::WaitUntilLeft(std::size_t most, LProgress& progress) {
         if (!problem_.empty() || waiting_.size() <= most)
             return problem_.empty();
         changed_.wait_for(lock, 50ms);
+        EndHangingEncoder();
     }
+}
+
+void ChapterEncoder::EndHangingEncoder() {
+    if (encoder_ == nullptr || hangs_ || Clock::now() - lastTaken_.load() < patience_)
+        return;
+    hangs_ = true;
+    encoder_->Interrupt();
 }
 
 std::string ChapterEncoder::Problem() const {
@@ -141,15 +153,18 @@ std::string ChapterEncoder::Write(const ChapterToEncode& chapter, const std::str
     {
         const std::lock_guard lock(mutex_);
         encoder_ = dynamic_cast<LPipe16Sink*>(sink.Get());
+        lastTaken_ = Clock::now();
     }
-    ThreadStop stop(*this);
+    Work work(*this);
     LPRSourceToSink request{"", source, sink};
-    const LProcessResult result = Process(stop, request);
+    const LProcessResult result = Process(work, request);
     const int error = sink->Finish();
     const std::lock_guard lock(mutex_);
     encoder_ = nullptr;
     if (result == kProcessStopped)
         return "stopped";
+    if (hangs_)
+        return std::string("the ") + RowOf(chapter.type).encoder + " takes no more sound";
     if (error != 0 && RowOf(chapter.type).encoder != nullptr)
         return std::string("the ") + RowOf(chapter.type).encoder + " failed; is the disk full?";
     return error != 0 ? std::strerror(error) : "";

@@ -2,6 +2,8 @@
 // encoder but when that is two chapters behind.
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -25,7 +27,12 @@ struct ChapterToEncode {
 
 class ChapterEncoder final : public LThread {
 public:
-    ChapterEncoder() { Start(0); }
+    // An encoder that takes no sound for so long hangs.
+    static constexpr std::chrono::seconds kPatience{180};
+
+    explicit ChapterEncoder(std::chrono::seconds patience = kPatience) : patience_(patience) {
+        Start(0);
+    }
     ~ChapterEncoder() override { End(); }
 
     // Both wait while the progress object does not stop them; false then, and after a problem.
@@ -35,15 +42,22 @@ public:
     std::string Problem() const;  // why a chapter could not be encoded; empty while all is well
 
 private:
+    using Clock = std::chrono::steady_clock;
+    class Work;
+
     void ThreadFunction() override;
+    void EndHangingEncoder();  // mutex_ held
     bool WaitUntilLeft(std::size_t most, LProgress& progress);
     std::string Encode(const ChapterToEncode& chapter);
     std::string Write(const ChapterToEncode& chapter, const std::string& path);
     void End();
 
-    mutable std::mutex mutex_;  // guards what follows
+    const std::chrono::seconds patience_;
+    std::atomic<Clock::time_point> lastTaken_{};  // when the encoder took sound
+    mutable std::mutex mutex_;                    // guards what follows
     std::condition_variable changed_;
     std::deque<ChapterToEncode> waiting_;  // the first is at work
     std::string problem_;
-    LPipe16Sink* encoder_ = nullptr;  // what End may have to interrupt
+    LPipe16Sink* encoder_ = nullptr;  // what may have to be interrupted
+    bool hangs_ = false;              // it was
 };

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "books/book_run.h"
+#include "books/saved_tempo.h"
 #include "formats/wave_file.h"
 #include "sound/source_to_sink.h"
 #include "speech/piece_runs.h"
@@ -28,17 +29,19 @@ std::string InOneLine(std::string_view text) {
 
 class ChapterTaker final : public SpokenPieceTaker {
 public:
-    ChapterTaker(std::string_view text, std::string path) : text_(text), path_(std::move(path)) {}
+    ChapterTaker(const BookOrder& order, std::string_view text, std::string path)
+        : order_(order), text_(text), path_(std::move(path)) {}
 
     SynthesisOutcome TakePiece(const LSoundSource& sound, const SpeechPiece& piece) override {
         if (!isOpen_)
             Open(sound->SampleRate());
         const int first = sink_->FramesWritten();
         LSilentProgress unseen;
-        LPRSourceToSink request{"", sound, sink_};
+        LPRSourceToSink request{"", AtTempo(sound, order_.TempoOf(piece.voice)), sink_};
         if (Process(unseen, request) != kProcessDone)
             return SynthesisOutcome::kCannotWrite;
         lines_.push_back({MillisecondsAt(first), MillisecondsAt(sink_->FramesWritten()),
+                          piece.SourceBegin(), piece.SourceEnd(),
                           InOneLine(text_.substr(piece.SourceBegin(),
                                                  piece.SourceEnd() - piece.SourceBegin()))});
         return SynthesisOutcome::kSpoken;
@@ -64,6 +67,7 @@ private:
     }
     long long MillisecondsAt(int frame) const { return frame * 1000LL / sink_->SampleRate(); }
 
+    const BookOrder& order_;
     std::string_view text_;
     std::string path_;
     LSoundSink sink_;
@@ -105,10 +109,11 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
     const auto size = static_cast<double>(std::max<std::size_t>(order.text.size(), 1));
     ShareOfBook share(progress, static_cast<double>(chapter.begin) / size,
                       static_cast<double>(chapter.end) / size);
-    ChapterTaker taker(text, path);
-    // Sentences have times of their own only where each is a run of its own.
-    const ReadingUse use = order.subtitles ? ReadingUse::kListening : ReadingUse::kSaving;
-    PieceRuns runs(text, order.voice, order.engineFolder, use, taker, order.rules);
+    ChapterTaker taker(order, text, path);
+    SpeakingRules rules = order.rules;
+    rules.marks = MarksFrom(rules.marks, chapter.begin);
+    const ReadingUse use = order.NeedsTimes() ? ReadingUse::kSavingSentences : ReadingUse::kSaving;
+    PieceRuns runs(text, order.voice, order.engineFolder, use, taker, rules);
     const LProcessResult result = Process(share, runs);
     ChapterSpeech speech;
     speech.isStopped = result == kProcessStopped || progress.IsToStop();

@@ -76,8 +76,9 @@ std::string SubtitleText(SubtitleForm form, const std::vector<SubtitleLine>& lin
 std::string StoreSubtitles(const std::vector<SubtitleLine>& lines) {
     std::string stored;
     for (const SubtitleLine& line : lines)
-        stored +=
-            std::to_string(line.begin) + " " + std::to_string(line.end) + " " + line.text + "\n";
+        stored += std::to_string(line.begin) + " " + std::to_string(line.end) + " " +
+                  std::to_string(line.sourceBegin) + " " + std::to_string(line.sourceEnd) + " " +
+                  line.text + "\n";
     return stored;
 }
 
@@ -91,6 +92,8 @@ std::vector<SubtitleLine> LoadSubtitles(std::string_view stored) {
         SubtitleLine line;
         line.begin = std::strtoll(row.c_str(), &at, 10);
         line.end = std::strtoll(at, &at, 10);
+        line.sourceBegin = std::strtoull(at, &at, 10);
+        line.sourceEnd = std::strtoull(at, &at, 10);
         line.text = *at == ' ' ? at + 1 : at;
         lines.push_back(line);
     }

@@ -7,6 +7,8 @@
 #include <vector>
 
 enum class SubtitleForm { kSrt, kVtt, kLrc };
+inline constexpr SubtitleForm kSubtitleForms[] = {SubtitleForm::kSrt, SubtitleForm::kVtt,
+                                                  SubtitleForm::kLrc};
 
 const char* EndingOf(SubtitleForm form);  // "srt"
 std::optional<SubtitleForm> SubtitleFormFromName(std::string_view name);
@@ -14,6 +16,8 @@ std::optional<SubtitleForm> SubtitleFormFromName(std::string_view name);
 struct SubtitleLine {
     long long begin = 0;  // milliseconds
     long long end = 0;
+    std::size_t sourceBegin = 0;  // bytes of the text that it is of
+    std::size_t sourceEnd = 0;
     std::string text;  // one line
 };
 

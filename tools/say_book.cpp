@@ -1,9 +1,12 @@
 #include "tools/say_book.h"
 
 #include <cstdio>
+#include <utility>
 
+#include "books/book_cover.h"
 #include "books/book_estimate.h"
 #include "books/book_run.h"
+#include "speech/voice_table.h"
 #include "tools/interruption.h"
 #include "tools/say_document.h"
 #include "tools/terminal_progress.h"
@@ -30,13 +33,35 @@ void PrintPlan(const BookOrder& order) {
     std::printf("%s\t%s\t%s\n", order.plan.title.c_str(),
                 order.plan.author.empty() ? "-" : order.plan.author.c_str(),
                 order.plan.language.empty() ? "-" : order.plan.language.c_str());
-    const BookEstimate whole = EstimateBook(order);
+    const BookEstimate whole = EstimateBook(order.plan, order);
     std::printf("about %s\tabout %.1f MB\n", Clock(whole.seconds).c_str(),
                 static_cast<double>(whole.bytes) / 1e6);
     std::size_t number = 0;
     for (const BookChapter& chapter : order.plan.chapters)
         std::printf("%zu\t%s\t%s\n", ++number, Clock(SecondsOfChapter(order, chapter)).c_str(),
                     chapter.title.c_str());
+}
+
+// Why it cannot be, or empty.
+std::string FillOrder(const BookWish& wish, const Document& document, BookOrder& order) {
+    for (const DocumentLanguage& language : document.languages)
+        order.rules.marks.push_back({language.begin, language.tag});
+    order.text = document.text;
+    order.kilobits = wish.kilobits;
+    order.evensLoudness = wish.evensLoudness;
+    order.secondsBetween = wish.secondsBetween;
+    order.tempos.assign(static_cast<std::size_t>(CountVoices()), wish.speed);
+    order.subtitles = wish.subtitles;
+    order.isReadAlong = wish.isReadAlong;
+    BookPlan& plan = order.plan;
+    if (wish.title)
+        TitleBook(plan, AsTag(*wish.title));
+    if (wish.author)
+        plan.author = AsTag(*wish.author);
+    std::string problem;
+    if (wish.cover)
+        plan.cover = wish.cover->empty() ? "" : ReadCover(*wish.cover, problem);
+    return problem.empty() ? "" : *wish.cover + ": " + problem;
 }
 
 }  // namespace
@@ -46,25 +71,27 @@ int SayBook(const SayOptions& options, const SayJob& job, const Document& docume
     const std::string subject = NameOfText(job.text);
     BookOrder order;
     order.plan = PlanBook(document, StemOf(subject));
-    order.text = document.text;
     order.voice = voice;
     order.rules = options.speaking;
     order.type = job.type;
-    order.kilobits = options.book->kilobits;
     order.target = job.sound;
     order.overwrites = options.overwrite;
-    order.subtitles = options.book->subtitles;
     order.engineFolder = workFolder;
+    if (const std::string problem = FillOrder(*options.book, document, order); !problem.empty()) {
+        Complain(kSayProgram, problem);
+        return kExitFailed;
+    }
     if (options.book->isOnlyPlanned) {
         PrintPlan(order);
         return kExitDone;
     }
     if (!order.plan.remark.empty())
         Complain(kSayProgram, subject + ": " + order.plan.remark);
+    const std::size_t chapters = order.plan.chapters.size();
     BookResult result;
     {
         LTerminalProgress progress;
-        result = MakeBook(order, progress);
+        result = MakeBook(std::move(order), progress);
     }
     for (const std::string& remark : result.remarks)
         Complain(kSayProgram, subject + ": " + remark);
@@ -73,8 +100,7 @@ int SayBook(const SayOptions& options, const SayJob& job, const Document& docume
     std::string told =
         result.problem.empty() ? subject + ": stopped" : subject + ": " + result.problem;
     if (result.chaptersKept > 0)
-        told += "; " + std::to_string(result.chaptersKept) + " of " +
-                std::to_string(order.plan.chapters.size()) +
+        told += "; " + std::to_string(result.chaptersKept) + " of " + std::to_string(chapters) +
                 " chapters are kept, and the same command goes on with the next";
     Complain(kSayProgram, told);
     return kExitFailed;

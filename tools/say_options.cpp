@@ -26,10 +26,6 @@ enum SayOption : int {
     kAsWritten,
     kSkip,
     kKeep,
-    kAudiobook,
-    kBitRate,
-    kSubtitles,
-    kPlan,
     kSayHelp,
     kSayVersion
 };
@@ -51,6 +47,12 @@ const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"audiobook", optional_argument, nullptr, kAudiobook},
                               {"bitrate", required_argument, nullptr, kBitRate},
                               {"subtitles", required_argument, nullptr, kSubtitles},
+                              {"speed", required_argument, nullptr, kSpeed},
+                              {"silence", required_argument, nullptr, kSilence},
+                              {"own-level", no_argument, nullptr, kOwnLevel},
+                              {"title", required_argument, nullptr, kTitle},
+                              {"author", required_argument, nullptr, kAuthor},
+                              {"cover", required_argument, nullptr, kCover},
                               {"plan", no_argument, nullptr, kPlan},
                               {"help", no_argument, nullptr, kSayHelp},
                               {"version", no_argument, nullptr, kSayVersion},
@@ -95,17 +97,11 @@ int ShowSayHelp() {
         "      --skip=PARTS     leave out of documents: marks (that point to notes), notes, code,\n"
         "                       captions, heads (of pages); several with commas between\n"
         "      --keep=PARTS     read them; without both, marks and heads are left out\n"
-        "      --audiobook[=chapters]  a book with its chapters, tags and cover (mp3, opus, m4b, "
-        "flac,\n"
-        "                       wav), or a file for each chapter in the folder OUTPUT; goes on\n"
-        "                       where it was broken off\n"
-        "      --bitrate=KBIT   of an audiobook, a second\n"
-        "      --subtitles=FORM beside an audiobook its sentences: srt, vtt or lrc\n"
-        "      --plan           print an audiobook's chapters, length and size, and make none\n"
+        "%s"
         "      --help           show this text\n"
         "      --version        show the version\n",
         kSayProgram, kSayProgram, kSayProgram, kSayProgram, kSayProgram,
-        AllSoundTypeNames().c_str());
+        AllSoundTypeNames().c_str(), kBookHelp);
     return kExitDone;
 }
 
@@ -114,12 +110,12 @@ bool IsFolder(const std::string& path) {
     return path.back() == '/' || (::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode));
 }
 
-std::string SoundNameFor(const std::string& textPath, SoundType type) {
+std::string SoundNameFor(const std::string& textPath, const char* ending) {
     std::string file = textPath.substr(textPath.rfind('/') + 1);
     if (file.empty())
         file = "page";  // an address may name a site alone
     const std::size_t dot = file.rfind('.');
-    return (dot == 0 ? file : file.substr(0, dot)) + "." + NameOf(type);
+    return (dot == 0 ? file : file.substr(0, dot)) + "." + ending;
 }
 
 std::optional<int> PlanFolder(const Words& words, SayOptions& options) {
@@ -130,7 +126,9 @@ std::optional<int> PlanFolder(const Words& words, SayOptions& options) {
     for (const std::string& file : words.files) {
         const SoundType type =
             words.type.value_or(options.book ? SoundType::kMp3 : SoundType::kWav);
-        SayJob job{file, folder + SoundNameFor(file, type), type};
+        const bool isReadAlong = options.book && options.book->isReadAlong;
+        SayJob job{file, folder + SoundNameFor(file, isReadAlong ? kReadAlongName : NameOf(type)),
+                   type};
         if (options.book && options.book->inChapters)
             job.sound =
                 words.files.size() == 1 ? folder : job.sound.substr(0, job.sound.rfind('.')) + "/";
@@ -218,6 +216,8 @@ std::optional<int> PlanPrinting(const Words& words, SayOptions& options) {
 std::string BookProblem(const Words& words, const SayOptions& options) {
     if (words.output == kStandardOutput || options.splitMinutes)
         return "an audiobook is one file, or a file for each chapter";
+    if (options.book->isReadAlong && (options.book->inChapters || options.book->subtitles))
+        return "an EPUB to read along is one file, and holds its text";
     if (options.book->inChapters && !IsFolder(words.output))
         return words.output + ": chapters go into a folder (" + words.output + "/)";
     const SoundType type =
@@ -227,23 +227,6 @@ std::string BookProblem(const Words& words, const SayOptions& options) {
         if (type == known)
             return "";
     return std::string("audiobooks are mp3, opus, m4b, flac or wav, not ") + NameOf(type);
-}
-
-// False when the option's argument is not one that it takes.
-bool TakeBookOption(int option, BookWish& wish) {
-    switch (option) {
-        case kAudiobook:
-            wish.inChapters = optarg != nullptr && std::strcmp(optarg, "chapters") == 0;
-            return optarg == nullptr || wish.inChapters;
-        case kBitRate:
-            return ParseNumber(optarg, 8, 320, wish.kilobits);
-        case kSubtitles:
-            wish.subtitles = SubtitleFormFromName(optarg);
-            return wish.subtitles.has_value();
-        default:
-            wish.isOnlyPlanned = true;
-            return true;
-    }
 }
 
 std::optional<int> PlanJobs(const Words& words, SayOptions& options) {
@@ -315,7 +298,6 @@ std::optional<int> Plan(const Words& words, SayOptions& options) {
 std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& options) {
     Words words;
     BookWish wish;
-    bool isBook = false;
     bool hasBookOption = false;
     optind = 1;
     for (;;) {
@@ -324,6 +306,12 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
             break;
         if (TakeFlag(option, options))
             continue;
+        if (option >= kAudiobook && option < kBookOptionsEnd) {
+            hasBookOption = true;
+            if (!TakeBookOption(option, optarg, wish))
+                return UsageError(kSayProgram, std::string("not for an audiobook: ") + optarg);
+            continue;
+        }
         switch (option) {
             case 'v':
                 options.voice = optarg;
@@ -333,6 +321,8 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
                 break;
             case 't':
                 words.type = SoundTypeFromName(optarg);
+                if (wish.isReadAlong = std::strcmp(optarg, kReadAlongName) == 0; wish.isReadAlong)
+                    words.type = SoundType::kMp3;
                 if (!words.type)
                     return UsageError(kSayProgram, std::string("no such type: ") + optarg);
                 break;
@@ -342,16 +332,6 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
             case kText:
                 if (const std::optional<int> status = ParseManner(option, options))
                     return status;
-                break;
-            case kAudiobook:
-                isBook = true;
-                [[fallthrough]];
-            case kBitRate:
-            case kSubtitles:
-            case kPlan:
-                hasBookOption = true;
-                if (!TakeBookOption(option, wish))
-                    return UsageError(kSayProgram, std::string("not for an audiobook: ") + optarg);
                 break;
             case kSayHelp:
                 return ShowSayHelp();
@@ -368,9 +348,17 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     words.files.assign(argv + optind, argv + argc);
     if (words.files == std::vector<std::string>{"-"})
         words.files.clear();  // standard input, as without files
-    if (isBook)
+    if (wish.isWanted && words.output.ends_with(".epub") && !words.type) {
+        wish.isReadAlong = true;
+        words.type = SoundType::kMp3;
+    }
+    if (wish.isWanted)
         options.book = wish;
+    else if (wish.isReadAlong)
+        return UsageError(kSayProgram, "epub is for --audiobook");
     else if (hasBookOption)
-        return UsageError(kSayProgram, "--bitrate, --subtitles and --plan belong to --audiobook");
+        return UsageError(kSayProgram,
+                          "--bitrate, --speed, --silence, --own-level, --title, --author, --cover, "
+                          "--subtitles and --plan belong to --audiobook");
     return Plan(words, options);
 }

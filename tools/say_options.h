@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "books/subtitles.h"
 #include "documents/document.h"
 #include "formats/sound_types.h"
 #include "speech/speech_pieces.h"
+#include "tools/say_book_options.h"
 
 constexpr const char* kSayProgram = "lectora-say";
 constexpr const char* kStandardOutput = "-";
@@ -17,14 +17,6 @@ struct SayJob {
     std::string text;   // path; empty for standard input
     std::string sound;  // path, or kStandardOutput
     SoundType type = SoundType::kWav;
-};
-
-// What an audiobook is to be like (books/book_run.h).
-struct BookWish {
-    bool inChapters = false;  // a file each
-    bool isOnlyPlanned = false;
-    int kilobits = 0;  // a second; 0: what serves speech
-    std::optional<SubtitleForm> subtitles;
 };
 
 // What --text prints in place of speaking.

@@ -13,6 +13,7 @@ import zipfile
 
 from program_case import SAY, EngineCase
 
+# A picture of one point.
 PICTURE = base64.b64decode(
     "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg=="
 )
@@ -143,6 +144,63 @@ class BookTest(EngineCase):
         for begin in begins:
             at = round(begin * 16000)
             self.assertGreater(max(samples[at : at + 1600]), 3000)
+
+    def test_speed_silence_and_tags_are_as_asked_for(self):
+        self.book("book.epub", TITLES, TEXTS)
+        self.save("other.png", PICTURE + b"other")
+        lengths = {}
+        for words in (("--speed=100", "--silence=0"), ("--speed=200", "--silence=0"), ("--speed=100", "--silence=3")):
+            self.check(SAY, "-f", "--audiobook", *words, "-o", "book.flac", "book.epub")
+            lengths[words] = float(self.probed("book.flac")["format"]["duration"])
+        own, fast, silent = lengths.values()
+        self.assertAlmostEqual(own / fast, 2, delta=0.03)
+        self.assertAlmostEqual(silent, own + 9, delta=0.01)
+        tags = ("--title=Tide", "--author=", "--cover=other.png", "--own-level")
+        self.check(SAY, "-f", "--audiobook", *tags, "-o", "book.flac", "book.epub")
+        told = self.probed("book.flac")
+        self.assertEqual((told["format"]["tags"]["TITLE"], told["format"]["tags"].get("ARTIST")), ("Tide", None))
+        self.assertIn(PICTURE + b"other", self.load("book.flac"))
+        self.assertGreater(max(map(abs, self.heard("book.flac"))), 9000)  # the engine's own tones
+        self.check(SAY, "-f", "--audiobook", "--cover=book.epub", "-o", "a.flac", "book.epub", status=1, says="A cover is a PNG")
+
+    def test_what_was_finished_under_another_pronunciation_list_is_not_used(self):
+        self.tell_engine("text2wave slow 1")
+        self.book("book.epub", TITLES, TEXTS)
+        command = (SAY, "--audiobook=chapters", "-t", "flac", "-o", "spoken/", "book.epub")
+        run = self.start(*command, stderr=-1)
+        while not os.path.exists(self.path("spoken/01 One = a; #1.flac")) and run.poll() is None:
+            time.sleep(0.01)
+        run.send_signal(signal.SIGINT)
+        run.communicate(timeout=30)
+        with open(self.home + "/.quillon/lectora/pronunciations.txt", "w") as words:
+            words.write("wonderful\tdull\n")
+        self.check(*command)
+        self.assertEqual(len([text for _, text in self.said() if "dull dull worlds" in text]), 1)
+
+    def test_text_and_sound_together_hold_each_other(self):
+        self.install_encoder()
+        titles = ["One & <all>", "Two"]
+        self.book("book.epub", titles, ["First &amp; foremost. A second\none.</p><p>Last \"words\".", "----"])
+        self.check(SAY, "--audiobook", "-o", "heard.epub", "book.epub")
+        with zipfile.ZipFile(self.path("heard.epub")) as epub:
+            self.assertEqual(epub.testzip(), None)
+            self.assertEqual((epub.infolist()[0].filename, epub.read("mimetype")), ("mimetype", b"application/epub+zip"))
+            page, overlay = (epub.read(f"book/00001.{kind}").decode() for kind in ("xhtml", "smil"))
+            self.save("one.mp3", epub.read("book/00001.mp3"))
+            self.assertEqual(epub.read("book/cover"), PICTURE)
+        spans = dict(re.findall(r'<span id="(s\d+)">([^<]*)</span>', page))
+        clips = re.findall(r'xhtml#(s\d+)"/><audio src="00001.mp3" clipBegin="0:00:([\d.]+)" clipEnd="0:00:([\d.]+)"', overlay)
+        self.assertEqual([spans[name].strip() for name, _, _ in clips],
+                         ["One &amp; &lt;all&gt;", "First &amp; foremost.", "A second one.", "Last &quot;words&quot;."])
+        self.assertIn("<h1>", page)
+        samples = self.heard("one.mp3")
+        loudest = max(map(abs, samples))
+        for _, begin, end in clips:
+            at, to = (round(float(time) * 16000) for time in (begin, end))
+            self.assertGreater(max(map(abs, samples[at : at + 2400])), loudest / 4)
+            self.assertGreater(to, at)
+        checked = self.run_program("epubcheck", "heard.epub")
+        self.assertEqual(checked.returncode, 0, (checked.stdout + checked.stderr).decode())
 
     def test_what_goes_wrong_is_told_and_keeps_what_is_whole(self):
         self.book("book.epub", TITLES, TEXTS)
