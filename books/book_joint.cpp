@@ -3,10 +3,12 @@
 #include <ogg/ogg.h>
 #include <opus.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <string_view>
 
@@ -209,9 +211,20 @@ void JoinOpus(const std::vector<std::string>& parts, std::FILE* out, BookJoint& 
     }
 }
 
+std::int64_t FramesOf(const std::vector<std::string>& parts) {
+    std::int64_t frames = 0;
+    for (const std::string& part : parts)
+        frames += OpenSndfileSource(part.c_str())->GetEndSample();
+    return frames;
+}
+
 // FLAC and WAV lose nothing when they are decoded.
 void JoinSamples(SoundType type, const std::vector<std::string>& parts, const std::string& path,
                  BookJoint& joint) {
+    if (FramesOf(parts) > MostFrames(type)) {
+        joint.problem = kBookTooLong;
+        return;
+    }
     LSoundSink sink;
     for (const std::string& part : parts) {
         const LSoundSource source = OpenSndfileSource(part.c_str());
@@ -235,6 +248,14 @@ void JoinSamples(SoundType type, const std::vector<std::string>& parts, const st
 }
 
 }  // namespace
+
+std::int64_t MostFrames(SoundType type) {
+    // Sinks count frames in 32 bits, WAV files bytes.
+    constexpr std::int64_t kMost = 0x7FFFFF00;
+    return type == SoundType::kWav || type == SoundType::kFlac
+               ? kMost
+               : std::numeric_limits<std::int64_t>::max();
+}
 
 BookJoint JoinBook(SoundType type, const std::vector<std::string>& parts, const std::string& path) {
     BookJoint joint;

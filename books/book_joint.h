@@ -13,6 +13,12 @@ struct BookJoint {
     std::vector<std::int64_t> frames;  // of each part, at that rate
 };
 
+// What one file of that type can hold, in frames of 16 bits and one channel. Books of other types
+// are never that long.
+std::int64_t MostFrames(SoundType type);
+constexpr const char* kBookTooLong =
+    "is longer than one such file can hold; a file for each chapter can be";
+
 // Parts are MP3, Opus, ADTS (for M4B, as which it is written) or FLAC (for FLAC and WAV), of one
 // rate and one channel. A part is never held in memory.
 BookJoint JoinBook(SoundType type, const std::vector<std::string>& parts, const std::string& path);

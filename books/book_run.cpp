@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "books/book_estimate.h"
 #include "books/book_joint.h"
 #include "books/book_work.h"
 #include "books/chapter_encoder.h"
@@ -22,6 +23,8 @@
 #include "speech/voice_table.h"
 
 namespace {
+
+constexpr double kLeastRate = 16000;  // of voices
 
 class BookMaker {
 public:
@@ -79,6 +82,12 @@ BookTags BookMaker::TagsOf(std::size_t index) const {
 BookResult BookMaker::Make() {
     if (order_.plan.chapters.empty()) {
         Fail("there is nothing to read");
+        return result_;
+    }
+    // Better now than when all is spoken.
+    if (!IsFolder() && EstimateBook(order_.plan, order_).seconds * kLeastRate >
+                           static_cast<double>(MostFrames(order_.type))) {
+        Fail(order_.target + ": " + kBookTooLong);
         return result_;
     }
     if (const std::string problem = work_.Open(); !problem.empty()) {

@@ -13,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 
 #include "books/book_run.h"
 #include "formats/whole_file.h"
@@ -32,10 +33,14 @@ std::string FolderFor(const std::string& target) {
     return target.substr(0, name) + "." + target.substr(name, 200) + ".lectora-book/";
 }
 
-bool IsSomethingThere(const std::string& folder) {
+// Beside the unfinished work, and what an unfinished run of the same chapters has finished.
+bool HoldsOthers(const BookOrder& order, bool isUnfinished) {
+    std::set<std::string> chapters;
+    for (std::size_t i = 0; isUnfinished && i < order.plan.chapters.size(); ++i)
+        chapters.insert(std::filesystem::path(ChapterFileName(order, i)).stem());
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
-        if (entry.path().filename() != ".lectora-book")
+    for (const auto& entry : std::filesystem::directory_iterator(order.target, error))
+        if (entry.path().filename() != ".lectora-book" && !chapters.contains(entry.path().stem()))
             return true;
     return false;
 }
@@ -120,12 +125,13 @@ std::string BookWork::Open() {
     return Claim(ContentOf(folder_ + "key"));
 }
 
-// What another order has left goes; what it has finished in a folder is the user's.
+// What another order has left goes, and the chapters that it had finished of the same book; what
+// else is in a folder is the user's.
 std::string BookWork::Claim(const std::string& found) {
     const std::string key = KeyOf();
     if (found == key)
         return "";
-    if (order_.target.back() == '/' && IsSomethingThere(order_.target) && !order_.overwrites) {
+    if (order_.target.back() == '/' && !order_.overwrites && HoldsOthers(order_, !found.empty())) {
         if (found.empty())
             Remove();
         return order_.target + ": holds other files";

@@ -24,7 +24,7 @@ constexpr const char* kStyle =
     "body { margin: 5%; line-height: 1.5; }\n.heard { background-color: #ffe08a; color: #000; }\n";
 
 // What XML 1.0 has no place for becomes a blank.
-std::string Escaped(std::string_view text) {
+std::string XmlEscaped(std::string_view text) {
     std::string escaped;
     for (const char byte : text) {
         if (byte == '&')
@@ -84,6 +84,9 @@ private:
     std::string Navigation() const;
     std::string Package() const;
     std::string Identifier() const;
+    std::string CoverName() const {
+        return "cover." + std::string(std::string_view(PictureType(plan_.cover)).substr(6));
+    }
     int HeadingLevel(std::size_t begin, std::size_t end) const;
 
     ZipFile zip_;
@@ -94,10 +97,11 @@ private:
 };
 
 std::string ReadAlong::PageHead(const std::string& title) const {
-    const std::string language = Escaped(language_);
+    const std::string language = XmlEscaped(language_);
     return std::string(kXml) + kXhtml + "lang=\"" + language + "\" xml:lang=\"" + language +
-           "\"><head><title>" + Escaped(title) +
-           "</title><link rel=\"stylesheet\" type=\"text/css\" href=\"style.css\"/></head><body>\n";
+           "\"><head><title>" + XmlEscaped(title) +
+           "</title><link rel=\"stylesheet\" type=\"text/css\" href=\"style.css\"/></head><body "
+           "id=\"text\">\n";
 }
 
 // 0: the stretch is no heading.
@@ -125,8 +129,9 @@ std::string ReadAlong::Page(std::size_t index) const {
             const std::size_t to = std::min(chapter.begin + lines[next].sourceEnd, end);
             if (from >= end)
                 break;
-            inner += Escaped(std::string_view(text_).substr(at, from - at));
-            const std::string sentence = Escaped(std::string_view(text_).substr(from, to - from));
+            inner += XmlEscaped(std::string_view(text_).substr(at, from - at));
+            const std::string sentence =
+                XmlEscaped(std::string_view(text_).substr(from, to - from));
             inner += named == next
                          ? sentence
                          : "<span id=\"s" + std::to_string(next) + "\">" + sentence + "</span>";
@@ -136,7 +141,7 @@ std::string ReadAlong::Page(std::size_t index) const {
             if (chapter.begin + lines[next].sourceEnd > end)
                 break;
         }
-        inner += Escaped(std::string_view(text_).substr(at, end - at));
+        inner += XmlEscaped(std::string_view(text_).substr(at, end - at));
         if (isMarked || inner.find_first_not_of(" \t") != std::string::npos) {
             const int level = HeadingLevel(begin, end);
             const std::string tag = level > 0 ? "h" + std::to_string(level) : "p";
@@ -153,7 +158,7 @@ std::string ReadAlong::Overlay(std::size_t index) const {
                           "<smil xmlns=\"http://www.w3.org/ns/SMIL\" "
                           "xmlns:epub=\"http://www.idpf.org/2007/ops\" version=\"3.0\"><body>\n"
                           "<seq id=\"all\" epub:textref=\"" +
-                          number + ".xhtml\" epub:type=\"bodymatter\">\n";
+                          number + ".xhtml#text\" epub:type=\"bodymatter\">\n";
     const std::vector<SubtitleLine>& lines = chapters_[index].lines;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const std::string name = std::to_string(i);
@@ -167,9 +172,9 @@ std::string ReadAlong::Overlay(std::size_t index) const {
 
 std::string ReadAlong::Navigation() const {
     std::string page = PageHead(plan_.title) + "<nav epub:type=\"toc\" id=\"toc\"><h1>" +
-                       Escaped(plan_.title) + "</h1><ol>\n";
+                       XmlEscaped(plan_.title) + "</h1><ol>\n";
     for (std::size_t i = 0; i < plan_.chapters.size(); ++i)
-        page += "<li><a href=\"" + Number(i) + ".xhtml\">" + Escaped(plan_.chapters[i].title) +
+        page += "<li><a href=\"" + Number(i) + ".xhtml\">" + XmlEscaped(plan_.chapters[i].title) +
                 "</a></li>\n";
     return page + "</ol></nav></body></html>\n";
 }
@@ -194,17 +199,17 @@ std::string ReadAlong::Package() const {
     if (::gmtime_r(&now, &utc) != nullptr)
         std::strftime(modified, sizeof modified, "%Y-%m-%dT%H:%M:%SZ", &utc);
     std::string metadata = "<dc:identifier id=\"id\">" + Identifier() +
-                           "</dc:identifier><dc:title>" + Escaped(plan_.title) +
-                           "</dc:title><dc:language>" + Escaped(language_) +
+                           "</dc:identifier><dc:title>" + XmlEscaped(plan_.title) +
+                           "</dc:title><dc:language>" + XmlEscaped(language_) +
                            "</dc:language><meta property=\"dcterms:modified\">" + modified +
                            "</meta>\n<meta property=\"media:active-class\">heard</meta>\n";
     if (!plan_.author.empty())
-        metadata += "<dc:creator>" + Escaped(plan_.author) + "</dc:creator>\n";
+        metadata += "<dc:creator>" + XmlEscaped(plan_.author) + "</dc:creator>\n";
     std::string manifest =
         "<item id=\"nav\" href=\"nav.xhtml\" media-type=\"application/xhtml+xml\" "
         "properties=\"nav\"/>\n<item id=\"style\" href=\"style.css\" media-type=\"text/css\"/>\n";
     if (!plan_.cover.empty())
-        manifest += std::string("<item id=\"cover\" href=\"cover\" media-type=\"") +
+        manifest += "<item id=\"cover\" href=\"" + CoverName() + "\" media-type=\"" +
                     PictureType(plan_.cover) + "\" properties=\"cover-image\"/>\n";
     std::string spine;
     long long whole = 0;
@@ -240,7 +245,7 @@ std::string ReadAlong::Write() {
     zip_.Add("book/nav.xhtml", Navigation());
     zip_.Add("book/style.css", kStyle);
     if (!plan_.cover.empty())
-        zip_.Add("book/cover", plan_.cover);
+        zip_.Add("book/" + CoverName(), plan_.cover);
     for (std::size_t i = 0; i < chapters_.size(); ++i) {
         zip_.Add("book/" + Number(i) + ".xhtml", Page(i));
         if (chapters_[i].lines.empty())

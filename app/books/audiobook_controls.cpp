@@ -6,7 +6,7 @@ using namespace AudiobookControls;
 
 namespace {
 
-constexpr int kWidth = 660;
+constexpr int kWidth = 720;
 constexpr LRows kDocumentRows{5};
 constexpr LRows kMessageRows{2};
 
@@ -22,16 +22,22 @@ void DlgGenAudiobook(LDialogGenContext& context) {
     context.AddButton(kBreakOff, "&Break Off");
     context.EndHBox();
     context.AddEditReadOnly(kMessage, "", kMessageRows, "Details");
-    context.AddPullDownList(kFormat, "&Format:");
-    context.AddPullDownList(kQuality, "&Quality:");
-    context.AddPullDownList(kFiles, "F&iles:");
+    context.StartHBox();
+    context.AddGroup(-1, "What it becomes");
+    context.AddPullDownList(kBookFormat, "&Format:");
+    context.AddPullDownList(kBookQuality, "&Quality:");
+    context.AddPullDownList(kBookFiles, "F&iles:");
+    context.AddPullDownList(kSubtitleForm, "Te&xt in time:");
+    context.GroupEnd();
+    context.AddGroup(-1, "How it is spoken");
     context.AddPullDownList(kBookVoice, "&Voice:");
     context.AddPullDownList(kBookSpeed, "Sp&eed:");
-    context.AddPullDownList(kSilence, "Sile&nce between chapters:");
-    context.AddPullDownList(kSubtitleForm, "Te&xt in time with the sound:");
+    context.AddPullDownList(kSilence, "Sile&nce after chapters:");
     context.AddCheckBox(kEvensLoudness, "Voices and chapters equally lou&d");
-    context.AddCheckBox(kByLanguage, "Each &language in a voice of its own");
-    context.AddInput(kFolder, "F&older:");
+    context.AddCheckBox(kBookByLanguage, "Each &language in a voice of its own");
+    context.GroupEnd();
+    context.EndHBox();
+    context.AddInput(kBookFolder, "F&older:");
     context.AddButton(kBrowse, "Bro&wse...");
     context.AddStatic(kEstimate, "");
     context.AddProgressBar(kDone);

@@ -11,16 +11,16 @@ constexpr int kRemoveDocument = 104;
 constexpr int kDetails = 105;
 constexpr int kBreakOff = 106;
 constexpr int kMessage = 107;
-constexpr int kFormat = 110;
-constexpr int kQuality = 112;
-constexpr int kFiles = 114;
+constexpr int kBookFormat = 110;
+constexpr int kBookQuality = 112;
+constexpr int kBookFiles = 114;
 constexpr int kBookVoice = 116;
 constexpr int kBookSpeed = 118;
 constexpr int kSilence = 120;
 constexpr int kSubtitleForm = 122;
 constexpr int kEvensLoudness = 124;
-constexpr int kByLanguage = 125;
-constexpr int kFolder = 126;
+constexpr int kBookByLanguage = 125;
+constexpr int kBookFolder = 126;
 constexpr int kBrowse = 128;
 constexpr int kEstimate = 129;
 constexpr int kDone = 130;
@@ -29,7 +29,7 @@ constexpr int kPause = 132;
 constexpr int kTitleColumn = 0;
 constexpr int kLengthColumn = 1;
 constexpr int kSizeColumn = 2;
-constexpr int kStateColumn = 3;
+constexpr int kBookStateColumn = 3;
 
 }  // namespace AudiobookControls
 

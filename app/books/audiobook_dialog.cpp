@@ -24,7 +24,7 @@ using namespace AudiobookControls;
 namespace {
 
 constexpr guint kFollowMs = 500;
-constexpr const char* kTitle = "Save as Audiobook";
+constexpr const char* kBoxTitle = "Save as Audiobook";
 
 // What stands at the path is a book, or something else of the user's; an unfinished folder of ours
 // is gone on with.
@@ -45,7 +45,7 @@ void AudiobookDialog::Show(GtkWidget* parent, int voice) {
     if (IsOpen() && gtk_widget_get_visible(Widget()))
         gtk_window_present(GTK_WINDOW(Widget()));
     else
-        Open(parent, {kTitle, false, DlgGenAudiobook}, false);
+        Open(parent, {kBoxTitle, false, DlgGenAudiobook}, false);
     FillVoices(voice);
     if (!std::exchange(isRestored_, true))
         RestoreKept();
@@ -54,13 +54,13 @@ void AudiobookDialog::Show(GtkWidget* parent, int voice) {
 
 void AudiobookDialog::InitDialog() {
     static constexpr LListColumn kColumns[] = {
-        {"Document", 42}, {"Length", 14}, {"Size", 14}, {"State", 30}};
+        {"Document", 38}, {"Length", 11}, {"Size", 11}, {"State", 38}};
     LVInit(kDocuments, {LListColumns::kPercent, kColumns});
     SetAccessibleName(GetControlByID(kDocuments), "Documents");
     HandleLVSelChange(kDocuments);
     HandleLVDoubleClick(kDocuments, kDetails);
     for (const int list :
-         {kFormat, kQuality, kFiles, kBookVoice, kBookSpeed, kSilence, kSubtitleForm})
+         {kBookFormat, kBookQuality, kBookFiles, kBookVoice, kBookSpeed, kSilence, kSubtitleForm})
         HandlePDLSelChange(list);
     voicesShown_ = 0;
     FillVoices(voice_);
@@ -69,6 +69,11 @@ void AudiobookDialog::InitDialog() {
         LVAddString(kDocuments, list_.At(i).plan.title.c_str());
     if (list_.Count() > 0)
         LVSetCurSel(kDocuments, 0);
+    // What is being made goes on without the window.
+    if (auto* close = GTK_BUTTON(GetControlByID(kCommandCancel))) {
+        gtk_button_set_use_stock(close, FALSE);
+        gtk_button_set_label(close, "_Close");
+    }
     FocusControl(kDocuments);
     FollowWork();
 }
@@ -90,15 +95,15 @@ void AudiobookDialog::FillVoices(int chosen) {
 void AudiobookDialog::ShowChoices() {
     const BookChoices choices = LoadBookChoices();
     for (const SoundType type : kBookTypes)
-        PDLAddString(kFormat, TitleOf(type));
-    PDLAddString(kFormat, "EPUB with sound, to read along");
+        PDLAddString(kBookFormat, TitleOf(type));
+    PDLAddString(kBookFormat, "EPUB with sound");
     const auto* const type = std::ranges::find(kBookTypes, choices.type);
-    PDLSetCurSel(kFormat, static_cast<int>((choices.isReadAlong ? std::end(kBookTypes) : type) -
-                                           std::begin(kBookTypes)));
+    PDLSetCurSel(kBookFormat, static_cast<int>((choices.isReadAlong ? std::end(kBookTypes) : type) -
+                                               std::begin(kBookTypes)));
     ShowQualities(choices.quality);
-    PDLAddString(kFiles, "One file with chapters");
-    PDLAddString(kFiles, "A folder with a file for each chapter");
-    PDLSetCurSel(kFiles, choices.inChapters ? 1 : 0);
+    PDLAddString(kBookFiles, "One for the book");
+    PDLAddString(kBookFiles, "One a chapter");
+    PDLSetCurSel(kBookFiles, choices.inChapters ? 1 : 0);
     PDLAddString(kBookSpeed, "As I listen to it");
     PDLAddString(kBookSpeed, "The voice's own");
     PDLSetCurSel(kBookSpeed, choices.asListenedTo ? 0 : 1);
@@ -112,16 +117,16 @@ void AudiobookDialog::ShowChoices() {
         PDLAddString(kSubtitleForm, TitleOf(form));
     PDLSetCurSel(kSubtitleForm, choices.subtitles ? 1 + static_cast<int>(*choices.subtitles) : 0);
     SetCheck(kEvensLoudness, choices.evensLoudness);
-    SetCheck(kByLanguage, choices.byLanguage);
-    SetText(kFolder, choices.folder.c_str());
+    SetCheck(kBookByLanguage, choices.byLanguage);
+    SetText(kBookFolder, choices.folder.c_str());
 }
 
 void AudiobookDialog::ShowQualities(BookQuality chosen) {
     const SoundType type = Choices().type;
-    PDLClear(kQuality);
+    PDLClear(kBookQuality);
     for (const BookQuality quality : kBookQualities)
-        PDLAddString(kQuality, QualityText(type, quality).c_str());
-    PDLSetCurSel(kQuality, static_cast<int>(chosen));
+        PDLAddString(kBookQuality, QualityText(type, quality).c_str());
+    PDLSetCurSel(kBookQuality, static_cast<int>(chosen));
 }
 
 BookChoices AudiobookDialog::Choices() const {
@@ -129,18 +134,18 @@ BookChoices AudiobookDialog::Choices() const {
         return static_cast<std::size_t>(std::max(0, PDLGetCurSel(list)));
     };
     BookChoices choices;
-    choices.isReadAlong = chosen(kFormat) == std::size(kBookTypes);
+    choices.isReadAlong = chosen(kBookFormat) == std::size(kBookTypes);
     if (!choices.isReadAlong)
-        choices.type = kBookTypes[chosen(kFormat)];
-    choices.quality = kBookQualities[chosen(kQuality)];
-    choices.inChapters = chosen(kFiles) == 1 && !choices.isReadAlong;
+        choices.type = kBookTypes[chosen(kBookFormat)];
+    choices.quality = kBookQualities[chosen(kBookQuality)];
+    choices.inChapters = chosen(kBookFiles) == 1 && !choices.isReadAlong;
     choices.asListenedTo = chosen(kBookSpeed) == 0;
     choices.evensLoudness = GetCheck(kEvensLoudness);
-    choices.byLanguage = GetCheck(kByLanguage);
+    choices.byLanguage = GetCheck(kBookByLanguage);
     choices.secondsBetween = static_cast<int>(chosen(kSilence));
     if (const std::size_t form = chosen(kSubtitleForm); form > 0 && !choices.isReadAlong)
         choices.subtitles = kSubtitleForms[form - 1];
-    choices.folder = GetText(kFolder);
+    choices.folder = GetText(kBookFolder);
     while (choices.folder.size() > 1 && choices.folder.back() == '/')
         choices.folder.pop_back();
     return choices;
@@ -159,8 +164,8 @@ void AudiobookDialog::EnableControls() {
     EnableControl(kDetails, isAny && list_.IsOpen(selected));
     EnableControl(kBreakOff, isOnItsWay);
     const BookChoices choices = Choices();
-    EnableControl(kQuality, HasQuality(choices.type));
-    EnableControl(kFiles, !choices.isReadAlong);
+    EnableControl(kBookQuality, HasQuality(choices.type));
+    EnableControl(kBookFiles, !choices.isReadAlong);
     EnableControl(kSubtitleForm, !choices.isReadAlong);
     bool canStart = false;
     for (std::size_t i = 0; i < list_.Count(); ++i)
@@ -178,17 +183,18 @@ void AudiobookDialog::Command(int command) {
         {kAddDocuments, &AudiobookDialog::CmAdd}, {kRemoveDocument, &AudiobookDialog::CmRemove},
         {kDetails, &AudiobookDialog::CmDetails},  {kBreakOff, &AudiobookDialog::CmBreakOff},
         {kBrowse, &AudiobookDialog::CmBrowse},    {kPause, &AudiobookDialog::CmPause},
-        {kCommandOk, &AudiobookDialog::CmStart},  {kCommandCancel, &AudiobookDialog::CmClose}};
-    if (command == kFormat)
+        {kCommandOk, &AudiobookDialog::CmStart},  {kCommandCancel, &AudiobookDialog::CmClose},
+        {kCommandHelp, &AudiobookDialog::CmHelp}};
+    if (command == kBookFormat)
         ShowQualities(Choices().quality);
     for (const auto& each : kActs)
         if (each.command == command)
             (this->*each.act)();
 }
 
-void AudiobookDialog::Add(BookEntry entry) {
+void AudiobookDialog::Add(BookEntry entry, bool again) {
     const std::string title = entry.plan.title;
-    if (!list_.Add(std::move(entry)))
+    if (!list_.Add(std::move(entry), again))
         return;
     LVAddString(kDocuments, title.c_str());
     LVSetCurSel(kDocuments, static_cast<int>(list_.Count()) - 1);
@@ -214,12 +220,12 @@ void AudiobookDialog::AddFiles(const std::vector<std::string>& paths) {
         if (!document || !IsOpen())  // cancelled, or the window is gone
             break;
         if (document->problem.empty())
-            Add(EntryOf(*document, path, SuggestedName("", path)));
+            Add(EntryOf(*document, path, SuggestedName("", path)), true);
         else
             problems += (problems.empty() ? "" : "\n") + path + ": " + document->problem;
     }
     if (!problems.empty() && IsOpen())
-        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle,
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
                       "Not all documents can be read.", problems.c_str());
 }
 
@@ -234,7 +240,7 @@ void AudiobookDialog::RestoreKept() {
             continue;
         BookEntry entry = EntryOf(*document, kept.path, SuggestedName("", kept.path));
         Restore(kept, entry);
-        Add(std::move(entry));
+        Add(std::move(entry), false);
     }
 }
 
@@ -259,9 +265,9 @@ void AudiobookDialog::CmDetails() {
 }
 
 void AudiobookDialog::CmBrowse() {
-    std::string folder = GetText(kFolder);
+    std::string folder = GetText(kBookFolder);
     if (LFile::BrowseFolder(Widget(), folder, "Folder for Audiobooks"))
-        SetText(kFolder, folder.c_str());
+        SetText(kBookFolder, folder.c_str());
 }
 
 void AudiobookDialog::CmBreakOff() {
@@ -282,7 +288,7 @@ bool AudiobookDialog::IsReadyToStart(const BookChoices& choices) {
     struct stat info = {};
     if (choices.folder[0] != '/' || ::stat(choices.folder.c_str(), &info) != 0 ||
         !S_ISDIR(info.st_mode)) {
-        SetControlInvalid(kFolder, "There is no such folder.", "Folder");
+        SetControlInvalid(kBookFolder, "There is no such folder.", "Folder");
         return false;
     }
     if (CountVoices() == 0) {
@@ -290,7 +296,7 @@ bool AudiobookDialog::IsReadyToStart(const BookChoices& choices) {
         return false;
     }
     if (choices.type == SoundType::kM4b && !HasFfmpeg()) {
-        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle,
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
                       "M4B files need the program ffmpeg.",
                       "Your distribution has it in the package \"ffmpeg\". The other formats do "
                       "without it.");
@@ -309,11 +315,11 @@ void AudiobookDialog::CmStart() {
         if (IsTaken(target))
             taken += (taken.empty() ? "" : "\n") + target;
     if (!taken.empty() &&
-        MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kTitle,
+        MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kBoxTitle,
                       "Replace what is there?", taken.c_str()) != GTK_RESPONSE_YES)
         return;
     if (!list_.Start(choices, ChosenVoiceOf(), !taken.empty()))
-        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kTitle,
+        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
                       "There is no room for temporary files.", "");
     FollowWork();
 }
@@ -337,7 +343,7 @@ void AudiobookDialog::ShowBooks() {
             ShowRow(row, kSizeColumn, SizeText(static_cast<double>(estimate.bytes)));
         }
         const BookState state = list_.At(i).number ? list_.StateOf(i) : BookState{};
-        ShowRow(row, kStateColumn,
+        ShowRow(row, kBookStateColumn,
                 list_.At(i).number ? StateText(state, list_.Queue().IsPaused()) : "");
         if (i == selected)
             message = list_.At(i).number ? StateDetails(state, list_.At(i).target)

@@ -17,7 +17,7 @@ public:
     explicit AudiobookDialog(std::function<void(const char*)> tell);
 
     void Show(GtkWidget* parent, int voice);  // with this voice chosen, below 0 for none
-    void Add(BookEntry entry);
+    void Add(BookEntry entry, bool again);    // one that was made already again
 
     void InitDialog() override;
     void DestroyDialog() override;

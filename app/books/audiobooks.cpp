@@ -50,7 +50,7 @@ void Audiobooks::AddText() {
     }
     const std::string name = SuggestedName(text, file);
     if (document.text == text) {
-        dialog_.Add(EntryOf(document, file, name));
+        dialog_.Add(EntryOf(document, file, name), false);
         return;
     }
     Document edited;
@@ -63,5 +63,5 @@ void Audiobooks::AddText() {
         if (begin < end)
             edited.headings.push_back({begin, end, 1});
     }
-    dialog_.Add(EntryOf(edited, "", name));
+    dialog_.Add(EntryOf(edited, "", name), false);
 }

@@ -76,26 +76,26 @@ int KilobitsOf(SoundType type, BookQuality quality) {
 const char* TitleOf(SoundType type) {
     switch (type) {
         case SoundType::kM4b:
-            return "M4B, for phones and audiobook players";
+            return "M4B (audiobook players)";
         case SoundType::kOpus:
-            return "Opus, the smallest";
+            return "Opus (smallest)";
         case SoundType::kFlac:
-            return "FLAC, loses nothing";
+            return "FLAC (loses nothing)";
         case SoundType::kWav:
-            return "WAV, large, without titles and chapters";
+            return "WAV (no chapters)";
         default:
-            return "MP3, for every player";
+            return "MP3 (every player)";
     }
 }
 
 const char* TitleOf(SubtitleForm form) {
     switch (form) {
         case SubtitleForm::kSrt:
-            return "SRT subtitles beside it";
+            return "SRT subtitles";
         case SubtitleForm::kVtt:
-            return "WebVTT subtitles beside it";
+            return "WebVTT subtitles";
         default:
-            return "LRC lyrics beside it";
+            return "LRC lyrics";
     }
 }
 

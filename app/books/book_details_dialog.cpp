@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int kTitle = 101;
+constexpr int kTitleEntry = 101;
 constexpr int kAuthor = 103;
 constexpr int kLanguage = 105;
 constexpr int kCover = 107;
@@ -20,7 +20,7 @@ constexpr int kDetailsWidth = 460;
 
 void DlgGenBookDetails(LDialogGenContext& context) {
     context.SetWidth(kDetailsWidth);
-    context.AddInput(kTitle, "&Title:");
+    context.AddInput(kTitleEntry, "&Title:");
     context.AddInput(kAuthor, "&Author:");
     context.AddInput(kLanguage, "&Language (en, de-AT):");
     context.AddInput(kCover, "Cover:");
@@ -42,11 +42,11 @@ bool BookDetailsDlg::Run(GtkWidget* parent) {
 }
 
 void BookDetailsDlg::InitDialog() {
-    SetText(kTitle, entry_.plan.title.c_str());
+    SetText(kTitleEntry, entry_.plan.title.c_str());
     SetText(kAuthor, entry_.plan.author.c_str());
     SetText(kLanguage, entry_.plan.language.c_str());
     SetTextEditable(kCover, false);
-    static constexpr LListColumn kColumns[] = {{"Number", 15}, {"Title", 85}};
+    static constexpr LListColumn kColumns[] = {{"Number", 15}, {"Title", 82}};
     LVInit(kChapters, {LListColumns::kPercent, kColumns});
     SetAccessibleName(GetControlByID(kChapters), "Chapters");
     int number = 0;
@@ -58,7 +58,7 @@ void BookDetailsDlg::InitDialog() {
     cover_ = entry_.plan.cover;
     coverPath_ = entry_.coverPath;
     ShowCover();
-    FocusControl(kTitle);
+    FocusControl(kTitleEntry);
 }
 
 void BookDetailsDlg::ShowCover() {
@@ -106,9 +106,9 @@ void BookDetailsDlg::ChooseCover() {
 }
 
 bool BookDetailsDlg::CmOk() {
-    const std::string title = AsTag(GetText(kTitle));
+    const std::string title = AsTag(GetText(kTitleEntry));
     if (title.empty()) {
-        SetControlInvalid(kTitle, "A book needs a title; its file is named by it.", "Title");
+        SetControlInvalid(kTitleEntry, "A book needs a title; its file is named by it.", "Title");
         return false;
     }
     BookPlan& plan = entry_.plan;

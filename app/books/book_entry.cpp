@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kKeptBooks = "audiobooks.txt";
 constexpr std::size_t kMostKept = 4U << 20;
-constexpr const char* kNoCover = "-";
+constexpr const char* kCoverTaken = "-";
 
 bool FitsIntoLine(const std::string& text) {
     return text.find_first_of("\t\n") == std::string::npos;
@@ -76,14 +76,14 @@ KeptBook KeptOf(const BookEntry& entry) {
     const BookPlan& plan = entry.plan;
     const bool isCoverTaken = plan.cover.empty() && !entry.documentsCover.empty();
     return {entry.path, plan.title, plan.author, plan.language,
-            isCoverTaken ? kNoCover : entry.coverPath};
+            isCoverTaken ? kCoverTaken : entry.coverPath};
 }
 
 void Restore(const KeptBook& kept, BookEntry& entry) {
     TitleBook(entry.plan, kept.title);
     entry.plan.author = kept.author;
     entry.plan.language = kept.language;
-    if (kept.coverPath == kNoCover) {
+    if (kept.coverPath == kCoverTaken) {
         entry.plan.cover.clear();
         return;
     }

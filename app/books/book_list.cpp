@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-bool BookList::Add(BookEntry entry) {
+bool BookList::Add(BookEntry entry, bool again) {
     for (std::size_t i = 0; i < entries_.size(); ++i)
-        if (!IsDone(i) && entries_[i].path == entry.path && entries_[i].text == entry.text)
+        if (!(again && IsDone(i)) && entries_[i].path == entry.path &&
+            entries_[i].text == entry.text)
             return false;
     entries_.push_back(std::move(entry));
     return true;

@@ -18,7 +18,9 @@ public:
     const BookEntry& At(std::size_t index) const { return entries_[index]; }
     BookEntry& Change(std::size_t index) { return entries_[index]; }
 
-    bool Add(BookEntry entry);  // false: it is there already
+    // False: it is there already, where one that is done counts, too, unless it is to be made
+    // again.
+    bool Add(BookEntry entry, bool again);
     void Remove(std::size_t index);
     bool IsOpen(std::size_t index) const;  // neither done nor on its way
     bool IsOnItsWay(std::size_t index) const { return !IsOpen(index) && !IsDone(index); }

@@ -35,7 +35,7 @@ std::string StateText(const BookState& state, bool isPaused) {
     const std::string percent = std::to_string(static_cast<int>(state.fraction * 100)) + " %";
     switch (state.stage) {
         case BookStage::kWaiting:
-            return "Waiting" + left;
+            return isPaused ? "Waiting" : "Waiting" + left;
         case BookStage::kAtWork:
             return isPaused ? "Paused, " + percent : percent + left;
         case BookStage::kDone:

@@ -7,6 +7,7 @@ import os
 import re
 import resource
 import signal
+import subprocess
 import time
 import unittest
 import zipfile
@@ -147,7 +148,7 @@ class BookTest(EngineCase):
 
     def test_speed_silence_and_tags_are_as_asked_for(self):
         self.book("book.epub", TITLES, TEXTS)
-        self.save("other.png", PICTURE + b"other")
+        self.run_program("ffmpeg", "-f", "lavfi", "-i", "color=s=2x2", "-frames:v", "1", "other.png")
         lengths = {}
         for words in (("--speed=100", "--silence=0"), ("--speed=200", "--silence=0"), ("--speed=100", "--silence=3")):
             self.check(SAY, "-f", "--audiobook", *words, "-o", "book.flac", "book.epub")
@@ -159,8 +160,8 @@ class BookTest(EngineCase):
         self.check(SAY, "-f", "--audiobook", *tags, "-o", "book.flac", "book.epub")
         told = self.probed("book.flac")
         self.assertEqual((told["format"]["tags"]["TITLE"], told["format"]["tags"].get("ARTIST")), ("Tide", None))
-        self.assertIn(PICTURE + b"other", self.load("book.flac"))
-        self.assertGreater(max(map(abs, self.heard("book.flac"))), 9000)  # the engine's own tones
+        self.assertIn(self.load("other.png"), self.load("book.flac"))
+        self.assertEqual(max(map(abs, self.heard("book.flac"))), 8000)  # the engine's own tones
         self.check(SAY, "-f", "--audiobook", "--cover=book.epub", "-o", "a.flac", "book.epub", status=1, says="A cover is a PNG")
 
     def test_what_was_finished_under_another_pronunciation_list_is_not_used(self):
@@ -179,15 +180,16 @@ class BookTest(EngineCase):
 
     def test_text_and_sound_together_hold_each_other(self):
         self.install_encoder()
-        titles = ["One & <all>", "Two"]
+        titles = ["One &amp; &lt;all&gt;", "Two"]
         self.book("book.epub", titles, ["First &amp; foremost. A second\none.</p><p>Last \"words\".", "----"])
-        self.check(SAY, "--audiobook", "-o", "heard.epub", "book.epub")
+        self.run_program("ffmpeg", "-f", "lavfi", "-i", "color=s=2x2", "-frames:v", "1", "cover.png")
+        self.check(SAY, "--audiobook", "--cover=cover.png", "-o", "heard.epub", "book.epub")
         with zipfile.ZipFile(self.path("heard.epub")) as epub:
             self.assertEqual(epub.testzip(), None)
             self.assertEqual((epub.infolist()[0].filename, epub.read("mimetype")), ("mimetype", b"application/epub+zip"))
             page, overlay = (epub.read(f"book/00001.{kind}").decode() for kind in ("xhtml", "smil"))
             self.save("one.mp3", epub.read("book/00001.mp3"))
-            self.assertEqual(epub.read("book/cover"), PICTURE)
+            self.assertEqual(epub.read("book/cover.png"), self.load("cover.png"))
         spans = dict(re.findall(r'<span id="(s\d+)">([^<]*)</span>', page))
         clips = re.findall(r'xhtml#(s\d+)"/><audio src="00001.mp3" clipBegin="0:00:([\d.]+)" clipEnd="0:00:([\d.]+)"', overlay)
         self.assertEqual([spans[name].strip() for name, _, _ in clips],
@@ -199,8 +201,9 @@ class BookTest(EngineCase):
             at, to = (round(float(time) * 16000) for time in (begin, end))
             self.assertGreater(max(map(abs, samples[at : at + 2400])), loudest / 4)
             self.assertGreater(to, at)
-        checked = self.run_program("epubcheck", "heard.epub")
-        self.assertEqual(checked.returncode, 0, (checked.stdout + checked.stderr).decode())
+        judge = ("java", "-jar", "/usr/share/java/epubcheck.jar", self.path("heard.epub"))
+        checked = subprocess.run(judge, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=600)
+        self.assertEqual(checked.returncode, 0, checked.stdout.decode())
 
     def test_what_goes_wrong_is_told_and_keeps_what_is_whole(self):
         self.book("book.epub", TITLES, TEXTS)

@@ -1,0 +1,84 @@
+#!/usr/bin/python3
+"""A batch of documents as audiobooks, killed at random moments until it is done: nothing is lost or doubled.
+
+bench/batch.py [DOCUMENTS [KILLS]] (50 and 40): with the engine and the encoder that are installed.
+"""
+import os
+import random
+import re
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import zlib
+
+TOP = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
+SAY = os.path.join(TOP, "build/bin/lectora-say")
+WORDS = "harbour lantern window thirty promise yellow engine mountain silver question butter window".split()
+
+
+def document(path, number):
+    """Some chapters of some sentences, of which no two documents have the same."""
+    pick = random.Random(number)
+    with open(path, "w") as file:
+        file.write(f"<html lang=en><head><title>Document {number}</title></head><body>")
+        for chapter in range(pick.randint(2, 6)):
+            file.write(f"<h1>Chapter {chapter + 1}</h1>")
+            for _ in range(pick.randint(5, 40)):
+                words = " ".join(pick.choice(WORDS) for _ in range(pick.randint(4, 14)))
+                file.write(f"<p>{words.capitalize()}.</p>")
+
+
+def make(folder, documents, kills):
+    """How often it was started, and the seconds; `kills` at random moments, then to its end."""
+    command = [SAY, "-v", "espeak-ng:en-us", "--audiobook", "-t", "opus", "-o", folder + "/", *documents]
+    begin, runs = time.monotonic(), 0
+    while True:
+        runs += 1
+        run = subprocess.Popen(command, stderr=subprocess.PIPE, process_group=0)
+        if runs <= kills:
+            try:
+                run.wait(random.uniform(0.05, 2.5))
+            except subprocess.TimeoutExpired:
+                pass
+            # What a crash leaves is the worst; the engine of that moment goes on alone.
+            run.send_signal(random.choice((signal.SIGKILL, signal.SIGKILL, signal.SIGTERM, signal.SIGINT)))
+        told = run.communicate()[1].decode()
+        others = [line for line in told.splitlines() if not re.search("exists already|stopped", line)]
+        if others:
+            sys.exit("\n".join(others))
+        done = [name for name in os.listdir(folder) if not name.startswith(".")]
+        if runs > kills and len(done) == len(documents):
+            return runs, time.monotonic() - begin
+
+
+def main():
+    count, kills = (int(word) for word in (sys.argv[1:] + ["50", "40"][len(sys.argv) - 1 :]))
+    seed = int(time.time())
+    random.seed(seed)
+    with tempfile.TemporaryDirectory(prefix="lectora-batch-") as top:
+        documents = [os.path.join(top, f"document-{number:02}.html") for number in range(count)]
+        for number, path in enumerate(documents):
+            document(path, number)
+        folders = [os.path.join(top, name) for name in ("whole", "killed")]
+        for folder in folders:
+            os.mkdir(folder)
+        _, plain = make(folders[0], documents, 0)
+        runs, seconds = make(folders[1], documents, kills)
+        wrong = 0
+        for name in sorted(os.listdir(folders[0])):
+            sums = []
+            for folder in folders:
+                decoded = subprocess.run(["opusdec", "--quiet", os.path.join(folder, name), "-"], capture_output=True, check=True)
+                tags = subprocess.run(["opusinfo", os.path.join(folder, name)], capture_output=True, check=True).stdout
+                chapters = re.findall(rb"CHAPTER.*|title=.*", tags)
+                sums.append((zlib.crc32(decoded.stdout[44:]), chapters))
+            wrong += sums[0] != sums[1]
+        left = [name for name in os.listdir(folders[1]) if name.startswith(".")]
+        print(f"{count} documents, seed {seed}: {plain:.0f} s in one run; {runs - 1} kills and {seconds:.0f} s in {runs} runs; "
+              f"{wrong} books differ, {len(left)} unfinished folders are left")
+        sys.exit(wrong > 0 or len(left) > 0)
+
+
+main()
