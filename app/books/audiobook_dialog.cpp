@@ -8,13 +8,11 @@
 #include <utility>
 
 #include "app/books/book_details_dialog.h"
+#include "app/books/book_needs.h"
 #include "app/books/book_words.h"
-#include "app/help/machine_check.h"
-#include "app/saving/fetch_encoder.h"
 #include "app/saving/suggested_name.h"
 #include "app/settings_keys.h"
 #include "app/text/document_loading.h"
-#include "formats/aac_sink.h"
 #include "foundation/files/file.h"
 #include "gui/accessible.h"
 #include "gui/windows/message_box.h"
@@ -291,18 +289,7 @@ bool AudiobookDialog::IsReadyToStart(const BookChoices& choices) {
         SetControlInvalid(kBookFolder, "There is no such folder.", "Folder");
         return false;
     }
-    if (CountVoices() == 0) {
-        TellNoSpeechEngine(Widget());
-        return false;
-    }
-    if (choices.type == SoundType::kM4b && !HasFfmpeg()) {
-        MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
-                      "M4B files need the program ffmpeg.",
-                      "Your distribution has it in the package \"ffmpeg\". The other formats do "
-                      "without it.");
-        return false;
-    }
-    return choices.type != SoundType::kMp3 || FetchMp3Encoder(Widget());
+    return HasWhatBooksNeed(Widget(), kBoxTitle, choices.type);
 }
 
 void AudiobookDialog::CmStart() {
