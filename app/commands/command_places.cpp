@@ -121,12 +121,8 @@ constexpr LMenuItem kReadMenu[] = {
     Item(kReadFromSelection),
 };
 constexpr LMenuItem kSaveMenu[] = {
-    Item(kSaveCurrent),
-    kSeparator,
-    Item(kSaveFromFileMenu),
-    Item(kSaveFromSelection),
-    kSeparator,
-    Item(kSaveAsAudiobook),
+    Item(kSaveCurrent),       kSeparator, Item(kSaveFromFileMenu),
+    Item(kSaveFromSelection), kSeparator, Item(kSaveAsAudiobook),
 };
 constexpr LMenuItem kUpdateMenu[] = {
     Item(kUpdateFromSelection),
