@@ -6,6 +6,12 @@
 
 #include "app/commands/command_numbers.h"
 
+ReadRequests::ReadRequests(Parts parts)
+    : parts_(std::move(parts)), news_(parts_.narrator.News(), [this](const ReadingNews& news) {
+          if (news.HasBegun())
+              offered_ = parts_.sources.Offered();
+      }) {}
+
 void ReadRequests::AddCommands() {
     static constexpr CommandRow<ReadRequests> kRows[] = {
         {{.number = kReadFromFile,
@@ -47,9 +53,9 @@ void ReadRequests::CmReadSelectionOrPause() {
         return;
     }
     parts_.sources.Fetch([this](const std::string& text) {
-        // The text in the window may have been edited since.
-        const bool isNew =
-            !text.empty() && text != parts_.narrator.Text() && text != parts_.text.Text();
+        // Selected or copied since the reading began. The text in the window may have been edited.
+        const bool isNew = !text.empty() && parts_.sources.Offered() != offered_ &&
+                           text != parts_.narrator.Text() && text != parts_.text.Text();
         if (parts_.narrator.IsReading() && !isNew) {
             CommandSet& commands = parts_.commands;
             commands.Run(commands.CanAct(kPlayOrPause) ? kPlayOrPause : kStopReading);

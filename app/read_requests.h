@@ -29,7 +29,7 @@ public:
         // To a user who may not see the window.
         std::function<void(const char* summary, const std::string& note)> tellAnywhere;
     };
-    explicit ReadRequests(Parts parts) : parts_(std::move(parts)) {}
+    explicit ReadRequests(Parts parts);
     ReadRequests(const ReadRequests&) = delete;
     ReadRequests& operator=(const ReadRequests&) = delete;
 
@@ -60,4 +60,6 @@ private:
     const Parts parts_;
     KeyboardWait firstKeyboard_;
     LGuiTimer drop_;
+    unsigned int offered_ = 0;  // by other programs, when the reading began
+    Narrator::Subscription news_;
 };

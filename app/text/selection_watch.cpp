@@ -23,7 +23,7 @@ SelectionWatch::SelectionWatch(const std::function<void()>& changed)
     : shared_(std::make_shared<Sources>()) {
     shared_->changed = changed;
     const GdkAtom selections[] = {GDK_SELECTION_PRIMARY, GDK_SELECTION_CLIPBOARD};
-    const bool tells =
+    const bool tells = shared_->tells =
         gdk_display_supports_selection_notification(gdk_display_get_default()) != FALSE;
     for (int index = 0; index < 2; ++index) {
         Source& source = shared_->sources[index];
@@ -45,6 +45,10 @@ SelectionWatch::~SelectionWatch() {
 
 bool SelectionWatch::HasText() const {
     return shared_->sources[0].hasText || shared_->sources[1].hasText;
+}
+
+unsigned int SelectionWatch::Offered() const {
+    return shared_->tells ? shared_->offered : ++shared_->offered;
 }
 
 void SelectionWatch::Ask(int index) {
@@ -81,6 +85,7 @@ void SelectionWatch::GCTargets(GtkClipboard*, GdkAtom* targets, gint count, gpoi
     Source& source = shared->sources[asked->index];
     const bool hasText = targets != nullptr && gtk_targets_include_text(targets, count) != FALSE &&
                          !IsOwnSelection(source.selection);
+    shared->offered += hasText ? 1 : 0;
     if (std::exchange(source.hasText, hasText) != hasText)
         shared->changed();
 }

@@ -18,6 +18,9 @@ public:
     SelectionWatch& operator=(const SelectionWatch&) = delete;
 
     bool HasText() const;
+    // Counts the texts that were offered by now: another number, another text. Where the display
+    // does not tell of new owners, each may be another one.
+    unsigned int Offered() const;
 
     enum class From { kNewest, kSelection, kClipboard };
     // Asks for the text that was selected or copied last, or for one of both. taken: from the main
@@ -40,6 +43,8 @@ private:
         std::function<void()> changed;
         std::function<void(const std::string&)> taken;  // null: no request is under way
         unsigned int request = 0;                       // counts them
+        unsigned int offered = 0;                       // likewise, texts
+        bool tells = false;                             // the display, of new owners
     };
     struct Asked {
         std::weak_ptr<Sources> sources;

@@ -46,6 +46,7 @@ public:
     // that was there.
     void UpdateThen(std::function<void()> then);
     void DropFetch() { selection_.DropFetch(); }
+    unsigned int Offered() const { return selection_.Offered(); }  // selection_watch.h
 
     void EvTextChanged();
     void WasSavedAs(const std::string& path);

@@ -33,6 +33,18 @@ class HotKeysTest(DesktopCase):
         desktop.press_keys("ctrl+alt+u")
         lectora.press_tray_icon(1)
         desktop.wait_until(lambda: lectora.text() == "not read", "the text")
+        # What was selected before a reading began is nothing new.
+        lectora.focus()
+        desktop.press_keys("Escape")
+        self.await_status("stopped")
+        lectora.set_text("typed words")
+        desktop.press_keys("F9")
+        self.await_status("reading", "typed words")
+        desktop.press_keys("ctrl+shift+r")
+        self.await_status("paused", "typed words")
+        self.select("new words")
+        desktop.press_keys("ctrl+shift+r")
+        self.await_status("reading", "new words")
 
     def test_keys_control_a_reading_over_another_programs_window(self):
         keys = {PAUSE: "p", STOP: "x", BACK: "b", AHEAD: "a", FASTER: "f", SLOWER: "s"}
