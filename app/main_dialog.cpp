@@ -27,6 +27,10 @@ std::vector<std::string> FilesOf(const char* const* arguments, int count, const 
     return files;
 }
 
+std::string Joined(const std::string& first, const std::string& second) {
+    return first + (first.empty() || second.empty() ? "" : "; ") + second;
+}
+
 }  // namespace
 
 MainDialog::MainDialog()
@@ -52,7 +56,7 @@ MainDialog::MainDialog()
             {.keys = [this](unsigned int key) { return EvKeyDown(key); },
              .noVoice = [this] { TellNoSpeechEngine(Widget()); },
              .cannotPlay = RunMachineCheckWithoutCard,
-             .statusMore = [this] { return sleep_.Status(); }}),
+             .statusMore = [this] { return Joined(queue_.Status(), sleep_.Status()); }}),
       playback_(narrator_, commands_,
                 {.read = [this] { read_.CmRead(); },
                  .tell = [this](const char* text) { TellStatusText(text); },
@@ -60,6 +64,12 @@ MainDialog::MainDialog()
       read_({*this, text_, narrator_, voices_, view_.Player(), commands_, turn_}),
       keeper_({text_, narrator_, read_, [this](const char* text) { TellStatusText(text); },
                [this] { Layout(); }}),
+      queue_(
+          narrator_, commands_,
+          {.parent = [this] { return Widget(); },
+           .withProgress = [this](const std::string& path) { return keeper_.WithProgress(path); },
+           .tell = [this](const char* text) { TellStatusText(text); },
+           .changed = [this] { EnableControls(); }}),
       bookmarks_({text_, narrator_, commands_, [this] { return Widget(); },
                   [this](const auto& place) { return read_.GoOnAt(place); },
                   [this](const char* text) { TellStatusText(text); }}),
@@ -96,6 +106,7 @@ MainDialog::MainDialog()
     playback_.AddCommands();
     sleep_.AddCommands();
     read_.AddCommands();
+    queue_.AddCommands();
     bookmarks_.AddCommands();
     sources_.AddCommands(commands_);
     recent_.AddCommands(commands_);
@@ -152,7 +163,7 @@ void MainDialog::EvShown() {
     presence_.Begin();
     control_.OfferSoon();
     title_.Show();
-    if (narrator_.QueueLength() == 0) {
+    if (narrator_.Waiting().IsEmpty()) {
         keeper_.TextCame();
         firstMoments_.Begin(*this, [this] { hotKeys_.OfferSoon(); });
         return;
@@ -168,14 +179,15 @@ void MainDialog::DestroyDialog() {
     firstMoments_.End();
     presence_.End();
     hotKeys_.Stop();
-    narrator_.ForgetQueue();
+    narrator_.Waiting().Clear();
     narrator_.Forget();
     view_.Player().Close();
     voices_.Store();
 }
 
 CommandNeeds MainDialog::Available() const {
-    return text_.Available() | sources_.Available() | playback_.Available(!text_.IsEmpty());
+    return text_.Available() | sources_.Available() | playback_.Available(!text_.IsEmpty()) |
+           queue_.Available();
 }
 
 void MainDialog::EnableControls() {

@@ -5,6 +5,7 @@
 #include "app/bookmarks/bookmarks.h"
 #include "app/books/audiobooks.h"
 #include "app/control/remote_control.h"
+#include "app/queue/queue_commands.h"
 #include "app/read_requests.h"
 #include "app/reading/dialogs/reading_view.h"
 #include "app/saving/save_commands.h"
@@ -58,6 +59,7 @@ private:
     PlaybackCommands playback_;
     ReadAloud read_;
     PlaceKeeper keeper_;
+    QueueCommands queue_;
     Bookmarks bookmarks_;
     TextSources sources_;
     RecentList recent_;

@@ -70,7 +70,8 @@ void ReadRequests::ReadFiles(const std::vector<std::string>& files) {
     if (!parts_.turn.IsTaken())
         parts_.narrator.Stop();
     for (const std::string& path : files)
-        parts_.narrator.Queue({.begin = [this, path] { return ReadWaitingFile(path); }});
+        parts_.narrator.Queue(
+            {.begin = [this, path] { return ReadWaitingFile(path); }, .path = path});
 }
 
 void ReadRequests::TakeDropped(const std::vector<std::string>& files) {

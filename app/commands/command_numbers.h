@@ -49,6 +49,8 @@ enum CommandNumber {
     kNextParagraph = 1322,
     kPreviousHeading = 1323,
     kNextHeading = 1324,
+    kReadNextFile = 1318,
+    kWaitingFiles = 1319,
     kSetBookmark = 1325,
     kBookmarks = 1326,
     kSleepNever = 1331,

@@ -20,6 +20,7 @@ constexpr CommandNeeds kNeedsTextOrSound = 1u << 7;  // to be played
 constexpr CommandNeeds kNeedsArticle = 1u << 8;      // of a web page, of which the rest is left out
 constexpr CommandNeeds kNeedsPlaces = 1u << 9;       // a reading, to move in
 constexpr CommandNeeds kNeedsHeadings = 1u << 10;    // in it
+constexpr CommandNeeds kNeedsWaitingFile = 1u << 11;  // to be read
 
 // A number of 0, a null text, a key of 0 stand for none.
 struct CommandFacts {

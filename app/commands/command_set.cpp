@@ -20,6 +20,7 @@ constexpr struct {
     {kNeedsArticle, "Nothing around the text is left out."},
     {kNeedsPlaces, "Nothing is being read."},
     {kNeedsHeadings, "This text has no headings."},
+    {kNeedsWaitingFile, "No file waits to be read."},
 };
 
 }  // namespace

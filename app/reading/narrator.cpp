@@ -15,10 +15,10 @@ constexpr unsigned int kSilenceCheckMilliseconds = 500;
 Narrator::Narrator(std::string soundPath)
     : LPlayerTransport(info_),
       soundPath_(std::move(soundPath)),
-      info_([this] { return !queue_.empty(); }) {}
+      info_([this] { return !queue_.IsEmpty(); }) {}
 
 Narrator::~Narrator() {
-    ForgetQueue();
+    queue_.Clear();
     Forget();
 }
 
@@ -70,7 +70,7 @@ void Narrator::End(ReadingEnd why, std::string note) {
     note_ = std::move(note);
     // The next text would meet the same trouble, and its box would hide this one's.
     if (why != ReadingEnd::kToItsEnd && why != ReadingEnd::kStopped)
-        ForgetQueue();
+        queue_.SetAside();
     Enter(ReadingState::kEnded);
     ContinueQueueSoon();
 }
@@ -173,7 +173,7 @@ void Narrator::EvChange(LPlayerChange change) {
 }
 
 void Narrator::EvStopped() {
-    ForgetQueue();
+    queue_.SetAside();
     if (!IsReading())
         return;
     const bool hadSound = state_ != ReadingState::kWaitingForVoice && (isMove_ || !IsFetching());
@@ -230,28 +230,28 @@ bool Narrator::IsRunningDry() const {
 }
 
 void Narrator::Queue(QueuedText text) {
-    queue_.push_back(std::move(text));
+    queue_.Add(std::move(text));
     ContinueQueueSoon();
 }
 
 void Narrator::NextItem() {
-    if (queue_.empty())
+    if (queue_.IsEmpty())
         return;
+    queue_.TakeUp();
     EndAll();
     ContinueQueueSoon();
 }
 
 // From the main loop: the player is still in the middle of ending a reading.
 void Narrator::ContinueQueueSoon() {
-    if (!queue_.empty())
+    if (queue_.MayBegin())
         nextText_.Start(0, [this] { ContinueQueue(); });
 }
 
 void Narrator::ContinueQueue() {
-    if (IsReading() || queue_.empty())
+    if (IsReading() || !queue_.MayBegin())
         return;
-    QueuedText next = std::move(queue_.front());
-    queue_.pop_front();
+    QueuedText next = queue_.TakeFirst();
     switch (next.begin()) {
         case QueuedText::Begun::kYes:
             break;
@@ -259,7 +259,7 @@ void Narrator::ContinueQueue() {
             ContinueQueueSoon();
             break;
         case QueuedText::Begun::kNotNow:
-            queue_.push_front(std::move(next));
+            queue_.PutBack(std::move(next));
             break;
     }
 }

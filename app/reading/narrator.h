@@ -17,12 +17,12 @@
 //   but run no main loop there; and they do not destroy the narrator.
 #pragma once
 
-#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
 
 #include "app/reading/reading_info.h"
+#include "app/reading/reading_queue.h"
 #include "app/reading/reading_state.h"
 #include "foundation/broadcast.h"
 #include "foundation/gdk/signal_watch.h"
@@ -51,13 +51,6 @@ struct ReadingNews {
     bool HasBegun() const { return IsNew() && !IsReading(before) && IsReading(state); }
 };
 
-// A text that waits for its turn.
-struct QueuedText {
-    enum class Begun { kYes, kFailed, kNotNow };
-    // Reads it (Narrator::Read), or says why it does not; called from the main loop.
-    std::function<Begun()> begin;
-};
-
 class Narrator final : public LPlayerTransport {
 public:
     using Subscription = LBroadcast<ReadingNews>::Subscription;
@@ -84,8 +77,8 @@ public:
     void SpeakBy(SpeakingRules rules) { info_.SpeakBy(std::move(rules)); }
     // The voice that a waiting reading takes; kVoiceUnknown ends it: there is none.
     void SetVoice(int voice);
-    // Stop is the user's, and forgets the queue as well; what was spoken can be heard again. Then
-    // there is no text either: the engine is ended, and what the user set is kept.
+    // Stop is the user's, and sets the queue aside as well; what was spoken can be heard again.
+    // Then there is no text either: the engine is ended, and what the user set is kept.
     void Forget();
 
     // Anywhere in the text, whether it is spoken yet or not: what is not begins there anew. While
@@ -104,13 +97,12 @@ public:
     LSoundTime TimeAt(std::size_t place) const { return info_.TimeAt(place); }
     std::size_t Place() const;  // of the sentence that is heard, or will be
 
-    // The texts that wait begin one after the other, whenever nothing is being read; trouble drops
-    // them.
+    // The texts that wait begin one after the other, whenever nothing is being read; a stop and
+    // trouble set them aside.
     void Queue(QueuedText text);
-    void ForgetQueue() { queue_.clear(); }
-    std::size_t QueueLength() const { return queue_.size(); }
+    ReadingQueue& Waiting() { return queue_; }
     void ContinueQueueSoon();  // after a text that said kNotNow
-    void NextItem() override;
+    void NextItem() override;  // with those that were set aside
 
 private:
     void EvChange(LPlayerChange change) override;
@@ -141,7 +133,7 @@ private:
     std::size_t wanted_ = 0;      // place whose sound is being fetched
     bool isMove_ = false;         // and another was heard before
     bool isFailureTold_ = false;  // the engine's, of this reading
-    std::deque<QueuedText> queue_;
+    ReadingQueue queue_;
     LSignalWatch firstSound_;
     LGuiTimer nextPlace_;  // while places follow each other fast
     LGuiTimer silence_;

@@ -80,10 +80,12 @@ std::string SleepTimer::Status() const {
 
 // From the main loop: who hears the same news is still to be told of them.
 void SleepTimer::Hear(const ReadingNews& news) {
+    if (news.HasBegun())
+        passed_ = 0;
     const bool isOver = news.IsNew() && !IsReading(news.state);
     if (isOver && chosen_ == SleepAt::kEndOfChapter) {
         if (isNearEnd_)
-            narrator_.ForgetQueue();  // it ended before it was looked at
+            narrator_.Waiting().SetAside();  // it ended before it was looked at
         Set(SleepAt::kNever);
     } else if (chosen_ != SleepAt::kNever) {
         next_.Start(0, [this] { Look(); });

@@ -106,7 +106,7 @@ bool TextSources::LoadFile(const std::string& path, FileFrom from, bool isWholeP
     if (!window_.IsOpen())
         return false;
     if (!document) {
-        narrator_.ForgetQueue();
+        narrator_.Waiting().SetAside();
         return false;
     }
     if (!document->problem.empty()) {
@@ -146,7 +146,7 @@ void TextSources::CmWholePage() {
 // What the user writes is not replaced: by a file that still waits, or by a selection.
 void TextSources::EvTextChanged() {
     if (!isTakingFromElsewhere_)
-        narrator_.ForgetQueue();
+        narrator_.Waiting().SetAside();
     selection_.DropFetch();
 }
 

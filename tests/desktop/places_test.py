@@ -183,6 +183,40 @@ class PlacesTest(DesktopCase):
         desktop.press_keys("Escape")
         desktop.wait_until(lambda: os.path.getsize(store) == 0, "both to be removed")
 
+    def test_files_that_wait_are_seen_reordered_set_aside_and_read(self):
+        desktop.tell_engine("text2wave long 60")
+        self.card.tell("speed 1")
+        paths = [self.file(f"{name}.txt", f"Here is {name}.") for name in ("one", "two", "three", "four")]
+        lectora = self.start(*paths)
+        self.wait_for_highlight(lectora, "Here is one.")
+        desktop.wait_until(lambda: lectora.status().endswith("; 3 files wait"), "the number of files")
+        lectora.focus()
+        desktop.press_keys("ctrl+l")
+        lectora.active_window("dialog", "Waiting Files")
+        desktop.press_keys("End", "alt+u", "alt+u")
+
+        def cells():
+            return [os.path.basename(each.name) for each in lectora.find_all("table cell") if each.name]
+
+        desktop.wait_until(lambda: cells() == ["four.txt", "two.txt", "three.txt"], "the new order")
+        self.picture("waiting-files")
+        desktop.press_keys("Down", "alt+m")
+        desktop.wait_until(lambda: cells() == ["four.txt", "three.txt"], "one to go")
+        desktop.press_keys("Escape")
+        lectora.focus()
+        desktop.press_keys("Escape")
+        desktop.wait_until(lambda: "2 files wait until they are asked for" in lectora.status(), "both to be set aside")
+        desktop.press_keys("ctrl+l")
+        lectora.active_window("dialog", "Waiting Files")
+        desktop.press_keys("Down", "Return")
+        self.wait_for_highlight(lectora, "Here is three.")
+        self.card.tell("speed 50")
+        self.wait_for_highlight(lectora, "Here is four.")
+        desktop.wait_until(lambda: not self.is_down(lectora), "the end")
+        lectora.focus()
+        desktop.press_keys("ctrl+l")
+        desktop.wait_until(lambda: "No file waits" in lectora.status(), "the note")
+
 
 if __name__ == "__main__":
     unittest.main()

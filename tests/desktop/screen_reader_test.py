@@ -22,6 +22,8 @@ WINDOWS = (
     (MAIN, "Text to read", "ctrl+f", "Find: text", "Find:, Next, Close"),
     (MAIN, "Find:", "z Return", '"z" is not in the text.', None),
     (MAIN, None, "Escape", "Text to read text", None),
+    (MAIN, None, "ctrl+k", "Bookmark: ", None),
+    (MAIN, None, "ctrl+shift+k", "Bookmarks dialog", "Bookmarks, Rename..., Remove, Go There, Cancel"),
     (MAIN, None, "alt+h a", "Lectora dialog", "OK"),
     (MAIN, None, "ctrl+o", "Locate File to Read Text dialog", "Files, Places, Cancel, Open"),
     (LOAD, None, "slash z Return", "alert Error", "OK"),
