@@ -6,6 +6,7 @@
 #include "books/book_cover.h"
 #include "books/book_estimate.h"
 #include "books/book_run.h"
+#include "playback/settings_keys.h"
 #include "speech/voice_table.h"
 #include "tools/interruption.h"
 #include "tools/say_document.h"
@@ -50,7 +51,8 @@ std::string FillOrder(const BookWish& wish, const Document& document, BookOrder&
     order.kilobits = wish.kilobits;
     order.evensLoudness = wish.evensLoudness;
     order.secondsBetween = wish.secondsBetween;
-    order.tempos.assign(static_cast<std::size_t>(CountVoices()), wish.speed);
+    for (const Voice& voice : KnownVoices())
+        order.tempos.push_back(wish.speed ? *wish.speed : PlayerTempo(voice.title.c_str()).Get());
     order.subtitles = wish.subtitles;
     order.isReadAlong = wish.isReadAlong;
     BookPlan& plan = order.plan;

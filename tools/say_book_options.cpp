@@ -11,13 +11,29 @@ const char kBookHelp[] =
     "                       wav), or a file for each chapter in the folder OUTPUT; goes on\n"
     "                       where it was broken off\n"
     "      --bitrate=KBIT   of an audiobook, a second\n"
-    "      --speed=PERCENT  of an audiobook, of the voice's own: 50 to 300\n"
+    "      --speed=PERCENT  of an audiobook, of the voice's own: 50 to 300, or listened:\n"
+    "                       as each voice is listened to in Lectora\n"
     "      --silence=SECONDS  behind each chapter: 0 to 60, 1 without this option\n"
     "      --own-level      as loud as the voice is, not each chapter as loud as the others\n"
     "      --title=TITLE, --author=AUTHOR, --cover=PICTURE\n"
     "                       in place of the document's; an empty one leaves it out\n"
     "      --subtitles=FORM beside an audiobook its sentences: srt, vtt or lrc\n"
     "      --plan           print an audiobook's chapters, length and size, and make none\n";
+
+namespace {
+
+bool TakeSpeed(const char* value, BookWish& wish) {
+    int percent = 0;
+    wish.speed.reset();
+    if (std::strcmp(value, "listened") == 0)
+        return true;
+    if (!ParseNumber(value, LTempo::kSlowestPercent, LTempo::kFastestPercent, percent))
+        return false;
+    wish.speed = percent;
+    return true;
+}
+
+}  // namespace
 
 bool TakeBookOption(int option, const char* value, BookWish& wish) {
     switch (option) {
@@ -31,7 +47,7 @@ bool TakeBookOption(int option, const char* value, BookWish& wish) {
             wish.subtitles = SubtitleFormFromName(value);
             return wish.subtitles.has_value();
         case kSpeed:
-            return ParseNumber(value, LTempo::kSlowestPercent, LTempo::kFastestPercent, wish.speed);
+            return TakeSpeed(value, wish);
         case kSilence:
             return ParseNumber(value, 0, 60, wish.secondsBetween);
         case kOwnLevel:

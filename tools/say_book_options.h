@@ -12,8 +12,8 @@ struct BookWish {
     bool inChapters = false;   // a file each
     bool isReadAlong = false;  // an EPUB with text and sound (books/read_along.h)
     bool isOnlyPlanned = false;
-    int kilobits = 0;  // a second; 0: what serves speech
-    int speed = 100;   // percent of the voices' own
+    int kilobits = 0;                // a second; 0: what serves speech
+    std::optional<int> speed = 100;  // percent of the voices' own; none: as each is listened to
     int secondsBetween = 1;
     bool evensLoudness = true;
     std::optional<SubtitleForm> subtitles;

@@ -155,6 +155,10 @@ class BookTest(EngineCase):
             lengths[words] = float(self.probed("book.flac")["format"]["duration"])
         own, fast, silent = lengths.values()
         self.assertAlmostEqual(own / fast, 2, delta=0.03)
+        with open(self.home + "/.quillon/lectora/playertempo", "w") as store:
+            store.write("voice1=50\r\n")
+        self.check(SAY, "-f", "--audiobook", "-v", "voice1", "--speed=listened", "--silence=0", "-o", "book.flac", "book.epub")
+        self.assertAlmostEqual(own / float(self.probed("book.flac")["format"]["duration"]), 0.5, delta=0.01)
         self.assertAlmostEqual(silent, own + 9, delta=0.01)
         tags = ("--title=Tide", "--author=", "--cover=other.png", "--own-level")
         self.check(SAY, "-f", "--audiobook", *tags, "-o", "book.flac", "book.epub")
