@@ -46,7 +46,7 @@ void AudiobookDialog::Show(GtkWidget* parent, int voice) {
         Open(parent, {kBoxTitle, false, DlgGenAudiobook}, false);
     FillVoices(voice);
     if (!std::exchange(isRestored_, true))
-        RestoreKept();
+        AddFiles(LoadKeptBooks(), false);  // what the last run of the program was at
     EnableControls();
 }
 
@@ -207,39 +207,31 @@ void AudiobookDialog::CmAdd() {
     if (!LFile::BrowseMultipleReadFiles(Widget(), paths, "Add Documents", folder, kFilters))
         return;
     KeepFolder(kOpenFolderSetting, folder);
-    AddFiles(paths);
+    std::vector<KeptBook> books;
+    for (const std::string& path : paths)
+        books.push_back({.path = path});
+    AddFiles(books, true);
 }
 
-void AudiobookDialog::AddFiles(const std::vector<std::string>& paths) {
+void AudiobookDialog::AddFiles(const std::vector<KeptBook>& books, bool again) {
     std::string problems;
-    for (const std::string& path : paths) {
+    for (const KeptBook& book : books) {
         const std::optional<Document> document =
-            LoadDocumentUnderDialog(Widget(), path.c_str(), false);
+            LoadDocumentUnderDialog(Widget(), book.path.c_str(), false);
         if (!document || !IsOpen())  // cancelled, or the window is gone
             break;
-        if (document->problem.empty())
-            Add(EntryOf(*document, path, SuggestedName("", path)), true);
-        else
-            problems += (problems.empty() ? "" : "\n") + path + ": " + document->problem;
+        if (!document->problem.empty()) {
+            problems += (problems.empty() ? "" : "\n") + book.path + ": " + document->problem;
+            continue;
+        }
+        BookEntry entry = EntryOf(*document, book.path, SuggestedName("", book.path));
+        if (!book.title.empty())
+            Restore(book, entry);
+        Add(std::move(entry), again);
     }
     if (!problems.empty() && IsOpen())
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
                       "Not all documents can be read.", problems.c_str());
-}
-
-// What the last run of the program was at.
-void AudiobookDialog::RestoreKept() {
-    for (const KeptBook& kept : LoadKeptBooks()) {
-        const std::optional<Document> document =
-            LoadDocumentUnderDialog(Widget(), kept.path.c_str(), false);
-        if (!document || !IsOpen())
-            break;
-        if (!document->problem.empty())
-            continue;
-        BookEntry entry = EntryOf(*document, kept.path, SuggestedName("", kept.path));
-        Restore(kept, entry);
-        Add(std::move(entry), false);
-    }
 }
 
 void AudiobookDialog::CmRemove() {
@@ -308,6 +300,7 @@ void AudiobookDialog::CmStart() {
     if (!list_.Start(choices, ChosenVoiceOf(), !taken.empty()))
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
                       "There is no room for temporary files.", "");
+    FocusControl(kDocuments);  // the button is off now
     FollowWork();
 }
 

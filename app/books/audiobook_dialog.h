@@ -25,8 +25,7 @@ public:
     void Command(int command) override;
 
 private:
-    void RestoreKept();
-    void AddFiles(const std::vector<std::string>& paths);
+    void AddFiles(const std::vector<KeptBook>& books, bool again);
     void FillVoices(int chosen);
     void ShowChoices();
     void ShowQualities(BookQuality chosen);

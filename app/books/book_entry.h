@@ -33,10 +33,10 @@ std::string TargetOf(const BookEntry& entry, const std::string& folder, const ch
 // Texts that are in no file are not among them.
 struct KeptBook {
     std::string path;
-    std::string title;
-    std::string author;
-    std::string language;
-    std::string coverPath;  // "": the document's, "-": none
+    std::string title = {};  // empty: the document's tags
+    std::string author = {};
+    std::string language = {};
+    std::string coverPath = {};  // "": the document's, "-": none
 };
 std::vector<KeptBook> LoadKeptBooks();
 void StoreKeptBooks(const std::vector<KeptBook>& books);
