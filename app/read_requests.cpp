@@ -21,6 +21,10 @@ void ReadRequests::AddCommands() {
           .tip = "Read the text from the file",
           .keys = {kKeyControl | kKeyShift | GDK_O}},
          &ReadRequests::CmReadFromFile},
+        {{.number = kReadFileLater,
+          .label = "Read a &File Later...",
+          .keys = {kKeyControl | kKeyAlt | GDK_L}},
+         &ReadRequests::CmReadFileLater},
         {{.number = kReadFromSelection,
           .label = "Read from Clipboar&d",
           .name = "Read from clipboard",
@@ -39,6 +43,20 @@ void ReadRequests::CmReadFromFile() {
         return;
     parts_.read.CmRead();
     parts_.keeper.TextCame();  // it is heard from its beginning until its user has answered
+}
+
+// At once where nothing is read.
+void ReadRequests::CmReadFileLater() {
+    const std::string path = parts_.sources.ChooseFile();
+    if (path.empty())
+        return;
+    Await(path);
+    if (parts_.narrator.IsReading())
+        parts_.window.TellStatusText(("Will be read: " + path).c_str());
+}
+
+void ReadRequests::Await(const std::string& path) {
+    parts_.narrator.Queue({.begin = [this, path] { return ReadWaitingFile(path); }, .path = path});
 }
 
 void ReadRequests::CmReadFromSelection() {
@@ -70,8 +88,7 @@ void ReadRequests::ReadFiles(const std::vector<std::string>& files) {
     if (!parts_.turn.IsTaken())
         parts_.narrator.Stop();
     for (const std::string& path : files)
-        parts_.narrator.Queue(
-            {.begin = [this, path] { return ReadWaitingFile(path); }, .path = path});
+        Await(path);
 }
 
 void ReadRequests::TakeDropped(const std::vector<std::string>& files) {

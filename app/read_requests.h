@@ -49,6 +49,8 @@ public:
 
 private:
     void CmReadFromFile();
+    void CmReadFileLater();
+    void Await(const std::string& path);
     void CmReadFromSelection();
     void CmReadSelectionOrPause();
     bool CanBegin() const;

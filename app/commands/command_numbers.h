@@ -50,6 +50,7 @@ enum CommandNumber {
     kPreviousHeading = 1323,
     kNextHeading = 1324,
     kReadNextFile = 1318,
+    kReadFileLater = 1320,
     kWaitingFiles = 1319,
     kSetBookmark = 1325,
     kBookmarks = 1326,

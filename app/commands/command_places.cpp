@@ -93,6 +93,7 @@ constexpr LMenuItem kMenuBar[] = {
     Item(kSetBookmark),
     Item(kBookmarks),
     kSeparator,
+    Item(kReadFileLater),
     Item(kReadNextFile),
     Item(kWaitingFiles),
     kEndOfPlaces,

@@ -78,6 +78,11 @@ void TextSources::CmCopyFromClipboard() {
 }
 
 bool TextSources::OpenFile() {
+    const std::string path = ChooseFile();
+    return !path.empty() && LoadFile(path);
+}
+
+std::string TextSources::ChooseFile() {
     std::string path;
     std::string folder = kOpenFolderSetting.Get();
     static constexpr char kFilters[] =
@@ -91,9 +96,9 @@ bool TextSources::OpenFile() {
         "Mail and Markdown\0*.eml;*.md;*.EML;*.MD\0";
     if (!LFile::BrowseReadFilePath(window_.Widget(), path, "Locate File to Read Text", folder,
                                    kFilters))
-        return false;
+        return "";
     KeepFolder(kOpenFolderSetting, folder);
-    return window_.IsOpen() && LoadFile(path);
+    return window_.IsOpen() ? path : "";
 }
 
 bool TextSources::LoadFile(const std::string& path, FileFrom from, bool isWholePage) {

@@ -36,7 +36,8 @@ public:
     // False: unreadable, which is told, or cancelled; the text stays.
     bool LoadFile(const std::string& path, FileFrom from = FileFrom::kUser,
                   bool isWholePage = false);
-    bool OpenFile();  // likewise, after a chooser
+    bool OpenFile();           // likewise, after a chooser
+    std::string ChooseFile();  // empty: cancelled
 
     // Then runs from the main loop, once the text is there or there is none, unless the text was
     // changed meanwhile. One at a time.
