@@ -83,6 +83,10 @@ void TellScreenReader(GtkWidget* widget, const char* text) {
     g_object_set_data_full(G_OBJECT(widget), "news", news.Release(), g_object_unref);
 }
 
+void KeepValueQuiet(GtkWidget* widget) {
+    g_object_freeze_notify(G_OBJECT(gtk_widget_get_accessible(widget)));
+}
+
 void TellFocusToLateScreenReader() {
     if (atk_get_toolkit_name() != nullptr)
         new FocusTeller;

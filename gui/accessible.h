@@ -14,6 +14,10 @@ void SetPanelName(GtkWidget* box, const char* name);
 // where the focus does not go. The text is copied.
 void TellScreenReader(GtkWidget* widget, const char* text);
 
+// A screen reader says each new value of what has the focus. Not so of this widget, whose value
+// goes on by itself; it is still told to whoever asks. Once, after the widget has its name.
+void KeepValueQuiet(GtkWidget* widget);
+
 // Once, before the first window: tells a screen reader where the focus is again and again for some
 // seconds. The program starts faster than a screen reader comes to listen on a busy machine, and
 // what has the focus by then would never be said. Costs nothing where nobody can listen. GUI

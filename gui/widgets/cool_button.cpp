@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char* kCoolButtonKey = "cool-button";
 constexpr const char* kLettersKey = "cool-button-letters";
+constexpr const char* kImageSizeKey = "cool-button-image";
 constexpr int kButtonImageSize = 32;  // pixels
 
 struct CoolButton {
@@ -21,6 +22,7 @@ struct CoolButton {
     LCoolButtonCommands commands;
     std::function<void(int)> send;
     bool down;                   // the pressed look as last set by the program
+    bool told;                   // the same, as screen readers know it
     bool held = false;           // the first command of an up-down button is out
     guint32 clickedAt = 0;       // milliseconds of the pointer's last click; 0 for none
     GtkWidget* arrow = nullptr;  // the part that drops down; owned by the face
@@ -97,7 +99,26 @@ void GCReleased(GtkWidget* button, gpointer) {
     Hold(*CoolButtonOf(button), false);
 }
 
+void TellLook(GtkToggleButton* button) {
+    CoolButton* state = CoolButtonOf(button);
+    if (std::exchange(state->told, state->down) != state->down)
+        atk_object_notify_state_change(gtk_widget_get_accessible(GTK_WIDGET(button)),
+                                       ATK_STATE_CHECKED, state->down);
+}
+
+gboolean GCLeft(gpointer button) {
+    if (gtk_widget_has_focus(GTK_WIDGET(button)) == FALSE)
+        TellLook(GTK_TOGGLE_BUTTON(button));
+    return FALSE;
+}
+
+// A screen reader has heard by then where the focus is.
 gboolean GCFocusOut(GtkWidget* button, GdkEvent*, gpointer) {
+    constexpr guint kLeftMilliseconds = 100;
+    const CoolButton* state = CoolButtonOf(button);
+    if (state->told != state->down)
+        gdk_threads_add_timeout_full(G_PRIORITY_DEFAULT, kLeftMilliseconds, GCLeft,
+                                     g_object_ref(button), g_object_unref);
     Hold(*CoolButtonOf(button), false);
     return FALSE;
 }
@@ -166,13 +187,18 @@ GtkWidget* NewFaceLabel(const std::string& text) {
     return label;
 }
 
+int ImageSize(GtkToggleButton* button) {
+    const int set = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(button), kImageSizeKey));
+    return set > 0 ? set : kButtonImageSize;
+}
+
 void SetFace(GtkToggleButton* button, CoolButton& state, int imageNumber, const char* text) {
     if (GtkWidget* old = gtk_bin_get_child(GTK_BIN(button)))
         gtk_container_remove(GTK_CONTAINER(button), old);
     const std::string shown = DisplayText(text);
     GtkWidget* face = gtk_hbox_new(FALSE, 4);
     if (imageNumber >= 0)
-        gtk_box_pack_start(GTK_BOX(face), NewIconImageAt(imageNumber, kButtonImageSize),
+        gtk_box_pack_start(GTK_BOX(face), NewIconImageAt(imageNumber, ImageSize(button)),
                            shown.empty(), FALSE, shown.empty() ? 0 : 2);
     if (!shown.empty()) {
         gtk_box_pack_start(GTK_BOX(face), NewFaceLabel(shown), TRUE, TRUE, 0);
@@ -200,7 +226,7 @@ void Connect(GtkToggleButton* button, LCoolButtonKind kind) {
         {"pressed", G_CALLBACK(GCPressed), kind == LCoolButtonKind::kUpDown},
         {"released", G_CALLBACK(GCReleased), kind == LCoolButtonKind::kUpDown},
         {"unmap", G_CALLBACK(GCReleased), kind == LCoolButtonKind::kUpDown},
-        {"focus-out-event", G_CALLBACK(GCFocusOut), kind == LCoolButtonKind::kUpDown},
+        {"focus-out-event", G_CALLBACK(GCFocusOut), true},
     };
     for (const auto& connection : connections) {
         g_signal_handlers_disconnect_by_func(
@@ -212,18 +238,31 @@ void Connect(GtkToggleButton* button, LCoolButtonKind kind) {
     }
 }
 
+// The toolkit's accessible tells each change of the look, also those that are taken back at once.
+void LeaveLookToUs(GtkToggleButton* button) {
+    g_signal_handlers_disconnect_matched(
+        button, GSignalMatchType(G_SIGNAL_MATCH_ID | G_SIGNAL_MATCH_DATA),
+        g_signal_lookup("toggled", GTK_TYPE_TOGGLE_BUTTON), 0, nullptr, nullptr, nullptr);
+}
+
 }  // namespace
 
 void InitCoolButton(GtkToggleButton* button, LCoolButtonKind kind, int imageNumber,
                     const char* text, LCoolButtonCommands commands,
                     std::function<void(int command)> send) {
     const bool down = gtk_toggle_button_get_active(button) != FALSE;
-    auto state = std::make_unique<CoolButton>(CoolButton{kind, commands, std::move(send), down});
+    auto state =
+        std::make_unique<CoolButton>(CoolButton{kind, commands, std::move(send), down, down});
     SetFace(button, *state, imageNumber, text);
     atk_object_set_role(gtk_widget_get_accessible(GTK_WIDGET(button)), ATK_ROLE_PUSH_BUTTON);
+    LeaveLookToUs(button);
     g_object_set_data_full(G_OBJECT(button), kCoolButtonKey, state.release(),
                            [](gpointer cool) { delete static_cast<CoolButton*>(cool); });
     Connect(button, kind);
+}
+
+void SetCoolButtonImageSize(GtkToggleButton* button, int pixels) {
+    g_object_set_data(G_OBJECT(button), kImageSizeKey, GINT_TO_POINTER(pixels));
 }
 
 void SetCoolButtonState(GtkToggleButton* button, bool down) {
@@ -233,4 +272,6 @@ void SetCoolButtonState(GtkToggleButton* button, bool down) {
     state->down = down;
     atk_object_set_role(gtk_widget_get_accessible(GTK_WIDGET(button)), ATK_ROLE_TOGGLE_BUTTON);
     SetLook(button, down);
+    if (gtk_widget_has_focus(GTK_WIDGET(button)) == FALSE)
+        TellLook(button);
 }

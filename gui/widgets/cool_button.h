@@ -26,6 +26,10 @@ void InitCoolButton(GtkToggleButton* button, LCoolButtonKind kind, int imageNumb
                     const char* text, LCoolButtonCommands commands,
                     std::function<void(int command)> send);
 
+// Of the images that it gets from then on; 32 unless set.
+void SetCoolButtonImageSize(GtkToggleButton* button, int pixels);
+
 // Changes the pressed look without a command. From then on it is a toggle button to a screen
-// reader, which tells the look; any other is a push button.
+// reader, which tells the look when the focus comes to it, but not each change: what a press does
+// says enough. Any other is a push button.
 void SetCoolButtonState(GtkToggleButton* button, bool down);
