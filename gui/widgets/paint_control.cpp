@@ -6,7 +6,14 @@ struct LPaintControlCallbacks {
     static gboolean GCExpose(GtkWidget* area, GdkEventExpose* event, gpointer control) {
         const LCairo cairo = BeginPaint(area, event);
         static_cast<LPaintControl*>(control)->Paint(cairo.get(), event->area);
+        GtkWidget* front = GTK_IS_BIN(area) ? gtk_bin_get_child(GTK_BIN(area)) : nullptr;
+        if (front != nullptr)
+            gtk_container_propagate_expose(GTK_CONTAINER(area), front, event);
         return TRUE;
+    }
+    // A drawing area is told of its size by an event, what holds another widget is not.
+    static void GCAllocated(GtkWidget*, GtkAllocation* place, gpointer control) {
+        static_cast<LPaintControl*>(control)->EvSize(place->width, place->height);
     }
     static gboolean GCConfigure(GtkWidget*, GdkEventConfigure* event, gpointer control) {
         static_cast<LPaintControl*>(control)->EvSize(event->width, event->height);
@@ -40,8 +47,12 @@ void LPaintControl::Attach(GtkWidget* area) {
     gtk_widget_add_events(
         area, GDK_BUTTON_PRESS_MASK | GDK_BUTTON1_MOTION_MASK | GDK_POINTER_MOTION_HINT_MASK);
     g_signal_connect(area, "expose-event", G_CALLBACK(LPaintControlCallbacks::GCExpose), this);
-    g_signal_connect(area, "configure-event", G_CALLBACK(LPaintControlCallbacks::GCConfigure),
-                     this);
+    if (GTK_IS_BIN(area))
+        g_signal_connect(area, "size-allocate", G_CALLBACK(LPaintControlCallbacks::GCAllocated),
+                         this);
+    else
+        g_signal_connect(area, "configure-event", G_CALLBACK(LPaintControlCallbacks::GCConfigure),
+                         this);
     g_signal_connect(area, "button-press-event", G_CALLBACK(LPaintControlCallbacks::GCButtonPress),
                      this);
     g_signal_connect(area, "motion-notify-event", G_CALLBACK(LPaintControlCallbacks::GCMotion),

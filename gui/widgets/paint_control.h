@@ -12,7 +12,8 @@ public:
     LPaintControl& operator=(const LPaintControl&) = delete;
     virtual ~LPaintControl();
 
-    void Attach(GtkWidget* area);              // one that is not attached yet
+    // One that is not attached yet; an event box is drawn behind what it holds.
+    void Attach(GtkWidget* area);
     GtkWidget* Area() const { return area_; }  // null before Attach and once it is destroyed
 
     int Width() const;   // pixels
