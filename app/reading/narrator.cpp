@@ -29,6 +29,7 @@ ReadingNews Narrator::Now() const {
     news.trouble = Trouble();
     news.route = RouteText();
     news.title = info_.ItemText();
+    news.isJump = isJumping_;
     if (const SpeechReading* reading = info_.Reading()) {
         news.time = Time();
         news.length = info_.EstimatedLength();

@@ -22,34 +22,13 @@
 #include <string>
 
 #include "app/reading/reading_info.h"
+#include "app/reading/reading_news.h"
 #include "app/reading/reading_queue.h"
-#include "app/reading/reading_state.h"
 #include "foundation/broadcast.h"
 #include "foundation/gdk/signal_watch.h"
 #include "gui/gui_timer.h"
 #include "playback/player_transport.h"
 #include "speech/speech_track.h"
-
-// What there is to know of a reading at a moment.
-struct ReadingNews {
-    ReadingState state = ReadingState::kIdle;
-    ReadingState before = ReadingState::kIdle;  // the same unless the state is what is new
-    ReadingEnd end = ReadingEnd::kNone;         // why it ended
-    PlayTrouble trouble = PlayTrouble::kNone;   // of the card
-    LSoundTime time;                            // being heard
-    LSoundTime length;
-    bool isLengthKnown = false;            // else it is an estimate
-    bool isMove = false;                   // it waits for the sound of a place that it moved to
-    std::string title;                     // what is read is called
-    std::optional<SpokenStretch> stretch;  // being heard, in bytes of the text
-    // What the user is to be told, once: of an end, or of a reading that went well with something
-    // left out.
-    std::string note;
-    std::string route;  // what keeps the sound from the card that was chosen; empty when nothing
-
-    bool IsNew() const { return state != before; }
-    bool HasBegun() const { return IsNew() && !IsReading(before) && IsReading(state); }
-};
 
 class Narrator final : public LPlayerTransport {
 public:
@@ -113,6 +92,7 @@ private:
     std::optional<SpokenStretch> Heard() const;
     void BeginSpeech(std::size_t place);
     void GoTo(std::size_t place);
+    void JumpTo(LSoundTime time);
     void EvFirstSound();
     void EvPlayedOut();
     void EvStopped();
@@ -132,6 +112,7 @@ private:
     int voice_ = kVoiceUnknown;
     std::size_t wanted_ = 0;      // place whose sound is being fetched
     bool isMove_ = false;         // and another was heard before
+    bool isJumping_ = false;      // what is told now comes of a jump
     bool isFailureTold_ = false;  // the engine's, of this reading
     ReadingQueue queue_;
     LSignalWatch firstSound_;

@@ -40,6 +40,7 @@ void Narrator::GoTo(std::size_t place) {
     Halt();
     wanted_ = place;
     isMove_ = true;
+    isJumping_ = true;
     SetTime(info_.Times().TimeOf(place));
     if (isFetching) {
         nextPlace_.Start(kPlaceMilliseconds, [this] { BeginSpeech(wanted_); });
@@ -47,6 +48,14 @@ void Narrator::GoTo(std::size_t place) {
     } else {
         BeginSpeech(place);
     }
+    isJumping_ = false;
+}
+
+// Within what is spoken. Another card takes over where the last one was: that is no jump.
+void Narrator::JumpTo(LSoundTime time) {
+    isJumping_ = time != Time();
+    LPlayerTransport::MoveTo(time);
+    isJumping_ = false;
 }
 
 void Narrator::Play() {
@@ -68,7 +77,7 @@ void Narrator::PlayEnd() {
 void Narrator::MoveTo(LSoundTime time) {
     time = std::max(time, LSoundTime());
     if (!CanMove() || (!IsFetching() && info_.Reaches(time)))
-        LPlayerTransport::MoveTo(time);
+        JumpTo(time);
     else
         GoTo(SentenceAt(info_.Text(), info_.Times().PlaceAt(time)));
 }
@@ -121,7 +130,7 @@ void Narrator::MoveToPlace(std::size_t place) {
     place = SentenceAt(info_.Text(), place);
     const auto frame = IsFetching() ? std::nullopt : info_.Reading()->Track().FrameOf(place);
     if (frame)
-        LPlayerTransport::MoveTo(info_.TimeOf(*frame));
+        JumpTo(info_.TimeOf(*frame));
     else
         GoTo(place);
 }

@@ -1,8 +1,13 @@
 #include "app/reading/dialogs/reading_status.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace {
+
+// Who drags a slider, or begins another reading, makes only the last of it worth a word.
+constexpr unsigned int kSayMilliseconds = 100;
 
 std::string TextOf(LSoundTime time) {
     char text[kSoundTimeTextSize];
@@ -12,6 +17,12 @@ std::string TextOf(LSoundTime time) {
 
 std::string PlaceOf(const ReadingNews& news) {
     return TextOf(news.time) + (news.isLengthKnown ? " of " : " of about ") + TextOf(news.length);
+}
+
+std::string PercentOf(const ReadingNews& news) {
+    const std::int64_t length = std::max(news.length.Milliseconds(), 1);
+    const std::int64_t percent = news.time.Milliseconds() * std::int64_t{100} / length;
+    return std::to_string(std::min(percent, std::int64_t{100})) + " %";
 }
 
 }  // namespace
@@ -35,13 +46,28 @@ std::string StatusOf(const ReadingNews& news) {
 }
 
 ReadingStatus::ReadingStatus(Narrator& narrator, Line line, const char* atRest)
-    : line_(std::move(line)),
+    : narrator_(narrator),
+      line_(std::move(line)),
       atRest_(atRest),
       news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
 
+std::string ReadingStatus::Status() const {
+    return narrator_.IsReading() ? WithMore(StatusOf(narrator_.Now())) : atRest_;
+}
+
+// The word is gone from the bar as soon as it is said.
+void ReadingStatus::SaySoon(const std::string& words) {
+    saying_.Start(kSayMilliseconds, [this, words] {
+        line_.tell(words.c_str());
+        line_.show(Status().c_str());
+    });
+}
+
 void ReadingStatus::Hear(const ReadingNews& news) {
-    if (news.HasBegun())
+    if (news.HasBegun()) {
         isWaitTold_ = false;
+        saying_.Stop();
+    }
     if (news.state == ReadingState::kIdle)
         return;  // what was said of the end still stands
     if (news.state == ReadingState::kEnded) {
@@ -57,12 +83,17 @@ void ReadingStatus::Hear(const ReadingNews& news) {
             "Waiting for the voice, which is slower than speech (Esc stops)";
         (isWaitTold_ ? line_.show : line_.tell)(kNote);
         isWaitTold_ = true;
-    } else if (std::exchange(route_, news.route) != news.route && !news.route.empty()) {
-        line_.tell(news.route.c_str());
-    } else {
-        const bool isPause = news.IsNew() && news.state == ReadingState::kPaused;
-        (isPause ? line_.tell : line_.show)(WithMore(StatusOf(news)).c_str());
+        return;
     }
+    if (std::exchange(route_, news.route) != news.route && !news.route.empty()) {
+        line_.tell(news.route.c_str());
+        return;
+    }
+    line_.show(WithMore(StatusOf(news)).c_str());
+    if (news.IsNew() && news.state == ReadingState::kPaused)
+        SaySoon("Paused");
+    else if (news.isJump && !news.HasBegun())
+        SaySoon(PercentOf(news));
 }
 
 std::string ReadingStatus::WithMore(std::string status) const {
@@ -70,10 +101,17 @@ std::string ReadingStatus::WithMore(std::string status) const {
     return more.empty() ? status : std::move(status) + "; " + more;
 }
 
-void ReadingStatus::HearEnd(const ReadingNews& news) const {
+void ReadingStatus::HearEnd(const ReadingNews& news) {
+    saying_.Stop();
     const bool hasBox = news.end == ReadingEnd::kEngineFailed;
-    if (news.note.empty() || hasBox)
-        line_.show(atRest_);
-    else
+    if (!news.note.empty() && !hasBox) {
         line_.tell(news.note.c_str());
+        return;
+    }
+    line_.show(atRest_);
+    const bool goesOn = narrator_.Waiting().MayBegin();  // with the next text
+    if (news.end == ReadingEnd::kStopped && !goesOn)
+        SaySoon("Stopped");
+    else if (news.end == ReadingEnd::kToItsEnd && !goesOn)
+        SaySoon("End of the text");
 }

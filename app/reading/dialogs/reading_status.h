@@ -1,4 +1,4 @@
-// What the status bar says of a reading.
+// What the status bar says of a reading, and what a screen reader says.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,8 @@
 // "Reading aloud: 0:00:12 of about 0:00:27 (Esc stops)"; empty when there is nothing to say.
 std::string StatusOf(const ReadingNews& news);
 
-// A receiver of the narrator's news. GUI thread.
+// A receiver of the narrator's news. Pause, stop, end and a jump are said in a word, once, and
+// nothing over the sentence with which a reading begins. GUI thread.
 class ReadingStatus {
 public:
     struct Line {
@@ -23,11 +24,15 @@ public:
 private:
     void Hear(const ReadingNews& news);
     std::string WithMore(std::string status) const;
-    void HearEnd(const ReadingNews& news) const;
+    void HearEnd(const ReadingNews& news);
+    void SaySoon(const std::string& words);
+    std::string Status() const;
 
+    Narrator& narrator_;
     const Line line_;
     const char* const atRest_;
     std::string route_;        // told
     bool isWaitTold_ = false;  // of this reading; every further one would be talked over
+    LGuiTimer saying_;
     Narrator::Subscription news_;
 };

@@ -12,6 +12,8 @@ constexpr const char* kTitle = "Synthesize Voice";
 // A usual first sentence is there before a box could be read.
 constexpr unsigned int kPatienceMilliseconds = 300;
 constexpr unsigned int kPulseMilliseconds = 100;
+// After the box; who cannot see it is told only what will not be heard over a first sentence.
+constexpr unsigned int kTellMilliseconds = 1200;
 
 // A wait in the middle of a text is told in the status bar.
 bool IsBeginning(const ReadingNews& news) {
@@ -59,10 +61,13 @@ void ReadingWaitBox::Show() {
     atk_object_set_description(gtk_widget_get_accessible(box_), kTitle);
     SetMinimumSize(box_, 300, 110);
     ShowWhatFor();
-    // Who works in another program goes on there.
-    const bool isActive = parent != nullptr && gtk_window_is_active(GTK_WINDOW(parent)) != FALSE;
-    gtk_window_set_focus_on_map(GTK_WINDOW(box_), isActive ? TRUE : FALSE);
+    // Whoever types goes on there, Escape stops the reading from there too, and a screen reader has
+    // nothing to say over the first sentence when the box goes.
+    gtk_window_set_focus_on_map(GTK_WINDOW(box_), FALSE);
     gtk_widget_show_all(box_);
+    patience_.Start(kTellMilliseconds, [this] {
+        TellScreenReader(box_, "Waiting for the first sentence. Escape stops.");
+    });
     Pulse();
 }
 
