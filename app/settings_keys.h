@@ -13,6 +13,8 @@ constexpr LayeredSetting<const char*> kSaveFormatSetting{"Settings", "SaveFormat
 constexpr UserSetting<bool> kHotKeysOfferedSetting{"HotKeys", "Offered", false};
 // Whether the text box shows what is being heard.
 constexpr UserSetting<bool> kFollowTextSetting{"Options", "FollowText", true};
+// The colours of that (app/text/highlight_colors.h).
+constexpr UserSetting<const char*> kHighlightSetting{"Options", "Highlight", "usual"};
 // Whether the text of the window is there again at the next start.
 constexpr UserSetting<bool> kKeepTextSetting{"Options", "KeepText", true};
 constexpr UserSetting<int> kTextSizeSetting{"Options", "TextSize", 0};  // points; 0: the theme's

@@ -1,8 +1,11 @@
 #include "app/options/general_page.h"
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "app/settings_keys.h"
+#include "app/text/highlight_colors.h"
 #include "app/text/kept_text.h"
 #include "desktop/dialogs/start_on_login_controls.h"
 #include "formats/wave_file.h"
@@ -21,6 +24,7 @@ constexpr int kFormat = 105;
 constexpr int kFormatSettings = 107;
 constexpr int kKeepText = 113;
 constexpr int kByLanguage = 114;
+constexpr int kHighlight = 115;
 
 enum : int { kMp3 = 0, kWav = 1 };
 constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
@@ -54,6 +58,7 @@ void DlgGenGeneralDlg(LDialogGenContext& context) {
     context.GroupEnd();
     context.AddGroup(-1, "Text");
     context.AddCheckBox(kKeepText, "&Keep the text for the next start");
+    context.AddPullDownList(kHighlight, "&Mark what is heard in");
     context.GroupEnd();
 }
 
@@ -66,16 +71,32 @@ void GeneralDlgImp::InitDialog() {
     PDLSetCurSel(kFormat, kSaveFormatSetting.Get() == "0" ? kMp3 : kWav);
     SetCheck(kKeepText, kKeepTextSetting.Get());
     SetCheck(kByLanguage, kVoiceByLanguageSetting.Get());
+    FillHighlight();
     shown_ = Choices();
 }
 
 GeneralDlgImp::Choice GeneralDlgImp::Choices() const {
-    return {GetCheck(kRunAtLogin),
-            PDLGetCurSel(kRunMode),
-            GetCheck(kUseDefault) ? "1" : "0",
-            PDLGetCurSel(kFormat) == kMp3 ? "0" : "1",
-            GetCheck(kKeepText),
-            GetCheck(kByLanguage)};
+    return {
+        GetCheck(kRunAtLogin),
+        PDLGetCurSel(kRunMode),
+        GetCheck(kUseDefault) ? "1" : "0",
+        PDLGetCurSel(kFormat) == kMp3 ? "0" : "1",
+        GetCheck(kKeepText),
+        GetCheck(kByLanguage),
+        HighlightChoices()[static_cast<std::size_t>(std::max(0, PDLGetCurSel(kHighlight)))].key};
+}
+
+void GeneralDlgImp::FillHighlight() {
+    std::vector<const char*> names;
+    int chosen = 0;
+    for (const HighlightChoice& choice : HighlightChoices()) {
+        if (kHighlightSetting.Get() == choice.key)
+            chosen = static_cast<int>(names.size());
+        names.push_back(choice.name);
+    }
+    names.push_back(nullptr);
+    PDLFill(kHighlight, names.data());
+    PDLSetCurSel(kHighlight, chosen);
 }
 
 void GeneralDlgImp::EnableControls() {
@@ -116,6 +137,7 @@ bool GeneralDlgImp::CmOk() {
     isKept = KeepChange(kSaveFormatSetting, shown_.format, now.format) && isKept;
     isKept = KeepChange(kKeepTextSetting, shown_.keepText, now.keepText) && isKept;
     isKept = KeepChange(kVoiceByLanguageSetting, shown_.byLanguage, now.byLanguage) && isKept;
+    isKept = KeepChange(kHighlightSetting, shown_.highlight, now.highlight) && isKept;
     if (!now.keepText)
         ForgetKeptText();
     if (!isKept)

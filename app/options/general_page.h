@@ -1,5 +1,5 @@
-// The page "General" of the options: start on login, what format speech is saved
-// in, and whether the text is kept.
+// The page "General" of the options: start on login, what format speech is saved in, whether the
+// text is kept, and in which colours it is followed.
 #pragma once
 
 #include <string>
@@ -24,9 +24,11 @@ private:
         std::string format;
         bool keepText = false;
         bool byLanguage = false;
+        std::string highlight;
     };
     Choice Choices() const;
     void ShowFormatSettings();
+    void FillHighlight();
 
     Choice shown_;
 };

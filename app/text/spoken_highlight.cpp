@@ -1,5 +1,8 @@
 #include "app/text/spoken_highlight.h"
 
+#include "app/settings_keys.h"
+#include "app/text/highlight_colors.h"
+
 namespace {
 
 constexpr int kLinesAhead = 2;  // who reads along sees so many more
@@ -10,9 +13,7 @@ void SpokenHighlight::Attach(GtkTextView* view, const LongLines& lines) {
     view_ = view;
     lines_ = &lines;
     buffer_ = gtk_text_view_get_buffer(view);
-    // Both colours, so that it can be read in dark themes too.
-    tag_ = gtk_text_buffer_create_tag(buffer_, nullptr, "background", "#ffe08a", "foreground",
-                                      "#000000", nullptr);
+    tag_ = gtk_text_buffer_create_tag(buffer_, nullptr, nullptr);
     GtkTextIter start;
     gtk_text_buffer_get_start_iter(buffer_, &start);
     for (GtkTextMark** mark : {&start_, &shown_, &ahead_})
@@ -108,6 +109,7 @@ void SpokenHighlight::Show(std::size_t begin, std::size_t end) {
         GtkTextIter last = first;
         lines_->Forward(last, end - begin);
         gtk_text_buffer_move_mark(buffer_, shown_, &first);
+        TakeColors();
         gtk_text_buffer_apply_tag(buffer_, tag_, &first, &last);
         BringIntoView(first, last);
     }
@@ -134,6 +136,13 @@ void SpokenHighlight::BringIntoView(const GtkTextIter& first, const GtkTextIter&
         gtk_text_view_scroll_to_mark(view_, shown_, 0, TRUE, 0, 0);
     else if (end > seen.y + seen.height)
         gtk_text_view_scroll_to_mark(view_, ahead_, 0, FALSE, 0, 0);
+}
+
+// With each sentence, so that another choice or theme is seen at the next one.
+void SpokenHighlight::TakeColors() {
+    const HighlightColors colors = HighlightColorsOf(kHighlightSetting.Get(), GTK_WIDGET(view_));
+    g_object_set(tag_, "background-gdk", &colors.ground, "foreground-gdk", &colors.letters,
+                 nullptr);
 }
 
 // The colours of a selection are drawn above those of the stretch.

@@ -42,6 +42,7 @@ public:
 private:
     void Hear(const ReadingNews& news);
     void Unmark();
+    void TakeColors();
     void ShowSelected();
     void BringIntoView(const GtkTextIter& first, const GtkTextIter& last);
     GtkTextIter Start() const;

@@ -85,6 +85,34 @@ class PlacesTest(DesktopCase):
         desktop.press_keys("Escape")
         self.assertIn("more and more", lectora.text())
 
+    def ground(self, lectora):
+        """The colour behind the first word that has one."""
+        text = lectora.text_box().queryText()
+        for at in range(0, text.characterCount, 5):
+            for each in text.getAttributeRun(at, False)[0]:
+                if each.startswith("bg-color:"):
+                    return tuple(int(part) >> 8 for part in each.split(":")[1].split(","))
+        return None
+
+    def test_the_colours_of_the_highlight_are_a_choice_and_follow_high_contrast(self):
+        self.card.tell("speed 0.2")
+        contrast = self.file("contrast", 'gtk-theme-name = "HighContrast"\n')
+        for theme, rc in (("ordinary", {}), ("contrast", {"GTK2_RC_FILES": contrast})):
+            lectora = self.start(self.file("story.txt", TEXT), **rc)
+            ground = desktop.wait_until(lambda: self.ground(lectora), "the highlight")
+            self.picture(f"highlight-{theme}")
+            self.assertEqual(ground == (0xFF, 0xE0, 0x8A), theme == "ordinary", ground)
+            lectora.focus()
+            desktop.press_keys("alt+t", "o")
+            lectora.find("combo box", "Mark what is heard in").querySelection().selectChild(1)
+            lectora.press("push button", "OK")
+            desktop.wait_until(lambda: self.setting("options", "highlight") == "green", "the choice")
+            lectora.focus()
+            desktop.press_keys("ctrl+Right")
+            desktop.wait_until(lambda: self.ground(lectora) == (0xB5, 0xE6, 0xA2), "the next sentence in it")
+            lectora.end()
+            os.remove(os.path.join(desktop.HOME, ".quillon/lectora/options"))
+
     def test_a_killed_reading_goes_on_where_it_was(self):
         self.card.tell("speed 0.5")
         path = self.file("ferries.txt", TEXT)
