@@ -54,6 +54,7 @@ MainDialog::MainDialog()
       sleep_(narrator_, commands_, [this](const char* text) { TellStatusText(text); }),
       view_(*this, narrator_,
             {.keys = [this](unsigned int key) { return EvKeyDown(key); },
+             .reshaped = [this] { Layout(); },
              .noVoice = [this] { TellNoSpeechEngine(Widget()); },
              .cannotPlay = RunMachineCheckWithoutCard,
              .statusMore = [this] { return Joined(queue_.Status(), sleep_.Status()); }}),
@@ -129,9 +130,13 @@ void MainDialog::InitDialog() {
         text, {{.control = kPlaceOffer,
                 .widget = keeper_.Offer().Create(),
                 .isOpen = [this] { return keeper_.Offer().IsOpen(); }},
-               {.control = kFindBar, .widget = text_.NewFindBar(commands_), .isOpen = [this] {
-                    return text_.IsFindOpen();
-                }}});
+               {.control = kFindBar,
+                .widget = text_.NewFindBar(commands_),
+                .isOpen = [this] { return text_.IsFindOpen(); }},
+               {.control = kPlayerDock,
+                .widget = view_.Player().CreateDock(),
+                .isOpen = [this] { return view_.Player().IsDocked(); },
+                .fit = [this](int width, bool isLow) { view_.Player().FitInto(width, isLow); }}});
     text_.TakeDrops(Widget());
     view_.ShowStatus();
     places_.CreateMenus();
@@ -206,7 +211,7 @@ void MainDialog::Command(int command) {
 
 bool MainDialog::EvKeyDown(unsigned int key) {
     firstMoments_.EndSplash();
-    if (text_.EvKeyDown(key))
+    if (text_.EvKeyDown(key) || view_.Player().EvKeyDown(key))
         return true;
     return !commands_.LeavesKey(key) && LMainWindow::EvKeyDown(key);
 }

@@ -39,6 +39,7 @@ public:
     void EvShown() override;
     void Command(int command) override;
     bool EvKeyDown(unsigned int key) override;
+    bool EvKeyUp(unsigned int key) override { return view_.Player().EvKeyUp(key); }
     void CmClose() override;
     bool CmCancel() override { return presence_.AskToEnd(); }
 

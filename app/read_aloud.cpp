@@ -86,10 +86,7 @@ void ReadAloud::Begin(TextToRead what, bool isWhole) {
         parts_.window.TellStatusText("There is no text behind that place.");
         return;
     }
-    // Once there was a box it takes the desktop a moment to give the keyboard back.
-    GtkWidget* window = parts_.window.Widget();
-    parts_.player.Expect({window, parts_.window.GetControlByID(kTextBox)},
-                         gtk_window_is_active(GTK_WINDOW(window)) != FALSE);
+    parts_.player.Expect({parts_.window.Widget(), parts_.window.GetControlByID(kTextBox)});
     // The engine may be slow to wake up, or have been installed since the program was started.
     const int voice = parts_.voices.Chosen();
     ReadingText text{.text = std::move(what.text), .begin = begin};

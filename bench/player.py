@@ -38,11 +38,7 @@ class Player:
         lectora.focus()
         desktop.press_keys("ctrl+shift+r")
         self.stream = self.next("start")[0]
-        window = desktop.wait_until(
-            lambda: desktop.xdotool("search", "--onlyvisible", "--name", "Lectora Player").split(),
-            "the player",
-        )[0]
-        desktop.xdotool("windowactivate", "--sync", window)
+        lectora.player().queryComponent().grabFocus()
 
     def next(self, event):
         stream = self.card.next_stream()

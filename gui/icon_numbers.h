@@ -32,6 +32,9 @@ enum LIconNumber {
     kRepeatSentenceIcon = 122,
     kNextSentenceIcon = 123,
     kNextTrackIcon = 128,
+    kTakeOutIcon = 130,
+    kPutBackIcon = 131,
+    kUnfoldIcon = 132,
 
     kMenuIcon = 200,  // first entry of each menu
 };

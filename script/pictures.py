@@ -14,8 +14,7 @@ def main_window(picture, text):
     card = desktop.Card()
     with desktop.Lectora(text, fake_engine=False) as lectora:
         card.wait_for(card.next_stream(), "first")
-        lectora.active_window("dialog", "Lectora Player")
-        lectora.focus()
+        lectora.player()
         desktop.wait_until(lectora.highlighted, "the highlight")
         desktop.screenshot(picture, lectora.window())
 

@@ -7,6 +7,7 @@ enum ControlNumber {
     kCommandBar = 85,
     kFindBar = 86,
     kPlaceOffer = 87,
+    kPlayerDock = 88,
     kTextBox = 101,
     kVoiceLabel = 402,
     kVoiceList = 500,

@@ -4,6 +4,7 @@
 
 #include "app/commands/command_numbers.h"
 #include "app/settings_keys.h"
+#include "app/window/large_button.h"
 #include "app/window/window_layout.h"
 #include "gui/accessible.h"
 
@@ -97,10 +98,13 @@ void MainControls::LayOut(int width, int height) {
     sizes.isLow = !HasRoomForToolBar(height);
     window_.ShowToolBar(!sizes.isLow);
     window_.LayoutBase(sizes.left, sizes.top, sizes.width, sizes.height);
-    sizes.barsHeight = MeasureBars();
+    MeasureBars(sizes);
     sizes.labelWidth = TextWidth(window_.GetControlByID(kVoiceLabel)) + 4;
     sizes.labelHeight = NaturalHeight(window_.GetControlByID(kVoiceLabel));
     sizes.listHeight = NaturalHeight(window_.GetControlByID(kVoiceList));
+    const GtkRequisition button = LargeButtonSize(window_.GetControlByID(kReadButton));
+    sizes.buttonWidth = button.width;
+    sizes.buttonHeight = button.height;
     const WindowLayout layout = ::LayOut(sizes);
     Place(kCommandBar, layout.commandBar);
     Place(kTextBox, layout.text);
@@ -112,14 +116,17 @@ void MainControls::LayOut(int width, int height) {
     KeepFocus();
 }
 
-int MainControls::MeasureBars() {
-    int height = 0;
+void MainControls::MeasureBars(LayoutSizes& sizes) {
     for (const Bar& bar : bars_) {
         window_.ShowControl(bar.control, bar.isOpen());  // what is hidden has no size
-        if (bar.isOpen())
-            height += NaturalHeight(bar.widget);
+        if (!bar.isOpen())
+            continue;
+        if (bar.fit) {
+            bar.fit(BarsWidth(sizes), sizes.isLow);
+            sizes.hasVoices = !sizes.isLow;
+        }
+        sizes.barsHeight += NaturalHeight(bar.widget);
     }
-    return height;
 }
 
 void MainControls::PlaceBars(LayoutPlace place) {

@@ -11,6 +11,7 @@
 #include "gui/main_window/main_window.h"
 
 struct LayoutPlace;
+struct LayoutSizes;
 
 // GUI thread.
 class MainControls {
@@ -20,6 +21,9 @@ public:
         int control;
         GtkWidget* widget;  // floating
         std::function<bool()> isOpen;
+        // Leaves out what a place of that width has no room for, before it is asked for its height.
+        // Who has this stands for voices and buttons in a low window.
+        std::function<void(int width, bool isLow)> fit = nullptr;
     };
     // All are borrowed.
     MainControls(LMainWindow& window, CommandSet& commands, CommandPlaces& places)
@@ -40,7 +44,7 @@ private:
     void CreateVoices();
     void CreateButton(int number);
     void SetFocusOrder();
-    int MeasureBars();
+    void MeasureBars(LayoutSizes& sizes);
     void PlaceBars(LayoutPlace place);
     void Place(int control, const LayoutPlace& place);
 

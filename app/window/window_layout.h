@@ -15,7 +15,10 @@ struct LayoutSizes {
     int barsHeight = 0;  // of what stands below the text; 0: nothing
     int labelWidth = 0;  // of "Choose Voice: "
     int labelHeight = 0;
-    int listHeight = 0;  // of the list of voices
+    int listHeight = 0;   // of the list of voices
+    int buttonWidth = 0;  // of the large buttons, which grow with their letters
+    int buttonHeight = 0;
+    bool hasVoices = true;  // and large buttons; else their room is the text's
 };
 
 struct LayoutPlace {
@@ -35,6 +38,9 @@ struct WindowLayout {
     LayoutPlace readButton;
     LayoutPlace saveButton;
 };
+
+// The width of the bars, which depends on nothing but the window's.
+int BarsWidth(const LayoutSizes& sizes);
 
 // Voices and buttons share the bottom row. Where the command bar would leave too little room for
 // that, it ends above the row; where even the whole width is too little, the voices get a row of

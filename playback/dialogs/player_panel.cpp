@@ -2,6 +2,7 @@
 
 #include <gdk/gdkkeysyms.h>
 
+#include "gui/accessible.h"
 #include "playback/dialogs/play_device_list.h"
 #include "playback/dialogs/player_panel_ids.h"
 
@@ -23,6 +24,7 @@ void LPlayerBaseDlg::InitDialog() {
     DBDisplaySetLevels(kMeter, LDBMC(1));
     NameButtons();
     TBSetRange(kPosition, 0, 100);
+    KeepValueQuiet(GetControlByID(kPosition));
     HandleHSBChange(kPosition, kPositionMoved);
     HandleHSBChange(kTempo, kTempoMoved);
     SetTooltip(
@@ -30,8 +32,10 @@ void LPlayerBaseDlg::InitDialog() {
         "How many times as fast as the voice itself. Faster (Alt+Page Up), slower (Alt+Page Down)");
     DBEditSetLevel(kVolume, transport_.Volume());
     HandleDBEditChange(kVolume, kVolumeChanged);
-    LSoundPlayDeviceInit(*this, kDevice, transport_.Device());
-    HandlePDLSelChange(kDevice, kDeviceChosen);
+    if (HasRoomFor(kDevice)) {
+        LSoundPlayDeviceInit(*this, kDevice, transport_.Device());
+        HandlePDLSelChange(kDevice, kDeviceChosen);
+    }
     SetTooltip(kDevice, "\"default\" is the desktop's own sound server");
     wave_.Attach(GetControlByID(kWave));
     wave_.seek = [this](std::int64_t frame) {
@@ -39,7 +43,8 @@ void LPlayerBaseDlg::InitDialog() {
     };
     ShowRoute();
     ShowItem();
-    FocusControl(kPlay);
+    if (GTK_IS_DIALOG(Widget()))  // else the focus of another window
+        FocusControl(kPlay);
     changes_.Begin(transport_.Changes(), [this](LPlayerChange change) { EvChange(change); });
     LSoundPlayDeviceTell(Widget(), transport_.Device(), transport_.MixerAnswer());
 }
@@ -63,6 +68,9 @@ void LPlayerBaseDlg::NameButtons() {
         {kRepeatSentence, "Repeat Sentence (Ctrl+R)", kRepeatSentence, 0},
         {kNextSentence, "Next Sentence (Ctrl+Right)", kNextSentence, 0},
         {kNextTrack, "Next Track (PgDn)", kNextTrack, 0},
+        {kTakeOut, "Take the Player out of the Window", kTakeOut, 0},
+        {kPutBack, "Put the Player into the Window", kPutBack, 0},
+        {kUnfold, "Volume and Device", kUnfold, 0},
     };
     for (const Button& button : kButtons) {
         if (button.upCommand != 0)
@@ -84,7 +92,7 @@ void LPlayerBaseDlg::EnableControls() {
     const LPlayerBaseInfo& info = transport_.Info();
     const bool hasSentences = info.FindSentence(LSoundTime(), 0).has_value();
     for (const int id : {kPreviousSentence, kRepeatSentence, kNextSentence})
-        ShowControl(id, hasSentences);
+        ShowControl(id, hasSentences && HasRoomFor(id));
     ShowControl(kNextTrack, info.HasNextItem());
     IsPlaying() && !transport_.Winding().IsOn() ? SetCoolButtonDown(kPlay) : SetCoolButtonUp(kPlay);
     transport_.IsPaused() ? SetCoolButtonDown(kScrub) : SetCoolButtonUp(kScrub);

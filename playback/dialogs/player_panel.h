@@ -43,6 +43,8 @@ protected:
     LPlayerTransport& Transport() { return transport_; }
     const LPlayerTransport& Transport() const { return transport_; }
     virtual void EvChange(LPlayerChange change);
+    // What has none is hidden even while there is something to show.
+    virtual bool HasRoomFor(int /*control*/) const { return true; }
 
 private:
     void NameButtons();
@@ -64,4 +66,6 @@ private:
     bool isSliderMoving_ = false;  // by the user, who would be disturbed
 };
 
+// As a window of its own, and as at most two rows in another window.
 void DlgGenPlayer(LDialogGenContext& context);
+void DlgGenDockedPlayer(LDialogGenContext& context);

@@ -24,6 +24,11 @@ constexpr int kTempo = 124;
 constexpr int kNextTrack = 128;
 constexpr int kRoute = 129;      // what keeps the sound from its card, as text
 constexpr int kTempoTime = 126;  // what the slider of the tempo says, as text
+constexpr int kTakeOut = 130;    // of the window that the player stands in
+constexpr int kPutBack = 131;
+constexpr int kUnfold = 132;  // shows volume and device
+constexpr int kVolumeLabel = kVolume + 1;
+constexpr int kDeviceLabel = 133;
 
 constexpr int kPositionMoved = 1050;
 constexpr int kDeviceChosen = 1070;

@@ -71,7 +71,8 @@ void DlgGenPlayer(LDialogGenContext& context) {
     gtk_widget_set_size_request(wave, kWidth, kWaveHeight);
     context.AddSpanFull(wave, kWave);
     AddTransportButtons(context, {kStart, kRewind, kPlay, kScrub, kStop, kForward, kEnd});
-    AddTransportButtons(context, {kPreviousSentence, kRepeatSentence, kNextSentence, kNextTrack});
+    AddTransportButtons(context,
+                        {kPreviousSentence, kRepeatSentence, kNextSentence, kNextTrack, kPutBack});
     GtkWidget* position = NewSlider(0, 100, 1);
     context.AddStaticLeft(-1, "Position");
     context.AddSpanRight(position, kPosition);

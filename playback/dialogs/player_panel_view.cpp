@@ -89,5 +89,5 @@ void LPlayerBaseDlg::ShowTempo() {
 
 void LPlayerBaseDlg::ShowRoute() {
     SetStaticText(kRoute, transport_.RouteText().c_str());
-    ShowControl(kRoute, !transport_.RouteText().empty());
+    ShowControl(kRoute, !transport_.RouteText().empty() && HasRoomFor(kRoute));
 }

@@ -21,6 +21,8 @@ LayoutSizes Sizes(int width, int height, int lettersHeight) {
     sizes.labelWidth = 6 * lettersHeight;
     sizes.labelHeight = lettersHeight;
     sizes.listHeight = lettersHeight + 8;
+    sizes.buttonWidth = 50 + 6 * lettersHeight;
+    sizes.buttonHeight = 20 + lettersHeight;
     return sizes;
 }
 
@@ -35,6 +37,13 @@ TEST(WindowLayoutTest, AWindowOfTheUsualSizeHasTheBarAtTheLeftAndAllElseInOneRow
     EXPECT_FALSE(layout.bars.isShown);
 }
 
+TEST(WindowLayoutTest, LargeButtonsGrowWithTheirLettersWhereThereIsRoom) {
+    const WindowLayout large = LayOut(Sizes(1280, 700, 40));
+    EXPECT_EQ((LayoutPlace{692, 634, 290, 60}), large.readButton);
+    EXPECT_EQ((LayoutPlace{986, 634, 290, 60}), large.saveButton);
+    EXPECT_EQ(150, LayOut(Sizes(312, 400, 40)).readButton.width);
+}
+
 // At every size that the window can have, with small letters and large ones.
 TEST(WindowLayoutTest, NothingLiesOverAnythingAndTheTextKeepsRoom) {
     for (int width = 280; width <= 1300; width += 7) {
@@ -43,7 +52,8 @@ TEST(WindowLayoutTest, NothingLiesOverAnythingAndTheTextKeepsRoom) {
                 for (const bool hasFind : {false, true}) {
                     LayoutSizes sizes = Sizes(width, height, letters);
                     sizes.isLow = height < 250;
-                    sizes.barsHeight = hasFind && height > 250 ? letters + 10 : 0;
+                    sizes.hasVoices = !sizes.isLow || !hasFind;
+                    sizes.barsHeight = hasFind ? letters + 10 : 0;
                     const WindowLayout layout = LayOut(sizes);
                     const std::array places = {
                         layout.commandBar, layout.text,       layout.bars,      layout.voiceLabel,

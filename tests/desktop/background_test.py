@@ -13,7 +13,7 @@ class BackgroundTest(DesktopCase):
         desktop.tell_engine("text2wave long 60")
         lectora = self.start(self.file("long.txt", "a long story"))
         stream = self.card.next_stream()
-        lectora.active_window("dialog", "Lectora Player")
+        lectora.player()
         desktop.xdotool("windowmove", "--sync", lectora.window(), 40, 60)
         place = desktop.xdotool("getwindowgeometry", lectora.window())
         # A tray that starts again gets the icon again, also while the window is hidden.

@@ -99,7 +99,7 @@ class EditingTest(DesktopCase):
         lectora = self.start(*files)
         for _ in files:
             self.card.wait_for(self.card.next_stream(), "close")
-        lectora.active_window("dialog", "Lectora Player")
+        lectora.settle()
         lectora.focus()
         sizes = [""]
         for key in ("ctrl+plus", "ctrl+equal", "ctrl+minus"):

@@ -140,7 +140,7 @@ class ReadingTest(DesktopCase):
             return lectora.threads(), len(lectora.descriptors()), len(desktop.processes())
 
         self.read_aloud(lectora)
-        lectora.active_window("dialog", "Lectora Player")
+        lectora.settle()
         # Its connection to the session's bus, which begins a moment after the window, stays.
         ask = ["playerctl", "--player=lectora", "status"]
         desktop.wait_until(lambda: subprocess.run(ask, capture_output=True, timeout=60).returncode == 0, "the player")

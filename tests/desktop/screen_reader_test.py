@@ -12,7 +12,7 @@ PROGRAM = "opt/quillon/lectora/bin/lectora"
 # From which window, by which control in it and which keys, what is heard then, and what Tab must
 # reach where that is a window or page; whatever else can have the focus is walked to and heard too.
 MAIN, LOAD, OPTIONS = "frame Lectora", "dialog Locate File to Read Text", "dialog Options"
-ASSIGN, PLAYER, QUESTION, BOOKS = "dialog Hot-Key Assignment", "dialog Lectora Player", "alert Question", "dialog Save as Audiobook"
+ASSIGN, QUESTION, BOOKS = "dialog Hot-Key Assignment", "alert Question", "dialog Save as Audiobook"
 FIRST_START = (
     (None, None, "", "Do you want to use Lectora from every program? Select a text", "Yes, No"),
     (MAIN, None, "", "Text to read text",
@@ -40,12 +40,18 @@ WINDOWS = (
     (OPTIONS, "Add...", "space", "Hot-Key Assignment dialog", "Command, HotKey Assigned:, OK"),
     # Every key is taken there, Tab as well.
     (ASSIGN, "Change Key", "space", "Press a key or a key combination", None),
-    (MAIN, None, "ctrl+shift+r", "Lectora Player dialog",
-     "Play (F9), Stop (Esc), Previous Sentence (Ctrl+Left), Position, Volume, Now Playing"),
-    (PLAYER, "Play (F9)", "Escape", "not pressed", None),
+    (MAIN, None, "ctrl+shift+r", "", None),
+)
+# While it reads, the window is called otherwise.
+PLAYER = (
+    (None, "Volume and Device", "Return F9", "Paused",
+     "Play (F9), Stop (Esc), Previous Sentence (Ctrl+Left), Position, Reading Speed, Volume, "
+     "Take the Player out of the Window"),
+    (None, "Play (F9)", "Escape", "Stopped", None),
 )
 TROUBLE = (
-    (MAIN, "Text to read", "ctrl+shift+r", "Lectora dialog Synthesize Voice", "Cancel"),
+    (MAIN, "Text to read", "ctrl+shift+r", "Waiting for the first sentence", None),
+    (None, None, "Escape", "Stopped", None),
     (MAIN, None, "F10 Up Return", "Confirm Exit", "Yes, No, Cancel"),
     (QUESTION, "Cancel", "space", "Text to read text", None),
 )
@@ -77,18 +83,15 @@ TO_SOUND = (
     ("and on", "Tab"),
     ("Choose Voice: editable combo box", "Down"),
     ("voice2", "ctrl+shift+r"),
-    ("Play (F9) toggle button pressed", ""),
 )
 TO_THE_SENTENCE_BEFORE = (
-    ("", "space"),
-    ("not pressed", "Tab"),
-    ("Previous Sentence (Ctrl+Left) push button", "ctrl+Left Tab"),
-    ("Play (F9) toggle button not pressed", "space"),
-    ("pressed", ""),
+    ("", "F9"),
+    ("Paused", "ctrl+Left"),
+    ("0 %", ""),
 )
 TO_A_FILE_AND_A_HOTKEY = (
-    ("", "Escape Escape"),
-    ("Choose Voice", "ctrl+alt+v"),
+    ("", "Escape"),
+    ("Stopped", "ctrl+alt+v"),
     ("Save File as dialog. Name: text", "SOUND"),
     ("Saved as", "alt+t o"),
     ("Options dialog", "Tab"),
@@ -170,6 +173,9 @@ class ScreenReaderTest(DesktopCase):
             self.hear_menu(menu, "F10" + " Right" * number + " Down")
             self.hear("Escape Escape", "Text to read text")
         self.walk(WINDOWS)
+        lectora.player()
+        self.walk(PLAYER)
+        lectora.text_box().queryComponent().grabFocus()
         desktop.tell_engine("text2wave hang")
         self.walk(TROUBLE)
         self.leave()
@@ -193,6 +199,50 @@ class ScreenReaderTest(DesktopCase):
             self.leave()
             wizard.end()
 
+    def test_pause_jumps_and_end_are_said_in_a_word_and_nothing_else_is(self):
+        self.card.tell("speed 1")
+        lectora = self.start()
+        lectora.set_text(" ".join(4 * SENTENCES))
+        lectora.focus()
+        self.reader.wait_until_told("Text to read text", self.began)
+        heard = {}
+
+        def press(keys, words, then):
+            """What is said from these keys until then."""
+            before = self.reader.mark()
+            desktop.press_keys(*keys.split())
+            if words:
+                self.reader.wait_until_told(words, before)
+            then()
+            heard[keys or then.__name__] = self.reader.said_since(before)
+            print(f"{keys:14}{heard[keys or then.__name__]!r}", flush=True)
+
+        def reads_on(seconds=2):
+            stream = self.card.streams()[-1]
+            played = self.card.sound(stream).frames + seconds * self.card.sound(stream).rate
+            desktop.wait_until(lambda: self.card.sound(stream).frames > played, "the sound to go on")
+
+        def begins():
+            self.card.next_stream()
+            lectora.player()
+            reads_on()
+
+        press("F9", "", begins)
+        self.reader.go_to(active_window(), "Position")
+        press("", "", reads_on)
+        press("Up", "%", reads_on)
+        press("ctrl+Right", "%", reads_on)
+        press("F9 ", "Paused", lambda: None)
+        press("ctrl+Left", "%", reads_on)
+        press("Escape", "Stopped", lambda: None)
+        lectora.text_box().queryComponent().grabFocus()
+        self.card.tell("speed 20")
+        press("ctrl+shift+r", "End of the text", lambda: None)
+        for quiet in ("F9", "reads_on"):
+            self.assertEqual(heard.pop(quiet), "")
+        for keys, said in heard.items():
+            self.assertRegex(said, r"^(\d+ %|Paused|Stopped|End of the text)$", keys)
+
     def test_a_story_is_read_saved_and_given_a_key_by_its_words_alone(self):
         self.give_keys()
         self.store("settings", savedefaultformat=0)
@@ -210,11 +260,14 @@ class ScreenReaderTest(DesktopCase):
         # Until the second sentence is heard, which is a buffer after it was handed over.
         length = 800 * len("".join(SENTENCES[0].split()))
         desktop.wait_until(lambda: self.card.sound(stream).frames > length + 20000, "the second sentence")
+        self.assertEqual(self.reader.said_since(began), "", "nothing is said over a reading")
         began = self.reader.follow(TO_THE_SENTENCE_BEFORE, began, paths)
         self.card.wait_for(stream, "close")
-        heard = self.card.sound(self.card.next_stream())
+        stream = self.card.next_stream()
         self.assertTrue(all("(voice_voice2)" in call for call in self.spoken()))
         one = slice(800 * len("Number"), 800 * len("Numberone"))
+        desktop.wait_until(lambda: self.card.sound(stream).frames > one.stop + 200, "the first sentence")
+        heard = self.card.sound(stream)
         self.assertGreater(desktop.best_correlation(heard.samples[one], spoken.samples[one], 200), 0.99)
         self.reader.follow(TO_A_FILE_AND_A_HOTKEY, began, paths)
         subprocess.run(["lame", "--quiet", "--decode", paths["SOUND"], decoded], check=True, timeout=desktop.PATIENCE)

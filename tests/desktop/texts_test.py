@@ -113,7 +113,7 @@ class TextsTest(DesktopCase):
     def test_a_line_of_ten_megabytes_is_typed_into_without_delay_and_copied_as_it_was(self):
         text = "All work and no play makes Jack a dull boy. " * 240000
         lectora = self.start(self.file("huge.txt", text))
-        lectora.active_window("dialog", "Lectora Player")  # comes after the first sound, and takes the keys
+        lectora.player()
         lectora.focus()
         desktop.press_keys("ctrl+a", "ctrl+c")
         for selection in ("primary", "clipboard"):

@@ -52,7 +52,7 @@ class WindowTest(DesktopCase):
         desktop.tell_engine("text2wave long 10")
         lectora = self.start(files[0], missing, files[1], files[2])
         self.card.wait_for(self.card.next_stream(), "start")
-        lectora.active_window("dialog", "Lectora Player")
+        lectora.player()
         self.card.tell("speed 8")
         stream = self.card.next_stream()
         self.card.wait_for(stream, "start")
@@ -70,8 +70,7 @@ class WindowTest(DesktopCase):
         files = [self.file(f"{word}.txt", word) for word in ("first", "second")]
         lectora = self.start(*files)
         stream = self.card.next_stream()
-        lectora.active_window("dialog", "Lectora Player")
-        lectora.focus()
+        lectora.player()
         desktop.press_keys("ctrl+End", "x")
         desktop.wait_until(lambda: lectora.text() == "firstx", "the edit")
         self.card.tell("speed 8")

@@ -165,6 +165,10 @@ class Lectora(Process):
     def status(self):
         return self.find("status bar").name
 
+    def player(self):
+        """Its button "Play", once the player is on the screen."""
+        return wait_until(lambda: self.shown("toggle button", "Play (F9)"), "the player")
+
     def place(self, widget):
         """Where it stands on the screen."""
         return widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)

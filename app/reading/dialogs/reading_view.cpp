@@ -12,7 +12,7 @@ constexpr const char* kBanner = "Lectora v 1.05";
 ReadingView::ReadingView(LMainWindow& window, Narrator& narrator, Ways ways)
     : window_(window),
       narrator_(narrator),
-      player_(narrator, std::move(ways.keys)),
+      player_(narrator, {std::move(ways.keys), std::move(ways.reshaped)}),
       waitBox_(narrator, [this] { return player_.BoxParent(); }),
       troubles_(narrator, {.parent = [this] { return player_.BoxParent(); },
                            .noVoice = std::move(ways.noVoice),

@@ -16,6 +16,7 @@ class ReadingView {
 public:
     struct Ways {
         std::function<bool(unsigned int key)> keys;         // those that the player does not know
+        std::function<void()> reshaped;                     // the player needs another place
         std::function<void()> noVoice;                      // tells that, and what to do
         std::function<void(GtkWidget* parent)> cannotPlay;  // after the box about it
         std::function<std::string()> statusMore;            // behind the place in the status bar
