@@ -5,32 +5,36 @@
 #include <iterator>
 
 #include "foundation/files/machine_root.h"
-#include "speech/voice_charset.h"
+#include "speech/voice_description.h"
+#include "speech/voice_title.h"
 
 namespace {
 
 struct KnownVoice {
     std::string_view name;
-    const char* title;
+    const char* given;
+    const char* kind;
     const char* language;
 };
+constexpr const char* kMan = "man";
+constexpr const char* kWoman = "woman";
 constexpr KnownVoice kKnown[] = {
-    {"kal_diphone", "Kal, English (US), man", "en-US"},
-    {"ked_diphone", "Ked, English (US), man", "en-US"},
-    {"cmu_us_slt_arctic_hts", "SLT, English (US), woman", "en-US"},
-    {"suo_fi_lj_diphone", "LJ, Finnish, woman", "fi"},
-    {"hy_fi_mv_diphone", "MV, Finnish, man", "fi"},
-    {"lp_diphone", "LP, Italian, woman", "it"},
-    {"pc_diphone", "PC, Italian, man", "it"},
-    {"upc_ca_ona_hts", "Ona, Catalan, woman", "ca"},
-    {"czech_dita", "Dita, Czech, woman", "cs"},
-    {"czech_krb", "KRB, Czech, boy", "cs"},
-    {"czech_machac", "Machac, Czech, man", "cs"},
-    {"czech_ph", "PH, Czech, man", "cs"},
-    {"hindi_NSK_diphone", "NSK, Hindi, man", "hi"},
-    {"marathi_NSK_diphone", "NSK, Marathi, man", "mr"},
-    {"telugu_NSK_diphone", "NSK, Telugu, man", "te"},
-    {"msu_ru_nsh_clunits", "NSH, Russian, man", "ru"},
+    {"kal_diphone", "Kal", kMan, "en-US"},
+    {"ked_diphone", "Ked", kMan, "en-US"},
+    {"cmu_us_slt_arctic_hts", "SLT", kWoman, "en-US"},
+    {"suo_fi_lj_diphone", "LJ", kWoman, "fi"},
+    {"hy_fi_mv_diphone", "MV", kMan, "fi"},
+    {"lp_diphone", "LP", kWoman, "it"},
+    {"pc_diphone", "PC", kMan, "it"},
+    {"upc_ca_ona_hts", "Ona", kWoman, "ca"},
+    {"czech_dita", "Dita", kWoman, "cs"},
+    {"czech_krb", "KRB", "boy", "cs"},
+    {"czech_machac", "Machac", kMan, "cs"},
+    {"czech_ph", "PH", kMan, "cs"},
+    {"hindi_NSK_diphone", "NSK", kMan, "hi"},
+    {"marathi_NSK_diphone", "NSK", kMan, "mr"},
+    {"telugu_NSK_diphone", "NSK", kMan, "te"},
+    {"msu_ru_nsh_clunits", "NSH", kMan, "ru"},
 };
 
 // Packages that bring voices only recommend these, so that they may be absent.
@@ -51,12 +55,20 @@ constexpr std::string_view kListBlanks = " \t\r\n";
 }  // namespace
 
 Voice FestivalVoice(const std::string& name) {
-    Voice voice{"festival", name, name, "", CharsetOfVoice(name)};
+    Voice voice{"festival", name, "", "", VoiceCharset::kAscii};
+    const VoiceDescription described = DescriptionOfVoice(name);
+    voice.charset = described.charset;
+    VoiceCalled called{.given = name};
     const auto* const known = std::ranges::find(kKnown, name, &KnownVoice::name);
     if (known != std::end(kKnown)) {
-        voice.title = known->title;
+        called.given = known->given;
+        called.kind = known->kind;
         voice.language = known->language;
+    } else {
+        called.kind = described.kind;
+        voice.language = described.language;
     }
+    NameVoice(voice, called);
     return voice;
 }
 

@@ -1,15 +1,13 @@
 #include "speech/language_voices.h"
 
 #include <glib.h>
-#include <unicode/uloc.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
-#include <array>
 
 #include "foundation/processes/pipes.h"
 #include "foundation/settings/setting.h"
 #include "speech/text_language.h"
+#include "speech/voice_title.h"
 
 namespace {
 
@@ -70,23 +68,13 @@ void KeepVoiceForLanguage(const Voice& voice) {
         UserSetting<const char*>{kVoicesSection, key.c_str(), ""}.Set(KeyOf(voice));
 }
 
-std::string NameOfLanguage(const std::string& language) {
-    std::array<UChar, 100> name{};
-    std::array<char, 400> utf8{};
-    UErrorCode error = U_ZERO_ERROR;
-    const int length = uloc_getDisplayLanguage(language.c_str(), "en", name.data(),
-                                               static_cast<int>(name.size()), &error);
-    u_strToUTF8(utf8.data(), static_cast<int>(utf8.size()), nullptr, name.data(), length, &error);
-    return U_FAILURE(error) ? language : utf8.data();
-}
-
 std::string MissingVoicesMessage(const std::vector<std::string>& languages) {
     if (languages.empty())
         return {};
     std::string text = "The text is partly in ";
     for (std::size_t i = 0; i < languages.size(); ++i) {
         text += i == 0 ? "" : i + 1 == languages.size() ? " and " : ", ";
-        text += NameOfLanguage(languages[i]);
+        text += EnglishNameOfLanguage(languages[i]);
     }
     text += ", for which no voice is installed.";
     if (!IsProgramInstalled("espeak-ng"))

@@ -16,9 +16,6 @@ void KeepVoiceForLanguage(const Voice& voice);
 // the language is named after or of the most speakers, else the first; -1 when there is none.
 int FindVoiceOfLanguage(std::string_view language, std::string_view region);
 
-// "Deutsch" or "German", as people call it; the tag when that is not known.
-std::string NameOfLanguage(const std::string& language);
-
 // One sentence about languages that no voice speaks, with the package that brings one; empty for
 // none.
 std::string MissingVoicesMessage(const std::vector<std::string>& languages);

@@ -15,6 +15,7 @@
 #include "foundation/files/unique_fd.h"
 #include "foundation/log/log.h"
 #include "speech/shell_word.h"
+#include "speech/voice_title.h"
 
 namespace {
 
@@ -103,11 +104,11 @@ std::optional<SpeechEngine> EngineIn(const std::string& path) {
     if (voices.empty())
         voices.emplace_back(engine.title);
     for (const std::string& name : voices) {
-        const std::string shown = std::filesystem::path(name).stem().string();
-        const bool isAll = name == engine.title;
-        engine.ownVoices.push_back({engine.name, name,
-                                    isAll ? engine.title : shown + ", " + engine.title, language,
-                                    VoiceCharset::kUnicode});
+        Voice voice{engine.name, name, "", language, VoiceCharset::kUnicode};
+        NameVoice(voice,
+                  {.given = name == engine.title ? "" : std::filesystem::path(name).stem().string(),
+                   .engine = engine.title});
+        engine.ownVoices.push_back(std::move(voice));
     }
     return engine;
 }

@@ -8,6 +8,7 @@
 #include "speech/festival_voices.h"
 #include "speech/own_engines.h"
 #include "speech/shell_word.h"
+#include "speech/voice_title.h"
 #include "speech/voices.h"
 
 namespace {
@@ -53,8 +54,9 @@ std::vector<Voice> EspeakVoicesIn(const SpeechEngine& engine, std::string_view a
             continue;
         std::ranges::replace(title, '_', ' ');
         title.erase(title.find_last_not_of(' ') + 1);
-        voices.push_back({engine.name, language, title + ", " + engine.title, Tag(language),
-                          VoiceCharset::kUnicode});
+        Voice voice{engine.name, language, "", Tag(language), VoiceCharset::kUnicode};
+        NameVoice(voice, {.engine = engine.title, .language = title});
+        voices.push_back(std::move(voice));
     }
     return voices;
 }
@@ -67,14 +69,15 @@ std::string EspeakCommand(const SpeechEngine& engine, const Voice& voice, std::s
 
 struct FliteVoice {
     std::string_view name;
-    const char* title;
+    const char* given;
+    const char* kind;
     const char* language;
 };
-constexpr FliteVoice kFliteVoices[] = {{"kal", "Kal, English (US), man", "en-US"},
-                                       {"kal16", "Kal at 16 kHz, English (US), man", "en-US"},
-                                       {"awb", "AWB, English (Scotland), man", "en-GB"},
-                                       {"rms", "RMS, English (US), man", "en-US"},
-                                       {"slt", "SLT, English (US), woman", "en-US"}};
+constexpr FliteVoice kFliteVoices[] = {{"kal", "Kal", "man", "en-US"},
+                                       {"kal16", "Kal at 16 kHz", "man", "en-US"},
+                                       {"awb", "AWB", "man", "en-GB"},
+                                       {"rms", "RMS", "man", "en-US"},
+                                       {"slt", "SLT", "woman", "en-US"}};
 
 // "Voices available: kal awb_time ..."; the one that is no title here only tells the time.
 std::vector<Voice> FliteVoicesIn(const SpeechEngine& engine, std::string_view answer) {
@@ -82,9 +85,11 @@ std::vector<Voice> FliteVoicesIn(const SpeechEngine& engine, std::string_view an
     std::istringstream words{std::string(answer)};
     for (std::string word; words >> word;) {
         const auto* const known = std::ranges::find(kFliteVoices, word, &FliteVoice::name);
-        if (known != std::end(kFliteVoices))
-            voices.push_back({engine.name, word, std::string(known->title) + ", " + engine.title,
-                              known->language, VoiceCharset::kAscii});
+        if (known == std::end(kFliteVoices))
+            continue;
+        Voice voice{engine.name, word, "", known->language, VoiceCharset::kAscii};
+        NameVoice(voice, {.given = known->given, .kind = known->kind, .engine = engine.title});
+        voices.push_back(std::move(voice));
     }
     return voices;
 }

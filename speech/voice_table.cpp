@@ -8,6 +8,7 @@
 #include "foundation/settings/setting.h"
 #include "speech/language_voices.h"
 #include "speech/text_language.h"
+#include "speech/voice_finder.h"
 
 namespace {
 
@@ -53,6 +54,14 @@ int FirstOfUsersLanguage() {
 
 std::string KeyOf(const Voice& voice) {
     return voice.engine + ":" + voice.name;
+}
+
+std::string SettingsKeyOf(const Voice& voice) {
+    // Festival's were kept by their names alone.
+    std::string key = voice.engine == "festival" ? voice.name : KeyOf(voice);
+    const auto isBad = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '='; };
+    std::ranges::replace_if(key, isBad, '_');
+    return key.substr(0, kTextBufferSize - 1);
 }
 
 void AddVoices(const std::vector<Voice>& voices) {
@@ -113,6 +122,8 @@ int ChosenVoice() {
 void KeepChosenVoice(int index) {
     if (index < 0 || index >= CountVoices())
         return;
-    kVoiceSetting.Set(StoredKey(VoiceAt(index)));
-    KeepVoiceForLanguage(VoiceAt(index));
+    const Voice voice = VoiceAt(index);
+    kVoiceSetting.Set(StoredKey(voice));
+    KeepVoiceForLanguage(voice);
+    KeepVoiceUsed(voice);
 }

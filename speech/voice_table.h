@@ -14,10 +14,16 @@ struct Voice {
     std::string title;     // for people: "Kal, English (US), man"
     std::string language;  // tag, "en-US"; empty when it is not known
     VoiceCharset charset = VoiceCharset::kUtf8;
+    // For people who are told the language beside it: "English (US)", and "Kal, man".
+    std::string languageTitle = {};
+    std::string shortTitle = {};
 };
 
 // What a voice is kept by: "festival:kal_diphone".
 std::string KeyOf(const Voice& voice);
+// The key under which a setting of the voice's own is kept: of any voice one that a settings file
+// can hold.
+std::string SettingsKeyOf(const Voice& voice);
 
 // All of these are safe from any thread.
 

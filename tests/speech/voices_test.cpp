@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <tuple>
 
 #include "foundation/files/text_buffer.h"
 #include "foundation/settings/setting.h"
-#include "speech/voice_charset.h"
+#include "speech/voice_description.h"
+#include "speech/voice_finder.h"
 #include "speech/voice_list_query.h"
 #include "tests/speech/fake_engine.h"
 
@@ -109,21 +111,21 @@ void AskInTheBackground() {
 }
 
 // As with every package that the README names: the list stands one name a line.
-void FindManyVoicesOfSeveralEngines() {
-    const FakeEngine engine(true);
-    const ScopedVariable home("HOME", engine.Path().c_str());
-    const ScopedVariable language("LANGUAGE", "de");
-    const std::string longName = "very_" + std::string(300, 'l') + "ong";
+void InstallManyVoices(const FakeEngine& engine, const std::string& longName) {
     engine.Script("festival",
                   "read line; printf 'festival> (suo_fi_lj_diphone\n kal_diphone\n a\n b\n c\n d\n "
-                  "e\n f\n g\n h\n czech_ph\n " +
+                  "e\n f\n g\n pl_ewa\n czech_ph\n " +
                       longName + ")\nfestival> '");
     engine.Script("espeak-ng",
                   "echo 'Pty Language       Age/Gender VoiceName          File'\n"
                   "echo ' 5  de              --/M      German             gmw/de'\n"
-                  "echo ' 2  en-us           --/M      English_(America)  gmw/en-US (en 3)'");
+                  "echo ' 2  en-us           --/M      English_(America)  gmw/en-US (en 3)'\n"
+                  "echo ' 5  piqd            --/M      Klingon            art/piqd'");
     engine.Script("flite", "echo 'Voices available: kal awb_time slt '");
     engine.Script("neural", "exit 0");
+    const std::string voice = engine / "usr/share/festival/voices/polish/pl_ewa/festvox";
+    std::filesystem::create_directories(voice);
+    std::ofstream(voice + "/pl_ewa.scm") << "((language polish)\n (gender female))";
     const std::string folder = engine / ".quillon/lectora/engines";
     std::filesystem::create_directories(folder);
     const std::string file =
@@ -133,24 +135,24 @@ void FindManyVoicesOfSeveralEngines() {
     std::filesystem::permissions(folder + "/mine.engine", std::filesystem::perms(0600));
     std::filesystem::permissions(folder + "/theirs.engine", std::filesystem::perms(0666));
     std::ofstream(folder + "/no.engine") << "[Engine]\nName=No\nCommand=neural\n";
-    LSilentProgress progress;
-    VoiceListQuery query;
-    ASSERT_EQ(Process(progress, query), kProcessDone);
-    EXPECT_EQ(TTSGetNumSpeakers(), 10);
-    ASSERT_EQ(CountVoices(), 18);
+}
+
+void CheckEachVoice(const std::string& longName) {
     const struct {
         const char* wanted;
         int index;
         const char* title;
         const char* language;
-    } cases[] = {{"suo_fi_lj_diphone", 0, "LJ, Finnish, woman", "fi"},
-                 {"festival:kal_diphone", 1, "Kal, English (US), man", "en-US"},
-                 {"PH, Czech, man", 10, "PH, Czech, man", "cs"},
+    } cases[] = {{"suo_fi_lj_diphone", 0, "LJ, Finnisch, woman", "fi"},
+                 {"festival:kal_diphone", 1, "Kal, Englisch (USA), man", "en-US"},
+                 {"pl_ewa", 9, "pl_ewa, Polnisch, woman", "pl"},
+                 {"PH, Tschechisch, man", 10, "PH, Tschechisch, man", "cs"},
                  {longName.c_str(), 11, longName.c_str(), ""},
-                 {"espeak-ng:de", 12, "German, eSpeak NG", "de"},
-                 {"en-us", 13, "English (America), eSpeak NG", "en-US"},
-                 {"flite:slt", 15, "SLT, English (US), woman, Flite", "en-US"},
-                 {"own:mine:/v/it's.onnx", 16, "it's, Neural", "cs"},
+                 {"espeak-ng:de", 12, "Deutsch, eSpeak NG", "de"},
+                 {"en-us", 13, "Englisch (USA), eSpeak NG", "en-US"},
+                 {"piqd", 14, "Klingon, eSpeak NG", "piqd"},
+                 {"flite:slt", 16, "SLT, Englisch (USA), woman, Flite", "en-US"},
+                 {"own:mine:/v/it's.onnx", 17, "it's, Tschechisch, Neural", "cs"},
                  {"awb_time", -1, "", ""}};
     for (const auto& [wanted, index, title, tag] : cases) {
         EXPECT_EQ(FindVoice(wanted), index) << wanted;
@@ -162,8 +164,11 @@ void FindManyVoicesOfSeveralEngines() {
         return row.command(row, VoiceAt(index), "/t x", "/w");
     };
     EXPECT_EQ(command(12), "espeak-ng -b 1 -v de -f '/t x' -w /w");
-    EXPECT_EQ(command(15), "flite -voice slt -f '/t x' -o /w");
-    EXPECT_EQ(command(16), "neural '/v/it'\\''s.onnx' '/t x' /w");
+    EXPECT_EQ(command(16), "flite -voice slt -f '/t x' -o /w");
+    EXPECT_EQ(command(17), "neural '/v/it'\\''s.onnx' '/t x' /w");
+}
+
+void CheckTheChosenOne() {
     const UserSetting<const char*> kept{"Settings", "Voice", ""};
     const UserSetting<int> keptNumber{"Settings", "TextToSpeechVoice", 0};
     kept.Delete();
@@ -181,6 +186,52 @@ void FindManyVoicesOfSeveralEngines() {
     EXPECT_EQ(kept.Get(), "festival:kal_diphone");
     kept.Delete();
     keptNumber.Delete();
+}
+
+// "Deutsch: eSpeak NG|...": what the typed words find, in order, each language named once.
+std::string Found(const std::string& typed) {
+    std::string found;
+    std::string language;
+    for (const ListedVoice& listed : VoicesToChooseFrom()) {
+        if (!IsFoundBy(listed, typed))
+            continue;
+        if (listed.voice.languageTitle != language)
+            found += (found.empty() ? "" : "|") + listed.voice.languageTitle + ":";
+        language = listed.voice.languageTitle;
+        found += " " + listed.voice.shortTitle + ",";
+    }
+    return found;
+}
+
+// The user's language first, then those used last: Kal's after the removal of Czech's PH.
+void CheckHowTheyAreFound() {
+    EXPECT_TRUE(Found("").starts_with(
+        "Deutsch: eSpeak NG,|Englisch (USA): Kal, man, eSpeak NG, Kal, man, SLT, woman,"
+        "|Tschechisch: PH, man, it's, two,|Finnisch: LJ, woman,|Klingon: eSpeak NG,|"))
+        << Found("");
+    EXPECT_TRUE(Found("").ends_with("|Other languages: a, b, c, d, e, f, g, very_" +
+                                    std::string(300, 'l') + "ong,"));
+    EXPECT_EQ(Found("tsch NEUR"), "Tschechisch: it's, two,");
+    EXPECT_EQ(Found("czech man"), "Tschechisch: PH, man,");
+    EXPECT_EQ(Found("\u010ce\u0161tina festival"), "Tschechisch: PH, man,");
+    EXPECT_EQ(Found("no such \xFF"), "");
+}
+
+void FindManyVoicesOfSeveralEngines() {
+    const FakeEngine engine(true);
+    const ScopedVariable home("HOME", engine.Path().c_str());
+    const ScopedVariable root("LECTORA_ROOT", engine.Path().c_str());
+    const ScopedVariable language("LANGUAGE", "de");
+    const std::string longName = "very_" + std::string(300, 'l') + "ong";
+    InstallManyVoices(engine, longName);
+    LSilentProgress progress;
+    VoiceListQuery query;
+    ASSERT_EQ(Process(progress, query), kProcessDone);
+    EXPECT_EQ(TTSGetNumSpeakers(), 10);
+    ASSERT_EQ(CountVoices(), 19);
+    CheckEachVoice(longName);
+    CheckTheChosenOne();
+    CheckHowTheyAreFound();
 }
 
 void StopAsking() {
@@ -201,25 +252,32 @@ TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
     InFreshProcess(FindManyVoicesOfSeveralEngines);
 }
 
-TEST(VoiceCharset, IsTheNamedOneOrAsKnown) {
-    EXPECT_EQ(
-        CharsetInDescription("(proclaim_voice 'x '((language italian)\n (coding ISO-8859-1)))"),
-        kLatin1);
-    EXPECT_EQ(CharsetInDescription("   (coding utf-8)"), kUtf8);
-    EXPECT_EQ(CharsetInDescription("(coding ISO-8859-15)"), kLatin9);
-    for (const char* none : {"", "(coding", "(coding )", "(coding KOI-7)", "(language english)"})
-        EXPECT_EQ(CharsetInDescription(none), std::nullopt) << none;
+TEST(VoiceDescription, IsTheInstalledOneOrAsKnown) {
+    const VoiceDescription italian = ReadVoiceDescription(
+        "(proclaim_voice 'x '((language italian)\n (gender \"male\")(coding ISO-8859-1)))", kUtf8);
+    EXPECT_EQ(std::tie(italian.charset, italian.language, italian.kind),
+              std::tuple(kLatin1, "it", "man"));
+    const VoiceDescription scottish =
+        ReadVoiceDescription("(language english)(dialect scottish)(coding ISO-8859-15)", kUtf8);
+    EXPECT_EQ(std::tie(scottish.charset, scottish.language, scottish.kind),
+              std::tuple(kLatin9, "en-GB", ""));
+    for (const char* none : {"", "(coding", "(coding )", "(coding KOI-7)", "(language elvish)"}) {
+        const VoiceDescription described = ReadVoiceDescription(none, kUtf8);
+        EXPECT_EQ(described.charset, kUtf8) << none;
+        EXPECT_EQ(described.language, "") << none;
+    }
 
     const FakeEngine folder;
     const std::string voice = folder / "usr/share/festival/voices/polish/pl_ewa/festvox";
     std::filesystem::create_directories(voice);
     std::ofstream(voice + "/pl_ewa.scm") << ";; a voice\n(coding ISO-8859-2)";
     const ScopedVariable root("LECTORA_ROOT", folder.Path().c_str());
-    EXPECT_EQ(CharsetOfVoice("pl_ewa"), kLatin2) << "installed description";
-    EXPECT_EQ(CharsetOfVoice("czech_ph"), kLatin2) << "known voice";
-    EXPECT_EQ(CharsetOfVoice("hindi_NSK_diphone"), kUtf8);
+    const auto charset = [](const char* name) { return DescriptionOfVoice(name).charset; };
+    EXPECT_EQ(charset("pl_ewa"), kLatin2) << "installed description";
+    EXPECT_EQ(charset("czech_ph"), kLatin2) << "known voice";
+    EXPECT_EQ(charset("hindi_NSK_diphone"), kUtf8);
     for (const char* english : {"kal_diphone", "", "No Voices Found", "../polish/pl_ewa"})
-        EXPECT_EQ(CharsetOfVoice(english), kAscii) << english;
+        EXPECT_EQ(charset(english), kAscii) << english;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "speech/voice_charset.h"
+#include "speech/voice_description.h"
 
 #include <glib.h>
 #include <unistd.h>
@@ -13,6 +13,7 @@
 
 #include "foundation/files/machine_root.h"
 #include "foundation/files/unique_fd.h"
+#include "speech/voice_title.h"
 
 namespace {
 
@@ -68,32 +69,50 @@ std::string InstalledDescription(std::string_view voiceName) {
     return {};
 }
 
-}  // namespace
-
-std::optional<VoiceCharset> CharsetInDescription(std::string_view voiceFile) {
-    constexpr std::string_view kCoding = "(coding ";
-    const std::size_t found = voiceFile.find(kCoding);
+// What stands behind "(key "; empty when nothing does.
+std::string ValueIn(std::string_view voiceFile, const char* key) {
+    const std::string opening = "(" + std::string(key) + " ";
+    const std::size_t found = voiceFile.find(opening);
     if (found == std::string_view::npos)
-        return std::nullopt;
-    voiceFile.remove_prefix(found + kCoding.size());
-    std::string name(
+        return {};
+    voiceFile.remove_prefix(found + opening.size());
+    std::string value(
         voiceFile.substr(0, std::min(voiceFile.find_first_of(")\n"), std::size_t{40})));
-    std::erase_if(name, [](char character) { return character == ' ' || character == '"'; });
-    std::transform(name.begin(), name.end(), name.begin(), g_ascii_tolower);
-    for (const NamedCharset& known : kCharsets)
-        if (known.name == name)
-            return known.charset;
-    return std::nullopt;
+    std::erase_if(value, [](char character) { return character == ' ' || character == '"'; });
+    std::transform(value.begin(), value.end(), value.begin(), g_ascii_tolower);
+    return value;
 }
 
-VoiceCharset CharsetOfVoice(std::string_view voiceName) {
+std::string TagOf(const std::string& language, const std::string& dialect) {
+    constexpr std::pair<std::string_view, const char*> kDialects[] = {
+        {"american", "-US"}, {"british", "-GB"}, {"scottish", "-GB"}};
+    std::string tag = TagOfEnglishName(language);
+    const auto* const known =
+        std::ranges::find(kDialects, dialect, &std::pair<std::string_view, const char*>::first);
+    return tag == "en" && known != std::end(kDialects) ? tag + known->second : tag;
+}
+
+}  // namespace
+
+VoiceDescription ReadVoiceDescription(std::string_view voiceFile, VoiceCharset otherwise) {
+    VoiceDescription described{.charset = otherwise};
+    const auto* const named =
+        std::ranges::find(kCharsets, ValueIn(voiceFile, "coding"), &NamedCharset::name);
+    if (named != std::end(kCharsets))
+        described.charset = named->charset;
+    described.language = TagOf(ValueIn(voiceFile, "language"), ValueIn(voiceFile, "dialect"));
+    const std::string gender = ValueIn(voiceFile, "gender");
+    described.kind = gender == "male" ? "man" : gender == "female" ? "woman" : "";
+    return described;
+}
+
+VoiceDescription DescriptionOfVoice(std::string_view voiceName) {
     // A name with a slash is no voice's and would lead out of the voice folder.
     if (voiceName.empty() || voiceName.find('/') != std::string_view::npos)
-        return VoiceCharset::kAscii;
-    if (const auto named = CharsetInDescription(InstalledDescription(voiceName)))
-        return *named;
-    for (const NamedCharset& known : kKnownVoices)
-        if (voiceName.starts_with(known.name))
-            return known.charset;
-    return VoiceCharset::kAscii;
+        return {};
+    const auto* const known = std::ranges::find_if(
+        kKnownVoices, [voiceName](const auto& voice) { return voiceName.starts_with(voice.name); });
+    return ReadVoiceDescription(InstalledDescription(voiceName), known == std::end(kKnownVoices)
+                                                                     ? VoiceCharset::kAscii
+                                                                     : known->charset);
 }
