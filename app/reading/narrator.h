@@ -56,6 +56,7 @@ public:
     void SpeakBy(SpeakingRules rules) { info_.SpeakBy(std::move(rules)); }
     // The voice that a waiting reading takes; kVoiceUnknown ends it: there is none.
     void SetVoice(int voice);
+    int Voice() const { return voice_; }
     // Stop is the user's, and sets the queue aside as well; what was spoken can be heard again.
     // Then there is no text either: the engine is ended, and what the user set is kept.
     void Forget();
@@ -71,7 +72,8 @@ public:
     void MoveToParagraph(int step);       // 1 or -1: the next one, or the start of this or the last
     void MoveToHeading(int step);         // likewise, where the text has headings
     void MoveToPlace(std::size_t place);  // the sentence at that byte of the text
-    bool CanMove() const;                 // there is a text whose places can be heard
+    void ReadOn(std::size_t place, int voice);  // from there on by that voice
+    bool CanMove() const;                       // there is a text whose places can be heard
     const std::vector<std::size_t>& Headings() const { return info_.Headings(); }
     LSoundTime TimeAt(std::size_t place) const { return info_.TimeAt(place); }
     std::size_t Place() const;  // of the sentence that is heard, or will be

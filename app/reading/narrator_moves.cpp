@@ -134,3 +134,8 @@ void Narrator::MoveToPlace(std::size_t place) {
     else
         GoTo(place);
 }
+
+void Narrator::ReadOn(std::size_t place, int voice) {
+    voice_ = voice;
+    GoTo(place);
+}

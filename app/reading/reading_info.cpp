@@ -31,7 +31,7 @@ void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPa
     reading_.reset();  // both would write the same file
     rate_ = 0;
     begin_ = place;
-    voiceName_ = VoiceAt(voice).title;
+    voiceName_ = SettingsKeyOf(VoiceAt(voice));
     reading_ =
         std::make_unique<SpeechReading>(text_, place, voice, soundPath, ReadingUse::kListening);
     reading_->SpeakBy(rules_ ? *rules_ : ChosenSpeakingRules());

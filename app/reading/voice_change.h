@@ -1,0 +1,27 @@
+// Another voice for what is being read.
+#pragma once
+
+#include <optional>
+
+#include "app/reading/narrator.h"
+
+// A receiver of the narrator's news. GUI thread.
+class VoiceChange {
+public:
+    explicit VoiceChange(Narrator& narrator);
+    VoiceChange(const VoiceChange&) = delete;
+    VoiceChange& operator=(const VoiceChange&) = delete;
+
+    // The sentence that is heard is heard to its end; the next one comes by that voice, as all that
+    // is not heard yet. False: there is nothing to change.
+    bool Begin(int voice);
+
+private:
+    void Hear(const ReadingNews& news);
+    void Act();
+
+    Narrator& narrator_;
+    std::optional<int> voice_;  // that waits for its sentence
+    LGuiTimer sentenceEnd_;
+    Narrator::Subscription news_;
+};
