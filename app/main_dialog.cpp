@@ -52,6 +52,8 @@ MainDialog::MainDialog()
       turn_([this] { narrator_.ContinueQueueSoon(); }),
       voices_(*this, kVoiceList, narrator_, [this] { TellNoSpeechEngine(Widget()); }),
       sleep_(narrator_, commands_, [this](const char* text) { TellStatusText(text); }),
+      voiceCommands_(*this, voices_, narrator_, commands_,
+                     [this](const char* text) { TellStatusText(text); }),
       view_(*this, narrator_,
             {.keys = [this](unsigned int key) { return EvKeyDown(key); },
              .reshaped = [this] { Layout(); },
@@ -103,7 +105,7 @@ MainDialog::MainDialog()
       control_(narrator_, requests_.Ways()) {
     text_.AddCommands(commands_);
     places_.AddCommands();
-    voices_.AddCommands(commands_);
+    voiceCommands_.AddCommands();
     playback_.AddCommands();
     sleep_.AddCommands();
     read_.AddCommands();

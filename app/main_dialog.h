@@ -11,6 +11,7 @@
 #include "app/saving/save_commands.h"
 #include "app/text/recent_list.h"
 #include "app/tool_commands.h"
+#include "app/voices/voice_commands.h"
 #include "app/window/first_moments.h"
 #include "app/window/main_controls.h"
 #include "app/window/playback_commands.h"
@@ -56,6 +57,7 @@ private:
     CommandTurn turn_;
     VoiceChoice voices_;
     SleepCommands sleep_;
+    VoiceCommands voiceCommands_;
     ReadingView view_;
     PlaybackCommands playback_;
     ReadAloud read_;

@@ -71,6 +71,7 @@ enum CommandNumber {
     kSaveTextAs = 1408,
     kWholePage = 1409,
     kSayDifferently = 1410,
+    kChooseVoice = 1411,
     kRecentFile = 1451,  // the newest; the others follow
     kLastRecentFile = 1458,
     kShowCommandBar = 2001,

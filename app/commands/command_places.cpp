@@ -98,6 +98,7 @@ constexpr LMenuItem kMenuBar[] = {
     Item(kWaitingFiles),
     kEndOfPlaces,
     {-1, "&Tools"},
+    Item(kChooseVoice),
     Item(kOptions),
     kEndOfPlaces,
 };

@@ -7,12 +7,14 @@
 #include "app/settings_keys.h"
 #include "app/text/highlight_colors.h"
 #include "app/text/kept_text.h"
+#include "app/voices/voice_chooser_dialog.h"
 #include "desktop/dialogs/start_on_login_controls.h"
 #include "formats/wave_file.h"
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "gui/windows/message_box.h"
 #include "speech/speech_pieces.h"
+#include "speech/voice_table.h"
 
 namespace {
 
@@ -25,6 +27,8 @@ constexpr int kFormatSettings = 107;
 constexpr int kKeepText = 113;
 constexpr int kByLanguage = 114;
 constexpr int kHighlight = 115;
+constexpr int kVoice = 115;
+constexpr int kVoiceButton = 116;
 
 enum : int { kMp3 = 0, kWav = 1 };
 constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
@@ -54,6 +58,8 @@ void DlgGenGeneralDlg(LDialogGenContext& context) {
     context.AddButton(kFormatSettings, "&Format Settings");
     context.GroupEnd();
     context.AddGroup(-1, "Voices");
+    context.AddStatic(kVoice, "");
+    context.AddButton(kVoiceButton, "Choose &Voice...");
     context.AddCheckBox(kByLanguage, "Read each language in a voice of its own");
     context.GroupEnd();
     context.AddGroup(-1, "Text");
@@ -72,6 +78,7 @@ void GeneralDlgImp::InitDialog() {
     SetCheck(kKeepText, kKeepTextSetting.Get());
     SetCheck(kByLanguage, kVoiceByLanguageSetting.Get());
     FillHighlight();
+    ShowVoice();
     shown_ = Choices();
 }
 
@@ -102,6 +109,7 @@ void GeneralDlgImp::FillHighlight() {
 void GeneralDlgImp::EnableControls() {
     const bool useDefault = GetCheck(kUseDefault);
     EnableControl(kRunMode, GetCheck(kRunAtLogin));
+    EnableControl(kVoiceButton, CountVoices() > 0);
     for (const int id : {kFormat, kFormat + 1, kFormatSettings})  // kFormat + 1 is its label
         EnableControl(id, useDefault);
 }
@@ -109,6 +117,13 @@ void GeneralDlgImp::EnableControls() {
 void GeneralDlgImp::Command(int command) {
     if (command == kFormatSettings)
         ShowFormatSettings();
+    else if (command == kVoiceButton && ChooseVoice(Widget()))
+        ShowVoice();
+}
+
+void GeneralDlgImp::ShowVoice() {
+    const int voice = ChosenVoice();
+    SetText(kVoice, voice < 0 ? "" : ("The voice that reads: " + VoiceAt(voice).title).c_str());
 }
 
 void GeneralDlgImp::ShowFormatSettings() {

@@ -29,6 +29,7 @@ private:
     Choice Choices() const;
     void ShowFormatSettings();
     void FillHighlight();
+    void ShowVoice();
 
     Choice shown_;
 };

@@ -1,11 +1,8 @@
-#include "app/words/voice_sample.h"
+#include "app/voices/voice_sample.h"
 
 #include <unistd.h>
 
-#include <algorithm>
-
 #include "app/reading/speech_file.h"
-#include "speech/voice_table.h"
 
 VoiceSample::VoiceSample()
     : narrator_(SampleFilePath()),
@@ -19,7 +16,7 @@ VoiceSample::~VoiceSample() {
     ::unlink(SampleFilePath().c_str());
 }
 
-void VoiceSample::Hear(GtkWidget* parent, const std::string& text) {
+void VoiceSample::Hear(GtkWidget* parent, const std::string& text, int voice) {
     parent_ = parent;
-    narrator_.Read(text, std::max(0, ChosenVoice()), "");
+    narrator_.Read(text, voice, "");
 }

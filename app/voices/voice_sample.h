@@ -18,8 +18,8 @@ public:
     VoiceSample(const VoiceSample&) = delete;
     VoiceSample& operator=(const VoiceSample&) = delete;
 
-    // As it stands, without the pronunciation list, in the chosen voice.
-    void Hear(GtkWidget* parent, const std::string& text);
+    // As it stands, without the pronunciation list, in that voice alone.
+    void Hear(GtkWidget* parent, const std::string& text, int voice);
 
 private:
     GtkWidget* parent_ = nullptr;

@@ -6,7 +6,9 @@
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "speech/pronunciations.h"
+#include "speech/text_language.h"
 #include "speech/voice_table.h"
+#include "speech/voice_title.h"
 
 namespace {
 
@@ -62,8 +64,8 @@ void SayDifferentlyDlg::InitDialog() {
         PDLAddString(kFor, label.c_str());
     };
     add("", "Every voice");
-    const std::string language = voice.language.substr(0, voice.language.find('-'));
-    add(language, "Voices of the language \"" + language + "\"");
+    const std::string language(LanguageOnly(voice.language));
+    add(language, "Voices for " + LanguageTitle(language, language));
     add(KeyOf(voice), "The voice " + voice.title);
     add(entry_.where, entry_.where);
     const auto chosen = std::ranges::find(places_, entry_.where) - places_.begin();
@@ -93,7 +95,7 @@ void SayDifferentlyDlg::Hear() {
     if (said.empty())
         TellScreenReader(Widget(), "This text is skipped.");
     else
-        sample_.Hear(Widget(), said);
+        sample_.Hear(Widget(), said, std::max(0, ChosenVoice()));
 }
 
 bool SayDifferentlyDlg::CmOk() {

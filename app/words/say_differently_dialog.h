@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/words/voice_sample.h"
+#include "app/voices/voice_sample.h"
 #include "gui/windows/dialog.h"
 #include "speech/pronunciation_file.h"
 

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "app/commands/command_numbers.h"
 #include "gui/windows/progress_dialog.h"
 #include "speech/voice_table.h"
 
@@ -13,13 +12,6 @@ VoiceChoice::VoiceChoice(LWindow& window, int list, Narrator& narrator,
       narrator_(narrator),
       missing_(std::move(missing)),
       query_([this] { QueueNotify(); }) {}
-
-void VoiceChoice::AddCommands(CommandSet& commands) {
-    static constexpr CommandRow<VoiceChoice> kRows[] = {
-        {{.number = kVoiceList}, &VoiceChoice::NoteChange},
-    };
-    commands.Add(*this, kRows);
-}
 
 void VoiceChoice::EvNotify() {
     Fill();
@@ -57,12 +49,19 @@ LProcessResult VoiceChoice::Await() {
     return dialog.Result();
 }
 
-void VoiceChoice::NoteChange() {
+bool VoiceChoice::NoteChange() {
     const int selected = window_.PDLGetCurSel(list_);
     if (selected < 0 || selected == chosen_)
-        return;
+        return false;
     chosen_ = selected;
     KeepChosenVoice(chosen_);  // the end of a session ends the program unasked
+    return true;
+}
+
+void VoiceChoice::TakeChosen() {
+    Fill();
+    if (const int chosen = ChosenVoice(); chosen >= 0 && chosen != chosen_)
+        window_.PDLSetCurSel(list_, chosen);  // which the window notes as any change of the list
 }
 
 int VoiceChoice::Chosen() {

@@ -3,7 +3,6 @@
 
 #include <functional>
 
-#include "app/commands/command_set.h"
 #include "app/reading/narrator.h"
 #include "foundation/gdk/queued_notify.h"
 #include "gui/windows/window.h"
@@ -17,8 +16,6 @@ public:
     // engine's answer gets its voice. `missing` tells that there is no voice, in a box.
     VoiceChoice(LWindow& window, int list, Narrator& narrator, std::function<void()> missing);
 
-    void AddCommands(CommandSet& commands);
-
     // Shows the voices that have become known since, whoever asked for them.
     void Update() { Fill(); }
     void Ask() { query_.Ask(); }  // at once; after an answer without voices asks again
@@ -30,12 +27,13 @@ public:
     // Whatever was typed into the list, the voice chosen last reads: a typed name chooses its
     // voice, anything else is put right. Index into the engine's voices, -1 while there are none.
     int Chosen();
-    void Store();  // what was typed, too, for the next start; nothing known, nothing stored
+    bool NoteChange();  // the list's selection may have changed, which is stored then
+    void TakeChosen();  // that was chosen and stored elsewhere
+    void Store();       // what was typed, too, for the next start; nothing known, nothing stored
 
 private:
     void EvNotify() override;
     void Fill();
-    void NoteChange();  // the list's selection has changed; stored
     LProcessResult Await();
 
     LWindow& window_;

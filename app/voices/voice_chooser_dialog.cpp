@@ -1,0 +1,129 @@
+#include "app/voices/voice_chooser_dialog.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <algorithm>
+
+#include "gui/accessible.h"
+#include "gui/windows/dialog_gen_context.h"
+#include "speech/sample_sentence.h"
+
+namespace {
+
+constexpr int kVoiceColumn = 1;
+constexpr int kEngineColumn = 2;
+constexpr LRows kVoicesHeight{12};
+constexpr int kChooserWidth = 520;
+
+}  // namespace
+
+VoiceChooserDlg::VoiceChooserDlg(int voice) : voices_(VoicesToChooseFrom()), voice_(voice) {
+    SetHelpPage("voices");
+}
+
+void VoiceChooserDlg::Generate(LDialogGenContext& context) {
+    context.SetWidth(kChooserWidth);
+    context.AddInput(kSearch, "&Search:");
+    context.AddList(kVoices, kVoicesHeight, "Voices");
+    context.AddStatic(kCount, "");
+    context.AddSpecialOkCancelHelp(kHear, "&Hear It", kOkCancelHelp);
+}
+
+bool VoiceChooserDlg::Run(GtkWidget* parent) {
+    return Open(parent, {"Choose a Voice", false, Generate}, true);
+}
+
+void VoiceChooserDlg::InitDialog() {
+    static constexpr LListColumn kColumns[] = {{"Language", 0}, {"Voice", 0}, {"Engine", 0}};
+    LVInit(kVoices, {LListColumns::kDynamic, kColumns});
+    SetTooltip(kSearch, "A language, a name or an engine; the arrow keys choose in the list");
+    HandleTextChange(kSearch);
+    HandleLVSelChange(kVoices);
+    HandleLVDoubleClick(kVoices, kChosenByPress);
+    g_signal_connect(GetControlByID(kSearch), "key-press-event", G_CALLBACK(GCKeyInSearch), this);
+    FillList();
+    FocusControl(kSearch);
+}
+
+// The list is walked through while the keyboard stays in the entry.
+gboolean VoiceChooserDlg::GCKeyInSearch(GtkWidget*, GdkEventKey* event, gpointer self) {
+    auto* const dialog = static_cast<VoiceChooserDlg*>(self);
+    const int step = event->keyval == GDK_Down ? 1 : event->keyval == GDK_Up ? -1 : 0;
+    if (step == 0)
+        return FALSE;
+    dialog->MoveSelection(step);
+    return TRUE;
+}
+
+void VoiceChooserDlg::MoveSelection(int step) {
+    const int last = static_cast<int>(shown_.size()) - 1;
+    const int row = std::clamp(LVGetFirstSel(kVoices) + step, 0, std::max(last, 0));
+    LVSetCurSel(kVoices, row);
+    NoteSelection();
+    if (last >= 0) {
+        const Voice& voice = voices_[shown_[static_cast<std::size_t>(row)]].voice;
+        TellScreenReader(GetControlByID(kSearch), voice.title.c_str());
+    }
+}
+
+// The voice that was selected stays so where it is still shown, else the first one is.
+void VoiceChooserDlg::FillList() {
+    const std::string typed = GetText(kSearch);
+    const int wanted = voice_;
+    shown_.clear();
+    LVClear(kVoices);
+    int selected = 0;
+    for (std::size_t i = 0; i < voices_.size(); ++i) {
+        const ListedVoice& listed = voices_[i];
+        if (!IsFoundBy(listed, typed))
+            continue;
+        const int row = LVAddString(kVoices, listed.voice.languageTitle.c_str());
+        LVSetColumnString(kVoices, row, kVoiceColumn, listed.voice.shortTitle.c_str());
+        LVSetColumnString(kVoices, row, kEngineColumn, listed.engine.c_str());
+        if (listed.index == wanted)
+            selected = row;
+        shown_.push_back(i);
+    }
+    LVSetCurSel(kVoices, selected);
+    const std::string all = std::to_string(voices_.size());
+    const std::string count = shown_.size() == voices_.size()
+                                  ? all + " voices are installed."
+                                  : std::to_string(shown_.size()) + " of " + all + " voices.";
+    SetText(kCount, count.c_str());
+}
+
+void VoiceChooserDlg::NoteSelection() {
+    const int row = LVGetFirstSel(kVoices);
+    if (row >= 0 && static_cast<std::size_t>(row) < shown_.size())
+        voice_ = voices_[shown_[static_cast<std::size_t>(row)]].index;
+}
+
+void VoiceChooserDlg::EnableControls() {
+    const bool hasSelection = LVGetFirstSel(kVoices) >= 0;
+    EnableControl(kHear, hasSelection);
+    EnableControl(kCommandOk, hasSelection);
+}
+
+void VoiceChooserDlg::Command(int command) {
+    if (command == kSearch)
+        FillList();
+    else if (command == kVoices)
+        NoteSelection();
+    else if (command == kHear)
+        Hear();
+    else if (command == kChosenByPress)
+        DoOKButton();
+}
+
+void VoiceChooserDlg::Hear() {
+    NoteSelection();
+    sample_.Hear(Widget(), SampleSentence(VoiceAt(voice_).language), voice_);
+}
+
+bool ChooseVoice(GtkWidget* parent) {
+    VoiceChooserDlg dialog(std::max(0, ChosenVoice()));
+    if (!dialog.Run(parent))
+        return false;
+    KeepChosenVoice(dialog.Chosen());
+    return true;
+}

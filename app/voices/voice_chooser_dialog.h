@@ -1,0 +1,45 @@
+// "Choose a Voice": all voices that are installed, by language, found by typing.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/voices/voice_sample.h"
+#include "gui/windows/dialog.h"
+#include "speech/voice_finder.h"
+
+class VoiceChooserDlg final : public LDialog {
+public:
+    // voice: index into the voice table of the one that stands selected.
+    explicit VoiceChooserDlg(int voice);
+
+    bool Run(GtkWidget* parent);  // modal; true: OK
+    int Chosen() const { return voice_; }
+
+    void InitDialog() override;
+    void EnableControls() override;
+    bool CmOk() override { return LVGetFirstSel(kVoices) >= 0; }
+    void Command(int command) override;
+
+private:
+    static constexpr int kSearch = 101;
+    static constexpr int kVoices = 103;
+    static constexpr int kCount = 105;
+    static constexpr int kHear = 106;
+    static constexpr int kChosenByPress = 107;
+
+    static void Generate(LDialogGenContext& context);
+    static gboolean GCKeyInSearch(GtkWidget* entry, GdkEventKey* event, gpointer self);
+    void FillList();
+    void MoveSelection(int step);
+    void NoteSelection();
+    void Hear();
+
+    const std::vector<ListedVoice> voices_;
+    std::vector<std::size_t> shown_;  // of voices_, row by row
+    int voice_;
+    VoiceSample sample_;
+};
+
+// The user's choice, which is kept; false when he took none.
+bool ChooseVoice(GtkWidget* parent);
