@@ -18,6 +18,7 @@ constexpr unsigned int kMostRunsWhenSaving = 2;
 // An engine that fails so often without a word in between will not speak the rest either.
 constexpr int kMaxTimeOutsInRow = 6;
 constexpr int kMaxLeftOutInRow = 8;
+constexpr int kSilentInRow = 2;
 constexpr std::size_t kMaxQuote = 60;  // bytes
 
 // The stretch on one line, cut at a blank or a character.
@@ -32,6 +33,10 @@ std::string Quote(std::string_view stretch) {
     for (const char character : stretch)
         quote += static_cast<unsigned char>(character) < ' ' ? ' ' : character;
     return quote + (isCut ? "...\"" : "\"");
+}
+
+std::string Joined(const std::string& one, const std::string& other) {
+    return one.empty() || other.empty() ? one + other : one + " " + other;
 }
 
 }  // namespace
@@ -61,7 +66,7 @@ PieceRuns::~PieceRuns() = default;
 bool PieceRuns::StartRuns() {
     if (!pieces_) {
         TTSGetNumSpeakers();  // asks when nobody has
-        pieces_.emplace(text_, voice_, use_, rules_);
+        CutFrom(0);
     }
     while (!hasEnded_ && runs_.size() < mostAtOnce_ && taker_.IsMoreWanted() && PullPiece()) {
     }
@@ -73,12 +78,41 @@ bool PieceRuns::StartRuns() {
     return !hasEnded_;
 }
 
+void PieceRuns::CutFrom(std::size_t begin) {
+    SpeakingRules rules = rules_;
+    rules.marks = MarksFrom(rules_.marks, begin);
+    piecesBegin_ = begin;
+    pieces_.emplace(text_.substr(begin), voice_, use_, std::move(rules));
+    isAtEndOfText_ = false;
+}
+
 bool PieceRuns::PullPiece() {
     auto run = std::make_unique<Run>();
     isAtEndOfText_ = isAtEndOfText_ || !pieces_->Next(run->piece);
+    for (TextUnit& unit : run->piece.units) {
+        unit.sourceBegin += piecesBegin_;
+        unit.sourceEnd += piecesBegin_;
+    }
     if (!isAtEndOfText_)
         runs_.push_back(std::move(run));
     return !isAtEndOfText_;
+}
+
+// An engine or a voice may be removed while it reads. What it has not spoken is cut anew, since
+// each voice takes its text in its own way.
+bool PieceRuns::GoOnWithAnotherVoice(const SpeechPiece& piece, bool isEngineMissing) {
+    if (!rules_.instead.Replace(piece.voice, isEngineMissing))
+        return false;
+    const std::size_t begin =
+        leftOutInRow_ == 0
+            ? piece.SourceBegin()
+            : leftOut_[leftOut_.size() - static_cast<std::size_t>(leftOutInRow_)].sourceBegin;
+    leftOut_.resize(leftOut_.size() - static_cast<std::size_t>(leftOutInRow_));
+    leftOutInRow_ = 0;
+    runs_.clear();
+    earlierMessage_ = Joined(earlierMessage_, pieces_->Message());
+    CutFrom(begin);
+    return true;
 }
 
 void PieceRuns::StartRun(Run& run) {
@@ -119,6 +153,10 @@ void PieceRuns::Take(LProcessResult waited) {
         case SynthesisOutcome::kIncomplete:
             TryInHalves(std::move(run));
             return;
+        case SynthesisOutcome::kEngineMissing:
+            if (GoOnWithAnotherVoice(run->piece, true))
+                return;
+            [[fallthrough]];
         default:
             End(run->request.outcome);
     }
@@ -143,6 +181,7 @@ void PieceRuns::TakeSound(Run& run) {
         return;
     }
     hasSpoken_ = true;
+    haveSpoken_.insert(run.piece.voice);
     spokenTo_ = run.piece.SourceEnd();
 }
 
@@ -181,7 +220,14 @@ void PieceRuns::LeaveOut(const SpeechPiece& piece, SynthesisOutcome why) {
     whyNothing_ = why;
     LOGWARNF("Speech: left out bytes %zu to %zu of the text: %s", piece.SourceBegin(),
              piece.SourceEnd(), SynthesisMessage(why, VoiceAt(piece.voice)).c_str());
-    if (++leftOutInRow_ >= kMaxLeftOutInRow)
+    ++leftOutInRow_;
+    // A voice that has never spoken may have been removed: it need not fail as often.
+    const bool hasSpoken = haveSpoken_.contains(piece.voice);
+    const bool isGone = leftOutInRow_ >= (hasSpoken ? kMaxLeftOutInRow : kSilentInRow) ||
+                        (!hasSpoken && isAtEndOfText_);
+    if (why == SynthesisOutcome::kNoSound && isGone && GoOnWithAnotherVoice(piece, false))
+        return;
+    if (leftOutInRow_ >= kMaxLeftOutInRow)
         End(why);
 }
 
@@ -196,10 +242,9 @@ double PieceRuns::Fraction() const {
 }
 
 std::string PieceRuns::LeftOutMessage() const {
-    const std::string unspoken = ::LeftOutMessage(text_, leftOut_);
-    const std::string unsayable = pieces_ ? pieces_->Message() : "";
-    return unspoken.empty() || unsayable.empty() ? unspoken + unsayable
-                                                 : unspoken + " " + unsayable;
+    const std::string unsayable =
+        pieces_ ? Joined(earlierMessage_, pieces_->Message()) : earlierMessage_;
+    return Joined(rules_.instead.Message(), Joined(::LeftOutMessage(text_, leftOut_), unsayable));
 }
 
 std::string LeftOutMessage(std::string_view text, const std::vector<LeftOutUnit>& leftOut) {

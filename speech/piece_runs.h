@@ -8,6 +8,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -64,6 +65,8 @@ private:
     struct Run;
 
     bool PullPiece();
+    void CutFrom(std::size_t begin);
+    bool GoOnWithAnotherVoice(const SpeechPiece& piece, bool isEngineMissing);
     void StartRun(Run& run);
     void TakeSound(Run& run);
     void TryInHalves(std::unique_ptr<Run> failed);
@@ -77,6 +80,9 @@ private:
     SpokenPieceTaker& taker_;
     SpeakingRules rules_;
     std::optional<SpeechPieces> pieces_;
+    std::size_t piecesBegin_ = 0;  // byte of the text that they begin at
+    std::string earlierMessage_;   // of the pieces before these
+    std::set<int> haveSpoken_;     // voices
     std::size_t mostAtOnce_;
     std::deque<std::unique_ptr<Run>> runs_;  // in the order of the text, those at work in front
     bool isAtEndOfText_ = false;

@@ -100,6 +100,7 @@ bool SpeechPieces::NextUnit() {
         if (!stretches_.Next(stretch_))
             return false;
         const std::string_view text = text_.substr(stretch_.begin, stretch_.end - stretch_.begin);
+        stretch_.voice = rules_.instead.Of(stretch_.voice);
         const Voice voice = VoiceAt(stretch_.voice);
         units_.emplace(text, voice.charset, voice.language, SaidBy(voice, text, rules_));
     }

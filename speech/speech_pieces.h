@@ -12,6 +12,7 @@
 #include "speech/text_preparation.h"
 #include "speech/voice_stretches.h"
 #include "speech/voice_table.h"
+#include "speech/voices_instead.h"
 
 class Pronunciations;
 
@@ -26,6 +27,7 @@ struct SpeakingRules {
     std::vector<LanguageMark> marks = {};  // of the text's document
     // That list, whatever becomes of the files meanwhile; null: as they are now.
     std::shared_ptr<const Pronunciations> pronunciations = {};
+    VoicesInstead instead = {};            // of voices that cannot speak any more
 };
 
 // As the user has chosen.

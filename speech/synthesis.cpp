@@ -3,9 +3,11 @@
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -30,6 +32,7 @@ namespace {
 constexpr const char* kTemporaryFolder = "/tmp/";
 constexpr std::size_t kMaxCommand = 260;
 constexpr std::size_t kMostErrors = 1000;        // bytes of a run that the log gets
+constexpr rlim_t kLargestSound = 1 << 30;        // bytes; a piece's is some megabytes
 constexpr unsigned long kFullDiskBytes = 65536;  // fewer free bytes count as a full disk
 
 bool IsDiskFull(const std::string& folder) {
@@ -91,6 +94,7 @@ struct SynthesisRun::Record {
 
 private:
     static std::string ReadErrors(int fd, pid_t engine);
+    static void EndLeftBehind(pid_t engine);
 
     std::mutex mutex_;   // guards what follows
     pid_t engine_ = -1;  // leads its process group; -1 while it does not run
@@ -114,15 +118,32 @@ void SynthesisRun::Record::RunEngine() {
             engine = LChildProcess::StartShell(command.c_str(), streams);
         engine_ = engine.Pid();
     }
+    if (engine.IsStarted()) {
+        const rlimit file{kLargestSound, kLargestSound};
+        ::prlimit(engine.Pid(), RLIMIT_FSIZE, &file, nullptr);
+    }
     result.store(engine.IsStarted() ? kProcessDone : kProcessFailed);
     errorPipe.writeEnd.Reset();
     std::string errors;
     if (engine.IsStarted())
         errors = ReadErrors(errorPipe.readEnd.Get(), engine.Pid());
+    EndLeftBehind(engine.Pid());
     engine.Wait();
     const std::lock_guard<std::mutex> lock(mutex_);
     engine_ = -1;
     errors_ = std::move(errors);
+}
+
+// What the engine put into the background ends with it. Until it is waited for, no other process
+// can have its number.
+void SynthesisRun::Record::EndLeftBehind(pid_t engine) {
+    siginfo_t ended{};
+    while (engine > 0 &&
+           ::waitid(P_PID, static_cast<id_t>(engine), &ended, WEXITED | WNOWAIT) != 0 &&
+           errno == EINTR) {
+    }
+    if (engine > 0)
+        ::kill(-engine, SIGKILL);
 }
 
 // Until the engine has ended: what it left in the background may hold the pipe for ever.

@@ -43,7 +43,7 @@ std::string LanguageNameIn(const std::string& locale, const std::string& tag) {
     return name.empty() ? language : name;
 }
 
-std::string Joined(std::initializer_list<std::string_view> parts) {
+std::string JoinedParts(std::initializer_list<std::string_view> parts) {
     std::string text;
     for (const std::string_view part : parts) {
         text += text.empty() || part.empty() ? "" : ", ";
@@ -79,8 +79,8 @@ std::string TagOfEnglishName(std::string_view name) {
 
 void NameVoice(Voice& voice, const VoiceCalled& called) {
     voice.languageTitle = LanguageTitle(voice.language, called.language);
-    voice.title = Joined({called.given, voice.languageTitle, called.kind, called.engine});
-    voice.shortTitle = Joined({called.given, called.kind});
+    voice.title = JoinedParts({called.given, voice.languageTitle, called.kind, called.engine});
+    voice.shortTitle = JoinedParts({called.given, called.kind});
     if (voice.shortTitle.empty())
         voice.shortTitle = called.engine;
 }
