@@ -99,7 +99,7 @@ MainDialog::MainDialog()
       save_({*this, turn_, text_, sources_, voices_}),
       audiobooks_({*this, turn_, text_, voices_}),
       hotKeys_(*this, turn_),
-      tools_(*this, text_, hotKeys_),
+      tools_(*this, text_, hotKeys_, voiceCommands_),
       controls_(*this, commands_, places_),
       title_(*this, narrator_, [this] { return text_.Title(); }),
       control_(narrator_, requests_.Ways()) {
@@ -142,6 +142,7 @@ void MainDialog::InitDialog() {
     text_.TakeDrops(Widget());
     view_.ShowStatus();
     places_.CreateMenus();
+    voiceCommands_.CreateIndicator();
     AddStandardMenuItems(true);
     LHelpLinks::SetUp(*this);
     recent_.Show();

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/commands/command_numbers.h"
+#include "app/document_languages.h"
 #include "app/settings_keys.h"
 #include "gui/icon_numbers.h"
 #include "speech/text_places.h"
@@ -90,6 +91,7 @@ void ReadAloud::Begin(TextToRead what, bool isWhole) {
     // The engine may be slow to wake up, or have been installed since the program was started.
     const int voice = parts_.voices.Chosen();
     ReadingText text{.text = std::move(what.text), .begin = begin};
+    text.languages = MarksFrom(MarksOf(parts_.text.Languages()), what.offset);
     if (isWhole) {
         text.title = parts_.text.Title();
         text.headings = parts_.text.Headings();

@@ -39,8 +39,10 @@ void ToolCommands::CmOptions() {
     hotKeys_.Stop();
     OptDlg(window_.Widget());
     // The window may have been closed meanwhile.
-    if (window_.IsOpen())
-        hotKeys_.Start();
+    if (!window_.IsOpen())
+        return;
+    hotKeys_.Start();
+    voices_.TakeSettings();
 }
 
 void ToolCommands::CmSayDifferently() {

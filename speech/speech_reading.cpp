@@ -58,7 +58,7 @@ public:
         if (!Write(adapted, frames))
             return SynthesisOutcome::kCannotWrite;
         const std::size_t end = reading_.begin_ + piece.SourceEnd();
-        track_.Append(frames, reading_.begin_ + piece.SourceBegin(), end);
+        track_.Append(frames, reading_.begin_ + piece.SourceBegin(), end, piece.voice);
         {
             const std::lock_guard<std::mutex> lock(reading_.mutex_);
             reading_.fraction_ =

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <chrono>
 
-void SpeechTrack::Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd) {
+void SpeechTrack::Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd, int voice) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    entries_.push_back({frames_, sourceBegin, sourceEnd});
+    entries_.push_back({frames_, sourceBegin, sourceEnd, voice});
     frames_ += frames;
     grown_.notify_all();
 }
@@ -30,7 +30,7 @@ SpokenStretch SpeechTrack::All() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (entries_.empty())
         return {};
-    return {entries_.front().sourceBegin, entries_.back().sourceEnd, 0, frames_};
+    return {entries_.front().sourceBegin, entries_.back().sourceEnd, 0, frames_, -1};
 }
 
 std::optional<int> SpeechTrack::FrameOf(std::size_t source) const {
@@ -60,7 +60,7 @@ std::optional<SpokenStretch> SpeechTrack::StretchAt(int frame) const {
         return std::nullopt;
     const std::size_t index = IndexAt(frame);
     return SpokenStretch{entries_[index].sourceBegin, entries_[index].sourceEnd, StartOf(index),
-                         StartOf(index + 1)};
+                         StartOf(index + 1), entries_[index].voice};
 }
 
 int SpeechTrack::SentenceStart(int frame) const {

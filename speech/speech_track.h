@@ -18,13 +18,14 @@ struct SpokenStretch {
     std::size_t sourceEnd = 0;
     int firstFrame = 0;
     int endFrame = 0;
+    int voice = -1;  // who speaks it, an index into the voice table; -1: several, or nobody knows
 };
 
 class SpeechTrack {
 public:
     // A stretch is a sentence or some very short ones.
     // The producer's: frames of sound for the stretch are in the file behind those before.
-    void Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd);
+    void Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd, int voice = -1);
     void Complete();  // no more will come
 
     int Frames() const;         // that are in the file by now
@@ -59,6 +60,7 @@ private:
         int firstFrame;
         std::size_t sourceBegin;
         std::size_t sourceEnd;
+        int voice;
     };
 
     std::size_t IndexAt(int frame) const;  // of the stretch; entries_ is not empty, mutex_ held

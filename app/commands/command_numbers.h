@@ -72,6 +72,7 @@ enum CommandNumber {
     kWholePage = 1409,
     kSayDifferently = 1410,
     kChooseVoice = 1411,
+    kVoiceByLanguage = 1412,
     kRecentFile = 1451,  // the newest; the others follow
     kLastRecentFile = 1458,
     kShowCommandBar = 2001,

@@ -99,6 +99,7 @@ constexpr LMenuItem kMenuBar[] = {
     kEndOfPlaces,
     {-1, "&Tools"},
     Item(kChooseVoice),
+    Item(-kVoiceByLanguage),
     Item(kOptions),
     kEndOfPlaces,
 };

@@ -9,6 +9,7 @@ void ReadingInfo::SetText(ReadingText text) {
     Forget();
     title_ = text.title.empty() ? BeginningOf(text.text) : std::move(text.title);
     headings_ = std::move(text.headings);
+    languages_ = std::move(text.languages);
     begin_ = std::min(text.begin, text.text.size());
     times_ = ReadingTimes(text.text.size(), begin_);
     text_ = std::make_shared<const std::string>(std::move(text.text));
@@ -18,6 +19,7 @@ void ReadingInfo::Forget() {
     reading_.reset();
     text_ = std::make_shared<const std::string>();
     headings_.clear();
+    languages_.clear();
     times_ = ReadingTimes();
     begin_ = 0;
     voiceName_.clear();
@@ -34,7 +36,9 @@ void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPa
     voiceName_ = SettingsKeyOf(VoiceAt(voice));
     reading_ =
         std::make_unique<SpeechReading>(text_, place, voice, soundPath, ReadingUse::kListening);
-    reading_->SpeakBy(rules_ ? *rules_ : ChosenSpeakingRules());
+    SpeakingRules rules = rules_ ? *rules_ : ChosenSpeakingRules();
+    rules.marks = languages_;
+    reading_->SpeakBy(std::move(rules));
     reading_->Start();
 }
 

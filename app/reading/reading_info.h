@@ -12,10 +12,11 @@
 
 // What there is to read. Places are bytes of the text.
 struct ReadingText {
-    std::string text;                        // UTF-8
-    std::string title = {};                  // what it is called; empty: by its first words
-    std::size_t begin = 0;                   // where the reading begins
-    std::vector<std::size_t> headings = {};  // where they begin, in order
+    std::string text;                          // UTF-8
+    std::string title = {};                    // what it is called; empty: by its first words
+    std::size_t begin = 0;                     // where the reading begins
+    std::vector<std::size_t> headings = {};    // where they begin, in order
+    std::vector<LanguageMark> languages = {};  // what the document says of its language
 };
 
 // A text, and the part of it that is being spoken: from a place on, which changes when the listener
@@ -59,6 +60,7 @@ private:
     const std::function<bool()> hasNext_;
     std::shared_ptr<const std::string> text_ = std::make_shared<const std::string>();
     std::vector<std::size_t> headings_;
+    std::vector<LanguageMark> languages_;
     std::optional<SpeakingRules> rules_;  // else as the user has chosen
     std::unique_ptr<SpeechReading> reading_;
     ReadingTimes times_;  // but for what was spoken since the part began

@@ -20,7 +20,15 @@ VoiceChange::VoiceChange(Narrator& narrator)
 bool VoiceChange::Begin(int voice) {
     voice_.reset();
     sentenceEnd_.Stop();
-    if (!narrator_.CanMove() || voice == narrator_.Voice())
+    return voice != narrator_.Voice() && ReadOnWith(voice);
+}
+
+void VoiceChange::BeginAnew() {
+    ReadOnWith(voice_.value_or(narrator_.Voice()));
+}
+
+bool VoiceChange::ReadOnWith(int voice) {
+    if (!narrator_.CanMove())
         return false;
     if (narrator_.State() == ReadingState::kWaitingForSound)
         narrator_.ReadOn(narrator_.Place(), voice);

@@ -15,8 +15,11 @@ public:
     // The sentence that is heard is heard to its end; the next one comes by that voice, as all that
     // is not heard yet. False: there is nothing to change.
     bool Begin(int voice);
+    // The same for rules of speaking that have changed, with the voice as it is.
+    void BeginAnew();
 
 private:
+    bool ReadOnWith(int voice);
     void Hear(const ReadingNews& news);
     void Act();
 

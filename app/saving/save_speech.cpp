@@ -111,7 +111,7 @@ public:
                                                  : WholeFile::Existing::kRefuse) {}
 
     // What is to be told in the status bar.
-    std::string Run(const std::string& text, int voice);
+    std::string Run(const std::string& text, int voice, SpeakingRules rules);
 
 private:
     bool NeedsEncoder() const { return RowOf(target_.type).component != nullptr; }
@@ -210,11 +210,11 @@ std::string Saving::NothingSaved() const {
                             : "Nothing was saved.";
 }
 
-std::string Saving::Run(const std::string& text, int voice) {
+std::string Saving::Run(const std::string& text, int voice, SpeakingRules rules) {
     if (!IsReady(text.size()))
         return "";
     SpeechReading reading(text, voice, speech_.Path(), ReadingUse::kSaving);
-    reading.SpeakBy(ChosenSpeakingRules());
+    reading.SpeakBy(std::move(rules));
     if (!Speak(reading))
         return NothingSaved();
     LSoundSource source = reading.OpenSource();
@@ -241,7 +241,9 @@ std::string Saving::Run(const std::string& text, int voice) {
 }  // namespace
 
 std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice,
-                       const std::string& suggestedName) {
+                       const std::string& suggestedName, std::vector<LanguageMark> languages) {
+    SpeakingRules rules = ChosenSpeakingRules();
+    rules.marks = std::move(languages);
     const std::optional<SaveTarget> target = ChooseSaveTarget(parent, suggestedName);
-    return target ? Saving(parent, *target).Run(text, voice) : "";
+    return target ? Saving(parent, *target).Run(text, voice, std::move(rules)) : "";
 }

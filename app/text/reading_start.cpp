@@ -75,8 +75,12 @@ ReadFrom ReadingStart::Which() const {
 TextToRead ReadingStart::Take(ReadFrom from) const {
     GtkTextIter begin;
     GtkTextIter end;
-    if (from == ReadFrom::kSelection && gtk_text_buffer_get_selection_bounds(buffer_, &begin, &end))
-        return {lines_->Text(begin, end), begin};
+    if (from == ReadFrom::kSelection &&
+        gtk_text_buffer_get_selection_bounds(buffer_, &begin, &end)) {
+        GtkTextIter start;
+        gtk_text_buffer_get_start_iter(buffer_, &start);
+        return {lines_->Text(begin, end), begin, 0, lines_->Bytes(start, begin)};
+    }
     if (from != ReadFrom::kBeginning)
         return FromCursor();
     gtk_text_buffer_get_bounds(buffer_, &begin, &end);

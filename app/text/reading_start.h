@@ -17,7 +17,8 @@ enum class ReadFrom { kBeginning, kCursor, kSelection };
 struct TextToRead {
     std::string text;
     GtkTextIter start;
-    std::size_t begin = 0;  // byte of the text at which the reading begins
+    std::size_t begin = 0;   // byte of the text at which the reading begins
+    std::size_t offset = 0;  // of the text's first byte in all of the text
 };
 
 // The cursor counts once it was placed since the text came: a text that has just been typed, loaded

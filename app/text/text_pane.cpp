@@ -26,6 +26,7 @@ LEditWidgets TextPane::NewTextBox() {
     history_.Attach(buffer_.Get(), lines_);
     highlight_.Attach(view_, lines_);
     headings_.Attach(buffer_.Get(), lines_);
+    languages_.Attach(buffer_.Get(), lines_);
     lines_.Attach(buffer_.Get());
     kept_.Attach(buffer_.Get(), lines_);
     history_.BeginAnew();
@@ -105,6 +106,8 @@ void TextPane::Replace(const std::string& text) {
     gtk_text_buffer_end_user_action(buffer_.Get());
     highlight_.End();
     headings_.Set({});
+    languages_.Set({});
+    languageTags_.clear();
     title_.clear();
     start_.TextCame();
 }
@@ -118,6 +121,19 @@ void TextPane::TakeFile(const Document& document, const std::string& path) {
     for (const DocumentHeading& heading : document.headings)
         places.push_back(heading.begin);
     headings_.Set(places);
+    places.clear();
+    for (const DocumentLanguage& language : document.languages) {
+        places.push_back(language.begin);
+        languageTags_.push_back(language.tag);
+    }
+    languages_.Set(places);
+}
+
+std::vector<DocumentLanguage> TextPane::Languages() const {
+    std::vector<DocumentLanguage> languages;
+    for (const std::size_t place : languages_.Places())
+        languages.push_back({place, languageTags_[languages.size()]});
+    return languages;
 }
 
 std::string TextPane::Title() const {

@@ -65,6 +65,8 @@ public:
     // What the document calls itself, else its file's name; empty: it is none.
     std::string Title() const;
     std::vector<std::size_t> Headings() const { return headings_.Places(); }
+    // What the document says of its language, where it is now.
+    std::vector<DocumentLanguage> Languages() const;
     const ReadingStart& Start() const { return start_; }
     GtkTextIter PlaceCursor(std::size_t byte);  // of the text; it comes into view
     std::string WordAtCursor() const;           // or what is selected; may be empty
@@ -96,6 +98,8 @@ private:
     ReadingStart start_;
     TextClicks clicks_;
     TextHeadings headings_;
+    TextHeadings languages_;  // where they begin
+    std::vector<std::string> languageTags_;
     std::string title_;  // the document's own
     OriginalText original_;
     FindBar find_;

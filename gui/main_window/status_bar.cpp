@@ -21,6 +21,11 @@ GtkWidget* LStatusBar::CreateStatusBar() {
     return bar_;
 }
 
+void LStatusBar::AddToStatusBar(GtkWidget* widget) {
+    gtk_widget_set_no_show_all(widget, TRUE);
+    gtk_box_pack_end(GTK_BOX(bar_), widget, FALSE, FALSE, 0);
+}
+
 void LStatusBar::SetStatusText(const char* text) {
     if (bar_ == nullptr)
         return;

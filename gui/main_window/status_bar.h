@@ -12,6 +12,9 @@ public:
     // The same for what is news to the user: screen readers say it.
     void TellStatusText(const char* text);
 
+    // At its right end, in the order in which they come; hidden until it is shown.
+    void AddToStatusBar(GtkWidget* widget);
+
 protected:
     LStatusBar() = default;
     ~LStatusBar();
