@@ -3,7 +3,6 @@
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
@@ -31,8 +30,9 @@ namespace {
 
 constexpr const char* kTemporaryFolder = "/tmp/";
 constexpr std::size_t kMaxCommand = 260;
-constexpr std::size_t kMostErrors = 1000;        // bytes of a run that the log gets
-constexpr rlim_t kLargestSound = 1 << 30;        // bytes; a piece's is some megabytes
+constexpr std::size_t kMostErrors = 1000;  // bytes of a run that the log gets
+// Of a run's file, in blocks of 512 bytes: a gigabyte, where a piece takes some megabytes.
+constexpr std::string_view kFileBound = "ulimit -f 2097152; ";
 constexpr unsigned long kFullDiskBytes = 65536;  // fewer free bytes count as a full disk
 
 bool IsDiskFull(const std::string& folder) {
@@ -118,10 +118,6 @@ void SynthesisRun::Record::RunEngine() {
             engine = LChildProcess::StartShell(command.c_str(), streams);
         engine_ = engine.Pid();
     }
-    if (engine.IsStarted()) {
-        const rlimit file{kLargestSound, kLargestSound};
-        ::prlimit(engine.Pid(), RLIMIT_FSIZE, &file, nullptr);
-    }
     result.store(engine.IsStarted() ? kProcessDone : kProcessFailed);
     errorPipe.writeEnd.Reset();
     std::string errors;
@@ -193,7 +189,8 @@ LSignalObjectRef SynthesisRun::Finished() const {
 bool SynthesisRun::Start() {
     const PreparedText prepared = PrepareText(
         request_.text, voice_.charset, voice_.language,
-        SaidDifferently(CurrentPronunciations(), request_.text, KeyOf(voice_), voice_.language));
+        SaidDifferently(CurrentPronunciations(), request_.text, KeyOf(voice_), voice_.language),
+        SpokenForms(request_.text, voice_.language, SaidByEngineOf(voice_), {}));
     if (!prepared.hasWords) {
         request_.outcome = SynthesisOutcome::kNothingToSay;
         return false;
@@ -248,7 +245,8 @@ bool SynthesisRun::ChooseCommand(std::string& command) {
 bool SynthesisRun::StartWorker(std::string command) {
     record_ = std::make_shared<Record>();
     // In place of the shell, so that the engine itself dies with its starter.
-    record_->command = (engine_.isOneProgram ? "exec " : "") + std::move(command);
+    record_->command =
+        std::string(kFileBound) + (engine_.isOneProgram ? "exec " : "") + std::move(command);
     auto* const share = new std::shared_ptr<Record>(record_);
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);

@@ -13,6 +13,7 @@
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "gui/windows/message_box.h"
+#include "gui/windows/static_text.h"
 #include "speech/speech_pieces.h"
 #include "speech/voice_table.h"
 
@@ -28,6 +29,9 @@ constexpr int kKeepText = 113;
 constexpr int kByLanguage = 114;
 constexpr int kHighlight = 115;
 constexpr int kVoice = 115;
+constexpr int kSpellCapitals = 117;
+constexpr int kSayPunctuation = 118;
+constexpr int kSayEmoji = 119;
 constexpr int kVoiceButton = 116;
 
 enum : int { kMp3 = 0, kWav = 1 };
@@ -61,6 +65,9 @@ void DlgGenGeneralDlg(LDialogGenContext& context) {
     context.AddStatic(kVoice, "");
     context.AddButton(kVoiceButton, "Choose &Voice...");
     context.AddCheckBox(kByLanguage, "Read each language in a voice of its own");
+    context.AddCheckBox(kSpellCapitals, "Spell words in capitals");
+    context.AddCheckBox(kSayPunctuation, "Say punctuation");
+    context.AddCheckBox(kSayEmoji, "Say emoji");
     context.GroupEnd();
     context.AddGroup(-1, "Text");
     context.AddCheckBox(kKeepText, "&Keep the text for the next start");
@@ -78,6 +85,9 @@ void GeneralDlgImp::InitDialog() {
     SetCheck(kKeepText, kKeepTextSetting.Get());
     SetCheck(kByLanguage, kVoiceByLanguageSetting.Get());
     FillHighlight();
+    SetCheck(kSpellCapitals, kSpellCapitalsSetting.Get());
+    SetCheck(kSayPunctuation, kSayPunctuationSetting.Get());
+    SetCheck(kSayEmoji, kSayEmojiSetting.Get());
     ShowVoice();
     shown_ = Choices();
 }
@@ -104,6 +114,15 @@ void GeneralDlgImp::FillHighlight() {
     names.push_back(nullptr);
     PDLFill(kHighlight, names.data());
     PDLSetCurSel(kHighlight, chosen);
+    return {GetCheck(kRunAtLogin),
+            PDLGetCurSel(kRunMode),
+            GetCheck(kUseDefault) ? "1" : "0",
+            PDLGetCurSel(kFormat) == kMp3 ? "0" : "1",
+            GetCheck(kKeepText),
+            GetCheck(kByLanguage),
+            GetCheck(kSpellCapitals),
+            GetCheck(kSayPunctuation),
+            GetCheck(kSayEmoji)};
 }
 
 void GeneralDlgImp::EnableControls() {
@@ -123,7 +142,9 @@ void GeneralDlgImp::Command(int command) {
 
 void GeneralDlgImp::ShowVoice() {
     const int voice = ChosenVoice();
-    SetText(kVoice, voice < 0 ? "" : ("The voice that reads: " + VoiceAt(voice).title).c_str());
+    SetStaticText(
+        *this, kVoice,
+        voice < 0 ? "No voice is installed." : "The voice that reads: " + VoiceAt(voice).title);
 }
 
 void GeneralDlgImp::ShowFormatSettings() {
@@ -153,6 +174,10 @@ bool GeneralDlgImp::CmOk() {
     isKept = KeepChange(kKeepTextSetting, shown_.keepText, now.keepText) && isKept;
     isKept = KeepChange(kVoiceByLanguageSetting, shown_.byLanguage, now.byLanguage) && isKept;
     isKept = KeepChange(kHighlightSetting, shown_.highlight, now.highlight) && isKept;
+    isKept = KeepChange(kSpellCapitalsSetting, shown_.spellCapitals, now.spellCapitals) && isKept;
+    isKept =
+        KeepChange(kSayPunctuationSetting, shown_.sayPunctuation, now.sayPunctuation) && isKept;
+    isKept = KeepChange(kSayEmojiSetting, shown_.sayEmoji, now.sayEmoji) && isKept;
     if (!now.keepText)
         ForgetKeptText();
     if (!isKept)

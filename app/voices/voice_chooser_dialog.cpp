@@ -6,6 +6,7 @@
 
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/static_text.h"
 #include "speech/sample_sentence.h"
 
 namespace {
@@ -13,7 +14,7 @@ namespace {
 constexpr int kVoiceColumn = 1;
 constexpr int kEngineColumn = 2;
 constexpr LRows kVoicesHeight{12};
-constexpr int kChooserWidth = 520;
+constexpr int kChooserWidth = 640;
 
 }  // namespace
 
@@ -26,7 +27,7 @@ void VoiceChooserDlg::Generate(LDialogGenContext& context) {
     context.AddInput(kSearch, "&Search:");
     context.AddList(kVoices, kVoicesHeight, "Voices");
     context.AddStatic(kCount, "");
-    context.AddSpecialOkCancelHelp(kHear, "&Hear It", kOkCancelHelp);
+    context.AddSpecialOkCancelHelp(kHear, "Hear &It", kOkCancelHelp);
 }
 
 bool VoiceChooserDlg::Run(GtkWidget* parent) {
@@ -89,7 +90,7 @@ void VoiceChooserDlg::FillList() {
     const std::string count = shown_.size() == voices_.size()
                                   ? all + " voices are installed."
                                   : std::to_string(shown_.size()) + " of " + all + " voices.";
-    SetText(kCount, count.c_str());
+    SetStaticText(*this, kCount, count);
 }
 
 void VoiceChooserDlg::NoteSelection() {

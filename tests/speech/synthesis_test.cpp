@@ -114,6 +114,16 @@ TEST(Synthesis, ARunThatIsGivenUpEndsItsEngineWithAllThatItStarted) {
     }
 }
 
+TEST(Synthesis, WhatAnEngineLeavesBehindEndsWithItAndItsFileHasABound) {
+    const FakeEngine engine;
+    engine.Speak(
+        "sleep 100 & echo $! >$here/ids; ulimit -f >$here/blocks; cp $here/good.wav \"$5\"");
+    Request request("Hello", engine / "s.wav");
+    EXPECT_EQ(request.Run(), SynthesisOutcome::kSpoken);
+    EXPECT_TRUE(ProcessesEnd(engine / "ids"));
+    EXPECT_EQ(engine.Read("blocks"), "2097152\n");
+}
+
 TEST(Synthesis, AnEngineDiesWithTheProgram) {
     const FakeEngine engine;
     engine.Speak("echo $$ >$here/engine; exec sleep 100");

@@ -1,6 +1,7 @@
 // The narrator itself, without windows: its states, and what its receivers are told.
 #include "app/reading/narrator.h"
 #include "app/reading/reading_times.h"
+#include "app/reading/voice_change.h"
 
 #include <gmock/gmock.h>
 
@@ -141,6 +142,31 @@ TEST_F(NarratorTest, GoesToAnyPlaceOfTheText) {
     narrator_->MoveToSentence(-1);
     ASSERT_TRUE(RunTo(State::kEnded));
     EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd);
+}
+
+TEST_F(NarratorTest, AnotherVoiceGoesOnAtTheNextSentence) {
+    cards_.Insert(0, "speed 2\n");
+    VoiceChange change(*narrator_);
+    const std::string text = LongText(6);
+    const auto sentence = [&] { return WordsAt(text, last_); };
+    const auto spoken = [&] { return home_.Read("engine.log"); };
+    narrator_->Read({.text = text}, 0);
+    ASSERT_TRUE(RunUntil([&] { return sentence() == "Sentence number 1001"; }));
+    EXPECT_TRUE(change.Begin(1));
+    EXPECT_EQ(narrator_->Voice(), 0) << "this sentence is heard to its end";
+    ASSERT_TRUE(RunUntil([&] { return sentence() == "Sentence number 1002"; }));
+    EXPECT_EQ(narrator_->Voice(), 1);
+    ASSERT_TRUE(RunTo(State::kPlaying));
+    EXPECT_THAT(spoken(), testing::HasSubstr("(voice_voice2) Sentence number 1002"));
+    EXPECT_THAT(spoken(), testing::Not(testing::HasSubstr("(voice_voice2) Sentence number 1001")));
+    // While nothing is heard yet there is nothing to wait for; the same voice is no change.
+    EXPECT_FALSE(change.Begin(1));
+    narrator_->MoveToPlace(text.find("Sentence number 1005"));
+    EXPECT_TRUE(change.Begin(0));
+    EXPECT_EQ(narrator_->Voice(), 0);
+    ASSERT_TRUE(RunTo(State::kEnded));
+    EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd);
+    EXPECT_FALSE(change.Begin(1));
 }
 
 TEST_F(NarratorTest, NothingLeftToSayBehindAPlaceIsAnEnd) {

@@ -1,0 +1,38 @@
+"""The window that chooses a voice, a choice while something is read, and who reads in its place."""
+import os
+import unittest
+
+from desktop_case import DesktopCase, desktop
+
+
+class VoicesTest(DesktopCase):
+    def said(self):
+        return [tuple(call.split(" ", 2)[1:]) for call in self.spoken()]
+
+    def test_a_voice_is_found_heard_and_chosen(self):
+        desktop.tell_engine("festival voices 300")
+        lectora = self.start()
+        lectora.set_text("Some text.")
+        lectora.focus()
+        desktop.press_keys("ctrl+shift+v")
+        dialog = lectora.active_window("dialog", "Choose a Voice")
+        search = lectora.find("text", "Search:")
+        desktop.wait_until(lambda: lectora.has_keyboard(dialog), "the keyboard")
+        desktop.press_keys(*"voice29")
+        desktop.wait_until(lambda: next(lectora.walk("label", "11 of 300 voices."), None), "the voices that are found")
+        desktop.press_keys("Down")
+        self.picture("choose-voice")
+        self.assertEqual(search.queryText().getText(0, -1), "voice29")
+        stream = self.card.next_stream
+        desktop.press_keys("alt+i")
+        self.card.wait_for(stream(), "close")
+        self.assertEqual(self.said()[-1], ("(voice_voice290)", "1, 2, 3, 4, 5."))
+        desktop.press_keys("Return")
+        desktop.wait_until(lambda: self.setting("Settings", "Voice") == "festival:voice290", "the choice")
+        lectora.press("toggle button", "Read Aloud")
+        self.card.wait_for(self.card.next_stream(), "close")
+        self.assertEqual(self.said()[-1], ("(voice_voice290)", "Some text."))
+
+
+if __name__ == "__main__":
+    unittest.main()
