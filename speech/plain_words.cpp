@@ -81,8 +81,11 @@ void PlainWords::Fill() {
 void PlainWords::Read() {
     const std::size_t before = out_.size();
     characterBegin_ = reader_.At();
+    // What the user wants goes before what the language has.
     if (const auto stretch = said_.At(characterBegin_))
         AddInstead(*stretch);
+    else if (const auto form = forms_.At(characterBegin_))
+        AddInstead(*form);
     else
         AddCharacter(reader_.Next());
     for (std::size_t at = before; at < out_.size(); ++at)

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "speech/pronunciations.h"
+#include "speech/spoken_forms.h"
 #include "speech/text_preparation.h"
 
 // Walks UTF-8, skipping bytes that are none.
@@ -46,11 +47,12 @@ public:
     // The text's bytes must outlive this.
     // language: the voice's tag, English for voices that read ASCII.
     PlainWords(std::string_view text, VoiceCharset charset, std::string_view language,
-               SaidDifferently said)
+               SaidDifferently said, SpokenForms forms)
         : reader_(text),
           charset_(charset),
           language_(language.substr(0, 2)),
-          said_(std::move(said)) {}
+          said_(std::move(said)),
+          forms_(std::move(forms)) {}
 
     // False at the end.
     bool Next(PlainWord& word);
@@ -103,6 +105,7 @@ private:
     VoiceCharset charset_;
     std::string language_;
     SaidDifferently said_;
+    SpokenForms forms_;
     UnsayableText unsayable_;
     std::string out_;              // what was read ahead, and a little of what was taken
     std::vector<Source> sources_;  // for each byte of out_

@@ -8,6 +8,7 @@
 #include "speech/festival_voices.h"
 #include "speech/own_engines.h"
 #include "speech/shell_word.h"
+#include "speech/text_language.h"
 #include "speech/voice_title.h"
 #include "speech/voices.h"
 
@@ -110,18 +111,21 @@ std::vector<SpeechEngine> EnginesWithRows() {
     rows[0].isWhole = IsWholeFestivalAnswer;
     rows[0].voicesIn = FestivalVoicesIn;
     rows[0].command = FestivalCommand;
+    rows[0].saysEnglish = kSaysMoney | kSaysFractions | kSaysRomanNumerals;
     rows[1].name = "espeak-ng";
     rows[1].title = "eSpeak NG";
     rows[1].program = "espeak-ng";
     rows[1].listCommand = "espeak-ng --voices";
     rows[1].voicesIn = EspeakVoicesIn;
     rows[1].command = EspeakCommand;
+    rows[1].says = kSaysEmoji;
     rows[2].name = "flite";
     rows[2].title = "Flite";
     rows[2].program = "flite";
     rows[2].listCommand = "flite -lv";
     rows[2].voicesIn = FliteVoicesIn;
     rows[2].command = FliteCommand;
+    rows[2].saysEnglish = rows[0].saysEnglish;
     return rows;
 }
 
@@ -138,6 +142,11 @@ SpeechEngine EngineOf(const Voice& voice) {
     std::vector<SpeechEngine> engines = SpeechEngines();
     const auto found = std::ranges::find(engines, voice.engine, &SpeechEngine::name);
     return found == engines.end() ? engines.front() : *found;
+}
+
+SaidByEngine SaidByEngineOf(const Voice& voice) {
+    const SpeechEngine engine = EngineOf(voice);
+    return engine.says | (LanguageOnly(voice.language) == "en" ? engine.saysEnglish : 0);
 }
 
 std::string SynthesisCommand(std::string_view voice, std::string_view textPath,

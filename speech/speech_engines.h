@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "speech/spoken_forms.h"
 #include "speech/voice_table.h"
 
 struct SpeechEngine {
@@ -23,6 +24,8 @@ struct SpeechEngine {
     std::string (*command)(const SpeechEngine& engine, const Voice& voice,
                            std::string_view textPath, std::string_view soundPath) = nullptr;
     bool isOneProgram = true;
+    SaidByEngine says = 0;         // well, in any language
+    SaidByEngine saysEnglish = 0;  // in English beside that
     // A user's own: "{text}", "{wav}", "{voice}" and "{rate}" stand for words; and its voices.
     std::string ownCommand;
     std::vector<Voice> ownVoices;
@@ -33,6 +36,9 @@ std::vector<SpeechEngine> SpeechEngines();
 
 // The row of a voice, or Festival's for a voice that names none.
 SpeechEngine EngineOf(const Voice& voice);
+
+// What the voice's engine says well by itself in its language.
+SaidByEngine SaidByEngineOf(const Voice& voice);
 
 // The engine's command line; the voice name is quoted in any case.
 std::string SynthesisCommand(std::string_view voice, std::string_view textPath,

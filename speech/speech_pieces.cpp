@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "speech/language_voices.h"
+#include "speech/speech_engines.h"
 
 namespace {
 
@@ -56,8 +57,14 @@ SpeechPiece SpeechPiece::TakeSecondHalf() {
     return second;
 }
 
+SpeakingChoices ChosenSpeakingChoices() {
+    return {.spellsCapitals = kSpellCapitalsSetting.Get(),
+            .saysPunctuation = kSayPunctuationSetting.Get(),
+            .saysEmoji = kSayEmojiSetting.Get()};
+}
+
 SpeakingRules ChosenSpeakingRules() {
-    return {.byLanguage = kVoiceByLanguageSetting.Get()};
+    return {.byLanguage = kVoiceByLanguageSetting.Get(), .choices = ChosenSpeakingChoices()};
 }
 
 SpeechPieces::SpeechPieces(std::string_view text, int voice, ReadingUse use, SpeakingRules rules)
@@ -102,7 +109,8 @@ bool SpeechPieces::NextUnit() {
         const std::string_view text = text_.substr(stretch_.begin, stretch_.end - stretch_.begin);
         stretch_.voice = rules_.instead.Of(stretch_.voice);
         const Voice voice = VoiceAt(stretch_.voice);
-        units_.emplace(text, voice.charset, voice.language, SaidBy(voice, text, rules_));
+        units_.emplace(text, voice.charset, voice.language, SaidBy(voice, text, rules_),
+                       SpokenForms(text, voice.language, SaidByEngineOf(voice), rules_.choices));
     }
     unit.sourceBegin += stretch_.begin;
     unit.sourceEnd += stretch_.begin;

@@ -28,11 +28,16 @@ struct SpeakingRules {
     // That list, whatever becomes of the files meanwhile; null: as they are now.
     std::shared_ptr<const Pronunciations> pronunciations = {};
     VoicesInstead instead = {};            // of voices that cannot speak any more
+    SpeakingChoices choices = {};
 };
 
 // As the user has chosen.
 SpeakingRules ChosenSpeakingRules();
+SpeakingChoices ChosenSpeakingChoices();
 constexpr UserSetting<bool> kVoiceByLanguageSetting{"Settings", "VoiceByLanguage", true};
+constexpr UserSetting<bool> kSpellCapitalsSetting{"Settings", "SpellCapitals", false};
+constexpr UserSetting<bool> kSayPunctuationSetting{"Settings", "SayPunctuation", false};
+constexpr UserSetting<bool> kSayEmojiSetting{"Settings", "SayEmoji", true};
 
 // Consecutive units of a text; never empty.
 struct SpeechPiece {

@@ -31,8 +31,8 @@ bool TextUnits::Stages::BeginsSentence(const PlainWord& word) {
 }
 
 TextUnits::TextUnits(std::string_view text, VoiceCharset charset, std::string_view language,
-                     SaidDifferently said)
-    : stages_(new Stages{PlainWords(text, charset, language, std::move(said)),
+                     SaidDifferently said, SpokenForms forms)
+    : stages_(new Stages{PlainWords(text, charset, language, std::move(said), std::move(forms)),
                          SayableUnits(charset), Sentences(text), std::nullopt}) {}
 
 TextUnits::~TextUnits() = default;
@@ -64,9 +64,9 @@ const std::vector<std::string>& TextUnits::GivenUpPatterns() const {
 }
 
 PreparedText PrepareText(std::string_view text, VoiceCharset charset, std::string_view language,
-                         SaidDifferently said) {
+                         SaidDifferently said, SpokenForms forms) {
     PreparedText prepared;
-    TextUnits units(text, charset, language, std::move(said));
+    TextUnits units(text, charset, language, std::move(said), std::move(forms));
     for (TextUnit unit; units.Next(unit); prepared.hasWords = true)
         prepared.text += unit.text;
     return prepared;

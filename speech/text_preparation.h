@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "speech/pronunciations.h"
+#include "speech/spoken_forms.h"
 #include "speech/unsayable_text.h"
 
 // What the bytes of a prepared text mean. English voices read ASCII.
@@ -44,9 +45,10 @@ struct TextUnit {
 class TextUnits {
 public:
     // The text's bytes must outlive this.
-    // language is the voice's, for signs that are said in words; said is asked about this text.
+    // language is the voice's, for signs that are said in words; said and then forms are asked
+    // about this text.
     TextUnits(std::string_view text, VoiceCharset charset, std::string_view language = {},
-              SaidDifferently said = {});
+              SaidDifferently said = {}, SpokenForms forms = {});
     ~TextUnits();
     TextUnits(TextUnits&&) noexcept;
     TextUnits& operator=(TextUnits&&) noexcept;
@@ -68,4 +70,5 @@ struct PreparedText {
 };
 
 PreparedText PrepareText(std::string_view text, VoiceCharset charset,
-                         std::string_view language = {}, SaidDifferently said = {});
+                         std::string_view language = {}, SaidDifferently said = {},
+                         SpokenForms forms = {});

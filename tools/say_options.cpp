@@ -345,6 +345,7 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     }
     options.speaking.byLanguage =
         options.byLanguage.value_or(!options.voice && ChosenSpeakingRules().byLanguage);
+    options.speaking.choices = ChosenSpeakingChoices();
     words.files.assign(argv + optind, argv + argc);
     if (words.files == std::vector<std::string>{"-"})
         words.files.clear();  // standard input, as without files

@@ -25,6 +25,9 @@ private:
         bool keepText = false;
         bool byLanguage = false;
         std::string highlight;
+        bool spellCapitals = false;
+        bool sayPunctuation = false;
+        bool sayEmoji = false;
     };
     Choice Choices() const;
     void ShowFormatSettings();

@@ -1,0 +1,104 @@
+#include "speech/language_forms.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "speech/language_tables.h"
+#include "speech/text_language.h"
+
+namespace {
+
+constexpr WrittenForm kUnits[] = {{"km/h", "kilometer-per-hour"},
+                                  {"km/s", "kilometer-per-second"},
+                                  {"m/s", "meter-per-second"},
+                                  {"км/ч", "kilometer-per-hour"},
+                                  {"м/с", "meter-per-second"},
+                                  {"mph", "mile-per-hour"},
+                                  {"km²", "square-kilometer"},
+                                  {"km", "kilometer"},
+                                  {"км", "kilometer"},
+                                  {"m²", "square-meter"},
+                                  {"m³", "cubic-meter"},
+                                  {"м²", "square-meter"},
+                                  {"cm", "centimeter"},
+                                  {"см", "centimeter"},
+                                  {"mm", "millimeter"},
+                                  {"мм", "millimeter"},
+                                  {"kg", "kilogram"},
+                                  {"кг", "kilogram"},
+                                  {"mg", "milligram"},
+                                  {"мг", "milligram"},
+                                  {"ml", "milliliter"},
+                                  {"мл", "milliliter"},
+                                  {"°C", "celsius"},
+                                  {"°F", "fahrenheit"},
+                                  {"kWh", "kilowatt-hour"},
+                                  {"kW", "kilowatt"},
+                                  {"кВт", "kilowatt"},
+                                  {"MW", "megawatt"},
+                                  {"kHz", "kilohertz"},
+                                  {"MHz", "megahertz"},
+                                  {"GHz", "gigahertz"},
+                                  {"Hz", "hertz"},
+                                  {"kB", "kilobyte"},
+                                  {"MB", "megabyte"},
+                                  {"GB", "gigabyte"},
+                                  {"TB", "terabyte"},
+                                  {"hPa", "hectopascal"},
+                                  {"kcal", "kilocalorie"},
+                                  {"kJ", "kilojoule"},
+                                  {"ms", "millisecond"},
+                                  {"ha", "hectare"},
+                                  {"га", "hectare"},
+                                  {"lbs", "pound"},
+                                  {"lb", "pound"},
+                                  {"oz", "ounce"},
+                                  {"ft", "foot"},
+                                  {"g", "gram"},
+                                  {"l", "liter"},
+                                  {"L", "liter"},
+                                  {"V", "volt"},
+                                  {"W", "watt"}};
+
+constexpr WrittenForm kCurrencies[] = {
+    {"$", "USD"},    {"€", "EUR"},  {"£", "GBP"},   {"¥", "JPY"},   {"₽", "RUB"},
+    {"руб.", "RUB"}, {"Kč", "CZK"}, {"EUR", "EUR"}, {"USD", "USD"}, {"GBP", "GBP"}};
+
+}  // namespace
+
+const LanguageForms* FormsOfLanguage(std::string_view tag) {
+    const std::string_view language = LanguageOnly(tag);
+    const LanguageForms* const all[] = {&kBritishForms, &kEnglishForms, &kGermanForms,
+                                        &kFrenchForms,  &kSpanishForms, &kItalianForms,
+                                        &kRussianForms, &kCzechForms};
+    const auto named = [&](std::string_view name) {
+        const auto* const found = std::ranges::find(all, name, &LanguageForms::language);
+        return found == std::end(all) ? nullptr : *found;
+    };
+    const LanguageForms* const ofRegion = named(tag.substr(0, 5));
+    return ofRegion != nullptr ? ofRegion : named(language);
+}
+
+std::span<const WrittenForm> UnitSigns() {
+    return kUnits;
+}
+
+std::span<const WrittenForm> CurrencySigns() {
+    return kCurrencies;
+}
+
+bool IsAmong(std::string_view words, const std::string& word) {
+    return !word.empty() && words.find(" " + word + " ") != std::string_view::npos;
+}
+
+int RomanValue(std::string_view letters) {
+    constexpr std::string_view kTens[] = {"", "X", "XX", "XXX"};
+    constexpr std::string_view kOnes[] = {"",  "I",  "II",  "III",  "IV",
+                                          "V", "VI", "VII", "VIII", "IX"};
+    for (int value = 1; value < 40; ++value) {
+        const std::string_view tens = kTens[value / 10];
+        if (letters.starts_with(tens) && letters.substr(tens.size()) == kOnes[value % 10])
+            return value;
+    }
+    return 0;
+}

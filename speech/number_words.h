@@ -1,0 +1,23 @@
+// Amounts in the words of a language, by what ICU knows of it. Any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// "25 kilometers per hour" of "25", "speed-kilometer-per-hour" (CLDR's name of the unit). The
+// number is plain, with a point ("1234.5"). Empty where there are no such words.
+std::string UnitWords(std::string_view language, std::string_view unit, std::string_view number);
+
+// "5 euros", "5 euros 20" of "5.20", "EUR"; a country's own currency without its name.
+std::string MoneyWords(std::string_view language, std::string_view currency,
+                       std::string_view number);
+
+enum class OrdinalOf {
+    kMan,     // "Heinrich der Achte", "Филипп второй"
+    kWoman,   // "Elisabeth die Zweite", "Екатерина вторая"
+    kDay,     // "dritter Mai", "третье мая"
+    kTheDay,  // "der dritte Mai"
+    kThatDay  // with an article or a preposition before it: "am dritten Mai"
+};
+// Empty where the language says plain numbers there, or for a number that nobody counts so.
+std::string OrdinalWords(std::string_view language, OrdinalOf of, int number);

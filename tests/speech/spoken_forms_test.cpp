@@ -1,0 +1,97 @@
+#include "speech/spoken_forms.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "speech/text_preparation.h"
+
+namespace {
+
+std::string Said(const std::string& language, const std::string& text, SaidByEngine byEngine = 0,
+                 SpeakingChoices choices = {}) {
+    SpokenForms forms(text, language, byEngine, choices);
+    std::string said;
+    for (std::size_t at = 0; at < text.size();) {
+        if (const auto form = forms.At(at)) {
+            said += form->said;
+            at = form->end;
+        } else {
+            said += text[at++];
+        }
+    }
+    return said;
+}
+
+TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
+    const struct {
+        const char* language;
+        const char* written;
+        const char* said;
+    } cases[] = {
+        {"en-US", "On 12/25/2026, 2026-11-22", "On December 25, 2026, November 22, 2026"},
+        {"en-GB", "On 25/12/2026 and 1/2/2026", "On 25 December 2026 and 1 February 2026"},
+        {"en", "$5.20, €5, £3m, $3 million, $1,234",
+         "5 dollars 20, 5 euros, 3 million pounds, 3 million dollars, 1,234 dollars"},
+        {"en", "25 km/h, 70kg, 20 °C, 5 m², 3.5 GB",
+         "25 kilometers per hour, 70 kilograms, 20 degrees Celsius, 5 square meters, 3.5 "
+         "gigabytes"},
+        {"en", "e.g. p. 5 of No. 7, vs. No.", "for example page 5 of number 7, versus No."},
+        {"en", "Henry VIII, Elizabeth II, World War II, Chapter IV, part I",
+         "Henry the eighth, Elizabeth the second, World War 2, Chapter 4, part 1"},
+        {"en", "I am Malcolm X, IV MIX. VI", "I am Malcolm X, IV MIX. VI"},
+        {"en", "+1 555 123 4567 or 555-123-4567.",
+         "plus 1, 5 5 5, 1 2 3, 4 5 6 7 or 5 5 5, 1 2 3, 4 5 6 7."},
+        {"en", "1/2 cup, 1/2/3, 3.14, v1.2.3, 1990s, 12:30",
+         "one half cup, 1/2/3, 3.14, v1.2.3, 1990s, 12:30"},
+        {"en", "https://www.example.com/a joe@www.org", "example.com/a joe@www.org"},
+        {"de", "am 25.12.2026, der 3. Mai, 31.31.2026",
+         "am fünfundzwanzigsten Dezember 2026, der dritte Mai, 31.31.2026"},
+        {"de", "17:45 Uhr, 1.234,50 €, z. B. S. 5",
+         "17 Uhr 45, 1.234 Euro 50, zum Beispiel Seite 5"},
+        {"de", "Heinrich VIII. war da. Elisabeth II. Gut",
+         "Heinrich der achte war da. Elisabeth die zweite. Gut"},
+        {"fr", "1 mai, 17h45, Louis XIV, François I, 1 234,50 €",
+         "premier mai, 17 heures 45, Louis 14, François premier, 1 234 euros 50"},
+        {"fr", "$5.20", "$5.20"},
+        {"es", "25/12/2026, Felipe II, siglo XX, Sr. López",
+         "25 de diciembre de 2026, Felipe segundo, siglo 20, señor López"},
+        {"it", "Luigi XIV, 70 kg, ad es. 5,20 €",
+         "Luigi quattordicesimo, 70 chilogrammi, ad esempio 5 euro 20"},
+        {"ru", "с 25 декабря, Екатерина II, 60 км/ч, т. е. 5 €",
+         "с двадцать пятого декабря, Екатерина вторая, 60 километров в час, то есть 5 евро"},
+        {"cs", "1. května, Karel IV. byl, 250 Kč, např. č. 5",
+         "prvního května, Karel čtvrtý byl, 250 korun, například číslo 5"},
+        {"fi", "25.12.2026 70 kg", "25.12.2026 70 kg"},
+    };
+    for (const auto& [language, written, said] : cases)
+        EXPECT_EQ(Said(language, written), said) << language;
+}
+
+TEST(SpokenForms, AreLeftToTheEngineOrSaidByChoice) {
+    const SaidByEngine all = kSaysMoney | kSaysFractions | kSaysRomanNumerals | kSaysEmoji;
+    const std::string text = "Henry VIII had 1/2 of $5 and 70 kg 😀";
+    EXPECT_EQ(Said("en", text, all), "Henry VIII had 1/2 of $5 and 70 kilograms 😀");
+    EXPECT_EQ(Said("en", "Yes 👍🏽!"), "Yes  thumbs up sign !");
+    EXPECT_EQ(Said("de", "Ja 👍🏽!"), "Ja 👍🏽!") << "its name is English";
+    EXPECT_EQ(Said("de", "Ja 👩‍🚀!", all, {.saysEmoji = false}), "Ja !");
+    EXPECT_EQ(Said("en", "NASA is NOT A-OK", 0, {.spellsCapitals = true}), "N A S A is N O T A-OK");
+    EXPECT_EQ(Said("en", "(Yes), it's 3.5.", 0, {.saysPunctuation = true}),
+              " left parenthesis Yes right parenthesis  comma, it's 3.5 period.");
+    EXPECT_EQ(Said("en", "\xFF\xC3 70 kg\xE2\x80", 0), "\xFF\xC3 70 kilograms\xE2\x80");
+}
+
+// What is highlighted is the text as it is written.
+TEST(SpokenForms, KeepTheirPlacesInTheText) {
+    const std::string text = "He ran 25 km/h. She had $5.20 left.";
+    TextUnits units(text, VoiceCharset::kUnicode, "en-US", {}, SpokenForms(text, "en-US", 0, {}));
+    std::string told;
+    for (TextUnit unit; units.Next(unit);)
+        told += unit.text + "|" + text.substr(unit.sourceBegin, unit.sourceEnd - unit.sourceBegin) +
+                "|";
+    EXPECT_EQ(told,
+              "He ran 25 kilometers per hour. |He ran 25 km/h.|She had 5 dollars 20 left.|She had "
+              "$5.20 left.|");
+}
+
+}  // namespace
