@@ -60,7 +60,7 @@ constexpr WrittenForm kUnits[] = {{"km/h", "kilometer-per-hour"},
                                   {"V", "volt"},
                                   {"W", "watt"}};
 
-constexpr WrittenForm kCurrencies[] = {
+constexpr WrittenForm kMoneySigns[] = {
     {"$", "USD"},    {"€", "EUR"},  {"£", "GBP"},   {"¥", "JPY"},   {"₽", "RUB"},
     {"руб.", "RUB"}, {"Kč", "CZK"}, {"EUR", "EUR"}, {"USD", "USD"}, {"GBP", "GBP"}};
 
@@ -84,7 +84,7 @@ std::span<const WrittenForm> UnitSigns() {
 }
 
 std::span<const WrittenForm> CurrencySigns() {
-    return kCurrencies;
+    return kMoneySigns;
 }
 
 bool IsAmong(std::string_view words, const std::string& word) {

@@ -20,7 +20,7 @@ bool IsDigit(char byte) {
     return byte >= '0' && byte <= '9';
 }
 
-bool IsWordCharacter(char32_t character) {
+bool IsLetterOrDigit(char32_t character) {
     return character != 0 && g_unichar_isalnum(character) != FALSE;
 }
 
@@ -112,16 +112,16 @@ bool SpokenForms::BeginsToken(std::size_t at) const {
     if (at == 0)
         return true;
     const std::size_t before = StartBefore(at);
-    if (IsWordCharacter(CharacterAt(before)))
+    if (IsLetterOrDigit(CharacterAt(before)))
         return false;
     // Not the second half of "1.5", "3/4" and "a.m.".
     const bool isJoint = text_[before] == '.' || text_[before] == ',' || text_[before] == '/' ||
                          text_[before] == '@' || text_[before] == '-';
-    return !isJoint || before == 0 || !IsWordCharacter(CharacterAt(StartBefore(before)));
+    return !isJoint || before == 0 || !IsLetterOrDigit(CharacterAt(StartBefore(before)));
 }
 
 bool SpokenForms::EndsToken(std::size_t at) const {
-    return !IsWordCharacter(CharacterAt(at));
+    return !IsLetterOrDigit(CharacterAt(at));
 }
 
 std::size_t SpokenForms::BehindBlank(std::size_t at) const {
@@ -137,14 +137,14 @@ std::string SpokenForms::WordBefore(std::size_t at) const {
     while (at > 0 && (text_[at - 1] == ' ' || text_[at - 1] == '\n'))
         --at;
     const std::size_t end = at;
-    while (at > 0 && end - at < kLongestWord && IsWordCharacter(CharacterAt(StartBefore(at))))
+    while (at > 0 && end - at < kLongestWord && IsLetterOrDigit(CharacterAt(StartBefore(at))))
         at = StartBefore(at);
     return std::string(text_.substr(at, end - at));
 }
 
 std::string SpokenForms::WordBehind(std::size_t at) const {
     std::size_t end = at;
-    while (end < text_.size() && end - at < kLongestWord && IsWordCharacter(CharacterAt(end)))
+    while (end < text_.size() && end - at < kLongestWord && IsLetterOrDigit(CharacterAt(end)))
         end += SizeAt(end);
     return std::string(text_.substr(at, end - at));
 }

@@ -25,10 +25,10 @@ const WrittenForm* FormBeginning(std::span<const WrittenForm> forms, std::string
 }
 
 // English, as in "$3m" and "$3 million".
-constexpr WrittenForm kScales[] = {{" thousand", " thousand"}, {" million", " million"},
-                                   {" billion", " billion"},   {" trillion", " trillion"},
-                                   {"k", " thousand"},         {"m", " million"},
-                                   {"bn", " billion"}};
+constexpr WrittenForm kMoneyScales[] = {{" thousand", " thousand"}, {" million", " million"},
+                                        {" billion", " billion"},   {" trillion", " trillion"},
+                                        {"k", " thousand"},         {"m", " million"},
+                                        {"bn", " billion"}};
 
 // "3 million euros" of "1 euro" and "3 million", whose noun is that of many.
 std::string ScaledMoney(std::string_view currency, const std::string& number,
@@ -61,7 +61,7 @@ std::optional<std::size_t> SpokenForms::MoneyBehindSign(std::size_t at) {
     if (!ReadAmount(BehindBlank(at + sign->written.size()), amount))
         return std::nullopt;
     if (language_ == "en") {
-        const WrittenForm* const scale = FormBeginning(kScales, text_.substr(amount.end));
+        const WrittenForm* const scale = FormBeginning(kMoneyScales, text_.substr(amount.end));
         if (scale != nullptr && EndsToken(amount.end + scale->written.size())) {
             said_ = ScaledMoney(sign->said, amount.plain, scale->said);
             return amount.end + scale->written.size();

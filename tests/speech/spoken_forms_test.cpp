@@ -8,8 +8,8 @@
 
 namespace {
 
-std::string Said(const std::string& language, const std::string& text, SaidByEngine byEngine = 0,
-                 SpeakingChoices choices = {}) {
+std::string SaidIn(const std::string& language, const std::string& text, SaidByEngine byEngine = 0,
+                   SpeakingChoices choices = {}) {
     SpokenForms forms(text, language, byEngine, choices);
     std::string said;
     for (std::size_t at = 0; at < text.size();) {
@@ -65,20 +65,21 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
         {"fi", "25.12.2026 70 kg", "25.12.2026 70 kg"},
     };
     for (const auto& [language, written, said] : cases)
-        EXPECT_EQ(Said(language, written), said) << language;
+        EXPECT_EQ(SaidIn(language, written), said) << language;
 }
 
 TEST(SpokenForms, AreLeftToTheEngineOrSaidByChoice) {
     const SaidByEngine all = kSaysMoney | kSaysFractions | kSaysRomanNumerals | kSaysEmoji;
     const std::string text = "Henry VIII had 1/2 of $5 and 70 kg 😀";
-    EXPECT_EQ(Said("en", text, all), "Henry VIII had 1/2 of $5 and 70 kilograms 😀");
-    EXPECT_EQ(Said("en", "Yes 👍🏽!"), "Yes  thumbs up sign !");
-    EXPECT_EQ(Said("de", "Ja 👍🏽!"), "Ja 👍🏽!") << "its name is English";
-    EXPECT_EQ(Said("de", "Ja 👩‍🚀!", all, {.saysEmoji = false}), "Ja !");
-    EXPECT_EQ(Said("en", "NASA is NOT A-OK", 0, {.spellsCapitals = true}), "N A S A is N O T A-OK");
-    EXPECT_EQ(Said("en", "(Yes), it's 3.5.", 0, {.saysPunctuation = true}),
+    EXPECT_EQ(SaidIn("en", text, all), "Henry VIII had 1/2 of $5 and 70 kilograms 😀");
+    EXPECT_EQ(SaidIn("en", "Yes 👍🏽!"), "Yes  thumbs up sign !");
+    EXPECT_EQ(SaidIn("de", "Ja 👍🏽!"), "Ja 👍🏽!") << "its name is English";
+    EXPECT_EQ(SaidIn("de", "Ja 👩‍🚀!", all, {.saysEmoji = false}), "Ja !");
+    EXPECT_EQ(SaidIn("en", "NASA is NOT A-OK", 0, {.spellsCapitals = true}),
+              "N A S A is N O T A-OK");
+    EXPECT_EQ(SaidIn("en", "(Yes), it's 3.5.", 0, {.saysPunctuation = true}),
               " left parenthesis Yes right parenthesis  comma, it's 3.5 period.");
-    EXPECT_EQ(Said("en", "\xFF\xC3 70 kg\xE2\x80", 0), "\xFF\xC3 70 kilograms\xE2\x80");
+    EXPECT_EQ(SaidIn("en", "\xFF\xC3 70 kg\xE2\x80", 0), "\xFF\xC3 70 kilograms\xE2\x80");
 }
 
 // What is highlighted is the text as it is written.
