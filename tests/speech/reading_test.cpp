@@ -8,7 +8,6 @@
 
 #include "speech/speech_estimate.h"
 #include "speech/voice_list_query.h"
-#include "speech/voice_table.h"
 #include "tests/speech/numbers_engine.h"
 
 namespace {
@@ -101,48 +100,6 @@ TEST_F(NumbersReading, TroubleCostsTheUnitThatMakesItAndIsToldOnce) {
         }
     }
     EXPECT_EQ(CountFiles(engine_.Path(), ".speech"), 0U);
-}
-
-// Festival is removed after the first sentence, Flite is not there at all, and one voice of eSpeak
-// NG has been removed.
-void GoOnWithTheNextVoice() {
-    const FakeEngine engine(true);
-    SpeakNumbers(engine);
-    std::filesystem::copy_file(engine / "bin/text2wave", engine / "numbers");
-    engine.Script("espeak-ng", "[ $4 = gone ] || exec $here/numbers -eval x \"$6\" -o \"$8\"");
-    const auto voice = [](const char* row, const char* name, const char* tag) {
-        return Voice{row, name, name, tag, VoiceCharset::kUnicode};
-    };
-    AddVoices({voice("festival", "ked", "en-US"), voice("espeak-ng", "fr", "fr"),
-               voice("flite", "slt", "en-US"), voice("espeak-ng", "gone", "en-US"),
-               voice("espeak-ng", "en-gb", "en-GB")});
-    class Remover final : public Listener {
-    public:
-        explicit Remover(std::string program) : program_(std::move(program)) {}
-        SynthesisOutcome TakePiece(const LSoundSource& sound, const SpeechPiece& piece) override {
-            std::filesystem::remove(program_);
-            return Listener::TakePiece(sound, piece);
-        }
-
-    private:
-        std::string program_;
-    } listener(engine / "bin/text2wave");
-    LSilentProgress progress;
-    const std::string text = Text(12);
-    PieceRuns runs(text, FindVoice("ked"), engine.Path() + "/", ReadingUse::kListening, listener);
-    EXPECT_EQ(Process(progress, runs), kProcessDone);
-    EXPECT_EQ(listener.heard, Numbers(12));
-    EXPECT_THAT(runs.LeftOutMessage(),
-                testing::AllOf(HasSubstr("ked could not speak any more; en-gb read on"),
-                               testing::Not(HasSubstr("left out"))));
-    std::filesystem::remove(engine / "bin/espeak-ng");
-    PieceRuns none(text, FindVoice("en-gb"), engine.Path() + "/", ReadingUse::kListening, listener);
-    EXPECT_EQ(Process(progress, none), kProcessFailed);
-    EXPECT_EQ(none.Outcome(), SynthesisOutcome::kEngineMissing);
-}
-
-TEST(PieceRuns, GoOnWithTheNextVoiceOfTheLanguageWhenOneVanishes) {
-    InFreshProcess(GoOnWithTheNextVoice);
 }
 
 TEST_F(NumbersReading, AStretchIsASentenceWhateverTheEngineEnds) {
