@@ -5,6 +5,9 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <array>
+
+#include "foundation/owned_text.h"
 
 namespace {
 
@@ -18,13 +21,66 @@ constexpr int kEnoughForAlike = 160;
 constexpr std::pair<std::string_view, std::string_view> kSameLanguages[] = {
     {"no", "nb"}, {"iw", "he"}, {"in", "id"}, {"zh-Hant", "zh"}, {"cmn", "zh"}, {"jw", "jv"}};
 
-constexpr std::string_view kAlike[][4] = {{"da", "nb", "nn", "sv"},
-                                          {"es", "gl", "pt", "ca"},
-                                          {"nl", "af"},
-                                          {"cs", "sk"},
-                                          {"hr", "sr", "bs", "sl"},
-                                          {"id", "ms"},
-                                          {"ru", "uk", "be", "bg"}};
+constexpr std::array<std::string_view, 5> kAlike[] = {{"da", "nb", "nn", "sv"},
+                                                      {"es", "gl", "pt", "ca"},
+                                                      {"nl", "af"},
+                                                      {"cs", "sk"},
+                                                      {"hr", "sr", "bs", "sl"},
+                                                      {"id", "ms"},
+                                                      {"ru", "uk", "be", "bg", "sr"}};
+
+// What shows one of languages that are much alike, in small letters, with blanks for the ends of
+// words.
+struct Tellers {
+    std::string_view language;
+    std::array<std::string_view, 13> parts;
+};
+constexpr Tellers kTellers[] = {
+    {"da",
+     {" af ", "tion", "hed ", "heden", "ede ", "efter", " ud", " op ", "øj", "ej", " at ", "æs",
+      "igt "}},
+    {"nb",
+     {" av ", "sjon", "het ", "heten", "etter", " ut", " opp", "øy", "ei", " å ", "les ", "noe",
+      "lig "}},
+    {"sv", {"ä", "ö", " och ", " att ", " inte ", " är ", "ning"}},
+    {"bg", {"ъ", " се ", "ият "}},
+    {"ru", {"ы", "э", "ё"}},
+    {"uk", {"і", "ї", "є", "ґ"}},
+    {"sr", {"ј", "љ", "њ", "ђ", "ћ", "џ"}},
+};
+constexpr std::size_t kTellingMore = 1;
+
+std::size_t CountTellers(std::string_view text, std::string_view language) {
+    const auto* const found = std::ranges::find(kTellers, language, &Tellers::language);
+    std::size_t count = 0;
+    if (found == std::end(kTellers))
+        return count;
+    for (const std::string_view part : found->parts)
+        for (std::size_t at = text.find(part); !part.empty() && at != std::string_view::npos;
+             at = text.find(part, at + part.size()))
+            ++count;
+    return count;
+}
+
+// The one of those much alike that the text shows.
+std::string ToldApart(std::string_view text, std::string language) {
+    for (const auto& group : kAlike) {
+        if (std::ranges::find(group, language) == std::end(group))
+            continue;
+        const OwnedText small(g_utf8_strdown(text.data(), static_cast<gssize>(text.size())));
+        const std::string padded = " " + std::string(small.get()) + " ";
+        std::size_t most = CountTellers(padded, language) + kTellingMore - 1;
+        for (const std::string_view other : group) {
+            const std::size_t count = CountTellers(padded, other);
+            if (count > most) {
+                most = count;
+                language = other;
+            }
+        }
+        return language;
+    }
+    return language;
+}
 
 }  // namespace
 
@@ -57,9 +113,16 @@ TextLanguage LanguageOf(std::string_view text) {
                                        languages, percents, scores, nullptr, &bytes, &isReliable);
     TextLanguage found;
     found.isLong = bytes >= kEnoughForAlike;
-    if (!isReliable || language == CLD2::UNKNOWN_LANGUAGE || bytes < kFewestBytes ||
-        percents[0] < kMostOfIt)
+    const std::string tag(LanguageOnly(CLD2::LanguageCode(language)));
+    // What is much alike is shared out among several.
+    int percent = percents[0];
+    for (const int i : {1, 2})
+        if (AreMuchAlike(tag, LanguageOnly(CLD2::LanguageCode(languages[i]))))
+            percent += percents[i];
+    const bool isSure = isReliable || percent > percents[0];
+    if (!isSure || language == CLD2::UNKNOWN_LANGUAGE || bytes < kFewestBytes ||
+        percent < kMostOfIt)
         return found;
-    found.tag = LanguageOnly(CLD2::LanguageCode(language));
+    found.tag = ToldApart(text, tag);
     return found;
 }

@@ -10,6 +10,7 @@ namespace {
 // What is looked at together; a first sentence is not kept waiting for more.
 constexpr std::size_t kMostTogether = 2000;
 constexpr std::size_t kMostSentences = 30;
+constexpr std::size_t kMostInOne = 64 << 10;
 
 }  // namespace
 
@@ -39,6 +40,13 @@ bool VoiceStretches::Next(VoiceStretch& stretch) {
         return false;
     stretch = ready_.front();
     ready_.pop_front();
+    // The first one is wanted at once; later each costs its reader a start.
+    while (stretch.end - stretch.begin < enough_ && (!ready_.empty() || Fill()) &&
+           ready_.front().voice == stretch.voice) {
+        stretch.end = ready_.front().end;
+        ready_.pop_front();
+    }
+    enough_ = std::min(2 * enough_ + kMostTogether, kMostInOne);
     return true;
 }
 
@@ -82,16 +90,17 @@ void VoiceStretches::AddSentences(const std::vector<Sentence>& paragraph) {
         return LanguageOf(text_.substr(begin, end - begin));
     };
     const std::size_t begin = paragraph.front().begin;
-    std::optional<std::string> ofWhole;  // asked for by sentences that do not tell
+    std::optional<TextLanguage> whole;  // asked for by sentences that do not tell, or not surely
     for (const Sentence& sentence : paragraph) {
         const TextLanguage seen = languageOf(sentence.begin, sentence.end);
         const std::string marked = MarkedLanguage(sentence.begin);
         std::string own = seen.tag.empty() ? marked : Judge(seen, marked);
-        if (seen.tag.empty() && marked == MarkedLanguage(begin)) {
-            if (!ofWhole)
-                ofWhole = Judge(languageOf(begin, paragraph.back().end), marked);
-            own = *ofWhole;
-        }
+        if (!whole && !seen.isLong)
+            whole = languageOf(begin, paragraph.back().end);
+        if (seen.tag.empty() && marked == MarkedLanguage(begin))
+            own = Judge(*whole, marked);
+        else if (!seen.tag.empty() && !seen.isLong && AreMuchAlike(seen.tag, whole->tag))
+            own = Judge(*whole, marked);
         if (!own.empty())
             language_ = std::move(own);
         const int voice = VoiceOf(language_);

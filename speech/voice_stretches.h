@@ -58,6 +58,7 @@ private:
     Sentences sentences_;
     std::optional<Sentence> ahead_;
     std::deque<VoiceStretch> ready_;
+    std::size_t enough_ = 0;  // bytes of a stretch
     std::size_t givenTo_ = 0;
     std::string language_;  // of the last sentence
     std::vector<std::string> withoutVoice_;

@@ -75,6 +75,10 @@ TEST(VoiceStretches, GiveEachLanguageItsVoice) {
         EXPECT_EQ(Spoken("\n \n"), "|en-US");
         // Much alike, and so taken for each other in a short sentence.
         EXPECT_EQ(Spoken("Hun kom hjem sent om aftenen og lagde maden på bordet.", "nb"), "|nb");
+        // And told apart by what only one of them has, in all of the paragraph.
+        EXPECT_EQ(Spoken("Den forvalgte handling er at beholde den eksisterende version. Kan ikke "
+                         "opdatere komprimerede arkiver. Det er ikke meningen at slette dem.\n"),
+                  "|da");
         // Of several voices: not a small region's, unless the user says so.
         EXPECT_EQ(Spoken(english, "de"), "|en-US");
         KeepVoiceForLanguage(VoiceAt(FindVoice("amy")));
