@@ -13,7 +13,6 @@
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "gui/windows/message_box.h"
-#include "gui/windows/static_text.h"
 #include "speech/speech_pieces.h"
 #include "speech/voice_table.h"
 
@@ -142,9 +141,9 @@ void GeneralDlgImp::Command(int command) {
 
 void GeneralDlgImp::ShowVoice() {
     const int voice = ChosenVoice();
-    SetStaticText(
-        *this, kVoice,
-        voice < 0 ? "No voice is installed." : "The voice that reads: " + VoiceAt(voice).title);
+    const std::string text =
+        voice < 0 ? "No voice is installed." : "The voice that reads: " + VoiceAt(voice).title;
+    SetStaticText(kVoice, text.c_str());
 }
 
 void GeneralDlgImp::ShowFormatSettings() {

@@ -6,7 +6,6 @@
 
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
-#include "gui/windows/static_text.h"
 #include "speech/sample_sentence.h"
 
 namespace {
@@ -90,7 +89,7 @@ void VoiceChooserDlg::FillList() {
     const std::string count = shown_.size() == voices_.size()
                                   ? all + " voices are installed."
                                   : std::to_string(shown_.size()) + " of " + all + " voices.";
-    SetStaticText(*this, kCount, count);
+    SetStaticText(kCount, count.c_str());
 }
 
 void VoiceChooserDlg::NoteSelection() {

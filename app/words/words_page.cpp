@@ -13,7 +13,6 @@
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "gui/windows/message_box.h"
-#include "gui/windows/static_text.h"
 
 namespace {
 
@@ -70,11 +69,9 @@ void WordsPage::FillList(std::size_t selected) {
     }
     if (shown > 0)
         LVSetCurSel(kWords, static_cast<int>(std::min(selected, shown - 1)));
-    SetStaticText(*this, kCount,
-                  shown < entries_.size()
-                      ? "The first " + std::to_string(shown) + " of " +
-                            std::to_string(entries_.size()) + " entries are shown."
-                      : "");
+    const std::string count = "The first " + std::to_string(shown) + " of " +
+                              std::to_string(entries_.size()) + " entries are shown.";
+    SetStaticText(kCount, shown < entries_.size() ? count.c_str() : "");
     EnableControls();
 }
 
