@@ -1,6 +1,8 @@
 #include "app/help/machine_check.h"
 
 #include <algorithm>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "app/reading/dialogs/reading_troubles.h"
@@ -15,13 +17,15 @@
 #include "gui/windows/message_box.h"
 #include "playback/play_device.h"
 #include "playback/sound_server.h"
+#include "speech/sample_sentence.h"
+#include "speech/speech_engines.h"
+#include "speech/text_language.h"
 #include "speech/voice_list_query.h"
 #include "speech/voice_table.h"
 
 namespace {
 
 constexpr int kMostCards = 32;  // as many as the kernel numbers
-constexpr const char* kTestSentence = "Hello. This is Lectora, and it can read to you.";
 
 std::vector<std::string> SoundCards() {
     std::vector<std::string> names;
@@ -32,6 +36,27 @@ std::vector<std::string> SoundCards() {
             names.emplace_back(name);
     }
     return names;
+}
+
+std::string EnginesThatSpeak() {
+    const std::vector<Voice> voices = KnownVoices();
+    std::string names;
+    for (const SpeechEngine& engine : SpeechEngines())
+        if (std::ranges::find(voices, engine.name, &Voice::engine) != voices.end())
+            names += (names.empty() ? "" : ", ") + engine.title;
+    return names;
+}
+
+std::string VoicesThatSpeak() {
+    std::set<std::string_view> languages;
+    const std::vector<Voice> voices = KnownVoices();
+    for (const Voice& voice : voices)
+        if (!voice.language.empty())
+            languages.insert(LanguageOnly(voice.language));
+    const std::string text = std::to_string(voices.size()) + " found";
+    return languages.empty() ? text
+                             : text + ", in " + std::to_string(languages.size()) +
+                                   (languages.size() == 1 ? " language" : " languages");
 }
 
 class Machine : public LReadiness, private LThreadQueuedNotify {
@@ -64,12 +89,14 @@ public:
                 return Engine::kSpeaks;
         }
     }
-    int VoiceCount() const override { return CountVoices(); }
+    std::string Engines() const override { return EnginesThatSpeak(); }
+    std::string Voices() const override { return VoicesThatSpeak(); }
     std::vector<std::string> Cards() const override { return cards_; }
     bool HasEncoder() const override { return IsProgramInstalled("lame"); }
     void ReadTestSentence(GtkWidget* parent) override {
         parent_ = parent;
-        narrator_.Read(kTestSentence, std::max(0, ChosenVoice()), "");
+        const int voice = std::max(0, ChosenVoice());
+        narrator_.Read(SampleSentence(VoiceAt(voice).language), voice, "");
     }
 
 private:

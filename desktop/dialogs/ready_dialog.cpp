@@ -117,11 +117,11 @@ void LReadyDialog::Show() {
     // In place: a row that vanished would take the words of a screen reader with it.
     const std::string states[] = {engine == Engine::kAsking    ? asking
                                   : engine == Engine::kMissing ? lacks(kEnginePackage)
+                                  : engine == Engine::kSpeaks  ? machine_.Engines()
                                                                : "found",
-                                  engine == Engine::kAsking ? asking
-                                  : engine == Engine::kSpeaks
-                                      ? std::to_string(machine_.VoiceCount()) + " found"
-                                      : lacks(kFirstVoicePackage),
+                                  engine == Engine::kAsking   ? asking
+                                  : engine == Engine::kSpeaks ? machine_.Voices()
+                                                              : lacks(kFirstVoicePackage),
                                   cards.empty() ? "missing" : cards.front(),
                                   machine_.HasEncoder() ? "found" : lacks(kEncoderPackage)};
     for (int row = 0; const std::string& state : states)

@@ -16,7 +16,8 @@ public:
     // Looks anew; `changed` is called from the main loop when the engine has answered.
     virtual void Look(std::function<void()> changed) = 0;
     virtual Engine EngineState() const = 0;
-    virtual int VoiceCount() const = 0;
+    virtual std::string Engines() const = 0;             // those that speak
+    virtual std::string Voices() const = 0;              // how many of them, in how many languages
     virtual std::vector<std::string> Cards() const = 0;  // names
     virtual bool HasEncoder() const = 0;
     // Says a sentence aloud; troubles are told to the user in boxes of their own.

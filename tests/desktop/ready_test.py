@@ -54,7 +54,7 @@ class ReadyTest(DesktopCase):
                 self.assertIn("sudo apt install festival", lectora.wait_for_box("no network"))
                 self.picture("ready-failed")
                 lectora.press("push button", "OK")
-        self.wait_for_states(lectora, "found", "2 found", "The desktop's sound server", "found")
+        self.wait_for_states(lectora, "Festival", "2 found", "The desktop's sound server", "found")
         self.picture("ready-there")
         with open(said) as file:
             self.assertEqual(file.read(), "--plain -y install festival festvox-kallpc16k lame\n" * 2)
