@@ -1,0 +1,59 @@
+#!/usr/bin/python3 -B
+"""Paragraphs of 5 to 50 words in many languages, for speech_bench.
+
+    bench/languages.py | build/bench/bin/speech_bench --languages
+
+They are the translated messages of the programs that are installed, joined at random: harder than
+prose, since sentences do not belong together and English names stand between.
+"""
+import gettext
+import random
+import re
+
+LANGUAGES = "de fr es it ru cs pl nl sv da nb fi pt tr hu ro uk el ja ca sk sl hr bg vi eu et lv lt id gl sr ko".split()
+PROGRAMS = "bash coreutils apt dpkg findutils grep sed tar diffutils adduser gawk make wget gtk20 glib20 debconf".split()
+SIZES = ((5, 9), (10, 19), (20, 50))
+MOST = 120
+NO_PROSE = re.compile(r"%|--|`|\$|<|>|[A-Z]{3,}|_|\\|=|[a-z]\(|/|\bGNU\b")
+
+
+def messages(language):
+    found = set()
+    for program in PROGRAMS:
+        try:
+            with open(f"/usr/share/locale/{language}/LC_MESSAGES/{program}.mo", "rb") as file:
+                catalog = gettext.GNUTranslations(file)._catalog
+        except (OSError, UnicodeDecodeError):
+            continue
+        for original, translated in catalog.items():
+            text = re.sub(r"\s+", " ", translated.strip()) if isinstance(translated, str) else ""
+            enough = len(text.split()) >= 4 or (language == "ja" and len(text) > 12)
+            if original and text != original and enough and not NO_PROSE.search(text):
+                found.add(text)
+    return sorted(found)
+
+
+def paragraphs(texts, least, most):
+    texts = iter(texts)
+    for text in texts:
+        while len(text.split()) < least:
+            more = next(texts, None)
+            if more is None:
+                return
+            text += (" " if text[-1] in ".!?:" else ". ") + more
+        if len(text.split()) <= most:
+            yield text
+
+
+def main():
+    random.seed(1)
+    for language in LANGUAGES:
+        texts = messages(language)
+        random.shuffle(texts)
+        for least, most in SIZES:
+            for _, text in zip(range(MOST), paragraphs(texts, least, most)):
+                print(f"{language}\t{least:02}\t{text}")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,137 @@
+// What text preparation costs, and how surely languages are told.
+//
+//   speech_bench TEXTFILE             seconds of processor time, a step a line
+//   speech_bench --languages < LINES  tag, class and paragraph between tabs: which voice spoke it
+#include <array>
+#include <ctime>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "speech/pronunciations.h"
+#include "speech/speech_pieces.h"
+#include "speech/spoken_forms.h"
+#include "speech/voice_finder.h"
+#include "speech/voice_stretches.h"
+#include "speech/voice_table.h"
+
+namespace {
+
+void KnowVoices(const std::set<std::string>& tags) {
+    std::vector<Voice> voices;
+    for (const std::string& tag : tags)
+        voices.push_back({"espeak-ng", tag, tag, tag, VoiceCharset::kUnicode});
+    AddVoices(voices);
+}
+
+template <typename Work>
+void Time(const char* what, Work work) {
+    const std::clock_t begin = std::clock();
+    work();
+    std::cout << what << ": " << static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC
+              << " s\n";
+}
+
+void Prepare(const std::string& text, bool byLanguage) {
+    SpeechPieces pieces(text, FindVoice("en-US"), ReadingUse::kSaving,
+                        {.saysDifferently = false, .byLanguage = byLanguage});
+    for (SpeechPiece piece; pieces.Next(piece);) {
+    }
+}
+
+void TimeSteps(const std::string& text) {
+    constexpr int kManyWords = 100000;
+    constexpr int kManyVoices = 300;
+    KnowVoices({"en-US", "de", "fr", "es", "it", "ru", "cs"});
+    std::cout << text.size() << " bytes\n";
+    Time("prepared for one voice", [&text] { Prepare(text, false); });
+    Time("a voice for each language", [&text] { Prepare(text, true); });
+    Time("of these the spoken forms", [&text] {
+        SpokenForms forms(text, "en-US", 0, {});
+        for (std::size_t at = 0; at < text.size(); ++at)
+            forms.At(at);
+    });
+    std::vector<Pronunciation> entries;
+    for (int i = 0; i < kManyWords; ++i)
+        entries.push_back({"word" + std::to_string(i), "said", "", false, false});
+    std::shared_ptr<const Pronunciations> list;
+    Time("100,000 pronunciations read",
+         [&] { list = std::make_shared<const Pronunciations>(std::move(entries)); });
+    Time("and looked for", [&] {
+        SaidDifferently said(list, text, "espeak-ng:en-US", "en-US");
+        for (std::size_t at = 0; at < text.size(); ++at)
+            said.At(at);
+    });
+    std::set<std::string> many;
+    for (int i = 0; i < kManyVoices; ++i)
+        many.insert("en-x-" + std::to_string(i));
+    KnowVoices(many);
+    Time("300 voices in the order of their languages", [] { VoicesToChooseFrom(); });
+}
+
+struct Told {
+    std::size_t all = 0;
+    std::size_t rightly = 0;
+    std::size_t wrongly = 0;  // neither its language nor the one before
+};
+
+void TellLanguages() {
+    std::vector<std::array<std::string, 3>> lines;
+    std::set<std::string> tags{"en"};
+    for (std::string line; std::getline(std::cin, line);) {
+        std::istringstream parts(line);
+        std::array<std::string, 3> fields;
+        for (std::string& field : fields)
+            std::getline(parts, field, '\t');
+        tags.insert(fields[0]);
+        lines.push_back(std::move(fields));
+    }
+    KnowVoices(tags);
+    std::map<std::string, std::map<std::string, Told>> classes;
+    for (const auto& [tag, size, paragraph] : lines) {
+        Told& told = classes[size][tag];
+        VoiceStretches stretches(paragraph, FindVoice("en"), true, {});
+        for (VoiceStretch stretch{}; stretches.Next(stretch);) {
+            const std::string spoken = VoiceAt(stretch.voice).name;
+            const std::size_t bytes = stretch.end - stretch.begin;
+            told.all += bytes;
+            told.rightly += spoken == tag ? bytes : 0;
+            told.wrongly += spoken == tag || spoken == "en" ? 0 : bytes;
+        }
+    }
+    for (const auto& [size, languages] : classes) {
+        std::cout << size << " words and more:";
+        Told sum;
+        for (const auto& [tag, told] : languages) {
+            std::cout << " " << tag << " " << 100 * told.rightly / told.all;
+            sum.all += told.all;
+            sum.rightly += told.rightly;
+            sum.wrongly += told.wrongly;
+        }
+        const auto percent = [&sum](std::size_t part) {
+            return 100 * static_cast<double>(part) / static_cast<double>(sum.all);
+        };
+        std::cout << "\n  all: " << percent(sum.rightly) << " % right, " << percent(sum.wrongly)
+                  << " % wrong, the rest stays with the voice before\n";
+    }
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    if (count != 2) {
+        std::cerr << "usage: speech_bench TEXTFILE | --languages < LINES\n";
+        return 2;
+    }
+    if (std::string(arguments[1]) == "--languages") {
+        TellLanguages();
+        return 0;
+    }
+    std::ifstream file(arguments[1]);
+    TimeSteps({std::istreambuf_iterator<char>(file), {}});
+}
