@@ -15,6 +15,7 @@ namespace {
 constexpr std::size_t kFewestCapitals = 2;
 constexpr std::size_t kMostCapitals = 8;
 constexpr std::size_t kLongestRoman = 7;
+constexpr char32_t kFirstPicture = 0x2190;
 constexpr gunichar kJoiner = 0x200D;
 constexpr gunichar kPictureStyle = 0xFE0F;
 
@@ -49,6 +50,12 @@ std::string NameOfCharacter(gunichar character) {
     std::string words = U_FAILURE(error) ? "" : name.data();
     std::ranges::transform(words, words.begin(), g_ascii_tolower);
     return words;
+}
+
+// The words as those between what stands before and behind. A stop that stood alone behind them
+// would be a word of its own.
+std::string Apart(const std::string& words, bool isBehindWord, bool isBeforeWord) {
+    return (isBehindWord ? " " : "") + words + (isBeforeWord ? " " : "");
 }
 
 }  // namespace
@@ -189,7 +196,8 @@ std::optional<std::size_t> SpokenForms::Capitals(std::size_t at) {
 // language of their names.
 std::optional<std::size_t> SpokenForms::Emoji(std::size_t at) {
     const gunichar first = CharacterAt(at);
-    if (first < 0x2190 || u_hasBinaryProperty(static_cast<UChar32>(first), UCHAR_EMOJI) == 0)
+    const bool isBehindWord = at > 0 && g_ascii_isspace(text_[at - 1]) == FALSE;
+    if (first < kFirstPicture || u_hasBinaryProperty(static_cast<UChar32>(first), UCHAR_EMOJI) == 0)
         return std::nullopt;
     const std::string name =
         choices_.saysEmoji && (byEngine_ & kSaysEmoji) == 0 && language_ == "en"
@@ -206,7 +214,7 @@ std::optional<std::size_t> SpokenForms::Emoji(std::size_t at) {
     }
     end = std::min(end, text_.size());
     if (!name.empty())
-        said_ = " " + name + " ";
+        said_ = Apart(name, isBehindWord, !EndsToken(end) || CharacterAt(end) >= kFirstPicture);
     return end;
 }
 
@@ -220,6 +228,7 @@ std::optional<std::size_t> SpokenForms::Punctuation(std::size_t at) {
         return std::nullopt;
     const bool makesPause =
         std::string_view(".,;:!?").find(mark->written) != std::string_view::npos;
-    said_ = " " + std::string(mark->said) + (makesPause ? std::string(mark->written) : " ");
+    said_ = Apart(std::string(mark->said) + (makesPause ? std::string(mark->written) : ""),
+                  at > 0 && g_ascii_isspace(text_[at - 1]) == FALSE, !EndsToken(end));
     return end;
 }

@@ -72,13 +72,13 @@ TEST(SpokenForms, AreLeftToTheEngineOrSaidByChoice) {
     const SaidByEngine all = kSaysMoney | kSaysFractions | kSaysRomanNumerals | kSaysEmoji;
     const std::string text = "Henry VIII had 1/2 of $5 and 70 kg 😀";
     EXPECT_EQ(SaidIn("en", text, all), "Henry VIII had 1/2 of $5 and 70 kilograms 😀");
-    EXPECT_EQ(SaidIn("en", "Yes 👍🏽!"), "Yes  thumbs up sign !");
+    EXPECT_EQ(SaidIn("en", "Yes 👍🏽!"), "Yes thumbs up sign!");
     EXPECT_EQ(SaidIn("de", "Ja 👍🏽!"), "Ja 👍🏽!") << "its name is English";
     EXPECT_EQ(SaidIn("de", "Ja 👩‍🚀!", all, {.saysEmoji = false}), "Ja !");
     EXPECT_EQ(SaidIn("en", "NASA is NOT A-OK", 0, {.spellsCapitals = true}),
               "N A S A is N O T A-OK");
     EXPECT_EQ(SaidIn("en", "(Yes), it's 3.5.", 0, {.saysPunctuation = true}),
-              " left parenthesis Yes right parenthesis  comma, it's 3.5 period.");
+              "left parenthesis Yes right parenthesis comma, it's 3.5 period.");
     EXPECT_EQ(SaidIn("en", "\xFF\xC3 70 kg\xE2\x80", 0), "\xFF\xC3 70 kilograms\xE2\x80");
 }
 
