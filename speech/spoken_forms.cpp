@@ -196,7 +196,7 @@ std::string SpokenForms::DayWords(int day, std::size_t at) const {
     const OrdinalOf of = IsAmong(forms_->ofThatDay, before)  ? OrdinalOf::kThatDay
                          : IsAmong(forms_->ofTheDay, before) ? OrdinalOf::kTheDay
                                                              : OrdinalOf::kDay;
-    const std::string words = OrdinalWords(language_, of, day);
+    std::string words = OrdinalWords(language_, of, day);
     if (!words.empty())
         return words;
     return day == 1 && language_ == "fr" ? "premier" : std::to_string(day);

@@ -105,6 +105,7 @@ std::vector<ListedVoice> VoicesToChooseFrom() {
     std::ranges::sort(ranked,
                       [](const auto& one, const auto& other) { return one.first < other.first; });
     std::vector<ListedVoice> voices;
+    voices.reserve(ranked.size());
     for (auto& [rank, listed] : ranked)
         voices.push_back(std::move(listed));
     return voices;
