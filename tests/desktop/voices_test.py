@@ -1,5 +1,4 @@
 """The window that chooses a voice, a choice while something is read, and who reads in its place."""
-import os
 import unittest
 
 from desktop_case import DesktopCase, desktop
@@ -28,7 +27,7 @@ class VoicesTest(DesktopCase):
         self.card.wait_for(stream(), "close")
         self.assertEqual(self.said()[-1], ("(voice_voice290)", "1, 2, 3, 4, 5."))
         desktop.press_keys("Return")
-        desktop.wait_until(lambda: self.setting("Settings", "Voice") == "festival:voice290", "the choice")
+        desktop.wait_until(lambda: self.setting("settings", "voice") == "festival:voice290", "the choice")
         lectora.press("toggle button", "Read Aloud")
         self.card.wait_for(self.card.next_stream(), "close")
         self.assertEqual(self.said()[-1], ("(voice_voice290)", "Some text."))
