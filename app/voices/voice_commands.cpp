@@ -2,6 +2,7 @@
 
 #include <gdk/gdkkeysyms.h>
 
+#include <string>
 #include <utility>
 
 #include "app/commands/command_numbers.h"
@@ -28,7 +29,7 @@ void VoiceCommands::AddCommands() {
          &VoiceCommands::CmChoose},
         {{.number = kVoiceByLanguage,
           .label = "Own Voice for Each &Language",
-          .keys = {kKeyControl | kKeyShift | GDK_L}},
+          .keys = {kKeyControl | kKeyShift | GDK_E}},
          &VoiceCommands::CmByLanguage},
         {{.number = kVoiceList}, &VoiceCommands::EvListChanged},
     };
@@ -53,8 +54,10 @@ void VoiceCommands::CmChoose() {
 void VoiceCommands::CreateIndicator() {
     other_ = gtk_button_new();
     gtk_button_set_relief(GTK_BUTTON(other_), GTK_RELIEF_NONE);
-    gtk_widget_set_tooltip_text(
-        other_, "Read everything in the chosen voice from the next sentence on (Ctrl+Shift+L)");
+    const std::string tip =
+        TipWithKey("Read everything in the chosen voice from the next sentence on",
+                   commands_.Facts(kVoiceByLanguage));
+    gtk_widget_set_tooltip_text(other_, tip.c_str());
     g_signal_connect(other_, "clicked", G_CALLBACK(GCOtherPressed), this);
     g_signal_connect(other_, "destroy", G_CALLBACK(gtk_widget_destroyed), &other_);
     window_.AddToStatusBar(other_);
