@@ -27,7 +27,7 @@ struct SpeakingRules {
     std::vector<LanguageMark> marks = {};  // of the text's document
     // That list, whatever becomes of the files meanwhile; null: as they are now.
     std::shared_ptr<const Pronunciations> pronunciations = {};
-    VoicesInstead instead = {};            // of voices that cannot speak any more
+    VoicesInstead instead = {};  // of voices that cannot speak any more
     SpeakingChoices choices = {};
 };
 
