@@ -27,11 +27,11 @@ constexpr int kFormatSettings = 107;
 constexpr int kKeepText = 113;
 constexpr int kByLanguage = 114;
 constexpr int kHighlight = 115;
-constexpr int kVoice = 115;
 constexpr int kSpellCapitals = 117;
 constexpr int kSayPunctuation = 118;
 constexpr int kSayEmoji = 119;
-constexpr int kVoiceButton = 116;
+constexpr int kVoice = 120;
+constexpr int kVoiceButton = 121;
 
 enum : int { kMp3 = 0, kWav = 1 };
 constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
@@ -92,14 +92,16 @@ void GeneralDlgImp::InitDialog() {
 }
 
 GeneralDlgImp::Choice GeneralDlgImp::Choices() const {
-    return {
-        GetCheck(kRunAtLogin),
-        PDLGetCurSel(kRunMode),
-        GetCheck(kUseDefault) ? "1" : "0",
-        PDLGetCurSel(kFormat) == kMp3 ? "0" : "1",
-        GetCheck(kKeepText),
-        GetCheck(kByLanguage),
-        HighlightChoices()[static_cast<std::size_t>(std::max(0, PDLGetCurSel(kHighlight)))].key};
+    return {GetCheck(kRunAtLogin),
+            PDLGetCurSel(kRunMode),
+            GetCheck(kUseDefault) ? "1" : "0",
+            PDLGetCurSel(kFormat) == kMp3 ? "0" : "1",
+            GetCheck(kKeepText),
+            GetCheck(kByLanguage),
+            HighlightChoices()[static_cast<std::size_t>(std::max(0, PDLGetCurSel(kHighlight)))].key,
+            GetCheck(kSpellCapitals),
+            GetCheck(kSayPunctuation),
+            GetCheck(kSayEmoji)};
 }
 
 void GeneralDlgImp::FillHighlight() {
@@ -113,15 +115,6 @@ void GeneralDlgImp::FillHighlight() {
     names.push_back(nullptr);
     PDLFill(kHighlight, names.data());
     PDLSetCurSel(kHighlight, chosen);
-    return {GetCheck(kRunAtLogin),
-            PDLGetCurSel(kRunMode),
-            GetCheck(kUseDefault) ? "1" : "0",
-            PDLGetCurSel(kFormat) == kMp3 ? "0" : "1",
-            GetCheck(kKeepText),
-            GetCheck(kByLanguage),
-            GetCheck(kSpellCapitals),
-            GetCheck(kSayPunctuation),
-            GetCheck(kSayEmoji)};
 }
 
 void GeneralDlgImp::EnableControls() {
