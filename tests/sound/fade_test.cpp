@@ -31,7 +31,7 @@ TEST(FadeTest, GoesAndComesBackWithoutAClick) {
     EXPECT_THAT(Faded(fade, 100), testing::Each(kFull));
     fade.Out(1000);
     std::vector<int> heard = Faded(fade, 500);
-    EXPECT_NEAR(heard.back(), kFull / 4, kFull / 100) << "on both channels alike";
+    EXPECT_NEAR(heard.back(), kFull * 0.25, kFull * 0.01) << "on both channels alike";
     fade.Out(250);  // in haste
     for (const int milliseconds : {150, 100}) {
         const std::vector<int> more = Faded(fade, milliseconds);
