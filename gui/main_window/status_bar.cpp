@@ -2,6 +2,7 @@
 
 #include "gui/accessible.h"
 #include "gui/display_text.h"
+#include "gui/gtk_children.h"
 
 LStatusBar::~LStatusBar() {
     if (bar_ != nullptr)
@@ -30,9 +31,14 @@ void LStatusBar::SetStatusText(const char* text) {
     if (bar_ == nullptr)
         return;
     GtkStatusbar* bar = GTK_STATUSBAR(bar_);
+    const std::string shown = DisplayText(text);
+    // A screen reader hears of each change, and drops news where there are too many.
+    GtkWidget* label = LGtkChildren(gtk_statusbar_get_message_area(bar)).First();
+    if (GTK_IS_LABEL(label) && shown == gtk_label_get_text(GTK_LABEL(label)))
+        return;
     const guint context = gtk_statusbar_get_context_id(bar, "text");
     gtk_statusbar_pop(bar, context);
-    gtk_statusbar_push(bar, context, DisplayText(text).c_str());
+    gtk_statusbar_push(bar, context, shown.c_str());
 }
 
 void LStatusBar::TellStatusText(const char* text) {

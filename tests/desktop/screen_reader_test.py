@@ -204,7 +204,11 @@ class ScreenReaderTest(DesktopCase):
         lectora = self.start()
         lectora.set_text(" ".join(4 * SENTENCES))
         lectora.focus()
-        self.reader.wait_until_told("Text to read text", self.began)
+        # With the first key the program no longer tells a late reader where the focus is.
+        self.hear("F10", "Lectora menu")
+        before = self.reader.mark()
+        desktop.press_keys("Escape")
+        self.reader.wait_until_told("Text to read text", before)
         heard = {}
 
         def press(keys, words, then):
