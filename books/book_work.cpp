@@ -53,6 +53,9 @@ std::string SpokenBy(const BookOrder& order, int voice) {
 void AddRules(const BookOrder& order, const std::function<void(const std::string&)>& add) {
     const SpeakingRules& rules = order.rules;
     add(rules.pronunciations ? FormatPronunciations(rules.pronunciations->Entries()) : "");
+    for (const bool choice : {rules.choices.spellsCapitals, rules.choices.saysPunctuation,
+                              rules.choices.saysEmoji, rules.byLanguage})
+        add(choice ? "yes" : "no");
     if (!rules.byLanguage)
         return;
     for (const LanguageMark& mark : rules.marks)
