@@ -80,7 +80,7 @@ MainDialog::MainDialog()
                {.changed = [this] { EnableControls(); },
                 .filed =
                     [this] {
-                        title_.Show();
+                        presence_.ShowTitle();
                         recent_.ShowSoon();
                     },
                 .opened = [this] { keeper_.TextCame(); },
@@ -91,7 +91,9 @@ MainDialog::MainDialog()
                 .readable = [this] { view_.ShowStatus(); }}),
       recent_(*this, sources_, places_, narrator_,
               [this](const std::string& path) { return keeper_.WithProgress(path); }),
-      presence_(*this, kTextBox, narrator_, [this] { places_.EvNotifyIconContextMenu(); }),
+      presence_(*this, kTextBox, narrator_,
+                {.popupMenu = [this] { places_.EvNotifyIconContextMenu(); },
+                 .document = [this] { return text_.Title(); }}),
       requests_({*this, turn_, commands_, text_, sources_, narrator_, read_, keeper_,
                  [this](const char* summary, const std::string& note) {
                      presence_.TellAnywhere(summary, note);
@@ -101,7 +103,6 @@ MainDialog::MainDialog()
       hotKeys_(*this, turn_),
       tools_(*this, text_, hotKeys_, voiceCommands_),
       controls_(*this, commands_, places_),
-      title_(*this, narrator_, [this] { return text_.Title(); }),
       control_(narrator_, requests_.Ways()) {
     text_.AddCommands(commands_);
     places_.AddCommands();
@@ -168,23 +169,20 @@ void MainDialog::EvRunArguments(const char* const* arguments, int count) {
 }
 
 void MainDialog::EvShown() {
-    presence_.Begin();
     control_.OfferSoon();
-    title_.Show();
     if (narrator_.Waiting().IsEmpty()) {
         keeper_.TextCame();
-        firstMoments_.Begin(*this, [this] { hotKeys_.OfferSoon(); });
+        presence_.Begin([this] { hotKeys_.OfferSoon(); });
         return;
     }
     // No question is in the way of a reading that is about to begin.
-    firstMoments_.Begin(*this, nullptr);
+    presence_.Begin(nullptr);
     requests_.BeginWithKeyboard();
 }
 
 void MainDialog::DestroyDialog() {
     text_.KeepNow();
     sources_.DropFetch();
-    firstMoments_.End();
     presence_.End();
     hotKeys_.Stop();
     narrator_.Waiting().Clear();
@@ -208,18 +206,13 @@ void MainDialog::EnableControls() {
 }
 
 void MainDialog::Command(int command) {
-    firstMoments_.EndSplash();
+    presence_.EndSplash();
     commands_.Run(command);
 }
 
 bool MainDialog::EvKeyDown(unsigned int key) {
-    firstMoments_.EndSplash();
+    presence_.EndSplash();
     if (text_.EvKeyDown(key) || view_.Player().EvKeyDown(key))
         return true;
     return !commands_.LeavesKey(key) && LMainWindow::EvKeyDown(key);
-}
-
-void MainDialog::CmClose() {
-    firstMoments_.EndSplash();
-    presence_.Close();
 }

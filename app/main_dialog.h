@@ -12,12 +12,10 @@
 #include "app/text/recent_list.h"
 #include "app/tool_commands.h"
 #include "app/voices/voice_commands.h"
-#include "app/window/first_moments.h"
 #include "app/window/main_controls.h"
 #include "app/window/playback_commands.h"
 #include "app/window/presence.h"
 #include "app/window/sleep_commands.h"
-#include "app/window/window_title.h"
 #include "desktop/desktop_shortcut.h"
 
 // Lives for the whole run. GUI thread.
@@ -41,7 +39,7 @@ public:
     void Command(int command) override;
     bool EvKeyDown(unsigned int key) override;
     bool EvKeyUp(unsigned int key) override { return view_.Player().EvKeyUp(key); }
-    void CmClose() override;
+    void CmClose() override { presence_.Close(); }
     bool CmCancel() override { return presence_.AskToEnd(); }
 
     // What a second start asks for, or this one.
@@ -73,7 +71,5 @@ private:
     HotKeyCommands hotKeys_;
     ToolCommands tools_;
     MainControls controls_;
-    WindowTitle title_;
-    FirstMoments firstMoments_;
     RemoteControl control_;
 };

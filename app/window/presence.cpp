@@ -7,11 +7,11 @@
 #include "gui/icon_numbers.h"
 #include "gui/windows/message_box.h"
 
-Presence::Presence(LMainWindow& window, int tipControl, Narrator& narrator,
-                   std::function<void()> popupMenu)
+Presence::Presence(LMainWindow& window, int tipControl, Narrator& narrator, Ways ways)
     : window_(window),
       tipControl_(tipControl),
-      popupMenu_(std::move(popupMenu)),
+      popupMenu_(std::move(ways.popupMenu)),
+      title_(window, narrator, std::move(ways.document)),
       tray_([this](int button) { EvIconPressed(button); }),
       news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
 
@@ -33,12 +33,15 @@ void Presence::Hear(const ReadingNews& news) {
         tray_.Show(kTrayIcon, "Lectora");
 }
 
-void Presence::Begin() {
+void Presence::Begin(std::function<void()> drawn) {
+    title_.Show();
     tray_.Add(kTrayIcon, "Lectora");
     TimerSet(kKeepAliveTimer, kKeepAliveMilliseconds);
+    firstMoments_.Begin(window_, std::move(drawn));
 }
 
 void Presence::End() {
+    firstMoments_.End();
     TimerReset(kKeepAliveTimer);
     tray_.Remove();
 }
@@ -67,6 +70,7 @@ bool Presence::IsMinimised() const {
 }
 
 void Presence::Close() {
+    EndSplash();
     if (!window_.IsOpen() || !gtk_widget_get_visible(window_.Widget()))
         return;
     if (!tray_.IsDocked()) {
