@@ -51,7 +51,6 @@ MainDialog::MainDialog()
       narrator_(SpeechFilePath()),
       turn_([this] { narrator_.ContinueQueueSoon(); }),
       voices_(*this, kVoiceList, narrator_, [this] { TellNoSpeechEngine(Widget()); }),
-      sleep_(narrator_, commands_, [this](const char* text) { TellStatusText(text); }),
       voiceCommands_(*this, voices_, narrator_, commands_,
                      [this](const char* text) { TellStatusText(text); }),
       view_(*this, narrator_,
@@ -59,7 +58,7 @@ MainDialog::MainDialog()
              .reshaped = [this] { Layout(); },
              .noVoice = [this] { TellNoSpeechEngine(Widget()); },
              .cannotPlay = RunMachineCheckWithoutCard,
-             .statusMore = [this] { return Joined(queue_.Status(), sleep_.Status()); }}),
+             .statusMore = [this] { return Joined(queue_.Status(), playback_.Status()); }}),
       playback_(narrator_, commands_,
                 {.read = [this] { read_.CmRead(); },
                  .tell = [this](const char* text) { TellStatusText(text); },
@@ -76,21 +75,16 @@ MainDialog::MainDialog()
       bookmarks_({text_, narrator_, commands_, [this] { return Widget(); },
                   [this](const auto& place) { return read_.GoOnAt(place); },
                   [this](const char* text) { TellStatusText(text); }}),
-      sources_(*this, turn_, text_, narrator_,
+      sources_(*this, turn_, text_, narrator_, places_,
                {.changed = [this] { EnableControls(); },
-                .filed =
-                    [this] {
-                        presence_.ShowTitle();
-                        recent_.ShowSoon();
-                    },
+                .filed = [this] { presence_.ShowTitle(); },
                 .opened = [this] { keeper_.TextCame(); },
                 .unreadable =
                     [this](const std::string& note) {
                         presence_.TellAnywhere("Cannot read the file.", note);
                     },
-                .readable = [this] { view_.ShowStatus(); }}),
-      recent_(*this, sources_, places_, narrator_,
-              [this](const std::string& path) { return keeper_.WithProgress(path); }),
+                .readable = [this] { view_.ShowStatus(); },
+                .labelOf = [this](const auto& path) { return keeper_.WithProgress(path); }}),
       presence_(*this, kTextBox, narrator_,
                 {.popupMenu = [this] { places_.EvNotifyIconContextMenu(); },
                  .document = [this] { return text_.Title(); }}),
@@ -108,12 +102,10 @@ MainDialog::MainDialog()
     places_.AddCommands();
     voiceCommands_.AddCommands();
     playback_.AddCommands();
-    sleep_.AddCommands();
     read_.AddCommands();
     queue_.AddCommands();
     bookmarks_.AddCommands();
     sources_.AddCommands(commands_);
-    recent_.AddCommands(commands_);
     presence_.AddCommands(commands_);
     requests_.AddCommands();
     save_.AddCommands(commands_);
@@ -146,7 +138,7 @@ void MainDialog::InitDialog() {
     voiceCommands_.CreateIndicator();
     AddStandardMenuItems(true);
     LHelpLinks::SetUp(*this);
-    recent_.Show();
+    sources_.ShowRecent();
     SetKeyMap(commands_.Keys());
     hotKeys_.Begin();
     voices_.Ask();

@@ -9,13 +9,12 @@
 #include "app/read_requests.h"
 #include "app/reading/dialogs/reading_view.h"
 #include "app/saving/save_commands.h"
-#include "app/text/recent_list.h"
+#include "app/text/text_sources.h"
 #include "app/tool_commands.h"
 #include "app/voices/voice_commands.h"
 #include "app/window/main_controls.h"
 #include "app/window/playback_commands.h"
 #include "app/window/presence.h"
-#include "app/window/sleep_commands.h"
 #include "desktop/desktop_shortcut.h"
 
 // Lives for the whole run. GUI thread.
@@ -54,7 +53,6 @@ private:
     Narrator narrator_;
     CommandTurn turn_;
     VoiceChoice voices_;
-    SleepCommands sleep_;
     VoiceCommands voiceCommands_;
     ReadingView view_;
     PlaybackCommands playback_;
@@ -63,7 +61,6 @@ private:
     QueueCommands queue_;
     Bookmarks bookmarks_;
     TextSources sources_;
-    RecentList recent_;
     Presence presence_;
     ReadRequests requests_;
     SaveCommands save_;

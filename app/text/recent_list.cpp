@@ -10,12 +10,10 @@
 #include "documents/web_address.h"
 #include "gui/windows/message_box.h"
 
-RecentList::RecentList(LMainWindow& window, TextSources& sources, CommandPlaces& places,
-                       Narrator& narrator, std::function<std::string(const std::string&)> labelOf)
+RecentList::RecentList(LMainWindow& window, CommandPlaces& places, Narrator& narrator, Ways ways)
     : window_(window),
-      sources_(sources),
       places_(places),
-      labelOf_(std::move(labelOf)),
+      ways_(std::move(ways)),
       news_(narrator.News(), [this](const ReadingNews& news) {
           if (news.IsNew() && !IsReading(news.state))
               ShowSoon();
@@ -33,7 +31,7 @@ void RecentList::Open(std::size_t number) {
         return;
     const std::string& path = files[number];
     if (IsWebAddress(path) || ::access(path.c_str(), F_OK) == 0) {
-        sources_.LoadFile(path);
+        ways_.open(path);
         return;
     }
     RecentFiles::Remove(path);
@@ -46,7 +44,7 @@ void RecentList::Open(std::size_t number) {
 void RecentList::Show() {
     std::vector<std::string> labels = RecentFiles::List();
     for (std::string& label : labels)
-        label = labelOf_(label);
+        label = ways_.labelOf(label);
     places_.ListRecentFiles(labels);
 }
 

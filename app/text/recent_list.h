@@ -7,15 +7,18 @@
 #include "app/commands/command_places.h"
 #include "app/commands/command_set.h"
 #include "app/reading/narrator.h"
-#include "app/text/text_sources.h"
 #include "gui/gui_timer.h"
+#include "gui/main_window/main_window.h"
 
 // A receiver of the narrator's news: the list says how far the files were read. GUI thread.
 class RecentList {
 public:
-    // All are borrowed. labelOf: what stands there for a path.
-    RecentList(LMainWindow& window, TextSources& sources, CommandPlaces& places, Narrator& narrator,
-               std::function<std::string(const std::string& path)> labelOf);
+    struct Ways {
+        std::function<std::string(const std::string& path)> labelOf;  // what stands there for it
+        std::function<void(const std::string& path)> open;
+    };
+    // All are borrowed.
+    RecentList(LMainWindow& window, CommandPlaces& places, Narrator& narrator, Ways ways);
     RecentList(const RecentList&) = delete;
     RecentList& operator=(const RecentList&) = delete;
 
@@ -28,9 +31,8 @@ private:
     void Open(std::size_t number);
 
     LMainWindow& window_;
-    TextSources& sources_;
     CommandPlaces& places_;
-    const std::function<std::string(const std::string&)> labelOf_;
+    const Ways ways_;
     LGuiTimer soon_;
     Narrator::Subscription news_;
 };

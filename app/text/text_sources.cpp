@@ -16,13 +16,16 @@
 #include "gui/windows/message_box.h"
 
 TextSources::TextSources(LMainWindow& window, CommandTurn& turn, TextPane& text, Narrator& narrator,
-                         Listener listener)
+                         CommandPlaces& places, Listener listener)
     : window_(window),
       turn_(turn),
       text_(text),
       narrator_(narrator),
       listener_(std::move(listener)),
-      selection_(listener_.changed) {}
+      selection_(listener_.changed),
+      recent_(
+          window, places, narrator,
+          {.labelOf = listener_.labelOf, .open = [this](const auto& path) { LoadFile(path); }}) {}
 
 void TextSources::AddCommands(CommandSet& commands) {
     static constexpr CommandRow<TextSources> kRows[] = {
@@ -47,6 +50,7 @@ void TextSources::AddCommands(CommandSet& commands) {
          &TextSources::CmWholePage},
     };
     commands.Add(*this, kRows);
+    recent_.AddCommands(commands);
 }
 
 void TextSources::Fetch(std::function<void(const std::string& text)> then,
@@ -163,4 +167,5 @@ void TextSources::WasSavedAs(const std::string& path) {
 void TextSources::NoteFile(const std::string& path) {
     RecentFiles::Add(path);
     listener_.filed();
+    recent_.ShowSoon();
 }

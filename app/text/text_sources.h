@@ -1,5 +1,5 @@
-// How texts come into the window: files and pages that are opened, and what is selected or copied
-// in any program.
+// How texts come into the window: files and pages that are opened or were open before, and what is
+// selected or copied in any program.
 #pragma once
 
 #include <functional>
@@ -8,6 +8,7 @@
 #include "app/commands/command_set.h"
 #include "app/commands/command_turn.h"
 #include "app/reading/narrator.h"
+#include "app/text/recent_list.h"
 #include "app/text/selection_watch.h"
 #include "app/text/text_pane.h"
 #include "gui/main_window/main_window.h"
@@ -23,10 +24,11 @@ public:
         // A file from elsewhere cannot be read: nobody may be there to see it.
         std::function<void(const std::string& note)> unreadable;
         std::function<void()> readable;  // that was told, and another file is here
+        std::function<std::string(const std::string& path)> labelOf;  // among the recent files
     };
     // All are borrowed. The narrator's texts wait for the window.
     TextSources(LMainWindow& window, CommandTurn& turn, TextPane& text, Narrator& narrator,
-                Listener listener);
+                CommandPlaces& places, Listener listener);
     TextSources(const TextSources&) = delete;
     TextSources& operator=(const TextSources&) = delete;
 
@@ -36,8 +38,9 @@ public:
     // False: unreadable, which is told, or cancelled; the text stays.
     bool LoadFile(const std::string& path, FileFrom from = FileFrom::kUser,
                   bool isWholePage = false);
-    bool OpenFile();           // likewise, after a chooser
-    std::string ChooseFile();  // empty: cancelled
+    bool OpenFile();                       // likewise, after a chooser
+    std::string ChooseFile();              // empty: cancelled
+    void ShowRecent() { recent_.Show(); }  // once the menus are there
 
     // Then runs from the main loop, once the text is there or there is none, unless the text was
     // changed meanwhile. One at a time.
@@ -65,6 +68,7 @@ private:
     Narrator& narrator_;
     const Listener listener_;
     SelectionWatch selection_;
+    RecentList recent_;
     bool isTakingFromElsewhere_ = false;
     bool isUnreadableTold_ = false;
 };

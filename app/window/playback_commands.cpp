@@ -11,6 +11,7 @@ PlaybackCommands::PlaybackCommands(Narrator& narrator, CommandSet& commands, Lis
     : narrator_(narrator),
       commands_(commands),
       listener_(std::move(listener)),
+      sleep_(narrator, commands, listener_.tell),
       news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
 
 struct PlaybackCommands::Rows {
@@ -80,6 +81,7 @@ struct PlaybackCommands::Rows {
 
 void PlaybackCommands::AddCommands() {
     commands_.Add(*this, Rows::kAll);
+    sleep_.AddCommands();
 }
 
 bool PlaybackCommands::CanBeHeard() const {

@@ -1,10 +1,12 @@
-// The commands that a reading is controlled by from the window, its menus and the tray.
+// The commands that a reading is controlled by from the window, its menus and the tray; those of
+// its sleep timer too.
 #pragma once
 
 #include <functional>
 
 #include "app/commands/command_set.h"
 #include "app/reading/narrator.h"
+#include "app/window/sleep_commands.h"
 
 // GUI thread. A receiver of the narrator's news.
 class PlaybackCommands {
@@ -21,6 +23,7 @@ public:
 
     void AddCommands();
     CommandNeeds Available(bool hasText) const;
+    std::string Status() const { return sleep_.Status(); }  // of the sleep timer
 
 private:
     struct Rows;  // of its commands
@@ -45,5 +48,6 @@ private:
     Narrator& narrator_;
     CommandSet& commands_;
     const Listener listener_;
+    SleepCommands sleep_;
     Narrator::Subscription news_;
 };
