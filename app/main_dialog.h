@@ -41,8 +41,7 @@ public:
     void CmClose() override { presence_.Close(); }
     bool CmCancel() override { return presence_.AskToEnd(); }
 
-    // What a second start asks for, or this one.
-    RemoteControl& Control() { return control_; }
+    RemoteControl& Control() { return control_; }  // what a second start asks for, or this one
 
 private:
     CommandNeeds Available() const;
