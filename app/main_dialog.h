@@ -1,5 +1,5 @@
-// The application's one main window, composed: each part brings its commands and hears the reading
-// by itself; here they are made known to each other.
+// The application's one main window: its parts, each with commands of its own, know each other
+// here.
 #pragma once
 
 #include "app/bookmarks/bookmarks.h"
@@ -24,7 +24,6 @@ public:
 
     // Builds and shows the window, runs this process's own arguments, and the main loop to its end.
     void Run();
-
     // arguments[0] is the program; every other argument but "-logon" and "-block" is a text file to
     // load and read. A file that cannot be loaded is skipped.
     void EvRunArguments(const char* const* arguments, int count) override;
