@@ -4,13 +4,18 @@
 
 namespace {
 
-// A screen reader says a new title of the window in front at once, over the first sentence.
-void SetTitleUnsaid(GtkWindow* window, const char* title) {
-    const auto match = GSignalMatchType(G_SIGNAL_MATCH_ID | G_SIGNAL_MATCH_DATA);
-    const guint notify = g_signal_lookup("notify", G_TYPE_OBJECT);
-    g_signal_handlers_block_matched(window, match, notify, 0, nullptr, nullptr, window);
+// A screen reader says a new title of the window in front at once, over the first sentence of a
+// text that is called by it. It is not told until there is a title that may be said.
+void SetTitle(GtkWindow* window, const char* title, bool isSaid) {
+    constexpr const char* kUnsaid = "title-unsaid";
+    auto* accessible = G_OBJECT(gtk_widget_get_accessible(GTK_WIDGET(window)));
+    const bool wasUnsaid = g_object_get_data(accessible, kUnsaid) != nullptr;
+    if (!isSaid && !wasUnsaid)
+        g_object_freeze_notify(accessible);
+    g_object_set_data(accessible, kUnsaid, GINT_TO_POINTER(isSaid ? 0 : 1));
     gtk_window_set_title(window, title);
-    g_signal_handlers_unblock_matched(window, match, notify, 0, nullptr, nullptr, window);
+    if (isSaid && wasUnsaid)
+        g_object_thaw_notify(accessible);
 }
 
 }  // namespace
@@ -33,7 +38,6 @@ void WindowTitle::Show() const {
     GtkWindow* window = GTK_WINDOW(window_.Widget());
     if (title == gtk_window_get_title(window))
         return;
-    // That of a document came before the reading, and may be said.
-    const auto set = document_().empty() ? SetTitleUnsaid : gtk_window_set_title;
-    set(window, title.c_str());
+    // That of a document came before the reading.
+    SetTitle(window, title.c_str(), !document_().empty());
 }
