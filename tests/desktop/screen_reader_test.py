@@ -199,54 +199,6 @@ class ScreenReaderTest(DesktopCase):
             self.leave()
             wizard.end()
 
-    def test_pause_jumps_and_end_are_said_in_a_word_and_nothing_else_is(self):
-        self.card.tell("speed 1")
-        lectora = self.start()
-        lectora.set_text(" ".join(4 * SENTENCES))
-        lectora.focus()
-        # With the first key the program no longer tells a late reader where the focus is.
-        self.hear("F10", "Lectora menu")
-        before = self.reader.mark()
-        desktop.press_keys("Escape")
-        self.reader.wait_until_told("Text to read text", before)
-        heard = {}
-
-        def press(keys, words, then):
-            """What is said from these keys until then."""
-            before = self.reader.mark()
-            desktop.press_keys(*keys.split())
-            if words:
-                self.reader.wait_until_told(words, before)
-            then()
-            heard[keys or then.__name__] = self.reader.said_since(before)
-            print(f"{keys:14}{heard[keys or then.__name__]!r}", flush=True)
-
-        def reads_on(seconds=2):
-            stream = self.card.streams()[-1]
-            played = self.card.sound(stream).frames + seconds * self.card.sound(stream).rate
-            desktop.wait_until(lambda: self.card.sound(stream).frames > played, "the sound to go on")
-
-        def begins():
-            self.card.next_stream()
-            lectora.player()
-            reads_on()
-
-        press("F9", "", begins)
-        self.reader.go_to(active_window(), "Position")
-        press("", "", reads_on)
-        press("Up", "%", reads_on)
-        press("ctrl+Right", "%", reads_on)
-        press("F9 ", "Paused", lambda: None)
-        press("ctrl+Left", "%", reads_on)
-        press("Escape", "Stopped", lambda: None)
-        lectora.text_box().queryComponent().grabFocus()
-        self.card.tell("speed 20")
-        press("ctrl+shift+r", "End of the text", lambda: None)
-        for quiet in ("F9", "reads_on"):
-            self.assertEqual(heard.pop(quiet), "")
-        for keys, said in heard.items():
-            self.assertRegex(said, r"^(\d+ %|Paused|Stopped|End of the text)$", keys)
-
     def test_a_story_is_read_saved_and_given_a_key_by_its_words_alone(self):
         self.give_keys()
         self.store("settings", savedefaultformat=0)
