@@ -11,6 +11,7 @@
 #include "documents/fiction_book.h"
 #include "documents/html_text.h"
 #include "documents/mail_text.h"
+#include "documents/mobi_book.h"
 #include "documents/pdf_text.h"
 #include "documents/problems.h"
 #include "documents/program_document.h"
@@ -61,6 +62,8 @@ Document ReadKind(DocumentKind kind, std::string_view bytes, const ReadingWatch&
             return ReadMarkdown(bytes, watch, rules);
         case DocumentKind::kMail:
             return ReadMail(bytes, watch, rules);
+        case DocumentKind::kMobi:
+            return ReadMobi(bytes, watch, rules);
         case DocumentKind::kPicture:
             return ReadPicture(bytes, watch, rules);
         case DocumentKind::kForeign:

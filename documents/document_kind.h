@@ -14,6 +14,7 @@ enum class DocumentKind {
     kDjvu,
     kMail,
     kMarkdown,
+    kMobi,
     kPicture,
     kForeign,  // known, but without text that could be read
 };

@@ -173,7 +173,7 @@ TEST(Documents, WhatCannotBeReadSaysSo) {
          "ftypM4A "s,
          "sound"},
         {"tar", std::string(257, 'a') + "ustar", "packed"},
-        {"MOBI", std::string(60, '\1') + "BOOKMOBI", "Kindle"},
+        {"MOBI", std::string(60, '\1') + "BOOKMOBI", "damaged"},
         {"data of a program", "\1\2\3\0\0\0abc\4\5\6\0\0xyz\xff\xfe"s, "data of a program"},
         {"old Office", "\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", "Office"},
         {"sound", "RIFF\1\0\0\0WAVEfmt "s, "sound"},

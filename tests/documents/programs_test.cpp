@@ -60,6 +60,28 @@ TEST(Programs, DjvuIsReadPageByPage) {
     EXPECT_THAT(ReadDocument("AT&TFORM").problem, HasSubstr("damaged"));
 }
 
+// A Palm book of one record, not compressed.
+std::string PalmOf(const std::string& text, const char* kind, char encryption) {
+    std::string book = "Name" + std::string(56, '\0') + kind + std::string(9, '\0') + "\2";
+    for (const std::size_t begin : {std::size_t{94}, std::size_t{110}})
+        book += std::string(3, '\0') + static_cast<char>(begin) + std::string(4, '\0');
+    const std::string size = {'\0', '\0', '\0', static_cast<char>(text.size())};
+    return book + std::string("\0\1\0\0", 4) + size + std::string("\0\1\x10\0\0", 5) + encryption +
+           std::string("\0\0", 2) + text;
+}
+
+TEST(Programs, MobiAndPalmBooksAreReadUnlessTheyAreProtected) {
+    const std::string text = "Words of a book.\n\nMore of it.";
+    const Document palm = ReadDocument(PalmOf(text, "TEXtREAd", 0));
+    EXPECT_EQ(palm.text, text) << palm.problem;
+    EXPECT_EQ(ReadDocument(PalmOf("<p>One<p>two", "BOOKMOBI", 0)).text, "One\n\ntwo");
+    for (const char* kind : {"TEXtREAd", "BOOKMOBI"}) {
+        EXPECT_THAT(ReadDocument(PalmOf(text, kind, 2)).problem, HasSubstr("(DRM)")) << kind;
+        EXPECT_THAT(ReadDocument(PalmOf(text, kind, 0).substr(0, 100)).problem,
+                    HasSubstr("damaged"));
+    }
+}
+
 // A page of grey dots, as scanners make them.
 std::string ScannedPdf(const std::string& pgm) {
     std::size_t at = 2;
@@ -110,10 +132,12 @@ TEST(Programs, WhatIsNotInstalledIsNamed) {
     ::setenv("PATH", "/nowhere", 1);
     const std::string rtf = ReadDocument("{\\rtf1 text}").problem;
     const std::string picture = ReadDocument("\x89PNG\r\n\x1a\n").problem;
+    const std::string book = ReadDocument(PalmOf("a", "BOOKMOBI", 0)).problem;
     const Document markdown = ReadDocument("# Head", {}, {}, "a.md");
     ::setenv("PATH", path.c_str(), 1);
     EXPECT_THAT(rtf, HasSubstr("package unrtf"));
     EXPECT_THAT(picture, HasSubstr("package tesseract-ocr"));
+    EXPECT_THAT(book, HasSubstr("package libmobi-tools"));
     EXPECT_EQ(markdown.text, "# Head");
     EXPECT_THAT(markdown.remark, HasSubstr("package cmark-gfm"));
 }
