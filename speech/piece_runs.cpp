@@ -9,6 +9,7 @@
 
 #include "foundation/log/log.h"
 #include "foundation/whole_characters.h"
+#include "speech/paused_sound.h"
 #include "speech/voices.h"
 
 namespace {
@@ -167,7 +168,7 @@ void PieceRuns::TakeSound(Run& run) {
     leftOutInRow_ = 0;
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - run.start;
     pieces_->RunTook(took.count());
-    const LSoundSource& sound = run.engine->Sound();
+    const LSoundSource sound = WithPause(run.engine->Sound(), run.piece.pauseMilliseconds);
     if (!hasSpoken_)
         channels_ = sound->Channels();
     // Only mono and stereo become each other.

@@ -18,6 +18,9 @@ constexpr std::size_t kMostToListen = 600;
 constexpr std::size_t kFirstToSave = 2000;
 constexpr std::size_t kLeastToSave = 500;
 constexpr std::size_t kMostToSave = 8000;
+// What is told a listener of a heading's rank: more than the pause between two paragraphs.
+constexpr int kHeadingPauseMs = 600;
+constexpr std::size_t kLongestHeading = 300;
 constexpr double kQuickSeconds = 3;
 constexpr double kSlowSeconds = 8;
 
@@ -28,7 +31,28 @@ SaidDifferently SaidBy(const Voice& voice, std::string_view text, const Speaking
             KeyOf(voice), voice.language};
 }
 
+// Before and behind each.
+std::vector<std::size_t> PausesAt(const std::vector<std::size_t>& headings, std::string_view text) {
+    std::vector<std::size_t> pauses;
+    for (const std::size_t begin : headings) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        if (begin >= text.size() || end - begin > kLongestHeading)
+            continue;
+        pauses.push_back(begin);
+        pauses.push_back(end);
+    }
+    return pauses;
+}
+
 }  // namespace
+
+std::vector<std::size_t> HeadingsFrom(const std::vector<std::size_t>& headings, std::size_t begin) {
+    std::vector<std::size_t> rest;
+    for (const std::size_t heading : headings)
+        if (heading >= begin)
+            rest.push_back(heading - begin);
+    return rest;
+}
 
 std::size_t SpeechPiece::Size() const {
     std::size_t size = 0;
@@ -52,6 +76,7 @@ SpeechPiece SpeechPiece::TakeSecondHalf() {
         size += (middle++)->text.size();
     SpeechPiece second;
     second.voice = voice;
+    second.pauseMilliseconds = std::exchange(pauseMilliseconds, 0);
     second.units.assign(std::make_move_iterator(middle), std::make_move_iterator(units.end()));
     units.erase(middle, units.end());
     return second;
@@ -70,6 +95,7 @@ SpeakingRules ChosenSpeakingRules() {
 SpeechPieces::SpeechPieces(std::string_view text, int voice, ReadingUse use, SpeakingRules rules)
     : text_(text),
       rules_(std::move(rules)),
+      pauses_(PausesAt(rules_.headings, text)),
       stretches_(text, voice, rules_.byLanguage, rules_.marks),
       use_(use),
       enough_(use == ReadingUse::kListening ? kEnoughToListen
@@ -79,19 +105,29 @@ SpeechPieces::SpeechPieces(std::string_view text, int voice, ReadingUse use, Spe
 
 bool SpeechPieces::Next(SpeechPiece& piece) {
     piece.units.clear();
+    piece.pauseMilliseconds = 0;
     std::size_t size = 0;
     while (true) {
         const bool isAhead = ahead_ || NextUnit();
         const bool isEnough = size >= enough_ && (use_ == ReadingUse::kSaving || size >= most_ ||
                                                   (isAhead && ahead_->beginsSentence));
         const bool isOthers = !piece.units.empty() && isAhead && aheadVoice_ != piece.voice;
-        if (!isAhead || isEnough || isOthers)
+        const bool isPause =
+            !piece.units.empty() && isAhead && BeginsBehindPause(piece.SourceBegin());
+        if (isPause)
+            piece.pauseMilliseconds = kHeadingPauseMs;
+        if (!isAhead || isEnough || isOthers || isPause)
             return !piece.units.empty();
         size += ahead_->text.size();
         piece.voice = aheadVoice_;
         piece.units.push_back(std::move(*ahead_));
         ahead_.reset();
     }
+}
+
+bool SpeechPieces::BeginsBehindPause(std::size_t pieceBegin) const {
+    const auto pause = std::ranges::upper_bound(pauses_, pieceBegin);
+    return pause != pauses_.end() && *pause <= ahead_->sourceBegin;
 }
 
 // Into ahead_. False at the end.

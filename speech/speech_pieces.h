@@ -29,7 +29,13 @@ struct SpeakingRules {
     std::shared_ptr<const Pronunciations> pronunciations = {};
     VoicesInstead instead = {};  // of voices that cannot speak any more
     SpeakingChoices choices = {};
+    // Where lines begin that a pause comes before and behind, in order; longer ones are no
+    // headings.
+    std::vector<std::size_t> headings = {};
 };
+
+// Those for the text from the byte on, as it stands then.
+std::vector<std::size_t> HeadingsFrom(const std::vector<std::size_t>& headings, std::size_t begin);
 
 // As the user has chosen.
 SpeakingRules ChosenSpeakingRules();
@@ -42,7 +48,8 @@ constexpr UserSetting<bool> kSayEmojiSetting{"Settings", "SayEmoji", true};
 // Consecutive units of a text; never empty.
 struct SpeechPiece {
     std::vector<TextUnit> units;
-    int voice = 0;  // index into the voice table
+    int voice = 0;              // index into the voice table
+    int pauseMilliseconds = 0;  // of silence behind it
 
     std::size_t Size() const;  // bytes of prepared text
     std::string Text() const;  // the units' prepared texts joined
@@ -70,9 +77,11 @@ public:
 
 private:
     bool NextUnit();
+    bool BeginsBehindPause(std::size_t pieceBegin) const;
 
     std::string_view text_;
     SpeakingRules rules_;
+    std::vector<std::size_t> pauses_;  // bytes of the text, in order
     VoiceStretches stretches_;
     VoiceStretch stretch_{};
     std::optional<TextUnits> units_;  // of the stretch

@@ -167,6 +167,7 @@ void SpeechReading::Produce(const LThread& thread) {
     const std::string_view rest = std::string_view(*text_).substr(begin_);
     SpeakingRules rules = rules_;
     rules.marks = MarksFrom(rules_.marks, begin_);
+    rules.headings = HeadingsFrom(rules_.headings, begin_);
     PieceRuns runs(rest, voice_, FolderOf(path_), use_, taker, std::move(rules));
     ThreadProgress progress(thread);
     Process(progress, runs);

@@ -130,6 +130,21 @@ TEST_F(NumbersReading, AStretchIsASentenceWhateverTheEngineEnds) {
     EXPECT_EQ(heard, expected);
 }
 
+TEST_F(NumbersReading, PausesBeforeAndBehindHeadings) {
+    const std::string text = "Heading 1\n\nThe number 2. The number 3.\n\n4\n\nThe number 5.";
+    for (const ReadingUse use : {ReadingUse::kListening, ReadingUse::kSaving}) {
+        SpeechReading reading(text, 0, SoundPath(), use);
+        reading.SpeakBy({.headings = {0, text.find('4')}});
+        reading.Start();
+        ASSERT_EQ(Process(progress_, reading), kProcessDone);
+        const LSoundSource source = reading.OpenSource();
+        std::vector<int> heard = HearNumbers(*source);
+        EXPECT_EQ(std::count(heard.begin(), heard.end(), 0), 3 * 24) << "0.6 seconds each";
+        heard.erase(std::unique(heard.begin(), heard.end()), heard.end());
+        EXPECT_EQ(heard, (std::vector<int>{1, 0, 2, 3, 0, 4, 0, 5}));
+    }
+}
+
 TEST_F(NumbersReading, AnEngineThatSpeaksNothingIsGivenUpSoon) {
     for (const auto& [word, outcome] : {std::pair{"nothing", SynthesisOutcome::kNoSound},
                                         {"hang", SynthesisOutcome::kTimedOut}}) {
