@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "foundation/log/log.h"
+#include "speech/spoken_address.h"
 
 namespace {
 
@@ -218,6 +219,13 @@ int SaidDifferently::RankOf(const Pronunciation& entry) const {
 }
 
 std::optional<SaidDifferently::Stretch> SaidDifferently::At(std::size_t at) {
+    if (auto listed = ListedAt(at))
+        return listed;
+    const auto address = saysHosts_ ? AddressAt(text_, at) : std::nullopt;
+    return address ? std::optional(Stretch{address->end, address->host}) : std::nullopt;
+}
+
+std::optional<SaidDifferently::Stretch> SaidDifferently::ListedAt(std::size_t at) {
     if (!list_)
         return std::nullopt;
     if (const std::optional<Stretch> found = PatternAt(at))

@@ -67,6 +67,8 @@ public:
     SaidDifferently(std::shared_ptr<const Pronunciations> list, std::string_view text,
                     std::string voice, std::string language);
 
+    void SayHosts() { saysHosts_ = true; }  // of web addresses, which the list goes before
+
     struct Stretch {
         std::size_t end;
         std::string_view said;  // empty: it is skipped. Until the next question.
@@ -80,6 +82,7 @@ public:
 private:
     bool Holds(const Pronunciation& entry) const;
     int RankOf(const Pronunciation& entry) const;
+    std::optional<Stretch> ListedAt(std::size_t at);
     std::optional<Stretch> WordsAt(std::size_t at, std::string_view firstWord);
     const Pronunciation* BestOf(const std::vector<std::uint32_t>& entries,
                                 std::string_view written) const;
@@ -90,6 +93,7 @@ private:
     std::string_view text_;
     std::string voice_;
     std::string language_;
+    bool saysHosts_ = false;
     std::size_t wordEnd_ = 0;  // of the word that was asked for last
     struct ActivePattern {
         const Pronunciations::Pattern* pattern;

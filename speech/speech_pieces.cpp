@@ -25,10 +25,13 @@ constexpr double kQuickSeconds = 3;
 constexpr double kSlowSeconds = 8;
 
 SaidDifferently SaidBy(const Voice& voice, std::string_view text, const SpeakingRules& rules) {
-    if (!rules.saysDifferently)
-        return {};
-    return {rules.pronunciations ? rules.pronunciations : CurrentPronunciations(), text,
-            KeyOf(voice), voice.language};
+    SaidDifferently said(!rules.saysDifferently ? nullptr
+                         : rules.pronunciations ? rules.pronunciations
+                                                : CurrentPronunciations(),
+                         text, KeyOf(voice), voice.language);
+    if (rules.saysHosts)
+        said.SayHosts();
+    return said;
 }
 
 // Before and behind each.
@@ -89,7 +92,9 @@ SpeakingChoices ChosenSpeakingChoices() {
 }
 
 SpeakingRules ChosenSpeakingRules() {
-    return {.byLanguage = kVoiceByLanguageSetting.Get(), .choices = ChosenSpeakingChoices()};
+    return {.saysHosts = kSkipAddressesSetting.Get(),
+            .byLanguage = kVoiceByLanguageSetting.Get(),
+            .choices = ChosenSpeakingChoices()};
 }
 
 SpeechPieces::SpeechPieces(std::string_view text, int voice, ReadingUse use, SpeakingRules rules)

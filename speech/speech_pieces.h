@@ -23,6 +23,7 @@ enum class ReadingUse { kListening, kSaving, kSavingSentences };
 // How a text is spoken, beside the voice.
 struct SpeakingRules {
     bool saysDifferently = true;           // by the pronunciation list (pronunciations.h)
+    bool saysHosts = true;                 // of web addresses, and not the rest
     bool byLanguage = false;               // each language by a voice of its own
     std::vector<LanguageMark> marks = {};  // of the text's document
     // That list, whatever becomes of the files meanwhile; null: as they are now.
@@ -44,6 +45,7 @@ constexpr UserSetting<bool> kVoiceByLanguageSetting{"Settings", "VoiceByLanguage
 constexpr UserSetting<bool> kSpellCapitalsSetting{"Settings", "SpellCapitals", false};
 constexpr UserSetting<bool> kSayPunctuationSetting{"Settings", "SayPunctuation", false};
 constexpr UserSetting<bool> kSayEmojiSetting{"Settings", "SayEmoji", true};
+constexpr UserSetting<bool> kSkipAddressesSetting{"Skipping", "Addresses", true};
 
 // Consecutive units of a text; never empty.
 struct SpeechPiece {

@@ -66,6 +66,24 @@ TEST(Pronunciations, SayWordsStretchesAndPatternsDifferently) {
         EXPECT_EQ(Said(test.file, test.text), test.said) << test.what;
 }
 
+TEST(Pronunciations, OfAddressesTheSiteIsSaid) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"See https://www.example.org/a/b.html?c=d#e, please.", "See example.org, please."},
+        {"(http://ann:pw@example.org:8080/x_(y))", "(example.org)"},
+        {"<HTTP://EXAMPLE.ORG> or www.example.org/x!", "<EXAMPLE.ORG> or example.org!"},
+        {"http:// www. www.x https:///", "http:// www. www.x https:///"},
+        {"ahttp://example.org/b", "ahttp://example.org/b"},
+        {"the http://listed.org/x", "the list"},
+    };
+    for (const auto& [text, said] : cases) {
+        SaidDifferently differently(ListOf("http://listed.org/x\tlist"), text, "espeak-ng:en",
+                                    "en");
+        differently.SayHosts();
+        EXPECT_EQ(PrepareText(text, VoiceCharset::kUnicode, "en", std::move(differently)).text,
+                  said);
+    }
+}
+
 TEST(Pronunciations, HoldForAllForALanguageOrForAVoice) {
     const std::string file =
         "tomato\tall\ntomato\tenglish\ten\ntomato\tbritish\ten-GB\ntomato\tkal\tfestival:kal";
