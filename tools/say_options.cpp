@@ -12,6 +12,7 @@
 #include <string_view>
 #include <utility>
 
+#include "documents/chosen_rules.h"
 #include "tools/tool_texts.h"
 
 namespace {
@@ -95,8 +96,10 @@ int ShowSayHelp() {
         "      --whole-page     of a web page read menus and all else around its article too\n"
         "      --as-written     leave the pronunciation list aside\n"
         "      --skip=PARTS     leave out of documents: marks (that point to notes), notes, code,\n"
-        "                       captions, heads (of pages); several with commas between\n"
-        "      --keep=PARTS     read them; without both, marks and heads are left out\n"
+        "                       captions, heads (of pages), addresses (but for their site); "
+        "several\n"
+        "                       with commas between\n"
+        "      --keep=PARTS     read them; without both, what the options of Lectora say\n"
         "%s"
         "      --help           show this text\n"
         "      --version        show the version\n",
@@ -172,7 +175,7 @@ bool ParseTextForm(const char* form, SayOptions& options) {
 }
 
 // "notes,code"; false when one of them is not known.
-bool ParseParts(std::string_view parts, bool isRead, DocumentRules& rules) {
+bool ParseParts(std::string_view parts, bool isRead, SayOptions& options) {
     constexpr std::pair<std::string_view, bool DocumentRules::*> kParts[] = {
         {"marks", &DocumentRules::referenceMarks},
         {"notes", &DocumentRules::notes},
@@ -181,12 +184,15 @@ bool ParseParts(std::string_view parts, bool isRead, DocumentRules& rules) {
         {"heads", &DocumentRules::pageHeads}};
     for (;;) {
         const std::size_t end = std::min(parts.find(','), parts.size());
-        const auto* known =
-            std::find_if(std::begin(kParts), std::end(kParts),
-                         [&](const auto& part) { return part.first == parts.substr(0, end); });
-        if (known == std::end(kParts))
+        const std::string_view name = parts.substr(0, end);
+        const auto* known = std::find_if(std::begin(kParts), std::end(kParts),
+                                         [&](const auto& part) { return part.first == name; });
+        if (name == "addresses")
+            options.speaking.saysHosts = !isRead;
+        else if (known == std::end(kParts))
             return false;
-        rules.*known->second = isRead;
+        else
+            options.rules.*known->second = isRead;
         if (end == parts.size())
             return true;
         parts.remove_prefix(end + 1);
@@ -282,7 +288,7 @@ std::optional<int> ParseManner(int option, SayOptions& options) {
         return UsageError(kSayProgram, "no such length of parts: " + value);
     if (option == kText && !ParseTextForm(optarg == nullptr ? "whole" : optarg, options))
         return UsageError(kSayProgram, "no such form of text: " + value);
-    if ((option == kSkip || option == kKeep) && !ParseParts(value, option == kKeep, options.rules))
+    if ((option == kSkip || option == kKeep) && !ParseParts(value, option == kKeep, options))
         return UsageError(kSayProgram, "no such part of documents: " + value);
     return std::nullopt;
 }
@@ -299,6 +305,8 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     Words words;
     BookWish wish;
     bool hasBookOption = false;
+    options.rules = ChosenDocumentRules();
+    options.speaking.saysHosts = ChosenSpeakingRules().saysHosts;
     optind = 1;
     for (;;) {
         const int option = ::getopt_long(argc, argv, "v:o:t:fp", kSayOptions, nullptr);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "app/options/keep_change.h"
 #include "app/settings_keys.h"
 #include "app/text/highlight_colors.h"
 #include "app/text/kept_text.h"
@@ -35,17 +36,6 @@ constexpr int kVoiceButton = 121;
 
 enum : int { kMp3 = 0, kWav = 1 };
 constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
-
-constexpr const char* kFolderNotWritten = "Your settings folder cannot be written.";
-
-// True when it is kept; an untouched choice is not written, so that it goes on following what an
-// administrator has set.
-template <typename Setting, typename Value>
-bool KeepChange(const Setting& setting, const Value& before, const Value& now) {
-    if (now != before)
-        setting.Set(now);
-    return now == before || setting.Get() == now;
-}
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "documents/chosen_rules.h"
 #include "documents/web_address.h"
 #include "foundation/files/path_text.h"
 #include "foundation/threads/detached_thread.h"
@@ -32,7 +33,7 @@ public:
 
 private:
     void ThreadFunction() override {
-        DocumentRules rules;
+        DocumentRules rules = ChosenDocumentRules();
         rules.wholePage = loading_->isWholePage;
         loading_->document = LoadDocument(
             loading_->path.c_str(), [this] { return loading_->stop || IsStopping(); }, rules);
