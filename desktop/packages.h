@@ -8,6 +8,7 @@
 constexpr const char* kEnginePackage = "festival";
 constexpr const char* kFirstVoicePackage = "festvox-kallpc16k";
 constexpr const char* kEncoderPackage = "lame";
+constexpr const char* kRecognitionPackage = "tesseract-ocr";
 
 // A voice that Debian has for the speech engine; with the package of its language, behind a blank,
 // where it is mute without.

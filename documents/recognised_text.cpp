@@ -85,7 +85,8 @@ std::string Lack(const Recogniser& recogniser) {
 }
 
 constexpr const char* kNotInstalled =
-    "The text in pictures is read by the program tesseract: install the package tesseract-ocr.";
+    "The text in pictures is read by the program tesseract: install the package tesseract-ocr, by "
+    "\"Check This Computer\" in Lectora's menu Help for example.";
 
 // Grey, as large as an office's page at 300 dots an inch.
 std::string PageCommand(std::size_t page) {

@@ -10,6 +10,7 @@
 #include "app/reading/narrator.h"
 #include "app/reading/speech_file.h"
 #include "desktop/dialogs/ready_dialog.h"
+#include "desktop/packages.h"
 #include "foundation/gdk/queued_notify.h"
 #include "foundation/processes/browser.h"
 #include "foundation/processes/child_process.h"
@@ -92,7 +93,10 @@ public:
     std::string Engines() const override { return EnginesThatSpeak(); }
     std::string Voices() const override { return VoicesThatSpeak(); }
     std::vector<std::string> Cards() const override { return cards_; }
-    bool HasEncoder() const override { return IsProgramInstalled("lame"); }
+    std::vector<LHelperProgram> Helpers() const override {
+        return {{"MP3 encoder", kEncoderPackage, IsProgramInstalled("lame")},
+                {"Text in pictures", kRecognitionPackage, IsProgramInstalled("tesseract")}};
+    }
     void ReadTestSentence(GtkWidget* parent) override {
         parent_ = parent;
         const int voice = std::max(0, ChosenVoice());

@@ -60,8 +60,10 @@ void LReadyDialog::InitDialog() {
     static constexpr LListColumn kStateColumns[] = {{"What is needed", 32}, {"State", 60}};
     LVInit(kState, {LListColumns::kPercent, kStateColumns});
     SetAccessibleName(GetControlByID(kState), "What is needed");
-    for (const char* what : {"Speech engine", "Voices", "Sound card", "MP3 encoder"})
+    for (const char* what : {"Speech engine", "Voices", "Sound card"})
         LVAddString(kState, what);
+    for (const LHelperProgram& helper : machine_.Helpers())
+        LVAddString(kState, helper.what);
     LVSetCurSel(kState, 0);
     static constexpr LListColumn kVoiceColumns[] = {
         {"Language", 27, LListSort::kText}, {"Speaker", 30}, {"Package", 43}};
@@ -107,23 +109,25 @@ void LReadyDialog::Show() {
         missing_.emplace_back(kEnginePackage);
     if (engine == Engine::kMissing || engine == Engine::kWithoutVoice)
         missing_.emplace_back(kFirstVoicePackage);
-    if (!machine_.HasEncoder())
-        missing_.emplace_back(kEncoderPackage);
+    for (const LHelperProgram& helper : machine_.Helpers())
+        if (!helper.isThere)
+            missing_.emplace_back(helper.package);
 
     const std::string asking = "asking the speech engine";
     const auto lacks = [](const char* package) {
         return std::string("missing: package ") + package;
     };
     // In place: a row that vanished would take the words of a screen reader with it.
-    const std::string states[] = {engine == Engine::kAsking    ? asking
-                                  : engine == Engine::kMissing ? lacks(kEnginePackage)
-                                  : engine == Engine::kSpeaks  ? machine_.Engines()
-                                                               : "found",
-                                  engine == Engine::kAsking   ? asking
-                                  : engine == Engine::kSpeaks ? machine_.Voices()
-                                                              : lacks(kFirstVoicePackage),
-                                  cards.empty() ? "missing" : cards.front(),
-                                  machine_.HasEncoder() ? "found" : lacks(kEncoderPackage)};
+    std::vector<std::string> states = {engine == Engine::kAsking    ? asking
+                                       : engine == Engine::kMissing ? lacks(kEnginePackage)
+                                       : engine == Engine::kSpeaks  ? machine_.Engines()
+                                                                    : "found",
+                                       engine == Engine::kAsking   ? asking
+                                       : engine == Engine::kSpeaks ? machine_.Voices()
+                                                                   : lacks(kFirstVoicePackage),
+                                       cards.empty() ? "missing" : cards.front()};
+    for (const LHelperProgram& helper : machine_.Helpers())
+        states.push_back(helper.isThere ? "found" : lacks(helper.package));
     for (int row = 0; const std::string& state : states)
         LVSetColumnString(kState, row++, 1, state.c_str());
 

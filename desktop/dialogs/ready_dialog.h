@@ -7,6 +7,13 @@
 
 #include "gui/windows/dialog.h"
 
+// A program that a part of the application needs.
+struct LHelperProgram {
+    const char* what;  // it is for
+    const char* package;
+    bool isThere;
+};
+
 // What the application knows about the machine. GUI thread.
 class LReadiness {
 public:
@@ -19,7 +26,7 @@ public:
     virtual std::string Engines() const = 0;             // those that speak
     virtual std::string Voices() const = 0;              // how many of them, in how many languages
     virtual std::vector<std::string> Cards() const = 0;  // names
-    virtual bool HasEncoder() const = 0;
+    virtual std::vector<LHelperProgram> Helpers() const = 0;  // always the same ones
     // Says a sentence aloud; troubles are told to the user in boxes of their own.
     virtual void ReadTestSentence(GtkWidget* parent) = 0;
 };

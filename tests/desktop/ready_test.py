@@ -9,7 +9,7 @@ ENGINE = os.path.join(desktop.HERE, "engine")
 
 class ReadyTest(DesktopCase):
     def wait_for_states(self, lectora, *wanted):
-        """Of engine, voices, card and encoder, as the window shows them; None: whatever it is."""
+        """Of engine, voices, card, encoder and recognition, as the window shows them; None: whatever it is."""
 
         def are_there():
             cells = [cell.name for cell in lectora.find("table", "What is needed")]
@@ -32,10 +32,10 @@ class ReadyTest(DesktopCase):
             os.symlink(f"/usr/bin/{name}", os.path.join(programs, name))
         lectora = self.check(programs)
         self.wait_for_states(lectora, "missing: package festival", "missing: package festvox-kallpc16k",
-                             "Virtual Card A", "missing: package lame")
+                             "Virtual Card A", "missing: package lame", "missing: package tesseract-ocr")
         self.picture("ready-missing")
         lectora.find("label", "In a terminal, this installs what is missing: "
-                     "sudo apt install festival festvox-kallpc16k lame")
+                     "sudo apt install festival festvox-kallpc16k lame tesseract-ocr")
         for button in ("Install What Is Missing", "Read a Test Sentence"):
             self.assertFalse(lectora.can_press("push button", button), button)
         # A desktop whose sound goes elsewhere has a sound server alone.
@@ -45,7 +45,7 @@ class ReadyTest(DesktopCase):
         os.unlink(os.path.join(self.card.folder, "settings"))
         # A package service that fails the first time.
         said = self.file("said", "")
-        for end in ("echo no network; exit 4", f"ln -s {ENGINE}/* /usr/bin/lame {programs}"):
+        for end in ("echo no network; exit 4", f"ln -s {ENGINE}/* /usr/bin/lame /usr/bin/tesseract {programs}"):
             self.program(programs, "pkcon", f'echo "$@" >>{said}\n{end}')
             lectora.press("push button", "Check Again")
             desktop.wait_until(lambda: lectora.can_press("push button", "Install What Is Missing"), "the button")
@@ -54,10 +54,10 @@ class ReadyTest(DesktopCase):
                 self.assertIn("sudo apt install festival", lectora.wait_for_box("no network"))
                 self.picture("ready-failed")
                 lectora.press("push button", "OK")
-        self.wait_for_states(lectora, "Festival", "2 found", "The desktop's sound server", "found")
+        self.wait_for_states(lectora, "Festival", "2 found", "The desktop's sound server", "found", "found")
         self.picture("ready-there")
         with open(said) as file:
-            self.assertEqual(file.read(), "--plain -y install festival festvox-kallpc16k lame\n" * 2)
+            self.assertEqual(file.read(), "--plain -y install festival festvox-kallpc16k lame tesseract-ocr\n" * 2)
         lectora.press("push button", "Read a Test Sentence")
         server.wait_for(server.next_stream(), "close")
         lectora.press("push button", "Close")
