@@ -94,7 +94,8 @@ void ReadAloud::Begin(TextToRead what, bool isWhole) {
     text.languages = MarksFrom(MarksOf(parts_.text.Languages()), what.offset);
     if (isWhole) {
         text.title = parts_.text.Title();
-        text.headings = parts_.text.Headings();
+        text.headings = parts_.text.Structure().Places();
+        text.chapters = parts_.text.Structure().ChapterPlaces();
     }
     isWhole_ = isWhole;
     parts_.narrator.Read(std::move(text), voice);

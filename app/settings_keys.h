@@ -20,6 +20,8 @@ constexpr UserSetting<bool> kKeepTextSetting{"Options", "KeepText", true};
 constexpr UserSetting<int> kTextSizeSetting{"Options", "TextSize", 0};  // points; 0: the theme's
 // Shown unless this is exactly "0".
 constexpr UserSetting<const char*> kShowCommandBarSetting{"Options", "ShowCommandBar", "1"};
+// Whether the contents of documents that have any are shown beside their text.
+constexpr UserSetting<bool> kShowContentsSetting{"Options", "ShowContents", true};
 // The tray tells messages apart by their numbers; the last one is kept beyond the end.
 constexpr UserSetting<int> kTrayMessageSetting{"Settings", "TrayID", 0};
 // Whether the user was told that a closed Lectora goes on in the background.

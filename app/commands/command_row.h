@@ -21,6 +21,9 @@ constexpr CommandNeeds kNeedsArticle = 1u << 8;      // of a web page, of which 
 constexpr CommandNeeds kNeedsPlaces = 1u << 9;       // a reading, to move in
 constexpr CommandNeeds kNeedsHeadings = 1u << 10;    // in it
 constexpr CommandNeeds kNeedsWaitingFile = 1u << 11;  // to be read
+constexpr CommandNeeds kNeedsChapters = 1u << 12;     // likewise
+constexpr CommandNeeds kNeedsContents = 1u << 13;     // of the document in the window
+constexpr CommandNeeds kNeedsPages = 1u << 14;        // likewise
 
 // A number of 0, a null text, a key of 0 stand for none.
 struct CommandFacts {

@@ -21,6 +21,9 @@ constexpr struct {
     {kNeedsPlaces, "Nothing is being read."},
     {kNeedsHeadings, "This text has no headings."},
     {kNeedsWaitingFile, "No file waits to be read."},
+    {kNeedsChapters, "This text has no chapters."},
+    {kNeedsContents, "This text has no contents: no chapters and no headings."},
+    {kNeedsPages, "This text has no pages."},
 };
 
 }  // namespace

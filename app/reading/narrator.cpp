@@ -38,7 +38,16 @@ ReadingNews Narrator::Now() const {
         if (IsLoaded())
             news.stretch = reading->Track().StretchAt(info_.Frame(Time()));
     }
+    news.chapters = info_.Chapters().size();
+    if (news.chapters > 0)
+        news.chapter = ChapterAt(news.stretch ? news.stretch->sourceBegin : Place());
     return news;
+}
+
+// From 1 on.
+std::size_t Narrator::ChapterAt(std::size_t place) const {
+    const std::vector<std::size_t>& chapters = info_.Chapters();
+    return static_cast<std::size_t>(std::ranges::upper_bound(chapters, place) - chapters.begin());
 }
 
 void Narrator::Tell(ReadingState before) {

@@ -69,13 +69,15 @@ public:
     void MoveTo(LSoundTime time) override;
     void MoveToEnd() override;
     void MoveToSentence(int step) override;
-    void MoveToParagraph(int step);       // 1 or -1: the next one, or the start of this or the last
-    void MoveToHeading(int step);         // likewise, where the text has headings
+    void MoveToParagraph(int step);  // 1 or -1: the next one, or the start of this or the last
+    void MoveToHeading(int step);    // likewise, where the text has headings
+    void MoveToChapter(int step);
     void MoveToPlace(std::size_t place);  // the sentence at that byte of the text
     void ReadOn(std::size_t place, int voice);  // from there on by that voice
     bool CanMove() const;                       // there is a text whose places can be heard
     const std::vector<std::size_t>& Headings() const { return info_.Headings(); }
     LSoundTime TimeAt(std::size_t place) const { return info_.TimeAt(place); }
+    const std::vector<std::size_t>& Chapters() const { return info_.Chapters(); }
     std::size_t Place() const;  // of the sentence that is heard, or will be
 
     // The texts that wait begin one after the other, whenever nothing is being read; a stop and
@@ -92,6 +94,8 @@ private:
     void Tell(ReadingState before);
     bool IsFetching() const { return firstSound_.IsWaiting() || nextPlace_.IsRunning(); }
     std::optional<SpokenStretch> Heard() const;
+    std::size_t ChapterAt(std::size_t place) const;
+    void MoveAlong(const std::vector<std::size_t>& places, int step);
     void BeginSpeech(std::size_t place);
     void GoTo(std::size_t place);
     void JumpTo(LSoundTime time);

@@ -115,12 +115,19 @@ void Narrator::MoveToParagraph(int step) {
 }
 
 void Narrator::MoveToHeading(int step) {
-    const std::vector<std::size_t>& headings = info_.Headings();
-    const auto behind = std::ranges::upper_bound(headings, Place());
-    const auto before = std::ranges::lower_bound(headings, Place());
-    if (step > 0 && behind != headings.end())
+    MoveAlong(info_.Headings(), step);
+}
+
+void Narrator::MoveToChapter(int step) {
+    MoveAlong(info_.Chapters(), step);
+}
+
+void Narrator::MoveAlong(const std::vector<std::size_t>& places, int step) {
+    const auto behind = std::ranges::upper_bound(places, Place());
+    const auto before = std::ranges::lower_bound(places, Place());
+    if (step > 0 && behind != places.end())
         MoveToPlace(*behind);
-    else if (step < 0 && before != headings.begin())
+    else if (step < 0 && before != places.begin())
         MoveToPlace(*std::prev(before));
 }
 

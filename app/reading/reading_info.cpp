@@ -10,6 +10,7 @@ void ReadingInfo::SetText(ReadingText text) {
     title_ = text.title.empty() ? BeginningOf(text.text) : std::move(text.title);
     headings_ = std::move(text.headings);
     languages_ = std::move(text.languages);
+    chapters_ = std::move(text.chapters);
     begin_ = std::min(text.begin, text.text.size());
     times_ = ReadingTimes(text.text.size(), begin_);
     text_ = std::make_shared<const std::string>(std::move(text.text));
@@ -20,6 +21,7 @@ void ReadingInfo::Forget() {
     text_ = std::make_shared<const std::string>();
     headings_.clear();
     languages_.clear();
+    chapters_.clear();
     times_ = ReadingTimes();
     begin_ = 0;
     voiceName_.clear();
@@ -38,6 +40,7 @@ void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPa
         std::make_unique<SpeechReading>(text_, place, voice, soundPath, ReadingUse::kListening);
     SpeakingRules rules = rules_ ? *rules_ : ChosenSpeakingRules();
     rules.marks = languages_;
+    rules.headings = headings_;
     reading_->SpeakBy(std::move(rules));
     reading_->Start();
 }

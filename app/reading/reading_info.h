@@ -16,6 +16,7 @@ struct ReadingText {
     std::string title = {};                    // what it is called; empty: by its first words
     std::size_t begin = 0;                     // where the reading begins
     std::vector<std::size_t> headings = {};    // where they begin, in order
+    std::vector<std::size_t> chapters = {};    // likewise
     std::vector<LanguageMark> languages = {};  // what the document says of its language
 };
 
@@ -36,6 +37,7 @@ public:
     SpeechReading* Reading() const { return reading_.get(); }  // null before Speak
     const std::string& Text() const { return *text_; }
     const std::vector<std::size_t>& Headings() const { return headings_; }
+    const std::vector<std::size_t>& Chapters() const { return chapters_; }
     std::size_t Begin() const { return begin_; }  // of what is spoken, or will be
 
     // Of what is spoken; 0 before its source was opened.
@@ -61,6 +63,7 @@ private:
     std::shared_ptr<const std::string> text_ = std::make_shared<const std::string>();
     std::vector<std::size_t> headings_;
     std::vector<LanguageMark> languages_;
+    std::vector<std::size_t> chapters_;
     std::optional<SpeakingRules> rules_;  // else as the user has chosen
     std::unique_ptr<SpeechReading> reading_;
     ReadingTimes times_;  // but for what was spoken since the part began

@@ -1,11 +1,13 @@
 // What the narrator tells its receivers.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
 #include "app/reading/reading_state.h"
 #include "playback/player_transport.h"
+#include "sound/sound_time.h"
 #include "speech/speech_track.h"
 
 // What there is to know of a reading at a moment.
@@ -21,6 +23,8 @@ struct ReadingNews {
     bool isJump = false;                   // the user has just moved to another place
     std::string title;                     // what is read is called
     std::optional<SpokenStretch> stretch;  // being heard, in bytes of the text
+    std::size_t chapter = 0;               // being heard, from 1 on; 0: before the first
+    std::size_t chapters = 0;              // of the text
     // What the user is to be told, once: of an end, or of a reading that went well with something
     // left out.
     std::string note;

@@ -25,7 +25,7 @@ LEditWidgets TextPane::NewTextBox() {
     buffer_ = GObjectRef<GtkTextBuffer>::Share(gtk_text_view_get_buffer(view_));
     history_.Attach(buffer_.Get(), lines_);
     highlight_.Attach(view_, lines_);
-    headings_.Attach(buffer_.Get(), lines_);
+    structure_.Attach(buffer_.Get(), lines_);
     languages_.Attach(buffer_.Get(), lines_);
     lines_.Attach(buffer_.Get());
     kept_.Attach(buffer_.Get(), lines_);
@@ -105,7 +105,7 @@ void TextPane::Replace(const std::string& text) {
     gtk_text_buffer_set_text(buffer_.Get(), shown.data(), static_cast<gint>(shown.size()));
     gtk_text_buffer_end_user_action(buffer_.Get());
     highlight_.End();
-    headings_.Set({});
+    structure_.Clear();
     languages_.Set({});
     languageTags_.clear();
     title_.clear();
@@ -117,11 +117,8 @@ void TextPane::TakeFile(const Document& document, const std::string& path) {
     Replace(document.text);
     kept_.CameFromFile(path);
     title_ = BeginningOf(DisplayText(document.title), 20, 100);
+    structure_.Set(document);
     std::vector<std::size_t> places;
-    for (const DocumentHeading& heading : document.headings)
-        places.push_back(heading.begin);
-    headings_.Set(places);
-    places.clear();
     for (const DocumentLanguage& language : document.languages) {
         places.push_back(language.begin);
         languageTags_.push_back(language.tag);
@@ -190,6 +187,11 @@ void TextPane::CmRedo() {
 
 void TextPane::ShowCursor() {
     gtk_text_view_scroll_mark_onscreen(view_, gtk_text_buffer_get_insert(buffer_.Get()));
+}
+
+void TextPane::GoTo(const GtkTextIter& place) {
+    gtk_text_buffer_place_cursor(buffer_.Get(), &place);
+    gtk_text_view_scroll_to_mark(view_, gtk_text_buffer_get_insert(buffer_.Get()), 0, TRUE, 0, 0);
 }
 
 void TextPane::CmFind() {

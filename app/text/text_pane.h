@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/commands/command_set.h"
+#include "app/text/document_structure.h"
 #include "app/text/drop_target.h"
 #include "app/text/find_bar.h"
 #include "app/text/kept_text.h"
@@ -17,7 +18,6 @@
 #include "app/text/reading_start.h"
 #include "app/text/spoken_highlight.h"
 #include "app/text/text_clicks.h"
-#include "app/text/text_headings.h"
 #include "app/text/text_history.h"
 #include "app/text/text_size.h"
 #include "documents/document.h"
@@ -64,9 +64,12 @@ public:
     void KeepNow() { kept_.KeepNow(); }  // for the next start
     // What the document calls itself, else its file's name; empty: it is none.
     std::string Title() const;
-    std::vector<std::size_t> Headings() const { return headings_.Places(); }
+    DocumentStructure& Structure() { return structure_; }
+    const DocumentStructure& Structure() const { return structure_; }
     // What the document says of its language, where it is now.
     std::vector<DocumentLanguage> Languages() const;
+    void GoTo(const GtkTextIter& place);  // the cursor, with what follows in view
+    void TakeKeyboard() { gtk_widget_grab_focus(GTK_WIDGET(view_)); }
     const ReadingStart& Start() const { return start_; }
     GtkTextIter PlaceCursor(std::size_t byte);  // of the text; it comes into view
     std::string WordAtCursor() const;           // or what is selected; may be empty
@@ -97,8 +100,8 @@ private:
     SpokenHighlight highlight_;
     ReadingStart start_;
     TextClicks clicks_;
-    TextHeadings headings_;
-    TextHeadings languages_;  // where they begin
+    DocumentStructure structure_;
+    MarkedPlaces languages_;  // where they begin
     std::vector<std::string> languageTags_;
     std::string title_;  // the document's own
     OriginalText original_;

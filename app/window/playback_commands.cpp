@@ -66,6 +66,16 @@ struct PlaybackCommands::Rows {
           .needs = kNeedsPlaces | kNeedsHeadings,
           .sharesKeys = true},
          &PlaybackCommands::CmNextHeading},
+        {{.number = kPreviousChapter,
+          .label = "Previous &Chapter",
+          .keys = {kKeyControl | kKeyShift | GDK_Page_Up},
+          .needs = kNeedsPlaces | kNeedsChapters},
+         &PlaybackCommands::CmPreviousChapter},
+        {{.number = kNextChapter,
+          .label = "Next Chap&ter",
+          .keys = {kKeyControl | kKeyShift | GDK_Page_Down},
+          .needs = kNeedsPlaces | kNeedsChapters},
+         &PlaybackCommands::CmNextChapter},
         {{.number = kFaster,
           .label = "&Faster",
           .keys = {kKeyAlt | GDK_Page_Up},
@@ -95,7 +105,8 @@ CommandNeeds PlaybackCommands::Available(bool hasText) const {
            (CanBeHeard() || (hasText && !isReading) ? kNeedsTextOrSound : 0) |
            (hasText || isReading ? kNeedsTextOrReading : 0) |
            (narrator_.CanMove() ? kNeedsPlaces : 0) |
-           (narrator_.Headings().empty() ? 0 : kNeedsHeadings);
+           (narrator_.Headings().empty() ? 0 : kNeedsHeadings) |
+           (narrator_.Chapters().empty() ? 0 : kNeedsChapters);
 }
 
 void PlaybackCommands::CmPlayOrPause() {

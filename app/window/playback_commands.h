@@ -38,6 +38,8 @@ private:
     void CmNextParagraph() { narrator_.MoveToParagraph(1); }
     void CmPreviousHeading() { narrator_.MoveToHeading(-1); }
     void CmNextHeading() { narrator_.MoveToHeading(1); }
+    void CmPreviousChapter() { narrator_.MoveToChapter(-1); }
+    void CmNextChapter() { narrator_.MoveToChapter(1); }
     void CmFaster() { ChangeSpeed(kSpeedStep); }
     void CmSlower() { ChangeSpeed(-kSpeedStep); }
     void ChangeSpeed(int percent);

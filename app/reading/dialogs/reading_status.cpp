@@ -16,7 +16,9 @@ std::string TextOf(LSoundTime time) {
 }
 
 std::string PlaceOf(const ReadingNews& news) {
-    return TextOf(news.time) + (news.isLengthKnown ? " of " : " of about ") + TextOf(news.length);
+    const std::string chapter = ChapterOf(news);
+    return TextOf(news.time) + (news.isLengthKnown ? " of " : " of about ") + TextOf(news.length) +
+           (chapter.empty() ? "" : ", " + chapter);
 }
 
 std::string PercentOf(const ReadingNews& news) {
@@ -26,6 +28,12 @@ std::string PercentOf(const ReadingNews& news) {
 }
 
 }  // namespace
+
+std::string ChapterOf(const ReadingNews& news) {
+    if (news.chapter == 0)
+        return "";
+    return "Chapter " + std::to_string(news.chapter) + " of " + std::to_string(news.chapters);
+}
 
 std::string StatusOf(const ReadingNews& news) {
     switch (news.state) {

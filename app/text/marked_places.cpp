@@ -1,11 +1,11 @@
-#include "app/text/text_headings.h"
+#include "app/text/marked_places.h"
 
-void TextHeadings::Attach(GtkTextBuffer* buffer, const LongLines& lines) {
+void MarkedPlaces::Attach(GtkTextBuffer* buffer, const LongLines& lines) {
     buffer_ = buffer;
     lines_ = &lines;
 }
 
-void TextHeadings::Set(const std::vector<std::size_t>& places) {
+void MarkedPlaces::Set(const std::vector<std::size_t>& places) {
     for (GtkTextMark* mark : marks_)
         gtk_text_buffer_delete_mark(buffer_, mark);
     marks_.clear();
@@ -13,13 +13,13 @@ void TextHeadings::Set(const std::vector<std::size_t>& places) {
     gtk_text_buffer_get_start_iter(buffer_, &at);
     for (std::size_t before = 0; const std::size_t place : places) {
         lines_->Forward(at, place - before);
-        // What is typed right before a heading does not belong to it.
+        // What is typed right before such a place does not belong to it.
         marks_.push_back(gtk_text_buffer_create_mark(buffer_, nullptr, &at, FALSE));
         before = place;
     }
 }
 
-std::vector<std::size_t> TextHeadings::Places() const {
+std::vector<std::size_t> MarkedPlaces::Places() const {
     std::vector<std::size_t> places;
     GtkTextIter from;
     gtk_text_buffer_get_start_iter(buffer_, &from);
@@ -31,4 +31,10 @@ std::vector<std::size_t> TextHeadings::Places() const {
         from = at;
     }
     return places;
+}
+
+GtkTextIter MarkedPlaces::At(std::size_t number) const {
+    GtkTextIter at;
+    gtk_text_buffer_get_iter_at_mark(buffer_, &at, marks_[number]);
+    return at;
 }

@@ -1,4 +1,4 @@
-// Where the headings of a document stand in the text box while it is edited.
+// Where places of a document stand in the text box while it is edited.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -9,12 +9,14 @@
 #include "app/text/long_lines.h"
 
 // Places are bytes of what LongLines::Text gives. GUI thread.
-class TextHeadings {
+class MarkedPlaces {
 public:
     // Once; both outlive this object.
     void Attach(GtkTextBuffer* buffer, const LongLines& lines);
     void Set(const std::vector<std::size_t>& places);  // in order; of the text that has just come
     std::vector<std::size_t> Places() const;           // now
+    std::size_t Size() const { return marks_.size(); }
+    GtkTextIter At(std::size_t number) const;  // one of them
 
 private:
     GtkTextBuffer* buffer_ = nullptr;

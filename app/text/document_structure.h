@@ -1,0 +1,44 @@
+// The structure of the document in the text box while it is edited: its outline and its pages.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+#include "app/text/marked_places.h"
+#include "documents/document_outline.h"
+#include "gui/signal_owner.h"
+
+// GUI thread.
+class DocumentStructure {
+public:
+    // Once; both outlive this object.
+    void Attach(GtkTextBuffer* buffer, const LongLines& lines);
+    // Told soon after there is another structure, from the main loop or within a change.
+    void Tell(std::function<void()> changed) { changed_ = std::move(changed); }
+
+    void Set(const Document& document);  // whose text has just come
+    void Clear();                        // a text that has none has come
+
+    // Their places are those in the text as it came.
+    const std::vector<OutlineEntry>& Outline() const { return outline_; }
+    // Of the outline's entries, of its chapters alone, and of the pages, now.
+    std::vector<std::size_t> Places() const { return places_.Places(); }
+    std::vector<std::size_t> ChapterPlaces() const;
+    std::vector<std::size_t> Pages() const { return pages_.Places(); }
+    std::size_t PageCount() const { return pages_.Size(); }
+    GtkTextIter EntryAt(std::size_t number) const { return places_.At(number); }
+    GtkTextIter PageAt(std::size_t number) const { return pages_.At(number); }
+
+private:
+    void Change(std::vector<OutlineEntry> outline, const std::vector<std::size_t>& pages);
+    static void GCChanged(GtkTextBuffer* buffer, gpointer self);
+
+    std::function<void()> changed_;
+    std::vector<OutlineEntry> outline_;
+    MarkedPlaces places_;
+    MarkedPlaces pages_;
+    LSignalOwner changes_;
+};
