@@ -75,6 +75,15 @@ MainDialog::MainDialog()
       bookmarks_({text_, narrator_, commands_, [this] { return Widget(); },
                   [this](const auto& place) { return read_.GoOnAt(place); },
                   [this](const char* text) { TellStatusText(text); }}),
+      contents_(
+          {.text = text_,
+           .narrator = narrator_,
+           .commands = commands_,
+           .places = {.doubleClicked = [this](const auto& place) { return read_.GoOnAt(place); },
+                      .readFrom = [this](const auto& place) { read_.ReadFromPlace(place); }},
+           .isWhole = [this] { return read_.IsWhole(); },
+           .tell = [this](const char* text) { TellStatusText(text); },
+           .reshaped = [this] { Layout(); }}),
       sources_(*this, turn_, text_, narrator_, places_,
                {.changed = [this] { EnableControls(); },
                 .filed = [this] { presence_.ShowTitle(); },
@@ -105,6 +114,7 @@ MainDialog::MainDialog()
     read_.AddCommands();
     queue_.AddCommands();
     bookmarks_.AddCommands();
+    contents_.AddCommands();
     sources_.AddCommands(commands_);
     presence_.AddCommands(commands_);
     requests_.AddCommands();
@@ -121,17 +131,23 @@ void MainDialog::Run() {
 void MainDialog::InitDialog() {
     const LEditWidgets text = text_.NewTextBox();
     text_.Highlight().Follow(narrator_);
+    GtkWidget* contents = contents_.Create();
     controls_.Create(
-        text, {{.control = kPlaceOffer,
-                .widget = keeper_.Offer().Create(),
-                .isOpen = [this] { return keeper_.Offer().IsOpen(); }},
-               {.control = kFindBar,
-                .widget = text_.NewFindBar(commands_),
-                .isOpen = [this] { return text_.IsFindOpen(); }},
-               {.control = kPlayerDock,
-                .widget = view_.Player().CreateDock(),
-                .isOpen = [this] { return view_.Player().IsDocked(); },
-                .fit = [this](int width, bool isLow) { view_.Player().FitInto(width, isLow); }}});
+        text,
+        {.control = kContents,
+         .widget = contents_.Tree(),
+         .isOpen = [this] { return contents_.IsWanted(); },
+         .frame = contents},
+        {{.control = kPlaceOffer,
+          .widget = keeper_.Offer().Create(),
+          .isOpen = [this] { return keeper_.Offer().IsOpen(); }},
+         {.control = kFindBar,
+          .widget = text_.NewFindBar(commands_),
+          .isOpen = [this] { return text_.IsFindOpen(); }},
+         {.control = kPlayerDock,
+          .widget = view_.Player().CreateDock(),
+          .isOpen = [this] { return view_.Player().IsDocked(); },
+          .fit = [this](int width, bool isLow) { view_.Player().FitInto(width, isLow); }}});
     text_.TakeDrops(Widget());
     view_.ShowStatus();
     places_.CreateMenus();
@@ -184,8 +200,8 @@ void MainDialog::DestroyDialog() {
 }
 
 CommandNeeds MainDialog::Available() const {
-    return text_.Available() | sources_.Available() | playback_.Available(!text_.IsEmpty()) |
-           queue_.Available();
+    return text_.Available() | contents_.Available() | sources_.Available() |
+           playback_.Available(!text_.IsEmpty()) | queue_.Available();
 }
 
 void MainDialog::EnableControls() {
@@ -204,7 +220,7 @@ void MainDialog::Command(int command) {
 
 bool MainDialog::EvKeyDown(unsigned int key) {
     presence_.EndSplash();
-    if (text_.EvKeyDown(key) || view_.Player().EvKeyDown(key))
+    if (text_.EvKeyDown(key) || contents_.EvKeyDown(key) || view_.Player().EvKeyDown(key))
         return true;
     return !commands_.LeavesKey(key) && LMainWindow::EvKeyDown(key);
 }

@@ -4,6 +4,7 @@
 
 #include "app/bookmarks/bookmarks.h"
 #include "app/books/audiobooks.h"
+#include "app/contents/contents_pane.h"
 #include "app/control/remote_control.h"
 #include "app/queue/queue_commands.h"
 #include "app/read_requests.h"
@@ -58,6 +59,7 @@ private:
     PlaceKeeper keeper_;
     QueueCommands queue_;
     Bookmarks bookmarks_;
+    ContentsPane contents_;
     TextSources sources_;
     Presence presence_;
     ReadRequests requests_;

@@ -12,6 +12,12 @@ constexpr unsigned int kSilenceCheckMilliseconds = 500;
 
 }  // namespace
 
+std::string ChapterOf(const ReadingNews& news) {
+    if (news.chapter == 0)
+        return "";
+    return "Chapter " + std::to_string(news.chapter) + " of " + std::to_string(news.chapters);
+}
+
 Narrator::Narrator(std::string soundPath)
     : LPlayerTransport(info_),
       soundPath_(std::move(soundPath)),

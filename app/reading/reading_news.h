@@ -33,3 +33,6 @@ struct ReadingNews {
     bool IsNew() const { return state != before; }
     bool HasBegun() const { return IsNew() && !IsReading(before) && IsReading(state); }
 };
+
+// "Chapter 3 of 12"; empty before the first, and where there are none.
+std::string ChapterOf(const ReadingNews& news);

@@ -50,7 +50,7 @@ void MainControls::ShowChoice() {
     commands_.Check(kShowCommandBar, ShowsCommandBar());
 }
 
-void MainControls::Create(const LEditWidgets& text, std::vector<Bar> bars) {
+void MainControls::Create(const LEditWidgets& text, Bar beside, std::vector<Bar> bars) {
     window_.AddControl(text.textView, kTextBox, text.scrolledWindow);
     window_.SetTooltip(kTextBox, "Enter your text here or click on the Update Text button");
     CreateVoices();
@@ -58,6 +58,8 @@ void MainControls::Create(const LEditWidgets& text, std::vector<Bar> bars) {
     window_.SetCoolButtonUp(kReadButton);
     CreateButton(kSaveButton);
     window_.AddControl(places_.NewCommandBar(), kCommandBar);
+    beside_ = std::move(beside);
+    window_.AddControl(beside_.widget, beside_.control, beside_.frame);
     bars_ = std::move(bars);
     for (const Bar& bar : bars_)
         window_.AddControl(bar.widget, bar.control);
@@ -86,7 +88,7 @@ void MainControls::CreateButton(int number) {
 }
 
 void MainControls::SetFocusOrder() {
-    std::vector<int> order = {kCommandBar, kTextBox};
+    std::vector<int> order = {kCommandBar, beside_.control, kTextBox};
     for (const Bar& bar : bars_)
         order.push_back(bar.control);
     order.insert(order.end(), {kVoiceList, kReadButton, kSaveButton});
@@ -95,6 +97,7 @@ void MainControls::SetFocusOrder() {
 
 void MainControls::LayOut(int width, int height) {
     LayoutSizes sizes{.width = width, .height = height, .wantsCommandBar = ShowsCommandBar()};
+    sizes.wantsContents = beside_.isOpen();
     sizes.isLow = !HasRoomForToolBar(height);
     window_.ShowToolBar(!sizes.isLow);
     window_.LayoutBase(sizes.left, sizes.top, sizes.width, sizes.height);
@@ -107,6 +110,7 @@ void MainControls::LayOut(int width, int height) {
     sizes.buttonHeight = button.height;
     const WindowLayout layout = ::LayOut(sizes);
     Place(kCommandBar, layout.commandBar);
+    Place(beside_.control, layout.contents);
     Place(kTextBox, layout.text);
     PlaceBars(layout.bars);
     Place(kVoiceLabel, layout.voiceLabel);

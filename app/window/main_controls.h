@@ -16,7 +16,7 @@ struct LayoutSizes;
 // GUI thread.
 class MainControls {
 public:
-    // Below the text, there only now and then.
+    // Below the text or beside it, there only now and then.
     struct Bar {
         int control;
         GtkWidget* widget;  // floating
@@ -24,6 +24,7 @@ public:
         // Leaves out what a place of that width has no room for, before it is asked for its height.
         // Who has this stands for voices and buttons in a low window.
         std::function<void(int width, bool isLow)> fit = nullptr;
+        GtkWidget* frame = nullptr;  // the scroll bars that it lies in
     };
     // All are borrowed.
     MainControls(LMainWindow& window, CommandSet& commands, CommandPlaces& places)
@@ -32,8 +33,9 @@ public:
     MainControls& operator=(const MainControls&) = delete;
 
     void AddCommands();
-    // Once. The bars from top to bottom, which have the keyboard after the text.
-    void Create(const LEditWidgets& text, std::vector<Bar> bars);
+    // Once. What stands beside the text, where the window has room for it, has the keyboard before
+    // the text; the bars from top to bottom have it after.
+    void Create(const LEditWidgets& text, Bar beside, std::vector<Bar> bars);
     void LayOut(int width, int height);
     // The keyboard is never lost with a control that was hidden or disabled.
     void KeepFocus();
@@ -51,5 +53,6 @@ private:
     LMainWindow& window_;
     CommandSet& commands_;
     CommandPlaces& places_;
+    Bar beside_{};
     std::vector<Bar> bars_;
 };

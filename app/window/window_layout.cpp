@@ -6,6 +6,9 @@ namespace {
 
 constexpr int kBarWidth = 180;
 constexpr int kNarrowestWithBar = 366;
+constexpr int kContentsWidth = 160;  // a third of the room, if that is more
+constexpr int kWidestContents = 320;
+constexpr int kNarrowestText = 240;  // beside the contents
 constexpr int kButtonWidth = 150;
 constexpr int kButtonHeight = 54;
 constexpr int kButtonGap = 4;
@@ -74,7 +77,12 @@ void PlaceContent(const Rows& rows, WindowLayout& out) {
     const int textLeft = TextLeft(s);
     const int barsRoom = s.barsHeight > 0 ? s.barsHeight + kBarsGap : 0;
     const int textEnd = rows.contentEnd - kRim - barsRoom;
-    out.text = {textLeft, s.top, s.width - textLeft, textEnd - s.top};
+    const int room = s.width - textLeft;
+    const int contentsWidth = std::clamp(room / 3, kContentsWidth, kWidestContents);
+    out.contents = {textLeft, s.top, contentsWidth, textEnd - s.top,
+                    s.wantsContents && room >= contentsWidth + kGap + kNarrowestText};
+    const int taken = out.contents.isShown ? contentsWidth + kGap : 0;
+    out.text = {textLeft + taken, s.top, room - taken, textEnd - s.top};
     out.bars = {textLeft, textEnd + kBarsGap, BarsWidth(s), s.barsHeight, s.barsHeight > 0};
 }
 

@@ -12,6 +12,7 @@ struct LayoutSizes {
     int height = 0;
     bool isLow = false;  // the tool bar has made room already
     bool wantsCommandBar = false;
+    bool wantsContents = false;
     int barsHeight = 0;  // of what stands below the text; 0: nothing
     int labelWidth = 0;  // of "Choose Voice: "
     int labelHeight = 0;
@@ -31,6 +32,7 @@ struct LayoutPlace {
 
 struct WindowLayout {
     LayoutPlace commandBar;
+    LayoutPlace contents;
     LayoutPlace text;
     LayoutPlace bars;  // below the text
     LayoutPlace voiceLabel;
@@ -44,5 +46,5 @@ int BarsWidth(const LayoutSizes& sizes);
 
 // Voices and buttons share the bottom row. Where the command bar would leave too little room for
 // that, it ends above the row; where even the whole width is too little, the voices get a row of
-// their own.
+// their own. The contents stand beside the text where both have room.
 WindowLayout LayOut(const LayoutSizes& sizes);

@@ -25,15 +25,21 @@ WindowTitle::WindowTitle(const LWindow& window, Narrator& narrator,
     : window_(window),
       narrator_(narrator),
       document_(std::move(document)),
-      news_(narrator.News(), [this](const ReadingNews& news) {
-          if (news.IsNew())
-              Show();
-      }) {}
+      news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
+
+void WindowTitle::Hear(const ReadingNews& news) {
+    const bool isNewChapter = std::exchange(chapter_, news.chapter) != news.chapter;
+    if (news.IsNew() || isNewChapter)
+        Show();
+}
 
 void WindowTitle::Show() const {
     if (!window_.IsOpen())
         return;
-    const std::string name = narrator_.IsReading() ? narrator_.Now().title : document_();
+    const ReadingNews now = narrator_.Now();
+    std::string name = IsReading(now.state) ? now.title : document_();
+    if (const std::string chapter = ChapterOf(now); IsReading(now.state) && !chapter.empty())
+        name += " - " + chapter;
     const std::string title = name.empty() ? "Lectora" : name + " - Lectora";
     GtkWindow* window = GTK_WINDOW(window_.Widget());
     if (title == gtk_window_get_title(window))

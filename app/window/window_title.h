@@ -18,8 +18,11 @@ public:
     void Show() const;  // the document is another one
 
 private:
+    void Hear(const ReadingNews& news);
+
     const LWindow& window_;
     Narrator& narrator_;
     const std::function<std::string()> document_;
+    std::size_t chapter_ = 0;
     Narrator::Subscription news_;
 };

@@ -35,6 +35,10 @@ TEST(WindowLayoutTest, AWindowOfTheUsualSizeHasTheBarAtTheLeftAndAllElseInOneRow
     EXPECT_EQ((LayoutPlace{492, 420, 150, 54}), layout.readButton);
     EXPECT_EQ((LayoutPlace{646, 420, 150, 54}), layout.saveButton);
     EXPECT_FALSE(layout.bars.isShown);
+    LayoutSizes sizes = Sizes(800, 480, 16);
+    sizes.wantsContents = true;
+    EXPECT_EQ((LayoutPlace{185, 0, 205, 414}), LayOut(sizes).contents);
+    EXPECT_EQ((LayoutPlace{398, 0, 402, 414}), LayOut(sizes).text);
 }
 
 TEST(WindowLayoutTest, LargeButtonsGrowWithTheirLettersWhereThereIsRoom) {
@@ -52,12 +56,14 @@ TEST(WindowLayoutTest, NothingLiesOverAnythingAndTheTextKeepsRoom) {
                 for (const bool hasFind : {false, true}) {
                     LayoutSizes sizes = Sizes(width, height, letters);
                     sizes.isLow = height < 250;
+                    sizes.wantsContents = hasFind;
                     sizes.hasVoices = !sizes.isLow || !hasFind;
                     sizes.barsHeight = hasFind ? letters + 10 : 0;
                     const WindowLayout layout = LayOut(sizes);
                     const std::array places = {
-                        layout.commandBar, layout.text,       layout.bars,      layout.voiceLabel,
-                        layout.voiceList,  layout.readButton, layout.saveButton};
+                        layout.commandBar, layout.contents,  layout.text,
+                        layout.bars,       layout.voiceLabel, layout.voiceList,
+                        layout.readButton, layout.saveButton};
                     SCOPED_TRACE(testing::Message() << width << 'x' << height << ' ' << letters);
                     for (std::size_t at = 0; at < places.size(); ++at) {
                         const LayoutPlace& a = places[at];

@@ -29,12 +29,6 @@ std::string PercentOf(const ReadingNews& news) {
 
 }  // namespace
 
-std::string ChapterOf(const ReadingNews& news) {
-    if (news.chapter == 0)
-        return "";
-    return "Chapter " + std::to_string(news.chapter) + " of " + std::to_string(news.chapters);
-}
-
 std::string StatusOf(const ReadingNews& news) {
     switch (news.state) {
         case ReadingState::kWaitingForVoice:

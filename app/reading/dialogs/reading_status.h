@@ -8,8 +8,6 @@
 
 // "Reading aloud: 0:00:12 of about 0:00:27 (Esc stops)"; empty when there is nothing to say.
 std::string StatusOf(const ReadingNews& news);
-// "Chapter 3 of 12"; empty before the first, and where there are none.
-std::string ChapterOf(const ReadingNews& news);
 
 // A receiver of the narrator's news. Pause, stop, end and a jump are said in a word, once, and
 // nothing over the sentence with which a reading begins. GUI thread.

@@ -1,0 +1,135 @@
+"""The contents of a document beside its text: chapters, headings, pages, and the ways to them."""
+import os
+import unittest
+
+from desktop_case import DesktopCase, desktop
+
+CHAPTERS = ["Oars", "Sails", "Steam"]
+PAGE = "<html><title>Ferries</title><h1>Ferries</h1>" + "".join(
+    f"<h2>{name}</h2><p>The chapter about {name} begins here. It goes on for a while with more words."
+    + (f"<h3>More of {name}</h3><p>There is a part below it, which has words of its own." if name != "Steam" else "")
+    for name in CHAPTERS
+)
+
+
+def pdf(pages):
+    """Each page one line."""
+    objects = ["<</Type/Catalog/Pages 2 0 R>>", ""]
+    for page in pages:
+        stream = f"BT /F1 12 Tf 72 720 Td ({page}) Tj ET"
+        objects.append(f"<</Type/Page/Parent 2 0 R/MediaBox[0 0 612 792]/Contents {len(objects) + 2} 0 R"
+            "/Resources<</Font<</F1<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>>>>>>>")
+        objects.append(f"<</Length {len(stream)}>>stream\n{stream}\nendstream")
+    kids = " ".join(f"{3 + 2 * number} 0 R" for number in range(len(pages)))
+    objects[1] = f"<</Type/Pages/Kids[{kids}]/Count {len(pages)}>>"
+    file, places = "%PDF-1.4\n", []
+    for number, content in enumerate(objects, 1):
+        places.append(len(file))
+        file += f"{number} 0 obj{content}endobj\n"
+    table = "".join(f"{place:010} 00000 n \n" for place in places)
+    return (f"{file}xref\n0 {len(places) + 1}\n0000000000 65535 f \n{table}"
+            f"trailer<</Size {len(places) + 1}/Root 1 0 R>>\nstartxref\n{len(file)}\n%%EOF")
+
+
+class ContentsTest(DesktopCase):
+    def open(self, name, content):
+        lectora = self.start()
+        self.choose(lectora, "ctrl+o", "Locate File", self.file(name, content))
+        desktop.wait_until(lectora.text, "the text")
+        lectora.focus()
+        return lectora
+
+    def title(self, lectora):
+        return desktop.xdotool("getwindowname", lectora.window()).strip()
+
+    def cells(self, lectora):
+        tree = lectora.shown("tree table", "Contents") or lectora.shown("table", "Contents")
+        return tree and [cell.name for cell in tree if cell and cell.name]
+
+    def wait_for_highlight(self, lectora, words):
+        desktop.wait_until(lambda: lectora.highlighted().startswith(words), words)
+
+    def test_the_contents_lead_to_chapters_and_follow_what_is_heard(self):
+        self.card.tell("speed 0.3")
+        lectora = self.open("ferries.html", PAGE)
+        rows = ["Ferries", "Oars", "More of Oars", "Sails", "More of Sails", "Steam"]
+        desktop.wait_until(lambda: self.cells(lectora) == rows, "the contents")
+        # Enter reads from there; the arrows fold.
+        lectora.type("F6", "Down", "Down", "Left", "Left")
+        self.assertEqual(self.cells(lectora), [row for row in rows if row != "More of Oars"])
+        lectora.type("Down", "Return")
+        self.wait_for_highlight(lectora, "Sails")
+        desktop.wait_until(lambda: self.title(lectora) == "Ferries - Chapter 2 of 3 - Lectora", "the title")
+        self.assertIn(", Chapter 2 of 3 (Esc stops)", lectora.status())
+        self.picture("contents")
+        # And goes on there while something is read; back in the text the tree follows.
+        lectora.type("Home", "Down", "Return")
+        self.wait_for_highlight(lectora, "Oars")
+        lectora.type("F6")
+        desktop.press_keys("ctrl+shift+Next", "ctrl+shift+Next")
+        self.wait_for_highlight(lectora, "Steam")
+        tree = lectora.shown("tree table", "Contents") or lectora.shown("table", "Contents")
+        selected = lambda: [cell.name for cell in tree if cell and cell.name and cell.getState().contains(desktop.pyatspi.STATE_SELECTED)]
+        desktop.wait_until(lambda: selected() == ["Steam"], "the chapter that is heard")
+        desktop.press_keys("ctrl+shift+Prior")
+        self.wait_for_highlight(lectora, "Sails")
+        desktop.press_keys("Escape")
+        desktop.wait_until(lambda: self.title(lectora) == "Ferries - Lectora", "the end")
+        # Where the chapters are now that the text was edited before them.
+        lectora.text_box().queryEditableText().insertText(0, "New words. ", 11)
+        lectora.type("F6", "End", "Return")
+        self.wait_for_highlight(lectora, "Steam")
+        desktop.press_keys("Escape")
+        lectora.choose("Lectora", "Show Contents")
+        desktop.wait_until(lambda: not self.cells(lectora), "the contents to go")
+        self.assertEqual(self.setting("options", "showcontents"), "0")
+        lectora.focus()
+        lectora.type("F6")
+        self.assertTrue(self.cells(lectora), "asked for, they are shown")
+        # Another text has none.
+        lectora.set_text("Only words.")
+        desktop.wait_until(lambda: not self.cells(lectora), "the contents to go")
+        lectora.focus()
+        lectora.type("F6")
+        desktop.wait_until(lambda: "no chapters and no headings" in lectora.status(), "the reason")
+
+    def test_pages_are_gone_to_by_their_number(self):
+        lectora = self.open("pages.pdf", pdf([f"This is what page {name} says." for name in ("one", "two", "three")]))
+        self.assertFalse(self.cells(lectora))
+        lectora.type("ctrl+g")
+        self.assertTrue(lectora.find("label", "The document has 3 pages."))
+        self.picture("go-to-page")
+        desktop.press_keys("3", "Return")
+        desktop.wait_until(lambda: "Page 3 of 3" in lectora.status(), "the page")
+        desktop.forget_engine_calls()
+        lectora.press("toggle button", "Read from Cursor")
+        self.card.wait_for(self.card.next_stream(), "close")
+        self.assertEqual(self.spoken()[0].split(" ", 2)[2], "This is what page three says.")
+
+    def test_what_is_left_out_is_each_users_choice(self):
+        self.card.tell("speed 20")
+        page = "<article><p>See https://www.example.org/a/b?c for <a href='#n'>more</a> of it[1].<pre>x = 1</pre>" + "Words. " * 40
+        lectora = self.open("page.html", page)
+        self.assertIn("of it.\n\nx = 1", lectora.text())
+        desktop.press_keys("ctrl+shift+r")
+        desktop.wait_until(lambda: any("See example.org for more of it." in call for call in self.spoken()), "the site alone")
+        desktop.press_keys("Escape")
+        lectora.press("push button", "Options")
+        lectora.press("page tab", "Documents")
+        for label in ("Marks that point to notes and sources, like [1]", "Listings of programs",
+                      'Of web addresses all but the site, "example.org"'):
+            lectora.press("check box", label)
+        self.picture("options-documents")
+        lectora.press("push button", "OK")
+        desktop.wait_until(lambda: self.setting("skipping", "marks") == "0", "the choice")
+        self.assertFalse(os.path.exists(os.path.join(desktop.HOME, ".quillon/lectora/skipping_")))
+        self.choose(lectora, "ctrl+o", "Locate File", os.path.join(desktop.HOME, "page.html"))
+        desktop.wait_until(lambda: "of it[1].\n\nWords." in lectora.text(), "the other rules")
+        desktop.forget_engine_calls()
+        lectora.focus()
+        desktop.press_keys("ctrl+shift+r")
+        desktop.wait_until(lambda: any("/a/b?c" in call for call in self.spoken()), "all of the address")
+
+
+if __name__ == "__main__":
+    unittest.main()
