@@ -1,24 +1,8 @@
-// Every reader of documents but those that are programs of their own: of these, what makes text of
-// pages.
-#include <glib.h>
-
-#include <cstdlib>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "documents/document.h"
+// Files of every kind but those that programs of their own read, and which kind they are.
 #include "documents/document_kind.h"
-#include "documents/pdf_pages.h"
-#include "documents/text_charset.h"
-#include "fuzz/fuzz_file.h"
+#include "fuzz/document_check.h"
 
 namespace {
-
-void MustBeText(const std::string& text) {
-    if (!g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr))
-        std::abort();
-}
 
 bool IsReadByProgram(DocumentKind kind) {
     switch (kind) {
@@ -26,6 +10,7 @@ bool IsReadByProgram(DocumentKind kind) {
         case DocumentKind::kRtf:
         case DocumentKind::kDjvu:
         case DocumentKind::kMarkdown:
+        case DocumentKind::kMobi:
         case DocumentKind::kPicture:
             return true;
         default:
@@ -36,24 +21,9 @@ bool IsReadByProgram(DocumentKind kind) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
-    const std::string text = DecodeText(bytes);
-    MustBeText(text);
-    std::vector<PdfPage> pages = PdfPagesOfText(text);
-    DropPageHeads(pages);
-    MustBeText(JoinPages(std::move(pages), {}).text);
-    PdfLayout layout(false);
-    layout.Feed(text);
-    MustBeText(JoinPages(layout.TakePages(), {}).text);
-    if (IsReadByProgram(KindOf(bytes)))
-        return 0;
-    const DocumentRules all = {true, true, true, true, true, true};
-    const DocumentRules least = {false, false, false, false, false, false};
-    for (const DocumentRules& rules : {DocumentRules(), all, least}) {
-        const Document document = ReadDocument(bytes, {}, rules);
-        MustBeText(document.text);
-        if (!document.problem.empty() && !document.text.empty())
-            std::abort();
-    }
+    const std::string_view bytes = InputOf(data, size);
+    if (!IsReadByProgram(KindOf(bytes)))
+        for (const DocumentRules& rules : RulesToTry())
+            MustBeSound(ReadDocument(bytes, {}, rules));
     return 0;
 }

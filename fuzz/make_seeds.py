@@ -204,10 +204,20 @@ def documents():
     package = "<package><item id='a' href='../a%20.html' media-type='text/html'/>"
     package += "<itemref idref='a'/><itemref idref='a'/></package>"
     save("document", "page", page.encode("latin1"))
+    save("page", "page", page.encode())
+    save("charset", "page", page.encode("latin1"))
     save("document", "page_utf16", page.encode("utf-16"))
     save("document", "flat_odt", odt.encode())
+    save("flat_odt", "odt", odt.encode())
     save("document", "odt", archive(**{"mimetype": "m", "content.xml": odt}))
     save("document", "docx", archive(**{"word/document.xml": docx}))
+    styles = "<w:styles xmlns:w='w'><w:style w:styleId='h'><w:pPr><w:outlineLvl w:val='0'/></w:pPr></w:style></w:styles>"
+    numbers = "<w:n xmlns:w='w'><w:abstractNum w:abstractNumId='1'><w:lvl w:ilvl='0'><w:numFmt w:val='lowerRoman'/>"
+    numbers += "<w:lvlText w:val='%1.'/></w:lvl></w:abstractNum><w:num w:numId='2'><w:abstractNumId w:val='1'/></w:num></w:n>"
+    notes = "<w:f xmlns:w='w'><w:footnote w:id='3'><w:p><w:r><w:t>note</w:t></w:r></w:p></w:footnote></w:f>"
+    more = "<w:p><w:pPr><w:pStyle w:val='h'/></w:pPr><w:r><w:t>head</w:t><w:footnoteReference w:id='3'/></w:r></w:p><w:p>"
+    more += "<w:pPr><w:numPr><w:ilvl w:val='0'/><w:numId w:val='2'/></w:numPr></w:pPr><w:r><w:t>item</w:t></w:r></w:p></w:document>"
+    save("docx", "docx", "\x1f".join((docx.replace("</w:document>", more), styles, numbers, notes)).encode())
     save("document", "entities", archive(**{"word/document.xml": entities + docx}))
     save(
         "document",
@@ -222,18 +232,26 @@ def documents():
         ),
     )
     save("document", "pages", b"Title 1\nA divi-\nded well-known\n1\n\x0cTitle 2\nwell-\nknown\n\x0c")
+    save("pages", "pages", b"Title 1\nA divi-\nded well-known\n1\n\x0cTitle 2\nwell-\nknown\n\x0c")
+    save("pages", "chapters", "\f".join(f"A Book\n\nChapter {n}\n\nWords {n} of it.\n\n{n}\n" for n in range(9)).encode())
     layout = '<page width="9">\n<block xMin="5" xMax="90">\n<line>\n'
     layout += '<word xMin="5" yMin="1" xMax="9" yMax="11">War</word>\n'
     layout += '<word xMin="9.1" yMin="1" xMax="11" yMax="5">2</word>\n</line>\n<line>\n'
     layout += '<word xMin="nan" yMin="-1e999" xMax="inf" yMax="1e300">a-</word>\n</line>\n'
-    save("document", "layout", layout.encode())
+    save("pdf_layout", "layout", layout.encode())
     save(
-        "document",
+        "page",
         "broken_page",
         b"<p a='b>c<!-- <svg><path/></svg><math><msup><mi>x</mi><mn>2</mn></msup></math><sup>[1]</sup>"
         b"<ol start=9 type=i><li><title>d<![CDATA[e]]>&eacute&#x80;&#1114112;</p><table><td><script>",
     )
     pptx = "<p:sld xmlns:p='p' xmlns:a='a'><p:sp><p:ph type='title'/><a:p><a:t>f</a:t></a:p></p:sp></p:sld>"
+    nav = "<html><body><nav type='toc'><ol><li><a href='a.xhtml'>One</a></li><li><a href='b.xhtml#c'>Two</a></li></ol></nav>"
+    opf = "<package><metadata><dc:title>t</dc:title><dc:language>de</dc:language></metadata><manifest>"
+    opf += "<item id='n' href='nav.xhtml' properties='nav' media-type='application/xhtml+xml'/>"
+    opf += "".join(f"<item id='{c}' href='{c}.xhtml' media-type='application/xhtml+xml'/>" for c in "ab")
+    opf += "</manifest><spine><itemref idref='a'/><itemref idref='b'/></spine></package>"
+    save("epub", "epub", "\x1f".join((opf, nav, "<h1>One</h1><h3>Part</h3><p>a", "<body><h2 id='c'>Two</h2><p>b")).encode())
     slides = "<p:p xmlns:p='p' xmlns:r='r'><p:sldId id='1' r:id='r1'/></p:p>"
     save(
         "document",
@@ -246,18 +264,23 @@ def documents():
             }
         ),
     )
+    relations = "<R><Relationship Id='r1' Target='s.xml'/><Relationship Id='r2' Target='t.xml'/></R>"
+    two = slides.replace("</p:p>", "<p:sldId id='2' r:id='r2'/></p:p>")
+    save("pptx", "pptx", "\x1f".join((two, relations, pptx, pptx)).encode())
     book = "<?xml version='1.0'?><FictionBook><body><title><p>a</p></title><section><p>b"
     book += "<a type='note'>1</a></p></section></body><binary>c</binary></FictionBook>"
     save("document", "fb2", book.encode())
+    save("fiction_book", "fb2", book.encode())
     article = "<title>a b</title><nav><a href=x>c</a></nav><main><div class='share-bar'><a href=y>d</a>"
     article += f"</div><article><h1>a b</h1><p>{'e ' * 150}</p></article><div id=comments>f</div></main>"
-    save("document", "article", article.encode())
+    save("page", "article", article.encode())
     mail = "From: =?utf-8?q?a?= <a@b>\nDate: Mon, 02 Mar 2026 10:20:00 +0100\nContent-Type: "
     mail += "multipart/mixed; boundary=x\n\n--x\nContent-Type: multipart/alternative; boundary=y\n\n"
     mail += "--y\n\nc=20d\n--y\nContent-Type: text/html; charset=koi8-r\nContent-Transfer-Encoding: "
     mail += "base64\n\nPHA+YQ==\n--y--\n--x\nContent-Type: message/rfc822\n\nSubject: e\n\nf\n--x--\n"
     save("document", "mail", mail.encode())
-    save("document", "mixed", "“é” ".encode() + b"\xe9\xe2\x80\0\x93\xf0\x9f\x98")
+    save("mail", "mail", mail.encode())
+    save("charset", "mixed", "“é” ".encode() + b"\xe9\xe2\x80\0\x93\xf0\x9f\x98")
 
 
 def text_units():

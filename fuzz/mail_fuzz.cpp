@@ -1,0 +1,10 @@
+// Mail.
+#include "documents/mail_text.h"
+#include "fuzz/document_check.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const StopTest goesOn;
+    for (const DocumentRules& rules : RulesToTry())
+        MustBeSound(ReadMail(InputOf(data, size), ReadingWatch(goesOn), rules));
+    return 0;
+}
