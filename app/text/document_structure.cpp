@@ -23,9 +23,19 @@ void DocumentStructure::GCChanged(GtkTextBuffer* buffer, gpointer user) {
 }
 
 void DocumentStructure::Set(const Document& document) {
-    std::vector<std::size_t> pages = document.pages;
-    pages.resize(std::min(pages.size(), kMostPages));
-    Change(OutlineOf(document), pages);
+    Change(OutlineOf(document), document.pages);
+}
+
+void DocumentStructure::Restore(KeptStructure kept) {
+    if (!kept.outline.empty() || !kept.pages.empty())
+        Change(std::move(kept.outline), std::move(kept.pages));
+}
+
+KeptStructure DocumentStructure::Now() const {
+    KeptStructure now{.outline = outline_, .pages = Pages()};
+    for (std::size_t i = 0; const std::size_t place : Places())
+        now.outline[i++].begin = place;
+    return now;
 }
 
 void DocumentStructure::Clear() {
@@ -33,8 +43,8 @@ void DocumentStructure::Clear() {
         Change({}, {});
 }
 
-void DocumentStructure::Change(std::vector<OutlineEntry> outline,
-                               const std::vector<std::size_t>& pages) {
+void DocumentStructure::Change(std::vector<OutlineEntry> outline, std::vector<std::size_t> pages) {
+    pages.resize(std::min(pages.size(), kMostPages));
     outline_ = std::move(outline);
     std::vector<std::size_t> places;
     places.reserve(outline_.size());

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/text/marked_places.h"
+#include "app/text/structure_text.h"
 #include "documents/document_outline.h"
 #include "gui/signal_owner.h"
 
@@ -20,6 +21,8 @@ public:
     void Tell(std::function<void()> changed) { changed_ = std::move(changed); }
 
     void Set(const Document& document);  // whose text has just come
+    void Restore(KeptStructure kept);    // likewise, at the start
+    KeptStructure Now() const;           // without the title
     void Clear();                        // a text that has none has come
 
     // Their places are those in the text as it came.
@@ -33,7 +36,7 @@ public:
     GtkTextIter PageAt(std::size_t number) const { return pages_.At(number); }
 
 private:
-    void Change(std::vector<OutlineEntry> outline, const std::vector<std::size_t>& pages);
+    void Change(std::vector<OutlineEntry> outline, std::vector<std::size_t> pages);
     static void GCChanged(GtkTextBuffer* buffer, gpointer self);
 
     std::function<void()> changed_;

@@ -13,6 +13,8 @@ namespace {
 constexpr const char* kTextFile = "text";
 constexpr const char* kPlaceFile = "text-place";  // the cursor's in decimal, a newline, the file
 constexpr std::size_t kMostPlaceBytes = 1 << 16;
+constexpr const char* kStructureFile = "text-structure";
+constexpr std::size_t kMostStructureBytes = 16 << 20;
 
 // A crash loses at most so much; a text that takes long to write is written less often.
 constexpr guint kPauseMs = 2000;
@@ -35,6 +37,7 @@ void KeptText::Restore() {
         g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
         return;
     gtk_text_buffer_set_text(buffer_, text.data(), static_cast<gint>(text.size()));
+    ReadPrivateFile(kStructureFile, kMostStructureBytes, keptStructure_);
     std::string place;
     ReadPrivateFile(kPlaceFile, kMostPlaceBytes, place);
     int offset = 0;
@@ -112,8 +115,10 @@ void KeptText::Keep() {
     }
     if (!isTextDue_ && !isPlaceDue_)
         return;
-    if (isTextDue_)
+    if (isTextDue_) {
         isTextDue_ = !Write(kTextFile, lines_->Text());
+        Write(kStructureFile, structure_ ? structure_() : "");
+    }
     GtkTextIter at;
     gtk_text_buffer_get_iter_at_mark(buffer_, &at, gtk_text_buffer_get_insert(buffer_));
     isPlaceDue_ = !Write(kPlaceFile, std::to_string(lines_->Offset(at)) + "\n" + file_);
@@ -122,6 +127,7 @@ void KeptText::Keep() {
 void ForgetKeptText() {
     RemovePrivateFile(kTextFile);
     RemovePrivateFile(kPlaceFile);
+    RemovePrivateFile(kStructureFile);
     ForgetKeptPlaces();
     ForgetKeptBookmarks();
 }

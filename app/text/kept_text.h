@@ -26,6 +26,11 @@ public:
     // Once, with the lines attached to the same buffer, which outlive this object. Puts the text of
     // the last run into the empty buffer.
     void Attach(GtkTextBuffer* buffer, const LongLines& lines);
+    // What is known of the text, asked for whenever it is kept; as it was kept last, once.
+    void KeepStructure(std::function<std::string()> structure) {
+        structure_ = std::move(structure);
+    }
+    std::string TakeStructure() { return std::move(keptStructure_); }
 
     // What has just come into the buffer is a file's, or another program's. Its former text is kept
     // by KeepNow before.
@@ -55,6 +60,8 @@ private:
     LSignalOwner markSet_;
     LGuiTimer timer_;
     std::string file_;
+    std::function<std::string()> structure_;
+    std::string keptStructure_;
     bool isTextDue_ = false;
     bool isPlaceDue_ = false;
     bool isPrivate_ = false;  // another program's, and unedited

@@ -29,6 +29,14 @@ LEditWidgets TextPane::NewTextBox() {
     languages_.Attach(buffer_.Get(), lines_);
     lines_.Attach(buffer_.Get());
     kept_.Attach(buffer_.Get(), lines_);
+    KeptStructure kept = StructureOfLines(kept_.TakeStructure(), lines_.Text().size());
+    title_ = std::move(kept.title);
+    structure_.Restore(std::move(kept));
+    kept_.KeepStructure([this] {
+        KeptStructure now = structure_.Now();
+        now.title = title_;
+        return LinesOfStructure(now);
+    });
     history_.BeginAnew();
     start_.Attach(buffer_.Get(), lines_, listener_.startMoved);
     clicks_.Attach(view_, listener_.clicks);

@@ -86,7 +86,12 @@ class ContentsTest(DesktopCase):
         lectora.focus()
         lectora.type("F6")
         self.assertTrue(self.cells(lectora), "asked for, they are shown")
-        # Another text has none.
+        # Another day, and then another text, which has none.
+        kept = os.path.join(desktop.HOME, ".quillon/lectora/text-structure")
+        desktop.wait_until(lambda: os.path.exists(kept) and "chapter 20 " in open(kept).read(), "the structure to be kept")
+        lectora.end()
+        lectora = self.start()
+        desktop.wait_until(lambda: self.cells(lectora) == rows, "the contents")
         lectora.set_text("Only words.")
         desktop.wait_until(lambda: not self.cells(lectora), "the contents to go")
         lectora.focus()

@@ -1,0 +1,85 @@
+#include "app/text/structure_text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
+namespace {
+
+constexpr int kDeepest = 20;
+
+// "title Ferries", "chapter 120 0 Oars", "heading 300 1 More of oars", "page 0".
+constexpr std::string_view kTitle = "title ";
+constexpr std::string_view kChapter = "chapter ";
+constexpr std::string_view kHeading = "heading ";
+constexpr std::string_view kPage = "page ";
+
+std::string OnOneLine(std::string title) {
+    std::ranges::replace(title, '\n', ' ');
+    return title;
+}
+
+// The number that the line begins with, and the blank behind it.
+template <typename Number>
+bool TakeNumber(std::string_view& line, Number& number) {
+    const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), number);
+    line.remove_prefix(static_cast<std::size_t>(end - line.data()));
+    if (line.starts_with(' '))
+        line.remove_prefix(1);
+    return error == std::errc();
+}
+
+bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& structure) {
+    std::size_t begin = 0;
+    if (line.starts_with(kTitle)) {
+        structure.title = line.substr(kTitle.size());
+        return true;
+    }
+    if (line.starts_with(kPage)) {
+        line.remove_prefix(kPage.size());
+        const std::size_t least = structure.pages.empty() ? 0 : structure.pages.back();
+        if (!TakeNumber(line, begin) || begin < least || begin > textSize)
+            return false;
+        structure.pages.push_back(begin);
+        return true;
+    }
+    const bool isChapter = line.starts_with(kChapter);
+    static_assert(kChapter.size() == kHeading.size());
+    if (!isChapter && !line.starts_with(kHeading))
+        return false;
+    line.remove_prefix(kChapter.size());
+    int depth = 0;
+    const std::size_t least = structure.outline.empty() ? 0 : structure.outline.back().begin;
+    if (!TakeNumber(line, begin) || !TakeNumber(line, depth) || begin < least || begin > textSize ||
+        depth < 0 || depth > kDeepest || line.empty())
+        return false;
+    structure.outline.push_back({std::string(line), begin, depth, isChapter});
+    return true;
+}
+
+}  // namespace
+
+std::string LinesOfStructure(const KeptStructure& structure) {
+    std::string lines;
+    if (!structure.title.empty())
+        lines += std::string(kTitle) + OnOneLine(structure.title) + '\n';
+    for (const OutlineEntry& entry : structure.outline) {
+        lines += entry.isChapter ? kChapter : kHeading;
+        lines += std::to_string(entry.begin) + ' ' + std::to_string(entry.depth) + ' ' +
+                 OnOneLine(entry.title) + '\n';
+    }
+    for (const std::size_t page : structure.pages)
+        lines += std::string(kPage) + std::to_string(page) + '\n';
+    return lines;
+}
+
+KeptStructure StructureOfLines(const std::string& lines, std::size_t textSize) {
+    KeptStructure structure;
+    for (std::string_view rest = lines; !rest.empty();) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        if (!TakeLine(rest.substr(0, end), textSize, structure))
+            break;
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return structure;
+}
