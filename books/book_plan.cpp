@@ -1,10 +1,10 @@
 #include "books/book_plan.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 #include "books/book_cover.h"
+#include "documents/document_outline.h"
 
 namespace {
 
@@ -24,20 +24,6 @@ std::string CutTo(std::string text, std::size_t size) {
 
 bool HasWords(std::string_view text) {
     return text.find_first_not_of(kSpaces) != std::string_view::npos;
-}
-
-std::vector<DocumentChapter> ChaptersByHeadings(const Document& document) {
-    std::array<int, 7> counts{};
-    for (const DocumentHeading& heading : document.headings)
-        ++counts[static_cast<std::size_t>(std::clamp(heading.level, 1, 6))];
-    const auto* const level =
-        std::find_if(counts.begin(), counts.end(), [](int count) { return count > 1; });
-    std::vector<DocumentChapter> chapters;
-    for (const DocumentHeading& heading : document.headings)
-        if (std::clamp(heading.level, 1, 6) == level - counts.begin())
-            chapters.push_back(
-                {heading.begin, document.text.substr(heading.begin, heading.end - heading.begin)});
-    return chapters;
 }
 
 // The first heading within, else the number.
@@ -84,8 +70,7 @@ BookPlan PlanBook(const Document& document, const std::string& name) {
 
     plan.headings = document.headings;
 
-    const std::vector<DocumentChapter> starts =
-        document.chapters.size() > 1 ? document.chapters : ChaptersByHeadings(document);
+    const std::vector<DocumentChapter> starts = ChaptersOf(document);
     const std::string_view text = document.text;
     std::size_t begin = 0;
     std::string title;

@@ -131,6 +131,8 @@ std::string Speak(const SayOptions& options, const SayJob& job, const Document& 
     SpeakingRules rules = options.speaking;
     for (const DocumentLanguage& language : document.languages)
         rules.marks.push_back({language.begin, language.tag});
+    for (const DocumentHeading& heading : document.headings)
+        rules.headings.push_back(heading.begin);
     PieceRuns runs(document.text, voice, workFolder,
                    streams ? ReadingUse::kListening : ReadingUse::kSaving, output,
                    std::move(rules));
