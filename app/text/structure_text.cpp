@@ -9,12 +9,12 @@ namespace {
 constexpr int kDeepest = 20;
 
 // "title Ferries", "chapter 120 0 Oars", "heading 300 1 More of oars", "page 0".
-constexpr std::string_view kTitle = "title ";
-constexpr std::string_view kChapter = "chapter ";
-constexpr std::string_view kHeading = "heading ";
-constexpr std::string_view kPage = "page ";
+constexpr std::string_view kTitleLine = "title ";
+constexpr std::string_view kChapterLine = "chapter ";
+constexpr std::string_view kHeadingLine = "heading ";
+constexpr std::string_view kPageLine = "page ";
 
-std::string OnOneLine(std::string title) {
+std::string Unbroken(std::string title) {
     std::ranges::replace(title, '\n', ' ');
     return title;
 }
@@ -31,23 +31,23 @@ bool TakeNumber(std::string_view& line, Number& number) {
 
 bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& structure) {
     std::size_t begin = 0;
-    if (line.starts_with(kTitle)) {
-        structure.title = line.substr(kTitle.size());
+    if (line.starts_with(kTitleLine)) {
+        structure.title = line.substr(kTitleLine.size());
         return true;
     }
-    if (line.starts_with(kPage)) {
-        line.remove_prefix(kPage.size());
+    if (line.starts_with(kPageLine)) {
+        line.remove_prefix(kPageLine.size());
         const std::size_t least = structure.pages.empty() ? 0 : structure.pages.back();
         if (!TakeNumber(line, begin) || begin < least || begin > textSize)
             return false;
         structure.pages.push_back(begin);
         return true;
     }
-    const bool isChapter = line.starts_with(kChapter);
-    static_assert(kChapter.size() == kHeading.size());
-    if (!isChapter && !line.starts_with(kHeading))
+    const bool isChapter = line.starts_with(kChapterLine);
+    static_assert(kChapterLine.size() == kHeadingLine.size());
+    if (!isChapter && !line.starts_with(kHeadingLine))
         return false;
-    line.remove_prefix(kChapter.size());
+    line.remove_prefix(kChapterLine.size());
     int depth = 0;
     const std::size_t least = structure.outline.empty() ? 0 : structure.outline.back().begin;
     if (!TakeNumber(line, begin) || !TakeNumber(line, depth) || begin < least || begin > textSize ||
@@ -62,14 +62,14 @@ bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& struct
 std::string LinesOfStructure(const KeptStructure& structure) {
     std::string lines;
     if (!structure.title.empty())
-        lines += std::string(kTitle) + OnOneLine(structure.title) + '\n';
+        lines += std::string(kTitleLine) + Unbroken(structure.title) + '\n';
     for (const OutlineEntry& entry : structure.outline) {
-        lines += entry.isChapter ? kChapter : kHeading;
+        lines += entry.isChapter ? kChapterLine : kHeadingLine;
         lines += std::to_string(entry.begin) + ' ' + std::to_string(entry.depth) + ' ' +
-                 OnOneLine(entry.title) + '\n';
+                 Unbroken(entry.title) + '\n';
     }
     for (const std::size_t page : structure.pages)
-        lines += std::string(kPage) + std::to_string(page) + '\n';
+        lines += std::string(kPageLine) + std::to_string(page) + '\n';
     return lines;
 }
 
