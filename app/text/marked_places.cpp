@@ -9,10 +9,13 @@ void MarkedPlaces::Set(const std::vector<std::size_t>& places) {
     for (GtkTextMark* mark : marks_)
         gtk_text_buffer_delete_mark(buffer_, mark);
     marks_.clear();
-    GtkTextIter at;
-    gtk_text_buffer_get_start_iter(buffer_, &at);
+    int offset = 0;
     for (std::size_t before = 0; const std::size_t place : places) {
+        // Anew: beside a mark that has just been made, GTK counts a line's bytes wrong.
+        GtkTextIter at;
+        gtk_text_buffer_get_iter_at_offset(buffer_, &at, offset);
         lines_->Forward(at, place - before);
+        offset = gtk_text_iter_get_offset(&at);
         // What is typed right before such a place does not belong to it.
         marks_.push_back(gtk_text_buffer_create_mark(buffer_, nullptr, &at, FALSE));
         before = place;
