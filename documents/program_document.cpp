@@ -68,6 +68,8 @@ void ReplaceAll(std::string& text, std::string_view what, std::string_view with)
 std::string ForProgram(std::string_view rtf, const DocumentRules& rules) {
     std::string text(rtf);
     ReplaceAll(text, "{\\deleted", "{\\*\\deleted");
+    // Of a link it says only that it is one, where it knows where that leads.
+    ReplaceAll(text, "{\\*\\fldinst", "{\\*\\linkplace");
     ReplaceAll(text, "{\\v ", "{\\*\\vhidden ");
     ReplaceAll(text, "{\\v\\", "{\\*\\vhidden\\");
     ReplaceAll(text, "{\\footnote", rules.notes ? "{ (Note:) \\footnote" : "{\\*\\footnote");

@@ -167,8 +167,8 @@ void TextFlow::AddWord(std::string_view word) {
     if (!listMark_.empty())
         text_ += std::exchange(listMark_, {}) + " ";
     text_ += word;
-    while (!keepsMarks_ && !isCode_ && text_.back() == ']' && DropReferenceMark()) {
-    }
+    if (!keepsMarks_ && !isCode_)
+        DropReferenceMarks();
 }
 
 void TextFlow::PartFromLast() {
@@ -209,6 +209,18 @@ void TextFlow::NoteWhatBegins() {
     if (nextHeading_ > 0)
         heading_ = {begin, begin, nextHeading_};
     nextHeading_ = 0;
+}
+
+// Those that the last word ends with, also before its punctuation: "word[1][2],".
+void TextFlow::DropReferenceMarks() {
+    const std::size_t end = text_.find_last_not_of(".,;:!?)\"'") + 1;
+    if (end == 0 || text_[end - 1] != ']')
+        return;
+    const std::string behind = text_.substr(end);
+    text_.resize(end);
+    while (!text_.empty() && text_.back() == ']' && DropReferenceMark()) {
+    }
+    text_ += behind;
 }
 
 // A "[12]" right behind a word, at the text's end.

@@ -53,6 +53,7 @@ private:
     void AddWord(std::string_view word);
     void PartFromLast();
     void NoteWhatBegins();
+    void DropReferenceMarks();
     bool DropReferenceMark();
 
     std::string text_;

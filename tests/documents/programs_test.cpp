@@ -16,15 +16,17 @@ TEST(Programs, RtfIsReadWithWhatItShowsAlone) {
     const std::string rtf =
         "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0 Times;}}{\\info{\\title The Title}}\\f0 "
         "Caf\\'e9 and \\u8212- \\ldblquote so\\rdblquote .\\par It{\\deleted gone} has{\\v hid} a "
-        "word{\\footnote A note.}.\\par}";
+        "word{\\footnote A note.}.\\par "
+        "{\\field{\\*\\fldinst{HYPERLINK \"#a\"}}{\\fldrslt{A link}}}\\par}";
     const Document whole = ReadDocument(rtf);
     EXPECT_EQ(whole.title, "The Title");
     EXPECT_THAT(whole.text, testing::StartsWith("Café and — “so”.\nIt has a word"));
     EXPECT_THAT(whole.text, HasSubstr("(Note:) A note"));
+    EXPECT_THAT(whole.text, testing::EndsWith("A link"));
     EXPECT_EQ(whole.remark, "");
     DocumentRules without;
     without.notes = false;
-    EXPECT_THAT(ReadDocument(rtf, {}, without).text, testing::EndsWith("has a word."));
+    EXPECT_THAT(ReadDocument(rtf, {}, without).text, HasSubstr("has a word.\nA link"));
     const Document cut = ReadDocument(rtf.substr(0, rtf.find("word")));
     EXPECT_THAT(cut.text, HasSubstr("has"));
     EXPECT_THAT(cut.remark, HasSubstr("not complete"));
