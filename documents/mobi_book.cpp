@@ -33,7 +33,8 @@ std::size_t NumberAt(std::string_view bytes, std::size_t at, std::size_t size) {
 }
 
 bool IsProtected(std::string_view bytes) {
-    return NumberAt(bytes, NumberAt(bytes, kFirstRecord, 4) + kEncryption, 2) != 0;
+    const std::size_t record = NumberAt(bytes, kFirstRecord, 4);
+    return record > kFirstRecord && NumberAt(bytes, record + kEncryption, 2) != 0;
 }
 
 // What the program writes into a folder of its own, of a book that it reads as "stdin".
