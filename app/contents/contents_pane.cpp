@@ -117,12 +117,13 @@ void ContentsPane::CmGoTo() {
         parts_.tell("The window is too narrow for the contents beside the text.");
 }
 
-// From 1 on: of what is heard, else of the cursor.
+// From 1 on: of what is heard, else of what would be read.
 std::size_t ContentsPane::PageNow() const {
     const std::vector<std::size_t> pages = parts_.text.Structure().Pages();
-    const std::size_t place = isOurs_ && parts_.narrator.IsReading()
-                                  ? parts_.narrator.Place()
-                                  : parts_.text.Start().FromCursor().begin;
+    const std::size_t place = isOurs_ && parts_.narrator.IsReading() ? parts_.narrator.Place()
+                              : parts_.text.Start().Which() == ReadFrom::kCursor
+                                  ? parts_.text.Start().FromCursor().begin
+                                  : 0;
     return std::max<std::size_t>(
         static_cast<std::size_t>(std::ranges::upper_bound(pages, place) - pages.begin()), 1);
 }

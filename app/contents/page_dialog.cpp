@@ -13,7 +13,7 @@ constexpr int kPageCount = 103;
 void DlgGenPage(LDialogGenContext& context) {
     context.AddInputUpDown(kPage, "&Page:");
     context.AddStatic(kPageCount, "");
-    context.AddOkCancelHelp(kOkCancelHelp, "_Go There");
+    context.AddOkCancelHelp(kOkCancelHelp, "&Go There");
 }
 
 }  // namespace
@@ -28,7 +28,7 @@ bool PageDialog::Run(GtkWidget* parent) {
 
 void PageDialog::InitDialog() {
     UDInit(kPage, 1, static_cast<int>(count_), static_cast<int>(page_));
-    SetText(kPageCount, ("The document has " + std::to_string(count_) + " pages.").c_str());
+    SetStaticText(kPageCount, ("The document has " + std::to_string(count_) + " pages.").c_str());
     SetTextSelectionAll(kPage);
 }
 

@@ -9,9 +9,9 @@
 
 // Places are bytes of the text, in order.
 struct KeptStructure {
-    std::string title;  // of the document
-    std::vector<OutlineEntry> outline;
-    std::vector<std::size_t> pages;
+    std::string title = {};  // of the document
+    std::vector<OutlineEntry> outline = {};
+    std::vector<std::size_t> pages = {};
 };
 
 std::string LinesOfStructure(const KeptStructure& structure);

@@ -180,6 +180,17 @@ class ScreenReaderTest(DesktopCase):
         self.walk(TROUBLE)
         self.leave()
 
+    def test_the_contents_of_a_document_are_said(self):
+        page = "<title>Ferries</title><h1>Ferries</h1><h2>Oars</h2><p>Words.<h2>Sails</h2><p>More."
+        self.card.tell("speed 20")
+        self.start(self.file("ferries.html", page))
+        self.walk((
+            (None, None, "F6", "Contents", "Contents, Text to read"),
+            (None, "Contents", "Down", "Oars", None),
+            (None, None, "F6", "Text to read text", None),
+        ))
+        self.leave()
+
     def test_the_wizards_and_the_check_are_said(self):
         folder = tempfile.mkdtemp(dir=desktop.HOME)
         tree, machine = (os.path.join(folder, name) for name in ("tree", "machine"))
