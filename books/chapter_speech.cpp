@@ -112,6 +112,9 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
     ChapterTaker taker(order, text, path);
     SpeakingRules rules = order.rules;
     rules.marks = MarksFrom(rules.marks, chapter.begin);
+    for (const DocumentHeading& heading : order.plan.headings)
+        if (heading.begin >= chapter.begin)
+            rules.headings.push_back(heading.begin - chapter.begin);
     const ReadingUse use = order.NeedsTimes() ? ReadingUse::kSavingSentences : ReadingUse::kSaving;
     PieceRuns runs(text, order.voice, order.engineFolder, use, taker, rules);
     const LProcessResult result = Process(share, runs);

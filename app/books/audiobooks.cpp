@@ -58,10 +58,12 @@ void Audiobooks::AddText() {
     edited.title = document.title;
     edited.author = document.author;
     edited.cover = document.cover;
-    for (const std::size_t begin : parts_.text.Headings()) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        if (begin < end)
-            edited.headings.push_back({begin, end, 1});
+    for (const OutlineEntry& entry : parts_.text.Structure().Now().outline) {
+        const std::size_t end = std::min(text.find('\n', entry.begin), text.size());
+        if (entry.begin < end)
+            edited.headings.push_back({entry.begin, end, entry.depth + 1});
+        if (entry.begin < end && entry.isChapter)
+            edited.chapters.push_back({entry.begin, entry.title});
     }
     dialog_.Add(EntryOf(edited, "", name), false);
 }

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr std::size_t kBlocks[] = {4096, 16384, 65536};
-constexpr int kDocuments = 1000;
+constexpr int kRandomDocuments = 1000;
 
 class Maker {
 public:
@@ -84,7 +84,7 @@ std::string Moved(const std::string& before, const std::string& content, std::si
 
 TEST(BlockEnds, AreNowhereInPagesAndMarkup) {
     Maker maker;
-    for (int i = 0; i < kDocuments; ++i) {
+    for (int i = 0; i < kRandomDocuments; ++i) {
         const bool isPage = i % 2 == 0;
         const std::string begin =
             isPage ? "<html><body>" : OdtXmlOf("").substr(0, OdtXmlOf("").find("</office:text>"));
@@ -104,7 +104,7 @@ TEST(BlockEnds, AreNowhereInTheLayoutOfPages) {
         reader.Feed(std::string_view(layout).substr(end));
         return JoinPages(reader.TakePages(), {}).text;
     };
-    for (int i = 0; i < kDocuments; ++i) {
+    for (int i = 0; i < kRandomDocuments; ++i) {
         const std::string layout = "<page width=\"9\">\n" + maker.Some(kLayout, 12);
         const std::string whole = text(layout, 0);
         for (std::size_t end = 1; end < layout.size(); end += 1 + maker.Number(20))
