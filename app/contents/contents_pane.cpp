@@ -83,8 +83,8 @@ void ContentsPane::Hear(const ReadingNews& news) {
 void ContentsPane::GoTo(std::size_t entry) {
     const GtkTextIter place = parts_.text.Structure().EntryAt(entry);
     parts_.text.GoTo(place);
-    if (!parts_.places.doubleClicked(place))
-        parts_.places.readFrom(place);
+    if (!parts_.goOnAt(place))
+        parts_.readFrom(place);
 }
 
 bool ContentsPane::EvKeyDown(unsigned int key) {
@@ -137,7 +137,7 @@ void ContentsPane::CmGoToPage() {
     const GtkTextIter place = parts_.text.Structure().PageAt(dialog.Page() - 1);
     parts_.text.GoTo(place);
     parts_.text.TakeKeyboard();
-    if (!parts_.places.doubleClicked(place))
+    if (!parts_.goOnAt(place))
         parts_.tell(("Page " + std::to_string(dialog.Page()) + " of " +
                      std::to_string(parts_.text.Structure().PageCount()))
                         .c_str());

@@ -20,7 +20,8 @@ public:
         TextPane& text;
         Narrator& narrator;
         CommandSet& commands;
-        TextClicks::Listener places;            // goes on there, or reads from there
+        std::function<bool(const GtkTextIter&)> goOnAt;  // false: the text there is not read
+        std::function<void(const GtkTextIter&)> readFrom;
         std::function<bool()> isWhole;          // what is read: all of the text
         std::function<void(const char*)> tell;  // a sentence for the user
         std::function<void()> reshaped;         // it wants its place, or has left it

@@ -17,7 +17,7 @@ class DocumentStructure {
 public:
     // Once; both outlive this object.
     void Attach(GtkTextBuffer* buffer, const LongLines& lines);
-    // Told soon after there is another structure, from the main loop or within a change.
+    // Told whenever there is another structure, also within a change of the text.
     void Tell(std::function<void()> changed) { changed_ = std::move(changed); }
 
     void Set(const Document& document);  // whose text has just come
