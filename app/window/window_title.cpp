@@ -44,6 +44,6 @@ void WindowTitle::Show() const {
     GtkWindow* window = GTK_WINDOW(window_.Widget());
     if (title == gtk_window_get_title(window))
         return;
-    // That of a document came before the reading.
-    SetTitle(window, title.c_str(), !document_().empty());
+    // That of a document came before the reading, and may be said; not each chapter over its words.
+    SetTitle(window, title.c_str(), !document_().empty() && now.chapters == 0);
 }
