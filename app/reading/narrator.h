@@ -72,7 +72,7 @@ public:
     void MoveToParagraph(int step);  // 1 or -1: the next one, or the start of this or the last
     void MoveToHeading(int step);    // likewise, where the text has headings
     void MoveToChapter(int step);
-    void MoveToPlace(std::size_t place);  // the sentence at that byte of the text
+    void MoveToPlace(std::size_t place);        // the sentence at that byte of the text
     void ReadOn(std::size_t place, int voice);  // from there on by that voice
     bool CanMove() const;                       // there is a text whose places can be heard
     const std::vector<std::size_t>& Headings() const { return info_.Headings(); }

@@ -61,9 +61,8 @@ TEST(WindowLayoutTest, NothingLiesOverAnythingAndTheTextKeepsRoom) {
                     sizes.barsHeight = hasFind ? letters + 10 : 0;
                     const WindowLayout layout = LayOut(sizes);
                     const std::array places = {
-                        layout.commandBar, layout.contents,  layout.text,
-                        layout.bars,       layout.voiceLabel, layout.voiceList,
-                        layout.readButton, layout.saveButton};
+                        layout.commandBar, layout.contents,  layout.text,       layout.bars,
+                        layout.voiceLabel, layout.voiceList, layout.readButton, layout.saveButton};
                     SCOPED_TRACE(testing::Message() << width << 'x' << height << ' ' << letters);
                     for (std::size_t at = 0; at < places.size(); ++at) {
                         const LayoutPlace& a = places[at];
