@@ -40,7 +40,6 @@ public:
     bool EvKeyUp(unsigned int key) override { return view_.Player().EvKeyUp(key); }
     void CmClose() override { presence_.Close(); }
     bool CmCancel() override { return presence_.AskToEnd(); }
-
     RemoteControl& Control() { return control_; }  // what a second start asks for, or this one
 
 private:
