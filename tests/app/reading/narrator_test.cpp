@@ -145,7 +145,7 @@ TEST_F(NarratorTest, GoesToAnyPlaceOfTheText) {
 }
 
 TEST_F(NarratorTest, AnotherVoiceGoesOnAtTheNextSentence) {
-    cards_.Insert(0, "speed 2\n");
+    cards_.Insert(0, "speed 1\n");
     VoiceChange change(*narrator_);
     const std::string text = LongText(6);
     const auto sentence = [&] { return WordsAt(text, last_); };
