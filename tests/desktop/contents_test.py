@@ -78,7 +78,7 @@ class ContentsTest(DesktopCase):
         self.wait_for_chapter(lectora, "Sails")
         desktop.press_keys("Escape")
         desktop.wait_until(lambda: self.title(lectora) == "Ferries - Lectora", "the end")
-        self.assertIn("Sails\\n", [call.split(" ", 2)[2] for call in self.spoken()], "a heading is spoken alone")
+        self.assertIn("Sails\\n\\n", [call.split(" ", 2)[2] for call in self.spoken()], "a heading is spoken alone")
         # Where the chapters are now that the text was edited before them.
         lectora.text_box().queryEditableText().insertText(0, "New words. ", 11)
         lectora.type("F6", "End", "Return")

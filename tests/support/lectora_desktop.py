@@ -13,6 +13,7 @@ from desktop_card import Card, Sound, best_correlation, correlation
 from desktop_engine import engine_calls, forget_engine_calls, tell_engine
 from desktop_process import BUILD, DESKTOP, HERE, Process, processes
 from desktop_screen import press_keys, screenshot, tray_icons, window_property, xdotool
+from gi.repository import GLib
 from waiting import PATIENCE, TimeOut, wait_until
 
 __all__ = [
@@ -61,11 +62,10 @@ class Lectora(Process):
             its = widget.getRoleName()
             if its == role and (name is None or widget.name == name):
                 yield widget
-            if role not in _BELOW.get(its, (role,)):
+            if role in _WINDOWS or role not in _BELOW.get(its, (role,)):
                 return
-            for child in widget:
-                if child:
-                    yield from below(child)
+            for child in _children(widget):
+                yield from below(child)
 
         for window in reversed(list(self.application())):
             if window:
@@ -173,13 +173,14 @@ class Lectora(Process):
         """Where it stands on the screen."""
         return widget.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
 
-    def click(self, widget):
-        """Presses the widget with the pointer, where it stands on the screen."""
+    def click(self, widget, takes_keyboard=True):
+        """Presses the widget with the pointer, where it stands on the screen. takes_keyboard: whether
+        its dialog does when it comes."""
         window = widget
         while window.getRoleName() not in ("alert", "dialog", "frame", "window", "menu"):
             window = window.parent
         # A new dialog stands in its place once the window manager gives it the keyboard.
-        if window.getRoleName() in ("alert", "dialog"):
+        if takes_keyboard and window.getRoleName() in ("alert", "dialog"):
             wait_until(lambda: self.has_keyboard(window), f"the window of '{widget.name}'")
         # A question may be answered before what moves the widget is done.
         places = []
@@ -248,13 +249,23 @@ class Lectora(Process):
         return self.process.wait(PATIENCE)
 
 
+# What stands in no other widget.
+_WINDOWS = ("alert", "dialog", "frame")
+
 # What there is in the parts of the main window that hold many widgets.
 _BELOW = {"menu bar": ("menu", "menu item", "check menu item"), "tool bar": ("push button",)}
 
 
+def _children(widget):
+    """Those that are there: one that goes while it is asked for is none."""
+    try:
+        return [child for child in widget if child]
+    except GLib.GError:
+        return []
+
+
 def _labels(widget):
     found = [widget] if widget.getRoleName() == "label" else []
-    for child in widget:
-        if child:
-            found += _labels(child)
+    for child in _children(widget):
+        found += _labels(child)
     return found
