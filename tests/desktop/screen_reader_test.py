@@ -184,9 +184,10 @@ class ScreenReaderTest(DesktopCase):
         page = "<title>Ferries</title><h1>Ferries</h1><h2>Oars</h2><p>Words.<h2>Sails</h2><p>More."
         self.card.tell("speed 20")
         self.start(self.file("ferries.html", page))
+        self.reader.wait_until_said("End of the text", since=self.began)
         self.walk((
-            (None, None, "F6", "Contents", "Contents, Text to read"),
-            (None, "Contents", "Down", "Oars", None),
+            (None, None, "F6", "tree level", "Contents, Text to read"),
+            (None, "Contents", "Home Down", "Oars", None),
             (None, None, "F6", "Text to read text", None),
         ))
         self.leave()
