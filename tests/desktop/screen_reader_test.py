@@ -84,10 +84,9 @@ TO_SOUND = (
     ("Choose Voice: editable combo box", "Down"),
     ("voice2", "ctrl+shift+r"),
 )
-TO_THE_SENTENCE_BEFORE = (
+TO_A_PAUSE = (
     ("", "F9"),
-    ("Paused", "ctrl+Left"),
-    ("0 %", ""),
+    ("Paused", ""),
 )
 TO_A_FILE_AND_A_HOTKEY = (
     ("", "Escape"),
@@ -104,7 +103,7 @@ TO_A_FILE_AND_A_HOTKEY = (
     ("Press a key or a key combination", "ctrl+alt+k"),
     ("Ctrl+Alt+K", "alt+o"),
     ("Add... push button", "alt+o"),
-    ("Choose Voice", ""),
+    ("Text to read", ""),
 )
 
 
@@ -222,14 +221,19 @@ class ScreenReaderTest(DesktopCase):
         spoken = desktop.Sound(own)
         desktop.forget_engine_calls()
         self.card.tell("speed 1")
-        self.start()
+        lectora = self.start()
         began = self.reader.follow(TO_SOUND, self.began, paths)
         stream = self.card.next_stream()
         # Until the second sentence is heard, which is a buffer after it was handed over.
         length = 800 * len("".join(SENTENCES[0].split()))
         desktop.wait_until(lambda: self.card.sound(stream).frames > length + 20000, "the second sentence")
         self.assertEqual(self.reader.said_since(began), "", "nothing is said over a reading")
-        began = self.reader.follow(TO_THE_SENTENCE_BEFORE, began, paths)
+        began = self.reader.follow(TO_A_PAUSE, began, paths)
+        lectora.text_box().queryComponent().grabFocus()  # the list of voices has the arrow keys for itself
+        self.reader.wait_until_told("Text to read", began)
+        began = self.reader.mark()
+        desktop.press_keys("ctrl+Left")
+        self.reader.wait_until_told("0 %", began)
         self.card.wait_for(stream, "close")
         stream = self.card.next_stream()
         self.assertTrue(all("(voice_voice2)" in call for call in self.spoken()))
