@@ -183,7 +183,7 @@ std::string SpeechPieces::Message() const {
                        units_->GivenUpPatterns().end());
     }
     std::ranges::sort(givenUp);
-    givenUp.erase(std::ranges::unique(givenUp).begin(), givenUp.end());
+    givenUp.erase(std::unique(givenUp.begin(), givenUp.end()), givenUp.end());
     std::vector<std::string> sentences = {unsayable.Message(),
                                           MissingVoicesMessage(stretches_.WithoutVoice())};
     for (const std::string& pattern : givenUp)
