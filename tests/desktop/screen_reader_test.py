@@ -183,7 +183,7 @@ class ScreenReaderTest(DesktopCase):
         page = "<title>Ferries</title><h1>Ferries</h1><h2>Oars</h2><p>Words.<h2>Sails</h2><p>More."
         self.card.tell("speed 20")
         self.start(self.file("ferries.html", page))
-        self.reader.wait_until_said("End of the text", since=self.began)
+        self.card.wait_for(self.card.next_stream(), "close")
         self.walk((
             (None, None, "F6", "tree level", None),
             (None, None, "Home Down", "Oars", None),
