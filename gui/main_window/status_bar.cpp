@@ -43,6 +43,10 @@ void LStatusBar::SetStatusText(const char* text) {
 
 void LStatusBar::TellStatusText(const char* text) {
     SetStatusText(text);
+    SayBesideStatus(text);
+}
+
+void LStatusBar::SayBesideStatus(const char* text) {
     if (bar_ != nullptr && *text != '\0')
         TellScreenReader(bar_, DisplayText(text).c_str());
 }

@@ -11,6 +11,8 @@ public:
     void SetStatusText(const char* text);
     // The same for what is news to the user: screen readers say it.
     void TellStatusText(const char* text);
+    // A screen reader says it; the bar keeps its text.
+    void SayBesideStatus(const char* text);
 
     // At its right end, in the order in which they come; hidden until it is shown.
     void AddToStatusBar(GtkWidget* widget);

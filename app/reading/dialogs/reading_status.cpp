@@ -53,16 +53,9 @@ ReadingStatus::ReadingStatus(Narrator& narrator, Line line, const char* atRest)
       atRest_(atRest),
       news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
 
-std::string ReadingStatus::Status() const {
-    return narrator_.IsReading() ? WithMore(StatusOf(narrator_.Now())) : atRest_;
-}
-
-// The word is gone from the bar as soon as it is said.
+// The bar tells state and place anyway, and may have been told something else meanwhile.
 void ReadingStatus::SaySoon(const std::string& words) {
-    saying_.Start(kSayMilliseconds, [this, words] {
-        line_.tell(words.c_str());
-        line_.show(Status().c_str());
-    });
+    saying_.Start(kSayMilliseconds, [this, words] { line_.say(words.c_str()); });
 }
 
 void ReadingStatus::Hear(const ReadingNews& news) {

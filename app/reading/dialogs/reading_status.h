@@ -16,6 +16,7 @@ public:
     struct Line {
         std::function<void(const char* text)> show;
         std::function<void(const char* text)> tell;  // news to the user: screen readers say it
+        std::function<void(const char* text)> say;   // to these alone
         std::function<std::string()> more;           // stands behind the place
     };
     // atRest: what stands there when there is nothing else to say; borrowed.
@@ -26,7 +27,6 @@ private:
     std::string WithMore(std::string status) const;
     void HearEnd(const ReadingNews& news);
     void SaySoon(const std::string& words);
-    std::string Status() const;
 
     Narrator& narrator_;
     const Line line_;

@@ -20,6 +20,7 @@ ReadingView::ReadingView(LMainWindow& window, Narrator& narrator, Ways ways)
       status_(narrator,
               {.show = [this](const char* text) { window_.SetStatusText(text); },
                .tell = [this](const char* text) { window_.TellStatusText(text); },
+               .say = [this](const char* text) { window_.SayBesideStatus(text); },
                .more = std::move(ways.statusMore)},
               kBanner) {}
 
