@@ -5,13 +5,19 @@
 
 For each type (mp3, opus, m4b): wall and processor time of lectora-say, of espeak-ng over the same
 text, and of the encoder over the engine's sound, in this order and then backwards, the better of
-both; memory; size; what ffprobe says of chapters, tags and cover; and how far behind its mark each
-chapter begins, by the correlation with the engine's own sound of its title.
+both; memory; the most that the disk holds as WAV meanwhile; size; what ffprobe, mutagen-inspect and
+opusinfo say of chapters, tags and cover; and how far behind its mark each chapter begins, by the
+correlation with the engine's own sound of its title.
+
+A program that ignores the ends of its children is never told their time: engine and encoders are
+found through commands of their names, which write it down.
 """
 import argparse
+import collections
 import json
 import os
-import resource
+import re
+import shutil
 import subprocess
 import tempfile
 import time
@@ -26,17 +32,81 @@ ENCODERS = {
 }
 
 
-def timed(command, folder):
-    """Wall and processor seconds, and MB of the program itself."""
-    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+TAGS = ("title", "artist", "album", "language")
+CHAPTER = r"^(?:CHAP[=:]|\s*CHAPTER\d+=)"  # as mutagen-inspect and opusinfo tell one
+Run = collections.namedtuple("Run", "wall processor megabytes wav")
+COUNTED = """#!/bin/bash
+{program} "$@"
+status=$?
+times >>{log}
+exit $status
+"""
+
+
+def count_helpers(folder):
+    """Commands in a folder that goes before PATH, and the file in which they tell their time."""
+    log = os.path.join(folder, "times")
+    os.mkdir(os.path.join(folder, "counted"))
+    for name in ("espeak-ng", "lame", "ffmpeg"):
+        path = os.path.join(folder, "counted", name)
+        with open(path, "w") as file:
+            file.write(COUNTED.format(program=shutil.which(name), log=log))
+        os.chmod(path, 0o755)
+    return log
+
+
+def told_seconds(log):
+    """Of lines like "0m1.234s 0m0.567s", the commands' own among them."""
+    if not os.path.exists(log):
+        return 0
+    with open(log) as file:
+        return sum(int(m) * 60 + float(s) for m, s in re.findall(r"(\d+)m([\d.]+)s", file.read()))
+
+
+def wav_megabytes(folder):
+    size = 0
+    for at, _, names in os.walk(folder):
+        for name in names:
+            if name == "plain.wav":  # the engine's alone
+                continue
+            try:
+                path = os.path.join(at, name)
+                with open(path, "rb") as file:
+                    size += os.path.getsize(path) if file.read(4) == b"RIFF" else 0
+            except OSError:  # it has gone meanwhile
+                pass
+    return size / 1e6
+
+
+def peak_megabytes(process):
+    """By now. What a process is told of its child counts what this one was before it ran anything."""
+    try:
+        with open(f"/proc/{process}/status") as file:
+            return int(re.search(r"VmHWM:\s+(\d+)", file.read())[1]) / 1024
+    except (OSError, TypeError):  # it has gone meanwhile
+        return 0
+
+
+def timed(command, folder, log=None):
+    """Wall and processor seconds, MB of the program itself, and of WAV files at once."""
+    environment = {**os.environ, "TMPDIR": folder}
+    if log:
+        environment["PATH"] = os.path.join(folder, "counted") + ":" + os.environ["PATH"]
+        open(log, "w").close()
     begin = time.monotonic()
-    process = subprocess.Popen(command, cwd=folder, stderr=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
+    process = subprocess.Popen(command, cwd=folder, stderr=subprocess.DEVNULL, env=environment)
+    wav = memory = 0
+    while (ended := os.wait4(process.pid, os.WNOHANG))[0] == 0:
+        wav = max(wav, wav_megabytes(folder))
+        memory = max(memory, peak_megabytes(process.pid))
+        time.sleep(0.1)
+    wall = time.monotonic() - begin
+    _, status, usage = ended
+    process.returncode = status
     if status != 0:
         raise SystemExit(f"{command[0]} failed")
-    after = resource.getrusage(resource.RUSAGE_CHILDREN)
-    cpu = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
-    return time.monotonic() - begin, cpu, usage.ru_maxrss / 1024
+    processor = usage.ru_utime + usage.ru_stime + (told_seconds(log) if log else 0)
+    return Run(wall, processor, memory, wav)
 
 
 def sound(command, folder):
@@ -60,9 +130,50 @@ def lateness(heard, own):
     return best[1] * 1000 / RATE, best[0]
 
 
+def compare(kind, commands, folder, log, count):
+    """Ours beside engine and encoder alone, the best of so many runs of each."""
+    runs = {name: [] for name in commands}
+    for _ in range(count):
+        for name, command in commands.items():
+            runs[name].append(timed(command, folder, log if name == "lectora-say" else None))
+        os.remove(os.path.join(folder, "plain.wav"))
+    best = {name: min(each) for name, each in runs.items()}
+    for name, run in best.items():
+        print(f"{kind:5} {name:12} wall {run.wall:7.1f} s  processor {run.processor:7.1f} s  {run.megabytes:5.0f} MB")
+    ours, cores = best["lectora-say"], os.cpu_count()
+    slower = max(best["engine"].wall, best["encoder"].wall)
+    work = best["engine"].processor + best["encoder"].processor
+    print(f"{kind:5} processor time {ours.processor / work:.2f} of engine and encoder together; wall "
+          f"{ours.wall * cores / slower:.2f} of the slower alone divided by the cores, {ours.wall * cores / work:.2f} "
+          f"of the work of both divided by them; at most {ours.wav:.0f} MB as WAV", flush=True)
+
+
+def read_back(kind, book, voice, folder):
+    """What other programs say of the book, and where its chapters are heard."""
+    shown = ["ffprobe", "-v", "error", "-show_chapters", "-show_format", "-show_streams", "-of", "json", book]
+    told = json.loads(subprocess.run(shown, capture_output=True, check=True).stdout)
+    hours = float(told["format"]["duration"]) / 3600
+    pictures = sum(each["codec_type"] == "video" for each in told["streams"])
+    tags = {**told["streams"][0].get("tags", {}), **told["format"].get("tags", {})}
+    named = ", ".join(f"{name} {value!r}" for name, value in tags.items() if name.lower() in TAGS)
+    print(f"{kind:5} {hours:.2f} hours, {os.path.getsize(book) / 1e6:.1f} MB, {len(told['chapters'])} chapters, "
+          f"{pictures} cover, {named}")
+    judge = "opusinfo" if kind == "opus" else "mutagen-inspect"
+    judged = subprocess.run([judge, book], capture_output=True, check=True, text=True).stdout
+    print(f"{kind:5} {judge} tells of {len(re.findall(CHAPTER, judged, re.M))} chapters")
+    late = []
+    for chapter in told["chapters"]:
+        own = sound(["espeak-ng", "-v", voice, "--stdout", chapter["tags"]["title"]], folder)[22:]
+        late.append(lateness(decoded(book, float(chapter["start_time"]), 2.5), own))
+    sure = [ms for ms, correlation in late if correlation > 0.6]
+    print(f"{kind:5} {len(sure)} of {len(late)} chapters were recognised by their titles and begin "
+          f"{min(sure):.0f} to {max(sure):.0f} ms behind their marks", flush=True)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("-v", "--voice", default="en-us")
+    parser.add_argument("--runs", type=int, default=2)
     parser.add_argument("folder")
     parser.add_argument("document")
     parser.add_argument("types", nargs="*", default=list(ENCODERS))
@@ -73,31 +184,13 @@ def main():
         with open(os.path.join(folder, "text"), "wb") as text:
             subprocess.run([say, "--text", document], stdout=text, check=True)
         engine = ["espeak-ng", "-v", options.voice, "-f", "text", "-w", "plain.wav"]
+        log = count_helpers(folder)
         for kind in options.types:
             book = os.path.join(folder, "book." + kind)
             ours = [say, "-f", "--one-voice", "-v", "espeak-ng:" + options.voice, "--audiobook", "-o", book, document]
-            commands = {"lectora-say": ours, "engine": engine, "encoder": ENCODERS[kind]}
-            timed(engine, folder)
-            runs = [(name, timed(commands[name], folder)) for name in [*commands, *reversed(commands)]]
-            best = {name: min(each for which, each in runs if which == name) for name in commands}
-            for name, (wall, cpu, megabytes) in best.items():
-                print(f"{kind:5} {name:12} wall {wall:7.1f} s  processor {cpu:7.1f} s  {megabytes:5.0f} MB")
-            slower = max(best["engine"][1], best["encoder"][1])
-            work = best["engine"][1] + best["encoder"][1]
-            print(f"{kind:5} processor time {best['lectora-say'][1] / work:.2f} of engine and encoder together; "
-                  f"wall {best['lectora-say'][0] / max(slower, work / os.cpu_count()):.2f} of the better bound")
-            shown = ["ffprobe", "-v", "error", "-show_chapters", "-show_format", "-show_streams", "-of", "json", book]
-            told = json.loads(subprocess.run(shown, capture_output=True, check=True).stdout)
-            hours = float(told["format"]["duration"]) / 3600
-            print(f"{kind:5} {hours:.2f} hours, {os.path.getsize(book) / 1e6:.1f} MB, {len(told['chapters'])} chapters, "
-                  f"{sum(each['codec_type'] == 'video' for each in told['streams'])} cover")
-            late = []
-            for chapter in told["chapters"]:
-                own = sound(["espeak-ng", "-v", options.voice, "--stdout", chapter["tags"]["title"]], folder)[22:]
-                late.append(lateness(decoded(book, float(chapter["start_time"]), 2.5), own))
-            sure = [ms for ms, correlation in late if correlation > 0.6]
-            print(f"{kind:5} {len(sure)} of {len(late)} chapters were recognised by their titles and begin "
-                  f"{min(sure):.0f} to {max(sure):.0f} ms behind their marks", flush=True)
+            commands = {"engine": engine, "encoder": ENCODERS[kind], "lectora-say": ours}
+            compare(kind, commands, folder, log, options.runs)
+            read_back(kind, book, options.voice, folder)
 
 
 main()
