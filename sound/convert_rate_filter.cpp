@@ -1,10 +1,10 @@
+#include "sound/convert_rate_filter.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <numbers>
-
-#include "sound/convert_rate.h"
 
 namespace {
 
