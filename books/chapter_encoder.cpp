@@ -2,25 +2,31 @@
 
 #include <unistd.h>
 
-#include <chrono>
+#include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstring>
+#include <thread>
 
 #include "books/book_estimate.h"
 #include "books/loudness.h"
 #include "formats/aac_sink.h"
 #include "formats/mp3_sink.h"
 #include "formats/opus_sink.h"
+#include "formats/pipe16_sink.h"
 #include "formats/sndfile_file.h"
 #include "formats/wave_file.h"
 #include "formats/whole_file.h"
+#include "foundation/threads/thread.h"
 #include "sound/source_to_sink.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kMostWaiting = 2;
+// Each has a chapter as WAV on the disk.
+constexpr unsigned int kFewestWorkers = 2;
+constexpr unsigned int kMostWorkers = 4;
 constexpr double kLoudestChange = 20;  // decibels
 
 LSoundSink OpenChapterSink(const ChapterToEncode& chapter, const char* path, int rate) {
@@ -53,21 +59,149 @@ std::string WhyNotOpen(SoundType type) {
 
 }  // namespace
 
-// Asked before each block.
-class ChapterEncoder::Work final : public LSilentProgress {
+class ChapterEncoder::Worker final : public LThread {
 public:
-    explicit Work(ChapterEncoder& encoder) : encoder_(encoder) {}
+    explicit Worker(ChapterEncoder& owner) : owner_(owner) { Start(0); }
+    ~Worker() override { End(); }
+
+    void EndHangingEncoder();  // the owner's mutex held
+
+private:
+    using Clock = std::chrono::steady_clock;
+    class Blocks;
+
+    void ThreadFunction() override;
+    std::string Encode(const ChapterToEncode& chapter);
+    std::string Write(const ChapterToEncode& chapter, const std::string& path);
+    void End();
+
+    ChapterEncoder& owner_;
+    std::atomic<Clock::time_point> lastTaken_{};  // when the encoder took sound
+    LPipe16Sink* encoder_ = nullptr;              // what may have to be interrupted
+    bool hangs_ = false;                          // it was
+};
+
+// Asked before each block.
+class ChapterEncoder::Worker::Blocks final : public LSilentProgress {
+public:
+    explicit Blocks(Worker& worker) : worker_(worker) {}
     bool IsToStop() override {
-        encoder_.lastTaken_ = Clock::now();
-        return encoder_.IsStopping();
+        worker_.lastTaken_ = Clock::now();
+        return worker_.IsStopping();
     }
 
 private:
-    ChapterEncoder& encoder_;
+    Worker& worker_;
 };
 
+void ChapterEncoder::Worker::EndHangingEncoder() {
+    if (encoder_ == nullptr || hangs_ || Clock::now() - lastTaken_.load() < owner_.patience_)
+        return;
+    hangs_ = true;
+    encoder_->Interrupt();
+}
+
+void ChapterEncoder::Worker::ThreadFunction() {
+    while (!IsStopping()) {
+        ChapterToEncode chapter;
+        {
+            std::unique_lock lock(owner_.mutex_);
+            if (owner_.waiting_.empty()) {
+                owner_.changed_.wait_for(lock, 50ms);
+                continue;
+            }
+            chapter = std::move(owner_.waiting_.front());
+            owner_.waiting_.pop_front();
+            ++owner_.atWork_;
+        }
+        const std::string problem = Encode(chapter);
+        ::unlink(chapter.speech.c_str());
+        const std::lock_guard lock(owner_.mutex_);
+        --owner_.atWork_;
+        if (!problem.empty() && owner_.problem_.empty())
+            owner_.problem_ = chapter.name + ": " + problem;
+        owner_.changed_.notify_all();
+    }
+}
+
+std::string ChapterEncoder::Worker::Encode(const ChapterToEncode& chapter) {
+    WholeFile file(chapter.path, WholeFile::Existing::kReplace);
+    if (!file.Problem().empty())
+        return file.Problem();
+    std::string problem = Write(chapter, file.WritePath());
+    if (!problem.empty())
+        return problem;
+    if (!chapter.isPart && !WriteBookTags(file.WritePath(), chapter.type, chapter.tags))
+        return "title and cover cannot be written";
+    return file.Commit();
+}
+
+std::string ChapterEncoder::Worker::Write(const ChapterToEncode& chapter, const std::string& path) {
+    double change = 0;
+    if (chapter.evensLoudness) {
+        const LSoundSource whole = LWaveFile::OpenSource(chapter.speech.c_str());
+        const double loudness = LoudnessOf(whole);
+        if (std::isfinite(loudness) && loudness > -70)
+            change = std::min(kBookLoudness - loudness, kLoudestChange);
+    }
+    LSoundSource source = LWaveFile::OpenSource(chapter.speech.c_str());
+    if (chapter.evensLoudness)
+        source = Louder(source, change);
+    const LSoundSink sink = OpenChapterSink(chapter, path.c_str(), source->SampleRate());
+    if ((sink->Status() & 1) != 0)
+        return WhyNotOpen(chapter.type);
+    {
+        const std::lock_guard lock(owner_.mutex_);
+        encoder_ = dynamic_cast<LPipe16Sink*>(sink.Get());
+        lastTaken_ = Clock::now();
+    }
+    Blocks blocks(*this);
+    LPRSourceToSink request{"", source, sink};
+    const LProcessResult result = Process(blocks, request);
+    const int error = sink->Finish();
+    const std::lock_guard lock(owner_.mutex_);
+    encoder_ = nullptr;
+    if (result == kProcessStopped)
+        return "stopped";
+    if (hangs_)
+        return std::string("the ") + RowOf(chapter.type).encoder + " takes no more sound";
+    if (error != 0 && RowOf(chapter.type).encoder != nullptr)
+        return std::string("the ") + RowOf(chapter.type).encoder + " failed; is the disk full?";
+    return error != 0 ? std::strerror(error) : "";
+}
+
+// One that hangs takes its encoder with it.
+void ChapterEncoder::Worker::End() {
+    StopThreadSoon();
+    for (int waits = 0; IsRunning(); ++waits) {
+        {
+            const std::lock_guard lock(owner_.mutex_);
+            owner_.changed_.notify_all();
+            if (waits == 20 && encoder_ != nullptr)
+                encoder_->Interrupt();
+        }
+        ::usleep(50000);
+    }
+    Join();
+}
+
+ChapterEncoder::ChapterEncoder(std::chrono::seconds patience) : patience_(patience) {
+    const unsigned int cores = std::thread::hardware_concurrency();
+    const std::lock_guard lock(mutex_);
+    for (unsigned int i = 0; i < std::clamp(cores, kFewestWorkers, kMostWorkers); ++i)
+        workers_.push_back(std::make_unique<Worker>(*this));
+}
+
+ChapterEncoder::~ChapterEncoder() {
+    for (const auto& worker : workers_)
+        worker->StopThreadSoon();
+    workers_.clear();
+    for (const ChapterToEncode& dropped : waiting_)
+        ::unlink(dropped.speech.c_str());
+}
+
 bool ChapterEncoder::Add(ChapterToEncode chapter, LProgress& progress) {
-    if (!WaitUntilLeft(kMostWaiting - 1, progress))
+    if (!WaitUntilLeft(workers_.size() - 1, progress))
         return false;
     const std::lock_guard lock(mutex_);
     waiting_.push_back(std::move(chapter));
@@ -84,101 +218,15 @@ bool ChapterEncoder::WaitUntilLeft(std::size_t most, LProgress& progress) {
         if (progress.IsToStop())
             return false;
         std::unique_lock lock(mutex_);
-        if (!problem_.empty() || waiting_.size() <= most)
+        if (!problem_.empty() || waiting_.size() + atWork_ <= most)
             return problem_.empty();
         changed_.wait_for(lock, 50ms);
-        EndHangingEncoder();
+        for (const auto& worker : workers_)
+            worker->EndHangingEncoder();
     }
-}
-
-void ChapterEncoder::EndHangingEncoder() {
-    if (encoder_ == nullptr || hangs_ || Clock::now() - lastTaken_.load() < patience_)
-        return;
-    hangs_ = true;
-    encoder_->Interrupt();
 }
 
 std::string ChapterEncoder::Problem() const {
     const std::lock_guard lock(mutex_);
     return problem_;
-}
-
-void ChapterEncoder::ThreadFunction() {
-    while (!IsStopping()) {
-        ChapterToEncode chapter;
-        {
-            std::unique_lock lock(mutex_);
-            if (waiting_.empty()) {
-                changed_.wait_for(lock, 50ms);
-                continue;
-            }
-            chapter = waiting_.front();
-        }
-        const std::string problem = Encode(chapter);
-        ::unlink(chapter.speech.c_str());
-        const std::lock_guard lock(mutex_);
-        waiting_.pop_front();
-        if (!problem.empty() && problem_.empty())
-            problem_ = chapter.name + ": " + problem;
-        changed_.notify_all();
-    }
-}
-
-std::string ChapterEncoder::Encode(const ChapterToEncode& chapter) {
-    WholeFile file(chapter.path, WholeFile::Existing::kReplace);
-    if (!file.Problem().empty())
-        return file.Problem();
-    std::string problem = Write(chapter, file.WritePath());
-    if (!problem.empty())
-        return problem;
-    if (!chapter.isPart && !WriteBookTags(file.WritePath(), chapter.type, chapter.tags))
-        return "title and cover cannot be written";
-    return file.Commit();
-}
-
-std::string ChapterEncoder::Write(const ChapterToEncode& chapter, const std::string& path) {
-    double change = 0;
-    if (chapter.evensLoudness) {
-        const LSoundSource whole = LWaveFile::OpenSource(chapter.speech.c_str());
-        const double loudness = LoudnessOf(whole);
-        if (std::isfinite(loudness) && loudness > -70)
-            change = std::min(kBookLoudness - loudness, kLoudestChange);
-    }
-    LSoundSource source = LWaveFile::OpenSource(chapter.speech.c_str());
-    if (chapter.evensLoudness)
-        source = Louder(source, change);
-    const LSoundSink sink = OpenChapterSink(chapter, path.c_str(), source->SampleRate());
-    if ((sink->Status() & 1) != 0)
-        return WhyNotOpen(chapter.type);
-    {
-        const std::lock_guard lock(mutex_);
-        encoder_ = dynamic_cast<LPipe16Sink*>(sink.Get());
-        lastTaken_ = Clock::now();
-    }
-    Work work(*this);
-    LPRSourceToSink request{"", source, sink};
-    const LProcessResult result = Process(work, request);
-    const int error = sink->Finish();
-    const std::lock_guard lock(mutex_);
-    encoder_ = nullptr;
-    if (result == kProcessStopped)
-        return "stopped";
-    if (hangs_)
-        return std::string("the ") + RowOf(chapter.type).encoder + " takes no more sound";
-    if (error != 0 && RowOf(chapter.type).encoder != nullptr)
-        return std::string("the ") + RowOf(chapter.type).encoder + " failed; is the disk full?";
-    return error != 0 ? std::strerror(error) : "";
-}
-
-// One that hangs takes its encoder with it.
-void ChapterEncoder::End() {
-    StopThreadSoon();
-    for (int waits = 0; IsRunning(); ++waits) {
-        const std::lock_guard lock(mutex_);
-        changed_.notify_all();
-        if (waits == 20 && encoder_ != nullptr)
-            encoder_->Interrupt();
-        ::usleep(50000);
-    }
-    Join();
 }

@@ -1,18 +1,17 @@
-// Encodes finished chapters on a thread of its own, so that the speech engine never waits for an
-// encoder but when that is two chapters behind.
+// Encodes finished chapters on threads of their own, as many as there are cores: encoders are
+// slower than quick engines. The engine waits only while all of them are at work.
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "books/book_tags.h"
-#include "formats/pipe16_sink.h"
 #include "foundation/threads/progress.h"
-#include "foundation/threads/thread.h"
 
 struct ChapterToEncode {
     std::string speech;  // the WAV file, removed once it is encoded
@@ -25,15 +24,15 @@ struct ChapterToEncode {
     BookTags tags;
 };
 
-class ChapterEncoder final : public LThread {
+class ChapterEncoder {
 public:
     // An encoder that takes no sound for so long hangs.
     static constexpr std::chrono::seconds kPatience{180};
 
-    explicit ChapterEncoder(std::chrono::seconds patience = kPatience) : patience_(patience) {
-        Start(0);
-    }
-    ~ChapterEncoder() override { End(); }
+    explicit ChapterEncoder(std::chrono::seconds patience = kPatience);
+    ~ChapterEncoder();  // what is not encoded by now is dropped
+    ChapterEncoder(const ChapterEncoder&) = delete;
+    ChapterEncoder& operator=(const ChapterEncoder&) = delete;
 
     // Both wait while the progress object does not stop them; false then, and after a problem.
     bool Add(ChapterToEncode chapter, LProgress& progress);
@@ -42,22 +41,15 @@ public:
     std::string Problem() const;  // why a chapter could not be encoded; empty while all is well
 
 private:
-    using Clock = std::chrono::steady_clock;
-    class Work;
+    class Worker;
 
-    void ThreadFunction() override;
-    void EndHangingEncoder();  // mutex_ held
     bool WaitUntilLeft(std::size_t most, LProgress& progress);
-    std::string Encode(const ChapterToEncode& chapter);
-    std::string Write(const ChapterToEncode& chapter, const std::string& path);
-    void End();
 
     const std::chrono::seconds patience_;
-    std::atomic<Clock::time_point> lastTaken_{};  // when the encoder took sound
-    mutable std::mutex mutex_;                    // guards what follows
+    mutable std::mutex mutex_;  // guards what follows, and what the workers say of themselves
     std::condition_variable changed_;
-    std::deque<ChapterToEncode> waiting_;  // the first is at work
+    std::deque<ChapterToEncode> waiting_;
+    std::size_t atWork_ = 0;
     std::string problem_;
-    LPipe16Sink* encoder_ = nullptr;  // what may have to be interrupted
-    bool hangs_ = false;              // it was
+    std::vector<std::unique_ptr<Worker>> workers_;
 };
