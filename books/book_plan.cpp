@@ -37,6 +37,52 @@ std::string TitleOf(const Document& document, const BookChapter& chapter, std::s
     return "Chapter " + std::to_string(number);
 }
 
+// An ideograph or a syllable is spoken as long as three letters.
+std::size_t LettersIn(std::string_view text) {
+    std::size_t letters = 0;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool isFurther = (byte & 0xC0U) == 0x80U;
+        const bool isSyllable = byte >= 0xE3 && byte <= 0xED;  // U+3000 to U+DFFF
+        letters += isFurther ? 0 : isSyllable ? 3 : 1;
+    }
+    return letters;
+}
+
+// Where a part that should end at `wanted` ends: behind a paragraph, else a line, else a word.
+std::size_t EndOfPart(std::string_view text, std::size_t begin, std::size_t wanted) {
+    const std::size_t least = begin + (wanted - begin) / 2;
+    for (const std::string_view separator : {"\n\n", "\n", ". ", " "}) {
+        const std::size_t at = text.substr(least, wanted - least).rfind(separator);
+        if (at != std::string_view::npos)
+            return least + at + separator.size();
+    }
+    return begin +
+           CutTo(std::string(text.substr(begin, wanted - begin + 1)), wanted - begin).size();
+}
+
+void CutLongChapters(std::string_view text, std::vector<BookChapter>& chapters) {
+    std::vector<BookChapter> cut;
+    for (const BookChapter& chapter : chapters) {
+        const std::size_t parts =
+            (chapter.end - chapter.begin + kLongestChapter - 1) / kLongestChapter;
+        std::size_t begin = chapter.begin;
+        for (std::size_t part = 1; part <= parts; ++part) {
+            const std::size_t wanted = begin + (chapter.end - begin) / (parts - part + 1);
+            const std::size_t end = part == parts ? chapter.end : EndOfPart(text, begin, wanted);
+            std::string title = chapter.title;
+            const std::string which = std::to_string(part) + " of " + std::to_string(parts);
+            if (parts > 1 && chapters.size() == 1)
+                title = "Part " + which;
+            else if (parts > 1)
+                title = CutTo(title, kLongestTitle - 20) + " (" + which + ")";
+            cut.push_back({title, begin, end});
+            begin = end;
+        }
+    }
+    chapters = std::move(cut);
+}
+
 }  // namespace
 
 std::string AsTag(std::string_view text) {
@@ -92,6 +138,9 @@ BookPlan PlanBook(const Document& document, const std::string& name) {
         plan.chapters.back().end = text.size();
     for (std::size_t i = 0; i < plan.chapters.size(); ++i)
         plan.chapters[i].title = TitleOf(document, plan.chapters[i], i + 1);
+    CutLongChapters(text, plan.chapters);
+    for (BookChapter& chapter : plan.chapters)
+        chapter.letters = LettersIn(text.substr(chapter.begin, chapter.end - chapter.begin));
     TitleBook(plan, plan.title);
     return plan;
 }

@@ -13,7 +13,12 @@ struct BookChapter {
     std::string title;  // never empty
     std::size_t begin = 0;
     std::size_t end = 0;
+    std::size_t letters = 0;  // each of which takes a voice about as long
 };
+
+// Of a chapter, in bytes, which speak for somewhat more than an hour: its sound stands on the disk
+// before it is encoded.
+constexpr std::size_t kLongestChapter = 64'000;
 
 struct BookPlan {
     std::string title;
@@ -26,8 +31,9 @@ struct BookPlan {
 };
 
 // The chapters are the book's own, or begin at its highest headings of which there are at least
-// two; what stands before the first one is a chapter, too. Titles are one line of at most 200
-// bytes. The name serves where the document has no title.
+// two; what stands before the first one is a chapter, too. Longer ones are cut at paragraphs:
+// "Of the Sea (2 of 3)", or "Part 2 of 3" of a book without chapters. Titles are one line of at
+// most 200 bytes. The name serves where the document has no title.
 BookPlan PlanBook(const Document& document, const std::string& name);
 
 // Under another title; a single chapter is the book.
