@@ -19,6 +19,7 @@
 #include "formats/aac_sink.h"
 #include "formats/whole_file.h"
 #include "foundation/files/path_text.h"
+#include "speech/language_code.h"
 #include "speech/pronunciations.h"
 #include "speech/voice_table.h"
 
@@ -139,10 +140,10 @@ bool BookMaker::SpeakChapter(std::size_t index, ChapterEncoder& encoder) {
     if (IsFolder())
         job.tags = TagsOf(index);
     const ChapterSpeech speech = SpeakBookChapter(order_, chapter, job.speech, progress_);
-    if (speech.isStopped)
-        return false;
-    if (!speech.problem.empty())
-        return Fail(job.name + ": " + speech.problem);
+    if (speech.isStopped || !speech.problem.empty()) {
+        ::unlink(job.speech.c_str());
+        return !speech.isStopped && Fail(job.name + ": " + speech.problem);
+    }
     if (!speech.remark.empty())
         result_.remarks.push_back(job.name + ": " + speech.remark);
     if (order_.NeedsTimes()) {
@@ -236,9 +237,12 @@ bool BookMaker::AddChapters(const std::string& joined, const std::vector<Chapter
     const std::string metadata = work_.Path(0, "chapters");
     if (!WriteFile(metadata, ChapterMetadata(marks)))
         return false;
+    const std::string code = ThreeLetterLanguage(order_.plan.language);
+    const std::string language = code.empty() ? "" : " -metadata:s:a:0 language=" + code;
     const bool isDone =
         RunFfmpeg("-f aac -i " + FfmpegFile(joined) + " -f ffmetadata -i " + FfmpegFile(metadata) +
-                  " -map 0:a -map_metadata 1 -map_chapters 1 -c copy -f ipod " + FfmpegFile(path));
+                  " -map 0:a -map_metadata 1 -map_chapters 1 -c copy" + language + " -f ipod " +
+                  FfmpegFile(path));
     return isDone ||
            Fail(order_.target + ": the program ffmpeg could not put the chapters into it");
 }

@@ -82,8 +82,9 @@ class BookTest(EngineCase):
                 tagged = told["streams"][0] if kind == "opus" else told["format"]
                 tags = {key.lower(): value for key, value in tagged["tags"].items()}
                 self.assertEqual((tags["title"], tags["artist"]), ("Of the Sea", "Ann Author"))
-                if kind == "mp3":
-                    self.assertEqual(tags["language"], "deu")
+                if kind in ("mp3", "m4b"):
+                    spoken = {**told["streams"][0].get("tags", {}), **tags}
+                    self.assertEqual(spoken["language"], "deu")
                 pictures = [s for s in told["streams"] if s["codec_type"] == "video"]
                 self.assertEqual(len(pictures), 1)
                 self.assertEqual([c["tags"]["title"] for c in told["chapters"]], TITLES)
@@ -233,6 +234,20 @@ class BookTest(EngineCase):
             self.check(SAY, "--audiobook", *words, "book.epub", status=2, says=says)
         self.check(SAY, "--plan", "-o", "a.mp3", "book.epub", status=2, says="belong to --audiobook")
         self.assertEqual(told, "")
+
+    def test_a_long_text_without_chapters_has_parts_and_what_no_file_can_hold_is_told_at_once(self):
+        plan = (SAY, "--audiobook", "--plan", "-o", "a.mp3")
+        tale = "Some words of a tale.\n"
+        self.save("latin.txt", tale.encode() * 9000)
+        self.save("greek.txt", re.sub("[a-z]", "λ", tale).encode() * 9000)
+        latin, greek = ([line.split("\t") for line in self.check(*plan, name).splitlines()[1:]]
+                        for name in ("latin.txt", "greek.txt"))  # fmt: skip
+        self.assertEqual([row[2] for row in latin[1:]], [f"Part {i} of 4" for i in range(1, 5)])
+        self.assertEqual(len({row[1][:4] for row in latin[1:]}), 1)  # within ten minutes
+        self.assertEqual(latin[0][0][:10], greek[0][0][:10])
+        self.save("long.txt", tale.encode() * 120000)
+        self.check(SAY, "--audiobook", "-o", "a.wav", "long.txt", status=1, says="longer than one such file can hold")
+        self.assertNotIn("a.wav", self.files())
 
     def test_a_book_of_two_thousand_chapters_with_long_titles_and_a_huge_cover_is_planned(self):
         titles = ["\N{SNOWMAN}/.." * 2000 if i % 100 == 0 else f"Number {i}" for i in range(2000)]
