@@ -10,6 +10,7 @@
 #include "app/help/machine_check.h"
 #include "app/process_arguments.h"
 #include "app/reading/speech_file.h"
+#include "desktop/desktop_shortcut.h"
 
 namespace {
 
@@ -125,6 +126,10 @@ MainDialog::MainDialog()
 
 void MainDialog::Run() {
     LMainWindow::Run("Lectora", gargv, gargc);
+}
+
+void MainDialog::OnFirstRun() {
+    CreateDesktopShortcut();
 }
 
 void MainDialog::InitDialog() {

@@ -1,13 +1,12 @@
-// The application's one main window: its parts, each with commands of its own, know each other
-// here.
+// The application's one main window. Its parts, each with commands of its own, meet here.
 #pragma once
 
 #include "app/bookmarks/bookmarks.h"
 #include "app/books/audiobooks.h"
 #include "app/contents/contents_pane.h"
 #include "app/control/remote_control.h"
+#include "app/listening/read_requests.h"
 #include "app/queue/queue_commands.h"
-#include "app/read_requests.h"
 #include "app/reading/dialogs/reading_view.h"
 #include "app/saving/save_commands.h"
 #include "app/text/text_sources.h"
@@ -16,7 +15,6 @@
 #include "app/window/main_controls.h"
 #include "app/window/playback_commands.h"
 #include "app/window/presence.h"
-#include "desktop/desktop_shortcut.h"
 
 // Lives for the whole run. GUI thread.
 class MainDialog final : public LMainWindow {
@@ -29,7 +27,7 @@ public:
     // load and read. A file that cannot be loaded is skipped.
     void EvRunArguments(const char* const* arguments, int count) override;
 
-    void OnFirstRun() override { CreateDesktopShortcut(); }
+    void OnFirstRun() override;
     void InitDialog() override;
     void DestroyDialog() override;
     void LayoutControls(int width, int height) override { controls_.LayOut(width, height); }

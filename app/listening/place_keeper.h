@@ -4,8 +4,8 @@
 #include <functional>
 #include <string>
 
-#include "app/place_offer.h"
-#include "app/read_aloud.h"
+#include "app/listening/place_offer.h"
+#include "app/listening/read_aloud.h"
 #include "app/reading/kept_places.h"
 #include "app/reading/narrator.h"
 #include "app/text/text_pane.h"

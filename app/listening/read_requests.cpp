@@ -1,4 +1,4 @@
-#include "app/read_requests.h"
+#include "app/listening/read_requests.h"
 
 #include <gdk/gdkkeysyms.h>
 

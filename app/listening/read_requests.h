@@ -9,8 +9,8 @@
 #include "app/commands/command_set.h"
 #include "app/commands/command_turn.h"
 #include "app/control/controlled_window.h"
-#include "app/place_keeper.h"
-#include "app/read_aloud.h"
+#include "app/listening/place_keeper.h"
+#include "app/listening/read_aloud.h"
 #include "app/text/text_sources.h"
 #include "app/window/keyboard_wait.h"
 

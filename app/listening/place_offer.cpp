@@ -1,4 +1,4 @@
-#include "app/place_offer.h"
+#include "app/listening/place_offer.h"
 
 #include "gui/accessible.h"
 

@@ -1,4 +1,4 @@
-#include "app/read_aloud.h"
+#include "app/listening/read_aloud.h"
 
 #include <gdk/gdkkeysyms.h>
 

@@ -1,4 +1,4 @@
-#include "app/place_keeper.h"
+#include "app/listening/place_keeper.h"
 
 #include <glib.h>
 
