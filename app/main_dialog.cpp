@@ -43,6 +43,11 @@ MainDialog::MainDialog()
                      sources_.EvTextChanged();
                      keeper_.TextChanged();
                  },
+             .renamed =
+                 [this] {
+                     presence_.ShowTitle();
+                     EnableControls();
+                 },
              .startMoved = [this] { read_.ShowStart(); },
              .clicks = {.doubleClicked = [this](const auto& place) { return read_.GoOnAt(place); },
                         .readFrom = [this](const auto& place) { read_.ReadFromPlace(place); },

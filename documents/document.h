@@ -23,6 +23,8 @@ struct DocumentChapter {
 struct DocumentLanguage {
     std::size_t begin;
     std::string tag;  // as the document says it, "de-AT"; empty where it says nothing
+
+    bool operator==(const DocumentLanguage&) const = default;
 };
 
 struct Document {

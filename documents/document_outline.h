@@ -12,6 +12,8 @@ struct OutlineEntry {
     std::size_t begin;  // byte of the text
     int depth;          // below so many others; 0 is the highest
     bool isChapter;
+
+    bool operator==(const OutlineEntry&) const = default;
 };
 
 // The book's own chapters, or else the highest headings of which there are at least two.

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "app/commands/command_numbers.h"
-#include "app/document_languages.h"
+#include "app/document_text.h"
 #include "app/settings_keys.h"
 #include "gui/icon_numbers.h"
 #include "speech/text_places.h"
@@ -90,11 +90,10 @@ void ReadAloud::Begin(TextToRead what, bool isWhole) {
     parts_.player.Expect({parts_.window.Widget(), parts_.window.GetControlByID(kTextBox)});
     // The engine may be slow to wake up, or have been installed since the program was started.
     const int voice = parts_.voices.Chosen();
-    ReadingText text{.text = std::move(what.text), .begin = begin};
-    text.languages = MarksFrom(MarksOf(parts_.text.Languages()), what.offset);
+    ReadingText text = DocumentText(parts_.text, std::move(what.text), what.offset);
+    text.begin = begin;
     if (isWhole) {
         text.title = parts_.text.Title();
-        text.headings = parts_.text.Structure().Places();
         text.chapters = parts_.text.Structure().ChapterPlaces();
     }
     isWhole_ = isWhole;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/commands/command_numbers.h"
-#include "app/document_languages.h"
+#include "app/document_text.h"
 #include "app/saving/save_speech.h"
 #include "app/saving/save_text.h"
 #include "app/saving/suggested_name.h"
@@ -62,9 +62,8 @@ void SaveCommands::CmSave() {
     const int voice = parts_.voices.Require();
     if (voice < 0)
         return;
-    const std::string note =
-        SaveSpeech(parts_.window.Widget(), text, voice, SuggestedName(text, parts_.text.File()),
-                   MarksOf(parts_.text.Languages()));
+    const std::string note = SaveSpeech(parts_.window.Widget(), DocumentText(parts_.text, text),
+                                        voice, SuggestedName(text, parts_.text.File()));
     if (!note.empty())
         parts_.window.TellStatusText(note.c_str());
 }

@@ -240,10 +240,11 @@ std::string Saving::Run(const std::string& text, int voice, SpeakingRules rules)
 
 }  // namespace
 
-std::string SaveSpeech(GtkWidget* parent, const std::string& text, int voice,
-                       const std::string& suggestedName, std::vector<LanguageMark> languages) {
+std::string SaveSpeech(GtkWidget* parent, const ReadingText& text, int voice,
+                       const std::string& suggestedName) {
     SpeakingRules rules = ChosenSpeakingRules();
-    rules.marks = std::move(languages);
+    rules.marks = text.languages;
+    rules.headings = text.headings;
     const std::optional<SaveTarget> target = ChooseSaveTarget(parent, suggestedName);
-    return target ? Saving(parent, *target).Run(text, voice, std::move(rules)) : "";
+    return target ? Saving(parent, *target).Run(text.text, voice, std::move(rules)) : "";
 }

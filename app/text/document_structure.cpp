@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/first_words.h"
+#include "gui/display_text.h"
+
 namespace {
 
 // Each has a mark in the text box, which every edit looks at.
@@ -13,6 +16,7 @@ constexpr std::size_t kMostPages = 20000;
 void DocumentStructure::Attach(GtkTextBuffer* buffer, const LongLines& lines) {
     places_.Attach(buffer, lines);
     pages_.Attach(buffer, lines);
+    languages_.Attach(buffer, lines);
     changes_.Connect(buffer, "changed", G_CALLBACK(GCChanged), this);
 }
 
@@ -23,35 +27,53 @@ void DocumentStructure::GCChanged(GtkTextBuffer* buffer, gpointer user) {
 }
 
 void DocumentStructure::Set(const Document& document) {
-    Change(OutlineOf(document), document.pages);
+    Change({.title = BeginningOf(DisplayText(document.title), 20, 100),
+            .outline = OutlineOf(document),
+            .pages = document.pages,
+            .languages = document.languages});
 }
 
 void DocumentStructure::Restore(KeptStructure kept) {
-    if (!kept.outline.empty() || !kept.pages.empty())
-        Change(std::move(kept.outline), std::move(kept.pages));
-}
-
-KeptStructure DocumentStructure::Now() const {
-    KeptStructure now{.outline = outline_, .pages = Pages()};
-    for (std::size_t i = 0; const std::size_t place : Places())
-        now.outline[i++].begin = place;
-    return now;
+    if (kept != Now())
+        Change(std::move(kept));
 }
 
 void DocumentStructure::Clear() {
-    if (!outline_.empty() || PageCount() > 0)
-        Change({}, {});
+    Restore({});
 }
 
-void DocumentStructure::Change(std::vector<OutlineEntry> outline, std::vector<std::size_t> pages) {
-    pages.resize(std::min(pages.size(), kMostPages));
-    outline_ = std::move(outline);
+KeptStructure DocumentStructure::Now() const {
+    KeptStructure now{.title = title_, .outline = outline_, .pages = Pages()};
+    for (std::size_t i = 0; const std::size_t place : Places())
+        now.outline[i++].begin = place;
+    now.languages = Languages();
+    return now;
+}
+
+std::vector<DocumentLanguage> DocumentStructure::Languages() const {
+    std::vector<DocumentLanguage> languages;
+    for (const std::size_t place : languages_.Places())
+        languages.push_back({place, languageTags_[languages.size()]});
+    return languages;
+}
+
+void DocumentStructure::Change(KeptStructure structure) {
+    structure.pages.resize(std::min(structure.pages.size(), kMostPages));
+    title_ = std::move(structure.title);
+    outline_ = std::move(structure.outline);
     std::vector<std::size_t> places;
     places.reserve(outline_.size());
     for (const OutlineEntry& entry : outline_)
         places.push_back(entry.begin);
     places_.Set(places);
-    pages_.Set(pages);
+    pages_.Set(structure.pages);
+    places.clear();
+    languageTags_.clear();
+    for (DocumentLanguage& language : structure.languages) {
+        places.push_back(language.begin);
+        languageTags_.push_back(std::move(language.tag));
+    }
+    languages_.Set(places);
     if (changed_)
         changed_();
 }

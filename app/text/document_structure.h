@@ -1,10 +1,12 @@
-// The structure of the document in the text box while it is edited: its outline and its pages.
+// The structure of the document in the text box while it is edited: its outline, its pages, and
+// what it says of its language.
 #pragma once
 
 #include <gtk/gtk.h>
 
 #include <cstddef>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "app/text/marked_places.h"
@@ -21,10 +23,12 @@ public:
     void Tell(std::function<void()> changed) { changed_ = std::move(changed); }
 
     void Set(const Document& document);  // whose text has just come
-    void Restore(KeptStructure kept);    // likewise, at the start
-    KeptStructure Now() const;           // without the title
-    void Clear();                        // a text that has none has come
+    void Restore(KeptStructure kept);    // likewise, as it was before
+    KeptStructure Now() const;
+    void Clear();  // a text that has none has come
 
+    const std::string& Title() const { return title_; }  // the document's own; may be empty
+    std::vector<DocumentLanguage> Languages() const;     // where they are now
     // Their places are those in the text as it came.
     const std::vector<OutlineEntry>& Outline() const { return outline_; }
     // Of the outline's entries, of its chapters alone, and of the pages, now.
@@ -36,12 +40,15 @@ public:
     GtkTextIter PageAt(std::size_t number) const { return pages_.At(number); }
 
 private:
-    void Change(std::vector<OutlineEntry> outline, std::vector<std::size_t> pages);
+    void Change(KeptStructure structure);
     static void GCChanged(GtkTextBuffer* buffer, gpointer self);
 
     std::function<void()> changed_;
+    std::string title_;
     std::vector<OutlineEntry> outline_;
     MarkedPlaces places_;
     MarkedPlaces pages_;
+    MarkedPlaces languages_;
+    std::vector<std::string> languageTags_;
     LSignalOwner changes_;
 };

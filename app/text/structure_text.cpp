@@ -8,11 +8,12 @@ namespace {
 
 constexpr int kDeepest = 20;
 
-// "title Ferries", "chapter 120 0 Oars", "heading 300 1 More of oars", "page 0".
+// "title Ferries", "chapter 120 0 Oars", "heading 300 1 More of oars", "page 0", "language 0 de".
 constexpr std::string_view kTitleLine = "title ";
 constexpr std::string_view kChapterLine = "chapter ";
 constexpr std::string_view kHeadingLine = "heading ";
 constexpr std::string_view kPageLine = "page ";
+constexpr std::string_view kLanguageLine = "language ";
 
 std::string Unbroken(std::string title) {
     std::ranges::replace(title, '\n', ' ');
@@ -29,6 +30,15 @@ bool TakeNumber(std::string_view& line, Number& number) {
     return error == std::errc();
 }
 
+bool TakeLanguage(std::string_view line, std::size_t textSize, KeptStructure& structure) {
+    std::size_t begin = 0;
+    const std::size_t least = structure.languages.empty() ? 0 : structure.languages.back().begin;
+    if (!TakeNumber(line, begin) || begin < least || begin > textSize)
+        return false;
+    structure.languages.push_back({begin, std::string(line)});
+    return true;
+}
+
 bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& structure) {
     std::size_t begin = 0;
     if (line.starts_with(kTitleLine)) {
@@ -43,6 +53,8 @@ bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& struct
         structure.pages.push_back(begin);
         return true;
     }
+    if (line.starts_with(kLanguageLine))
+        return TakeLanguage(line.substr(kLanguageLine.size()), textSize, structure);
     const bool isChapter = line.starts_with(kChapterLine);
     static_assert(kChapterLine.size() == kHeadingLine.size());
     if (!isChapter && !line.starts_with(kHeadingLine))
@@ -70,6 +82,9 @@ std::string LinesOfStructure(const KeptStructure& structure) {
     }
     for (const std::size_t page : structure.pages)
         lines += std::string(kPageLine) + std::to_string(page) + '\n';
+    for (const DocumentLanguage& language : structure.languages)
+        lines += std::string(kLanguageLine) + std::to_string(language.begin) + ' ' +
+                 Unbroken(language.tag) + '\n';
     return lines;
 }
 

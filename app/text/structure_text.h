@@ -12,6 +12,9 @@ struct KeptStructure {
     std::string title = {};  // of the document
     std::vector<OutlineEntry> outline = {};
     std::vector<std::size_t> pages = {};
+    std::vector<DocumentLanguage> languages = {};
+
+    bool operator==(const KeptStructure&) const = default;
 };
 
 std::string LinesOfStructure(const KeptStructure& structure);

@@ -86,11 +86,22 @@ void TextHistory::Note(Edit edit, Kind kind, bool blank) {
             step.kind = Kind::kOther;
         }
     } else {
+        const int replaced = edit.length > 0 ? 0 : Characters(edit.text);
         done_.push_back({kind, blank, {std::move(edit)}});
+        if (facts_ && kind == Kind::kOther) {
+            done_.back().before = facts_();
+            done_.back().isWhole = lines_->Offset(End()) == replaced;
+        }
         Forget();
     }
     isInStep_ = actions_ > 0;
     canGoOn_ = true;
+}
+
+GtkTextIter TextHistory::End() const {
+    GtkTextIter end;
+    gtk_text_buffer_get_end_iter(buffer_.Get(), &end);
+    return end;
 }
 
 // A word and the blanks behind it are one step.
@@ -125,6 +136,7 @@ void TextHistory::Forget() {
     for (auto step = done_.rbegin(); step != done_.rend() && kept < kMostSteps; ++step, ++kept) {
         for (const Edit& edit : step->edits)
             bytes += edit.text.size();
+        bytes += step->before ? step->before->Bytes() : 0;
         if (kept > 0 && bytes > kMostBytes)
             break;
     }
@@ -137,14 +149,20 @@ void TextHistory::Revert(Steps& from, Steps& to) {
     Step step = std::move(from.back());
     from.pop_back();
     std::reverse(step.edits.begin(), step.edits.end());
+    const bool isUndone = &from == &done_;
+    if (isUndone && step.before)
+        step.after = facts_();
     isReverting_ = true;
     gtk_text_buffer_begin_user_action(buffer_.Get());
     for (Edit& edit : step.edits)
         Exchange(edit);
     gtk_text_buffer_end_user_action(buffer_.Get());
     isReverting_ = false;
-    to.push_back(std::move(step));
     canGoOn_ = false;
+    to.push_back(std::move(step));
+    const Step& reverted = to.back();
+    if (const auto& facts = isUndone ? reverted.before : reverted.after)
+        restore_(*facts, reverted.isWhole);
 }
 
 void TextHistory::Exchange(Edit& edit) {

@@ -6,11 +6,14 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "app/text/long_lines.h"
+#include "app/text/text_facts.h"
 
 // GUI thread.
 class TextHistory {
@@ -27,6 +30,15 @@ public:
 
     // Once, before the lines are attached to the same buffer; they outlive this object.
     void Attach(GtkTextBuffer* buffer, const LongLines& lines);
+
+    // What is known of the text comes back with it: `now` is asked before a step of more than a
+    // character, and what it said is handed back after that step was reverted; isWhole: the step
+    // replaced all of the text.
+    void KeepFacts(std::function<TextFacts()> now,
+                   std::function<void(const TextFacts& facts, bool isWhole)> restore) {
+        facts_ = std::move(now);
+        restore_ = std::move(restore);
+    }
 
     // What stands in the buffer now has no history.
     void BeginAnew() {
@@ -50,6 +62,9 @@ private:
         Kind kind;
         bool endsWithBlank;
         std::vector<Edit> edits;
+        bool isWhole = false;
+        std::optional<TextFacts> before = {};
+        std::optional<TextFacts> after = {};  // once it was undone
     };
     using Steps = std::deque<Step>;
 
@@ -68,11 +83,14 @@ private:
     bool GoesOn(const Edit& edit, Kind kind, bool blank) const;
     static bool Join(Edit& last, const Edit& next);
     void Forget();
+    GtkTextIter End() const;
     void Revert(Steps& from, Steps& to);
     void Exchange(Edit& edit);
 
     GObjectRef<GtkTextBuffer> buffer_;
     const LongLines* lines_ = nullptr;
+    std::function<TextFacts()> facts_;
+    std::function<void(const TextFacts& facts, bool isWhole)> restore_;
     Steps done_;                // newest last
     Steps undone_;              // undone last at the end
     int actions_ = 0;           // begun and not ended; what happens within is one step

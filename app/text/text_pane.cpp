@@ -6,7 +6,6 @@
 
 #include "app/commands/command_numbers.h"
 #include "documents/web_address.h"
-#include "foundation/first_words.h"
 #include "foundation/owned_text.h"
 #include "foundation/white_space.h"
 #include "gui/accessible.h"
@@ -24,19 +23,14 @@ LEditWidgets TextPane::NewTextBox() {
     view_ = GTK_TEXT_VIEW(edit.textView);
     buffer_ = GObjectRef<GtkTextBuffer>::Share(gtk_text_view_get_buffer(view_));
     history_.Attach(buffer_.Get(), lines_);
+    history_.KeepFacts([this] { return Facts(); },
+                       [this](const auto&... facts) { TakeBack(facts...); });
     highlight_.Attach(view_, lines_);
     structure_.Attach(buffer_.Get(), lines_);
-    languages_.Attach(buffer_.Get(), lines_);
     lines_.Attach(buffer_.Get());
     kept_.Attach(buffer_.Get(), lines_);
-    KeptStructure kept = StructureOfLines(kept_.TakeStructure(), lines_.Text().size());
-    title_ = std::move(kept.title);
-    structure_.Restore(std::move(kept));
-    kept_.KeepStructure([this] {
-        KeptStructure now = structure_.Now();
-        now.title = title_;
-        return LinesOfStructure(now);
-    });
+    structure_.Restore(StructureOfLines(kept_.TakeStructure(), lines_.Text().size()));
+    kept_.KeepStructure([this] { return LinesOfStructure(structure_.Now()); });
     history_.BeginAnew();
     start_.Attach(buffer_.Get(), lines_, listener_.startMoved);
     clicks_.Attach(view_, listener_.clicks);
@@ -114,36 +108,36 @@ void TextPane::Replace(const std::string& text) {
     gtk_text_buffer_end_user_action(buffer_.Get());
     highlight_.End();
     structure_.Clear();
-    languages_.Set({});
-    languageTags_.clear();
-    title_.clear();
+    isArticle_ = false;
     start_.TextCame();
 }
 
 void TextPane::TakeFile(const Document& document, const std::string& path) {
-    isArticle_ = document.hasSurroundings;
     Replace(document.text);
+    isArticle_ = document.hasSurroundings;
     kept_.CameFromFile(path);
-    title_ = BeginningOf(DisplayText(document.title), 20, 100);
     structure_.Set(document);
-    std::vector<std::size_t> places;
-    for (const DocumentLanguage& language : document.languages) {
-        places.push_back(language.begin);
-        languageTags_.push_back(language.tag);
-    }
-    languages_.Set(places);
 }
 
-std::vector<DocumentLanguage> TextPane::Languages() const {
-    std::vector<DocumentLanguage> languages;
-    for (const std::size_t place : languages_.Places())
-        languages.push_back({place, languageTags_[languages.size()]});
-    return languages;
+TextFacts TextPane::Facts() const {
+    return {structure_.Now(), kept_.File(), !kept_.IsKept(), isArticle_};
+}
+
+void TextPane::TakeBack(const TextFacts& facts, bool isWhole) {
+    structure_.Restore(facts.structure);
+    if (!isWhole)
+        return;
+    isArticle_ = facts.isArticle;
+    if (facts.isPrivate)
+        kept_.CameFromProgram();
+    else
+        kept_.CameFromFile(facts.file);
+    listener_.renamed();
 }
 
 std::string TextPane::Title() const {
-    if (File().empty() || !title_.empty())
-        return File().empty() ? "" : title_;
+    if (File().empty() || !structure_.Title().empty())
+        return File().empty() ? "" : structure_.Title();
     const OwnedText name(g_filename_display_basename(File().c_str()));
     return name.get();
 }
@@ -154,7 +148,6 @@ void TextPane::WasSavedAs(const std::string& path) {
 }
 
 void TextPane::TakeFromProgram(const std::string& text) {
-    isArticle_ = false;
     kept_.KeepNow();
     Replace(text);
     kept_.CameFromProgram();

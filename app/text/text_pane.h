@@ -33,7 +33,8 @@ public:
         std::function<void()> reshaped;         // the find bar has come or gone
         std::function<void(const std::vector<std::string>&)> dropped;  // files, pages
         std::function<void()> changed;                                 // the text, by whomever
-        std::function<void()> startMoved;                              // Start() may be another now
+        std::function<void()> renamed;     // Title() is another, with the text that came back
+        std::function<void()> startMoved;  // Start() may be another now
         TextClicks::Listener clicks;
     };
     explicit TextPane(Listener listener);
@@ -66,8 +67,6 @@ public:
     std::string Title() const;
     DocumentStructure& Structure() { return structure_; }
     const DocumentStructure& Structure() const { return structure_; }
-    // What the document says of its language, where it is now.
-    std::vector<DocumentLanguage> Languages() const;
     void GoTo(const GtkTextIter& place);  // the cursor, with what follows in view
     void TakeKeyboard() { gtk_widget_grab_focus(GTK_WIDGET(view_)); }
     const ReadingStart& Start() const { return start_; }
@@ -77,6 +76,8 @@ public:
 
 private:
     void Replace(const std::string& text);
+    TextFacts Facts() const;
+    void TakeBack(const TextFacts& facts, bool isWhole);
     void EvTextChanged() { listener_.changed(); }
     void CmUndo();
     void CmRedo();
@@ -101,9 +102,6 @@ private:
     ReadingStart start_;
     TextClicks clicks_;
     DocumentStructure structure_;
-    MarkedPlaces languages_;  // where they begin
-    std::vector<std::string> languageTags_;
-    std::string title_;  // the document's own
     OriginalText original_;
     FindBar find_;
     DropTarget drop_;
