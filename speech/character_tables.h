@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "speech/text_preparation.h"
+#include "speech/voice_charset.h"
 
 // Typographic characters in the form of a plain keyboard, for every voice; "" for what is
 // invisible.

@@ -15,18 +15,7 @@
 #include <string_view>
 #include <vector>
 
-struct Pronunciation {
-    std::string text;
-    std::string said;
-    std::string where;       // language tag or voice key; empty: everywhere
-    bool isPattern = false;  // text is a regular expression, said may refer to it ("\1")
-    bool heedsCase = false;
-
-    bool operator==(const Pronunciation&) const = default;
-};
-
-// Longer texts stand in no list.
-constexpr std::size_t kMostPronunciationBytes = 400;
+#include "speech/pronunciation.h"
 
 // Empty, or why there can be no such entry, in a sentence for the user.
 std::string ProblemOf(const Pronunciation& entry);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "speech/pronunciation_file.h"
+#include "speech/pronunciation.h"
 
 // Any thread.
 class PronunciationPattern {

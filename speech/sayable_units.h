@@ -10,7 +10,8 @@
 #include <vector>
 
 #include "speech/plain_words.h"
-#include "speech/text_preparation.h"
+#include "speech/text_unit.h"
+#include "speech/voice_charset.h"
 
 // The engine cuts a text into units at blank lines, after sentence punctuation, at runs of dashes
 // and after 200 words, and dies on a unit without a letter or digit. So lines without one become

@@ -6,8 +6,8 @@
 #include <array>
 
 #include "speech/number_words.h"
-#include "speech/plain_words.h"
 #include "speech/text_language.h"
+#include "speech/utf8_reader.h"
 
 namespace {
 

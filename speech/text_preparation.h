@@ -2,7 +2,6 @@
 // and dies on a unit with nothing to say.
 #pragma once
 
-#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,28 +9,9 @@
 
 #include "speech/pronunciations.h"
 #include "speech/spoken_forms.h"
+#include "speech/text_unit.h"
 #include "speech/unsayable_text.h"
-
-// What the bytes of a prepared text mean. English voices read ASCII.
-// kUnicode: UTF-8 of which the engine also says the signs.
-enum class VoiceCharset { kAscii, kLatin1, kLatin2, kLatin9, kUtf8, kUnicode };
-inline bool IsUtf8(VoiceCharset charset) {
-    return charset >= VoiceCharset::kUtf8;
-}
-
-// What the engine itself ends as an utterance; a sentence of the text holds one or several, none
-// holds two sentences. So units can be spoken in runs of
-// one or several, and the runs' sound joined is what one run gives for all.
-struct TextUnit {
-    // In the voice's charset, without NUL and control bytes but tab and newline; with the white
-    // space behind it, and that at the very beginning of the text. Always holds something to say.
-    std::string text;
-    // The bytes of the user's text from its first word to its last. Never before those of the unit
-    // before it.
-    std::size_t sourceBegin = 0;
-    std::size_t sourceEnd = 0;
-    bool beginsSentence = false;  // of the text (sentences.h); others go on with one
-};
+#include "speech/voice_charset.h"
 
 // The units of a text in order. Reads only as far ahead as the unit's end needs, so the first
 // sentence of a book costs what it costs alone; what cannot be said is passed over in linear time

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "speech/text_preparation.h"
+#include "speech/voice_charset.h"
 
 struct VoiceDescription {
     VoiceCharset charset = VoiceCharset::kAscii;  // the bytes that it reads

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "speech/text_preparation.h"
+#include "speech/voice_charset.h"
 
 struct Voice {
     std::string engine;    // its row's name, "festival"
@@ -35,8 +35,3 @@ int CountVoices();
 Voice VoiceAt(int index);
 // By key, name or title; -1 when there is none.
 int FindVoice(std::string_view wanted);
-
-// The one that the user has chosen (settings), else the first that speaks the user's language, else
-// the first that speaks English, else the first. -1 when there is none.
-int ChosenVoice();
-void KeepChosenVoice(int index);

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "foundation/files/work_folder.h"
+#include "speech/chosen_voice.h"
 #include "speech/voice_list_query.h"
 #include "speech/voice_table.h"
 #include "tools/interruption.h"

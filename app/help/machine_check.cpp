@@ -18,6 +18,7 @@
 #include "gui/windows/message_box.h"
 #include "playback/play_device.h"
 #include "playback/sound_server.h"
+#include "speech/chosen_voice.h"
 #include "speech/sample_sentence.h"
 #include "speech/speech_engines.h"
 #include "speech/text_language.h"

@@ -14,6 +14,7 @@
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "gui/windows/message_box.h"
+#include "speech/chosen_voice.h"
 #include "speech/speech_pieces.h"
 #include "speech/voice_table.h"
 

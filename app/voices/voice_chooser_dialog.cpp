@@ -6,6 +6,7 @@
 
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
+#include "speech/chosen_voice.h"
 #include "speech/sample_sentence.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "app/words/keep_pronunciations.h"
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
+#include "speech/chosen_voice.h"
 #include "speech/pronunciations.h"
 #include "speech/text_language.h"
 #include "speech/voice_table.h"

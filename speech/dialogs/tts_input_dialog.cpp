@@ -1,3 +1,4 @@
+#include "speech/chosen_voice.h"
 #include "speech/dialogs/tts_input_dialog.h"
 
 #include <algorithm>

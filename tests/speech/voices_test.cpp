@@ -1,3 +1,4 @@
+#include "speech/chosen_voice.h"
 #include "speech/voices.h"
 
 #include <gtest/gtest.h>

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "gui/windows/progress_dialog.h"
+#include "speech/chosen_voice.h"
 #include "speech/voice_table.h"
 
 VoiceChoice::VoiceChoice(LWindow& window, int list, Narrator& narrator,

@@ -1,0 +1,7 @@
+// Whom the user has chosen to read. Any thread.
+#pragma once
+
+// The one that the user has chosen (settings), else the first that speaks the user's language, else
+// the first that speaks English, else the first. -1 when there is none.
+int ChosenVoice();
+void KeepChosenVoice(int index);
