@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "foundation/whole_characters.h"
+#include "speech/abbreviations.h"
 #include "speech/paragraph_lines.h"
 #include "speech/sentence_rules.h"
 #include "speech/sentence_words.h"
@@ -74,18 +75,15 @@ private:
 class Sentences::Breaker {
 public:
     explicit Breaker(std::string_view language)
-        : language_(language), all_(language_), sparing_(language_ + "@ss=standard") {}
+        : language_(language), breaks_(language_), abbreviations_(language_) {}
 
     // Where sentences begin in a part of a paragraph, the first byte apart.
     std::vector<std::size_t> StartsIn(std::string_view part) {
         const ParagraphLines lines(part);
         const SentenceRules rules(lines.Joined(), language_);
         std::vector<std::size_t> starts = rules.OwnStarts();
-        const std::vector<std::size_t> sparing = sparing_.In(lines.Joined());
-        for (const std::size_t end : all_.In(lines.Joined())) {
-            const bool isAbbreviation = !std::ranges::binary_search(sparing, end);
-            starts.push_back(rules.StartBehind(end, isAbbreviation));
-        }
+        for (const std::size_t end : breaks_.In(lines.Joined()))
+            starts.push_back(rules.StartBehind(end, abbreviations_.EndAt(lines.Joined(), end)));
         starts.insert(starts.end(), lines.Starts().begin(), lines.Starts().end());
         std::ranges::sort(starts);
         starts.erase(std::unique(starts.begin(), starts.end()), starts.end());
@@ -94,8 +92,8 @@ public:
 
 private:
     const std::string language_;
-    BreakIterator all_;
-    BreakIterator sparing_;  // knows the language's abbreviations
+    BreakIterator breaks_;
+    const Abbreviations abbreviations_;
 };
 
 Sentences::Sentences(std::string_view text, std::string_view language)

@@ -87,6 +87,7 @@ TEST(Sentences, AreThoseOfTheLanguageAndOfListsQuotationsAndHeadings) {
         {"en", "\"Stop!\" he said. |\"Why?\" asked Bob."},
         {"en", "See Fig. 3 and Sec. 4 for e.g. Smith et al. 2004."},
         {"en", "First\n|- milk\n|- eggs\n|Second"},
+        {"de", "Das Haus stand leer. |Niemand wusste, wem es gehörte."},
         {"de",
          "„Ich habe heute keine Zeit“, sagte die Frau und flüsterte leise: „Und auch keine Lust.“ "
          "|Wir haben 1.000.000 Euro."},
