@@ -1,5 +1,5 @@
-#include "speech/chosen_voice.h"
 #include "speech/voices.h"
+#include "speech/chosen_voice.h"
 
 #include <gtest/gtest.h>
 
