@@ -1,10 +1,10 @@
-#include "speech/chosen_voice.h"
 #include "speech/dialogs/tts_input_dialog.h"
 
 #include <algorithm>
 
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
+#include "speech/chosen_voice.h"
 #include "speech/dialogs/synthesis_dialog.h"
 #include "speech/voice_table.h"
 #include "speech/voices.h"

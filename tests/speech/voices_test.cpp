@@ -1,5 +1,4 @@
 #include "speech/voices.h"
-#include "speech/chosen_voice.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +7,7 @@
 
 #include "foundation/files/text_buffer.h"
 #include "foundation/settings/setting.h"
+#include "speech/chosen_voice.h"
 #include "speech/voice_description.h"
 #include "speech/voice_finder.h"
 #include "speech/voice_list_query.h"
