@@ -49,6 +49,7 @@ private:
     BookTags TagsOf(std::size_t index) const;
     bool SpeakChapters(ChapterEncoder& encoder);
     bool SpeakChapter(std::size_t index, ChapterEncoder& encoder);
+    bool KeepTimes(std::size_t index, const ChapterSpeech& speech);
     bool Join();
     std::string WriteWithText(const std::string& path);
     bool JoinInto(const std::string& path, std::vector<ChapterMark>& marks);
@@ -139,23 +140,28 @@ bool BookMaker::SpeakChapter(std::size_t index, ChapterEncoder& encoder) {
     job.evensLoudness = order_.evensLoudness;
     if (IsFolder())
         job.tags = TagsOf(index);
-    const ChapterSpeech speech = SpeakBookChapter(order_, chapter, job.speech, progress_);
-    if (speech.isStopped || !speech.problem.empty()) {
-        ::unlink(job.speech.c_str());
-        return !speech.isStopped && Fail(job.name + ": " + speech.problem);
-    }
+    const std::string spoken = job.speech;
+    const ChapterSpeech speech = SpeakBookChapter(order_, chapter, spoken, progress_);
+    if (!speech.isStopped && !speech.problem.empty())
+        Fail(job.name + ": " + speech.problem);
     if (!speech.remark.empty())
         result_.remarks.push_back(job.name + ": " + speech.remark);
-    if (order_.NeedsTimes()) {
-        const std::string content = IsFolder() ? SubtitleText(*order_.subtitles, speech.lines)
-                                               : StoreSubtitles(speech.lines);
-        const std::string path =
-            IsFolder() ? job.path.substr(0, job.path.rfind('.') + 1) + EndingOf(*order_.subtitles)
-                       : SubtitlePath(index);
-        if (!WriteFile(path, content))
-            return false;
-    }
-    return encoder.Add(std::move(job), progress_);
+    const bool isTaken = !speech.isStopped && speech.problem.empty() && KeepTimes(index, speech) &&
+                         encoder.Add(std::move(job), progress_);
+    if (!isTaken)
+        ::unlink(spoken.c_str());
+    return isTaken;
+}
+
+// Beside the chapter, or until all chapters are joined.
+bool BookMaker::KeepTimes(std::size_t index, const ChapterSpeech& speech) {
+    if (!order_.NeedsTimes())
+        return true;
+    if (!IsFolder())
+        return WriteFile(SubtitlePath(index), StoreSubtitles(speech.lines));
+    const std::string path = FinishedPath(index);
+    return WriteFile(path.substr(0, path.rfind('.') + 1) + EndingOf(*order_.subtitles),
+                     SubtitleText(*order_.subtitles, speech.lines));
 }
 
 bool BookMaker::WriteFile(const std::string& path, const std::string& content) {
