@@ -113,6 +113,7 @@ class BookTest(EngineCase):
             run.send_signal(number)
             told = run.communicate(timeout=30)[1]
         self.assertRegex(told.decode(), r"stopped; [12] of 3 chapters are kept")
+        self.assertEqual(os.listdir(self.path("spoken/.lectora-book")), ["key"])
         kept = sorted(name for name in os.listdir(self.path("spoken")) if name[0] != ".")
         whole = {name: self.load("spoken/" + name) for name in kept}
         spoken = len([text for _, text in self.said() if "wonderful" in text])
@@ -147,6 +148,23 @@ class BookTest(EngineCase):
         for begin in begins:
             at = round(begin * 16000)
             self.assertGreater(max(samples[at : at + 1600]), 3000)
+
+    def test_each_chapter_is_spoken_in_the_languages_that_the_document_names(self):
+        folder = self.home + "/.quillon/lectora/engines"
+        os.makedirs(folder)
+        for name, language in (("English", "en"), ("German", "de")):
+            with open(f"{folder}/{language}.engine", "w") as engine:
+                engine.write(f"[Engine]\nName={name}\nLanguage={language}\n"
+                             f"Command=text2wave -eval '({name})' {{text}} -o {{wav}}\n")  # fmt: skip
+        # Too short to show a language by themselves.
+        words = (("Arm.", ""), ("Hand.", " lang=de"), ("Ring.", ""), ("Wind.", " lang=de"))
+        body = "".join(f"<p{language}>{word}</p>" for word, language in words)
+        self.save("book.html", f"<html lang=en><h1>A</h1><p>Bank.</p><h1>B</h1>{body}</html>".encode())
+        self.check(SAY, "--audiobook", "--subtitles=srt", "-v", "English", "--by-language", "-o", "book.flac", "book.html")
+        german = [text[:5] for voice, text in self.said() if voice == "(German)"]
+        self.assertEqual(sorted(german), ["Hand.", "Wind."])
+        self.assertEqual(re.findall("[A-Z][a-z]*[.]?$", self.load("book.srt").decode(), re.M),
+                         ["A", "Bank.", "B", *(word for word, _ in words)])  # fmt: skip
 
     def test_speed_silence_and_tags_are_as_asked_for(self):
         self.book("book.epub", TITLES, TEXTS)
