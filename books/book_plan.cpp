@@ -5,6 +5,7 @@
 
 #include "books/book_cover.h"
 #include "documents/document_outline.h"
+#include "foundation/whole_characters.h"
 
 namespace {
 
@@ -12,14 +13,8 @@ constexpr std::size_t kLongestTitle = 200;  // bytes
 constexpr std::size_t kLongestFileName = 120;
 constexpr std::string_view kSpaces = " \t\r\n\f\v";
 
-// Not within a character.
-std::string CutTo(std::string text, std::size_t size) {
-    if (text.size() <= size)
-        return text;
-    while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80U)
-        --size;
-    text.resize(size);
-    return text;
+std::string CutTo(std::string_view text, std::size_t size) {
+    return std::string(WholeCharacters(text, size));
 }
 
 bool HasWords(std::string_view text) {
@@ -57,8 +52,7 @@ std::size_t EndOfPart(std::string_view text, std::size_t begin, std::size_t want
         if (at != std::string_view::npos)
             return least + at + separator.size();
     }
-    return begin +
-           CutTo(std::string(text.substr(begin, wanted - begin + 1)), wanted - begin).size();
+    return begin + WholeCharacters(text.substr(begin), wanted - begin).size();
 }
 
 void CutLongChapters(std::string_view text, std::vector<BookChapter>& chapters) {

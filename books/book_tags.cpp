@@ -15,6 +15,7 @@
 #include <string_view>
 
 #include "books/book_cover.h"
+#include "foundation/whole_characters.h"
 #include "speech/language_code.h"
 
 namespace {
@@ -37,6 +38,11 @@ std::string TrackText(const BookTags& tags) {
     return std::to_string(tags.track) + "/" + std::to_string(tags.tracks);
 }
 
+// Players on ffmpeg's libraries take the length of a frame within a chapter's for a plain number
+// and pass over chapters where that is not the same: from 128 bytes on, one of which tells the
+// encoding.
+constexpr std::size_t kLongestChapterTitle = 126;
+
 // Frames belong to the tag that they are added to.
 void AddChapterFrames(TagLib::ID3v2::Tag& tag, const std::vector<ChapterMark>& chapters) {
     constexpr unsigned int kNoOffset = 0xFFFFFFFF;
@@ -44,7 +50,8 @@ void AddChapterFrames(TagLib::ID3v2::Tag& tag, const std::vector<ChapterMark>& c
     for (std::size_t i = 0; i < chapters.size(); ++i) {
         const TagLib::ByteVector id = ByteVectorOf("ch" + std::to_string(i));
         TagLib::ID3v2::FrameList title;
-        title.append(TextFrame("TIT2", chapters[i].title));
+        title.append(TextFrame(
+            "TIT2", std::string(WholeCharacters(chapters[i].title, kLongestChapterTitle))));
         tag.addFrame(new TagLib::ID3v2::ChapterFrame(
             id, static_cast<unsigned int>(chapters[i].begin),
             static_cast<unsigned int>(chapters[i].end), kNoOffset, kNoOffset, title));

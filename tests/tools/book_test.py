@@ -64,7 +64,8 @@ class BookTest(EngineCase):
 
     def test_one_file_tells_its_chapters_where_they_are_heard(self):
         self.install_encoder()
-        self.book("book.epub", TITLES, TEXTS)
+        titles = [*TITLES[:2], "Third" + " and so on" * 15]
+        self.book("book.epub", titles, TEXTS)
         for kind in ("mp3", "opus", "m4b", "flac", "wav"):
             with self.subTest(kind=kind):
                 says = "WAV files hold no titles" if kind == "wav" else None
@@ -87,7 +88,8 @@ class BookTest(EngineCase):
                     self.assertEqual(spoken["language"], "deu")
                 pictures = [s for s in told["streams"] if s["codec_type"] == "video"]
                 self.assertEqual(len(pictures), 1)
-                self.assertEqual([c["tags"]["title"] for c in told["chapters"]], TITLES)
+                shown = 126 if kind == "mp3" else 200
+                self.assertEqual([c["tags"]["title"] for c in told["chapters"]], [title[:shown] for title in titles])
                 self.assertAlmostEqual(float(told["chapters"][-1]["end_time"]), length, delta=0.1)
                 for chapter in told["chapters"]:
                     start = round(float(chapter["start_time"]) * 16000)
