@@ -8,8 +8,10 @@
 
 ReadingText DocumentText(const TextPane& pane, std::string text, std::size_t offset) {
     ReadingText spoken{.text = std::move(text)};
+    const std::vector<DocumentLanguage> languages = pane.Structure().Languages();
     std::vector<LanguageMark> marks;
-    for (const DocumentLanguage& language : pane.Structure().Languages())
+    marks.reserve(languages.size());
+    for (const DocumentLanguage& language : languages)
         marks.push_back({language.begin, language.tag});
     spoken.languages = MarksFrom(marks, offset);
     for (const std::size_t heading : HeadingsFrom(pane.Structure().Places(), offset))

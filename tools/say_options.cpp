@@ -293,6 +293,72 @@ std::optional<int> ParseManner(int option, SayOptions& options) {
     return std::nullopt;
 }
 
+// What the user said of books, before it is known whether there is to be one.
+struct BookWords {
+    BookWish wish;
+    bool hasOption = false;
+};
+
+bool TakeType(const char* name, Words& words, BookWish& wish) {
+    words.type = SoundTypeFromName(name);
+    wish.isReadAlong = std::strcmp(name, kReadAlongName) == 0;
+    if (wish.isReadAlong)
+        words.type = SoundType::kMp3;
+    return words.type.has_value();
+}
+
+// An exit status when the program is to end.
+std::optional<int> TakeOption(int option, Words& words, BookWords& book, SayOptions& options) {
+    if (TakeFlag(option, options))
+        return std::nullopt;
+    if (option >= kAudiobook && option < kBookOptionsEnd) {
+        book.hasOption = true;
+        if (!TakeBookOption(option, optarg, book.wish))
+            return UsageError(kSayProgram, std::string("not for an audiobook: ") + optarg);
+        return std::nullopt;
+    }
+    switch (option) {
+        case 'v':
+            options.voice = optarg;
+            return std::nullopt;
+        case 'o':
+            words.output = optarg;
+            return std::nullopt;
+        case 't':
+            if (!TakeType(optarg, words, book.wish))
+                return UsageError(kSayProgram, std::string("no such type: ") + optarg);
+            return std::nullopt;
+        case kSplit:
+        case kSkip:
+        case kKeep:
+        case kText:
+            return ParseManner(option, options);
+        case kSayHelp:
+            return ShowSayHelp();
+        case kSayVersion:
+            return ShowVersion(kSayProgram);
+        default:  // getopt_long has told the rest
+            std::fprintf(stderr, "Try '%s --help'.\n", kSayProgram);
+            return kExitUsage;
+    }
+}
+
+std::optional<int> SettleBook(Words& words, BookWords& book, SayOptions& options) {
+    if (book.wish.isWanted && words.output.ends_with(".epub") && !words.type) {
+        book.wish.isReadAlong = true;
+        words.type = SoundType::kMp3;
+    }
+    if (book.wish.isWanted)
+        options.book = book.wish;
+    else if (book.wish.isReadAlong)
+        return UsageError(kSayProgram, "epub is for --audiobook");
+    else if (book.hasOption)
+        return UsageError(kSayProgram,
+                          "--bitrate, --speed, --silence, --own-level, --title, --author, --cover, "
+                          "--subtitles and --plan belong to --audiobook");
+    return std::nullopt;
+}
+
 std::optional<int> Plan(const Words& words, SayOptions& options) {
     if (options.listsVoices)
         return std::nullopt;
@@ -303,53 +369,14 @@ std::optional<int> Plan(const Words& words, SayOptions& options) {
 
 std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& options) {
     Words words;
-    BookWish wish;
-    bool hasBookOption = false;
+    BookWords book;
     options.rules = ChosenDocumentRules();
     options.speaking.saysHosts = ChosenSpeakingRules().saysHosts;
     optind = 1;
-    for (;;) {
-        const int option = ::getopt_long(argc, argv, "v:o:t:fp", kSayOptions, nullptr);
-        if (option == -1)
-            break;
-        if (TakeFlag(option, options))
-            continue;
-        if (option >= kAudiobook && option < kBookOptionsEnd) {
-            hasBookOption = true;
-            if (!TakeBookOption(option, optarg, wish))
-                return UsageError(kSayProgram, std::string("not for an audiobook: ") + optarg);
-            continue;
-        }
-        switch (option) {
-            case 'v':
-                options.voice = optarg;
-                break;
-            case 'o':
-                words.output = optarg;
-                break;
-            case 't':
-                words.type = SoundTypeFromName(optarg);
-                if (wish.isReadAlong = std::strcmp(optarg, kReadAlongName) == 0; wish.isReadAlong)
-                    words.type = SoundType::kMp3;
-                if (!words.type)
-                    return UsageError(kSayProgram, std::string("no such type: ") + optarg);
-                break;
-            case kSplit:
-            case kSkip:
-            case kKeep:
-            case kText:
-                if (const std::optional<int> status = ParseManner(option, options))
-                    return status;
-                break;
-            case kSayHelp:
-                return ShowSayHelp();
-            case kSayVersion:
-                return ShowVersion(kSayProgram);
-            default:
-                std::fprintf(stderr, "Try '%s --help'.\n",
-                             kSayProgram);  // getopt_long has told the rest
-                return kExitUsage;
-        }
+    for (int option = 0;
+         (option = ::getopt_long(argc, argv, "v:o:t:fp", kSayOptions, nullptr)) != -1;) {
+        if (const std::optional<int> status = TakeOption(option, words, book, options))
+            return status;
     }
     options.speaking.byLanguage =
         options.byLanguage.value_or(!options.voice && ChosenSpeakingRules().byLanguage);
@@ -357,17 +384,7 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     words.files.assign(argv + optind, argv + argc);
     if (words.files == std::vector<std::string>{"-"})
         words.files.clear();  // standard input, as without files
-    if (wish.isWanted && words.output.ends_with(".epub") && !words.type) {
-        wish.isReadAlong = true;
-        words.type = SoundType::kMp3;
-    }
-    if (wish.isWanted)
-        options.book = wish;
-    else if (wish.isReadAlong)
-        return UsageError(kSayProgram, "epub is for --audiobook");
-    else if (hasBookOption)
-        return UsageError(kSayProgram,
-                          "--bitrate, --speed, --silence, --own-level, --title, --author, --cover, "
-                          "--subtitles and --plan belong to --audiobook");
+    if (const std::optional<int> status = SettleBook(words, book, options))
+        return status;
     return Plan(words, options);
 }

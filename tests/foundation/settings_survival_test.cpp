@@ -117,7 +117,9 @@ TYPED_TEST(StoreSurvival, KeepsEveryOtherKeyWhicheverSystemCallIsTheLast) {
     constexpr int kKeys = 300;
     // Grows near the start, shrinks, is new, goes (-1).
     const std::pair<int, int> changes[] = {{1, 120}, {22, 1}, {kKeys, 200}, {3, -1}};
-    for (const auto& [changed, length] : changes) {
+    for (const auto& change : changes) {
+        const int changed = change.first;
+        const int length = change.second;
         const std::string key = KeyOf(changed);
         const std::string before = changed < kKeys ? ValueOf(changed, changed % 23) : "(none)";
         const std::string after = length < 0 ? "(none)" : ValueOf(changed, length);
