@@ -15,8 +15,8 @@ public:
     std::FILE* Stream() const { return stream_; }  // borrowed; null when not open
     int Fd() const { return fd_; }                 // borrowed; the stream's, -1 when not open
     pid_t Pid() const { return child_.Pid(); }
-    // Flushes and closes our end, then blocks until the command ended. Its wait status (see
-    // LChildProcess::Wait), -1 when nothing is open.
+    // Flushes and closes our end, then blocks until the command ended. Its wait status, -1 when
+    // nothing is open; of LPipeIn it may be lost (see LChildProcess::Wait).
     int Close();
 
 protected:
@@ -24,7 +24,12 @@ protected:
     ~LPipeStream() { Close(); }
     bool Adopt(UniqueFd ourEnd, const char* mode, LChildProcess child);
 
+    UniqueFd told_;  // where the command's exit status comes as text, which no disposition of
+                     // SIGCHLD can lose
+
 private:
+    int ToldStatus();
+
     std::FILE* stream_ = nullptr;
     int fd_ = -1;
     LChildProcess child_;
@@ -37,8 +42,9 @@ public:
                                           // command first
 };
 
-// Writes to a command's standard input. The command leads a process group of its own. One that
-// ended raises SIGPIPE in a writer that does not block or ignore it.
+// Writes to a command's standard input; its standard output goes nowhere. The command leads a
+// process group of its own. One that ended raises SIGPIPE in a writer that does not block or ignore
+// it.
 class LPipeOut : public LPipeStream {
 public:
     bool _Open(const char* commandLine);

@@ -130,6 +130,11 @@ TEST_F(ProcessTest, OneWayPipesCarryEverythingAndCloseWaitsForTheStatus) {
     std::fputs("text", out.Stream());
     EXPECT_EQ(out.Close(), 0);
     EXPECT_EQ(folder.Read("out"), "text");
+    ::signal(SIGCHLD, SIG_IGN);
+    ASSERT_TRUE(out._Open("cat >/dev/null; exit 3"));
+    EXPECT_EQ(WEXITSTATUS(out.Close()), 3) << "an encoder that fails at its end is known by that";
+    ASSERT_TRUE(out._Open("kill -9 0"));
+    EXPECT_NE(out.Close(), 0);
 }
 
 TEST_F(ProcessTest, TwoWayPipesConverseAndLeaveTheCommandToItself) {

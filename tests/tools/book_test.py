@@ -235,9 +235,12 @@ class BookTest(EngineCase):
         self.book("book.epub", TITLES, TEXTS)
         command = (SAY, "--audiobook", "-o", "book.mp3", "book.epub")
         self.check(*command, status=1, says="the MP3 encoder component is not installed")
-        self.install_encoder("#!/bin/sh\nexec head -c 5 >/dev/null\n")
-        self.check(*command, status=1, says="the MP3 encoder component failed")
-        self.assertNotIn("book.mp3", self.files())
+        self.install_encoder()
+        for encoder in ("exec head -c 5 >/dev/null", 'lame --quiet "$@"; exit 1'):
+            with open(self.home + "/components/mp3el/mp3el", "w") as file:
+                file.write("#!/bin/sh\n" + encoder)
+            self.check(*command, status=1, says="the MP3 encoder component failed")
+            self.assertNotIn("book.mp3", self.files())
         self.book("long.epub", TITLES, [TEXTS[0], TEXTS[1] * 100, TEXTS[2]])
         limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000000, 5000000))
         flac = (SAY, "--audiobook", "-o", "long.flac", "long.epub")
