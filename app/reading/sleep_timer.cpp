@@ -82,6 +82,8 @@ std::string SleepTimer::Status() const {
 void SleepTimer::Hear(const ReadingNews& news) {
     if (news.HasBegun())
         passed_ = 0;
+    if (news.isJump)
+        isNearEnd_ = false;  // who leaves a chapter has not heard its end
     const bool isOver = news.IsNew() && !IsReading(news.state);
     if (isOver && chosen_ == SleepAt::kEndOfChapter) {
         if (isNearEnd_)
