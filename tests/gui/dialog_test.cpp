@@ -214,9 +214,9 @@ TEST(DialogLayout, ActionAreaFollowsItsFlags) {
         const char* shown;
     } cases[] = {
         {GenerateFlags<kOkCancelHelp>, "- gtk-help gtk-cancel gtk-ok"},
-        {GenerateFlags<kOkButton | kCancelButton>, "- gtk-cancel gtk-ok"},
+        {GenerateFlags<(kOkButton | kCancelButton)>, "- gtk-cancel gtk-ok"},
         {GenerateFlags<kOkButton>, "- gtk-ok"},
-        {GenerateFlags<kCancelButton | kHelpButton>, "- gtk-help gtk-cancel"},
+        {GenerateFlags<(kCancelButton | kHelpButton)>, "- gtk-help gtk-cancel"},
         {GenerateFlags<kNoButtons>, ""},
         {GenerateSpecial, "- gtk-clear gtk-cancel G_o"},
     };

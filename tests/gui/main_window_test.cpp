@@ -111,8 +111,8 @@ bool IsAnswered(GdkWindow* window, glong number) {
 
 // The main loop sleeps here as it does in the program.
 bool WaitForAnswer(GdkWindow* window, glong number, int milliseconds = 10000) {
-    const guint wake = g_timeout_add(
-        100, [](gpointer) -> gboolean { return TRUE; }, nullptr);
+    const GSourceFunc again = [](gpointer) -> gboolean { return TRUE; };
+    const guint wake = g_timeout_add(100, again, nullptr);
     const gint64 end = g_get_monotonic_time() + gint64{1000} * milliseconds;
     while (!IsAnswered(window, number) && g_get_monotonic_time() < end)
         gtk_main_iteration();
