@@ -7,7 +7,9 @@ using namespace AudiobookControls;
 namespace {
 
 constexpr int kWidth = 720;
-constexpr LRows kDocumentRows{5};
+// Some voices have long names, which the list shows whole when it is open.
+constexpr int kVoiceWidth = 220;
+constexpr LRows kDocumentRows{4};
 constexpr LRows kMessageRows{2};
 
 }  // namespace
@@ -30,9 +32,9 @@ void DlgGenAudiobook(LDialogGenContext& context) {
     context.AddPullDownList(kSubtitleForm, "Te&xt in time:");
     context.GroupEnd();
     context.AddGroup(-1, "How it is spoken");
-    context.AddPullDownList(kBookVoice, "&Voice:");
+    context.AddPullDownList(kBookVoice, "&Voice:", kVoiceWidth);
     context.AddPullDownList(kBookSpeed, "Sp&eed:");
-    context.AddPullDownList(kSilence, "Sile&nce after chapters:");
+    context.AddPullDownList(kSilence, "Sile&nce:");
     context.AddCheckBox(kEvensLoudness, "Voices and chapters equally lou&d");
     context.AddCheckBox(kBookByLanguage, "Each &language in a voice of its own");
     context.GroupEnd();

@@ -32,6 +32,13 @@ bool IsTaken(const std::string& target) {
            (target.back() != '/' || ::stat((target + ".lectora-book").c_str(), &info) != 0);
 }
 
+std::optional<double> FreeBytes(const std::string& folder) {
+    struct statvfs disk = {};
+    if (::statvfs(folder.c_str(), &disk) != 0)
+        return std::nullopt;
+    return static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize);
+}
+
 }  // namespace
 
 AudiobookDialog::AudiobookDialog(std::function<void(const char*)> tell) : tell_(std::move(tell)) {
@@ -106,9 +113,8 @@ void AudiobookDialog::ShowChoices() {
     PDLAddString(kBookSpeed, "The voice's own");
     PDLSetCurSel(kBookSpeed, choices.asListenedTo ? 0 : 1);
     PDLAddString(kSilence, "None");
-    PDLAddString(kSilence, "1 second");
-    for (int seconds = 2; seconds <= kMostSecondsBetween; ++seconds)
-        PDLAddString(kSilence, (std::to_string(seconds) + " seconds").c_str());
+    for (int seconds = 1; seconds <= kMostSecondsBetween; ++seconds)
+        PDLAddString(kSilence, SilenceText(seconds).c_str());
     PDLSetCurSel(kSilence, choices.secondsBetween);
     PDLAddString(kSubtitleForm, "None");
     for (const SubtitleForm form : kSubtitleForms)
@@ -281,7 +287,21 @@ bool AudiobookDialog::IsReadyToStart(const BookChoices& choices) {
         SetControlInvalid(kBookFolder, "There is no such folder.", "Folder");
         return false;
     }
-    return HasWhatBooksNeed(Widget(), kBoxTitle, choices.type);
+    return HasWhatBooksNeed(Widget(), kBoxTitle, choices.type) && IsOpen() && HasRoom(choices);
+}
+
+bool AudiobookDialog::HasRoom(const BookChoices& choices) {
+    const auto needed =
+        static_cast<double>(list_.EstimateOfOpen(OrderOf(choices, ChosenVoiceOf())).bytes);
+    const std::optional<double> free = FreeBytes(choices.folder);
+    if (!free || needed <= *free)
+        return true;
+    const std::string details = "They take about " + SizeText(needed) + ", and " + SizeText(*free) +
+                                " are free in " + choices.folder +
+                                ". Finished chapters are kept when the disk is full.";
+    return MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kBoxTitle,
+                         "The disk is too small for these books. Start all the same?",
+                         details.c_str()) == GTK_RESPONSE_YES;
 }
 
 void AudiobookDialog::CmStart() {
@@ -336,27 +356,15 @@ void AudiobookDialog::ShowBooks() {
 }
 
 void AudiobookDialog::ShowEstimate(const BookOrder& manner) {
-    double seconds = 0;
-    double bytes = 0;
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < list_.Count(); ++i) {
-        if (!list_.IsOpen(i))
-            continue;
-        const BookEstimate estimate = list_.EstimateOf(i, manner);
-        seconds += estimate.seconds;
-        bytes += static_cast<double>(estimate.bytes);
-        ++count;
-    }
+    const BookEstimate whole = list_.EstimateOfOpen(manner);
     std::string text;
-    struct statvfs disk = {};
-    if (count > 0)
-        text = "To be made: about " + LengthText(seconds) + " hours, " + SizeText(bytes) + ".";
+    if (whole.seconds > 0)
+        text = "To be made: about " + LengthText(whole.seconds) + " hours, " +
+               SizeText(static_cast<double>(whole.bytes)) + ".";
     else if (list_.Count() == 0)
         text = "Add documents that are to become audiobooks.";
-    if (::statvfs(Choices().folder.c_str(), &disk) == 0) {
-        const double free = static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize);
-        text += (text.empty() ? "" : " ") + SizeText(free) + " of the disk are free.";
-    }
+    if (const std::optional<double> free = FreeBytes(Choices().folder))
+        text += (text.empty() ? "" : " ") + SizeText(*free) + " of the disk are free.";
     if (std::exchange(shownEstimate_, text) != text)
         SetStaticText(kEstimate, text.c_str());
 }

@@ -33,6 +33,18 @@ BookEstimate BookList::EstimateOf(std::size_t index, const BookOrder& manner) co
     return EstimateBook(entries_[index].plan, manner);
 }
 
+BookEstimate BookList::EstimateOfOpen(const BookOrder& manner) const {
+    BookEstimate whole;
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (!IsOpen(i))
+            continue;
+        const BookEstimate one = EstimateOf(i, manner);
+        whole.seconds += one.seconds;
+        whole.bytes += one.bytes;
+    }
+    return whole;
+}
+
 std::vector<std::string> BookList::Targets(const BookChoices& choices) {
     std::vector<std::string> others;
     for (std::size_t i = 0; i < entries_.size(); ++i)

@@ -27,6 +27,7 @@ public:
     bool IsDone(std::size_t index) const;
     BookState StateOf(std::size_t index) const;  // of one that was started
     BookEstimate EstimateOf(std::size_t index, const BookOrder& manner) const;
+    BookEstimate EstimateOfOpen(const BookOrder& manner) const;  // of all that are open
 
     // Where the open ones would go, in order.
     std::vector<std::string> Targets(const BookChoices& choices);

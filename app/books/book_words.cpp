@@ -21,6 +21,10 @@ std::string SizeText(double bytes) {
     return text;
 }
 
+std::string SilenceText(int seconds) {
+    return std::to_string(seconds) + (seconds == 1 ? " second" : " seconds") + " after chapters";
+}
+
 std::string TimeLeftText(double seconds) {
     if (seconds < 60)
         return "less than a minute left";

@@ -7,6 +7,7 @@
 
 std::string LengthText(double seconds);    // "2:05:00"
 std::string SizeText(double bytes);        // "27 MB"
+std::string SilenceText(int seconds);      // "2 seconds after chapters"
 std::string TimeLeftText(double seconds);  // "5 minutes left"
 
 // A few words, for a list.
