@@ -46,6 +46,8 @@ TEST(ReadingTimes, ReachAllOfATextFromEveryPart) {
     EXPECT_EQ(times.PlaceAt(LSoundTime(12500)), 250u);
     EXPECT_EQ(times.PlaceAt(LSoundTime(32500)), 550u);
     EXPECT_EQ(times.PlaceAt(LSoundTime(80000)), 1000u);
+    EXPECT_EQ(times.TimeOf(250), LSoundTime(12500));
+    EXPECT_EQ(times.TimeOf(550), LSoundTime(32500));
     times.SetSpoken(1000, LSoundTime(40000));
     EXPECT_EQ(times.Length(), LSoundTime(65000));
     EXPECT_EQ(times.PlaceAt(LSoundTime(99000)), 1000u);
