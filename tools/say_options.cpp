@@ -308,7 +308,7 @@ bool TakeType(const char* name, Words& words, BookWish& wish) {
 }
 
 // An exit status when the program is to end.
-std::optional<int> TakeOption(int option, Words& words, BookWords& book, SayOptions& options) {
+std::optional<int> TakeSayOption(int option, Words& words, BookWords& book, SayOptions& options) {
     if (TakeFlag(option, options))
         return std::nullopt;
     if (option >= kAudiobook && option < kBookOptionsEnd) {
@@ -375,7 +375,7 @@ std::optional<int> ParseSayOptions(int argc, char* const* argv, SayOptions& opti
     optind = 1;
     for (int option = 0;
          (option = ::getopt_long(argc, argv, "v:o:t:fp", kSayOptions, nullptr)) != -1;) {
-        if (const std::optional<int> status = TakeOption(option, words, book, options))
+        if (const std::optional<int> status = TakeSayOption(option, words, book, options))
             return status;
     }
     options.speaking.byLanguage =

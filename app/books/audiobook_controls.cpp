@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kWidth = 720;
 // Some voices have long names, which the list shows whole when it is open.
-constexpr int kVoiceWidth = 220;
+constexpr int kVoiceListWidth = 220;
 constexpr LRows kDocumentRows{4};
 constexpr LRows kMessageRows{2};
 
@@ -32,7 +32,7 @@ void DlgGenAudiobook(LDialogGenContext& context) {
     context.AddPullDownList(kSubtitleForm, "Te&xt in time:");
     context.GroupEnd();
     context.AddGroup(-1, "How it is spoken");
-    context.AddPullDownList(kBookVoice, "&Voice:", kVoiceWidth);
+    context.AddPullDownList(kBookVoice, "&Voice:", kVoiceListWidth);
     context.AddPullDownList(kBookSpeed, "Sp&eed:");
     context.AddPullDownList(kSilence, "Sile&nce:");
     context.AddCheckBox(kEvensLoudness, "Voices and chapters equally lou&d");
