@@ -167,11 +167,16 @@ def read_back(kind, book, voice, folder):
         judged = subprocess.run([judge, book], capture_output=True, check=True, text=True).stdout
         print(f"{kind:5} {judge} tells of {len(re.findall(CHAPTER, judged, re.M))} chapters")
     late = []
+    with open(os.path.join(folder, "text"), encoding="utf-8") as file:
+        lines = [line.strip() for line in file]
     for chapter in told["chapters"]:
-        own = sound(["espeak-ng", "-v", voice, "--stdout", chapter["tags"]["title"]], folder)[22:]
+        # Numbers stand before titles in the text alone.
+        title = chapter["tags"]["title"]
+        heading = next((line for line in lines if line.endswith(title)), title)
+        own = sound(["espeak-ng", "-v", voice, "--stdout", heading], folder)[22:]
         late.append(lateness(decoded(book, float(chapter["start_time"]), 2.5), own))
     sure = [ms for ms, correlation in late if correlation > 0.6]
-    print(f"{kind:5} {len(sure)} of {len(late)} chapters were recognised by their titles and begin "
+    print(f"{kind:5} {len(sure)} of {len(late)} chapters were recognised by their headings and begin "
           f"{min(sure):.0f} to {max(sure):.0f} ms behind their marks", flush=True)
 
 
