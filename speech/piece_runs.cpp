@@ -44,8 +44,7 @@ std::string Joined(const std::string& one, const std::string& other) {
 
 struct PieceRuns::Run {
     SpeechPiece piece;
-    LTTS request;
-    std::optional<SynthesisRun> engine;  // once it was started
+    std::unique_ptr<EngineRun> engine;  // once it was started
     std::chrono::steady_clock::time_point start;
     bool isSecondTry = false;  // of one unit
 };
@@ -117,18 +116,19 @@ bool PieceRuns::GoOnWithAnotherVoice(const SpeechPiece& piece, bool isEngineMiss
 }
 
 void PieceRuns::StartRun(Run& run) {
-    run.request.outputPath = folder_.c_str();
-    run.request.voice = run.piece.voice;
     run.start = std::chrono::steady_clock::now();
-    run.engine.emplace(run.request);
-    if (!run.engine->StartPrepared(run.piece.Text())) {
-        run.engine->Finish(kProcessFailed);
-        End(run.request.outcome);
+    if (reserve_ && !hasSpoken_)
+        run.engine = reserve_->Take(run.piece.voice, folder_);
+    if (!run.engine)
+        run.engine = std::make_unique<EngineRun>(run.piece.voice, folder_);
+    if (!run.engine->run.StartPrepared(run.piece.Text())) {
+        run.engine->run.Finish(kProcessFailed);
+        End(run.engine->request.outcome);
     }
 }
 
 LSignalObjectRef PieceRuns::Awaited() const {
-    return runs_.empty() ? taker_.MoreWanted() : runs_.front()->engine->Finished();
+    return runs_.empty() ? taker_.MoreWanted() : runs_.front()->engine->run.Finished();
 }
 
 unsigned int PieceRuns::PatienceMilliseconds() const {
@@ -144,8 +144,8 @@ void PieceRuns::Take(LProcessResult waited) {
         return;  // it was for the listener
     std::unique_ptr<Run> run = std::move(runs_.front());
     runs_.pop_front();
-    run->engine->Finish(waited);
-    switch (run->request.outcome) {
+    run->engine->run.Finish(waited);
+    switch (run->engine->request.outcome) {
         case SynthesisOutcome::kSpoken:
             TakeSound(*run);
             return;
@@ -159,7 +159,7 @@ void PieceRuns::Take(LProcessResult waited) {
                 return;
             [[fallthrough]];
         default:
-            End(run->request.outcome);
+            End(run->engine->request.outcome);
     }
 }
 
@@ -168,7 +168,7 @@ void PieceRuns::TakeSound(Run& run) {
     leftOutInRow_ = 0;
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - run.start;
     pieces_->RunTook(took.count());
-    const LSoundSource sound = WithPause(run.engine->Sound(), run.piece.pauseMilliseconds);
+    const LSoundSource sound = WithPause(run.engine->run.Sound(), run.piece.pauseMilliseconds);
     if (!hasSpoken_)
         channels_ = sound->Channels();
     // Only mono and stereo become each other.
@@ -184,10 +184,12 @@ void PieceRuns::TakeSound(Run& run) {
     hasSpoken_ = true;
     haveSpoken_.insert(run.piece.voice);
     spokenTo_ = run.piece.SourceEnd();
+    if (reserve_)
+        reserve_->Keep(run.piece.voice, folder_);
 }
 
 void PieceRuns::TryInHalves(std::unique_ptr<Run> failed) {
-    const SynthesisOutcome why = failed->request.outcome;
+    const SynthesisOutcome why = failed->engine->request.outcome;
     if (why == SynthesisOutcome::kTimedOut) {
         pieces_->LimitTo(failed->piece.Size() / 2);  // a slow voice, or a slow machine
         if (++timeOutsInRow_ >= kMaxTimeOutsInRow) {

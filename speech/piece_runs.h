@@ -15,6 +15,7 @@
 
 #include "foundation/threads/progress.h"
 #include "sound/sound_source.h"
+#include "speech/engine_reserve.h"
 #include "speech/speech_pieces.h"
 #include "speech/synthesis.h"
 
@@ -47,6 +48,10 @@ public:
     PieceRuns(const PieceRuns&) = delete;
     PieceRuns& operator=(const PieceRuns&) = delete;
 
+    // From which the first piece takes its engine, and which is kept while pieces are spoken.
+    // Before the start; outlives this.
+    void KeepReserve(EngineReserve& reserve) { reserve_ = &reserve; }
+
     // Starts as many runs as may be at work. False: the reading has ended, Outcome() tells how.
     bool StartRuns();
     LSignalObjectRef Awaited() const;  // what comes next: a run's end, or that more is wanted
@@ -78,6 +83,7 @@ private:
     std::string folder_;
     ReadingUse use_;
     SpokenPieceTaker& taker_;
+    EngineReserve* reserve_ = nullptr;
     SpeakingRules rules_;
     std::optional<SpeechPieces> pieces_;
     std::size_t piecesBegin_ = 0;  // byte of the text that they begin at

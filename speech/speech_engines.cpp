@@ -111,6 +111,7 @@ std::vector<SpeechEngine> EnginesWithRows() {
     rows[0].isWhole = IsWholeFestivalAnswer;
     rows[0].voicesIn = FestivalVoicesIn;
     rows[0].command = FestivalCommand;
+    rows[0].loadsBeforeText = true;
     rows[0].saysEnglish = kSaysMoney | kSaysFractions | kSaysRomanNumerals;
     rows[1].name = "espeak-ng";
     rows[1].title = "eSpeak NG";

@@ -24,6 +24,8 @@ struct SpeechEngine {
     std::string (*command)(const SpeechEngine& engine, const Voice& voice,
                            std::string_view textPath, std::string_view soundPath) = nullptr;
     bool isOneProgram = true;
+    // It loads its voice, which takes long, before it reads the text, from a pipe as well.
+    bool loadsBeforeText = false;
     SaidByEngine says = 0;         // well, in any language
     SaidByEngine saysEnglish = 0;  // in English beside that
     // A user's own: "{text}", "{wav}", "{voice}" and "{rate}" stand for words; and its voices.

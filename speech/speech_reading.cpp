@@ -169,6 +169,8 @@ void SpeechReading::Produce(const LThread& thread) {
     rules.marks = MarksFrom(rules_.marks, begin_);
     rules.headings = HeadingsFrom(rules_.headings, begin_);
     PieceRuns runs(rest, voice_, FolderOf(path_), use_, taker, std::move(rules));
+    if (reserve_ != nullptr)
+        runs.KeepReserve(*reserve_);
     ThreadProgress progress(thread);
     Process(progress, runs);
     const int error = taker.Finish();

@@ -37,8 +37,9 @@ public:
     SpeechReading(const SpeechReading&) = delete;
     SpeechReading& operator=(const SpeechReading&) = delete;
 
-    void SpeakBy(SpeakingRules rules) { rules_ = std::move(rules); }  // before the start
-    void Start();                                                     // once; returns at once
+    void SpeakBy(SpeakingRules rules) { rules_ = std::move(rules); }   // before the start
+    void KeepReserve(EngineReserve& reserve) { reserve_ = &reserve; }  // likewise; outlives this
+    void Start();                                                      // once; returns at once
     // Ends production and its engines, at once. What has been spoken stays in the file, which is
     // whole then; a source goes on to that end.
     void Stop();
@@ -77,6 +78,7 @@ private:
     const std::string path_;
     const ReadingUse use_;
     SpeakingRules rules_;
+    EngineReserve* reserve_ = nullptr;
     const std::shared_ptr<SpeechTrack> track_;
     LSignalObject firstSound_;
     LSignalObject ended_;

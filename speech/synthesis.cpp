@@ -1,19 +1,11 @@
 #include "speech/synthesis.h"
 
-#include <poll.h>
-#include <pthread.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <mutex>
 #include <utility>
 
 #include "formats/wave_file.h"
@@ -30,7 +22,6 @@ namespace {
 
 constexpr const char* kTemporaryFolder = "/tmp/";
 constexpr std::size_t kMaxCommand = 260;
-constexpr std::size_t kMostErrors = 1000;  // bytes of a run that the log gets
 // Of a run's file, in blocks of 512 bytes: a gigabyte, where a piece takes some megabytes.
 constexpr std::string_view kFileBound = "ulimit -f 2097152; ";
 constexpr unsigned long kFullDiskBytes = 65536;  // fewer free bytes count as a full disk
@@ -82,99 +73,6 @@ std::string SynthesisMessage(SynthesisOutcome outcome, const Voice& voice) {
     return {};
 }
 
-// Worker and waiter each hold a reference; whoever is last frees it.
-struct SynthesisRun::Record {
-    std::string command;
-    LSignalObject finished;  // by the worker: the command has ended
-    std::atomic<int> result{1};
-
-    void RunEngine();  // on the worker, until the engine has ended
-    void KillEngine();
-    std::string Errors();  // what it wrote to its standard error, the beginning; once it has ended
-
-private:
-    static std::string ReadErrors(int fd, pid_t engine);
-    static void EndLeftBehind(pid_t engine);
-
-    std::mutex mutex_;   // guards what follows
-    pid_t engine_ = -1;  // leads its process group; -1 while it does not run
-    bool isUnwanted_ = false;
-    std::string errors_;
-};
-
-void SynthesisRun::Record::RunEngine() {
-    LChildStreams streams;
-    streams.emptyInput = true;
-    // Ours may be where the sound goes.
-    streams.noOutput = true;
-    LPipePair errorPipe = LPipePair::Make();
-    streams.errors = errorPipe.writeEnd.Get();
-    streams.ownGroup = true;
-    streams.diesWithStarter = true;
-    LChildProcess engine;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        if (!isUnwanted_)
-            engine = LChildProcess::StartShell(command.c_str(), streams);
-        engine_ = engine.Pid();
-    }
-    result.store(engine.IsStarted() ? kProcessDone : kProcessFailed);
-    errorPipe.writeEnd.Reset();
-    std::string errors;
-    if (engine.IsStarted())
-        errors = ReadErrors(errorPipe.readEnd.Get(), engine.Pid());
-    EndLeftBehind(engine.Pid());
-    engine.Wait();
-    const std::lock_guard<std::mutex> lock(mutex_);
-    engine_ = -1;
-    errors_ = std::move(errors);
-}
-
-// What the engine put into the background ends with it. Until it is waited for, no other process
-// can have its number.
-void SynthesisRun::Record::EndLeftBehind(pid_t engine) {
-    siginfo_t ended{};
-    while (engine > 0 &&
-           ::waitid(P_PID, static_cast<id_t>(engine), &ended, WEXITED | WNOWAIT) != 0 &&
-           errno == EINTR) {
-    }
-    if (engine > 0)
-        ::kill(-engine, SIGKILL);
-}
-
-// Until the engine has ended: what it left in the background may hold the pipe for ever.
-std::string SynthesisRun::Record::ReadErrors(int fd, pid_t engine) {
-    std::string errors;
-    const UniqueFd ended(static_cast<int>(::syscall(SYS_pidfd_open, engine, 0)));
-    for (bool hasEnded = false;;) {
-        pollfd events[] = {{fd, POLLIN, 0}, {ended.Get(), POLLIN, 0}};
-        if (::poll(events, 2, hasEnded ? 0 : -1) < 0 && errno == EINTR)
-            continue;
-        if (events[0].revents == 0 && hasEnded)
-            return errors;
-        hasEnded = hasEnded || events[1].revents != 0;
-        if (events[0].revents == 0)
-            continue;
-        char block[4096];
-        const ssize_t got = ::read(fd, block, sizeof block);
-        if (got <= 0)
-            return errors;
-        errors.append(block, std::min(static_cast<std::size_t>(got), kMostErrors - errors.size()));
-    }
-}
-
-std::string SynthesisRun::Record::Errors() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return errors_;
-}
-
-void SynthesisRun::Record::KillEngine() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    isUnwanted_ = true;
-    if (engine_ > 0)
-        ::kill(-engine_, SIGKILL);
-}
-
 SynthesisRun::SynthesisRun(LTTS& request)
     : request_(request), voice_(AskedVoiceAt(request.voice)), engine_(EngineOf(voice_)) {}
 
@@ -183,7 +81,7 @@ SynthesisRun::~SynthesisRun() {
 }
 
 LSignalObjectRef SynthesisRun::Finished() const {
-    return record_->finished.Ref();
+    return process_->Finished();
 }
 
 bool SynthesisRun::Start() {
@@ -200,21 +98,36 @@ bool SynthesisRun::Start() {
 
 bool SynthesisRun::StartPrepared(std::string_view text) {
     isDelivered_ = false;
+    if (process_ && process_->GiveText(text))
+        return true;
+    End();  // one that waited no more
     return StartEngine(text);
 }
 
-bool SynthesisRun::StartEngine(std::string_view text) {
+bool SynthesisRun::StartWaiting() {
+    isDelivered_ = false;
+    return StartEngine("", true);
+}
+
+bool SynthesisRun::IsWaiting() const {
+    return process_ && process_->IsWaiting() && FileSize(soundPath_) >= 0;
+}
+
+// One that waits gets its text from us; its text file is there for the sound file's name.
+bool SynthesisRun::StartEngine(std::string_view text, bool isToWait) {
     RemoveFilesOfDeadRuns(FolderOf(request_.outputPath));
     std::string command;
-    if (!WriteText(text) || !ChooseCommand(command)) {
+    if (!WriteText(text) || !ChooseCommand(command, isToWait)) {
         request_.outcome = SynthesisOutcome::kCannotWrite;
         return false;
     }
-    if (!StartWorker(std::move(command))) {
+    // In place of the shell, so that the engine itself dies with its starter.
+    command.insert(0, std::string(kFileBound) + (engine_.isOneProgram ? "exec " : ""));
+    process_ = isToWait ? EngineProcess::StartWaiting(std::move(command))
+                        : EngineProcess::Start(std::move(command));
+    if (!process_)
         request_.outcome = SynthesisOutcome::kCannotStart;
-        return false;
-    }
-    return true;
+    return process_ != nullptr;
 }
 
 bool SynthesisRun::WriteText(std::string_view text) {
@@ -227,13 +140,14 @@ bool SynthesisRun::WriteText(std::string_view text) {
 
 // The sound file stands beside the output, or in the temporary folder when its path would not fit
 // into the command; a voice's name may be longer than that.
-bool SynthesisRun::ChooseCommand(std::string& command) {
+bool SynthesisRun::ChooseCommand(std::string& command, bool isToWait) {
     for (const std::string& folder :
          {FolderOf(request_.outputPath), std::string(kTemporaryFolder)}) {
         soundPath_ = MakeRunSoundFile(folder, textPath_);
         if (soundPath_.empty())
             return false;
-        command = engine_.command(engine_, voice_, textPath_, soundPath_);
+        command = engine_.command(
+            engine_, voice_, isToWait ? EngineProcess::kWaitingTextPath : textPath_, soundPath_);
         if (command.size() < kMaxCommand || folder == kTemporaryFolder)
             return true;
         ::unlink(soundPath_.c_str());
@@ -242,45 +156,17 @@ bool SynthesisRun::ChooseCommand(std::string& command) {
     return false;
 }
 
-bool SynthesisRun::StartWorker(std::string command) {
-    record_ = std::make_shared<Record>();
-    // In place of the shell, so that the engine itself dies with its starter.
-    record_->command =
-        std::string(kFileBound) + (engine_.isOneProgram ? "exec " : "") + std::move(command);
-    auto* const share = new std::shared_ptr<Record>(record_);
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    pthread_t worker{};
-    const bool started =
-        ::pthread_create(&worker, &attributes, ProcessRunThreadCallback, share) == 0;
-    pthread_attr_destroy(&attributes);
-    if (!started) {
-        delete share;
-        record_.reset();
-    }
-    return started;
-}
-
-void* SynthesisRun::ProcessRunThreadCallback(void* share) {
-    const std::shared_ptr<Record> record = *static_cast<std::shared_ptr<Record>*>(share);
-    delete static_cast<std::shared_ptr<Record>*>(share);
-    record->RunEngine();
-    record->finished.Signal();
-    return nullptr;
-}
-
 LProcessResult SynthesisRun::Finish(LProcessResult waited) {
-    if (record_) {
+    if (process_) {
         if (waited == kProcessStopped)
             request_.outcome = SynthesisOutcome::kStopped;
         else if (waited == kProcessFailed)
             request_.outcome = SynthesisOutcome::kTimedOut;
-        else if (record_->result.load() == kProcessFailed)
+        else if (!process_->CouldStart())
             request_.outcome = SynthesisOutcome::kCannotStart;
         else
             request_.outcome = Judge();
-        if (const std::string errors = record_->Errors(); !errors.empty())
+        if (const std::string errors = process_->Errors(); !errors.empty())
             LOGWARNF("Speech engine: %s", errors.c_str());
     }
     End();
@@ -295,9 +181,9 @@ LProcessResult SynthesisRun::Finish(LProcessResult waited) {
 
 // A killed engine opens no file any more, so its files can go at once.
 void SynthesisRun::End() {
-    if (record_)
-        record_->KillEngine();
-    record_.reset();
+    if (process_)
+        process_->Kill();
+    process_.reset();
     for (std::string* path : {&soundPath_, &textPath_}) {
         if (!path->empty())
             ::unlink(path->c_str());

@@ -1,9 +1,9 @@
 // One run of the speech engine: a text becomes a WAV file.
 //
 // Threads: the caller waits (its progress object decides how); a detached worker runs and reaps the
-// engine. A waiter that gives up has the engine killed with all that it started, and an engine dies
-// with this program. Each run writes to a file of its own beside the output path, which is renamed
-// onto it only when the run succeeded: the output is always whole.
+// engine (engine_process.h). A waiter that gives up has the engine killed with all that it started,
+// and an engine dies with this program. Each run writes to a file of its own beside the output
+// path, which is renamed onto it only when the run succeeded: the output is always whole.
 #pragma once
 
 #include <memory>
@@ -14,6 +14,7 @@
 #include "foundation/threads/progress.h"
 #include "foundation/threads/signal_object.h"
 #include "sound/sound_source.h"
+#include "speech/engine_process.h"
 #include "speech/speech_engines.h"
 #include "speech/voice_table.h"
 
@@ -43,7 +44,7 @@ struct LTTS {
     const char* outputPath = "";
     int voice = 0;           // index into the voice table (voice_table.h), clamped
     unsigned char flag = 1;  // always 1
-    LSignalObject done;      // signalled when the run has ended, well or not
+    LSignalObject done{};    // signalled when the run has ended, well or not
     LProcessResult result = kProcessFailed;
     SynthesisOutcome outcome = SynthesisOutcome::kNoSound;
 };
@@ -61,7 +62,12 @@ public:
     // The same for a text that the voice can take as it stands, instead of the request's. The sound
     // is not delivered to the request's output path, which only says in what folder to work.
     bool StartPrepared(std::string_view text);
-    LSignalObjectRef Finished() const;  // after a good Start only
+    // Before that: starts an engine that loads its voice and waits for the text, for two minutes
+    // from the last KeepWaiting on. One that does not wait any more is started anew with the text.
+    bool StartWaiting();
+    bool IsWaiting() const;
+    void KeepWaiting() { process_->KeepWaiting(); }  // while it was waiting
+    LSignalObjectRef Finished() const;               // after a good Start only
     // Judges the run, stores result and outcome in the request, signals it done and removes the
     // temporary files.
     LProcessResult Finish(LProcessResult waited);
@@ -70,13 +76,9 @@ public:
     const LSoundSource& Sound() const { return sound_; }
 
 private:
-    struct Record;  // shared with the worker
-
-    static void* ProcessRunThreadCallback(void* record);
     bool WriteText(std::string_view text);
-    bool ChooseCommand(std::string& command);
-    bool StartWorker(std::string command);
-    bool StartEngine(std::string_view text);
+    bool ChooseCommand(std::string& command, bool isToWait);
+    bool StartEngine(std::string_view text, bool isToWait = false);
     SynthesisOutcome Judge();
     bool Deliver() const;
     void End();
@@ -86,7 +88,7 @@ private:
     const SpeechEngine engine_;
     std::string textPath_;   // empty when there is no such file
     std::string soundPath_;  // likewise
-    std::shared_ptr<Record> record_;
+    std::shared_ptr<EngineProcess> process_;
     bool isDelivered_ = true;
     LSoundSource sound_;
 };

@@ -6,7 +6,7 @@
 #include "speech/voice_table.h"
 
 void ReadingInfo::SetText(ReadingText text) {
-    Forget();
+    ForgetText();
     title_ = text.title.empty() ? BeginningOf(text.text) : std::move(text.title);
     headings_ = std::move(text.headings);
     languages_ = std::move(text.languages);
@@ -17,6 +17,11 @@ void ReadingInfo::SetText(ReadingText text) {
 }
 
 void ReadingInfo::Forget() {
+    ForgetText();
+    reserve_.Drop();
+}
+
+void ReadingInfo::ForgetText() {
     reading_.reset();
     text_ = std::make_shared<const std::string>();
     headings_.clear();
@@ -42,6 +47,7 @@ void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPa
     rules.marks = languages_;
     rules.headings = headings_;
     reading_->SpeakBy(std::move(rules));
+    reading_->KeepReserve(reserve_);
     reading_->Start();
 }
 

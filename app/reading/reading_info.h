@@ -29,7 +29,7 @@ public:
 
     // From now on; nothing of it is spoken yet.
     void SetText(ReadingText text);
-    void Forget();  // text and speech
+    void Forget();  // text and speech, and no engine waits for another place
     // Ends what is being spoken, and speaks from the place on into the file.
     void SpeakBy(SpeakingRules rules) { rules_ = std::move(rules); }  // from the next Speak on
     void Speak(std::size_t place, int voice, const std::string& soundPath);
@@ -59,12 +59,15 @@ public:
     std::optional<LSoundTime> FindSentence(LSoundTime time, int step) const override;
 
 private:
+    void ForgetText();
+
     const std::function<bool()> hasNext_;
     std::shared_ptr<const std::string> text_ = std::make_shared<const std::string>();
     std::vector<std::size_t> headings_;
     std::vector<LanguageMark> languages_;
     std::vector<std::size_t> chapters_;
     std::optional<SpeakingRules> rules_;  // else as the user has chosen
+    EngineReserve reserve_;
     std::unique_ptr<SpeechReading> reading_;
     ReadingTimes times_;  // but for what was spoken since the part began
     std::size_t begin_ = 0;
