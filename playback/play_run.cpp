@@ -203,7 +203,8 @@ void PlayRun::ReadBlock(int position, int frames) {
     if (source_->PeakMagnitude() > kMaxPcm16Peak)
         LSoundPeakLimit(block_.data(), frames * source_->Channels());
     if (fade_ != nullptr)
-        fade_->Apply(block_.data(), frames, source_->Channels(), source_->SampleRate());
+        fade_->Apply(block_.data(), frames, source_->Channels(), source_->SampleRate(),
+                     clock_.Unheard());
     ring_.Add({clock_.Written(), frames, position, nextFrame_,
                GetBufferLevels(block_.data(), frames, source_->Channels())});
     ConvertBlock(frames);

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
 constexpr float kBackMilliseconds = 300;
+constexpr std::int64_t kShortestMilliseconds = 50;
 
 }  // namespace
 
@@ -17,11 +19,13 @@ void LFade::Back() {
     outMilliseconds_.store(0, std::memory_order_relaxed);
 }
 
-void LFade::Apply(int* samples, int frames, int channels, int rate) {
-    const int out = outMilliseconds_.load(std::memory_order_relaxed);
-    if (out == 0 && level_ >= 1)
+void LFade::Apply(int* samples, int frames, int channels, int rate, std::int64_t unheard) {
+    const int asked = outMilliseconds_.load(std::memory_order_relaxed);
+    if (asked != std::exchange(asked_, asked))
+        out_ = static_cast<int>(std::max(asked - unheard * 1000 / rate, kShortestMilliseconds));
+    if (asked == 0 && level_ >= 1)
         return;
-    const float milliseconds = out > 0 ? -static_cast<float>(out) : kBackMilliseconds;
+    const float milliseconds = asked > 0 ? -static_cast<float>(out_) : kBackMilliseconds;
     const float step = 1000 / (milliseconds * static_cast<float>(rate));
     for (int frame = 0; frame < frames; ++frame) {
         level_ = std::clamp(level_ + step, 0.0F, 1.0F);

@@ -11,11 +11,12 @@ constexpr int kFadeRate = 8000;
 constexpr int kFull = 500000;
 
 // What becomes of so many milliseconds of full loudness on two channels, in blocks of odd sizes.
-std::vector<int> Faded(LFade& fade, int milliseconds) {
+std::vector<int> Faded(LFade& fade, int milliseconds, int unheardMilliseconds = 0) {
     std::vector<int> samples(static_cast<std::size_t>(kFadeRate / 1000 * milliseconds * 2), kFull);
     const int frames = static_cast<int>(samples.size()) / 2;
     for (int from = 0; from < frames; from += 333)
-        fade.Apply(samples.data() + from * 2, std::min(333, frames - from), 2, kFadeRate);
+        fade.Apply(samples.data() + from * 2, std::min(333, frames - from), 2, kFadeRate,
+                   kFadeRate / 1000 * unheardMilliseconds);
     return samples;
 }
 
@@ -43,6 +44,13 @@ TEST(FadeTest, GoesAndComesBackWithoutAClick) {
     heard.insert(heard.end(), back.begin(), back.end());
     EXPECT_EQ(heard.back(), kFull);
     EXPECT_LT(LargestJump(heard), kFull / 500);
+}
+
+TEST(FadeTest, IsSilentToTheEarWhenItWasAskedToBe) {
+    LFade fade;
+    fade.Out(1000);
+    EXPECT_NE(Faded(fade, 390, 600).back(), 0);
+    EXPECT_EQ(Faded(fade, 15, 600).back(), 0);
 }
 
 }  // namespace
