@@ -95,9 +95,10 @@ void SleepTimer::Hear(const ReadingNews& news) {
 }
 
 std::size_t SleepTimer::EndOfChapter() const {
-    const auto& headings = narrator_.Headings();
-    const auto next = std::ranges::upper_bound(headings, std::max(narrator_.Place(), passed_));
-    return next == headings.end() ? narrator_.Text().size() : *next;
+    const auto& chapters =
+        narrator_.Chapters().empty() ? narrator_.Headings() : narrator_.Chapters();
+    const auto next = std::ranges::upper_bound(chapters, std::max(narrator_.Place(), passed_));
+    return next == chapters.end() ? narrator_.Text().size() : *next;
 }
 
 // Nothing: that cannot be said while nothing is heard.

@@ -14,9 +14,10 @@
 enum class SleepAt : std::uint8_t { kNever, kIn15, kIn30, kIn60, kEndOfChapter };
 constexpr std::size_t kSleepChoices = 5;
 
-// In minutes, which pass whether something is read or not, or where the next heading begins; where
-// there is none, at the end of the text. The last ten seconds fade. Then the reading is paused, and
-// goes on from there as after every pause. A receiver of the narrator's news. GUI thread.
+// In minutes, which pass whether something is read or not, or where the next chapter begins (the
+// next heading in a text without chapters); where there is none, at the end of the text. The last
+// ten seconds fade. Then the reading is paused, and goes on from there as after every pause. A
+// receiver of the narrator's news. GUI thread.
 class SleepTimer {
 public:
     using Milliseconds = std::chrono::milliseconds;
@@ -51,7 +52,7 @@ private:
     const Clock clock_;
     SleepAt chosen_ = SleepAt::kNever;
     Milliseconds end_{0};           // of the minutes
-    std::size_t passed_ = 0;        // a heading that was as good as reached when it was chosen
+    std::size_t passed_ = 0;        // a chapter that was as good as reached when it was chosen
     std::size_t endOfChapter_ = 0;  // when it was looked at last
     bool isNearEnd_ = false;        // of that, then
     LGuiTimer next_;
