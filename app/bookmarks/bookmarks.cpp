@@ -27,7 +27,8 @@ void Bookmarks::AddCommands() {
 }
 
 std::string Bookmarks::Key() const {
-    return parts_.text.File().empty() ? "window" : KeyOfFile(parts_.text.File());
+    return parts_.text.File().empty() ? KeyOfWindowText(parts_.text.Text())
+                                      : KeyOfFile(parts_.text.File());
 }
 
 // The bookmark of what another program selected would be a trace of it.
@@ -66,6 +67,7 @@ void Bookmarks::CmSet() {
                                    .place = place,
                                    .sentence = std::move(sentence)}};
     KeptBookmarks kept;
+    kept.TakeAlong(bookmark.at.key, here.text);
     if (kept.IsFull())
         return Tell("There are " + std::to_string(KeptBookmarks::kMost) +
                     " bookmarks already: remove one first.");
@@ -75,9 +77,12 @@ void Bookmarks::CmSet() {
 }
 
 void Bookmarks::CmList() {
-    if (KeptBookmarks().Of(Key()).empty())
-        return Tell("There is no bookmark in this text yet (Ctrl+K sets one).");
     const std::string key = Key();
+    KeptBookmarks kept;
+    if (const int error = kept.TakeAlong(key, parts_.text.Text()); error != 0)
+        return Tell(std::string("The bookmarks cannot be kept: ") + g_strerror(error) + ".");
+    if (kept.Of(key).empty())
+        return Tell("There is no bookmark in this text yet (Ctrl+K sets one).");
     BookmarksDialog dialog(key, parts_.text.Text());
     const auto chosen = dialog.Run(parts_.parent());
     if (!chosen)

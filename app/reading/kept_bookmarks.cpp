@@ -15,6 +15,8 @@ namespace {
 
 constexpr const char* kBookmarksFile = "bookmarks";
 constexpr std::size_t kBookmarkFields = 6;
+constexpr std::string_view kOfWindow = "window";
+constexpr std::size_t kTellingBytes = 12;  // a shorter sentence may stand anywhere
 
 // Never in the middle of a character.
 std::string Shortened(std::string text, std::size_t most) {
@@ -31,6 +33,10 @@ bool IsSamePlace(const Bookmark& one, const Bookmark& other) {
 }
 
 }  // namespace
+
+std::string KeyOfWindowText(std::string_view text) {
+    return std::string(kOfWindow) + " " + KeyOfText(text);
+}
 
 std::string Bookmark::Title() const {
     return name.empty() ? BeginningOf(at.sentence) : name;
@@ -69,6 +75,21 @@ int KeptBookmarks::Set(Bookmark bookmark) {
 int KeptBookmarks::Remove(const Bookmark& bookmark) {
     std::erase_if(bookmarks_, [&](const Bookmark& each) { return IsSamePlace(each, bookmark); });
     return Write();
+}
+
+int KeptBookmarks::TakeAlong(const std::string& key, std::string_view text) {
+    if (!key.starts_with(kOfWindow))
+        return 0;
+    const std::string digest = KeyOfText(text);
+    bool isChanged = false;
+    for (Bookmark& each : bookmarks_) {
+        if (!each.at.key.starts_with(kOfWindow) || each.at.key == key ||
+            each.at.sentence.size() < kTellingBytes || !FindPlace(each.at, text, digest))
+            continue;
+        each.at.key = key;
+        isChanged = true;
+    }
+    return isChanged ? Write() : 0;
 }
 
 int KeptBookmarks::Write() const {

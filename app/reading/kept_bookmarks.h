@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/reading/kept_places.h"
@@ -13,6 +14,9 @@ struct Bookmark {
 
     std::string Title() const;
 };
+
+// Of a text that is in no file, and changes with every edit.
+std::string KeyOfWindowText(std::string_view text);
 
 // The user's store of them, written whole at each change. Each document has one at a place. GUI
 // thread.
@@ -27,6 +31,9 @@ public:
     // In place of the one that stands there, if any, unless it is full; 0 or the errno.
     int Set(Bookmark bookmark);
     int Remove(const Bookmark& bookmark);  // likewise
+    // If this is a text in no file, it gets those set in one whose sentence stands in it: an edit
+    // makes another text of it. 0 or the errno.
+    int TakeAlong(const std::string& key, std::string_view text);
 
 private:
     int Write() const;

@@ -67,6 +67,29 @@ TEST(KeptBookmarksTest, EachDocumentHasItsOwnInTheOrderOfTheText) {
     EXPECT_FALSE(KeptBookmarks().IsFull());
 }
 
+TEST(KeptBookmarksTest, ATextInNoFileKeepsItsOwnThroughItsEdits) {
+    const ScratchFolder home;
+    const ScopedVariable variable("HOME", home.Path().c_str());
+    const std::string text = "The ferries were late. The harbour slept.";
+    const std::string edited = "That night the ferries ran. The harbour slept.";
+    const std::string other = "Nothing of the kind.";
+    const auto titles = [](const std::string& of) {
+        KeptBookmarks kept;
+        EXPECT_EQ(kept.TakeAlong(KeyOfWindowText(of), of), 0);
+        std::vector<std::string> found;
+        for (const Bookmark& each : kept.Of(KeyOfWindowText(of)))
+            found.push_back(each.Title());
+        return found;
+    };
+    for (const char* sentence : {"The ferries were late.", "The harbour slept."})
+        EXPECT_EQ(KeptBookmarks().Set({.at = PlaceIn(text, sentence, KeyOfWindowText(text))}), 0);
+    EXPECT_EQ(KeptBookmarks().Set({.at = PlaceIn(text, "The harbour slept.", "a file's")}), 0);
+    EXPECT_THAT(titles(other), testing::IsEmpty());
+    EXPECT_THAT(titles(edited), testing::ElementsAre("The harbour slept."));
+    EXPECT_THAT(titles(text), testing::SizeIs(2)) << "undone";
+    EXPECT_THAT(KeptBookmarks().Of("a file's"), testing::SizeIs(1));
+}
+
 TEST(KeptPlacesTest, TheSentenceIsFoundAgainInAChangedText) {
     const std::string text = "It rains. It pours. It rains. The end.";
     KeptPlace kept = PlaceIn(text, "It rains.", "key");
