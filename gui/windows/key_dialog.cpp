@@ -30,10 +30,22 @@ bool IsBound(GType type, const GdkEventKey& event) {
     return false;
 }
 
+// The entry of a list that shows what was chosen there, and nothing that was typed.
+bool ShowsChoice(GtkWidget* entry) {
+    GtkWidget* list = gtk_widget_get_parent(entry);
+    return GTK_IS_COMBO_BOX(list) && gtk_combo_box_get_active(GTK_COMBO_BOX(list)) >= 0;
+}
+
+bool MovesByWords(const GdkEventKey& event) {
+    const LKeyCode key = KeyCodeOfEvent(event);
+    return key == (kKeyControl | GDK_KEY_Left) || key == (kKeyControl | GDK_KEY_Right);
+}
+
 // Keys that edit belong to the entry that has the focus, whatever the window does with them
-// elsewhere.
+// elsewhere. But nobody moves through the words of a choice.
 bool IsEntrysOwnKey(GtkWidget* focus, const GdkEventKey& event) {
     return GTK_IS_ENTRY(focus) && gtk_editable_get_editable(GTK_EDITABLE(focus)) != FALSE &&
+           !(MovesByWords(event) && ShowsChoice(focus)) &&
            (IsUndo(KeyCodeOfEvent(event)) || Writes(event) || IsBound(G_OBJECT_TYPE(focus), event));
 }
 

@@ -52,6 +52,13 @@ class PlaybackCommandsTest(DesktopCase):
             desktop.wait_until(lambda: next(lectora.walk("label", speed), None), keys)
         desktop.press_keys("ctrl+Right")
         desktop.wait_until(lambda: lectora.highlighted().strip() == SENTENCES[1], "the next sentence")
+        # The list of voices, in which nothing was typed, has no words to move through.
+        voice = next(each for each in lectora.find_all("text") if "voice" in each.queryText().getText(0, -1))
+        voice.queryComponent().grabFocus()
+        desktop.wait_until(lambda: voice.getState().contains(desktop.pyatspi.STATE_FOCUSED), "the keyboard")
+        desktop.press_keys("ctrl+Left")
+        desktop.wait_until(lambda: lectora.highlighted().strip() == SENTENCES[0], "the sentence before")
+        lectora.text_box().queryComponent().grabFocus()
         lectora.press_tray_icon(3)
         lectora.press_popped_up("Stop")
         desktop.wait_until(lambda: not self.is_down(lectora), "the end")
