@@ -190,11 +190,12 @@ void MainDialog::EvShown() {
     if (narrator_.Waiting().IsEmpty()) {
         keeper_.TextCame();
         presence_.Begin([this] { hotKeys_.OfferSoon(); });
-        return;
+    } else {
+        // No question is in the way of a reading that is about to begin.
+        presence_.Begin(nullptr);
+        requests_.BeginWithKeyboard();
     }
-    // No question is in the way of a reading that is about to begin.
-    presence_.Begin(nullptr);
-    requests_.BeginWithKeyboard();
+    queue_.Kept().Begin([this](const auto& path) { return requests_.ReadWaitingFile(path); });
 }
 
 void MainDialog::DestroyDialog() {
@@ -202,6 +203,7 @@ void MainDialog::DestroyDialog() {
     sources_.DropFetch();
     presence_.End();
     hotKeys_.Stop();
+    queue_.Kept().End();
     narrator_.Waiting().Clear();
     narrator_.Forget();
     view_.Player().Close();

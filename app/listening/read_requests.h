@@ -41,6 +41,8 @@ public:
     // From the main loop: loading may run a dialog, and the other program waits for the drop to
     // end. One file is there to be looked at.
     void TakeDropped(const std::vector<std::string>& files);
+    // The turn of a file that waited.
+    QueuedText::Begun ReadWaitingFile(const std::string& path);
     // The window, shown for the first time: what waits begins once it has the keyboard.
     void BeginWithKeyboard();
 
@@ -54,7 +56,6 @@ private:
     void CmReadFromSelection();
     void CmReadSelectionOrPause();
     bool CanBegin() const;
-    QueuedText::Begun ReadWaitingFile(const std::string& path);
     bool IsBusy(const VerbReplyRef& reply);
     void ReadFor(SelectionWatch::From from, const VerbReplyRef& reply);
     void ReadFileFor(const std::string& path, const VerbReplyRef& reply);

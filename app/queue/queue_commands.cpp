@@ -6,11 +6,14 @@
 
 #include "app/commands/command_numbers.h"
 #include "app/queue/queue_dialog.h"
+#include "app/settings_keys.h"
 
 QueueCommands::QueueCommands(Narrator& narrator, CommandSet& commands, Listener listener)
     : narrator_(narrator),
       commands_(commands),
       listener_(std::move(listener)),
+      kept_(narrator.Waiting(),
+            {.mayKeep = [] { return kKeepTextSetting.Get(); }, .tell = listener_.tell}),
       changes_(narrator.Waiting().Changes(), [this](const auto&) { EvChange(); }) {}
 
 void QueueCommands::AddCommands() {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/commands/command_set.h"
+#include "app/reading/kept_queue.h"
 #include "app/reading/narrator.h"
 
 // GUI thread; all that is handed over outlives this object.
@@ -23,6 +24,8 @@ public:
 
     void AddCommands();
     CommandNeeds Available() const;
+    // Of the queue from one run to the next: what waits is kept once it was taken up.
+    KeptQueue& Kept() { return kept_; }
     std::string Status() const;  // "2 files wait"; empty when none does
 
 private:
@@ -33,6 +36,7 @@ private:
     Narrator& narrator_;
     CommandSet& commands_;
     const Listener listener_;
+    KeptQueue kept_;
     bool wasAside_ = false;
     bool isUntold_ = false;
     LGuiTimer soon_;

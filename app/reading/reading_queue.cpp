@@ -21,6 +21,11 @@ void ReadingQueue::Add(QueuedText text) {
     Tell();
 }
 
+void ReadingQueue::AddAside(QueuedText text) {
+    texts_.push_back({++lastId_, std::move(text), true});
+    Tell();
+}
+
 // Those in front begin by themselves, whichever these are.
 void ReadingQueue::Move(int id, int step) {
     const auto from = Find(id);

@@ -33,7 +33,8 @@ public:
     bool IsEmpty() const { return texts_.empty(); }
     std::size_t Length() const { return texts_.size(); }
 
-    void Add(QueuedText text);    // behind those that are to come
+    void Add(QueuedText text);  // behind those that are to come
+    void AddAside(QueuedText text);
     void Move(int id, int step);  // among the files: -1 sooner, 1 later
     void MoveToFront(int id);
     void Remove(int id);

@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "app/reading/kept_bookmarks.h"
+#include "app/reading/kept_queue.h"
 #include "app/settings_keys.h"
 #include "foundation/files/private_file.h"
 
@@ -130,4 +131,5 @@ void ForgetKeptText() {
     RemovePrivateFile(kStructureFile);
     ForgetKeptPlaces();
     ForgetKeptBookmarks();
+    ForgetKeptQueue();
 }

@@ -1,6 +1,8 @@
 // Files that wait, in a narrator that reads them.
 #include "app/reading/reading_queue.h"
 
+#include "app/reading/kept_queue.h"
+
 #include <gmock/gmock.h>
 
 #include "tests/app/reading/narrator_fixture.h"
@@ -72,6 +74,41 @@ TEST_F(ReadingQueueTest, WhatIsStoppedIsSetAsideAndReadOnceItIsAskedFor) {
     ASSERT_TRUE(RunToEndOf("d"));
     EXPECT_THAT(begun_, ElementsAre("a", "new", "c", "d"));
     EXPECT_THAT(Waiting(), IsEmpty());
+}
+
+// What another start finds: the files of the queue, none of which begins by itself.
+TEST(KeptQueueTest, WhatWaitsIsThereAtTheNextStartAndSetAside) {
+    const ScratchFolder home;
+    const ScopedVariable variable("HOME", home.Path().c_str());
+    bool mayKeep = true;
+    std::vector<std::string> told;
+    const KeptQueue::Listener listener{.mayKeep = [&] { return mayKeep; },
+                                       .tell = [&](const char* text) { told.push_back(text); }};
+    const auto run = [&](const std::vector<std::string>& added) {
+        ReadingQueue queue;
+        for (const std::string& path : added)
+            queue.Add({.begin = [] { return QueuedText::Begun::kFailed; }, .path = path});
+        KeptQueue kept(queue, listener);
+        kept.Begin([&](const std::string&) { return QueuedText::Begun::kYes; });
+        EXPECT_EQ(queue.MayBegin(), !added.empty());
+        std::vector<std::string> paths;
+        for (const ReadingQueue::File& file : queue.Files())
+            paths.push_back(file.path);
+        queue.Add({.begin = [] { return QueuedText::Begun::kFailed; }});  // which is no file
+        kept.End();
+        queue.Clear();
+        return paths;
+    };
+    run({"/home/one.txt", "https://example.org/two"});
+    EXPECT_THAT(run({"/home/new"}),
+                ElementsAre("/home/new", "/home/one.txt", "https://example.org/two"));
+    EXPECT_THAT(told, IsEmpty());
+    run(std::vector<std::string>(KeptQueue::kMost, "/home/" + std::string(1500, 'x')));
+    EXPECT_THAT(told, ElementsAre(testing::HasSubstr("only the first 597 are kept")));
+    mayKeep = false;
+    EXPECT_THAT(run({"/home/private"}), ElementsAre("/home/private"));
+    mayKeep = true;
+    EXPECT_THAT(run({}), IsEmpty());
 }
 
 }  // namespace
