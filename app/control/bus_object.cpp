@@ -3,27 +3,17 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <memory>
 #include <utility>
 
+#include "app/control/session_bus.h"
 #include "foundation/gdk/gdk_lock.h"
 
-namespace {
-
-struct FreeError {
-    void operator()(GError* error) const { g_error_free(error); }
-};
-using ErrorRef = std::unique_ptr<GError, FreeError>;
-
-// Without one the library would start a bus of its own, which nobody else is on.
 bool HasSessionBus() {
     if (std::getenv("DBUS_SESSION_BUS_ADDRESS") != nullptr)
         return true;
     const char* folder = std::getenv("XDG_RUNTIME_DIR");
     return folder != nullptr && ::access((std::string(folder) + "/bus").c_str(), R_OK | W_OK) == 0;
 }
-
-}  // namespace
 
 BusObject::BusObject(const char* path, const char* description, Ways ways)
     : path_(path), description_(description), ways_(std::move(ways)) {}

@@ -6,12 +6,12 @@
 #include <glib.h>
 
 #include <map>
-#include <memory>
 #include <string>
 
 #include "app/control/bus_object.h"
 #include "app/control/controlled_window.h"
 #include "app/control/jump_watch.h"
+#include "app/control/session_bus.h"
 #include "app/reading/narrator.h"
 #include "gui/gui_timer.h"
 
@@ -27,11 +27,6 @@ public:
     void Update();     // tells the desktop what has changed, of what can be asked for as well
 
 private:
-    struct FreeVariant {
-        void operator()(GVariant* variant) const { g_variant_unref(variant); }
-    };
-    using VariantRef = std::unique_ptr<GVariant, FreeVariant>;
-
     void Hear(const ReadingNews& news);
     bool Call(const std::string& method, GVariant* arguments);
     GVariant* Get(const std::string& property) const;

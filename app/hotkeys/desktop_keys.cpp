@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 
+#include "app/control/shortcut_portal.h"
 #include "app/control/verb.h"
 
 namespace {
@@ -18,10 +19,14 @@ std::string ShellCommandOf(const VerbFacts& verb) {
 
 }  // namespace
 
-bool HotKeysReachEveryProgram() {
+bool IsWaylandSession() {
     if (const char* type = std::getenv("XDG_SESSION_TYPE"); type != nullptr && *type != '\0')
-        return std::string(type) != "wayland";
-    return std::getenv("WAYLAND_DISPLAY") == nullptr;
+        return std::string(type) == "wayland";
+    return std::getenv("WAYLAND_DISPLAY") != nullptr;
+}
+
+bool HotKeysReachEveryProgram() {
+    return !IsWaylandSession() || ShortcutPortal::GivesKeys();
 }
 
 std::string DesktopKeyHints() {

@@ -3,8 +3,10 @@
 
 #include <string>
 
-// Under Wayland a key that is pressed in another program does not come to this one. The desktop's
-// own keyboard settings can start a command by it.
+bool IsWaylandSession();
+
+// Under Wayland a key that is pressed in another program comes to this one only where the desktop
+// gives it (ShortcutPortal). The desktop's own keyboard settings can start a command by it.
 bool HotKeysReachEveryProgram();
 
 // Those commands, one a line, with a word about each.

@@ -1,8 +1,10 @@
 """System-wide hotkeys: what is selected in another program is read and saved by one key."""
+import os
 import subprocess
 import unittest
 
 from desktop_case import DesktopCase, desktop
+from shortcut_portal import ShortcutPortal
 
 UPDATE, READ, SAVE, PAUSE, STOP, BACK, AHEAD, FASTER, SLOWER = range(9)
 CONTROL_SHIFT, CONTROL_ALT = 5 << 16, 12 << 16
@@ -45,6 +47,40 @@ class HotKeysTest(DesktopCase):
         self.select("new words")
         desktop.press_keys("ctrl+shift+r")
         self.await_status("reading", "new words")
+
+    def test_under_wayland_the_desktop_gives_the_keys_where_it_can(self):
+        self.give_keys((CONTROL_ALT | ord("R"), READ), (CONTROL_SHIFT | 0xFFC2, STOP))
+        self.card.tell("speed 0.1")
+        desktop.tell_engine("text2wave long 60")
+        portal = ShortcutPortal(os.environ["DBUS_SESSION_BUS_ADDRESS"])
+        self.addCleanup(portal.end)
+        lectora = self.start(XDG_SESSION_TYPE="wayland")
+        desktop.wait_until(
+            lambda: list(portal.sessions.values())
+            == [[("1", "Read text from clipboard", "CTRL+ALT+r"), ("4", "Stop reading", "CTRL+SHIFT+F5")]],
+            "the shortcuts",
+        )
+        lectora.hide()
+        self.select("words by the portal")
+        portal.press("1")
+        self.await_status("reading", "words by the portal")
+        portal.press("4")
+        self.await_status("stopped")
+        lectora.press_tray_icon(1)
+        lectora.press("push button", "Options")
+        lectora.press("page tab", "HotKeys")
+        self.assertEqual(lectora.find_all("push button", "Copy Commands"), [], "the keys reach every program")
+        lectora.press("push button", "Cancel")
+        # Once its user has refused, the commands for his own keys are shown again.
+        portal.agrees = False
+        lectora.end()
+        portal.sessions.clear()  # a portal's go with their program
+        lectora = self.start(XDG_SESSION_TYPE="wayland")
+        desktop.wait_until(lambda: portal.refusals == 1, "the refusal")
+        desktop.wait_until(lambda: not portal.sessions, "the session to be given up")
+        lectora.press("push button", "Options")
+        lectora.press("page tab", "HotKeys")
+        lectora.find("push button", "Copy Commands")
 
     def test_keys_control_a_reading_over_another_programs_window(self):
         keys = {PAUSE: "p", STOP: "x", BACK: "b", AHEAD: "a", FASTER: "f", SLOWER: "s"}
