@@ -24,6 +24,8 @@ WINDOWS = (
     (MAIN, None, "Escape", "Text to read text", None),
     (MAIN, None, "ctrl+k", "Bookmark: ", None),
     (MAIN, None, "ctrl+shift+k", "Bookmarks dialog", "Bookmarks, Rename..., Remove, Go There, Cancel"),
+    (MAIN, None, "ctrl+l", "Waiting Files dialog",
+     "Waiting Files, Down, Remove, Remove All, Cancel, Read Now"),
     (MAIN, None, "alt+h a", "Lectora dialog", "OK"),
     (MAIN, None, "ctrl+o", "Locate File to Read Text dialog", "Files, Places, Cancel, Open"),
     (LOAD, None, "slash z Return", "alert Error", "OK"),
@@ -123,6 +125,13 @@ class ScreenReaderTest(DesktopCase):
         super().setUp()
         self.began = self.reader.mark()
 
+    def keep_waiting(self, *paths):
+        """As an earlier run of the program has left them."""
+        kept = os.path.join(desktop.HOME, ".quillon/lectora/waiting-files")
+        os.makedirs(os.path.dirname(kept), exist_ok=True)
+        with open(kept, "w", opener=lambda path, flags: os.open(path, flags, 0o600)) as file:
+            file.write("".join(path + "\0" for path in paths))
+
     def leave(self):
         """Gives the keyboard to another program: the reader hangs, or misses the next window, when
         the one that it is asking about ends. What it says of a window that comes back differs."""
@@ -164,6 +173,7 @@ class ScreenReaderTest(DesktopCase):
         self.store("settings", savedefaultformat=1, saveformat=1)
         desktop.tell_engine("text2wave long 600")
         self.card.tell("speed 1")
+        self.keep_waiting("/nowhere/one.txt", "/nowhere/two.txt")
         lectora = self.start(asks=True)
         lectora.set_text("some words")
         self.walk(FIRST_START)
