@@ -17,6 +17,8 @@ constexpr const char* kRequestInterface = "org.freedesktop.portal.Request";
 constexpr const char* kSessionInterface = "org.freedesktop.portal.Session";
 constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 
+constexpr guint32 kRefused = 1;  // by the user; 0: granted, 2: something else was in the way
+
 std::atomic<bool>& PortalGivesKeys() {
     static std::atomic<bool> gives{false};
     return gives;
@@ -109,6 +111,11 @@ void ShortcutPortal::Bind(std::vector<Shortcut> shortcuts) {
         CreateSession();
 }
 
+void ShortcutPortal::DoWithout() {
+    CloseSession();
+    PortalGivesKeys() = false;
+}
+
 // A session takes shortcuts once.
 void ShortcutPortal::CloseSession() {
     if (!session_.empty())
@@ -196,8 +203,9 @@ void ShortcutPortal::EvResponse(GVariant* arguments) {
     const Asked asked = std::exchange(asked_, Asked::kNothing);
     if (response != 0) {
         LOGWARNF("The desktop gives no keys: its user refused, or it failed (%u)", response);
-        CloseSession();
-        PortalGivesKeys() = false;
+        DoWithout();
+        if (response == kRefused)
+            listener_.refused();
     } else if (asked == Asked::kShortcuts) {
         listener_.bound();
     } else if (session_ = TextIn(results.get(), "session_handle"); !session_.empty()) {

@@ -25,6 +25,7 @@ public:
     struct Listener {
         std::function<void()> offered;  // there is such a portal: Bind may be called
         std::function<void()> bound;    // the user has agreed
+        std::function<void()> refused;  // or has not
         std::function<void(const std::string& id)> activated;
     };
     explicit ShortcutPortal(Listener listener) : listener_(std::move(listener)) {}
@@ -35,6 +36,7 @@ public:
     void LookFor();  // once
     // In place of those before; none gives them up.
     void Bind(std::vector<Shortcut> shortcuts);
+    void DoWithout();  // as if the user had refused
 
     // Whether keys come that way in this session, as far as is known: there is such a portal, and
     // its user has not refused. Any thread.

@@ -9,6 +9,7 @@
 #include "app/commands/command_numbers.h"
 #include "app/hotkeys/desktop_keys.h"
 #include "app/hotkeys/hot_key_store.h"
+#include "app/hotkeys/settings_keys.h"
 
 namespace {
 
@@ -40,6 +41,13 @@ std::vector<ShortcutPortal::Shortcut> StoredShortcuts() {
     return shortcuts;
 }
 
+std::string NumberOf(const std::vector<ShortcutPortal::Shortcut>& shortcuts) {
+    std::string text;
+    for (const ShortcutPortal::Shortcut& each : shortcuts)
+        text += each.id + "=" + each.trigger + " ";
+    return std::to_string(g_str_hash(text.c_str()));
+}
+
 }  // namespace
 
 HotKeyCommands::HotKeyCommands(LWindow& window, const CommandTurn& turn)
@@ -52,6 +60,7 @@ HotKeyCommands::HotKeyCommands(LWindow& window, const CommandTurn& turn)
                         areGiven_ = true;
                         keys_.Stop();  // or one press would count twice
                     },
+                .refused = [this] { kRefusedShortcutsSetting.Set(NumberOf(asked_)); },
                 .activated = [this](const std::string& id) { EvShortcut(id); }}) {}
 
 void HotKeyCommands::Begin() {
@@ -72,7 +81,10 @@ void HotKeyCommands::Start() {
 void HotKeyCommands::AskDesktop() {
     asked_ = StoredShortcuts();
     areGiven_ = false;
-    desktop_.Bind(asked_);
+    if (!asked_.empty() && NumberOf(asked_) == kRefusedShortcutsSetting.Get())
+        desktop_.DoWithout();
+    else
+        desktop_.Bind(asked_);
 }
 
 // What a command does may run dialogs.

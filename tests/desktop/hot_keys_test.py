@@ -78,9 +78,12 @@ class HotKeysTest(DesktopCase):
         lectora = self.start(XDG_SESSION_TYPE="wayland")
         desktop.wait_until(lambda: portal.refusals == 1, "the refusal")
         desktop.wait_until(lambda: not portal.sessions, "the session to be given up")
+        lectora.end()
+        lectora = self.start(XDG_SESSION_TYPE="wayland")
         lectora.press("push button", "Options")
         lectora.press("page tab", "HotKeys")
         lectora.find("push button", "Copy Commands")
+        self.assertEqual(portal.refusals, 1, "he is not asked again")
 
     def test_keys_control_a_reading_over_another_programs_window(self):
         keys = {PAUSE: "p", STOP: "x", BACK: "b", AHEAD: "a", FASTER: "f", SLOWER: "s"}
