@@ -26,8 +26,8 @@ TEST(EngineReserveTest, TheNextReadingFindsAnEngineThatWaitsForItsText) {
     EngineReserve reserve;
     const auto hear = [&] {
         SpeechReading reading(
-            "The first sentence says number 1. The second says the number 2. And here is 3, which "
-            "ends it.",
+            "This sentence says the number 1. This one says the number 2. And this says the number "
+            "3.",
             0, engine / "speech.wav", ReadingUse::kListening);
         reading.KeepReserve(reserve);
         reading.Start();
