@@ -29,24 +29,31 @@ constexpr std::array<std::string_view, 5> kAlike[] = {{"da", "nb", "nn", "sv"},
                                                       {"id", "ms"},
                                                       {"ru", "uk", "be", "bg", "sr"}};
 
+// A voice of the one reads the other as it is spoken.
+constexpr std::array<std::string_view, 2> kSpokenAlike[] = {
+    {"hr", "bs"}, {"nb", "nn"}, {"id", "ms"}};
+
 // What shows one of languages that are much alike, in small letters, with blanks for the ends of
 // words.
 struct Tellers {
     std::string_view language;
-    std::array<std::string_view, 13> parts;
+    std::array<std::string_view, 28> parts;
 };
 constexpr Tellers kTellers[] = {
-    {"da",
-     {" af ", "tion", "hed ", "heden", "ede ", "efter", " ud", " op ", "øj", "ej", " at ", "æs",
-      "igt "}},
-    {"nb",
-     {" av ", "sjon", "het ", "heten", "etter", " ut", " opp", "øy", "ei", " å ", "les ", "noe",
-      "lig "}},
+    {"da", {" af ",  "tion",  "hed ",  "heden", "ede ",  "efter",  " ud",    " op ",   "øj",
+            "ej",    " at ",  "æs",    "igt ",  "uden",  "brug",   "sprog",  "mellem", "hvad ",
+            "nogen", "noget", "meget", " mig ", " dig ", " blev ", " blive", " have ", "erne "}},
+    {"nb", {" av ",  "sjon",  "het ",  "heten", "etter", " ut",  " opp",  "øy",     "ei",
+            " å ",   "les ",  "noe",   "lig ",  "uten",  "bruk", "språk", "mellom", " hva ",
+            " mye ", " meg ", " deg ", " ble ", " bli ", " ha ", " fra ", "ene ",   "tilgj"}},
     {"sv", {"ä", "ö", " och ", " att ", " inte ", " är ", "ning"}},
     {"bg", {"ъ", " се ", "ият "}},
     {"ru", {"ы", "э", "ё"}},
     {"uk", {"і", "ї", "є", "ґ"}},
-    {"sr", {"ј", "љ", "њ", "ђ", "ћ", "џ"}},
+    {"sr", {"ј", "љ", "њ", "ђ", "ћ", "џ", " šta ", "fajl", " gde ", "vreme", " reč", "mesto"}},
+    {"hr",
+     {" što ", "gdje", "uvjet", "vrijed", "đ", "ć", "tijek", "smije", " nije ", "prije", "ovdje"}},
+    {"sl", {" ki ", "lahko", " ni ", "mogoče", " ter ", " bo ", "ljen", " ob ", " kot "}},
 };
 constexpr std::size_t kTellingMore = 1;
 
@@ -89,6 +96,13 @@ std::string_view LanguageOnly(std::string_view tag) {
     const auto* const same = std::ranges::find(
         kSameLanguages, language, &std::pair<std::string_view, std::string_view>::first);
     return same == std::end(kSameLanguages) ? language : same->second;
+}
+
+std::vector<std::string_view> SpokenAlike(std::string_view language) {
+    for (const auto& group : kSpokenAlike)
+        if (std::ranges::find(group, language) != std::end(group))
+            return {group.begin(), group.end()};
+    return {};
 }
 
 bool AreMuchAlike(std::string_view one, std::string_view other) {

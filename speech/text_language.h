@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 struct TextLanguage {
     std::string tag;      // "de"; empty: it does not show surely enough
@@ -17,3 +18,6 @@ std::string_view LanguageOnly(std::string_view tag);
 
 // Whether sentences of the two are taken for each other too easily (Danish and Norwegian).
 bool AreMuchAlike(std::string_view one, std::string_view other);
+
+// Languages whose voices read a text of this one, too, where it has none (Bosnian for Croatian).
+std::vector<std::string_view> SpokenAlike(std::string_view language);

@@ -117,8 +117,12 @@ void VoiceStretches::AddSentences(const std::vector<Sentence>& paragraph) {
 // The language of what was looked at; empty when nothing tells it.
 std::string VoiceStretches::Judge(const TextLanguage& seen, const std::string& marked) const {
     const std::string& expected = marked.empty() ? language_ : marked;
-    if (seen.tag.empty() || (!seen.isLong && AreMuchAlike(seen.tag, expected)))
-        return seen.tag.empty() ? marked : expected;
+    if (seen.tag.empty())
+        return marked;
+    const std::vector<std::string_view> alike = SpokenAlike(seen.tag);
+    if (std::ranges::find(alike, expected) != alike.end() ||
+        (!seen.isLong && AreMuchAlike(seen.tag, expected)))
+        return expected;
     return seen.tag;
 }
 
@@ -130,7 +134,10 @@ std::string VoiceStretches::MarkedLanguage(std::size_t place) const {
 int VoiceStretches::VoiceOf(const std::string& language) {
     if (language == voiceLanguage_)
         return voice_;
-    const int voice = VoiceForLanguage(language);
+    int voice = VoiceForLanguage(language);
+    for (const std::string_view other : SpokenAlike(language))
+        if (voice < 0)
+            voice = other == voiceLanguage_ ? voice_ : VoiceForLanguage(other);
     if (voice >= 0)
         return voice;
     if (std::ranges::find(withoutVoice_, language) == withoutVoice_.end())
