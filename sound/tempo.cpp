@@ -5,17 +5,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "sound/stretching.h"
+
 namespace {
 
 constexpr int kFeedFrames = 1024;
-constexpr float kFullScale = 524288;
-
-// For speech the library's makers advise shorter stretches than for music: sequence, search and
-// overlap in milliseconds.
-constexpr int kSequence = 40;
-constexpr int kSearch = 15;
-constexpr int kOverlap = 8;
-
 }  // namespace
 
 void LTempo::Set(int percent) {
@@ -31,9 +25,7 @@ LTempoSource::LTempoSource(const LSoundSource& inner, std::shared_ptr<const LTem
       samples_(static_cast<std::size_t>(kMaxBlockFrames) * channels_) {
     stretcher_->setSampleRate(static_cast<unsigned int>(sampleRate_));
     stretcher_->setChannels(channels_);
-    stretcher_->setSetting(SETTING_SEQUENCE_MS, kSequence);
-    stretcher_->setSetting(SETTING_SEEKWINDOW_MS, kSearch);
-    stretcher_->setSetting(SETTING_OVERLAP_MS, kOverlap);
+    SetForSpeech(*stretcher_);
     // Stretched waves meet at other phases: the sum may pass the source's own peak.
     peakMagnitude_ += peakMagnitude_ / 2;
 }
@@ -100,7 +92,7 @@ bool LTempoSource::Feed() {
     inner_->Read(input_.data(), frames);
     const std::size_t count = static_cast<std::size_t>(frames) * channels_;
     for (std::size_t i = 0; i < count; ++i)
-        samples_[i] = static_cast<float>(input_[i]) / kFullScale;
+        samples_[i] = static_cast<float>(input_[i]) / kStretchScale;
     stretcher_->putSamples(samples_.data(), static_cast<unsigned int>(frames));
     return true;
 }
@@ -118,7 +110,7 @@ void LTempoSource::Read(int* buffer, int frames) {
             stretcher_->receiveSamples(samples_.data(), static_cast<unsigned int>(wanted)));
         const std::size_t count = static_cast<std::size_t>(got) * channels_;
         for (std::size_t i = 0; i < count; ++i)
-            *buffer++ = static_cast<int>(std::lround(samples_[i] * kFullScale));
+            *buffer++ = static_cast<int>(std::lround(samples_[i] * kStretchScale));
         done += got;
         if (got == 0 && !Feed())
             break;

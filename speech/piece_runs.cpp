@@ -10,6 +10,8 @@
 #include "foundation/log/log.h"
 #include "foundation/whole_characters.h"
 #include "speech/paused_sound.h"
+#include "speech/speech_engines.h"
+#include "speech/voice_manner.h"
 #include "speech/voices.h"
 
 namespace {
@@ -38,6 +40,10 @@ std::string Quote(std::string_view stretch) {
 
 std::string Joined(const std::string& one, const std::string& other) {
     return one.empty() || other.empty() ? one + other : one + " " + other;
+}
+
+LSoundSource SoundInManner(const LSoundSource& sound, const Voice& voice) {
+    return EngineOf(voice).takesManner ? sound : InManner(sound, MannerOf(voice));
 }
 
 }  // namespace
@@ -168,7 +174,9 @@ void PieceRuns::TakeSound(Run& run) {
     leftOutInRow_ = 0;
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - run.start;
     pieces_->RunTook(took.count());
-    const LSoundSource sound = WithPause(run.engine->run.Sound(), run.piece.pauseMilliseconds);
+    const LSoundSource sound =
+        WithPause(SoundInManner(run.engine->run.Sound(), VoiceAt(run.piece.voice)),
+                  run.piece.pauseMilliseconds);
     if (!hasSpoken_)
         channels_ = sound->Channels();
     // Only mono and stereo become each other.

@@ -3,13 +3,16 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 
 #include "speech/festival_voices.h"
 #include "speech/own_engines.h"
 #include "speech/shell_word.h"
 #include "speech/text_language.h"
+#include "speech/voice_manner.h"
 #include "speech/voice_title.h"
+#include "speech/voice_variants.h"
 #include "speech/voices.h"
 
 namespace {
@@ -40,9 +43,22 @@ std::string Tag(std::string tag) {
     return tag;
 }
 
+// Its file, "!v/f2", is what a voice is joined with: "en-us+f2".
+void AddVariant(const std::string& title, std::string_view line,
+                std::vector<VoiceVariant>& variants) {
+    constexpr std::string_view kFolder = "!v/";
+    const std::size_t folder = line.find(kFolder);
+    if (folder == std::string_view::npos)
+        return;
+    std::string_view name = line.substr(folder + kFolder.size());
+    name = name.substr(0, name.find_last_not_of(' ') + 1);
+    variants.push_back({std::string(name), title});
+}
+
 // Lines of "priority language age/gender name file (others)" under a head.
 std::vector<Voice> EspeakVoicesIn(const SpeechEngine& engine, std::string_view answer) {
     std::vector<Voice> voices;
+    std::vector<VoiceVariant> variants;
     std::istringstream lines{std::string(answer)};
     for (std::string line; std::getline(lines, line);) {
         std::istringstream words(line);
@@ -55,17 +71,34 @@ std::vector<Voice> EspeakVoicesIn(const SpeechEngine& engine, std::string_view a
             continue;
         std::ranges::replace(title, '_', ' ');
         title.erase(title.find_last_not_of(' ') + 1);
+        if (language == "variant") {
+            AddVariant(title, line, variants);
+            continue;
+        }
         Voice voice{engine.name, language, "", Tag(language), VoiceCharset::kUnicode};
         NameVoice(voice, {.engine = engine.title, .language = title});
         voices.push_back(std::move(voice));
     }
+    KnowVariants(engine.name, std::move(variants));
     return voices;
+}
+
+// Measured: 0 to 99 are 61 to 165 percent.
+int EspeakPitch(int percent) {
+    return std::clamp(static_cast<int>(std::lround(50 + 69 * std::log2(percent / 100.0))), 0, 99);
 }
 
 std::string EspeakCommand(const SpeechEngine& engine, const Voice& voice, std::string_view textPath,
                           std::string_view soundPath) {
-    return engine.program + " -b 1 -v " + ShellWord(voice.name) + " -f " + ShellWord(textPath) +
-           " -w " + ShellWord(soundPath);
+    const VoiceManner manner = MannerOf(voice);
+    const std::string variant = manner.variant.empty() ? "" : "+" + manner.variant;
+    std::string options;
+    if (manner.pitch != VoiceManner().pitch)
+        options = " -p " + std::to_string(EspeakPitch(manner.pitch));
+    if (manner.volume != VoiceManner().volume)
+        options += " -a " + std::to_string(manner.volume);
+    return engine.program + " -b 1" + options + " -v " + ShellWord(voice.name + variant) + " -f " +
+           ShellWord(textPath) + " -w " + ShellWord(soundPath);
 }
 
 struct FliteVoice {
@@ -116,9 +149,10 @@ std::vector<SpeechEngine> EnginesWithRows() {
     rows[1].name = "espeak-ng";
     rows[1].title = "eSpeak NG";
     rows[1].program = "espeak-ng";
-    rows[1].listCommand = "espeak-ng --voices";
+    rows[1].listCommand = "espeak-ng --voices && espeak-ng --voices=variant";
     rows[1].voicesIn = EspeakVoicesIn;
     rows[1].command = EspeakCommand;
+    rows[1].takesManner = true;
     rows[1].says = kSaysEmoji;
     rows[2].name = "flite";
     rows[2].title = "Flite";

@@ -26,6 +26,7 @@ struct SpeechEngine {
     bool isOneProgram = true;
     // It loads its voice, which takes long, before it reads the text, from a pipe as well.
     bool loadsBeforeText = false;
+    bool takesManner = false;      // its command is told it (voice_manner.h); else we see to it
     SaidByEngine says = 0;         // well, in any language
     SaidByEngine saysEnglish = 0;  // in English beside that
     // A user's own: "{text}", "{wav}", "{voice}" and "{rate}" stand for words; and its voices.

@@ -27,11 +27,18 @@ void VoiceChooserDlg::Generate(LDialogGenContext& context) {
     context.AddInput(kSearch, "&Search:");
     context.AddList(kVoices, kVoicesHeight, "Voices");
     context.AddStatic(kCount, "");
+    context.AddPullDownList(kVariant, "Va&riant:");
+    context.AddInputUpDown(kPitch, "&Pitch in percent:");
+    context.AddInputUpDown(kVolume, "Vo&lume in percent:");
     context.AddSpecialOkCancelHelp(kHear, "Hear &It", kOkCancelHelp);
 }
 
 bool VoiceChooserDlg::Run(GtkWidget* parent) {
-    return Open(parent, {"Choose a Voice", false, Generate}, true);
+    if (Open(parent, {"Choose a Voice", false, Generate}, true))
+        return true;
+    for (const auto& [index, manner] : unchanged_)
+        KeepManner(VoiceAt(index), manner);
+    return false;
 }
 
 void VoiceChooserDlg::InitDialog() {
@@ -42,7 +49,13 @@ void VoiceChooserDlg::InitDialog() {
     HandleLVSelChange(kVoices);
     HandleLVDoubleClick(kVoices, kChosenByPress);
     g_signal_connect(GetControlByID(kSearch), "key-press-event", G_CALLBACK(GCKeyInSearch), this);
+    UDInit(kPitch, VoiceManner::kLeastPitch, VoiceManner::kMostPitch, VoiceManner().pitch);
+    UDInit(kVolume, VoiceManner::kLeastVolume, VoiceManner().volume, VoiceManner().volume);
+    SetTooltip(kVariant, "Another speaker that the engine makes of this voice");
+    SetTooltip(kPitch, "Of the voice's own; more is higher. Kept with the voice, as its speed is");
+    SetTooltip(kVolume, "Of the voice's own, to make loud voices as soft as others");
     FillList();
+    ShowManner();
     FocusControl(kSearch);
 }
 
@@ -95,8 +108,50 @@ void VoiceChooserDlg::FillList() {
 
 void VoiceChooserDlg::NoteSelection() {
     const int row = LVGetFirstSel(kVoices);
-    if (row >= 0 && static_cast<std::size_t>(row) < shown_.size())
-        voice_ = voices_[shown_[static_cast<std::size_t>(row)]].index;
+    if (row < 0 || static_cast<std::size_t>(row) >= shown_.size())
+        return;
+    const int voice = voices_[shown_[static_cast<std::size_t>(row)]].index;
+    if (voice == voice_)
+        return;
+    TakeManner();
+    voice_ = voice;
+    ShowManner();
+}
+
+void VoiceChooserDlg::ShowManner() {
+    const Voice voice = VoiceAt(voice_);
+    const VoiceManner manner = MannerOf(voice);
+    variants_ = VariantsOf(voice.engine);
+    PDLClear(kVariant);
+    PDLAddString(kVariant, variants_.empty() ? "The engine has none" : "The voice's own");
+    for (const VoiceVariant& variant : variants_)
+        PDLAddString(kVariant, variant.title.c_str());
+    const auto chosen = std::ranges::find(variants_, manner.variant, &VoiceVariant::name);
+    PDLSetCurSel(kVariant,
+                 chosen == variants_.end() ? 0 : static_cast<int>(chosen - variants_.begin()) + 1);
+    EnableControl(kVariant, !variants_.empty());
+    UDSetInt(kPitch, manner.pitch);
+    UDSetInt(kVolume, manner.volume);
+}
+
+// Kept at once, so that it is heard; Cancel takes it back.
+void VoiceChooserDlg::TakeManner() {
+    const Voice voice = VoiceAt(voice_);
+    const VoiceManner before = MannerOf(voice);
+    VoiceManner manner{UDGetInt(kPitch), UDGetInt(kVolume), before.variant};
+    const int variant = PDLGetCurSel(kVariant);
+    if (!variants_.empty() && variant >= 0)
+        manner.variant = variant == 0 ? "" : variants_[static_cast<std::size_t>(variant) - 1].name;
+    if (manner == before)
+        return;
+    unchanged_.try_emplace(voice_, before);
+    KeepManner(voice, manner);
+}
+
+bool VoiceChooserDlg::CmOk() {
+    NoteSelection();
+    TakeManner();
+    return LVGetFirstSel(kVoices) >= 0;
 }
 
 void VoiceChooserDlg::EnableControls() {
@@ -118,6 +173,7 @@ void VoiceChooserDlg::Command(int command) {
 
 void VoiceChooserDlg::Hear() {
     NoteSelection();
+    TakeManner();
     sample_.Hear(Widget(), SampleSentence(VoiceAt(voice_).language), voice_);
 }
 

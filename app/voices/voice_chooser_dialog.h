@@ -1,12 +1,16 @@
-// "Choose a Voice": all voices that are installed, by language, found by typing.
+// "Choose a Voice": all voices that are installed, by language, found by typing; and how each of
+// them speaks, which is kept with it.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
 #include "app/voices/voice_sample.h"
 #include "gui/windows/dialog.h"
 #include "speech/voice_finder.h"
+#include "speech/voice_manner.h"
+#include "speech/voice_variants.h"
 
 class VoiceChooserDlg final : public LDialog {
 public:
@@ -18,7 +22,7 @@ public:
 
     void InitDialog() override;
     void EnableControls() override;
-    bool CmOk() override { return LVGetFirstSel(kVoices) >= 0; }
+    bool CmOk() override;
     void Command(int command) override;
 
 private:
@@ -27,17 +31,24 @@ private:
     static constexpr int kCount = 105;
     static constexpr int kHear = 106;
     static constexpr int kChosenByPress = 107;
+    static constexpr int kVariant = 108;
+    static constexpr int kPitch = 110;
+    static constexpr int kVolume = 112;
 
     static void Generate(LDialogGenContext& context);
     static gboolean GCKeyInSearch(GtkWidget* entry, GdkEventKey* event, gpointer self);
     void FillList();
     void MoveSelection(int step);
     void NoteSelection();
+    void ShowManner();
+    void TakeManner();
     void Hear();
 
     const std::vector<ListedVoice> voices_;
     std::vector<std::size_t> shown_;  // of voices_, row by row
     int voice_;
+    std::vector<VoiceVariant> variants_;    // of the selected voice's engine, as they are shown
+    std::map<int, VoiceManner> unchanged_;  // of voices whose manner was changed here, for Cancel
     VoiceSample sample_;
 };
 

@@ -9,6 +9,7 @@
 #include "app/voices/voice_chooser_dialog.h"
 #include "gui/accessible.h"
 #include "speech/speech_pieces.h"
+#include "speech/voice_manner.h"
 #include "speech/voice_table.h"
 
 VoiceCommands::VoiceCommands(LMainWindow& window, VoiceChoice& voices, Narrator& narrator,
@@ -47,8 +48,13 @@ void VoiceCommands::CmChoose() {
         tell_("The speech engine has not told its voices yet.");
         return;
     }
-    if (ChooseVoice(window_.Widget()) && window_.IsOpen())
-        voices_.TakeChosen();
+    const Voice reads = VoiceAt(narrator_.Voice());
+    const VoiceManner before = MannerOf(reads);
+    if (!ChooseVoice(window_.Widget()) || !window_.IsOpen())
+        return;
+    voices_.TakeChosen();
+    if (MannerOf(reads) != before)
+        change_.BeginAnew();
 }
 
 void VoiceCommands::CreateIndicator() {

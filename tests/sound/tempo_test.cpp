@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "sound/pitch.h"
 #include "tests/support/memory_sound.h"
 #include "tests/support/signals.h"
 
@@ -97,6 +98,27 @@ TEST(TempoTest, OwnTempoPassesUnchangedAndChangesAreHeardAtOnce) {
     source.Seek(20000);
     source.Read(block.data(), 4000);
     EXPECT_TRUE(std::equal(block.begin(), block.end(), samples.begin() + 20000));
+}
+
+TEST(PitchTest, PitchAndVolumeFollowAndTimeDoesNot) {
+    for (const int percent : {60, 100, 165}) {
+        const LSoundSource own(new MemorySource(Scale(), kTempoRate));
+        const LSoundSource changed = AtPitchAndVolume(own, percent, 50);
+        ASSERT_EQ(changed->GetEndSample(), kFrames);
+        for (int second = 0; second < 10; ++second) {
+            std::vector<int> here(3200);
+            changed->Seek(second * kTempoRate + 6400);
+            changed->Read(here.data(), 3200);
+            const double hertz = (200 + 50 * second) * percent / 100.0;
+            EXPECT_NEAR(AmplitudeAt(here, hertz / kTempoRate), 150000, 30000) << percent << second;
+        }
+        std::vector<int> behind(10, 1);
+        changed->Seek(kFrames - 5);
+        changed->Read(behind.data(), 10);
+        EXPECT_EQ(behind.back(), 0);
+    }
+    const LSoundSource own(new MemorySource(Scale(), kTempoRate));
+    EXPECT_EQ(&*AtPitchAndVolume(own, 100, 100), &*own);
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include "speech/voice_description.h"
 #include "speech/voice_finder.h"
 #include "speech/voice_list_query.h"
+#include "speech/voice_manner.h"
+#include "speech/voice_variants.h"
 #include "tests/speech/fake_engine.h"
 
 namespace {
@@ -121,7 +123,9 @@ void InstallManyVoices(const FakeEngine& engine, const std::string& longName) {
                   "echo 'Pty Language       Age/Gender VoiceName          File'\n"
                   "echo ' 5  de              --/M      German             gmw/de'\n"
                   "echo ' 2  en-us           --/M      English_(America)  gmw/en-US (en 3)'\n"
-                  "echo ' 5  piqd            --/M      Klingon            art/piqd'");
+                  "echo ' 5  piqd            --/M      Klingon            art/piqd'\n"
+                  "echo ' 5  variant         --/M      Mr_Serious         !v/Mr serious     '\n"
+                  "echo ' 5  variant         --/F      Linda              !v/f2          '");
     engine.Script("flite", "echo 'Voices available: kal awb_time slt '");
     engine.Script("neural", "exit 0");
     const std::string voice = engine / "usr/share/festival/voices/polish/pl_ewa/festvox";
@@ -165,6 +169,11 @@ void CheckEachVoice(const std::string& longName) {
         return row.command(row, VoiceAt(index), "/t x", "/w");
     };
     EXPECT_EQ(command(12), "espeak-ng -b 1 -v de -f '/t x' -w /w");
+    KeepManner(VoiceAt(12),
+               {.pitch = 150, .volume = 80, .variant = VariantsOf("espeak-ng").back().name});
+    EXPECT_EQ(command(12), "espeak-ng -b 1 -p 90 -a 80 -v 'de+Mr serious' -f '/t x' -w /w");
+    KeepManner(VoiceAt(12), {});
+    EXPECT_EQ(MannerOf(VoiceAt(12)), VoiceManner());
     EXPECT_EQ(command(16), "flite -voice slt -f '/t x' -o /w");
     EXPECT_EQ(command(17), "neural '/v/it'\\''s.onnx' '/t x' /w");
 }
