@@ -9,6 +9,7 @@
 
 #include "documents/document_kind.h"
 #include "documents/fiction_book.h"
+#include "documents/growing_document.h"
 #include "documents/html_text.h"
 #include "documents/mail_text.h"
 #include "documents/mobi_book.h"
@@ -76,13 +77,21 @@ Document ReadKind(DocumentKind kind, std::string_view bytes, const ReadingWatch&
     return document;
 }
 
-}  // namespace
+Document Read(std::string_view bytes, const ReadingWatch& watch, const DocumentRules& rules,
+              std::string_view name) {
+    Document document = ReadKind(KindOf(bytes, name), bytes, watch, rules);
+    if (document.problem.empty() && !HoldsWords(document.text))
+        document = DocumentProblem("There is no text in it.");
+    return document;
+}
 
-Document LoadDocument(const char* path, const StopTest& isToStop, const DocumentRules& rules) {
+Document Load(const char* path, const StopTest& isToStop, const DocumentRules& rules,
+              const BeginningTaker* take) {
     if (IsWebAddress(path)) {
         const WebPage page = FetchWebPage(path, isToStop);
-        return page.problem.empty() ? ReadDocument(page.bytes, isToStop, rules, page.name)
-                                    : DocumentProblem(page.problem);
+        return page.problem.empty()
+                   ? Read(page.bytes, ReadingWatch(isToStop, take), rules, page.name)
+                   : DocumentProblem(page.problem);
     }
     errno = 0;
     const UniqueFd file = OpenFileForReading(path);
@@ -97,14 +106,21 @@ Document LoadDocument(const char* path, const StopTest& isToStop, const Document
     if (!ReadWholeFile(file.Get(), static_cast<std::size_t>(kLargestTextFile), bytes))
         return DocumentProblem(std::string("The file cannot be read: ") + std::strerror(errno) +
                                ".");
-    return ReadDocument(bytes, isToStop, rules, path);
+    return Read(bytes, ReadingWatch(isToStop, take), rules, path);
+}
+
+}  // namespace
+
+Document LoadDocument(const char* path, const StopTest& isToStop, const DocumentRules& rules) {
+    return Load(path, isToStop, rules, nullptr);
+}
+
+Document LoadGrowingDocument(const char* path, const StopTest& isToStop, const DocumentRules& rules,
+                             const BeginningTaker& take) {
+    return Load(path, isToStop, rules, &take);
 }
 
 Document ReadDocument(std::string_view bytes, const StopTest& isToStop, const DocumentRules& rules,
                       std::string_view name) {
-    const ReadingWatch watch(isToStop);
-    Document document = ReadKind(KindOf(bytes, name), bytes, watch, rules);
-    if (document.problem.empty() && !HoldsWords(document.text))
-        document = DocumentProblem("There is no text in it.");
-    return document;
+    return Read(bytes, ReadingWatch(isToStop), rules, name);
 }

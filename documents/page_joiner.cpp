@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
+#include <iterator>
 #include <map>
+#include <memory>
 #include <set>
 #include <utility>
 
@@ -92,36 +95,27 @@ private:
     std::set<std::string, std::less<>> words_;
 };
 
+}  // namespace
+
 class PageJoiner {
 public:
-    PageJoiner(std::vector<PdfPage> pages, const DocumentRules& rules)
-        : pages_(std::move(pages)), rules_(rules) {
-        std::map<int, std::size_t> heights;  // in half points, weighed by their letters
-        for (const PdfPage& page : pages_)
-            for (const PdfLine& line : page) {
-                words_.Add(line.text);
-                if (line.height > 0)
-                    heights[static_cast<int>(std::lround(line.height * 2))] += line.text.size();
-            }
+    explicit PageJoiner(const DocumentRules& rules) : rules_(rules) {}
+
+    // These pages are next.
+    void Add(std::vector<PdfPage> pages) {
+        for (const PdfPage& page : pages)
+            Learn(page);
         const auto most = std::max_element(
-            heights.begin(), heights.end(),
+            heights_.begin(), heights_.end(),
             [](const auto& one, const auto& other) { return one.second < other.second; });
-        bodyHeight_ = most == heights.end() ? 0 : most->first / 2.0;
+        bodyHeight_ = most == heights_.end() ? 0 : most->first / 2.0;
+        for (PdfPage& page : pages)
+            AddPage(pages_.emplace_back(std::move(page)));
     }
 
-    Document Run() {
-        for (const PdfPage& page : pages_) {
-            isPageBegun_ = true;
-            const std::size_t notes = NotesFrom(page);
-            for (std::size_t i = 0; i < notes; ++i)
-                AddLine(page[i], i == 0);
-            if (rules_.notes)
-                notes_.insert(notes_.end(), page.begin() + static_cast<std::ptrdiff_t>(notes),
-                              page.end());
-            // A page whose last sentence is whole needs no waiting.
-            if (EndsSentence(document_.text) || notes_.size() > kMostBehind)
-                AddNotes();
-        }
+    const Document& SoFar() const { return document_; }
+
+    Document Take() {
         EndHeading();
         AddNotes();
         if (!document_.text.empty())
@@ -130,6 +124,27 @@ public:
     }
 
 private:
+    void Learn(const PdfPage& page) {
+        for (const PdfLine& line : page) {
+            words_.Add(line.text);
+            if (line.height > 0)
+                heights_[static_cast<int>(std::lround(line.height * 2))] += line.text.size();
+        }
+    }
+
+    void AddPage(const PdfPage& page) {
+        isPageBegun_ = true;
+        const std::size_t notes = NotesFrom(page);
+        for (std::size_t i = 0; i < notes; ++i)
+            AddLine(page[i], i == 0);
+        if (rules_.notes)
+            notes_.insert(notes_.end(), page.begin() + static_cast<std::ptrdiff_t>(notes),
+                          page.end());
+        // A page whose last sentence is whole needs no waiting.
+        if (EndsSentence(document_.text) || notes_.size() > kMostBehind)
+            AddNotes();
+    }
+
     // The first of the lines in small letters at a page's end; all of them when none is.
     std::size_t NotesFrom(const PdfPage& page) const {
         std::size_t from = page.size();
@@ -276,10 +291,11 @@ private:
         return at > 0 && before[at - 1] == '-' && words_.Holds(second);
     }
 
-    std::vector<PdfPage> pages_;
     const DocumentRules& rules_;
+    std::deque<PdfPage> pages_;  // last_ is one of their lines
     Document document_;
     WordList words_;
+    std::map<int, std::size_t> heights_;  // in half points, weighed by their letters
     double bodyHeight_ = 0;
     std::vector<PdfLine> notes_;  // that wait for their paragraph's end
     const PdfLine* last_ = nullptr;
@@ -289,8 +305,44 @@ private:
     std::size_t headingBegin_ = 0;
 };
 
-}  // namespace
-
 Document JoinPages(std::vector<PdfPage> pages, const DocumentRules& rules) {
-    return PageJoiner(std::move(pages), rules).Run();
+    PageJoiner joiner(rules);
+    joiner.Add(std::move(pages));
+    return joiner.Take();
+}
+
+GrowingPages::GrowingPages(const DocumentRules& rules)
+    : rules_(rules), joiner_(std::make_unique<PageJoiner>(rules)) {}
+
+GrowingPages::~GrowingPages() = default;
+
+void GrowingPages::Add(PdfPage page) {
+    pages_.push_back(std::move(page));
+    std::vector<PdfPage> known = pages_;
+    if (!rules_.pageHeads)
+        DropPageHeads(known);
+    known.erase(known.begin(), std::prev(known.end()));
+    joiner_->Add(std::move(known));
+}
+
+Document GrowingPages::Beginning() const {
+    const Document& all = joiner_->SoFar();
+    std::size_t end = all.text.size();
+    if (!EndsSentence(all.text)) {
+        const std::string_view text = all.text;
+        do
+            end = text.substr(0, end).find_last_of(" \n");
+        while (end != std::string_view::npos && !EndsSentence(text.substr(0, end)));
+        end = end == std::string_view::npos ? 0 : end;
+    }
+    Document beginning;
+    beginning.text = all.text.substr(0, end);
+    for (const std::size_t page : all.pages)
+        if (page < end)
+            beginning.pages.push_back(page);
+    return beginning;
+}
+
+Document GrowingPages::Take() {
+    return joiner_->Take();
 }

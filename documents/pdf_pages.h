@@ -1,6 +1,7 @@
 // The lines that stand on the pages of a printed document, and running text made of them.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -66,3 +67,24 @@ void DropPageHeads(std::vector<PdfPage>& pages);
 // Running text: lines and divided words are joined, a sentence that goes on upon the next page goes
 // on, footnotes stand behind the paragraph at their page's end, large lines are headings.
 Document JoinPages(std::vector<PdfPage> pages, const DocumentRules& rules);
+
+// The same for pages that come one after the other, for who does not wait for the last: a page's
+// heads are those that show by then.
+class PageJoiner;
+
+class GrowingPages {
+public:
+    explicit GrowingPages(const DocumentRules& rules);  // which outlive it
+    ~GrowingPages();
+    GrowingPages(const GrowingPages&) = delete;
+    GrowingPages& operator=(const GrowingPages&) = delete;
+
+    void Add(PdfPage page);      // the next one
+    Document Beginning() const;  // whole sentences, which stay as they are
+    Document Take();             // all of it, once
+
+private:
+    const DocumentRules& rules_;
+    std::vector<PdfPage> pages_;  // with their heads
+    std::unique_ptr<PageJoiner> joiner_;
+};

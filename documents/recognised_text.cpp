@@ -1,5 +1,7 @@
 #include "documents/recognised_text.h"
 
+#include <chrono>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -15,6 +17,8 @@ namespace {
 constexpr std::size_t kLargestPicture = 64U << 20;  // of a page
 constexpr std::size_t kMostScans = 2000;
 constexpr int kMostLanguages = 6;  // each takes time of its own
+// A page, of which the program's own bound is half in processor time: others want the computer too.
+constexpr std::chrono::seconds kPagePatience{120};
 
 // "deu+eng": what is installed, scripts and the detector of the page's direction aside.
 std::string InstalledLanguages(const ReadingWatch& watch) {
@@ -41,7 +45,10 @@ std::string InstalledLanguages(const ReadingWatch& watch) {
 class Recogniser {
 public:
     Recogniser(const ReadingWatch& watch, const DocumentRules& rules)
-        : rules_(rules), languages_(InstalledLanguages(watch)) {}
+        : rules_(rules), languages_(InstalledLanguages(watch)) {
+        if (watch.WantsBeginning())
+            growing_ = std::make_unique<GrowingPages>(rules);
+    }
 
     bool HasLanguage() const { return !languages_.empty(); }
     std::size_t Pages() const { return pages_; }
@@ -59,23 +66,39 @@ public:
             text += '\f';
         text_ += text;
         ++pages_;
+        if (growing_)
+            Grow(text, watch);
         return text_.size() > kLargestDocumentText ? ProgramOutcome::kTooLong : outcome;
     }
 
     Document Take() const {
-        std::vector<PdfPage> pages = PdfPagesOfText(DecodeText(text_));
-        if (!rules_.pageHeads)
-            DropPageHeads(pages);
-        Document document = JoinPages(std::move(pages), rules_);
+        Document document = growing_ ? growing_->Take() : Joined();
         document.remark = "The text was recognised in pictures; some of its words may be wrong.";
         return document;
     }
 
 private:
+    Document Joined() const {
+        std::vector<PdfPage> pages = PdfPagesOfText(DecodeText(text_));
+        if (!rules_.pageHeads)
+            DropPageHeads(pages);
+        return JoinPages(std::move(pages), rules_);
+    }
+    void Grow(std::string_view text, const ReadingWatch& watch) {
+        std::vector<PdfPage> pages = PdfPagesOfText(DecodeText(text));
+        if (pages.back().empty())  // behind the form feed
+            pages.pop_back();
+        for (PdfPage& page : pages)
+            growing_->Add(std::move(page));
+        if (const Document beginning = growing_->Beginning(); !beginning.text.empty())
+            watch.TellBeginning(beginning);
+    }
+
     const DocumentRules& rules_;
     std::string languages_;
     std::string text_;
     std::size_t pages_ = 0;
+    std::unique_ptr<GrowingPages> growing_;  // where the first page is not to wait for the last
 };
 
 std::string Lack(const Recogniser& recogniser) {
@@ -103,7 +126,7 @@ Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
     Recogniser recogniser(watch, rules);
     if (std::string lack = Lack(recogniser); !lack.empty())
         return DocumentProblem(std::move(lack));
-    const ProgramOutcome outcome = recogniser.Read(bytes, watch.Anew());
+    const ProgramOutcome outcome = recogniser.Read(bytes, watch.Anew(kPagePatience));
     if (outcome == ProgramOutcome::kFailed)
         return DocumentProblem("The picture is damaged or of a kind that cannot be read.");
     if (std::string problem = ProgramProblem("tesseract", outcome, watch.Anew()); !problem.empty())
@@ -119,22 +142,34 @@ Document ReadScannedPdf(std::string_view bytes, const ReadingWatch& watch,
     Recogniser recogniser(watch, rules);
     if (std::string lack = Lack(recogniser); !lack.empty())
         return DocumentProblem(std::move(lack));
-    for (std::size_t page = 1; page <= kMostScans; ++page) {
-        const ReadingWatch pageWatch = watch.Anew();
+    std::string missing;
+    std::size_t page = 1;
+    for (; page <= kMostScans; ++page) {
+        const ReadingWatch pageWatch = watch.Anew(kPagePatience);
         std::string picture;
         ProgramOutcome outcome =
             RunProgram(PageCommand(page), bytes, pageWatch, [&picture](std::string_view part) {
                 picture += part;
                 return picture.size() <= kLargestPicture;
             });
-        if (outcome == ProgramOutcome::kFailed || picture.empty())
+        if (outcome == ProgramOutcome::kFailed ||
+            (outcome == ProgramOutcome::kDone && picture.empty()))
             break;  // behind the last page
         if (outcome == ProgramOutcome::kDone)
             outcome = recogniser.Read(picture, pageWatch);
-        if (std::string problem = ProgramProblem("tesseract", outcome, pageWatch); !problem.empty())
+        // One page that takes too long does not cost the others.
+        if (outcome == ProgramOutcome::kEnded && !pageWatch.WasStopped())
+            missing += (missing.empty() ? "" : ", ") + std::to_string(page);
+        else if (std::string problem = ProgramProblem("tesseract", outcome, pageWatch);
+                 !problem.empty())
             return DocumentProblem(std::move(problem));
     }
     if (recogniser.Pages() == 0)
         return DocumentProblem("The PDF document holds no text, or is damaged.");
-    return recogniser.Take();
+    Document document = recogniser.Take();
+    if (!missing.empty())
+        document.remark += " Pages that took too long are missing: " + missing + ".";
+    if (page > kMostScans)
+        document.remark += " Only " + std::to_string(kMostScans) + " pages were recognised.";
+    return document;
 }

@@ -3,8 +3,10 @@
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "documents/document.h"
+#include "documents/growing_document.h"
 #include "tests/documents/document_files.h"
 #include "tests/support/scratch_folder.h"
 
@@ -124,6 +126,17 @@ TEST(Programs, ScansAndPicturesAreRead) {
     EXPECT_EQ(scan.pages.size(), 2U) << scan.problem;
     EXPECT_THAT(scan.text.substr(scan.pages.empty() ? 0 : scan.pages.back()),
                 HasSubstr("quick brown fox"));
+    // The first page does not wait for the second, and stays as it was told.
+    std::vector<Document> told;
+    const Document grown = LoadGrowingDocument((folder / "scan.pdf").c_str(), {}, {},
+                                               [&](const Document& far) { told.push_back(far); });
+    EXPECT_EQ(grown.text, scan.text);
+    EXPECT_EQ(grown.pages, scan.pages);
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_EQ(told.front().pages.size(), 1U);
+    for (const Document& beginning : told)
+        EXPECT_THAT(beginning.text, testing::EndsWith("dog.")),
+            EXPECT_THAT(grown.text, testing::StartsWith(beginning.text));
     EXPECT_THAT(LoadDocument((folder / "scan.pdf").c_str(), [] { return true; }).problem,
                 HasSubstr("stopped"));
 }
