@@ -39,8 +39,9 @@ ReadingNews Narrator::Now() const {
     if (const SpeechReading* reading = info_.Reading()) {
         news.time = Time();
         news.length = info_.EstimatedLength();
-        news.isLengthKnown = reading->Track().IsComplete() && info_.Begin() == 0;
+        news.isLengthKnown = info_.IsSpokenToTheEnd() && info_.Begin() == 0;
         news.isMove = isMove_ && state_ == ReadingState::kWaitingForSound;
+        news.isForText = isAwaitingText_ && state_ == ReadingState::kWaitingForSound;
         if (IsLoaded())
             news.stretch = reading->Track().StretchAt(info_.Frame(Time()));
     }
@@ -82,6 +83,7 @@ void Narrator::Enter(ReadingState state) {
 void Narrator::End(ReadingEnd why, std::string note) {
     firstSound_.Stop();
     nextPlace_.Stop();
+    isAwaitingText_ = false;
     end_ = why;
     note_ = std::move(note);
     // The next text would meet the same trouble, and its box would hide this one's.
@@ -105,6 +107,7 @@ void Narrator::Read(ReadingText text, int voice) {
     info_.SetText(std::move(text));
     isMove_ = false;
     isFailureTold_ = false;
+    leftOut_.clear();
     voice_ = voice;
     if (voice == kVoiceUnknown)
         Enter(ReadingState::kWaitingForVoice);
@@ -124,6 +127,8 @@ void Narrator::SetVoice(int voice) {
 
 void Narrator::BeginSpeech(std::size_t place) {
     firstSound_.Stop();
+    isAwaitingText_ = false;
+    isMoreText_ = false;
     wanted_ = place;
     info_.Speak(place, voice_, soundPath_);
     firstSound_.Start(info_.Reading()->FirstSound(), [this] { EvFirstSound(); });
@@ -138,6 +143,10 @@ void Narrator::EvFirstSound() {
     TakeItem();
     if (info_.Reading()->HasSound()) {
         LPlayerTransport::Play();
+        return;
+    }
+    if (IsBlankPage()) {
+        AwaitMore();
         return;
     }
     const std::string message = info_.Reading()->Message();
@@ -205,14 +214,58 @@ void Narrator::EvPlayedOut() {
         End(ReadingEnd::kCardFailed, "");
     else if (TakeEngineFailure())
         End(ReadingEnd::kEngineFailed, info_.Reading()->Message());
+    else if (info_.IsGrowing() || info_.HasGrown())
+        AwaitMore();
     else
         End(ReadingEnd::kToItsEnd, LeftOut());
+}
+
+void Narrator::Grow(std::string_view more, bool isAll) {
+    if (!info_.IsGrowing())
+        return;
+    info_.Grow(more, isAll);
+    if (isAwaitingText_)
+        ReadMore();
+}
+
+// From the main loop: the player is still in the middle of its end.
+void Narrator::AwaitMore() {
+    leftOut_ = LeftOut();
+    wanted_ = info_.SpokenSize();
+    isAwaitingText_ = true;
+    isMove_ = true;  // what was heard can be heard again
+    Enter(ReadingState::kWaitingForSound);
+    if (isAwaitingText_)
+        nextPlace_.Start(0, [this] { ReadMore(); });
+}
+
+void Narrator::ReadMore() {
+    if (!isAwaitingText_)
+        return;
+    if (info_.HasGrown()) {
+        Halt();
+        SetTime(info_.Times().TimeOf(wanted_));
+        BeginSpeech(wanted_);
+        isMoreText_ = true;
+    } else if (!info_.IsGrowing()) {
+        End(ReadingEnd::kToItsEnd, LeftOut());
+    }
 }
 
 // What the engine left out, once it has spoken as far as it got.
 std::string Narrator::LeftOut() const {
     const SpeechReading* reading = info_.Reading();
-    return reading != nullptr && reading->Ended().IsSignaled() ? reading->Message() : "";
+    if (reading == nullptr || !reading->Ended().IsSignaled() || IsBlankPage())
+        return leftOut_;
+    const std::string message = reading->Message();
+    if (leftOut_.find(message) != std::string::npos)
+        return leftOut_;
+    return leftOut_.empty() ? message : leftOut_ + " " + message;
+}
+
+// Of a text that has grown; of a text that is nothing else, that is trouble.
+bool Narrator::IsBlankPage() const {
+    return isMoreText_ && info_.Reading()->Outcome() == SynthesisOutcome::kNothingToSay;
 }
 
 // Whether it failed, which is told once: who hears the beginning again knows.

@@ -20,6 +20,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "app/reading/reading_info.h"
 #include "app/reading/reading_news.h"
@@ -52,6 +53,10 @@ public:
     void Read(std::string text, int voice, std::string title) {
         Read({.text = std::move(text), .title = std::move(title)}, voice);
     }
+    // More has come of the text that is read, which was said to grow, and is heard behind it;
+    // isAll: nothing else will come. Nothing happens to another text.
+    void Grow(std::string_view more, bool isAll);
+    bool IsGrowing() const { return info_.IsGrowing(); }
     // Of the readings that begin from now on; otherwise as the user has chosen.
     void SpeakBy(SpeakingRules rules) { info_.SpeakBy(std::move(rules)); }
     // The voice that a waiting reading takes; kVoiceUnknown ends it: there is none.
@@ -92,7 +97,9 @@ private:
     void Enter(ReadingState state);
     void End(ReadingEnd why, std::string note);
     void Tell(ReadingState before);
-    bool IsFetching() const { return firstSound_.IsWaiting() || nextPlace_.IsRunning(); }
+    bool IsFetching() const {
+        return firstSound_.IsWaiting() || nextPlace_.IsRunning() || isAwaitingText_;
+    }
     std::optional<SpokenStretch> Heard() const;
     std::size_t ChapterAt(std::size_t place) const;
     void MoveAlong(const std::vector<std::size_t>& places, int step);
@@ -101,11 +108,14 @@ private:
     void JumpTo(LSoundTime time);
     void EvFirstSound();
     void EvPlayedOut();
+    void AwaitMore();
+    void ReadMore();
     void EvStopped();
     void EndAll();
     void WatchForSilence();
     bool IsRunningDry() const;
     std::string LeftOut() const;
+    bool IsBlankPage() const;
     bool TakeEngineFailure();
     void ContinueQueue();
 
@@ -116,10 +126,13 @@ private:
     ReadingEnd end_ = ReadingEnd::kNone;
     std::string note_;
     int voice_ = kVoiceUnknown;
-    std::size_t wanted_ = 0;      // place whose sound is being fetched
-    bool isMove_ = false;         // and another was heard before
-    bool isJumping_ = false;      // what is told now comes of a jump
-    bool isFailureTold_ = false;  // the engine's, of this reading
+    std::size_t wanted_ = 0;       // place whose sound is being fetched
+    bool isMove_ = false;          // and another was heard before
+    bool isAwaitingText_ = false;  // all that has come of it was heard
+    bool isMoreText_ = false;      // what is spoken has come since then
+    std::string leftOut_;          // before that
+    bool isJumping_ = false;       // what is told now comes of a jump
+    bool isFailureTold_ = false;   // the engine's, of this reading
     ReadingQueue queue_;
     LSignalWatch firstSound_;
     LGuiTimer nextPlace_;  // while places follow each other fast

@@ -13,6 +13,7 @@ void ReadingInfo::SetText(ReadingText text) {
     chapters_ = std::move(text.chapters);
     begin_ = std::min(text.begin, text.text.size());
     times_ = ReadingTimes(text.text.size(), begin_);
+    isGrowing_ = text.isGrowing;
     text_ = std::make_shared<const std::string>(std::move(text.text));
 }
 
@@ -29,9 +30,17 @@ void ReadingInfo::ForgetText() {
     chapters_.clear();
     times_ = ReadingTimes();
     begin_ = 0;
+    spokenSize_ = 0;
+    isGrowing_ = false;
     voiceName_.clear();
     title_.clear();
     rate_ = 0;
+}
+
+void ReadingInfo::Grow(std::string_view more, bool isAll) {
+    text_ = std::make_shared<const std::string>(*text_ + std::string(more));
+    times_.Grow(text_->size());
+    isGrowing_ = !isAll;
 }
 
 void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPath) {
@@ -40,6 +49,7 @@ void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPa
     reading_.reset();  // both would write the same file
     rate_ = 0;
     begin_ = place;
+    spokenSize_ = text_->size();
     voiceName_ = SettingsKeyOf(VoiceAt(voice));
     reading_ =
         std::make_unique<SpeechReading>(text_, place, voice, soundPath, ReadingUse::kListening);
@@ -69,7 +79,7 @@ LSoundTime ReadingInfo::TimeAt(std::size_t place) const {
 bool ReadingInfo::Reaches(LSoundTime time) const {
     if (!reading_ || rate_ == 0 || time < SourceBegin())
         return false;
-    return reading_->Track().IsComplete() || Frame(time) <= reading_->Track().Frames();
+    return IsSpokenToTheEnd() || Frame(time) <= reading_->Track().Frames();
 }
 
 ReadingTimes ReadingInfo::Times() const {
@@ -77,7 +87,7 @@ ReadingTimes ReadingInfo::Times() const {
     if (reading_ && rate_ > 0) {
         const SpokenStretch spoken = reading_->Track().All();
         const bool isAll = reading_->Track().IsComplete();
-        times.SetSpoken(isAll ? times.Size() : spoken.sourceEnd,
+        times.SetSpoken(isAll ? spokenSize_ : spoken.sourceEnd,
                         LSoundTime::FromFrames(spoken.endFrame, rate_));
     }
     return times;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/reading/reading_times.h"
@@ -18,6 +19,7 @@ struct ReadingText {
     std::vector<std::size_t> headings = {};    // where they begin, in order
     std::vector<std::size_t> chapters = {};    // likewise
     std::vector<LanguageMark> languages = {};  // what the document says of its language
+    bool isGrowing = false;                    // more of it will come
 };
 
 // A text, and the part of it that is being spoken: from a place on, which changes when the listener
@@ -30,6 +32,11 @@ public:
     // From now on; nothing of it is spoken yet.
     void SetText(ReadingText text);
     void Forget();  // text and speech, and no engine waits for another place
+    // More of the text has come, and stands behind what is known of it.
+    void Grow(std::string_view more, bool isAll);
+    bool IsGrowing() const { return isGrowing_; }
+    bool HasGrown() const { return spokenSize_ < text_->size(); }  // since Speak
+    std::size_t SpokenSize() const { return spokenSize_; }         // of the text, at Speak
     // Ends what is being spoken, and speaks from the place on into the file.
     void SpeakBy(SpeakingRules rules) { rules_ = std::move(rules); }  // from the next Speak on
     void Speak(std::size_t place, int voice, const std::string& soundPath);
@@ -47,7 +54,9 @@ public:
     LSoundTime TimeAt(std::size_t place) const;
     // Whether that time is in the sound that is there, or its very end.
     bool Reaches(LSoundTime time) const;
-    bool IsSpokenToTheEnd() const { return reading_ && reading_->Track().IsComplete(); }
+    bool IsSpokenToTheEnd() const {
+        return reading_ && reading_->Track().IsComplete() && !isGrowing_ && !HasGrown();
+    }
     ReadingTimes Times() const;
 
     void OpenSource(LSoundSource& source) override;
@@ -71,6 +80,8 @@ private:
     std::unique_ptr<SpeechReading> reading_;
     ReadingTimes times_;  // but for what was spoken since the part began
     std::size_t begin_ = 0;
+    std::size_t spokenSize_ = 0;
+    bool isGrowing_ = false;
     std::string voiceName_;
     std::string title_;
     int rate_ = 0;  // frames a second, once there is sound

@@ -20,6 +20,7 @@ struct ReadingNews {
     LSoundTime length;
     bool isLengthKnown = false;            // else it is an estimate
     bool isMove = false;                   // it waits for the sound of a place that it moved to
+    bool isForText = false;                // it waits for more of the text itself
     bool isJump = false;                   // the user has just moved to another place
     std::string title;                     // what is read is called
     std::optional<SpokenStretch> stretch;  // being heard, in bytes of the text

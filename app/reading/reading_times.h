@@ -15,6 +15,7 @@ public:
 
     // The present part has been spoken up to that place, in that time.
     void SetSpoken(std::size_t end, LSoundTime sound);
+    void Grow(std::size_t size) { size_ = size; }  // more has come of the text
     // The speech goes on from there on: what was spoken until now is only known by its pace.
     void GoOnFrom(std::size_t place);
 

@@ -34,6 +34,8 @@ std::string StatusOf(const ReadingNews& news) {
         case ReadingState::kWaitingForVoice:
             return "Waiting for the speech engine (Esc stops)";
         case ReadingState::kWaitingForSound:
+            if (news.isForText)
+                return "Waiting for the next page (Esc stops)";
             return news.isMove ? "Going to " + PlaceOf(news) + " (Esc stops)"
                                : "Waiting for the first sentence (Esc stops)";
         case ReadingState::kPlaying:

@@ -61,6 +61,27 @@ constexpr const char* kText =
     "One is a sentence of several words. Two is a sentence of several words. Three is the last one "
     "of the sentences.";
 
+TEST_F(NarratorTest, ReadsOnInATextThatGrowsAndAwaitsWhatIsToCome) {
+    const std::string first = LongText(2);
+    narrator_->Read({.text = first, .isGrowing = true}, 0);
+    narrator_->Grow("Sentence number three is said. ", false);
+    EXPECT_TRUE(RunUntil([&] { return last_.isForText; })) << "of what has come nothing is left";
+    EXPECT_EQ(heard_.back(), first.size());
+    narrator_->Grow("And the last one. ", false);
+    EXPECT_TRUE(RunUntil([&] { return heard_.back() > first.size() && last_.isForText; }));
+    EXPECT_EQ(narrator_->Place(), narrator_->Text().size());
+    narrator_->MoveToPlace(0);
+    EXPECT_TRUE(RunUntil([&] { return heard_.back() == 0; }));
+    narrator_->Grow("\n", true);
+    EXPECT_TRUE(RunTo(State::kEnded));
+    EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd) << "a blank page is no trouble";
+    EXPECT_EQ(last_.note, "");
+    EXPECT_EQ(heard_.back(), narrator_->Text().find("And"));
+    const std::string text = narrator_->Text();
+    narrator_->Grow("It is all there. ", true);
+    EXPECT_EQ(narrator_->Text(), text);
+}
+
 TEST_F(NarratorTest, TellsEachStateAndStretchOnTheWayThroughAText) {
     narrator_->Read(kText, Narrator::kVoiceUnknown, "numbers");
     EXPECT_EQ(narrator_->State(), State::kWaitingForVoice);
