@@ -46,6 +46,7 @@ MainDialog::MainDialog()
              .renamed =
                  [this] {
                      presence_.ShowTitle();
+                     sources_.TellIfPart();
                      EnableControls();
                  },
              .startMoved = [this] { read_.ShowStart(); },
@@ -69,7 +70,8 @@ MainDialog::MainDialog()
                 {.read = [this] { read_.CmRead(); },
                  .tell = [this](const char* text) { TellStatusText(text); },
                  .changed = [this] { EnableControls(); }}),
-      read_({*this, text_, narrator_, voices_, view_.Player(), commands_, turn_}),
+      read_({*this, text_, narrator_, voices_, view_.Player(), commands_, turn_,
+             [this] { return sources_.IsComing(); }}),
       keeper_({text_, narrator_, read_, [this](const char* text) { TellStatusText(text); },
                [this] { Layout(); }}),
       queue_(
@@ -98,7 +100,12 @@ MainDialog::MainDialog()
                         presence_.TellAnywhere("Cannot read the file.", note);
                     },
                 .readable = [this] { view_.ShowStatus(); },
-                .labelOf = [this](const auto& path) { return keeper_.WithProgress(path); }}),
+                .labelOf = [this](const auto& path) { return keeper_.WithProgress(path); },
+                .grown =
+                    [this](const auto& more, bool isAll) {
+                        narrator_.Grow(more, isAll);
+                        keeper_.TextGrew();
+                    }}),
       presence_(*this, kTextBox, narrator_,
                 {.popupMenu = [this] { places_.EvNotifyIconContextMenu(); },
                  .document = [this] { return text_.Title(); }}),
@@ -107,7 +114,7 @@ MainDialog::MainDialog()
                      presence_.TellAnywhere(summary, note);
                  }}),
       save_({*this, turn_, text_, sources_, voices_}),
-      audiobooks_({*this, turn_, text_, voices_}),
+      audiobooks_({*this, turn_, text_, voices_, [this] { return sources_.AwaitAll(); }}),
       hotKeys_(*this, turn_),
       tools_(*this, text_, hotKeys_, voiceCommands_),
       controls_(*this, commands_, places_),
@@ -189,6 +196,7 @@ void MainDialog::EvShown() {
     control_.OfferSoon();
     if (narrator_.Waiting().IsEmpty()) {
         keeper_.TextCame();
+        sources_.TellIfPart();
         presence_.Begin([this] { hotKeys_.OfferSoon(); });
     } else {
         // No question is in the way of a reading that is about to begin.

@@ -38,6 +38,8 @@ void Audiobooks::CmSaveAsAudiobook() {
 // The document as it is in its file has chapters and a cover. What its user has changed in the
 // window has the headings that are still there.
 void Audiobooks::AddText() {
+    if (!parts_.awaitText() || !dialog_.IsOpen())
+        return;
     const std::string text = parts_.text.Text();
     const std::string& file = parts_.text.File();
     Document document;

@@ -18,6 +18,7 @@ public:
         CommandTurn& turn;
         TextPane& text;
         VoiceChoice& voices;
+        std::function<bool()> awaitText;  // all of the window's; false: the user does not
     };
     explicit Audiobooks(const Parts& parts);
     Audiobooks(const Audiobooks&) = delete;

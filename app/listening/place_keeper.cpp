@@ -18,11 +18,17 @@ std::string PlaceKeeper::KeyOfWindow(const std::string& text) const {
 
 void PlaceKeeper::TextCame() {
     offer_.Close();
+    isAwaited_ = false;
     const std::string text = parts_.text.Text();
     const auto kept = text.empty() ? std::nullopt : places_.Find(KeyOfWindow(text));
     if (!kept)
         return;
-    const auto place = FindPlace(*kept, text);
+    const bool isPart = parts_.text.Structure().IsPart();
+    const auto place = isPart && text.size() <= kept->place ? std::nullopt : FindPlace(*kept, text);
+    if (!place && isPart) {
+        isAwaited_ = true;
+        return;
+    }
     if (!place) {
         parts_.tell("The document has changed: the sentence where you stopped is not in it.");
         return;
@@ -32,6 +38,11 @@ void PlaceKeeper::TextCame() {
                               BeginningOf(std::string_view(text).substr(offered_)) + "\"";
     offer_.Open(offer);
     parts_.tell((offer + ": Alt+G goes on, Alt+B begins anew").c_str());
+}
+
+void PlaceKeeper::TextGrew() {
+    if (isAwaited_)
+        TextCame();
 }
 
 void PlaceKeeper::TextChanged() {
@@ -60,7 +71,7 @@ void PlaceKeeper::Hear(const ReadingNews& news) {
     // What was offered stays kept until its user has answered, or has heard so far.
     if (news.stretch && news.stretch->sourceBegin >= offered_)
         offer_.Close();
-    if (now_.key.empty() || offer_.IsOpen())
+    if (now_.key.empty() || offer_.IsOpen() || isAwaited_)
         return;
     if (news.IsNew() && news.end == ReadingEnd::kToItsEnd)
         TellTrouble(places_.Forget(now_.key));
@@ -71,6 +82,7 @@ void PlaceKeeper::Hear(const ReadingNews& news) {
 // A stretch that was selected is no text of its own, and what came from another program is private.
 void PlaceKeeper::NoteText() {
     now_ = {};
+    isAwaited_ = isAwaited_ && parts_.text.Structure().IsPart();
     if (!parts_.read.IsWhole() || !parts_.text.IsKept() || !kKeepTextSetting.Get())
         return;
     const std::string& text = parts_.narrator.Text();
@@ -83,8 +95,13 @@ void PlaceKeeper::NoteText() {
 
 // At its beginning there is nothing to go on with.
 void PlaceKeeper::Keep(std::size_t place) {
+    const std::string& text = parts_.narrator.Text();
+    if (now_.size != text.size()) {  // it has grown
+        now_.digest = KeyOfText(text);
+        now_.size = text.size();
+    }
     now_.place = place;
-    now_.sentence = parts_.narrator.Text().substr(place, KeptPlaces::kMostSentence);
+    now_.sentence = text.substr(place, KeptPlaces::kMostSentence);
     if (const std::size_t line = now_.sentence.find('\n'); line != std::string::npos)
         now_.sentence.resize(line);
     TellTrouble(place == 0 ? places_.Forget(now_.key) : places_.Keep(now_));

@@ -28,6 +28,7 @@ public:
 
     PlaceOffer& Offer() { return offer_; }
     void TextCame();     // it may have been read before
+    void TextGrew();     // more of its document has come
     void TextChanged();  // by its user: the offer is about another text
     // "/home/ann/book.epub (41 %)": how far a file was read.
     std::string WithProgress(const std::string& path) const;
@@ -45,6 +46,7 @@ private:
     KeptPlaces places_;
     PlaceOffer offer_;
     std::size_t offered_ = 0;  // byte of the text
+    bool isAwaited_ = false;   // the place is in a part of the document that is still to come
     KeptPlace now_;            // of the text that is read; without a key: it is not kept
     bool isTroubleTold_ = false;
     Narrator::Subscription news_;

@@ -94,6 +94,7 @@ void ReadAloud::Begin(TextToRead what, bool isWhole) {
     text.begin = begin;
     if (isWhole) {
         text.title = parts_.text.Title();
+        text.isGrowing = parts_.isComing();
         text.chapters = parts_.text.Structure().ChapterPlaces();
     }
     isWhole_ = isWhole;

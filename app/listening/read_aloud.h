@@ -1,6 +1,7 @@
 // Reads the text of the window aloud: all of it, what is selected, or from a place on.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "app/commands/command_set.h"
@@ -24,6 +25,7 @@ public:
         ReadingPlayer& player;
         CommandSet& commands;
         const CommandTurn& turn;
+        std::function<bool()> isComing;  // more of the window's text
     };
     explicit ReadAloud(const Parts& parts);
     ReadAloud(const ReadAloud&) = delete;

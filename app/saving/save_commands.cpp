@@ -55,8 +55,10 @@ void SaveCommands::AddCommands(CommandSet& commands) {
 }
 
 void SaveCommands::CmSave() {
+    if (parts_.turn.IsTaken() || !parts_.sources.AwaitAll())
+        return;
     const std::string text = parts_.text.Text();
-    if (parts_.turn.IsTaken() || text.empty())
+    if (text.empty())
         return;
     const CommandTurn::Hold hold(parts_.turn);
     const int voice = parts_.voices.Require();
@@ -79,6 +81,8 @@ void SaveCommands::CmSaveFromSelection() {
 }
 
 void SaveCommands::CmSaveTextAs() {
+    if (parts_.turn.IsTaken() || !parts_.sources.AwaitAll())
+        return;
     const std::string text = parts_.text.Text();
     const std::string path =
         SaveTextAs(parts_.window.Widget(), text, SuggestedName(text, parts_.text.File()));

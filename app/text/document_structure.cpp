@@ -26,11 +26,23 @@ void DocumentStructure::GCChanged(GtkTextBuffer* buffer, gpointer user) {
         static_cast<DocumentStructure*>(user)->Clear();
 }
 
-void DocumentStructure::Set(const Document& document) {
+void DocumentStructure::Set(const Document& document, bool isPart) {
     Change({.title = BeginningOf(DisplayText(document.title), 20, 100),
             .outline = OutlineOf(document),
             .pages = document.pages,
-            .languages = document.languages});
+            .languages = document.languages,
+            .isPart = isPart});
+}
+
+void DocumentStructure::Grow(const Document& more, std::size_t begin, bool isPart) {
+    isPart_ = isPart;
+    std::vector<std::size_t> pages;
+    for (const std::size_t page : more.pages)
+        if (PageCount() + pages.size() < kMostPages)
+            pages.push_back(begin + page);
+    pages_.Add(pages);
+    if (changed_)
+        changed_();
 }
 
 void DocumentStructure::Restore(KeptStructure kept) {
@@ -47,6 +59,7 @@ KeptStructure DocumentStructure::Now() const {
     for (std::size_t i = 0; const std::size_t place : Places())
         now.outline[i++].begin = place;
     now.languages = Languages();
+    now.isPart = isPart_;
     return now;
 }
 
@@ -60,6 +73,7 @@ std::vector<DocumentLanguage> DocumentStructure::Languages() const {
 void DocumentStructure::Change(KeptStructure structure) {
     structure.pages.resize(std::min(structure.pages.size(), kMostPages));
     title_ = std::move(structure.title);
+    isPart_ = structure.isPart;
     outline_ = std::move(structure.outline);
     std::vector<std::size_t> places;
     places.reserve(outline_.size());

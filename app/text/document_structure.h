@@ -22,11 +22,14 @@ public:
     // Told whenever there is another structure, also within a change of the text.
     void Tell(std::function<void()> changed) { changed_ = std::move(changed); }
 
-    void Set(const Document& document);  // whose text has just come
-    void Restore(KeptStructure kept);    // likewise, as it was before
+    void Set(const Document& document, bool isPart);  // whose text has just come
+    // More pages have come, at that byte of the text.
+    void Grow(const Document& more, std::size_t begin, bool isPart);
+    void Restore(KeptStructure kept);  // likewise, as it was before
     KeptStructure Now() const;
     void Clear();  // a text that has none has come
 
+    bool IsPart() const { return isPart_; }              // the rest of the document has not come
     const std::string& Title() const { return title_; }  // the document's own; may be empty
     std::vector<DocumentLanguage> Languages() const;     // where they are now
     // Their places are those in the text as it came.
@@ -45,6 +48,7 @@ private:
 
     std::function<void()> changed_;
     std::string title_;
+    bool isPart_ = false;
     std::vector<OutlineEntry> outline_;
     MarkedPlaces places_;
     MarkedPlaces pages_;

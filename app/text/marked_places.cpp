@@ -9,6 +9,10 @@ void MarkedPlaces::Set(const std::vector<std::size_t>& places) {
     for (GtkTextMark* mark : marks_)
         gtk_text_buffer_delete_mark(buffer_, mark);
     marks_.clear();
+    Add(places);
+}
+
+void MarkedPlaces::Add(const std::vector<std::size_t>& places) {
     int offset = 0;
     for (std::size_t before = 0; const std::size_t place : places) {
         // Anew: beside a mark that has just been made, GTK counts a line's bytes wrong.

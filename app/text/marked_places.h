@@ -14,6 +14,7 @@ public:
     // Once; both outlive this object.
     void Attach(GtkTextBuffer* buffer, const LongLines& lines);
     void Set(const std::vector<std::size_t>& places);  // in order; of the text that has just come
+    void Add(const std::vector<std::size_t>& places);  // behind those that are there
     std::vector<std::size_t> Places() const;           // now
     std::size_t Size() const { return marks_.size(); }
     GtkTextIter At(std::size_t number) const;  // one of them

@@ -28,6 +28,7 @@ public:
     // Once; buffer and lines outlive this object. changed: Which() may be another now.
     void Attach(GtkTextBuffer* buffer, const LongLines& lines, std::function<void()> changed);
     void TextCame() { isPlaced_ = false; }
+    bool IsPlaced() const { return isPlaced_; }
 
     ReadFrom Which() const;
     TextToRead Take(ReadFrom from) const;

@@ -55,7 +55,8 @@ void SpokenHighlight::GCDeleteRange(GtkTextBuffer*, GtkTextIter* start, GtkTextI
 void SpokenHighlight::EvEdit(const GtkTextIter& at, std::size_t removed, std::size_t added) {
     const GtkTextIter begin = Start();
     // Broken lines come in the place of what was noted already.
-    if (!isFollowing_ || lines_->IsBreaking() || gtk_text_iter_compare(&at, &begin) < 0)
+    if (!isFollowing_ || isGrowing_ || lines_->IsBreaking() ||
+        gtk_text_iter_compare(&at, &begin) < 0)
         return;
     places_.Note(lines_->Bytes(begin, at), removed, added);
     if (shownEnd_ > shownBegin_ && !places_.Now(shownBegin_, shownEnd_))

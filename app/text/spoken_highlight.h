@@ -30,6 +30,9 @@ public:
 
     // Where the text that will be read begins; unless it is shown, its places are only kept.
     void Begin(const GtkTextIter& start, bool isShown);
+    // What is inserted until EndGrowth, at its end, belongs to that text.
+    void BeginGrowth() { isGrowing_ = true; }
+    void EndGrowth() { isGrowing_ = false; }
     // Which byte of that text stands there; nothing after End.
     std::optional<std::size_t> PlaceOf(const GtkTextIter& at) const;
     // And where it is now; nothing when something up to `end` was edited.
@@ -63,6 +66,7 @@ private:
     std::size_t shownBegin_ = 0;
     std::size_t shownEnd_ = 0;
     bool isFollowing_ = false;
+    bool isGrowing_ = false;
     bool isShown_ = false;
     bool isUnderlined_ = false;
     EditedPlaces places_;

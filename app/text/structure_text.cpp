@@ -8,12 +8,14 @@ namespace {
 
 constexpr int kDeepest = 20;
 
-// "title Ferries", "chapter 120 0 Oars", "heading 300 1 More of oars", "page 0", "language 0 de".
+// "title Ferries", "chapter 120 0 Oars", "heading 300 1 More of oars", "page 0", "language 0 de",
+// "part".
 constexpr std::string_view kTitleLine = "title ";
 constexpr std::string_view kChapterLine = "chapter ";
 constexpr std::string_view kHeadingLine = "heading ";
 constexpr std::string_view kPageLine = "page ";
 constexpr std::string_view kLanguageLine = "language ";
+constexpr std::string_view kPartLine = "part";
 
 std::string Unbroken(std::string title) {
     std::ranges::replace(title, '\n', ' ');
@@ -53,6 +55,10 @@ bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& struct
         structure.pages.push_back(begin);
         return true;
     }
+    if (line == kPartLine) {
+        structure.isPart = true;
+        return true;
+    }
     if (line.starts_with(kLanguageLine))
         return TakeLanguage(line.substr(kLanguageLine.size()), textSize, structure);
     const bool isChapter = line.starts_with(kChapterLine);
@@ -85,6 +91,8 @@ std::string LinesOfStructure(const KeptStructure& structure) {
     for (const DocumentLanguage& language : structure.languages)
         lines += std::string(kLanguageLine) + std::to_string(language.begin) + ' ' +
                  Unbroken(language.tag) + '\n';
+    if (structure.isPart)
+        lines += std::string(kPartLine) + '\n';
     return lines;
 }
 

@@ -11,6 +11,7 @@ struct TextFacts {
     std::string file = {};   // that it came from; empty: from none
     bool isPrivate = false;  // another program's, and unedited
     bool isArticle = false;  // what surrounds it can be brought back
+    unsigned int generation = 0;
 
     // About what it takes in memory.
     std::size_t Bytes() const {

@@ -53,6 +53,10 @@ void TextHistory::EvInsert(const GtkTextIter& at, std::string_view text) {
     if (isReverting_ || text.empty() || lines_->IsBreaking())
         return;
     const int characters = Characters(text);
+    if (isGrowing_) {
+        Grow(characters);
+        return;
+    }
     Note({lines_->Offset(at), characters, ""}, characters == 1 ? Kind::kTyped : Kind::kOther,
          IsBlank(text));
 }
@@ -96,6 +100,25 @@ void TextHistory::Note(Edit edit, Kind kind, bool blank) {
     }
     isInStep_ = actions_ > 0;
     canGoOn_ = true;
+}
+
+void TextHistory::LastStepGrows() {
+    if (!done_.empty())
+        done_.back().grows = true;
+}
+
+// What was edited since then reverts as before: all of it stands before what is added. But what was
+// known of the text then knows nothing of this.
+void TextHistory::Grow(int characters) {
+    for (Step& step : undone_)
+        step.before = step.after = std::nullopt;
+    for (auto step = done_.rbegin(); step != done_.rend(); ++step) {
+        if (step->grows) {
+            step->edits.back().length += characters;
+            return;
+        }
+        step->before.reset();
+    }
 }
 
 GtkTextIter TextHistory::End() const {

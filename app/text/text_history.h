@@ -40,6 +40,12 @@ public:
         restore_ = std::move(restore);
     }
 
+    // What the newest step brought is a part of a text that grows: what is inserted from
+    // BeginGrowth to EndGrowth, at the end of the text, belongs to that step.
+    void LastStepGrows();
+    void BeginGrowth() { isGrowing_ = true; }
+    void EndGrowth() { isGrowing_ = false; }
+
     // What stands in the buffer now has no history.
     void BeginAnew() {
         done_.clear();
@@ -62,6 +68,7 @@ private:
         Kind kind;
         bool endsWithBlank;
         std::vector<Edit> edits;
+        bool grows = false;
         bool isWhole = false;
         std::optional<TextFacts> before = {};
         std::optional<TextFacts> after = {};  // once it was undone
@@ -82,6 +89,7 @@ private:
     void Note(Edit edit, Kind kind, bool blank);
     bool GoesOn(const Edit& edit, Kind kind, bool blank) const;
     static bool Join(Edit& last, const Edit& next);
+    void Grow(int characters);
     void Forget();
     GtkTextIter End() const;
     void Revert(Steps& from, Steps& to);
@@ -91,10 +99,11 @@ private:
     const LongLines* lines_ = nullptr;
     std::function<TextFacts()> facts_;
     std::function<void(const TextFacts& facts, bool isWhole)> restore_;
-    Steps done_;                // newest last
-    Steps undone_;              // undone last at the end
-    int actions_ = 0;           // begun and not ended; what happens within is one step
-    bool isInStep_ = false;     // the newest step belongs to the present action
+    Steps done_;             // newest last
+    Steps undone_;           // undone last at the end
+    int actions_ = 0;        // begun and not ended; what happens within is one step
+    bool isInStep_ = false;  // the newest step belongs to the present action
+    bool isGrowing_ = false;
     bool isReverting_ = false;  // what changes is no new step
     bool canGoOn_ = false;      // typing may go on in the newest step
 };

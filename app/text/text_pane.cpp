@@ -109,18 +109,53 @@ void TextPane::Replace(const std::string& text) {
     highlight_.End();
     structure_.Clear();
     isArticle_ = false;
+    generation_ = ++generations_;
     start_.TextCame();
 }
 
-void TextPane::TakeFile(const Document& document, const std::string& path) {
+void TextPane::TakeFile(const Document& document, const std::string& path, bool isPart) {
     Replace(document.text);
+    if (isPart)
+        history_.LastStepGrows();
     isArticle_ = document.hasSurroundings;
     kept_.CameFromFile(path);
-    structure_.Set(document);
+    structure_.Set(document, isPart);
+}
+
+void TextPane::TakeMore(const Document& more, bool isPart) {
+    GtkTextBuffer* buffer = buffer_.Get();
+    GtkTextIter begin;
+    GtkTextIter end;
+    gtk_text_buffer_get_bounds(buffer, &begin, &end);
+    const std::size_t size = lines_.Bytes(begin, end);
+    gtk_text_buffer_get_iter_at_mark(buffer, &begin, gtk_text_buffer_get_insert(buffer));
+    gtk_text_buffer_get_iter_at_mark(buffer, &end, gtk_text_buffer_get_selection_bound(buffer));
+    const int cursor = gtk_text_iter_get_offset(&begin);
+    const int bound = gtk_text_iter_get_offset(&end);
+    isGrowing_ = true;
+    history_.BeginGrowth();
+    highlight_.BeginGrowth();
+    gtk_text_buffer_get_end_iter(buffer, &end);
+    gtk_text_buffer_insert(buffer, &end, more.text.data(), static_cast<gint>(more.text.size()));
+    highlight_.EndGrowth();
+    history_.EndGrowth();
+    isGrowing_ = false;
+    // Who writes at the end goes on where that was.
+    if (start_.IsPlaced()) {
+        gtk_text_buffer_get_iter_at_offset(buffer, &begin, cursor);
+        gtk_text_buffer_get_iter_at_offset(buffer, &end, bound);
+        gtk_text_buffer_select_range(buffer, &begin, &end);
+    }
+    structure_.Grow(more, size, isPart);
+}
+
+void TextPane::EvTextChanged() {
+    if (!isGrowing_)
+        listener_.changed();
 }
 
 TextFacts TextPane::Facts() const {
-    return {structure_.Now(), kept_.File(), !kept_.IsKept(), isArticle_};
+    return {structure_.Now(), kept_.File(), !kept_.IsKept(), isArticle_, generation_};
 }
 
 void TextPane::TakeBack(const TextFacts& facts, bool isWhole) {
@@ -128,6 +163,7 @@ void TextPane::TakeBack(const TextFacts& facts, bool isWhole) {
     if (!isWhole)
         return;
     isArticle_ = facts.isArticle;
+    generation_ = facts.generation;
     if (facts.isPrivate)
         kept_.CameFromProgram();
     else

@@ -56,8 +56,14 @@ public:
     // As it was given, whatever is broken for showing.
     std::string Text() const { return lines_.Text(); }
     // These replace all text, as one step to be undone.
-    void TakeFile(const Document& document, const std::string& path);
+    // isPart: more of the document will come.
+    void TakeFile(const Document& document, const std::string& path, bool isPart = false);
     void TakeFromProgram(const std::string& text);  // selected or copied there, or dropped
+    // What has come of the document in the meantime, behind the text and in the same step. What the
+    // user edited stays, and so does the cursor.
+    void TakeMore(const Document& more, bool isPart);
+    // Another one for each text that replaced all text; the same again when it is brought back.
+    unsigned int Generation() const { return generation_; }
     // Where the text is from and, later, is kept; empty: in no file.
     const std::string& File() const { return kept_.File(); }
     bool IsKept() const { return kept_.IsKept(); }
@@ -78,7 +84,7 @@ private:
     void Replace(const std::string& text);
     TextFacts Facts() const;
     void TakeBack(const TextFacts& facts, bool isWhole);
-    void EvTextChanged() { listener_.changed(); }
+    void EvTextChanged();
     void CmUndo();
     void CmRedo();
     void CmFind();
@@ -98,6 +104,9 @@ private:
     KeptText kept_;
     TextSize size_;
     bool isArticle_ = false;
+    bool isGrowing_ = false;  // what changes is what comes of the document
+    unsigned int generation_ = 0;
+    unsigned int generations_ = 0;
     SpokenHighlight highlight_;
     ReadingStart start_;
     TextClicks clicks_;

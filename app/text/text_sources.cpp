@@ -7,7 +7,6 @@
 
 #include "app/commands/command_numbers.h"
 #include "app/settings_keys.h"
-#include "app/text/document_loading.h"
 #include "app/text/recent_files.h"
 #include "documents/web_address.h"
 #include "foundation/files/file.h"
@@ -106,33 +105,79 @@ std::string TextSources::ChooseFile() {
 }
 
 bool TextSources::LoadFile(const std::string& path, FileFrom from, bool isWholePage) {
-    std::optional<Document> document;
+    std::optional<LoadedDocument> loaded;
     {
         const CommandTurn::Hold hold(turn_);
-        document = LoadDocumentUnderDialog(window_.Widget(), path.c_str(), isWholePage);
+        loaded = LoadBeginningUnderDialog(window_.Widget(), path.c_str(), isWholePage);
     }
     // The window may have been closed meanwhile.
     if (!window_.IsOpen())
         return false;
-    if (!document) {
+    if (!loaded) {
         narrator_.Waiting().SetAside();
         return false;
     }
-    if (!document->problem.empty()) {
-        TellUnreadable(path, document->problem, from);
+    const Document& document = loaded->document;
+    if (!document.problem.empty()) {
+        TellUnreadable(path, document.problem, from);
         return false;
     }
     isTakingFromElsewhere_ = from == FileFrom::kElsewhere;
-    text_.TakeFile(*document, path);
+    text_.TakeFile(document, path, loaded->rest != nullptr);
     isTakingFromElsewhere_ = false;
+    DropRest();
+    rest_ = std::move(loaded->rest);
+    restOf_ = text_.Generation();
+    if (rest_)
+        rest_->Follow([this](const auto&... more) { EvMore(more...); });
     NoteFile(path);
     if (from == FileFrom::kUser)
         listener_.opened();
     if (std::exchange(isUnreadableTold_, false))
         listener_.readable();
-    if (const std::string note = NoteOn(*document); !note.empty())
+    if (rest_)
+        window_.TellStatusText("The first page is here; the others come while it is read.");
+    else if (const std::string note = NoteOn(document); !note.empty())
         window_.TellStatusText(note.c_str());
     return true;
+}
+
+void TextSources::DropRest() {
+    if (!rest_)
+        return;
+    rest_.reset();
+    narrator_.Grow("", true);
+}
+
+void TextSources::EvMore(const Document& more, bool isAll) {
+    if (!window_.IsOpen() || IsRestOfAnother()) {
+        DropRest();
+        return;
+    }
+    if (isAll)
+        rest_.reset();
+    const bool isPart = !isAll || !more.problem.empty();
+    text_.TakeMore(more, isPart);
+    listener_.grown(more.text, isAll);
+    if (!isAll)
+        return;
+    const std::string note = isPart ? "The other pages are missing: " + more.problem
+                                    : "All " + std::to_string(text_.Structure().PageCount()) +
+                                          " pages are here. " + NoteOn(more);
+    window_.TellStatusText(note.c_str());
+}
+
+bool TextSources::AwaitAll() {
+    if (!IsComing())
+        return true;
+    const CommandTurn::Hold hold(turn_);
+    return rest_->Await(window_.Widget()) && window_.IsOpen();
+}
+
+void TextSources::TellIfPart() {
+    if (text_.Structure().IsPart() && !IsComing())
+        window_.TellStatusText(
+            "Only the first pages of the document are here. Open it again for the others.");
 }
 
 // Who chose the file sees a box.
@@ -157,6 +202,9 @@ void TextSources::EvTextChanged() {
     if (!isTakingFromElsewhere_)
         narrator_.Waiting().SetAside();
     selection_.DropFetch();
+    // Another text, or none: what would come has no place in it.
+    if (IsRestOfAnother())
+        DropRest();
 }
 
 void TextSources::WasSavedAs(const std::string& path) {

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "app/commands/command_set.h"
 #include "app/commands/command_turn.h"
 #include "app/reading/narrator.h"
+#include "app/text/document_loading.h"
 #include "app/text/recent_list.h"
 #include "app/text/selection_watch.h"
 #include "app/text/text_pane.h"
@@ -25,6 +27,8 @@ public:
         std::function<void(const std::string& note)> unreadable;
         std::function<void()> readable;  // that was told, and another file is here
         std::function<std::string(const std::string& path)> labelOf;  // among the recent files
+        // More of the document has come behind the window's text; isAll: nothing else will.
+        std::function<void(const std::string& more, bool isAll)> grown;
     };
     // All are borrowed. The narrator's texts wait for the window.
     TextSources(LMainWindow& window, CommandTurn& turn, TextPane& text, Narrator& narrator,
@@ -52,6 +56,13 @@ public:
     void DropFetch() { selection_.DropFetch(); }
     unsigned int Offered() const { return selection_.Offered(); }  // selection_watch.h
 
+    // Of a document that is still coming: waits for the rest under a dialog. False: the user does
+    // not want to wait, or has closed the window.
+    bool AwaitAll();
+    bool IsComing() const { return rest_ && !IsRestOfAnother(); }
+    // Where only a part of the document is here and nothing more will come, says so.
+    void TellIfPart();
+
     void EvTextChanged();
     void WasSavedAs(const std::string& path);
 
@@ -61,6 +72,11 @@ private:
     void CmWholePage();
     void TellUnreadable(const std::string& path, const std::string& problem, FileFrom from);
     void NoteFile(const std::string& path);
+    void EvMore(const Document& more, bool isAll);
+    void DropRest();
+    bool IsRestOfAnother() const {
+        return rest_ && (text_.IsEmpty() || text_.Generation() != restOf_);
+    }
 
     LMainWindow& window_;
     CommandTurn& turn_;
@@ -68,6 +84,8 @@ private:
     Narrator& narrator_;
     const Listener listener_;
     SelectionWatch selection_;
+    std::unique_ptr<DocumentRest> rest_;  // of the text in the window; null: it is all there
+    unsigned int restOf_ = 0;             // TextPane::Generation
     RecentList recent_;
     bool isTakingFromElsewhere_ = false;
     bool isUnreadableTold_ = false;

@@ -158,6 +158,57 @@ class ContentsTest(DesktopCase):
         desktop.wait_until(lambda: "of it[1].\n\nWords." in lectora.text(), "the other rules")
         desktop.wait_until(lambda: any("/a/b?c" in call for call in self.spoken()), "all of the address")
 
+    def test_a_scan_is_heard_from_its_first_page_on_while_the_others_come(self):
+        """The program that recognises text waits with each page but the first until it may go on."""
+        programs = self.folder("programs")
+        self.file("programs/tesseract", """#!/bin/sh
+            case "$*" in *list-langs*) printf 'List (1):\\neng\\n'; exit ;; esac
+            page=$(($(cat "$HOME/page" 2>/dev/null || echo 0) + 1))
+            echo $page >"$HOME/page"
+            while [ $page -gt 1 ] && [ ! -e "$HOME/go$page" ]; do sleep 0.05; done
+            printf 'This is what page %s says.\\n\\f' $(echo one two three | cut -d' ' -f$page)""")
+        os.chmod(os.path.join(programs, "tesseract"), 0o755)
+        path = f"{programs}:{os.environ['PATH']}"
+        self.card.tell("speed 2")
+        lectora = self.start(PATH=path)
+        self.choose(lectora, "ctrl+shift+o", "Locate File", self.file("scan.pdf", pdf([""] * 3)))
+        pages = [f"This is what page {name} says." for name in ("one", "two", "three")]
+        desktop.wait_until(lambda: lectora.text() == pages[0], "the first page")
+        desktop.wait_until(lambda: "Waiting for the next page" in lectora.status(), "its end")
+        self.picture("scan-awaited")
+        # What the user writes stays, and so does the place of it.
+        lectora.focus()
+        lectora.text_box().queryComponent().grabFocus()
+        lectora.type("ctrl+End", "space", "a")
+        self.file("go2", "")
+        desktop.wait_until(lambda: lectora.text() == f"{pages[0]} a\n\n{pages[1]}", "the second page")
+        desktop.wait_until(lambda: lectora.highlighted() == pages[1], "the second page to be heard")
+        lectora.type("b")
+        # Nobody saves a part for the whole.
+        desktop.press_keys("ctrl+s")
+        lectora.active_window("dialog", "Loading Document")
+        self.picture("scan-save")
+        desktop.press_keys("Escape")
+        desktop.wait_until(lambda: len(lectora.windows()) == 1, "the end of the command")
+        self.file("go3", "")
+        desktop.wait_until(lambda: lectora.text() == f"{pages[0]} ab\n\n{pages[1]}\n\n{pages[2]}\n", "the last page")
+        desktop.wait_until(lambda: any(pages[2] in call for call in self.spoken()), "the last page to be heard")
+        # The pages are one step, whatever was written between them.
+        lectora.focus()
+        lectora.text_box().queryComponent().grabFocus()
+        lectora.type("Escape", "ctrl+z", "ctrl+z")
+        self.assertEqual(lectora.text(), "\n\n".join(pages) + "\n")
+        lectora.type("ctrl+z")
+        self.assertEqual(lectora.text(), "")
+        # An end in the middle is told at the next start.
+        for name in ("page", "go2", "go3"):
+            os.remove(os.path.join(desktop.HOME, name))
+        subprocess.run([os.path.join(desktop.BUILD, "bin/lectora"), os.path.join(desktop.HOME, "scan.pdf")], check=True, timeout=desktop.PATIENCE)
+        desktop.wait_until(lambda: lectora.text() == pages[0], "the first page")
+        lectora.end()
+        lectora = self.start()
+        desktop.wait_until(lambda: "Only the first pages" in lectora.status(), "what is missing")
+
 
 if __name__ == "__main__":
     unittest.main()
