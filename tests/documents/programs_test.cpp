@@ -134,9 +134,10 @@ TEST(Programs, ScansAndPicturesAreRead) {
     EXPECT_EQ(grown.pages, scan.pages);
     ASSERT_EQ(told.size(), 2U);
     EXPECT_EQ(told.front().pages.size(), 1U);
-    for (const Document& beginning : told)
-        EXPECT_THAT(beginning.text, testing::EndsWith("dog.")),
-            EXPECT_THAT(grown.text, testing::StartsWith(beginning.text));
+    for (const Document& beginning : told) {
+        EXPECT_THAT(beginning.text, testing::EndsWith("dog."));
+        EXPECT_THAT(grown.text, testing::StartsWith(beginning.text));
+    }
     EXPECT_THAT(LoadDocument((folder / "scan.pdf").c_str(), [] { return true; }).problem,
                 HasSubstr("stopped"));
 }
