@@ -24,8 +24,6 @@ WINDOWS = (
     (MAIN, None, "Escape", "Text to read text", None),
     (MAIN, None, "ctrl+k", "Bookmark: ", None),
     (MAIN, None, "ctrl+shift+k", "Bookmarks dialog", "Bookmarks, Rename..., Remove, Go There, Cancel"),
-    (MAIN, None, "ctrl+l", "Waiting Files dialog",
-     "Waiting Files, Down, Remove, Remove All, Cancel, Read Now"),
     (MAIN, None, "alt+h a", "Lectora dialog", "OK"),
     (MAIN, None, "ctrl+o", "Locate File to Read Text dialog", "Files, Places, Cancel, Open"),
     (LOAD, None, "slash z Return", "alert Error", "OK"),
@@ -173,7 +171,6 @@ class ScreenReaderTest(DesktopCase):
         self.store("settings", savedefaultformat=1, saveformat=1)
         desktop.tell_engine("text2wave long 600")
         self.card.tell("speed 1")
-        self.keep_waiting("/nowhere/one.txt", "/nowhere/two.txt")
         lectora = self.start(asks=True)
         lectora.set_text("some words")
         self.walk(FIRST_START)
@@ -187,6 +184,15 @@ class ScreenReaderTest(DesktopCase):
         lectora.text_box().queryComponent().grabFocus()
         desktop.tell_engine("text2wave hang")
         self.walk(TROUBLE)
+        self.leave()
+
+    def test_the_files_that_wait_are_said(self):
+        self.keep_waiting("/nowhere/one.txt", "/nowhere/two.txt")
+        self.start()
+        self.walk((
+            (None, None, "ctrl+l", "Waiting Files dialog", "Waiting Files, Down, Remove, Remove All, Cancel, Read Now"),
+            (None, None, "Escape", "Text to read text", None),
+        ))
         self.leave()
 
     def test_the_contents_of_a_document_are_said(self):
