@@ -123,13 +123,6 @@ class ScreenReaderTest(DesktopCase):
         super().setUp()
         self.began = self.reader.mark()
 
-    def keep_waiting(self, *paths):
-        """As an earlier run of the program has left them."""
-        kept = os.path.join(desktop.HOME, ".quillon/lectora/waiting-files")
-        os.makedirs(os.path.dirname(kept), exist_ok=True)
-        with open(kept, "w", opener=lambda path, flags: os.open(path, flags, 0o600)) as file:
-            file.write("".join(path + "\0" for path in paths))
-
     def leave(self):
         """Gives the keyboard to another program: the reader hangs, or misses the next window, when
         the one that it is asking about ends. What it says of a window that comes back differs."""
@@ -184,15 +177,6 @@ class ScreenReaderTest(DesktopCase):
         lectora.text_box().queryComponent().grabFocus()
         desktop.tell_engine("text2wave hang")
         self.walk(TROUBLE)
-        self.leave()
-
-    def test_the_files_that_wait_are_said(self):
-        self.keep_waiting("/nowhere/one.txt", "/nowhere/two.txt")
-        self.start()
-        self.walk((
-            (None, None, "ctrl+l", "Waiting Files dialog", "Waiting Files, Down, Remove, Remove All, Cancel, Read Now"),
-            (None, None, "Escape", "Text to read text", None),
-        ))
         self.leave()
 
     def test_the_contents_of_a_document_are_said(self):
