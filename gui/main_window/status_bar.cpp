@@ -3,7 +3,6 @@
 #include "gui/accessible.h"
 #include "gui/display_text.h"
 #include "gui/gtk_children.h"
-#include "gui/unheard_change.h"
 
 LStatusBar::~LStatusBar() {
     if (bar_ != nullptr)
@@ -38,10 +37,7 @@ void LStatusBar::SetStatusText(const char* text) {
     if (GTK_IS_LABEL(label) && shown == gtk_label_get_text(GTK_LABEL(label)))
         return;
     const guint context = gtk_statusbar_get_context_id(bar, "text");
-    if (GTK_IS_LABEL(label)) {
-        const LUnheardChange between(label);
-        gtk_statusbar_pop(bar, context);
-    }
+    gtk_statusbar_pop(bar, context);
     gtk_statusbar_push(bar, context, shown.c_str());
 }
 

@@ -1,25 +1,9 @@
 // What the player panel shows: the item, its time and waveform, levels, speed, and trouble with the
 // card.
-#include <optional>
-#include <string_view>
-
-#include "gui/unheard_change.h"
 #include "playback/dialogs/player_panel.h"
 #include "playback/dialogs/player_panel_ids.h"
 
 using namespace PlayerPanel;
-
-namespace {
-
-// Whether the label shows the same time but for its hundredths.
-bool IsOfSecond(GtkWidget* label, std::string_view time) {
-    if (!GTK_IS_LABEL(label))
-        return false;
-    const std::string_view shown = gtk_label_get_text(GTK_LABEL(label));
-    return shown.substr(0, shown.find('.')) == time.substr(0, time.find('.'));
-}
-
-}  // namespace
 
 void LPlayerBaseDlg::EvChange(LPlayerChange change) {
     switch (change) {
@@ -74,14 +58,7 @@ void LPlayerBaseDlg::ShowTime() {
         shown += transport_.IsLengthKnown() ? " of " : " of about ";
         shown += text;
     }
-    // Four times a second is more than a screen reader takes in beside other news: it hears of
-    // each second.
-    GtkWidget* label = GetControlByID(kTime);
-    std::optional<LUnheardChange> unheard;
-    if (IsPlaying() && IsOfSecond(label, shown))
-        unheard.emplace(label);
     SetStaticText(kTime, shown.c_str());
-    unheard.reset();
     ShowWave();
     if (!isSliderMoving_)
         ShowPosition();
