@@ -52,6 +52,9 @@ public:
     LSoundTime TimeOf(int frame) const;
     // Of a place of the text: that of its sound once it is spoken, else an estimate.
     LSoundTime TimeAt(std::size_t place) const;
+    bool IsSpokenTo(std::size_t place) const {
+        return reading_ && (IsSpokenToTheEnd() || reading_->Track().All().sourceEnd >= place);
+    }
     // Whether that time is in the sound that is there, or its very end.
     bool Reaches(LSoundTime time) const;
     bool IsSpokenToTheEnd() const {

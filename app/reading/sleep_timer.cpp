@@ -12,6 +12,7 @@ constexpr milliseconds kFade{10000};
 // A chapter is left that much before its end: times come a quarter of a second apart.
 constexpr milliseconds kLastMoment{500};
 constexpr milliseconds kNearEnd{2000};
+constexpr milliseconds kUnsure{250};
 
 constexpr int MinutesOf(SleepAt when) {
     switch (when) {
@@ -107,7 +108,9 @@ std::optional<SleepTimer::Milliseconds> SleepTimer::Left() const {
         return end_ - clock_();
     if (narrator_.State() != ReadingState::kPlaying)
         return std::nullopt;
-    return LeftTo(EndOfChapter()) - kLastMoment;
+    const Milliseconds left = LeftTo(EndOfChapter()) - kLastMoment;
+    // What is spoken later may last longer than it was thought to.
+    return narrator_.IsTimeKnown(EndOfChapter()) ? left : std::max(left, kUnsure);
 }
 
 SleepTimer::Milliseconds SleepTimer::LeftTo(std::size_t place) const {

@@ -207,6 +207,8 @@ class ContentsTest(DesktopCase):
             os.remove(os.path.join(desktop.HOME, name))
         subprocess.run([os.path.join(desktop.BUILD, "bin/lectora"), os.path.join(desktop.HOME, "scan.pdf")], check=True, timeout=desktop.PATIENCE)
         desktop.wait_until(lambda: lectora.text() == pages[0], "the first page")
+        kept = os.path.join(desktop.HOME, ".quillon/lectora/text")
+        desktop.wait_until(lambda: open(kept).read() == pages[0], "it to be kept")
         lectora.end()
         lectora = self.start()
         desktop.wait_until(lambda: "Only the first pages" in lectora.status(), "what is missing")

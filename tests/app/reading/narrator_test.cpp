@@ -68,15 +68,15 @@ TEST_F(NarratorTest, ReadsOnInATextThatGrowsAndAwaitsWhatIsToCome) {
     EXPECT_TRUE(RunUntil([&] { return last_.isForText; })) << "of what has come nothing is left";
     EXPECT_EQ(heard_.back(), first.size());
     narrator_->Grow("And the last one. ", false);
-    EXPECT_TRUE(RunUntil([&] { return heard_.back() > first.size() && last_.isForText; }));
-    EXPECT_EQ(narrator_->Place(), narrator_->Text().size());
+    EXPECT_TRUE(RunUntil(
+        [&] { return narrator_->Place() == narrator_->Text().size() && last_.isForText; }));
     narrator_->MoveToPlace(0);
     EXPECT_TRUE(RunUntil([&] { return heard_.back() == 0; }));
     narrator_->Grow("\n", true);
     EXPECT_TRUE(RunTo(State::kEnded));
     EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd) << "a blank page is no trouble";
     EXPECT_EQ(last_.note, "");
-    EXPECT_EQ(heard_.back(), narrator_->Text().find("And"));
+    EXPECT_GE(heard_.back(), first.size()) << "all of it was heard again";
     const std::string text = narrator_->Text();
     narrator_->Grow("It is all there. ", true);
     EXPECT_EQ(narrator_->Text(), text);
