@@ -1,7 +1,7 @@
 // How long and how large a book will be, before any of it is spoken.
 #pragma once
 
-#include "books/book_run.h"
+#include "books/book_order.h"
 
 struct BookEstimate {
     double seconds = 0;

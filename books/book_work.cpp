@@ -15,7 +15,7 @@
 #include <memory>
 #include <set>
 
-#include "books/book_run.h"
+#include "books/book_order.h"
 #include "formats/whole_file.h"
 #include "foundation/files/file_io.h"
 #include "speech/language_voices.h"

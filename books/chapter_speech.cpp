@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "books/book_run.h"
+#include "books/book_order.h"
 #include "books/saved_tempo.h"
 #include "formats/wave_file.h"
 #include "sound/source_to_sink.h"

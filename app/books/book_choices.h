@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "books/book_run.h"
+#include "books/book_order.h"
 
 // How good an audiobook sounds, and how large it is.
 enum class BookQuality { kSmall, kUsual, kHigh };
