@@ -90,6 +90,7 @@ class EndingTest(DesktopCase):
     def test_a_further_signal_ends_it_at_once_but_not_the_one_that_follows_at_a_sessions_end(self):
         """A display that answers nobody keeps the first signal waiting."""
         lectora = self.start()
+        lectora.settle()  # a call that waits for the display would keep every signal waiting
         subprocess.run(["pkill", "-STOP", "-x", "Xvfb"], check=True, timeout=desktop.PATIENCE)
         self.addCleanup(subprocess.run, ["pkill", "-CONT", "-x", "Xvfb"])
         for number in (signal.SIGTERM, signal.SIGHUP):
