@@ -78,7 +78,7 @@ void SkipId3(std::FILE* file) {
         std::fseek(file, (header[6] << 21 | header[7] << 14 | header[8] << 7 | header[9]) + 10,
                    SEEK_SET);
     else
-        std::rewind(file);
+        std::fseek(file, 0, SEEK_SET);
 }
 
 template <CodecFrame (*Frame)(const unsigned char*), std::size_t HeaderBytes>

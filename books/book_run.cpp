@@ -213,6 +213,7 @@ bool BookMaker::Join() {
 
 std::string BookMaker::WriteWithText(const std::string& path) {
     std::vector<ReadAlongChapter> chapters;
+    chapters.reserve(order_.plan.chapters.size());
     for (std::size_t i = 0; i < order_.plan.chapters.size(); ++i)
         chapters.push_back({FinishedPath(i), LoadSubtitles(ContentOf(SubtitlePath(i)))});
     return WriteReadAlong(path, order_.plan, order_.text, VoiceAt(order_.voice).language, chapters);
@@ -221,6 +222,7 @@ std::string BookMaker::WriteWithText(const std::string& path) {
 bool BookMaker::JoinInto(const std::string& path, std::vector<ChapterMark>& marks) {
     const std::size_t count = order_.plan.chapters.size();
     std::vector<std::string> parts;
+    parts.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
         parts.push_back(FinishedPath(i));
     const bool isM4b = order_.type == SoundType::kM4b;

@@ -102,7 +102,7 @@ void ZipFile::AddFile(const std::string& name, const std::string& path) {
         checksum = Checksum(checksum, bytes);
         size += bytes.size();
     }
-    std::rewind(file.get());
+    std::fseek(file.get(), 0, SEEK_SET);
     Begin(name, checksum, size);
     for (std::string_view bytes = read(); !bytes.empty() && problem_.empty(); bytes = read())
         Put(bytes);

@@ -175,6 +175,7 @@ std::vector<std::string> EpubEncryptedFiles(const ZipIndex& index) {
     ContainerListener listener;
     ParseXml(index.Content("META-INF/encryption.xml"), listener);
     std::vector<std::string> names;
+    names.reserve(listener.encrypted.size());
     for (const std::string& address : listener.encrypted)
         names.push_back(index.Find("", address));
     return names;
