@@ -2,6 +2,8 @@
 // through a crash, a full disk and a power cut.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <string>
 
 #include "foundation/files/unique_fd.h"

@@ -65,7 +65,8 @@ class RecordingDesk final : public LBugReportDesk {
 public:
     explicit RecordingDesk(std::vector<bool> answers = {}) : answers_(std::move(answers)) {}
     bool AskYesNo(const char*, const char*) override {
-        return ++asked <= answers_.size() && answers_[asked - 1];
+        ++asked;
+        return asked <= answers_.size() && answers_[asked - 1];
     }
     void OpenPage(const std::string& address) override { page = address; }
     std::size_t asked = 0;
