@@ -1,6 +1,7 @@
 #include "foundation/processes/child_process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -15,6 +16,7 @@
 namespace {
 
 constexpr int kFirstPrivateFd = 3;
+constexpr int kToldFd = 3;  // of a shell that tells its command's status
 
 void SetDefaultSignals() {
     struct sigaction action = {};
@@ -43,10 +45,11 @@ bool ConnectStandardStreams(const LChildStreams& streams) {
            (streams.errors < 0 || ::dup2(streams.errors, 2) == 2);
 }
 
-// Between fork and exec: async-signal-safe calls only. errno goes to the descriptor when the
+// Between fork and exec: async-signal-safe calls only. The program gets told, unless it is -1, as
+// its kToldFd. errno goes to the descriptor when the
 // program cannot be run.
 [[noreturn]] void BecomeProgram(const char* const* arguments, const LChildStreams& streams,
-                                int failure) {
+                                int told, int failure) {
     SetDefaultSignals();
     if (streams.ownGroup)
         ::setpgid(0, 0);
@@ -54,6 +57,8 @@ bool ConnectStandardStreams(const LChildStreams& streams) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (ConnectStandardStreams(streams)) {
         CloseOnExecFromFirstPrivate();
+        if (told >= 0)
+            ::dup2(told, kToldFd);
         sigset_t none;
         sigemptyset(&none);
         ::sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -80,12 +85,12 @@ void Collect(pid_t pid, int* status) {
 }
 
 // A process started with descriptors 0 to 2 closed must not hand a pipe to its child as one of
-// those by accident.
-UniqueFd AwayFromStandard(int fd) {
-    if (fd >= kFirstPrivateFd)
+// those by accident, and what is still needed while the child gets its own must not be overwritten.
+UniqueFd AwayFromTheChilds(int fd) {
+    if (fd > kToldFd)
         return UniqueFd(fd);
     UniqueFd low(fd);
-    return UniqueFd(::fcntl(fd, F_DUPFD_CLOEXEC, kFirstPrivateFd));
+    return UniqueFd(::fcntl(fd, F_DUPFD_CLOEXEC, kToldFd + 1));
 }
 
 bool IsRunnableFile(const char* path) {
@@ -95,7 +100,8 @@ bool IsRunnableFile(const char* path) {
 
 // The child's id once the program runs, -1 when it could not be run. A detached one belongs to
 // nobody: its id is not told, 0 stands for it.
-pid_t StartProgram(const char* const* arguments, const LChildStreams& streams, bool detached) {
+pid_t StartProgram(const char* const* arguments, const LChildStreams& streams, bool detached,
+                   int told = -1) {
     LPipePair failure = LPipePair::Make();
     if (!failure.IsOpen())
         return -1;
@@ -110,7 +116,7 @@ pid_t StartProgram(const char* const* arguments, const LChildStreams& streams, b
             ::_exit(0);
         if (detached)
             ::setsid();
-        BecomeProgram(arguments, streams, failure.writeEnd.Get());
+        BecomeProgram(arguments, streams, told, failure.writeEnd.Get());
     }
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (pid < 0)
@@ -132,16 +138,45 @@ LChildProcess LChildProcess::Start(const char* const* arguments, const LChildStr
 }
 
 LChildProcess LChildProcess::StartShell(const char* command, const LChildStreams& streams) {
-    const char* const arguments[] = {"/bin/sh", "-c", command, nullptr};
-    return Start(arguments, streams);
+    if (!streams.tellsStatus) {
+        const char* const arguments[] = {"/bin/sh", "-c", command, nullptr};
+        return Start(arguments, streams);
+    }
+    LPipePair told = LPipePair::Make();
+    if (!told.IsOpen())
+        return {};
+    const std::string text = std::string("( ") + command + "\n) 3>&-; echo $? >&3";
+    const char* const arguments[] = {"/bin/sh", "-c", text.c_str(), nullptr};
+    LChildProcess child(StartProgram(arguments, streams, false, told.writeEnd.Get()));
+    child.told_ = std::move(told.readEnd);
+    return child;
+}
+
+bool LChildProcess::HasEnded() const {
+    pollfd told{told_.Get(), POLLIN, 0};
+    return ::poll(&told, 1, 0) > 0;
+}
+
+int LChildProcess::ToldStatus() {
+    if (!told_.IsOpen())
+        return 0;
+    std::string text;
+    char part[16];
+    for (ssize_t got;
+         (got = ::read(told_.Get(), part, sizeof part)) > 0 || (got < 0 && errno == EINTR);)
+        text.append(part, got > 0 ? static_cast<std::size_t>(got) : 0);
+    told_.Reset();
+    // A shell that is killed tells nothing.
+    return text.empty() ? W_EXITCODE(0, SIGKILL) : W_EXITCODE(std::atoi(text.c_str()), 0);
 }
 
 int LChildProcess::Wait() {
     if (pid_ <= 0)
         return -1;
+    const int told = ToldStatus();
     int status = 0;
     Collect(std::exchange(pid_, -1), &status);
-    return status;
+    return status != 0 ? status : told;
 }
 
 LPipePair LPipePair::Make() {
@@ -149,14 +184,15 @@ LPipePair LPipePair::Make() {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0)
         return pair;
-    pair.readEnd = AwayFromStandard(ends[0]);
-    pair.writeEnd = AwayFromStandard(ends[1]);
+    pair.readEnd = AwayFromTheChilds(ends[0]);
+    pair.writeEnd = AwayFromTheChilds(ends[1]);
     return pair;
 }
 
 int RunShellCommand(const char* command) {
     LChildStreams streams;
     streams.emptyInput = true;
+    streams.tellsStatus = true;
     return LChildProcess::StartShell(command, streams).Wait();
 }
 

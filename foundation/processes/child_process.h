@@ -23,17 +23,22 @@ struct LChildStreams {
     // The child is killed when the thread that started it ends, as it does when this process is
     // killed. Not inherited by the child's own children.
     bool diesWithStarter = false;
+    // Of a shell command: its status cannot be lost. The shell stays until the command has ended
+    // and says how on descriptor 3, which the command does not get.
+    bool tellsStatus = false;
 };
 
 // Sole owner of a started child. Destruction waits for it, so that no zombie is left.
 class LChildProcess {
 public:
     LChildProcess() = default;
-    LChildProcess(LChildProcess&& other) noexcept : pid_(std::exchange(other.pid_, -1)) {}
+    LChildProcess(LChildProcess&& other) noexcept
+        : pid_(std::exchange(other.pid_, -1)), told_(std::move(other.told_)) {}
     LChildProcess& operator=(LChildProcess&& other) noexcept {
         if (this != &other) {
             Wait();
             pid_ = std::exchange(other.pid_, -1);
+            told_ = std::move(other.told_);
         }
         return *this;
     }
@@ -49,18 +54,24 @@ public:
 
     bool IsStarted() const { return pid_ > 0; }  // true until waited for
     pid_t Pid() const { return pid_; }
+    // Of one that tells its status: whether it has ended. Does not wait.
+    bool HasEnded() const;
     // Blocks until the child ended and answers its wait status; 0 when the status is lost because
-    // SIGCHLD is ignored (the kernel then collects children itself), -1 when there is no child.
+    // SIGCHLD is ignored (the kernel then collects children itself) and not told, -1 when there is
+    // no child.
     int Wait();
     // Whoever takes it, or the kernel, collects the child.
     pid_t Release() { return std::exchange(pid_, -1); }
 
 private:
     explicit LChildProcess(pid_t pid) : pid_(pid) {}
+    int ToldStatus();
+
     pid_t pid_ = -1;
+    UniqueFd told_;  // where its status comes as text
 };
 
-// A pipe whose ends are close-on-exec and never one of 0 to 2; both closed when it could not be
+// A pipe whose ends are close-on-exec and never one of 0 to 3; both closed when it could not be
 // made.
 struct LPipePair {
     UniqueFd readEnd;
@@ -69,8 +80,8 @@ struct LPipePair {
     bool IsOpen() const { return readEnd.IsOpen() && writeEnd.IsOpen(); }
 };
 
-// Runs the command through the shell with an empty standard input and waits for its end. The wait
-// status as from LChildProcess::Wait(), -1 when it could not be started.
+// Runs the command through the shell with an empty standard input and waits for its end. Its wait
+// status, -1 when it could not be started.
 int RunShellCommand(const char* command);
 
 // Starts the command with an empty standard input, in a session of its own, and leaves it alone: it

@@ -3,12 +3,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdlib>
-#include <string>
 
 bool LPipeStream::Adopt(UniqueFd ourEnd, const char* mode, LChildProcess child) {
     if (!child.IsStarted())
@@ -31,22 +26,7 @@ int LPipeStream::Close() {
         std::fclose(stream_);
     stream_ = nullptr;
     fd_ = -1;
-    const int told = ToldStatus();
-    const int status = child_.Wait();
-    return status != 0 ? status : told;
-}
-
-int LPipeStream::ToldStatus() {
-    if (!told_.IsOpen())
-        return 0;
-    std::string text;
-    char part[16];
-    for (ssize_t got;
-         (got = ::read(told_.Get(), part, sizeof part)) > 0 || (got < 0 && errno == EINTR);)
-        text.append(part, got > 0 ? static_cast<std::size_t>(got) : 0);
-    told_.Reset();
-    // A shell that is killed tells nothing.
-    return text.empty() ? W_EXITCODE(0, SIGKILL) : W_EXITCODE(std::atoi(text.c_str()), 0);
+    return child_.Wait();
 }
 
 bool LPipeIn::_Open(const char* commandLine) {
@@ -56,6 +36,7 @@ bool LPipeIn::_Open(const char* commandLine) {
         return false;
     LChildStreams streams;
     streams.output = pipe.writeEnd.Get();
+    streams.tellsStatus = true;
     LChildProcess child = LChildProcess::StartShell(commandLine, streams);
     pipe.writeEnd.Reset();
     return Adopt(std::move(pipe.readEnd), "r", std::move(child));
@@ -64,17 +45,15 @@ bool LPipeIn::_Open(const char* commandLine) {
 bool LPipeOut::_Open(const char* commandLine) {
     Close();
     LPipePair pipe = LPipePair::Make();
-    LPipePair told = LPipePair::Make();
-    if (!pipe.IsOpen() || !told.IsOpen())
+    if (!pipe.IsOpen())
         return false;
     LChildStreams streams;
     streams.input = pipe.readEnd.Get();
-    streams.output = told.writeEnd.Get();
+    streams.noOutput = true;
     streams.ownGroup = true;
-    const std::string command = std::string("( ") + commandLine + "\n) >/dev/null; echo $?";
-    LChildProcess child = LChildProcess::StartShell(command.c_str(), streams);
+    streams.tellsStatus = true;
+    LChildProcess child = LChildProcess::StartShell(commandLine, streams);
     pipe.readEnd.Reset();
-    told_ = std::move(told.readEnd);
     return Adopt(std::move(pipe.writeEnd), "w", std::move(child));
 }
 

@@ -16,7 +16,7 @@ public:
     int Fd() const { return fd_; }                 // borrowed; the stream's, -1 when not open
     pid_t Pid() const { return child_.Pid(); }
     // Flushes and closes our end, then blocks until the command ended. Its wait status, -1 when
-    // nothing is open; of LPipeIn it may be lost (see LChildProcess::Wait).
+    // nothing is open.
     int Close();
 
 protected:
@@ -24,12 +24,7 @@ protected:
     ~LPipeStream() { Close(); }
     bool Adopt(UniqueFd ourEnd, const char* mode, LChildProcess child);
 
-    UniqueFd told_;  // where the command's exit status comes as text, which no disposition of
-                     // SIGCHLD can lose
-
 private:
-    int ToldStatus();
-
     std::FILE* stream_ = nullptr;
     int fd_ = -1;
     LChildProcess child_;
