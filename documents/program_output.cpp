@@ -3,7 +3,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,9 +15,8 @@
 
 namespace {
 
-constexpr rlim_t kMaxMemory = 1U << 30;
-constexpr rlim_t kMaxSeconds = 60;      // of the processor
-constexpr rlim_t kMaxFile = 64U << 20;  // that it writes
+// A GiB of memory, a minute of the processor, and no file over 64 MiB (in blocks of 512 bytes).
+constexpr char kBounds[] = "{ ulimit -v 1048576; ulimit -t 60; ulimit -f 131072; } 2>/dev/null; ";
 constexpr int kStopTestMilliseconds = 50;
 
 // Bytes in memory as a file of no folder, at its beginning.
@@ -28,15 +26,6 @@ UniqueFd FileInMemory(std::string_view bytes) {
         (WriteFully(file.Get(), bytes) != 0 || ::lseek(file.Get(), 0, SEEK_SET) != 0))
         file.Reset();
     return file;
-}
-
-void Bound(pid_t child) {
-    const rlimit memory{kMaxMemory, kMaxMemory};
-    const rlimit seconds{kMaxSeconds, kMaxSeconds};
-    const rlimit file{kMaxFile, kMaxFile};
-    ::prlimit(child, RLIMIT_AS, &memory, nullptr);
-    ::prlimit(child, RLIMIT_CPU, &seconds, nullptr);
-    ::prlimit(child, RLIMIT_FSIZE, &file, nullptr);
 }
 
 ProgramOutcome TakeOutput(int pipe, const ReadingWatch& watch, const OutputTaker& take) {
@@ -69,16 +58,15 @@ ProgramOutcome RunProgram(const std::string& command, std::string_view input,
     streams.input = file.Get();
     streams.output = output.writeEnd.Get();
     streams.ownGroup = true;
-    LChildProcess child =
-        LChildProcess::StartShell(("exec " + command + " 2>/dev/null").c_str(), streams);
+    streams.tellsStatus = true;
+    LChildProcess child = LChildProcess::StartShell(
+        (kBounds + ("exec " + command + " 2>/dev/null")).c_str(), streams);
     if (!child.IsStarted())
         return ProgramOutcome::kNotStarted;
-    const pid_t group = child.Pid();
-    Bound(group);
     output.writeEnd.Reset();
     const ProgramOutcome outcome = TakeOutput(output.readEnd.Get(), watch, take);
     if (outcome != ProgramOutcome::kDone)
-        ::kill(-group, SIGKILL);
+        ::kill(-child.Pid(), SIGKILL);
     const bool hasFailed = child.Wait() != 0;
     return outcome == ProgramOutcome::kDone && hasFailed ? ProgramOutcome::kFailed : outcome;
 }

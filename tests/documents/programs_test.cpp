@@ -1,5 +1,6 @@
 // Documents that other programs help to read, with the real programs, and mail.
 #include <gmock/gmock.h>
+#include <signal.h>
 
 #include <cstdlib>
 #include <string>
@@ -62,6 +63,11 @@ TEST(Programs, DjvuIsReadPageByPage) {
     EXPECT_THAT(LoadDocument((folder / "a.djvu").c_str()).text, HasSubstr("Words of a page."));
     EXPECT_THAT(LoadDocument((folder / "empty.djvu").c_str()).problem, HasSubstr("no text"));
     EXPECT_THAT(ReadDocument("AT&TFORM").problem, HasSubstr("damaged"));
+    folder.WriteProgram("djvutxt", "echo Words.; exit 3");
+    const ScopedVariable path("PATH", folder.Path().c_str());
+    ::signal(SIGCHLD, SIG_IGN);  // as once an engine has been asked for its voices
+    EXPECT_THAT(ReadDocument("AT&TFORM").remark, HasSubstr("Only a part"));
+    ::signal(SIGCHLD, SIG_DFL);
 }
 
 // A Palm book of one record, not compressed.
