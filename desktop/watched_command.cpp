@@ -1,7 +1,6 @@
 #include "desktop/watched_command.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,16 +36,15 @@ LWatchedCommand::~LWatchedCommand() {
 bool LWatchedCommand::Start(const std::string& command) {
     char path[] = "/tmp/lectora-said-XXXXXX";
     output_.Reset(::mkostemp(path, O_CLOEXEC));
-    LPipePair pipe = LPipePair::Make();
-    if (!output_.IsOpen() || !pipe.IsOpen())
+    if (!output_.IsOpen())
         return false;
     ::unlink(path);
     LChildStreams streams;
-    streams.input = pipe.readEnd.Get();
+    streams.emptyInput = true;
     streams.output = output_.Get();
-    child_ = LChildProcess::StartShell(
-        ("exec 3<&0 </dev/null 2>&1; { " + command + "\n} 3<&-; exit $?").c_str(), streams);
-    alive_ = std::move(pipe.writeEnd);
+    streams.errors = output_.Get();
+    streams.tellsStatus = true;
+    child_ = LChildProcess::StartShell(command.c_str(), streams);
     return child_.IsStarted();
 }
 
@@ -56,12 +54,10 @@ int LWatchedCommand::ExitStatus() const {
 
 bool LWatchedCommand::HasEnded() {
     lastLine_ = LastLineOf(output_.Get());
-    if (!alive_.IsOpen())
+    if (!child_.IsStarted())
         return true;
-    pollfd watched{alive_.Get(), 0, 0};
-    if (::poll(&watched, 1, 0) <= 0)
+    if (!child_.HasEnded())
         return false;
-    alive_.Reset();
     status_ = child_.Wait();
     lastLine_ = LastLineOf(output_.Get());
     return true;

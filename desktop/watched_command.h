@@ -28,7 +28,6 @@ public:
 
 private:
     LChildProcess child_;
-    UniqueFd alive_;   // of a pipe that only the shell of the command reads
     UniqueFd output_;  // a file, so that the command can go on talking when nobody listens
     std::string lastLine_;
     int status_ = -1;

@@ -256,6 +256,7 @@ TEST(RootPrompt, AsksThroughTheDesktopsOwnProgramAndPkexecLast) {
 TEST(WatchedCommand, TellsItsLastLineAndGoesOnWhenNobodyWatches) {
     const ScratchFolder folder;
     LSilentProgress progress;
+    ::signal(SIGCHLD, SIG_IGN);  // as once an engine has been asked for its voices
     LWatchedCommand failing;
     ASSERT_TRUE(failing.Start("read word; echo one; echo \"$word.\" >&2; printf half; exit 3"));
     EXPECT_EQ(Process(progress, failing), kProcessFailed);
@@ -264,6 +265,7 @@ TEST(WatchedCommand, TellsItsLastLineAndGoesOnWhenNobodyWatches) {
     ASSERT_TRUE(refused.Start("echo; echo This incident has been reported.; exit 127"));
     EXPECT_EQ(Process(progress, refused), kProcessFailed);
     EXPECT_NE(WhyFailed(refused).find("password"), std::string::npos);
+    ::signal(SIGCHLD, SIG_DFL);
     struct Stopped : LSilentProgress {
         LProcessResult ProcessWait(unsigned int) override { return kProcessStopped; }
     };
