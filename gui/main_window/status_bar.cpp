@@ -3,6 +3,7 @@
 #include "gui/accessible.h"
 #include "gui/display_text.h"
 #include "gui/gtk_children.h"
+#include "gui/widgets/ticking_text.h"
 
 LStatusBar::~LStatusBar() {
     if (bar_ != nullptr)
@@ -15,6 +16,13 @@ GtkWidget* LStatusBar::CreateStatusBar() {
     bar_ = gtk_statusbar_new();
     g_object_add_weak_pointer(G_OBJECT(bar_), reinterpret_cast<gpointer*>(&bar_));
     gtk_statusbar_set_has_resize_grip(GTK_STATUSBAR(bar_), TRUE);
+    // While a text is read it changes each second, for which the bar's own label is no good.
+    GtkWidget* message = gtk_statusbar_get_message_area(GTK_STATUSBAR(bar_));
+    GtkWidget* label = LGtkChildren(message).First();
+    gtk_widget_set_no_show_all(label, TRUE);
+    gtk_widget_hide(label);
+    line_ = NewTickingText(0);
+    gtk_box_pack_start(GTK_BOX(message), line_, TRUE, TRUE, 0);
     // At least this high; a size request of the bar itself would cut off large letters.
     GtkWidget* strut = gtk_vbox_new(FALSE, 0);
     gtk_widget_set_size_request(strut, 0, kHeight);
@@ -30,15 +38,11 @@ void LStatusBar::AddToStatusBar(GtkWidget* widget) {
 void LStatusBar::SetStatusText(const char* text) {
     if (bar_ == nullptr)
         return;
-    GtkStatusbar* bar = GTK_STATUSBAR(bar_);
     const std::string shown = DisplayText(text);
-    // A screen reader hears of each change, and drops news where there are too many.
-    GtkWidget* label = LGtkChildren(gtk_statusbar_get_message_area(bar)).First();
-    if (GTK_IS_LABEL(label) && shown == gtk_label_get_text(GTK_LABEL(label)))
+    if (shown == TickingTextOf(line_))
         return;
-    const guint context = gtk_statusbar_get_context_id(bar, "text");
-    gtk_statusbar_pop(bar, context);
-    gtk_statusbar_push(bar, context, shown.c_str());
+    SetTickingText(line_, shown, shown);
+    SetAccessibleName(bar_, shown.c_str());
 }
 
 void LStatusBar::TellStatusText(const char* text) {

@@ -26,5 +26,6 @@ protected:
     GtkWidget* CreateStatusBar();  // with a resize grip; floating, to be packed once
 
 private:
-    GtkWidget* bar_ = nullptr;  // owned by its window; cleared when destroyed
+    GtkWidget* bar_ = nullptr;   // owned by its window; cleared when destroyed
+    GtkWidget* line_ = nullptr;  // in it
 };

@@ -7,6 +7,7 @@
 #include "gui/accessible.h"
 #include "gui/gobject_ref.h"
 #include "gui/gtk_children.h"
+#include "gui/widgets/ticking_text.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "playback/dialogs/player_panel.h"
 #include "playback/dialogs/player_panel_ids.h"
@@ -18,7 +19,6 @@ using namespace PlayerPanel;
 constexpr int kRowGap = 4;
 constexpr int kSpeedWidth = 90;
 constexpr int kWaveMargin = 11;  // of the slider, above and below which the wave is seen
-constexpr int kTimeCharacters = 24;
 constexpr int kSpeedCharacters = 4;
 
 // Buttons keep pace with the letters, in the sizes that the images are drawn in.
@@ -101,7 +101,9 @@ void DlgGenDockedPlayer(LDialogGenContext& context) {
     Pack(row, buttons);
     AddButtons(context, buttons, {kStart, kRewind, kPlay, kScrub, kStop, kForward, kEnd});
     AddButtons(context, buttons, {kPreviousSentence, kRepeatSentence, kNextSentence, kNextTrack});
-    AddLabel(context, row, kTime, kTimeCharacters);
+    GtkWidget* time = NewTickingText(kTimeCharacters);
+    Pack(row, time);
+    context.Dialog().SetControlID(time, kTime);
     GtkWidget* ends = gtk_hbox_new(FALSE, 0);
     gtk_box_pack_end(GTK_BOX(row), ends, FALSE, FALSE, 0);
     GtkWidget* tempo =

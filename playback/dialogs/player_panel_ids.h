@@ -4,6 +4,7 @@
 namespace PlayerPanel {
 
 constexpr int kTime = 103;
+constexpr int kTimeCharacters = 24;  // wide
 constexpr int kMeter = 104;
 constexpr int kWave = 105;
 constexpr int kPosition = 106;

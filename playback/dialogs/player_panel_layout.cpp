@@ -6,6 +6,7 @@
 
 #include "gui/accessible.h"
 #include "gui/gtk_children.h"
+#include "gui/widgets/ticking_text.h"
 #include "gui/windows/dialog_gen_context.h"
 #include "playback/dialogs/player_panel.h"
 #include "playback/dialogs/player_panel_ids.h"
@@ -77,7 +78,7 @@ void DlgGenPlayer(LDialogGenContext& context) {
     context.AddStaticLeft(-1, "Position");
     context.AddSpanRight(position, kPosition);
     SetAccessibleName(position, "Position");
-    GtkWidget* time = NewLabel("");
+    GtkWidget* time = NewTickingText(kTimeCharacters);
     context.AddSpanFull(NewRow(NewLabel("Time"), time, time), -1);
     context.Dialog().SetControlID(time, kTime);
     context.AddDBDisplay(kMeter);

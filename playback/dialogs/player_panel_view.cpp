@@ -1,5 +1,6 @@
 // What the player panel shows: the item, its time and waveform, levels, speed, and trouble with the
 // card.
+#include "gui/widgets/ticking_text.h"
 #include "playback/dialogs/player_panel.h"
 #include "playback/dialogs/player_panel_ids.h"
 
@@ -52,13 +53,17 @@ void LPlayerBaseDlg::ShowTime() {
     char text[kSoundTimeTextSize];
     transport_.Time()._GetText2(text);
     std::string shown = text;
+    // Four times a second is more than a screen reader takes in beside other news.
+    std::string told = IsPlaying() ? shown.substr(0, shown.find('.')) : shown;
     const LSoundTime length = transport_.Length();
     if (length > LSoundTime()) {
         length._GetText0(text);
-        shown += transport_.IsLengthKnown() ? " of " : " of about ";
-        shown += text;
+        const std::string whole =
+            (transport_.IsLengthKnown() ? " of " : " of about ") + std::string(text);
+        shown += whole;
+        told += whole;
     }
-    SetStaticText(kTime, shown.c_str());
+    SetTickingText(GetControlByID(kTime), shown, told);
     ShowWave();
     if (!isSliderMoving_)
         ShowPosition();

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "foundation/settings/settings.h"
+#include "gui/widgets/ticking_text.h"
 #include "playback/dialogs/player_panel_ids.h"
 #include "tests/support/memory_sound.h"
 #include "tests/support/virtual_card.h"
@@ -89,7 +90,7 @@ protected:
         return PumpUntil([&] { return !panel_->IsPlaying(); }, kMost);
     }
     std::string TimeText() const {
-        return gtk_label_get_text(GTK_LABEL(panel_->GetControlByID(kTime)));
+        return TickingTextOf(panel_->GetControlByID(kTime));
     }
 
     VirtualCards cards_;
