@@ -123,6 +123,13 @@ class ScreenReaderTest(DesktopCase):
         super().setUp()
         self.began = self.reader.mark()
 
+    def keep_waiting(self, *paths):
+        """As an earlier run of the program has left them."""
+        kept = os.path.join(desktop.HOME, ".quillon/lectora/waiting-files")
+        os.makedirs(os.path.dirname(kept), exist_ok=True)
+        with open(kept, "w", opener=lambda path, flags: os.open(path, flags, 0o600)) as file:
+            file.write("".join(path + "\0" for path in paths))
+
     def leave(self):
         """Gives the keyboard to another program: the reader hangs, or misses the next window, when
         the one that it is asking about ends. What it says of a window that comes back differs."""
@@ -178,6 +185,64 @@ class ScreenReaderTest(DesktopCase):
         desktop.tell_engine("text2wave hang")
         self.walk(TROUBLE)
         self.leave()
+
+    def test_the_files_that_wait_are_said(self):
+        self.keep_waiting("/nowhere/one.txt", "/nowhere/two.txt")
+        self.start()
+        self.walk((
+            (None, None, "ctrl+l", "Waiting Files dialog", "Waiting Files, Down, Remove, Remove All, Cancel, Read Now"),
+            (None, None, "Escape", "Text to read text", None),
+        ))
+        self.leave()
+
+    def test_pause_jumps_and_end_are_said_in_a_word_and_nothing_else_is(self):
+        self.card.tell("speed 1")
+        lectora = self.start()
+        lectora.set_text(" ".join(4 * SENTENCES))
+        lectora.focus()
+        # With the first key the program no longer tells a late reader where the focus is.
+        self.hear("F10", "Lectora menu")
+        before = self.reader.mark()
+        desktop.press_keys("Escape")
+        self.reader.wait_until_told("Text to read text", before)
+        heard = {}
+
+        def press(keys, words, then):
+            """What is said from these keys until then."""
+            before = self.reader.mark()
+            desktop.press_keys(*keys.split())
+            if words:
+                self.reader.wait_until_told(words, before)
+            then()
+            heard[keys or then.__name__] = self.reader.said_since(before)
+
+        def reads_on(seconds=2):
+            stream = self.card.streams()[-1]
+            played = self.card.sound(stream).frames + seconds * self.card.sound(stream).rate
+            desktop.wait_until(lambda: self.card.sound(stream).frames > played, "the sound to go on")
+
+        def begins():
+            self.card.next_stream()
+            lectora.player()
+            reads_on()
+
+        press("F9", "", begins)
+        self.reader.go_to(active_window(), "Position")
+        press("", "", reads_on)
+        press("Up", "%", reads_on)
+        press("ctrl+Right", "%", reads_on)
+        press("F9 ", "Paused", lambda: None)
+        press("ctrl+Left", "%", reads_on)
+        press("Escape", "Stopped", lambda: None)
+        before = self.reader.mark()
+        lectora.text_box().queryComponent().grabFocus()
+        self.reader.wait_until_told("Text to read text", before)
+        self.card.tell("speed 20")
+        press("ctrl+shift+r", "End of the text", lambda: None)
+        for quiet in ("F9", "reads_on"):
+            self.assertEqual(heard.pop(quiet), "")
+        for keys, said in heard.items():
+            self.assertRegex(said, r"^(\d+ %|Paused|Stopped|End of the text)\.?$", keys)
 
     def test_the_contents_of_a_document_are_said(self):
         page = "<title>Ferries</title><h1>Ferries</h1><h2>Oars</h2><p>Words.<h2>Sails</h2><p>More."
