@@ -1,5 +1,7 @@
 #include "gui/main_window/status_bar.h"
 
+#include <utility>
+
 #include "gui/accessible.h"
 #include "gui/display_text.h"
 #include "gui/gtk_children.h"
@@ -46,8 +48,10 @@ void LStatusBar::SetStatusText(const char* text) {
 }
 
 void LStatusBar::TellStatusText(const char* text) {
+    constexpr unsigned int kMoment = 400;  // milliseconds
     SetStatusText(text);
-    SayBesideStatus(text);
+    SayBesideStatus(std::exchange(untold_, text).c_str());
+    telling_.Start(kMoment, [this] { SayBesideStatus(std::exchange(untold_, "").c_str()); });
 }
 
 void LStatusBar::SayBesideStatus(const char* text) {

@@ -3,13 +3,18 @@
 
 #include <gtk/gtk.h>
 
+#include <string>
+
+#include "gui/gui_timer.h"
+
 class LStatusBar {
 public:
     static constexpr int kHeight = 24;  // pixels
 
     // Replaces the text; plain, copied. Does nothing before the window exists.
     void SetStatusText(const char* text);
-    // The same for what is news to the user: screen readers say it.
+    // The same for what is news to the user: screen readers say it, in a moment. What a window that
+    // closes tells of itself is so much that they drop what comes right behind it.
     void TellStatusText(const char* text);
     // A screen reader says it; the bar keeps its text.
     void SayBesideStatus(const char* text);
@@ -28,4 +33,6 @@ protected:
 private:
     GtkWidget* bar_ = nullptr;   // owned by its window; cleared when destroyed
     GtkWidget* line_ = nullptr;  // in it
+    LGuiTimer telling_;
+    std::string untold_;
 };
