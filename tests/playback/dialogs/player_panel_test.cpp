@@ -89,9 +89,7 @@ protected:
     bool Ended() {
         return PumpUntil([&] { return !panel_->IsPlaying(); }, kMost);
     }
-    std::string TimeText() const {
-        return TickingTextOf(panel_->GetControlByID(kTime));
-    }
+    std::string TimeText() const { return TickingTextOf(panel_->GetControlByID(kTime)); }
 
     VirtualCards cards_;
     std::unique_ptr<MadeInfo> info_;
