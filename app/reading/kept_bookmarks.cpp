@@ -1,7 +1,5 @@
 #include "app/reading/kept_bookmarks.h"
 
-#include <glib.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <utility>
@@ -9,7 +7,7 @@
 #include "app/reading/kept_fields.h"
 #include "foundation/files/private_file.h"
 #include "foundation/first_words.h"
-#include "foundation/owned_text.h"
+#include "foundation/whole_characters.h"
 
 namespace {
 
@@ -17,16 +15,6 @@ constexpr const char* kBookmarksFile = "bookmarks";
 constexpr std::size_t kBookmarkFields = 6;
 constexpr std::string_view kOfWindow = "window";
 constexpr std::size_t kTellingBytes = 12;  // a shorter sentence may stand anywhere
-
-// Never in the middle of a character.
-std::string Shortened(std::string text, std::size_t most) {
-    if (text.size() > most) {
-        const char* end = text.data();
-        g_utf8_validate(text.data(), static_cast<gssize>(most), &end);
-        text.resize(static_cast<std::size_t>(end - text.data()));
-    }
-    return text;
-}
 
 bool IsSamePlace(const Bookmark& one, const Bookmark& other) {
     return one.at.key == other.at.key && one.at.place == other.at.place;
@@ -66,8 +54,9 @@ int KeptBookmarks::Set(Bookmark bookmark) {
     std::erase_if(bookmarks_, [&](const Bookmark& each) { return IsSamePlace(each, bookmark); });
     if (IsFull())
         return ENOSPC;
-    bookmark.at.sentence = Shortened(std::move(bookmark.at.sentence), KeptPlaces::kMostSentence);
-    bookmark.name = Shortened(std::move(bookmark.name), kMostName);
+    bookmark.at.sentence.resize(
+        WholeCharacters(bookmark.at.sentence, KeptPlaces::kMostSentence).size());
+    bookmark.name.resize(WholeCharacters(bookmark.name, kMostName).size());
     bookmarks_.push_back(std::move(bookmark));
     return Write();
 }

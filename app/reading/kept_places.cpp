@@ -8,6 +8,7 @@
 #include "app/reading/kept_fields.h"
 #include "foundation/files/private_file.h"
 #include "foundation/owned_text.h"
+#include "foundation/whole_characters.h"
 
 namespace {
 
@@ -79,7 +80,7 @@ std::optional<KeptPlace> KeptPlaces::Find(const std::string& key) const {
 }
 
 int KeptPlaces::Keep(KeptPlace place) {
-    place.sentence.resize(std::min(place.sentence.size(), kMostSentence));
+    place.sentence.resize(WholeCharacters(place.sentence, kMostSentence).size());
     std::erase_if(places_, [&](const KeptPlace& each) { return each.key == place.key; });
     places_.insert(places_.begin(), std::move(place));
     if (places_.size() > kMost)

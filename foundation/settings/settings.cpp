@@ -87,15 +87,6 @@ void LUserSettingSetInt(const char* section, const char* key, int value) {
     LUserSettingSetString(section, key, std::to_string(value).c_str());
 }
 
-bool LUserSettingGetBool(const char* section, const char* key, bool defaultValue) {
-    const std::string value = LUserSettingGet(section, key, defaultValue ? "1" : "");
-    return !value.empty() && value != "0";
-}
-
-void LUserSettingSetBool(const char* section, const char* key, bool value) {
-    LUserSettingSetString(section, key, value ? "1" : "0");
-}
-
 void _LSettingGetString(const char* section, const char* key, const char* defaultValue, char* out) {
     gLLocalSettings.GetString(section, key, defaultValue, out);
 }

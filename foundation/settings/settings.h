@@ -58,9 +58,6 @@ void LUserSettingDeleteItem(const char* section, const char* key);
 std::string LUserSettingGet(const char* section, const char* key, const char* defaultValue = "");
 int LUserSettingGetInt(const char* section, const char* key, int defaultValue);
 void LUserSettingSetInt(const char* section, const char* key, int value);
-// A flag is on when its value is neither empty nor "0".
-bool LUserSettingGetBool(const char* section, const char* key, bool defaultValue);
-void LUserSettingSetBool(const char* section, const char* key, bool value);
 
 // --- machine-wide
 void _LSettingGetString(const char* section, const char* key, const char* defaultValue, char* out);

@@ -47,6 +47,9 @@ TEST(KeptBookmarksTest, EachDocumentHasItsOwnInTheOrderOfTheText) {
     const ScratchFolder home;
     const ScopedVariable variable("HOME", home.Path().c_str());
     const std::string text = "One is first. Two is second. Three is third.";
+    std::string longName = "H";
+    while (longName.size() <= KeptBookmarks::kMostName)
+        longName += "é";
     {
         KeptBookmarks kept;
         for (const char* sentence : {"Three", "One", "Two"})
@@ -54,13 +57,14 @@ TEST(KeptBookmarksTest, EachDocumentHasItsOwnInTheOrderOfTheText) {
         for (std::size_t number = 3; number < KeptBookmarks::kMost; ++number)
             EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", std::to_string(number))}), 0);
         EXPECT_NE(kept.Set({.at = PlaceIn(text, "Two", "one too many")}), 0);
-        EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", "book"), .name = "Here"}), 0)
+        EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", "book"), .name = longName}), 0)
             << "another name";
         EXPECT_EQ(kept.Remove({.at = PlaceIn(text, "One", "book")}), 0);
     }
     const std::vector<Bookmark> bookmarks = KeptBookmarks().Of("book");
     ASSERT_EQ(bookmarks.size(), 2u);
-    EXPECT_EQ(bookmarks[0].Title(), "Here");
+    EXPECT_EQ(bookmarks[0].Title(), longName.substr(0, KeptBookmarks::kMostName - 1))
+        << "whole characters";
     EXPECT_EQ(bookmarks[1].Title(), "Three");
     EXPECT_THAT(FindPlace(bookmarks[1].at, "New. " + text), Optional(34u));
     ForgetKeptBookmarks();

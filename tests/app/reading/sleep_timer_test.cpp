@@ -84,6 +84,7 @@ TEST_F(SleepTimerTest, SleepsAtTheEndOfTheChapterThatIsHeardThen) {
                      .chapters = {0, second - 16, third - 16}},
                     0);
     timer_.Choose(SleepAt::kEndOfChapter);
+    EXPECT_EQ(timer_.Status(), "sleeps at the end of the chapter");
     ASSERT_TRUE(RunTo(ReadingState::kPlaying));
     narrator_->MoveToHeading(1);
     ASSERT_TRUE(RunTo(ReadingState::kPaused));
