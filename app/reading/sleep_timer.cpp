@@ -106,7 +106,9 @@ std::size_t SleepTimer::EndOfChapter() const {
 std::optional<SleepTimer::Milliseconds> SleepTimer::Left() const {
     if (chosen_ != SleepAt::kEndOfChapter)
         return end_ - clock_();
-    if (narrator_.State() != ReadingState::kPlaying)
+    // The end of a text that still comes is not where it ends by now.
+    const bool isToCome = narrator_.IsGrowing() && EndOfChapter() == narrator_.Text().size();
+    if (narrator_.State() != ReadingState::kPlaying || isToCome)
         return std::nullopt;
     const Milliseconds left = LeftTo(EndOfChapter()) - kLastMoment;
     // What is spoken later may last longer than it was thought to.

@@ -73,6 +73,17 @@ TEST_F(SleepTimerTest, FadesAndPausesWhenItsMinutesHavePassed) {
     EXPECT_TRUE(Sleeps());
 }
 
+TEST_F(SleepTimerTest, DoesNotSleepBehindThePagesThatHaveCome) {
+    cards_.Insert(0, "speed 2\n");
+    timer_.Choose(SleepAt::kEndOfChapter);
+    const std::string page = "The first page is read. It ends here.";
+    narrator_->Read({.text = page, .isGrowing = true}, 0);
+    ASSERT_TRUE(RunUntil([&] { return last_.isForText; }));
+    narrator_->Grow(" And the last one.", true);
+    ASSERT_TRUE(Sleeps());
+    EXPECT_GT(narrator_->Place(), page.size());
+}
+
 TEST_F(SleepTimerTest, SleepsAtTheEndOfTheChapterThatIsHeardThen) {
     cards_.Insert(0, "speed 2\n");
     const std::string text = LongText(8);
