@@ -78,7 +78,8 @@ public:
     void MoveToHeading(int step);    // likewise, where the text has headings
     void MoveToChapter(int step);
     void MoveToPlace(std::size_t place);        // the sentence at that byte of the text
-    void ReadOn(std::size_t place, int voice);  // from there on by that voice
+    // From there on by that voice, which also reads what is still to come of the text.
+    void ReadOn(std::size_t place, int voice);
     bool CanMove() const;                       // there is a text whose places can be heard
     const std::vector<std::size_t>& Headings() const { return info_.Headings(); }
     LSoundTime TimeAt(std::size_t place) const { return info_.TimeAt(place); }

@@ -144,5 +144,6 @@ void Narrator::MoveToPlace(std::size_t place) {
 
 void Narrator::ReadOn(std::size_t place, int voice) {
     voice_ = voice;
-    GoTo(place);
+    if (!isAwaitingText_)
+        GoTo(place);
 }

@@ -67,9 +67,12 @@ TEST_F(NarratorTest, ReadsOnInATextThatGrowsAndAwaitsWhatIsToCome) {
     narrator_->Grow("Sentence number three is said. ", false);
     EXPECT_TRUE(RunUntil([&] { return last_.isForText; })) << "of what has come nothing is left";
     EXPECT_EQ(heard_.back(), first.size());
+    VoiceChange(*narrator_).Begin(1);
+    EXPECT_FALSE(last_.isJump) << "there is nothing yet that it could read";
     narrator_->Grow("And the last one. ", false);
     EXPECT_TRUE(RunUntil(
         [&] { return narrator_->Place() == narrator_->Text().size() && last_.isForText; }));
+    EXPECT_THAT(home_.Read("engine.log"), testing::HasSubstr("(voice_voice2) And the last one."));
     narrator_->MoveToPlace(0);
     EXPECT_TRUE(RunUntil([&] { return heard_.back() == 0; }));
     narrator_->Grow("\n", true);
