@@ -20,7 +20,7 @@ double BytesASecond(const BookOrder& order) {
 }  // namespace
 
 double SecondsOfChapter(const BookOrder& manner, const BookChapter& chapter) {
-    return EstimateSpeech(chapter.letters).seconds * 100 / manner.TempoOf(manner.voice) +
+    return EstimateSpeech(chapter.letters).seconds * 100 / manner.rules.SpeedOf(manner.voice) +
            manner.secondsBetween;
 }
 

@@ -9,7 +9,6 @@
 #include "books/book_plan.h"
 #include "books/subtitles.h"
 #include "formats/sound_types.h"
-#include "sound/tempo.h"
 #include "speech/speech_pieces.h"
 
 struct BookOrder {
@@ -18,21 +17,16 @@ struct BookOrder {
     int voice = 0;
     SpeakingRules rules;
     SoundType type = SoundType::kMp3;
-    int kilobits = 0;              // a second; 0: what serves speech
-    std::string target;            // a file, or with a slash at its end a folder of chapters
-    bool overwrites = false;       // else a target that is there is a problem
-    bool evensLoudness = true;     // else as the voice has it
-    double secondsBetween = 1;     // of silence behind each chapter
-    std::vector<int> tempos = {};  // percent of each voice's own speed, by its index; else 100
+    int kilobits = 0;           // a second; 0: what serves speech
+    std::string target;         // a file, or with a slash at its end a folder of chapters
+    bool overwrites = false;    // else a target that is there is a problem
+    bool evensLoudness = true;  // else as the voice has it
+    double secondsBetween = 1;  // of silence behind each chapter
     std::optional<SubtitleForm> subtitles;
     bool isReadAlong = false;  // an EPUB with text and sound, which is MP3 (read_along.h)
     std::string engineFolder;  // for the engine's own files, with its slash
 
     bool NeedsTimes() const { return subtitles || isReadAlong; }  // of its sentences
-    int TempoOf(int spoken) const {
-        const auto index = static_cast<std::size_t>(spoken);
-        return spoken >= 0 && index < tempos.size() ? tempos[index] : LTempo::kOwnPercent;
-    }
 };
 
 // Where chapters of an order with so many of them go: "07 Of the Sea.mp3".

@@ -46,7 +46,7 @@ bool HoldsOthers(const BookOrder& order, bool isUnfinished) {
 }
 
 std::string SpokenBy(const BookOrder& order, int voice) {
-    return KeyOf(VoiceAt(voice)) + " " + std::to_string(order.TempoOf(voice));
+    return KeyOf(VoiceAt(voice)) + " " + std::to_string(order.rules.SpeedOf(voice));
 }
 
 // What decides which voice says which words how.

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "books/book_order.h"
-#include "books/saved_tempo.h"
 #include "formats/wave_file.h"
 #include "sound/source_to_sink.h"
 #include "speech/piece_runs.h"
@@ -37,7 +36,7 @@ public:
             Open(sound->SampleRate());
         const int first = sink_->FramesWritten();
         LSilentProgress unseen;
-        LPRSourceToSink request{"", AtTempo(sound, order_.TempoOf(piece.voice)), sink_};
+        LPRSourceToSink request{"", sound, sink_};
         if (Process(unseen, request) != kProcessDone)
             return SynthesisOutcome::kCannotWrite;
         lines_.push_back({MillisecondsAt(first), MillisecondsAt(sink_->FramesWritten()),

@@ -60,6 +60,10 @@ void LPlayerTransport::ReadTempo() {
     tempo_->Set(PlayerTempo(voice_.c_str()).Get());
 }
 
+int LPlayerTransport::TempoOf(const std::string& voice) const {
+    return isPrepared_ && voice == voice_ ? tempo_->Percent() : PlayerTempo(voice.c_str()).Get();
+}
+
 void LPlayerTransport::StoreTempo() {
     PlayerTempo(voice_.c_str()).Set(tempo_->Percent());
 }
@@ -82,7 +86,7 @@ LSoundSource LPlayerTransport::OpenSource() {
     LSoundSource source;
     info_.OpenSource(source);
     if (source->Status() == SoundStatus::kGood) {
-        sampleRate_ = source->SampleRate();
+        timeRate_ = source->TimeRate();
         length_ = TimeOf(source->GetEndSample());
     }
     return source;
@@ -90,11 +94,11 @@ LSoundSource LPlayerTransport::OpenSource() {
 
 int LPlayerTransport::FrameAt(LSoundTime time) const {
     const int within = std::max(time, info_.SourceBegin()).Milliseconds();
-    return LSoundTime(within - info_.SourceBegin().Milliseconds()).ToFrames(sampleRate_);
+    return LSoundTime(within - info_.SourceBegin().Milliseconds()).ToFrames(timeRate_);
 }
 
 LSoundTime LPlayerTransport::TimeOf(int frame) const {
-    return Later(LSoundTime::FromFrames(frame, sampleRate_));
+    return Later(LSoundTime::FromFrames(frame, timeRate_));
 }
 
 // A time of the source as one of the item.
@@ -239,7 +243,7 @@ bool LPlayerTransport::IsLengthKnown() const {
 }
 
 double LPlayerTransport::Pace() const {
-    return sampleRate_ * (wind_.IsOn() ? wind_.Factor() : tempo_->Percent() / 100.0);
+    return timeRate_ * (wind_.IsOn() ? wind_.Factor() : tempo_->Percent() / 100.0);
 }
 
 void LPlayerTransport::Tell(LPlayerChange change) {

@@ -79,8 +79,8 @@ public:
     bool IsLengthKnown() const;                   // else it is an estimate
     int Frame() const { return FrameAt(time_); }  // of the source, at Time()
     LSoundTime TimeOf(int frame) const;
-    int SampleRate() const { return sampleRate_; }  // of the source last opened
-    double Pace() const;                            // frames of it a second
+    int TimeRate() const { return timeRate_; }  // of the source last opened
+    double Pace() const;                        // frames of it a second
     const LDBMC& Levels() const { return levels_; }
     // Why nothing can be heard, when playback ended by itself.
     PlayTrouble Trouble() const { return trouble_; }
@@ -92,6 +92,9 @@ public:
 protected:
     // Before everybody else hears of it.
     virtual void EvChange(LPlayerChange /*change*/) {}
+
+    // The speed that the voice's sound is played at, or will be.
+    int TempoOf(const std::string& voice) const;
 
     // `info` tells of another item from now on: stops, and goes to its start.
     void TakeItem();
@@ -130,7 +133,7 @@ private:
     std::string obstacle_;       // the first half of the next
     std::string routeText_;
     LSoundPlayer player_;
-    int sampleRate_ = 0;
+    int timeRate_ = 0;
     LSoundTime time_;
     LSoundTime length_;
     LDBMC levels_;

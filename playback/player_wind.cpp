@@ -23,7 +23,9 @@ LSoundSource PlayerWind::Begin(Way way, Before before, const LSoundSource& sourc
         last_ = wasPlaying ? -7.0 : -3.0;
     }
     begin_ = g_get_monotonic_time();
-    return LSPSpeed(first_, last_, kRamp).OpenSource(source);
+    // The factors are those of the source's time.
+    const double pace = static_cast<double>(source->TimeRate()) / source->SampleRate();
+    return LSPSpeed(first_ * pace, last_ * pace, kRamp).OpenSource(source);
 }
 
 PlayerWind::Before PlayerWind::End() {

@@ -63,7 +63,7 @@ bool LSoundPlayer::Start(const LSoundSource& source) {
         return false;
     source_ = taken;
     taken.Close();  // the run's thread counts handles from here on
-    rate_ = source_->SampleRate();
+    timeRate_ = source_->TimeRate();
     position_ = source_->GetPositionSample();
     state_ = State::kLoaded;
     const LSoundTime time = PositionTime();
@@ -116,7 +116,7 @@ void LSoundPlayer::Stop() {
     Halt();
     source_.Close();
     state_ = State::kIdle;
-    rate_ = 0;
+    timeRate_ = 0;
     position_ = 0;
     listener_.spntfStop(id_);
 }

@@ -60,7 +60,7 @@ public:
     void Cue();   // pauses at the start of the block being heard, which Play repeats
     // Always sounds afterwards, even when the state reads cued.
     void Seek(int frame);
-    void Seek(LSoundTime time) { Seek(time.ToFrames(SampleRate())); }
+    void Seek(LSoundTime time) { Seek(time.ToFrames(timeRate_)); }
     void Stop();
     void WriteCueBuffer() {}  // a cued player has no card open, so there is no buffer to write
 
@@ -68,7 +68,7 @@ public:
     bool IsCued() const { return state_ == State::kCued; }
 
     // Frames are those of the source that was started, whatever the card is given; 0 when idle.
-    int SampleRate() const { return rate_; }
+    int TimeRate() const { return timeRate_; }  // of them in a second of its time
     int Position() const { return position_; }  // last told: what is being heard
     LSoundTime PositionTime() const { return TimeOf(position_); }
     int EndSample() const;  // grows while the source streams
@@ -109,7 +109,7 @@ private:
     void StartRun();
     void Halt();
     bool TellSilence();
-    LSoundTime TimeOf(int frame) const { return LSoundTime::FromFrames(frame, rate_); }
+    LSoundTime TimeOf(int frame) const { return LSoundTime::FromFrames(frame, timeRate_); }
 
     LSoundPlayerNotify& listener_;
     const int id_;
@@ -117,7 +117,7 @@ private:
     std::shared_ptr<const LTempo> tempo_;
     std::shared_ptr<LFade> fade_;
     LSoundSource source_;  // the run's while there is one
-    int rate_ = 0;
+    int timeRate_ = 0;
     int position_ = 0;
     State state_ = State::kIdle;
     std::unique_ptr<PlayRun> run_;

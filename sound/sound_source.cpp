@@ -94,3 +94,8 @@ LSoundProcessBase::LSoundProcessBase(const LSoundSource& inner)
     if (inner_->Status() != SoundStatus::kGood)
         status_ = SoundStatus::kInnerNotGood;
 }
+
+int LSoundProcessBase::TimeRate() const {
+    return static_cast<int>(std::int64_t{inner_->TimeRate()} * sampleRate_ /
+                            std::max(inner_->SampleRate(), 1));
+}

@@ -50,6 +50,10 @@ public:
     // conversion began with. Positions of different rates are compared by it.
     virtual int OriginFrame(int frame) const { return frame; }
 
+    // Frames in a second of its own time: fewer than in a second of sound where a speaker was made
+    // to speak faster, and more where slower.
+    virtual int TimeRate() const { return sampleRate_; }
+
     // errno of the first read that the system refused, 0 when there was none. Read delivers silence
     // then, so programs ask here before they call what they read whole.
     virtual int ReadError() const { return readError_; }
@@ -125,6 +129,7 @@ public:
     void Seek(int frame) override { inner_->Seek(frame); }
     bool IsStreaming() const override { return inner_->IsStreaming(); }
     int OriginFrame(int frame) const override { return inner_->OriginFrame(frame); }
+    int TimeRate() const override;
     int ReadError() const override { return inner_->ReadError(); }
     void WaitForStreamingData(int milliseconds) override {
         inner_->WaitForStreamingData(milliseconds);

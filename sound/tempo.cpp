@@ -20,6 +20,8 @@ void LTempo::Set(int percent) {
 LTempoSource::LTempoSource(const LSoundSource& inner, std::shared_ptr<const LTempo> tempo)
     : LSoundProcessBase(inner),
       tempo_(std::move(tempo)),
+      spokenPercent_(static_cast<int>(
+          std::lround(100.0 * inner->SampleRate() / std::max(inner->TimeRate(), 1)))),
       stretcher_(std::make_unique<soundtouch::SoundTouch>()),
       input_(static_cast<std::size_t>(kFeedFrames) * channels_),
       samples_(static_cast<std::size_t>(kMaxBlockFrames) * channels_) {
@@ -42,7 +44,7 @@ void LTempoSource::FollowTempo() {
         return;
     percent_ = percent;
     stretches_ = true;
-    stretcher_->setTempo(percent / 100.0);
+    stretcher_->setTempo(Pace());
 }
 
 int LTempoSource::GetPositionSample() const {
@@ -51,7 +53,7 @@ int LTempoSource::GetPositionSample() const {
         return position;
     // Once flushed, what the library still holds as input is the silence of its flush.
     const double held = flushed_ ? 0.0 : static_cast<double>(stretcher_->numUnprocessedSamples());
-    const double behind = held + Ready() * (percent_ / 100.0);
+    const double behind = held + Ready() * Pace();
     return std::max(0, position - static_cast<int>(std::lround(behind)));
 }
 
@@ -62,11 +64,12 @@ int LTempoSource::ReadableFrames() const {
     if (flushed_)
         return Ready();
     if (!inner_->IsStreaming())
-        return Ready() + static_cast<int>(std::ceil(
-                             (remaining + static_cast<int>(stretcher_->numUnprocessedSamples())) *
-                             100.0 / percent_));
+        return Ready() +
+               static_cast<int>(std::ceil(
+                   (remaining + static_cast<int>(stretcher_->numUnprocessedSamples())) / Pace()));
     // A part of what is still to come stays in the works.
-    const int sure = remaining * 100 / percent_ - (kSequence + kSearch) * sampleRate_ / 1000;
+    const int sure =
+        static_cast<int>(remaining / Pace()) - (kSequence + kSearch) * sampleRate_ / 1000;
     return Ready() + std::max(0, sure);
 }
 
@@ -74,7 +77,7 @@ void LTempoSource::Seek(int frame) {
     stretcher_->clear();
     flushed_ = false;
     FollowTempo();
-    stretches_ = percent_ != LTempo::kOwnPercent;
+    stretches_ = percent_ != spokenPercent_;
     inner_->Seek(frame);
 }
 

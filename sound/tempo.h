@@ -18,7 +18,7 @@ class LTempo {
 public:
     static constexpr int kSlowestPercent = 50;
     static constexpr int kOwnPercent = 100;
-    static constexpr int kFastestPercent = 300;
+    static constexpr int kFastestPercent = 600;
 
     // Cut to the range above.
     void Set(int percent);
@@ -30,8 +30,8 @@ private:
 
 // Position and end are the inner source's, so that times stay those of the text: the position is
 // where the next frame of output comes from. A change of tempo is heard from the next Read on, but
-// for what is in the works (some 80 ms of the source). As long as the tempo is the speaker's own,
-// the source passes unchanged.
+// for what is in the works (some 80 ms of the source). As long as the tempo is the one that
+// the inner source was spoken at (its TimeRate), mostly the speaker's own, it passes unchanged.
 //
 // Outermost of what a player wraps around a source: a converter of rate above it would count output
 // frames and lose the text's time.
@@ -49,10 +49,12 @@ private:
     bool Feed();
     void FollowTempo();
     int Ready() const;  // frames that have been made and not yet read
+    double Pace() const { return static_cast<double>(percent_) / spokenPercent_; }
 
     std::shared_ptr<const LTempo> tempo_;
+    const int spokenPercent_;
     std::unique_ptr<soundtouch::SoundTouch> stretcher_;
-    int percent_ = LTempo::kOwnPercent;
+    int percent_ = spokenPercent_;
     bool stretches_ = false;  // since the last Seek the source no longer passes unchanged
     bool flushed_ = false;    // the inner source's last frame is in the stretcher
     std::vector<int> input_;

@@ -24,9 +24,9 @@ long FreeKilobytes() {
 
 }  // namespace
 
-EngineRun::EngineRun(int voice, std::string workFolder)
+EngineRun::EngineRun(int voice, std::string workFolder, int speed)
     : folder(std::move(workFolder)),
-      request{.outputPath = folder.c_str(), .voice = voice},
+      request{.outputPath = folder.c_str(), .voice = voice, .speed = speed},
       run(request) {}
 
 bool EngineReserve::IsOf(int voice, const std::string& folder) const {

@@ -13,7 +13,7 @@
 
 // A run with the request that it is for.
 struct EngineRun {
-    EngineRun(int voice, std::string workFolder);
+    EngineRun(int voice, std::string workFolder, int speed = 100);
 
     const std::string folder;  // where its files stand
     LTTS request;

@@ -66,10 +66,11 @@ std::vector<std::string> Values(GKeyFile* file, const char* key) {
 
 // The words behind the first one's place stand for themselves, so that a voice called "{wav}" does
 // not become a path.
-std::string OwnCommand(const SpeechEngine& engine, const Voice& voice, std::string_view textPath,
-                       std::string_view soundPath) {
-    const std::pair<std::string_view, std::string_view> places[] = {
-        {"{text}", textPath}, {"{wav}", soundPath}, {"{voice}", voice.name}, {"{rate}", "1"}};
+std::string OwnCommand(const SpeechEngine& engine, const SpeechOrder& order) {
+    const std::pair<std::string_view, std::string_view> places[] = {{"{text}", order.textPath},
+                                                                    {"{wav}", order.soundPath},
+                                                                    {"{voice}", order.voice.name},
+                                                                    {"{rate}", "1"}};
     std::string command;
     for (std::string_view rest = engine.ownCommand; !rest.empty();) {
         const auto* const place = std::ranges::find_if(

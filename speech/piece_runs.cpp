@@ -9,6 +9,7 @@
 
 #include "foundation/log/log.h"
 #include "foundation/whole_characters.h"
+#include "sound/saved_tempo.h"
 #include "speech/paused_sound.h"
 #include "speech/speech_engines.h"
 #include "speech/voice_manner.h"
@@ -121,12 +122,17 @@ bool PieceRuns::GoOnWithAnotherVoice(const SpeechPiece& piece, bool isEngineMiss
     return true;
 }
 
+int PieceRuns::EngineSpeed(int voice) const {
+    return SpeedOfEngine(VoiceAt(voice), rules_.SpeedOf(voice));
+}
+
 void PieceRuns::StartRun(Run& run) {
     run.start = std::chrono::steady_clock::now();
     if (reserve_ && !hasSpoken_)
         run.engine = reserve_->Take(run.piece.voice, folder_);
     if (!run.engine)
-        run.engine = std::make_unique<EngineRun>(run.piece.voice, folder_);
+        run.engine =
+            std::make_unique<EngineRun>(run.piece.voice, folder_, EngineSpeed(run.piece.voice));
     if (!run.engine->run.StartPrepared(run.piece.Text())) {
         run.engine->run.Finish(kProcessFailed);
         End(run.engine->request.outcome);
@@ -174,9 +180,11 @@ void PieceRuns::TakeSound(Run& run) {
     leftOutInRow_ = 0;
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - run.start;
     pieces_->RunTook(took.count());
+    const int speed = rules_.SpeedOf(run.piece.voice);
+    const LSoundSource spoken = SoundInManner(run.engine->run.Sound(), VoiceAt(run.piece.voice));
     const LSoundSource sound =
-        WithPause(SoundInManner(run.engine->run.Sound(), VoiceAt(run.piece.voice)),
-                  run.piece.pauseMilliseconds);
+        WithPause(EngineSpeed(run.piece.voice) == speed ? spoken : AtTempo(spoken, speed),
+                  run.piece.pauseMilliseconds * 100 / speed);
     if (!hasSpoken_)
         channels_ = sound->Channels();
     // Only mono and stereo become each other.

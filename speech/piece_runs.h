@@ -72,6 +72,7 @@ private:
     bool PullPiece();
     void CutFrom(std::size_t begin);
     bool GoOnWithAnotherVoice(const SpeechPiece& piece, bool isEngineMissing);
+    int EngineSpeed(int voice) const;
     void StartRun(Run& run);
     void TakeSound(Run& run);
     void TryInHalves(std::unique_ptr<Run> failed);

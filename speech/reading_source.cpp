@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
-ReadingSource::ReadingSource(const LSoundSource& file, std::shared_ptr<SpeechTrack> track)
+ReadingSource::ReadingSource(const LSoundSource& file, std::shared_ptr<SpeechTrack> track,
+                             int speed)
     : LSoundSourceBase(file->SampleRate(), file->Channels(), file->PeakMagnitude()),
       file_(file),
-      track_(std::move(track)) {}
+      track_(std::move(track)),
+      timeRate_((SampleRate() * 100 + speed / 2) / speed) {}
 
 void ReadingSource::Read(int* buffer, int frames) {
     // Asked in this order: what is complete by now does not grow afterwards.

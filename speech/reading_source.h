@@ -11,7 +11,8 @@
 // source; the track is shared with the reading.
 class ReadingSource final : public LSoundSourceBase {
 public:
-    ReadingSource(const LSoundSource& file, std::shared_ptr<SpeechTrack> track);
+    // speed: that of the voices, in percent of their own.
+    ReadingSource(const LSoundSource& file, std::shared_ptr<SpeechTrack> track, int speed);
 
     void Read(int* buffer, int frames) override;
     int GetPositionSample() const override { return file_->GetPositionSample(); }
@@ -19,9 +20,11 @@ public:
     void Seek(int frame) override;
     bool IsStreaming() const override { return !track_->IsComplete(); }
     void WaitForStreamingData(int milliseconds) override;
+    int TimeRate() const override { return timeRate_; }
     int ReadError() const override { return file_->ReadError(); }
 
 private:
     LSoundSource file_;
     std::shared_ptr<SpeechTrack> track_;
+    const int timeRate_;
 };

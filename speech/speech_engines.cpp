@@ -29,9 +29,8 @@ bool IsWholeFestivalAnswer(std::string_view answer) {
     return prompt != std::string_view::npos && answer.find(')', prompt) != std::string_view::npos;
 }
 
-std::string FestivalCommand(const SpeechEngine&, const Voice& voice, std::string_view textPath,
-                            std::string_view soundPath) {
-    return SynthesisCommand(voice.name, textPath, soundPath);
+std::string FestivalCommand(const SpeechEngine&, const SpeechOrder& order) {
+    return SynthesisCommand(order.voice.name, order.textPath, order.soundPath);
 }
 
 // "en-us" as "en-US"; scripts and private parts stay as they are.
@@ -88,17 +87,20 @@ int EspeakPitch(int percent) {
     return std::clamp(static_cast<int>(std::lround(50 + 69 * std::log2(percent / 100.0))), 0, 99);
 }
 
-std::string EspeakCommand(const SpeechEngine& engine, const Voice& voice, std::string_view textPath,
-                          std::string_view soundPath) {
-    const VoiceManner manner = MannerOf(voice);
+constexpr int kEspeakWords = 175;  // a minute, at its own speed
+
+std::string EspeakCommand(const SpeechEngine& engine, const SpeechOrder& order) {
+    const VoiceManner manner = MannerOf(order.voice);
     const std::string variant = manner.variant.empty() ? "" : "+" + manner.variant;
     std::string options;
     if (manner.pitch != VoiceManner().pitch)
         options = " -p " + std::to_string(EspeakPitch(manner.pitch));
     if (manner.volume != VoiceManner().volume)
         options += " -a " + std::to_string(manner.volume);
-    return engine.program + " -b 1" + options + " -v " + ShellWord(voice.name + variant) + " -f " +
-           ShellWord(textPath) + " -w " + ShellWord(soundPath);
+    if (order.speed != 100)
+        options += " -s " + std::to_string((kEspeakWords * order.speed + 50) / 100);
+    return engine.program + " -b 1" + options + " -v " + ShellWord(order.voice.name + variant) +
+           " -f " + ShellWord(order.textPath) + " -w " + ShellWord(order.soundPath);
 }
 
 struct FliteVoice {
@@ -128,10 +130,9 @@ std::vector<Voice> FliteVoicesIn(const SpeechEngine& engine, std::string_view an
     return voices;
 }
 
-std::string FliteCommand(const SpeechEngine& engine, const Voice& voice, std::string_view textPath,
-                         std::string_view soundPath) {
-    return engine.program + " -voice " + ShellWord(voice.name) + " -f " + ShellWord(textPath) +
-           " -o " + ShellWord(soundPath);
+std::string FliteCommand(const SpeechEngine& engine, const SpeechOrder& order) {
+    return engine.program + " -voice " + ShellWord(order.voice.name) + " -f " +
+           ShellWord(order.textPath) + " -o " + ShellWord(order.soundPath);
 }
 
 std::vector<SpeechEngine> EnginesWithRows() {
@@ -153,6 +154,8 @@ std::vector<SpeechEngine> EnginesWithRows() {
     rows[1].voicesIn = EspeakVoicesIn;
     rows[1].command = EspeakCommand;
     rows[1].takesManner = true;
+    // Measured with a recogniser (bench/fast_speech.py): up to three times stretching is as clear.
+    rows[1].speaksFasterFrom = 310;
     rows[1].says = kSaysEmoji;
     rows[2].name = "flite";
     rows[2].title = "Flite";
@@ -177,6 +180,11 @@ SpeechEngine EngineOf(const Voice& voice) {
     std::vector<SpeechEngine> engines = SpeechEngines();
     const auto found = std::ranges::find(engines, voice.engine, &SpeechEngine::name);
     return found == engines.end() ? engines.front() : *found;
+}
+
+int SpeedOfEngine(const Voice& voice, int wanted) {
+    const int from = EngineOf(voice).speaksFasterFrom;
+    return from > 0 && wanted >= from ? wanted : 100;
 }
 
 SaidByEngine SaidByEngineOf(const Voice& voice) {

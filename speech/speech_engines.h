@@ -8,6 +8,14 @@
 #include "speech/spoken_forms.h"
 #include "speech/voice_table.h"
 
+// What an engine's command is made of, which quotes the voice's name and the paths.
+struct SpeechOrder {
+    const Voice& voice;
+    std::string_view textPath;
+    std::string_view soundPath;
+    int speed = 100;  // percent of the voice's own, as SpeedOfEngine has it
+};
+
 struct SpeechEngine {
     std::string name;     // what its voices are kept under
     std::string title;    // for people
@@ -19,14 +27,14 @@ struct SpeechEngine {
     std::string_view listInput;
     bool (*isWhole)(std::string_view answer) = nullptr;
     std::vector<Voice> (*voicesIn)(const SpeechEngine& engine, std::string_view answer) = nullptr;
-    // The shell command that makes a WAV file of a text file. Paths and the voice's name are
-    // quoted. isOneProgram: it may take the shell's place, and so dies with this program.
-    std::string (*command)(const SpeechEngine& engine, const Voice& voice,
-                           std::string_view textPath, std::string_view soundPath) = nullptr;
+    // The shell command that makes a WAV file of a text file. isOneProgram: it may take the shell's
+    // place, and so dies with this program.
+    std::string (*command)(const SpeechEngine& engine, const SpeechOrder& order) = nullptr;
     bool isOneProgram = true;
     // It loads its voice, which takes long, before it reads the text, from a pipe as well.
     bool loadsBeforeText = false;
     bool takesManner = false;      // its command is told it (voice_manner.h); else we see to it
+    int speaksFasterFrom = 0;      // percent of a voice's speed; below, and with 0, it is ours
     SaidByEngine says = 0;         // well, in any language
     SaidByEngine saysEnglish = 0;  // in English beside that
     // A user's own: "{text}", "{wav}", "{voice}" and "{rate}" stand for words; and its voices.
@@ -39,6 +47,10 @@ std::vector<SpeechEngine> SpeechEngines();
 
 // The row of a voice, or Festival's for a voice that names none.
 SpeechEngine EngineOf(const Voice& voice);
+
+// Of a speed that is wanted, in percent of the voice's own, that which its engine speaks at; where
+// that is not the whole, 100: then the sound is to be stretched.
+int SpeedOfEngine(const Voice& voice, int wanted);
 
 // What the voice's engine says well by itself in its language.
 SaidByEngine SaidByEngineOf(const Voice& voice);

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "sound/tempo.h"
 #include "speech/language_voices.h"
 #include "speech/speech_engines.h"
 
@@ -89,6 +90,13 @@ SpeakingChoices ChosenSpeakingChoices() {
     return {.spellsCapitals = kSpellCapitalsSetting.Get(),
             .saysPunctuation = kSayPunctuationSetting.Get(),
             .saysEmoji = kSayEmojiSetting.Get()};
+}
+
+int SpeakingRules::SpeedOf(int voice) const {
+    const auto index = static_cast<std::size_t>(voice);
+    const bool isKnown = voice >= 0 && index < speeds.size();
+    return isKnown ? std::clamp(speeds[index], LTempo::kSlowestPercent, LTempo::kFastestPercent)
+                   : LTempo::kOwnPercent;
 }
 
 SpeakingRules ChosenSpeakingRules() {

@@ -33,6 +33,9 @@ struct SpeakingRules {
     // Where lines begin that a pause comes before and behind, in order; longer ones are no
     // headings.
     std::vector<std::size_t> headings = {};
+    std::vector<int> speeds = {};  // percent of each voice's own, by its index; else 100
+
+    int SpeedOf(int voice) const;
 };
 
 // Those for the text from the byte on, as it stands then.

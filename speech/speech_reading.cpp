@@ -198,7 +198,7 @@ LSoundSource SpeechReading::OpenSource() const {
     const LSoundSource file = LWaveFile::OpenSource(path_.c_str());
     if (file->Status() != SoundStatus::kGood)
         return file;
-    return LSoundSource(new ReadingSource(file, track_));
+    return LSoundSource(new ReadingSource(file, track_, rules_.SpeedOf(voice_)));
 }
 
 bool SpeechReading::IsOurs(const struct stat& status) const {

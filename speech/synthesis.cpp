@@ -147,7 +147,10 @@ bool SynthesisRun::ChooseCommand(std::string& command, bool isToWait) {
         if (soundPath_.empty())
             return false;
         command = engine_.command(
-            engine_, voice_, isToWait ? EngineProcess::kWaitingTextPath : textPath_, soundPath_);
+            engine_, {.voice = voice_,
+                      .textPath = isToWait ? EngineProcess::kWaitingTextPath : textPath_,
+                      .soundPath = soundPath_,
+                      .speed = request_.speed});
         if (command.size() < kMaxCommand || folder == kTemporaryFolder)
             return true;
         ::unlink(soundPath_.c_str());

@@ -44,6 +44,7 @@ struct LTTS {
     const char* outputPath = "";
     int voice = 0;           // index into the voice table (voice_table.h), clamped
     unsigned char flag = 1;  // always 1
+    int speed = 100;         // SpeedOfEngine's
     LSignalObject done{};    // signalled when the run has ended, well or not
     LProcessResult result = kProcessFailed;
     SynthesisOutcome outcome = SynthesisOutcome::kNoSound;

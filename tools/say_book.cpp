@@ -52,7 +52,8 @@ std::string FillOrder(const BookWish& wish, const Document& document, BookOrder&
     order.evensLoudness = wish.evensLoudness;
     order.secondsBetween = wish.secondsBetween;
     for (const Voice& voice : KnownVoices())
-        order.tempos.push_back(wish.speed ? *wish.speed : PlayerTempo(voice.title.c_str()).Get());
+        order.rules.speeds.push_back(wish.speed ? *wish.speed
+                                                : PlayerTempo(voice.title.c_str()).Get());
     order.subtitles = wish.subtitles;
     order.isReadAlong = wish.isReadAlong;
     BookPlan& plan = order.plan;

@@ -11,7 +11,7 @@ const char kBookHelp[] =
     "                       wav), or a file for each chapter in the folder OUTPUT; goes on\n"
     "                       where it was broken off\n"
     "      --bitrate=KBIT   of an audiobook, a second\n"
-    "      --speed=PERCENT  of an audiobook, of the voice's own: 50 to 300, or listened:\n"
+    "      --speed=PERCENT  of an audiobook, of the voice's own: 50 to 600, or listened:\n"
     "                       as each voice is listened to in Lectora\n"
     "      --silence=SECONDS  behind each chapter: 0 to 60, 1 without this option\n"
     "      --own-level      as loud as the voice is, not each chapter as loud as the others\n"

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "foundation/log/log.h"
+#include "speech/speech_engines.h"
 
 namespace {
 
@@ -130,12 +131,22 @@ void Narrator::BeginSpeech(std::size_t place) {
     isAwaitingText_ = false;
     isMoreText_ = false;
     wanted_ = place;
-    info_.Speak(place, voice_, soundPath_);
+    info_.Speak(place, voice_, SpeedWanted(), soundPath_);
     firstSound_.Start(info_.Reading()->FirstSound(), [this] { EvFirstSound(); });
     if (state_ == ReadingState::kWaitingForSound)
         Tell(state_);
     else
         Enter(ReadingState::kWaitingForSound);
+}
+
+// Of the engine: what is missing to the tempo is made of its sound.
+int Narrator::SpeedWanted() const {
+    const auto voice = VoiceAt(voice_);
+    return SpeedOfEngine(voice, TempoOf(SettingsKeyOf(voice)));
+}
+
+bool Narrator::WantsOtherSpeed() const {
+    return CanMove() && info_.SpokenSpeed() != SpeedWanted();
 }
 
 void Narrator::EvFirstSound() {

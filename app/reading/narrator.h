@@ -62,6 +62,8 @@ public:
     // The voice that a waiting reading takes; kVoiceUnknown ends it: there is none.
     void SetVoice(int voice);
     int Voice() const { return voice_; }
+    // The engine would speak at another speed by now than it did for what is read.
+    bool WantsOtherSpeed() const;
     // Stop is the user's, and sets the queue aside as well; what was spoken can be heard again.
     // Then there is no text either: the engine is ended, and what the user set is kept.
     void Forget();
@@ -77,10 +79,10 @@ public:
     void MoveToParagraph(int step);  // 1 or -1: the next one, or the start of this or the last
     void MoveToHeading(int step);    // likewise, where the text has headings
     void MoveToChapter(int step);
-    void MoveToPlace(std::size_t place);        // the sentence at that byte of the text
+    void MoveToPlace(std::size_t place);  // the sentence at that byte of the text
     // From there on by that voice, which also reads what is still to come of the text.
     void ReadOn(std::size_t place, int voice);
-    bool CanMove() const;                       // there is a text whose places can be heard
+    bool CanMove() const;  // there is a text whose places can be heard
     const std::vector<std::size_t>& Headings() const { return info_.Headings(); }
     LSoundTime TimeAt(std::size_t place) const { return info_.TimeAt(place); }
     bool IsTimeKnown(std::size_t place) const { return info_.IsSpokenTo(place); }
@@ -106,6 +108,7 @@ private:
     std::size_t ChapterAt(std::size_t place) const;
     void MoveAlong(const std::vector<std::size_t>& places, int step);
     void BeginSpeech(std::size_t place);
+    int SpeedWanted() const;
     void GoTo(std::size_t place);
     void JumpTo(LSoundTime time);
     void EvFirstSound();

@@ -43,19 +43,21 @@ void ReadingInfo::Grow(std::string_view more, bool isAll) {
     isGrowing_ = !isAll;
 }
 
-void ReadingInfo::Speak(std::size_t place, int voice, const std::string& soundPath) {
+void ReadingInfo::Speak(std::size_t place, int voice, int speed, const std::string& soundPath) {
     times_ = Times();
     times_.GoOnFrom(place);
     reading_.reset();  // both would write the same file
     rate_ = 0;
     begin_ = place;
     spokenSize_ = text_->size();
+    spokenSpeed_ = speed;
     voiceName_ = SettingsKeyOf(VoiceAt(voice));
     reading_ =
         std::make_unique<SpeechReading>(text_, place, voice, soundPath, ReadingUse::kListening);
     SpeakingRules rules = rules_ ? *rules_ : ChosenSpeakingRules();
     rules.marks = languages_;
     rules.headings = headings_;
+    rules.speeds.assign(KnownVoices().size(), speed);  // those of other languages do as this one
     reading_->SpeakBy(std::move(rules));
     reading_->KeepReserve(reserve_);
     reading_->Start();
@@ -96,7 +98,7 @@ ReadingTimes ReadingInfo::Times() const {
 void ReadingInfo::OpenSource(LSoundSource& source) {
     source = reading_ ? reading_->OpenSource() : LSoundSource();
     if (source->Status() == SoundStatus::kGood)
-        rate_ = source->SampleRate();
+        rate_ = source->TimeRate();
 }
 
 std::optional<LSoundTime> ReadingInfo::FindSentence(LSoundTime time, int step) const {

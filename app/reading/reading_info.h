@@ -35,11 +35,13 @@ public:
     // More of the text has come, and stands behind what is known of it.
     void Grow(std::string_view more, bool isAll);
     bool IsGrowing() const { return isGrowing_; }
-    bool HasGrown() const { return spokenSize_ < text_->size(); }  // since Speak
-    std::size_t SpokenSize() const { return spokenSize_; }         // of the text, at Speak
-    // Ends what is being spoken, and speaks from the place on into the file.
+    bool HasGrown() const { return spokenSize_ < text_->size(); }     // since Speak
+    std::size_t SpokenSize() const { return spokenSize_; }            // of the text, at Speak
+    int SpokenSpeed() const { return spokenSpeed_; }                  // likewise
     void SpeakBy(SpeakingRules rules) { rules_ = std::move(rules); }  // from the next Speak on
-    void Speak(std::size_t place, int voice, const std::string& soundPath);
+    // Ends what is being spoken, and speaks from the place on into the file, at that percentage of
+    // the voice's own speed.
+    void Speak(std::size_t place, int voice, int speed, const std::string& soundPath);
 
     SpeechReading* Reading() const { return reading_.get(); }  // null before Speak
     const std::string& Text() const { return *text_; }
@@ -84,8 +86,9 @@ private:
     ReadingTimes times_;  // but for what was spoken since the part began
     std::size_t begin_ = 0;
     std::size_t spokenSize_ = 0;
+    int spokenSpeed_ = 100;
     bool isGrowing_ = false;
     std::string voiceName_;
     std::string title_;
-    int rate_ = 0;  // frames a second, once there is sound
+    int rate_ = 0;  // frames in a second of its time, once there is sound
 };

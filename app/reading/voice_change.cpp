@@ -11,11 +11,18 @@ constexpr int kNearMilliseconds = 400;
 // Sentences end in silence; what the next one has begun with is not heard this way.
 constexpr int kEarlyMilliseconds = 40;
 
+// Who moves the slider of the speed has stopped; until then the sound is stretched.
+constexpr unsigned int kTempoRestMilliseconds = 500;
+
 }  // namespace
 
 VoiceChange::VoiceChange(Narrator& narrator)
     : narrator_(narrator),
-      news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }) {}
+      news_(narrator.News(), [this](const ReadingNews& news) { Hear(news); }),
+      changes_(narrator.Changes(), [this](LPlayerChange change) {
+          if (change == LPlayerChange::kTempo)
+              FollowTempo();
+      }) {}
 
 bool VoiceChange::Begin(int voice) {
     voice_.reset();
@@ -25,6 +32,13 @@ bool VoiceChange::Begin(int voice) {
 
 void VoiceChange::BeginAnew() {
     ReadOnWith(voice_.value_or(narrator_.Voice()));
+}
+
+void VoiceChange::FollowTempo() {
+    tempoRest_.Start(kTempoRestMilliseconds, [this] {
+        if (narrator_.WantsOtherSpeed())
+            BeginAnew();
+    });
 }
 
 bool VoiceChange::ReadOnWith(int voice) {

@@ -1,4 +1,4 @@
-// Another voice for what is being read.
+// Another voice for what is being read, or another way of speaking for the voice.
 #pragma once
 
 #include <optional>
@@ -15,16 +15,20 @@ public:
     // The sentence that is heard is heard to its end; the next one comes by that voice, as all that
     // is not heard yet. False: there is nothing to change.
     bool Begin(int voice);
-    // The same for rules of speaking that have changed, with the voice as it is.
+    // The same for rules of speaking that have changed, with the voice as it is. A speed that the
+    // engine itself is to speak at needs no call.
     void BeginAnew();
 
 private:
     bool ReadOnWith(int voice);
     void Hear(const ReadingNews& news);
     void Act();
+    void FollowTempo();
 
     Narrator& narrator_;
     std::optional<int> voice_;  // that waits for its sentence
     LGuiTimer sentenceEnd_;
+    LGuiTimer tempoRest_;
     Narrator::Subscription news_;
+    LPlayerTransport::Subscription changes_;
 };

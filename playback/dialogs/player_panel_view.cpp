@@ -76,7 +76,7 @@ void LPlayerBaseDlg::ShowPosition() {
 }
 
 void LPlayerBaseDlg::ShowWave() {
-    const int rate = transport_.SampleRate();
+    const int rate = transport_.TimeRate();
     const int frame = transport_.Frame();
     if (IsPlaying())
         wave_.MoveOn(frame, rate, transport_.Pace());

@@ -93,11 +93,33 @@ TEST(TempoTest, OwnTempoPassesUnchangedAndChangesAreHeardAtOnce) {
     EXPECT_TRUE(std::equal(block.begin(), block.end(), samples.begin()));
     tempo->Set(1000);
     source.Read(block.data(), 4000);
-    EXPECT_NEAR(source.GetPositionSample(), 4000 + 3 * 4000, 0.1 * kTempoRate);
+    constexpr int kMost = LTempo::kFastestPercent / LTempo::kOwnPercent;
+    EXPECT_NEAR(source.GetPositionSample(), 4000 + kMost * 4000, 0.1 * kTempoRate);
     tempo->Set(LTempo::kOwnPercent);
     source.Seek(20000);
     source.Read(block.data(), 4000);
     EXPECT_TRUE(std::equal(block.begin(), block.end(), samples.begin() + 20000));
+}
+
+// Four times as fast as its time tells.
+class FastSource final : public MemorySource {
+public:
+    FastSource() : MemorySource(Scale(), kTempoRate) {}
+    int TimeRate() const override { return kTempoRate / 4; }
+};
+
+TEST(TempoTest, WhatWasSpokenAtTheTempoPassesUnchanged) {
+    auto tempo = std::make_shared<LTempo>();
+    tempo->Set(400);
+    const LSoundSource handle(new FastSource());
+    LTempoSource source(handle, tempo);
+    std::vector<int> block(4000);
+    source.Read(block.data(), 4000);
+    const std::vector<int> spoken = Scale();
+    EXPECT_TRUE(std::equal(block.begin(), block.end(), spoken.begin()));
+    tempo->Set(200);
+    source.Read(block.data(), 4000);
+    EXPECT_NEAR(source.GetPositionSample(), 4000 + 2000, 0.1 * kTempoRate);
 }
 
 TEST(PitchTest, PitchAndVolumeFollowAndTimeDoesNot) {

@@ -164,17 +164,19 @@ void CheckEachVoice(const std::string& longName) {
         EXPECT_TRUE(index < 0 || VoiceAt(index).title == title) << VoiceAt(index).title;
         EXPECT_TRUE(index < 0 || VoiceAt(index).language == tag) << VoiceAt(index).language;
     }
-    const auto command = [](int index) {
-        const SpeechEngine row = EngineOf(VoiceAt(index));
-        return row.command(row, VoiceAt(index), "/t x", "/w");
+    const auto command = [](int index, int speed = 100) {
+        const Voice voice = VoiceAt(index);
+        const SpeechEngine row = EngineOf(voice);
+        return row.command(row, {voice, "/t x", "/w", SpeedOfEngine(voice, speed)});
     };
-    EXPECT_EQ(command(12), "espeak-ng -b 1 -v de -f '/t x' -w /w");
+    EXPECT_EQ(command(12, 300), "espeak-ng -b 1 -v de -f '/t x' -w /w");
+    EXPECT_EQ(command(12, 400), "espeak-ng -b 1 -s 700 -v de -f '/t x' -w /w");
     KeepManner(VoiceAt(12),
                {.pitch = 150, .volume = 80, .variant = VariantsOf("espeak-ng").back().name});
     EXPECT_EQ(command(12), "espeak-ng -b 1 -p 90 -a 80 -v 'de+Mr serious' -f '/t x' -w /w");
     KeepManner(VoiceAt(12), {});
     EXPECT_EQ(MannerOf(VoiceAt(12)), VoiceManner());
-    EXPECT_EQ(command(16), "flite -voice slt -f '/t x' -o /w");
+    EXPECT_EQ(command(16, 400), "flite -voice slt -f '/t x' -o /w");
     EXPECT_EQ(command(17), "neural '/v/it'\\''s.onnx' '/t x' /w");
 }
 

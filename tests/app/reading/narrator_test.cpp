@@ -7,6 +7,7 @@
 
 #include <random>
 
+#include "playback/settings_keys.h"
 #include "tests/app/reading/narrator_fixture.h"
 
 namespace {
@@ -193,6 +194,43 @@ TEST_F(NarratorTest, AnotherVoiceGoesOnAtTheNextSentence) {
     ASSERT_TRUE(RunTo(State::kEnded));
     EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd);
     EXPECT_FALSE(change.Begin(1));
+}
+
+TEST_F(NarratorTest, AnEngineItselfSpeaksFastFromTheNextSentenceOn) {
+    home_.WriteProgram("espeak-ng",
+                       "speed=1\n"
+                       "while [ $# -gt 1 ]; do\n"
+                       "case $1 in -s) speed=$(($2 / 175));; -f) t=$2;; -w) w=$2;; esac\n"
+                       "shift; done\n"
+                       "text2wave -eval \"(at_$speed)\" \"$t\" -o \"$w.own\" >/dev/null 2>&1\n"
+                       "sox -t wav \"$w.own\" -t wav \"$w\" speed $speed; rm \"$w.own\"\n");
+    const ScopedVariable path("PATH", (home_ / ":" + std::getenv("PATH")).c_str());
+    AddVoices({{.engine = "espeak-ng", .name = "en", .title = "English", .language = "en"}});
+    PlayerTempo("espeak-ng:en").Delete();
+    cards_.Insert(0, "speed 1\n");
+    const VoiceChange change(*narrator_);
+    const std::string text = LongText(200);
+    const auto isAt = [&] { return WordsAt(text, last_) >= "Sentence number 1004"; };
+    narrator_->Read({.text = text}, FindVoice("espeak-ng:en"));
+    ASSERT_TRUE(RunTo(State::kPlaying));
+    const int length = narrator_->Length().Milliseconds();
+    narrator_->SetTempo(300);
+    EXPECT_FALSE(narrator_->WantsOtherSpeed());
+    narrator_->SetTempo(400);
+    ASSERT_TRUE(RunUntil([&] { return !narrator_->WantsOtherSpeed() && isAt(); }));
+    EXPECT_THAT(home_.Read("engine.log"), testing::HasSubstr("(at_4) Sentence number 1"));
+    // Times stay those of the voice's own speed.
+    EXPECT_NEAR(narrator_->Length().Milliseconds(), length, length / 10);
+    const SpokenStretch heard = *last_.stretch;
+    const int began = narrator_->TimeOf(heard.firstFrame).Milliseconds();
+    const int ended = narrator_->TimeOf(heard.endFrame).Milliseconds();
+    EXPECT_NEAR(ended - began, length / 200, length / 1000);
+    EXPECT_LE(began, last_.time.Milliseconds());
+    EXPECT_GT(ended, last_.time.Milliseconds());
+    const std::string words = WordsAt(text, last_);
+    narrator_->MoveToSentence(-1);
+    ASSERT_TRUE(RunUntil([&] { return last_.state == State::kPlaying && last_.stretch; }));
+    EXPECT_LT(WordsAt(text, last_), words);
 }
 
 TEST_F(NarratorTest, NothingLeftToSayBehindAPlaceIsAnEnd) {

@@ -1,4 +1,4 @@
-#include "books/saved_tempo.h"
+#include "sound/saved_tempo.h"
 
 #include <cmath>
 #include <memory>
@@ -21,6 +21,7 @@ public:
     int GetPositionSample() const override { return position_; }
     int GetEndSample() const override { return end_; }
     void Seek(int) override {}
+    int TimeRate() const override { return sampleRate_; }
 
 private:
     int end_;
