@@ -53,7 +53,7 @@ std::string FillOrder(const BookWish& wish, const Document& document, BookOrder&
     order.secondsBetween = wish.secondsBetween;
     for (const Voice& voice : KnownVoices())
         order.rules.speeds.push_back(wish.speed ? *wish.speed
-                                                : PlayerTempo(voice.title.c_str()).Get());
+                                                : PlayerTempo(SettingsKeyOf(voice).c_str()).Get());
     order.subtitles = wish.subtitles;
     order.isReadAlong = wish.isReadAlong;
     BookPlan& plan = order.plan;

@@ -124,6 +124,6 @@ BookOrder OrderOf(const BookChoices& choices, int voice) {
     order.isReadAlong = choices.isReadAlong;
     if (choices.asListenedTo)
         for (const Voice& each : KnownVoices())
-            order.rules.speeds.push_back(PlayerTempo(each.title.c_str()).Get());
+            order.rules.speeds.push_back(PlayerTempo(SettingsKeyOf(each).c_str()).Get());
     return order;
 }

@@ -151,13 +151,16 @@ class BookTest(EngineCase):
             at = round(begin * 16000)
             self.assertGreater(max(samples[at : at + 1600]), 3000)
 
-    def test_each_chapter_is_spoken_in_the_languages_that_the_document_names(self):
+    def own_engine(self, file, name, language=""):
         folder = self.home + "/.quillon/lectora/engines"
-        os.makedirs(folder)
-        for name, language in (("English", "en"), ("German", "de")):
-            with open(f"{folder}/{language}.engine", "w") as engine:
-                engine.write(f"[Engine]\nName={name}\nLanguage={language}\n"
-                             f"Command=text2wave -eval '({name})' {{text}} -o {{wav}}\n")  # fmt: skip
+        os.makedirs(folder, exist_ok=True)
+        with open(f"{folder}/{file}.engine", "w") as engine:
+            engine.write(f"[Engine]\nName={name}\nLanguage={language}\n"
+                         f"Command=text2wave -eval '({name})' {{text}} -o {{wav}}\n")  # fmt: skip
+
+    def test_each_chapter_is_spoken_in_the_languages_that_the_document_names(self):
+        self.own_engine("en", "English", "en")
+        self.own_engine("de", "German", "de")
         # Too short to show a language by themselves.
         words = (("Arm.", ""), ("Hand.", " lang=de"), ("Ring.", ""), ("Wind.", " lang=de"))
         body = "".join(f"<p{language}>{word}</p>" for word, language in words)
@@ -178,8 +181,9 @@ class BookTest(EngineCase):
         own, fast, silent = lengths.values()
         self.assertAlmostEqual(own / fast, 2, delta=0.03)
         with open(self.home + "/.quillon/lectora/playertempo", "w") as store:
-            store.write("voice1=50\r\n")
-        self.check(SAY, "-f", "--audiobook", "-v", "voice1", "--speed=listened", "--silence=0", "-o", "book.flac", "book.epub")
+            store.write("own:quick:quick=50\r\n")
+        self.own_engine("quick", "Quick")
+        self.check(SAY, "-f", "--audiobook", "-v", "Quick", "--speed=listened", "--silence=0", "-o", "book.flac", "book.epub")
         self.assertAlmostEqual(own / float(self.probed("book.flac")["format"]["duration"]), 0.5, delta=0.01)
         self.assertAlmostEqual(silent, own + 9, delta=0.01)
         tags = ("--title=Tide", "--author=", "--cover=other.png", "--own-level")
