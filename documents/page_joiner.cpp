@@ -62,6 +62,13 @@ bool BeginsSmall(std::string_view line) {
     return !line.empty() && g_unichar_islower(g_utf8_get_char(line.data()));
 }
 
+bool AreCapitals(std::string_view text) {
+    for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at))
+        if (!g_unichar_isupper(g_utf8_get_char(at)))
+            return false;
+    return true;
+}
+
 bool HoldsLetters(std::string_view text) {
     for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at))
         if (g_unichar_isalpha(g_utf8_get_char(at)))
@@ -282,7 +289,9 @@ private:
     }
     bool KeepsHyphen(std::string_view before, const std::string& first,
                      const std::string& second) const {
-        if (!BeginsSmall(second) || words_.Holds(first + "-" + second))
+        // "ELE-MENT", not "T-SHIRT".
+        const bool areCapitals = first.size() > 1 && AreCapitals(first + second);
+        if ((!BeginsSmall(second) && !areCapitals) || words_.Holds(first + "-" + second))
             return true;
         if (words_.Holds(first + second))
             return false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <utility>
 
 #include "documents/html_tokens.h"
@@ -12,8 +13,10 @@ namespace {
 
 constexpr std::size_t kLongestLine = 65536;
 constexpr double kLargestLength = 1e6;
-// Of the letters' height: what parts words, and what lifts a small number above its line.
+// Of the letters' height: what parts words, what a mark may stand apart, and what lifts a small
+// number above its line.
 constexpr double kLeastGap = 0.1;
+constexpr double kLargestMarkGap = 0.18;
 constexpr double kSmall = 0.85;
 constexpr double kLifted = 0.12;
 
@@ -77,6 +80,8 @@ void PdfLayout::ReadLine(std::string_view line) {
         beginsBlock_ = true;
     } else if (line.starts_with("<page ")) {
         pages_.emplace_back();
+    } else if (line.starts_with("</page>") && !pages_.empty()) {
+        JoinRows(pages_.back());
     }
 }
 
@@ -91,17 +96,28 @@ void PdfLayout::CountLetters(std::string_view text) {
     }
 }
 
+// One that stands as most letters of the line do: other fonts in it are higher or lower.
+const PdfLayout::Word& PdfLayout::UsualWord() const {
+    std::map<std::pair<long, long>, std::size_t> letters;
+    const auto placeOf = [](const Word& word) {
+        return std::pair(std::lround(word.top * 2), std::lround(word.bottom * 2));
+    };
+    const Word* usual = &words_.front();
+    for (const Word& word : words_) {
+        letters[placeOf(word)] += word.text.size();
+        if (letters[placeOf(word)] > letters[placeOf(*usual)])
+            usual = &word;
+    }
+    return *usual;
+}
+
 void PdfLayout::EndLine() {
     if (words_.empty() || pages_.empty())
         return;
     PdfLine line;
-    double bottom = 0;
-    for (const Word& word : words_)
-        if (word.bottom - word.top > line.height) {
-            line.height = word.bottom - word.top;
-            line.top = word.top;
-            bottom = word.bottom;
-        }
+    const Word& usual = UsualWord();
+    line.height = usual.bottom - usual.top;
+    line.top = usual.top;
     line.left = words_.front().left;
     line.right = words_.back().right;
     line.firstWordWidth = words_.front().right - words_.front().left + line.height / 4;
@@ -113,16 +129,18 @@ void PdfLayout::EndLine() {
         const double height = word.bottom - word.top;
         const bool isRaised = before != nullptr && IsAllDigits(word.text) &&
                               height < line.height * kSmall &&
-                              word.bottom < bottom - line.height * kLifted;
+                              word.left - before->right < line.height * kLargestMarkGap &&
+                              word.bottom < usual.bottom - line.height * kLifted;
         if (isRaised && IsReferenceMark(word.text, line.text, false)) {
             line.text += keepsMarks_ ? "[" + word.text + "]" : std::string();
             before = &word;
             continue;
         }
-        // A note's own number is set small before its text.
-        const bool followsSmall = before == &words_.front() && IsAllDigits(before->text) &&
-                                  before->bottom - before->top < line.height * kSmall;
-        if (followsSmall ||
+        // A note's own number is set small, or above the line, before its text.
+        const bool followsMark = before == &words_.front() && IsAllDigits(before->text) &&
+                                 (before->bottom - before->top < line.height * kSmall ||
+                                  before->bottom < usual.bottom - line.height * kLifted);
+        if (followsMark ||
             (before != nullptr && word.left - before->right > line.height * kLeastGap))
             line.text += ' ';
         line.text += isRaised ? RaisedDigits(word.text) : word.text;

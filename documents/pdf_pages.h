@@ -42,6 +42,7 @@ private:
     };
 
     void ReadLine(std::string_view line);
+    const Word& UsualWord() const;
     void EndLine();
     void CountLetters(std::string_view text);
 
@@ -59,6 +60,10 @@ private:
 
 // Pages of plain text: lines, a form feed behind each page, an empty line between blocks.
 std::vector<PdfPage> PdfPagesOfText(std::string_view text);
+
+// Chapters' numbers and, in contents, pages' numbers, that stand in columns of their own, are put to
+// the lines that they belong to.
+void JoinRows(PdfPage& page);
 
 // Takes away what stands above or below every page: numbers that rise with the pages, and lines
 // that are the same on most of them or on every other one.

@@ -63,6 +63,7 @@ TEST(Pdf, DividedWordsAreWrittenAsElsewhereInTheText) {
          "state-of-the-art the state-of-the-art is\n"},
         {"the infor-\nmation and art-\nwork, information",
          "the information and artwork, information\n"},
+        {"the ELE-\nMENT of T-\nSHIRT", "the ELEMENT of T-SHIRT\n"},
         {"use --\nall or -\nb", "use --all or -\nb\n"},
         {"from 1990-\n1995 by Jean-\nPaul", "from 1990-1995 by Jean-Paul\n"},
         {"na\u00EF\u2010\nvet\u00E9 sof\u00AD\nter", "naïveté softer\n"},
@@ -131,6 +132,50 @@ TEST(Pdf, PlacesTellLinesParagraphsHeadingsAndNotes) {
     EXPECT_EQ(document.headings[0].end, 9U);
     ASSERT_EQ(document.pages.size(), 2U);
     EXPECT_EQ(document.text.substr(document.pages[1], 8), "the next");
+}
+
+std::string WordAt(double left, double top, double height, const std::string& word) {
+    const auto is = [](const char* name, double value) {
+        return std::string(" ") + name + "=\"" + std::to_string(value) + '"';
+    };
+    return "<word" + is("xMin", left) +
+           is("xMax", left + height / 2 * static_cast<double>(word.size())) + is("yMin", top) +
+           is("yMax", top + height) + ">" + word + "</word>\n";
+}
+
+std::string TextOfBlocks(const std::vector<std::vector<std::string>>& blocks) {
+    PdfLayout layout(false);
+    layout.Feed("<page x>\n");
+    for (const std::vector<std::string>& lines : blocks) {
+        layout.Feed("<block xMin=\"50\" xMax=\"500\">\n");
+        for (const std::string& words : lines)
+            layout.Feed(words + "</line>\n");
+    }
+    layout.Feed("</page>\n");
+    return JoinPages(layout.TakePages(), {}).text;
+}
+
+TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
+    EXPECT_EQ(TextOfBlocks({{WordAt(50, 100, 10, "1"), WordAt(50, 120, 10, "1.1")},
+                            {WordAt(80, 100, 10, "One"), WordAt(80, 120, 10, "More . . . .")},
+                            {WordAt(480, 100, 10, "3"), WordAt(480, 120, 10, "12")},
+                            {WordAt(50, 140, 10, "2 Two........ 14"),
+                             WordAt(50, 160, 10, "3 Three...... 15")}}),
+              "1 One 3\n1.1 More . . . . 12\n\n2 Two........ 14\n3 Three...... 15\n");
+    // Numbers of a table, and those below all lines.
+    EXPECT_EQ(TextOfBlocks({{WordAt(50, 100, 10, "Apples"), WordAt(50, 120, 10, "Pears")},
+                            {WordAt(480, 100, 10, "3"), WordAt(480, 120, 10, "12")},
+                            {WordAt(300, 700, 10, "9")}}),
+              "Apples\nPears\n\n3\n12\n\n9\n");
+}
+
+TEST(Pdf, OneWordInAnotherFontMovesNoLineAndLiftsNoNumber) {
+    EXPECT_EQ(TextOfBlocks({{WordAt(50, 103, 8, "around") + WordAt(76, 103, 8, "2008") +
+                             WordAt(95, 100, 14, "TEX") + WordAt(117, 103, 8, "users")}}),
+              "around 2008 TEX users\n");
+    EXPECT_EQ(TextOfBlocks({{WordAt(50, 100, 13, "around") + WordAt(92, 102, 8, "30000") +
+                             WordAt(115, 100, 13, "users")}}),
+              "around 30000 users\n");
 }
 
 TEST(Pdf, ReadersThatHangFailOrLackAreTold) {

@@ -1,0 +1,121 @@
+#include <glib.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string_view>
+
+#include "documents/pdf_pages.h"
+
+namespace {
+
+constexpr std::size_t kLongestLabel = 8;
+// Of the letters' height: how far lines of one row stand apart, above each other and side by side.
+constexpr double kSameRow = 0.4;
+constexpr double kLargestLabelGap = 5;
+constexpr int kMostBeside = 32;  // lines of a row that are looked at
+
+// "3", "12.4.1", "xiv": a chapter's number, or a page's.
+bool IsLabel(std::string_view text) {
+    return !text.empty() && text.size() <= kLongestLabel &&
+           (text.find_first_not_of("0123456789.") == std::string_view::npos ||
+            text.find_first_not_of("ivxlc") == std::string_view::npos);
+}
+
+bool HoldsLeader(std::string_view text) {
+    return text.find(". . .") != std::string_view::npos ||
+           text.find("....") != std::string_view::npos;
+}
+
+double MiddleOf(const PdfLine& line) {
+    return line.top + line.height / 2;
+}
+
+class PageRows {
+public:
+    explicit PageRows(PdfPage& page) : page_(page), isTaken_(page.size()) {}
+
+    void Join() {
+        for (std::size_t begin = 0, end = 0; begin < page_.size(); begin = end) {
+            for (end = begin + 1; end < page_.size() && !page_[end].beginsBlock;)
+                ++end;
+            if (std::all_of(At(begin), At(end),
+                            [](const PdfLine& line) { return IsLabel(line.text); }))
+                labels_.emplace_back(begin, end);
+            else
+                for (std::size_t i = begin; i < end; ++i)
+                    rows_.emplace(MiddleOf(page_[i]), i);
+        }
+        for (const auto& [begin, end] : labels_)
+            JoinBlock(begin, end);
+        for (PdfLine& line : page_)
+            if (HoldsLeader(line.text) && g_ascii_isalnum(line.text.back()))
+                line.right = line.left;  // nothing goes on behind a page's number
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < page_.size(); ++i)
+            if (!isTaken_[i] && kept++ != i)
+                page_[kept - 1] = std::move(page_[i]);
+        page_.resize(kept);
+    }
+
+private:
+    PdfPage::iterator At(std::size_t index) {
+        return page_.begin() + static_cast<std::ptrdiff_t>(index);
+    }
+
+    // Only the labels of a whole block: one that finds no line is no chapter's and no page's.
+    void JoinBlock(std::size_t begin, std::size_t end) {
+        std::vector<PdfLine*> lines;
+        bool isBefore = false;
+        bool areNumbersOfPages = false;
+        for (std::size_t i = begin; i < end; ++i) {
+            PdfLine* line = Beside(page_[i], true);
+            if (i == begin)
+                isBefore = line != nullptr;
+            if (!isBefore)
+                line = Beside(page_[i], false);
+            if (line == nullptr)
+                return;
+            areNumbersOfPages = areNumbersOfPages || HoldsLeader(line->text);
+            lines.push_back(line);
+        }
+        if (!isBefore && !areNumbersOfPages)
+            return;
+        for (std::size_t i = begin; i < end; ++i) {
+            PdfLine& line = *lines[i - begin];
+            line.text =
+                isBefore ? page_[i].text + ' ' + line.text : line.text + ' ' + page_[i].text;
+            isTaken_[i] = true;
+        }
+    }
+
+    // The nearest line on the same row, behind the label or before it.
+    PdfLine* Beside(const PdfLine& label, bool isBefore) {
+        const double slack = label.height * kSameRow;
+        PdfLine* nearest = nullptr;
+        double least = isBefore ? label.height * kLargestLabelGap : HUGE_VAL;
+        int looked = 0;
+        for (auto row = rows_.lower_bound(MiddleOf(label) - slack);
+             row != rows_.end() && row->first < MiddleOf(label) + slack && looked < kMostBeside;
+             ++row, ++looked) {
+            PdfLine& line = page_[row->second];
+            const double gap = isBefore ? line.left - label.right : label.left - line.right;
+            if (gap > -label.height && gap < least) {
+                least = gap;
+                nearest = &line;
+            }
+        }
+        return nearest;
+    }
+
+    PdfPage& page_;
+    std::vector<bool> isTaken_;
+    std::vector<std::pair<std::size_t, std::size_t>> labels_;  // blocks of nothing else
+    std::multimap<double, std::size_t> rows_;                  // other lines, by their middle
+};
+
+}  // namespace
+
+void JoinRows(PdfPage& page) {
+    PageRows(page).Join();
+}
