@@ -13,6 +13,7 @@
 namespace {
 
 // What a page holds but does not show, or not as text.
+constexpr SortedNames<6> kCode = {"code", "kbd", "pre", "samp", "tt", "var"};
 constexpr SortedNames<22> kUnread = {
     "annotation", "annotation-xml", "applet",   "audio",    "canvas",   "datalist", "iframe",
     "map",        "noembed",        "noframes", "noscript", "object",   "rp",       "rt",
@@ -153,10 +154,12 @@ void PageListener::BeginBlock(std::string_view name, const MarkupAttributes& att
     element.isParagraph = IsOneOf(name, kParagraphs);
     if (element.isParagraph)
         flow_.EndParagraph();
+    element.isCode = IsOneOf(name, kCode);
+    if (element.isCode && code_++ == 0)
+        flow_.SetCode(true);
     if (name == "pre") {
         element.isPreformatted = true;
         ++preformatted_;
-        flow_.SetCode(true);
     } else if (name == "td" || name == "th") {
         element.endsCell = true;
     } else if (name == "ol" || name == "ul" || name == "menu" || name == "dir") {
@@ -220,8 +223,9 @@ void PageListener::EvElementEnd(std::string_view) {
         EndRaised();
     if (element.isReference)
         --references_;
-    if (element.isPreformatted)
-        flow_.SetCode(--preformatted_ > 0);
+    preformatted_ -= element.isPreformatted ? 1 : 0;
+    if (element.isCode && --code_ == 0)
+        flow_.SetCode(false);
     if (element.isList)
         lists_.pop_back();
     if (element.endsCell)

@@ -28,6 +28,7 @@ private:
     struct Element {
         bool isParagraph = false;
         bool isPreformatted = false;
+        bool isCode = false;
         bool isRaised = false;
         bool isReference = false;  // a link within pages
         bool isHeading = false;
@@ -59,6 +60,7 @@ private:
     std::vector<std::string> languages_;  // of the elements that are open and name one
     FormulaText formula_;
     int preformatted_ = 0;
+    int code_ = 0;  // elements of it that are open
     int raisedDepth_ = 0;
     int references_ = 0;  // links within pages that are open
     std::string raised_;  // the text above the line

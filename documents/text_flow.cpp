@@ -16,6 +16,20 @@ constexpr std::size_t kLongestMark = 24;
 constexpr int kLowestLevel = 6;
 
 // "12", "note 3", "a", "citation needed": what stands between the brackets of a reference.
+// "1", "12,15-17"; a longer number is a year, or digits to choose from.
+bool AreNumbersOfNotes(std::string_view mark) {
+    constexpr std::size_t kMostDigits = 3;
+    std::size_t digits = 0;
+    for (const char sign : mark) {
+        digits = g_ascii_isdigit(sign) ? digits + 1 : 0;
+        if (digits > kMostDigits)
+            return false;
+    }
+    return !mark.empty() && mark.size() <= 11 &&
+           mark.find_first_not_of("0123456789,-\xe2\x80\x93 ") == std::string_view::npos &&
+           g_ascii_isdigit(mark.front()) && g_ascii_isdigit(mark.back());
+}
+
 bool IsReference(std::string_view mark) {
     constexpr std::string_view kWords[] = {"note ", "nb ",   "n ",          "fn ",
                                            "Note ", "Anm. ", "lower-alpha "};
@@ -28,9 +42,7 @@ bool IsReference(std::string_view mark) {
         return true;
     if (mark.size() == 1 && g_ascii_islower(mark[0]))
         return true;
-    return !mark.empty() && mark.size() <= 11 &&
-           mark.find_first_not_of("0123456789,-\xe2\x80\x93 ") == std::string_view::npos &&
-           g_ascii_isdigit(mark.front()) && g_ascii_isdigit(mark.back());
+    return AreNumbersOfNotes(mark);
 }
 
 }  // namespace
@@ -161,6 +173,12 @@ Document TextFlow::TakeDocument() {
     return std::move(structure_);
 }
 
+void TextFlow::SetCode(bool isCode) {
+    if (isCode_ && !isCode)
+        codeEnd_ = text_.size();
+    isCode_ = isCode;
+}
+
 void TextFlow::AddWord(std::string_view word) {
     PartFromLast();
     NoteWhatBegins();
@@ -227,7 +245,7 @@ void TextFlow::DropReferenceMarks() {
 bool TextFlow::DropReferenceMark() {
     const std::size_t from = text_.size() - std::min(text_.size(), kLongestMark);
     const std::size_t open = text_.rfind('[');
-    if (open == std::string::npos || open <= from || open == 0)
+    if (open == std::string::npos || open <= from || open < std::max<std::size_t>(codeEnd_, 1))
         return false;
     const auto before = static_cast<unsigned char>(text_[open - 1]);
     const bool isBehindWord =

@@ -30,7 +30,7 @@ public:
     void EndCell() { cellEnded_ = true; }
     // What comes next belongs to the last word, whatever was ended meanwhile.
     void Glue();
-    void SetCode(bool isCode) { isCode_ = isCode; }
+    void SetCode(bool isCode);
 
     void BeginHeading(int level);  // 1 to 6; a paragraph of its own
     void EndHeading();
@@ -64,6 +64,7 @@ private:
     int lineEnds_ = 0;
     bool cellEnded_ = false;
     bool isCode_ = false;
+    std::size_t codeEnd_ = 0;  // where the last code ended
     bool isPageBegun_ = false;
     std::optional<std::string> chapter_;      // begins with the next word
     std::string language_;                    // of the next word

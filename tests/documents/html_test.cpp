@@ -71,6 +71,8 @@ TEST(Html, MarksThatPointToNotesAreNotRead) {
         {"x<a epub:type='noteref' href='n.html#1'>1</a>y<a role='doc-noteref'><sup>1</sup></a>",
          "xy", "x1y[1]"},
         {"<pre>array[1] b[a]</pre>", "array[1] b[a]", "array[1] b[a]"},
+        {"<tt>argv[0]</tt>. <code>tty</code>[1] -x[1234]", "argv[0]. tty -x[1234]",
+         "argv[0]. tty[1] -x[1234]"},
     };
     DocumentRules rules;
     rules.referenceMarks = true;
