@@ -6,10 +6,12 @@
 #include <string_view>
 
 #include "documents/pdf_pages.h"
+#include "documents/small_texts.h"
 
 namespace {
 
 constexpr std::size_t kLongestLabel = 8;
+constexpr std::size_t kLeastNumberedLines = 8;
 // Of the letters' height: how far lines of one row stand apart, above each other and side by side.
 constexpr double kSameRow = 0.4;
 constexpr double kLargestLabelGap = 5;
@@ -79,7 +81,7 @@ private:
             areNumbersOfPages = areNumbersOfPages || HoldsLeader(line->text);
             lines.push_back(line);
         }
-        if (!isBefore && !areNumbersOfPages)
+        if (!areNumbersOfPages && (!isBefore || AreNumbersOfLines(begin, end)))
             return;
         for (std::size_t i = begin; i < end; ++i) {
             PdfLine& line = *lines[i - begin];
@@ -87,6 +89,15 @@ private:
                 isBefore ? page_[i].text + ' ' + line.text : line.text + ' ' + page_[i].text;
             isTaken_[i] = true;
         }
+    }
+
+    // Those in a margin, which would stand within sentences.
+    bool AreNumbersOfLines(std::size_t begin, std::size_t end) const {
+        for (std::size_t i = begin; i < end; ++i)
+            if (page_[i].text !=
+                std::to_string(NumberIn(page_[begin].text) + static_cast<int>(i - begin)))
+                return false;
+        return end - begin >= kLeastNumberedLines;
     }
 
     // The nearest line on the same row, behind the label or before it.

@@ -167,6 +167,13 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
                             {WordAt(480, 100, 10, "3"), WordAt(480, 120, 10, "12")},
                             {WordAt(300, 700, 10, "9")}}),
               "Apples\nPears\n\n3\n12\n\n9\n");
+    // Numbers of lines in the margin.
+    std::vector<std::vector<std::string>> columns(2);
+    for (int line = 1; line <= 9; ++line) {
+        columns[0].push_back(WordAt(50, 100 + 12 * line, 10, std::to_string(line)));
+        columns[1].push_back(WordAt(70, 100 + 12 * line, 10, "words"));
+    }
+    EXPECT_THAT(TextOfBlocks(columns), HasSubstr("words\nwords"));
 }
 
 TEST(Pdf, OneWordInAnotherFontMovesNoLineAndLiftsNoNumber) {
