@@ -143,7 +143,7 @@ private:
         isPageBegun_ = true;
         const std::size_t notes = NotesFrom(page);
         for (std::size_t i = 0; i < notes; ++i)
-            AddLine(page[i], i == 0);
+            AddLine(page[i], i == 0 || page[i].beginsColumn);
         if (rules_.notes)
             notes_.insert(notes_.end(), page.begin() + static_cast<std::ptrdiff_t>(notes),
                           page.end());

@@ -29,10 +29,6 @@ bool HoldsLeader(std::string_view text) {
            text.find("....") != std::string_view::npos;
 }
 
-double MiddleOf(const PdfLine& line) {
-    return line.top + line.height / 2;
-}
-
 class PageRows {
 public:
     explicit PageRows(PdfPage& page) : page_(page), isTaken_(page.size()) {}
@@ -46,7 +42,7 @@ public:
                 labels_.emplace_back(begin, end);
             else
                 for (std::size_t i = begin; i < end; ++i)
-                    rows_.emplace(MiddleOf(page_[i]), i);
+                    rows_.emplace(page_[i].Middle(), i);
         }
         for (const auto& [begin, end] : labels_)
             JoinBlock(begin, end);
@@ -106,8 +102,8 @@ private:
         PdfLine* nearest = nullptr;
         double least = isBefore ? label.height * kLargestLabelGap : HUGE_VAL;
         int looked = 0;
-        for (auto row = rows_.lower_bound(MiddleOf(label) - slack);
-             row != rows_.end() && row->first < MiddleOf(label) + slack && looked < kMostBeside;
+        for (auto row = rows_.lower_bound(label.Middle() - slack);
+             row != rows_.end() && row->first < label.Middle() + slack && looked < kMostBeside;
              ++row, ++looked) {
             PdfLine& line = page_[row->second];
             const double gap = isBefore ? line.left - label.right : label.left - line.right;

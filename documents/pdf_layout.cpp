@@ -13,9 +13,10 @@ namespace {
 
 constexpr std::size_t kLongestLine = 65536;
 constexpr double kLargestLength = 1e6;
-// Of the letters' height: what parts words, what a mark may stand apart, and what lifts a small
-// number above its line.
+// Of the letters' height: what parts words, what may part columns, what a mark may stand apart, and
+// what lifts a small number above its line.
 constexpr double kLeastGap = 0.1;
+constexpr double kWideGap = 0.6;
 constexpr double kLargestMarkGap = 0.18;
 constexpr double kSmall = 0.85;
 constexpr double kLifted = 0.12;
@@ -81,6 +82,7 @@ void PdfLayout::ReadLine(std::string_view line) {
     } else if (line.starts_with("<page ")) {
         pages_.emplace_back();
     } else if (line.starts_with("</page>") && !pages_.empty()) {
+        OrderColumns(pages_.back());
         JoinRows(pages_.back());
     }
 }
@@ -143,6 +145,8 @@ void PdfLayout::EndLine() {
         if (followsMark ||
             (before != nullptr && word.left - before->right > line.height * kLeastGap))
             line.text += ' ';
+        if (before != nullptr && word.left - before->right > line.height * kWideGap)
+            line.gaps.push_back({before->right, word.left, line.text.size()});
         line.text += isRaised ? RaisedDigits(word.text) : word.text;
         before = &word;
     }

@@ -11,6 +11,13 @@
 // Lengths are in points, from the page's upper left corner. A line without height is one of which
 // nothing is known but its text.
 struct PdfLine {
+    // Between two words, wider than words are parted by: one may be another column's.
+    struct Gap {
+        double left;
+        double right;
+        std::size_t at;  // where the text behind it begins
+    };
+
     std::string text;
     double left = 0;
     double right = 0;
@@ -20,6 +27,10 @@ struct PdfLine {
     double blockLeft = 0;
     double blockRight = 0;
     bool beginsBlock = false;  // a block is a paragraph, or the part of one in a column or page
+    bool beginsColumn = false;
+    std::vector<Gap> gaps;  // from left to right
+
+    double Middle() const { return top + height / 2; }
 };
 
 using PdfPage = std::vector<PdfLine>;
@@ -61,8 +72,11 @@ private:
 // Pages of plain text: lines, a form feed behind each page, an empty line between blocks.
 std::vector<PdfPage> PdfPagesOfText(std::string_view text);
 
-// Chapters' numbers and, in contents, pages' numbers, that stand in columns of their own, are put to
-// the lines that they belong to.
+// Two columns are read one after the other, with what stands across them before or behind.
+void OrderColumns(PdfPage& page);
+
+// Chapters' numbers and, in contents, pages' numbers, that stand in columns of their own, are put
+// to the lines that they belong to.
 void JoinRows(PdfPage& page);
 
 // Takes away what stands above or below every page: numbers that rise with the pages, and lines

@@ -176,6 +176,37 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
     EXPECT_THAT(TextOfBlocks(columns), HasSubstr("words\nwords"));
 }
 
+TEST(Pdf, ColumnsAreReadOneAfterTheOther) {
+    const auto column = [](double left, int line, const std::string& words) {
+        return WordAt(left, 100 + 12 * line, 10, words + std::to_string(line));
+    };
+    const std::string filling(30, 'x');
+    std::vector<std::string> right;
+    std::vector<std::string> left;
+    std::vector<std::string> both;  // as one line
+    for (int line = 0; line < 9; ++line) {
+        left.push_back(column(50, line, filling + "l"));
+        right.push_back(column(230, line, filling + "r"));
+        both.push_back(left.back() + right.back());
+    }
+    const std::vector<std::vector<std::vector<std::string>>> bodies = {{right, left}, {both}};
+    for (const auto& body : bodies) {
+        std::vector<std::vector<std::string>> blocks = {
+            {WordAt(80, 80, 10, "A Title Above The Two Columns Of This Page")}};
+        blocks.insert(blocks.end(), body.begin(), body.end());
+        blocks.push_back({WordAt(50, 220, 8, "1 note")});
+        const std::string text = TextOfBlocks(blocks);
+        EXPECT_TRUE(text.starts_with("A Title")) << text;
+        EXPECT_THAT(text, HasSubstr("l7 " + filling + "l8 " + filling + "r0 " + filling + "r1"));
+        EXPECT_TRUE(text.ends_with("r8\n\n1 note\n")) << text;
+    }
+    // Of a table with rows, each stays one.
+    both = {};
+    for (int line = 0; line < 9; ++line)
+        both.push_back(column(50, line, "name") + column(230, line, filling));
+    EXPECT_THAT(TextOfBlocks({both}), HasSubstr("name0 " + filling + "0"));
+}
+
 TEST(Pdf, OneWordInAnotherFontMovesNoLineAndLiftsNoNumber) {
     EXPECT_EQ(TextOfBlocks({{WordAt(50, 103, 8, "around") + WordAt(76, 103, 8, "2008") +
                              WordAt(95, 100, 14, "TEX") + WordAt(117, 103, 8, "users")}}),
