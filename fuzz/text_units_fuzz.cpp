@@ -28,6 +28,10 @@ void Exercise(std::string_view text, VoiceCharset charset) {
             unit.sourceEnd > text.size() || unit.text.size() > kLongestUnit)
             std::abort();
         begin = unit.sourceBegin;
+        for (const UnitWord& word : unit.words)
+            if (word.at + word.size > unit.text.size() || word.sourceBegin > word.sourceEnd ||
+                unit.sourceBegin + word.sourceEnd > unit.sourceEnd)
+                std::abort();
         if (std::any_of(unit.text.begin(), unit.text.end(), IsControl))
             std::abort();
         if (charset == VoiceCharset::kAscii &&

@@ -47,6 +47,13 @@ LSoundSource SoundInManner(const LSoundSource& sound, const Voice& voice) {
     return EngineOf(voice).takesManner ? sound : InManner(sound, MannerOf(voice));
 }
 
+SpokenTimes TimesIn(const EngineRun& engine, const SpeechPiece& piece, std::string_view text) {
+    const LSoundSource& sound = engine.run.Sound();
+    return SpokenTimesIn(engine.run.ToldTimes(), piece.units, text, sound->GetEndSample(),
+                         sound->SampleRate())
+        .value_or(SpokenTimes());
+}
+
 }  // namespace
 
 struct PieceRuns::Run {
@@ -182,9 +189,11 @@ void PieceRuns::TakeSound(Run& run) {
     pieces_->RunTook(took.count());
     const int speed = rules_.SpeedOf(run.piece.voice);
     const LSoundSource spoken = SoundInManner(run.engine->run.Sound(), VoiceAt(run.piece.voice));
-    const LSoundSource sound =
-        WithPause(EngineSpeed(run.piece.voice) == speed ? spoken : AtTempo(spoken, speed),
-                  run.piece.pauseMilliseconds * 100 / speed);
+    const LSoundSource atSpeed =
+        EngineSpeed(run.piece.voice) == speed ? spoken : AtTempo(spoken, speed);
+    const LSoundSource sound = WithPause(atSpeed, run.piece.pauseMilliseconds * 100 / speed);
+    run.piece.times = TimesIn(*run.engine, run.piece, text_);
+    run.piece.times.Stretch(spoken->GetEndSample(), atSpeed->GetEndSample());
     if (!hasSpoken_)
         channels_ = sound->Channels();
     // Only mono and stereo become each other.

@@ -18,7 +18,8 @@ namespace {
 
 constexpr std::string_view kSoundBeginning = ".speech";
 constexpr std::string_view kSoundEnd = ".wav";
-constexpr std::size_t kTextNameLength = 7;  // "0XXXXXX"
+constexpr std::string_view kTimesEnd = ".tim";  // as long
+constexpr std::size_t kTextNameLength = 7;      // "0XXXXXX"
 constexpr std::size_t kSoundNameLength =
     kSoundBeginning.size() + kTextNameLength + 7 + kSoundEnd.size();
 constexpr time_t kDeadSeconds = 600;
@@ -29,9 +30,10 @@ std::string MakePrivateFile(std::string pattern, std::size_t suffixLength) {
     return file.IsOpen() ? pattern : std::string();
 }
 
-bool IsNameOfRunSound(std::string_view name) {
+bool IsNameOfRun(std::string_view name) {
     return name.size() == kSoundNameLength && name.starts_with(kSoundBeginning) &&
-           name.ends_with(kSoundEnd) && name[kSoundBeginning.size()] == '0' &&
+           (name.ends_with(kSoundEnd) || name.ends_with(kTimesEnd)) &&
+           name[kSoundBeginning.size()] == '0' &&
            name[kSoundBeginning.size() + kTextNameLength] == '-';
 }
 
@@ -67,6 +69,13 @@ std::string MakeRunSoundFile(const std::string& folder, const std::string& textP
         kSoundEnd.size());
 }
 
+std::string MakeRunTimesFile(const std::string& soundPath) {
+    const std::string path =
+        soundPath.substr(0, soundPath.size() - kSoundEnd.size()) + std::string(kTimesEnd);
+    const UniqueFd file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    return file.IsOpen() ? path : std::string();
+}
+
 void RemoveFilesOfDeadRuns(const std::string& folder) {
     if (!IsFirstLookAt(folder))
         return;
@@ -76,7 +85,7 @@ void RemoveFilesOfDeadRuns(const std::string& folder) {
     const time_t now = ::time(nullptr);
     while (const dirent* entry = ::readdir(entries.get())) {
         const std::string name = entry->d_name;
-        if (!IsNameOfRunSound(name))
+        if (!IsNameOfRun(name))
             continue;
         RemoveDead(folder + name, now);
         RemoveDead(kRunTextFolder + name.substr(kSoundBeginning.size(), kTextNameLength), now);

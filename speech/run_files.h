@@ -19,6 +19,10 @@ std::string MakeRunTextFile();
 // of that text file; empty when it cannot be made.
 std::string MakeRunSoundFile(const std::string& folder, const std::string& textPath);
 
+// A new private file beside that sound file, for the times of its words; empty when it cannot be
+// made.
+std::string MakeRunTimesFile(const std::string& soundPath);
+
 // Removes what runs of this user left in the folder and have not touched for ten minutes, thirty
 // times what a run may take. Looks once for each folder in a process; any thread.
 void RemoveFilesOfDeadRuns(const std::string& folder);

@@ -247,6 +247,9 @@ void SayableUnits::Append(const PlainWord& word) {
         unit_.sourceBegin = word.sourceBegin;
     unit_.beginsSentence = unit_.beginsSentence || sentenceBegins_;
     sentenceBegins_ = false;
+    const std::size_t begin = std::max(word.sourceBegin, unit_.sourceBegin) - unit_.sourceBegin;
+    const std::size_t end = std::max(word.sourceEnd, unit_.sourceBegin) - unit_.sourceBegin;
+    unit_.words.push_back({unit_.text.size(), word.text.size(), begin, std::max(begin, end)});
     unit_.text += word.text;
     unit_.sourceEnd = word.sourceEnd;
     lastWord_ = word.text;
@@ -279,6 +282,8 @@ void SayableUnits::DropPending() {
         std::remove_if(from, unit_.text.end(), [](char character) { return character != '\n'; }),
         unit_.text.end());
     unit_.sourceEnd = sourceEndBeforePending_;
+    while (!unit_.words.empty() && unit_.words.back().at >= pendingFrom_)
+        unit_.words.pop_back();
     pendingFrom_ = std::string::npos;
     wordlessRow_ = 0;
 }

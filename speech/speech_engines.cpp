@@ -6,6 +6,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "speech/festival_times.h"
 #include "speech/festival_voices.h"
 #include "speech/own_engines.h"
 #include "speech/shell_word.h"
@@ -145,6 +146,7 @@ std::vector<SpeechEngine> EnginesWithRows() {
     rows[0].isWhole = IsWholeFestivalAnswer;
     rows[0].voicesIn = FestivalVoicesIn;
     rows[0].command = FestivalCommand;
+    rows[0].timesOption = FestivalTimesOption;
     rows[0].loadsBeforeText = true;
     rows[0].saysEnglish = kSaysMoney | kSaysFractions | kSaysRomanNumerals;
     rows[1].name = "espeak-ng";

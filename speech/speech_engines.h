@@ -31,6 +31,9 @@ struct SpeechEngine {
     // place, and so dies with this program.
     std::string (*command)(const SpeechEngine& engine, const SpeechOrder& order) = nullptr;
     bool isOneProgram = true;
+    // What its command ends with to leave the times of its words in a file (spoken_times.h); null:
+    // it tells none.
+    std::string (*timesOption)(std::string_view timesPath) = nullptr;
     // It loads its voice, which takes long, before it reads the text, from a pipe as well.
     bool loadsBeforeText = false;
     bool takesManner = false;      // its command is told it (voice_manner.h); else we see to it

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "foundation/settings/setting.h"
+#include "speech/spoken_times.h"
 #include "speech/text_preparation.h"
 #include "speech/voice_stretches.h"
 #include "speech/voice_table.h"
@@ -55,6 +56,7 @@ struct SpeechPiece {
     std::vector<TextUnit> units;
     int voice = 0;              // index into the voice table
     int pauseMilliseconds = 0;  // of silence behind it
+    SpokenTimes times = {};     // in its sound, once that is there and as far as they are known
 
     std::size_t Size() const;  // bytes of prepared text
     std::string Text() const;  // the units' prepared texts joined

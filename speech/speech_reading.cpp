@@ -58,7 +58,8 @@ public:
         if (!Write(adapted, frames))
             return SynthesisOutcome::kCannotWrite;
         const std::size_t end = reading_.begin_ + piece.SourceEnd();
-        track_.Append(frames, reading_.begin_ + piece.SourceBegin(), end, piece.voice);
+        track_.Append(frames, reading_.begin_ + piece.SourceBegin(), end, piece.voice,
+                      WordsOf(piece.times, sound->SampleRate()));
         {
             const std::lock_guard<std::mutex> lock(reading_.mutex_);
             reading_.fraction_ =
@@ -100,6 +101,16 @@ private:
         const long long most =
             std::min<long long>(kMostDataBytes / (2 * sink_->Channels()), kMostFrames);
         return track_.Frames() <= most - frames;
+    }
+
+    // As they stand in the text and in the file.
+    std::vector<SpokenWord> WordsOf(SpokenTimes times, int rate) const {
+        times.Stretch(rate, sink_->SampleRate());
+        for (SpokenWord& word : times.words) {
+            word.sourceBegin += reading_.begin_;
+            word.sourceEnd += reading_.begin_;
+        }
+        return std::move(times.words);
     }
 
     bool Write(const LSoundSource& sound, int frames) {

@@ -3,9 +3,22 @@
 #include <algorithm>
 #include <chrono>
 
-void SpeechTrack::Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd, int voice) {
+namespace {
+
+constexpr std::size_t kMostWords = 1000000;  // a hundred hours, in 12 MB
+
+}  // namespace
+
+void SpeechTrack::Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd, int voice,
+                         const std::vector<SpokenWord>& words) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    entries_.push_back({frames_, sourceBegin, sourceEnd, voice});
+    entries_.push_back({frames_, sourceBegin, sourceEnd, voice, words_.size()});
+    for (const SpokenWord& word : words) {
+        if (words_.size() < kMostWords)
+            words_.push_back({frames_ + word.firstFrame,
+                              static_cast<std::uint32_t>(word.sourceBegin - sourceBegin),
+                              static_cast<std::uint32_t>(word.sourceEnd - word.sourceBegin)});
+    }
     frames_ += frames;
     grown_.notify_all();
 }
@@ -61,6 +74,28 @@ std::optional<SpokenStretch> SpeechTrack::StretchAt(int frame) const {
     const std::size_t index = IndexAt(frame);
     return SpokenStretch{entries_[index].sourceBegin, entries_[index].sourceEnd, StartOf(index),
                          StartOf(index + 1), entries_[index].voice};
+}
+
+std::optional<HeardWord> SpeechTrack::WordAt(int frame) const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (frame < 0 || frame >= frames_)
+        return std::nullopt;
+    const std::size_t index = IndexAt(frame);
+    const auto place = [&](std::size_t at) {
+        return words_.begin() + static_cast<std::ptrdiff_t>(at);
+    };
+    const auto first = place(entries_[index].words);
+    const auto end = place(index + 1 < entries_.size() ? entries_[index + 1].words : words_.size());
+    if (first == end)
+        return std::nullopt;
+    const auto next = std::upper_bound(
+        first, end, frame, [](int at, const Word& word) { return at < word.firstFrame; });
+    HeardWord heard{.endFrame = next == end ? StartOf(index + 1) : next->firstFrame};
+    if (next != first) {
+        heard.sourceBegin = entries_[index].sourceBegin + std::prev(next)->begin;
+        heard.sourceEnd = heard.sourceBegin + std::prev(next)->size;
+    }
+    return heard;
 }
 
 int SpeechTrack::SentenceStart(int frame) const {

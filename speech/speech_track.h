@@ -6,11 +6,13 @@
 
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <vector>
 
 #include "foundation/threads/signal_object.h"
+#include "speech/spoken_times.h"
 
 // A stretch of the user's text (bytes) and its sound (frames).
 struct SpokenStretch {
@@ -21,11 +23,22 @@ struct SpokenStretch {
     int voice = -1;  // who speaks it, an index into the voice table; -1: several, or nobody knows
 };
 
+// What is marked at a moment, and until when.
+struct HeardWord {
+    // Bytes of the user's text; equal before the first word of a stretch.
+    std::size_t sourceBegin = 0;
+    std::size_t sourceEnd = 0;
+    int endFrame = 0;  // where another word or stretch begins
+};
+
 class SpeechTrack {
 public:
     // A stretch is a sentence or some very short ones.
     // The producer's: frames of sound for the stretch are in the file behind those before.
-    void Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd, int voice = -1);
+    // Its words (frames counted from its own first) are kept while they are no more than anybody
+    // hears.
+    void Append(int frames, std::size_t sourceBegin, std::size_t sourceEnd, int voice = -1,
+                const std::vector<SpokenWord>& words = {});
     void Complete();  // no more will come
 
     int Frames() const;         // that are in the file by now
@@ -38,6 +51,8 @@ public:
 
     // The stretch that is spoken at the frame, nothing outside the sound.
     std::optional<SpokenStretch> StretchAt(int frame) const;
+    // The word of that stretch; nothing where the engine told no times.
+    std::optional<HeardWord> WordAt(int frame) const;
     // First frames of sentences, for a listener who is at `frame`. The next one is Frames() at the
     // last; the previous one is the first at the beginning.
     int SentenceStart(int frame) const;
@@ -61,6 +76,13 @@ private:
         std::size_t sourceBegin;
         std::size_t sourceEnd;
         int voice;
+        std::size_t words;  // in words_, up to the next one's
+    };
+    // In half the room of a SpokenWord.
+    struct Word {
+        int firstFrame;
+        std::uint32_t begin;  // counted from the stretch's
+        std::uint32_t size;
     };
 
     std::size_t IndexAt(int frame) const;  // of the stretch; entries_ is not empty, mutex_ held
@@ -69,6 +91,7 @@ private:
     mutable std::mutex mutex_;
     mutable std::condition_variable grown_;
     std::vector<Entry> entries_;
+    std::vector<Word> words_;
     int frames_ = 0;
     int listener_ = 0;
     bool isComplete_ = false;

@@ -10,11 +10,14 @@
 
 #include "formats/wave_file.h"
 #include "foundation/files/file.h"
+#include "foundation/files/file_io.h"
 #include "foundation/files/text_file.h"
+#include "foundation/files/unique_fd.h"
 #include "foundation/log/log.h"
 #include "foundation/processes/child_process.h"
 #include "speech/festival_voices.h"
 #include "speech/run_files.h"
+#include "speech/spoken_times.h"
 #include "speech/text_preparation.h"
 #include "speech/voices.h"
 
@@ -98,6 +101,7 @@ bool SynthesisRun::Start() {
 
 bool SynthesisRun::StartPrepared(std::string_view text) {
     isDelivered_ = false;
+    textSize_ = text.size();
     if (process_ && process_->GiveText(text))
         return true;
     End();  // one that waited no more
@@ -121,6 +125,10 @@ bool SynthesisRun::StartEngine(std::string_view text, bool isToWait) {
         request_.outcome = SynthesisOutcome::kCannotWrite;
         return false;
     }
+    if (!isDelivered_ && engine_.timesOption != nullptr)
+        timesPath_ = MakeRunTimesFile(soundPath_);
+    if (!timesPath_.empty())
+        command += " " + engine_.timesOption(timesPath_);
     // In place of the shell, so that the engine itself dies with its starter.
     command.insert(0, std::string(kFileBound) + (engine_.isOneProgram ? "exec " : ""));
     process_ = isToWait ? EngineProcess::StartWaiting(std::move(command))
@@ -187,7 +195,7 @@ void SynthesisRun::End() {
     if (process_)
         process_->Kill();
     process_.reset();
-    for (std::string* path : {&soundPath_, &textPath_}) {
+    for (std::string* path : {&soundPath_, &textPath_, &timesPath_}) {
         if (!path->empty())
             ::unlink(path->c_str());
         path->clear();
@@ -211,9 +219,19 @@ SynthesisOutcome SynthesisRun::Judge() {
                                                 : SynthesisOutcome::kIncomplete;
     if (!isDelivered_) {
         sound_ = sound;
+        ReadTimes();
         return SynthesisOutcome::kSpoken;
     }
     return Deliver() ? SynthesisOutcome::kSpoken : SynthesisOutcome::kCannotWrite;
+}
+
+// Too much to be true is nothing.
+void SynthesisRun::ReadTimes() {
+    if (timesPath_.empty())
+        return;
+    const UniqueFd file = OpenFileForReading(timesPath_.c_str());
+    if (!file.IsOpen() || !ReadWholeFile(file.Get(), MostToldOf(textSize_), toldTimes_))
+        toldTimes_.clear();
 }
 
 bool SynthesisRun::Deliver() const {

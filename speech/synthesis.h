@@ -75,20 +75,26 @@ public:
     // Of a prepared text, once finished and kSpoken; its file has no name any more. To be dropped
     // on the waiter's thread.
     const LSoundSource& Sound() const { return sound_; }
+    // What the engine told of its words' times then (spoken_times.h); empty for nothing.
+    const std::string& ToldTimes() const { return toldTimes_; }
 
 private:
     bool WriteText(std::string_view text);
     bool ChooseCommand(std::string& command, bool isToWait);
     bool StartEngine(std::string_view text, bool isToWait = false);
     SynthesisOutcome Judge();
+    void ReadTimes();
     bool Deliver() const;
     void End();
 
     LTTS& request_;
     const Voice voice_;
     const SpeechEngine engine_;
-    std::string textPath_;   // empty when there is no such file
-    std::string soundPath_;  // likewise
+    std::string textPath_;      // empty when there is no such file
+    std::string soundPath_;     // likewise
+    std::string timesPath_;     // likewise
+    std::size_t textSize_ = 0;  // of a prepared text
+    std::string toldTimes_;
     std::shared_ptr<EngineProcess> process_;
     bool isDelivered_ = true;
     LSoundSource sound_;

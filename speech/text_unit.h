@@ -3,6 +3,15 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
+
+// A word of a unit's text, with the marks around it.
+struct UnitWord {
+    std::size_t at;  // in the unit's text
+    std::size_t size;
+    std::size_t sourceBegin;  // counted from where the unit's begins
+    std::size_t sourceEnd;
+};
 
 // What the engine itself ends as an utterance; a sentence of the text holds one or several, none
 // holds two sentences. So units can be spoken in runs of one or several, and the runs' sound joined
@@ -15,5 +24,6 @@ struct TextUnit {
     // before it.
     std::size_t sourceBegin = 0;
     std::size_t sourceEnd = 0;
-    bool beginsSentence = false;  // of the text (sentences.h); others go on with one
+    std::vector<UnitWord> words = {};  // in order
+    bool beginsSentence = false;       // of the text (sentences.h); others go on with one
 };

@@ -7,7 +7,7 @@
 #include <random>
 
 #include "speech/speech_estimate.h"
-#include "speech/voice_list_query.h"
+#include "tests/speech/marked_words.h"
 #include "tests/speech/numbers_engine.h"
 
 namespace {
@@ -210,6 +210,29 @@ TEST_F(NumbersReading, IsHeardWhileItIsSpokenAndKnowsWhichSentenceWhen) {
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(older), {}), "an older reading");
 }
 
+TEST_F(NumbersReading, KnowsEachWordWhereTheEngineTellsIt) {
+    const std::string text =
+        "Not read. That is \"a\" 1 2 and (then) 3. Here is the number 4 untold! So is 5 of half.";
+    const auto begin = text.find('T');
+    for (const bool isFromReserve : {false, true}) {
+        EngineReserve reserve;
+        if (isFromReserve)
+            reserve.Keep(0, engine_.Path() + "/");
+        engine_.Write("engine", engine_.ReadFile(At("engine")) + "text2wave untold untold\n");
+        SpeechReading reading(std::make_shared<const std::string>(text), begin, 0, SoundPath(),
+                              ReadingUse::kListening);
+        reading.KeepReserve(reserve);
+        reading.Start();
+        reading.Ended().WaitSignalForever();
+        EXPECT_EQ(reading.Outcome(), SynthesisOutcome::kSpoken) << reading.Message();
+        EXPECT_THAT(MarkedWords(reading.Track(), text),
+                    testing::ElementsAre("0 1", "400 2", "800 3", "1600 5"))
+            << "those that are heard; the last from a sound at half the rate";
+        EXPECT_EQ(reading.Track().StretchAt(1500)->sourceEnd, text.find(" So"));
+    }
+    EXPECT_EQ(CountFiles(engine_.Path(), ".speech"), 0U);
+}
+
 TEST_F(NumbersReading, NeverRunsFarAheadOfTheListener) {
     // 600 numbers a sentence speak for 15 seconds.
     std::string text;
@@ -347,54 +370,6 @@ TEST(SpeechEstimate, TellsWhatDoesNotFitBeforeItBegins) {
     EXPECT_THAT(SavingProblem(10 * most, "/tmp"), HasSubstr("more than one sound file can hold"));
     EXPECT_EQ(SavingProblem(100, "/tmp"), "");
     EXPECT_THAT(SavingProblem(100, "/proc"), HasSubstr("0.0 MB are free"));
-}
-
-// Festival reads beyond its pitch marks: the noise of a pause hangs on what it spoke before.
-bool IsSameSound(int one, int other) {
-    return one == other || (std::abs(one) < 100 * 64 && std::abs(other) < 100 * 64);  // of 16 bits
-}
-
-void CompareWithOneRun() {
-    const std::string text =
-        "Hello.\n----\nWorld. He said \"!!!\" \"???\" and left.\n\nControl \x01 bytes.\n"
-        "\x02\nEnd\n\nFaces \xf0\x9f\x98\x80.\n\xf0\x9f\x98\x80\nEnd\n\n“Curly” — ‘quotes’ "
-        "…\n…\n“”\n\n"
-        "a -- -- b ... -- !\n\n\"\n\nEnd! ? " +
-        std::string(600, 'x') + " = " + std::string(500, '=') +
-        "\n\nIt was the best of times; it was the worst! Was it? Mr. Smith paid 3.50 "
-        "dollars, e.g. for \"tea\" (two cups) in the U.S. Was that much?\n\nNo. 7 is here: well - "
-        "almost. \"Go!\" she said. He went... and then came back.\nA line\nwith breaks. The end";
-    LSilentProgress progress;
-    VoiceListQuery voices;
-    ASSERT_EQ(Process(progress, voices), kProcessDone);
-    const FakeEngine folder;  // only for its folder: the installed engine speaks
-    const std::string whole = folder / "whole.wav";
-    LTTS request;
-    request.text = text.c_str();
-    request.outputPath = whole.c_str();
-    ASSERT_EQ(Process(progress, request), kProcessDone) << SynthesisMessage(request.outcome);
-    const LSoundSource expected = LWaveFile::OpenSource(whole.c_str());
-    SpeechReading reading(text, 0, folder / "pieces.wav", ReadingUse::kListening);
-    reading.Start();
-    ASSERT_EQ(Process(progress, reading), kProcessDone);
-    const LSoundSource source = reading.OpenSource();
-    while (source->IsStreaming()) {
-        source->Seek(source->GetEndSample());
-        source->WaitForStreamingData(1000);
-    }
-    EXPECT_EQ(reading.Message(), "") << "emoji are said";
-    ASSERT_EQ(source->GetEndSample(), expected->GetEndSample());
-    source->Seek(0);
-    std::vector<int> first(8192), second(8192);
-    for (int at = 0; at < expected->GetEndSample(); at += 8192) {
-        expected->Read(first.data(), 8192);
-        source->Read(second.data(), 8192);
-        ASSERT_TRUE(std::ranges::equal(first, second, IsSameSound)) << at;
-    }
-}
-
-TEST(RealEngine, SpeaksWhatKillsItUnpreparedAndPiecesJoinedAreWhatOneRunSays) {
-    InFreshProcess(CompareWithOneRun);
 }
 
 }  // namespace
