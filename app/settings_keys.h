@@ -15,6 +15,8 @@ constexpr UserSetting<bool> kHotKeysOfferedSetting{"HotKeys", "Offered", false};
 constexpr UserSetting<bool> kFollowTextSetting{"Options", "FollowText", true};
 // The colours of that (app/text/highlight_colors.h).
 constexpr UserSetting<const char*> kHighlightSetting{"Options", "Highlight", "usual"};
+// Whether the word is marked in it, too.
+constexpr UserSetting<bool> kMarkWordsSetting{"Options", "MarkWords", true};
 // Whether the text of the window is there again at the next start.
 constexpr UserSetting<bool> kKeepTextSetting{"Options", "KeepText", true};
 constexpr UserSetting<int> kTextSizeSetting{"Options", "TextSize", 0};  // points; 0: the theme's

@@ -34,6 +34,7 @@ constexpr int kSayPunctuation = 118;
 constexpr int kSayEmoji = 119;
 constexpr int kVoice = 120;
 constexpr int kVoiceButton = 121;
+constexpr int kMarkWords = 122;
 
 enum : int { kMp3 = 0, kWav = 1 };
 constexpr const char* kFormats[] = {"MP3", "WAV", nullptr};
@@ -62,6 +63,7 @@ void DlgGenGeneralDlg(LDialogGenContext& context) {
     context.AddGroup(-1, "Text");
     context.AddCheckBox(kKeepText, "&Keep the text for the next start");
     context.AddPullDownList(kHighlight, "&Mark what is heard in");
+    context.AddCheckBox(kMarkWords, "Mark each &word");
     context.GroupEnd();
 }
 
@@ -75,6 +77,7 @@ void GeneralDlgImp::InitDialog() {
     SetCheck(kKeepText, kKeepTextSetting.Get());
     SetCheck(kByLanguage, kVoiceByLanguageSetting.Get());
     FillHighlight();
+    SetCheck(kMarkWords, kMarkWordsSetting.Get());
     SetCheck(kSpellCapitals, kSpellCapitalsSetting.Get());
     SetCheck(kSayPunctuation, kSayPunctuationSetting.Get());
     SetCheck(kSayEmoji, kSayEmojiSetting.Get());
@@ -90,6 +93,7 @@ GeneralDlgImp::Choice GeneralDlgImp::Choices() const {
             GetCheck(kKeepText),
             GetCheck(kByLanguage),
             HighlightChoices()[static_cast<std::size_t>(std::max(0, PDLGetCurSel(kHighlight)))].key,
+            GetCheck(kMarkWords),
             GetCheck(kSpellCapitals),
             GetCheck(kSayPunctuation),
             GetCheck(kSayEmoji)};
@@ -157,6 +161,7 @@ bool GeneralDlgImp::CmOk() {
     isKept = KeepChange(kKeepTextSetting, shown_.keepText, now.keepText) && isKept;
     isKept = KeepChange(kVoiceByLanguageSetting, shown_.byLanguage, now.byLanguage) && isKept;
     isKept = KeepChange(kHighlightSetting, shown_.highlight, now.highlight) && isKept;
+    isKept = KeepChange(kMarkWordsSetting, shown_.markWords, now.markWords) && isKept;
     isKept = KeepChange(kSpellCapitalsSetting, shown_.spellCapitals, now.spellCapitals) && isKept;
     isKept =
         KeepChange(kSayPunctuationSetting, shown_.sayPunctuation, now.sayPunctuation) && isKept;

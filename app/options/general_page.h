@@ -25,6 +25,7 @@ private:
         bool keepText = false;
         bool byLanguage = false;
         std::string highlight;
+        bool markWords = false;
         bool spellCapitals = false;
         bool sayPunctuation = false;
         bool sayEmoji = false;

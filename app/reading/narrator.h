@@ -85,6 +85,7 @@ public:
     bool CanMove() const;  // there is a text whose places can be heard
     const std::vector<std::size_t>& Headings() const { return info_.Headings(); }
     LSoundTime TimeAt(std::size_t place) const { return info_.TimeAt(place); }
+    std::optional<WordInTime> WordAt(LSoundTime time) const { return info_.WordAt(time); }
     bool IsTimeKnown(std::size_t place) const { return info_.IsSpokenTo(place); }
     const std::vector<std::size_t>& Chapters() const { return info_.Chapters(); }
     std::size_t Place() const;  // of the sentence that is heard, or will be

@@ -78,6 +78,17 @@ LSoundTime ReadingInfo::TimeAt(std::size_t place) const {
     return frame ? TimeOf(*frame) : Times().TimeOf(place);
 }
 
+std::optional<WordInTime> ReadingInfo::WordAt(LSoundTime time) const {
+    if (!reading_ || rate_ == 0)
+        return std::nullopt;
+    const auto stretch = reading_->Track().StretchAt(Frame(time));
+    const auto word = reading_->Track().WordAt(Frame(time));
+    if (!stretch || !word)
+        return std::nullopt;
+    return WordInTime{stretch->sourceBegin, stretch->sourceEnd, word->sourceBegin, word->sourceEnd,
+                      TimeOf(word->endFrame)};
+}
+
 bool ReadingInfo::Reaches(LSoundTime time) const {
     if (!reading_ || rate_ == 0 || time < SourceBegin())
         return false;

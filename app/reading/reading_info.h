@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,16 @@ struct ReadingText {
     std::vector<std::size_t> chapters = {};    // likewise
     std::vector<LanguageMark> languages = {};  // what the document says of its language
     bool isGrowing = false;                    // more of it will come
+};
+
+// A word of what is spoken, and the stretch that it is of, in bytes of the text. Where no word is
+// heard in its stretch yet, it is empty.
+struct WordInTime {
+    std::size_t stretchBegin = 0;
+    std::size_t stretchEnd = 0;
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    LSoundTime until;  // then it is another, or another stretch
 };
 
 // A text, and the part of it that is being spoken: from a place on, which changes when the listener
@@ -54,6 +65,7 @@ public:
     LSoundTime TimeOf(int frame) const;
     // Of a place of the text: that of its sound once it is spoken, else an estimate.
     LSoundTime TimeAt(std::size_t place) const;
+    std::optional<WordInTime> WordAt(LSoundTime time) const;
     bool IsSpokenTo(std::size_t place) const {
         return reading_ && (IsSpokenToTheEnd() || reading_->Track().All().sourceEnd >= place);
     }

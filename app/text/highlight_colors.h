@@ -12,6 +12,8 @@ struct HighlightChoice {
     // Null: the theme's.
     const char* ground;
     const char* letters;
+    const char* wordGround;
+    const char* wordLetters;
 };
 
 // Those that a user can have, the usual one first.
@@ -20,6 +22,8 @@ std::span<const HighlightChoice> HighlightChoices();
 struct HighlightColors {
     GdkColor ground;
     GdkColor letters;
+    GdkColor wordGround;  // of the word in it
+    GdkColor wordLetters;
 };
 
 // By the kept key, an unknown one counting as the usual one: yellow, but in a theme of high

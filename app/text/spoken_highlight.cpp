@@ -13,16 +13,20 @@ void SpokenHighlight::Attach(GtkTextView* view, const LongLines& lines) {
     view_ = view;
     lines_ = &lines;
     buffer_ = gtk_text_view_get_buffer(view);
-    tag_ = gtk_text_buffer_create_tag(buffer_, nullptr, nullptr);
+    // The later one goes before the other.
+    for (GtkTextTag** tag : {&tag_, &wordTag_})
+        *tag = gtk_text_buffer_create_tag(buffer_, nullptr, nullptr);
+    g_object_set(wordTag_, "underline", PANGO_UNDERLINE_SINGLE, nullptr);
     GtkTextIter start;
     gtk_text_buffer_get_start_iter(buffer_, &start);
-    for (GtkTextMark** mark : {&start_, &shown_, &ahead_})
+    for (GtkTextMark** mark : {&start_, &shown_, &ahead_, &word_, &wordEnd_})
         *mark = gtk_text_buffer_create_mark(buffer_, nullptr, &start, TRUE);
     edits_.Connect(buffer_, "insert-text", G_CALLBACK(GCInsertText), this);
     edits_.Connect(buffer_, "delete-range", G_CALLBACK(GCDeleteRange), this);
 }
 
 void SpokenHighlight::Follow(Narrator& narrator) {
+    words_.emplace(narrator, [this](const WordInTime& word) { ShowWord(word); });
     news_.Begin(narrator.News(), [this](const ReadingNews& news) { Hear(news); });
 }
 
@@ -31,6 +35,10 @@ void SpokenHighlight::Hear(const ReadingNews& news) {
         Hide();
     else if (news.stretch)
         Show(news.stretch->sourceBegin, news.stretch->sourceEnd);
+    if (isFollowing_ && isShown_ && marksWords_)
+        words_->Hear(news);
+    else
+        words_->Stop();
     ShowSelected();
 }
 
@@ -118,6 +126,30 @@ void SpokenHighlight::Show(std::size_t begin, std::size_t end) {
     shownEnd_ = end;
 }
 
+// In the stretch that is shown, or in the next one, which the card tells a little later.
+void SpokenHighlight::ShowWord(const WordInTime& word) {
+    if (!isFollowing_ || !isShown_)
+        return;
+    Show(word.stretchBegin, word.stretchEnd);
+    if (word.begin == wordBegin_ && word.end == wordStop_)
+        return;
+    UnmarkWord();
+    if (!marksWords_ || !places_.Now(shownBegin_, shownEnd_))
+        return;
+    wordBegin_ = word.begin;
+    wordStop_ = word.end;
+    if (word.begin < shownBegin_ || word.begin >= word.end)
+        return;
+    GtkTextIter first;
+    gtk_text_buffer_get_iter_at_mark(buffer_, &first, shown_);
+    lines_->Forward(first, word.begin - shownBegin_);
+    GtkTextIter last = first;
+    lines_->Forward(last, word.end - word.begin);
+    gtk_text_buffer_move_mark(buffer_, word_, &first);
+    gtk_text_buffer_move_mark(buffer_, wordEnd_, &last);
+    gtk_text_buffer_apply_tag(buffer_, wordTag_, &first, &last);
+}
+
 // With the next lines, where all of that has room; a stretch that is taller from its beginning on.
 void SpokenHighlight::BringIntoView(const GtkTextIter& first, const GtkTextIter& last) {
     GtkTextIter ahead = last;
@@ -144,6 +176,9 @@ void SpokenHighlight::TakeColors() {
     const HighlightColors colors = HighlightColorsOf(kHighlightSetting.Get(), GTK_WIDGET(view_));
     g_object_set(tag_, "background-gdk", &colors.ground, "foreground-gdk", &colors.letters,
                  nullptr);
+    g_object_set(wordTag_, "background-gdk", &colors.wordGround, "foreground-gdk",
+                 &colors.wordLetters, nullptr);
+    marksWords_ = kMarkWordsSetting.Get();
 }
 
 // The colours of a selection are drawn above those of the stretch.
@@ -154,6 +189,8 @@ void SpokenHighlight::ShowSelected() {
     isUnderlined_ = isSelected;
     g_object_set(tag_, "underline", isSelected ? PANGO_UNDERLINE_SINGLE : PANGO_UNDERLINE_NONE,
                  nullptr);
+    g_object_set(wordTag_, "underline",
+                 isSelected ? PANGO_UNDERLINE_DOUBLE : PANGO_UNDERLINE_SINGLE, nullptr);
 }
 
 void SpokenHighlight::Hide() {
@@ -172,4 +209,14 @@ void SpokenHighlight::Unmark() {
     GtkTextIter last;
     gtk_text_buffer_get_bounds(buffer_, &first, &last);
     gtk_text_buffer_remove_tag(buffer_, tag_, &first, &last);
+    UnmarkWord();
+}
+
+void SpokenHighlight::UnmarkWord() {
+    GtkTextIter first;
+    GtkTextIter last;
+    gtk_text_buffer_get_iter_at_mark(buffer_, &first, word_);
+    gtk_text_buffer_get_iter_at_mark(buffer_, &last, wordEnd_);
+    gtk_text_buffer_remove_tag(buffer_, wordTag_, &first, &last);
+    wordBegin_ = wordStop_ = 0;
 }

@@ -1,4 +1,4 @@
-// Shows in a text box which stretch of it is being heard.
+// Shows in a text box which stretch of it is being heard, and which word where the engine tells.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "app/reading/heard_words.h"
 #include "app/reading/narrator.h"
 #include "app/text/edited_places.h"
 #include "app/text/long_lines.h"
@@ -44,7 +45,9 @@ public:
 
 private:
     void Hear(const ReadingNews& news);
+    void ShowWord(const WordInTime& word);
     void Unmark();
+    void UnmarkWord();
     void TakeColors();
     void ShowSelected();
     void BringIntoView(const GtkTextIter& first, const GtkTextIter& last);
@@ -59,17 +62,24 @@ private:
     GtkTextView* view_ = nullptr;
     GtkTextBuffer* buffer_ = nullptr;
     const LongLines* lines_ = nullptr;
-    GtkTextTag* tag_ = nullptr;     // this and the marks are owned by the buffer
+    GtkTextTag* tag_ = nullptr;  // this, the next and the marks are owned by the buffer
+    GtkTextTag* wordTag_ = nullptr;
     GtkTextMark* start_ = nullptr;  // of the text
     GtkTextMark* shown_ = nullptr;  // begin of the stretch shown
     GtkTextMark* ahead_ = nullptr;  // some lines behind it
+    GtkTextMark* word_ = nullptr;   // where the word shown begins and ends
+    GtkTextMark* wordEnd_ = nullptr;
     std::size_t shownBegin_ = 0;
     std::size_t shownEnd_ = 0;
+    std::size_t wordBegin_ = 0;
+    std::size_t wordStop_ = 0;
     bool isFollowing_ = false;
     bool isGrowing_ = false;
     bool isShown_ = false;
     bool isUnderlined_ = false;
+    bool marksWords_ = false;
     EditedPlaces places_;
     LSignalOwner edits_;
+    std::optional<HeardWords> words_;
     Narrator::Subscription news_;
 };

@@ -89,10 +89,38 @@ class PlacesTest(DesktopCase):
         """The colour behind the first word that has one."""
         text = lectora.text_box().queryText()
         for at in range(0, text.characterCount, 5):
-            for each in text.getAttributeRun(at, False)[0]:
+            attributes = text.getAttributeRun(at, False)[0]
+            for each in attributes if "underline:single" not in attributes else ():
                 if each.startswith("bg-color:"):
                     return tuple(int(part) >> 8 for part in each.split(":")[1].split(","))
         return None
+
+    def test_the_word_that_is_heard_is_marked_in_its_sentence_unless_that_is_switched_off(self):
+        self.card.tell("speed 0.2")
+        lectora = self.start()
+        lectora.set_text(TEXT)
+        lectora.focus()
+        desktop.press_keys("F9")
+        for word in SENTENCES[0].split()[:3]:
+            desktop.wait_until(lambda: lectora.highlighted_word() == word, word)
+        self.picture("highlighted-word")
+        self.assertEqual(lectora.highlighted().strip(), SENTENCES[0])
+        lectora.text_box().queryEditableText().insertText(lectora.text().index("two"), "nearly ", 7)
+        desktop.wait_until(lambda: lectora.highlighted_word() == "sentence", "a word behind the edit")
+        lectora.focus()
+        desktop.press_keys("ctrl+Right")
+        desktop.wait_until(lambda: not lectora.highlighted(), "a sentence that is not as it is heard")
+        self.assertEqual(lectora.highlighted_word(), "")
+        desktop.press_keys("alt+t", "o")
+        lectora.press("check box", "Mark each word")
+        lectora.press("push button", "OK")
+        desktop.wait_until(lambda: self.setting("options", "markwords") == "0", "the choice")
+        lectora.focus()
+        desktop.press_keys("ctrl+Right")
+        self.wait_for_highlight(lectora, SENTENCES[2])
+        self.card.tell("speed 5")
+        self.wait_for_highlight(lectora, SENTENCES[3])
+        self.assertEqual(lectora.highlighted_word(), "")
 
     def test_the_colours_of_the_highlight_are_a_choice_and_follow_high_contrast(self):
         self.card.tell("speed 0.2")
@@ -119,6 +147,8 @@ class PlacesTest(DesktopCase):
         lectora = self.start(path)
         for sentence in SENTENCES[:3]:
             self.wait_for_highlight(lectora, sentence)
+        # Which the card tells of a moment later than its beginning was foreseen.
+        desktop.wait_until(lambda: lectora.highlighted_word() == "sentence", "a word in its middle")
         lectora.end()
         store = os.path.join(desktop.HOME, ".quillon/lectora/reading-places")
         self.assertEqual(os.stat(store).st_mode & 0o777, 0o600)

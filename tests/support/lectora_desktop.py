@@ -154,13 +154,22 @@ class Lectora(Process):
 
     def highlighted(self):
         """The stretch of the text box that has a background of its own."""
+        return "".join(text for text, _ in self.marked())
+
+    def highlighted_word(self):
+        """The word in it that is marked once more."""
+        return "".join(text for text, attributes in self.marked() if "underline:single" in attributes)
+
+    def marked(self):
         text = self.text_box().queryText()
-        at, end = 0, text.characterCount
+        at, end, runs = 0, text.characterCount, []
         while at < end:
             attributes, start, at = text.getAttributeRun(at, False)
             if any(each.startswith("bg-color:") for each in attributes):
-                return text.getText(start, at)
-        return ""
+                runs.append((text.getText(start, at), attributes))
+            elif runs:
+                break
+        return runs
 
     def status(self):
         return self.find("status bar").name
