@@ -52,6 +52,12 @@ std::vector<Bookmark> KeptBookmarks::Of(const std::string& key) const {
 
 int KeptBookmarks::Set(Bookmark bookmark) {
     std::erase_if(bookmarks_, [&](const Bookmark& each) { return IsSamePlace(each, bookmark); });
+    // Nobody can come back to a text that was in no file and is gone.
+    const auto ofGoneText = std::ranges::find_if(bookmarks_, [&](const Bookmark& each) {
+        return each.at.key.starts_with(kOfWindow) && each.at.key != bookmark.at.key;
+    });
+    if (IsFull() && ofGoneText != bookmarks_.end())
+        bookmarks_.erase(ofGoneText);
     if (IsFull())
         return ENOSPC;
     bookmark.at.sentence.resize(
@@ -73,9 +79,15 @@ int KeptBookmarks::TakeAlong(const std::string& key, std::string_view text) {
     bool isChanged = false;
     for (Bookmark& each : bookmarks_) {
         if (!each.at.key.starts_with(kOfWindow) || each.at.key == key ||
-            each.at.sentence.size() < kTellingBytes || !FindPlace(each.at, text, digest))
+            each.at.sentence.size() < kTellingBytes)
+            continue;
+        const auto place = FindPlace(each.at, text, digest);
+        if (!place)
             continue;
         each.at.key = key;
+        each.at.digest = digest;
+        each.at.size = text.size();
+        each.at.place = *place;
         isChanged = true;
     }
     return isChanged ? Write() : 0;

@@ -22,7 +22,9 @@ std::string KeyOfWindowText(std::string_view text);
 // thread.
 class KeptBookmarks {
 public:
-    static constexpr std::size_t kMost = 1000;     // of all documents; no other is taken then
+    // Of all documents. Then another takes the place of the oldest of a text in no file, or else is
+    // not taken.
+    static constexpr std::size_t kMost = 1000;
     static constexpr std::size_t kMostName = 200;  // bytes that are kept of one
 
     KeptBookmarks();                                         // as they are now

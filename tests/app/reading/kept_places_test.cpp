@@ -91,6 +91,12 @@ TEST(KeptBookmarksTest, ATextInNoFileKeepsItsOwnThroughItsEdits) {
     EXPECT_THAT(titles(other), testing::IsEmpty());
     EXPECT_THAT(titles(edited), testing::ElementsAre("The harbour slept."));
     EXPECT_THAT(titles(text), testing::SizeIs(2)) << "undone";
+    const std::string longer = "A new beginning. " + text;
+    EXPECT_THAT(titles(longer), testing::SizeIs(2));
+    EXPECT_EQ(
+        KeptBookmarks().Set({.at = PlaceIn(longer, "A new beginning.", KeyOfWindowText(longer))}),
+        0);
+    EXPECT_THAT(titles(longer), testing::SizeIs(3)) << "each has its own place by now";
     EXPECT_THAT(KeptBookmarks().Of("a file's"), testing::SizeIs(1));
 }
 
