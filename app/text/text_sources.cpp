@@ -168,10 +168,19 @@ void TextSources::EvMore(const Document& more, bool isAll) {
 }
 
 bool TextSources::AwaitAll() {
-    if (!IsComing())
-        return true;
     const CommandTurn::Hold hold(turn_);
-    return rest_->Await(window_.Widget()) && window_.IsOpen();
+    if (IsComing() && (!rest_->Await(window_.Widget()) || !window_.IsOpen()))
+        return false;
+    return !text_.Structure().IsPart() || WantsPart();
+}
+
+// Told in a box: what is saved may be opened where nobody knows that there was more.
+bool TextSources::WantsPart() {
+    const std::string what = "Only the first " + std::to_string(text_.Structure().PageCount()) +
+                             " pages of the document are here.";
+    return MessageBoxRun(window_.Widget(), GTK_MESSAGE_WARNING, GTK_BUTTONS_YES_NO, "Lectora",
+                         what.c_str(), "Do you want to save these pages?") == GTK_RESPONSE_YES &&
+           window_.IsOpen();
 }
 
 void TextSources::TellIfPart() {

@@ -56,8 +56,8 @@ public:
     void DropFetch() { selection_.DropFetch(); }
     unsigned int Offered() const { return selection_.Offered(); }  // selection_watch.h
 
-    // Of a document that is still coming: waits for the rest under a dialog. False: the user does
-    // not want to wait, or has closed the window.
+    // Of a document that is still coming: waits for the rest under a dialog, and asks where only a
+    // part of it is here. False: the user does not want that, or has closed the window.
     bool AwaitAll();
     bool IsComing() const { return rest_ && !IsRestOfAnother(); }
     // Where only a part of the document is here and nothing more will come, says so.
@@ -74,6 +74,7 @@ private:
     void NoteFile(const std::string& path);
     void EvMore(const Document& more, bool isAll);
     void DropRest();
+    bool WantsPart();
     bool IsRestOfAnother() const {
         return rest_ && (text_.IsEmpty() || text_.Generation() != restOf_);
     }
