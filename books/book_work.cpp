@@ -46,7 +46,10 @@ bool HoldsOthers(const BookOrder& order, bool isUnfinished) {
 }
 
 std::string SpokenBy(const BookOrder& order, int voice) {
-    return KeyOf(VoiceAt(voice)) + " " + std::to_string(order.rules.SpeedOf(voice));
+    const VoiceManner manner = order.rules.MannerAt(voice);
+    return KeyOf(VoiceAt(voice)) + " " + std::to_string(order.rules.SpeedOf(voice)) + " " +
+           std::to_string(manner.pitch) + " " + std::to_string(manner.volume) + " " +
+           manner.variant;
 }
 
 // What decides which voice says which words how.

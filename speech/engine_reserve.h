@@ -13,7 +13,8 @@
 
 // A run with the request that it is for.
 struct EngineRun {
-    EngineRun(int voice, std::string workFolder, int speed = 100);
+    EngineRun(int voice, std::string workFolder, int speed = 100,
+              std::optional<VoiceManner> manner = {});
 
     const std::string folder;  // where its files stand
     LTTS request;

@@ -43,8 +43,8 @@ std::string Joined(const std::string& one, const std::string& other) {
     return one.empty() || other.empty() ? one + other : one + " " + other;
 }
 
-LSoundSource SoundInManner(const LSoundSource& sound, const Voice& voice) {
-    return EngineOf(voice).takesManner ? sound : InManner(sound, MannerOf(voice));
+LSoundSource SoundInManner(const LSoundSource& sound, int voice, const VoiceManner& manner) {
+    return EngineOf(VoiceAt(voice)).takesManner ? sound : InManner(sound, manner);
 }
 
 SpokenTimes TimesIn(const EngineRun& engine, const SpeechPiece& piece, std::string_view text) {
@@ -139,7 +139,8 @@ void PieceRuns::StartRun(Run& run) {
         run.engine = reserve_->Take(run.piece.voice, folder_);
     if (!run.engine)
         run.engine =
-            std::make_unique<EngineRun>(run.piece.voice, folder_, EngineSpeed(run.piece.voice));
+            std::make_unique<EngineRun>(run.piece.voice, folder_, EngineSpeed(run.piece.voice),
+                                        rules_.MannerAt(run.piece.voice));
     if (!run.engine->run.StartPrepared(run.piece.Text())) {
         run.engine->run.Finish(kProcessFailed);
         End(run.engine->request.outcome);
@@ -188,7 +189,8 @@ void PieceRuns::TakeSound(Run& run) {
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - run.start;
     pieces_->RunTook(took.count());
     const int speed = rules_.SpeedOf(run.piece.voice);
-    const LSoundSource spoken = SoundInManner(run.engine->run.Sound(), VoiceAt(run.piece.voice));
+    const LSoundSource spoken =
+        SoundInManner(run.engine->run.Sound(), run.piece.voice, rules_.MannerAt(run.piece.voice));
     const LSoundSource atSpeed =
         EngineSpeed(run.piece.voice) == speed ? spoken : AtTempo(spoken, speed);
     const LSoundSource sound = WithPause(atSpeed, run.piece.pauseMilliseconds * 100 / speed);

@@ -91,7 +91,7 @@ int EspeakPitch(int percent) {
 constexpr int kEspeakWords = 175;  // a minute, at its own speed
 
 std::string EspeakCommand(const SpeechEngine& engine, const SpeechOrder& order) {
-    const VoiceManner manner = MannerOf(order.voice);
+    const VoiceManner& manner = order.manner;
     const std::string variant = manner.variant.empty() ? "" : "+" + manner.variant;
     std::string options;
     if (manner.pitch != VoiceManner().pitch)

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "speech/spoken_forms.h"
+#include "speech/voice_manner.h"
 #include "speech/voice_table.h"
 
 // What an engine's command is made of, which quotes the voice's name and the paths.
@@ -14,6 +15,7 @@ struct SpeechOrder {
     std::string_view textPath;
     std::string_view soundPath;
     int speed = 100;  // percent of the voice's own, as SpeedOfEngine has it
+    VoiceManner manner = {};
 };
 
 struct SpeechEngine {

@@ -99,6 +99,11 @@ int SpeakingRules::SpeedOf(int voice) const {
                    : LTempo::kOwnPercent;
 }
 
+VoiceManner SpeakingRules::MannerAt(int voice) const {
+    const auto index = static_cast<std::size_t>(voice);
+    return voice >= 0 && index < manners.size() ? manners[index] : MannerOf(VoiceAt(voice));
+}
+
 SpeakingRules ChosenSpeakingRules() {
     return {.saysHosts = kSkipAddressesSetting.Get(),
             .byLanguage = kVoiceByLanguageSetting.Get(),

@@ -11,6 +11,7 @@
 #include "foundation/settings/setting.h"
 #include "speech/spoken_times.h"
 #include "speech/text_preparation.h"
+#include "speech/voice_manner.h"
 #include "speech/voice_stretches.h"
 #include "speech/voice_table.h"
 #include "speech/voices_instead.h"
@@ -34,9 +35,11 @@ struct SpeakingRules {
     // Where lines begin that a pause comes before and behind, in order; longer ones are no
     // headings.
     std::vector<std::size_t> headings = {};
-    std::vector<int> speeds = {};  // percent of each voice's own, by its index; else 100
+    std::vector<int> speeds = {};           // percent of each voice's own, by its index; else 100
+    std::vector<VoiceManner> manners = {};  // likewise; else as they are kept at the moment
 
     int SpeedOf(int voice) const;
+    VoiceManner MannerAt(int voice) const;
 };
 
 // Those for the text from the byte on, as it stands then.

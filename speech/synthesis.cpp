@@ -158,7 +158,8 @@ bool SynthesisRun::ChooseCommand(std::string& command, bool isToWait) {
             engine_, {.voice = voice_,
                       .textPath = isToWait ? EngineProcess::kWaitingTextPath : textPath_,
                       .soundPath = soundPath_,
-                      .speed = request_.speed});
+                      .speed = request_.speed,
+                      .manner = request_.manner ? *request_.manner : MannerOf(voice_)});
         if (command.size() < kMaxCommand || folder == kTemporaryFolder)
             return true;
         ::unlink(soundPath_.c_str());

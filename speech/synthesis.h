@@ -7,6 +7,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,7 @@
 #include "sound/sound_source.h"
 #include "speech/engine_process.h"
 #include "speech/speech_engines.h"
+#include "speech/voice_manner.h"
 #include "speech/voice_table.h"
 
 constexpr unsigned int kSynthesisTimeoutMilliseconds = 20000;
@@ -42,10 +44,11 @@ std::string SynthesisMessage(SynthesisOutcome outcome, const Voice& voice = {});
 struct LTTS {
     const char* text = "";
     const char* outputPath = "";
-    int voice = 0;           // index into the voice table (voice_table.h), clamped
-    unsigned char flag = 1;  // always 1
-    int speed = 100;         // SpeedOfEngine's
-    LSignalObject done{};    // signalled when the run has ended, well or not
+    int voice = 0;                        // index into the voice table (voice_table.h), clamped
+    unsigned char flag = 1;               // always 1
+    int speed = 100;                      // SpeedOfEngine's
+    std::optional<VoiceManner> manner{};  // else as it is kept with the voice
+    LSignalObject done{};                 // signalled when the run has ended, well or not
     LProcessResult result = kProcessFailed;
     SynthesisOutcome outcome = SynthesisOutcome::kNoSound;
 };

@@ -36,6 +36,13 @@ VoiceManner MannerOf(const Voice& voice) {
             .variant = VariantSetting(key).Get()};
 }
 
+std::vector<VoiceManner> MannersOfVoices() {
+    std::vector<VoiceManner> manners;
+    for (const Voice& each : KnownVoices())
+        manners.push_back(MannerOf(each));
+    return manners;
+}
+
 void KeepManner(const Voice& voice, const VoiceManner& manner) {
     const std::string key = SettingsKeyOf(voice);
     Keep(PitchSetting(key), manner.pitch, VoiceManner().pitch);

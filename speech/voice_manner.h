@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "sound/sound_source.h"
 #include "speech/voice_table.h"
@@ -20,6 +21,7 @@ struct VoiceManner {
 
 // Any thread.
 VoiceManner MannerOf(const Voice& voice);
+std::vector<VoiceManner> MannersOfVoices();  // by their index
 void KeepManner(const Voice& voice, const VoiceManner& manner);
 
 // The sound of an engine that knows no manners. As long as before; in memory, when it is changed.

@@ -7,6 +7,7 @@
 #include "books/book_estimate.h"
 #include "books/book_run.h"
 #include "playback/settings_keys.h"
+#include "speech/voice_manner.h"
 #include "speech/voice_table.h"
 #include "tools/interruption.h"
 #include "tools/say_document.h"
@@ -51,6 +52,7 @@ std::string FillOrder(const BookWish& wish, const Document& document, BookOrder&
     order.kilobits = wish.kilobits;
     order.evensLoudness = wish.evensLoudness;
     order.secondsBetween = wish.secondsBetween;
+    order.rules.manners = MannersOfVoices();
     for (const Voice& voice : KnownVoices())
         order.rules.speeds.push_back(wish.speed ? *wish.speed
                                                 : PlayerTempo(SettingsKeyOf(voice).c_str()).Get());

@@ -116,6 +116,7 @@ BookOrder OrderOf(const BookChoices& choices, int voice) {
     BookOrder order;
     order.voice = voice;
     order.rules = {.byLanguage = choices.byLanguage, .choices = ChosenSpeakingChoices()};
+    order.rules.manners = MannersOfVoices();
     order.type = choices.type;
     order.kilobits = KilobitsOf(choices.type, choices.quality);
     order.evensLoudness = choices.evensLoudness;

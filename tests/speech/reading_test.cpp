@@ -280,6 +280,12 @@ TEST_F(NumbersReading, SavesTheWholeInFewRunsAndConvertsOtherRates) {
         source->WaitForStreamingData(100);
     EXPECT_EQ(source->SampleRate(), 16000);
     EXPECT_EQ(source->GetEndSample(), 9 * kFramesOfNumber);
+
+    SpeechReading soft("The number 2000.", 0, SoundPath(), ReadingUse::kSaving);
+    soft.SpeakBy({.manners = {{.volume = 50}}});
+    soft.Start();
+    ASSERT_EQ(Process(progress_, soft), kProcessDone);
+    EXPECT_EQ(HearNumbers(*soft.OpenSource()), std::vector<int>{1000});
 }
 
 TEST_F(NumbersReading, SaysWhyItEnds) {
