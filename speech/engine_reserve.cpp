@@ -27,7 +27,10 @@ long FreeKilobytes() {
 EngineRun::EngineRun(int voice, std::string workFolder, int speed,
                      std::optional<VoiceManner> manner)
     : folder(std::move(workFolder)),
-      request{.outputPath = folder.c_str(), .voice = voice, .speed = speed, .manner = std::move(manner)},
+      request{.outputPath = folder.c_str(),
+              .voice = voice,
+              .speed = speed,
+              .manner = std::move(manner)},
       run(request) {}
 
 bool EngineReserve::IsOf(int voice, const std::string& folder) const {

@@ -167,7 +167,8 @@ void CheckEachVoice(const std::string& longName) {
     const auto command = [](int index, int speed = 100) {
         const Voice voice = VoiceAt(index);
         const SpeechEngine row = EngineOf(voice);
-        return row.command(row, {voice, "/t x", "/w", SpeedOfEngine(voice, speed), MannerOf(voice)});
+        return row.command(row,
+                           {voice, "/t x", "/w", SpeedOfEngine(voice, speed), MannerOf(voice)});
     };
     EXPECT_EQ(command(12, 300), "espeak-ng -b 1 -v de -f '/t x' -w /w");
     EXPECT_EQ(command(12, 400), "espeak-ng -b 1 -s 700 -v de -f '/t x' -w /w");
