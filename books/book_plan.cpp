@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "books/book_cover.h"
+#include "books/book_sections.h"
 #include "documents/document_outline.h"
 #include "foundation/whole_characters.h"
 
@@ -44,34 +45,22 @@ std::size_t LettersIn(std::string_view text) {
     return letters;
 }
 
-// Where a part that should end at `wanted` ends: behind a paragraph, else a line, else a word.
-std::size_t EndOfPart(std::string_view text, std::size_t begin, std::size_t wanted) {
-    const std::size_t least = begin + (wanted - begin) / 2;
-    for (const std::string_view separator : {"\n\n", "\n", ". ", " "}) {
-        const std::size_t at = text.substr(least, wanted - least).rfind(separator);
-        if (at != std::string_view::npos)
-            return least + at + separator.size();
-    }
-    return begin + WholeCharacters(text.substr(begin), wanted - begin).size();
-}
-
 void CutLongChapters(std::string_view text, std::vector<BookChapter>& chapters) {
     std::vector<BookChapter> cut;
     for (const BookChapter& chapter : chapters) {
-        const std::size_t parts =
-            (chapter.end - chapter.begin + kLongestChapter - 1) / kLongestChapter;
+        const std::vector<std::size_t> ends =
+            EndsOfParts(text, chapter.begin, chapter.end, kLongestChapter);
         std::size_t begin = chapter.begin;
-        for (std::size_t part = 1; part <= parts; ++part) {
-            const std::size_t wanted = begin + (chapter.end - begin) / (parts - part + 1);
-            const std::size_t end = part == parts ? chapter.end : EndOfPart(text, begin, wanted);
+        for (std::size_t part = 0; part < ends.size(); ++part) {
             std::string title = chapter.title;
-            const std::string which = std::to_string(part) + " of " + std::to_string(parts);
-            if (parts > 1 && chapters.size() == 1)
+            const std::string which =
+                std::to_string(part + 1) + " of " + std::to_string(ends.size());
+            if (ends.size() > 1 && chapters.size() == 1)
                 title = "Part " + which;
-            else if (parts > 1)
+            else if (ends.size() > 1)
                 title = CutTo(title, kLongestTitle - 20) + " (" + which + ")";
-            cut.push_back({title, begin, end});
-            begin = end;
+            cut.push_back({title, begin, ends[part]});
+            begin = ends[part];
         }
     }
     chapters = std::move(cut);

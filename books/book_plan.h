@@ -16,8 +16,7 @@ struct BookChapter {
     std::size_t letters = 0;  // each of which takes a voice about as long
 };
 
-// Of a chapter, in bytes, which speak for somewhat more than an hour: its sound stands on the disk
-// before it is encoded.
+// Of a chapter, in bytes, which speak for somewhat more than an hour.
 constexpr std::size_t kLongestChapter = 64'000;
 
 struct BookPlan {

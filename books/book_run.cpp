@@ -12,6 +12,7 @@
 
 #include "books/book_estimate.h"
 #include "books/book_joint.h"
+#include "books/book_sections.h"
 #include "books/book_work.h"
 #include "books/chapter_encoder.h"
 #include "books/chapter_speech.h"
@@ -30,7 +31,7 @@ constexpr double kLeastRate = 16000;  // of voices
 class BookMaker {
 public:
     BookMaker(const BookOrder& order, LProgress& progress)
-        : order_(order), progress_(progress), work_(order) {}
+        : order_(order), progress_(progress), work_(order), sections_(SectionsOf(order)) {}
 
     BookResult Make();
 
@@ -41,41 +42,57 @@ private:
         return false;
     }
     bool IsFolder() const { return order_.target.back() == '/'; }
+    // By the number of a section.
     std::string FinishedPath(std::size_t index) const;
     bool IsFinished(std::size_t index) const {
         return ::access(FinishedPath(index).c_str(), F_OK) == 0;
     }
+    std::size_t FinishedChapters() const;
     std::string SubtitlePath(std::size_t index) const { return work_.Path(index, "lines"); }
-    BookTags TagsOf(std::size_t index) const;
-    bool SpeakChapters(ChapterEncoder& encoder);
-    bool SpeakChapter(std::size_t index, ChapterEncoder& encoder);
+    BookTags TagsOf(std::size_t chapter) const;
+    bool SpeakSections(ChapterEncoder& encoder);
+    bool SpeakSection(std::size_t index, ChapterEncoder& encoder);
     bool KeepTimes(std::size_t index, const ChapterSpeech& speech);
     bool Join();
     std::string WriteWithText(const std::string& path);
     bool JoinInto(const std::string& path, std::vector<ChapterMark>& marks);
     bool AddChapters(const std::string& joined, const std::vector<ChapterMark>& marks,
                      const std::string& path);
-    bool WriteSubtitles(const std::vector<ChapterMark>& marks);
+    bool WriteSubtitles();
     bool WriteFile(const std::string& path, const std::string& content);
 
     const BookOrder& order_;
     LProgress& progress_;
     BookWork work_;
+    std::vector<BookSection> sections_;
+    std::vector<long long> begins_;  // of the sections in the book, milliseconds
     BookResult result_;
 };
 
 std::string BookMaker::FinishedPath(std::size_t index) const {
-    return IsFolder() ? order_.target + ChapterFileName(order_, index) : work_.Path(index, "part");
+    return IsFolder() ? order_.target + ChapterFileName(order_, sections_[index].chapter)
+                      : work_.Path(index, "part");
 }
 
-BookTags BookMaker::TagsOf(std::size_t index) const {
+std::size_t BookMaker::FinishedChapters() const {
+    std::size_t finished = 0;
+    bool isWhole = true;
+    for (std::size_t i = 0; i < sections_.size(); ++i) {
+        isWhole = isWhole && IsFinished(i);
+        finished += isWhole && sections_[i].endsChapter ? 1 : 0;
+        isWhole = isWhole || sections_[i].endsChapter;
+    }
+    return finished;
+}
+
+BookTags BookMaker::TagsOf(std::size_t chapter) const {
     const BookPlan& plan = order_.plan;
     BookTags tags;
-    tags.title = plan.chapters[index].title;
+    tags.title = plan.chapters[chapter].title;
     tags.author = plan.author;
     tags.album = plan.title;
     tags.language = plan.language;
-    tags.track = static_cast<int>(index) + 1;
+    tags.track = static_cast<int>(chapter) + 1;
     tags.tracks = static_cast<int>(plan.chapters.size());
     tags.cover = plan.cover;
     return tags;
@@ -99,7 +116,7 @@ BookResult BookMaker::Make() {
     bool isSpoken = false;
     {
         ChapterEncoder encoder;
-        isSpoken = SpeakChapters(encoder) && encoder.Finish(progress_);
+        isSpoken = SpeakSections(encoder) && encoder.Finish(progress_);
         if (!encoder.Problem().empty())
             Fail(encoder.Problem());
     }
@@ -108,40 +125,43 @@ BookResult BookMaker::Make() {
         work_.Remove();
         return result_;
     }
-    for (std::size_t i = 0; i < order_.plan.chapters.size(); ++i)
-        result_.chaptersKept += IsFinished(i) ? 1 : 0;
+    result_.chaptersKept = FinishedChapters();
     return result_;
 }
 
-bool BookMaker::SpeakChapters(ChapterEncoder& encoder) {
+bool BookMaker::SpeakSections(ChapterEncoder& encoder) {
     const std::size_t count = order_.plan.chapters.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const BookChapter& chapter = order_.plan.chapters[i];
-        const std::string label = "Chapter " + std::to_string(i + 1) + " of " +
-                                  std::to_string(count) + ": " + chapter.title;
+    for (std::size_t i = 0; i < sections_.size(); ++i) {
+        const std::size_t chapter = sections_[i].chapter;
+        const std::string label = "Chapter " + std::to_string(chapter + 1) + " of " +
+                                  std::to_string(count) + ": " +
+                                  order_.plan.chapters[chapter].title;
         progress_.SetFirstLabel(label.c_str());
-        if (!IsFinished(i) && !SpeakChapter(i, encoder))
+        if (!IsFinished(i) && !SpeakSection(i, encoder))
             return false;
-        progress_.SetFraction(static_cast<double>(chapter.end) /
+        progress_.SetFraction(static_cast<double>(sections_[i].end) /
                               static_cast<double>(std::max<std::size_t>(order_.text.size(), 1)));
     }
     return true;
 }
 
-bool BookMaker::SpeakChapter(std::size_t index, ChapterEncoder& encoder) {
-    const BookChapter& chapter = order_.plan.chapters[index];
+bool BookMaker::SpeakSection(std::size_t index, ChapterEncoder& encoder) {
+    const BookSection& section = sections_[index];
+    const BookChapter& chapter = order_.plan.chapters[section.chapter];
     ChapterToEncode job;
     job.speech = work_.Path(index, "wav");
     job.path = FinishedPath(index);
-    job.name = "chapter " + std::to_string(index + 1) + " (" + chapter.title + ")";
+    job.name = "chapter " + std::to_string(section.chapter + 1) + " (" + chapter.title + ")";
     job.type = order_.type;
     job.isPart = !IsFolder();
     job.kilobits = order_.kilobits;
     job.evensLoudness = order_.evensLoudness;
     if (IsFolder())
-        job.tags = TagsOf(index);
+        job.tags = TagsOf(section.chapter);
     const std::string spoken = job.speech;
-    const ChapterSpeech speech = SpeakBookChapter(order_, chapter, spoken, progress_);
+    const ChapterSpeech speech =
+        SpeakBookChapter(order_, {chapter.title, section.begin, section.end},
+                         section.endsChapter ? order_.secondsBetween : 0, spoken, progress_);
     if (!speech.isStopped && !speech.problem.empty())
         Fail(job.name + ": " + speech.problem);
     if (!speech.remark.empty())
@@ -205,7 +225,7 @@ bool BookMaker::Join() {
         return Fail(order_.target + ": titles and chapters cannot be written");
     if (order_.type == SoundType::kWav && marks.size() > 1)
         result_.remarks.emplace_back("WAV files hold no titles and chapters.");
-    if (order_.subtitles && !WriteSubtitles(marks))
+    if (order_.subtitles && !WriteSubtitles())
         return false;
     const std::string problem = file.Commit();
     return problem.empty() || Fail(order_.target + ": " + problem);
@@ -220,10 +240,9 @@ std::string BookMaker::WriteWithText(const std::string& path) {
 }
 
 bool BookMaker::JoinInto(const std::string& path, std::vector<ChapterMark>& marks) {
-    const std::size_t count = order_.plan.chapters.size();
     std::vector<std::string> parts;
-    parts.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
+    parts.reserve(sections_.size());
+    for (std::size_t i = 0; i < sections_.size(); ++i)
         parts.push_back(FinishedPath(i));
     const bool isM4b = order_.type == SoundType::kM4b;
     const std::string joined = isM4b ? work_.Path(0, "aac") : path;
@@ -231,11 +250,15 @@ bool BookMaker::JoinInto(const std::string& path, std::vector<ChapterMark>& mark
     if (!joint.problem.empty())
         return Fail(order_.target + ": " + joint.problem);
     std::int64_t frames = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::int64_t begin = frames;
+    long long chapter = 0;  // when it begins
+    for (std::size_t i = 0; i < sections_.size(); ++i) {
+        begins_.push_back(frames * 1000 / joint.rate);
         frames += joint.frames[i];
-        marks.push_back(
-            {begin * 1000 / joint.rate, frames * 1000 / joint.rate, order_.plan.chapters[i].title});
+        if (!sections_[i].endsChapter)
+            continue;
+        const long long end = frames * 1000 / joint.rate;
+        marks.push_back({chapter, end, order_.plan.chapters[sections_[i].chapter].title});
+        chapter = end;
     }
     return !isM4b || AddChapters(joined, marks, path);
 }
@@ -255,12 +278,12 @@ bool BookMaker::AddChapters(const std::string& joined, const std::vector<Chapter
            Fail(order_.target + ": the program ffmpeg could not put the chapters into it");
 }
 
-bool BookMaker::WriteSubtitles(const std::vector<ChapterMark>& marks) {
+bool BookMaker::WriteSubtitles() {
     std::vector<SubtitleLine> all;
-    for (std::size_t i = 0; i < marks.size(); ++i) {
+    for (std::size_t i = 0; i < sections_.size(); ++i) {
         for (SubtitleLine line : LoadSubtitles(ContentOf(SubtitlePath(i)))) {
-            line.begin += marks[i].begin;
-            line.end += marks[i].begin;
+            line.begin += begins_[i];
+            line.end += begins_[i];
             all.push_back(std::move(line));
         }
     }

@@ -16,6 +16,7 @@
 #include <set>
 
 #include "books/book_order.h"
+#include "books/book_sections.h"
 #include "formats/whole_file.h"
 #include "foundation/files/file_io.h"
 #include "speech/language_voices.h"
@@ -103,8 +104,8 @@ std::string BookWork::KeyOf() const {
     for (const std::string& part :
          {order_.plan.title, order_.plan.author, order_.plan.language, order_.plan.cover})
         add(part);
-    for (const BookChapter& chapter : order_.plan.chapters)
-        add(chapter.title + " " + std::to_string(chapter.begin));
+    for (const BookSection& section : SectionsOf(order_))
+        add(order_.plan.chapters[section.chapter].title + " " + std::to_string(section.begin));
     return g_checksum_get_string(sum.get());
 }
 

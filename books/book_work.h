@@ -17,7 +17,7 @@ public:
     std::string Open();
     void Remove();
 
-    std::string Path(std::size_t index, const char* ending) const;  // of a chapter's file
+    std::string Path(std::size_t index, const char* ending) const;  // of a section's file
 
 private:
     std::string KeyOf() const;

@@ -101,7 +101,7 @@ private:
 
 }  // namespace
 
-ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter,
+ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter, double silence,
                                const std::string& path, LProgress& progress) {
     const std::string_view text =
         std::string_view(order.text).substr(chapter.begin, chapter.end - chapter.begin);
@@ -126,7 +126,7 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
         speech.remark = "It holds nothing that can be said, and is silent.";
     else if (result != kProcessDone)
         speech.problem = SynthesisMessage(runs.Outcome(), VoiceAt(order.voice));
-    if (const int error = taker.Finish(order.secondsBetween); error != 0)
+    if (const int error = taker.Finish(silence); error != 0)
         speech.problem = std::strerror(error);
     speech.lines = std::move(taker.Lines());
     return speech;

@@ -17,7 +17,7 @@ struct ChapterSpeech {
     std::vector<SubtitleLine> lines;  // where the order wants subtitles, by sentence
 };
 
-// One channel of the voice's rate at `path`, the silence behind the chapter included; that alone
+// One channel of the voice's rate at `path`, with so many seconds of silence behind it; that alone
 // when it holds nothing that can be said. The fraction told is that of the whole book.
-ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter,
+ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter, double silence,
                                const std::string& path, LProgress& progress);

@@ -2,6 +2,8 @@
 """Audiobooks: chapters, tags, times and levels, read back by other programs."""
 import array
 import base64
+import contextlib
+import glob
 import json
 import os
 import re
@@ -194,6 +196,28 @@ class BookTest(EngineCase):
         self.assertEqual(max(map(abs, self.heard("book.flac"))), 8000)  # the engine's own tones
         self.check(SAY, "-f", "--audiobook", "--cover=book.epub", "-o", "a.flac", "book.epub", status=1, says="A cover is a PNG")
 
+    def test_a_long_chapter_is_spoken_in_parts_that_nobody_hears(self):
+        self.tell_engine("text2wave slow 0.1")
+        story = "\n\n".join(f"Paragraph {number} of words." for number in range(600))
+        self.save("story.txt", story.encode())
+        self.check(SAY, "-f", "--one-voice", "-o", "plain.wav", "story.txt")
+        plain = self.heard("plain.wav")
+        command = ("--audiobook", "--one-voice", "--own-level", "--silence=0", "--subtitles=srt", "-o", "book.flac", "story.txt")
+        run, most = self.start(SAY, *command), 0
+        while run.poll() is None:
+            waiting = glob.glob(self.path(".book.flac.lectora-book/*.wav"))
+            with contextlib.suppress(FileNotFoundError):
+                most = max(most, sum(map(os.path.getsize, waiting)))
+        self.assertEqual(run.returncode, 0)
+        self.assertTrue(0 < most < len(plain))  # half of its bytes
+        self.assertEqual(self.heard("book.flac"), plain)
+        self.assertEqual(len(self.probed("book.flac").get("chapters", [])), 0)
+        rows = re.findall(r"(\d+):(\d+):(\d+),(\d+) -->", self.load("book.srt").decode())
+        begins = [int(h) * 3600 + int(m) * 60 + int(s) + int(ms) / 1000 for h, m, s, ms in rows]
+        self.assertEqual((begins, len(begins)), (sorted(begins), 600))
+        for begin in begins:
+            self.assertGreater(max(plain[round(begin * 16000) :][:800]), 3000)
+
     def test_what_was_finished_under_another_pronunciation_list_is_not_used(self):
         self.tell_engine("text2wave slow 1")
         self.book("book.epub", TITLES, TEXTS)
@@ -246,7 +270,7 @@ class BookTest(EngineCase):
             self.check(*command, status=1, says="the MP3 encoder component failed")
             self.assertNotIn("book.mp3", self.files())
         self.book("long.epub", TITLES, [TEXTS[0], TEXTS[1] * 100, TEXTS[2]])
-        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000000, 5000000))
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (2000000, 2000000))
         flac = (SAY, "--audiobook", "-o", "long.flac", "long.epub")
         told = self.check(*flac, status=1, says="chapter 2 (", preexec_fn=limit)
         self.assertNotIn("long.flac", self.files())
