@@ -79,8 +79,9 @@ void ReadRequests::CmReadSelectionOrPause() {
             commands.Run(commands.CanAct(kPlayOrPause) ? kPlayOrPause : kStopReading);
             return;
         }
-        parts_.text.TakeFromProgram(text);
-        parts_.read.CmRead();
+        // The reading ended while the other programs were asked: there is nothing to pause.
+        if (!text.empty() && parts_.sources.Take(text))
+            parts_.read.CmRead();
     });
 }
 
@@ -140,7 +141,10 @@ void ReadRequests::ReadFor(SelectionWatch::From from, const VerbReplyRef& reply)
             reply->NotDone(note);
             return;
         }
-        parts_.text.TakeFromProgram(text);
+        if (!parts_.sources.Take(text, TextSources::FileFrom::kElsewhere)) {
+            reply->NotDone("Lectora could not read " + text);
+            return;
+        }
         parts_.read.CmRead();
         if (parts_.narrator.IsReading())
             reply->Done();

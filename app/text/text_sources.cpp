@@ -66,14 +66,17 @@ void TextSources::Fetch(std::function<void(const std::string& text)> then,
 
 void TextSources::UpdateThen(std::function<void()> then) {
     Fetch([this, then = std::move(then)](const std::string& text) {
-        if (IsWebAddress(text)) {
-            if (!LoadFile(std::string(Trimmed(text))))
-                return;
-        } else if (!text.empty()) {
-            text_.TakeFromProgram(text);
-        }
-        then();
+        if (Take(text))
+            then();
     });
+}
+
+bool TextSources::Take(const std::string& text, FileFrom from) {
+    if (IsWebAddress(text))
+        return LoadFile(std::string(Trimmed(text)), from);
+    if (!text.empty())
+        text_.TakeFromProgram(text);
+    return true;
 }
 
 void TextSources::CmCopyFromClipboard() {

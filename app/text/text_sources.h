@@ -50,7 +50,11 @@ public:
     // changed meanwhile. One at a time.
     void Fetch(std::function<void(const std::string& text)> then,
                SelectionWatch::From from = SelectionWatch::From::kNewest);
-    // The same with the text in the window. Where nothing is selected or copied, that is the text
+    // What was fetched comes into the window; of a web address alone, its page. False: that is
+    // unreadable, which is told, or cancelled; the text stays, as it does where nothing was
+    // fetched.
+    bool Take(const std::string& text, FileFrom from = FileFrom::kUser);
+    // Fetches and takes. Where nothing is selected or copied, that is the text
     // that was there.
     void UpdateThen(std::function<void()> then);
     void DropFetch() { selection_.DropFetch(); }

@@ -1,5 +1,6 @@
 """System-wide hotkeys: what is selected in another program is read and saved by one key."""
 import os
+import signal
 import subprocess
 import unittest
 
@@ -47,6 +48,17 @@ class HotKeysTest(DesktopCase):
         self.select("new words")
         desktop.press_keys("ctrl+shift+r")
         self.await_status("reading", "new words")
+        # The reading ends while a program is asked that has nothing in the end: the text stays.
+        owner = self.select("")
+        owner.send_signal(signal.SIGSTOP)
+        desktop.press_keys("ctrl+shift+r", "ctrl+shift+r")
+        desktop.wait_until(lambda: "still being asked" in lectora.status(), "the wait")
+        desktop.press_keys("Escape")
+        self.await_status("stopped")
+        owner.send_signal(signal.SIGCONT)
+        self.selection("primary")  # it answers one after the other
+        lectora.settle()
+        self.assertEqual(lectora.text(), "new words")
 
     def test_under_wayland_the_desktop_gives_the_keys_where_it_can(self):
         self.give_keys((CONTROL_ALT | ord("R"), READ), (CONTROL_SHIFT | 0xFFC2, STOP))

@@ -1,5 +1,6 @@
 """Pages from the web: the article, all of it, and addresses given, pasted and dropped."""
 import http.server
+import os
 import subprocess
 import threading
 import unittest
@@ -45,6 +46,11 @@ class WebPagesTest(DesktopCase):
         desktop.wait_until(lambda: lectora.text().startswith("Menu entry"), "the whole page")
         desktop.press_keys("ctrl+shift+w")
         desktop.wait_until(lambda: "Nothing around the text is left out" in lectora.status(), "the reason")
+        # Selected in another program.
+        self.select(self.address("/page"))
+        for verb in ("--read-selection", "--stop"):
+            subprocess.run([os.path.join(desktop.BUILD, "bin/lectora"), verb], check=True, timeout=desktop.PATIENCE)
+        self.assertEqual(lectora.text(), ARTICLE)
         # Pasted alone; a page that does not come can be cancelled, and the text stays.
         for path in ("/other", "/slow"):
             subprocess.run(["xclip", "-selection", "clipboard"], input=self.address(path).encode(), check=True)
