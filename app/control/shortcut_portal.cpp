@@ -57,8 +57,14 @@ ShortcutPortal::~ShortcutPortal() {
 }
 
 void ShortcutPortal::LookFor() {
-    if (HasSessionBus())
+    isLooking_ = HasSessionBus();
+    if (isLooking_)
         g_bus_get(G_BUS_TYPE_SESSION, cancellable_, GCConnected, this);
+}
+
+void ShortcutPortal::EndLooking() {
+    isLooking_ = false;
+    listener_.looked();
 }
 
 // Of a request that was cancelled the object has gone, here and below.
@@ -66,12 +72,16 @@ void ShortcutPortal::GCConnected(GObject*, GAsyncResult* result, gpointer self) 
     GError* error = nullptr;
     GDBusConnection* connection = g_bus_get_finish(result, &error);
     const ErrorRef owner(error);
+    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE)
+        return;
+    const GdkLock lock;
     if (connection != nullptr)
         static_cast<ShortcutPortal*>(self)->EvConnected(connection);
+    else
+        static_cast<ShortcutPortal*>(self)->EndLooking();
 }
 
 void ShortcutPortal::EvConnected(GDBusConnection* connection) {
-    const GdkLock lock;
     connection_ = connection;
     g_dbus_connection_set_exit_on_close(connection_, FALSE);
     g_dbus_connection_call(connection_, kPortalName, kPortalPath, kProperties, "Get",
@@ -85,14 +95,17 @@ void ShortcutPortal::GCVersion(GObject* source, GAsyncResult* result, gpointer u
     const VariantRef answer(
         g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error));
     const ErrorRef owner(error);
-    if (!answer)
+    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) != FALSE)
         return;
     const GdkLock lock;
     auto* self = static_cast<ShortcutPortal*>(user);
-    self->Subscribe(kRequestInterface, "Response");
-    self->Subscribe(kShortcutsInterface, "Activated");
-    PortalGivesKeys() = true;
-    self->listener_.offered();
+    if (answer) {
+        self->Subscribe(kRequestInterface, "Response");
+        self->Subscribe(kShortcutsInterface, "Activated");
+        self->isThere_ = PortalGivesKeys() = true;
+        self->listener_.offered();
+    }
+    self->EndLooking();
 }
 
 void ShortcutPortal::Subscribe(const char* interface, const char* signal) {
@@ -102,18 +115,26 @@ void ShortcutPortal::Subscribe(const char* interface, const char* signal) {
 }
 
 void ShortcutPortal::Bind(std::vector<Shortcut> shortcuts) {
-    if (connection_ == nullptr || !PortalGivesKeys())
+    if (!isThere_)
         return;
-    CloseSession();
+    PortalGivesKeys() = true;
+    GiveUp();
     shortcuts_ = std::move(shortcuts);
-    asked_ = Asked::kNothing;  // what was asked before is not awaited any more
-    if (!shortcuts_.empty())
+    if (!shortcuts_.empty() && asked_ == Asked::kNothing)
         CreateSession();
 }
 
 void ShortcutPortal::DoWithout() {
-    CloseSession();
+    GiveUp();
     PortalGivesKeys() = false;
+}
+
+// A session that is on its way takes what is wanted once it is here, or is closed then.
+void ShortcutPortal::GiveUp() {
+    CloseSession();
+    shortcuts_.clear();
+    if (asked_ == Asked::kShortcuts)
+        asked_ = Asked::kNothing;
 }
 
 // A session takes shortcuts once.
@@ -208,7 +229,9 @@ void ShortcutPortal::EvResponse(GVariant* arguments) {
             listener_.refused();
     } else if (asked == Asked::kShortcuts) {
         listener_.bound();
-    } else if (session_ = TextIn(results.get(), "session_handle"); !session_.empty()) {
+    } else if (session_ = TextIn(results.get(), "session_handle"); shortcuts_.empty()) {
+        CloseSession();
+    } else if (!session_.empty()) {
         BindShortcuts();
     }
 }

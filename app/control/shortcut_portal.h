@@ -24,6 +24,7 @@ public:
     };
     struct Listener {
         std::function<void()> offered;  // there is such a portal: Bind may be called
+        std::function<void()> looked;   // LookFor has ended, whatever it found
         std::function<void()> bound;    // the user has agreed
         std::function<void()> refused;  // or has not
         std::function<void(const std::string& id)> activated;
@@ -34,7 +35,8 @@ public:
     ShortcutPortal& operator=(const ShortcutPortal&) = delete;
 
     void LookFor();  // once
-    // In place of those before; none gives them up.
+    bool IsLooking() const { return isLooking_; }
+    // In place of those before, also of refused ones; none gives them up.
     void Bind(std::vector<Shortcut> shortcuts);
     void DoWithout();  // as if the user had refused
 
@@ -53,10 +55,12 @@ private:
                          gpointer self);
     void EvConnected(GDBusConnection* connection);
     void EvResponse(GVariant* arguments);
+    void EndLooking();
     void Subscribe(const char* interface, const char* signal);
     void Call(const char* method, Asked asked, GVariant* arguments);
     void CreateSession();
     void BindShortcuts();
+    void GiveUp();
     void CloseSession();
     const std::string& NextToken();
     std::string RequestPath() const;
@@ -67,6 +71,8 @@ private:
     std::vector<guint> subscriptions_;
     std::vector<Shortcut> shortcuts_;
     Asked asked_ = Asked::kNothing;
+    bool isLooking_ = false;
+    bool isThere_ = false;
     std::string session_;  // its path; empty: none
     std::string token_;    // of the request that is answered next
     int tokens_ = 0;

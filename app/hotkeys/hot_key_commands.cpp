@@ -55,6 +55,11 @@ HotKeyCommands::HotKeyCommands(LWindow& window, const CommandTurn& turn)
       turn_(turn),
       keys_([this](int storedCommand) { EvHotKey(storedCommand); }),
       desktop_({.offered = [this] { AskDesktop(); },
+                .looked =
+                    [this] {
+                        if (isOfferWanted_)
+                            OfferSoon();
+                    },
                 .bound =
                     [this] {
                         areGiven_ = true;
@@ -94,7 +99,9 @@ void HotKeyCommands::EvShortcut(const std::string& id) {
 }
 
 void HotKeyCommands::OfferSoon() {
-    offer_.AskSoon(window_, [this] { Start(); });
+    isOfferWanted_ = desktop_.IsLooking();
+    if (!isOfferWanted_)
+        offer_.AskSoon(window_, [this] { Start(); });
 }
 
 void HotKeyCommands::EvHotKey(int storedCommand) {

@@ -23,7 +23,9 @@ public:
     void Begin();  // once, with a display
     void Start();  // as they are stored now
     void Stop() { keys_.Stop(); }
-    void OfferSoon();  // HotKeyOffer::AskSoon
+    // HotKeyOffer::AskSoon, once it is known whether the desktop gives keys: what it says depends
+    // on that, and it is said once.
+    void OfferSoon();
 
 private:
     void AskDesktop();
@@ -37,5 +39,6 @@ private:
     std::vector<ShortcutPortal::Shortcut> asked_;  // of the desktop
     bool areGiven_ = false;                        // by it
     LGuiTimer pressTimer_;
+    bool isOfferWanted_ = false;
     HotKeyOffer offer_;
 };

@@ -96,6 +96,29 @@ class HotKeysTest(DesktopCase):
         lectora.press("page tab", "HotKeys")
         lectora.find("push button", "Copy Commands")
         self.assertEqual(portal.refusals, 1, "he is not asked again")
+        # But for other keys.
+        portal.agrees = True
+        lectora.press("push button", "Remove...")
+        lectora.press("push button", "Yes")
+        lectora.press("push button", "OK")
+        desktop.wait_until(
+            lambda: list(portal.sessions.values()) == [[("4", "Stop reading", "CTRL+SHIFT+F5")]], "the other key"
+        )
+
+    def test_the_first_start_under_wayland_waits_for_what_the_desktop_can_do(self):
+        portal = ShortcutPortal(os.environ["DBUS_SESSION_BUS_ADDRESS"])
+        self.addCleanup(portal.end)
+        portal.may_be_found.clear()
+        lectora = self.start(asks=True, XDG_SESSION_TYPE="wayland")
+        lectora.focus()
+        lectora.settle()
+        portal.may_be_found.set()
+        lectora.wait_for_box("use Lectora from every program")
+        lectora.press("push button", "Yes")
+        keys = ["CTRL+ALT+r", "CTRL+ALT+s", "CTRL+ALT+u"]
+        desktop.wait_until(
+            lambda: [sorted(key for *_, key in given or ()) for given in portal.sessions.values()] == [keys], "the keys"
+        )
 
     def test_keys_control_a_reading_over_another_programs_window(self):
         keys = {PAUSE: "p", STOP: "x", BACK: "b", AHEAD: "a", FASTER: "f", SLOWER: "s"}

@@ -29,6 +29,8 @@ class ShortcutPortal:
         self.callers = {}
         self.refusals = 0
         self.ready = threading.Event()
+        self.may_be_found = threading.Event()
+        self.may_be_found.set()
         self.context = GLib.MainContext.new()
         self.loop = GLib.MainLoop.new(self.context, False)
         self.thread = threading.Thread(target=self._run, args=(address,))
@@ -51,13 +53,17 @@ class ShortcutPortal:
         flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
         self.bus = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
         self.shortcuts, self.session = Gio.DBusNodeInfo.new_for_xml(INTERFACES).interfaces
-        self.bus.register_object(PATH, self.shortcuts, self._called, lambda *_: GLib.Variant("u", 1), None)
+        self.bus.register_object(PATH, self.shortcuts, self._called, self._version, None)
         name = GLib.Variant("(su)", ("org.freedesktop.portal.Desktop", 0))
         self.bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
                            name, None, 0, -1, None)
         self.ready.set()
         self.loop.run()
         self.bus.close_sync(None)
+
+    def _version(self, *_):
+        self.may_be_found.wait()
+        return GLib.Variant("u", 1)
 
     def _called(self, _bus, sender, path, _interface, method, arguments, call):
         if method == "Close":
