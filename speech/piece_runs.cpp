@@ -167,7 +167,12 @@ void PieceRuns::Take(LProcessResult waited) {
     run->engine->run.Finish(waited);
     switch (run->engine->request.outcome) {
         case SynthesisOutcome::kSpoken:
-            TakeSound(*run);
+            run->piece.times = TimesIn(*run->engine, run->piece, text_);
+            if (use_ == ReadingUse::kSavingSentences && run->piece.times.unitFrames.empty() &&
+                run->piece.HoldsSentences())
+                TryBySentence(std::move(run));
+            else
+                TakeSound(*run);
             return;
         case SynthesisOutcome::kTimedOut:
         case SynthesisOutcome::kNoSound:
@@ -194,7 +199,6 @@ void PieceRuns::TakeSound(Run& run) {
     const LSoundSource atSpeed =
         EngineSpeed(run.piece.voice) == speed ? spoken : AtTempo(spoken, speed);
     const LSoundSource sound = WithPause(atSpeed, run.piece.pauseMilliseconds * 100 / speed);
-    run.piece.times = TimesIn(*run.engine, run.piece, text_);
     run.piece.times.Stretch(spoken->GetEndSample(), atSpeed->GetEndSample());
     if (!hasSpoken_)
         channels_ = sound->Channels();
@@ -213,6 +217,21 @@ void PieceRuns::TakeSound(Run& run) {
     spokenTo_ = run.piece.SourceEnd();
     if (reserve_)
         reserve_->Keep(run.piece.voice, folder_);
+}
+
+// Without times it is only known when a sentence is heard that is spoken alone.
+void PieceRuns::TryBySentence(std::unique_ptr<Run> untold) {
+    pieces_->ToldNoTimes(untold->piece.voice);
+    std::vector<std::unique_ptr<Run>> runs;
+    for (SpeechPiece rest = std::move(untold->piece); !rest.units.empty();) {
+        auto run = std::make_unique<Run>();
+        SpeechPiece others = rest.TakeOtherSentences();
+        run->piece = std::move(rest);
+        rest = std::move(others);
+        runs.push_back(std::move(run));
+    }
+    runs_.insert(runs_.begin(), std::make_move_iterator(runs.begin()),
+                 std::make_move_iterator(runs.end()));
 }
 
 void PieceRuns::TryInHalves(std::unique_ptr<Run> failed) {

@@ -76,6 +76,7 @@ private:
     void StartRun(Run& run);
     void TakeSound(Run& run);
     void TryInHalves(std::unique_ptr<Run> failed);
+    void TryBySentence(std::unique_ptr<Run> untold);
     void LeaveOut(const SpeechPiece& piece, SynthesisOutcome why);
     void End(SynthesisOutcome outcome);
 

@@ -72,13 +72,31 @@ std::string SpeechPiece::Text() const {
     return text;
 }
 
+bool SpeechPiece::HoldsSentences() const {
+    return std::any_of(std::next(units.begin()), units.end(),
+                       [](const TextUnit& unit) { return unit.beginsSentence; });
+}
+
 SpeechPiece SpeechPiece::TakeSecondHalf() {
     const std::size_t whole = Size();
     std::size_t size = units.front().text.size();
     auto middle = std::next(units.begin());
     while (std::next(middle) != units.end() && size < whole / 2)
         size += (middle++)->text.size();
+    const auto sentence =
+        std::find_if(middle, units.end(), [](const TextUnit& unit) { return unit.beginsSentence; });
+    return TakeFrom(sentence != units.end() ? sentence : middle);
+}
+
+SpeechPiece SpeechPiece::TakeOtherSentences() {
+    return TakeFrom(std::find_if(std::next(units.begin()), units.end(),
+                                 [](const TextUnit& unit) { return unit.beginsSentence; }));
+}
+
+SpeechPiece SpeechPiece::TakeFrom(std::vector<TextUnit>::iterator middle) {
     SpeechPiece second;
+    if (middle == units.end())
+        return second;
     second.voice = voice;
     second.pauseMilliseconds = std::exchange(pauseMilliseconds, 0);
     second.units.assign(std::make_move_iterator(middle), std::make_move_iterator(units.end()));
@@ -116,9 +134,7 @@ SpeechPieces::SpeechPieces(std::string_view text, int voice, ReadingUse use, Spe
       pauses_(PausesAt(rules_.headings, text)),
       stretches_(text, voice, rules_.byLanguage, rules_.marks),
       use_(use),
-      enough_(use == ReadingUse::kListening ? kEnoughToListen
-              : use == ReadingUse::kSaving  ? kFirstToSave
-                                            : 1),
+      enough_(use == ReadingUse::kListening ? kEnoughToListen : kFirstToSave),
       most_(use == ReadingUse::kSaving ? kFirstToSave : kMostToListen) {}
 
 bool SpeechPieces::Next(SpeechPiece& piece) {
@@ -127,20 +143,33 @@ bool SpeechPieces::Next(SpeechPiece& piece) {
     std::size_t size = 0;
     while (true) {
         const bool isAhead = ahead_ || NextUnit();
-        const bool isEnough = size >= enough_ && (use_ == ReadingUse::kSaving || size >= most_ ||
-                                                  (isAhead && ahead_->beginsSentence));
         const bool isOthers = !piece.units.empty() && isAhead && aheadVoice_ != piece.voice;
         const bool isPause =
             !piece.units.empty() && isAhead && BeginsBehindPause(piece.SourceBegin());
         if (isPause)
             piece.pauseMilliseconds = kHeadingPauseMs;
-        if (!isAhead || isEnough || isOthers || isPause)
+        if (!isAhead || IsEnough(size, isAhead) || isOthers || isPause)
             return !piece.units.empty();
         size += ahead_->text.size();
         piece.voice = aheadVoice_;
         piece.units.push_back(std::move(*ahead_));
         ahead_.reset();
     }
+}
+
+bool SpeechPieces::IsEnough(std::size_t size, bool isAhead) const {
+    const bool isWhole = isAhead && ahead_->beginsSentence;
+    switch (use_) {
+        case ReadingUse::kListening:
+            return size >= enough_ && (isWhole || size >= most_);
+        case ReadingUse::kSaving:
+            return size >= enough_;
+        case ReadingUse::kSavingSentences:
+            break;
+    }
+    const bool isTold = tellsTimes_ && !untold_.contains(aheadVoice_);
+    return isTold ? size >= enough_ && (isWhole || size >= enough_ + kMostToListen)
+                  : size > 0 && (isWhole || size >= most_);
 }
 
 bool SpeechPieces::BeginsBehindPause(std::size_t pieceBegin) const {
@@ -163,6 +192,7 @@ bool SpeechPieces::NextUnit() {
         const std::string_view text = text_.substr(stretch_.begin, stretch_.end - stretch_.begin);
         stretch_.voice = rules_.instead.Of(stretch_.voice);
         const Voice voice = VoiceAt(stretch_.voice);
+        tellsTimes_ = EngineOf(voice).timesOption != nullptr;
         units_.emplace(text, voice.charset, voice.language, SaidBy(voice, text, rules_),
                        SpokenForms(text, voice.language, SaidByEngineOf(voice), rules_.choices));
     }
@@ -174,7 +204,7 @@ bool SpeechPieces::NextUnit() {
 }
 
 void SpeechPieces::RunTook(double seconds) {
-    if (use_ != ReadingUse::kSaving)
+    if (use_ == ReadingUse::kListening)
         return;
     if (seconds < kQuickSeconds)
         enough_ = std::min(enough_ * 2, kMostToSave);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,8 @@
 class Pronunciations;
 
 // What a reading is for decides how its pieces are cut: the first sentence at once, the whole at
-// the least cost, or each sentence alone, so that it is known when it is heard.
+// the least cost, or so that it is known when each sentence is heard: alone, unless the engine
+// tells its times.
 enum class ReadingUse { kListening, kSaving, kSavingSentences };
 
 // How a text is spoken, beside the voice.
@@ -66,8 +68,15 @@ struct SpeechPiece {
     // The stretch of the user's text.
     std::size_t SourceBegin() const { return units.front().sourceBegin; }
     std::size_t SourceEnd() const { return units.back().sourceEnd; }
-    // Leaves about the first half here and gives the rest; there must be more than one unit.
+    bool HoldsSentences() const;  // more than one
+    // Leaves about the first half here and gives the rest, from a sentence on where one begins
+    // there; there must be more than one unit.
     SpeechPiece TakeSecondHalf();
+    // Leaves the first sentence here and gives the rest; without units when there is no more.
+    SpeechPiece TakeOtherSentences();
+
+private:
+    SpeechPiece TakeFrom(std::vector<TextUnit>::iterator middle);
 };
 
 // Each in one voice. Pieces end only where a unit ends, so that their sound joined is what one run
@@ -81,12 +90,15 @@ public:
     bool Next(SpeechPiece& piece);  // false at the end
     // A run over a piece took so long: the next ones are cut by that when saving.
     void RunTook(double seconds);
+    // The voice's engine is said to tell its times, but did not.
+    void ToldNoTimes(int voice) { untold_.insert(voice); }
     void LimitTo(std::size_t size);  // bytes of prepared text; never less than a unit
     // What the user is to be told of the text that was read so far; empty for nothing.
     std::string Message() const;
 
 private:
     bool NextUnit();
+    bool IsEnough(std::size_t size, bool isAhead) const;
     bool BeginsBehindPause(std::size_t pieceBegin) const;
 
     std::string_view text_;
@@ -102,4 +114,6 @@ private:
     std::size_t most_;    // and here also within a sentence
     std::optional<TextUnit> ahead_;
     int aheadVoice_ = 0;
+    bool tellsTimes_ = false;  // the engine of that voice
+    std::set<int> untold_;
 };
