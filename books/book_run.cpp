@@ -282,8 +282,7 @@ bool BookMaker::WriteSubtitles() {
     std::vector<SubtitleLine> all;
     for (std::size_t i = 0; i < sections_.size(); ++i) {
         for (SubtitleLine line : LoadSubtitles(ContentOf(SubtitlePath(i)))) {
-            line.begin += begins_[i];
-            line.end += begins_[i];
+            Delay(line, begins_[i]);
             all.push_back(std::move(line));
         }
     }

@@ -13,19 +13,6 @@ namespace {
 
 constexpr int kRateOfSilence = 22050;  // of a book without a word
 
-std::string InOneLine(std::string_view text) {
-    std::string line;
-    for (const char character : text) {
-        if (static_cast<unsigned char>(character) > ' ')
-            line += character;
-        else if (!line.empty() && line.back() != ' ')
-            line += ' ';
-    }
-    while (!line.empty() && line.back() == ' ')
-        line.pop_back();
-    return line;
-}
-
 class ChapterTaker final : public SpokenPieceTaker {
 public:
     ChapterTaker(const BookOrder& order, std::string_view text, std::string path)
@@ -39,10 +26,9 @@ public:
         LPRSourceToSink request{"", sound, sink_};
         if (Process(unseen, request) != kProcessDone)
             return SynthesisOutcome::kCannotWrite;
-        lines_.push_back({MillisecondsAt(first), MillisecondsAt(sink_->FramesWritten()),
-                          piece.SourceBegin(), piece.SourceEnd(),
-                          InOneLine(text_.substr(piece.SourceBegin(),
-                                                 piece.SourceEnd() - piece.SourceBegin()))});
+        SpokenTimes times = piece.times;
+        times.Stretch(sound->SampleRate(), sink_->SampleRate());
+        AddLines(piece, times, first);
         return SynthesisOutcome::kSpoken;
     }
 
@@ -63,6 +49,27 @@ private:
     void Open(int rate) {
         isOpen_ = true;
         sink_ = LWaveFile::OpenSinkPCM(path_.c_str(), rate, 1, 16, 0);
+    }
+    // A line a sentence; without times the piece is one.
+    void AddLines(const SpeechPiece& piece, const SpokenTimes& times, int first) {
+        const std::vector<TextUnit>& units = piece.units;
+        auto word = times.words.begin();
+        for (std::size_t unit = 0, next = 0; unit < units.size(); unit = next) {
+            next = unit + 1;
+            while (next < units.size() && (times.unitFrames.empty() || !units[next].beginsSentence))
+                ++next;
+            const std::size_t end = units[next - 1].sourceEnd;
+            std::vector<SubtitleWord> words;
+            for (; word != times.words.end() && word->sourceBegin < end; ++word)
+                words.push_back({MillisecondsAt(first + word->firstFrame), word->sourceBegin});
+            SubtitleLine line =
+                SubtitleLineOf(text_, units[unit].sourceBegin, end, std::move(words));
+            line.begin =
+                MillisecondsAt(first + (times.unitFrames.empty() ? 0 : times.unitFrames[unit]));
+            line.end = next < units.size() ? MillisecondsAt(first + times.unitFrames[next])
+                                           : MillisecondsAt(sink_->FramesWritten());
+            lines_.push_back(std::move(line));
+        }
     }
     long long MillisecondsAt(int frame) const { return frame * 1000LL / sink_->SampleRate(); }
 

@@ -13,13 +13,25 @@ inline constexpr SubtitleForm kSubtitleForms[] = {SubtitleForm::kSrt, SubtitleFo
 const char* EndingOf(SubtitleForm form);  // "srt"
 std::optional<SubtitleForm> SubtitleFormFromName(std::string_view name);
 
+// Where the engine tells it.
+struct SubtitleWord {
+    long long begin = 0;  // milliseconds
+    std::size_t at = 0;   // in the line
+};
+
 struct SubtitleLine {
     long long begin = 0;  // milliseconds
     long long end = 0;
     std::size_t sourceBegin = 0;  // bytes of the text that it is of
     std::size_t sourceEnd = 0;
-    std::string text;  // one line
+    std::string text;                      // one line
+    std::vector<SubtitleWord> words = {};  // some or all, in order
 };
+
+// Of a stretch of text, whose begin, end and words' places are bytes of it.
+SubtitleLine SubtitleLineOf(std::string_view text, std::size_t begin, std::size_t end,
+                            std::vector<SubtitleWord> words);
+void Delay(SubtitleLine& line, long long milliseconds);
 
 std::string SubtitleText(SubtitleForm form, const std::vector<SubtitleLine>& lines);
 

@@ -139,10 +139,20 @@ class BookTest(EngineCase):
         self.check(*command, "-f")
 
     def test_subtitles_stand_where_their_sentences_are_heard(self):
-        self.book("book.epub", ["Aaaaaaaaaa", "Bbbbbbbbbbb"], ["Four tones are here. "] * 2)
-        for form, mark in (("srt", " --> "), ("vtt", "WEBVTT"), ("lrc", "[00:0")):
+        self.book("book.epub", ["Aaaaaaaaaa", "Bbbbbbbbbbb"], ["Four tones are here. So are two. "] * 2)
+        # Tones are 50 ms a letter; this is the second chapter's, behind its heading and a pause.
+        words = {"vtt": "\nFour <00:00:04.750>tones <00:00:05.000>are <00:00:05.150>here.\n",
+                 "lrc": "[00:04.55]Four <00:04.75>tones <00:05.00>are <00:05.15>here.\n",
+                 "srt": "\nFour tones are here.\n"}  # fmt: skip
+        for form, mark in words.items():
             self.check(SAY, "-f", "--audiobook", f"--subtitles={form}", "-o", "book.flac", "book.epub")
             self.assertIn(mark, self.load("book." + form).decode())
+        # Sentences whose words the engine does not tell are spoken one by one, at the same times.
+        told, runs = self.load("book.srt"), len(self.said()) // 3
+        self.tell_engine("text2wave untold tones")
+        self.check(SAY, "-f", "--audiobook", "--subtitles=srt", "-o", "book.flac", "book.epub")
+        self.assertEqual(self.load("book.srt"), told)
+        self.assertEqual((runs, len(self.said()) - 3 * runs), (4, 4 + 2 * 2))
         samples = self.heard("book.flac")
         rows = re.findall(r"(\d+):(\d+):(\d+),(\d+) --> .*\n(.*)", self.load("book.srt").decode())
         self.assertIn("Four tones are here.", rows[1][4] + rows[0][4])
