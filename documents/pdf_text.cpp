@@ -17,13 +17,13 @@ constexpr const char* kLayoutCommand = "pdftotext -q -bbox-layout -enc UTF-8 - -
 constexpr const char* kTextCommand = "pdftotext -q -enc UTF-8 -eol unix - -";
 constexpr std::size_t kMostLayout = 4 * kLargestDocumentText;  // lines with their places
 
-Document WithoutText(std::string_view bytes, const ReadingWatch& watch,
+Document WithoutText(std::string_view bytes, std::size_t pages, const ReadingWatch& watch,
                      const DocumentRules& rules) {
     if (bytes.find("/Encrypt") != std::string_view::npos)
         return DocumentProblem("The PDF document is protected by a password.");
     if (bytes.find("%%EOF") == std::string_view::npos)
         return DocumentProblem("The PDF document is damaged or not complete.");
-    return ReadScannedPdf(bytes, watch, rules);
+    return ReadScannedPdf(bytes, pages, watch, rules);
 }
 
 bool HoldsText(const std::vector<PdfPage>& pages) {
@@ -61,7 +61,7 @@ Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const Docume
         pages = PdfPagesOfText(DecodeText(text));
     }
     if (!HoldsText(pages))
-        return WithoutText(bytes, watch, rules);
+        return WithoutText(bytes, pages.size(), watch, rules);
     const std::size_t read = pages.size();
     if (!rules.pageHeads)
         DropPageHeads(pages);

@@ -1,6 +1,5 @@
 #include "documents/recognised_text.h"
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -17,8 +16,6 @@ namespace {
 constexpr std::size_t kLargestPicture = 64U << 20;  // of a page
 constexpr std::size_t kMostScans = 2000;
 constexpr int kMostLanguages = 6;  // each takes time of its own
-// A page, of which the program's own bound is half in processor time: others want the computer too.
-constexpr std::chrono::seconds kPagePatience{120};
 
 // "deu+eng": what is installed, scripts and the detector of the page's direction aside.
 std::string InstalledLanguages(const ReadingWatch& watch) {
@@ -117,6 +114,16 @@ std::string PageCommand(std::size_t page) {
     return "pdftoppm -gray -scale-to 3500 -f " + number + " -l " + number + " - ";
 }
 
+ProgramOutcome DrawPage(std::string_view bytes, std::size_t page, const ReadingWatch& watch,
+                        std::string& picture) {
+    const ProgramOutcome outcome =
+        RunProgram(PageCommand(page), bytes, watch, [&picture](std::string_view part) {
+            picture += part;
+            return picture.size() <= kLargestPicture;
+        });
+    return outcome == ProgramOutcome::kDone && picture.empty() ? ProgramOutcome::kFailed : outcome;
+}
+
 }  // namespace
 
 Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
@@ -134,8 +141,8 @@ Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
     return recogniser.Take();
 }
 
-Document ReadScannedPdf(std::string_view bytes, const ReadingWatch& watch,
-                        const DocumentRules& rules) {
+Document ReadScannedPdf(std::string_view bytes, std::size_t pages, const ReadingWatch& watch,
+                        const DocumentRules& rules, std::chrono::seconds patience) {
     if (!IsProgramInstalled("tesseract"))
         return DocumentProblem(std::string("The PDF document holds only pictures of its pages. ") +
                                kNotInstalled);
@@ -145,20 +152,16 @@ Document ReadScannedPdf(std::string_view bytes, const ReadingWatch& watch,
     std::string missing;
     std::size_t page = 1;
     for (; page <= kMostScans; ++page) {
-        const ReadingWatch pageWatch = watch.Anew(kPagePatience);
+        const ReadingWatch pageWatch = watch.Anew(patience);
         std::string picture;
-        ProgramOutcome outcome =
-            RunProgram(PageCommand(page), bytes, pageWatch, [&picture](std::string_view part) {
-                picture += part;
-                return picture.size() <= kLargestPicture;
-            });
-        if (outcome == ProgramOutcome::kFailed ||
-            (outcome == ProgramOutcome::kDone && picture.empty()))
+        ProgramOutcome outcome = DrawPage(bytes, page, pageWatch, picture);
+        if (outcome == ProgramOutcome::kFailed && page > pages)
             break;  // behind the last page
         if (outcome == ProgramOutcome::kDone)
             outcome = recogniser.Read(picture, pageWatch);
-        // One page that takes too long does not cost the others.
-        if (outcome == ProgramOutcome::kEnded && !pageWatch.WasStopped())
+        // One page that takes too long or is damaged does not cost the others.
+        if (outcome == ProgramOutcome::kFailed ||
+            (outcome == ProgramOutcome::kEnded && !pageWatch.WasStopped()))
             missing += (missing.empty() ? "" : ", ") + std::to_string(page);
         else if (std::string problem = ProgramProblem("tesseract", outcome, pageWatch);
                  !problem.empty())
@@ -168,7 +171,7 @@ Document ReadScannedPdf(std::string_view bytes, const ReadingWatch& watch,
         return DocumentProblem("The PDF document holds no text, or is damaged.");
     Document document = recogniser.Take();
     if (!missing.empty())
-        document.remark += " Pages that took too long are missing: " + missing + ".";
+        document.remark += " Pages that took too long or are damaged are missing: " + missing + ".";
     if (page > kMostScans)
         document.remark += " Only " + std::to_string(kMostScans) + " pages were recognised.";
     return document;

@@ -1,12 +1,18 @@
 // Text in pictures: scanned pages and photographs, by the programs tesseract and pdftoppm.
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <string_view>
 
 #include "documents/document.h"
 #include "documents/reading_watch.h"
 
+// A page, of which the program's own bound is half in processor time: others want the computer too.
+constexpr std::chrono::seconds kPagePatience{120};
+
 // Page by page, each with the watch's time anew. What is not installed is told as the problem.
 Document ReadPicture(std::string_view bytes, const ReadingWatch& watch, const DocumentRules& rules);
-Document ReadScannedPdf(std::string_view bytes, const ReadingWatch& watch,
-                        const DocumentRules& rules);
+// pages: how many there are at least. Those that take too long or fail are told as missing.
+Document ReadScannedPdf(std::string_view bytes, std::size_t pages, const ReadingWatch& watch,
+                        const DocumentRules& rules, std::chrono::seconds patience = kPagePatience);

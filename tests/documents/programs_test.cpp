@@ -2,12 +2,14 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "documents/document.h"
 #include "documents/growing_document.h"
+#include "documents/recognised_text.h"
 #include "tests/documents/document_files.h"
 #include "tests/support/scratch_folder.h"
 
@@ -146,6 +148,24 @@ TEST(Programs, ScansAndPicturesAreRead) {
     }
     EXPECT_THAT(LoadDocument((folder / "scan.pdf").c_str(), [] { return true; }).problem,
                 HasSubstr("stopped"));
+}
+
+// "pdftoppm" that has five pages, "tesseract" that reads what it gives.
+TEST(Programs, PagesOfAScanThatHangOrFailAreToldAndCostNoOthers) {
+    const ScratchFolder folder;
+    folder.WriteProgram("pdftoppm",
+                        "while [ $1 != -f ]; do shift; done\n"
+                        "case $2 in 2) sleep 1000 ;; 3) exit 1 ;; 6) exit 99 ;; esac\n"
+                        "echo Page $2.\n");
+    folder.WriteProgram("tesseract",
+                        "[ $1 = --list-langs ] && printf 'List:\\neng\\n' && exit\n"
+                        "text=$(cat)\n[ \"$text\" = 'Page 4.' ] && sleep 1000\necho \"$text\"\n");
+    const ScopedVariable path("PATH", (folder.Path() + ":" + std::getenv("PATH")).c_str());
+    const StopTest isToStop;
+    const ReadingWatch watch(isToStop);
+    const Document scan = ReadScannedPdf("%PDF-", 5, watch, {}, std::chrono::seconds(3));
+    EXPECT_EQ(scan.text, "Page 1.\n\nPage 5.\n") << scan.problem;
+    EXPECT_THAT(scan.remark, HasSubstr("missing: 2, 3, 4."));
 }
 
 // What is missing is named with its package; Markdown is readable as it stands.
