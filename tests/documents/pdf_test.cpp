@@ -194,17 +194,18 @@ TEST(Pdf, ColumnsAreReadOneAfterTheOther) {
         std::vector<std::vector<std::string>> blocks = {
             {WordAt(80, 80, 10, "A Title Above The Two Columns Of This Page")}};
         blocks.insert(blocks.end(), body.begin(), body.end());
-        blocks.push_back({WordAt(50, 220, 8, "1 note")});
+        blocks.push_back({WordAt(50, 210, 8, "1 note")});
         const std::string text = TextOfBlocks(blocks);
         EXPECT_TRUE(text.starts_with("A Title")) << text;
         EXPECT_THAT(text, HasSubstr("l7 " + filling + "l8 " + filling + "r0 " + filling + "r1"));
         EXPECT_TRUE(text.ends_with("r8\n\n1 note\n")) << text;
     }
-    // Of a table with rows, each stays one.
+    // Of a table the rows stay, however long some of its names are.
     both = {};
     for (int line = 0; line < 9; ++line)
-        both.push_back(column(50, line, "name") + column(230, line, filling));
-    EXPECT_THAT(TextOfBlocks({both}), HasSubstr("name0 " + filling + "0"));
+        both.push_back(column(50, line, line % 4 == 0 ? filling : "name") +
+                       column(230, line, filling));
+    EXPECT_THAT(TextOfBlocks({both}), HasSubstr("name1 " + filling + "1"));
 }
 
 TEST(Pdf, OneWordInAnotherFontMovesNoLineAndLiftsNoNumber) {
