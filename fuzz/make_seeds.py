@@ -239,6 +239,13 @@ def documents():
     layout += '<word xMin="9.1" yMin="1" xMax="11" yMax="5">2</word>\n</line>\n<line>\n'
     layout += '<word xMin="nan" yMin="-1e999" xMax="inf" yMax="1e300">a-</word>\n</line>\n'
     save("pdf_layout", "layout", layout.encode())
+    columns = "<page>\n<block>\n"
+    for line in range(10):
+        for left in (5, 55):
+            place = f'yMin="{10 * line}" yMax="{10 * line + 8}"'
+            columns += f'<word xMin="{left}" xMax="{left + 40}" {place}>w{line}</word>\n'
+        columns += "</line>\n"
+    save("pdf_layout", "columns", (columns + "</page>\n").encode())
     save(
         "page",
         "broken_page",
