@@ -7,6 +7,7 @@
 #include "books/book_sections.h"
 #include "documents/document_outline.h"
 #include "foundation/whole_characters.h"
+#include "speech/speech_estimate.h"
 
 namespace {
 
@@ -31,18 +32,6 @@ std::string TitleOf(const Document& document, const BookChapter& chapter, std::s
             return AsTag(
                 std::string_view(document.text).substr(heading.begin, heading.end - heading.begin));
     return "Chapter " + std::to_string(number);
-}
-
-// An ideograph or a syllable is spoken as long as three letters.
-std::size_t LettersIn(std::string_view text) {
-    std::size_t letters = 0;
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        const bool isFurther = (byte & 0xC0U) == 0x80U;
-        const bool isSyllable = byte >= 0xE3 && byte <= 0xED;  // U+3000 to U+DFFF
-        letters += isFurther ? 0 : isSyllable ? 3 : 1;
-    }
-    return letters;
 }
 
 void CutLongChapters(std::string_view text, std::vector<BookChapter>& chapters) {

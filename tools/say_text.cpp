@@ -115,8 +115,9 @@ std::optional<double> PartLength(const SayOptions& options) {
 std::string SizeProblem(const SayOptions& options, const SayJob& job, const std::string& text) {
     if (job.sound == kStandardOutput || options.splitMinutes)
         return {};
-    std::string problem = SavingProblem(text.size(), FolderOf(job.sound));
-    if (text.size() > LargestTextForOneFile())
+    const std::size_t letters = LettersIn(text);
+    std::string problem = SavingProblem(letters, FolderOf(job.sound));
+    if (letters > LargestTextForOneFile())
         problem += " --split writes it in parts.";
     return problem;
 }

@@ -21,6 +21,7 @@
 #include "foundation/files/path_text.h"
 #include "gui/windows/message_box.h"
 #include "gui/windows/progress_dialog.h"
+#include "speech/speech_estimate.h"
 #include "speech/speech_reading.h"
 
 namespace {
@@ -57,10 +58,10 @@ std::string SentenceOf(const std::string& path, const std::string& problem) {
     return path + (g_ascii_islower(problem[0]) ? " " : ": ") + problem + ".";
 }
 
-std::string TooLong(std::size_t bytes) {
+std::string TooLong(std::size_t letters) {
     return "The speech of this text is longer than a sound file can hold. Please save it in parts "
            "of at most " +
-           std::to_string(bytes) + " characters.";
+           std::to_string(letters) + " letters.";
 }
 
 // What the speech is written to, as far as sizes go.
@@ -69,10 +70,10 @@ struct OutputFormat {
     int channels;
 };
 
-// Empty, or why speech of a text of so many bytes cannot be saved.
-std::string ProblemOfSize(std::size_t textBytes, OutputFormat format, bool isEncoded,
+// Empty, or why speech of a text of so many letters cannot be saved.
+std::string ProblemOfSize(std::size_t letters, OutputFormat format, bool isEncoded,
                           const std::string& path, const std::string& speechPath) {
-    const SpeechSize size = EstimateSpeechSize(textBytes, format.rate, format.channels);
+    const SpeechSize size = EstimateSpeechSize(letters, format.rate, format.channels);
     if (!size.fits)
         return TooLong(size.surelyFit);
     struct statvfs disk = {};
@@ -117,7 +118,7 @@ private:
     bool NeedsEncoder() const { return RowOf(target_.type).component != nullptr; }
     // The sink is then opened once the voice's rate is known, and an encoder has something to do.
     bool FollowsVoice() const { return RowOf(target_.type).takesAnyRate; }
-    bool IsReady(std::size_t textBytes);
+    bool IsReady(std::size_t letters);
     bool OpenSink(const LRawSettings& asked);
     bool Speak(SpeechReading& reading);
     bool Copy(const LSoundSource& source);
@@ -149,7 +150,7 @@ bool Saving::OpenSink(const LRawSettings& asked) {
 }
 
 // Whatever can be known before is told before the engine speaks, which may take minutes.
-bool Saving::IsReady(std::size_t textBytes) {
+bool Saving::IsReady(std::size_t letters) {
     std::string problem;
     if (IsSpeechFile(target_.path))
         problem = target_.path +
@@ -161,7 +162,7 @@ bool Saving::IsReady(std::size_t textBytes) {
         return false;
     else
         problem =
-            ProblemOfSize(textBytes, Format(), FollowsVoice(), output_.WritePath(), speech_.Path());
+            ProblemOfSize(letters, Format(), FollowsVoice(), output_.WritePath(), speech_.Path());
     if (!problem.empty())
         ShowSaveError(parent_, problem);
     return problem.empty();
@@ -211,7 +212,7 @@ std::string Saving::NothingSaved() const {
 }
 
 std::string Saving::Run(const std::string& text, int voice, SpeakingRules rules) {
-    if (!IsReady(text.size()))
+    if (!IsReady(LettersIn(text)))
         return "";
     SpeechReading reading(text, voice, speech_.Path(), ReadingUse::kSaving);
     reading.SpeakBy(std::move(rules));

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "speech/speech_estimate.h"
+
 namespace {
 
-// Bytes of text a second: English voices read 11, slow ones fewer.
-constexpr double kUsualPace = 11.0;
-constexpr double kSlowestPace = 8.0;
+constexpr double kSlowestPace = 8.0;  // letters a second
 constexpr int kEngineRate = 16000;
 constexpr double kMostFrames = 0x7FFFFFFF;
 constexpr double kMostFileBytes = 0xFFFFFF00;  // sizes in sound files have 32 bits
@@ -18,8 +18,8 @@ double LongestSound(int rate, int channels) {
 
 }  // namespace
 
-SpeechSize EstimateSpeechSize(std::size_t textBytes, int rate, int channels) {
-    const double seconds = static_cast<double>(textBytes) / kUsualPace;
+SpeechSize EstimateSpeechSize(std::size_t letters, int rate, int channels) {
+    const double seconds = EstimateSpeech(letters).seconds;
     const double longest = std::min(LongestSound(rate, channels), LongestSound(kEngineRate, 1));
     return {static_cast<long long>(seconds * kEngineRate * 2),
             static_cast<long long>(seconds * 2.0 * rate * channels), seconds <= longest,

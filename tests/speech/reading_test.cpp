@@ -376,6 +376,7 @@ TEST(SpeechEstimate, TellsWhatDoesNotFitBeforeItBegins) {
     EXPECT_THAT(SavingProblem(10 * most, "/tmp"), HasSubstr("more than one sound file can hold"));
     EXPECT_EQ(SavingProblem(100, "/tmp"), "");
     EXPECT_THAT(SavingProblem(100, "/proc"), HasSubstr("0.0 MB are free"));
+    EXPECT_EQ(LettersIn("Слово 語."), 10U);
 }
 
 }  // namespace
