@@ -60,6 +60,7 @@ void Audiobooks::AddText() {
     edited.title = document.title;
     edited.author = document.author;
     edited.cover = document.cover;
+    edited.languages = parts_.text.Structure().Languages();
     for (const OutlineEntry& entry : parts_.text.Structure().Now().outline) {
         const std::size_t end = std::min(text.find('\n', entry.begin), text.size());
         if (entry.begin < end)
