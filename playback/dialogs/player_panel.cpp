@@ -36,7 +36,7 @@ void LPlayerBaseDlg::InitDialog() {
         LSoundPlayDeviceInit(*this, kDevice, transport_.Device());
         HandlePDLSelChange(kDevice, kDeviceChosen);
     }
-    SetTooltip(kDevice, "\"default\" is the desktop's own sound server");
+    SetTooltip(kDevice, "\"The desktop's sound server\" plays where other programs do");
     wave_.Attach(GetControlByID(kWave));
     wave_.seek = [this](std::int64_t frame) {
         transport_.MoveTo(transport_.TimeOf(static_cast<std::int32_t>(frame)));
