@@ -59,8 +59,11 @@ ProgramOutcome RunProgram(const std::string& command, std::string_view input,
     streams.output = output.writeEnd.Get();
     streams.ownGroup = true;
     streams.tellsStatus = true;
-    LChildProcess child = LChildProcess::StartShell(
-        (kBounds + ("exec " + command + " 2>/dev/null")).c_str(), streams);
+    // The shell ends with this process, and by that program the other one with its shell.
+    streams.diesWithStarter = true;
+    const std::string with = IsProgramInstalled("setpriv") ? "setpriv --pdeathsig KILL " : "";
+    const std::string line = kBounds + ("exec " + with + command + " 2>/dev/null");
+    LChildProcess child = LChildProcess::StartShell(line.c_str(), streams);
     if (!child.IsStarted())
         return ProgramOutcome::kNotStarted;
     output.writeEnd.Reset();

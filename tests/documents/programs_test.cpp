@@ -1,6 +1,11 @@
 // Documents that other programs help to read, with the real programs, and mail.
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -10,6 +15,7 @@
 #include "documents/document.h"
 #include "documents/growing_document.h"
 #include "documents/recognised_text.h"
+#include "foundation/files/unique_fd.h"
 #include "tests/documents/document_files.h"
 #include "tests/support/scratch_folder.h"
 
@@ -70,6 +76,23 @@ TEST(Programs, DjvuIsReadPageByPage) {
     ::signal(SIGCHLD, SIG_IGN);  // as once an engine has been asked for its voices
     EXPECT_THAT(ReadDocument("AT&TFORM").remark, HasSubstr("Only a part"));
     ::signal(SIGCHLD, SIG_DFL);
+}
+
+TEST(Programs, OneEndsWithTheProgramThatAskedIt) {
+    const ScratchFolder folder;
+    const std::string fifo = folder / "fifo";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    folder.WriteProgram("djvutxt", "exec 9>" + fifo + "; exec sleep 600");
+    const ScopedVariable path("PATH", (folder.Path() + ":/usr/bin:/bin").c_str());
+    const pid_t asks = ::fork();
+    if (asks == 0)
+        ::_exit(ReadDocument("AT&TFORM").problem.empty() ? 0 : 1);
+    const UniqueFd alive(::open(fifo.c_str(), O_RDONLY));
+    ::kill(asks, SIGKILL);
+    ::waitpid(asks, nullptr, 0);
+    constexpr int kPatience = 20000;  // milliseconds
+    pollfd end{alive.Get(), POLLIN, 0};
+    EXPECT_EQ(::poll(&end, 1, kPatience), 1);
 }
 
 // A Palm book of one record, not compressed.
