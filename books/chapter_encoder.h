@@ -1,4 +1,4 @@
-// Encodes finished chapters on threads of their own, as many as there are cores: encoders are
+// Encodes finished chapters on threads of their own, two to four as there are cores: encoders are
 // slower than quick engines. The engine waits only while all of them are at work.
 #pragma once
 

@@ -35,7 +35,8 @@ class Compiler:
 
     def complaint(self, entry):
         command = shlex.split(entry["command"])
-        del command[command.index("-o"):][:2]
+        output = command.index("-o")
+        del command[output:output + 2]
         status, _, errors = output_of([*command, "-fsyntax-only"], entry["directory"])
         return errors if status else ""
 

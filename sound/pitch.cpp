@@ -40,9 +40,12 @@ private:
 };
 
 std::vector<int> SamplesOf(const LSoundSource& sound) {
-    std::vector<int> samples(static_cast<std::size_t>(sound->GetEndSample()) * sound->Channels());
+    const int frames = sound->GetEndSample();
+    std::vector<int> samples(static_cast<std::size_t>(frames) * sound->Channels());
     sound->Seek(0);
-    sound->Read(samples.data(), sound->GetEndSample());
+    for (int at = 0; at < frames; at += kMaxBlockFrames)
+        sound->Read(&samples[static_cast<std::size_t>(at) * sound->Channels()],
+                    std::min(kMaxBlockFrames, frames - at));
     return samples;
 }
 

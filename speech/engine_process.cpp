@@ -90,8 +90,9 @@ void EngineProcess::Run() {
     errors_ = std::move(errors);
 }
 
-// What the engine put into the background ends with it. Until it is waited for, no other process
-// can have its number.
+// What the engine put into the background ends with it. Its group keeps the number as long as
+// one of them is there; with none of them the kill reaches nobody, unless the kernel, which has
+// collected the engine where SIGCHLD is ignored, has given the number to another group just now.
 void EngineProcess::EndLeftBehind(pid_t engine) {
     siginfo_t ended{};
     while (engine > 0 &&
