@@ -21,8 +21,8 @@ TEST(StructureText, ComesBackAsItWasAndNoFurtherThanItsTextGoes) {
     EXPECT_EQ(StructureOfLines(lines, 89).pages.size(), 3U);
     EXPECT_EQ(StructureOfLines(lines, 79).outline.size(), 2U);
     for (const char* wrong : {"page -1\n", "page 9\npage 8\n", "heading 1 0 \n", "chapter 1 99 a\n",
-                              "chapter 99999999999999999999 0 a\n", "more\n", "language x de\n",
-                              "heading 9 0 a\nheading 8 0 b"})
+                              "chapter 99999999999999999999 0 a\n", "more\n",
+                              "language x de-AT-1996\n", "heading 9 0 a\nheading 8 0 b"})
         EXPECT_LE(LinesOfStructure(StructureOfLines(wrong, 100)).size(), 14U) << wrong;
 }
 

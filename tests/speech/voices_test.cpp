@@ -124,6 +124,7 @@ void InstallManyVoices(const FakeEngine& engine, const std::string& longName) {
                   "echo ' 5  de              --/M      German             gmw/de'\n"
                   "echo ' 2  en-us           --/M      English_(America)  gmw/en-US (en 3)'\n"
                   "echo ' 5  piqd            --/M      Klingon            art/piqd'\n"
+                  "[ $1 = --voices=variant ] || exit 0\n"
                   "echo ' 5  variant         --/M      Mr_Serious         !v/Mr serious     '\n"
                   "echo ' 5  variant         --/F      Linda              !v/f2          '");
     engine.Script("flite", "echo 'Voices available: kal awb_time slt '");
