@@ -37,12 +37,13 @@ void ToolCommands::AddCommands(CommandSet& commands) {
 
 void ToolCommands::CmOptions() {
     hotKeys_.Stop();
-    OptDlg(window_.Widget());
+    voices_.TakeFrom([this] {
+        OptDlg(window_.Widget());
+        return true;
+    });
     // The window may have been closed meanwhile.
-    if (!window_.IsOpen())
-        return;
-    hotKeys_.Start();
-    voices_.TakeSettings();
+    if (window_.IsOpen())
+        hotKeys_.Start();
 }
 
 void ToolCommands::CmSayDifferently() {

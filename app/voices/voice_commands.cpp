@@ -48,11 +48,15 @@ void VoiceCommands::CmChoose() {
         tell_("The speech engine has not told its voices yet.");
         return;
     }
+    TakeFrom([this] { return ChooseVoice(window_.Widget()); });
+}
+
+void VoiceCommands::TakeFrom(const std::function<bool()>& dialog) {
     const Voice reads = VoiceAt(narrator_.Voice());
     const VoiceManner before = MannerOf(reads);
-    if (!ChooseVoice(window_.Widget()) || !window_.IsOpen())
+    if (!dialog() || !window_.IsOpen())
         return;
-    voices_.TakeChosen();
+    TakeSettings();
     if (MannerOf(reads) != before)
         change_.BeginAnew();
 }

@@ -17,9 +17,12 @@ public:
 
     void AddCommands();
     void CreateIndicator();  // in the status bar, once it is there
-    void TakeSettings();     // which may have been changed elsewhere
+    // Takes what is chosen in the dialog, if that answers true; a reading goes on as its voice is
+    // to speak now.
+    void TakeFrom(const std::function<bool()>& dialog);
 
 private:
+    void TakeSettings();
     void EvListChanged();
     void CmChoose();
     void CmByLanguage();
