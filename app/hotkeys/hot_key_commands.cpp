@@ -21,7 +21,7 @@ std::string TriggerOf(LKeyCode key) {
           std::pair(kKeyShift, "SHIFT+"), std::pair(kKeySuper, "LOGO+")})
         if ((key & modifier) != 0)
             trigger += name;
-    const char* name = gdk_keyval_name(gdk_keyval_to_lower(key & 0xFFFF));
+    const char* name = gdk_keyval_name(gdk_keyval_to_lower(KeyValue(key)));
     return trigger + (name != nullptr ? name : "");
 }
 

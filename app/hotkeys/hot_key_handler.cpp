@@ -53,7 +53,7 @@ bool GrabKey(GdkWindow* root, KeyCode keycode, unsigned int modifiers) {
 
 bool CanBeHotKey(LKeyCode key) {
     const guint value = KeyValue(key);
-    return (key & (kKeyControl | kKeyAlt | kKeySuper)) != 0 ||
+    return (key & (kKeyControl | kKeyAlt | kKeySuper | kKeyMedia)) != 0 ||
            (value >= GDK_F1 && value <= GDK_F35);
 }
 
@@ -62,9 +62,9 @@ HotKeyState TestHotKey(LKeyCode key) {
     const KeyCode keycode = KeycodeOf(DisplayOf(root), key);
     if (keycode == 0)
         return HotKeyState::kNotOnKeyboard;
-    if (!GrabKey(root, keycode, key >> 16))
+    if (!GrabKey(root, keycode, KeyModifiers(key)))
         return HotKeyState::kHeldByAnotherProgram;
-    UngrabKey(root, keycode, key >> 16);
+    UngrabKey(root, keycode, KeyModifiers(key));
     return HotKeyState::kFree;
 }
 
@@ -96,7 +96,7 @@ void LHotKeyHandler::Ungrab(const HotKey& hotKey) const {
 bool LHotKeyHandler::RegisterHotKey(int index, LKeyCode key) {
     if (root_ == nullptr)
         return false;
-    const HotKey hotKey{KeycodeOf(DisplayOf(root_), key), key >> 16, index, key};
+    const HotKey hotKey{KeycodeOf(DisplayOf(root_), key), KeyModifiers(key), index, key};
     if (hotKey.keycode == 0 || !GrabKey(root_, hotKey.keycode, hotKey.modifiers))
         return false;
     hotKeys_.push_front(hotKey);

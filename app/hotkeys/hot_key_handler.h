@@ -8,7 +8,7 @@
 #include "gui/menus/key_map.h"
 
 // False: without Ctrl, Alt or Super it is a key that is typed with, which no other program would
-// get any more. Function keys are typed with nowhere.
+// get any more. Function and media keys are typed with nowhere.
 bool CanBeHotKey(LKeyCode key);
 
 // Whether the key could be grabbed right now on the default screen.

@@ -2,6 +2,8 @@
 
 #include <gdk/gdkkeysyms.h>
 
+#include <string_view>
+
 static_assert(GDK_SHIFT_MASK == 1 && GDK_CONTROL_MASK == 4 && GDK_MOD1_MASK == 8);
 
 namespace {
@@ -39,7 +41,8 @@ LKeyCode KeyCodeOfEvent(const GdkEventKey& event) {
     const bool isCommand = (modifiers & (GDK_CONTROL_MASK | GDK_MOD1_MASK)) != 0;
     const guint value =
         isCommand && IsLetterOfAnotherScript(event.keyval) ? LatinValue(event) : event.keyval;
-    return (gdk_keyval_to_upper(value) & 0xFFFFu) | (modifiers << 16);
+    const LKeyCode media = (value & ~0xFFFFu) == kMediaValues ? kKeyMedia : 0;
+    return (gdk_keyval_to_upper(value) & 0xFFFFu) | (modifiers << 16) | media;
 }
 
 int CommandOfKey(LKeyMap map, LKeyCode key) {
@@ -69,5 +72,8 @@ std::string LKeyGetDescription(LKeyCode key) {
     if ((key & kKeyShift) != 0)
         text += "Shift+";
     const char* name = gdk_keyval_name(KeyValue(key));
-    return text + (name != nullptr ? name : "");
+    const std::string_view word = name != nullptr ? name : "";
+    constexpr std::string_view kMaker = "XF86";  // of media keys, which says nothing to users
+    text += word.substr(word.starts_with(kMaker) ? kMaker.size() : 0);
+    return text;
 }
