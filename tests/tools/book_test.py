@@ -147,12 +147,16 @@ class BookTest(EngineCase):
         for form, mark in words.items():
             self.check(SAY, "-f", "--audiobook", f"--subtitles={form}", "-o", "book.flac", "book.epub")
             self.assertIn(mark, self.load("book." + form).decode())
+        self.check(SAY, "-f", "--audiobook", "--speed=200", "--subtitles=vtt", "-o", "fast.flac", "book.epub")
+        times = [re.findall(r"<00:00:([\d.]+)>", self.load(name).decode())[:5] for name in ("book.vtt", "fast.vtt")]
+        for own, fast in zip(*times, strict=True):
+            self.assertAlmostEqual(float(own) / 2, float(fast), delta=0.03)
         # Sentences whose words the engine does not tell are spoken one by one, at the same times.
-        told, runs = self.load("book.srt"), len(self.said()) // 3
+        told, runs = self.load("book.srt"), len(self.said()) // 4
         self.tell_engine("text2wave untold tones")
         self.check(SAY, "-f", "--audiobook", "--subtitles=srt", "-o", "book.flac", "book.epub")
         self.assertEqual(self.load("book.srt"), told)
-        self.assertEqual((runs, len(self.said()) - 3 * runs), (4, 4 + 2 * 2))
+        self.assertEqual((runs, len(self.said()) - 4 * runs), (4, 4 + 2 * 2))
         samples = self.heard("book.flac")
         rows = re.findall(r"(\d+):(\d+):(\d+),(\d+) --> .*\n(.*)", self.load("book.srt").decode())
         self.assertIn("Four tones are here.", rows[1][4] + rows[0][4])
