@@ -82,7 +82,10 @@ void SkipId3(std::FILE* file) {
 }
 
 template <CodecFrame (*Frame)(const unsigned char*), std::size_t HeaderBytes>
-void JoinFrames(const std::vector<std::string>& parts, std::FILE* out, BookJoint& joint) {
+void JoinFrames(const std::vector<std::string>& parts, std::FILE* out, LProgress& progress,
+                BookJoint& joint) {
+    constexpr int kFramesBetweenStops = 512;
+    int written = 0;
     for (const std::string& path : parts) {
         const FileHandle part = OpenPart(path);
         if (!part) {
@@ -112,6 +115,10 @@ void JoinFrames(const std::vector<std::string>& parts, std::FILE* out, BookJoint
                 }
             }
             isFirst = false;
+            if (++written % kFramesBetweenStops == 0 && progress.IsToStop()) {
+                joint.isStopped = true;
+                return;
+            }
         }
         if (frames == 0)
             joint.problem = kDamaged;
@@ -122,7 +129,9 @@ void JoinFrames(const std::vector<std::string>& parts, std::FILE* out, BookJoint
 // Takes packets out of one stream in Ogg and puts them into another.
 class OpusJoiner {
 public:
-    explicit OpusJoiner(std::FILE* out) : out_(out) { ogg_stream_init(&stream_, 1); }
+    OpusJoiner(std::FILE* out, LProgress& progress) : out_(out), progress_(progress) {
+        ogg_stream_init(&stream_, 1);
+    }
     ~OpusJoiner() { ogg_stream_clear(&stream_); }
     OpusJoiner(const OpusJoiner&) = delete;
     OpusJoiner& operator=(const OpusJoiner&) = delete;
@@ -137,7 +146,8 @@ public:
         isWhole_ = false;
         std::int64_t number = 0;
         ogg_page page;
-        while (NextPage(part, sync, page)) {
+        while (!isStopped_ && NextPage(part, sync, page)) {
+            isStopped_ = progress_.IsToStop();
             if (ogg_page_bos(&page) != 0)
                 ogg_stream_reset_serialno(&in, ogg_page_serialno(&page));
             ogg_stream_pagein(&in, &page);
@@ -149,6 +159,7 @@ public:
         return isWhole_ ? granule_ - before : -1;
     }
     bool HasWritten() const { return hasWritten_; }
+    bool IsStopped() const { return isStopped_; }
 
 private:
     static bool NextPage(std::FILE* part, ogg_sync_state& sync, ogg_page& page) {
@@ -188,6 +199,8 @@ private:
     }
 
     std::FILE* out_;
+    LProgress& progress_;
+    bool isStopped_ = false;
     ogg_stream_state stream_;
     std::int64_t packets_ = 0;
     std::int64_t granule_ = 0;
@@ -195,12 +208,16 @@ private:
     bool hasWritten_ = true;
 };
 
-void JoinOpus(const std::vector<std::string>& parts, std::FILE* out, BookJoint& joint) {
-    OpusJoiner joiner(out);
+void JoinOpus(const std::vector<std::string>& parts, std::FILE* out, LProgress& progress,
+              BookJoint& joint) {
+    OpusJoiner joiner(out, progress);
     joint.rate = 48000;
     for (const std::string& path : parts) {
         const FileHandle part = OpenPart(path);
         const std::int64_t frames = part ? joiner.Add(part.get(), &path == &parts.back()) : -1;
+        joint.isStopped = joiner.IsStopped();
+        if (joint.isStopped)
+            return;
         if (frames < 0)
             joint.problem = kDamaged;
         else if (!joiner.HasWritten())
@@ -218,9 +235,19 @@ std::int64_t FramesOf(const std::vector<std::string>& parts) {
     return frames;
 }
 
+// Shows nothing, and is stopped with the whole.
+class JoiningPart final : public LSilentProgress {
+public:
+    explicit JoiningPart(LProgress& whole) : whole_(whole) {}
+    bool IsToStop() override { return whole_.IsToStop(); }
+
+private:
+    LProgress& whole_;
+};
+
 // FLAC and WAV lose nothing when they are decoded.
 void JoinSamples(SoundType type, const std::vector<std::string>& parts, const std::string& path,
-                 BookJoint& joint) {
+                 LProgress& progress, BookJoint& joint) {
     if (FramesOf(parts) > MostFrames(type)) {
         joint.problem = kBookTooLong;
         return;
@@ -240,8 +267,10 @@ void JoinSamples(SoundType type, const std::vector<std::string>& parts, const st
                     : LWaveFile::OpenSinkPCM(path.c_str(), joint.rate, source->Channels(), 16, 0);
         joint.frames.push_back(source->GetEndSample());
         LPRSourceToSink request{"", source, sink};
-        LSilentProgress unseen;
-        Process(unseen, request);
+        JoiningPart unseen(progress);
+        joint.isStopped = Process(unseen, request) == kProcessStopped;
+        if (joint.isStopped)
+            return;
     }
     if (const int error = sink->Finish(); error != 0)
         joint.problem = std::strerror(error);
@@ -257,10 +286,11 @@ std::int64_t MostFrames(SoundType type) {
                : std::numeric_limits<std::int64_t>::max();
 }
 
-BookJoint JoinBook(SoundType type, const std::vector<std::string>& parts, const std::string& path) {
+BookJoint JoinBook(SoundType type, const std::vector<std::string>& parts, const std::string& path,
+                   LProgress& progress) {
     BookJoint joint;
     if (type == SoundType::kFlac || type == SoundType::kWav) {
-        JoinSamples(type, parts, path, joint);
+        JoinSamples(type, parts, path, progress, joint);
         return joint;
     }
     FileHandle out(std::fopen(path.c_str(), "wbe"));
@@ -269,11 +299,11 @@ BookJoint JoinBook(SoundType type, const std::vector<std::string>& parts, const 
         return joint;
     }
     if (type == SoundType::kMp3)
-        JoinFrames<Mp3Frame, 4>(parts, out.get(), joint);
+        JoinFrames<Mp3Frame, 4>(parts, out.get(), progress, joint);
     else if (type == SoundType::kOpus)
-        JoinOpus(parts, out.get(), joint);
+        JoinOpus(parts, out.get(), progress, joint);
     else
-        JoinFrames<AdtsFrame, 7>(parts, out.get(), joint);
+        JoinFrames<AdtsFrame, 7>(parts, out.get(), progress, joint);
     errno = 0;
     if (std::fclose(out.release()) != 0 && joint.problem.empty())
         joint.problem = std::strerror(errno);

@@ -6,9 +6,11 @@
 #include <vector>
 
 #include "formats/sound_types.h"
+#include "foundation/threads/progress.h"
 
 struct BookJoint {
-    std::string problem;  // empty: the file is there
+    bool isStopped = false;  // by the progress object; the file is not whole
+    std::string problem;     // else empty: the file is there
     int rate = 1;
     std::vector<std::int64_t> frames;  // of each part, at that rate
 };
@@ -21,4 +23,5 @@ constexpr const char* kBookTooLong =
 
 // Parts are MP3, Opus, ADTS (for M4B, as which it is written) or FLAC (for FLAC and WAV), of one
 // rate and one channel. A part is never held in memory.
-BookJoint JoinBook(SoundType type, const std::vector<std::string>& parts, const std::string& path);
+BookJoint JoinBook(SoundType type, const std::vector<std::string>& parts, const std::string& path,
+                   LProgress& progress);

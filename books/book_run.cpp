@@ -246,7 +246,9 @@ bool BookMaker::JoinInto(const std::string& path, std::vector<ChapterMark>& mark
         parts.push_back(FinishedPath(i));
     const bool isM4b = order_.type == SoundType::kM4b;
     const std::string joined = isM4b ? work_.Path(0, "aac") : path;
-    const BookJoint joint = JoinBook(order_.type, parts, joined);
+    const BookJoint joint = JoinBook(order_.type, parts, joined, progress_);
+    if (joint.isStopped)
+        return false;
     if (!joint.problem.empty())
         return Fail(order_.target + ": " + joint.problem);
     std::int64_t frames = 0;

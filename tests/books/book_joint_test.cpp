@@ -5,9 +5,12 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "formats/opus_sink.h"
 #include "formats/sndfile_file.h"
 #include "tests/support/scratch_folder.h"
 
@@ -35,8 +38,42 @@ TEST(BookJoint, ChaptersThatAreTogetherLongerThanAFileCanBeAreRefusedBeforeAnyIs
     for (const std::string& part : parts)
         WriteFlacOf(part, 0x40000000);
     for (const SoundType type : {SoundType::kFlac, SoundType::kWav}) {
-        EXPECT_EQ(JoinBook(type, parts, folder / "book").problem, kBookTooLong);
+        LSilentProgress progress;
+        EXPECT_EQ(JoinBook(type, parts, folder / "book", progress).problem, kBookTooLong);
         EXPECT_FALSE(std::filesystem::exists(folder / "book"));
+    }
+}
+
+// Stopped when it is asked for the second time.
+struct SoonStopped : LSilentProgress {
+    int asked = 0;
+    bool IsToStop() override { return ++asked > 1; }
+};
+
+TEST(BookJoint, IsStoppedAtAnyMomentOnADiskThatIsSlow) {
+    const ScratchFolder folder;
+    const std::vector<int> second(16000, 9999);
+    for (const LSoundSink& sink : {OpenFlacSink((folder / "flac").c_str(), 16000, 1),
+                                   OpenOpusSink((folder / "opus").c_str(), 1, 24)}) {
+        for (int seconds = 0; seconds < 30; ++seconds)
+            sink->Write(second.data(), 16000);
+        ASSERT_EQ(sink->Finish(), 0);
+    }
+    {
+        std::string frame("\xFF\xF3\x60\xC4", 4);  // MPEG-2, 48 kbit/s, 22,050 Hz: 156 bytes
+        frame.resize(156);
+        std::ofstream mp3(folder / "mp3");
+        for (int frames = 0; frames < 2000; ++frames)
+            mp3 << frame;
+    }
+    for (const auto& [type, part] : {std::pair{SoundType::kFlac, "flac"},
+                                     {SoundType::kOpus, "opus"},
+                                     {SoundType::kMp3, "mp3"}}) {
+        SoonStopped stopped;
+        EXPECT_TRUE(JoinBook(type, {folder / part}, folder / "book", stopped).isStopped) << part;
+        EXPECT_EQ(stopped.asked, 2) << part;
+        LSilentProgress progress;
+        EXPECT_EQ(JoinBook(type, {folder / part}, folder / "book", progress).problem, "") << part;
     }
 }
 
