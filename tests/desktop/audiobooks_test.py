@@ -26,7 +26,7 @@ class AudiobooksTest(DesktopCase):
         return self.rows(lectora)[row][3]
 
     def probe(self, name):
-        command = ["ffprobe", "-v", "error", "-show_chapters", "-show_format", "-of", "json", os.path.join(desktop.HOME, name)]
+        command = ["ffprobe", "-v", "error", "-show_chapters", "-show_format", "-show_streams", "-of", "json", os.path.join(desktop.HOME, name)]
         return json.loads(subprocess.run(command, capture_output=True, check=True, timeout=desktop.PATIENCE).stdout)
 
     def test_books_are_listed_changed_paused_killed_and_gone_on_with(self):
@@ -82,6 +82,19 @@ class AudiobooksTest(DesktopCase):
         self.open_dialog(lectora)
         self.assertEqual([row[3] for row in self.rows(lectora)], ["Done", "Done"])
         self.picture("audiobook-done")
+
+    def test_a_document_that_was_edited_keeps_its_language(self):
+        self.store("audiobooks", format="m4b", folder=desktop.HOME)
+        lectora = self.start(self.file("tide.html", PAGE.format("Tide").replace("lang=en", "lang=de")))
+        self.card.wait_for(self.card.next_stream(), "close")
+        lectora.focus()
+        desktop.press_keys("ctrl+End", "x")
+        desktop.wait_until(lambda: lectora.text().endswith("x"), "the letter")
+        self.open_dialog(lectora)
+        desktop.wait_until(lambda: [row[0] for row in self.rows(lectora)] == ["Tide"], "the text")
+        desktop.press_keys("alt+s")
+        desktop.wait_until(lambda: self.state(lectora, 0) == "Done", "the book")
+        self.assertEqual(self.probe("Tide.m4b")["streams"][0]["tags"]["language"], "deu")
 
     def kept(self):
         folder = os.path.join(desktop.HOME, ".Of the Sea.flac.lectora-book")
