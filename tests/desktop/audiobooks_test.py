@@ -4,7 +4,7 @@ import os
 import subprocess
 import unittest
 
-from desktop_case import DesktopCase, desktop
+from desktop_case import SHARE, DesktopCase, desktop
 
 CHAPTERS = "<h1>One</h1><p>First words.</p><h1>Two</h1><p>Other words.</p><h1>Three</h1><p>Last words.</p>"
 PAGE = "<html lang=en><head><title>{}</title><body>" + CHAPTERS
@@ -95,6 +95,23 @@ class AudiobooksTest(DesktopCase):
         desktop.press_keys("alt+s")
         desktop.wait_until(lambda: self.state(lectora, 0) == "Done", "the book")
         self.assertEqual(self.probe("Tide.m4b")["streams"][0]["tags"]["language"], "deu")
+
+    def test_an_encoder_that_hangs_keeps_nobody_from_breaking_off(self):
+        self.store("audiobooks", format="mp3", folder=desktop.HOME)
+        subprocess.run(["bash", os.path.join(SHARE, "components/mp3el")], check=True, timeout=desktop.PATIENCE)
+        hanging = self.file("components/mp3el/mp3el", "#!/bin/sh\ntouch \"$HOME/hangs\"\nexec sleep 1000\n")
+        os.chmod(hanging, 0o755)
+        lectora = self.start()
+        lectora.set_text("Some words.")
+        self.open_dialog(lectora)
+        desktop.wait_until(lambda: len(self.rows(lectora)) == 1, "the window's text")
+        desktop.press_keys("alt+s")
+        desktop.wait_until(lambda: os.path.exists(os.path.join(desktop.HOME, "hangs")), "the encoder")
+        self.assertIn("%", self.state(lectora, 0))
+        lectora.press("push button", "Break Off")
+        desktop.wait_until(lambda: self.state(lectora, 0) == "Broken off", "the end of the book")
+        left = [name for _, _, names in os.walk(desktop.HOME) for name in names if name.endswith((".mp3", ".wav", ".part"))]
+        self.assertEqual(left, [])
 
     def kept(self):
         folder = os.path.join(desktop.HOME, ".Of the Sea.flac.lectora-book")
