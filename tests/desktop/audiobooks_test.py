@@ -107,7 +107,7 @@ class AudiobooksTest(DesktopCase):
         desktop.wait_until(lambda: len(self.rows(lectora)) == 1, "the window's text")
         desktop.press_keys("alt+s")
         desktop.wait_until(lambda: os.path.exists(os.path.join(desktop.HOME, "hangs")), "the encoder")
-        self.assertIn("%", self.state(lectora, 0))
+        desktop.wait_until(lambda: "%" in self.state(lectora, 0), "how far it is")
         lectora.press("push button", "Break Off")
         desktop.wait_until(lambda: self.state(lectora, 0) == "Broken off", "the end of the book")
         left = [name for _, _, names in os.walk(desktop.HOME) for name in names if name.endswith((".mp3", ".wav", ".part"))]

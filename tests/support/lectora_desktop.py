@@ -154,6 +154,13 @@ class Lectora(Process):
 
     def highlighted(self):
         """The stretch of the text box that has a background of its own."""
+        # It may move on while its parts are asked for.
+        before, now = None, self._marked_text()
+        while now != before:
+            before, now = now, self._marked_text()
+        return now
+
+    def _marked_text(self):
         return "".join(text for text, _ in self.marked())
 
     def highlighted_word(self):
