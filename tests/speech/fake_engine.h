@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <iostream>
 #include <optional>
 #include <string>
 
@@ -38,6 +39,17 @@ inline bool ProcessesEnd(const std::string& idFile) {
     return true;
 }
 
+// What a process of a death test has found wrong is told by nobody else.
+inline void TellFailures() {
+    const testing::TestResult* result =
+        testing::UnitTest::GetInstance()->current_test_info()->result();
+    for (int i = 0; i < result->total_part_count(); ++i) {
+        const testing::TestPartResult& part = result->GetTestPartResult(i);
+        if (part.failed())
+            std::cerr << part << '\n';
+    }
+}
+
 // Runs checks in a process of their own, because a process asks for its voices only once.
 template <typename Checks>
 void InFreshProcess(Checks checks) {
@@ -47,6 +59,7 @@ void InFreshProcess(Checks checks) {
     EXPECT_EXIT(
         {
             checks();
+            TellFailures();
             std::exit(testing::Test::HasFailure() ? 1 : 0);
         },
         testing::ExitedWithCode(0), "");

@@ -220,11 +220,11 @@ TEST_F(NarratorTest, AnEngineItselfSpeaksFastFromTheNextSentenceOn) {
     ASSERT_TRUE(RunUntil([&] { return !narrator_->WantsOtherSpeed() && isAt(); }));
     EXPECT_THAT(home_.Read("engine.log"), testing::HasSubstr("(at_4) Sentence number 1"));
     // Times stay those of the voice's own speed.
-    EXPECT_NEAR(narrator_->Length().Milliseconds(), length, length / 10);
+    EXPECT_NEAR(narrator_->Length().Milliseconds(), length, 0.1 * length);
     const SpokenStretch heard = *last_.stretch;
     const int began = narrator_->TimeOf(heard.firstFrame).Milliseconds();
     const int ended = narrator_->TimeOf(heard.endFrame).Milliseconds();
-    EXPECT_NEAR(ended - began, length / 200, length / 1000);
+    EXPECT_NEAR(ended - began, 0.005 * length, 0.001 * length);
     EXPECT_LE(began, last_.time.Milliseconds());
     EXPECT_GT(ended, last_.time.Milliseconds());
     const std::string words = WordsAt(text, last_);
