@@ -3,11 +3,11 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <string>
 
+#include "foundation/leading_number.h"
 #include "speech/utf8_reader.h"
 
 namespace {
@@ -103,16 +103,6 @@ private:
     std::size_t index_ = 0;  // in words_
 };
 
-// Takes a number and the blank behind it.
-template <typename Number>
-bool TakeNumber(std::string_view& line, Number& number) {
-    const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), number);
-    line.remove_prefix(static_cast<std::size_t>(end - line.data()));
-    if (line.starts_with(' '))
-        line.remove_prefix(1);
-    return error == std::errc();
-}
-
 class ToldTimes {
 public:
     ToldTimes(std::span<const TextUnit> units, std::string_view text, int frames, int rate)
@@ -139,8 +129,8 @@ private:
     bool TakeStretch(std::string_view line) {
         int frames = 0;
         int rate = 0;
-        if (!TakeNumber(line, frames) || !TakeNumber(line, rate) || rate != rate_ || frames < 0 ||
-            frames > frames_ - end_)
+        if (!TakeLeadingNumber(line, frames) || !TakeLeadingNumber(line, rate) || rate != rate_ ||
+            frames < 0 || frames > frames_ - end_)
             return false;
         begin_ = last_ = end_;
         end_ += frames;
@@ -151,7 +141,7 @@ private:
     bool TakeWord(std::string_view line) {
         double begin = 0;
         double end = 0;
-        if (!TakeNumber(line, begin) || !TakeNumber(line, end))
+        if (!TakeLeadingNumber(line, begin) || !TakeLeadingNumber(line, end))
             return false;
         const WordsInOrder::Word* const word = words_.Next(line);
         if (word == nullptr)

@@ -1,8 +1,9 @@
 #include "app/text/structure_text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <string_view>
+
+#include "foundation/leading_number.h"
 
 namespace {
 
@@ -22,20 +23,10 @@ std::string Unbroken(std::string title) {
     return title;
 }
 
-// The number that the line begins with, and the blank behind it.
-template <typename Number>
-bool TakeNumber(std::string_view& line, Number& number) {
-    const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), number);
-    line.remove_prefix(static_cast<std::size_t>(end - line.data()));
-    if (line.starts_with(' '))
-        line.remove_prefix(1);
-    return error == std::errc();
-}
-
 bool TakeLanguage(std::string_view line, std::size_t textSize, KeptStructure& structure) {
     std::size_t begin = 0;
     const std::size_t least = structure.languages.empty() ? 0 : structure.languages.back().begin;
-    if (!TakeNumber(line, begin) || begin < least || begin > textSize)
+    if (!TakeLeadingNumber(line, begin) || begin < least || begin > textSize)
         return false;
     structure.languages.push_back({begin, std::string(line)});
     return true;
@@ -50,7 +41,7 @@ bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& struct
     if (line.starts_with(kPageLine)) {
         line.remove_prefix(kPageLine.size());
         const std::size_t least = structure.pages.empty() ? 0 : structure.pages.back();
-        if (!TakeNumber(line, begin) || begin < least || begin > textSize)
+        if (!TakeLeadingNumber(line, begin) || begin < least || begin > textSize)
             return false;
         structure.pages.push_back(begin);
         return true;
@@ -68,8 +59,8 @@ bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& struct
     line.remove_prefix(kChapterLine.size());
     int depth = 0;
     const std::size_t least = structure.outline.empty() ? 0 : structure.outline.back().begin;
-    if (!TakeNumber(line, begin) || !TakeNumber(line, depth) || begin < least || begin > textSize ||
-        depth < 0 || depth > kDeepest || line.empty())
+    if (!TakeLeadingNumber(line, begin) || !TakeLeadingNumber(line, depth) || begin < least ||
+        begin > textSize || depth < 0 || depth > kDeepest || line.empty())
         return false;
     structure.outline.push_back({std::string(line), begin, depth, isChapter});
     return true;
