@@ -35,6 +35,13 @@ bool IsDiskFull(const std::string& folder) {
            static_cast<unsigned long>(disk.f_bavail) * disk.f_frsize < kFullDiskBytes;
 }
 
+// Flite leaves a last sentence out when it is one word and nothing stands behind it. To the other
+// engines a line end there is nothing.
+std::string AsFile(std::string_view text) {
+    const bool isWhole = text.empty() || text.back() == '\n';
+    return std::string(text) + (isWhole ? "" : "\n");
+}
+
 long long FileSize(const std::string& path) {
     struct stat status = {};
     return ::stat(path.c_str(), &status) == 0 ? static_cast<long long>(status.st_size) : -1;
@@ -102,7 +109,7 @@ bool SynthesisRun::Start() {
 bool SynthesisRun::StartPrepared(std::string_view text) {
     isDelivered_ = false;
     textSize_ = text.size();
-    if (process_ && process_->GiveText(text))
+    if (process_ && process_->GiveText(AsFile(text)))
         return true;
     End();  // one that waited no more
     return StartEngine(text);
@@ -142,8 +149,9 @@ bool SynthesisRun::WriteText(std::string_view text) {
     textPath_ = MakeRunTextFile();
     if (textPath_.empty())
         return false;
-    SaveText(textPath_.c_str(), std::string(text).c_str());
-    return FileSize(textPath_) == static_cast<long long>(text.size());
+    const std::string file = AsFile(text);
+    SaveText(textPath_.c_str(), file.c_str());
+    return FileSize(textPath_) == static_cast<long long>(file.size());
 }
 
 // The sound file stands beside the output, or in the temporary folder when its path would not fit
