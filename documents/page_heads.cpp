@@ -14,6 +14,7 @@ constexpr std::size_t kOuterLines = 2;  // of a page, above and below
 constexpr std::size_t kLeastPages = 3;
 constexpr std::size_t kLongestHead = 200;
 constexpr int kMostPages = 100000;
+constexpr std::size_t kMostNumbers = 3;  // of a line that may be the page's
 
 // In small letters. What stands beside a page's number; what stands beside a date's.
 constexpr SortedNames<20> kPageWords = {"/",    "blatt",  "de",  "di",  "of",     "p",   "p.",
@@ -112,7 +113,7 @@ Head HeadOf(const std::string& line, std::size_t page, bool isBelow) {
         shown += HasLetterOrDigit(word) ? 1U : 0U;
     if (NamesItsNumber(words, shown == 1))
         return head;
-    for (std::size_t at = 0; at < words.size(); ++at) {
+    for (std::size_t at = 0; at < words.size() && head.keys.size() < kMostNumbers; ++at) {
         const std::optional<int> number = NumberOf(words[at], shown == 1);
         if (!number)
             continue;

@@ -23,6 +23,8 @@ constexpr double kHighestHeading = 1.6;
 constexpr double kNote = 0.93;
 constexpr std::size_t kLongestHeading = 200;
 constexpr double kIndent = 0.8;  // of the letters' height
+// Bytes that are looked at of what stands in one: a text without an end costs no more.
+constexpr std::size_t kLongestWord = 200;
 
 char32_t CharacterBefore(std::string_view text, std::size_t at) {
     std::size_t begin = at;
@@ -34,7 +36,8 @@ char32_t CharacterBefore(std::string_view text, std::size_t at) {
 // Letters at the end or the beginning of a text, as one word.
 std::string_view LastLetters(std::string_view text) {
     std::size_t begin = text.size();
-    while (begin > 0 && g_unichar_isalpha(CharacterBefore(text, begin)))
+    while (begin > 0 && text.size() - begin < kLongestWord &&
+           g_unichar_isalpha(CharacterBefore(text, begin)))
         begin = static_cast<std::size_t>(g_utf8_find_prev_char(text.data(), text.data() + begin) -
                                          text.data());
     return text.substr(begin);
@@ -42,7 +45,7 @@ std::string_view LastLetters(std::string_view text) {
 
 std::string_view FirstLetters(std::string_view text) {
     const char* at = text.data();
-    const char* const end = text.data() + text.size();
+    const char* const end = text.data() + std::min(text.size(), kLongestWord);
     while (at < end && g_unichar_isalpha(g_utf8_get_char(at)))
         at = g_utf8_next_char(at);
     return text.substr(0, static_cast<std::size_t>(at - text.data()));
@@ -53,6 +56,7 @@ bool IsBullet(std::string_view line) {
 }
 
 bool EndsSentence(std::string_view text) {
+    text.remove_prefix(text.size() - std::min(text.size(), kLongestWord));
     const std::size_t last = text.find_last_not_of("\"')]\n \xe2\x80\x99\x9d");
     return last != std::string_view::npos &&
            std::string_view(".!?:;").find(text[last]) != std::string_view::npos;

@@ -15,7 +15,8 @@ constexpr std::size_t kLeastNumberedLines = 8;
 // Of the letters' height: how far lines of one row stand apart, above each other and side by side.
 constexpr double kSameRow = 0.4;
 constexpr double kLargestLabelGap = 5;
-constexpr int kMostBeside = 32;  // lines of a row that are looked at
+constexpr int kMostBeside = 32;            // lines of a row that are looked at
+constexpr std::size_t kLongestRow = 1000;  // gets no more labels
 
 // "3", "12.4.1", "xiv": a chapter's number, or a page's.
 bool IsLabel(std::string_view text) {
@@ -107,7 +108,7 @@ private:
              ++row, ++looked) {
             PdfLine& line = page_[row->second];
             const double gap = isBefore ? line.left - label.right : label.left - line.right;
-            if (gap > -label.height && gap < least) {
+            if (gap > -label.height && gap < least && line.text.size() < kLongestRow) {
                 least = gap;
                 nearest = &line;
             }

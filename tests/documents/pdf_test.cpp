@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <string>
 
 #include "documents/document.h"
@@ -206,6 +207,25 @@ TEST(Pdf, ColumnsAreReadOneAfterTheOther) {
         both.push_back(column(50, line, line % 4 == 0 ? filling : "name") +
                        column(230, line, filling));
     EXPECT_THAT(TextOfBlocks({both}), HasSubstr("name1 " + filling + "1"));
+}
+
+TEST(Pdf, HostilePagesTakeNoLongerThanTheyAreLong) {
+    const std::clock_t begin = std::clock();
+    std::string divided;
+    std::string closing;
+    for (int line = 0; line < 60000; ++line) {
+        divided += "endlessly-\n";
+        closing += ")\n";
+    }
+    EXPECT_GT(Joined(divided).size(), 500000U);  // minutes, when each looks back to the beginning
+    EXPECT_GT(Joined(closing).size(), 100000U);
+    std::vector<std::vector<std::string>> row;
+    for (int line = 0; line < 20000; ++line) {
+        row.push_back({WordAt(600, 50, 10, "Word")});
+        row.push_back({WordAt(590, 50, 10, "1")});
+    }
+    EXPECT_GT(TextOfBlocks(row).size(), 100000U);
+    EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC);
 }
 
 TEST(Pdf, OneWordInAnotherFontMovesNoLineAndLiftsNoNumber) {
