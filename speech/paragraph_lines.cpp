@@ -17,7 +17,7 @@ bool BeginsItem(std::string_view line) {
         ((first == '-' || first == '*' || first == '+') && line.size() > 1 && line[1] == ' '))
         return true;
     const std::optional<ItemMark> mark = MarkAt(line);
-    return mark && (!mark->isLetter || mark->tail != "." || g_ascii_islower(line[0]));
+    return mark && (!mark->isLetter || mark->tail != "." || !mark->isCapital);
 }
 
 bool EndsInStop(std::string_view line) {

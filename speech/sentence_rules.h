@@ -6,14 +6,15 @@
 #include <string_view>
 #include <vector>
 
+#include "speech/sentence_enclosures.h"
+
 class SentenceRules {
 public:
     // The paragraph, in one line, outlives this.
     SentenceRules(std::string_view paragraph, std::string_view language);
 
-    // Whether a sentence that ICU would end there does; isAbbreviation: ICU's
-    // list of the language speaks against it.
     // Where the next sentence begins when ICU would end one there, 0 when none ends.
+    // isAbbreviation: ICU's list of the language speaks against it.
     std::size_t StartBehind(std::size_t end, bool isAbbreviation) const;
     // Sentences that ICU does not see: items of a list within a line, a stop
     // without a blank behind.
@@ -25,22 +26,23 @@ private:
     Around Look(std::size_t end) const;
     bool EndsAt(std::size_t end, bool isAbbreviation) const;
     bool StopEnds(const Around& around, bool isAbbreviation) const;
+    bool IsDotOfAbbreviation(const Around& around) const;
+    bool WordEnds(const Around& around, bool isAbbreviation) const;
+    bool LetterEnds(const Around& around) const;
     bool AbbreviationEnds(const Around& around) const;
-    void FindEnclosed();
-    bool IsEnclosed(std::size_t end) const;
+    bool GoesOnBehindQuotation(const Around& around) const;
+    bool BelongsToName(const Around& around) const;
+    std::size_t LastBefore(std::size_t place) const;
+    std::string_view WordBefore(std::size_t begin) const;
     void FindListItems();
+    void AddSpacedQuotations(std::vector<std::size_t>& starts) const;
     void AddTightStops(std::vector<std::size_t>& starts) const;
     void AddUnseenStops(std::vector<std::size_t>& starts) const;
     bool IsUnseenStop(std::size_t blank) const;
     bool IsItemMark(std::size_t end) const;
 
-    struct Stretch {
-        std::size_t begin;
-        std::size_t end;
-    };
-
     std::string_view text_;
     std::string_view language_;
-    std::vector<Stretch> enclosed_;
+    SentenceEnclosures enclosures_;
     std::vector<std::size_t> items_;  // where items of a list begin within the paragraph
 };

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <string>
+#include <utility>
 
 namespace {
 
@@ -26,25 +28,25 @@ struct LanguageWords {
 };
 constexpr LanguageWords kLanguages[] = {
     {"en", " the and of to is that it was you for with are this have not ",
-     " Messrs Mme Rev Hon Gov Sgt Cpl Pvt Maj Cmdr Supt Sen Rep Pres Ave Blvd "
+     " App Messrs Mme Rev Hon Gov Sgt Cpl Pvt Maj Cmdr Supt Sen Rep Pres Ave Blvd "
      "Rd Mt Ft Jan Feb Mar "
      "Apr Jun Jul Aug Sep Sept Oct Nov Dec viz ca approx dept est govt "},
     {"de", " der die das und ist nicht ein eine zu den mit auf von im sich des dem ",
-     " z.B z. B d.h d. h u.a u. a o.ä bzw ca evtl ggf inkl Hr Hrn Fr Frl Str "
+     " med z.B z. B d.h d. h u.a u. a o.ä bzw ca evtl ggf inkl Hr Hrn Fr Frl Str "
      "Tel Abb Abs Art Bd "
      "Mio Mrd Nr S s vgl Ing Dipl Kfm Rd Abt Aufl Verf v.a zzgl Jh St sog rd "
      "i.d.R m.E z.T z.Zt "
      "Jan Feb Apr Aug Sept Okt Nov Dez Mag Univ Hrsg Inh geb gest "},
     {"fr", " le la les et est un une des dans que qui pour pas au du sur il elle ce ",
-     " M MM Mme Mmes Mlle Mlles Me Mgr av env ex bd éd fasc ibid janv févr "
+     " apr aprox M MM Mme Mmes Mlle Mlles Me Mgr av env ex bd éd fasc ibid janv févr "
      "juill sept déc p.ex "
      "c.-à-d chap vs "},
     {"es", " el los las y es un una que en por con para del se no su como ",
-     " Sr Sra Sres Sras Srta Dra Dr Ud Uds Vd Vds D Da Dña p.ej ej pág págs "
+     " aprox Sr Sra Sres Sras Srta Dra Dr Ud Uds Vd Vds D Da Dña p.ej ej pág págs "
      "núm art cap tel avda c "
      "Excmo Excma Ilmo Lic Ing Arq Prof Gral "},
     {"it", " il lo gli di che è un una per non con del della sono si nel le ",
-     " Ing Geom Arch Sig Sigg Sig.ra Sig.na dott Dott prof Prof ing Ing avv Avv geom pag "
+     " Egr egr Ing Geom Arch Sig Sigg Sig.ra Sig.na dott Dott prof Prof ing Ing avv Avv geom pag "
      "pagg cap art es ecc.to "
      "on On n N tel v ca p.es sec arch "},
     {"pt", " o os as e é um uma que em para com não do da dos das se ",
@@ -67,11 +69,31 @@ constexpr LanguageWords kLanguages[] = {
      "гг.и им проф акад "
      "доц инж гр тов стр рис табл гл п пп ст св тыс млн млрд руб.за тел обл "
      "р-н с р мл ген полк "},
-    {"el", "", " κ κα κος Δρ σελ π.χ π. χ δηλ βλ αρ τηλ οδ "},
+    {"el", "", " κ κα κος Δρ σελ π.χ π. χ δηλ βλ αρ τηλ οδ εικ αι κ.ά αιώνα "},
+    {"da", " og det er en at på af ikke han jeg til var den med der som hun kl ",
+     " adr hr fr kl ca bl.a f.eks dvs mht pga s jf bd nr tlf afs stk mio mia evt inkl ekskl jan "
+     "feb apr "
+     "aug sept okt nov dec "},
+    {"nb", " og det er en på av ikke han jeg til var den med der som hun ",
+     " hr fr kl ca bl.a f.eks dvs mht pga s jf nr tlf mill mrd evt inkl jan feb apr aug sept okt "
+     "nov "
+     "des "},
+    {"sv", " och det är en ett på av inte han jag till var den med som hon ",
+     " t.ex bl.a dvs kl ca s.k nr tel fr hr resp st f.d jfr sid jan feb apr aug sept okt nov dec "},
+    {"bg", "",
+     " гр г-н г-жа вж фиг табл стр ул бл ап чл т.е т.нар напр млн млрд хил св ч р в пр.н.е "},
+    {"kk", "", " көш ж ғ млн млрд мың т.б қ обл ауд см "},
 };
 
+// Of any language, where no other has the word.
 constexpr std::string_view kNeedsFollowing =
-    " Mr Mrs Ms Dr Prof St Gen Col Capt Lt Fr Br Dir Drs Mx e.g i.e eg ie cf "
+    " dr drs mr ir Egr Adr adr им Mevr mevr dhr Hr hr Hrn Dra Dott dott dott.ssa Avv avv Geom geom "
+    "Ing Mgr Bc Doc MUDr "
+    "MVDr JUDr PhDr RNDr mgr inż ks św ul np Sig sig Sig.ra sig.ra Sig.na Srta Sra Excmo EE É.-U "
+    "bd "
+    "bzw ca evtl vgl z.B d.h u.a bijv blz afb kl.op ул просп проф акад доц инж г-н г-жа "
+    "डॉ श्री श्रीमती पं प्रो कु स्व सुश्री ص اے بی سی ڈی ایم ایس آر جے د أ م هـ ق "
+    "Mr Mrs Ms Dr Prof St Gen Col Capt Lt Fr Br Dir Drs Mx e.g i.e eg ie cf "
     "vs v c.f Fig Figs fig "
     "figs Nr nr Nos N° n° Univ al.et Herr Hr Sr.ta Mlle Mme Msgr Adm Cdr Insp "
     "Pfc Ph ";
@@ -80,9 +102,11 @@ constexpr std::string_view kNeedsNumber =
     "Tab tab pg pgs pág "
     "págs pag pagg str стр с п рис гл ст σελ n N N° n° núm num chap cap col Ed "
     "ed ver Ver ext Ext "
-    "§ ";
+    "§ kl godz hod ob вж фиг табл ап бл чл кв д рис гл стр номер бр kap rys tab zob obr č Č abb "
+    "Abb "
+    "afb εικ αρ κεφ μέρος पृ ";
 constexpr std::string_view kMayEnd =
-    " Co co Inc Ltd Corp Jr Sr Bros Esq etc Etc a.m p.m A.M P.M U.S U.K E.U "
+    " Co co Inc Ltd Corp Jr Sr Bros Esq etc Etc a.m p.m A.M P.M U.S U.K E.U enz osv o.s.v "
     "U.N U.S.A D.C B.C A.D "
     "Ph.D M.D B.A M.A st St ave Ave Rd rd Blvd dept usw ecc etc.a enz itd itp "
     "apod atd tzn.p т.д "
@@ -90,7 +114,24 @@ constexpr std::string_view kMayEnd =
     "GmbH.i Ud Uds κλπ κ.λπ "
     "κτλ Rep Sen Gov Est est ";
 constexpr std::string_view kUsuallyEnds =
-    " etc Etc usw ecc enz itd itp apod atd т.д т.п пр κλπ κ.λπ κτλ ";
+    " etc Etc usw ecc enz itd itp apod atd osv o.s.v m.m mv т.д т.п т.н κλπ κ.λπ κτλ κ.ά т.б stb "
+    "etc. ";
+// A short form, then what it ends a sentence behind: "#" a number, "I" a Roman one, else the word.
+constexpr std::pair<std::string_view, std::string_view> kEndsBehind[] = {
+    {"г", "#"},  {"гг", "#"}, {"р", "#"},  {"r", "#"},  {"w", "I"},  {"в", "I"},
+    {"вв", "I"}, {"д", "т."}, {"п", "т."}, {"др", "и"}, {"пр", "и"}, {"н", "т."},
+    {"лв", "#"}, {"тг", "#"}, {"ч", "#"},  {"ж", "#"},  {"б", "т."}, {"kr", "#"}};
+// Who says, asks or answers; whole words where blanks part them.
+constexpr std::string_view kSayings =
+    " कहा पूछा बोला बोली बोले चिल्लाया चिल्लाई کہا پوچھا بولا بولی چلایا گفت پرسید گفتند سأل سألت قال "
+    "قالت "
+    "صاح صرخ صرخت አለ አለች ጠየቀ ጠየቀች አሉ לחש אמר אמרה שאל שאלה ";
+constexpr std::string_view kSayingsWithin[] = {"说", "說", "问", "問", "答", "喊", "叫", "道"};
+// Particles that go on with what was quoted, Japanese and Burmese.
+constexpr std::string_view kGoesOn[] = {"と", "って", "を", "が", "は", "に", "も", "で",
+                                        "へ", "の",   "や", "な", "か", "လို့",  "ဟု",  "လို"};
+constexpr std::size_t kSayingClose = 12;   // bytes, without blanks between words
+constexpr std::size_t kSayingAmong = 100;  // with blanks
 // Sentences begin so, but neither names nor what stands behind an abbreviation
 // within one.
 constexpr std::string_view kBeginners =
@@ -125,6 +166,20 @@ constexpr std::string_view kDottedOrdinals =
 
 constexpr std::size_t kEnoughToGuess = 2000;
 
+// "Prof." as "prof."
+bool HoldsInAnyCase(std::string_view words, std::string_view word) {
+    if (Holds(words, word))
+        return true;
+    const gunichar first = g_utf8_get_char_validated(word.data(), static_cast<gssize>(word.size()));
+    if (first >= 0x110000 || g_unichar_isupper(first) == 0)
+        return false;
+    char small[6];
+    const int size = g_unichar_to_utf8(g_unichar_tolower(first), small);
+    return Holds(words, std::string(small, static_cast<std::size_t>(size)) +
+                            std::string(word.substr(static_cast<std::size_t>(
+                                g_utf8_skip[static_cast<unsigned char>(word[0])]))));
+}
+
 bool IsDottedInitials(std::string_view word) {
     return word.size() >= 3 && word.find('.') != std::string_view::npos &&
            g_ascii_isalpha(word[0]) && word[1] == '.';
@@ -155,6 +210,10 @@ std::string_view LanguageOfScript(std::string_view text) {
                     return "ar";
                 case G_UNICODE_SCRIPT_ARMENIAN:
                     return "hy";
+                case G_UNICODE_SCRIPT_ETHIOPIC:
+                    return "am";
+                case G_UNICODE_SCRIPT_MYANMAR:
+                    return "my";
                 default:
                     return "";
             }
@@ -181,10 +240,10 @@ std::string_view GuessLanguage(std::string_view text) {
 }
 
 bool NeedsWhatFollows(std::string_view word, std::string_view language) {
-    if (Holds(kNeedsFollowing, word))
+    if (HoldsInAnyCase(kNeedsFollowing, word))
         return true;
     const auto* const own = std::ranges::find(kLanguages, language, &LanguageWords::language);
-    return own != std::end(kLanguages) && Holds(own->needsFollowing, word);
+    return own != std::end(kLanguages) && HoldsInAnyCase(own->needsFollowing, word);
 }
 
 bool UsuallyEndsSentence(std::string_view word) {
@@ -197,6 +256,43 @@ bool NeedsNumber(std::string_view word) {
 
 bool MayEndSentence(std::string_view word) {
     return Holds(kMayEnd, word) || IsDottedInitials(word);
+}
+
+std::optional<bool> EndsBehind(std::string_view word, std::string_view previous) {
+    const auto isThis = [word](const auto& one) { return one.first == word; };
+    const auto* const found = std::ranges::find_if(kEndsBehind, isThis);
+    if (found == std::end(kEndsBehind) || previous.empty())
+        return std::nullopt;
+    if (found->second == "#")
+        return g_ascii_isdigit(previous.back()) != 0;
+    if (found->second == "I")
+        return previous.find_first_not_of("IVXLCDM") == std::string_view::npos;
+    return found->second == previous;
+}
+
+bool GoesOnWithParticle(std::string_view behind) {
+    return std::ranges::any_of(kGoesOn,
+                               [behind](std::string_view one) { return behind.starts_with(one); });
+}
+
+bool SaysWhatWasQuoted(std::string_view behind) {
+    constexpr std::string_view kEnds[] = {"।",  "۔", "።",  "。", "，", "！",
+                                          "？", "“", "「", ".",  ","};
+    std::size_t end = std::min(behind.size(), kSayingAmong);
+    for (const std::string_view stop : kEnds)
+        end = std::min(end, behind.find(stop));
+    const std::string_view clause = behind.substr(0, end);
+    for (std::size_t at = 0; at < clause.size();) {
+        const std::size_t blank = std::min(clause.find(' ', at), clause.size());
+        if (Holds(kSayings, clause.substr(at, blank - at)))
+            return true;
+        at = blank + 1;
+    }
+    const std::string_view close = clause.substr(0, kSayingClose);
+    return close.find("知道") == std::string_view::npos &&
+           std::ranges::any_of(kSayingsWithin, [close](std::string_view one) {
+               return close.find(one) != close.npos;
+           });
 }
 
 bool HasDottedOrdinals(std::string_view language) {

@@ -2,6 +2,7 @@
 // that begin sentences.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 // "de" for a text that is most likely German; "en" when nothing else is
@@ -19,6 +20,13 @@ bool NeedsNumber(std::string_view word);
 bool MayEndSentence(std::string_view word);
 // "etc", "usw": mostly does, before a capital letter.
 bool UsuallyEndsSentence(std::string_view word);
+// Of short forms that end one behind certain words alone ("1799 г.", "и т. д."), whether they do
+// there; nothing for other words.
+std::optional<bool> EndsBehind(std::string_view word, std::string_view previous);
+// Of what stands behind a quotation in scripts without capital letters: whether it begins with a
+// particle that belongs to what is quoted, and whether it says who spoke.
+bool GoesOnWithParticle(std::string_view behind);
+bool SaysWhatWasQuoted(std::string_view behind);
 // Whether numbers with a stop are ordinal numbers: "am 3. Mai".
 bool HasDottedOrdinals(std::string_view language);
 // A word with which sentences begin, and names and titles do not: "How",

@@ -10,11 +10,20 @@
 #include "speech/paragraph_lines.h"
 #include "speech/sentence_rules.h"
 #include "speech/sentence_words.h"
+#include "speech/text_language.h"
 
 namespace {
 
 constexpr std::size_t kWindow = 4096;  // no sentence is longer on purpose
 constexpr std::string_view kWhiteBytes = " \t\r\n\f\v";
+
+constexpr std::size_t kEnoughToTell = 2000;
+
+// What shows surely, else what its small words look like.
+std::string LanguageSeenIn(std::string_view text) {
+    const std::string tag = LanguageOf(WholeCharacters(text, kEnoughToTell)).tag;
+    return tag.empty() ? std::string(GuessLanguage(text)) : tag;
+}
 
 // The end of the paragraph at the beginning of the text: behind it stands an
 // empty line.
@@ -98,9 +107,9 @@ private:
 
 Sentences::Sentences(std::string_view text, std::string_view language)
     : text_(text),
-      breaker_(std::make_unique<Breaker>(language.empty()
-                                             ? GuessLanguage(text)
-                                             : language.substr(0, language.find_first_of("-_")))) {}
+      breaker_(std::make_unique<Breaker>(
+          language.empty() ? LanguageSeenIn(text)
+                           : std::string(language.substr(0, language.find_first_of("-_"))))) {}
 
 Sentences::~Sentences() = default;
 Sentences::Sentences(Sentences&&) noexcept = default;

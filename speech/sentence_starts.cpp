@@ -1,0 +1,151 @@
+// Sentences that ICU does not see: the second half of the rules of sentences.
+#include <glib.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "speech/sentence_around.h"
+#include "speech/sentence_characters.h"
+#include "speech/sentence_rules.h"
+#include "speech/sentence_words.h"
+
+namespace {
+
+constexpr std::size_t kLongestMark = 12;
+// Between the marks of two items, when these are capital letters: no initials.
+constexpr std::size_t kLeastInItem = 8;
+
+}  // namespace
+
+// A sentence does not end behind the number that its item begins with.
+bool SentenceRules::IsItemMark(std::size_t end) const {
+    std::size_t at = std::min(end, text_.size());
+    while (at > 0 && text_[at - 1] == ' ')
+        --at;
+    std::size_t begin = at;
+    while (begin > 0 && at - begin < kLongestMark) {
+        const gunichar before = CharacterAt(text_, Before(text_, begin));
+        if (IsWhite(before) || IsBullet(before) || (before >= kFirstIdeograph && begin < at))
+            break;
+        begin = Before(text_, begin);
+    }
+    const std::optional<ItemMark> mark = MarkAt(text_.substr(begin));
+    if (!mark || begin + mark->size != at)
+        return false;
+    const auto isItem = [this](std::size_t place) {
+        return place == 0 || std::ranges::find(items_, place) != items_.end();
+    };
+    while (!isItem(begin) &&
+           (text_[begin - 1] == ' ' || IsBullet(CharacterAt(text_, Before(text_, begin)))))
+        begin = Before(text_, begin);
+    const auto open = enclosures_.OpenOf(at - 1);  // "(see p. 3.)"
+    return isItem(begin) ||
+           (mark->tail.ends_with(')') && !mark->isLetter && (!open || *open == begin));
+}
+
+std::vector<std::size_t> SentenceRules::OwnStarts() const {
+    std::vector<std::size_t> starts = items_;
+    AddTightStops(starts);
+    AddUnseenStops(starts);
+    AddSpacedQuotations(starts);
+    return starts;
+}
+
+// "1) one 2) two", "• one • two": marks that follow one another.
+void SentenceRules::FindListItems() {
+    const gunichar bullet = CharacterAt(text_, 0);
+    if (IsBullet(bullet)) {
+        const std::string_view mark = text_.substr(0, BytesOf(bullet));
+        for (std::size_t at = text_.find(mark, 1); at != std::string_view::npos;
+             at = text_.find(mark, at + 1))
+            if (text_[at - 1] == ' ')
+                items_.push_back(at);
+        return;
+    }
+    std::optional<ItemMark> last = MarkAt(text_);
+    if (!last)
+        return;
+    std::size_t behindLast = last->size;
+    for (std::size_t at = behindLast; at < text_.size(); at += BytesOf(CharacterAt(text_, at))) {
+        const gunichar before = CharacterAt(text_, Before(text_, at));
+        if (before != ' ' && (before < kFirstIdeograph || !IsStop(before)))
+            continue;
+        const std::optional<ItemMark> mark = MarkAt(text_.substr(at));
+        if (!mark || mark->value != last->value + 1 || mark->isLetter != last->isLetter ||
+            mark->tail != last->tail || (mark->isCapital && at < behindLast + kLeastInItem))
+            continue;
+        items_.push_back(at);
+        behindLast = at + mark->size;
+        last = mark;
+    }
+}
+
+// "« Quoi ? » Personne ...": ICU sees a sentence end before the closing mark.
+void SentenceRules::AddSpacedQuotations(std::vector<std::size_t>& starts) const {
+    for (std::size_t at = text_.find("» "); at != std::string_view::npos;
+         at = text_.find("» ", at + 1)) {
+        const std::size_t start = at + std::string_view("» ").size();
+        if (at == 0 || start >= text_.size() || !IsWhite(CharacterAt(text_, Before(text_, at))))
+            continue;
+        const Around around = Look(start);
+        if (around.stops > 0 && g_unichar_isupper(around.nextCharacter) != 0 &&
+            EndsAt(start, false))
+            starts.push_back(start);
+    }
+}
+
+// Stops that ICU takes for an abbreviation's, because a number or dots follow, or does not know.
+void SentenceRules::AddUnseenStops(std::vector<std::size_t>& starts) const {
+    for (std::size_t at = text_.find(' '); at != std::string_view::npos;
+         at = text_.find(' ', at + 1))
+        if (at > 0 && at + 1 < text_.size() && IsUnseenStop(at))
+            starts.push_back(at + 1);
+}
+
+bool SentenceRules::IsUnseenStop(std::size_t blank) const {
+    const char before = text_[blank - 1];
+    const std::string_view next = text_.substr(blank + 1);
+    // "'s Avonds"
+    if (before == '.' && language_ == "nl" && next.size() > 3 && next[0] == '\'' && next[2] == ' ')
+        return g_ascii_isupper(next[3]);
+    if (before == ':')  // the Armenian stop as it is typed
+        return language_ == "hy";
+    if (text_.substr(0, blank).ends_with("፡፡"))  // as the Ethiopic stop is typed
+        return !enclosures_.Hold(blank);
+    if (text_.substr(0, blank).ends_with("…"))
+        return g_unichar_isupper(CharacterAt(next, 0)) != 0 && !enclosures_.Hold(blank);
+    if (before != '.' ||
+        (!g_ascii_isdigit(next[0]) && !next.starts_with("...") && !next.starts_with("…")))
+        return false;
+    const Around around = Look(blank + 1);
+    const std::string_view word = around.word;
+    const glong letters = g_utf8_strlen(word.data(), static_cast<gssize>(word.size()));
+    // "3-2. 1,500 people"
+    constexpr std::size_t kLongNumber = 4;
+    if (EndsInNumber(word) && word.size() > 2 && next.find(' ') >= kLongNumber)
+        return around.stops == 1 && !HasDottedOrdinals(language_) && !enclosures_.Hold(blank) &&
+               !IsItemMark(blank);
+    return around.stops == 1 && letters > 3 && g_unichar_isalpha(CharacterAt(word, 0)) != 0 &&
+           !enclosures_.Hold(blank) && !NeedsNumber(word) && !NeedsWhatFollows(word, language_) &&
+           !MayEndSentence(word);
+}
+
+// "world.Today is", but neither "www.Example.com" nor "3.5".
+void SentenceRules::AddTightStops(std::vector<std::size_t>& starts) const {
+    for (std::size_t at = text_.find('.'); at != std::string_view::npos;
+         at = text_.find('.', at + 1)) {
+        if (at < 2 || at + 2 >= text_.size() || !g_ascii_isupper(text_[at + 1]) ||
+            !g_ascii_islower(text_[at + 2]))
+            continue;
+        const bool behindWord = g_ascii_islower(text_[at - 1]) && g_ascii_islower(text_[at - 2]);
+        const bool behindNumber = g_ascii_isdigit(text_[at - 1]) && g_ascii_isdigit(text_[at - 2]);
+        const std::size_t begin = text_.find_last_of(' ', at) + 1;
+        const std::size_t end = std::min(text_.find(' ', at), text_.size());
+        const std::string_view token = text_.substr(begin, end - begin);
+        const bool isAddress =
+            token.find_first_of("/@_\\:=()") != std::string_view::npos || token.starts_with("www.");
+        if ((behindWord || behindNumber) && !isAddress && !enclosures_.Hold(at + 1) &&
+            (end < text_.size() || token.ends_with('.')))
+            starts.push_back(at + 1);
+    }
+}
