@@ -41,6 +41,7 @@ struct Document {
     std::vector<DocumentLanguage> languages;  // none: it says nothing of its language
     bool hasSurroundings = false;             // a web page's menus and the like were left out,
     std::size_t surroundingWords = 0;         // so many words of them
+    bool isRecognised = false;                // in pictures, which took its time
 };
 
 // What is left out.

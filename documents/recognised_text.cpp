@@ -70,6 +70,7 @@ public:
 
     Document Take() const {
         Document document = growing_ ? growing_->Take() : Joined();
+        document.isRecognised = true;
         document.remark = "The text was recognised in pictures; some of its words may be wrong.";
         return document;
     }
@@ -87,7 +88,9 @@ private:
             pages.pop_back();
         for (PdfPage& page : pages)
             growing_->Add(std::move(page));
-        if (const Document beginning = growing_->Beginning(); !beginning.text.empty())
+        Document beginning = growing_->Beginning();
+        beginning.isRecognised = true;
+        if (!beginning.text.empty())
             watch.TellBeginning(beginning);
     }
 

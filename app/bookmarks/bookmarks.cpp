@@ -96,6 +96,8 @@ void Bookmarks::CmList() {
 
 void Bookmarks::GoTo(const Bookmark& bookmark) {
     const auto place = FindPlace(bookmark.at, parts_.text.Text());
+    if (!place && parts_.text.Structure().IsPart())
+        return Tell("The page of this bookmark is not here yet: choose it again when it has come.");
     if (!place)
         return Tell("The text has changed: the sentence of this bookmark is not in it.");
     const GtkTextIter at = parts_.text.PlaceCursor(*place);

@@ -35,15 +35,15 @@ void Audiobooks::CmSaveAsAudiobook() {
         dialog_.EnableControls();
 }
 
-// The document as it is in its file has chapters and a cover. What its user has changed in the
-// window has the headings that are still there.
+// The document as it is in its file has chapters and a cover; a scan has none, and is not
+// recognised again. What its user has changed in the window has the headings that are still there.
 void Audiobooks::AddText() {
     if (!parts_.awaitText() || !dialog_.IsOpen())
         return;
     const std::string text = parts_.text.Text();
     const std::string& file = parts_.text.File();
     Document document;
-    if (!file.empty() && !IsWebAddress(file)) {
+    if (!file.empty() && !IsWebAddress(file) && !parts_.text.Structure().IsRecognised()) {
         const std::optional<Document> loaded =
             LoadDocumentUnderDialog(dialog_.Widget(), file.c_str(), false);
         if (!loaded || !dialog_.IsOpen())

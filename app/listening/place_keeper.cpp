@@ -17,8 +17,13 @@ std::string PlaceKeeper::KeyOfWindow(const std::string& text) const {
 }
 
 void PlaceKeeper::TextCame() {
-    offer_.Close();
     isAwaited_ = false;
+    LookForPlace();
+}
+
+void PlaceKeeper::LookForPlace() {
+    offer_.Close();
+    const bool wasAwaited = std::exchange(isAwaited_, false);
     const std::string text = parts_.text.Text();
     const auto kept = text.empty() ? std::nullopt : places_.Find(KeyOfWindow(text));
     if (!kept)
@@ -27,6 +32,10 @@ void PlaceKeeper::TextCame() {
     const auto place = isPart && text.size() <= kept->place ? std::nullopt : FindPlace(*kept, text);
     if (!place && isPart) {
         isAwaited_ = true;
+        if (!wasAwaited)
+            parts_.tell(("You stopped at " + std::to_string(kept->Percent()) +
+                         " %, on a page that is still to come: it is offered when it is here.")
+                            .c_str());
         return;
     }
     if (!place) {
@@ -42,7 +51,7 @@ void PlaceKeeper::TextCame() {
 
 void PlaceKeeper::TextGrew() {
     if (isAwaited_)
-        TextCame();
+        LookForPlace();
 }
 
 void PlaceKeeper::TextChanged() {

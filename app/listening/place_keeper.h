@@ -35,6 +35,7 @@ public:
 
 private:
     void Hear(const ReadingNews& news);
+    void LookForPlace();
     void NoteText();
     void Keep(std::size_t place);
     void GoOn();

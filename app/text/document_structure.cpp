@@ -31,7 +31,8 @@ void DocumentStructure::Set(const Document& document, bool isPart) {
             .outline = OutlineOf(document),
             .pages = document.pages,
             .languages = document.languages,
-            .isPart = isPart});
+            .isPart = isPart,
+            .isRecognised = document.isRecognised});
 }
 
 void DocumentStructure::Grow(const Document& more, std::size_t begin, bool isPart) {
@@ -60,6 +61,7 @@ KeptStructure DocumentStructure::Now() const {
         now.outline[i++].begin = place;
     now.languages = Languages();
     now.isPart = isPart_;
+    now.isRecognised = isRecognised_;
     return now;
 }
 
@@ -74,6 +76,7 @@ void DocumentStructure::Change(KeptStructure structure) {
     structure.pages.resize(std::min(structure.pages.size(), kMostPages));
     title_ = std::move(structure.title);
     isPart_ = structure.isPart;
+    isRecognised_ = structure.isRecognised;
     outline_ = std::move(structure.outline);
     std::vector<std::size_t> places;
     places.reserve(outline_.size());

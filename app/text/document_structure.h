@@ -30,6 +30,7 @@ public:
     void Clear();  // a text that has none has come
 
     bool IsPart() const { return isPart_; }              // the rest of the document has not come
+    bool IsRecognised() const { return isRecognised_; }  // in pictures, which took its time
     const std::string& Title() const { return title_; }  // the document's own; may be empty
     std::vector<DocumentLanguage> Languages() const;     // where they are now
     // Their places are those in the text as it came.
@@ -49,6 +50,7 @@ private:
     std::function<void()> changed_;
     std::string title_;
     bool isPart_ = false;
+    bool isRecognised_ = false;
     std::vector<OutlineEntry> outline_;
     MarkedPlaces places_;
     MarkedPlaces pages_;

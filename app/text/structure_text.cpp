@@ -10,13 +10,14 @@ namespace {
 constexpr int kDeepest = 20;
 
 // "title Ferries", "chapter 120 0 Oars", "heading 300 1 More of oars", "page 0", "language 0 de",
-// "part".
+// "part", "recognised".
 constexpr std::string_view kTitleLine = "title ";
 constexpr std::string_view kChapterLine = "chapter ";
 constexpr std::string_view kHeadingLine = "heading ";
 constexpr std::string_view kPageLine = "page ";
 constexpr std::string_view kLanguageLine = "language ";
 constexpr std::string_view kPartLine = "part";
+constexpr std::string_view kRecognisedLine = "recognised";
 
 std::string Unbroken(std::string title) {
     std::ranges::replace(title, '\n', ' ');
@@ -46,8 +47,8 @@ bool TakeLine(std::string_view line, std::size_t textSize, KeptStructure& struct
         structure.pages.push_back(begin);
         return true;
     }
-    if (line == kPartLine) {
-        structure.isPart = true;
+    if (line == kPartLine || line == kRecognisedLine) {
+        (line == kPartLine ? structure.isPart : structure.isRecognised) = true;
         return true;
     }
     if (line.starts_with(kLanguageLine))
@@ -84,6 +85,8 @@ std::string LinesOfStructure(const KeptStructure& structure) {
                  Unbroken(language.tag) + '\n';
     if (structure.isPart)
         lines += std::string(kPartLine) + '\n';
+    if (structure.isRecognised)
+        lines += std::string(kRecognisedLine) + '\n';
     return lines;
 }
 

@@ -13,7 +13,8 @@ struct KeptStructure {
     std::vector<OutlineEntry> outline = {};
     std::vector<std::size_t> pages = {};
     std::vector<DocumentLanguage> languages = {};
-    bool isPart = false;  // the rest of the document was still to come
+    bool isPart = false;        // the rest of the document was still to come
+    bool isRecognised = false;  // in pictures
 
     bool operator==(const KeptStructure&) const = default;
 };

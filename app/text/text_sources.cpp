@@ -134,13 +134,13 @@ bool TextSources::LoadFile(const std::string& path, FileFrom from, bool isWholeP
     if (rest_)
         rest_->Follow([this](const auto&... more) { EvMore(more...); });
     NoteFile(path);
+    if (rest_)
+        window_.TellStatusText("The first page is here; the others come while it is read.");
     if (from == FileFrom::kUser)
         listener_.opened();
     if (std::exchange(isUnreadableTold_, false))
         listener_.readable();
-    if (rest_)
-        window_.TellStatusText("The first page is here; the others come while it is read.");
-    else if (const std::string note = NoteOn(document); !note.empty())
+    if (const std::string note = rest_ ? "" : NoteOn(document); !note.empty())
         window_.TellStatusText(note.c_str());
     return true;
 }

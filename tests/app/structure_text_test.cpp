@@ -10,13 +10,14 @@ TEST(StructureText, ComesBackAsItWasAndNoFurtherThanItsTextGoes) {
     KeptStructure structure{.title = "A\nBook",
                             .pages = {0, 7, 7, 90},
                             .languages = {{0, "de"}, {20, ""}},
-                            .isPart = true};
+                            .isPart = true,
+                            .isRecognised = true};
     structure.outline = {
         {"Oars", 5, 0, true}, {"More of\noars", 20, 1, false}, {"1 2", 80, 0, true}};
     const std::string lines = LinesOfStructure(structure);
     EXPECT_EQ(lines,
               "title A Book\nchapter 5 0 Oars\nheading 20 1 More of oars\nchapter 80 0 1 2\n"
-              "page 0\npage 7\npage 7\npage 90\nlanguage 0 de\nlanguage 20 \npart\n");
+              "page 0\npage 7\npage 7\npage 90\nlanguage 0 de\nlanguage 20 \npart\nrecognised\n");
     EXPECT_EQ(LinesOfStructure(StructureOfLines(lines, 90)), lines);
     EXPECT_EQ(StructureOfLines(lines, 89).pages.size(), 3U);
     EXPECT_EQ(StructureOfLines(lines, 79).outline.size(), 2U);

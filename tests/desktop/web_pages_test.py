@@ -16,8 +16,21 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def do_GET(self):
         if self.path == "/slow":
             self.server.may_end.wait()
+        if self.path == "/mail":
+            self.wfile.write(b"220 ready\r\n")
+            return
+        if self.path.startswith("/to?"):
+            self.send_response(302)
+            self.send_header("Location", self.path[4:])
+            self.end_headers()
+            return
         self.send_response(200)
         self.end_headers()
+        try:
+            while self.path == "/endless":
+                self.wfile.write(b"word " * 13000)
+        except OSError:
+            return
         self.wfile.write(PAGE.encode())
 
     def log_message(self, *_):
@@ -66,6 +79,20 @@ class WebPagesTest(DesktopCase):
         self.assertEqual(lectora.text(), self.address("/slow"))
         desktop.press_keys("ctrl+z")
         desktop.wait_until(lambda: lectora.text() == ARTICLE, "the text before")
+
+        # A site that keeps no promise is told in one sentence, and takes no text away.
+        for path, sentence in (
+            ("/to?http://127.0.0.2/", "127.0.0.2 is an address inside this computer or network; a page that leads there is not followed."),
+            ("/to?file:///etc/passwd", "127.0.0.1 leads to what is no web page."),
+            ("/endless", "127.0.0.1 sends more than can be read."),
+            ("/mail", "127.0.0.1 answers with something that is no web page."),
+        ):
+            self.select(self.address(path))
+            desktop.press_keys("ctrl+b")
+            lectora.find("label", sentence)
+            lectora.press("push button", "OK")
+            desktop.wait_until(lambda: len(lectora.windows()) == 1, "the box to go")
+            self.assertEqual(lectora.text(), ARTICLE)
 
 
 if __name__ == "__main__":
