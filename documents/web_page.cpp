@@ -130,6 +130,15 @@ std::string TransferProblem(CURLcode code, const Step& step, const std::string& 
         case CURLE_RECV_ERROR:
         case CURLE_GOT_NOTHING:
             return host + " ended the connection before the page was whole.";
+        case CURLE_UNSUPPORTED_PROTOCOL:  // an answer without a head
+        case CURLE_WEIRD_SERVER_REPLY:
+        case CURLE_BAD_CONTENT_ENCODING:
+        case CURLE_HTTP2:
+            return host + " answers with something that is no web page.";
+        case CURLE_SSL_CONNECT_ERROR:
+            return host + " cannot be reached over a secure connection.";
+        case CURLE_URL_MALFORMAT:
+            return "This is no address of a web page.";
         default:
             return host + " cannot be read: " + CurlLibrary::Get().easyStrerror(code) + ".";
     }

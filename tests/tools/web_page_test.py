@@ -33,6 +33,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.send_header("Content-Length", "5000")
             self.end_headers()
             self.wfile.write(b"<p>beginning")
+        elif self.path == "/mail":
+            self.wfile.write(b"220 ready\r\n")
         elif self.path in ("/endless", "/heads"):
             self.send_response(200)
             block = b"word " * 13000 if self.path == "/endless" else b"X-A: " + b"b" * 60000 + b"\r\n"
@@ -133,7 +135,7 @@ class WebPageTest(ProgramCase):
         self.assert_refused(self.server.address("/to?" * 12 + "/page"), "on and on")
 
     def test_whatever_a_server_sends_ends_in_bounds(self):
-        for path, reason in (("/endless", "more than can be read"), ("/heads", "more than can be read"), ("/cut", "before the page was whole"), ("/none", "no such page (404)")):
+        for path, reason in (("/endless", "more than can be read"), ("/heads", "more than can be read"), ("/cut", "before the page was whole"), ("/mail", "something that is no web page"), ("/none", "no such page (404)")):
             self.assert_refused(self.server.address(path), reason)
         port = self.server.server_port
         self.assert_refused(f"http://nobody.invalid:{port}/", "no site called nobody.invalid")
