@@ -11,6 +11,7 @@ namespace {
 // What is longer is no help to a listener.
 constexpr int kMostTokens = 40;
 constexpr std::size_t kMostDepth = 24;
+constexpr std::size_t kLongestToken = 1000;
 
 // Between two of which stands an invisible "times", or a function's name and its argument.
 constexpr std::string_view kUnseen[] = {"\u2061", "\u2062", "\u2063", "\u2064"};
@@ -110,8 +111,10 @@ void FormulaText::End() {
 }
 
 void FormulaText::AddText(std::string_view text) {
-    if (!isTable_ && open_.back()->part == Part::kToken)
-        open_.back()->text += text.substr(0, 64);
+    if (isTable_ || open_.back()->part != Part::kToken)
+        return;
+    open_.back()->text += text;
+    isTable_ = open_.back()->text.size() > kLongestToken;
 }
 
 std::string FormulaText::Take() {

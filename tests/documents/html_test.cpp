@@ -84,9 +84,12 @@ TEST(Html, MarksThatPointToNotesAreNotRead) {
 }
 
 TEST(Html, ListsKeepTheirNumbersAndFormulasAreReadOnce) {
+    std::string many;
+    for (int i = 0; i < 40; ++i)
+        many += "é";
     const struct {
-        const char* body;
-        const char* text;
+        std::string body;
+        std::string text;
     } cases[] = {
         {"<ol><li><p>a</p><ol type=a start=2><li>b<li>c</ol><li value=7>d</ol><ul><li>e</ul>",
          "1. a\n\nb. b\n\nc. c\n\n7. d\n\ne"},
@@ -100,6 +103,9 @@ TEST(Html, ListsKeepTheirNumbersAndFormulasAreReadOnce) {
          "<mo>⁡</mo><msup><mi>e</mi><mrow><mo>−</mo><mi>i</mi></mrow></msup></math>",
          "(a + 1)/√x e^−i"},
         {"<math><mtable><mtr><mtd><mn>1</mn></mtd></mtr></mtable></math>", "formula"},
+        // No word is lost and no character cut, however long a token is.
+        {"<math><mtext>a" + many + "</mtext></math>", "a" + many},
+        {"<math><mtext>" + std::string(2000, 'a') + "</mtext></math>", "formula"},
     };
     for (const auto& item : cases)
         EXPECT_EQ(Read(std::string("<html><body>") + item.body), item.text);
