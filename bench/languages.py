@@ -14,7 +14,16 @@ LANGUAGES = "de fr es it ru cs pl nl sv da nb fi pt tr hu ro uk el ja ca sk sl h
 PROGRAMS = "bash coreutils apt dpkg findutils grep sed tar diffutils adduser gawk make wget gtk20 glib20 debconf".split()
 SIZES = ((5, 9), (10, 19), (20, 50))
 MOST = 120
-NO_PROSE = re.compile(r"%|--|`|\$|<|>|[A-Z]{3,}|_|\\|=|[a-z]\(|/|\bGNU\b")
+NO_PROSE = re.compile(r"%|--|`|\$|<|>|[A-Z]{3,}|_|\\|=|[a-z]\(|/|\bGNU\b|[][*|&^{}]|\B-\w|\w\.\w")
+WORD = re.compile(r"[^\W\d_]{2,}")
+MOST_ENGLISH = 0.2  # of the words: what is not translated tells nothing of a language
+
+
+def is_translated(original, translated):
+    original = original[0] if isinstance(original, tuple) else original  # of several, by number
+    english = set(WORD.findall(original.lower()))
+    words = WORD.findall(translated.lower())
+    return sum(word in english for word in words) <= MOST_ENGLISH * len(words)
 
 
 def messages(language):
@@ -28,7 +37,7 @@ def messages(language):
         for original, translated in catalog.items():
             text = re.sub(r"\s+", " ", translated.strip()) if isinstance(translated, str) else ""
             enough = len(text.split()) >= 4 or (language == "ja" and len(text) > 12)
-            if original and text != original and enough and not NO_PROSE.search(text):
+            if original and enough and is_translated(original, text) and not NO_PROSE.search(text):
                 found.add(text)
     return sorted(found)
 

@@ -8,6 +8,7 @@
 #include <array>
 
 #include "foundation/owned_text.h"
+#include "speech/language_words.h"
 
 namespace {
 
@@ -16,6 +17,7 @@ constexpr int kMostOfIt = 75;
 // Letters' bytes. Of texts with fewer, one in ten is another language than it seems; 60 are some
 // ten words.
 constexpr int kFewestBytes = 30;
+constexpr int kEnoughForOthers = 60;
 constexpr int kEnoughForAlike = 160;
 
 constexpr std::pair<std::string_view, std::string_view> kSameLanguages[] = {
@@ -40,22 +42,39 @@ struct Tellers {
     std::array<std::string_view, 28> parts;
 };
 constexpr Tellers kTellers[] = {
-    {"da", {" af ",  "tion",  "hed ",  "heden", "ede ",  "efter",  " ud",    " op ",   "øj",
-            "ej",    " at ",  "æs",    "igt ",  "uden",  "brug",   "sprog",  "mellem", "hvad ",
-            "nogen", "noget", "meget", " mig ", " dig ", " blev ", " blive", " have ", "erne "}},
-    {"nb", {" av ",  "sjon",  "het ",  "heten", "etter", " ut",  " opp",  "øy",     "ei",
-            " å ",   "les ",  "noe",   "lig ",  "uten",  "bruk", "språk", "mellom", " hva ",
-            " mye ", " meg ", " deg ", " ble ", " bli ", " ha ", " fra ", "ene ",   "tilgj"}},
+    {"da",
+     {" af ",  "tion",  "hed ",  "heden", "ede ",   "efter",  " ud",    " op ",   "øj",    "ej",
+      " at ",  "æ",     "øg",    "igt ",  "uden",   "brug",   "sprog",  "mellem", "hvad ", "nogen",
+      "noget", "meget", " mig ", " dig ", " blev ", " blive", " have ", "erne "}},
+    // No Danish word ends in a double consonant.
+    {"nb", {" av ",  "sjon", "het ", "heten", "etter", " ut", "pp ",    "øy",    "ei",    " å ",
+            "les ",  "noe",  "lig ", "uten",  "bruk",  "nn ", "mellom", " hva ", " mye ", " meg ",
+            " deg ", "ll ",  "tt ",  "gj",    "kj",    "ss ", "ene ",   "kk "}},
     {"sv", {"ä", "ö", " och ", " att ", " inte ", " är ", "ning"}},
-    {"bg", {"ъ", " се ", "ият "}},
-    {"ru", {"ы", "э", "ё"}},
-    {"uk", {"і", "ї", "є", "ґ"}},
-    {"sr", {"ј", "љ", "њ", "ђ", "ћ", "џ", " šta ", "fajl", " gde ", "vreme", " reč", "mesto"}},
+    {"bg", {"ъ", " се ", "ият ", "й", "я", "щ", "ю"}},
+    {"ru", {"ы", "э", "ё", "й", "я", "щ", "ю"}},
+    {"uk", {"і", "ї", "є", "ґ", "й", "я", "щ", "ю"}},
+    {"sr",
+     {"ј",     "љ",    "њ",      "ђ",       "ћ",       "џ",        " šta ",    "fajl",    " gde ",
+      "vreme", " reč", "mesto",  "isat",    "išete",   "podrazum", "interfej", " da vid", "tačk",
+      "tačn",  "opšt", "sistem", "računar", "korišće", "izvešt",   "uopšte",   "đ",       "ć"}},
     {"hr",
-     {" što ", "gdje", "uvjet", "vrijed", "đ", "ć", "tijek", "smije", " nije ", "prije", "ovdje"}},
-    {"sl", {" ki ", "lahko", " ni ", "mogoče", " ter ", " bo ", "ljen", " ob ", " kot "}},
+     {"irat",   "sučelj",  "točk",   "točn",  "opć",  "sustav", "računal", "korište", "pogrešk",
+      "izvješ", "posluži", "tisuć",  "europ", "rije", "lije",   "dije",    "cije",    " što ",
+      "gdje",   "uvjet",   "vrijed", "đ",     "ć",    "tijek",  "smije",   "prije",   "ovdje"}},
+    {"sl",
+     {"sistem", "vredno", " vse", "mesto", "čas", " ki ", "lahko", " ni ", "mogoče", " ter ",
+      " bo ", "ljen", " ob ", " kot "}},
 };
-constexpr std::size_t kTellingMore = 1;
+// Of small words (language_words.h): that many show a language which CLD2 is not sure of, when it
+// leads by so many; and, where its own has none, that it is another one.
+constexpr double kEnoughWords = 1.5;
+constexpr double kEnoughToAgree = 0.8;
+constexpr double kManyWords = 2;
+constexpr double kLead = 0.7;
+constexpr double kSeenFirst = 0.01;
+constexpr double kSeenSurely = 3;  // where nothing is known here that tells the language apart
+constexpr double kNearly = 1;      // as much
 
 std::size_t CountTellers(std::string_view text, std::string_view language) {
     const auto* const found = std::ranges::find(kTellers, language, &Tellers::language);
@@ -69,24 +88,71 @@ std::size_t CountTellers(std::string_view text, std::string_view language) {
     return count;
 }
 
+double SumOf(const std::vector<ShownByWords>& shown, std::string_view language) {
+    const auto found = std::ranges::find(shown, language, &ShownByWords::language);
+    return found == shown.end() ? 0 : found->sum;
+}
+
+bool HoldsScript(std::string_view text, GUnicodeScript script) {
+    for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at))
+        if (g_unichar_get_script(g_utf8_get_char(at)) == script)
+            return true;
+    return false;
+}
+
+// With itself.
+std::vector<std::string_view> MuchAlike(std::string_view language) {
+    std::vector<std::string_view> all;
+    for (const auto& group : kAlike)
+        if (std::ranges::find(group, language) != std::end(group))
+            for (const std::string_view one : group)
+                if (!one.empty() && std::ranges::find(all, one) == all.end())
+                    all.push_back(one);
+    return all;
+}
+
+double SeenFirst(std::string_view language) {
+    const auto* const tellers = std::ranges::find(kTellers, language, &Tellers::language);
+    return tellers == std::end(kTellers) ? kSeenSurely : kSeenFirst;
+}
+
 // The one of those much alike that the text shows.
-std::string ToldApart(std::string_view text, std::string language) {
-    for (const auto& group : kAlike) {
-        if (std::ranges::find(group, language) == std::end(group))
-            continue;
-        const OwnedText small(g_utf8_strdown(text.data(), static_cast<gssize>(text.size())));
-        const std::string padded = " " + std::string(small.get()) + " ";
-        std::size_t most = CountTellers(padded, language) + kTellingMore - 1;
-        for (const std::string_view other : group) {
-            const std::size_t count = CountTellers(padded, other);
-            if (count > most) {
-                most = count;
-                language = other;
-            }
-        }
-        return language;
-    }
-    return language;
+TextLanguage ToldApart(std::string_view text, std::string language,
+                       const std::vector<ShownByWords>& shown) {
+    TextLanguage found;
+    if (!shown.empty() && shown[0].sum >= kManyWords && IsKnownByWords(language) &&
+        SumOf(shown, language) == 0)
+        language = shown[0].language;
+    // What is Serbian in Latin letters has to show it: mostly it has its own.
+    if (language == "sr" && !HoldsScript(text, G_UNICODE_SCRIPT_CYRILLIC))
+        language = "hr";
+    const OwnedText small(g_utf8_strdown(text.data(), static_cast<gssize>(text.size())));
+    const std::string padded = " " + std::string(small.get()) + " ";
+    const auto shows = [&](std::string_view one) {
+        return static_cast<double>(CountTellers(padded, one)) + SumOf(shown, one);
+    };
+    std::vector<std::pair<double, std::string_view>> sums;
+    for (const std::string_view other : MuchAlike(language))
+        // What was seen first goes before what shows as much.
+        sums.emplace_back(shows(other) + (other == language ? SeenFirst(language) : 0), other);
+    std::ranges::stable_sort(sums, std::ranges::greater(), &decltype(sums)::value_type::first);
+    for (const auto& [sum, other] : sums)
+        if (other != sums.front().second && sum >= sums.front().first - kNearly)
+            found.orElse.emplace_back(other);
+    if (!sums.empty())
+        language = sums.front().second;
+    found.tag = std::move(language);
+    return found;
+}
+
+// maybe: what CLD2 would say.
+std::string ShownAlone(const std::vector<ShownByWords>& shown, std::string_view maybe) {
+    if (shown.empty())
+        return {};
+    const bool leads = shown.size() == 1 || shown[1].sum <= shown[0].sum - kLead;
+    const bool isShown = shown[0].language == maybe ? shown[0].sum >= kEnoughToAgree
+                                                    : shown[0].sum >= kEnoughWords && leads;
+    return isShown ? std::string(shown[0].language) : "";
 }
 
 }  // namespace
@@ -134,9 +200,19 @@ TextLanguage LanguageOf(std::string_view text) {
         if (AreMuchAlike(tag, LanguageOnly(CLD2::LanguageCode(languages[i]))))
             percent += percents[i];
     const bool isSure = isReliable || percent > percents[0];
-    if (!isSure || language == CLD2::UNKNOWN_LANGUAGE || bytes < kFewestBytes ||
-        percent < kMostOfIt)
+    if (bytes < kFewestBytes)
         return found;
-    found.tag = ToldApart(text, tag);
-    return found;
+    const bool isKnown = isSure && language != CLD2::UNKNOWN_LANGUAGE && percent >= kMostOfIt;
+    if (isKnown && bytes >= kEnoughForOthers && MuchAlike(tag).empty()) {
+        found.tag = tag;
+        return found;
+    }
+    const std::vector<ShownByWords> shown = LanguagesShownByWords(text);
+    if (!isKnown) {
+        found.tag = ShownAlone(shown, tag);
+        return found;
+    }
+    TextLanguage apart = ToldApart(text, tag, shown);
+    apart.isLong = found.isLong;
+    return apart;
 }

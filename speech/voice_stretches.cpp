@@ -87,7 +87,7 @@ void VoiceStretches::AddParagraph() {
 
 void VoiceStretches::AddSentences(const std::vector<Sentence>& paragraph) {
     const auto languageOf = [this](std::size_t begin, std::size_t end) {
-        return LanguageOf(text_.substr(begin, end - begin));
+        return WithVoice(LanguageOf(text_.substr(begin, end - begin)));
     };
     const std::size_t begin = paragraph.front().begin;
     std::optional<TextLanguage> whole;  // asked for by sentences that do not tell, or not surely
@@ -112,6 +112,19 @@ void VoiceStretches::AddSentences(const std::vector<Sentence>& paragraph) {
         }
     }
     ready_.back().end = ahead_ ? ahead_->begin : text_.size();
+}
+
+// Who has no Norwegian voice does not see Danish taken for it.
+TextLanguage VoiceStretches::WithVoice(TextLanguage seen) const {
+    const auto hasVoice = [this](const std::string& language) {
+        return language == voiceLanguage_ || VoiceForLanguage(language) >= 0;
+    };
+    if (seen.orElse.empty() || hasVoice(seen.tag))
+        return seen;
+    const auto other = std::ranges::find_if(seen.orElse, hasVoice);
+    if (other != seen.orElse.end())
+        seen.tag = *other;
+    return seen;
 }
 
 // The language of what was looked at; empty when nothing tells it.

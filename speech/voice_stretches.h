@@ -46,6 +46,7 @@ private:
     bool Fill();
     void AddParagraph();
     void AddSentences(const std::vector<Sentence>& paragraph);
+    TextLanguage WithVoice(TextLanguage seen) const;
     std::string Judge(const TextLanguage& seen, const std::string& marked) const;
     std::string MarkedLanguage(std::size_t place) const;
     int VoiceOf(const std::string& language);

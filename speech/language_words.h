@@ -1,0 +1,15 @@
+// The small words that show a language, and what shows one of languages that are much alike.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+// How many words of a text are its; one that several languages have is shared among them.
+struct ShownByWords {
+    std::string_view language;
+    double sum;
+};
+
+// Of the languages that are known here, those that show, the one that shows most first.
+std::vector<ShownByWords> LanguagesShownByWords(std::string_view text);
+bool IsKnownByWords(std::string_view language);
