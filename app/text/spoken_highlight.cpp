@@ -138,11 +138,14 @@ void SpokenHighlight::ShowWord(const WordInTime& word) {
         return;
     wordBegin_ = word.begin;
     wordStop_ = word.end;
-    if (word.begin < shownBegin_ || word.begin >= word.end)
+    const auto now = places_.Now(word.begin, word.end);
+    if (!now || word.begin < shownBegin_ || word.begin >= word.end)
         return;
+    // The mark of the stretch stays before what is typed right there.
+    const bool isFromStart = places_.HasEdits();
     GtkTextIter first;
-    gtk_text_buffer_get_iter_at_mark(buffer_, &first, shown_);
-    lines_->Forward(first, word.begin - shownBegin_);
+    gtk_text_buffer_get_iter_at_mark(buffer_, &first, isFromStart ? start_ : shown_);
+    lines_->Forward(first, isFromStart ? *now : word.begin - shownBegin_);
     GtkTextIter last = first;
     lines_->Forward(last, word.end - word.begin);
     gtk_text_buffer_move_mark(buffer_, word_, &first);
