@@ -3,6 +3,7 @@
 #include <gdk/gdkkeysyms.h>
 #include <glib.h>
 
+#include <cerrno>
 #include <utility>
 
 #include "app/bookmarks/bookmarks_dialog.h"
@@ -68,12 +69,15 @@ void Bookmarks::CmSet() {
                                    .sentence = std::move(sentence)}};
     KeptBookmarks kept;
     kept.TakeAlong(bookmark.at.key, here.text);
-    if (kept.IsFull())
+    std::string gone;
+    const int error = kept.Set(bookmark, &gone);
+    if (error == ENOBUFS)
         return Tell("There are " + std::to_string(KeptBookmarks::kMost) +
                     " bookmarks already: remove one first.");
-    if (const int error = kept.Set(bookmark); error != 0)
+    if (error != 0)
         return Tell(std::string("The bookmark cannot be kept: ") + g_strerror(error) + ".");
-    Tell("Bookmark: \"" + bookmark.Title() + "\"");
+    Tell("Bookmark: \"" + bookmark.Title() + "\"" +
+         (gone.empty() ? "" : "; the one at \"" + gone + "\", in a text that is gone, made room"));
 }
 
 void Bookmarks::CmList() {

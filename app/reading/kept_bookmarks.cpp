@@ -50,16 +50,19 @@ std::vector<Bookmark> KeptBookmarks::Of(const std::string& key) const {
     return found;
 }
 
-int KeptBookmarks::Set(Bookmark bookmark) {
+int KeptBookmarks::Set(Bookmark bookmark, std::string* gone) {
     std::erase_if(bookmarks_, [&](const Bookmark& each) { return IsSamePlace(each, bookmark); });
     // Nobody can come back to a text that was in no file and is gone.
     const auto ofGoneText = std::ranges::find_if(bookmarks_, [&](const Bookmark& each) {
         return each.at.key.starts_with(kOfWindow) && each.at.key != bookmark.at.key;
     });
-    if (IsFull() && ofGoneText != bookmarks_.end())
+    if (IsFull() && ofGoneText != bookmarks_.end()) {
+        if (gone != nullptr)
+            *gone = ofGoneText->Title();
         bookmarks_.erase(ofGoneText);
+    }
     if (IsFull())
-        return ENOSPC;
+        return ENOBUFS;
     bookmark.at.sentence.resize(
         WholeCharacters(bookmark.at.sentence, KeptPlaces::kMostSentence).size());
     bookmark.name.resize(WholeCharacters(bookmark.name, kMostName).size());

@@ -30,8 +30,9 @@ public:
     KeptBookmarks();                                         // as they are now
     std::vector<Bookmark> Of(const std::string& key) const;  // in the order of their places
     bool IsFull() const { return bookmarks_.size() >= kMost; }
-    // In place of the one that stands there, if any, unless it is full; 0 or the errno.
-    int Set(Bookmark bookmark);
+    // In place of the one that stands there, if any. One of a text that is gone makes room where
+    // there is none: *gone is its title. 0, ENOBUFS when there are too many, or the errno.
+    int Set(Bookmark bookmark, std::string* gone = nullptr);
     int Remove(const Bookmark& bookmark);  // likewise
     // If this is a text in no file, it gets those set in one whose sentence stands in it: an edit
     // makes another text of it. 0 or the errno.

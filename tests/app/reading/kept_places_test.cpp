@@ -56,7 +56,12 @@ TEST(KeptBookmarksTest, EachDocumentHasItsOwnInTheOrderOfTheText) {
             EXPECT_EQ(kept.Set({.at = PlaceIn(text, sentence, "book")}), 0);
         for (std::size_t number = 3; number < KeptBookmarks::kMost; ++number)
             EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", std::to_string(number))}), 0);
-        EXPECT_NE(kept.Set({.at = PlaceIn(text, "Two", "one too many")}), 0);
+        EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", "one too many")}), ENOBUFS);
+        EXPECT_EQ(kept.Remove({.at = PlaceIn(text, "Two", "3")}), 0);
+        EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Three", KeyOfWindowText(text))}), 0);
+        std::string gone;
+        EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", "3")}, &gone), 0) << "makes room";
+        EXPECT_EQ(gone, "Three");
         EXPECT_EQ(kept.Set({.at = PlaceIn(text, "Two", "book"), .name = longName}), 0)
             << "another name";
         EXPECT_EQ(kept.Remove({.at = PlaceIn(text, "One", "book")}), 0);
