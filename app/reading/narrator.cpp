@@ -245,6 +245,7 @@ void Narrator::AwaitMore() {
     wanted_ = info_.SpokenSize();
     isAwaitingText_ = true;
     isMove_ = true;  // what was heard can be heard again
+    SetTime(info_.Times().TimeOf(wanted_));
     Enter(ReadingState::kWaitingForSound);
     if (isAwaitingText_)
         nextPlace_.Start(0, [this] { ReadMore(); });

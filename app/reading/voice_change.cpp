@@ -26,18 +26,24 @@ VoiceChange::VoiceChange(Narrator& narrator)
 
 bool VoiceChange::Begin(int voice) {
     voice_.reset();
+    isForSpeedAlone_ = false;
     sentenceEnd_.Stop();
     return voice != narrator_.Voice() && ReadOnWith(voice);
 }
 
 void VoiceChange::BeginAnew() {
+    isForSpeedAlone_ = false;
     ReadOnWith(voice_.value_or(narrator_.Voice()));
 }
 
 void VoiceChange::FollowTempo() {
     tempoRest_.Start(kTempoRestMilliseconds, [this] {
+        const bool waitsForMore = voice_ && !isForSpeedAlone_;
         if (narrator_.WantsOtherSpeed())
             BeginAnew();
+        else if (!waitsForMore)
+            voice_.reset();
+        isForSpeedAlone_ = !waitsForMore;
     });
 }
 

@@ -26,7 +26,8 @@ private:
     void FollowTempo();
 
     Narrator& narrator_;
-    std::optional<int> voice_;  // that waits for its sentence
+    std::optional<int> voice_;      // that waits for its sentence
+    bool isForSpeedAlone_ = false;  // nothing else is to change there
     LGuiTimer sentenceEnd_;
     LGuiTimer tempoRest_;
     Narrator::Subscription news_;
