@@ -178,6 +178,10 @@ void ShortcutPortal::BindShortcuts() {
 
 void ShortcutPortal::Call(const char* method, Asked asked, GVariant* arguments) {
     asked_ = asked;
+    // What the portal says of a request that nobody waits for any more counts no longer.
+    g_cancellable_cancel(cancellable_);
+    g_object_unref(cancellable_);
+    cancellable_ = g_cancellable_new();
     g_dbus_connection_call(connection_, kPortalName, kPortalPath, kShortcutsInterface, method,
                            arguments, G_VARIANT_TYPE("(o)"), G_DBUS_CALL_FLAGS_NONE, -1,
                            cancellable_, GCAnswered, this);

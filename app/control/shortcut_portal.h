@@ -66,7 +66,7 @@ private:
     std::string RequestPath() const;
 
     const Listener listener_;
-    GCancellable* const cancellable_ = g_cancellable_new();
+    GCancellable* cancellable_ = g_cancellable_new();  // of what is asked and not answered yet
     GDBusConnection* connection_ = nullptr;
     std::vector<guint> subscriptions_;
     std::vector<Shortcut> shortcuts_;
