@@ -50,9 +50,8 @@ public:
     // changed meanwhile. One at a time.
     void Fetch(std::function<void(const std::string& text)> then,
                SelectionWatch::From from = SelectionWatch::From::kNewest);
-    // What was fetched comes into the window; of a web address alone, its page. False: that is
-    // unreadable, which is told, or cancelled; the text stays, as it does where nothing was
-    // fetched.
+    // What was fetched comes into the window; of a web address alone, its page. False, and the text
+    // stays: nothing was fetched, the page was cancelled, or it cannot be read, which is told.
     bool Take(const std::string& text, FileFrom from = FileFrom::kUser);
     // Fetches and takes. Where nothing is selected or copied, that is the text
     // that was there.
