@@ -8,9 +8,9 @@
 //   Voices=/home/me/amy.onnx;/home/me/joe.onnx
 //
 // "{text}" is a file of UTF-8, "{wav}" the file to make of it, "{voice}" one of the voices,
-// "{rate}" the speed, always 1: listeners change it themselves. Each becomes one word of the shell.
-// A file whose owner is neither the user nor root, or that others can write, is passed over: it is
-// run.
+// "{rate}" the speed as a factor: 1, and what the listener has chosen from "RateFrom" percent on
+// (310 without that key). Each becomes one word of the shell. A file whose owner is neither the
+// user nor root, or that others can write, is passed over: it is run.
 #pragma once
 
 #include <vector>

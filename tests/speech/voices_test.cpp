@@ -135,8 +135,9 @@ void InstallManyVoices(const FakeEngine& engine, const std::string& longName) {
     const std::string folder = engine / ".quillon/lectora/engines";
     std::filesystem::create_directories(folder);
     const std::string file =
-        "[Engine]\nName=Neural\nLanguage=cs\nCommand=neural {voice} {text} {wav}\n";
-    std::ofstream(folder + "/mine.engine") << file << "Voices=/v/it's.onnx;two\n";
+        "[Engine]\nName=Neural\nLanguage=cs\nCommand=neural {voice} {text} {wav} {rate}\n";
+    std::ofstream(folder + "/mine.engine") << file << "RateFrom=150\n"
+                                           << "Voices=/v/it's.onnx;two\n";
     std::ofstream(folder + "/theirs.engine") << file;
     std::filesystem::permissions(folder + "/mine.engine", std::filesystem::perms(0600));
     std::filesystem::permissions(folder + "/theirs.engine", std::filesystem::perms(0666));
@@ -179,7 +180,8 @@ void CheckEachVoice(const std::string& longName) {
     KeepManner(VoiceAt(12), {});
     EXPECT_EQ(MannerOf(VoiceAt(12)), VoiceManner());
     EXPECT_EQ(command(16, 400), "flite -voice slt -f '/t x' -o /w");
-    EXPECT_EQ(command(17), "neural '/v/it'\\''s.onnx' '/t x' /w");
+    for (const auto& [speed, rate] : {std::pair{100, "1"}, {149, "1"}, {205, "2.05"}, {600, "6"}})
+        EXPECT_EQ(command(17, speed), "neural '/v/it'\\''s.onnx' '/t x' /w " + std::string(rate));
 }
 
 void CheckTheChosenOne() {
