@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "foundation/first_words.h"
+#include "speech/voice_manner.h"
 #include "speech/voice_table.h"
 
 void ReadingInfo::SetText(ReadingText text) {
@@ -57,6 +58,9 @@ void ReadingInfo::Speak(std::size_t place, int voice, int speed, const std::stri
     SpeakingRules rules = rules_ ? *rules_ : ChosenSpeakingRules();
     rules.marks = languages_;
     rules.headings = headings_;
+    // What is chosen meanwhile counts from the sentence on that VoiceChange waits for.
+    if (rules.manners.empty())
+        rules.manners = MannersOfVoices();
     rules.speeds.assign(KnownVoices().size(), speed);  // those of other languages do as this one
     reading_->SpeakBy(std::move(rules));
     reading_->KeepReserve(reserve_);

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "app/commands/command_numbers.h"
 #include "app/voices/voice_chooser_dialog.h"
@@ -52,12 +53,12 @@ void VoiceCommands::CmChoose() {
 }
 
 void VoiceCommands::TakeFrom(const std::function<bool()>& dialog) {
-    const Voice reads = VoiceAt(narrator_.Voice());
-    const VoiceManner before = MannerOf(reads);
+    // The reading's own, and those that it has for other languages.
+    const std::vector<VoiceManner> before = MannersOfVoices();
     if (!dialog() || !window_.IsOpen())
         return;
     TakeSettings();
-    if (MannerOf(reads) != before)
+    if (MannersOfVoices() != before)
         change_.BeginAnew();
 }
 

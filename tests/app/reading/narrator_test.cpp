@@ -8,6 +8,7 @@
 #include <random>
 
 #include "playback/settings_keys.h"
+#include "speech/voice_manner.h"
 #include "tests/app/reading/narrator_fixture.h"
 
 namespace {
@@ -197,18 +198,19 @@ TEST_F(NarratorTest, AnotherVoiceGoesOnAtTheNextSentence) {
 }
 
 TEST_F(NarratorTest, AnEngineItselfSpeaksFastFromTheNextSentenceOn) {
-    home_.WriteProgram("espeak-ng",
-                       "speed=1\n"
-                       "while [ $# -gt 1 ]; do\n"
-                       "case $1 in -s) speed=$(($2 / 175));; -f) t=$2;; -w) w=$2;; esac\n"
-                       "shift; done\n"
-                       "text2wave -eval \"(at_$speed)\" \"$t\" -o \"$w.own\" >/dev/null 2>&1\n"
-                       "sox -t wav \"$w.own\" -t wav \"$w\" speed $speed; rm \"$w.own\"\n");
+    home_.WriteProgram(
+        "espeak-ng",
+        "speed=1; volume=100\n"
+        "while [ $# -gt 1 ]; do\n"
+        "case $1 in -s) speed=$(($2 / 175));; -a) volume=$2;; -f) t=$2;; -w) w=$2;; esac\n"
+        "shift; done\n"
+        "text2wave -eval \"(at_${speed}_$volume)\" \"$t\" -o \"$w.own\" >/dev/null 2>&1\n"
+        "sox -t wav \"$w.own\" -t wav \"$w\" speed $speed; rm \"$w.own\"\n");
     const ScopedVariable path("PATH", (home_ / ":" + std::getenv("PATH")).c_str());
     AddVoices({{.engine = "espeak-ng", .name = "en", .title = "English", .language = "en"}});
     PlayerTempo("espeak-ng:en").Delete();
     cards_.Insert(0, "speed 1\n");
-    const VoiceChange change(*narrator_);
+    VoiceChange change(*narrator_);
     const std::string text = LongText(200);
     const auto isAt = [&] { return WordsAt(text, last_) >= "Sentence number 1004"; };
     narrator_->Read({.text = text}, FindVoice("espeak-ng:en"));
@@ -218,7 +220,7 @@ TEST_F(NarratorTest, AnEngineItselfSpeaksFastFromTheNextSentenceOn) {
     EXPECT_FALSE(narrator_->WantsOtherSpeed());
     narrator_->SetTempo(400);
     ASSERT_TRUE(RunUntil([&] { return !narrator_->WantsOtherSpeed() && isAt(); }));
-    EXPECT_THAT(home_.Read("engine.log"), testing::HasSubstr("(at_4) Sentence number 1"));
+    EXPECT_THAT(home_.Read("engine.log"), testing::HasSubstr("(at_4_100) Sentence number 1"));
     // Times stay those of the voice's own speed.
     EXPECT_NEAR(narrator_->Length().Milliseconds(), length, 0.1 * length);
     const SpokenStretch heard = *last_.stretch;
@@ -231,6 +233,16 @@ TEST_F(NarratorTest, AnEngineItselfSpeaksFastFromTheNextSentenceOn) {
     narrator_->MoveToSentence(-1);
     ASSERT_TRUE(RunUntil([&] { return last_.state == State::kPlaying && last_.stretch; }));
     EXPECT_LT(WordsAt(text, last_), words);
+    // A volume that is kept while it reads is not heard in the middle of something.
+    KeepManner(VoiceAt(narrator_->Voice()), {.volume = 50});
+    const std::size_t told = home_.Read("engine.log").size();
+    ASSERT_TRUE(RunUntil([&] { return home_.Read("engine.log").size() > told + 100; }));
+    EXPECT_THAT(home_.Read("engine.log"), testing::Not(testing::HasSubstr("(at_4_50)")));
+    const std::string sentence = WordsAt(text, last_);
+    change.BeginAnew();
+    ASSERT_TRUE(RunUntil([&] { return WordsAt(text, last_) > sentence; }));
+    EXPECT_THAT(home_.Read("engine.log"), testing::HasSubstr("(at_4_50) " + WordsAt(text, last_)));
+    KeepManner(VoiceAt(narrator_->Voice()), {});
 }
 
 TEST_F(NarratorTest, NothingLeftToSayBehindAPlaceIsAnEnd) {
