@@ -60,6 +60,10 @@ std::string BitRatePart(const LMp3EncodeSettings& settings) {
 
 }  // namespace
 
+int Mp3EncodedRate(const LMp3EncodeSettings& settings, int inRate) {
+    return ChooseRate(RatesOf(settings), inRate);
+}
+
 bool Mp3CreateEncoderCommandLine(char* commandLine, int& outRate, unsigned char& outChannels,
                                  const char* outputPath, LMp3EncodeSettings& settings, int inRate,
                                  unsigned char channelsIn) {

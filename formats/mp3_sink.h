@@ -9,6 +9,9 @@
 // Holds the longest path of a file, each byte of it behind a backslash.
 constexpr std::size_t kMp3CommandLineSize = 9216;
 
+// What sound of that rate is encoded at.
+int Mp3EncodedRate(const LMp3EncodeSettings& settings, int inRate);
+
 // Builds the encoder's command line into commandLine (kMp3CommandLineSize bytes) and chooses what
 // the encoder is to be fed. False when the component is not installed, or the line would not fit.
 bool Mp3CreateEncoderCommandLine(char* commandLine, int& outRate, unsigned char& outChannels,
