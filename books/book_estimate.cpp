@@ -1,5 +1,8 @@
 #include "books/book_estimate.h"
 
+#include <algorithm>
+
+#include "books/book_sections.h"
 #include "speech/speech_estimate.h"
 
 namespace {
@@ -30,6 +33,12 @@ BookEstimate EstimateBook(const BookPlan& plan, const BookOrder& manner) {
         whole.seconds += SecondsOfChapter(manner, chapter);
     whole.bytes = static_cast<long long>(whole.seconds * BytesASecond(manner)) +
                   static_cast<long long>(plan.cover.size());
+    // Sections as WAV, and the encoded ones beside what is joined of them.
+    constexpr double kSectionsAtOnce = 4;
+    const double size = plan.chapters.empty() ? 1 : static_cast<double>(plan.chapters.back().end);
+    const double section = std::min(kSectionsAtOnce * LongestSection(size) / size, 1.0);
+    whole.bytesMeanwhile =
+        static_cast<long long>(section * whole.seconds * 2 * kUsualRate) + whole.bytes;
     return whole;
 }
 

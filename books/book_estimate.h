@@ -6,6 +6,7 @@
 struct BookEstimate {
     double seconds = 0;
     long long bytes = 0;
+    long long bytesMeanwhile = 0;  // what stands beside it while it is made
 };
 
 // Of a book that is ordered in that manner, whose own plan does not count. Voices differ by some

@@ -26,6 +26,7 @@ struct BookOrder {
     bool isReadAlong = false;  // an EPUB with text and sound, which is MP3 (read_along.h)
     std::string engineFolder;  // for the engine's own files, with its slash
 
+    bool HasFileAChapter() const { return isReadAlong || target.back() == '/'; }  // of sound
     bool NeedsTimes() const { return subtitles || isReadAlong; }  // of its sentences
 };
 

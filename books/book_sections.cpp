@@ -7,11 +7,11 @@
 
 namespace {
 
-// One is spoken while others are encoded: with so many, the disk never holds half of the book as
+// One is spoken while others are encoded: with so many, the disk holds a small part of the book as
 // WAV, and no core waits long for the last one. Below the least they would cost more than they
 // save.
-constexpr std::size_t kFewestSections = 12;
-constexpr std::size_t kLeastSection = 4'000;  // bytes, which speak for some four minutes
+constexpr double kFewestSections = 24;
+constexpr double kLeastSection = 4'000;  // bytes, which speak for some four minutes
 
 std::size_t EndOfPart(std::string_view text, std::size_t begin, std::size_t wanted) {
     const std::size_t least = begin + (wanted - begin) / 2;
@@ -37,17 +37,20 @@ std::vector<std::size_t> EndsOfParts(std::string_view text, std::size_t begin, s
     return ends;
 }
 
+double LongestSection(double size) {
+    return std::max(size / kFewestSections, kLeastSection);
+}
+
 std::vector<BookSection> SectionsOf(const BookOrder& order) {
-    const bool isFileAChapter = order.target.back() == '/' || order.isReadAlong;
-    const std::size_t longest = std::max(order.text.size() / kFewestSections, kLeastSection);
+    const auto longest =
+        static_cast<std::size_t>(LongestSection(static_cast<double>(order.text.size())));
     std::vector<BookSection> sections;
     for (std::size_t i = 0; i < order.plan.chapters.size(); ++i) {
         const BookChapter& chapter = order.plan.chapters[i];
         std::size_t begin = chapter.begin;
-        for (const std::size_t end : EndsOfParts(
-                 order.text, chapter.begin, chapter.end,
-                 isFileAChapter ? std::max(longest, chapter.end - chapter.begin) : longest)) {
-            sections.push_back({i, begin, end, end == chapter.end});
+        for (const std::size_t end : EndsOfParts(order.text, chapter.begin, chapter.end, longest)) {
+            const bool beginsFile = begin == chapter.begin && (i == 0 || order.HasFileAChapter());
+            sections.push_back({i, begin, end, beginsFile, end == chapter.end});
             begin = end;
         }
     }

@@ -13,11 +13,14 @@ struct BookSection {
     std::size_t chapter = 0;
     std::size_t begin = 0;  // bytes of the text
     std::size_t end = 0;
+    bool beginsFile = true;  // of sound: the book's or its chapter's
     bool endsChapter = true;
 };
 
-// In order, without gaps. A chapter that becomes a file of its own is not cut: such a file tells
-// players how to pass from one to the next without a gap, which joined sound cannot.
+// Bytes of a section of a text of so many.
+double LongestSection(double size);
+
+// In order, without gaps.
 std::vector<BookSection> SectionsOf(const BookOrder& order);
 
 // Where the parts of a stretch of the text end when none is to be longer than that: behind a

@@ -38,6 +38,8 @@ std::string TrackText(const BookTags& tags) {
     return std::to_string(tags.track) + "/" + std::to_string(tags.tracks);
 }
 
+constexpr int kAacFrame = 1024;  // of which one stands before the sound
+
 // Players on ffmpeg's libraries take the length of a frame within a chapter's for a plain number
 // and pass over chapters where that is not the same: from 128 bytes on, one of which tells the
 // encoding.
@@ -164,6 +166,16 @@ bool TagFlac(const std::string& path, const BookTags& tags) {
     return file.save();
 }
 
+// What the encoder has put before and behind the sound, and how long that is.
+std::string Gapless(const SoundLength& sound) {
+    const std::int64_t whole = (sound.frames + kAacFrame - 1) / kAacFrame * kAacFrame;
+    char text[80];
+    std::snprintf(text, sizeof text, " 00000000 %08X %08llX %016llX", kAacFrame,
+                  static_cast<unsigned long long>(whole - sound.frames),
+                  static_cast<unsigned long long>(sound.frames));
+    return text;
+}
+
 bool TagMp4(const std::string& path, const BookTags& tags) {
     TagLib::MP4::File file(path.c_str(), false);
     if (!file.isValid())
@@ -181,6 +193,9 @@ bool TagMp4(const std::string& path, const BookTags& tags) {
                        ByteVectorOf(tags.cover)});
         tag.setItem("covr", covers);
     }
+    if (tags.sound.frames > 0)
+        tag.setItem("----:com.apple.iTunes:iTunSMPB",
+                    TagLib::StringList(Utf8(Gapless(tags.sound))));
     constexpr int kAudiobook = 2;
     tag.setItem("stik", TagLib::MP4::Item(kAudiobook));
     return file.save();

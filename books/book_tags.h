@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "books/book_joint.h"
 #include "formats/sound_types.h"
 
 struct ChapterMark {
@@ -21,6 +22,7 @@ struct BookTags {
     int tracks = 0;
     std::string cover;  // the bytes of a picture file
     std::vector<ChapterMark> chapters;
+    SoundLength sound;  // of M4B, whose players leave out what the encoder adds
 };
 
 // Into the finished file, whatever its name: ID3v2.4 with CHAP and CTOC frames, Vorbis comments

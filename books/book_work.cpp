@@ -85,6 +85,26 @@ std::string BookWork::Path(std::size_t index, const char* ending) const {
     return folder_ + name;
 }
 
+SpokenSection BookWork::Spoken(std::size_t index) const {
+    return LoadSpoken(ContentOf(Path(index, "spoken")));
+}
+
+std::string BookWork::Write(const std::string& path, const std::string& content) const {
+    WholeFile file(path, WholeFile::Existing::kReplace);
+    std::string problem = file.Problem();
+    if (problem.empty()) {
+        errno = 0;
+        std::FILE* const out = std::fopen(file.WritePath().c_str(), "wbe");
+        const bool isWritten =
+            out != nullptr && std::fwrite(content.data(), 1, content.size(), out) == content.size();
+        if ((out != nullptr && std::fclose(out) != 0) || !isWritten)
+            problem = std::strerror(errno);
+        else
+            problem = file.Commit();
+    }
+    return problem.empty() ? "" : path + ": " + problem;
+}
+
 // Of all that the sound depends on.
 std::string BookWork::KeyOf() const {
     const std::unique_ptr<GChecksum, decltype(&g_checksum_free)> sum(
@@ -94,6 +114,7 @@ std::string BookWork::KeyOf() const {
         g_checksum_update(sum.get(), reinterpret_cast<const guchar*>(framed.data()),
                           static_cast<gssize>(framed.size()));
     };
+    add("2");  // the form of what is kept
     add(order_.text);
     add(SpokenBy(order_, order_.voice));
     AddRules(order_, add);

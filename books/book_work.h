@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "books/spoken_section.h"
 #include "foundation/files/unique_fd.h"
 
 struct BookOrder;
@@ -18,6 +19,9 @@ public:
     void Remove();
 
     std::string Path(std::size_t index, const char* ending) const;  // of a section's file
+    SpokenSection Spoken(std::size_t index) const;
+    // Whole or not at all, wherever it is. Why that cannot be, or empty.
+    std::string Write(const std::string& path, const std::string& content) const;
 
 private:
     std::string KeyOf() const;

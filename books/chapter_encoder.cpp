@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <cstring>
 #include <thread>
 
@@ -27,7 +26,6 @@ using namespace std::chrono_literals;
 // Each has a chapter as WAV on the disk.
 constexpr unsigned int kFewestWorkers = 2;
 constexpr unsigned int kMostWorkers = 4;
-constexpr double kLoudestChange = 20;  // decibels
 
 LSoundSink OpenChapterSink(const ChapterToEncode& chapter, const char* path, int rate) {
     const int kilobits =
@@ -40,12 +38,7 @@ LSoundSink OpenChapterSink(const ChapterToEncode& chapter, const char* path, int
         case SoundType::kOpus:
             return OpenOpusSink(path, 1, kilobits);
         case SoundType::kM4b:
-            return OpenAacSink(path, rate, 1, kilobits,
-                               chapter.isPart ? AacContainer::kAdts : AacContainer::kMp4);
-        case SoundType::kWav:
-            if (!chapter.isPart)
-                return LWaveFile::OpenSinkPCM(path, rate, 1, 16, 0);
-            [[fallthrough]];
+            return OpenAacSink(path, rate, 1, kilobits, AacContainer::kAdts);
         default:
             return OpenFlacSink(path, rate, 1);
     }
@@ -128,25 +121,14 @@ std::string ChapterEncoder::Worker::Encode(const ChapterToEncode& chapter) {
     WholeFile file(chapter.path, WholeFile::Existing::kReplace);
     if (!file.Problem().empty())
         return file.Problem();
-    std::string problem = Write(chapter, file.WritePath());
-    if (!problem.empty())
-        return problem;
-    if (!chapter.isPart && !WriteBookTags(file.WritePath(), chapter.type, chapter.tags))
-        return "title and cover cannot be written";
-    return file.Commit();
+    const std::string problem = Write(chapter, file.WritePath());
+    return problem.empty() ? file.Commit() : problem;
 }
 
 std::string ChapterEncoder::Worker::Write(const ChapterToEncode& chapter, const std::string& path) {
-    double change = 0;
-    if (chapter.evensLoudness) {
-        const LSoundSource whole = LWaveFile::OpenSource(chapter.speech.c_str());
-        const double loudness = LoudnessOf(whole);
-        if (std::isfinite(loudness) && loudness > -70)
-            change = std::min(kBookLoudness - loudness, kLoudestChange);
-    }
     LSoundSource source = LWaveFile::OpenSource(chapter.speech.c_str());
-    if (chapter.evensLoudness)
-        source = Louder(source, change);
+    if (!chapter.levels.empty())
+        source = Louder(source, chapter.levels);
     const LSoundSink sink = OpenChapterSink(chapter, path.c_str(), source->SampleRate());
     if ((sink->Status() & 1) != 0)
         return WhyNotOpen(chapter.type);

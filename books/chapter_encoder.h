@@ -1,5 +1,6 @@
-// Encodes finished chapters on threads of their own, two to four as there are cores: encoders are
-// slower than quick engines. The engine waits only while all of them are at work.
+// Encodes spoken sections, as what can be joined (book_joint.h), on threads of their own, two to
+// four as there are cores: encoders are slower than quick engines. The engine waits only while all
+// of them are at work.
 #pragma once
 
 #include <chrono>
@@ -10,18 +11,17 @@
 #include <string>
 #include <vector>
 
-#include "books/book_tags.h"
+#include "books/book_levels.h"
+#include "formats/sound_types.h"
 #include "foundation/threads/progress.h"
 
 struct ChapterToEncode {
-    std::string speech;  // the WAV file, removed once it is encoded
-    std::string path;    // what it becomes; appears only whole
-    std::string name;    // of the chapter, for messages
-    SoundType type = SoundType::kMp3;
-    bool isPart = false;  // of one file: without tags, and what can be joined
-    int kilobits = 0;     // a second; 0: what serves speech of its rate
-    bool evensLoudness = true;
-    BookTags tags;
+    std::string speech;                // the WAV file, removed once it is encoded
+    std::string path;                  // what it becomes; appears only whole
+    std::string name;                  // of the chapter, for messages
+    SoundType type = SoundType::kMp3;  // of the book
+    int kilobits = 0;                  // a second; 0: what serves speech of its rate
+    std::vector<LevelStretch> levels;  // none: as it is
 };
 
 class ChapterEncoder {

@@ -15,13 +15,15 @@ constexpr int kRateOfSilence = 22050;  // of a book without a word
 
 class ChapterTaker final : public SpokenPieceTaker {
 public:
-    ChapterTaker(const BookOrder& order, std::string_view text, std::string path)
-        : order_(order), text_(text), path_(std::move(path)) {}
+    ChapterTaker(std::string_view text, const SpeechFile& file) : text_(text), file_(file) {}
 
     SynthesisOutcome TakePiece(const LSoundSource& sound, const SpeechPiece& piece) override {
         if (!isOpen_)
-            Open(sound->SampleRate());
-        const int first = sink_->FramesWritten();
+            Open(file_.rate > 0 ? file_.rate : sound->SampleRate());
+        const int first = Frames();
+        if (std::string voice = KeyOf(VoiceAt(piece.voice));
+            voices_.empty() || voices_.back().voice != voice)
+            voices_.push_back({first, std::move(voice)});
         LSilentProgress unseen;
         LPRSourceToSink request{"", sound, sink_};
         if (Process(unseen, request) != kProcessDone)
@@ -32,23 +34,30 @@ public:
         return SynthesisOutcome::kSpoken;
     }
 
-    // errno, 0 when all is written.
-    int Finish(double secondsOfSilence) {
-        if (!isOpen_)
-            Open(kRateOfSilence);
-        const std::vector<int> silence(kMaxBlockFrames);
-        for (int left = static_cast<int>(secondsOfSilence * sink_->SampleRate()); left > 0;
-             left -= kMaxBlockFrames)
-            sink_->Write(silence.data(), std::min(left, kMaxBlockFrames));
-        return sink_->Finish();
-    }
-
-    std::vector<SubtitleLine>& Lines() { return lines_; }
-
-private:
+    bool IsOpen() const { return isOpen_; }
     void Open(int rate) {
         isOpen_ = true;
-        sink_ = LWaveFile::OpenSinkPCM(path_.c_str(), rate, 1, 16, 0);
+        sink_ = LWaveFile::OpenSinkPCM(file_.path.c_str(), rate, 1, 16, 0);
+        Write(file_.lead);
+    }
+    // errno, 0 when all is written.
+    int Finish(double secondsOfSilence) {
+        Write(std::vector<int>(static_cast<std::size_t>(secondsOfSilence * sink_->SampleRate())));
+        return sink_->Finish();
+    }
+    void Tell(ChapterSpeech& speech) {
+        speech.lines = std::move(lines_);
+        speech.voices = std::move(voices_);
+        speech.rate = sink_->SampleRate();
+        speech.frames = Frames();
+    }
+
+private:
+    int Frames() const { return sink_->FramesWritten() - static_cast<int>(file_.lead.size()); }
+    void Write(const std::vector<int>& samples) {
+        for (std::size_t at = 0; at < samples.size(); at += kMaxBlockFrames)
+            sink_->Write(samples.data() + at, static_cast<int>(std::min<std::size_t>(
+                                                  samples.size() - at, kMaxBlockFrames)));
     }
     // A line a sentence; without times the piece is one.
     void AddLines(const SpeechPiece& piece, const SpokenTimes& times, int first) {
@@ -67,19 +76,51 @@ private:
             line.begin =
                 MillisecondsAt(first + (times.unitFrames.empty() ? 0 : times.unitFrames[unit]));
             line.end = next < units.size() ? MillisecondsAt(first + times.unitFrames[next])
-                                           : MillisecondsAt(sink_->FramesWritten());
+                                           : MillisecondsAt(Frames());
             lines_.push_back(std::move(line));
         }
     }
     long long MillisecondsAt(int frame) const { return frame * 1000LL / sink_->SampleRate(); }
 
-    const BookOrder& order_;
     std::string_view text_;
-    std::string path_;
+    const SpeechFile& file_;
     LSoundSink sink_;
     bool isOpen_ = false;
     std::vector<SubtitleLine> lines_;
+    std::vector<VoiceTurn> voices_;
 };
+
+// Ends the reading with the first sound.
+class RateTaker final : public SpokenPieceTaker {
+public:
+    SynthesisOutcome TakePiece(const LSoundSource& sound, const SpeechPiece&) override {
+        rate_ = sound->SampleRate();
+        return SynthesisOutcome::kCannotWrite;
+    }
+    int Rate() const { return rate_; }
+
+private:
+    int rate_ = kRateOfSilence;
+};
+
+SpeakingRules RulesFrom(const BookOrder& order, std::size_t begin) {
+    SpeakingRules rules = order.rules;
+    rules.marks = MarksFrom(rules.marks, begin);
+    for (const DocumentHeading& heading : order.plan.headings)
+        if (heading.begin >= begin)
+            rules.headings.push_back(heading.begin - begin);
+    return rules;
+}
+
+// Of a book that begins with what cannot be said.
+int RateBehind(const BookOrder& order, std::size_t begin) {
+    RateTaker taker;
+    PieceRuns runs(std::string_view(order.text).substr(begin), order.voice, order.engineFolder,
+                   ReadingUse::kListening, taker, RulesFrom(order, begin));
+    LSilentProgress unseen;
+    Process(unseen, runs);
+    return taker.Rate();
+}
 
 // A chapter's share of the whole.
 class ShareOfBook final : public LProgress {
@@ -109,20 +150,16 @@ private:
 }  // namespace
 
 ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter, double silence,
-                               const std::string& path, LProgress& progress) {
+                               const SpeechFile& file, LProgress& progress) {
     const std::string_view text =
         std::string_view(order.text).substr(chapter.begin, chapter.end - chapter.begin);
     const auto size = static_cast<double>(std::max<std::size_t>(order.text.size(), 1));
     ShareOfBook share(progress, static_cast<double>(chapter.begin) / size,
                       static_cast<double>(chapter.end) / size);
-    ChapterTaker taker(order, text, path);
-    SpeakingRules rules = order.rules;
-    rules.marks = MarksFrom(rules.marks, chapter.begin);
-    for (const DocumentHeading& heading : order.plan.headings)
-        if (heading.begin >= chapter.begin)
-            rules.headings.push_back(heading.begin - chapter.begin);
+    ChapterTaker taker(text, file);
     const ReadingUse use = order.NeedsTimes() ? ReadingUse::kSavingSentences : ReadingUse::kSaving;
-    PieceRuns runs(text, order.voice, order.engineFolder, use, taker, rules);
+    PieceRuns runs(text, order.voice, order.engineFolder, use, taker,
+                   RulesFrom(order, chapter.begin));
     const LProcessResult result = Process(share, runs);
     ChapterSpeech speech;
     speech.isStopped = result == kProcessStopped || progress.IsToStop();
@@ -133,8 +170,10 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
         speech.remark = "It holds nothing that can be said, and is silent.";
     else if (result != kProcessDone)
         speech.problem = SynthesisMessage(runs.Outcome(), VoiceAt(order.voice));
+    if (!taker.IsOpen())
+        taker.Open(file.rate > 0 ? file.rate : RateBehind(order, chapter.end));
     if (const int error = taker.Finish(silence); error != 0)
         speech.problem = std::strerror(error);
-    speech.lines = std::move(taker.Lines());
+    taker.Tell(speech);
     return speech;
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "books/book_levels.h"
 #include "books/book_plan.h"
 #include "books/subtitles.h"
 #include "foundation/threads/progress.h"
@@ -15,9 +16,18 @@ struct ChapterSpeech {
     std::string problem;              // why there is no sound; empty when there is
     std::string remark;               // what was left out, in a sentence
     std::vector<SubtitleLine> lines;  // where the order wants subtitles, by sentence
+    std::vector<VoiceTurn> voices;
+    int rate = 0;
+    int frames = 0;  // behind the lead
 };
 
-// One channel of the voice's rate at `path`, with so many seconds of silence behind it; that alone
-// when it holds nothing that can be said. The fraction told is that of the whole book.
+struct SpeechFile {
+    std::string path;
+    int rate = 0;           // of the book; 0: not known yet, the first voice's
+    std::vector<int> lead;  // samples to begin with, which count for no times
+};
+
+// One channel, with so many seconds of silence behind it; that alone when it holds nothing that can
+// be said. The fraction told is that of the whole book.
 ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter, double silence,
-                               const std::string& path, LProgress& progress);
+                               const SpeechFile& file, LProgress& progress);

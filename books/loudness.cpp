@@ -1,11 +1,7 @@
 #include "books/loudness.h"
 
-#include <ebur128.h>
-
 #include <algorithm>
 #include <cmath>
-#include <memory>
-#include <vector>
 
 #include "sound/convert.h"
 
@@ -14,51 +10,69 @@ namespace {
 constexpr int kFullSample = 524288;
 constexpr double kHighestPeak = 0.85;  // 1.4 dB below full scale
 
-struct MeterCloser {
-    void operator()(ebur128_state* meter) const { ebur128_destroy(&meter); }
-};
+double FactorOf(const LevelStretch& level) {
+    return std::pow(10, level.change / 2000.0);
+}
 
-class GainSource final : public LSoundProcessBase {
+class LevelSource final : public LSoundProcessBase {
 public:
-    GainSource(const LSoundSource& inner, double factor)
-        : LSoundProcessBase(inner), factor_(factor) {
-        peakMagnitude_ = static_cast<int>(std::min(peakMagnitude_ * factor, 1e9));
+    LevelSource(const LSoundSource& inner, std::vector<LevelStretch> levels)
+        : LSoundProcessBase(inner), levels_(std::move(levels)) {
+        double loudest = 0;
+        for (const LevelStretch& level : levels_)
+            loudest = std::max(loudest, FactorOf(level));
+        peakMagnitude_ = static_cast<int>(std::min(peakMagnitude_ * loudest, 1e9));
     }
     void Read(int* buffer, int frames) override {
+        int at = inner_->GetPositionSample();
         inner_->Read(buffer, frames);
-        std::transform(buffer, buffer + frames * Channels(), buffer, [this](int sample) {
-            return static_cast<int>(std::lrint(sample * factor_));
-        });
+        while (frames > 0) {
+            const auto next = std::upper_bound(
+                levels_.begin(), levels_.end(), at,
+                [](int frame, const LevelStretch& level) { return frame < level.first; });
+            const int part = next == levels_.end() ? frames : std::min(frames, next->first - at);
+            const double factor = FactorOf(*(next == levels_.begin() ? next : next - 1));
+            int* const end = buffer + static_cast<std::ptrdiff_t>(part) * Channels();
+            std::transform(buffer, end, buffer, [factor](int sample) {
+                return static_cast<int>(std::lrint(sample * factor));
+            });
+            buffer = end;
+            at += part;
+            frames -= part;
+        }
     }
 
 private:
-    double factor_;
+    std::vector<LevelStretch> levels_;
 };
 
 }  // namespace
 
-double LoudnessOf(const LSoundSource& source) {
-    const std::unique_ptr<ebur128_state, MeterCloser> meter(
-        ebur128_init(source->Channels(), static_cast<unsigned long>(source->SampleRate()),
-                     EBUR128_MODE_I | EBUR128_MODE_HISTOGRAM));
-    if (meter == nullptr)
-        return kBookLoudness;
-    std::vector<int> block(static_cast<std::size_t>(kMaxBlockFrames) * source->Channels());
-    for (int left = source->GetEndSample() - source->GetPositionSample(); left > 0;) {
-        const int frames = std::min(left, kMaxBlockFrames);
-        source->Read(block.data(), frames);
-        for (int& sample : block)
-            sample =
-                static_cast<int>(std::clamp<long long>(sample * 4096LL, -2147483647, 2147483647));
-        ebur128_add_frames_int(meter.get(), block.data(), static_cast<std::size_t>(frames));
-        left -= frames;
-    }
-    double loudness = 0;
-    ebur128_loudness_global(meter.get(), &loudness);
+LoudnessMeter::LoudnessMeter(const LSoundSourceBase& source)
+    : meter_(ebur128_init(source.Channels(), static_cast<unsigned long>(source.SampleRate()),
+                          EBUR128_MODE_I | EBUR128_MODE_HISTOGRAM)),
+      rate_(source.SampleRate()),
+      channels_(source.Channels()) {}
+
+void LoudnessMeter::Add(const int* samples, int frames) {
+    frames_ += frames;
+    if (meter_ == nullptr)
+        return;
+    scaled_.resize(static_cast<std::size_t>(frames) * channels_);
+    std::transform(samples, samples + scaled_.size(), scaled_.begin(), [](int sample) {
+        return static_cast<int>(std::clamp<long long>(sample * 4096LL, -2147483647, 2147483647));
+    });
+    ebur128_add_frames_int(meter_.get(), scaled_.data(), static_cast<std::size_t>(frames));
+}
+
+double LoudnessMeter::Loudness() const {
+    double loudness = kBookLoudness;
+    if (meter_ != nullptr)
+        ebur128_loudness_global(meter_.get(), &loudness);
     return loudness;
 }
 
-LSoundSource Louder(const LSoundSource& source, double decibels) {
-    const LSoundSource louder(new GainSource(source, std::pow(10, decibels / 20)));
+LSoundSource Louder(const LSoundSource& source, std::vector<LevelStretch> levels) {
+    const LSoundSource louder(new LevelSource(source, std::move(levels)));
     return LSPPeakLimit(static_cast<int>(kHighestPeak * kFullSample)).OpenSource(louder);
 }

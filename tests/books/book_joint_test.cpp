@@ -34,12 +34,12 @@ void WriteFlacOf(const std::string& path, unsigned int frames) {
 
 TEST(BookJoint, ChaptersThatAreTogetherLongerThanAFileCanBeAreRefusedBeforeAnyIsWritten) {
     const ScratchFolder folder;
-    const std::vector<std::string> parts = {folder / "one.flac", folder / "two.flac"};
-    for (const std::string& part : parts)
-        WriteFlacOf(part, 0x40000000);
+    const std::vector<BookPart> parts = {{folder / "one.flac"}, {folder / "two.flac"}};
+    for (const BookPart& part : parts)
+        WriteFlacOf(part.path, 0x40000000);
     for (const SoundType type : {SoundType::kFlac, SoundType::kWav}) {
         LSilentProgress progress;
-        EXPECT_EQ(JoinBook(type, parts, folder / "book", progress).problem, kBookTooLong);
+        EXPECT_EQ(JoinBook(type, parts, {}, folder / "book", progress).problem, kBookTooLong);
         EXPECT_FALSE(std::filesystem::exists(folder / "book"));
     }
 }
@@ -70,10 +70,12 @@ TEST(BookJoint, IsStoppedAtAnyMomentOnADiskThatIsSlow) {
                                      {SoundType::kOpus, "opus"},
                                      {SoundType::kMp3, "mp3"}}) {
         SoonStopped stopped;
-        EXPECT_TRUE(JoinBook(type, {folder / part}, folder / "book", stopped).isStopped) << part;
+        EXPECT_TRUE(JoinBook(type, {{folder / part}}, {}, folder / "book", stopped).isStopped)
+            << part;
         EXPECT_EQ(stopped.asked, 2) << part;
         LSilentProgress progress;
-        EXPECT_EQ(JoinBook(type, {folder / part}, folder / "book", progress).problem, "") << part;
+        EXPECT_EQ(JoinBook(type, {{folder / part}}, {}, folder / "book", progress).problem, "")
+            << part;
     }
 }
 
