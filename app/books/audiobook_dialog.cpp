@@ -291,13 +291,13 @@ bool AudiobookDialog::IsReadyToStart(const BookChoices& choices) {
 }
 
 bool AudiobookDialog::HasRoom(const BookChoices& choices) {
-    const auto needed =
-        static_cast<double>(list_.EstimateOfOpen(OrderOf(choices, ChosenVoiceOf())).bytes);
+    const BookEstimate whole = list_.EstimateOfOpen(OrderOf(choices, ChosenVoiceOf()));
+    const auto needed = static_cast<double>(whole.bytes + whole.bytesMeanwhile);
     const std::optional<double> free = FreeBytes(choices.folder);
     if (!free || needed <= *free)
         return true;
-    const std::string details = "They take about " + SizeText(needed) + ", and " + SizeText(*free) +
-                                " are free in " + choices.folder +
+    const std::string details = "Making them takes about " + SizeText(needed) + ", and " +
+                                SizeText(*free) + " are free in " + choices.folder +
                                 ". Finished chapters are kept when the disk is full.";
     return MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kBoxTitle,
                          "The disk is too small for these books. Start all the same?",

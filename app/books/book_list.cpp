@@ -41,6 +41,7 @@ BookEstimate BookList::EstimateOfOpen(const BookOrder& manner) const {
         const BookEstimate one = EstimateOf(i, manner);
         whole.seconds += one.seconds;
         whole.bytes += one.bytes;
+        whole.bytesMeanwhile = std::max(whole.bytesMeanwhile, one.bytesMeanwhile);
     }
     return whole;
 }
