@@ -5,7 +5,7 @@
 
 For each type (mp3, opus, m4b): wall and processor time of lectora-say, of espeak-ng over the same
 text, and of the encoder over the engine's sound, in this order and then backwards, the better of
-both; memory; the most that the disk holds as WAV meanwhile; size; what ffprobe, mutagen-inspect and
+both; memory; the most that the disk holds meanwhile, as WAV and in all; size; what ffprobe, mutagen-inspect and
 opusinfo say of chapters, tags and cover; and how far behind its mark each chapter begins, by the
 correlation with the engine's own sound of its title.
 
@@ -34,7 +34,7 @@ ENCODERS = {
 
 TAGS = ("title", "artist", "album", "language")
 CHAPTER = r"^(?:CHAP[=:]|\s*CHAPTER\d+=)"  # as mutagen-inspect and opusinfo tell one
-Run = collections.namedtuple("Run", "wall processor megabytes wav")
+Run = collections.namedtuple("Run", "wall processor megabytes wav disk")
 COUNTED = """#!/bin/bash
 {program} "$@"
 status=$?
@@ -63,19 +63,22 @@ def told_seconds(log):
         return sum(int(m) * 60 + float(s) for m, s in re.findall(r"(\d+)m([\d.]+)s", file.read()))
 
 
-def wav_megabytes(folder):
-    size = 0
+def disk_megabytes(folder):
+    """What stands there of the book, as WAV and in all."""
+    wav = whole = 0
     for at, _, names in os.walk(folder):
         for name in names:
-            if name == "plain.wav":  # the engine's alone
+            if name.startswith("plain.") or name in ("text", "cover.png"):  # of the engine and the encoder alone
                 continue
             try:
                 path = os.path.join(at, name)
+                size = os.path.getsize(path)
+                whole += size
                 with open(path, "rb") as file:
-                    size += os.path.getsize(path) if file.read(4) == b"RIFF" else 0
+                    wav += size if file.read(4) == b"RIFF" else 0
             except OSError:  # it has gone meanwhile
                 pass
-    return size / 1e6
+    return wav / 1e6, whole / 1e6
 
 
 def peak_megabytes(process):
@@ -88,16 +91,17 @@ def peak_megabytes(process):
 
 
 def timed(command, folder, log=None):
-    """Wall and processor seconds, MB of the program itself, and of WAV files at once."""
+    """Wall and processor seconds, MB of the program itself, of WAV files and of all files at once."""
     environment = {**os.environ, "TMPDIR": folder}
     if log:
         environment["PATH"] = os.path.join(folder, "counted") + ":" + os.environ["PATH"]
         open(log, "w").close()
     begin = time.monotonic()
     process = subprocess.Popen(command, cwd=folder, stderr=subprocess.DEVNULL, env=environment)
-    wav = memory = 0
+    wav = disk = memory = 0
     while (ended := os.wait4(process.pid, os.WNOHANG))[0] == 0:
-        wav = max(wav, wav_megabytes(folder))
+        as_wav, in_all = disk_megabytes(folder)
+        wav, disk = max(wav, as_wav), max(disk, in_all)
         memory = max(memory, peak_megabytes(process.pid))
         time.sleep(0.1)
     wall = time.monotonic() - begin
@@ -106,7 +110,7 @@ def timed(command, folder, log=None):
     if status != 0:
         raise SystemExit(f"{command[0]} failed")
     processor = usage.ru_utime + usage.ru_stime + (told_seconds(log) if log else 0)
-    return Run(wall, processor, memory, wav)
+    return Run(wall, processor, memory, wav, disk)
 
 
 def sound(command, folder):
@@ -149,7 +153,8 @@ def compare(kind, commands, folder, log, count):
     work = best["engine"].processor + best["encoder"].processor
     print(f"{kind:5} processor time {ours.processor / work:.2f} of engine and encoder together; wall "
           f"{ours.wall * cores / slower:.2f} of the slower alone divided by the cores, {ours.wall * cores / work:.2f} "
-          f"of the work of both divided by them; at most {ours.wav:.0f} MB as WAV", flush=True)
+          f"of the work of both divided by them; on the disk at most {ours.wav:.0f} MB as WAV, {ours.disk:.0f} MB "
+          f"in all", flush=True)
 
 
 def read_back(kind, book, voice, folder):

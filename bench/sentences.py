@@ -38,7 +38,7 @@ def main():
     parser.add_argument("-n", type=int, default=20)
     parser.add_argument("folder")
     parser.add_argument("document")
-    parser.add_argument("types", nargs="*", default=["flac", "mp3", "opus"])
+    parser.add_argument("types", nargs="*", default=["flac", "mp3", "opus", "m4b"])
     options = parser.parse_args()
     say = os.path.abspath(os.path.join(options.folder, "lectora-say"))
     for kind in options.types:
