@@ -108,7 +108,7 @@ class PlacesTest(DesktopCase):
         lectora.text_box().queryEditableText().insertText(lectora.text().index("two"), "nearly ", 7)
         # Where the stretch itself begins, its words are still found.
         lectora.text_box().queryEditableText().insertText(0, "Größer: ", 10)
-        desktop.wait_until(lambda: lectora.highlighted_word() == "sentence", "a word behind an edit")
+        desktop.wait_until(lambda: lectora.highlighted_word() == "goes", "a word behind an edit")
         self.assertEqual(lectora.highlighted().strip(), SENTENCES[0])
         lectora.focus()
         desktop.press_keys("ctrl+Right")
