@@ -15,6 +15,8 @@ constexpr std::size_t kPlaces = 1024;   // across the page, at which a gutter is
 // Of a column's width: what makes a line a long one. Of the lines: how many may cross the gutter.
 constexpr double kLong = 0.6;
 constexpr double kMostCrossing = 0.34;
+// Of how many lines beside the gutter one narrow line across it makes these a column in the middle.
+constexpr std::size_t kLeastBetween = 8;
 constexpr double kSmallLetters = 0.93;  // of the letters' usual height: those of notes
 
 double BottomOf(const PdfLine& line) {
@@ -146,8 +148,11 @@ private:
         std::array<std::size_t, 2> longOnes = {};
         std::array<double, 2> top = {HUGE_VAL, HUGE_VAL};
         std::array<double, 2> bottom = {-HUGE_VAL, -HUGE_VAL};
+        std::size_t between = 0;
         for (const PdfLine& line : lines_)
-            if (!IsAcross(line)) {
+            if (IsAcross(line)) {
+                between += line.right - line.left < (right_ - left_) / 2 ? 1U : 0U;
+            } else {
                 const std::size_t side = SideOf(line);
                 ++beside[side];
                 if (!IsLong(line))
@@ -158,6 +163,8 @@ private:
             }
         top_ = std::min(top[0], top[1]);
         bottom_ = std::max(bottom[0], bottom[1]);
+        if (between * kLeastBetween > beside[0] + beside[1])
+            return false;
         for (const std::size_t side : {0, 1})
             if (longOnes[side] < kLeastLines || longOnes[side] * 2 < beside[side])
                 return false;

@@ -249,13 +249,13 @@ private:
             return "\n\n";
         if (IsBullet(last_->text))
             return " ";
-        const bool goesOn = !EndsSentence(document_.text) && !IsBullet(line.text) &&
-                            HoldsLetters(last_->text) &&
+        const bool goesOn = !(last_->isRow && line.beginsBlock) && !EndsSentence(document_.text) &&
+                            !IsBullet(line.text) && HoldsLetters(last_->text) &&
                             (beginsPage ? !g_unichar_isupper(g_utf8_get_char(line.text.c_str()))
                                         : BeginsSmall(line.text) && IsFull(*last_, line));
         if (line.beginsBlock || beginsPage)
             return !goesOn ? "\n\n" : line.height > 0 ? " " : "\n";
-        if (line.height <= 0 || !IsFull(*last_, line) || !HoldsLetters(line.text) ||
+        if (line.isRow || line.height <= 0 || !IsFull(*last_, line) || !HoldsLetters(line.text) ||
             !HoldsLetters(last_->text))
             return "\n";
         const bool isIndented = line.left > line.blockLeft + line.height * kIndent;

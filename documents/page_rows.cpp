@@ -11,7 +11,8 @@
 namespace {
 
 constexpr std::size_t kLongestLabel = 8;
-constexpr std::size_t kLeastNumberedLines = 8;
+constexpr std::size_t kLeastNumberedLines = 8;   // when each line is
+constexpr std::size_t kLeastNumbersOfLines = 3;  // when only every fifth is, for example
 // Of the letters' height: how far lines of one row stand apart, above each other and side by side.
 constexpr double kSameRow = 0.4;
 constexpr double kLargestLabelGap = 5;
@@ -45,6 +46,7 @@ public:
                 for (std::size_t i = begin; i < end; ++i)
                     rows_.emplace(page_[i].Middle(), i);
         }
+        areLinesNumbered_ = AreLinesNumbered();
         for (const auto& [begin, end] : labels_)
             JoinBlock(begin, end);
         for (PdfLine& line : page_)
@@ -78,7 +80,7 @@ private:
             areNumbersOfPages = areNumbersOfPages || HoldsLeader(line->text);
             lines.push_back(line);
         }
-        if (!areNumbersOfPages && (!isBefore || AreNumbersOfLines(begin, end)))
+        if (!areNumbersOfPages && (!isBefore || areLinesNumbered_ || AreNumbersOfLines(begin, end)))
             return;
         for (std::size_t i = begin; i < end; ++i) {
             PdfLine& line = *lines[i - begin];
@@ -95,6 +97,26 @@ private:
                 std::to_string(NumberIn(page_[begin].text) + static_cast<int>(i - begin)))
                 return false;
         return end - begin >= kLeastNumberedLines;
+    }
+
+    // The same of the whole page, where each number is a block of its own.
+    bool AreLinesNumbered() {
+        std::vector<std::pair<double, int>> numbers;  // downwards
+        for (const auto& [begin, end] : labels_)
+            for (std::size_t i = begin; i < end; ++i) {
+                if (page_[i].text.find_first_not_of("0123456789") != std::string::npos)
+                    return false;
+                if (Beside(page_[i], true) != nullptr)
+                    numbers.emplace_back(page_[i].Middle(), NumberIn(page_[i].text));
+            }
+        std::sort(numbers.begin(), numbers.end());
+        if (numbers.size() < kLeastNumbersOfLines)
+            return false;
+        const int step = numbers[1].second - numbers[0].second;
+        for (std::size_t i = 1; i < numbers.size(); ++i)
+            if (numbers[i].second - numbers[i - 1].second != step)
+                return false;
+        return step > 1 || (step == 1 && numbers.size() >= kLeastNumberedLines);
     }
 
     // The nearest line on the same row, behind the label or before it.
@@ -118,6 +140,7 @@ private:
 
     PdfPage& page_;
     std::vector<bool> isTaken_;
+    bool areLinesNumbered_ = false;
     std::vector<std::pair<std::size_t, std::size_t>> labels_;  // blocks of nothing else
     std::multimap<double, std::size_t> rows_;                  // other lines, by their middle
 };

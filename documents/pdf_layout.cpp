@@ -84,6 +84,7 @@ void PdfLayout::ReadLine(std::string_view line) {
     } else if (line.starts_with("</page>") && !pages_.empty()) {
         OrderColumns(pages_.back());
         JoinRows(pages_.back());
+        JoinTables(pages_.back());
     }
 }
 

@@ -28,6 +28,7 @@ struct PdfLine {
     double blockRight = 0;
     bool beginsBlock = false;  // a block is a paragraph, or the part of one in a column or page
     bool beginsColumn = false;
+    bool isRow = false;     // of a table
     std::vector<Gap> gaps;  // from left to right
 
     double Middle() const { return top + height / 2; }
@@ -78,6 +79,10 @@ void OrderColumns(PdfPage& page);
 // Chapters' numbers and, in contents, pages' numbers, that stand in columns of their own, are put
 // to the lines that they belong to.
 void JoinRows(PdfPage& page);
+
+// The cells that stand side by side in a table become one line, parted by commas, whether its rows
+// or its columns are blocks.
+void JoinTables(PdfPage& page);
 
 // Takes away what stands above or below every page: numbers that rise with the pages, and lines
 // that are the same on most of them or on every other one.

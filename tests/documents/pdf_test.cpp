@@ -177,6 +177,54 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
     EXPECT_THAT(TextOfBlocks(columns), HasSubstr("words\nwords"));
 }
 
+TEST(Pdf, TablesAreReadRowByRowAndColumnsOfTextAreNot) {
+    const auto column = [](double left, const std::vector<std::string>& lines) {
+        std::vector<std::string> block;
+        for (const std::string& line : lines)
+            block.push_back(WordAt(left, 100 + 20 * static_cast<double>(block.size()), 10, line));
+        return block;
+    };
+    const std::vector<std::string> names = {"Fruit", "apple", "pears"};
+    const std::vector<std::string> figures = {"Price", "3.40", "12.10"};
+    EXPECT_EQ(TextOfBlocks({column(50, names),
+                            column(200, {"Hue", "red", "green"}),
+                            column(480, figures),
+                            {WordAt(50, 300, 10, "after")}}),
+              "Fruit, Hue, Price\napple, red, 3.40\npears, green, 12.10\n\nafter\n");
+    EXPECT_EQ(TextOfBlocks({column(50, names), column(200, figures)}),
+              "Fruit, Price\napple, 3.40\npears, 12.10\n");
+    // Two addresses side by side, and columns of text.
+    EXPECT_EQ(TextOfBlocks({column(50, names), column(200, {"Ann", "Road", "Town"})}),
+              "Fruit\napple\npears\n\nAnn\nRoad\nTown\n");
+    const std::string full(30, 'w');
+    const std::string text =
+        TextOfBlocks({column(50, {full, full, full + "e"}), column(230, {full, full, full}),
+                      column(400, {full, full, full})});
+    EXPECT_THAT(text, HasSubstr(full + "e\n\n" + full + ' ' + full));
+    // Rows within one block; words of a line that is stretched.
+    const std::string left = WordAt(50, 100, 10, "A") + "</line>\n" + WordAt(150, 100, 10, "1");
+    const std::string right = WordAt(50, 120, 10, "Bb") + "</line>\n" + WordAt(150, 120, 10, "2");
+    EXPECT_EQ(TextOfBlocks({{right, left + "</line>\n" + WordAt(200, 100, 10, "x")}}),
+              "Bb, 2\nA 1, x\n");
+    EXPECT_EQ(TextOfBlocks({{WordAt(50, 80, 10, "Long"), right, WordAt(50, 140, 10, "end")}}),
+              "Long\nBb 2\nend\n");
+    // Three columns of lines that the page's middle column crosses.
+    std::vector<std::vector<std::string>> columns(3);
+    for (int line = 0; line < 20; ++line)
+        for (std::size_t at = 0; at < 3; ++at)
+            columns[at].push_back(
+                WordAt(50 + 170 * static_cast<double>(at), 100 + 12 * line, 10, full + "abc"[at]));
+    EXPECT_THAT(TextOfBlocks(columns), HasSubstr(full + "b " + full + "b"));
+    // Each fifth line's number is a block of its own.
+    std::vector<std::vector<std::string>> numbered(1);
+    for (int line = 1; line <= 15; ++line) {
+        numbered[0].push_back(WordAt(70, 100 + 12 * line, 10, "words"));
+        if (line % 5 == 0)
+            numbered.push_back({WordAt(50, 100 + 12 * line, 10, std::to_string(line))});
+    }
+    EXPECT_THAT(TextOfBlocks(numbered), Not(HasSubstr("10 words")));
+}
+
 TEST(Pdf, ColumnsAreReadOneAfterTheOther) {
     const auto column = [](double left, int line, const std::string& words) {
         return WordAt(left, 100 + 12 * line, 10, words + std::to_string(line));
