@@ -64,6 +64,7 @@ public:
     const std::vector<LeftOutUnit>& LeftOut() const { return leftOut_; }
     // What the user is to be told of these and of what the voice cannot say; empty for nothing.
     std::string LeftOutMessage() const;
+    std::string InsteadMessage() const { return rules_.instead.Message(); }  // its part on voices
     double Fraction() const;  // of the text that is spoken, 0 to 1
 
 private:
