@@ -4,6 +4,7 @@
 
 #include "books/book_order.h"
 #include "foundation/whole_characters.h"
+#include "speech/text_places.h"
 
 namespace {
 
@@ -15,11 +16,17 @@ constexpr double kLeastSection = 4'000;  // bytes, which speak for some four min
 
 std::size_t EndOfPart(std::string_view text, std::size_t begin, std::size_t wanted) {
     const std::size_t least = begin + (wanted - begin) / 2;
-    for (const std::string_view separator : {"\n\n", "\n", ". ", " "}) {
+    const auto behindLast = [&](std::string_view separator) {
         const std::size_t at = text.substr(least, wanted - least).rfind(separator);
-        if (at != std::string_view::npos)
-            return least + at + separator.size();
-    }
+        return at == std::string_view::npos ? 0 : least + at + separator.size();
+    };
+    for (const std::string_view separator : {"\n\n", "\n"})
+        if (const std::size_t at = behindLast(separator); at > 0)
+            return at;
+    if (const std::size_t at = SentenceAt(text, wanted); at > least && at <= wanted)
+        return at;
+    if (const std::size_t at = behindLast(" "); at > 0)
+        return at;
     return begin + WholeCharacters(text.substr(begin), wanted - begin).size();
 }
 

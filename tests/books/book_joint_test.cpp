@@ -50,7 +50,7 @@ struct SoonStopped : LSilentProgress {
     bool IsToStop() override { return ++asked > 1; }
 };
 
-TEST(BookJoint, IsStoppedAtAnyMomentOnADiskThatIsSlow) {
+TEST(BookJoint, IsStoppedWhileItGoesOn) {
     const ScratchFolder folder;
     const std::vector<int> second(16000, 9999);
     for (const LSoundSink& sink : {OpenFlacSink((folder / "flac").c_str(), 16000, 1),
