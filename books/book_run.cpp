@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "books/book_assembly.h"
 #include "books/book_estimate.h"
@@ -53,6 +54,8 @@ private:
     std::size_t FinishedChapters() const;
     bool SpeakSections(ChapterEncoder& encoder);
     bool SpeakSection(std::size_t index, ChapterEncoder& encoder);
+    std::string NameOf(std::size_t chapter) const;  // for messages
+    void TellRemarks(std::size_t chapter);
     bool Keep(std::size_t index, const ChapterSpeech& speech, ChapterToEncode& job);
     std::string KeepLead(std::size_t index, const std::string& speech, SpokenSection& spoken,
                          const std::vector<LevelStretch>& levels);
@@ -65,6 +68,7 @@ private:
     BookWork work_;
     std::vector<BookSection> sections_;
     BookAssembly assembly_;
+    ChapterRemarks remarks_;        // on the chapter that is being spoken
     std::size_t chaptersMade_ = 0;  // in files of their own
     BookResult result_;
 };
@@ -125,7 +129,14 @@ bool BookMaker::SpeakSections(ChapterEncoder& encoder) {
                                   std::to_string(count) + ": " +
                                   order_.plan.chapters[chapter].title;
         progress_.SetFirstLabel(label.c_str());
-        if ((!IsFinished(i) && !SpeakSection(i, encoder)) || !MakeChapters())
+        if (IsFinished(i)) {
+            remarks_.isSilent = false;  // as far as is known
+            if (sections_[i].endsChapter)
+                TellRemarks(chapter);
+        } else if (!SpeakSection(i, encoder)) {
+            return false;
+        }
+        if (!MakeChapters())
             return false;
         progress_.SetFraction(static_cast<double>(sections_[i].end) /
                               static_cast<double>(std::max<std::size_t>(order_.text.size(), 1)));
@@ -139,7 +150,7 @@ bool BookMaker::SpeakSection(std::size_t index, ChapterEncoder& encoder) {
     ChapterToEncode job;
     job.speech = work_.Path(index, "wav");
     job.path = work_.Path(index, "part");
-    job.name = "chapter " + std::to_string(section.chapter + 1) + " (" + chapter.title + ")";
+    job.name = NameOf(section.chapter);
     job.type = order_.type;
     job.kilobits = order_.kilobits;
     SpeechFile file;
@@ -148,18 +159,30 @@ bool BookMaker::SpeakSection(std::size_t index, ChapterEncoder& encoder) {
         file.rate = work_.Spoken(index - 1).rate;
     if (!section.beginsFile)
         file.lead = SamplesOf(LWaveFile::OpenSource(work_.Path(index, "lead").c_str()));
-    const ChapterSpeech speech =
-        SpeakBookChapter(order_, {chapter.title, section.begin, section.end},
-                         section.endsChapter ? order_.secondsBetween : 0, file, progress_);
+    const ChapterSpeech speech = SpeakBookChapter(
+        order_, {chapter.title, section.begin, section.end},
+        section.endsChapter ? order_.secondsBetween : 0, file, remarks_, progress_);
     if (!speech.isStopped && !speech.problem.empty())
         Fail(job.name + ": " + speech.problem);
-    if (!speech.remark.empty())
-        result_.remarks.push_back(job.name + ": " + speech.remark);
+    if (section.endsChapter && !speech.isStopped)
+        TellRemarks(section.chapter);
     const bool isTaken = !speech.isStopped && speech.problem.empty() && Keep(index, speech, job) &&
                          encoder.Add(std::move(job), progress_);
     if (!isTaken)
         ::unlink(file.path.c_str());
     return isTaken;
+}
+
+std::string BookMaker::NameOf(std::size_t chapter) const {
+    return "chapter " + std::to_string(chapter + 1) + " (" + order_.plan.chapters[chapter].title +
+           ")";
+}
+
+void BookMaker::TellRemarks(std::size_t chapter) {
+    const std::string told =
+        TextOf(std::exchange(remarks_, {}), order_, order_.plan.chapters[chapter]);
+    if (!told.empty())
+        result_.remarks.push_back(NameOf(chapter) + ": " + told);
 }
 
 // What the sections behind it and the files need of it.

@@ -122,6 +122,23 @@ int RateBehind(const BookOrder& order, std::size_t begin) {
     return taker.Rate();
 }
 
+const BookChapter& ChapterWith(const BookOrder& order, std::size_t begin) {
+    const std::vector<BookChapter>& chapters = order.plan.chapters;
+    return *std::find_if(chapters.begin(), chapters.end() - 1,
+                         [begin](const BookChapter& chapter) { return begin < chapter.end; });
+}
+
+void Gather(const PieceRuns& runs, const BookOrder& order, const BookChapter& section,
+            ChapterRemarks& remarks) {
+    remarks.isSilent = remarks.isSilent && runs.Outcome() == SynthesisOutcome::kNothingToSay;
+    remarks.isAnything = remarks.isAnything || !runs.LeftOutMessage().empty();
+    const std::size_t before = section.begin - ChapterWith(order, section.begin).begin;
+    for (const LeftOutUnit& unit : runs.LeftOut())
+        remarks.leftOut.push_back({before + unit.sourceBegin, before + unit.sourceEnd});
+    if (remarks.voices.empty())
+        remarks.voices = runs.InsteadMessage();
+}
+
 // A chapter's share of the whole.
 class ShareOfBook final : public LProgress {
 public:
@@ -149,8 +166,27 @@ private:
 
 }  // namespace
 
+std::string TextOf(const ChapterRemarks& remarks, const BookOrder& order,
+                   const BookChapter& chapter) {
+    if (remarks.isSilent)
+        return "It holds nothing that can be said, and is silent.";
+    if (!remarks.isAnything)
+        return "";
+    const std::string_view text =
+        std::string_view(order.text).substr(chapter.begin, chapter.end - chapter.begin);
+    // What the voices cannot say is counted once more, in all of it.
+    SpeechPieces pieces(text, order.voice, ReadingUse::kSaving, RulesFrom(order, chapter.begin));
+    for (SpeechPiece piece; pieces.Next(piece);) {
+    }
+    std::string told = remarks.voices;
+    for (const std::string& sentence : {LeftOutMessage(text, remarks.leftOut), pieces.Message()})
+        told += (told.empty() || sentence.empty() ? "" : " ") + sentence;
+    return told;
+}
+
 ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter, double silence,
-                               const SpeechFile& file, LProgress& progress) {
+                               const SpeechFile& file, ChapterRemarks& remarks,
+                               LProgress& progress) {
     const std::string_view text =
         std::string_view(order.text).substr(chapter.begin, chapter.end - chapter.begin);
     const auto size = static_cast<double>(std::max<std::size_t>(order.text.size(), 1));
@@ -165,10 +201,8 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
     speech.isStopped = result == kProcessStopped || progress.IsToStop();
     if (speech.isStopped)
         return speech;
-    speech.remark = runs.LeftOutMessage();
-    if (runs.Outcome() == SynthesisOutcome::kNothingToSay)
-        speech.remark = "It holds nothing that can be said, and is silent.";
-    else if (result != kProcessDone)
+    Gather(runs, order, chapter, remarks);
+    if (runs.Outcome() != SynthesisOutcome::kNothingToSay && result != kProcessDone)
         speech.problem = SynthesisMessage(runs.Outcome(), VoiceAt(order.voice));
     if (!taker.IsOpen())
         taker.Open(file.rate > 0 ? file.rate : RateBehind(order, chapter.end));

@@ -8,13 +8,25 @@
 #include "books/book_plan.h"
 #include "books/subtitles.h"
 #include "foundation/threads/progress.h"
+#include "speech/piece_runs.h"
 
 struct BookOrder;
+
+// What its user is to know of a chapter, gathered from its sections.
+struct ChapterRemarks {
+    bool isSilent = true;
+    bool isAnything = false;           // was left out
+    std::vector<LeftOutUnit> leftOut;  // by the engine, bytes of the chapter
+    std::string voices;                // which speak instead of others
+};
+
+// In some sentences; empty for nothing.
+std::string TextOf(const ChapterRemarks& remarks, const BookOrder& order,
+                   const BookChapter& chapter);
 
 struct ChapterSpeech {
     bool isStopped = false;
     std::string problem;              // why there is no sound; empty when there is
-    std::string remark;               // what was left out, in a sentence
     std::vector<SubtitleLine> lines;  // where the order wants subtitles, by sentence
     std::vector<VoiceTurn> voices;
     int rate = 0;
@@ -28,6 +40,8 @@ struct SpeechFile {
 };
 
 // One channel, with so many seconds of silence behind it; that alone when it holds nothing that can
-// be said. The fraction told is that of the whole book.
+// be said. It may be a section, whose remarks go to the others of its chapter. The fraction told is
+// that of the whole book.
 ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter, double silence,
-                               const SpeechFile& file, LProgress& progress);
+                               const SpeechFile& file, ChapterRemarks& remarks,
+                               LProgress& progress);

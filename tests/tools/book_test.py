@@ -244,6 +244,11 @@ class BookTest(EngineCase):
                 noise = sum((one - other) ** 2 for one, other in zip(own, coded))
                 self.assertLess(noise, sum(one**2 for one in own) / 10, (kind, at))
 
+    def test_what_the_voice_cannot_say_of_a_long_chapter_is_told_once_with_its_amount(self):
+        self.save("tale.txt", ("Some words of \u6771\u4eac are here.\n\n" * 400).encode())
+        told = self.run_program(SAY, "--audiobook", "--one-voice", "-o", "tale.flac", "tale.txt").stderr.decode()
+        self.assertEqual((told.count("400 words in Chinese"), told.count("left out")), (1, 1), told)
+
     def test_what_was_finished_under_another_pronunciation_list_is_not_used(self):
         self.tell_engine("text2wave slow 1")
         self.book("book.epub", TITLES, TEXTS)
