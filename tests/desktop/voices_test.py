@@ -32,6 +32,39 @@ class VoicesTest(DesktopCase):
         self.card.wait_for(self.card.next_stream(), "close")
         self.assertEqual(self.said()[-1], ("(voice_voice290)", "Some text."))
 
+    def test_a_voice_keeps_its_manner_and_speaks_in_it(self):
+        desktop.tell_engine("festival voices 1", "espeak-ng voices")
+        self.store("settings", voice="espeak-ng:en-us")
+        manner = ("150", "80", "Linda")
+
+        def open_chooser(lectora):
+            lectora.focus()
+            desktop.press_keys("ctrl+shift+v")
+            lectora.active_window("dialog", "Choose a Voice")
+
+        def shown(lectora):
+            numbers = [lectora.find("spin button", name + " in percent:") for name in ("Pitch", "Volume")]
+            variant = lectora.find("combo box", "Variant:").querySelection().getSelectedChild(0)
+            return (*(number.queryText().getText(0, -1) for number in numbers), variant.name)
+
+        lectora = self.start()
+        open_chooser(lectora)
+        desktop.press_keys("alt+r", "Down", "alt+p", "ctrl+a", *manner[0], "alt+l", "ctrl+a", *manner[1], "Tab")
+        desktop.wait_until(lambda: shown(lectora) == manner, "the manner")
+        self.picture("voice-manner")
+        desktop.press_keys("Return")
+        lectora.settle()
+        lectora.end()
+        lectora = self.start()
+        lectora.set_text("Some text.")
+        open_chooser(lectora)
+        self.assertEqual(shown(lectora), manner)
+        desktop.press_keys("Escape")
+        lectora.press("toggle button", "Read Aloud")
+        self.card.wait_for(self.card.next_stream(), "close")
+        options = next(call for call in desktop.engine_calls() if call.startswith("espeak-ng "))
+        self.assertIn("espeak-ng -b 1 -p 90 -a 80 -v en-us+f2 -f ", options)
+
 
 if __name__ == "__main__":
     unittest.main()
