@@ -144,7 +144,7 @@ private:
     }
 
     void AddPage(const PdfPage& page) {
-        isPageBegun_ = true;
+        emptyPages_ += std::exchange(isPageBegun_, true) ? 1U : 0U;
         const std::size_t notes = NotesFrom(page);
         for (std::size_t i = 0; i < notes; ++i)
             AddLine(page[i], i == 0 || page[i].beginsColumn);
@@ -204,17 +204,22 @@ private:
                 document_.text += parting;
             BeginLine(line);
             document_.text += line.text;
-        } else if (std::exchange(isPageBegun_, false)) {
-            document_.pages.push_back(document_.text.size() - line.text.size());
+        } else {
+            NotePage(document_.text.size() - line.text.size());
         }
         isBehindNotes_ = false;
         last_ = &line;
     }
 
+    // Pages on which nothing stood count with the next one.
+    void NotePage(std::size_t begin) {
+        if (std::exchange(isPageBegun_, false))
+            document_.pages.insert(document_.pages.end(), std::exchange(emptyPages_, 0) + 1, begin);
+    }
+
     void BeginLine(const PdfLine& line) {
         const std::size_t begin = document_.text.size();
-        if (std::exchange(isPageBegun_, false))
-            document_.pages.push_back(begin);
+        NotePage(begin);
         const int level = HeadingLevel(line);
         if (level != headingLevel_)
             EndHeading();
@@ -314,7 +319,8 @@ private:
     const PdfLine* last_ = nullptr;
     bool isBehindNotes_ = false;
     bool isPageBegun_ = false;
-    int headingLevel_ = 0;  // of the heading that is open
+    std::size_t emptyPages_ = 0;  // before the one that has begun
+    int headingLevel_ = 0;        // of the heading that is open
     std::size_t headingBegin_ = 0;
 };
 

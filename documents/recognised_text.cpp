@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "documents/pdf_pages.h"
 #include "documents/problems.h"
@@ -15,6 +16,7 @@ namespace {
 
 constexpr std::size_t kLargestPicture = 64U << 20;  // of a page
 constexpr std::size_t kMostScans = 2000;
+constexpr int kMostRanges = 20;    // of missing pages that are told
 constexpr int kMostLanguages = 6;  // each takes time of its own
 
 // "deu+eng": what is installed, scripts and the detector of the page's direction aside.
@@ -66,6 +68,13 @@ public:
         if (growing_)
             Grow(text, watch);
         return text_.size() > kLargestDocumentText ? ProgramOutcome::kTooLong : outcome;
+    }
+
+    // A page that cannot be recognised; the others keep their numbers.
+    void Skip() {
+        text_ += '\f';
+        if (growing_)
+            growing_->Add({});
     }
 
     Document Take() const {
@@ -127,6 +136,22 @@ ProgramOutcome DrawPage(std::string_view bytes, std::size_t page, const ReadingW
     return outcome == ProgramOutcome::kDone && picture.empty() ? ProgramOutcome::kFailed : outcome;
 }
 
+// "2-4, 9 and 31 more".
+std::string RangesOf(const std::vector<std::size_t>& pages) {
+    std::string text;
+    std::size_t told = 0;
+    for (int ranges = 0; told < pages.size() && ranges < kMostRanges; ++ranges) {
+        const std::size_t first = told;
+        while (++told < pages.size() && pages[told] == pages[told - 1] + 1) {
+        }
+        text += (text.empty() ? "" : ", ") + std::to_string(pages[first]);
+        if (told - first > 1)
+            text += "-" + std::to_string(pages[told - 1]);
+    }
+    return told < pages.size() ? text + " and " + std::to_string(pages.size() - told) + " more"
+                               : text;
+}
+
 }  // namespace
 
 Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
@@ -152,7 +177,7 @@ Document ReadScannedPdf(std::string_view bytes, std::size_t pages, const Reading
     Recogniser recogniser(watch, rules);
     if (std::string lack = Lack(recogniser); !lack.empty())
         return DocumentProblem(std::move(lack));
-    std::string missing;
+    std::vector<std::size_t> missing;
     std::size_t page = 1;
     for (; page <= kMostScans; ++page) {
         const ReadingWatch pageWatch = watch.Anew(patience);
@@ -160,21 +185,25 @@ Document ReadScannedPdf(std::string_view bytes, std::size_t pages, const Reading
         ProgramOutcome outcome = DrawPage(bytes, page, pageWatch, picture);
         if (outcome == ProgramOutcome::kFailed && page > pages)
             break;  // behind the last page
-        if (outcome == ProgramOutcome::kDone)
+        const bool isDrawn = outcome == ProgramOutcome::kDone;
+        if (isDrawn)
             outcome = recogniser.Read(picture, pageWatch);
         // One page that takes too long or is damaged does not cost the others.
         if (outcome == ProgramOutcome::kFailed ||
-            (outcome == ProgramOutcome::kEnded && !pageWatch.WasStopped()))
-            missing += (missing.empty() ? "" : ", ") + std::to_string(page);
-        else if (std::string problem = ProgramProblem("tesseract", outcome, pageWatch);
-                 !problem.empty())
+            (outcome == ProgramOutcome::kEnded && !pageWatch.WasStopped())) {
+            missing.push_back(page);
+            if (!isDrawn)
+                recogniser.Skip();
+        } else if (std::string problem = ProgramProblem("tesseract", outcome, pageWatch);
+                   !problem.empty())
             return DocumentProblem(std::move(problem));
     }
     if (recogniser.Pages() == 0)
         return DocumentProblem("The PDF document holds no text, or is damaged.");
     Document document = recogniser.Take();
     if (!missing.empty())
-        document.remark += " Pages that took too long or are damaged are missing: " + missing + ".";
+        document.remark +=
+            " Pages that took too long or are damaged are missing: " + RangesOf(missing) + ".";
     if (page > kMostScans)
         document.remark += " Only " + std::to_string(kMostScans) + " pages were recognised.";
     return document;

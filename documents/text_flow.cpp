@@ -15,7 +15,6 @@ constexpr std::string_view kSoftHyphen = "\xc2\xad";
 constexpr std::size_t kLongestMark = 24;
 constexpr int kLowestLevel = 6;
 
-// "12", "note 3", "a", "citation needed": what stands between the brackets of a reference.
 // "1", "12,15-17"; a longer number is a year, or digits to choose from.
 bool AreNumbersOfNotes(std::string_view mark) {
     constexpr std::size_t kMostDigits = 3;
@@ -30,6 +29,7 @@ bool AreNumbersOfNotes(std::string_view mark) {
            g_ascii_isdigit(mark.front()) && g_ascii_isdigit(mark.back());
 }
 
+// "12", "note 3", "a", "citation needed": what stands between the brackets of a reference.
 bool IsReference(std::string_view mark) {
     constexpr std::string_view kWords[] = {"note ", "nb ",   "n ",          "fn ",
                                            "Note ", "Anm. ", "lower-alpha "};

@@ -188,7 +188,9 @@ TEST(Programs, PagesOfAScanThatHangOrFailAreToldAndCostNoOthers) {
     const ReadingWatch watch(isToStop);
     const Document scan = ReadScannedPdf("%PDF-", 5, watch, {}, std::chrono::seconds(3));
     EXPECT_EQ(scan.text, "Page 1.\n\nPage 5.\n") << scan.problem;
-    EXPECT_THAT(scan.remark, HasSubstr("missing: 2, 3, 4."));
+    EXPECT_THAT(scan.remark, HasSubstr("missing: 2-4."));
+    ASSERT_EQ(scan.pages.size(), 5U) << "each page keeps its number";
+    EXPECT_EQ(scan.text.substr(scan.pages[4]), "Page 5.\n");
 }
 
 // What is missing is named with its package; Markdown is readable as it stands.
