@@ -140,7 +140,7 @@ BookJoint BookAssembly::MakeBook(LProgress& progress) const {
 std::string BookAssembly::AddChapters(const std::string& joined, const BookTags& tags,
                                       const std::string& path) const {
     const std::string metadata = work_.Path(0, "chapters");
-    const std::string problem = work_.Write(metadata, ChapterMetadata(tags.chapters));
+    std::string problem = work_.Write(metadata, ChapterMetadata(tags.chapters));
     if (!problem.empty())
         return problem;
     const std::string code = ThreeLetterLanguage(order_.plan.language);
