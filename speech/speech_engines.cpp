@@ -165,6 +165,7 @@ std::vector<SpeechEngine> EnginesWithRows() {
     rows[2].listCommand = "flite -lv";
     rows[2].voicesIn = FliteVoicesIn;
     rows[2].command = FliteCommand;
+    rows[2].needsLineEnd = true;
     rows[2].saysEnglish = rows[0].saysEnglish;
     return rows;
 }

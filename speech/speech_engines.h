@@ -38,6 +38,7 @@ struct SpeechEngine {
     std::string (*timesOption)(std::string_view timesPath) = nullptr;
     // It loads its voice, which takes long, before it reads the text, from a pipe as well.
     bool loadsBeforeText = false;
+    bool needsLineEnd = false;     // else it leaves out a last sentence of one word
     bool takesManner = false;      // its command is told it (voice_manner.h); else we see to it
     int speaksFasterFrom = 0;      // percent of a voice's speed; below, and with 0, it is ours
     SaidByEngine says = 0;         // well, in any language

@@ -35,13 +35,6 @@ bool IsDiskFull(const std::string& folder) {
            static_cast<unsigned long>(disk.f_bavail) * disk.f_frsize < kFullDiskBytes;
 }
 
-// Flite leaves a last sentence out when it is one word and nothing stands behind it. To the other
-// engines a line end there is nothing.
-std::string AsFile(std::string_view text) {
-    const bool isWhole = text.empty() || text.back() == '\n';
-    return std::string(text) + (isWhole ? "" : "\n");
-}
-
 long long FileSize(const std::string& path) {
     struct stat status = {};
     return ::stat(path.c_str(), &status) == 0 ? static_cast<long long>(status.st_size) : -1;
@@ -109,7 +102,7 @@ bool SynthesisRun::Start() {
 bool SynthesisRun::StartPrepared(std::string_view text) {
     isDelivered_ = false;
     textSize_ = text.size();
-    if (process_ && process_->GiveText(AsFile(text)))
+    if (process_ && process_->GiveText(text))
         return true;
     End();  // one that waited no more
     return StartEngine(text);
@@ -149,7 +142,9 @@ bool SynthesisRun::WriteText(std::string_view text) {
     textPath_ = MakeRunTextFile();
     if (textPath_.empty())
         return false;
-    const std::string file = AsFile(text);
+    std::string file(text);
+    if (engine_.needsLineEnd && !text.ends_with('\n'))
+        file += '\n';
     SaveText(textPath_.c_str(), file.c_str());
     return FileSize(textPath_) == static_cast<long long>(file.size());
 }
