@@ -78,12 +78,12 @@ class ContentsTest(DesktopCase):
         self.wait_for_chapter(lectora, "Sails")
         desktop.press_keys("Escape")
         desktop.wait_until(lambda: self.title(lectora) == "Ferries - Lectora", "the end")
-        self.assertIn("Sails\\n", [call.split(" ", 2)[2] for call in self.spoken()], "a heading is spoken alone")
+        self.assertIn("Sails\\n\\n", [call.split(" ", 2)[2] for call in self.spoken()], "a heading is spoken alone")
         desktop.forget_engine_calls()
         path = os.path.join(desktop.HOME, "ferries.wav")
         self.choose(lectora, "ctrl+alt+v", "Save File as", path)
         desktop.wait_until(lambda: os.path.exists(path), "the saved speech")
-        self.assertIn("Sails\\n", [call.split(" ", 2)[2] for call in self.spoken()], "in a file as well")
+        self.assertIn("Sails\\n\\n", [call.split(" ", 2)[2] for call in self.spoken()], "in a file as well")
         lectora.focus()
         # Where the chapters are now that the text was edited before them.
         lectora.text_box().queryEditableText().insertText(0, "New words. ", 11)
@@ -134,7 +134,7 @@ class ContentsTest(DesktopCase):
         desktop.forget_engine_calls()
         lectora.press("toggle button", "Read from Cursor")
         self.card.wait_for(self.card.next_stream(), "close")
-        self.assertEqual(self.spoken()[0].split(" ", 2)[2], "This is what page three says.")
+        self.assertEqual(self.spoken()[0].split(" ", 2)[2], "This is what page three says.\\n")
 
     def test_what_is_left_out_is_each_users_choice(self):
         self.card.tell("speed 20")
