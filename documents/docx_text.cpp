@@ -132,6 +132,9 @@ void DocxListener::EvContent(std::string_view name, const MarkupAttributes& attr
     } else if (name == "docPr" && attributes.Has("descr")) {
         BeginParagraph();
         Flow().AddPicture(attributes.Value("descr"));
+    } else if (drawings_ != nullptr && behind_.size() < kMostBehind) {
+        if (Document drawing = drawings_->Take(name, attributes); !drawing.text.empty())
+            behind_.push_back(std::move(drawing.text));
     }
 }
 

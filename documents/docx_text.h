@@ -13,6 +13,7 @@
 #include "documents/docx_styles.h"
 #include "documents/formula_text.h"
 #include "documents/markup_listener.h"
+#include "documents/office_drawings.h"
 #include "documents/text_flow.h"
 
 using DocxNotes = std::map<std::string, std::string, std::less<>>;  // by identifier
@@ -24,6 +25,7 @@ public:
 
     // What was read of "word/footnotes.xml" and "word/endnotes.xml".
     void SetNotes(const DocxNotes* footnotes, const DocxNotes* endnotes);
+    void SetDrawings(OfficeDrawings* drawings) { drawings_ = drawings; }  // of the document
 
     bool EvElement(std::string_view name, const MarkupAttributes& attributes) override;
     void EvElementEnd(std::string_view name) override;
@@ -58,6 +60,7 @@ private:
     const DocumentRules& rules_;
     const DocxNotes* footnotes_ = nullptr;
     const DocxNotes* endnotes_ = nullptr;
+    OfficeDrawings* drawings_ = nullptr;
     std::vector<Paragraph> paragraphs_;  // a text box's stand within another
     std::vector<TextBox> boxes_;         // that are open
     std::vector<std::string> behind_;    // what follows the paragraph

@@ -1,6 +1,7 @@
 #include "documents/pptx_text.h"
 
 #include <map>
+#include <utility>
 
 namespace {
 
@@ -61,6 +62,9 @@ bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& att
     } else if (name == "cNvPr" && attributes.Has("descr")) {
         flow_.AddPicture(attributes.Value("descr"));
         flow_.EndParagraph();
+    } else if (Document drawing = drawings_.Take(name, attributes); !drawing.text.empty()) {
+        flow_.EndParagraph();
+        flow_.Append(std::move(drawing));
     }
     return true;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "documents/markup_listener.h"
+#include "documents/office_drawings.h"
 #include "documents/text_flow.h"
 #include "documents/zip_index.h"
 
@@ -15,7 +16,8 @@ std::vector<std::string> PptxSlides(const ZipIndex& index);
 
 class SlideListener : public MarkupListener {
 public:
-    explicit SlideListener(TextFlow& flow) : flow_(flow) {}  // which must outlive this
+    // Both must outlive this.
+    SlideListener(TextFlow& flow, OfficeDrawings& drawings) : flow_(flow), drawings_(drawings) {}
 
     bool EvElement(std::string_view name, const MarkupAttributes& attributes) override;
     void EvElementEnd(std::string_view name) override;
@@ -23,6 +25,7 @@ public:
 
 private:
     TextFlow& flow_;
+    OfficeDrawings& drawings_;
     int texts_ = 0;
     int cells_ = 0;
     bool isTitle_ = false;

@@ -7,6 +7,7 @@
 #include "documents/docx_text.h"
 #include "documents/epub_text.h"
 #include "documents/odt_text.h"
+#include "documents/office_drawings.h"
 #include "documents/pptx_text.h"
 #include "documents/problems.h"
 #include "documents/small_texts.h"
@@ -54,6 +55,8 @@ Document ReadDocx(std::string_view bytes, const ZipIndex& index, const std::stri
     TextFlow flow(rules.referenceMarks);
     DocxListener listener(flow, styles, rules);
     listener.SetNotes(&footnotes, &endnotes);
+    OfficeDrawings drawings(index, mainPart);
+    listener.SetDrawings(&drawings);
     return Finished(ReadXmlEntry(bytes, mainPart, listener, flow, watch), flow,
                     index.Content("docProps/core.xml"));
 }
@@ -62,7 +65,8 @@ Document ReadPptx(std::string_view bytes, const ZipIndex& index, const ReadingWa
     TextFlow flow;
     for (const std::string& slide : PptxSlides(index)) {
         flow.BeginPage();
-        SlideListener listener(flow);
+        OfficeDrawings drawings(index, slide);
+        SlideListener listener(flow, drawings);
         if (std::string problem = ReadXmlEntry(bytes, slide, listener, flow, watch);
             !problem.empty())
             return DocumentProblem(std::move(problem));

@@ -15,7 +15,9 @@ namespace {
 constexpr std::size_t kMaxSmallFile = 8U << 20;
 
 bool TellsAboutOthers(std::string_view name) {
-    for (const std::string_view beginning : {"META-INF/", "docProps/", "word/_rels/", "ppt/_rels/"})
+    for (const std::string_view beginning :
+         {"META-INF/", "docProps/", "word/_rels/", "ppt/_rels/", "ppt/slides/_rels/",
+          "word/charts/chart", "word/diagrams/data", "ppt/charts/chart", "ppt/diagrams/data"})
         if (name.starts_with(beginning))
             return true;
     for (const std::string_view ending : {".opf", ".ncx", "/content.xml"})

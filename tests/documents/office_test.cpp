@@ -137,6 +137,52 @@ TEST(Office, NoWordOfAnOdtIsLost) {
     EXPECT_EQ(odt.languages.at(0).tag, "cs-CZ");
 }
 
+TEST(Office, DiagramsAndChartsAreReadWhereTheyStand) {
+    const auto point = [](int index, const std::string& text) {
+        return "<c:pt idx='" + std::to_string(index) + "'><c:v>" + text + "</c:v></c:pt>";
+    };
+    const auto series = [&](const std::string& name, const std::string& figures) {
+        return "<c:ser><c:tx><c:strCache>" + point(0, name) + "</c:strCache></c:tx><c:cat>" +
+               point(0, "May") + point(1, "June") + "</c:cat><c:val><c:f>Sheet1!$B$2</c:f>" +
+               figures + "</c:val></c:ser>";
+    };
+    const std::string chart =
+        "<c:chartSpace><c:chart><c:title><a:p><a:t>Ferries</a:t></a:p></c:title><c:plotArea>" +
+        series("Late", point(0, "0.30000000000000004") + point(1, "4")) +
+        series("On time", point(1, "7")) + "</c:plotArea></c:chart></c:chartSpace>";
+    const std::string diagram =
+        "<dgm:dataModel><dgm:pt><dgm:t><a:p><a:t>Cast</a:t><a:t> off</a:t></a:p></dgm:t></dgm:pt>"
+        "<dgm:pt type='pres'/><dgm:pt><dgm:t><a:p><a:t>Row</a:t></a:p></dgm:t></dgm:pt></dgm:"
+        "dataModel>";
+    const auto relations = [](const std::string& folder) {
+        return "<R><Relationship Id='r1' Target='" + folder +
+               "charts/chart1.xml'/><Relationship Id='r2' Target='" + folder +
+               "diagrams/data1.xml'/><Relationship Id='r3' Target='gone.xml'/></R>";
+    };
+    const std::string pointers =
+        "<c:chart r:id='r1'/><x><dgm:relIds r:dm='r2' r:lo='r1'/></x><c:chart r:id='r1'/><c:chart "
+        "r:id='r3'/>";
+    const std::string said =
+        "Chart: Ferries\n\nLate, On time\n\nMay, 0.3\n\nJune, 4, 7\n\nDiagram: Cast off\n\nRow";
+    EXPECT_EQ(ReadDocument(DocxWith(Paragraph(RunOf("Before") + pointers + RunOf(".")) +
+                                        Paragraph(RunOf("Behind")),
+                                    {{"word/_rels/document.xml.rels", relations("")},
+                                     {"word/charts/chart1.xml", chart},
+                                     {"word/diagrams/data1.xml", diagram}}))
+                  .text,
+              "Before.\n\n" + said + "\n\nBehind");
+    EXPECT_EQ(ReadDocument(ZipOf({{"ppt/presentation.xml", "<p:p><p:sldId id='1' r:id='r'/></p:p>"},
+                                  {"ppt/_rels/presentation.xml.rels",
+                                   "<R><Relationship Id='r' Target='slides/slide1.xml'/></R>"},
+                                  {"ppt/slides/slide1.xml", "<p:sld><a:t>Before</a:t>" + pointers +
+                                                                "<a:t>Behind</a:t></p:sld>"},
+                                  {"ppt/slides/_rels/slide1.xml.rels", relations("../")},
+                                  {"ppt/charts/chart1.xml", chart},
+                                  {"ppt/diagrams/data1.xml", diagram}}))
+                  .text,
+              "Before\n\n" + said + "\n\nBehind");
+}
+
 TEST(Office, SlidesAreReadInOrderWithTheirTitlesAsHeadings) {
     const auto slide = [](const std::string& title, const std::string& text) {
         return "<p:sld xmlns:p='p' xmlns:a='a'><p:sp><p:nvPr><p:ph "

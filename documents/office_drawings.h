@@ -1,0 +1,25 @@
+// Diagrams and charts of Office Open XML documents. Each is a file of its own, which the document
+// only points to.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "documents/document.h"
+#include "documents/zip_index.h"
+
+class OfficeDrawings {
+public:
+    // Those of one file of the archive. The index must outlive this.
+    OfficeDrawings(const ZipIndex& index, std::string_view file);
+
+    // What the drawing says to which this element of the file points: a diagram's words, a chart's
+    // title and its figures row by row. Empty for other elements, and when it was taken before.
+    Document Take(std::string_view element, const MarkupAttributes& attributes);
+
+private:
+    const ZipIndex& index_;
+    std::string folder_;
+    std::map<std::string, std::string, std::less<>> targets_;  // by identifier
+};
