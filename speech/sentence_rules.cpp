@@ -80,6 +80,15 @@ SentenceRules::Around SentenceRules::Look(std::size_t end) const {
     }
     around.isBracketed =
         around.isClosed && stop > 0 && (text_[stop - 1] == '[' || text_[stop - 1] == '(');
+    around.begin = WordBegin(stop);
+    around.previous = WordBefore(around.begin);
+    around.word = text_.substr(around.begin, stop - around.begin);
+    LookBehind(end, around);
+    return around;
+}
+
+// Of the word that ends there, without its opening marks.
+std::size_t SentenceRules::WordBegin(std::size_t stop) const {
     std::size_t begin = stop;
     while (begin > 0 && !IsWhite(CharacterAt(text_, Before(text_, begin))))
         begin = Before(text_, begin);
@@ -100,9 +109,10 @@ SentenceRules::Around SentenceRules::Look(std::size_t end) const {
         if (character >= kFirstIdeograph && place < stop)
             begin = place;
     }
-    around.begin = begin;
-    around.previous = WordBefore(begin);
-    around.word = text_.substr(begin, stop - begin);
+    return begin;
+}
+
+void SentenceRules::LookBehind(std::size_t end, Around& around) const {
     std::size_t next = end;
     while (next < text_.size()) {
         const gunichar character = CharacterAt(text_, next);
@@ -118,7 +128,6 @@ SentenceRules::Around SentenceRules::Look(std::size_t end) const {
     around.nextCharacter = CharacterAt(text_, next);
     around.next =
         text_.substr(next, std::min(text_.find_first_of(" ,;:.!?\"')", next), text_.size()) - next);
-    return around;
 }
 
 // Where the character before the place and the white space there begins, or the text.

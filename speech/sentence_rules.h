@@ -24,6 +24,8 @@ private:
     struct Around;
 
     Around Look(std::size_t end) const;
+    std::size_t WordBegin(std::size_t stop) const;
+    void LookBehind(std::size_t end, Around& around) const;
     bool EndsAt(std::size_t end, bool isAbbreviation) const;
     bool StopEnds(const Around& around, bool isAbbreviation) const;
     bool IsDotOfAbbreviation(const Around& around) const;

@@ -180,6 +180,7 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
 TEST(Pdf, TablesAreReadRowByRowAndColumnsOfTextAreNot) {
     const auto column = [](double left, const std::vector<std::string>& lines) {
         std::vector<std::string> block;
+        block.reserve(lines.size());
         for (const std::string& line : lines)
             block.push_back(WordAt(left, 100 + 20 * static_cast<double>(block.size()), 10, line));
         return block;

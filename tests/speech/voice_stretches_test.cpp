@@ -34,6 +34,7 @@ void WithVoices(Checks checks, std::vector<const char*> tags = {"en-029", "en-US
     InFreshProcess([&checks, &tags] {
         UserSetting<const char*>{"Voices", "de", ""}.Delete();
         std::vector<Voice> voices;
+        voices.reserve(tags.size() + 1);
         for (const char* tag : tags)
             voices.push_back({"espeak-ng", tag, tag, tag, VoiceCharset::kUnicode});
         voices.push_back({"own:Piper", "amy", "amy", "de-AT", VoiceCharset::kUnicode});
