@@ -71,6 +71,10 @@ BookJoint BookAssembly::MakeFile(const Sound& sound, BookTags tags, const std::s
     if (joint.isStopped || !joint.problem.empty())
         return joint;
     tags.sound = sound.length;
+    if (isM4b) {
+        const int rate = EncodedRate(order_.type, order_.kilobits, sound.length.rate);
+        tags.sound = {sound.length.frames * rate / sound.length.rate, rate};
+    }
     if (isM4b)
         joint.problem = AddChapters(joined, tags, path);
     if (joint.problem.empty() && !WriteBookTags(path, order_.type, tags))

@@ -40,7 +40,7 @@ void JoinSamples(SoundType type, const std::vector<BookPart>& parts, const std::
     for (const BookPart& part : parts) {
         const LSoundSource source = OpenSndfileSource(part.path.c_str());
         if (source->Status() != SoundStatus::kGood) {
-            joint.problem = kDamagedPart;
+            NoteDamage(part, joint);
             return;
         }
         if (&part == &parts.front())
@@ -66,6 +66,11 @@ std::int64_t MostFrames(SoundType type) {
     return type == SoundType::kWav || type == SoundType::kFlac
                ? kMost
                : std::numeric_limits<std::int64_t>::max();
+}
+
+void NoteDamage(const BookPart& part, BookJoint& joint) {
+    joint.problem = kDamagedPart;
+    std::remove(part.path.c_str());
 }
 
 // Its frames stand by themselves.
@@ -95,7 +100,7 @@ void JoinAdts(const std::vector<BookPart>& parts, std::FILE* out, LProgress& pro
             }
         }
         if (left > 0 || left == BookPart::kToTheEnd) {
-            joint.problem = kDamagedPart;
+            NoteDamage(part, joint);
             return;
         }
     }

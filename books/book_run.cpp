@@ -14,6 +14,7 @@
 #include "books/chapter_encoder.h"
 #include "books/chapter_speech.h"
 #include "formats/wave_file.h"
+#include "formats/whole_file.h"
 #include "speech/pronunciations.h"
 
 namespace {
@@ -60,6 +61,7 @@ private:
     std::string KeepLead(std::size_t index, const std::string& speech, SpokenSection& spoken,
                          const std::vector<LevelStretch>& levels);
     std::string KeepSpoken(std::size_t index, const SpokenSection& spoken);
+    bool HasWholeLead(std::size_t index, std::size_t frames) const;
     bool MakeChapters();
     bool MakeBook();
 
@@ -130,7 +132,9 @@ bool BookMaker::SpeakSections(ChapterEncoder& encoder) {
                                   order_.plan.chapters[chapter].title;
         progress_.SetFirstLabel(label.c_str());
         if (IsFinished(i)) {
-            remarks_.isSilent = false;  // as far as is known
+            // As far as is known; what was left out is counted anew.
+            remarks_.isSilent = false;
+            remarks_.isAnything = true;
             if (sections_[i].endsChapter)
                 TellRemarks(chapter);
         } else if (!SpeakSection(i, encoder)) {
@@ -159,6 +163,8 @@ bool BookMaker::SpeakSection(std::size_t index, ChapterEncoder& encoder) {
         file.rate = work_.Spoken(index - 1).rate;
     if (!section.beginsFile)
         file.lead = SamplesOf(LWaveFile::OpenSource(work_.Path(index, "lead").c_str()));
+    if (!section.beginsFile && !HasWholeLead(index, file.lead.size()))
+        return Fail(work_.Path(index, "lead") + ": is damaged, and is made anew the next time");
     const ChapterSpeech speech = SpeakBookChapter(
         order_, {chapter.title, section.begin, section.end},
         section.endsChapter ? order_.secondsBetween : 0, file, remarks_, progress_);
@@ -171,6 +177,16 @@ bool BookMaker::SpeakSection(std::size_t index, ChapterEncoder& encoder) {
     if (!isTaken)
         ::unlink(file.path.c_str());
     return isTaken;
+}
+
+// Where a failing disk has cut it, the section before it is spoken once more.
+bool BookMaker::HasWholeLead(std::size_t index, std::size_t frames) const {
+    const SpokenSection before = work_.Spoken(index - 1);
+    const BookSeam seam(order_.type, order_.kilobits, before.rate);
+    if (static_cast<std::int64_t>(frames) == seam.Lead(before.End()))
+        return true;
+    ::unlink(work_.Path(index - 1, "part").c_str());
+    return false;
 }
 
 std::string BookMaker::NameOf(std::size_t chapter) const {
@@ -230,13 +246,15 @@ std::string BookMaker::KeepLead(std::size_t index, const std::string& speech, Sp
         spoken.leadLevels.push_back({std::max(level.first - begin, 0), level.change});
     }
     const std::vector<int> samples = SamplesOf(source);
-    const LSoundSink lead =
-        LWaveFile::OpenSinkPCM(work_.Path(index, "lead").c_str(), spoken.rate, 1, 16, 0);
+    WholeFile file(work_.Path(index, "lead"), WholeFile::Existing::kReplace);
+    if (!file.Problem().empty())
+        return file.Problem();
+    const LSoundSink lead = LWaveFile::OpenSinkPCM(file.WritePath().c_str(), spoken.rate, 1, 16, 0);
     for (std::size_t at = 0; at < samples.size(); at += kMaxBlockFrames)
         lead->Write(samples.data() + at,
                     static_cast<int>(std::min<std::size_t>(samples.size() - at, kMaxBlockFrames)));
     const int error = lead->Finish();
-    return error == 0 ? "" : work_.Path(index, "lead") + ": " + std::strerror(error);
+    return error == 0 ? file.Commit() : work_.Path(index, "lead") + ": " + std::strerror(error);
 }
 
 // An engine may speak the same text otherwise the next time: what an earlier run has made of the
@@ -276,6 +294,8 @@ bool BookMaker::MakeChapters() {
 bool BookMaker::MakeBook() {
     if (!MakeChapters())
         return false;
+    if (order_.HasFileAChapter() && chaptersMade_ < order_.plan.chapters.size())
+        return Fail("a finished chapter is gone");
     if (IsFolder())
         return true;
     progress_.SetFirstLabel("Joining the chapters");

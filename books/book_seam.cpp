@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "books/book_estimate.h"
+#include "books/codec_frames.h"
 #include "formats/mp3_sink.h"
 #include "formats/opus_sink.h"
 
@@ -34,6 +35,8 @@ CodecManner MannerOf(SoundType type, int encodedRate) {
 int EncodedRate(SoundType type, int kilobits, int rate) {
     if (type == SoundType::kOpus)
         return kOpusRate;
+    if (type == SoundType::kM4b)
+        return AacRate(rate);
     if (type != SoundType::kMp3)
         return rate;
     LMp3EncodeSettings settings;
@@ -70,5 +73,8 @@ std::int64_t BookSeam::FramesBefore(std::int64_t begin) const {
 }
 
 std::int64_t BookSeam::FirstFrame(std::int64_t begin) const {
-    return begin == 0 ? 0 : FramesBefore(begin) + settling_;
+    // What stands before it may be shorter than an encoder takes to settle: then its lead is all of
+    // that, and the section before it gives nothing.
+    const std::int64_t before = FramesBefore(begin);
+    return before == 0 ? 0 : before + settling_;
 }

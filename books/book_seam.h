@@ -1,12 +1,12 @@
-// How the sections of a file overlap, so that their encoded sound joins without a gap and without a
-// click.
+// How the sections of a file overlap, so that their encoded sound joins without a gap, and goes on
+// as it would have.
 //
 // An encoder looks back and ahead, and begins from nothing. So what is encoded of a section begins
 // with a lead: the end of what stands before it in the same file. All leads begin at frames of the
 // codec, counted from the file's beginning. Of a section's encoded frames the first ones, made from
 // the lead while the encoder settles, are dropped, and the section before it gives up the last
-// ones, which it made without knowing what follows: where it ends, this one goes on, as one run of
-// the encoder would.
+// ones, which it made without knowing what follows: where it ends, this one goes on, nearly as one
+// run of the encoder would.
 #pragma once
 
 #include <cstdint>

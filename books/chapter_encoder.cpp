@@ -34,11 +34,11 @@ LSoundSink OpenChapterSink(const ChapterToEncode& chapter, const char* path, int
     mp3.cbrBitRate = static_cast<std::uint16_t>(kilobits);
     switch (chapter.type) {
         case SoundType::kMp3:
-            return OpenMp3Sink(path, mp3, rate, 1);
+            return OpenMp3Sink(path, mp3, rate, 1, Mp3Rate::kAsGiven);
         case SoundType::kOpus:
             return OpenOpusSink(path, 1, kilobits);
         case SoundType::kM4b:
-            return OpenAacSink(path, rate, 1, kilobits, AacContainer::kAdts);
+            return OpenAacSink(path, AacRate(rate), 1, kilobits, AacContainer::kAdts);
         default:
             return OpenFlacSink(path, rate, 1);
     }

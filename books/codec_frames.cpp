@@ -44,13 +44,21 @@ std::size_t Mp3BodyAt(std::string_view frame) {
     return kMp3HeaderBytes + (isMpeg1 ? (isMono ? 17 : 32) : (isMono ? 9 : 17));
 }
 
+constexpr std::array kAdtsRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050,
+                                   16000, 12000, 11025, 8000,  7350,  0,     0,     0};
+
+int AacRate(int rate) {
+    int next = kAdtsRates.front();
+    for (const int known : kAdtsRates)
+        next = known >= rate ? known : next;
+    return next;
+}
+
 CodecFrame AdtsFrame(const unsigned char* header) {
-    static constexpr std::array kRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050,
-                                          16000, 12000, 11025, 8000,  7350,  0,     0,     0};
     if (header[0] != 0xFF || (header[1] & 0xF6) != 0xF0)
         return {};
     const int bytes = (header[3] & 3) << 11 | header[4] << 3 | header[5] >> 5;
-    return {bytes, 1024, kRates[header[2] >> 2 & 15]};
+    return {bytes, 1024, kAdtsRates[header[2] >> 2 & 15]};
 }
 
 CodecFrames::CodecFrames(std::FILE* file, Header header) : file_(file), header_(header) {

@@ -18,6 +18,8 @@ constexpr std::size_t kMp3HeaderBytes = 4;
 // Behind the header, without a checksum, and what a frame tells of itself: where its body begins.
 std::size_t Mp3BodyAt(std::string_view frame);
 CodecFrame AdtsFrame(const unsigned char* header);
+// The next rate that there is in AAC.
+int AacRate(int rate);
 
 class CodecFrames {
 public:

@@ -28,7 +28,7 @@ std::size_t ReservoirOf(std::string_view frame) {
 // The sound of a frame may begin in the bodies of earlier ones. At a joint these are another
 // section's, whose last bytes there belong to frames that are dropped: what the new section's
 // frames need is put in their place. A frame that needs more than there is room for becomes an
-// empty one, which is rare, and stands in a pause.
+// empty one, which is rare.
 class Mp3Joiner {
 public:
     explicit Mp3Joiner(std::FILE* out) : out_(out) {}
@@ -159,7 +159,7 @@ void JoinMp3(const std::vector<BookPart>& parts, const SoundLength& length, std:
             joiner.Take(frames.Bytes());
         }
         if (left > 0 || number == 0)
-            joint.problem = kDamagedPart;
+            NoteDamage(part, joint);
         else if (!joiner.HasWritten())
             joint.problem = std::strerror(errno);
         if (!joint.problem.empty())

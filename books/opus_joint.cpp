@@ -113,7 +113,7 @@ void JoinOpus(const std::vector<BookPart>& parts, std::FILE* out, LProgress& pro
         if (joint.isStopped)
             return;
         if (!isWhole)
-            joint.problem = kDamagedPart;
+            NoteDamage(part, joint);
         else if (!joiner.HasWritten())
             joint.problem = std::strerror(errno);
         if (!joint.problem.empty())

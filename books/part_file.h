@@ -15,6 +15,9 @@ using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
 constexpr const char* kDamagedPart = "a finished chapter is damaged";
 
+// The next time it is made anew.
+void NoteDamage(const BookPart& part, BookJoint& joint);
+
 // Into the open file; what goes wrong is in the joint.
 void JoinMp3(const std::vector<BookPart>& parts, const SoundLength& length, std::FILE* out,
              LProgress& progress, BookJoint& joint);

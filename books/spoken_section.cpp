@@ -1,5 +1,6 @@
 #include "books/spoken_section.h"
 
+#include <cctype>
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
@@ -24,7 +25,9 @@ SpokenSection LoadSpoken(std::string_view stored) {
     spoken.rate = static_cast<int>(std::strtol(numbers.c_str(), &at, 10));
     spoken.begin = std::strtoll(at, &at, 10);
     spoken.frames = std::strtoll(at, &at, 10);
-    while (*at == ' ') {
+    if (spoken.rate < 0 || spoken.begin < 0 || spoken.frames < 0)
+        return {};
+    while (*at == ' ' && std::isdigit(static_cast<unsigned char>(at[1])) != 0) {
         const auto first = static_cast<int>(std::strtol(at, &at, 10));
         spoken.leadLevels.push_back({first, static_cast<int>(std::strtol(at, &at, 10))});
     }

@@ -58,15 +58,9 @@ std::string BitRatePart(const LMp3EncodeSettings& settings) {
            std::to_string(settings.vbrMaxBitRate) + " -V " + std::to_string(settings.vbrQuality);
 }
 
-}  // namespace
-
-int Mp3EncodedRate(const LMp3EncodeSettings& settings, int inRate) {
-    return ChooseRate(RatesOf(settings), inRate);
-}
-
-bool Mp3CreateEncoderCommandLine(char* commandLine, int& outRate, unsigned char& outChannels,
-                                 const char* outputPath, LMp3EncodeSettings& settings, int inRate,
-                                 unsigned char channelsIn) {
+bool WriteCommandLine(char* commandLine, int& outRate, unsigned char& outChannels,
+                      const char* outputPath, const LMp3EncodeSettings& settings, int inRate,
+                      unsigned char channelsIn, Mp3Rate kept) {
     const BitRates bits = RatesOf(settings);
     outRate = ChooseRate(bits, inRate);
     outChannels = bits.low < 24 ? 1 : channelsIn;
@@ -80,21 +74,37 @@ bool Mp3CreateEncoderCommandLine(char* commandLine, int& outRate, unsigned char&
         mode = 3;
     const bool isDownmix = outChannels != 1 && mode == 3;
     const char letter = outChannels == 1 ? 'm' : "sjfm"[mode];
+    char rate[16];
+    std::snprintf(rate, sizeof rate, "%d.%.3d", outRate / 1000, outRate % 1000);
+    const std::string resample =
+        kept == Mp3Rate::kAsGiven ? std::string(" --resample ") + rate : "";
     const int length = std::snprintf(
-        commandLine, kMp3CommandLineSize, "\"%s\"%s -m %c%s %s -r -x -s %d.%.3d -S - \"%s\"",
+        commandLine, kMp3CommandLineSize, "\"%s\"%s -m %c%s %s -r -x -s %s%s -S - \"%s\"",
         InDoubleQuotes(encoder).c_str(), isDownmix ? " -a" : "", letter,
-        settings.errorProtection ? " -p" : "", BitRatePart(settings).c_str(), outRate / 1000,
-        outRate % 1000, InDoubleQuotes(outputPath).c_str());
+        settings.errorProtection ? " -p" : "", BitRatePart(settings).c_str(), rate,
+        resample.c_str(), InDoubleQuotes(outputPath).c_str());
     return length > 0 && static_cast<std::size_t>(length) < kMp3CommandLineSize;
 }
 
+}  // namespace
+
+int Mp3EncodedRate(const LMp3EncodeSettings& settings, int inRate) {
+    return ChooseRate(RatesOf(settings), inRate);
+}
+
+bool Mp3CreateEncoderCommandLine(char* commandLine, int& outRate, unsigned char& outChannels,
+                                 const char* outputPath, LMp3EncodeSettings& settings, int inRate,
+                                 unsigned char channelsIn) {
+    return WriteCommandLine(commandLine, outRate, outChannels, outputPath, settings, inRate,
+                            channelsIn, Mp3Rate::kAsEncoderLikes);
+}
+
 LSoundSink OpenMp3Sink(const char* outputPath, LMp3EncodeSettings& settings, int inRate,
-                       unsigned char channelsIn) {
+                       unsigned char channelsIn, Mp3Rate kept) {
     char command[kMp3CommandLineSize];
     int rate = 0;
     unsigned char channels = 0;
-    if (!Mp3CreateEncoderCommandLine(command, rate, channels, outputPath, settings, inRate,
-                                     channelsIn))
+    if (!WriteCommandLine(command, rate, channels, outputPath, settings, inRate, channelsIn, kept))
         return LSoundSink(new LSoundSinkError());
     return LSoundSink(new LPipe16Sink(command, rate, channels));
 }

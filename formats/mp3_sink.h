@@ -9,6 +9,9 @@
 // Holds the longest path of a file, each byte of it behind a backslash.
 constexpr std::size_t kMp3CommandLineSize = 9216;
 
+// With few kilobits the encoder makes a lower rate of the one that it is fed, unless it is told.
+enum class Mp3Rate { kAsEncoderLikes, kAsGiven };
+
 // What sound of that rate is encoded at.
 int Mp3EncodedRate(const LMp3EncodeSettings& settings, int inRate);
 
@@ -21,4 +24,4 @@ bool Mp3CreateEncoderCommandLine(char* commandLine, int& outRate, unsigned char&
 // An LPipe16Sink at the rate and channel count chosen, which the caller converts to; an error sink
 // when there is no command line.
 LSoundSink OpenMp3Sink(const char* outputPath, LMp3EncodeSettings& settings, int inRate,
-                       unsigned char channelsIn);
+                       unsigned char channelsIn, Mp3Rate kept = Mp3Rate::kAsEncoderLikes);

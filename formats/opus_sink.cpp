@@ -37,6 +37,7 @@ public:
         std::transform(buffer, buffer + block_.size(), block_.begin(),
                        [](int sample) { return static_cast<opus_int16>((sample + 8) >> 4); });
         Note(ope_encoder_write(encoder_.get(), block_.data(), frames));
+        isEmpty_ = false;
     }
     bool KeepsSixteenBits() const override { return true; }
 
@@ -44,6 +45,11 @@ protected:
     void Complete() override {
         if (encoder_ == nullptr)
             return;
+        // The library ends the program over a drain of no sound at all.
+        if (isEmpty_) {
+            block_.assign(Channels(), 0);
+            Note(ope_encoder_write(encoder_.get(), block_.data(), 1));
+        }
         Note(ope_encoder_drain(encoder_.get()));
         encoder_.reset();
     }
@@ -62,6 +68,7 @@ private:
     std::unique_ptr<OggOpusComments, Deleter> comments_;
     std::unique_ptr<OggOpusEnc, Deleter> encoder_;
     std::vector<opus_int16> block_;
+    bool isEmpty_ = true;
 };
 
 }  // namespace
