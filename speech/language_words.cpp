@@ -187,10 +187,18 @@ constexpr SmallWords kSmallWords[] = {
      "і в не на що з він як це по але із у за від до для про же так або всі його був є вона би "
      "якщо "
      "який яка які тільки цей ця ці може бути при також вже ще та й"},
+    {"be",
+     "і ў у не на што з ён як гэта па але за да для пра ж так або ўсе яго быў ёсць яна бы калі які "
+     "якая якія толькі гэты можа быць пры таксама ўжо яшчэ"},
     {"bg",
      "и в не на че с той като това по но от за до се да е са или всички му беше има тя би ако "
      "който "
      "която които само този тази тези може при също вече още ще със към през след както бъде"},
+    {"af",
+     "die van en in is dat op te nie het hulle sy met vir ek jy ons wat word kan om ook as maar by "
+     "uit "
+     "nog na my baie sal moet daar tot hierdie deur oor hy aan n dit was hul want toe wees kom "
+     "nuwe"},
     {"id",
      "dan yang di untuk dengan ini itu dari tidak pada adalah dalam akan ke oleh atau juga sudah"},
     {"vi", "và của là có không cho được các một trong những với này để người khi đã từ"},

@@ -161,7 +161,7 @@ bool SentenceRules::EndsAt(std::size_t end, bool isAbbreviation) const {
     const Around around = Look(end);
     if (around.nextCharacter == 0 || enclosures_.Hold(end) || IsItemMark(end) ||
         around.isBracketed || GoesOnBehindQuotation(around) ||
-        CharacterAt(text_, Before(text_, around.behind)) == kLittleSection)
+        (around.behind > 0 && CharacterAt(text_, Before(text_, around.behind)) == kLittleSection))
         return false;
     if (around.stop == '.' || around.stop == 0x2026)
         return StopEnds(around, isAbbreviation);
@@ -243,7 +243,7 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
     if (isBeforeNumber && NeedsNumber(word))
         return false;
     if (const auto ends = EndsBehind(word, around.previous); ends)
-        return *ends && !isBeforeSmall && !isBeforeNumber;
+        return *ends && !isBeforeSmall && !isBeforeNumber && !IsDateAhead(around);
     if (UsuallyEndsSentence(word))
         return !isBeforeSmall && !IsTitle(around.next);
     if (MayEndSentence(word))
@@ -264,18 +264,29 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
     return !isBeforeSmall && (!isAbbreviation || BeginsSentences(around.next));
 }
 
+// "W 1918 r. Polska odzyskała niepodległość."
+bool SentenceRules::IsDateAhead(const Around& around) const {
+    constexpr std::string_view kAhead[] = {"W", "Od", "Do", "Około", "Przed"};
+    const auto begin = static_cast<std::size_t>(around.previous.data() - text_.data());
+    return language_ == "pl" && std::ranges::find(kAhead, WordBefore(begin)) != std::end(kAhead);
+}
+
 // "E. Smith", but "you and I. Did", "Plan B. That" and "1.85 m. She".
 bool SentenceRules::LetterEnds(const Around& around) const {
     if (g_unichar_islower(CharacterAt(around.word, 0)) != 0 && EndsInNumber(around.previous))
         return g_unichar_isupper(around.nextCharacter) != 0 && CharactersIn(around.next) > 1;
-    return BeginsSentences(around.next) && CharactersIn(around.next) > 1;
+    return BeginsSentences(around.next) && CharactersIn(around.next) > 1 &&
+           !MayBeOfName(around.next);
 }
 
 bool SentenceRules::AbbreviationEnds(const Around& around) const {
     if (g_unichar_islower(around.nextCharacter) != 0)
         return false;
-    constexpr std::string_view kTimes[] = {"P.M", "A.M", "B.C", "A.D", "B.C.E"};
-    const bool isTime = std::ranges::find(kTimes, around.word) != std::end(kTimes);
+    constexpr std::string_view kTimes[] = {"P.M", "A.M"};
+    constexpr std::string_view kEras[] = {"B.C", "A.D", "B.C.E"};  // "In 44 B.C. Caesar died."
+    const bool isTime = std::ranges::find(kTimes, around.word) != std::end(kTimes) ||
+                        (std::ranges::find(kEras, around.word) != std::end(kEras) &&
+                         !EndsInNumber(around.previous));
     if (isTime && g_unichar_isupper(around.nextCharacter) != 0)
         return true;
     const gunichar first = CharacterAt(around.word, 0);

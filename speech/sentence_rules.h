@@ -30,6 +30,7 @@ private:
     bool StopEnds(const Around& around, bool isAbbreviation) const;
     bool IsDotOfAbbreviation(const Around& around) const;
     bool WordEnds(const Around& around, bool isAbbreviation) const;
+    bool IsDateAhead(const Around& around) const;
     bool LetterEnds(const Around& around) const;
     bool AbbreviationEnds(const Around& around) const;
     bool GoesOnBehindQuotation(const Around& around) const;

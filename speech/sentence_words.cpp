@@ -28,7 +28,7 @@ struct LanguageWords {
 };
 constexpr LanguageWords kLanguages[] = {
     {"en", " the and of to is that it was you for with are this have not ",
-     " App Messrs Mme Rev Hon Gov Sgt Cpl Pvt Maj Cmdr Supt Sen Rep Pres Ave Blvd "
+     " Messrs Mme Rev Hon Gov Sgt Cpl Pvt Maj Cmdr Supt Sen Rep Pres Ave Blvd "
      "Rd Mt Ft Jan Feb Mar "
      "Apr Jun Jul Aug Sep Sept Oct Nov Dec viz ca approx dept est govt "},
     {"de", " der die das und ist nicht ein eine zu den mit auf von im sich des dem ",
@@ -46,7 +46,8 @@ constexpr LanguageWords kLanguages[] = {
      "núm art cap tel avda c "
      "Excmo Excma Ilmo Lic Ing Arq Prof Gral "},
     {"it", " il lo gli di che è un una per non con del della sono si nel le ",
-     " Egr egr Ing Geom Arch Sig Sigg Sig.ra Sig.na dott Dott prof Prof ing Ing avv Avv geom pag "
+     " Egr egr Ing Geom Arch Sig sig Sigg Sig.ra Sig.na dott Dott prof Prof ing Ing avv Avv geom "
+     "pag "
      "pagg cap art es ecc.to "
      "on On n N tel v ca p.es sec arch "},
     {"pt", " o os as e é um uma que em para com não do da dos das se ",
@@ -87,9 +88,9 @@ constexpr LanguageWords kLanguages[] = {
 
 // Of any language, where no other has the word.
 constexpr std::string_view kNeedsFollowing =
-    " dr drs mr ir Egr Adr adr им Mevr mevr dhr Hr hr Hrn Dra Dott dott dott.ssa Avv avv Geom geom "
+    " dr drs mr Egr Adr adr им Mevr mevr dhr Hr hr Hrn Dra Dott dott dott.ssa Avv avv Geom geom "
     "Ing Mgr Bc Doc MUDr "
-    "MVDr JUDr PhDr RNDr mgr inż ks św ul np Sig sig Sig.ra sig.ra Sig.na Srta Sra Excmo EE É.-U "
+    "MVDr JUDr PhDr RNDr mgr inż ks św ul np Sig Sig.ra sig.ra Sig.na Srta Sra Excmo EE É.-U "
     "bd "
     "bzw ca evtl vgl z.B d.h u.a bijv blz afb kl.op ул просп проф акад доц инж г-н г-жа "
     "डॉ श्री श्रीमती पं प्रो कु स्व सुश्री ص اے بی سی ڈی ایم ایس آر جے د أ م هـ ق "
@@ -106,7 +107,7 @@ constexpr std::string_view kNeedsNumber =
     "Abb "
     "afb εικ αρ κεφ μέρος पृ ";
 constexpr std::string_view kMayEnd =
-    " Co co Inc Ltd Corp Jr Sr Bros Esq etc Etc a.m p.m A.M P.M U.S U.K E.U enz osv o.s.v "
+    " App Co co Inc Ltd Corp Jr Sr Bros Esq etc Etc a.m p.m A.M P.M U.S U.K E.U enz osv o.s.v "
     "U.N U.S.A D.C B.C A.D "
     "Ph.D M.D B.A M.A st St ave Ave Rd rd Blvd dept usw ecc etc.a enz itd itp "
     "apod atd tzn.p т.д "
@@ -268,6 +269,10 @@ std::optional<bool> EndsBehind(std::string_view word, std::string_view previous)
     if (found->second == "I")
         return previous.find_first_not_of("IVXLCDM") == std::string_view::npos;
     return found->second == previous;
+}
+
+bool MayBeOfName(std::string_view word) {
+    return Holds(" Le La Les Du Da Der Die Das Den Dem El Los Las Lo Will Dort ", word);
 }
 
 bool GoesOnWithParticle(std::string_view behind) {

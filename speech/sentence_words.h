@@ -32,4 +32,6 @@ bool HasDottedOrdinals(std::string_view language);
 // A word with which sentences begin, and names and titles do not: "How",
 // "They".
 bool BeginsSentences(std::string_view word);
+// "J. Le Goff", "George F. Will"; some of these begin sentences in other languages.
+bool MayBeOfName(std::string_view word);
 bool IsTitle(std::string_view word);  // "Mr", with which a sentence may begin

@@ -60,7 +60,8 @@ TEST(Sentences, AreThoseOfTheLanguageAndOfListsQuotationsAndHeadings) {
 TEST(Sentences, HoldEveryWordOnceInTextsOfAnyKind) {
     const char* const parts[] = {"word ",        "Word. ",        "\n",   "\n\n",  "\xc3\xa9",
                                  "\xe3\x80\x82", "\xff",          "\"",   "(",     ") ",
-                                 "1. ",          "\xe2\x80\xa2 ", "... ", "U.S. ", ": "};
+                                 "1. ",          "\xe2\x80\xa2 ", "... ", "U.S. ", ": ",
+                                 "\xe2\x80\xa9", "\xc2\xbb"};
     unsigned int random = 1;
     for (int round = 0; round < 200; ++round) {
         std::string text(round % 7 == 0 ? 9000 : 0, 'x');
