@@ -102,15 +102,18 @@ private:
     // The same of the whole page, where each number is a block of its own.
     bool AreLinesNumbered() {
         std::vector<std::pair<double, int>> numbers;  // downwards
+        bool areWithin = false;  // those of items stand before the first line of a block
         for (const auto& [begin, end] : labels_)
             for (std::size_t i = begin; i < end; ++i) {
                 if (page_[i].text.find_first_not_of("0123456789") != std::string::npos)
                     return false;
-                if (Beside(page_[i], true) != nullptr)
+                if (const PdfLine* const line = Beside(page_[i], true)) {
+                    areWithin = areWithin || !line->beginsBlock;
                     numbers.emplace_back(page_[i].Middle(), NumberIn(page_[i].text));
+                }
             }
         std::sort(numbers.begin(), numbers.end());
-        if (numbers.size() < kLeastNumbersOfLines)
+        if (!areWithin || numbers.size() < kLeastNumbersOfLines)
             return false;
         const int step = numbers[1].second - numbers[0].second;
         for (std::size_t i = 1; i < numbers.size(); ++i)

@@ -113,8 +113,30 @@ private:
         return true;
     }
 
+    // "oars, 12": of an index, whose columns are read one after the other.
+    bool HoldsEntries(const LineBlock& block) const {
+        std::size_t entries = 0;
+        for (std::size_t line = block.begin; line < block.end; ++line) {
+            const std::string& text = page_[line].text;
+            entries +=
+                text.find(", ") != std::string::npos && g_ascii_isdigit(text.back()) ? 1U : 0U;
+        }
+        return 2 * entries > block.Lines();
+    }
+
+    // One more in each line, as the numbers of a text's lines.
+    bool IsCounted(const LineBlock& block) const {
+        for (std::size_t line = block.begin; line < block.end; ++line)
+            if (page_[line].text != std::to_string(NumberIn(page_[block.begin].text) +
+                                                   static_cast<int>(line - block.begin)))
+                return false;
+        return true;
+    }
+
     // Not two of its columns are running text.
     bool IsTable(std::size_t first, std::size_t end) const {
+        if (HoldsEntries(blocks_[first]))
+            return false;
         bool holdsFigures = false;
         std::size_t texts = 0;
         for (std::size_t i = first; i < end; ++i) {
@@ -132,7 +154,8 @@ private:
             if (letters > kLongestCell * blocks_[i].Lines() || texts > 1)
                 return false;
             // Below a head. Those before all else may be the numbers of a text's lines.
-            holdsFigures = holdsFigures || (i > first && figures + 1 >= blocks_[i].Lines());
+            holdsFigures = holdsFigures || (i > first && figures + 1 >= blocks_[i].Lines() &&
+                                            !IsCounted(blocks_[i]));
         }
         return end - first >= kLeastColumns || (end - first > 1 && holdsFigures);
     }
