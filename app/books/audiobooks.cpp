@@ -43,7 +43,8 @@ void Audiobooks::AddText() {
     const std::string text = parts_.text.Text();
     const std::string& file = parts_.text.File();
     Document document;
-    if (!file.empty() && !IsWebAddress(file) && !parts_.text.Structure().IsRecognised()) {
+    const DocumentStructure& structure = parts_.text.Structure();
+    if (!file.empty() && !IsWebAddress(file) && (!structure.IsRecognised() || structure.IsPart())) {
         const std::optional<Document> loaded =
             LoadDocumentUnderDialog(dialog_.Widget(), file.c_str(), false);
         if (!loaded || !dialog_.IsOpen())
