@@ -31,15 +31,17 @@ BookAssembly::Sound BookAssembly::SoundOf(std::size_t first, std::size_t end) co
     for (std::size_t i = end; i-- > first;) {
         const SpokenSection spoken = work_.Spoken(i);
         const int rate = std::max(spoken.rate, 1);
+        sound.begins.insert(sound.begins.begin(), spoken.begin * 1000 / rate);
+        if (i + 1 == end)
+            sound.length = {spoken.End(), rate};
+        if (spoken.frames == 0 && (i > first || !sound.parts.empty()))
+            continue;
         const BookSeam seam(order_.type, order_.kilobits, rate);
         const std::int64_t from = seam.FirstFrame(spoken.begin);
         const std::int64_t before = seam.FramesBefore(spoken.begin);
-        if (i + 1 == end)
-            sound.length = {spoken.End(), rate};
         sound.parts.insert(sound.parts.begin(),
                            {work_.Path(i, "part"), from - before,
                             next == BookPart::kToTheEnd ? next : next - from, before});
-        sound.begins.insert(sound.begins.begin(), spoken.begin * 1000 / rate);
         next = from;
     }
     return sound;

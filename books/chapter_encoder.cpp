@@ -34,7 +34,7 @@ LSoundSink OpenChapterSink(const ChapterToEncode& chapter, const char* path, int
     mp3.cbrBitRate = static_cast<std::uint16_t>(kilobits);
     switch (chapter.type) {
         case SoundType::kMp3:
-            return OpenMp3Sink(path, mp3, rate, 1, Mp3Rate::kAsGiven);
+            return OpenMp3Sink(path, mp3, rate, 1, Mp3Part::kToBeJoined);
         case SoundType::kOpus:
             return OpenOpusSink(path, 1, kilobits);
         case SoundType::kM4b:
@@ -140,6 +140,10 @@ std::string ChapterEncoder::Worker::Write(const ChapterToEncode& chapter, const 
     Blocks blocks(*this);
     LPRSourceToSink request{"", source, sink};
     const LProcessResult result = Process(blocks, request);
+    if (source->GetEndSample() == 0) {  // not every format can hold no sound at all
+        const int silence = 0;
+        sink->Write(&silence, 1);
+    }
     const int error = sink->Finish();
     const std::lock_guard lock(owner_.mutex_);
     encoder_ = nullptr;

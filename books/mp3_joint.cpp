@@ -28,7 +28,7 @@ std::size_t ReservoirOf(std::string_view frame) {
 // The sound of a frame may begin in the bodies of earlier ones. At a joint these are another
 // section's, whose last bytes there belong to frames that are dropped: what the new section's
 // frames need is put in their place. A frame that needs more than there is room for becomes an
-// empty one, which is rare.
+// empty one: that is rare, and mostly in a pause, since sections end with sentences.
 class Mp3Joiner {
 public:
     explicit Mp3Joiner(std::FILE* out) : out_(out) {}

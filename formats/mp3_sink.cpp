@@ -60,7 +60,7 @@ std::string BitRatePart(const LMp3EncodeSettings& settings) {
 
 bool WriteCommandLine(char* commandLine, int& outRate, unsigned char& outChannels,
                       const char* outputPath, const LMp3EncodeSettings& settings, int inRate,
-                      unsigned char channelsIn, Mp3Rate kept) {
+                      unsigned char channelsIn, Mp3Part part) {
     const BitRates bits = RatesOf(settings);
     outRate = ChooseRate(bits, inRate);
     outChannels = bits.low < 24 ? 1 : channelsIn;
@@ -76,13 +76,12 @@ bool WriteCommandLine(char* commandLine, int& outRate, unsigned char& outChannel
     const char letter = outChannels == 1 ? 'm' : "sjfm"[mode];
     char rate[16];
     std::snprintf(rate, sizeof rate, "%d.%.3d", outRate / 1000, outRate % 1000);
-    const std::string resample =
-        kept == Mp3Rate::kAsGiven ? std::string(" --resample ") + rate : "";
+    const std::string held = part == Mp3Part::kToBeJoined ? std::string(" --resample ") + rate : "";
     const int length = std::snprintf(
         commandLine, kMp3CommandLineSize, "\"%s\"%s -m %c%s %s -r -x -s %s%s -S - \"%s\"",
         InDoubleQuotes(encoder).c_str(), isDownmix ? " -a" : "", letter,
-        settings.errorProtection ? " -p" : "", BitRatePart(settings).c_str(), rate,
-        resample.c_str(), InDoubleQuotes(outputPath).c_str());
+        settings.errorProtection ? " -p" : "", BitRatePart(settings).c_str(), rate, held.c_str(),
+        InDoubleQuotes(outputPath).c_str());
     return length > 0 && static_cast<std::size_t>(length) < kMp3CommandLineSize;
 }
 
@@ -96,15 +95,15 @@ bool Mp3CreateEncoderCommandLine(char* commandLine, int& outRate, unsigned char&
                                  const char* outputPath, LMp3EncodeSettings& settings, int inRate,
                                  unsigned char channelsIn) {
     return WriteCommandLine(commandLine, outRate, outChannels, outputPath, settings, inRate,
-                            channelsIn, Mp3Rate::kAsEncoderLikes);
+                            channelsIn, Mp3Part::kWhole);
 }
 
 LSoundSink OpenMp3Sink(const char* outputPath, LMp3EncodeSettings& settings, int inRate,
-                       unsigned char channelsIn, Mp3Rate kept) {
+                       unsigned char channelsIn, Mp3Part part) {
     char command[kMp3CommandLineSize];
     int rate = 0;
     unsigned char channels = 0;
-    if (!WriteCommandLine(command, rate, channels, outputPath, settings, inRate, channelsIn, kept))
+    if (!WriteCommandLine(command, rate, channels, outputPath, settings, inRate, channelsIn, part))
         return LSoundSink(new LSoundSinkError());
     return LSoundSink(new LPipe16Sink(command, rate, channels));
 }

@@ -9,8 +9,10 @@
 // Holds the longest path of a file, each byte of it behind a backslash.
 constexpr std::size_t kMp3CommandLineSize = 9216;
 
-// With few kilobits the encoder makes a lower rate of the one that it is fed, unless it is told.
-enum class Mp3Rate { kAsEncoderLikes, kAsGiven };
+// One that is joined with others keeps the rate that the encoder is fed, where it would choose a
+// lower one with few kilobits. Frames still borrow bits of those before them: without, speech has
+// echoes before its beginnings.
+enum class Mp3Part { kWhole, kToBeJoined };
 
 // What sound of that rate is encoded at.
 int Mp3EncodedRate(const LMp3EncodeSettings& settings, int inRate);
@@ -24,4 +26,4 @@ bool Mp3CreateEncoderCommandLine(char* commandLine, int& outRate, unsigned char&
 // An LPipe16Sink at the rate and channel count chosen, which the caller converts to; an error sink
 // when there is no command line.
 LSoundSink OpenMp3Sink(const char* outputPath, LMp3EncodeSettings& settings, int inRate,
-                       unsigned char channelsIn, Mp3Rate kept = Mp3Rate::kAsEncoderLikes);
+                       unsigned char channelsIn, Mp3Part part = Mp3Part::kWhole);

@@ -214,7 +214,7 @@ class BookTest(EngineCase):
 
     def test_a_long_chapter_is_spoken_in_parts_that_nobody_hears(self):
         self.tell_engine("text2wave slow 0.1")
-        story = "\n\n".join(f"Paragraph {number} of words." for number in range(600))
+        story = "\n\n".join(f"Paragraph {number} of words." for number in range(900))
         self.save("story.txt", story.encode())
         self.check(SAY, "-f", "--one-voice", "-o", "plain.wav", "story.txt")
         plain = self.heard("plain.wav")
@@ -225,12 +225,12 @@ class BookTest(EngineCase):
             with contextlib.suppress(FileNotFoundError):
                 most = max(most, sum(map(os.path.getsize, waiting)))
         self.assertEqual(run.returncode, 0)
-        self.assertTrue(0 < most < len(plain))  # half of its bytes
+        self.assertTrue(0 < most < 1.6 * len(plain))  # bytes of four sections in six
         self.assertEqual(self.heard("book.flac"), plain)
         self.assertEqual(len(self.probed("book.flac").get("chapters", [])), 0)
         rows = re.findall(r"(\d+):(\d+):(\d+),(\d+) -->", self.load("book.srt").decode())
         begins = [int(h) * 3600 + int(m) * 60 + int(s) + int(ms) / 1000 for h, m, s, ms in rows]
-        self.assertEqual((begins, len(begins)), (sorted(begins), 600))
+        self.assertEqual((begins, len(begins)), (sorted(begins), 900))
         for begin in begins:
             self.assertGreater(max(plain[round(begin * 16000) :][:800]), 3000)
         # What is encoded in sections is the same sound at the same time, to the sample.
@@ -242,7 +242,19 @@ class BookTest(EngineCase):
             for at in range(0, len(plain) - 8000, 8000):
                 own, coded = plain[at : at + 8000], samples[at : at + 8000]
                 noise = sum((one - other) ** 2 for one, other in zip(own, coded))
-                self.assertLess(noise, sum(one**2 for one in own) / 10, (kind, at))
+                # Of these tones without a pause a joint of MP3 may lose a frame or two (2 × 576 samples).
+                self.assertLess(noise, sum(one**2 for one in own) / (4 if kind == "mp3" else 10), (kind, at))
+
+    def test_sections_join_at_low_rates_and_where_nothing_sounds(self):
+        self.install_encoder()
+        story = "* * *\n\n" * 1300 + "\n\n".join(f"Paragraph {number} of words." for number in range(300))
+        self.save("story.txt", story.encode())
+        command = ("--audiobook", "--one-voice", "--own-level", "--silence=0")
+        self.check(SAY, *command, "-o", "book.flac", "story.txt")
+        whole = len(self.heard("book.flac"))
+        for kind, more in (("mp3", "--bitrate=16"), ("opus", "--bitrate=16"), ("m4b", "--bitrate=24")):
+            self.check(SAY, *command, more, "-o", f"book.{kind}", "story.txt")
+            self.assertAlmostEqual(len(self.heard(f"book.{kind}")), whole, delta=1024 if kind == "m4b" else 2)
 
     def test_what_the_voice_cannot_say_of_a_long_chapter_is_told_once_with_its_amount(self):
         self.save("tale.txt", ("Some words of \u6771\u4eac are here.\n\n" * 400).encode())
