@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "documents/pdf_pages.h"
+#include "documents/small_texts.h"
 
 namespace {
 
