@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "books/book_estimate.h"
+#include "books/codec_frames.h"
 #include "books/loudness.h"
 #include "formats/aac_sink.h"
 #include "formats/mp3_sink.h"
