@@ -22,7 +22,7 @@ constexpr std::size_t kChecksumAt = 154;
 constexpr std::size_t kTagSize = 156;
 constexpr char kHasAll = 0x0F;
 constexpr char kConstantRate = 0x01;
-constexpr std::string_view kEncoder = "LAME3.100";
+constexpr std::string_view kEncoder = "LAME3.100";  // players believe the delays behind it alone
 
 std::size_t TagAt(std::string_view frame) {
     const std::string_view start = frame.substr(0, 64);
