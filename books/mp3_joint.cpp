@@ -25,10 +25,26 @@ std::size_t ReservoirOf(std::string_view frame) {
     return IsMpeg1(frame) ? std::size_t{first} << 1 | second >> 7 : first;
 }
 
+// To the first higher bit rate with so many bytes more, else the highest. How many it has more.
+std::size_t Lengthen(std::string& frame, std::size_t wanted) {
+    constexpr unsigned int kHighestRate = 14;
+    const std::size_t size = frame.size();
+    std::size_t longer = size;
+    unsigned int rate = static_cast<unsigned char>(frame[2]) >> 4;
+    while (longer < size + wanted && rate < kHighestRate) {
+        frame[2] = static_cast<char>(++rate << 4 | (static_cast<unsigned char>(frame[2]) & 0x0FU));
+        longer = static_cast<std::size_t>(
+            Mp3Frame(reinterpret_cast<const unsigned char*>(frame.data())).bytes);
+    }
+    frame.resize(longer);
+    return longer - size;
+}
+
 // The sound of a frame may begin in the bodies of earlier ones. At a joint these are another
 // section's, whose last bytes there belong to frames that are dropped: what the new section's
-// frames need is put in their place. A frame that needs more than there is room for becomes an
-// empty one: that is rare, and mostly in a pause, since sections end with sentences.
+// frames need is put in their place. Where that is more than there is room for, the frame before
+// the joint is made longer. Only one of the highest bit rate cannot be, which hardly leans on
+// others: then frames become empty ones until there is room.
 class Mp3Joiner {
 public:
     explicit Mp3Joiner(std::FILE* out) : out_(out) {}
@@ -50,7 +66,7 @@ public:
     bool HasWritten() const { return hasWritten_; }
 
 private:
-    void Transplant();
+    void Transplant(std::size_t wanted);
     void Write(std::string_view bytes) {
         hasWritten_ =
             hasWritten_ && std::fwrite(bytes.data(), 1, bytes.size(), out_) == bytes.size();
@@ -80,7 +96,9 @@ void Mp3Joiner::Begin(std::string_view first) {
     Write(info_->Frame(0, 1));
 }
 
-void Mp3Joiner::Transplant() {
+void Mp3Joiner::Transplant(std::size_t wanted) {
+    if (wanted > room_ && !held_.empty())
+        room_ += Lengthen(held_.back(), wanted - room_);
     room_ = std::min(room_, before_.size());
     std::string_view moved = std::string_view(before_).substr(before_.size() - room_);
     for (auto frame = held_.rbegin(); frame != held_.rend() && !moved.empty(); ++frame) {
@@ -94,7 +112,7 @@ void Mp3Joiner::Transplant() {
 
 void Mp3Joiner::Take(std::string frame) {
     if (std::exchange(isNewPart_, false))
-        Transplant();
+        Transplant(ReservoirOf(frame));
     const std::size_t body = Mp3BodyAt(frame);
     if (!hasRoomForAll_ && ReservoirOf(frame) > room_)
         std::fill(frame.begin() + kMp3HeaderBytes,
