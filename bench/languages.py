@@ -1,16 +1,19 @@
 #!/usr/bin/python3 -B
 """Paragraphs of 5 to 50 words in many languages, for speech_bench.
 
-    bench/languages.py | build/bench/bin/speech_bench --languages
+    bench/languages.py [--others] | build/bench/bin/speech_bench --languages
 
 They are the translated messages of the programs that are installed, joined at random: harder than
-prose, since sentences do not belong together and English names stand between.
+prose, since sentences do not belong together and English names stand between. With --others they
+are those of all other programs, which nobody has looked at while the words were chosen.
 """
 import gettext
+import os
 import random
 import re
+import sys
 
-LANGUAGES = "de fr es it ru cs pl nl sv da nb fi pt tr hu ro uk el ja ca sk sl hr bg vi eu et lv lt id gl sr ko".split()
+LANGUAGES = "de fr es it ru cs pl nl sv da nb fi pt tr hu ro uk el ja ca sk sl hr bg vi eu et lv lt id gl sr ko af be".split()
 PROGRAMS = "bash coreutils apt dpkg findutils grep sed tar diffutils adduser gawk make wget gtk20 glib20 debconf".split()
 SIZES = ((5, 9), (10, 19), (20, 50))
 MOST = 120
@@ -26,13 +29,21 @@ def is_translated(original, translated):
     return sum(word in english for word in words) <= MOST_ENGLISH * len(words)
 
 
+def programs(language):
+    if "--others" not in sys.argv[1:]:
+        return PROGRAMS
+    catalogs = sorted(os.listdir(f"/usr/share/locale/{language}/LC_MESSAGES"))
+    names = [name[:-3] for name in catalogs if name.endswith(".mo")]
+    return [name for name in names if name.split("-")[0] not in PROGRAMS and not name.startswith("iso")]
+
+
 def messages(language):
     found = set()
-    for program in PROGRAMS:
+    for program in programs(language):
         try:
             with open(f"/usr/share/locale/{language}/LC_MESSAGES/{program}.mo", "rb") as file:
                 catalog = gettext.GNUTranslations(file)._catalog
-        except (OSError, UnicodeDecodeError):
+        except (OSError, UnicodeDecodeError, IndexError):
             continue
         for original, translated in catalog.items():
             text = re.sub(r"\s+", " ", translated.strip()) if isinstance(translated, str) else ""

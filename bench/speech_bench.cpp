@@ -1,7 +1,8 @@
 // What text preparation costs, and how surely languages are told.
 //
 //   speech_bench TEXTFILE             seconds of processor time, a step a line
-//   speech_bench --languages < LINES  tag, class and paragraph between tabs: which voice spoke it
+//   speech_bench --languages < LINES  tag, class and paragraph between tabs: which voice spoke it;
+//                                     what a wrong one spoke goes to the standard error
 #include <array>
 #include <ctime>
 #include <fstream>
@@ -16,6 +17,7 @@
 #include "speech/pronunciations.h"
 #include "speech/speech_pieces.h"
 #include "speech/spoken_forms.h"
+#include "speech/text_language.h"
 #include "speech/voice_finder.h"
 #include "speech/voice_stretches.h"
 #include "speech/voice_table.h"
@@ -78,6 +80,9 @@ struct Told {
     std::size_t all = 0;
     std::size_t rightly = 0;
     std::size_t wrongly = 0;  // neither its language nor the one before
+    std::size_t paragraphs = 0;
+    std::size_t surely = 0;  // told at once
+    std::size_t surelyWrong = 0;
 };
 
 void TellLanguages() {
@@ -95,13 +100,25 @@ void TellLanguages() {
     std::map<std::string, std::map<std::string, Told>> classes;
     for (const auto& [tag, size, paragraph] : lines) {
         Told& told = classes[size][tag];
+        const TextLanguage seen = LanguageOf(paragraph);
+        told.surely += seen.isSure ? 1 : 0;
+        ++told.paragraphs;
+        if (seen.isSure && seen.tag != tag) {
+            ++told.surelyWrong;
+            std::cerr << size << '\t' << tag << "\tsurely " << seen.tag << '\t' << paragraph
+                      << '\n';
+        }
         VoiceStretches stretches(paragraph, FindVoice("en"), true, {});
         for (VoiceStretch stretch{}; stretches.Next(stretch);) {
             const std::string spoken = VoiceAt(stretch.voice).name;
             const std::size_t bytes = stretch.end - stretch.begin;
             told.all += bytes;
             told.rightly += spoken == tag ? bytes : 0;
-            told.wrongly += spoken == tag || spoken == "en" ? 0 : bytes;
+            if (spoken == tag || spoken == "en")
+                continue;
+            told.wrongly += bytes;
+            std::cerr << size << '\t' << tag << '\t' << spoken << '\t'
+                      << std::string_view(paragraph).substr(stretch.begin, bytes) << '\n';
         }
     }
     for (const auto& [size, languages] : classes) {
@@ -112,12 +129,17 @@ void TellLanguages() {
             sum.all += told.all;
             sum.rightly += told.rightly;
             sum.wrongly += told.wrongly;
+            sum.paragraphs += told.paragraphs;
+            sum.surely += told.surely;
+            sum.surelyWrong += told.surelyWrong;
         }
         const auto percent = [&sum](std::size_t part) {
             return 100 * static_cast<double>(part) / static_cast<double>(sum.all);
         };
         std::cout << "\n  all: " << percent(sum.rightly) << " % right, " << percent(sum.wrongly)
-                  << " % wrong, the rest stays with the voice before\n";
+                  << " % wrong, the rest stays with the voice before\n  surely told " << sum.surely
+                  << " of " << sum.paragraphs << " paragraphs, " << sum.surelyWrong
+                  << " of these wrongly\n";
     }
 }
 

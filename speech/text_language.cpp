@@ -8,6 +8,7 @@
 #include <array>
 
 #include "foundation/owned_text.h"
+#include "speech/language_tellers.h"
 #include "speech/language_words.h"
 
 namespace {
@@ -35,59 +36,17 @@ constexpr std::array<std::string_view, 5> kAlike[] = {{"da", "nb", "nn", "sv"},
 constexpr std::array<std::string_view, 2> kSpokenAlike[] = {
     {"hr", "bs"}, {"nb", "nn"}, {"id", "ms"}};
 
-// What shows one of languages that are much alike, in small letters, with blanks for the ends of
-// words.
-struct Tellers {
-    std::string_view language;
-    std::array<std::string_view, 28> parts;
-};
-constexpr Tellers kTellers[] = {
-    {"da",
-     {" af ",  "tion",  "hed ",  "heden", "ede ",   "efter",  " ud",    " op ",   "øj",    "ej",
-      " at ",  "æ",     "øg",    "igt ",  "uden",   "brug",   "sprog",  "mellem", "hvad ", "nogen",
-      "noget", "meget", " mig ", " dig ", " blev ", " blive", " have ", "erne "}},
-    // No Danish word ends in a double consonant.
-    {"nb", {" av ",  "sjon", "het ", "heten", "etter", " ut", "pp ",    "øy",    "ei",    " å ",
-            "les ",  "noe",  "lig ", "uten",  "bruk",  "nn ", "mellom", " hva ", " mye ", " meg ",
-            " deg ", "ll ",  "tt ",  "gj",    "kj",    "ss ", "ene ",   "kk "}},
-    {"sv", {"ä", "ö", " och ", " att ", " inte ", " är ", "ning"}},
-    {"bg", {"ъ", " се ", "ият ", "й", "я", "щ", "ю"}},
-    {"ru", {"ы", "э", "ё", "й", "я", "щ", "ю"}},
-    {"uk", {"і", "ї", "є", "ґ", "й", "я", "щ", "ю"}},
-    {"be", {"ў", "і", "ы", "э", "ё", "й", "я", "ю"}},
-    {"sr",
-     {"ј",     "љ",    "њ",      "ђ",       "ћ",       "џ",        " šta ",    "fajl",    " gde ",
-      "vreme", " reč", "mesto",  "isat",    "išete",   "podrazum", "interfej", " da vid", "tačk",
-      "tačn",  "opšt", "sistem", "računar", "korišće", "izvešt",   "uopšte",   "đ",       "ć"}},
-    {"hr",
-     {"irat",   "sučelj",  "točk",   "točn",  "opć",  "sustav", "računal", "korište", "pogrešk",
-      "izvješ", "posluži", "tisuć",  "europ", "rije", "lije",   "dije",    "cije",    " što ",
-      "gdje",   "uvjet",   "vrijed", "đ",     "ć",    "tijek",  "smije",   "prije",   "ovdje"}},
-    {"sl",
-     {"sistem", "vredno", " vse", "mesto", "čas", " ki ", "lahko", " ni ", "mogoče", " ter ",
-      " bo ", "ljen", " ob ", " kot "}},
-};
 // Of small words (language_words.h): that many show a language which CLD2 is not sure of, when it
 // leads by so many; and, where its own has none, that it is another one.
 constexpr double kEnoughWords = 1.5;
 constexpr double kEnoughToAgree = 0.8;
+constexpr double kContradicts = 1.9;
 constexpr double kManyWords = 2;
 constexpr double kLead = 0.7;
 constexpr double kSeenFirst = 0.01;
 constexpr double kSeenSurely = 3;  // where nothing is known here that tells the language apart
 constexpr double kNearly = 1;      // as much
-
-std::size_t CountTellers(std::string_view text, std::string_view language) {
-    const auto* const found = std::ranges::find(kTellers, language, &Tellers::language);
-    std::size_t count = 0;
-    if (found == std::end(kTellers))
-        return count;
-    for (const std::string_view part : found->parts)
-        for (std::size_t at = text.find(part); !part.empty() && at != std::string_view::npos;
-             at = text.find(part, at + part.size()))
-            ++count;
-    return count;
-}
+constexpr double kSureLead = 3;    // of what tells one from those much alike
 
 double SumOf(const std::vector<ShownByWords>& shown, std::string_view language) {
     const auto found = std::ranges::find(shown, language, &ShownByWords::language);
@@ -113,8 +72,7 @@ std::vector<std::string_view> MuchAlike(std::string_view language) {
 }
 
 double SeenFirst(std::string_view language) {
-    const auto* const tellers = std::ranges::find(kTellers, language, &Tellers::language);
-    return tellers == std::end(kTellers) ? kSeenSurely : kSeenFirst;
+    return HasTellers(language) ? kSeenFirst : kSeenSurely;
 }
 
 // The one of those much alike that the text shows.
@@ -140,20 +98,72 @@ TextLanguage ToldApart(std::string_view text, std::string language,
     for (const auto& [sum, other] : sums)
         if (other != sums.front().second && sum >= sums.front().first - kNearly)
             found.orElse.emplace_back(other);
+    found.isSure = sums.size() < 2 ||
+                   (HasTellers(sums[0].second) && sums[0].first - sums[1].first >= kSureLead);
     if (!sums.empty())
         language = sums.front().second;
     found.tag = std::move(language);
     return found;
 }
 
+// The words of the language and of those much alike: mostly they share them.
+double SumOfAlike(const std::vector<ShownByWords>& shown, std::string_view language) {
+    double sum = 0;
+    for (const ShownByWords& one : shown)
+        sum += one.language == language || AreMuchAlike(one.language, language) ? one.sum : 0;
+    return sum;
+}
+
+// The most that another one shows.
+double SumOfOthers(const std::vector<ShownByWords>& shown, std::string_view language) {
+    double most = 0;
+    for (const ShownByWords& one : shown)
+        if (one.language != language && !AreMuchAlike(one.language, language))
+            most = std::max(most, SumOfAlike(shown, one.language));
+    return most;
+}
+
 // maybe: what CLD2 would say.
 std::string ShownAlone(const std::vector<ShownByWords>& shown, std::string_view maybe) {
-    if (shown.empty())
-        return {};
-    const bool leads = shown.size() == 1 || shown[1].sum <= shown[0].sum - kLead;
-    const bool isShown = shown[0].language == maybe ? shown[0].sum >= kEnoughToAgree
-                                                    : shown[0].sum >= kEnoughWords && leads;
-    return isShown ? std::string(shown[0].language) : "";
+    std::string_view best;
+    double most = 0;
+    for (const ShownByWords& one : shown)
+        if (const double sum = SumOfAlike(shown, one.language); sum > most) {
+            best = one.language;
+            most = sum;
+        }
+    const double next = SumOfOthers(shown, best);
+    const bool isShown = best == maybe || AreMuchAlike(best, maybe)
+                             ? most >= kEnoughToAgree
+                             : most >= kEnoughWords && next <= most - kLead;
+    return isShown ? std::string(best) : "";
+}
+
+struct Guess {
+    std::string tag;
+    int bytes = 0;  // letters', of what was looked at
+    bool isGood = false;
+};
+
+Guess GuessOf(std::string_view text) {
+    const CLD2::CLDHints hints{nullptr, nullptr, CLD2::UNKNOWN_ENCODING, CLD2::UNKNOWN_LANGUAGE};
+    CLD2::Language languages[3];
+    int percents[3];
+    double scores[3];
+    Guess guess;
+    bool isReliable = false;
+    const CLD2::Language language = CLD2::ExtDetectLanguageSummary(
+        text.data(), static_cast<int>(text.size()), true, &hints, 0, languages, percents, scores,
+        nullptr, &guess.bytes, &isReliable);
+    guess.tag = LanguageOnly(CLD2::LanguageCode(language));
+    // What is much alike is shared out among several.
+    int percent = percents[0];
+    for (const int i : {1, 2})
+        if (AreMuchAlike(guess.tag, LanguageOnly(CLD2::LanguageCode(languages[i]))))
+            percent += percents[i];
+    guess.isGood = (isReliable || percent > percents[0]) && language != CLD2::UNKNOWN_LANGUAGE &&
+                   percent >= kMostOfIt;
+    return guess;
 }
 
 }  // namespace
@@ -183,37 +193,29 @@ TextLanguage LanguageOf(std::string_view text) {
     // What is no UTF-8 would be read beyond its end.
     if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
         return {};
-    const CLD2::CLDHints hints{nullptr, nullptr, CLD2::UNKNOWN_ENCODING, CLD2::UNKNOWN_LANGUAGE};
-    CLD2::Language languages[3];
-    int percents[3];
-    double scores[3];
-    int bytes = 0;
-    bool isReliable = false;
-    const CLD2::Language language =
-        CLD2::ExtDetectLanguageSummary(text.data(), static_cast<int>(text.size()), true, &hints, 0,
-                                       languages, percents, scores, nullptr, &bytes, &isReliable);
+    const Guess guess = GuessOf(text);
     TextLanguage found;
-    found.isLong = bytes >= kEnoughForAlike;
-    const std::string tag(LanguageOnly(CLD2::LanguageCode(language)));
-    // What is much alike is shared out among several.
-    int percent = percents[0];
-    for (const int i : {1, 2})
-        if (AreMuchAlike(tag, LanguageOnly(CLD2::LanguageCode(languages[i]))))
-            percent += percents[i];
-    const bool isSure = isReliable || percent > percents[0];
-    if (bytes < kFewestBytes)
+    found.isLong = guess.bytes >= kEnoughForAlike;
+    if (guess.bytes < kFewestBytes)
         return found;
-    const bool isKnown = isSure && language != CLD2::UNKNOWN_LANGUAGE && percent >= kMostOfIt;
-    if (isKnown && bytes >= kEnoughForOthers && MuchAlike(tag).empty()) {
-        found.tag = tag;
-        return found;
-    }
+    const bool isEnough = guess.bytes >= kEnoughForOthers;
     const std::vector<ShownByWords> shown = LanguagesShownByWords(text);
-    if (!isKnown) {
-        found.tag = ShownAlone(shown, tag);
+    const double others = SumOfOthers(shown, guess.tag);
+    const double own = SumOfAlike(shown, guess.tag);
+    const bool isContradicted = (own == 0 && others >= kContradicts && IsKnownByWords(guess.tag)) ||
+                                (isEnough && LacksItsLetters(text, guess.tag));
+    const bool isKnown = guess.isGood && !isContradicted;
+    const bool agrees = isKnown && isEnough && own >= others;
+    if (isKnown && isEnough && MuchAlike(guess.tag).empty()) {
+        found.tag = guess.tag;
+        found.isSure = agrees;
         return found;
     }
-    TextLanguage apart = ToldApart(text, tag, shown);
+    const std::string seen = isKnown ? guess.tag : ShownAlone(shown, guess.tag);
+    if (seen.empty())
+        return found;
+    TextLanguage apart = ToldApart(text, seen, shown);
     apart.isLong = found.isLong;
+    apart.isSure = apart.isSure && agrees;
     return apart;
 }

@@ -8,6 +8,7 @@
 struct TextLanguage {
     std::string tag;      // "de"; empty: it does not show surely enough
     bool isLong = false;  // long enough to tell languages apart that are much alike
+    bool isSure = false;  // nothing in the text speaks for another one
     std::vector<std::string> orElse = {};  // much alike, and shown nearly as much
 };
 

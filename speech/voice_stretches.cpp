@@ -134,7 +134,7 @@ std::string VoiceStretches::Judge(const TextLanguage& seen, const std::string& m
         return marked;
     const std::vector<std::string_view> alike = SpokenAlike(seen.tag);
     if (std::ranges::find(alike, expected) != alike.end() ||
-        (!seen.isLong && AreMuchAlike(seen.tag, expected)))
+        ((!seen.isLong || !seen.isSure) && AreMuchAlike(seen.tag, expected)))
         return expected;
     return seen.tag;
 }

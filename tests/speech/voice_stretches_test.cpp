@@ -30,7 +30,7 @@ constexpr const char* kGermanSentence =
 // Its own process and voices, none of them chosen.
 template <typename Checks>
 void WithVoices(Checks checks, std::vector<const char*> tags = {"en-029", "en-US", "de", "ru", "cs",
-                                                                "da", "nb", "es"}) {
+                                                                "da", "nb", "es", "hr", "sr"}) {
     InFreshProcess([&checks, &tags] {
         UserSetting<const char*>{"Voices", "de", ""}.Delete();
         std::vector<Voice> voices;
@@ -81,6 +81,13 @@ TEST(VoiceStretches, GiveEachLanguageItsVoice) {
         EXPECT_EQ(Spoken("Den forvalgte handling er at beholde den eksisterende version. Kan ikke "
                          "opdatere komprimerede arkiver. Det er ikke meningen at slette dem.\n"),
                   "|da");
+        // Nothing in it tells Croatian from Serbian: the last of them stays, of others the
+        // likelier.
+        const std::string south = "Otvorite prozor i zatvorite vrata.";
+        const std::string serbian =
+            " Neko je pre nedelju dana posle ručka pitao da li je lepo vreme.";
+        EXPECT_EQ(Spoken(south + serbian + "\n\n" + south, "en-US"), "|sr");
+        EXPECT_EQ(Spoken(south + "\n\n" + south, "hr"), "|hr");
         // Neither sure by its letters alone nor without its small words.
         EXPECT_EQ(Spoken("Pluggable Authentication Modules (PAM) bestimmen, wie Berechtigung und "
                          "Passwort-Änderung auf dem System gehandhabt werden."),

@@ -1,0 +1,117 @@
+#include "speech/language_tellers.h"
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+#include <iterator>
+
+namespace {
+
+// Parted by "|", with blanks for the ends of words.
+struct Tellers {
+    std::string_view language;
+    std::array<std::string_view, 3> parts;
+};
+
+// "vrijeme" of Croatia and Bosnia is "vreme" in Serbia.
+constexpr std::string_view kIjekavian =
+    "rije|lije|dije|cije|gdje|ovdje|mjes|mjer|vjer|svje|djel|djec|sljed|uspje|smije|smje|sjed|"
+    "sjev|tjel|cvij|svij|snij|zvij|bije|tjed|zahtjev|uvjet|vrije|mije";
+// What Serbia and Bosnia say, and Croatia says otherwise.
+constexpr std::string_view kSerbian =
+    " šta | neko | niko |fajl|podrazum|interfej|tačk|tačn|opšt|sistem|računar|korišće|hiljad|"
+    "muzik|fudbal|univerz|januar|februar|avgust|septemb|oktob|novemb|decemb|tisat|nisat|lisat|"
+    "kisat|risat| da li |saobrać";
+// What Slovenia says otherwise than they all.
+constexpr std::string_view kSouthSlavic = "ć|đ| su | u | i | nije | kao | ili |og ";
+
+constexpr Tellers kTellers[] = {
+    {"da",
+     {" af |tion|hed |heden|ede |efter| ud| op |øj|ej| at |æ|øg|igt |uden|brug|sprog|mellem|hvad |"
+      "nogen|noget|meget| mig | dig | blev | blive| have |erne |øb|dsk|inde|kend|find|uge |ade |"
+      "dt |f "}},
+    {"nb",
+     {" av |sjon|het |heten|etter| ut|pp |øy|ei| å |les |noe|lig |uten|bruk|nn |mellom| hva |"
+      " mye | meg | deg |ll |tt |gj|kj|ss |ene |kk |øk|finne|sj|rte | bare |ett "}},
+    {"sv", {"ä|ö| och | att | inte | är |ning|a |ett |ck|mn|ch|x|bort"}},
+    {"es",
+     {" y | los | las | el | del |pue|fue|mue|nue|uev|tie|mie|vie|ier|nea |jo |ja |aje|ede |dad |"
+      "iones |sin |udo|cha |cho|ales |uestr|hac| una |illo |illa |uelt|ieron |ñ|ón "}},
+    {"gl",
+     {" non |unha|óns |ións |bel | x|xect|xe |iñ|oñ|áis|ous|ou |ei |duci|use |nx|rx|axe|áxi|xer|"
+      "xir|xen| dun| nun|eiro|eira|dade | moi | hai |oxe|uxi| ten | cun|ñ|ón | o | os | ao | co |"
+      " coa | cos "}},
+    {"pt",
+     {"ã|õ| um|em |vel|lh|nh|ê|ç|ss|zi|m | não | com | muit|aco|ô|qua|â|eve|eiro|eira|ou |ei |"
+      "dade | o | os | ao |gem |ns "}},
+    {"ca",
+     {"t |'|à|ls |ció |sió |xer|txe|eix|itx|è| les | els | amb | per |ix |tz|tge|·l|cions|ny|ons |"
+      "tat|rs |ll |ï| i |cs | hi |ment |ò|st | el | del "}},
+    {"nl", {"ij|z|tie|sch|een |ren |nen |den |ten |ken |len |ven |cht|c"}},
+    {"af", {"nie |sk|gs |die |'n |’n |y|ê|ô|kon|sie |sies |ir |ië|lik|oor |ing "}},
+    {"bg", {"ъ| се |ият |й|я|щ|ю"}},
+    {"ru", {"ы|э|ё|й|я|щ|ю"}},
+    {"uk", {"і|ї|є|ґ|й|я|щ|ю"}},
+    {"be", {"ў|і|ы|э|ё|й|я|ю"}},
+    {"sr",
+     {"ј|љ|њ|ђ|ћ|џ| gde | vreme|reč|mesto|mest|išete| da vid|uopšte|izvešt|nedelj|sledeć|posled|"
+      " uvek | pre | posle |svet| lep| deo |uspe|odoz",
+      kSerbian, kSouthSlavic}},
+    {"hr",
+     {"irat|sučelj|točk|točn|opć|sustav|računal|korište|pogrešk|izvješ|posluži|tisuć|europ|vrijed|"
+      " što |tijek| rabi|redak|redk|tvrtk|glazb|sveučil| tko | netko | nitko |siječ|ožuj|kolov|"
+      "listop|prosin|zrak|naziv|redb|valja",
+      kIjekavian, kSouthSlavic}},
+    {"bs", {kSerbian, kIjekavian, kSouthSlavic}},
+    {"sl",
+     {" ni |ega |če |tev | v |dp|zp|vz|vs| z | in |šč|goč|loč|lahko|napa| ki |ev |čas|emu |jo |"
+      "več| ob | kot | bo | ter |ljen|mesto|sistem|vredno| ne |ost "}},
+};
+
+struct Letters {
+    std::string_view language;
+    std::string_view letters;
+};
+constexpr Letters kLetters[] = {{"cs", "á é í ý ú ů ě ř Á É Í Ú"},
+                                {"sk", "á é í ý ú ô ä ľ Á É Í Ú"}};
+
+template <typename Visitor>
+void EachPart(std::string_view parts, char mark, Visitor visit) {
+    while (!parts.empty()) {
+        const std::size_t end = std::min(parts.find(mark), parts.size());
+        if (end > 0)
+            visit(parts.substr(0, end));
+        parts.remove_prefix(std::min(end + 1, parts.size()));
+    }
+}
+
+}  // namespace
+
+std::size_t CountTellers(std::string_view text, std::string_view language) {
+    const auto* const found = std::ranges::find(kTellers, language, &Tellers::language);
+    std::size_t count = 0;
+    if (found == std::end(kTellers))
+        return count;
+    for (const std::string_view parts : found->parts)
+        EachPart(parts, '|', [&](std::string_view part) {
+            for (std::size_t at = text.find(part); at != std::string_view::npos;
+                 at = text.find(part, at + part.size()))
+                ++count;
+        });
+    return count;
+}
+
+bool HasTellers(std::string_view language) {
+    return std::ranges::find(kTellers, language, &Tellers::language) != std::end(kTellers);
+}
+
+bool LacksItsLetters(std::string_view text, std::string_view language) {
+    const auto* const found = std::ranges::find(kLetters, language, &Letters::language);
+    if (found == std::end(kLetters))
+        return false;
+    bool lacks = true;
+    EachPart(found->letters, ' ', [&](std::string_view letter) {
+        lacks = lacks && text.find(letter) == std::string_view::npos;
+    });
+    return lacks;
+}

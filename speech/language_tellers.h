@@ -1,0 +1,12 @@
+// What shows one of languages that are much alike: their spellings and endings.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+// How often the text, in small letters with a blank at both ends, holds what tells the language.
+std::size_t CountTellers(std::string_view text, std::string_view language);
+// Whether anything is known here that does.
+bool HasTellers(std::string_view language);
+// Whether the text holds none of the letters that some ten words of the language never lack.
+bool LacksItsLetters(std::string_view text, std::string_view language);
