@@ -1,6 +1,7 @@
 #include "app/reading/voice_change.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "speech/text_places.h"
 
@@ -13,6 +14,12 @@ constexpr int kEarlyMilliseconds = 40;
 
 // Who moves the slider of the speed has stopped; until then the sound is stretched.
 constexpr unsigned int kTempoRestMilliseconds = 500;
+
+// A sentence that is too long for one piece goes on between them: the next piece counts.
+bool GoesOn(std::string_view text, std::size_t pieceEnd, std::size_t nextSentence) {
+    return text.substr(0, nextSentence).find_first_not_of(" \t\r\n", pieceEnd) !=
+           std::string_view::npos;
+}
 
 }  // namespace
 
@@ -81,7 +88,7 @@ void VoiceChange::Act() {
     const LSoundTime end = narrator_.TimeOf(now.stretch->endFrame);
     const bool isAtEnd = end.Milliseconds() - now.time.Milliseconds() <= 2 * kNearMilliseconds;
     const auto next = SentenceBehind(narrator_.Text(), now.stretch->sourceEnd - 1);
-    if (!isAtEnd || !next)
+    if (!isAtEnd || !next || GoesOn(narrator_.Text(), now.stretch->sourceEnd, *next))
         return;
     const int voice = *voice_;
     voice_.reset();

@@ -195,6 +195,25 @@ TEST_F(NarratorTest, AnotherVoiceGoesOnAtTheNextSentence) {
     ASSERT_TRUE(RunTo(State::kEnded));
     EXPECT_EQ(last_.end, ReadingEnd::kToItsEnd);
     EXPECT_FALSE(change.Begin(1));
+
+    // A sentence that the engine is handed in pieces is heard to its end all the same.
+    std::string sentences = "So";
+    while (sentences.size() < 650)
+        sentences += " it goes on, and on, and further on";
+    const std::size_t longOne = sentences.append(".").size();
+    sentences += " Then comes another.";
+    narrator_->Read({.text = sentences}, 0);
+    ASSERT_TRUE(RunUntil([&] { return last_.state == State::kPlaying && last_.stretch; }));
+    ASSERT_LT(last_.stretch->sourceEnd, longOne);
+    EXPECT_TRUE(change.Begin(1));
+    narrator_->MoveTo(LSoundTime(narrator_->TimeOf(last_.stretch->endFrame).Milliseconds() - 900));
+    std::size_t heardTo = 0;
+    ASSERT_TRUE(RunUntil([&] {
+        if (narrator_->Voice() == 0 && last_.stretch)
+            heardTo = last_.stretch->sourceEnd;
+        return narrator_->Voice() == 1;
+    }));
+    EXPECT_EQ(heardTo, longOne);
 }
 
 TEST_F(NarratorTest, AnEngineItselfSpeaksFastFromTheNextSentenceOn) {
