@@ -83,8 +83,9 @@ void EngineProcess::Run() {
     if (engine.IsStarted())
         errors = ReadErrors(errorPipe.readEnd.Get(), engine.Pid());
     EndLeftBehind(engine.Pid());
-    engine.Wait();
+    // It has ended: Kill() never waits here for long, nor meets a number that is another's by then.
     const std::lock_guard<std::mutex> lock(mutex_);
+    engine.Wait();
     engine_ = -1;
     text_.writeEnd.Reset();
     errors_ = std::move(errors);
