@@ -53,7 +53,7 @@ void AudiobookDialog::Show(GtkWidget* parent, int voice) {
         Open(parent, {kBoxTitle, false, DlgGenAudiobook}, false);
     FillVoices(voice);
     if (!std::exchange(isRestored_, true))
-        AddFiles(LoadKeptBooks(), false);  // what the last run of the program was at
+        AddKeptBooks();
     EnableControls();
 }
 
@@ -176,6 +176,7 @@ void AudiobookDialog::EnableControls() {
         canStart = canStart || list_.IsOpen(i);
     gtk_dialog_set_response_sensitive(GTK_DIALOG(Widget()), GTK_RESPONSE_OK, canStart ? 1 : 0);
     EnableControl(kPause, list_.Queue().IsAtWork());
+    SetButtonText(kPause, list_.Queue().IsPaused() ? "&Go On" : "&Pause");
     ShowBooks();
 }
 
@@ -219,6 +220,15 @@ void AudiobookDialog::CmAdd() {
     AddFiles(books, true);
 }
 
+// What the last run of the program was at goes on in the voice that it was begun in.
+void AudiobookDialog::AddKeptBooks() {
+    const std::vector<KeptBook> books = LoadKeptBooks();
+    AddFiles(books, false);
+    const int voice = books.empty() ? -1 : FindVoice(books.front().voice);
+    if (voice >= 0 && IsOpen())
+        PDLSetCurSel(kBookVoice, voice);
+}
+
 void AudiobookDialog::AddFiles(const std::vector<KeptBook>& books, bool again) {
     std::string problems;
     for (const KeptBook& book : books) {
@@ -231,13 +241,14 @@ void AudiobookDialog::AddFiles(const std::vector<KeptBook>& books, bool again) {
             continue;
         }
         BookEntry entry = EntryOf(*document, book.path, SuggestedName("", book.path));
-        if (!book.title.empty())
-            Restore(book, entry);
+        const std::string lost = book.title.empty() ? "" : Restore(book, entry);
+        if (!lost.empty())
+            problems += (problems.empty() ? "" : "\n") + book.coverPath + ": " + lost;
         Add(std::move(entry), again);
     }
     if (!problems.empty() && IsOpen())
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
-                      "Not all documents can be read.", problems.c_str());
+                      "Not everything can be read.", problems.c_str());
 }
 
 void AudiobookDialog::CmRemove() {
@@ -275,7 +286,7 @@ void AudiobookDialog::CmBreakOff() {
 void AudiobookDialog::CmPause() {
     BookQueue& queue = list_.Queue();
     queue.Pause(!queue.IsPaused());
-    SetButtonText(kPause, queue.IsPaused() ? "&Go On" : "&Pause");
+    EnableControls();
     Tell(queue.IsPaused() ? "Paused." : "Goes on.");
 }
 
@@ -309,15 +320,16 @@ void AudiobookDialog::CmStart() {
     if (!IsReadyToStart(choices) || !IsOpen())
         return;
     StoreBookChoices(choices);
-    std::string taken;
+    std::string names;
+    std::set<std::string> taken;
     for (const std::string& target : list_.Targets(choices))
-        if (IsTaken(target))
-            taken += (taken.empty() ? "" : "\n") + target;
+        if (IsTaken(target) && taken.insert(target).second)
+            names += (names.empty() ? "" : "\n") + target;
     if (!taken.empty() &&
         MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kBoxTitle,
-                      "Replace what is there?", taken.c_str()) != GTK_RESPONSE_YES)
+                      "Replace what is there?", names.c_str()) != GTK_RESPONSE_YES)
         return;
-    if (!list_.Start(choices, ChosenVoiceOf(), !taken.empty()))
+    if (!list_.Start(choices, ChosenVoiceOf(), taken))
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
                       "There is no room for temporary files.", "");
     FocusControl(kDocuments);  // the button is off now

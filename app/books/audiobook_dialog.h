@@ -26,6 +26,7 @@ public:
 
 private:
     void AddFiles(const std::vector<KeptBook>& books, bool again);
+    void AddKeptBooks();
     void FillVoices(int chosen);
     void ShowChoices();
     void ShowQualities(BookQuality chosen);

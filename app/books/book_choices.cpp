@@ -115,7 +115,8 @@ std::string QualityText(SoundType type, BookQuality quality) {
 BookOrder OrderOf(const BookChoices& choices, int voice) {
     BookOrder order;
     order.voice = voice;
-    order.rules = {.byLanguage = choices.byLanguage, .choices = ChosenSpeakingChoices()};
+    order.rules = ChosenSpeakingRules();
+    order.rules.byLanguage = choices.byLanguage;
     order.rules.manners = MannersOfVoices();
     order.type = choices.type;
     order.kilobits = KilobitsOf(choices.type, choices.quality);

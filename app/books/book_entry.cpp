@@ -49,13 +49,14 @@ std::vector<KeptBook> LoadKeptBooks() {
     while (!rest.empty()) {
         std::string_view line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-        std::array<std::string, 5> columns;
+        std::array<std::string, 6> columns;
         for (std::string& column : columns) {
             column = line.substr(0, line.find('\t'));
             line.remove_prefix(std::min(column.size() + 1, line.size()));
         }
         if (!columns[0].empty())
-            books.push_back({columns[0], columns[1], columns[2], columns[3], columns[4]});
+            books.push_back(
+                {columns[0], columns[1], columns[2], columns[3], columns[4], columns[5]});
     }
     return books;
 }
@@ -65,7 +66,8 @@ void StoreKeptBooks(const std::vector<KeptBook>& books) {
     for (const KeptBook& book : books)
         if (!book.path.empty() && FitsIntoLine(book.path) && FitsIntoLine(book.coverPath))
             content += book.path + '\t' + book.title + '\t' + book.author + '\t' + book.language +
-                       '\t' + book.coverPath + '\n';
+                       '\t' + book.coverPath + '\t' + (FitsIntoLine(book.voice) ? book.voice : "") +
+                       '\n';
     if (content.empty())
         RemovePrivateFile(kKeptBooks);
     else
@@ -75,22 +77,28 @@ void StoreKeptBooks(const std::vector<KeptBook>& books) {
 KeptBook KeptOf(const BookEntry& entry) {
     const BookPlan& plan = entry.plan;
     const bool isCoverTaken = plan.cover.empty() && !entry.documentsCover.empty();
-    return {entry.path, plan.title, plan.author, plan.language,
-            isCoverTaken ? kCoverTaken : entry.coverPath};
+    return {entry.path,
+            plan.title,
+            plan.author,
+            plan.language,
+            isCoverTaken ? kCoverTaken : entry.coverPath,
+            entry.voice};
 }
 
-void Restore(const KeptBook& kept, BookEntry& entry) {
+std::string Restore(const KeptBook& kept, BookEntry& entry) {
     TitleBook(entry.plan, kept.title);
     entry.plan.author = kept.author;
     entry.plan.language = kept.language;
-    if (kept.coverPath == kCoverTaken) {
-        entry.plan.cover.clear();
-        return;
-    }
+    entry.voice = kept.voice;
     std::string problem;
-    const std::string cover = kept.coverPath.empty() ? "" : ReadCover(kept.coverPath, problem);
+    if (kept.coverPath == kCoverTaken)
+        entry.plan.cover.clear();
+    if (kept.coverPath.empty() || kept.coverPath == kCoverTaken)
+        return problem;
+    const std::string cover = ReadCover(kept.coverPath, problem);
     if (cover.empty())
-        return;
+        return problem;
     entry.plan.cover = cover;
     entry.coverPath = kept.coverPath;
+    return problem;
 }

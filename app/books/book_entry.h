@@ -18,6 +18,7 @@ struct BookEntry {
     std::string coverPath;              // of the picture that the user has chosen in its place
     std::optional<std::size_t> number;  // in the queue, once it is there
     std::string target;                 // where it goes, then
+    std::string voice;                  // its key, then
     bool isToldOf = false;              // how it ended
 };
 
@@ -37,8 +38,11 @@ struct KeptBook {
     std::string author = {};
     std::string language = {};
     std::string coverPath = {};  // "": the document's, "-": none
+    std::string voice = {};
 };
 std::vector<KeptBook> LoadKeptBooks();
 void StoreKeptBooks(const std::vector<KeptBook>& books);
 KeptBook KeptOf(const BookEntry& entry);
-void Restore(const KeptBook& kept, BookEntry& entry);
+// What is wrong with the picture that the user had chosen, which is the document's then; empty for
+// nothing.
+std::string Restore(const KeptBook& kept, BookEntry& entry);

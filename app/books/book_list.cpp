@@ -63,7 +63,7 @@ std::vector<std::string> BookList::Targets(const BookChoices& choices) {
     return targets;
 }
 
-bool BookList::Start(const BookChoices& choices, int voice, bool replaces) {
+bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced) {
     if (folder_ == nullptr || !folder_->IsMade())
         folder_ = std::make_unique<WorkFolder>("lectora-books");
     if (!folder_->IsMade())
@@ -78,8 +78,9 @@ bool BookList::Start(const BookChoices& choices, int voice, bool replaces) {
         order.text = entry.text;
         order.rules.marks = entry.marks;
         order.target = entry.target;
-        order.overwrites = replaces;
+        order.overwrites = replaced.contains(entry.target);
         order.engineFolder = folder_->Path();
+        entry.voice = KeyOf(VoiceAt(voice));
         entry.isToldOf = false;
         entry.number = queue_.Add(std::move(order));
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,8 +32,9 @@ public:
 
     // Where the open ones would go, in order.
     std::vector<std::string> Targets(const BookChoices& choices);
-    // Makes these; false: there is no place for temporary files.
-    bool Start(const BookChoices& choices, int voice, bool replaces);
+    // Makes these, in the place of what stands at the targets that are named; false: there is no
+    // place for temporary files.
+    bool Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced);
     void BreakOff(std::size_t index);
     BookQueue& Queue() { return queue_; }
     const BookQueue& Queue() const { return queue_; }
