@@ -108,17 +108,24 @@ private:
         // The same once more in other forms: as plain text it has no menus.
         for (int i = 0; i < count; ++i) {
             GMimeObject* const part = g_mime_multipart_get_part(parts, i);
-            if (GMIME_IS_TEXT_PART(part) && !IsHtml(part) &&
+            if (GMIME_IS_TEXT_PART(part) && IsText(part, "plain") &&
                 !Content(GMIME_TEXT_PART(part)).empty())
+                return ReadPart(part, depth + 1);
+        }
+        // The last one is the best; invitations stand behind the letter.
+        for (int i = count; i-- > 0;) {
+            GMimeObject* const part = g_mime_multipart_get_part(parts, i);
+            if (GMIME_IS_MULTIPART(part) || IsHtml(part))
                 return ReadPart(part, depth + 1);
         }
         if (count > 0)
             ReadPart(g_mime_multipart_get_part(parts, count - 1), depth + 1);
     }
-    static bool IsHtml(GMimeObject* part) {
-        return g_mime_content_type_is_type(g_mime_object_get_content_type(part), "text", "html") !=
+    static bool IsText(GMimeObject* part, const char* kind) {
+        return g_mime_content_type_is_type(g_mime_object_get_content_type(part), "text", kind) !=
                FALSE;
     }
+    static bool IsHtml(GMimeObject* part) { return IsText(part, "html"); }
     static std::string Content(GMimeTextPart* part) {
         const OwnedText text(g_mime_text_part_get_text(part));
         std::string content = OrEmpty(text.get());

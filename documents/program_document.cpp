@@ -8,6 +8,7 @@
 #include "documents/pdf_pages.h"
 #include "documents/problems.h"
 #include "documents/program_output.h"
+#include "documents/rtf_for_program.h"
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
 #include "foundation/processes/child_process.h"
@@ -57,25 +58,6 @@ Converted RunConverter(const Converter& converter, std::string_view bytes,
     return converted;
 }
 
-void ReplaceAll(std::string& text, std::string_view what, std::string_view with) {
-    for (std::size_t at = text.find(what); at != std::string::npos;
-         at = text.find(what, at + with.size()))
-        text.replace(at, what.size(), with);
-}
-
-// The program runs notes into the words before them and shows what was deleted or hidden: a group
-// that begins with "\*" and a word that it does not know it passes over.
-std::string ForProgram(std::string_view rtf, const DocumentRules& rules) {
-    std::string text(rtf);
-    ReplaceAll(text, "{\\deleted", "{\\*\\deleted");
-    // Of a link it says only that it is one, where it knows where that leads.
-    ReplaceAll(text, "{\\*\\fldinst", "{\\*\\linkplace");
-    ReplaceAll(text, "{\\v ", "{\\*\\vhidden ");
-    ReplaceAll(text, "{\\v\\", "{\\*\\vhidden\\");
-    ReplaceAll(text, "{\\footnote", rules.notes ? "{ (Note:) \\footnote" : "{\\*\\footnote");
-    return text;
-}
-
 // The settings between lines of "---" before a text; its title is one of them.
 std::string_view TakeFrontMatter(std::string_view& text) {
     if (!text.starts_with("---\n") && !text.starts_with("---\r\n"))
@@ -103,7 +85,7 @@ std::string TitleIn(std::string_view front) {
 }  // namespace
 
 Document ReadRtf(std::string_view bytes, const ReadingWatch& watch, const DocumentRules& rules) {
-    Converted page = RunConverter(kRtf, ForProgram(bytes, rules), watch);
+    Converted page = RunConverter(kRtf, RtfForProgram(bytes, watch, rules), watch);
     if (!page.problem.empty())
         return DocumentProblem(std::move(page.problem));
     DocumentRules whole = rules;

@@ -30,6 +30,13 @@ TEST(Programs, RtfIsReadWithWhatItShowsAlone) {
         "word{\\footnote A note.}.\\par "
         "{\\field{\\*\\fldinst{HYPERLINK \"#a\"}}{\\fldrslt{A link}}}\\par}";
     const Document whole = ReadDocument(rtf);
+    // Letters by their numbers, with what stands for them in old readers.
+    EXPECT_EQ(
+        ReadDocument("{\\rtf1\\ansi\\ansicpg1252\\pard So: \\u8220\"Gr\\u246?\\u223?e\\u8221\" "
+                     "\\uc0\\u1087 \\u1088\\u1080  {\\uc2\\u233\\'c3\\'a9t\\u233 ??} "
+                     "\\u-10179\\u-8704  end.{\\*\\footnote A {\\b note}.}\\par}")
+            .text,
+        "So: “Größe” при été 😀 end. (Note:) A note.");
     EXPECT_EQ(whole.title, "The Title");
     EXPECT_THAT(whole.text, testing::StartsWith("Café and — “so”.\nIt has a word"));
     EXPECT_THAT(whole.text, HasSubstr("(Note:) A note"));
@@ -229,6 +236,11 @@ TEST(Mail, IsReadWithItsHeadAndWithoutItsDoubles) {
          "Content-Type: multipart/alternative; boundary=x\r\n\r\n--x\r\nContent-Type: "
          "text/plain\r\n\r\nPlain.\r\n--x\r\nContent-Type: text/html\r\n\r\n<p>No\r\n--x--\r\n",
          "Plain."},
+        {"an invitation",
+         "Content-Type: multipart/alternative; boundary=x\r\n\r\n--x\r\nContent-Type: "
+         "text/html\r\n\r\n<p>Come.\r\n--x\r\nContent-Type: text/calendar\r\n\r\nBEGIN:"
+         "VCALENDAR\r\n--x--\r\n",
+         "Come."},
         {"a page and what is attached",
          "Content-Type: multipart/mixed; boundary=x\r\n\r\n--x\r\nContent-Type: text/html\r\n"
          "Content-Transfer-Encoding: base64\r\n\r\nPGgyPkhlYWQ8L2gyPmJvZHk=\r\n--x\r\nContent-"
