@@ -14,6 +14,7 @@ constexpr std::size_t kLeastLines = 8;  // long ones, of a column
 constexpr std::size_t kPlaces = 1024;   // across the page, at which a gutter is looked for
 // Of a column's width: what makes a line a long one. Of the lines: how many may cross the gutter.
 constexpr double kLong = 0.6;
+constexpr double kMostOfLetters = 0.65;  // of a column's, where its long lines are not the most
 constexpr double kMostCrossing = 0.34;
 // Of how many lines beside the gutter one narrow line across it makes these a column in the middle.
 constexpr std::size_t kLeastBetween = 8;
@@ -21,6 +22,10 @@ constexpr double kSmallLetters = 0.93;  // of the letters' usual height: those o
 
 double BottomOf(const PdfLine& line) {
     return line.top + line.height;
+}
+
+bool IsOnlyDigits(std::string_view text) {
+    return text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 // Two columns of running text, and what stands across them.
@@ -142,10 +147,14 @@ private:
         return !IsAcross(line) && line.right - line.left > width * kLong;
     }
 
-    // Mostly long lines on both sides of the gutter, side by side: running text, and no table.
+    // Long lines on both sides of the gutter, side by side: running text, and no table. They are
+    // most of the lines, or hold most of the words beside contents, lists and formulas.
     bool FindColumns() {
         std::array<std::size_t, 2> beside = {};
         std::array<std::size_t, 2> longOnes = {};
+        std::array<std::size_t, 2> letters = {};
+        std::array<std::size_t, 2> lettersInLongOnes = {};
+        std::array<std::size_t, 2> numbers = {};
         std::array<double, 2> top = {HUGE_VAL, HUGE_VAL};
         std::array<double, 2> bottom = {-HUGE_VAL, -HUGE_VAL};
         std::size_t between = 0;
@@ -155,9 +164,12 @@ private:
             } else {
                 const std::size_t side = SideOf(line);
                 ++beside[side];
+                letters[side] += line.text.size();
+                numbers[side] += IsOnlyDigits(line.text) ? 1U : 0U;
                 if (!IsLong(line))
                     continue;
                 ++longOnes[side];
+                lettersInLongOnes[side] += line.text.size();
                 top[side] = std::min(top[side], line.top);
                 bottom[side] = std::max(bottom[side], BottomOf(line));
             }
@@ -166,7 +178,11 @@ private:
         if (between * kLeastBetween > beside[0] + beside[1])
             return false;
         for (const std::size_t side : {0, 1})
-            if (longOnes[side] < kLeastLines || longOnes[side] * 2 < beside[side])
+            if (longOnes[side] < kLeastLines ||
+                (longOnes[side] * 2 < beside[side] &&
+                 (static_cast<double>(lettersInLongOnes[side]) <
+                      static_cast<double>(letters[side]) * kMostOfLetters ||
+                  numbers[side] * 2 > beside[side])))
                 return false;
         return std::min(bottom[0], bottom[1]) - std::max(top[0], top[1]) > (bottom_ - top_) / 4;
     }
