@@ -1,6 +1,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <optional>
 #include <set>
@@ -14,6 +15,9 @@ constexpr std::size_t kOuterLines = 2;  // of a page, above and below
 constexpr std::size_t kLeastPages = 3;
 constexpr std::size_t kLongestHead = 200;
 constexpr int kMostPages = 100000;
+constexpr std::size_t kLeastPagesOfAll = 10;  // fewer may be one slide that grows
+constexpr std::size_t kMostHeadWords = 16;
+constexpr double kBesideNumber = 0.4;    // of the letters' height
 constexpr std::size_t kMostNumbers = 3;  // of a line that may be the page's
 
 // In small letters. What stands beside a page's number; what stands beside a date's.
@@ -89,8 +93,10 @@ bool HasLetterOrDigit(const std::string& word) {
 // One line as it may be repeated on other pages.
 struct Head {
     std::size_t page;
-    std::string text;               // equal to others
-    std::vector<std::string> keys;  // equal to others but for a number that rises with the pages
+    std::string text;                // equal to others, in letters of the same height
+    std::vector<std::string> keys;   // equal to others but for a number that rises with the pages
+    std::string edge;                // equal where such a number is the line's first or last word
+    std::vector<std::string> words;  // but numbers
 };
 
 // "Chapter 2", "Question 2 of 9", "12 March": what a number belongs to that is not the page's.
@@ -105,19 +111,35 @@ bool NamesItsNumber(const std::vector<std::string>& words, bool isAlone) {
     return own == 1;
 }
 
-Head HeadOf(const std::string& line, std::size_t page, bool isBelow) {
-    Head head{page, (isBelow ? "v" : "^") + line, {}};
-    const std::vector<std::string> words = WordsOf(line);
+std::vector<std::string> WithoutNumbers(std::vector<std::string> words) {
+    std::erase_if(words, [](const std::string& word) {
+        return !HasLetterOrDigit(word) || NumberOf(word, false).has_value();
+    });
+    return words;
+}
+
+Head HeadOf(const PdfLine& line, std::size_t page, bool isBelow) {
+    const std::string side = isBelow ? "v" : "^";
+    const std::vector<std::string> words = WordsOf(line.text);
+    Head head{page,
+              side + std::to_string(std::lround(line.height * 2)) + line.text,
+              {},
+              {},
+              WithoutNumbers(words)};
     std::size_t shown = 0;
     for (const std::string& word : words)
         shown += HasLetterOrDigit(word) ? 1U : 0U;
     if (NamesItsNumber(words, shown == 1))
         return head;
+    for (const std::size_t at : {std::size_t{0}, words.size() - 1})
+        if (at < words.size())
+            if (const std::optional<int> number = NumberOf(words[at], true); number)
+                head.edge = side + "edge " + std::to_string(*number - static_cast<int>(page));
     for (std::size_t at = 0; at < words.size() && head.keys.size() < kMostNumbers; ++at) {
         const std::optional<int> number = NumberOf(words[at], shown == 1);
         if (!number)
             continue;
-        std::string key = isBelow ? "v" : "^";
+        std::string key = side;
         for (std::size_t other = 0; other < words.size(); ++other)
             key += " " + (other == at ? "#" : words[other]);
         // The same for all pages on which it rises with them.
@@ -148,32 +170,115 @@ bool IsRunning(const std::set<std::size_t>& pages) {
     return pages.size() >= kLeastPages && pages.size() * 5 >= span * 2;
 }
 
+class PageHeads {
+public:
+    explicit PageHeads(const std::vector<PdfPage>& pages) : pages_(pages) {}
+
+    // Of each page, the lines to be left out.
+    std::vector<std::set<std::size_t>> Find() {
+        ForEachHead([this](std::size_t, const Head& head) {
+            seen_[head.text].insert(head.page);
+            if (!head.edge.empty())
+                seen_[head.edge].insert(head.page);
+            for (const std::string& key : head.keys)
+                seen_[key].insert(head.page);
+        });
+        std::vector<std::set<std::size_t>> running(pages_.size());
+        std::vector<std::set<std::size_t>> besideNumbers(pages_.size());
+        ForEachHead([&](std::size_t line, const Head& head) {
+            if (Rises(head) || IsRunning(seen_[head.text]))
+                running[head.page].insert(line);
+            else if (IsBesideNumber(head, line, running[head.page]))
+                besideNumbers[head.page].insert(line);
+        });
+        LearnWhatStands(running, besideNumbers);
+        std::vector<std::set<std::size_t>> dropped(pages_.size());
+        ForEachHead([&](std::size_t line, const Head& head) {
+            if (Rises(head) || (IsRunning(seen_[head.text]) && !IsToBeKept(head)) ||
+                (besideNumbers[head.page].contains(line) && StandsElsewhere(head.words)))
+                dropped[head.page].insert(line);
+        });
+        return dropped;
+    }
+
+private:
+    template <typename Take>
+    void ForEachHead(const Take& take) const {
+        for (std::size_t page = 0; page < pages_.size(); ++page)
+            for (const auto& [line, isBelow] : OuterLines(pages_[page]))
+                if (pages_[page][line].text.size() <= kLongestHead)
+                    take(line, HeadOf(pages_[page][line], page, isBelow));
+    }
+
+    bool Rises(const Head& head) {
+        return std::any_of(head.keys.begin(), head.keys.end(),
+                           [this](const auto& key) { return IsRunning(seen_[key]); });
+    }
+
+    // A chapter's title at the side of the page's number.
+    bool IsBesideNumber(const Head& head, std::size_t line, const std::set<std::size_t>& running) {
+        if (!head.edge.empty() && IsRunning(seen_[head.edge]))
+            return true;
+        const PdfPage& page = pages_[head.page];
+        return std::any_of(running.begin(), running.end(), [&page, line](std::size_t number) {
+            return page[line].height > 0 && WithoutNumbers(WordsOf(page[number].text)).empty() &&
+                   std::abs(page[line].Middle() - page[number].Middle()) <
+                       page[line].height * kBesideNumber;
+        });
+    }
+
+    void LearnWhatStands(const std::vector<std::set<std::size_t>>& running,
+                         const std::vector<std::set<std::size_t>>& besideNumbers) {
+        for (std::size_t page = 0; page < pages_.size(); ++page)
+            for (std::size_t line = 0; line < pages_[page].size(); ++line)
+                if (pages_[page][line].text.size() <= kLongestHead &&
+                    !running[page].contains(line) && !besideNumbers[page].contains(line))
+                    standing_.insert(Joined(WithoutNumbers(WordsOf(pages_[page][line].text))));
+        standing_.erase("");
+    }
+
+    static std::string Joined(const std::vector<std::string>& words) {
+        std::string joined;
+        for (const std::string& word : words)
+            joined += (joined.empty() ? "" : " ") + word;
+        return joined;
+    }
+
+    // A line that is read is the most of it: the chapter's title, where the head says its number.
+    bool StandsElsewhere(const std::vector<std::string>& words) const {
+        const std::size_t count = std::min(words.size(), kMostHeadWords);
+        for (std::size_t begin = 0; begin < count; ++begin)
+            for (std::size_t end = begin + (count + 1) / 2; end <= count; ++end)
+                if (standing_.contains(Joined({words.begin() + static_cast<std::ptrdiff_t>(begin),
+                                               words.begin() + static_cast<std::ptrdiff_t>(end)})))
+                    return true;
+        return words.empty();
+    }
+
+    // A title above all pages is read once, and so is that of some pages in a row, if it is not
+    // read anyway.
+    bool IsToBeKept(const Head& head) {
+        const std::set<std::size_t>& run = seen_[head.text];
+        if (head.page != *run.begin())
+            return false;
+        if (head.page == 0)
+            return head.text.starts_with('^');
+        const bool isOfAll =
+            run.size() * 5 >= pages_.size() * (pages_.size() < kLeastPagesOfAll ? 4 : 2);
+        return !isOfAll && !StandsElsewhere(head.words);
+    }
+
+    const std::vector<PdfPage>& pages_;
+    std::map<std::string, std::set<std::size_t>> seen_;  // pages, by what is equal on them
+    std::set<std::string> standing_;                     // lines that are read
+};
+
 }  // namespace
 
 void DropPageHeads(std::vector<PdfPage>& pages) {
     if (pages.size() < kLeastPages || pages.size() > kMostPages)
         return;
-    std::map<std::string, std::set<std::size_t>> seen;
-    const auto forEachHead = [&pages](const auto& take) {
-        for (std::size_t page = 0; page < pages.size(); ++page)
-            for (const auto& [line, isBelow] : OuterLines(pages[page]))
-                if (pages[page][line].text.size() <= kLongestHead)
-                    take(line, HeadOf(pages[page][line].text, page, isBelow));
-    };
-    forEachHead([&seen](std::size_t, const Head& head) {
-        seen[head.text].insert(head.page);
-        for (const std::string& key : head.keys)
-            seen[key].insert(head.page);
-    });
-    std::vector<std::set<std::size_t>> dropped(pages.size());
-    forEachHead([&seen, &dropped](std::size_t line, const Head& head) {
-        const bool rises = std::any_of(head.keys.begin(), head.keys.end(),
-                                       [&seen](const auto& key) { return IsRunning(seen[key]); });
-        // A title above all pages is read once.
-        const bool isTitle = head.page == 0 && head.text.starts_with('^');
-        if (rises || (IsRunning(seen[head.text]) && !isTitle))
-            dropped[head.page].insert(line);
-    });
+    const std::vector<std::set<std::size_t>> dropped = PageHeads(pages).Find();
     for (std::size_t page = 0; page < pages.size(); ++page) {
         // What a dropped line began, the next one begins.
         for (const std::size_t line : dropped[page])

@@ -48,6 +48,14 @@ TEST(Pdf, OnlyWhatIsRepeatedOrRisesWithThePagesIsLeftOut) {
         {"every other page",
          "x1\n\nHead\n\nA.\n\nA.\n\nA.\n\fb.\n\fHead\n\nC.\n\fd.\n\fHead\n\nE.\n",
          "x1\n\nHead\n\nA.\n\nA.\n\nA.\n\nb.\n\nC.\n\nd.\n\nE.\n"},
+        {"the title of some slides",
+         "A.\n\fB.\n\fWhy\n\nc.\n\fWhy\n\nd.\n\fWhy\n\ne.\n\fF.\n\fG.\n\fH.\n",
+         "A.\n\nB.\n\nWhy\n\nc.\n\nd.\n\ne.\n\nF.\n\nG.\n\nH.\n"},
+        {"chapters' titles beside pages' numbers, and a line that is none",
+         "Way One\n\nA.\n\f2 Way One\n\nB.\n\fWay Two\n\nC.\n\f4 Chapter X. Way Two\n\nD.\n\fWay "
+         "Three\n\nE.\n\f6 Way Three\n\nF.\n\fG.\n\f8 men went.\n",
+         "Way One\n\nA.\n\nB.\n\nWay Two\n\nC.\n\nD.\n\nWay Three\n\nE.\n\nF.\n\nG.\n\n8 men "
+         "went.\n"},
     };
     for (const auto& item : cases)
         EXPECT_EQ(Joined(item.pages), item.text) << item.what;
@@ -239,10 +247,10 @@ TEST(Pdf, ColumnsAreReadOneAfterTheOther) {
         right.push_back(column(230, line, filling + "r"));
         both.push_back(left.back() + right.back());
     }
+    std::vector<std::vector<std::string>> blocks;
     const std::vector<std::vector<std::vector<std::string>>> bodies = {{right, left}, {both}};
     for (const auto& body : bodies) {
-        std::vector<std::vector<std::string>> blocks = {
-            {WordAt(80, 80, 10, "A Title Above The Two Columns Of This Page")}};
+        blocks = {{WordAt(80, 80, 10, "A Title Above The Two Columns Of This Page")}};
         blocks.insert(blocks.end(), body.begin(), body.end());
         blocks.push_back({WordAt(50, 210, 8, "1 note")});
         const std::string text = TextOfBlocks(blocks);
@@ -250,6 +258,12 @@ TEST(Pdf, ColumnsAreReadOneAfterTheOther) {
         EXPECT_THAT(text, HasSubstr("l7 " + filling + "l8 " + filling + "r0 " + filling + "r1"));
         EXPECT_TRUE(text.ends_with("r8\n\n1 note\n")) << text;
     }
+    // So are those of which most lines are items of contents.
+    blocks = {};
+    for (int line = 0; line < 30; ++line)
+        for (const double at : {50.0, 230.0})
+            blocks.push_back({column(at, line, line < 9 ? filling + "-" : "item")});
+    EXPECT_THAT(TextOfBlocks(blocks), HasSubstr("-7 " + filling + "-8\n\nitem9"));
     // Of a table the rows stay, however long some of its names are.
     both = {};
     for (int line = 0; line < 9; ++line)
