@@ -70,6 +70,10 @@ public:
         } else if (name == "num") {
             levels_ = nullptr;
             list_ = attributes.Value("numId");
+        } else if (name == "lvlOverride") {
+            started_ = static_cast<std::size_t>(NumberIn(attributes.Value("ilvl")));
+        } else if (name == "startOverride" && started_ < kMostListLevels) {
+            styles_.starts_[list_][started_] = NumberIn(value);
         } else if (name == "abstractNumId" && levels_ == nullptr) {
             styles_.lists_[list_] = value;
         } else if (name == "lvl" && levels_ != nullptr) {
@@ -96,6 +100,7 @@ private:
     std::vector<Level>* levels_ = nullptr;
     Level* level_ = nullptr;
     std::string list_;
+    std::size_t started_ = 0;  // level whose count this list begins anew
 };
 
 DocxStyles::DocxStyles(std::string_view styles, std::string_view numbering) {
@@ -134,10 +139,16 @@ std::string DocxStyles::NextNumber(const ListPlace& place) {
     if (description == descriptions_.end() || depth >= description->second.size())
         return {};
     const std::vector<Level>& levels = description->second;
-    // Lists of one description go on counting where the last one stopped.
     const bool isNumbered = levels[depth].format != "bullet" && levels[depth].format != "none";
-    std::vector<int>& counts = counts_[isNumbered ? place.list : list->second];
+    // Lists of one description go on counting where the last one stopped, unless they say
+    // otherwise.
+    std::vector<int>& counts = counts_[list->second];
     counts.resize(kMostListLevels, 0);
+    if (const auto starts = starts_.find(place.list); starts != starts_.end()) {
+        for (const auto& [level, start] : starts->second)
+            counts[level] = start - 1;
+        starts_.erase(starts);
+    }
     counts[depth] = counts[depth] == 0 ? levels[depth].start : counts[depth] + 1;
     std::fill(counts.begin() + place.level + 1, counts.end(), 0);
     if (!isNumbered)

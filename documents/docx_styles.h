@@ -41,6 +41,7 @@ private:
     std::map<std::string, Style, std::less<>> styles_;
     std::map<std::string, std::string, std::less<>> lists_;  // to what describes them
     std::map<std::string, std::vector<Level>, std::less<>> descriptions_;
-    std::map<std::string, std::vector<int>, std::less<>> counts_;
+    std::map<std::string, std::map<std::size_t, int>, std::less<>> starts_;  // of lists, by level
+    std::map<std::string, std::vector<int>, std::less<>> counts_;            // of descriptions
     std::string language_;
 };

@@ -178,8 +178,11 @@ void DocxListener::EndParagraph() {
         return;
     }
     Flow().EndHeading();
-    if (!paragraphs_.empty())
-        return;
+    if (paragraphs_.empty())
+        AddWhatIsBehind();
+}
+
+void DocxListener::AddWhatIsBehind() {
     for (const std::string& text : std::exchange(behind_, {})) {
         flow_.AddLines(text);
         flow_.EndParagraph();
@@ -215,6 +218,8 @@ void DocxListener::EvElementEnd(std::string_view name) {
         Flow().EndCell();
     } else if (name == "tr" && cells_ == 0) {
         Flow().EndParagraph();
+        if (paragraphs_.empty())
+            AddWhatIsBehind();
     } else if (name == "txbxContent") {
         EndTextBox();
     }

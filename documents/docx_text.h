@@ -51,6 +51,7 @@ private:
     void AddNote(const DocxNotes* notes, const MarkupAttributes& attributes);
     void BeginParagraph();
     void EndParagraph();
+    void AddWhatIsBehind();
     void EndTextBox();
     TextFlow& Flow() { return boxes_.empty() ? flow_ : boxes_.back().flow; }
     Paragraph& Current() { return paragraphs_.back(); }

@@ -14,6 +14,7 @@ namespace {
 constexpr std::size_t kMostSeries = 200;
 constexpr std::size_t kMostPoints = 5000;  // of one
 constexpr std::size_t kLongestPoint = 1000;
+constexpr std::size_t kLargestDrawings = 32U << 20;  // all of a document
 
 using Points = std::map<int, std::string>;
 
@@ -40,8 +41,11 @@ std::string FigureText(const std::string& text) {
     const double figure = g_ascii_strtod(text.c_str(), &end);
     if (text.empty() || *end != '\0')
         return text;
+    if (text.find_first_of(".eE") == std::string::npos)
+        return text;
     char shortened[G_ASCII_DTOSTR_BUF_SIZE];
-    return g_ascii_formatd(shortened, sizeof shortened, "%.6g", figure);
+    std::string figures = g_ascii_formatd(shortened, sizeof shortened, "%.10g", figure);
+    return figures.find('e') == std::string::npos ? figures : text;
 }
 
 // Words come at once, figures when all series are known.
@@ -169,12 +173,17 @@ Document OfficeDrawings::Take(std::string_view element, const MarkupAttributes& 
         return {};
     const std::string name = index_.Find(folder_, drawing->second);
     targets_.erase(drawing);
+    // Several identifiers may lead to one file.
+    if (bytes_ > kLargestDrawings || !taken_.insert(name).second)
+        return {};
     TextFlow flow;
     flow.Add(isChart ? "Chart:" : "Diagram:");
     flow.AddBlank();
     const std::size_t empty = flow.Size();
     DrawingListener listener(flow);
-    ParseXml(index_.Content(name), listener);
+    const std::string_view content = index_.Content(name);
+    bytes_ += content.size();
+    ParseXml(content, listener);
     listener.EndDrawing();
     return flow.Size() > empty ? flow.TakeDocument() : Document();
 }

@@ -2,7 +2,9 @@
 // only points to.
 #pragma once
 
+#include <cstddef>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -22,4 +24,6 @@ private:
     const ZipIndex& index_;
     std::string folder_;
     std::map<std::string, std::string, std::less<>> targets_;  // by identifier
+    std::set<std::string> taken_;                              // files
+    std::size_t bytes_ = 0;                                    // of these
 };

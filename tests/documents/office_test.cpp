@@ -17,9 +17,9 @@ std::string Paragraph(const std::string& content, const std::string& properties 
     return "<w:p><w:pPr>" + properties + "</w:pPr>" + content + "</w:p>";
 }
 
-std::string NumberedItem(const std::string& text, int level) {
+std::string NumberedItem(const std::string& text, int level, const std::string& list = "3") {
     return Paragraph(RunOf(text), "<w:numPr><w:ilvl w:val='" + std::to_string(level) +
-                                      "'/><w:numId w:val='3'/></w:numPr>");
+                                      "'/><w:numId w:val='" + list + "'/></w:numPr>");
 }
 
 std::string DocxWith(const std::string& body, const ZipFiles& more) {
@@ -42,7 +42,12 @@ TEST(Office, NoWordOfADocxIsLost) {
          "<w:numbering xmlns:w='w'><w:abstractNum w:abstractNumId='0'><w:lvl w:ilvl='0'><w:start "
          "w:val='1'/><w:numFmt w:val='decimal'/><w:lvlText w:val='%1.'/></w:lvl><w:lvl w:ilvl='1'>"
          "<w:start w:val='1'/><w:numFmt w:val='lowerLetter'/><w:lvlText w:val='%1.%2)'/></w:lvl>"
-         "</w:abstractNum><w:num w:numId='3'><w:abstractNumId w:val='0'/></w:num></w:numbering>"},
+         "</w:abstractNum><w:abstractNum w:abstractNumId='3'><w:lvl w:ilvl='0'><w:numFmt "
+         "w:val='bullet'/></w:lvl></w:abstractNum><w:num w:numId='3'><w:abstractNumId "
+         "w:val='0'/></w:num><w:num w:numId='4'><w:abstractNumId w:val='3'/></w:num><w:num "
+         "w:numId='5'><w:abstractNumId w:val='0'/></w:num><w:num w:numId='6'><w:abstractNumId "
+         "w:val='0'/><w:lvlOverride w:ilvl='0'><w:startOverride "
+         "w:val='1'/></w:lvlOverride></w:num></w:numbering>"},
         {"docProps/core.xml", "<c><dc:title>T</dc:title><dc:creator>Ann</dc:creator></c>"},
     };
     const struct {
@@ -68,6 +73,17 @@ TEST(Office, NoWordOfADocxIsLost) {
          NumberedItem("a", 0) + NumberedItem("b", 1) + NumberedItem("c", 1) + NumberedItem("d", 0) +
              NumberedItem("e", 1),
          "1. a\n\n1.a) b\n\n1.b) c\n\n2. d\n\n2.a) e"},
+        // Bullets count nothing; a list of the same description goes on, unless it says otherwise.
+        {"several lists",
+         NumberedItem("a", 0) + NumberedItem("b", 0, "4") + NumberedItem("c", 0, "5") +
+             NumberedItem("d", 0, "6") + NumberedItem("e", 0, "6"),
+         "1. a\n\nb\n\n2. c\n\n1. d\n\n2. e"},
+        {"text box in a table",
+         "<w:tbl><w:tr><w:tc>" +
+             Paragraph(RunOf("x") + "<w:r><w:txbxContent>" + Paragraph(RunOf("box")) +
+                       "</w:txbxContent></w:r>") +
+             "</w:tc></w:tr><w:tr><w:tc>" + Paragraph(RunOf("y")) + "</w:tc></w:tr></w:tbl>",
+         "x\n\nbox\n\ny"},
         {"formula",
          Paragraph(
              RunOf("So ") +
@@ -149,7 +165,7 @@ TEST(Office, DiagramsAndChartsAreReadWhereTheyStand) {
     const std::string chart =
         "<c:chartSpace><c:chart><c:title><a:p><a:t>Ferries</a:t></a:p></c:title><c:plotArea>" +
         series("Late", point(0, "0.30000000000000004") + point(1, "4")) +
-        series("On time", point(1, "7")) + "</c:plotArea></c:chart></c:chartSpace>";
+        series("On time", point(1, "1234567.5")) + "</c:plotArea></c:chart></c:chartSpace>";
     const std::string diagram =
         "<dgm:dataModel><dgm:pt><dgm:t><a:p><a:t>Cast</a:t><a:t> off</a:t></a:p></dgm:t></dgm:pt>"
         "<dgm:pt type='pres'/><dgm:pt><dgm:t><a:p><a:t>Row</a:t></a:p></dgm:t></dgm:pt></dgm:"
@@ -163,7 +179,8 @@ TEST(Office, DiagramsAndChartsAreReadWhereTheyStand) {
         "<c:chart r:id='r1'/><x><dgm:relIds r:dm='r2' r:lo='r1'/></x><c:chart r:id='r1'/><c:chart "
         "r:id='r3'/>";
     const std::string said =
-        "Chart: Ferries\n\nLate, On time\n\nMay, 0.3\n\nJune, 4, 7\n\nDiagram: Cast off\n\nRow";
+        "Chart: Ferries\n\nLate, On time\n\nMay, 0.3\n\nJune, 4, 1234567.5\n\nDiagram: Cast "
+        "off\n\nRow";
     EXPECT_EQ(ReadDocument(DocxWith(Paragraph(RunOf("Before") + pointers + RunOf(".")) +
                                         Paragraph(RunOf("Behind")),
                                     {{"word/_rels/document.xml.rels", relations("")},
