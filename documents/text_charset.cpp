@@ -5,11 +5,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <memory>
 #include <optional>
-
-#include "foundation/owned_text.h"
+#include <utility>
 
 namespace {
 
@@ -103,25 +103,47 @@ constexpr std::size_t kGuessedFrom = 1U << 20;  // a beginning tells as much as 
 constexpr std::size_t kCharsetWithin = 4096;
 // Fewer bytes above ASCII would fit many charsets.
 constexpr std::size_t kLeastEvidence = 6;
+// Of bytes above ASCII: with fewer for each that the charset does not have, it is another one.
+constexpr std::size_t kLeastBytesPerBad = 5;
 
-std::optional<std::string> Convert(std::string_view bytes, const char* charset) {
-    gsize length = 0;
-    const OwnedText text(g_convert_with_fallback(bytes.data(), static_cast<gssize>(bytes.size()),
-                                                 "UTF-8", charset, "?", nullptr, &length, nullptr));
-    if (!text)
-        return std::nullopt;
-    std::string converted(text.get(), length);
-    std::replace(converted.begin(), converted.end(), '\0', ' ');
-    return converted;
+std::size_t CountAboveAscii(std::string_view bytes) {
+    return static_cast<std::size_t>(std::count_if(bytes.begin(), bytes.end(), [](char byte) {
+        return static_cast<unsigned char>(byte) >= 0x80;
+    }));
+}
+
+// What texts in these charsets hold is more than their names' standards do.
+constexpr std::pair<std::string_view, const char*> kMeant[] = {{"ascii", "WINDOWS-1252"},
+                                                               {"big5", "BIG5-HKSCS"},
+                                                               {"cp932", "CP932"},
+                                                               {"euc-kr", "UHC"},
+                                                               {"gb2312", "GB18030"},
+                                                               {"gbk", "GB18030"},
+                                                               {"iso-8859-1", "WINDOWS-1252"},
+                                                               {"iso-8859-9", "WINDOWS-1254"},
+                                                               {"ks_c_5601-1987", "UHC"},
+                                                               {"latin1", "WINDOWS-1252"},
+                                                               {"shift-jis", "CP932"},
+                                                               {"shift_jis", "CP932"},
+                                                               {"sjis", "CP932"},
+                                                               {"tis-620", "CP874"},
+                                                               {"us-ascii", "WINDOWS-1252"},
+                                                               {"x-gbk", "GB18030"},
+                                                               {"x-sjis", "CP932"}};
+
+std::string MeantCharset(std::string_view charset) {
+    std::string name(charset);
+    std::transform(name.begin(), name.end(), name.begin(), g_ascii_tolower);
+    for (const auto& [known, meant] : kMeant)
+        if (name == known)
+            return meant;
+    return name;
 }
 
 // The charset that the letters' frequencies speak for; empty when they say nothing.
 std::string GuessCharset(std::string_view bytes) {
     bytes = bytes.substr(0, kGuessedFrom);
-    const auto evidence = std::count_if(bytes.begin(), bytes.end(), [](char byte) {
-        return static_cast<unsigned char>(byte) >= 0x80;
-    });
-    if (static_cast<std::size_t>(evidence) < kLeastEvidence)
+    if (CountAboveAscii(bytes) < kLeastEvidence)
         return {};
     const std::unique_ptr<uchardet, decltype(&uchardet_delete)> detector(uchardet_new(),
                                                                          &uchardet_delete);
@@ -158,7 +180,7 @@ std::string FromUtf8(std::string_view bytes) {
     if (badBytes <= characters * kSurelyBadBytesPerCharacter)
         return text;
     if (const std::string guess = GuessCharset(bytes); !guess.empty())
-        if (std::optional<std::string> guessed = Convert(bytes, guess.c_str()); guessed)
+        if (std::optional<std::string> guessed = DecodeCharset(bytes, guess); guessed)
             return std::move(*guessed);
     if (badBytes <= characters * kBadBytesPerCharacter)
         return text;
@@ -216,13 +238,49 @@ void AppendWindows1252(std::string& text, unsigned char byte) {
         AppendCharacter(text, character);
 }
 
+bool IsByteOrderMarked(std::string_view bytes) {
+    return bytes.starts_with("\xef\xbb\xbf") || IsUtf16Marked(bytes);
+}
+
+std::optional<std::string> DecodeCharset(std::string_view bytes, std::string_view charset) {
+    const auto close = [](void* open) { g_iconv_close(static_cast<GIConv>(open)); };
+    GIConv const open = g_iconv_open("UTF-8", MeantCharset(charset).c_str());
+    if (open == reinterpret_cast<GIConv>(-1))
+        return std::nullopt;
+    const std::unique_ptr<void, decltype(close)> converter(open, close);
+    std::string in(bytes);
+    std::string text;
+    std::array<char, 16384> part;
+    char* next = in.data();
+    std::size_t left = in.size();
+    std::size_t bad = 0;
+    while (left > 0) {
+        char* out = part.data();
+        std::size_t room = part.size();
+        const bool isDone =
+            g_iconv(open, &next, &left, &out, &room) != static_cast<std::size_t>(-1);
+        const int error = errno;
+        text.append(part.data(), part.size() - room);
+        if (isDone || error == E2BIG)
+            continue;
+        text += kReplacement;
+        ++bad;
+        if (error != EILSEQ)
+            break;  // half a character at the end
+        ++next;
+        --left;
+    }
+    std::replace(text.begin(), text.end(), '\0', ' ');
+    if (bad * kLeastBytesPerBad > CountAboveAscii(bytes))
+        return std::nullopt;
+    return text;
+}
+
 std::string DecodeMarkup(std::string_view bytes) {
     const std::string charset = NamedCharset(bytes);
     if (charset.empty() || charset.starts_with("utf") || IsUtf16Marked(bytes) || HoldsUtf8(bytes))
         return DecodeText(bytes);
-    // The old name of what pages mean by it.
-    const bool isWestern = charset == "iso-8859-1" || charset == "us-ascii" || charset == "latin1";
-    std::optional<std::string> text = Convert(bytes, isWestern ? "WINDOWS-1252" : charset.c_str());
+    std::optional<std::string> text = DecodeCharset(bytes, charset);
     return text ? std::move(*text) : DecodeText(bytes);
 }
 

@@ -1,6 +1,7 @@
 // The text in a file of unknown charset.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,14 @@ std::string DecodeText(std::string_view bytes);
 // The same of HTML: a byte order mark counts first, then what is valid UTF-8, then the charset that
 // the page names.
 std::string DecodeMarkup(std::string_view bytes);
+
+// Of a charset that is known by its name, as texts in it are written; what is none of its
+// characters becomes U+FFFD. None when the computer does not know the charset, or the text is in
+// another one.
+std::optional<std::string> DecodeCharset(std::string_view bytes, std::string_view charset);
+
+// Whether a byte order mark stands before the text.
+bool IsByteOrderMarked(std::string_view bytes);
 
 // Adds the character of a byte, U+FFFD for what is none.
 void AppendWindows1252(std::string& text, unsigned char byte);

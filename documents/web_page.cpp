@@ -5,11 +5,14 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
 #include "documents/curl_library.h"
+#include "documents/document_kind.h"
 #include "documents/small_texts.h"
+#include "documents/text_charset.h"
 #include "documents/web_address.h"
 #include "foundation/owned_text.h"
 
@@ -169,19 +172,20 @@ std::string NameFor(const std::string& address, std::string_view type) {
 
 // In the charset that the server names; UTF-8 with its mark, which counts more than what the page
 // says of itself.
-void Decode(std::string& bytes, std::string_view type) {
+void Decode(std::string& bytes, std::string_view type, std::string_view name) {
     constexpr std::string_view kCharset = "charset=";
     const std::size_t at = type.find(kCharset);
-    if (at == std::string_view::npos)
+    // Servers name one for whatever files they send.
+    const DocumentKind kind = KindOf(bytes, name);
+    const bool isText = kind == DocumentKind::kHtml || kind == DocumentKind::kPlainText ||
+                        kind == DocumentKind::kMarkdown;
+    if (at == std::string_view::npos || !isText || IsByteOrderMarked(bytes))
         return;
     std::string charset(type.substr(at + kCharset.size()));
     charset.resize(std::min(charset.find_first_of("; "), charset.size()));
     std::erase(charset, '"');
-    gsize size = 0;
-    const OwnedText text(g_convert(bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8",
-                                   charset.c_str(), nullptr, &size, nullptr));
-    if (text)
-        bytes = "\xef\xbb\xbf" + std::string(text.get(), size);
+    if (const std::optional<std::string> text = DecodeCharset(bytes, charset); text)
+        bytes = "\xef\xbb\xbf" + *text;
 }
 
 // Where the page leads on to; a sentence when it must not be followed.
@@ -222,9 +226,10 @@ WebPage FetchWebPage(const std::string& typed, const StopTest& isToStop, const W
             const char* type = nullptr;
             curl.easyGetinfo(handle.get(), CURLINFO_RESPONSE_CODE, &status);
             curl.easyGetinfo(handle.get(), CURLINFO_CONTENT_TYPE, &type);
-            const std::string kind = type == nullptr ? "" : type;
+            std::string kind = type == nullptr ? "" : type;
+            std::transform(kind.begin(), kind.end(), kind.begin(), g_ascii_tolower);
             WebPage page{std::move(step.body), NameFor(address, kind), StatusProblem(status, host)};
-            Decode(page.bytes, kind);
+            Decode(page.bytes, kind, page.name);
             return page;
         }
         std::string target = next;

@@ -144,6 +144,10 @@ TEST(Html, WhatAPageSaysOfItsCharsetCountsLessThanWhatItHolds) {
         {"<html><meta charset=iso-8859-1><body>Dvořák", "Dvořák"},
         {"\xef\xbb\xbf<html><meta charset=koi8-r><body>é", "é"},
         {"<html><meta charset=iso-8859-1><body>\x93x\x94 \xe9", "“x” é"},
+        // A sign that only later writers of the charset have, and half a character.
+        {"<html><meta charset=shift_jis><body>\x87\x40 \x93\xfa\x96\x7b\x8c\xea\x82",
+         "① 日本語\uFFFD"},
+        {"<html><meta charset=euc-kr><body>\x8c\x63 \xc7\xd1\xb1\xdb", "똠 한글"},
     };
     for (const auto& item : cases)
         EXPECT_EQ(Read(item.page), item.text) << item.page;
