@@ -23,11 +23,15 @@ bool IsDigits(std::string_view text) {
 
 // The letters at the end of a text.
 std::string_view LastWord(std::string_view text) {
-    std::size_t begin = text.size();
-    while (begin > 0 && (g_ascii_isalpha(text[begin - 1]) ||
-                         static_cast<unsigned char>(text[begin - 1]) >= 0x80))
-        --begin;
-    return text.substr(begin);
+    const char* const end = text.data() + text.size();
+    const char* begin = end;
+    while (const char* const letter = g_utf8_find_prev_char(text.data(), begin)) {
+        const gunichar code = g_utf8_get_char_validated(letter, end - letter);
+        if (code >= 0x110000 || !g_unichar_isalpha(code))
+            break;
+        begin = letter;
+    }
+    return text.substr(static_cast<std::size_t>(begin - text.data()));
 }
 
 bool EndsLikeSentence(std::string_view text) {
