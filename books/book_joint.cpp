@@ -53,6 +53,10 @@ void JoinSamples(SoundType type, const std::vector<BookPart>& parts, const std::
         joint.isStopped = Process(unseen, request) == kProcessStopped;
         if (joint.isStopped)
             return;
+        if (source->FramesMissing() > 0) {
+            NoteDamage(part, joint);
+            return;
+        }
     }
     if (const int error = sink->Finish(); error != 0)
         joint.problem = std::strerror(error);
@@ -73,11 +77,17 @@ void NoteDamage(const BookPart& part, BookJoint& joint) {
     std::remove(part.path.c_str());
 }
 
+bool IsLongEnough(std::int64_t frames, const CodecFrame& codec, const SoundLength& length) {
+    constexpr std::int64_t kDelay = 528;  // the shortest one, of decoders of MP3
+    return frames * codec.samples >= length.frames * codec.rate / length.rate + kDelay;
+}
+
 // Its frames stand by themselves.
-void JoinAdts(const std::vector<BookPart>& parts, std::FILE* out, LProgress& progress,
-              BookJoint& joint) {
+void JoinAdts(const std::vector<BookPart>& parts, const SoundLength& length, std::FILE* out,
+              LProgress& progress, BookJoint& joint) {
     constexpr int kFramesBetweenStops = 512;
     int read = 0;
+    std::int64_t taken = 0;
     for (const BookPart& part : parts) {
         const FileHandle file(std::fopen(part.path.c_str(), "rbe"));
         if (!file) {
@@ -93,13 +103,15 @@ void JoinAdts(const std::vector<BookPart>& parts, std::FILE* out, LProgress& pro
             if (number < part.skipped)
                 continue;
             --left;
+            ++taken;
             const std::string& bytes = frames.Bytes();
             if (std::fwrite(bytes.data(), 1, bytes.size(), out) != bytes.size()) {
                 joint.problem = std::strerror(errno);
                 return;
             }
         }
-        if (left > 0 || left == BookPart::kToTheEnd) {
+        const bool isShort = &part == &parts.back() && !IsLongEnough(taken, frames.Frame(), length);
+        if (left > 0 || left == BookPart::kToTheEnd || frames.IsCut() || isShort) {
             NoteDamage(part, joint);
             return;
         }
@@ -123,7 +135,7 @@ BookJoint JoinBook(SoundType type, const std::vector<BookPart>& parts, const Sou
     else if (type == SoundType::kOpus)
         JoinOpus(parts, out.get(), progress, joint);
     else
-        JoinAdts(parts, out.get(), progress, joint);
+        JoinAdts(parts, length, out.get(), progress, joint);
     errno = 0;
     if (std::fclose(out.release()) != 0 && joint.problem.empty())
         joint.problem = std::strerror(errno);

@@ -128,6 +128,8 @@ std::string ChapterEncoder::Worker::Encode(const ChapterToEncode& chapter) {
 
 std::string ChapterEncoder::Worker::Write(const ChapterToEncode& chapter, const std::string& path) {
     LSoundSource source = LWaveFile::OpenSource(chapter.speech.c_str());
+    if (source->Status() != SoundStatus::kGood)
+        return "its speech cannot be read";
     if (!chapter.levels.empty())
         source = Louder(source, chapter.levels);
     const LSoundSink sink = OpenChapterSink(chapter, path.c_str(), source->SampleRate());
@@ -164,7 +166,7 @@ void ChapterEncoder::Worker::End() {
         {
             const std::lock_guard lock(owner_.mutex_);
             owner_.changed_.notify_all();
-            if (waits == 20 && encoder_ != nullptr)
+            if (waits >= 20 && encoder_ != nullptr)
                 encoder_->Interrupt();
         }
         ::usleep(50000);

@@ -67,13 +67,16 @@ CodecFrames::CodecFrames(std::FILE* file, Header header) : file_(file), header_(
 
 bool CodecFrames::Next() {
     bytes_.resize(kHeaderBytes);
-    if (std::fread(bytes_.data(), 1, kHeaderBytes, file_) != kHeaderBytes)
+    const std::size_t got = std::fread(bytes_.data(), 1, kHeaderBytes, file_);
+    isCut_ = got > 0 && got < kHeaderBytes;
+    if (got != kHeaderBytes)
         return false;
     frame_ = header_(reinterpret_cast<const unsigned char*>(bytes_.data()));
     if (frame_.bytes <= static_cast<int>(kHeaderBytes))
         return false;
     const auto size = static_cast<std::size_t>(frame_.bytes);
     bytes_.resize(size);
-    return std::fread(bytes_.data() + kHeaderBytes, 1, size - kHeaderBytes, file_) ==
-           size - kHeaderBytes;
+    const std::size_t left = size - kHeaderBytes;
+    isCut_ = std::fread(bytes_.data() + kHeaderBytes, 1, left, file_) != left;
+    return !isCut_;
 }

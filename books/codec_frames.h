@@ -28,7 +28,8 @@ public:
     // The file outlives this. Tags at its beginning are passed over.
     CodecFrames(std::FILE* file, Header header);
 
-    bool Next();  // false at the end, and at what is no whole frame
+    bool Next();                           // false at the end, and at what is no whole frame
+    bool IsCut() const { return isCut_; }  // the file ends within a frame
     const CodecFrame& Frame() const { return frame_; }
     const std::string& Bytes() const { return bytes_; }
 
@@ -37,4 +38,5 @@ private:
     Header header_;
     CodecFrame frame_;
     std::string bytes_;
+    bool isCut_ = false;
 };

@@ -144,6 +144,7 @@ void JoinMp3(const std::vector<BookPart>& parts, const SoundLength& length, std:
     Mp3Joiner joiner(out);
     CodecFrame codec;
     int read = 0;
+    std::int64_t taken = 0;
     for (const BookPart& part : parts) {
         if (part.taken == 0)
             continue;
@@ -175,8 +176,10 @@ void JoinMp3(const std::vector<BookPart>& parts, const SoundLength& length, std:
                 break;
             }
             joiner.Take(frames.Bytes());
+            ++taken;
         }
-        if (left > 0 || number == 0)
+        const bool isShort = &part == &parts.back() && !IsLongEnough(taken, codec, length);
+        if (left > 0 || number == 0 || frames.IsCut() || isShort)
             NoteDamage(part, joint);
         else if (!joiner.HasWritten())
             joint.problem = std::strerror(errno);

@@ -50,7 +50,7 @@ struct SoonStopped : LSilentProgress {
     bool IsToStop() override { return ++asked > 1; }
 };
 
-TEST(BookJoint, IsStoppedWhileItGoesOn) {
+TEST(BookJoint, IsStoppedWhileItGoesOnAndByACutPart) {
     const ScratchFolder folder;
     const std::vector<int> second(16000, 9999);
     for (const LSoundSink& sink : {OpenFlacSink((folder / "flac").c_str(), 16000, 1),
@@ -76,6 +76,17 @@ TEST(BookJoint, IsStoppedWhileItGoesOn) {
         LSilentProgress progress;
         EXPECT_EQ(JoinBook(type, {{folder / part}}, {}, folder / "book", progress).problem, "")
             << part;
+    }
+    // Of a part that is not whole nothing is made, and it goes.
+    for (const auto& [size, frames] : {std::pair{2000 * 156, 2000 * 576}, {2000 * 156 - 1, 0}}) {
+        std::filesystem::resize_file(folder / "mp3", static_cast<std::uintmax_t>(size));
+        std::filesystem::copy_file(folder / "mp3", folder / "cut");
+        LSilentProgress progress;
+        EXPECT_NE(JoinBook(SoundType::kMp3, {{folder / "cut"}}, {frames, 22050}, folder / "book",
+                           progress)
+                      .problem,
+                  "");
+        EXPECT_FALSE(std::filesystem::exists(folder / "cut"));
     }
 }
 
