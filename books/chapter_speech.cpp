@@ -113,12 +113,11 @@ SpeakingRules RulesFrom(const BookOrder& order, std::size_t begin) {
 }
 
 // Of a book that begins with what cannot be said.
-int RateBehind(const BookOrder& order, std::size_t begin) {
+int RateBehind(const BookOrder& order, std::size_t begin, LProgress& progress) {
     RateTaker taker;
     PieceRuns runs(std::string_view(order.text).substr(begin), order.voice, order.engineFolder,
                    ReadingUse::kListening, taker, RulesFrom(order, begin));
-    LSilentProgress unseen;
-    Process(unseen, runs);
+    Process(progress, runs);
     return taker.Rate();
 }
 
@@ -192,6 +191,8 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
     const auto size = static_cast<double>(std::max<std::size_t>(order.text.size(), 1));
     ShareOfBook share(progress, static_cast<double>(chapter.begin) / size,
                       static_cast<double>(chapter.end) / size);
+    const double behind = static_cast<double>(chapter.end) / size;
+    ShareOfBook end(progress, behind, behind);
     ChapterTaker taker(text, file);
     const ReadingUse use = order.NeedsTimes() ? ReadingUse::kSavingSentences : ReadingUse::kSaving;
     PieceRuns runs(text, order.voice, order.engineFolder, use, taker,
@@ -205,7 +206,8 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
     if (runs.Outcome() != SynthesisOutcome::kNothingToSay && result != kProcessDone)
         speech.problem = SynthesisMessage(runs.Outcome(), VoiceAt(order.voice));
     if (!taker.IsOpen())
-        taker.Open(file.rate > 0 ? file.rate : RateBehind(order, chapter.end));
+        taker.Open(file.rate > 0 ? file.rate : RateBehind(order, chapter.end, end));
+    speech.isStopped = progress.IsToStop();
     if (const int error = taker.Finish(silence); error != 0)
         speech.problem = std::strerror(error);
     taker.Tell(speech);
