@@ -79,8 +79,8 @@ BookJoint BookAssembly::MakeFile(const Sound& sound, BookTags tags, const std::s
     }
     if (isM4b)
         joint.problem = AddChapters(joined, tags, path);
-    if (joint.problem.empty() && !WriteBookTags(path, order_.type, tags))
-        joint.problem = "titles and chapters cannot be written";
+    if (joint.problem.empty())
+        joint.problem = WriteBookTags(path, order_.type, tags);
     return joint;
 }
 

@@ -12,9 +12,11 @@
 #include <taglib/xiphcomment.h>
 
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 
 #include "books/book_cover.h"
+#include "books/tag_stream.h"
 #include "foundation/whole_characters.h"
 #include "speech/language_code.h"
 
@@ -88,8 +90,8 @@ void AddChapterFrames(TagLib::ID3v2::Tag& tag, const std::vector<ChapterMark>& c
     tag.addFrame(top);
 }
 
-bool TagMp3(const std::string& path, const BookTags& tags) {
-    TagLib::MPEG::File file(path.c_str(), false);
+bool TagMp3(TagStream& stream, const BookTags& tags) {
+    TagLib::MPEG::File file(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
     if (!file.isOpen())
         return false;
     TagLib::ID3v2::Tag& tag = *file.ID3v2Tag(true);
@@ -146,8 +148,8 @@ void FillComments(TagLib::Ogg::XiphComment& comments, const BookTags& tags) {
     }
 }
 
-bool TagOpus(const std::string& path, const BookTags& tags) {
-    TagLib::Ogg::Opus::File file(path.c_str(), false);
+bool TagOpus(TagStream& stream, const BookTags& tags) {
+    TagLib::Ogg::Opus::File file(&stream, false);
     if (!file.isValid())
         return false;
     FillComments(*file.tag(), tags);
@@ -156,8 +158,8 @@ bool TagOpus(const std::string& path, const BookTags& tags) {
     return file.save();
 }
 
-bool TagFlac(const std::string& path, const BookTags& tags) {
-    TagLib::FLAC::File file(path.c_str(), false);
+bool TagFlac(TagStream& stream, const BookTags& tags) {
+    TagLib::FLAC::File file(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
     if (!file.isValid())
         return false;
     FillComments(*file.xiphComment(true), tags);
@@ -176,8 +178,8 @@ std::string Gapless(const SoundLength& sound) {
     return text;
 }
 
-bool TagMp4(const std::string& path, const BookTags& tags) {
-    TagLib::MP4::File file(path.c_str(), false);
+bool TagMp4(TagStream& stream, const BookTags& tags) {
+    TagLib::MP4::File file(&stream, false);
     if (!file.isValid())
         return false;
     TagLib::MP4::Tag& tag = *file.tag();
@@ -201,21 +203,29 @@ bool TagMp4(const std::string& path, const BookTags& tags) {
     return file.save();
 }
 
-}  // namespace
-
-bool WriteBookTags(const std::string& path, SoundType type, const BookTags& tags) {
+bool WriteTags(TagStream& stream, SoundType type, const BookTags& tags) {
     switch (type) {
         case SoundType::kMp3:
-            return TagMp3(path, tags);
+            return TagMp3(stream, tags);
         case SoundType::kOpus:
-            return TagOpus(path, tags);
+            return TagOpus(stream, tags);
         case SoundType::kFlac:
-            return TagFlac(path, tags);
+            return TagFlac(stream, tags);
         case SoundType::kM4b:
-            return TagMp4(path, tags);
+            return TagMp4(stream, tags);
         default:
             return true;
     }
+}
+
+}  // namespace
+
+std::string WriteBookTags(const std::string& path, SoundType type, const BookTags& tags) {
+    TagStream stream(path);
+    const bool isWritten = stream.isOpen() && WriteTags(stream, type, tags);
+    if (stream.Error() != 0)
+        return std::strerror(stream.Error());
+    return isWritten ? "" : "titles and chapters cannot be written";
 }
 
 std::string ChapterMetadata(const std::vector<ChapterMark>& chapters) {

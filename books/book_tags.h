@@ -26,9 +26,9 @@ struct BookTags {
 };
 
 // Into the finished file, whatever its name: ID3v2.4 with CHAP and CTOC frames, Vorbis comments
-// with CHAPTERnnn, MP4 atoms (whose chapters ffmpeg writes: ChapterMetadata). WAV takes none. False
-// when the file cannot be read or written.
-bool WriteBookTags(const std::string& path, SoundType type, const BookTags& tags);
+// with CHAPTERnnn, MP4 atoms (whose chapters ffmpeg writes: ChapterMetadata). WAV takes none. Why
+// that cannot be, or empty.
+std::string WriteBookTags(const std::string& path, SoundType type, const BookTags& tags);
 
 // ffmpeg's text form of chapters.
 std::string ChapterMetadata(const std::vector<ChapterMark>& chapters);
