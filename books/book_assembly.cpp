@@ -78,8 +78,9 @@ BookJoint BookAssembly::MakeFile(const Sound& sound, BookTags tags, const std::s
         tags.sound = {sound.length.frames * rate / sound.length.rate, rate};
     }
     if (isM4b)
-        joint.problem = AddChapters(joined, tags, path);
-    if (joint.problem.empty())
+        joint.problem = AddChapters(joined, tags, path, progress);
+    joint.isStopped = progress.IsToStop();
+    if (joint.problem.empty() && !joint.isStopped)
         joint.problem = WriteBookTags(path, order_.type, tags);
     return joint;
 }
@@ -144,7 +145,7 @@ BookJoint BookAssembly::MakeBook(LProgress& progress) const {
 
 // The encoder's first frame stands before the sound.
 std::string BookAssembly::AddChapters(const std::string& joined, const BookTags& tags,
-                                      const std::string& path) const {
+                                      const std::string& path, LProgress& progress) const {
     const std::string metadata = work_.Path(0, "chapters");
     std::string problem = work_.Write(metadata, ChapterMetadata(tags.chapters));
     if (!problem.empty())
@@ -155,10 +156,12 @@ std::string BookAssembly::AddChapters(const std::string& joined, const BookTags&
     std::snprintf(early, sizeof early, "-itsoffset -%lldus ", 1024 * 1000000LL / tags.sound.rate);
     const bool isDone =
         RunFfmpeg(early + std::string("-f aac -i ") + FfmpegFile(joined) + " -f ffmetadata -i " +
-                  FfmpegFile(metadata) + " -map 0:a -map_metadata 1 -map_chapters 1 -c copy" +
-                  language + " -f ipod " + FfmpegFile(path));
+                      FfmpegFile(metadata) + " -map 0:a -map_metadata 1 -map_chapters 1 -c copy" +
+                      language + " -f ipod",
+                  path, progress);
     ::unlink(joined.c_str());
-    return isDone ? "" : "the program ffmpeg could not put the chapters into it";
+    return isDone || progress.IsToStop() ? ""
+                                         : "the program ffmpeg could not put the chapters into it";
 }
 
 std::string BookAssembly::WriteSubtitles(const Sound& sound, const std::string& path) const {

@@ -32,7 +32,7 @@ private:
     BookJoint MakeFile(const Sound& sound, BookTags tags, const std::string& path,
                        LProgress& progress) const;
     std::string AddChapters(const std::string& joined, const BookTags& tags,
-                            const std::string& path) const;
+                            const std::string& path, LProgress& progress) const;
     std::string WriteSubtitles(const Sound& sound, const std::string& path) const;
     std::string WriteWithText(const std::string& path) const;
 
