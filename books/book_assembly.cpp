@@ -100,10 +100,10 @@ BookJoint BookAssembly::MakeChapter(std::size_t chapter, LProgress& progress) co
     if (joint.problem.empty())
         joint = MakeFile(sound, order_.isReadAlong ? BookTags{} : TagsOf(chapter), file.WritePath(),
                          progress);
-    if (joint.problem.empty() && !joint.isStopped && order_.subtitles)
-        joint.problem = WriteSubtitles(sound, path);
     if (joint.problem.empty() && !joint.isStopped)
-        joint.problem = file.Commit();
+        joint.problem = Publish(file, sound, path, WholeFile::Existing::kReplace);
+    if (joint.problem.empty() && !joint.isStopped)
+        joint.problem = work_.NoteMade(chapter, path);
     if (!joint.problem.empty())
         joint.problem = path + ": " + joint.problem;
     else if (!joint.isStopped)
@@ -113,12 +113,15 @@ BookJoint BookAssembly::MakeChapter(std::size_t chapter, LProgress& progress) co
 }
 
 BookJoint BookAssembly::MakeBook(LProgress& progress) const {
-    WholeFile file(order_.target, order_.overwrites ? WholeFile::Existing::kReplace
-                                                    : WholeFile::Existing::kRefuse);
+    const auto existing =
+        order_.overwrites ? WholeFile::Existing::kReplace : WholeFile::Existing::kRefuse;
+    WholeFile file(order_.target, existing);
     BookJoint joint;
     joint.problem = file.Problem();
     if (joint.problem.empty() && order_.isReadAlong) {
         joint.problem = WriteWithText(file.WritePath());
+        if (joint.problem.empty())
+            joint.problem = file.Commit();
     } else if (joint.problem.empty()) {
         const Sound sound = SoundOf(0, sections_.size());
         BookTags tags = TagsOf(0);
@@ -133,11 +136,9 @@ BookJoint BookAssembly::MakeBook(LProgress& progress) const {
         }
         tags.chapters.back().end = sound.Milliseconds();
         joint = MakeFile(sound, std::move(tags), file.WritePath(), progress);
-        if (joint.problem.empty() && !joint.isStopped && order_.subtitles)
-            joint.problem = WriteSubtitles(sound, order_.target);
+        if (joint.problem.empty() && !joint.isStopped)
+            joint.problem = Publish(file, sound, order_.target, existing);
     }
-    if (joint.problem.empty() && !joint.isStopped)
-        joint.problem = file.Commit();
     if (!joint.problem.empty())
         joint.problem = order_.target + ": " + joint.problem;
     return joint;
@@ -164,7 +165,11 @@ std::string BookAssembly::AddChapters(const std::string& joined, const BookTags&
                                          : "the program ffmpeg could not put the chapters into it";
 }
 
-std::string BookAssembly::WriteSubtitles(const Sound& sound, const std::string& path) const {
+// With its subtitles, which replace none before the sound is there.
+std::string BookAssembly::Publish(WholeFile& file, const Sound& sound, const std::string& path,
+                                  WholeFile::Existing existing) const {
+    if (!order_.subtitles)
+        return file.Commit();
     std::vector<SubtitleLine> all;
     for (std::size_t i = 0; i < sound.begins.size(); ++i) {
         for (SubtitleLine line : LoadSubtitles(ContentOf(work_.Path(sound.first + i, "lines")))) {
@@ -172,13 +177,15 @@ std::string BookAssembly::WriteSubtitles(const Sound& sound, const std::string& 
             all.push_back(std::move(line));
         }
     }
-    const std::size_t slash = path.rfind('/');
-    const std::size_t dot = path.rfind('.');
-    const bool hasEnding =
-        dot != std::string::npos && (slash == std::string::npos || dot > slash + 1);
-    return work_.Write(
-        path.substr(0, hasEnding ? dot : std::string::npos) + "." + EndingOf(*order_.subtitles),
-        SubtitleText(*order_.subtitles, all));
+    const std::string beside = SubtitlesPath(path, *order_.subtitles);
+    WholeFile subtitles(beside, existing);
+    std::string problem = WriteInto(subtitles, SubtitleText(*order_.subtitles, all));
+    if (problem.empty())
+        problem = file.Commit();
+    if (!problem.empty())
+        return problem;
+    problem = subtitles.Commit();
+    return problem.empty() ? "" : beside + ": " + problem;
 }
 
 std::string BookAssembly::WriteWithText(const std::string& path) const {

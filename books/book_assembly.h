@@ -9,6 +9,7 @@
 #include "books/book_sections.h"
 #include "books/book_tags.h"
 #include "books/book_work.h"
+#include "formats/whole_file.h"
 
 // Blocks. What it makes appears only whole.
 class BookAssembly {
@@ -33,7 +34,8 @@ private:
                        LProgress& progress) const;
     std::string AddChapters(const std::string& joined, const BookTags& tags,
                             const std::string& path, LProgress& progress) const;
-    std::string WriteSubtitles(const Sound& sound, const std::string& path) const;
+    std::string Publish(WholeFile& file, const Sound& sound, const std::string& path,
+                        WholeFile::Existing existing) const;
     std::string WriteWithText(const std::string& path) const;
 
     const BookOrder& order_;

@@ -76,8 +76,9 @@ private:
 };
 
 bool BookMaker::IsFinished(std::size_t index) const {
+    const std::size_t chapter = sections_[index].chapter;
     const bool isMade =
-        order_.HasFileAChapter() && Exists(assembly_.ChapterPath(sections_[index].chapter));
+        order_.HasFileAChapter() && work_.IsMade(chapter) && Exists(assembly_.ChapterPath(chapter));
     return (isMade || Exists(work_.Path(index, "part"))) && work_.Spoken(index).rate > 0;
 }
 
@@ -281,7 +282,7 @@ bool BookMaker::MakeChapters() {
             return true;
         if (!sections_[i].endsChapter)
             continue;
-        if (!Exists(assembly_.ChapterPath(chapter))) {
+        if (!work_.IsMade(chapter) || !Exists(assembly_.ChapterPath(chapter))) {
             const BookJoint made = assembly_.MakeChapter(chapter, progress_);
             if (made.isStopped || !Fail(made.problem))
                 return false;

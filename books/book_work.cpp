@@ -14,9 +14,11 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <sstream>
 
 #include "books/book_order.h"
 #include "books/book_sections.h"
+#include "books/subtitles.h"
 #include "formats/whole_file.h"
 #include "foundation/files/file_io.h"
 #include "speech/language_voices.h"
@@ -34,16 +36,11 @@ std::string FolderFor(const std::string& target) {
     return target.substr(0, name) + "." + target.substr(name, 200) + ".lectora-book/";
 }
 
-// Beside the unfinished work, and what an unfinished run of the same chapters has finished.
-bool HoldsOthers(const BookOrder& order, bool isUnfinished) {
-    std::set<std::string> chapters;
-    for (std::size_t i = 0; isUnfinished && i < order.plan.chapters.size(); ++i)
-        chapters.insert(std::filesystem::path(ChapterFileName(order, i)).stem());
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(order.target, error))
-        if (entry.path().filename() != ".lectora-book" && !chapters.contains(entry.path().stem()))
-            return true;
-    return false;
+// As this program calls what stands in its folder.
+bool IsOwnName(const std::string& name) {
+    const std::size_t begin = name.rfind('.', 0) == 0 ? 1 : 0;
+    const std::size_t end = name.find_first_not_of("0123456789", begin);
+    return end != std::string::npos && end >= begin + 5 && name[end] == '.';
 }
 
 std::string SpokenBy(const BookOrder& order, int voice) {
@@ -58,7 +55,7 @@ void AddRules(const BookOrder& order, const std::function<void(const std::string
     const SpeakingRules& rules = order.rules;
     add(rules.pronunciations ? FormatPronunciations(rules.pronunciations->Entries()) : "");
     for (const bool choice : {rules.choices.spellsCapitals, rules.choices.saysPunctuation,
-                              rules.choices.saysEmoji, rules.byLanguage})
+                              rules.choices.saysEmoji, rules.byLanguage, rules.saysHosts})
         add(choice ? "yes" : "no");
     if (!rules.byLanguage)
         return;
@@ -89,20 +86,59 @@ SpokenSection BookWork::Spoken(std::size_t index) const {
     return LoadSpoken(ContentOf(Path(index, "spoken")));
 }
 
+std::string WriteInto(const WholeFile& file, const std::string& content) {
+    if (!file.Problem().empty())
+        return file.Problem();
+    errno = 0;
+    std::FILE* const out = std::fopen(file.WritePath().c_str(), "wbe");
+    const bool isWritten =
+        out != nullptr && std::fwrite(content.data(), 1, content.size(), out) == content.size();
+    const bool isClosed = out != nullptr && std::fclose(out) == 0;
+    return isWritten && isClosed ? "" : std::strerror(errno);
+}
+
 std::string BookWork::Write(const std::string& path, const std::string& content) const {
     WholeFile file(path, WholeFile::Existing::kReplace);
-    std::string problem = file.Problem();
-    if (problem.empty()) {
-        errno = 0;
-        std::FILE* const out = std::fopen(file.WritePath().c_str(), "wbe");
-        const bool isWritten =
-            out != nullptr && std::fwrite(content.data(), 1, content.size(), out) == content.size();
-        if ((out != nullptr && std::fclose(out) != 0) || !isWritten)
-            problem = std::strerror(errno);
-        else
-            problem = file.Commit();
-    }
+    std::string problem = WriteInto(file, content);
+    if (problem.empty())
+        problem = file.Commit();
     return problem.empty() ? "" : path + ": " + problem;
+}
+
+std::string BookWork::NoteMade(std::size_t chapter, const std::string& path) const {
+    std::string names = path.substr(path.rfind('/') + 1) + "\n";
+    if (order_.subtitles) {
+        const std::string beside = SubtitlesPath(path, *order_.subtitles);
+        names += beside.substr(beside.rfind('/') + 1) + "\n";
+    }
+    return Write(Path(chapter, "made"), names);
+}
+
+bool BookWork::IsMade(std::size_t chapter) const {
+    return ::access(Path(chapter, "made").c_str(), F_OK) == 0;
+}
+
+// The names of what an unfinished run has put into the book's folder.
+std::set<std::string> BookWork::Made() const {
+    std::set<std::string> made;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_, error)) {
+        std::istringstream names(entry.path().extension() == ".made" ? ContentOf(entry.path())
+                                                                     : "");
+        for (std::string name; std::getline(names, name);)
+            if (name.find('/') == std::string::npos)
+                made.insert(name);
+    }
+    return made;
+}
+
+bool BookWork::HoldsOthers(const std::set<std::string>& made) const {
+    RemoveUnfinishedFiles(order_.target);
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(order_.target, error))
+        if (entry.path().filename() != ".lectora-book" && !made.contains(entry.path().filename()))
+            return true;
+    return false;
 }
 
 // Of all that the sound depends on.
@@ -114,7 +150,7 @@ std::string BookWork::KeyOf() const {
         g_checksum_update(sum.get(), reinterpret_cast<const guchar*>(framed.data()),
                           static_cast<gssize>(framed.size()));
     };
-    add("2");  // the form of what is kept
+    add("3");  // the form of what is kept
     add(order_.text);
     add(SpokenBy(order_, order_.voice));
     AddRules(order_, add);
@@ -125,6 +161,8 @@ std::string BookWork::KeyOf() const {
     for (const std::string& part :
          {order_.plan.title, order_.plan.author, order_.plan.language, order_.plan.cover})
         add(part);
+    for (const DocumentHeading& heading : order_.plan.headings)
+        add(std::to_string(heading.begin));
     for (const BookSection& section : SectionsOf(order_))
         add(order_.plan.chapters[section.chapter].title + " " + std::to_string(section.begin));
     return g_checksum_get_string(sum.get());
@@ -140,36 +178,51 @@ std::string BookWork::Open() {
         if (!order_.overwrites)
             return order_.target + ": " + WholeFile::kExists;
     }
-    if (::mkdir(folder_.c_str(), 0700) != 0 && errno != EEXIST)
-        return folder_ + ": " + std::strerror(errno);
-    if (::lstat(folder_.c_str(), &info) != 0 || !S_ISDIR(info.st_mode) ||
-        info.st_uid != ::geteuid())
-        return folder_ + ": is not a folder of yours";
-    lock_ = OpenRegularFile((folder_ + "key").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
-    if (!lock_.IsOpen())
-        return folder_ + ": " + std::strerror(errno);
-    if (::flock(lock_.Get(), LOCK_EX | LOCK_NB) != 0)
-        return order_.target + ": another program is at work on this book";
-    return Claim(ContentOf(folder_ + "key"));
+    if (order_.target.back() != '/' && order_.subtitles && !order_.overwrites) {
+        const std::string beside = SubtitlesPath(order_.target, *order_.subtitles);
+        if (::lstat(beside.c_str(), &info) == 0)
+            return beside + ": " + WholeFile::kExists;
+    }
+    const std::string problem = OpenFolder();
+    return problem.empty() ? Claim(ContentOf(folder_ + "key")) : problem;
 }
 
-// What another order has left goes, and the chapters that it had finished of the same book; what
-// else is in a folder is the user's.
+// It is no link: what stands in it is removed.
+std::string BookWork::OpenFolder() {
+    const std::string bare = folder_.substr(0, folder_.size() - 1);
+    if (::mkdir(bare.c_str(), 0700) != 0 && errno != EEXIST)
+        return bare + ": " + std::strerror(errno);
+    struct stat info = {};
+    if (::lstat(bare.c_str(), &info) != 0 || !S_ISDIR(info.st_mode) || info.st_uid != ::geteuid())
+        return bare + ": is not a folder of yours";
+    lock_ = OpenRegularFile((folder_ + "key").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    if (!lock_.IsOpen())
+        return bare + ": " + std::strerror(errno);
+    // Not every file system has locks.
+    if (::flock(lock_.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        return order_.target + ": another program is at work on this book";
+    return "";
+}
+
+// What another order has left goes, and the chapters that it had finished of an unfinished book;
+// what else is in a folder is the user's, and stays until a whole chapter replaces it.
 std::string BookWork::Claim(const std::string& found) {
     const std::string key = KeyOf();
     if (found == key)
         return "";
-    if (order_.target.back() == '/' && !order_.overwrites && HoldsOthers(order_, !found.empty())) {
+    const bool isFolder = order_.target.back() == '/';
+    const std::set<std::string> made = isFolder ? Made() : std::set<std::string>{};
+    if (isFolder && !order_.overwrites && HoldsOthers(made)) {
         if (found.empty())
             Remove();
         return order_.target + ": holds other files";
     }
+    for (const std::string& name : made)
+        ::unlink((order_.target + name).c_str());
     std::error_code ignored;
     for (const auto& entry : std::filesystem::directory_iterator(folder_, ignored))
-        if (entry.path().filename() != "key")
+        if (IsOwnName(entry.path().filename()))
             std::filesystem::remove(entry.path(), ignored);
-    for (std::size_t i = 0; order_.target.back() == '/' && i < order_.plan.chapters.size(); ++i)
-        ::unlink((order_.target + ChapterFileName(order_, i)).c_str());
     const bool isKept = ::ftruncate(lock_.Get(), 0) == 0 && WriteFullyAt(lock_.Get(), key, 0) == 0;
     return isKept ? "" : folder_ + ": " + std::strerror(errno);
 }

@@ -2,12 +2,14 @@
 // same order, and for no other.
 #pragma once
 
+#include <set>
 #include <string>
 
 #include "books/spoken_section.h"
 #include "foundation/files/unique_fd.h"
 
 struct BookOrder;
+class WholeFile;
 
 class BookWork {
 public:
@@ -23,14 +25,24 @@ public:
     // Whole or not at all, wherever it is. Why that cannot be, or empty.
     std::string Write(const std::string& path, const std::string& content) const;
 
+    // Of a book with a file for each chapter: that the file with that path is one of this run's.
+    std::string NoteMade(std::size_t chapter, const std::string& path) const;
+    bool IsMade(std::size_t chapter) const;
+
 private:
     std::string KeyOf() const;
+    std::string OpenFolder();
     std::string Claim(const std::string& found);
+    std::set<std::string> Made() const;
+    bool HoldsOthers(const std::set<std::string>& made) const;
 
     const BookOrder& order_;
     std::string folder_;  // with its slash
     UniqueFd lock_;
 };
+
+// Why that cannot be, or empty.
+std::string WriteInto(const WholeFile& file, const std::string& content);
 
 // Of a small file of the folder; empty when there is none.
 std::string ContentOf(const std::string& path);

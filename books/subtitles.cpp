@@ -115,6 +115,14 @@ const char* EndingOf(SubtitleForm form) {
     return kEndings[static_cast<std::size_t>(form)];
 }
 
+std::string SubtitlesPath(const std::string& sound, SubtitleForm form) {
+    const std::size_t slash = sound.rfind('/');
+    const std::size_t dot = sound.rfind('.');
+    const bool hasEnding =
+        dot != std::string::npos && (slash == std::string::npos || dot > slash + 1);
+    return sound.substr(0, hasEnding ? dot : std::string::npos) + "." + EndingOf(form);
+}
+
 std::optional<SubtitleForm> SubtitleFormFromName(std::string_view name) {
     for (std::size_t i = 0; i < kEndings.size(); ++i)
         if (name == kEndings[i])

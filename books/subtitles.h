@@ -11,6 +11,8 @@ inline constexpr SubtitleForm kSubtitleForms[] = {SubtitleForm::kSrt, SubtitleFo
                                                   SubtitleForm::kLrc};
 
 const char* EndingOf(SubtitleForm form);  // "srt"
+// Beside a file of sound.
+std::string SubtitlesPath(const std::string& sound, SubtitleForm form);
 std::optional<SubtitleForm> SubtitleFormFromName(std::string_view name);
 
 // Where the engine tells it.

@@ -8,6 +8,7 @@ import json
 import os
 import re
 import resource
+import shutil
 import signal
 import subprocess
 import time
@@ -111,12 +112,8 @@ class BookTest(EngineCase):
         for number in (signal.SIGKILL, signal.SIGINT):
             if os.path.exists(first):
                 os.remove(first)
-            run = self.start(*command, stderr=-1)
-            while not os.path.exists(first) and run.poll() is None:
-                time.sleep(0.01)
-            run.send_signal(number)
-            told = run.communicate(timeout=30)[1]
-        self.assertRegex(told.decode(), r"stopped; [12] of 3 chapters are kept")
+            told = self.stopped(command, number, first)
+        self.assertRegex(told, r"stopped; [12] of 3 chapters are kept")
         left = {name.rpartition(".")[2] for name in os.listdir(self.path("spoken/.lectora-book"))}
         self.assertNotIn("wav", left)
         kept = sorted(name for name in os.listdir(self.path("spoken")) if name[0] != ".")
@@ -264,11 +261,7 @@ class BookTest(EngineCase):
         self.tell_engine("text2wave slow 1")
         self.book("book.epub", TITLES, TEXTS)
         command = (SAY, "--audiobook=chapters", "-t", "flac", "-o", "spoken/", "book.epub")
-        run = self.start(*command, stderr=-1)
-        while not os.path.exists(self.path("spoken/01 One = a; #1.flac")) and run.poll() is None:
-            time.sleep(0.01)
-        run.send_signal(signal.SIGINT)
-        run.communicate(timeout=30)
+        self.stopped(command, signal.SIGINT, "spoken/01 One = a; #1.flac")
         with open(self.home + "/.quillon/lectora/pronunciations.txt", "w") as words:
             words.write("wonderful\tdull\n")
         self.check(*command)
@@ -327,6 +320,71 @@ class BookTest(EngineCase):
             self.check(SAY, "--audiobook", *words, "book.epub", status=2, says=says)
         self.check(SAY, "--plan", "-o", "a.mp3", "book.epub", status=2, says="belong to --audiobook")
         self.assertEqual(told, "")
+
+    def stopped(self, command, number, made):
+        """Runs it until a file is there, and ends it. What it has told."""
+        run = self.start(*command, stderr=-1)
+        self.addCleanup(run.kill)
+        while not os.path.exists(self.path(made)) and run.poll() is None:
+            time.sleep(0.01)
+        run.send_signal(number)
+        return run.communicate(timeout=30)[1].decode()
+
+    def test_what_stands_there_stays_until_something_whole_replaces_it(self):
+        self.book("book.epub", TITLES, TEXTS)
+        os.mkdir(self.path("precious"))
+        self.save("precious/letter.txt", b"mine")
+        os.symlink("precious", self.path(".book.flac.lectora-book"))
+        self.check(SAY, "--audiobook", "-o", "book.flac", "book.epub", status=1, says="is not a folder of yours")
+        self.assertEqual(os.listdir(self.path("precious")), ["letter.txt"])
+        self.save("own.srt", b"mine")
+        subtitled = (SAY, "--audiobook", "--subtitles=srt", "-o", "own.flac", "book.epub")
+        self.check(*subtitled, status=1, says="own.srt: exists already")
+        self.assertEqual(self.load("own.srt"), b"mine")
+        command = (SAY, "--audiobook=chapters", "-t", "flac", "--subtitles=srt", "-o", "spoken/", "book.epub")
+        self.check(*command)
+        whole = {name: self.load("spoken/" + name) for name in os.listdir(self.path("spoken"))}
+        self.tell_engine("text2wave slow 1")
+        self.stopped((*command, "-f", "--speed=150"), signal.SIGINT, "spoken/.lectora-book/key")
+        self.assertEqual({name: self.load("spoken/" + name) for name in whole}, whole)
+        # Only an unfinished run's own chapters go when another format is made there.
+        other = [word.replace("spoken/", "other/").replace("flac", "opus") for word in command]
+        told = self.stopped(other, signal.SIGINT, "other/.lectora-book/00001.made")
+        self.assertIn("of 3 chapters are kept", told)
+        self.check(*[word.replace("opus", "flac") for word in other])
+        self.assertEqual(sorted(os.listdir(self.path("other"))), sorted(whole))
+
+    def test_a_disk_that_is_full_when_the_cover_is_put_in_is_told_of(self):
+        self.install_encoder()
+        self.book("book.epub", TITLES, TEXTS, PICTURE + bytes(3000000))
+        for kind in ("mp3", "opus", "m4b", "flac"):
+            command = (SAY, "--audiobook", "-o", f"book.{kind}", "book.epub")
+            limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (2000000, 2000000))
+            self.check(*command, status=1, says="File too large", preexec_fn=limit)
+            self.assertNotIn(f"book.{kind}", self.files())
+            self.check(*command)
+            self.assertGreater(os.path.getsize(self.path(f"book.{kind}")), 3000000)
+            self.heard(f"book.{kind}")
+
+    def test_a_hanging_joint_can_be_broken_off_and_a_cut_part_is_made_anew(self):
+        self.save("story.txt", "".join(f"Paragraph {i} of words.\n\n" for i in range(500)).encode())
+        tools = os.path.join(self.folder, "tools")
+        os.mkdir(tools)
+        with open(tools + "/ffmpeg", "w") as file:
+            real = shutil.which("ffmpeg")
+            file.write('#!/bin/sh\ncase "$*" in *ffmetadata*) touch "$HOME/joint"; exec sleep 1000; esac\n' f'exec {real} "$@"\n')
+        os.chmod(tools + "/ffmpeg", 0o755)
+        command = (SAY, "--audiobook", "--one-voice", "-o", "book.m4b", "story.txt")
+        path = self.environment["PATH"]
+        self.environment["PATH"] = tools + ":" + path
+        self.stopped(command, signal.SIGINT, self.home + "/joint")
+        self.environment["PATH"] = path
+        parts = sorted(glob.glob(self.path(".book.m4b.lectora-book/*.part")))
+        self.assertGreater(len(parts), 1)
+        os.truncate(parts[-1], os.path.getsize(parts[-1]) - 1)
+        self.check(*command, status=1, says="a finished chapter is damaged")
+        self.check(*command)
+        self.assertEqual(self.files(), ["book.m4b", "story.txt"])
 
     def test_a_long_text_without_chapters_has_parts_and_what_no_file_can_hold_is_told_at_once(self):
         plan = (SAY, "--audiobook", "--plan", "-o", "a.mp3")
