@@ -133,9 +133,8 @@ bool BookMaker::SpeakSections(ChapterEncoder& encoder) {
                                   order_.plan.chapters[chapter].title;
         progress_.SetFirstLabel(label.c_str());
         if (IsFinished(i)) {
-            // As far as is known; what was left out is counted anew.
-            remarks_.isSilent = false;
-            remarks_.isAnything = true;
+            remarks_.Add(
+                LoadRemarks(ContentOf(work_.Path(i, "remarks")), order_.plan.chapters[chapter]));
             if (sections_[i].endsChapter)
                 TellRemarks(chapter);
         } else if (!SpeakSection(i, encoder)) {
@@ -166,9 +165,10 @@ bool BookMaker::SpeakSection(std::size_t index, ChapterEncoder& encoder) {
         file.lead = SamplesOf(LWaveFile::OpenSource(work_.Path(index, "lead").c_str()));
     if (!section.beginsFile && !HasWholeLead(index, file.lead.size()))
         return Fail(work_.Path(index, "lead") + ": is damaged, and is made anew the next time");
-    const ChapterSpeech speech = SpeakBookChapter(
-        order_, {chapter.title, section.begin, section.end},
-        section.endsChapter ? order_.secondsBetween : 0, file, remarks_, progress_);
+    const ChapterSpeech speech =
+        SpeakBookChapter(order_, {chapter.title, section.begin, section.end},
+                         section.endsChapter ? order_.secondsBetween : 0, file, progress_);
+    remarks_.Add(speech.remarks);
     if (!speech.isStopped && !speech.problem.empty())
         Fail(job.name + ": " + speech.problem);
     if (section.endsChapter && !speech.isStopped)
@@ -227,6 +227,8 @@ bool BookMaker::Keep(std::size_t index, const ChapterSpeech& speech, ChapterToEn
     std::string problem = KeepLead(index + 1, job.speech, spoken, job.levels);
     if (problem.empty() && order_.NeedsTimes())
         problem = work_.Write(work_.Path(index, "lines"), StoreSubtitles(speech.lines));
+    if (problem.empty())
+        problem = work_.Write(work_.Path(index, "remarks"), StoreRemarks(speech.remarks));
     if (problem.empty())
         problem = KeepSpoken(index, spoken);
     return Fail(problem);

@@ -103,15 +103,6 @@ private:
     int rate_ = kRateOfSilence;
 };
 
-SpeakingRules RulesFrom(const BookOrder& order, std::size_t begin) {
-    SpeakingRules rules = order.rules;
-    rules.marks = MarksFrom(rules.marks, begin);
-    for (const DocumentHeading& heading : order.plan.headings)
-        if (heading.begin >= begin)
-            rules.headings.push_back(heading.begin - begin);
-    return rules;
-}
-
 // Of a book that begins with what cannot be said.
 int RateBehind(const BookOrder& order, std::size_t begin, LProgress& progress) {
     RateTaker taker;
@@ -127,15 +118,16 @@ const BookChapter& ChapterWith(const BookOrder& order, std::size_t begin) {
                          [begin](const BookChapter& chapter) { return begin < chapter.end; });
 }
 
-void Gather(const PieceRuns& runs, const BookOrder& order, const BookChapter& section,
-            ChapterRemarks& remarks) {
-    remarks.isSilent = remarks.isSilent && runs.Outcome() == SynthesisOutcome::kNothingToSay;
-    remarks.isAnything = remarks.isAnything || !runs.LeftOutMessage().empty();
+ChapterRemarks RemarksOn(const PieceRuns& runs, const BookOrder& order,
+                         const BookChapter& section) {
+    ChapterRemarks remarks;
+    remarks.isSilent = runs.Outcome() == SynthesisOutcome::kNothingToSay;
+    remarks.isAnything = !runs.LeftOutMessage().empty();
     const std::size_t before = section.begin - ChapterWith(order, section.begin).begin;
     for (const LeftOutUnit& unit : runs.LeftOut())
         remarks.leftOut.push_back({before + unit.sourceBegin, before + unit.sourceEnd});
-    if (remarks.voices.empty())
-        remarks.voices = runs.InsteadMessage();
+    remarks.voices = runs.InsteadMessage();
+    return remarks;
 }
 
 // A chapter's share of the whole.
@@ -165,27 +157,8 @@ private:
 
 }  // namespace
 
-std::string TextOf(const ChapterRemarks& remarks, const BookOrder& order,
-                   const BookChapter& chapter) {
-    if (remarks.isSilent)
-        return "It holds nothing that can be said, and is silent.";
-    if (!remarks.isAnything)
-        return "";
-    const std::string_view text =
-        std::string_view(order.text).substr(chapter.begin, chapter.end - chapter.begin);
-    // What the voices cannot say is counted once more, in all of it.
-    SpeechPieces pieces(text, order.voice, ReadingUse::kSaving, RulesFrom(order, chapter.begin));
-    for (SpeechPiece piece; pieces.Next(piece);) {
-    }
-    std::string told = remarks.voices;
-    for (const std::string& sentence : {LeftOutMessage(text, remarks.leftOut), pieces.Message()})
-        told += (told.empty() || sentence.empty() ? "" : " ") + sentence;
-    return told;
-}
-
 ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter, double silence,
-                               const SpeechFile& file, ChapterRemarks& remarks,
-                               LProgress& progress) {
+                               const SpeechFile& file, LProgress& progress) {
     const std::string_view text =
         std::string_view(order.text).substr(chapter.begin, chapter.end - chapter.begin);
     const auto size = static_cast<double>(std::max<std::size_t>(order.text.size(), 1));
@@ -202,7 +175,7 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
     speech.isStopped = result == kProcessStopped || progress.IsToStop();
     if (speech.isStopped)
         return speech;
-    Gather(runs, order, chapter, remarks);
+    speech.remarks = RemarksOn(runs, order, chapter);
     if (runs.Outcome() != SynthesisOutcome::kNothingToSay && result != kProcessDone)
         speech.problem = SynthesisMessage(runs.Outcome(), VoiceAt(order.voice));
     if (!taker.IsOpen())

@@ -6,29 +6,18 @@
 
 #include "books/book_levels.h"
 #include "books/book_plan.h"
+#include "books/chapter_remarks.h"
 #include "books/subtitles.h"
 #include "foundation/threads/progress.h"
-#include "speech/piece_runs.h"
 
 struct BookOrder;
-
-// What its user is to know of a chapter, gathered from its sections.
-struct ChapterRemarks {
-    bool isSilent = true;
-    bool isAnything = false;           // was left out
-    std::vector<LeftOutUnit> leftOut;  // by the engine, bytes of the chapter
-    std::string voices;                // which speak instead of others
-};
-
-// In some sentences; empty for nothing.
-std::string TextOf(const ChapterRemarks& remarks, const BookOrder& order,
-                   const BookChapter& chapter);
 
 struct ChapterSpeech {
     bool isStopped = false;
     std::string problem;              // why there is no sound; empty when there is
     std::vector<SubtitleLine> lines;  // where the order wants subtitles, by sentence
     std::vector<VoiceTurn> voices;
+    ChapterRemarks remarks;
     int rate = 0;
     int frames = 0;  // behind the lead
 };
@@ -40,8 +29,6 @@ struct SpeechFile {
 };
 
 // One channel, with so many seconds of silence behind it; that alone when it holds nothing that can
-// be said. It may be a section, whose remarks go to the others of its chapter. The fraction told is
-// that of the whole book.
+// be said. It may be a section. The fraction told is that of the whole book.
 ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapter, double silence,
-                               const SpeechFile& file, ChapterRemarks& remarks,
-                               LProgress& progress);
+                               const SpeechFile& file, LProgress& progress);

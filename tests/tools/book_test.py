@@ -257,6 +257,15 @@ class BookTest(EngineCase):
         told = self.run_program(SAY, "--audiobook", "--one-voice", "-o", "tale.flac", "tale.txt").stderr.decode()
         self.assertEqual((told.count("400 words in Chinese"), told.count("left out")), (1, 1), told)
 
+    def test_what_was_left_out_before_a_book_was_broken_off_is_told_when_it_is_done(self):
+        self.tell_engine("text2wave nothing Boom\ntext2wave slow 0.2")
+        self.save("tale.txt", b"Boom it goes.\n\n" + b"Some words are here.\n\n" * 700)
+        command = (SAY, "--audiobook", "--one-voice", "-o", "tale.flac", "tale.txt")
+        self.stopped(command, signal.SIGINT, ".tale.flac.lectora-book/00001.part")
+        runs = len(self.said())
+        self.check(*command, says="left out")
+        self.assertNotIn("Boom", str(self.said()[runs:]))
+
     def test_what_was_finished_under_another_pronunciation_list_is_not_used(self):
         self.tell_engine("text2wave slow 1")
         self.book("book.epub", TITLES, TEXTS)
