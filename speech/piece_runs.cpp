@@ -95,6 +95,7 @@ bool PieceRuns::StartRuns() {
 void PieceRuns::CutFrom(std::size_t begin) {
     SpeakingRules rules = rules_;
     rules.marks = MarksFrom(rules_.marks, begin);
+    rules.headings = HeadingsFrom(rules_.headings, begin);
     piecesBegin_ = begin;
     pieces_.emplace(text_.substr(begin), voice_, use_, std::move(rules));
     isAtEndOfText_ = false;
