@@ -80,21 +80,49 @@ std::string Factor(int percent) {
     return factor;
 }
 
+// What a place stands for, to be put where that quotation mark is open. A name that means something
+// to a shell comes as a variable, whose value no quoting around the place makes a command of.
+std::string InPlace(std::string_view variable, const std::string& value, char openQuote) {
+    if (ShellWord(value) == value)
+        return value;
+    const std::string name = "${" + std::string(variable) + "}";
+    return openQuote == '"' ? name : openQuote == '\'' ? "'\"" + name + "\"'" : "\"" + name + "\"";
+}
+
 // The words behind the first one's place stand for themselves, so that a voice called "{wav}" does
 // not become a path.
 std::string OwnCommand(const SpeechEngine& engine, const SpeechOrder& order) {
-    const std::string rate = Factor(order.speed);
-    const std::pair<std::string_view, std::string_view> places[] = {{"{text}", order.textPath},
-                                                                    {"{wav}", order.soundPath},
-                                                                    {"{voice}", order.voice.name},
-                                                                    {kRate, rate}};
+    struct Place {
+        std::string_view written;
+        std::string_view variable;
+        std::string value;
+    };
+    const Place places[] = {{"{text}", "lectora_text", std::string(order.textPath)},
+                            {"{wav}", "lectora_wav", std::string(order.soundPath)},
+                            {"{voice}", "lectora_voice", order.voice.name},
+                            {kRate, "lectora_rate", Factor(order.speed)}};
     std::string command;
+    for (const Place& place : places)
+        if (ShellWord(place.value) != place.value)
+            command += std::string(place.variable) + "=" + ShellWord(place.value) + "; ";
+    char openQuote = '\0';
     for (std::string_view rest = engine.ownCommand; !rest.empty();) {
         const auto* const place = std::ranges::find_if(
-            places, [rest](const auto& one) { return rest.starts_with(one.first); });
-        const bool isPlace = place != std::end(places);
-        command += isPlace ? ShellWord(place->second) : std::string(1, rest.front());
-        rest.remove_prefix(isPlace ? place->first.size() : 1);
+            places, [rest](const Place& one) { return rest.starts_with(one.written); });
+        std::size_t size = 1;
+        if (place != std::end(places)) {
+            command += InPlace(place->variable, place->value, openQuote);
+            size = place->written.size();
+        } else {
+            const char character = rest.front();
+            const bool isQuote = character == '"' || character == '\'';
+            if (isQuote && (openQuote == '\0' || openQuote == character))
+                openQuote = openQuote == character ? '\0' : character;
+            size =
+                character == '\\' && openQuote != '\'' ? std::min<std::size_t>(2, rest.size()) : 1;
+            command += rest.substr(0, size);
+        }
+        rest.remove_prefix(size);
     }
     return command;
 }
@@ -119,7 +147,7 @@ std::optional<SpeechEngine> EngineIn(const std::string& path) {
     engine.command = OwnCommand;
     if (engine.ownCommand.find(kRate) != std::string::npos) {
         const int from = std::atoi(Value(file.get(), "RateFrom").c_str());
-        engine.speaksFasterFrom = from > LTempo::kOwnPercent ? from : kRateFrom;
+        engine.speaksFasterFrom = from >= LTempo::kOwnPercent ? from : kRateFrom;
     }
     const std::string language = Value(file.get(), "Language");
     std::vector<std::string> voices = Values(file.get(), "Voices");

@@ -135,7 +135,8 @@ void InstallManyVoices(const FakeEngine& engine, const std::string& longName) {
     const std::string folder = engine / ".quillon/lectora/engines";
     std::filesystem::create_directories(folder);
     const std::string file =
-        "[Engine]\nName=Neural\nLanguage=cs\nCommand=neural {voice} {text} {wav} {rate}\n";
+        "[Engine]\nName=Neural\nLanguage=cs\nCommand=neural \"{voice}\" '{text}' {wav} {rate} "
+        "{text}\n";
     std::ofstream(folder + "/mine.engine") << file << "RateFrom=150\n"
                                            << "Voices=/v/it's.onnx;two\n";
     std::ofstream(folder + "/theirs.engine") << file;
@@ -181,7 +182,11 @@ void CheckEachVoice(const std::string& longName) {
     EXPECT_EQ(MannerOf(VoiceAt(12)), VoiceManner());
     EXPECT_EQ(command(16, 400), "flite -voice slt -f '/t x' -o /w");
     for (const auto& [speed, rate] : {std::pair{100, "1"}, {149, "1"}, {205, "2.05"}, {600, "6"}})
-        EXPECT_EQ(command(17, speed), "neural '/v/it'\\''s.onnx' '/t x' /w " + std::string(rate));
+        EXPECT_EQ(
+            command(17, speed),
+            "lectora_text='/t x'; lectora_voice='/v/it'\\''s.onnx'; neural \"${lectora_voice}\" "
+            "''\"${lectora_text}\"'' /w " +
+                std::string(rate) + " \"${lectora_text}\"");
 }
 
 void CheckTheChosenOne() {
