@@ -107,8 +107,8 @@ const LanguageForms kRussianForms = {
     .plus = "плюс",
     .beforeMan = "",
     .beforeWoman = "",
-    .ofTheDay = "",
-    .ofThatDay = " с до от после около ",
+    .ofTheDay = " к ко ",
+    .ofThatDay = "",
     .men =
         " Пётр Петр Николай Александр Павел Иван Людовик Генрих Карл Фридрих Вильгельм "
         "Наполеон Филипп Эдуард Георг Иоанн Пий Бенедикт Фёдор Василий ",

@@ -106,8 +106,8 @@ constexpr RuleSet kRuleSets[] = {
     {"it", OrdinalOf::kWoman, "%spellout-ordinal-feminine"},
     {"ru", OrdinalOf::kMan, "%spellout-ordinal-masculine"},
     {"ru", OrdinalOf::kWoman, "%spellout-ordinal-feminine"},
-    {"ru", OrdinalOf::kDay, "%spellout-ordinal-neuter"},
-    {"ru", OrdinalOf::kThatDay, "%spellout-ordinal-neuter-genitive"},
+    {"ru", OrdinalOf::kDay, "%spellout-ordinal-neuter-genitive"},
+    {"ru", OrdinalOf::kTheDay, "%spellout-ordinal-neuter-dative"},
 };
 
 std::string SpelledOut(std::string_view language, const char* ruleSet, int number) {

@@ -1,6 +1,7 @@
 #include "speech/sayable_units.h"
 
 #include <glib.h>
+#include <unicode/uchar.h>
 
 #include <algorithm>
 
@@ -76,7 +77,8 @@ bool MayEndUnit(std::string_view word) {
 
 }  // namespace
 
-SayableUnits::SayableUnits(VoiceCharset charset) : charset_(charset) {
+SayableUnits::SayableUnits(VoiceCharset charset, bool engineSaysEmoji)
+    : charset_(charset), engineSaysEmoji_(engineSaysEmoji) {
     for (std::size_t byte = 0; byte < sayable_.size(); ++byte)
         sayable_[byte] = IsSayable(CharacterOfByte(static_cast<unsigned char>(byte), charset));
 }
@@ -132,9 +134,16 @@ bool SayableUnits::HasWords(std::string_view text) const {
         });
     const char* const end = text.data() + text.size();
     for (const char* at = text.data(); at < end; at = g_utf8_next_char(at))
-        if (IsSayable(g_utf8_get_char(at)))
+        if (IsSaid(g_utf8_get_char(at)))
             return true;
     return false;
+}
+
+bool SayableUnits::IsSaid(char32_t character) const {
+    constexpr char32_t kFirstPicture = 0x2600;
+    return IsSayable(character) ||
+           (engineSaysEmoji_ && character >= kFirstPicture &&
+            u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_EMOJI) != 0);
 }
 
 int SayableUnits::CountCharacters(std::string_view text) const {

@@ -20,7 +20,7 @@
 // pieces and over-long units get a blank line.
 class SayableUnits {
 public:
-    explicit SayableUnits(VoiceCharset charset);
+    SayableUnits(VoiceCharset charset, bool engineSaysEmoji);
 
     void Add(const PlainWord& word);
     // After the last word.
@@ -30,6 +30,7 @@ public:
 
 private:
     bool HasWords(std::string_view text) const;
+    bool IsSaid(char32_t character) const;
     int CountCharacters(std::string_view text) const;
 
     void EndLine();
@@ -49,6 +50,7 @@ private:
     void CloseUnit();
 
     VoiceCharset charset_;
+    bool engineSaysEmoji_;
     std::array<bool, 256> sayable_;
     std::deque<TextUnit> ready_;
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 
+#include "foundation/owned_text.h"
 #include "speech/number_words.h"
 #include "speech/text_language.h"
 #include "speech/utf8_reader.h"
@@ -192,7 +193,8 @@ bool SpokenForms::ReadAmount(std::size_t at, Amount& amount) const {
 }
 
 std::string SpokenForms::DayWords(int day, std::size_t at) const {
-    const std::string before = WordBefore(at);
+    const OwnedText small(g_utf8_strdown(WordBefore(at).c_str(), -1));
+    const std::string before = small.get();
     const OrdinalOf of = IsAmong(forms_->ofThatDay, before)  ? OrdinalOf::kThatDay
                          : IsAmong(forms_->ofTheDay, before) ? OrdinalOf::kTheDay
                                                              : OrdinalOf::kDay;

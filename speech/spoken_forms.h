@@ -32,6 +32,7 @@ public:
     SpokenForms(std::string_view text, std::string_view language, SaidByEngine byEngine,
                 SpeakingChoices choices);
 
+    bool IsEmojiLeftToEngine() const { return isOn_ && (byEngine_ & kSaysEmoji) != 0; }
     // Of a form that begins here.
     std::optional<SaidDifferently::Stretch> At(std::size_t at);
 

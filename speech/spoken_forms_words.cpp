@@ -8,6 +8,7 @@
 
 #include "foundation/owned_text.h"
 #include "speech/number_words.h"
+#include "speech/sentence_words.h"
 #include "speech/spoken_forms.h"
 
 namespace {
@@ -149,8 +150,9 @@ std::optional<std::size_t> SpokenForms::RomanNumeral(std::size_t at) {
     const std::string before = WordBefore(at);
     const bool isMan = IsAmong(forms_->men, before);
     const bool isWoman = IsAmong(forms_->women, before);
-    const bool isCapital =
-        before.size() > 2 && g_unichar_isupper(g_utf8_get_char(before.c_str())) != FALSE;
+    const bool isCapital = before.size() > 2 &&
+                           g_unichar_isupper(g_utf8_get_char(before.c_str())) != FALSE &&
+                           !BeginsSentences(before);  // "The IV drip"
     const OwnedText small(g_utf8_strdown(before.c_str(), -1));
     const bool isCounted = IsAmong(forms_->counted, small.get());
     if (!isMan && !isWoman && !isCounted && (!isCapital || end - at == 1))

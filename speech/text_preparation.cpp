@@ -31,9 +31,13 @@ bool TextUnits::Stages::BeginsSentence(const PlainWord& word) {
 }
 
 TextUnits::TextUnits(std::string_view text, VoiceCharset charset, std::string_view language,
-                     SaidDifferently said, SpokenForms forms)
-    : stages_(new Stages{PlainWords(text, charset, language, std::move(said), std::move(forms)),
-                         SayableUnits(charset), Sentences(text), std::nullopt}) {}
+                     SaidDifferently said, SpokenForms forms) {
+    const bool engineSaysEmoji = forms.IsEmojiLeftToEngine();
+    Sentences sentences(text, {}, language.empty() ? "en" : language);
+    stages_.reset(new Stages{PlainWords(text, charset, language, std::move(said), std::move(forms)),
+                             SayableUnits(charset, engineSaysEmoji), std::move(sentences),
+                             std::nullopt});
+}
 
 TextUnits::~TextUnits() = default;
 TextUnits::TextUnits(TextUnits&&) noexcept = default;

@@ -45,8 +45,8 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
         {"en", "1/2 cup, 1/2/3, 3.14, v1.2.3, 1990s, 12:30",
          "one half cup, 1/2/3, 3.14, v1.2.3, 1990s, 12:30"},
         {"en", "https://www.example.com/a joe@www.org", "example.com/a joe@www.org"},
-        {"de", "am 25.12.2026, der 3. Mai, 31.31.2026",
-         "am fünfundzwanzigsten Dezember 2026, der dritte Mai, 31.31.2026"},
+        {"de", "Am 25.12.2026, Der 3. Mai, 31.31.2026, Die IV",
+         "Am fünfundzwanzigsten Dezember 2026, Der dritte Mai, 31.31.2026, Die IV"},
         {"de", "17:45 Uhr, 1.234,50 €, z. B. S. 5",
          "17 Uhr 45, 1.234 Euro 50, zum Beispiel Seite 5"},
         {"de", "Heinrich VIII. war da. Elisabeth II. Gut",
@@ -58,8 +58,9 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "25 de diciembre de 2026, Felipe segundo, siglo 20, señor López"},
         {"it", "Luigi XIV, 70 kg, ad es. 5,20 €",
          "Luigi quattordicesimo, 70 chilogrammi, ad esempio 5 euro 20"},
-        {"ru", "с 25 декабря, Екатерина II, 60 км/ч, т. е. 5 €",
-         "с двадцать пятого декабря, Екатерина вторая, 60 километров в час, то есть 5 евро"},
+        {"ru", "25 декабря, К 1 мая, Екатерина II, 60 км/ч, т. е. 5 €",
+         "двадцать пятого декабря, К первому мая, Екатерина вторая, 60 километров в час, то есть 5 "
+         "евро"},
         {"cs", "1. května, Karel IV. byl, 250 Kč, např. č. 5",
          "prvního května, Karel čtvrtý byl, 250 korun, například číslo 5"},
         {"fi", "25.12.2026 70 kg", "25.12.2026 70 kg"},
@@ -83,6 +84,17 @@ TEST(SpokenForms, AreLeftToTheEngineOrSaidByChoice) {
 }
 
 // What is highlighted is the text as it is written.
+TEST(SpokenForms, EmojiAloneAreHandedToTheEngineThatSaysThem) {
+    for (const auto& [says, told] :
+         {std::pair{kSaysEmoji, "Great.\n\n👍\n\nBye."}, {SaidByEngine{0}, "Great.\n\n\n\nBye."}}) {
+        const std::string text = "Great.\n\n👍\n\nBye.";
+        EXPECT_EQ(
+            PrepareText(text, VoiceCharset::kUnicode, "de", {}, SpokenForms(text, "de", says, {}))
+                .text,
+            told);
+    }
+}
+
 TEST(SpokenForms, KeepTheirPlacesInTheText) {
     const std::string text = "He ran 25 km/h. She had $5.20 left.";
     TextUnits units(text, VoiceCharset::kUnicode, "en-US", {}, SpokenForms(text, "en-US", 0, {}));
