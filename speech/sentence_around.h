@@ -21,6 +21,7 @@ struct SentenceRules::Around {
     std::size_t nextAt;
     gunichar nextCharacter;  // its first
     bool nextIsOpened;       // opening marks stand before it
+    gunichar opening;        // the first of them, 0 for none
     bool hasBlank;           // behind the stop
     bool isBracketed;        // the stops alone
 };

@@ -49,6 +49,10 @@ bool IsBullet(gunichar character) {
     return std::ranges::find(kBullets, character) != std::end(kBullets);
 }
 
+bool IsDash(gunichar character) {
+    return character == 0x2013 || character == 0x2014;
+}
+
 bool IsStop(gunichar character) {
     return IsOneOf(kStops, character);
 }

@@ -21,6 +21,7 @@ inline bool IsWhite(gunichar character) {
     return g_unichar_isspace(character) != 0;
 }
 bool IsBullet(gunichar character);
+bool IsDash(gunichar character);    // long ones, of dialogues and lists
 bool IsStop(gunichar character);    // ends sentences, in any script
 bool IsCloser(gunichar character);  // closes brackets or quotations
 

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::size_t kLongEnclosed = 400;
+constexpr std::size_t kMostOpen = 50;  // whoever opens more closes none
 constexpr std::u32string_view kOpen = U"(（「『《〈【«“„[‹";
 constexpr std::u32string_view kClose = U")）」』》〉】»””]›";
 // "»Ja«", which German and Danish books have.
@@ -22,6 +23,21 @@ char32_t CloserOf(char32_t character, bool beginsWord) {
         return kTurnedClose[turned];
     const std::size_t opens = kOpen.find(character);
     return opens == std::u32string_view::npos ? 0 : kClose[opens];
+}
+
+// What a straight quotation mark does. One too many, as of 6" nails, must not turn all those behind
+// it round: where the blanks around it speak for an opening one, it opens.
+enum class Straight { kOpens, kCloses, kNeither };
+
+Straight KindOf(gunichar before, gunichar next, bool isOpen) {
+    const bool isBehindWord = before < kFirstIdeograph && g_unichar_isalnum(before) != 0;
+    const bool isBeforeWord = next < kFirstIdeograph && g_unichar_isalnum(next) != 0;
+    if (isBehindWord && isBeforeWord)  // of a Hebrew short form
+        return Straight::kNeither;
+    if (isOpen)
+        return IsWhite(before) && next != 0 && !IsWhite(next) ? Straight::kOpens
+                                                              : Straight::kCloses;
+    return isBehindWord ? Straight::kNeither : Straight::kOpens;
 }
 
 }  // namespace
@@ -43,14 +59,19 @@ SentenceEnclosures::SentenceEnclosures(std::string_view paragraph) {
         };
         const auto pair = std::find_if(open.rbegin(), open.rend(), closes);
         if (character == '"') {
-            if (straight && at - *straight < kLongEnclosed)
+            const Straight kind =
+                KindOf(before, CharacterAt(paragraph, at + 1), straight.has_value());
+            if (kind == Straight::kCloses && at - *straight < kLongEnclosed)
                 all_.push_back({*straight, at});
-            straight = straight ? std::optional<std::size_t>() : at;
+            if (kind != Straight::kNeither)
+                straight = kind == Straight::kOpens ? std::optional(at) : std::nullopt;
         } else if (pair != open.rend()) {
             if (at - pair->place < kLongEnclosed)
                 all_.push_back({pair->place, at});
             open.erase(std::prev(pair.base()), open.end());
         } else if (const char32_t closer = CloserOf(character, IsWhite(before)); closer != 0) {
+            if (open.size() == kMostOpen)
+                open.erase(open.begin());
             open.push_back({at, character, closer});
         }
         before = character;

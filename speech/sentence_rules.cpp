@@ -15,6 +15,7 @@ constexpr gunichar kFirstArmenian = 0x0530;
 constexpr gunichar kFirstDevanagari = 0x0900;
 constexpr gunichar kWideColon = 0xFF1A;
 constexpr gunichar kUrduStop = 0x06D4;
+constexpr int kMostMarks = 32;  // and blanks, on either side of a stop
 
 bool IsCaseless(gunichar character) {
     return g_unichar_isalpha(character) != 0 && g_unichar_islower(character) == 0 &&
@@ -60,7 +61,7 @@ SentenceRules::Around SentenceRules::Look(std::size_t end) const {
     around.behind = at;
     // "« Quoi ? » dit-il"
     std::size_t closer = at;
-    while (closer > 0) {
+    for (int marks = 0; closer > 0 && marks < kMostMarks; ++marks) {
         const gunichar before = CharacterAt(text_, Before(text_, closer));
         if (IsCloser(before)) {
             closer = at = Before(text_, closer);
@@ -99,9 +100,10 @@ std::size_t SentenceRules::WordBegin(std::size_t stop) const {
            CharacterAt(text_, begin) > 0x7F)
         begin += BytesOf(CharacterAt(text_, begin));
     // "l'Ing."
-    if (const std::size_t elided = text_.substr(0, stop).rfind('\'');
-        elided != std::string_view::npos && elided >= begin && elided + 2 < stop)
-        begin = elided + 1;
+    for (const std::string_view mark : {"'", "’"})
+        if (const std::size_t elided = text_.substr(0, stop).rfind(mark);
+            elided != std::string_view::npos && elided >= begin && elided + mark.size() + 1 < stop)
+            begin = elided + mark.size();
     // A word behind others that no blank parts: "山田B."
     for (std::size_t place = begin; place < stop;) {
         const gunichar character = CharacterAt(text_, place);
@@ -114,12 +116,14 @@ std::size_t SentenceRules::WordBegin(std::size_t stop) const {
 
 void SentenceRules::LookBehind(std::size_t end, Around& around) const {
     std::size_t next = end;
-    while (next < text_.size()) {
+    for (int marks = 0; next < text_.size() && marks < kMostMarks; ++marks) {
         const gunichar character = CharacterAt(text_, next);
-        const bool opens =
-            g_unichar_ispunct(character) != 0 && character != '-' && character != '.';
-        if (!opens && !IsWhite(character))
+        const bool opens = g_unichar_ispunct(character) != 0 && character != '-' &&
+                           character != '.' && !IsDash(character);
+        if (!opens && !IsWhite(character) && !IsDash(character))
             break;
+        if (opens && !around.nextIsOpened)
+            around.opening = character;
         around.nextIsOpened = around.nextIsOpened || opens;
         next += BytesOf(character);
     }
@@ -242,10 +246,16 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
         return false;
     if (isBeforeNumber && NeedsNumber(word))
         return false;
+    if (around.opening == 0xBF || around.opening == 0xA1)  // "p. m. ¿Te viene bien?"
+        return true;
+    if (IsStreet(around))
+        return g_unichar_isupper(around.nextCharacter) != 0;
     if (const auto ends = EndsBehind(word, around.previous); ends)
         return *ends && !isBeforeSmall && !isBeforeNumber && !IsDateAhead(around);
     if (UsuallyEndsSentence(word))
         return !isBeforeSmall && !IsTitle(around.next);
+    if (word.find('.') != std::string_view::npos && NeedsWhatFollows(word, language_))  // "o.a"
+        return false;
     if (MayEndSentence(word))
         return AbbreviationEnds(around);
     if (NeedsWhatFollows(word, language_))
@@ -256,7 +266,7 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
     if (isNumber && word.size() < 3 && isBeforeNumber)  // "12. 5. 2012"
         return false;
     if (isNumber && word.size() < 3 && HasDottedOrdinals(language_))
-        return BeginsSentences(around.next);
+        return BeginsSentences(around.next) || IsHouseNumber(around);
     // Polish has the ordinal's stop behind figures alone.
     if (IsRomanNumeral(word) && word.size() > 1 && HasDottedOrdinals(language_) &&
         language_ != "pl")
@@ -266,9 +276,29 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
 
 // "W 1918 r. Polska odzyskała niepodległość."
 bool SentenceRules::IsDateAhead(const Around& around) const {
-    constexpr std::string_view kAhead[] = {"W", "Od", "Do", "Około", "Przed"};
+    constexpr std::string_view kAhead[] = {"W",  "Od", "Do",    "Około",  "Przed", "В",    "С",
+                                           "До", "К",  "После", "Весной", "Летом", "Зимой"};
     const auto begin = static_cast<std::size_t>(around.previous.data() - text_.data());
-    return language_ == "pl" && std::ranges::find(kAhead, WordBefore(begin)) != std::end(kAhead);
+    return (language_ == "pl" || language_ == "ru" || language_ == "bg") &&
+           std::ranges::find(kAhead, WordBefore(begin)) != std::end(kAhead);
+}
+
+// "He lives in 5th St. Turn left"
+bool SentenceRules::IsStreet(const Around& around) const {
+    constexpr std::string_view kStreets[] = {"St", "Ave", "Rd", "Blvd"};
+    constexpr std::string_view kOrdinals[] = {"st", "nd", "rd", "th"};
+    const std::string_view number = around.previous;
+    return std::ranges::find(kStreets, around.word) != std::end(kStreets) && number.size() > 2 &&
+           g_ascii_isdigit(number[0]) &&
+           std::ranges::find(kOrdinals, number.substr(number.size() - 2)) != std::end(kOrdinals);
+}
+
+// "ul. Długiej 5. Pracuje", where what an ordinal number stands before is written small.
+bool SentenceRules::IsHouseNumber(const Around& around) const {
+    constexpr std::string_view kSmallMonths[] = {"pl", "cs", "sk", "sl", "hr"};
+    return g_unichar_isupper(CharacterAt(around.previous, 0)) != 0 && around.begin > 0 &&
+           CharactersIn(around.previous) > 2 && g_unichar_isupper(around.nextCharacter) != 0 &&
+           std::ranges::find(kSmallMonths, language_) != std::end(kSmallMonths);
 }
 
 // "E. Smith", but "you and I. Did", "Plan B. That" and "1.85 m. She".
@@ -276,7 +306,7 @@ bool SentenceRules::LetterEnds(const Around& around) const {
     if (g_unichar_islower(CharacterAt(around.word, 0)) != 0 && EndsInNumber(around.previous))
         return g_unichar_isupper(around.nextCharacter) != 0 && CharactersIn(around.next) > 1;
     return BeginsSentences(around.next) && CharactersIn(around.next) > 1 &&
-           !MayBeOfName(around.next);
+           !MayBeOfName(around.next, language_);
 }
 
 bool SentenceRules::AbbreviationEnds(const Around& around) const {
@@ -292,7 +322,9 @@ bool SentenceRules::AbbreviationEnds(const Around& around) const {
     const gunichar first = CharacterAt(around.word, 0);
     // "etc. The"; "U.S. How", but "U.S. Government"; scripts without our list of
     // beginnings.
-    if (first >= 0x80)
+    const bool isInitials = g_unichar_isupper(first) != 0;  // "Л.Н. Толстой"
+    if (first >= 0x80 && !isInitials)
         return g_unichar_isupper(around.nextCharacter) != 0;
-    return BeginsSentences(around.next) || around.nextIsOpened;
+    const bool isBracketAhead = around.opening == '(' || around.opening == '[';
+    return BeginsSentences(around.next) || (around.nextIsOpened && !isBracketAhead);
 }

@@ -31,6 +31,8 @@ private:
     bool IsDotOfAbbreviation(const Around& around) const;
     bool WordEnds(const Around& around, bool isAbbreviation) const;
     bool IsDateAhead(const Around& around) const;
+    bool IsStreet(const Around& around) const;
+    bool IsHouseNumber(const Around& around) const;
     bool LetterEnds(const Around& around) const;
     bool AbbreviationEnds(const Around& around) const;
     bool GoesOnBehindQuotation(const Around& around) const;
@@ -43,6 +45,9 @@ private:
     void AddUnseenStops(std::vector<std::size_t>& starts) const;
     bool IsUnseenStop(std::size_t blank) const;
     bool IsItemMark(std::size_t end) const;
+    bool BeginsSpeech(std::size_t dash) const;
+    void AddSpeeches(std::vector<std::size_t>& starts) const;
+    void AddBehindSmileys(std::vector<std::size_t>& starts) const;
 
     std::string_view text_;
     std::string_view language_;

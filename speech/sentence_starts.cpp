@@ -48,7 +48,45 @@ std::vector<std::size_t> SentenceRules::OwnStarts() const {
     AddTightStops(starts);
     AddUnseenStops(starts);
     AddSpacedQuotations(starts);
+    AddSpeeches(starts);
+    AddBehindSmileys(starts);
     return starts;
+}
+
+// Of a dash behind a blank: what is said behind the end of a sentence, not who said it.
+bool SentenceRules::BeginsSpeech(std::size_t dash) const {
+    std::size_t at = LastBefore(dash);
+    while (at > 0 && IsCloser(CharacterAt(text_, at)))
+        at = LastBefore(at);
+    std::size_t next = dash + BytesOf(CharacterAt(text_, dash));
+    while (IsWhite(CharacterAt(text_, next)) || g_unichar_ispunct(CharacterAt(text_, next)) != 0)
+        next += BytesOf(CharacterAt(text_, next));
+    return IsStop(CharacterAt(text_, at)) && g_unichar_isupper(CharacterAt(text_, next)) != 0;
+}
+
+// "« Vous êtes sûr ? — Absolument. »": within one quotation several speak.
+void SentenceRules::AddSpeeches(std::vector<std::size_t>& starts) const {
+    for (const std::string_view dash : {"–", "—"})
+        for (std::size_t at = text_.find(dash); at != std::string_view::npos;
+             at = text_.find(dash, at + dash.size()))
+            if (at > 1 && text_[at - 1] == ' ' && BeginsSpeech(at))
+                starts.push_back(at);
+}
+
+// "Nothing helped :( Thanks"
+void SentenceRules::AddBehindSmileys(std::vector<std::size_t>& starts) const {
+    constexpr std::string_view kSmileys[] = {" :)",  " :(", " ;)", " :-)", " :-(",
+                                             " ;-)", " :D", " :P", " ))",  " (("};
+    for (const std::string_view smiley : kSmileys)
+        for (std::size_t at = text_.find(smiley); at != std::string_view::npos;
+             at = text_.find(smiley, at + smiley.size())) {
+            std::size_t end = at + smiley.size();
+            while (end < text_.size() && text_[end] == smiley.back())
+                ++end;
+            if (end + 1 < text_.size() && text_[end] == ' ' &&
+                g_unichar_isupper(CharacterAt(text_, end + 1)) != 0)
+                starts.push_back(end + 1);
+        }
 }
 
 // "1) one 2) two", "• one • two": marks that follow one another.
@@ -56,9 +94,12 @@ void SentenceRules::FindListItems() {
     const gunichar bullet = CharacterAt(text_, 0);
     if (IsBullet(bullet)) {
         const std::string_view mark = text_.substr(0, BytesOf(bullet));
+        // "— Из Москвы, — ответила она.", where a list has no stops.
+        const bool isDialogue =
+            IsDash(bullet) && text_.find_first_of(".!?") != std::string_view::npos;
         for (std::size_t at = text_.find(mark, 1); at != std::string_view::npos;
              at = text_.find(mark, at + 1))
-            if (text_[at - 1] == ' ')
+            if (text_[at - 1] == ' ' && (!isDialogue || BeginsSpeech(at)))
                 items_.push_back(at);
         return;
     }
@@ -106,8 +147,10 @@ bool SentenceRules::IsUnseenStop(std::size_t blank) const {
     const char before = text_[blank - 1];
     const std::string_view next = text_.substr(blank + 1);
     // "'s Avonds"
-    if (before == '.' && language_ == "nl" && next.size() > 3 && next[0] == '\'' && next[2] == ' ')
-        return g_ascii_isupper(next[3]);
+    const std::size_t mark = next.starts_with("’") ? std::string_view("’").size() : 1;
+    if (before == '.' && language_ == "nl" && next.size() > mark + 2 &&
+        (mark > 1 || next[0] == '\'') && next[mark + 1] == ' ')
+        return g_ascii_isupper(next[mark + 2]);
     if (before == ':')  // the Armenian stop as it is typed
         return language_ == "hy";
     if (text_.substr(0, blank).ends_with("፡፡"))  // as the Ethiopic stop is typed

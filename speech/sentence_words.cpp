@@ -30,28 +30,31 @@ constexpr LanguageWords kLanguages[] = {
     {"en", " the and of to is that it was you for with are this have not ",
      " Messrs Mme Rev Hon Gov Sgt Cpl Pvt Maj Cmdr Supt Sen Rep Pres Ave Blvd "
      "Rd Mt Ft Jan Feb Mar "
-     "Apr Jun Jul Aug Sep Sept Oct Nov Dec viz ca approx dept est govt "},
+     "Apr Jun Jul Aug Sep Sept Oct Nov Dec Tue Tues Weds Thur Thurs viz ca approx deg dept est "
+     "govt "},
     {"de", " der die das und ist nicht ein eine zu den mit auf von im sich des dem ",
      " med z.B z. B d.h d. h u.a u. a o.ä bzw ca evtl ggf inkl Hr Hrn Fr Frl Str "
      "Tel Abb Abs Art Bd "
      "Mio Mrd Nr S s vgl Ing Dipl Kfm Rd Abt Aufl Verf v.a zzgl Jh St sog rd "
      "i.d.R m.E z.T z.Zt "
+     "gem jmd jmdn jmdm bspw bes ehem einschl max min mind mtl südl nördl zul ges lt tel usf "
      "Jan Feb Apr Aug Sept Okt Nov Dez Mag Univ Hrsg Inh geb gest "},
     {"fr", " le la les et est un une des dans que qui pour pas au du sur il elle ce ",
      " apr aprox M MM Mme Mmes Mlle Mlles Me Mgr av env ex bd éd fasc ibid janv févr "
      "juill sept déc p.ex "
      "c.-à-d chap vs "},
     {"es", " el los las y es un una que en por con para del se no su como ",
-     " aprox Sr Sra Sres Sras Srta Dra Dr Ud Uds Vd Vds D Da Dña p.ej ej pág págs "
+     " aprox Av Avda Bs Mt Sr Sra Sres Sras Srta Dra Dr Ud Uds Vd Vds D Da Dña p.ej ej pág págs "
      "núm art cap tel avda c "
      "Excmo Excma Ilmo Lic Ing Arq Prof Gral "},
     {"it", " il lo gli di che è un una per non con del della sono si nel le ",
      " Egr egr Ing Geom Arch Sig sig Sigg Sig.ra Sig.na dott Dott prof Prof ing Ing avv Avv geom "
      "pag "
-     "pagg cap art es ecc.to "
+     "pagg cap art es ecc.to lun mar mer gio ven gen feb apr mag giu lug ago sett ott nov dic "
+     "psicol "
      "on On n N tel v ca p.es sec arch "},
     {"pt", " o os as e é um uma que em para com não do da dos das se ",
-     " Sr Sra Srs Dr Dra Exmo Exma Prof Profa Eng pág págs núm art cap tel "
+     " aprox Sr Sra Srs Dr Dra Exmo Exma Prof Profa Eng pág págs núm art cap tel "
      "p.ex av Av "},
     {"nl", " de het een en van is niet dat op te met voor zijn er ",
      " dhr mevr mw mr drs ir ing ds bijv blz nr o.a d.w.z m.b.t t.a.v t.o.v "
@@ -60,9 +63,9 @@ constexpr LanguageWords kLanguages[] = {
     {"pl", " i w nie to się na że jest z do jak po ale ",
      " np m.in tzn tzw ul al pl prof dr inż mgr hab gen płk kpt por św ok nr "
      "str tel godz zob lek "
-     "red wyd r.ż p.o pt ww "},
+     "red wyd r.ż p.o pt ww med hum "},
     {"cs", " a je se na že to v s z do by byl jako ale ",
-     " např tj tzn tzv č čl str obr sv ing mgr mudr judr phdr prof doc ul nám "
+     " např pí tj tzn tzv č čl str obr sv ing mgr mudr judr phdr prof doc ul nám "
      "tel r mj resp popř "
      "cca gen plk "},
     {"ru", "",
@@ -72,7 +75,7 @@ constexpr LanguageWords kLanguages[] = {
      "р-н с р мл ген полк "},
     {"el", "", " κ κα κος Δρ σελ π.χ π. χ δηλ βλ αρ τηλ οδ εικ αι κ.ά αιώνα "},
     {"da", " og det er en at på af ikke han jeg til var den med der som hun kl ",
-     " adr hr fr kl ca bl.a f.eks dvs mht pga s jf bd nr tlf afs stk mio mia evt inkl ekskl jan "
+     " adr hr fr kl ca bl.a f.eks dvs mht pga s jf nr tlf afs mio mia evt inkl ekskl jan "
      "feb apr "
      "aug sept okt nov dec "},
     {"nb", " og det er en på av ikke han jeg til var den med der som hun ",
@@ -91,15 +94,14 @@ constexpr std::string_view kNeedsFollowing =
     " dr drs mr Egr Adr adr им Mevr mevr dhr Hr hr Hrn Dra Dott dott dott.ssa Avv avv Geom geom "
     "Ing Mgr Bc Doc MUDr "
     "MVDr JUDr PhDr RNDr mgr inż ks św ul np Sig Sig.ra sig.ra Sig.na Srta Sra Excmo EE É.-U "
-    "bd "
     "bzw ca evtl vgl z.B d.h u.a bijv blz afb kl.op ул просп проф акад доц инж г-н г-жа "
     "डॉ श्री श्रीमती पं प्रो कु स्व सुश्री ص اے بی سی ڈی ایم ایس آر جے د أ م هـ ق "
     "Mr Mrs Ms Dr Prof St Gen Col Capt Lt Fr Br Dir Drs Mx e.g i.e eg ie cf "
-    "vs v c.f Fig Figs fig "
+    "vs v c.f Fig Figs fig napr Mt "
     "figs Nr nr Nos N° n° Univ al.et Herr Hr Sr.ta Mlle Mme Msgr Adm Cdr Insp "
     "Pfc Ph ";
 constexpr std::string_view kNeedsNumber =
-    " p pp P Pp No no Nos nos Nr nr Art art Fig fig Vol vol Ch ch Sec sec Sect "
+    " stk Stk bd Bd kr p pp P Pp No no Nos nos Nr nr Art art Fig fig Vol vol Ch ch Sec sec Sect "
     "Tab tab pg pgs pág "
     "págs pag pagg str стр с п рис гл ст σελ n N N° n° núm num chap cap col Ed "
     "ed ver Ver ext Ext "
@@ -107,7 +109,8 @@ constexpr std::string_view kNeedsNumber =
     "Abb "
     "afb εικ αρ κεφ μέρος पृ ";
 constexpr std::string_view kMayEnd =
-    " App Co co Inc Ltd Corp Jr Sr Bros Esq etc Etc a.m p.m A.M P.M U.S U.K E.U enz osv o.s.v "
+    " Calif Mass Conn Penn Tenn Ariz Ill Wis Minn Okla Wash Fla App Co co Inc Ltd Corp Jr Sr Bros "
+    "Esq etc Etc a.m p.m A.M P.M U.S U.K E.U enz osv o.s.v "
     "U.N U.S.A D.C B.C A.D "
     "Ph.D M.D B.A M.A st St ave Ave Rd rd Blvd dept usw ecc etc.a enz itd itp "
     "apod atd tzn.p т.д "
@@ -160,7 +163,8 @@ constexpr std::string_view kBeginners =
     "Lo Gli Uno Lui Lei Loro Noi Io Ma Questo Questa Come Quando Perché È Non "
     "Он Она Оно Они Мы Вы Я Ты И А Но Это Этот Эта В На С По Как Что Когда Где "
     "Почему Так Если "
-    "Там Тут Все Уже Было Был Была ";
+    "Там Тут Все Уже Было Был Была "
+    "Det De Jeg Han Hun Vi Og Men Hvad Hvor Hvordan Når Hon Jag Vad Hur När Och ";
 constexpr std::string_view kTitles = " Mr Mrs Ms Dr Prof Herr Frau Mme Sr Sra ";
 constexpr std::string_view kDottedOrdinals =
     " de cs pl fi da nb no sk sl hr sr hu et lv lt tr is eu ";
@@ -182,8 +186,15 @@ bool HoldsInAnyCase(std::string_view words, std::string_view word) {
 }
 
 bool IsDottedInitials(std::string_view word) {
-    return word.size() >= 3 && word.find('.') != std::string_view::npos &&
-           g_ascii_isalpha(word[0]) && word[1] == '.';
+    if (word.find('.') == std::string_view::npos)
+        return false;
+    const gunichar first = g_utf8_get_char_validated(word.data(), static_cast<gssize>(word.size()));
+    if (first >= 0x110000 || g_unichar_isalpha(first) == 0)
+        return false;
+    const auto size = static_cast<std::size_t>(g_utf8_next_char(word.data()) - word.data());
+    // Of other alphabets capital letters alone: "Л.Н", but "т.е".
+    return word.size() > size + 1 && word[size] == '.' &&
+           (g_ascii_isalpha(word[0]) || g_unichar_isupper(first) != 0);
 }
 
 std::string_view LanguageOfScript(std::string_view text) {
@@ -226,7 +237,7 @@ std::string_view LanguageOfScript(std::string_view text) {
 
 }  // namespace
 
-std::string_view GuessLanguage(std::string_view text) {
+std::string_view GuessLanguage(std::string_view text, std::string_view otherwise) {
     text = text.substr(0, kEnoughToGuess);
     if (const std::string_view language = LanguageOfScript(text); !language.empty())
         return language;
@@ -237,7 +248,9 @@ std::string_view GuessLanguage(std::string_view text) {
             hits[i] += Holds(kLanguages[i].small, text.substr(0, end)) ? 1 : 0;
         text.remove_prefix(std::min(end + 1, text.size()));
     }
-    return kLanguages[std::max_element(hits.begin(), hits.end()) - hits.begin()].language;
+    const auto* const most = std::ranges::max_element(hits);
+    return *most == 0 ? otherwise
+                      : kLanguages[static_cast<std::size_t>(most - hits.begin())].language;
 }
 
 bool NeedsWhatFollows(std::string_view word, std::string_view language) {
@@ -264,15 +277,35 @@ std::optional<bool> EndsBehind(std::string_view word, std::string_view previous)
     const auto* const found = std::ranges::find_if(kEndsBehind, isThis);
     if (found == std::end(kEndsBehind) || previous.empty())
         return std::nullopt;
+    const bool isBehindNumber = g_ascii_isdigit(previous.back()) != 0;
+    if (word == "kr" && !isBehindNumber)  // "anges i kr."
+        return std::nullopt;
     if (found->second == "#")
-        return g_ascii_isdigit(previous.back()) != 0;
+        return isBehindNumber;
     if (found->second == "I")
         return previous.find_first_not_of("IVXLCDM") == std::string_view::npos;
     return found->second == previous;
 }
 
-bool MayBeOfName(std::string_view word) {
-    return Holds(" Le La Les Du Da Der Die Das Den Dem El Los Las Lo Will Dort ", word);
+bool MayBeOfName(std::string_view word, std::string_view language) {
+    constexpr std::pair<std::string_view, std::string_view> kOfNames[] = {
+        {"de", " Der Die Das Den Dem Du Da Dort "},
+        {"fr", " Le La Les Du "},
+        {"en", " Will "},
+        {"es", " El La Los Las Lo "},
+        {"it", " Le La Lo "},
+        {"pt", " Da Das "},
+        {"da", " De "}};
+    if (language == "en" && word == "Will")  // "George F. Will"
+        return true;
+    bool isOther = false;
+    for (const auto& [own, words] : kOfNames)
+        if (Holds(words, word)) {
+            if (own == language)
+                return false;
+            isOther = true;
+        }
+    return isOther;
 }
 
 bool GoesOnWithParticle(std::string_view behind) {

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string_view>
 
-// "de" for a text that is most likely German; "en" when nothing else is
-// likelier. By script, then by the small words among its first.
-std::string_view GuessLanguage(std::string_view text);
+// "de" for a text that is most likely German. By script, then by the small words among its first;
+// where none of them is known, otherwise.
+std::string_view GuessLanguage(std::string_view text, std::string_view otherwise);
 
 // All take a word without its last stop, as it is written.
 //
@@ -32,6 +32,6 @@ bool HasDottedOrdinals(std::string_view language);
 // A word with which sentences begin, and names and titles do not: "How",
 // "They".
 bool BeginsSentences(std::string_view word);
-// "J. Le Goff", "George F. Will"; some of these begin sentences in other languages.
-bool MayBeOfName(std::string_view word);
+// "J. Le Goff", "George F. Will"; in the languages whose words they are they begin sentences.
+bool MayBeOfName(std::string_view word, std::string_view language);
 bool IsTitle(std::string_view word);  // "Mr", with which a sentence may begin

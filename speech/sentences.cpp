@@ -20,9 +20,9 @@ constexpr std::string_view kWhiteBytes = " \t\r\n\f\v";
 constexpr std::size_t kEnoughToTell = 2000;
 
 // What shows surely, else what its small words look like.
-std::string LanguageSeenIn(std::string_view text) {
+std::string LanguageSeenIn(std::string_view text, std::string_view likely) {
     const std::string tag = LanguageOf(WholeCharacters(text, kEnoughToTell)).tag;
-    return tag.empty() ? std::string(GuessLanguage(text)) : tag;
+    return tag.empty() ? std::string(GuessLanguage(text, LanguageOnly(likely))) : tag;
 }
 
 // The end of the paragraph at the beginning of the text: behind it stands an
@@ -105,10 +105,10 @@ private:
     const Abbreviations abbreviations_;
 };
 
-Sentences::Sentences(std::string_view text, std::string_view language)
+Sentences::Sentences(std::string_view text, std::string_view language, std::string_view likely)
     : text_(text),
       breaker_(std::make_unique<Breaker>(
-          language.empty() ? LanguageSeenIn(text)
+          language.empty() ? LanguageSeenIn(text, likely)
                            : std::string(language.substr(0, language.find_first_of("-_"))))) {}
 
 Sentences::~Sentences() = default;

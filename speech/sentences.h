@@ -23,8 +23,10 @@ struct Sentence {
 // space is in one of them. One thread.
 class Sentences {
 public:
-    // UTF-8, whose bytes outlive this. language is a tag; empty: it is guessed.
-    explicit Sentences(std::string_view text, std::string_view language = {});
+    // UTF-8, whose bytes outlive this. language is a tag; empty: it is guessed, and where the text
+    // does not show any, it is the likely one.
+    explicit Sentences(std::string_view text, std::string_view language = {},
+                       std::string_view likely = "en");
     ~Sentences();
     Sentences(Sentences&&) noexcept;
     Sentences& operator=(Sentences&&) noexcept;

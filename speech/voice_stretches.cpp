@@ -32,7 +32,7 @@ VoiceStretches::VoiceStretches(std::string_view text, int voice, bool byLanguage
       // Of a voice whose language nobody knows nobody knows either whether it is the wrong one.
       byLanguage_(byLanguage && !voiceLanguage_.empty()),
       marks_(std::move(marks)),
-      sentences_(text),
+      sentences_(text, {}, voiceLanguage_.empty() ? "en" : voiceLanguage_),
       language_(voiceLanguage_) {}
 
 bool VoiceStretches::Next(VoiceStretch& stretch) {
