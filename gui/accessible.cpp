@@ -6,6 +6,7 @@ namespace {
 
 constexpr guint kFirstTelling = 250;  // milliseconds; each later one after twice the time
 constexpr guint kLastTelling = 8000;
+constexpr guint kNewsStays = 10'000;
 
 void TellFocus(GtkWindow* window) {
     // What is told twice is said once. A menu that is open has its own idea of the focus.
@@ -79,8 +80,10 @@ void TellScreenReader(GtkWidget* widget, const char* text) {
     atk_object_set_role(accessible, ATK_ROLE_NOTIFICATION);
     atk_object_set_parent(accessible, gtk_widget_get_accessible(widget));
     atk_object_notify_state_change(accessible, ATK_STATE_SHOWING, TRUE);
-    // The screen reader, if there is one, asks for the text later.
-    g_object_set_data_full(G_OBJECT(widget), "news", news.Release(), g_object_unref);
+    // The screen reader, if there is one, asks for the text later, when there may be other news.
+    gdk_threads_add_timeout_full(
+        G_PRIORITY_LOW, kNewsStays, [](gpointer) -> gboolean { return FALSE; }, news.Release(),
+        g_object_unref);
 }
 
 void KeepValueQuiet(GtkWidget* widget) {

@@ -1,6 +1,7 @@
 // Progress dialog and one-shot timers.
 #include <gmock/gmock.h>
 
+#include "gui/accessible.h"
 #include "gui/windows/progress_dialog.h"
 #include "gui/windows/timer_handler.h"
 #include "tests/gui/gui_fixtures.h"
@@ -177,6 +178,33 @@ TEST(Timers, FireOnceUnlessSetAgainResetOrTakenOver) {
     EXPECT_TRUE(PumpUntil([&] { return second.fired.size() == 2; }));
     EXPECT_THAT(timers.fired, testing::ElementsAre(1, 1, 1));
     EXPECT_THAT(second.fired, testing::ElementsAre(3, 5));
+}
+
+// A screen reader asks for the words when it has the time, and there may be others by then.
+TEST(ScreenReaderNews, StaysWhenThereIsMore) {
+    const auto window = GObjectRef<GtkWidget>::Share(gtk_window_new(GTK_WINDOW_TOPLEVEL));
+    gpointer news[2] = {};  // null once it is gone
+    gpointer* next = news;
+    const auto hear = [](GSignalInvocationHint*, guint, const GValue* values, gpointer at) {
+        gpointer*& place = *static_cast<gpointer**>(at);
+        *place = g_value_get_object(values);
+        g_object_add_weak_pointer(G_OBJECT(*place), place);
+        ++place;
+        return gboolean{TRUE};
+    };
+    gtk_widget_get_accessible(window.Get());  // registers the signal
+    const guint signal = g_signal_lookup("state-change", ATK_TYPE_OBJECT);
+    const gulong hook = g_signal_add_emission_hook(signal, g_quark_from_static_string("showing"),
+                                                   hear, &next, nullptr);
+    TellScreenReader(window.Get(), "Saved as one.mp3");
+    TellScreenReader(window.Get(), "Saved as two.mp3");
+    g_signal_remove_emission_hook(signal, hook);
+    ASSERT_EQ(next, std::end(news));
+    for (gpointer& one : news) {
+        ASSERT_NE(one, nullptr);
+        g_object_remove_weak_pointer(G_OBJECT(one), &one);
+    }
+    gtk_widget_destroy(window.Get());
 }
 
 }  // namespace
