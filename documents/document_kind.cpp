@@ -151,6 +151,17 @@ bool IsHtml(std::string_view beginning, const std::string& ending) {
     return end != std::string_view::npos && IsOneOf(beginning.substr(1, end - 1), kElements);
 }
 
+// Something else may stand before it, but not before it in its line, where a text names it.
+bool IsPdf(std::string_view bytes) {
+    constexpr std::string_view kMark = "%PDF-";
+    const std::string_view within = bytes.substr(0, kPdfMarkWithin);
+    for (std::size_t at = within.find(kMark); at != std::string_view::npos;
+         at = within.find(kMark, at + 1))
+        if (at == 0 || !g_ascii_isprint(within[at - 1]))
+            return true;
+    return false;
+}
+
 DocumentKind KindByName(const std::string& beginning, const std::string& ending) {
     const bool isNamedHtml = ending == "html" || ending == "htm" || ending == "xhtml";
     if (isNamedHtml && beginning.find('<') != std::string::npos)
@@ -163,7 +174,7 @@ DocumentKind KindByName(const std::string& beginning, const std::string& ending)
 }  // namespace
 
 DocumentKind KindOf(std::string_view bytes, std::string_view name) {
-    if (bytes.substr(0, kPdfMarkWithin).find("%PDF-") != std::string_view::npos)
+    if (IsPdf(bytes))
         return DocumentKind::kPdf;
     if (const Signature* const known = Signed(bytes); known != nullptr)
         return known->kind;

@@ -69,7 +69,16 @@ std::vector<std::string> WordsOf(std::string_view line) {
     return words;
 }
 
-// The number in a word: "12", "-12-", "12/", "xiv" alone.
+// "1/3": of how many.
+void DropTotal(std::string& word) {
+    const std::size_t slash = word.find('/');
+    if (slash != std::string::npos && slash > 0 && slash + 1 < word.size() &&
+        word.find_first_not_of("0123456789") == slash &&
+        word.find_first_not_of("0123456789", slash + 1) == std::string::npos)
+        word.resize(slash);
+}
+
+// The number in a word: "12", "-12-", "12/", "12/20", "xiv" alone.
 std::optional<int> NumberOf(std::string word, bool isAlone) {
     constexpr std::string_view kDecoration = "-()[]/|.,:";
     for (const std::string_view dash : {"\u2013", "\u2014", "\u2022", "\u00b7"})
@@ -77,6 +86,7 @@ std::optional<int> NumberOf(std::string word, bool isAlone) {
             word.erase(at, dash.size());
     word.erase(0, std::min(word.find_first_not_of(kDecoration), word.size()));
     word.resize(word.find_last_not_of(kDecoration) + 1);
+    DropTotal(word);
     if (word.empty() || word.size() > 10)
         return std::nullopt;
     if (word.find_first_not_of("0123456789") == std::string::npos)

@@ -166,9 +166,10 @@ private:
         return from == 0 ? page.size() : from;
     }
     static bool BeginsNote(const std::string& text) {
-        return g_ascii_isdigit(text[0]) || text[0] == '*' || text.starts_with("†") ||
-               g_unichar_isdigit(g_utf8_get_char(text.c_str())) ||
-               g_unichar_type(g_utf8_get_char(text.c_str())) == G_UNICODE_OTHER_NUMBER;
+        constexpr std::u32string_view kMarks = U"*†‡§¶∗";
+        const gunichar first = g_utf8_get_char(text.c_str());
+        return g_unichar_isdigit(first) || g_unichar_type(first) == G_UNICODE_OTHER_NUMBER ||
+               kMarks.find(static_cast<char32_t>(first)) != std::u32string_view::npos;
     }
 
     void AddNotes() {

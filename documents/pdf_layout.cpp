@@ -82,6 +82,7 @@ void PdfLayout::ReadLine(std::string_view line) {
     } else if (line.starts_with("<page ")) {
         pages_.emplace_back();
     } else if (line.starts_with("</page>") && !pages_.empty()) {
+        JoinInitials(pages_.back());
         OrderColumns(pages_.back());
         JoinRows(pages_.back());
         JoinTables(pages_.back());

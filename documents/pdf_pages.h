@@ -73,6 +73,9 @@ private:
 // Pages of plain text: lines, a form feed behind each page, an empty line between blocks.
 std::vector<PdfPage> PdfPagesOfText(std::string_view text);
 
+// A paragraph's large first letter, beside its first lines, is put to its word.
+void JoinInitials(PdfPage& page);
+
 // Two columns are read one after the other, with what stands across them before or behind.
 void OrderColumns(PdfPage& page);
 

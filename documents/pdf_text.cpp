@@ -19,7 +19,8 @@ constexpr std::size_t kMostLayout = 4 * kLargestDocumentText;  // lines with the
 
 Document WithoutText(std::string_view bytes, std::size_t pages, const ReadingWatch& watch,
                      const DocumentRules& rules) {
-    if (bytes.find("/Encrypt") != std::string_view::npos)
+    // One that only may not be printed or copied has its pages.
+    if (pages == 0 && bytes.find("/Encrypt") != std::string_view::npos)
         return DocumentProblem("The PDF document is protected by a password.");
     if (bytes.find("%%EOF") == std::string_view::npos)
         return DocumentProblem("The PDF document is damaged or not complete.");

@@ -37,6 +37,9 @@ TEST(Pdf, OnlyWhatIsRepeatedOrRisesWithThePagesIsLeftOut) {
         {"numbers of three pages", "A.\n\n- 7 -\n\fB.\n\n- 8 -\n\fC.\n\n- 9 -\n",
          "A.\n\nB.\n\nC.\n"},
         {"roman ones", "A.\n\niii\n\fB.\n\niv\n\fC.\n\nv\n", "A.\n\nB.\n\nC.\n"},
+        {"numbers of how many",
+         "A.\n\nx 1/3\n\fB.\n\nx 2/3\n\fC.\n\n3/3\n\fD.\n\n4/3\n\fE.\n\n5/3\n",
+         "A.\n\nx 1/3\n\nB.\n\nx 2/3\n\nC.\n\nD.\n\nE.\n"},
         {"of two pages: nobody knows", "A.\n\n1\n\fB.\n\n2\n", "A.\n\n1\n\nB.\n\n2\n"},
         {"numbered titles",
          "My Long Book 1\n\nA goes\n\fMy Long Book 2\n\non. B\n\fMy Long Book 3\n\nC.\n",
@@ -171,6 +174,11 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
                             {WordAt(50, 140, 10, "2 Two........ 14"),
                              WordAt(50, 160, 10, "3 Three...... 15")}}),
               "1 One 3\n1.1 More . . . . 12\n\n2 Two........ 14\n3 Three...... 15\n");
+    // A paragraph's large first letter.
+    EXPECT_EQ(TextOfBlocks({{WordAt(68, 100, 10, "nce upon"), WordAt(68, 112, 10, "a time"),
+                             WordAt(50, 124, 10, "he went.")},
+                            {WordAt(50, 99, 24, "O")}}),
+              "Once upon\na time\nhe went.\n");
     // Numbers of a table, and those below all lines.
     EXPECT_EQ(TextOfBlocks({{WordAt(50, 100, 10, "Apples"), WordAt(50, 120, 10, "Pears")},
                             {WordAt(480, 100, 10, "3"), WordAt(480, 120, 10, "12")},
