@@ -4,12 +4,19 @@
 #include <utility>
 
 #include "documents/list_numbers.h"
+#include "documents/reference_mark.h"
 #include "documents/small_texts.h"
 #include "documents/zip_index.h"
 
 namespace {
 
 constexpr std::size_t kMostSides = 20;
+
+// "super 58%", "33% 58%".
+bool IsRaised(const MarkupAttributes& attributes) {
+    const std::string_view position = attributes.Value("text-position");
+    return position.starts_with("super") || NumberIn(position) > 0;
+}
 
 bool IsCell(std::string_view name) {
     return name == "table-cell" || name == "covered-table-cell";
@@ -64,6 +71,8 @@ bool OdtListener::EvElement(std::string_view name, const MarkupAttributes& attri
         ++bodies_;
     else if (name == "p" || name == "h")
         BeginParagraph(name, attributes);
+    else if (name == "span")
+        areRaised_.push_back(raisedStyles_.contains(attributes.Value("style-name")));
     else if (name == "s" || name == "tab")
         Flow().AddBlank();
     else if (name == "line-break")
@@ -94,6 +103,10 @@ void OdtListener::BeginStyle(std::string_view name, const MarkupAttributes& attr
                                  std::string(attributes.Value("num-prefix")),
                                  std::string(attributes.Value("num-suffix")),
                                  NumberIn(attributes.Value("start-value"), 1)};
+    } else if (name == "style") {
+        style_ = attributes.Value("name");
+    } else if (name == "text-properties" && bodies_ == 0 && IsRaised(attributes)) {
+        raisedStyles_.insert(style_);
     } else if (name == "default-style") {
         isDefaultStyle_ = attributes.Value("family") == "paragraph";
     } else if (name == "text-properties" && isDefaultStyle_ && attributes.Has("language") &&
@@ -106,13 +119,43 @@ void OdtListener::BeginStyle(std::string_view name, const MarkupAttributes& attr
 }
 
 void OdtListener::BeginList(const MarkupAttributes& attributes) {
-    List list{std::string(attributes.Value("style-name")), 0};
-    if (list.style.empty() && !lists_.empty())
-        list.style = lists_.back().style;
+    List list{std::string(attributes.Value("style-name")), std::string(attributes.Value("id")), 0};
+    if (lists_.empty()) {
+        continued_ = {};
+        std::string_view from = attributes.Value("continue-list");
+        if (from.empty() && attributes.Value("continue-numbering") == "true")
+            from = list.style;
+        if (const auto last = endedLists_.find(from); last != endedLists_.end())
+            continued_ = last->second;
+        reached_ = continued_;
+    } else {
+        if (list.style.empty())
+            list.style = lists_.back().style;
+        // An item that begins with a list has no number of its own.
+        if (!std::exchange(itemMark_, {}).empty())
+            --lists_.back().next;
+    }
+    const std::size_t level = lists_.size();
     const auto style = listStyles_.find(list.style);
-    if (style != listStyles_.end() && lists_.size() < kMostListLevels)
-        list.next = style->second[lists_.size()].start;
+    if (style != listStyles_.end() && level < kMostListLevels) {
+        list.next = style->second[level].start;
+        if (const int next = std::exchange(continued_[level], 0); next > 0)
+            list.next = next;
+    }
     lists_.push_back(std::move(list));
+}
+
+// Remembers how far it counted, for one that goes on.
+void OdtListener::EndList() {
+    const List list = std::move(lists_.back());
+    lists_.pop_back();
+    if (lists_.size() < kMostListLevels)
+        reached_[lists_.size()] = list.next;
+    if (!lists_.empty())
+        return;
+    endedLists_[list.style] = reached_;
+    if (!list.id.empty())
+        endedLists_[list.id] = reached_;
 }
 
 void OdtListener::BeginItem(const MarkupAttributes& attributes) {
@@ -201,10 +244,12 @@ void OdtListener::EvElementEnd(std::string_view name) {
             Flow().Add(formula_.Take());
     } else if (name == "body") {
         --bodies_;
+    } else if (name == "span" && !areRaised_.empty()) {
+        areRaised_.pop_back();
     } else if (name == "p" || name == "h") {
         EndParagraph();
     } else if (name == "list" && !lists_.empty()) {
-        lists_.pop_back();
+        EndList();
     } else if (name == "list-item") {
         itemMark_.clear();
     } else if (name == "frame") {
@@ -232,6 +277,10 @@ void OdtListener::EvText(std::string_view text) {
         formula_.AddText(text);
     else if (descriptions_ > 0)
         description_ += text.substr(0, kLongestFact);
-    else if (bodies_ > 0 && paragraphs_ > 0)
+    else if (bodies_ == 0 || paragraphs_ == 0)
+        return;
+    else if (areRaised_.empty() || !areRaised_.back())
         Flow().Add(text);
+    else if (rules_.referenceMarks || !IsReferenceMark(text, Flow().Text(), false))
+        Flow().AddRaised(text);
 }

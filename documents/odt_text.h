@@ -6,14 +6,17 @@
 // are not read.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "documents/formula_text.h"
 #include "documents/markup_listener.h"
+#include "documents/small_texts.h"
 #include "documents/text_flow.h"
 
 class OdtListener : public MarkupListener {
@@ -38,8 +41,10 @@ private:
         std::string suffix;
         int start = 1;
     };
+    using Counts = std::array<int, kMostListLevels>;  // the next number of each level
     struct List {
         std::string style;
+        std::string id;
         int next;
     };
     struct Side {  // what is told behind its paragraph
@@ -53,6 +58,7 @@ private:
     bool BeginFact(std::string_view name);
     void BeginStyle(std::string_view name, const MarkupAttributes& attributes);
     void BeginList(const MarkupAttributes& attributes);
+    void EndList();
     void BeginItem(const MarkupAttributes& attributes);
     void BeginParagraph(std::string_view name, const MarkupAttributes& attributes);
     bool BeginSide(std::string_view name);
@@ -67,6 +73,9 @@ private:
     std::map<std::string, std::vector<Level>, std::less<>> listStyles_;
     std::vector<Level>* levels_ = nullptr;  // of the style that is being read
     std::vector<List> lists_;
+    Counts reached_ = {};                                    // by the outermost of these
+    Counts continued_ = {};                                  // from which it goes on; 0: it begins
+    std::map<std::string, Counts, std::less<>> endedLists_;  // by identifier and by style
     std::vector<Side> sides_;
     std::vector<std::string> behind_;
     std::string itemMark_;  // of an item that has begun
@@ -74,6 +83,9 @@ private:
     int bodies_ = 0;
     int paragraphs_ = 0;
     int cells_ = 0;
+    std::string style_;                                // that is being read
+    std::set<std::string, std::less<>> raisedStyles_;  // of letters
+    std::vector<bool> areRaised_;                      // the spans that are open
     int descriptions_ = 0;
     bool isSlideTitle_ = false;
     bool isDefaultStyle_ = false;

@@ -1,7 +1,11 @@
 #include "documents/pptx_text.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
+
+#include "documents/list_numbers.h"
+#include "documents/reference_mark.h"
 
 namespace {
 
@@ -34,9 +38,36 @@ std::vector<std::string> PptxSlides(const ZipIndex& index) {
     std::vector<std::string> names;
     for (const std::string& slide : parts.slides)
         if (const auto target = parts.targets.find(slide); target != parts.targets.end())
-            if (std::string name = index.Find("ppt/", target->second); !name.empty())
-                names.push_back(std::move(name));
+            names.push_back(index.Find("ppt/", target->second));
     return names;
+}
+
+// "arabicPeriod", "alphaLcParenR", "romanUcParenBoth".
+void SlideListener::BeginNumber(const MarkupAttributes& attributes) {
+    const std::string_view type = attributes.Value("type");
+    int& count = counts_[level_];
+    count = count == 0 ? NumberIn(attributes.Value("startAt"), 1) : count + 1;
+    const bool isSmall = type.find("Lc") != std::string_view::npos;
+    const char* const format = type.starts_with("alpha")   ? isSmall ? "a" : "A"
+                               : type.starts_with("roman") ? isSmall ? "i" : "I"
+                                                           : "1";
+    number_ = ListNumber(count, format);
+    if (type.ends_with("Period"))
+        number_ += ".";
+    else if (type.ends_with("ParenBoth"))
+        number_ = "(" + number_ + ")";
+    else if (type.ends_with("ParenR"))
+        number_ += ")";
+}
+
+// Of a paragraph: what has no number ends the list on its level, and every one those below.
+void SlideListener::BeginWords() {
+    if (std::exchange(hasBegun_, true))
+        return;
+    std::fill(counts_.begin() + static_cast<std::ptrdiff_t>(level_ + (number_.empty() ? 0 : 1)),
+              counts_.end(), 0);
+    if (!number_.empty() && cells_ == 0)
+        flow_.AddListMark(std::exchange(number_, {}));
 }
 
 bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& attributes) {
@@ -44,6 +75,14 @@ bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& att
         return false;
     if (name == "sp") {
         isTitle_ = false;
+        counts_ = {};
+    } else if (name == "pPr") {
+        level_ = std::min(static_cast<std::size_t>(NumberIn(attributes.Value("lvl"))),
+                          kMostListLevels - 1);
+    } else if (name == "buAutoNum" && !hasBegun_) {
+        BeginNumber(attributes);
+    } else if (name == "rPr") {
+        isRaised_ = NumberIn(attributes.Value("baseline")) > 0;
     } else if (name == "ph") {
         const std::string_view type = attributes.Value("type");
         isTitle_ = type == "title" || type == "ctrTitle";
@@ -51,6 +90,9 @@ bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& att
         if (type == "sldNum" || type == "dt" || type == "ftr")
             isFurniture_ = true;
     } else if (name == "p") {
+        level_ = 0;
+        hasBegun_ = isRaised_ = false;
+        number_.clear();
         if (isTitle_ && cells_ == 0)
             flow_.BeginHeading(1);
     } else if (name == "t") {
@@ -72,6 +114,8 @@ bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& att
 void SlideListener::EvElementEnd(std::string_view name) {
     if (name == "t" && texts_ > 0) {
         --texts_;
+    } else if (name == "r") {
+        isRaised_ = false;
     } else if (name == "p") {
         if (cells_ > 0)
             flow_.EndCell();
@@ -87,6 +131,11 @@ void SlideListener::EvElementEnd(std::string_view name) {
 }
 
 void SlideListener::EvText(std::string_view text) {
-    if (texts_ > 0 && !isFurniture_)
+    if (texts_ == 0 || isFurniture_)
+        return;
+    BeginWords();
+    if (!isRaised_)
         flow_.Add(text);
+    else if (keepsMarks_ || !IsReferenceMark(text, flow_.Text(), false))
+        flow_.AddRaised(text);
 }

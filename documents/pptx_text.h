@@ -2,22 +2,25 @@
 // stands on the slide in the file's order.
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "documents/markup_listener.h"
 #include "documents/office_drawings.h"
+#include "documents/small_texts.h"
 #include "documents/text_flow.h"
 #include "documents/zip_index.h"
 
-// The slides' names in the archive, in the order that they are shown.
+// The slides' names in the archive, in the order that they are shown; empty for a missing one.
 std::vector<std::string> PptxSlides(const ZipIndex& index);
 
 class SlideListener : public MarkupListener {
 public:
     // Both must outlive this.
-    SlideListener(TextFlow& flow, OfficeDrawings& drawings) : flow_(flow), drawings_(drawings) {}
+    SlideListener(TextFlow& flow, OfficeDrawings& drawings, const DocumentRules& rules)
+        : flow_(flow), keepsMarks_(rules.referenceMarks), drawings_(drawings) {}
 
     bool EvElement(std::string_view name, const MarkupAttributes& attributes) override;
     void EvElementEnd(std::string_view name) override;
@@ -25,7 +28,16 @@ public:
 
 private:
     TextFlow& flow_;
+    bool keepsMarks_;
+    void BeginNumber(const MarkupAttributes& attributes);
+    void BeginWords();
+
     OfficeDrawings& drawings_;
+    std::array<int, kMostListLevels> counts_ = {};  // of the shape's lists
+    std::size_t level_ = 0;                         // of the paragraph
+    std::string number_;                            // that it has
+    bool hasBegun_ = false;
+    bool isRaised_ = false;
     int texts_ = 0;
     int cells_ = 0;
     bool isTitle_ = false;

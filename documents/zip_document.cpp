@@ -61,17 +61,31 @@ Document ReadDocx(std::string_view bytes, const ZipIndex& index, const std::stri
                     index.Content("docProps/core.xml"));
 }
 
-Document ReadPptx(std::string_view bytes, const ZipIndex& index, const ReadingWatch& watch) {
-    TextFlow flow;
-    for (const std::string& slide : PptxSlides(index)) {
+Document ReadPptx(std::string_view bytes, const ZipIndex& index, const ReadingWatch& watch,
+                  const DocumentRules& rules) {
+    TextFlow flow(rules.referenceMarks);
+    std::string damaged;  // numbers of slides
+    std::string problem;
+    const std::vector<std::string> slides = PptxSlides(index);
+    for (std::size_t at = 0; at < slides.size(); ++at) {
         flow.BeginPage();
-        OfficeDrawings drawings(index, slide);
-        SlideListener listener(flow, drawings);
-        if (std::string problem = ReadXmlEntry(bytes, slide, listener, flow, watch);
-            !problem.empty())
+        OfficeDrawings drawings(index, slides[at]);
+        SlideListener listener(flow, drawings, rules);
+        problem = slides[at].empty() ? std::string(kDamagedDocument)
+                                     : ReadXmlEntry(bytes, slides[at], listener, flow, watch);
+        if (problem.empty())
+            continue;
+        if (problem != kDamagedDocument)
             return DocumentProblem(std::move(problem));
+        flow.EndParagraph();
+        damaged += (damaged.empty() ? "" : ", ") + std::to_string(at + 1);
     }
-    return Finished({}, flow, index.Content("docProps/core.xml"));
+    if (flow.Size() == 0 && !damaged.empty())
+        return DocumentProblem(kDamagedDocument);
+    Document document = Finished({}, flow, index.Content("docProps/core.xml"));
+    if (!damaged.empty())
+        document.remark = "Slides that are missing or damaged: " + damaged + ".";
+    return document;
 }
 
 Document ReadOdt(std::string_view bytes, const ZipIndex& index, const ReadingWatch& watch,
@@ -125,7 +139,7 @@ Document ReadZipDocument(std::string_view bytes, const ReadingWatch& watch,
     if (const std::string name = DocxMainPart(index); !name.empty())
         return ReadDocx(bytes, index, name, watch, rules);
     if (index.Has("ppt/presentation.xml"))
-        return ReadPptx(bytes, index, watch);
+        return ReadPptx(bytes, index, watch, rules);
     if (index.Has("content.xml"))
         return ReadOdt(bytes, index, watch, rules);
     return DocumentProblem(index.isBroken ? kDamagedDocument

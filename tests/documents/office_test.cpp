@@ -132,6 +132,18 @@ TEST(Office, NoWordOfAnOdtIsLost) {
          "<text:list><text:list-item><text:p>b</text:p></text:list-item></text:list>"
          "</text:list-item><text:list-item><text:p>c</text:p></text:list-item></text:list>",
          "1. a\n\non\n\nb) b\n\n2. c"},
+        {"a list that goes on behind another one",
+         "<text:list-style style:name='L'><text:list-level-style-number text:level='1' "
+         "style:num-format='1'/><text:list-level-style-number text:level='2' "
+         "style:num-format='a'/></text:list-style><text:list xml:id='i' text:style-name='L'><text:"
+         "list-item><text:p>x</text:p><text:list><text:list-item><text:p>y</text:p></"
+         "text:list-item>"
+         "</text:list></text:list-item></text:list><text:list text:style-name='L'><text:list-item>"
+         "<text:p>own</text:p></text:list-item></text:list><text:list text:style-name='L' text:"
+         "continue-list='i'><text:list-item><text:list><text:list-item><text:p>z</text:p></text:"
+         "list-item></text:list></text:list-item><text:list-item><text:p>"
+         "w</text:p></text:list-item></text:list>",
+         "1 x\n\na y\n\n1 own\n\nb z\n\n2 w"},
         {"formula", "<text:p>So <math><msup><mi>c</mi><mn>2</mn></msup></math></text:p>", "So c²"},
     };
     for (const auto& item : cases)
@@ -139,15 +151,17 @@ TEST(Office, NoWordOfAnOdtIsLost) {
 
     const std::string head = "<office:document xmlns:text='t'><office:body>";
     const Document odt = ReadDocument(ZipOf(
-        {{"content.xml", head + "<text:h text:outline-level='3'>Head</text:h><text:p>x "
+        {{"content.xml", head + "<text:h text:outline-level='3'>Head</text:h><text:p>m"
+                                "<text:span text:style-name='T'>2</text:span> "
                                 "<draw:object xlink:href='./Object 1'/></text:p></office:body>"
                                 "</office:document>"},
          {"Object 1/content.xml", "<math><mi>a</mi><mo>=</mo><mi>b</mi></math>"},
          {"styles.xml",
           "<s><style:default-style style:family='paragraph'><style:text-properties "
-          "fo:language='cs' fo:country='CZ'/></style:default-style></s>"},
+          "fo:language='cs' fo:country='CZ'/></style:default-style><style:style style:name='T'>"
+          "<style:text-properties style:text-position='super 58%'/></style:style></s>"},
          {"meta.xml", "<m><dc:title>T</dc:title></m>"}}));
-    EXPECT_EQ(odt.text, "Head\n\nx a = b");
+    EXPECT_EQ(odt.text, "Head\n\nm² a = b");
     EXPECT_EQ(odt.title, "T");
     EXPECT_EQ(odt.headings.at(0).level, 3);
     EXPECT_EQ(odt.languages.at(0).tag, "cs-CZ");
@@ -206,19 +220,23 @@ TEST(Office, SlidesAreReadInOrderWithTheirTitlesAsHeadings) {
                "type='title'/></p:nvPr><a:p><a:r>"
                "<a:t>" +
                title + "</a:t></a:r></a:p></p:sp><p:sp><a:p><a:t>" + text +
-               "</a:t></a:p><a:p><a:t>more</a:t></a:p></p:sp><p:sp><p:ph type='sldNum'/><a:p><a:t>9"
+               "</a:t></a:p><a:p><a:pPr><a:buAutoNum type='alphaLcParenR'/></a:pPr><a:r><a:t>more"
+               "</a:t></a:r><a:r><a:rPr "
+               "baseline='30000'/><a:t>7</a:t></a:r></a:p></p:sp><p:sp><p:ph "
+               "type='sldNum'/><a:p><a:t>9"
                "</a:t></a:p></p:sp></p:sld>";
     };
-    const Document pptx = ReadDocument(
-        ZipOf({{"ppt/slides/slide1.xml", slide("B", "two")},
-               {"ppt/slides/slide2.xml", slide("A", "one")},
-               {"ppt/presentation.xml",
-                "<p:p xmlns:p='p' xmlns:r='r'><p:sldId id='256' r:id='r2'/><p:sldId id='257' "
-                "r:id='r1'/></p:p>"},
-               {"ppt/_rels/presentation.xml.rels",
-                "<R><Relationship Id='r1' Target='slides/slide1.xml'/><Relationship Id='r2' "
-                "Target='/ppt/slides/slide2.xml'/></R>"}}));
-    EXPECT_EQ(pptx.text, "A\n\none\n\nmore\n\nB\n\ntwo\n\nmore");
+    const Document pptx = ReadDocument(ZipOf(
+        {{"ppt/slides/slide1.xml", slide("B", "two")},
+         {"ppt/slides/slide2.xml", slide("A", "one")},
+         {"ppt/presentation.xml",
+          "<p:p xmlns:p='p' xmlns:r='r'><p:sldId id='256' r:id='r2'/><p:sldId id='257' "
+          "r:id='r1'/><p:sldId id='258' r:id='r3'/></p:p>"},
+         {"ppt/_rels/presentation.xml.rels",
+          "<R><Relationship Id='r1' Target='slides/slide1.xml'/><Relationship Id='r2' "
+          "Target='/ppt/slides/slide2.xml'/><Relationship Id='r3' Target='gone.xml'/></R>"}}));
+    EXPECT_EQ(pptx.remark, "Slides that are missing or damaged: 3.");
+    EXPECT_EQ(pptx.text, "A\n\none\n\na) more\n\nB\n\ntwo\n\na) more");
     EXPECT_EQ(pptx.headings.size(), 2U);
     EXPECT_EQ(pptx.pages.size(), 2U);
 
