@@ -175,7 +175,7 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
                              WordAt(50, 160, 10, "3 Three...... 15")}}),
               "1 One 3\n1.1 More . . . . 12\n\n2 Two........ 14\n3 Three...... 15\n");
     // A paragraph's large first letter.
-    EXPECT_EQ(TextOfBlocks({{WordAt(68, 100, 10, "nce upon"), WordAt(68, 112, 10, "a time"),
+    EXPECT_EQ(TextOfBlocks({{WordAt(63, 100, 10, "nce upon"), WordAt(63, 112, 10, "a time"),
                              WordAt(50, 124, 10, "he went.")},
                             {WordAt(50, 99, 24, "O")}}),
               "Once upon\na time\nhe went.\n");
