@@ -10,17 +10,19 @@ struct SpeechEstimate {
     long long bytes = 0;  // of a WAV file as the engine writes it
 };
 
-// What a voice takes about as long for as for a letter of English: of an ideograph or a syllable,
-// three.
+// What a voice takes about as long for as for a letter of English: an ideograph counts as five, a
+// syllable of Japanese or Korean as two.
 std::size_t LettersIn(std::string_view text);
+// How many of the text's own characters are as long as so many of these.
+std::size_t OwnLetters(std::size_t letters, std::string_view text);
 
-// Voices differ by some 15 %.
+// Of these. Voices and languages differ by some 15 %.
 SpeechEstimate EstimateSpeech(std::size_t letters);
 
 // Letters whose speech one sound file can hold, with a margin for slow voices.
 std::size_t LargestTextForOneFile();
 
-// Why the speech of so many letters cannot be saved in one file in the folder, as a sentence for
+// Why the speech of the text cannot be saved in one file in the folder, as a sentence for
 // the user that names what would fit: too long for the sizes in a file, or too little room on the
 // disk. Empty when it can be.
-std::string SavingProblem(std::size_t letters, const std::string& folder);
+std::string SavingProblem(std::string_view text, const std::string& folder);

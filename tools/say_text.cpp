@@ -115,9 +115,8 @@ std::optional<double> PartLength(const SayOptions& options) {
 std::string SizeProblem(const SayOptions& options, const SayJob& job, const std::string& text) {
     if (job.sound == kStandardOutput || options.splitMinutes)
         return {};
-    const std::size_t letters = LettersIn(text);
-    std::string problem = SavingProblem(letters, FolderOf(job.sound));
-    if (letters > LargestTextForOneFile())
+    std::string problem = SavingProblem(text, FolderOf(job.sound));
+    if (LettersIn(text) > LargestTextForOneFile())
         problem += " --split writes it in parts.";
     return problem;
 }

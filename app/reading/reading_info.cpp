@@ -13,7 +13,7 @@ void ReadingInfo::SetText(ReadingText text) {
     languages_ = std::move(text.languages);
     chapters_ = std::move(text.chapters);
     begin_ = std::min(text.begin, text.text.size());
-    times_ = ReadingTimes(text.text.size(), begin_);
+    times_ = ReadingTimes(text.text.size(), begin_, UsualPace(text.text));
     isGrowing_ = text.isGrowing;
     text_ = std::make_shared<const std::string>(std::move(text.text));
 }

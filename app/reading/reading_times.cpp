@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <limits>
 
+#include "foundation/whole_characters.h"
+#include "speech/speech_estimate.h"
+
 namespace {
 
-// Before anything is spoken: English prose with the common voices.
-constexpr double kUsualPace = 70;
 // Long texts are longer than a time can tell: then all of it is squeezed into what it can.
 constexpr double kMostMs = std::numeric_limits<std::int32_t>::max();
 
@@ -16,9 +17,17 @@ double Share(std::size_t part, std::size_t whole) {
 
 }  // namespace
 
-ReadingTimes::ReadingTimes(std::size_t size, std::size_t begin)
-    : size_(size), begin_(std::min(begin, size)), end_(begin_) {
-    beginMs_ = static_cast<int>(std::min(kUsualPace * static_cast<double>(size), kMostMs) *
+double UsualPace(std::string_view text) {
+    constexpr std::size_t kEnough = 64 << 10;
+    const std::string_view beginning = WholeCharacters(text, kEnough);
+    return beginning.empty() ? 0
+                             : 1000 * EstimateSpeech(LettersIn(beginning)).seconds /
+                                   static_cast<double>(beginning.size());
+}
+
+ReadingTimes::ReadingTimes(std::size_t size, std::size_t begin, double usualPace)
+    : size_(size), begin_(std::min(begin, size)), end_(begin_), usualPace_(usualPace) {
+    beginMs_ = static_cast<int>(std::min(usualPace_ * static_cast<double>(size), kMostMs) *
                                 Share(begin_, size));
 }
 
@@ -39,7 +48,7 @@ void ReadingTimes::GoOnFrom(std::size_t place) {
 
 double ReadingTimes::Pace() const {
     const double bytes = earlierBytes_ + static_cast<double>(end_ - begin_);
-    const double pace = bytes > 0 ? (earlierMs_ + soundMs_) / bytes : kUsualPace;
+    const double pace = bytes > 0 ? (earlierMs_ + soundMs_) / bytes : usualPace_;
     const double room = kMostMs - beginMs_ - soundMs_;
     return end_ < size_ ? std::min(pace, room / static_cast<double>(size_ - end_)) : 0;
 }

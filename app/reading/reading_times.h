@@ -3,15 +3,21 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "sound/sound_time.h"
+
+// Milliseconds a byte, as the text's scripts are spoken: by its beginning.
+double UsualPace(std::string_view text);
 
 // Places are bytes of the text. The present part's own times never change; those before it are
 // shared out evenly, those behind it are estimates that get better. GUI thread.
 class ReadingTimes {
 public:
-    // A text of so many bytes of which nothing is known; it is spoken from a place on.
-    ReadingTimes(std::size_t size = 0, std::size_t begin = 0);
+    ReadingTimes() = default;
+    // A text of which nothing is spoken yet; it is spoken from a place on. Milliseconds a byte are
+    // what its letters may take.
+    ReadingTimes(std::size_t size, std::size_t begin, double usualPace);
 
     // The present part has been spoken up to that place, in that time.
     void SetSpoken(std::size_t end, LSoundTime sound);
@@ -28,9 +34,10 @@ public:
 private:
     double Pace() const;  // milliseconds a byte, behind what is spoken
 
-    std::size_t size_;
-    std::size_t begin_;
-    std::size_t end_;
+    std::size_t size_ = 0;
+    std::size_t begin_ = 0;
+    std::size_t end_ = 0;
+    double usualPace_ = 0;
     int beginMs_ = 0;
     int soundMs_ = 0;          // from begin_ to end_
     double earlierBytes_ = 0;  // of the parts before

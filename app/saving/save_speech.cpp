@@ -58,10 +58,11 @@ std::string SentenceOf(const std::string& path, const std::string& problem) {
     return path + (g_ascii_islower(problem[0]) ? " " : ": ") + problem + ".";
 }
 
-std::string TooLong(std::size_t letters) {
+// So many letters of English do fit (speech_estimate.h).
+std::string TooLong(std::size_t letters, const std::string& text) {
     return "The speech of this text is longer than a sound file can hold. Please save it in parts "
            "of at most " +
-           std::to_string(letters) + " letters.";
+           std::to_string(OwnLetters(letters, text)) + " letters.";
 }
 
 // What the speech is written to, as far as sizes go.
@@ -70,12 +71,12 @@ struct OutputFormat {
     int channels;
 };
 
-// Empty, or why speech of a text of so many letters cannot be saved.
-std::string ProblemOfSize(std::size_t letters, OutputFormat format, bool isEncoded,
+// Empty, or why speech of the text cannot be saved.
+std::string ProblemOfSize(const std::string& text, OutputFormat format, bool isEncoded,
                           const std::string& path, const std::string& speechPath) {
-    const SpeechSize size = EstimateSpeechSize(letters, format.rate, format.channels);
+    const SpeechSize size = EstimateSpeechSize(LettersIn(text), format.rate, format.channels);
     if (!size.fits)
-        return TooLong(size.surelyFit);
+        return TooLong(size.surelyFit, text);
     struct statvfs disk = {};
     const auto isTooSmall = [&disk](const std::string& file, long long bytes) {
         return ::statvfs(file.substr(0, file.rfind('/') + 1).c_str(), &disk) == 0 &&
@@ -118,7 +119,7 @@ private:
     bool NeedsEncoder() const { return RowOf(target_.type).component != nullptr; }
     // The sink is then opened once the voice's rate is known, and an encoder has something to do.
     bool FollowsVoice() const { return RowOf(target_.type).takesAnyRate; }
-    bool IsReady(std::size_t letters);
+    bool IsReady(const std::string& text);
     bool OpenSink(const LRawSettings& asked);
     bool Speak(SpeechReading& reading);
     bool Copy(const LSoundSource& source);
@@ -150,7 +151,7 @@ bool Saving::OpenSink(const LRawSettings& asked) {
 }
 
 // Whatever can be known before is told before the engine speaks, which may take minutes.
-bool Saving::IsReady(std::size_t letters) {
+bool Saving::IsReady(const std::string& text) {
     std::string problem;
     if (IsSpeechFile(target_.path))
         problem = target_.path +
@@ -162,7 +163,7 @@ bool Saving::IsReady(std::size_t letters) {
         return false;
     else
         problem =
-            ProblemOfSize(letters, Format(), FollowsVoice(), output_.WritePath(), speech_.Path());
+            ProblemOfSize(text, Format(), FollowsVoice(), output_.WritePath(), speech_.Path());
     if (!problem.empty())
         ShowSaveError(parent_, problem);
     return problem.empty();
@@ -212,7 +213,7 @@ std::string Saving::NothingSaved() const {
 }
 
 std::string Saving::Run(const std::string& text, int voice, SpeakingRules rules) {
-    if (!IsReady(LettersIn(text)))
+    if (!IsReady(text))
         return "";
     SpeechReading reading(text, voice, speech_.Path(), ReadingUse::kSaving);
     reading.SpeakBy(std::move(rules));
@@ -227,7 +228,7 @@ std::string Saving::Run(const std::string& text, int voice, SpeakingRules rules)
     const OutputFormat format = Format();
     if (!FitsIntoFile(seconds, format.rate, format.channels)) {  // a voice slower than expected
         ShowSaveError(parent_,
-                      TooLong(EstimateSpeechSize(0, format.rate, format.channels).surelyFit));
+                      TooLong(EstimateSpeechSize(0, format.rate, format.channels).surelyFit, text));
         return NothingSaved();
     }
     const LRawSettings voiceFormat{source->SampleRate(), source->Channels(), 0};

@@ -34,8 +34,9 @@ TEST(ReadingState, FollowOneAnother) {
 }
 
 TEST(ReadingTimes, ReachAllOfATextFromEveryPart) {
-    ReadingTimes times(1000);
-    EXPECT_EQ(times.Length(), LSoundTime(70000)) << "a guess";
+    ReadingTimes times(1000, 0, UsualPace(std::string(1000, 'a')));
+    EXPECT_EQ(times.Length(), LSoundTime(64000)) << "a guess";
+    EXPECT_NEAR(UsualPace("Лодка вышла в море."), 35, 3) << "two bytes a letter";
     times.SetSpoken(100, LSoundTime(5000));
     EXPECT_EQ(times.Length(), LSoundTime(50000));
     EXPECT_EQ(times.PlaceAt(LSoundTime(25000)), 500u);
@@ -54,7 +55,7 @@ TEST(ReadingTimes, ReachAllOfATextFromEveryPart) {
     EXPECT_EQ(times.Length(), LSoundTime(65000));
     EXPECT_EQ(times.PlaceAt(LSoundTime(99000)), 1000u);
     // 600 MB would take longer than a time can tell, and are reached all the same.
-    ReadingTimes longest(600'000'000, 300'000'000);
+    ReadingTimes longest(600'000'000, 300'000'000, 64);
     EXPECT_NEAR(static_cast<double>(longest.PlaceAt(longest.PartBegin())), 3e8, 1e4);
     EXPECT_GE(longest.PlaceAt(longest.Length()), 599'000'000u);
 }
