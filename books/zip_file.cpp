@@ -1,5 +1,6 @@
 #include "books/zip_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -104,8 +105,12 @@ void ZipFile::AddFile(const std::string& name, const std::string& path) {
     }
     std::fseek(file.get(), 0, SEEK_SET);
     Begin(name, checksum, size);
-    for (std::string_view bytes = read(); !bytes.empty() && problem_.empty(); bytes = read())
+    for (std::string_view bytes = read(); !bytes.empty() && problem_.empty(); bytes = read()) {
         Put(bytes);
+        size -= std::min<std::uint64_t>(size, bytes.size());
+    }
+    if (problem_.empty() && (std::ferror(file.get()) != 0 || size > 0))
+        problem_ = "a finished chapter cannot be read";
 }
 
 std::string ZipFile::Finish() {
