@@ -27,6 +27,7 @@ using namespace std::chrono_literals;
 // Each has a chapter as WAV on the disk.
 constexpr unsigned int kFewestWorkers = 2;
 constexpr unsigned int kMostWorkers = 4;
+constexpr const char* kUnreadable = "its speech cannot be read";
 
 LSoundSink OpenChapterSink(const ChapterToEncode& chapter, const char* path, int rate) {
     const int kilobits =
@@ -127,11 +128,10 @@ std::string ChapterEncoder::Worker::Encode(const ChapterToEncode& chapter) {
 }
 
 std::string ChapterEncoder::Worker::Write(const ChapterToEncode& chapter, const std::string& path) {
-    LSoundSource source = LWaveFile::OpenSource(chapter.speech.c_str());
-    if (source->Status() != SoundStatus::kGood)
-        return "its speech cannot be read";
-    if (!chapter.levels.empty())
-        source = Louder(source, chapter.levels);
+    const LSoundSource speech = LWaveFile::OpenSource(chapter.speech.c_str());
+    if (speech->Status() != SoundStatus::kGood)
+        return kUnreadable;
+    const LSoundSource source = chapter.levels.empty() ? speech : Louder(speech, chapter.levels);
     const LSoundSink sink = OpenChapterSink(chapter, path.c_str(), source->SampleRate());
     if ((sink->Status() & 1) != 0)
         return WhyNotOpen(chapter.type);
@@ -152,6 +152,8 @@ std::string ChapterEncoder::Worker::Write(const ChapterToEncode& chapter, const 
     encoder_ = nullptr;
     if (result == kProcessStopped)
         return "stopped";
+    if (speech->FramesMissing() > 0)
+        return kUnreadable;
     if (hangs_)
         return std::string("the ") + RowOf(chapter.type).encoder + " takes no more sound";
     if (error != 0 && RowOf(chapter.type).encoder != nullptr)
