@@ -26,6 +26,8 @@ std::vector<int> SamplesOf(const LSoundSource& source) {
     for (std::size_t at = 0; at < samples.size(); at += kMaxBlockFrames)
         source->Read(samples.data() + at,
                      static_cast<int>(std::min<std::size_t>(samples.size() - at, kMaxBlockFrames)));
+    const auto missing = static_cast<std::size_t>(source->FramesMissing());  // it may be cut
+    samples.resize(samples.size() - std::min(samples.size(), missing));
     return samples;
 }
 
@@ -60,6 +62,7 @@ private:
     bool Keep(std::size_t index, const ChapterSpeech& speech, ChapterToEncode& job);
     std::string KeepLead(std::size_t index, const std::string& speech, SpokenSection& spoken,
                          const std::vector<LevelStretch>& levels);
+    bool IsTooLong(std::size_t index, const SpokenSection& spoken) const;
     std::string KeepSpoken(std::size_t index, const SpokenSection& spoken);
     bool HasWholeLead(std::size_t index, std::size_t frames) const;
     bool MakeChapters();
@@ -211,6 +214,8 @@ bool BookMaker::Keep(std::size_t index, const ChapterSpeech& speech, ChapterToEn
     spoken.rate = speech.rate;
     spoken.begin = sections_[index].beginsFile ? 0 : before.End();
     spoken.frames = speech.frames;
+    if (IsTooLong(index, spoken))
+        return Fail(order_.target + ": " + kBookTooLong);
     spoken.levels = std::move(before.levels);
     if (order_.evensLoudness) {
         const LSoundSource source = LWaveFile::OpenSource(job.speech.c_str());
@@ -232,6 +237,19 @@ bool BookMaker::Keep(std::size_t index, const ChapterSpeech& speech, ChapterToEn
     if (problem.empty())
         problem = KeepSpoken(index, spoken);
     return Fail(problem);
+}
+
+// Told as soon as it shows: the whole takes hours.
+bool BookMaker::IsTooLong(std::size_t index, const SpokenSection& spoken) const {
+    constexpr double kShows = 0.125;  // of the text
+    constexpr double kMargin = 0.95;
+    if (order_.HasFileAChapter())
+        return false;
+    const double part = static_cast<double>(sections_[index].end) /
+                        static_cast<double>(std::max<std::size_t>(sections_.back().end, 1));
+    const auto frames = static_cast<double>(spoken.End());
+    const double expected = part < kShows ? frames : std::max(frames, frames / part * kMargin);
+    return expected > static_cast<double>(MostFrames(order_.type));
 }
 
 // The end of that speech, for the section with that number.

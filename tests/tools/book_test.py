@@ -266,6 +266,20 @@ class BookTest(EngineCase):
         self.check(*command, says="left out")
         self.assertNotIn("Boom", str(self.said()[runs:]))
 
+    def test_what_a_failing_disk_has_cut_is_made_anew(self):
+        self.tell_engine("text2wave slow 0.2")
+        self.save("tale.txt", b"Some words are here.\n\n" * 900)
+        command = (SAY, "--audiobook", "--one-voice", "--own-level", "-o", "tale.opus", "tale.txt")
+        work = self.path(".tale.opus.lectora-book/")
+        self.stopped(command, signal.SIGINT, work + "00002.part")
+        os.truncate(work + "00003.lead", 1000)
+        with contextlib.suppress(FileNotFoundError):
+            os.remove(work + "00003.part")
+        self.check(*command, status=1, says="00003.lead: is damaged, and is made anew")
+        self.save(work + "00001.spoken", b"x")
+        self.check(*command)
+        self.assertEqual(len(self.heard("tale.opus")), 900 * 17 * 800 + 16000)
+
     def test_what_was_finished_under_another_pronunciation_list_is_not_used(self):
         self.tell_engine("text2wave slow 1")
         self.book("book.epub", TITLES, TEXTS)
