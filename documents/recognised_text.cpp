@@ -136,7 +136,8 @@ ProgramOutcome DrawPage(std::string_view bytes, std::size_t page, const ReadingW
     return outcome == ProgramOutcome::kDone && picture.empty() ? ProgramOutcome::kFailed : outcome;
 }
 
-// "2-4, 9 and 31 more".
+}  // namespace
+
 std::string RangesOf(const std::vector<std::size_t>& pages) {
     std::string text;
     std::size_t told = 0;
@@ -151,8 +152,6 @@ std::string RangesOf(const std::vector<std::size_t>& pages) {
     return told < pages.size() ? text + " and " + std::to_string(pages.size() - told) + " more"
                                : text;
 }
-
-}  // namespace
 
 Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
                      const DocumentRules& rules) {

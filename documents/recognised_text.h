@@ -3,10 +3,15 @@
 
 #include <chrono>
 #include <cstddef>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "documents/document.h"
 #include "documents/reading_watch.h"
+
+// Pages by their numbers, which rise: "2-4, 9 and 31 more".
+std::string RangesOf(const std::vector<std::size_t>& pages);
 
 // A page, of which the program's own bound is half in processor time: others want the computer too.
 constexpr std::chrono::seconds kPagePatience{120};
