@@ -33,7 +33,7 @@ Document WithoutText(std::string_view bytes, std::size_t pages, const ReadingWat
     return ReadScannedPdf(bytes, pages, watch, rules);
 }
 
-bool HoldsWords(const PdfPage& page) {
+bool PageHoldsWords(const PdfPage& page) {
     return std::any_of(page.begin(), page.end(), [](const PdfLine& line) {
         return line.text.find_first_not_of(kWhiteSpace) != std::string::npos;
     });
@@ -68,7 +68,7 @@ std::string PictureRemark(std::string_view bytes, const std::vector<PdfPage>& pa
                           const ReadingWatch& watch) {
     std::set<std::size_t> empty;
     for (std::size_t page = 0; page < pages.size(); ++page)
-        if (!HoldsWords(pages[page]))
+        if (!PageHoldsWords(pages[page]))
             empty.insert(page + 1);
     if (empty.empty())
         return {};
@@ -105,7 +105,7 @@ Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const Docume
             return DocumentProblem(std::move(problem));
         pages = PdfPagesOfText(DecodeText(text));
     }
-    if (std::none_of(pages.begin(), pages.end(), HoldsWords))
+    if (std::none_of(pages.begin(), pages.end(), PageHoldsWords))
         return WithoutText(bytes, pages.size(), watch, rules);
     const std::size_t read = pages.size();
     const std::string pictures = PictureRemark(bytes, pages, watch);
