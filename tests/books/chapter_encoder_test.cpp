@@ -8,6 +8,9 @@
 #include <filesystem>
 #include <vector>
 
+#include "books/codec_frames.h"
+#include "books/part_file.h"
+#include "formats/aac_sink.h"
 #include "formats/wave_file.h"
 #include "tests/support/scratch_folder.h"
 
@@ -53,6 +56,27 @@ TEST(ChapterEncoder, EncodersThatFailAndHangAreToldOfAndLeaveNothing) {
             left += entry.path().filename() == "home" ? 0 : 1;
         EXPECT_EQ(left, 0U);
     }
+}
+
+// AAC has some rates only, and what is not there need not be tried.
+TEST(ChapterEncoder, SpeechOfAnyRateBecomesAac) {
+    if (!HasFfmpeg())
+        GTEST_SKIP() << "without ffmpeg";
+    const ScratchFolder folder;
+    LWaveFile::OpenSinkPCM((folder / "one.wav").c_str(), 10000, 1, 16, 0)
+        ->Write(std::vector<int>(8192, 9999).data(), 8192);
+    ChapterToEncode chapter;
+    chapter.speech = folder / "one.wav";
+    chapter.path = folder / "one.aac";
+    chapter.type = SoundType::kM4b;
+    LSilentProgress progress;
+    ChapterEncoder encoder;
+    EXPECT_TRUE(encoder.Add(chapter, progress) && encoder.Finish(progress)) << encoder.Problem();
+    const FileHandle file(std::fopen(chapter.path.c_str(), "rbe"));
+    ASSERT_TRUE(file);
+    CodecFrames frames(file.get(), AdtsFrame);
+    ASSERT_TRUE(frames.Next());
+    EXPECT_EQ(frames.Frame().rate, 11025);
 }
 
 }  // namespace
