@@ -63,7 +63,7 @@ TEST(ChapterEncoder, SpeechOfAnyRateBecomesAac) {
     if (!HasFfmpeg())
         GTEST_SKIP() << "without ffmpeg";
     const ScratchFolder folder;
-    LWaveFile::OpenSinkPCM((folder / "one.wav").c_str(), 10000, 1, 16, 0)
+    LWaveFile::OpenSinkPCM((folder / "one.wav").c_str(), 9000, 1, 16, 0)
         ->Write(std::vector<int>(8192, 9999).data(), 8192);
     ChapterToEncode chapter;
     chapter.speech = folder / "one.wav";
