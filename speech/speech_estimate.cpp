@@ -34,7 +34,7 @@ struct Script {
     char32_t last;
     std::size_t quarters;
 };
-constexpr Script kScripts[] = {
+constexpr Script kScriptPaces[] = {
     {0x0590, 0x05FF, 5},    // Hebrew, whose vowels are not written
     {0x0600, 0x06FF, 6},    // Arabic
     {0x3000, 0x30FF, 8},    // Japanese syllables
@@ -44,9 +44,9 @@ constexpr Script kScripts[] = {
 };
 
 std::size_t QuartersOf(char32_t character) {
-    if (character < kScripts[0].first)
+    if (character < kScriptPaces[0].first)
         return kQuarters;
-    for (const Script& script : kScripts)
+    for (const Script& script : kScriptPaces)
         if (character >= script.first && character <= script.last)
             return script.quarters;
     return kQuarters;
