@@ -34,11 +34,11 @@ void VoiceChooserDlg::Generate(LDialogGenContext& context) {
 }
 
 bool VoiceChooserDlg::Run(GtkWidget* parent) {
-    if (Open(parent, {"Choose a Voice", false, Generate}, true))
-        return true;
-    for (const auto& [index, manner] : unchanged_)
+    if (!Open(parent, {"Choose a Voice", false, Generate}, true))
+        return false;
+    for (const auto& [index, manner] : changed_)
         KeepManner(VoiceAt(index), manner);
-    return false;
+    return true;
 }
 
 void VoiceChooserDlg::InitDialog() {
@@ -118,9 +118,14 @@ void VoiceChooserDlg::NoteSelection() {
     ShowManner();
 }
 
+VoiceManner VoiceChooserDlg::ShownMannerOf(int voice) const {
+    const auto changed = changed_.find(voice);
+    return changed == changed_.end() ? MannerOf(VoiceAt(voice)) : changed->second;
+}
+
 void VoiceChooserDlg::ShowManner() {
     const Voice voice = VoiceAt(voice_);
-    const VoiceManner manner = MannerOf(voice);
+    const VoiceManner manner = ShownMannerOf(voice_);
     variants_ = VariantsOf(voice.engine);
     PDLClear(kVariant);
     PDLAddString(kVariant, variants_.empty() ? "The engine has none" : "The voice's own");
@@ -134,18 +139,14 @@ void VoiceChooserDlg::ShowManner() {
     UDSetInt(kVolume, manner.volume);
 }
 
-// Kept at once, so that it is heard; Cancel takes it back.
 void VoiceChooserDlg::TakeManner() {
-    const Voice voice = VoiceAt(voice_);
-    const VoiceManner before = MannerOf(voice);
+    const VoiceManner before = ShownMannerOf(voice_);
     VoiceManner manner{UDGetInt(kPitch), UDGetInt(kVolume), before.variant};
     const int variant = PDLGetCurSel(kVariant);
     if (!variants_.empty() && variant >= 0)
         manner.variant = variant == 0 ? "" : variants_[static_cast<std::size_t>(variant) - 1].name;
-    if (manner == before)
-        return;
-    unchanged_.try_emplace(voice_, before);
-    KeepManner(voice, manner);
+    if (manner != before)
+        changed_[voice_] = manner;
 }
 
 bool VoiceChooserDlg::CmOk() {
@@ -174,7 +175,11 @@ void VoiceChooserDlg::Command(int command) {
 void VoiceChooserDlg::Hear() {
     NoteSelection();
     TakeManner();
-    sample_.Hear(Widget(), SampleSentence(VoiceAt(voice_).language), voice_);
+    std::vector<VoiceManner> manners = MannersOfVoices();
+    for (const auto& [index, manner] : changed_)
+        if (static_cast<std::size_t>(index) < manners.size())
+            manners[static_cast<std::size_t>(index)] = manner;
+    sample_.Hear(Widget(), SampleSentence(VoiceAt(voice_).language), voice_, std::move(manners));
 }
 
 bool ChooseVoice(GtkWidget* parent) {

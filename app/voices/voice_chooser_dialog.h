@@ -41,14 +41,15 @@ private:
     void MoveSelection(int step);
     void NoteSelection();
     void ShowManner();
+    VoiceManner ShownMannerOf(int voice) const;
     void TakeManner();
     void Hear();
 
     const std::vector<ListedVoice> voices_;
     std::vector<std::size_t> shown_;  // of voices_, row by row
     int voice_;
-    std::vector<VoiceVariant> variants_;    // of the selected voice's engine, as they are shown
-    std::map<int, VoiceManner> unchanged_;  // of voices whose manner was changed here, for Cancel
+    std::vector<VoiceVariant> variants_;  // of the selected voice's engine, as they are shown
+    std::map<int, VoiceManner> changed_;  // of voices, for OK to keep
     VoiceSample sample_;
 };
 
