@@ -362,7 +362,15 @@ std::optional<int> SettleBook(Words& words, BookWords& book, SayOptions& options
 std::optional<int> Plan(const Words& words, SayOptions& options) {
     if (options.listsVoices)
         return std::nullopt;
-    return options.printsText ? PlanPrinting(words, options) : PlanJobs(words, options);
+    if (options.printsText)
+        return PlanPrinting(words, options);
+    if (const std::optional<int> status = PlanJobs(words, options))
+        return status;
+    for (const SayJob& job : options.jobs)
+        if (!RowOf(job.type).CanBeWritten())
+            return UsageError(kSayProgram, job.sound + ": " + NameOf(job.type) +
+                                               " files can be read but not written");
+    return std::nullopt;
 }
 
 }  // namespace

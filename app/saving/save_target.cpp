@@ -55,7 +55,10 @@ std::optional<SaveTarget> ChooseSaveTarget(GtkWidget* parent, const std::string&
     if (!LFile::BrowseSaveFilePath(parent, path, "Save File as", folder, filters.c_str(), filter))
         return std::nullopt;
     KeepFolder(kSaveFolderSetting, folder);
-    const SoundType type = SoundTypeOfPath(path).value_or(types[static_cast<std::size_t>(filter)]);
+    // Some types are only read, or only audiobooks: their endings say no more than unknown ones do.
+    const std::optional<SoundType> named = SoundTypeOfPath(path);
+    const bool isOffered = named && std::ranges::find(types, *named) != types.end();
+    const SoundType type = isOffered ? *named : types[static_cast<std::size_t>(filter)];
     struct stat status = {};
     return SaveTarget{path, type, AsksSettings(type), ::stat(path.c_str(), &status) == 0};
 }

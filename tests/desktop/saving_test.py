@@ -58,6 +58,12 @@ class SavingTest(DesktopCase):
             saved = os.path.join(desktop.HOME, name + ".wav")
             desktop.wait_until(lambda saved=saved: os.path.exists(saved), saved)
             desktop.wait_until(lambda saved=saved: "Saved as " + saved in lectora.status(), "the note")
+        # The ending of what is only read, or only an audiobook, names no type to save.
+        for name in ("fox.ogg", "fox.m4b"):
+            self.save_as(lectora, os.path.join(desktop.HOME, name))
+            desktop.wait_until(lambda name=name: "Saved as " + os.path.join(desktop.HOME, name) in lectora.status(), name)
+            with open(os.path.join(desktop.HOME, name), "rb") as file:
+                self.assertEqual(file.read(4), b"RIFF")
         for name, message in (("c" * 256 + ".wav", "File name too long"), ("fox.au", None)):
             self.save_as(lectora, os.path.join(folder, name), replaces=message is None)
             if message:

@@ -156,6 +156,7 @@ class SayTest(EngineCase):
             (["a.txt"], "-o names"),
             (["-o", "-", "a.txt", "b.txt"], "one text"),
             (["-o", "-", "-t", "au", "a.txt"], "one stream of WAV"),
+            (["-o", "o.ogg", "a.txt"], "o.ogg: ogg files can be read but not written"),
             (["--split=9", "-o", "a.wav", "a.txt"], "no such length"),
             (["-o", "./", "-", "a.txt"], "'-'"),
             (["-o", "a.xyz", "a.txt"], "a.xyz"),
