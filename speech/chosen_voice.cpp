@@ -54,6 +54,12 @@ int ChosenVoice() {
     return index < 0 && CountVoices() > 0 ? 0 : index;
 }
 
+bool IsChosenVoiceMissing() {
+    const std::string stored = kVoiceSetting.Get();
+    const std::vector<Voice> voices = KnownVoices();
+    return !stored.empty() && std::ranges::find(voices, stored, StoredKey) == voices.end();
+}
+
 void KeepChosenVoice(int index) {
     if (index < 0 || index >= CountVoices())
         return;

@@ -76,6 +76,6 @@ int VoiceChoice::Chosen() {
 
 void VoiceChoice::Store() {
     const int voice = Chosen();
-    if (voice >= 0)
+    if (voice >= 0 && !IsChosenVoiceMissing())
         KeepChosenVoice(voice);
 }

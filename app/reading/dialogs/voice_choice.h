@@ -29,7 +29,9 @@ public:
     int Chosen();
     bool NoteChange();  // the list's selection may have changed, which is stored then
     void TakeChosen();  // that was chosen and stored elsewhere
-    void Store();       // what was typed, too, for the next start; nothing known, nothing stored
+    // What was typed, too, for the next start; nothing known, nothing stored. A voice that only
+    // stands in for one that is missing today is none that was chosen.
+    void Store();
 
 private:
     void EvNotify() override;
