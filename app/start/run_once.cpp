@@ -83,13 +83,13 @@ bool SendNumber(int fd, std::size_t number) {
 }
 
 // No header, no terminators, host byte order: the peer is always this program on this machine.
-void SendArguments(int fd, const std::vector<std::string>& arguments) {
-    if (!SendNumber(fd, arguments.size()))
-        return;
-    for (const std::string& argument : arguments) {
-        if (!SendNumber(fd, argument.size()) || !SendAll(fd, argument.data(), argument.size()))
-            return;
-    }
+// False: the instance has closed the connection, as it does with one that says nothing for long.
+bool SendArguments(int fd, const std::vector<std::string>& arguments) {
+    return SendNumber(fd, arguments.size()) &&
+           std::ranges::all_of(arguments, [fd](const std::string& argument) {
+               return SendNumber(fd, argument.size()) &&
+                      SendAll(fd, argument.data(), argument.size());
+           });
 }
 
 // The first byte of what an instance says. One that takes the command line and has no more to say
@@ -288,8 +288,8 @@ RunOnceSocket::Claim RunOnceSocket::HandOver(const std::vector<std::string>& arg
             claims ? ClaimOnce(client, milliseconds) : AskOnce(client, milliseconds);
         Sign sign = Sign::kNone;
         if (claim == Claim::kHandedOver) {
-            SendArguments(client.Get(), arguments);
-            sign = AwaitSign(client.Get(), milliseconds);
+            const bool isSent = SendArguments(client.Get(), arguments);
+            sign = isSent ? AwaitSign(client.Get(), milliseconds) : Sign::kEnding;
             if (sign == Sign::kPromised)
                 sign = AwaitSign(client.Get(), kPromisedMilliseconds);
         }
