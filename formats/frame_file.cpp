@@ -91,6 +91,14 @@ FrameWriter::FrameWriter(const char* path, std::size_t bytesPerFrame)
       bytesPerFrame_(bytesPerFrame),
       buffer_(MakeBlockBuffer(bytesPerFrame)) {}
 
+const int* FrameWriter::Clipped(const int* buffer, int samples) {
+    constexpr int kTop = 127 * 4096 + 2047;  // rounds to the highest value
+    clipped_.assign(buffer, buffer + samples);
+    for (int& sample : clipped_)
+        sample = std::min(sample, kTop);
+    return clipped_.data();
+}
+
 void FrameWriter::Put(const void* data, std::size_t size) {
     if (file_.IsOpen() && failed_ == 0)
         failed_ = WriteFully(file_.Get(), data, size);

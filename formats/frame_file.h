@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
+#include <vector>
 
 #include "formats/sample_formats.h"
 #include "foundation/files/unique_fd.h"
@@ -97,7 +99,9 @@ public:
     int Write(const int* buffer, int frames, int channels) {
         while (frames > 0 && failed_ == 0) {
             const int block = std::min(frames, kMaxBlockFrames);
-            ConvertSamplesOut(buffer, reinterpret_cast<Stored*>(buffer_.get()), block * channels);
+            const bool has8Bits = std::is_same_v<Stored, LSFS8> || std::is_same_v<Stored, LSFU8>;
+            const int* const samples = has8Bits ? Clipped(buffer, block * channels) : buffer;
+            ConvertSamplesOut(samples, reinterpret_cast<Stored*>(buffer_.get()), block * channels);
             Put(buffer_.get(), static_cast<std::size_t>(block) * bytesPerFrame_);
             buffer += block * channels;
             frames -= block;
@@ -118,6 +122,11 @@ public:
 private:
     void Put(const void* data, std::size_t size);
 
+    // The integers of 8 bits wrap where they round up past their top, which is less than what 16
+    // bits hold: a click. What is above it, 0.4 % at most, is clipped.
+    const int* Clipped(const int* buffer, int samples);
+
+    std::vector<int> clipped_;
     int openError_ = 0;
     UniqueFd file_;
     std::size_t bytesPerFrame_;

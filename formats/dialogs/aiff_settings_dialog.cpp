@@ -44,7 +44,10 @@ void LAIFFSettingsDlg::Command(int command) {
 }
 
 bool LAIFFSettingsDlg::CmOk() {
-    kAiffRateSetting.Set(PDLGetInt(kAiffRate));
-    kAiffChannelsSetting.Set(PDLGetCurSel(kAiffChannels) + 1);
+    // What no list holds stays as it is until another is chosen.
+    if (PDLGetCurSel(kAiffRate) >= 0)
+        kAiffRateSetting.Set(PDLGetInt(kAiffRate));
+    if (PDLGetCurSel(kAiffChannels) >= 0)
+        kAiffChannelsSetting.Set(PDLGetCurSel(kAiffChannels) + 1);
     return true;
 }

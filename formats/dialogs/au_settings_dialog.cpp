@@ -50,8 +50,12 @@ void LAuSettingsDlg::Command(int command) {
 }
 
 bool LAuSettingsDlg::CmOk() {
-    kAuRateSetting.Set(PDLGetInt(kAuRate));
-    kAuChannelsSetting.Set(PDLGetCurSel(kAuChannels) + 1);
-    kAuCodecSetting.Set(PDLGetCurSel(kAuCodec));
+    // What no list holds stays as it is until another is chosen.
+    if (PDLGetCurSel(kAuRate) >= 0)
+        kAuRateSetting.Set(PDLGetInt(kAuRate));
+    if (PDLGetCurSel(kAuChannels) >= 0)
+        kAuChannelsSetting.Set(PDLGetCurSel(kAuChannels) + 1);
+    if (PDLGetCurSel(kAuCodec) >= 0)
+        kAuCodecSetting.Set(PDLGetCurSel(kAuCodec));
     return true;
 }

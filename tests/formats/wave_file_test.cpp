@@ -234,6 +234,15 @@ TEST_F(WaveFile, TheDefaultFormatIsKeptWhole) {
     }
 }
 
+TEST_F(WaveFile, FullScaleDoesNotWrapInEightBits) {
+    const std::string path = Store("8.wav", "");
+    const LSoundSink sink = LWaveFile::OpenSink(path.c_str(), LWaveFileFormat(8000, 1, "pcm8"));
+    constexpr int kSamples[] = {kMaxPcm16Peak, 0, -524288};
+    sink->Write(kSamples, 3);
+    ASSERT_EQ(sink->Finish(), 0);
+    EXPECT_EQ(Load(path).substr(46, 3), "\xFF\x80" + std::string(1, '\0'));
+}
+
 TEST_F(WaveFile, FormatRecordsAndCodecNames) {
     const std::tuple<const char*, int, int> formats[] = {{"PCM16", 1, 2}, {"pcm8", 1, 1},
                                                          {"Alaw", 6, 1},  {"ULAW", 7, 1},
