@@ -190,8 +190,10 @@ void LPlayerTransport::Wind(PlayerWind::Way way) {
                                            : PlayerWind::Before::kIdle;
     Silence();
     const LSoundSource source = OpenSource();
-    if (source->Status() != SoundStatus::kGood)
+    if (source->Status() != SoundStatus::kGood) {
+        Tell(LPlayerChange::kEnded);
         return;
+    }
     source->Seek(Frame());
     player_.SetTempo(nullptr);
     Start(wind_.Begin(way, before, source));

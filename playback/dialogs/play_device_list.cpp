@@ -2,24 +2,46 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "gui/windows/message_box.h"
 #include "playback/alsa_card.h"
 
+namespace {
+
+// Those that have a name. Their numbers have gaps where a card was pulled out.
+std::vector<int> ListedCards() {
+    std::vector<int> cards;
+    for (int card = 0; card < kMaxCards; ++card)
+        if (!CardName(card).empty())
+            cards.push_back(card);
+    return cards;
+}
+
+}  // namespace
+
 void LSoundPlayDeviceInit(LWindow& dialog, int controlId, LSoundPlayDevice device) {
     dialog.PDLAddString(controlId, "Default Sound Device");
-    for (int card = 0; card < kMaxCards; ++card)
-        if (const std::string name = CardName(card); !name.empty())
-            dialog.PDLAddString(controlId, name.c_str());
+    const std::vector<int> cards = ListedCards();
+    for (const int card : cards)
+        dialog.PDLAddString(controlId, CardName(card).c_str());
     dialog.PDLAddString(controlId, LSoundPlayDevice::kServerLabel);
-    dialog.PDLSetCurSel(
-        controlId, device.IsSoundServer() ? dialog.PDLGetCount(controlId) - 1 : device.Card() + 1);
+    const auto entry = std::ranges::find(cards, device.Card());
+    dialog.PDLSetCurSel(controlId, device.IsSoundServer() ? dialog.PDLGetCount(controlId) - 1
+                                   : entry == cards.end()
+                                       ? 0
+                                       : static_cast<int>(entry - cards.begin()) + 1);
 }
 
 LSoundPlayDevice LSoundPlayDeviceChosen(const LWindow& dialog, int controlId) {
     const int entry = dialog.PDLGetCurSel(controlId);
-    return entry == dialog.PDLGetCount(controlId) - 1 ? LSoundPlayDevice::SoundServer()
-                                                      : LSoundPlayDevice(std::max(entry - 1, 0));
+    if (entry == dialog.PDLGetCount(controlId) - 1)
+        return LSoundPlayDevice::SoundServer();
+    const std::string name = dialog.PDLGetText(controlId);
+    for (const int card : ListedCards())
+        if (entry > 0 && CardName(card) == name)
+            return LSoundPlayDevice(card);
+    return LSoundPlayDevice(0);
 }
 
 void LSoundPlayDeviceApply(LWindow&, int, LSoundPlayDevice) {}

@@ -7,8 +7,7 @@
 #include "playback/play_device.h"
 
 // Fills the pull-down list with "Default Sound Device", the name of every card that has one, and
-// the sound server. Selects that, or entry card + 1, which takes for granted that cards are
-// numbered without gaps.
+// the sound server, and selects the device; the default where its card is not there.
 void LSoundPlayDeviceInit(LWindow& dialog, int controlId, LSoundPlayDevice device);
 // What is selected there. "Default Sound Device" is card 0.
 LSoundPlayDevice LSoundPlayDeviceChosen(const LWindow& dialog, int controlId);
