@@ -24,14 +24,6 @@ namespace {
 constexpr guint kFollowMs = 500;
 constexpr const char* kBoxTitle = "Save as Audiobook";
 
-// What stands at the path is a book, or something else of the user's; an unfinished folder of ours
-// is gone on with.
-bool IsTaken(const std::string& target) {
-    struct stat info = {};
-    return ::stat(target.c_str(), &info) == 0 &&
-           (target.back() != '/' || ::stat((target + ".lectora-book").c_str(), &info) != 0);
-}
-
 std::optional<double> FreeBytes(const std::string& folder) {
     struct statvfs disk = {};
     if (::statvfs(folder.c_str(), &disk) != 0)
@@ -321,10 +313,9 @@ void AudiobookDialog::CmStart() {
         return;
     StoreBookChoices(choices);
     std::string names;
-    std::set<std::string> taken;
-    for (const std::string& target : list_.Targets(choices))
-        if (IsTaken(target) && taken.insert(target).second)
-            names += (names.empty() ? "" : "\n") + target;
+    const std::set<std::string> taken = list_.TakenTargets(choices);
+    for (const std::string& target : taken)
+        names += (names.empty() ? "" : "\n") + target;
     if (!taken.empty() &&
         MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kBoxTitle,
                       "Replace what is there?", names.c_str()) != GTK_RESPONSE_YES)

@@ -1,7 +1,27 @@
 #include "app/books/book_list.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <utility>
+
+namespace {
+
+bool Stands(const std::string& path) {
+    struct stat info = {};
+    return ::stat(path.c_str(), &info) == 0;
+}
+
+// What stands at the path is a book, or something else of the user's; an unfinished folder of ours
+// is gone on with.
+bool IsTaken(const std::string& target, const BookChoices& choices) {
+    if (target.back() == '/')
+        return Stands(target) && !Stands(target + ".lectora-book");
+    const std::string stem = target.substr(0, target.rfind('.') + 1);
+    return Stands(target) || (choices.subtitles && Stands(stem + EndingOf(*choices.subtitles)));
+}
+
+}  // namespace
 
 bool BookList::Add(BookEntry entry, bool again) {
     for (std::size_t i = 0; i < entries_.size(); ++i)
@@ -46,21 +66,22 @@ BookEstimate BookList::EstimateOfOpen(const BookOrder& manner) const {
     return whole;
 }
 
-std::vector<std::string> BookList::Targets(const BookChoices& choices) {
+std::set<std::string> BookList::TakenTargets(const BookChoices& choices) {
     std::vector<std::string> others;
     for (std::size_t i = 0; i < entries_.size(); ++i)
         if (!IsOpen(i))
             others.push_back(entries_[i].target);
-    std::vector<std::string> targets;
+    std::set<std::string> taken;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         if (!IsOpen(i))
             continue;
         entries_[i].target =
             TargetOf(entries_[i], choices.folder, EndingOf(choices), choices.inChapters, others);
         others.push_back(entries_[i].target);
-        targets.push_back(entries_[i].target);
+        if (IsTaken(entries_[i].target, choices))
+            taken.insert(entries_[i].target);
     }
-    return targets;
+    return taken;
 }
 
 bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced) {

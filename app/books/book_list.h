@@ -30,8 +30,8 @@ public:
     BookEstimate EstimateOf(std::size_t index, const BookOrder& manner) const;
     BookEstimate EstimateOfOpen(const BookOrder& manner) const;  // of all that are open
 
-    // Where the open ones would go, in order.
-    std::vector<std::string> Targets(const BookChoices& choices);
+    // Of where the open ones would go, what stands there already, or has subtitles there.
+    std::set<std::string> TakenTargets(const BookChoices& choices);
     // Makes these, in the place of what stands at the targets that are named; false: there is no
     // place for temporary files.
     bool Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced);
