@@ -123,11 +123,6 @@ std::string ExpectedSum(const std::string& component, std::string_view host) {
     return set.empty() && isOurHost && component == "mp3el" ? kMp3InstallerSum : set;
 }
 
-// Nobody answers for a name that is reserved for examples, but whoever has the network may.
-bool IsReserved(std::string_view host) {
-    return host.substr(0, host.find(':')).ends_with(".example");
-}
-
 // Why the installer must not be run, as a sentence; empty when it may.
 std::string ProblemOf(const std::string& expected, const std::string& path) {
     constexpr std::string_view kBlanks = " \t\r\n\xEF\xBB\xBF";  // and a byte order mark
@@ -194,7 +189,7 @@ LProcessResult ProcessDownloadAndInstallComponent(LProgress& progress, const cha
         return kProcessDone;
     LProcessResult result = kProcessFailed;
     for (const std::string& host : {ComponentsHost(), WebHost()}) {
-        if (IsReserved(host))
+        if (IsReservedHost(host))
             continue;
         const std::string temporaryName = MakeTemporaryName();
         if (temporaryName.empty())

@@ -71,8 +71,9 @@ std::string UninstallReportHeader(const std::string& host, const std::string& bo
 void ProcessUninstallReport(LProgress& progress, const std::string& body) {
     const std::string host = ReportHost();
     std::vector<LIPAddressWithPort> addresses;
-    if (body.empty() || ProcessResolve(progress, SplitHostPort(host, 80), kReportTimeout,
-                                       addresses) != kProcessDone)
+    if (body.empty() || IsReservedHost(host) ||
+        ProcessResolve(progress, SplitHostPort(host, 80), kReportTimeout, addresses) !=
+            kProcessDone)
         return;
     LIPSocketTCP socket;
     for (const LIPAddressWithPort& address : addresses) {

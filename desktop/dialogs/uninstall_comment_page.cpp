@@ -86,7 +86,7 @@ void LUninstallCommentPage::ShowReason(int item) {
     ShowControl(kComment, mayComment);
     ShowControl(kPrompt, mayComment);
     ShowControl(kReasonAdvice, hasAdvice);
-    ShowControl(kLink, hasAdvice || !reason);  // without a reason it is the home page
+    ShowControl(kLink, HasWebSite() && (hasAdvice || !reason));  // without one the home page
 }
 
 void LUninstallCommentPage::EnableControls() {

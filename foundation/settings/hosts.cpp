@@ -24,9 +24,12 @@ std::string ReportHost() {
     return Host(kReportHostSetting);
 }
 
+bool IsReservedHost(std::string_view host) {
+    return host.substr(0, host.find(':')).ends_with(".example");
+}
+
 bool HasWebSite() {
-    const std::string host = WebHost();
-    return !std::string_view(host).substr(0, host.find(':')).ends_with(".example");
+    return !IsReservedHost(WebHost());
 }
 
 std::string WebAddress(std::string_view page) {

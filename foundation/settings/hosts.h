@@ -10,8 +10,10 @@ std::string WebHost();         // the web site; second choice for components
 std::string ComponentsHost();  // first choice for components
 std::string ReportHost();      // takes the uninstall feedback
 
-// False: it stands under a name that is reserved for examples, so that there is no page to show.
-bool HasWebSite();
+// The name is one that is reserved for examples. Nobody answers for it, but whoever has the network
+// may: it is never asked.
+bool IsReservedHost(std::string_view host);
+bool HasWebSite();  // false: there is no page to show
 
 // "http://HOST/PAGE" on the web site; page with or without its leading slash, may carry a query.
 std::string WebAddress(std::string_view page);

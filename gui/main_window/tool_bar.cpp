@@ -1,5 +1,6 @@
 #include "gui/main_window/tool_bar.h"
 
+#include "foundation/settings/hosts.h"
 #include "gui/accessible.h"
 #include "gui/content_box.h"
 #include "gui/display_text.h"
@@ -147,9 +148,10 @@ void LToolBar::AddToolboxAndHelp() {
     if (bar_ == nullptr)
         return;
     AddSeparator(true);
-    Add({kCommandProductsPage, kToolboxIcon, "Toolbox", "Other Quillon programs",
-         ToolBarItem::kButton},
-        NewIconImageAt(kToolboxIcon, kIconSize));
+    if (HasWebSite())
+        Add({kCommandProductsPage, kToolboxIcon, "Toolbox", "Other Quillon programs",
+             ToolBarItem::kButton},
+            NewIconImageAt(kToolboxIcon, kIconSize));
     Add({kCommandHelpContents, kHelpIcon, "Help", "Open the help documentation (F1)",
          ToolBarItem::kButton},
         NewIconImageAt(kHelpIcon, kIconSize));

@@ -23,7 +23,7 @@ WINDOWS = [
         "dialog Menus, tool bar, command bar",
         "Read Aloud, Save as Speech, Rewind (<-), Read Aloud, Read current text, Save as Speech,"
         " Save current text, Read Aloud, Read Aloud menu, Save Speech, Save Speech menu, Options,"
-        " Toolbox, Help",
+        " Help",
     ),
     (
         "dialog MP3 Encoder Options",
