@@ -47,6 +47,9 @@ protected:
     bool RunTo(ReadingState state) {
         return RunUntil([&] { return narrator_->State() == state; });
     }
+    static std::string WordsAt(const std::string& text, const ReadingNews& news) {
+        return news.stretch ? text.substr(news.stretch->sourceBegin, 20) : "";
+    }
     void Hear(const ReadingNews& news) {
         if (news.IsNew()) {
             all_.push_back(news.state);

@@ -112,10 +112,6 @@ TEST_F(NarratorTest, TellsEachStateAndStretchOnTheWayThroughAText) {
     EXPECT_THAT(states_, ElementsAre(State::kPlaying, State::kEnded, State::kIdle));
 }
 
-std::string WordsAt(const std::string& text, const ReadingNews& news) {
-    return news.stretch ? text.substr(news.stretch->sourceBegin, 20) : "";
-}
-
 // Whatever is asked for: much further than the engine has spoken, and back again.
 TEST_F(NarratorTest, GoesToAnyPlaceOfTheText) {
     const std::string text = LongText(1000);
