@@ -37,11 +37,9 @@ LSoundPlayDevice LSoundPlayDeviceChosen(const LWindow& dialog, int controlId) {
     const int entry = dialog.PDLGetCurSel(controlId);
     if (entry == dialog.PDLGetCount(controlId) - 1)
         return LSoundPlayDevice::SoundServer();
-    const std::string name = dialog.PDLGetText(controlId);
-    for (const int card : ListedCards())
-        if (entry > 0 && CardName(card) == name)
-            return LSoundPlayDevice(card);
-    return LSoundPlayDevice(0);
+    const std::vector<int> cards = ListedCards();
+    const auto index = static_cast<std::size_t>(std::max(entry - 1, 0));
+    return LSoundPlayDevice(entry > 0 && index < cards.size() ? cards[index] : 0);
 }
 
 void LSoundPlayDeviceApply(LWindow&, int, LSoundPlayDevice) {}
