@@ -33,18 +33,19 @@ void TagStream::writeBlock(const TagLib::ByteVector& data) {
     at_ += static_cast<long>(data.size());
 }
 
-void TagStream::insert(const TagLib::ByteVector& data, unsigned long start, unsigned long replace) {
-    const auto from = static_cast<long>(start + replace);
-    const auto to = static_cast<long>(start + data.size());
+void TagStream::insert(const TagLib::ByteVector& data, TagPlace place, unsigned long replace) {
+    const auto start = static_cast<long>(place);
+    const long from = start + static_cast<long>(replace);
+    const long to = start + static_cast<long>(data.size());
     const long whole = length();
     Move(from, to, std::max(whole - from, 0L));
     if (to < from)
         truncate(whole - (from - to));
-    seek(static_cast<long>(start), Beginning);
+    seek(start, Beginning);
     writeBlock(data);
 }
 
-void TagStream::removeBlock(unsigned long start, unsigned long length) {
+void TagStream::removeBlock(TagPlace start, unsigned long length) {
     insert({}, start, length);
 }
 
