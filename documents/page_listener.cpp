@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr std::size_t kLongestRaised = 200;  // bytes of what may be a mark
+
 // What a page holds but does not show, or not as text.
 constexpr SortedNames<6> kCode = {"code", "kbd", "pre", "samp", "tt", "var"};
 constexpr SortedNames<22> kUnread = {
@@ -152,8 +154,11 @@ void PageListener::BeginWords(std::string_view name, const MarkupAttributes& att
 void PageListener::BeginBlock(std::string_view name, const MarkupAttributes& attributes,
                               Element& element) {
     element.isParagraph = IsOneOf(name, kParagraphs);
-    if (element.isParagraph)
+    if (element.isParagraph) {
+        if (raisedDepth_ > 0)
+            DropRaising();
         flow_.EndParagraph();
+    }
     element.isCode = IsOneOf(name, kCode);
     if (element.isCode && code_++ == 0)
         flow_.SetCode(true);
@@ -206,6 +211,22 @@ void PageListener::EndRaised() {
     raisedHasReference_ = false;
 }
 
+// What is longer than any mark, or holds paragraphs, is text: its end was forgotten, mostly.
+void PageListener::DropRaising() {
+    if (raised_.size() > kLongestRaised)
+        flow_.Add(std::exchange(raised_, {}));
+    EndRaised();
+    raisedDepth_ = 0;
+    for (Element& element : open_)
+        element.isRaised = false;
+}
+
+void PageListener::AddRaised(std::string_view text) {
+    raised_ += text;
+    if (raised_.size() > kLongestRaised)
+        DropRaising();
+}
+
 void PageListener::EvElementEnd(std::string_view) {
     if (open_.empty())
         return;
@@ -246,7 +267,7 @@ void PageListener::EvText(std::string_view text) {
     else if (formula_.IsOpen())
         formula_.AddText(text);
     else if (raisedDepth_ > 0)
-        raised_ += text.substr(0, 4096);
+        AddRaised(text);
     else if (preformatted_ > 0)
         flow_.AddLines(text);
     else

@@ -50,6 +50,8 @@ private:
     void BeginBlock(std::string_view name, const MarkupAttributes& attributes, Element& element);
     void BeginListItem(const MarkupAttributes& attributes);
     void BeginLanguage(std::string_view tag, Element& element);
+    void AddRaised(std::string_view text);
+    void DropRaising();
     void EndRaised();
     bool EvHeadElement(std::string_view name, const MarkupAttributes& attributes);
 

@@ -70,6 +70,8 @@ TEST(Html, MarksThatPointToNotesAreNotRead) {
          "5 m², 10⁻⁶, sin² x, 4th", "5 m², 10⁻⁶, sin² x, 4th"},
         {"x<a epub:type='noteref' href='n.html#1'>1</a>y<a role='doc-noteref'><sup>1</sup></a>",
          "xy", "x1y[1]"},
+        {"a<sup>Note<h2>b</h2><p>c<sup>4</sup><p>d", "aNote\n\nb\n\nc⁴\n\nd",
+         "aNote\n\nb\n\nc⁴\n\nd"},
         {"<pre>array[1] b[a]</pre>", "array[1] b[a]", "array[1] b[a]"},
         {"<tt>argv[0]</tt>. <code>tty</code>[1] -x[1234]", "argv[0]. tty -x[1234]",
          "argv[0]. tty[1] -x[1234]"},
@@ -81,6 +83,10 @@ TEST(Html, MarksThatPointToNotesAreNotRead) {
         EXPECT_EQ(Read(page), item.text);
         EXPECT_EQ(Read(page, rules), item.withMarks);
     }
+    std::string accents;
+    for (int i = 0; i < 2500; ++i)
+        accents += "é";
+    EXPECT_EQ(Read("<html><body>" + ("b<sup>" + accents) + "</sup> c"), "b" + accents + " c");
 }
 
 TEST(Html, ListsKeepTheirNumbersAndFormulasAreReadOnce) {
