@@ -7,10 +7,17 @@
 #include "documents/reference_mark.h"
 #include "documents/small_texts.h"
 #include "documents/zip_index.h"
+#include "foundation/whole_characters.h"
 
 namespace {
 
 constexpr std::size_t kMostSides = 20;
+// What holds text beside that of the paragraph it is anchored in.
+constexpr SortedNames<14> kSides = {
+    "caption",         "circle",  "connector", "custom-shape", "ellipse",  "line",
+    "measure",         "note",    "path",      "polygon",      "polyline", "rect",
+    "regular-polygon", "text-box"};
+static_assert(std::is_sorted(kSides.begin(), kSides.end()));
 
 // "super 58%", "33% 58%".
 bool IsRaised(const MarkupAttributes& attributes) {
@@ -89,7 +96,7 @@ bool OdtListener::EvElement(std::string_view name, const MarkupAttributes& attri
         ++descriptions_;
     else if (IsCell(name))
         ++cells_;
-    return (name != "note" && name != "text-box") || BeginSide(name);
+    return !IsOneOf(name, kSides) || BeginSide(name);
 }
 
 void OdtListener::BeginStyle(std::string_view name, const MarkupAttributes& attributes) {
@@ -184,7 +191,7 @@ void OdtListener::BeginParagraph(std::string_view name, const MarkupAttributes& 
         Flow().AddListMark(std::exchange(itemMark_, {}));
 }
 
-// A note or a text box. One that stands in no paragraph is read where it stands.
+// A note, a text box or a shape. One that stands in no paragraph is read where it stands.
 bool OdtListener::BeginSide(std::string_view name) {
     const bool isNote = name == "note";
     if (paragraphs_ == 0 && !isNote && sides_.empty())
@@ -261,7 +268,7 @@ void OdtListener::EvElementEnd(std::string_view name) {
         Flow().EndParagraph();
     } else if (IsCell(name) && cells_ > 0) {
         --cells_;
-    } else if (name == "note" || (name == "text-box" && !sides_.empty())) {
+    } else if (IsOneOf(name, kSides)) {
         EndSide();
     } else if (name == "list-style") {
         levels_ = nullptr;
@@ -276,7 +283,7 @@ void OdtListener::EvText(std::string_view text) {
     else if (formula_.IsOpen())
         formula_.AddText(text);
     else if (descriptions_ > 0)
-        description_ += text.substr(0, kLongestFact);
+        description_ += WholeCharacters(text, kLongestFact);
     else if (bodies_ == 0 || paragraphs_ == 0)
         return;
     else if (areRaised_.empty() || !areRaised_.back())

@@ -121,9 +121,11 @@ TEST(Office, NoWordOfAnOdtIsLost) {
          "<text:p>text<text:note><text:note-citation>1</text:note-citation><text:note-body><text:p>"
          "the note</text:p></text:note-body></text:note> goes<draw:frame><svg:title>a "
          "cat</svg:title>"
-         "<draw:text-box><text:p>Figure 1</text:p></draw:text-box></draw:frame> on</text:p>"
+         "<draw:text-box><text:p>Figure 1</text:p></draw:text-box></draw:frame> "
+         "on<draw:custom-shape>"
+         "<text:p>shape</text:p></draw:custom-shape></text:p>"
          "<text:p>next</text:p>",
-         "text goes Picture: a cat on\n\nNote: the note\n\nFigure 1\n\nnext"},
+         "text goes Picture: a cat on\n\nNote: the note\n\nFigure 1\n\nshape\n\nnext"},
         {"numbers",
          "<text:list-style style:name='L'><text:list-level-style-number text:level='1' "
          "style:num-format='1' style:num-suffix='.'/><text:list-level-style-number text:level='2' "
