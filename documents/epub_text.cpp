@@ -7,6 +7,7 @@
 #include "documents/html_text.h"
 #include "documents/problems.h"
 #include "documents/zip_entries.h"
+#include "foundation/whole_characters.h"
 
 namespace {
 
@@ -136,7 +137,7 @@ private:
                                                : std::to_string(names.size()) +
                                                      " files of the book are missing or damaged: ";
         for (std::size_t i = 0; i < std::min(names.size(), kNamedMissing); ++i)
-            remark += (i == 0 ? "\"" : ", \"") + names[i].substr(0, 200) + "\"";
+            remark.append(i == 0 ? "\"" : ", \"").append(WholeCharacters(names[i], 200)) += '"';
         return remark + (names.size() > kNamedMissing ? ", ..." : ".");
     }
 

@@ -7,6 +7,7 @@
 
 #include "documents/small_texts.h"
 #include "documents/surrounding_names.h"
+#include "foundation/whole_characters.h"
 
 namespace {
 
@@ -125,7 +126,7 @@ void PageParts::EvElementEnd(std::string_view) {
 
 void PageParts::EvText(std::string_view text) {
     if (isInTitle_) {
-        title_ += text.substr(0, kLongestHeadingText);
+        title_ += WholeCharacters(text, kLongestHeadingText);
         return;
     }
     PagePart& part = parts_[open_];
@@ -140,7 +141,7 @@ void PageParts::EvText(std::string_view text) {
     if (!headings_.empty() && headings_.back().text.size() < kLongestHeadingText)
         for (std::size_t i = open_;; i = parts_[i].parent) {
             if (i == headings_.back().part)
-                headings_.back().text += text.substr(0, kLongestHeadingText);
+                headings_.back().text += WholeCharacters(text, kLongestHeadingText);
             if (i <= headings_.back().part)
                 break;
         }

@@ -12,6 +12,7 @@
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
 #include "foundation/processes/child_process.h"
+#include "foundation/whole_characters.h"
 
 namespace {
 
@@ -79,7 +80,7 @@ std::string TitleIn(std::string_view front) {
     std::string title(rest.substr(0, rest.find('\n')));
     std::erase(title, '"');
     title.erase(0, title.find_first_not_of(kWhiteSpace));
-    return title.substr(0, kLongestFact);
+    return std::string(WholeCharacters(title, kLongestFact));
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "documents/small_texts.h"
 #include "documents/xml_text.h"
 #include "documents/zip_index.h"
+#include "foundation/whole_characters.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ public:
     void EvElementEnd(std::string_view) override { fact_ = nullptr; }
     void EvText(std::string_view text) override {
         if (fact_ != nullptr)
-            *fact_ += text.substr(0, kLongestFact);
+            *fact_ += WholeCharacters(text, kLongestFact);
     }
 
 private:
