@@ -1,5 +1,9 @@
 #include "documents/recognised_text.h"
 
+#include <glib.h>
+#include <unicode/uloc.h>
+
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -16,48 +20,78 @@ namespace {
 
 constexpr std::size_t kLargestPicture = 64U << 20;  // of a page
 constexpr std::size_t kMostScans = 2000;
-constexpr int kMostRanges = 20;    // of missing pages that are told
-constexpr int kMostLanguages = 6;  // each takes time of its own
+constexpr int kMostRanges = 20;            // of missing pages that are told
+constexpr std::size_t kMostLanguages = 6;  // each takes time of its own
 
-// "deu+eng": what is installed, scripts and the detector of the page's direction aside.
-std::string InstalledLanguages(const ReadingWatch& watch) {
+// Of the user's languages, as this program names them, and English.
+std::vector<std::string> LikelyLanguages() {
+    std::vector<std::string> likely;
+    for (const char* const* name = g_get_language_names(); *name != nullptr; ++name) {
+        const std::string language = uloc_getISO3Language(*name);
+        if (language == "zho")
+            likely.emplace_back("chi");
+        else if (language == "nob" || language == "nno")
+            likely.emplace_back("nor");
+        else if (!language.empty())
+            likely.push_back(language);
+    }
+    likely.emplace_back("eng");
+    return likely;
+}
+
+// What is installed, scripts and the detector of the page's direction aside.
+std::vector<std::string> InstalledLanguages(const ReadingWatch& watch) {
     std::string list;
     RunProgram("tesseract --list-langs 2>&1", {}, watch, [&list](std::string_view part) {
         list += part;
         return list.size() < kReadAtOnce;
     });
-    std::string languages;
-    int count = 0;
+    std::vector<std::string> languages;
     std::size_t at = list.find('\n');
-    while (at != std::string::npos && count < kMostLanguages) {
+    while (at != std::string::npos) {
         const std::size_t end = list.find('\n', ++at);
         const std::string name = list.substr(at, end == std::string::npos ? end : end - at);
         at = end;
-        if (name.empty() || name == "osd" || name == "equ" ||
-            name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_") != std::string::npos)
-            continue;
-        languages += (count++ == 0 ? "" : "+") + name;
+        if (!name.empty() && name != "osd" && name != "equ" &&
+            name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_") == std::string::npos)
+            languages.push_back(name);
     }
     return languages;
+}
+
+// "deu+eng": the likely ones first, others as far as they fit.
+std::string ChosenLanguages(const ReadingWatch& watch) {
+    std::vector<std::string> languages = InstalledLanguages(watch);
+    auto rest = languages.begin();
+    for (const std::string& likely : LikelyLanguages())
+        rest = std::stable_partition(rest, languages.end(), [&likely](const std::string& name) {
+            return name.starts_with(likely);
+        });
+    std::string chosen;
+    for (std::size_t i = 0; i < std::min(languages.size(), kMostLanguages); ++i)
+        chosen += (i == 0 ? "" : "+") + languages[i];
+    return chosen;
 }
 
 class Recogniser {
 public:
     Recogniser(const ReadingWatch& watch, const DocumentRules& rules)
-        : rules_(rules), languages_(InstalledLanguages(watch)) {
+        : rules_(rules), languages_(ChosenLanguages(watch)) {
         if (watch.WantsBeginning())
             growing_ = std::make_unique<GrowingPages>(rules);
     }
 
     bool HasLanguage() const { return !languages_.empty(); }
     std::size_t Pages() const { return pages_; }
+    bool HasText() const { return text_.find_first_not_of(" \n\f") != std::string::npos; }
 
-    // One page, or the pages of one file.
+    // One page, or the pages of one file. Lines come as they are recognised, so that those of a
+    // run that is ended are not lost.
     ProgramOutcome Read(std::string_view picture, const ReadingWatch& watch) {
         std::string text;
         const ProgramOutcome outcome =
-            RunProgram("env OMP_THREAD_LIMIT=1 tesseract stdin stdout -l " + languages_, picture,
-                       watch, [&text](std::string_view part) {
+            RunProgram("env OMP_THREAD_LIMIT=1 stdbuf -oL tesseract stdin stdout -l " + languages_,
+                       picture, watch, [&text](std::string_view part) {
                            text += part;
                            return text.size() <= kLargestDocumentText;
                        });
@@ -161,6 +195,13 @@ Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
     if (std::string lack = Lack(recogniser); !lack.empty())
         return DocumentProblem(std::move(lack));
     const ProgramOutcome outcome = recogniser.Read(bytes, watch.Anew(kPagePatience));
+    if ((outcome == ProgramOutcome::kFailed || outcome == ProgramOutcome::kEnded) &&
+        recogniser.HasText() && !watch.WasStopped()) {
+        Document document = recogniser.Take();
+        document.remark +=
+            " It took too long or is damaged further on: what was recognised by then is read.";
+        return document;
+    }
     if (outcome == ProgramOutcome::kFailed)
         return DocumentProblem("The picture is damaged or of a kind that cannot be read.");
     if (std::string problem = ProgramProblem("tesseract", outcome, watch.Anew()); !problem.empty())

@@ -200,6 +200,19 @@ TEST(Programs, PagesOfAScanThatHangOrFailAreToldAndCostNoOthers) {
     EXPECT_EQ(scan.text.substr(scan.pages[4]), "Page 5.\n");
 }
 
+// A picture of many pages whose recognition is ended; the user's languages come first.
+TEST(Programs, WhatWasRecognisedOfAPictureIsKept) {
+    const ScratchFolder folder;
+    folder.WriteProgram("tesseract",
+                        "[ $1 = --list-langs ] && printf '%s\\n' List afr amh ara asm aze bel deu "
+                        "eng && exit\necho \"$4\"\nkill -KILL $$\n");
+    const ScopedVariable path("PATH", (folder.Path() + ":" + std::getenv("PATH")).c_str());
+    const ScopedVariable language("LANGUAGE", "de_AT");
+    const Document picture = ReadDocument("\x89PNG\r\n\x1a\n");
+    EXPECT_THAT(picture.text, HasSubstr("deu+eng+afr+amh+ara+asm")) << picture.problem;
+    EXPECT_THAT(picture.remark, HasSubstr("recognised by then is read"));
+}
+
 // What is missing is named with its package; Markdown is readable as it stands.
 TEST(Programs, WhatIsNotInstalledIsNamed) {
     const std::string path = std::getenv("PATH");
