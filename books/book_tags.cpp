@@ -40,6 +40,16 @@ std::string TrackText(const BookTags& tags) {
     return std::to_string(tags.track) + "/" + std::to_string(tags.tracks);
 }
 
+// Version 2 of the library finds the factory of its frames itself.
+template <typename File>
+File WithFrames(TagStream& stream) {
+#if TAGLIB_MAJOR_VERSION < 2
+    return File(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
+#else
+    return File(&stream, false);
+#endif
+}
+
 constexpr int kAacFrame = 1024;  // of which one stands before the sound
 
 // Players on ffmpeg's libraries take the length of a frame within a chapter's for a plain number
@@ -91,7 +101,7 @@ void AddChapterFrames(TagLib::ID3v2::Tag& tag, const std::vector<ChapterMark>& c
 }
 
 bool TagMp3(TagStream& stream, const BookTags& tags) {
-    TagLib::MPEG::File file(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
+    auto file = WithFrames<TagLib::MPEG::File>(stream);
     if (!file.isOpen())
         return false;
     TagLib::ID3v2::Tag& tag = *file.ID3v2Tag(true);
@@ -159,7 +169,7 @@ bool TagOpus(TagStream& stream, const BookTags& tags) {
 }
 
 bool TagFlac(TagStream& stream, const BookTags& tags) {
-    TagLib::FLAC::File file(&stream, TagLib::ID3v2::FrameFactory::instance(), false);
+    auto file = WithFrames<TagLib::FLAC::File>(stream);
     if (!file.isValid())
         return false;
     FillComments(*file.xiphComment(true), tags);
