@@ -75,7 +75,9 @@ bool DocxListener::EvElement(std::string_view name, const MarkupAttributes& attr
         return false;
     if (name == "oMath" || formula_.IsOpen())
         return formula_.Begin(OfficeMathPart(name));
-    if (name == "p") {
+    if (name == "altChunk") {
+        ++otherFiles_;
+    } else if (name == "p") {
         paragraphs_.emplace_back();
     } else if (name == "txbxContent") {
         if (boxes_.size() >= kMostTextBoxes)

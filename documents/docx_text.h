@@ -27,6 +27,9 @@ public:
     void SetNotes(const DocxNotes* footnotes, const DocxNotes* endnotes);
     void SetDrawings(OfficeDrawings* drawings) { drawings_ = drawings; }  // of the document
 
+    // How many whole files stand in the text that are not read.
+    int OtherFiles() const { return otherFiles_; }
+
     bool EvElement(std::string_view name, const MarkupAttributes& attributes) override;
     void EvElementEnd(std::string_view name) override;
     void EvText(std::string_view text) override;
@@ -68,6 +71,7 @@ private:
     FormulaText formula_;
     int texts_ = 0;
     int cells_ = 0;
+    int otherFiles_ = 0;
     bool isHidden_ = false;
     bool isRaised_ = false;
     std::string language_;  // of the run

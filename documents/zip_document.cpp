@@ -58,8 +58,12 @@ Document ReadDocx(std::string_view bytes, const ZipIndex& index, const std::stri
     listener.SetNotes(&footnotes, &endnotes);
     OfficeDrawings drawings(index, mainPart);
     listener.SetDrawings(&drawings);
-    return Finished(ReadXmlEntry(bytes, mainPart, listener, flow, watch), flow,
-                    index.Content("docProps/core.xml"));
+    Document document = Finished(ReadXmlEntry(bytes, mainPart, listener, flow, watch), flow,
+                                 index.Content("docProps/core.xml"));
+    if (document.problem.empty() && listener.OtherFiles() > 0)
+        document.remark = "Other files that were put into the document are left out: " +
+                          std::to_string(listener.OtherFiles()) + ".";
+    return document;
 }
 
 Document ReadPptx(std::string_view bytes, const ZipIndex& index, const ReadingWatch& watch,

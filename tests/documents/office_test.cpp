@@ -103,6 +103,8 @@ TEST(Office, NoWordOfADocxIsLost) {
         ReadDocument(DocxWith(Paragraph(RunOf("Head"), "<w:pStyle w:val='b'/>") +
                                   Paragraph(RunOf("ja", "<w:lang w:val='de-DE'/>") + RunOf(" no")),
                               notes));
+    EXPECT_EQ(ReadDocument(DocxWith("<w:altChunk/>" + Paragraph(RunOf("a")), notes)).remark,
+              "Other files that were put into the document are left out: 1.");
     EXPECT_EQ(document.title + document.author, "TAnn");
     ASSERT_EQ(document.headings.size(), 1U);
     EXPECT_EQ(document.headings[0].level, 2);
