@@ -8,6 +8,9 @@
 
 #include "speech/sentence_rules.h"
 
+// On either side of such a place; more of them are looked at as if they ended there.
+constexpr int kMostMarks = 32;  // and blanks
+
 // What stands on both sides of a place where a sentence may end.
 struct SentenceRules::Around {
     std::size_t begin;          // of the word before

@@ -15,7 +15,6 @@ constexpr gunichar kFirstArmenian = 0x0530;
 constexpr gunichar kFirstDevanagari = 0x0900;
 constexpr gunichar kWideColon = 0xFF1A;
 constexpr gunichar kUrduStop = 0x06D4;
-constexpr int kMostMarks = 32;  // and blanks, on either side of a stop
 
 bool IsCaseless(gunichar character) {
     return g_unichar_isalpha(character) != 0 && g_unichar_islower(character) == 0 &&

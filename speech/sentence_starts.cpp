@@ -56,11 +56,15 @@ std::vector<std::size_t> SentenceRules::OwnStarts() const {
 // Of a dash behind a blank: what is said behind the end of a sentence, not who said it.
 bool SentenceRules::BeginsSpeech(std::size_t dash) const {
     std::size_t at = LastBefore(dash);
-    while (at > 0 && IsCloser(CharacterAt(text_, at)))
+    for (int marks = 0; at > 0 && marks < kMostMarks && IsCloser(CharacterAt(text_, at)); ++marks)
         at = LastBefore(at);
     std::size_t next = dash + BytesOf(CharacterAt(text_, dash));
-    while (IsWhite(CharacterAt(text_, next)) || g_unichar_ispunct(CharacterAt(text_, next)) != 0)
-        next += BytesOf(CharacterAt(text_, next));
+    for (int marks = 0; marks < kMostMarks; ++marks) {
+        const gunichar character = CharacterAt(text_, next);
+        if (!IsWhite(character) && g_unichar_ispunct(character) == 0)
+            break;
+        next += BytesOf(character);
+    }
     return IsStop(CharacterAt(text_, at)) && g_unichar_isupper(CharacterAt(text_, next)) != 0;
 }
 
