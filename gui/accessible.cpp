@@ -6,7 +6,7 @@ namespace {
 
 constexpr guint kFirstTelling = 250;  // milliseconds; each later one after twice the time
 constexpr guint kLastTelling = 8000;
-constexpr guint kNewsStays = 10'000;
+constexpr guint kNewsStays = 60'000;
 
 void TellFocus(GtkWindow* window) {
     // What is told twice is said once. A menu that is open has its own idea of the focus.
