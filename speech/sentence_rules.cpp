@@ -101,8 +101,13 @@ std::size_t SentenceRules::WordBegin(std::size_t stop) const {
     // "l'Ing."
     for (const std::string_view mark : {"'", "’"})
         if (const std::size_t elided = text_.substr(0, stop).rfind(mark);
-            elided != std::string_view::npos && elided >= begin && elided + mark.size() + 1 < stop)
-            begin = elided + mark.size();
+            elided != std::string_view::npos && elided >= begin &&
+            elided + mark.size() + 1 < stop) {
+            const std::size_t behind = elided + mark.size();
+            const std::string_view word = text_.substr(behind, stop - behind);
+            if (word != "est" && word != "ago")  // "de l’est.": no short forms there
+                begin = behind;
+        }
     // A word behind others that no blank parts: "山田B."
     for (std::size_t place = begin; place < stop;) {
         const gunichar character = CharacterAt(text_, place);
@@ -287,6 +292,9 @@ bool SentenceRules::IsStreet(const Around& around) const {
     constexpr std::string_view kStreets[] = {"St", "Ave", "Rd", "Blvd"};
     constexpr std::string_view kOrdinals[] = {"st", "nd", "rd", "th"};
     const std::string_view number = around.previous;
+    // "the 25th St. Petersburg Forum"
+    if (around.word == "St" && !BeginsSentences(around.next) && around.next != "Turn")
+        return false;
     return std::ranges::find(kStreets, around.word) != std::end(kStreets) && number.size() > 2 &&
            g_ascii_isdigit(number[0]) &&
            std::ranges::find(kOrdinals, number.substr(number.size() - 2)) != std::end(kOrdinals);
@@ -295,6 +303,14 @@ bool SentenceRules::IsStreet(const Around& around) const {
 // "ul. Długiej 5. Pracuje", where what an ordinal number stands before is written small.
 bool SentenceRules::IsHouseNumber(const Around& around) const {
     constexpr std::string_view kSmallMonths[] = {"pl", "cs", "sk", "sl", "hr"};
+    constexpr std::string_view kStreets[] = {"ul. ", "al. ", "pl. ", "os. ", "nám. ", "ulica "};
+    constexpr std::size_t kNear = 48;
+    const std::size_t near = around.begin - std::min(around.begin, kNear);
+    const std::string_view before = text_.substr(near, around.begin - near);
+    if (std::ranges::none_of(kStreets, [before](std::string_view street) {
+            return before.find(street) != std::string_view::npos;
+        }))
+        return false;
     return g_unichar_isupper(CharacterAt(around.previous, 0)) != 0 && around.begin > 0 &&
            CharactersIn(around.previous) > 2 && g_unichar_isupper(around.nextCharacter) != 0 &&
            std::ranges::find(kSmallMonths, language_) != std::end(kSmallMonths);
@@ -304,7 +320,10 @@ bool SentenceRules::IsHouseNumber(const Around& around) const {
 bool SentenceRules::LetterEnds(const Around& around) const {
     if (g_unichar_islower(CharacterAt(around.word, 0)) != 0 && EndsInNumber(around.previous))
         return g_unichar_isupper(around.nextCharacter) != 0 && CharactersIn(around.next) > 1;
-    return BeginsSentences(around.next) && CharactersIn(around.next) > 1 &&
+    const std::size_t behind = around.nextAt + around.next.size() + 1;
+    const bool isOfName = language_ != "de" && MayBeOfName(around.next, "") &&  // "J. Le Goff"
+                          g_unichar_isupper(CharacterAt(text_, behind)) != 0;
+    return BeginsSentences(around.next) && CharactersIn(around.next) > 1 && !isOfName &&
            !MayBeOfName(around.next, language_);
 }
 
@@ -321,9 +340,12 @@ bool SentenceRules::AbbreviationEnds(const Around& around) const {
     const gunichar first = CharacterAt(around.word, 0);
     // "etc. The"; "U.S. How", but "U.S. Government"; scripts without our list of
     // beginnings.
-    const bool isInitials = g_unichar_isupper(first) != 0;  // "Л.Н. Толстой"
+    constexpr gunichar kFirstCyrillic = 0x0400;
+    const bool isInitials = first >= kFirstCyrillic && g_unichar_isupper(first) != 0 &&
+                            CharactersIn(around.word) <= 3;  // "Л.Н. Толстой"
     if (first >= 0x80 && !isInitials)
         return g_unichar_isupper(around.nextCharacter) != 0;
-    const bool isBracketAhead = around.opening == '(' || around.opening == '[';
+    const bool isBracketAhead =
+        (around.opening == '(' || around.opening == '[') && g_unichar_isupper(first) != 0;
     return BeginsSentences(around.next) || (around.nextIsOpened && !isBracketAhead);
 }

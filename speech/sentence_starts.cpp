@@ -65,7 +65,10 @@ bool SentenceRules::BeginsSpeech(std::size_t dash) const {
             break;
         next += BytesOf(character);
     }
-    return IsStop(CharacterAt(text_, at)) && g_unichar_isupper(CharacterAt(text_, next)) != 0;
+    // "Mon. – Fri.", "The U.S. – Mexico border"
+    const bool isShortened = CharacterAt(text_, at) == '.' && CharacterAt(text_, dash) != 0x2014;
+    return IsStop(CharacterAt(text_, at)) && !isShortened &&
+           g_unichar_isupper(CharacterAt(text_, next)) != 0;
 }
 
 // "« Vous êtes sûr ? — Absolument. »": within one quotation several speak.
@@ -99,8 +102,11 @@ void SentenceRules::FindListItems() {
     if (IsBullet(bullet)) {
         const std::string_view mark = text_.substr(0, BytesOf(bullet));
         // "— Из Москвы, — ответила она.", where a list has no stops.
-        const bool isDialogue =
-            IsDash(bullet) && text_.find_first_of(".!?") != std::string_view::npos;
+        bool isDialogue = false;
+        for (std::size_t at = text_.find_first_of(".!?");
+             IsDash(bullet) && !isDialogue && at != std::string_view::npos;
+             at = text_.find_first_of(".!?", at + 1))
+            isDialogue = at + 1 >= text_.size() || !g_ascii_isalnum(text_[at + 1]);
         for (std::size_t at = text_.find(mark, 1); at != std::string_view::npos;
              at = text_.find(mark, at + 1))
             if (text_[at - 1] == ' ' && (!isDialogue || BeginsSpeech(at)))

@@ -30,14 +30,14 @@ constexpr LanguageWords kLanguages[] = {
     {"en", " the and of to is that it was you for with are this have not ",
      " Messrs Mme Rev Hon Gov Sgt Cpl Pvt Maj Cmdr Supt Sen Rep Pres Ave Blvd "
      "Rd Mt Ft Jan Feb Mar "
-     "Apr Jun Jul Aug Sep Sept Oct Nov Dec Tue Tues Weds Thur Thurs viz ca approx deg dept est "
+     "Apr Jun Jul Aug Sep Sept Oct Nov Dec viz ca approx dept est "
      "govt "},
     {"de", " der die das und ist nicht ein eine zu den mit auf von im sich des dem ",
      " med z.B z. B d.h d. h u.a u. a o.ä bzw ca evtl ggf inkl Hr Hrn Fr Frl Str "
      "Tel Abb Abs Art Bd "
      "Mio Mrd Nr S s vgl Ing Dipl Kfm Rd Abt Aufl Verf v.a zzgl Jh St sog rd "
      "i.d.R m.E z.T z.Zt "
-     "gem jmd jmdn jmdm bspw bes ehem einschl max min mind mtl südl nördl zul ges lt tel usf "
+     "gem jmd jmdn jmdm bspw bes ehem einschl mind mtl südl nördl zul tel "
      "Jan Feb Apr Aug Sept Okt Nov Dez Mag Univ Hrsg Inh geb gest "},
     {"fr", " le la les et est un une des dans que qui pour pas au du sur il elle ce ",
      " apr aprox M MM Mme Mmes Mlle Mlles Me Mgr av env ex bd éd fasc ibid janv févr "
@@ -50,7 +50,7 @@ constexpr LanguageWords kLanguages[] = {
     {"it", " il lo gli di che è un una per non con del della sono si nel le ",
      " Egr egr Ing Geom Arch Sig sig Sigg Sig.ra Sig.na dott Dott prof Prof ing Ing avv Avv geom "
      "pag "
-     "pagg cap art es ecc.to lun mar mer gio ven gen feb apr mag giu lug ago sett ott nov dic "
+     "pagg cap art es ecc.to lun mar mer gio ven gen feb apr mag giu lug sett ott nov dic "
      "psicol "
      "on On n N tel v ca p.es sec arch "},
     {"pt", " o os as e é um uma que em para com não do da dos das se ",
@@ -109,7 +109,7 @@ constexpr std::string_view kNeedsNumber =
     "Abb "
     "afb εικ αρ κεφ μέρος पृ ";
 constexpr std::string_view kMayEnd =
-    " Calif Mass Conn Penn Tenn Ariz Ill Wis Minn Okla Wash Fla App Co co Inc Ltd Corp Jr Sr Bros "
+    " Calif Conn Tenn Ariz Ill Wis Minn Okla Wash Fla App Co co Inc Ltd Corp Jr Sr Bros "
     "Esq etc Etc a.m p.m A.M P.M U.S U.K E.U enz osv o.s.v "
     "U.N U.S.A D.C B.C A.D "
     "Ph.D M.D B.A M.A st St ave Ave Rd rd Blvd dept usw ecc etc.a enz itd itp "
@@ -164,7 +164,7 @@ constexpr std::string_view kBeginners =
     "Он Она Оно Они Мы Вы Я Ты И А Но Это Этот Эта В На С По Как Что Когда Где "
     "Почему Так Если "
     "Там Тут Все Уже Было Был Была "
-    "Det De Jeg Han Hun Vi Og Men Hvad Hvor Hvordan Når Hon Jag Vad Hur När Och ";
+    "Det De Jeg Hun Og Hvad Hvor Hvordan Når Jag Vad När Och ";
 constexpr std::string_view kTitles = " Mr Mrs Ms Dr Prof Herr Frau Mme Sr Sra ";
 constexpr std::string_view kDottedOrdinals =
     " de cs pl fi da nb no sk sl hr sr hu et lv lt tr is eu ";

@@ -150,9 +150,10 @@ std::optional<std::size_t> SpokenForms::RomanNumeral(std::size_t at) {
     const std::string before = WordBefore(at);
     const bool isMan = IsAmong(forms_->men, before);
     const bool isWoman = IsAmong(forms_->women, before);
+    // "The IV drip"
     const bool isCapital = before.size() > 2 &&
                            g_unichar_isupper(g_utf8_get_char(before.c_str())) != FALSE &&
-                           !BeginsSentences(before);  // "The IV drip"
+                           (!BeginsSentences(before) || text_.substr(at, end - at) != "IV");
     const OwnedText small(g_utf8_strdown(before.c_str(), -1));
     const bool isCounted = IsAmong(forms_->counted, small.get());
     if (!isMan && !isWoman && !isCounted && (!isCapital || end - at == 1))
