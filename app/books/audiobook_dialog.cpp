@@ -60,6 +60,7 @@ void AudiobookDialog::InitDialog() {
          {kBookFormat, kBookQuality, kBookFiles, kBookVoice, kBookSpeed, kSilence, kSubtitleForm})
         HandlePDLSelChange(list);
     voicesShown_ = 0;
+    saysGoOn_ = false;
     FillVoices(voice_);
     ShowChoices();
     for (std::size_t i = 0; i < list_.Count(); ++i)
@@ -168,7 +169,9 @@ void AudiobookDialog::EnableControls() {
         canStart = canStart || list_.IsOpen(i);
     gtk_dialog_set_response_sensitive(GTK_DIALOG(Widget()), GTK_RESPONSE_OK, canStart ? 1 : 0);
     EnableControl(kPause, list_.Queue().IsAtWork());
-    SetButtonText(kPause, list_.Queue().IsPaused() ? "&Go On" : "&Pause");
+    if (const bool isPaused = list_.Queue().IsPaused();
+        std::exchange(saysGoOn_, isPaused) != isPaused)
+        SetButtonText(kPause, isPaused ? "&Go On" : "&Pause");
     ShowBooks();
 }
 

@@ -53,6 +53,7 @@ private:
     bool isRestored_ = false;
     int voice_ = -1;
     int voicesShown_ = 0;
+    bool saysGoOn_ = false;  // what pauses; each change of its name is heard
     std::string shownEstimate_;
     LGuiTimer timer_;
 };
