@@ -144,12 +144,13 @@ std::string DocxStyles::NextNumber(const ListPlace& place) {
     // otherwise.
     std::vector<int>& counts = counts_[list->second];
     counts.resize(kMostListLevels, 0);
-    if (const auto starts = starts_.find(place.list); starts != starts_.end()) {
-        for (const auto& [level, start] : starts->second)
-            counts[level] = start - 1;
-        starts_.erase(starts);
-    }
     counts[depth] = counts[depth] == 0 ? levels[depth].start : counts[depth] + 1;
+    // Of this level alone: the list around it goes on.
+    if (const auto starts = starts_.find(place.list); starts != starts_.end())
+        if (const auto own = starts->second.find(depth); own != starts->second.end()) {
+            counts[depth] = own->second;
+            starts->second.erase(own);
+        }
     std::fill(counts.begin() + place.level + 1, counts.end(), 0);
     if (!isNumbered)
         return {};

@@ -55,10 +55,17 @@ void JoinInitials(PdfPage& page) {
             initials.push_back(line);
     if (initials.size() > kMostInitials)
         return;
-    for (const PdfLine& initial : initials)
-        if (Join(page, initial))
-            page.erase(std::find_if(page.begin(), page.end(), [&initial](const PdfLine& line) {
+    for (const PdfLine& initial : initials) {
+        const auto find = [&page, &initial] {
+            return std::find_if(page.begin(), page.end(), [&initial](const PdfLine& line) {
                 return line.text == initial.text && line.top == initial.top &&
                        line.left == initial.left;
-            }));
+            });
+        };
+        // A larger one beside it may have taken it.
+        if (find() == page.end() || !Join(page, initial))
+            continue;
+        if (const auto joined = find(); joined != page.end())
+            page.erase(joined);
+    }
 }

@@ -179,11 +179,17 @@ void Decode(std::string& bytes, std::string_view type, std::string_view name) {
     const DocumentKind kind = KindOf(bytes, name);
     const bool isText = kind == DocumentKind::kHtml || kind == DocumentKind::kPlainText ||
                         kind == DocumentKind::kMarkdown;
+    // What is whole UTF-8 beyond ASCII is nothing else, whatever the server says.
+    const bool isUtf8 =
+        g_utf8_validate(bytes.data(), static_cast<gssize>(bytes.size()), nullptr) != 0 &&
+        std::ranges::any_of(bytes, [](char byte) { return (byte & 0x80) != 0; });
     if (at == std::string_view::npos || !isText || IsByteOrderMarked(bytes))
         return;
     std::string charset(type.substr(at + kCharset.size()));
     charset.resize(std::min(charset.find_first_of("; "), charset.size()));
     std::erase(charset, '"');
+    if (isUtf8)
+        charset = "utf-8";
     if (const std::optional<std::string> text = DecodeCharset(bytes, charset); text)
         bytes = "\xef\xbb\xbf" + *text;
 }
