@@ -156,9 +156,11 @@ bool IsPdf(std::string_view bytes) {
     constexpr std::string_view kMark = "%PDF-";
     const std::string_view within = bytes.substr(0, kPdfMarkWithin);
     for (std::size_t at = within.find(kMark); at != std::string_view::npos;
-         at = within.find(kMark, at + 1))
-        if (at == 0 || !g_ascii_isprint(within[at - 1]))
+         at = within.find(kMark, at + 1)) {
+        const std::size_t before = within.substr(0, at).find_last_not_of(' ');
+        if (before == std::string_view::npos || !g_ascii_isprint(within[before]))
             return true;
+    }
     return false;
 }
 

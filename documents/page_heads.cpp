@@ -18,6 +18,7 @@ constexpr int kMostPages = 100000;
 constexpr std::size_t kLeastPagesOfAll = 10;  // fewer may be one slide that grows
 constexpr std::size_t kMostHeadWords = 16;
 constexpr double kBesideNumber = 0.4;    // of the letters' height
+constexpr double kLargeLetters = 1.15;   // of the usual ones' height
 constexpr std::size_t kMostNumbers = 3;  // of a line that may be the page's
 
 // In small letters. What stands beside a page's number; what stands beside a date's.
@@ -107,6 +108,7 @@ struct Head {
     std::vector<std::string> keys;   // equal to others but for a number that rises with the pages
     std::string edge;                // equal where such a number is the line's first or last word
     std::vector<std::string> words;  // but numbers
+    bool isHigh = false;             // in larger letters than the text, as titles are
 };
 
 // "Chapter 2", "Question 2 of 9", "12 March": what a number belongs to that is not the page's.
@@ -216,17 +218,38 @@ private:
     void ForEachHead(const Take& take) const {
         for (std::size_t page = 0; page < pages_.size(); ++page)
             for (const auto& [line, isBelow] : OuterLines(pages_[page]))
-                if (pages_[page][line].text.size() <= kLongestHead)
-                    take(line, HeadOf(pages_[page][line], page, isBelow));
+                if (pages_[page][line].text.size() <= kLongestHead) {
+                    Head head = HeadOf(pages_[page][line], page, isBelow);
+                    head.isHigh = usualHeight_ > 0 &&
+                                  pages_[page][line].height > usualHeight_ * kLargeLetters;
+                    take(line, head);
+                }
+    }
+
+    // Of most letters.
+    double UsualHeight() const {
+        std::map<long, std::size_t> letters;  // by half points
+        for (const PdfPage& page : pages_)
+            for (const PdfLine& line : page)
+                letters[std::lround(line.height * 2)] += line.text.size();
+        const auto most = std::max_element(
+            letters.begin(), letters.end(),
+            [](const auto& one, const auto& other) { return one.second < other.second; });
+        return most == letters.end() ? 0 : static_cast<double>(most->first) / 2;
     }
 
     bool Rises(const Head& head) {
+        // "Results (1/3)": the parts of what has the title.
+        if (head.isHigh && !head.words.empty() && head.text.find('/') != std::string::npos)
+            return false;
         return std::any_of(head.keys.begin(), head.keys.end(),
                            [this](const auto& key) { return IsRunning(seen_[key]); });
     }
 
-    // A chapter's title at the side of the page's number.
+    // A chapter's title at the side of the page's number; it is no larger than the text there.
     bool IsBesideNumber(const Head& head, std::size_t line, const std::set<std::size_t>& running) {
+        if (head.isHigh)
+            return false;
         if (!head.edge.empty() && IsRunning(seen_[head.edge]))
             return true;
         const PdfPage& page = pages_[head.page];
@@ -266,19 +289,25 @@ private:
     }
 
     // A title above all pages is read once, and so is that of some pages in a row, if it is not
-    // read anyway.
+    // read anyway. What is no larger than the text and begins on the second page is a letter's
+    // head.
     bool IsToBeKept(const Head& head) {
         const std::set<std::size_t>& run = seen_[head.text];
         if (head.page != *run.begin())
             return false;
         if (head.page == 0)
             return head.text.starts_with('^');
-        const bool isOfAll =
-            run.size() * 5 >= pages_.size() * (pages_.size() < kLeastPagesOfAll ? 4 : 2);
-        return !isOfAll && !StandsElsewhere(head.words);
+        // On a page of few lines what stands above is among the last ones, too.
+        const bool isAbove = seen_["^" + head.text.substr(1)].contains(head.page);
+        if (!isAbove)
+            return false;
+        const std::size_t pages = pages_.size() - (head.page == 1 ? 1 : 0);
+        const bool isOfAll = run.size() * 5 >= pages * (pages < kLeastPagesOfAll ? 4 : 2);
+        return (!isOfAll || head.isHigh) && !StandsElsewhere(head.words);
     }
 
     const std::vector<PdfPage>& pages_;
+    const double usualHeight_ = UsualHeight();
     std::map<std::string, std::set<std::size_t>> seen_;  // pages, by what is equal on them
     std::set<std::string> standing_;                     // lines that are read
 };

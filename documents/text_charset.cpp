@@ -270,6 +270,11 @@ std::optional<std::string> DecodeCharset(std::string_view bytes, std::string_vie
         ++next;
         --left;
     }
+    // Some charsets hold back a letter that a mark may follow.
+    char* out = part.data();
+    std::size_t room = part.size();
+    g_iconv(open, nullptr, nullptr, &out, &room);
+    text.append(part.data(), part.size() - room);
     std::replace(text.begin(), text.end(), '\0', ' ');
     if (bad * kLeastBytesPerBad > CountAboveAscii(bytes))
         return std::nullopt;

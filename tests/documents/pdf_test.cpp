@@ -64,6 +64,46 @@ TEST(Pdf, OnlyWhatIsRepeatedOrRisesWithThePagesIsLeftOut) {
         EXPECT_EQ(Joined(item.pages), item.text) << item.what;
 }
 
+PdfLine LineAt(double top, double height, const std::string& text) {
+    PdfLine line;
+    line.text = text;
+    line.top = top;
+    line.height = height;
+    line.beginsBlock = true;
+    return line;
+}
+
+TEST(Pdf, TitlesAreLargerThanHeads) {
+    const auto page = [](const std::string& title, double height, const char* foot = nullptr) {
+        PdfPage lines = {LineAt(50, height, title), LineAt(90, 10, "Many words of text are here."),
+                         LineAt(110, 10, "And some more of them.")};
+        if (foot != nullptr)
+            lines.push_back(LineAt(700, 9, foot));
+        return lines;
+    };
+    const auto read = [](std::vector<PdfPage> pages) {
+        DropPageHeads(pages);
+        std::string titles;
+        for (const PdfPage& lines : pages)
+            for (const PdfLine& line : lines)
+                if (line.top < 80 || line.top > 600)
+                    titles += line.text + ";";
+        return titles;
+    };
+    const PdfPage contents = {LineAt(90, 10, "What we ask"), LineAt(110, 10, "How to measure"),
+                              LineAt(130, 10, "Who did it")};
+    EXPECT_EQ(read({contents, page("1 What we ask", 14), page("2 How to measure", 14),
+                    page("3 Who did it", 14)}),
+              "1 What we ask;2 How to measure;3 Who did it;");
+    EXPECT_EQ(read({page("Begin", 14), page("Results so far (1/3)", 14),
+                    page("Results so far (2/3)", 14), page("Results so far (3/3)", 14)}),
+              "Begin;Results so far (1/3);Results so far (2/3);Results so far (3/3);");
+    EXPECT_EQ(read({page("Dear Ann", 10), page("Miller and Sons", 10, "In confidence"),
+                    page("Miller and Sons", 10, "In confidence"),
+                    page("Miller and Sons", 10, "In confidence")}),
+              "Dear Ann;");
+}
+
 TEST(Pdf, DividedWordsAreWrittenAsElsewhereInTheText) {
     const struct {
         const char* page;
