@@ -10,7 +10,7 @@ constexpr int kMaxCards = 16;
 // The card's name, empty when its control cannot be opened.
 std::string CardName(int card);
 
-enum class MixerResult { kDone, kCannotOpen, kFailed };
+enum class MixerResult { kDone, kCannotOpen, kFailed, kUnanswered };
 
 // `device` is ALSA's name of a card or of the sound server.
 // Sets every simple element but "Capture" from -36 dB (bottom) to +12 dB (top of its range),

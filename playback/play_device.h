@@ -8,7 +8,8 @@
 
 // A card number or the sound server, passed by value. Cards are always addressed as "hw:N": rates
 // and channel counts are converted here, never by plug-ins of the system. The sound server is
-// ALSA's "default". GUI thread, but for what says that any thread may call it.
+// ALSA's "default". Any thread; whoever has a window asks and sets the mixer on another one
+// (mixer_setter.h), since a server that stands still keeps its caller.
 class LSoundPlayDevice {
 public:
     LSoundPlayDevice() = default;  // card 0
@@ -19,7 +20,6 @@ public:
     static LSoundPlayDevice SoundServer();
     static constexpr const char* kServerLabel = "The desktop's sound server";
 
-    // Any thread.
     int Card() const { return card_; }  // 0 for the sound server
     bool IsSoundServer() const { return isSoundServer_; }
     std::string AlsaName() const;

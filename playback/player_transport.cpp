@@ -226,7 +226,7 @@ void LPlayerTransport::SetDevice(LSoundPlayDevice device) {
 
 MixerResult LPlayerTransport::SetVolume(LDB volume) {
     volume_ = volume;
-    mixerAnswer_ = device_.SetVolumeOverride(volume, LDB());
+    mixerAnswer_ = mixer_.Set(device_, volume);
     Tell(LPlayerChange::kVolume);
     return mixerAnswer_;
 }

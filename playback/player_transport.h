@@ -8,6 +8,7 @@
 #include <string>
 
 #include "foundation/broadcast.h"
+#include "playback/mixer_setter.h"
 #include "playback/play_device.h"
 #include "playback/player_info.h"
 #include "playback/player_wind.h"
@@ -128,6 +129,7 @@ private:
     const std::shared_ptr<LFade> fade_ = std::make_shared<LFade>();
     LSoundPlayDevice device_;
     LDB volume_;
+    MixerSetter mixer_;
     MixerResult mixerAnswer_ = MixerResult::kDone;
     std::string missingDevice_;  // the settings' own, which has no card at the moment
     std::string obstacle_;       // the first half of the next

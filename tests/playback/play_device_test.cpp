@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 #include "foundation/files/text_buffer.h"
 #include "playback/mixer.h"
+#include "playback/mixer_setter.h"
+#include "tests/support/eventually.h"
 #include "tests/support/virtual_card.h"
 
 namespace {
@@ -32,6 +35,22 @@ TEST(PlayDevice, TellsWhetherTheMixerAnswers) {
     EXPECT_EQ(device.GetVolumeStandard(), LDB(-36));
     EXPECT_EQ(LSoundPlayDevice(5).GetVolumeStandard(), LDB(0));
     EXPECT_EQ(LSoundPlayDevice(5).InitVolume(true, 0), -1);
+}
+
+TEST(MixerSetter, WaitsForNoMixerThatStandsStillAndSetsTheLastVolume) {
+    VirtualCards cards;
+    const std::string element = "element Master 0 48\n";
+    cards.Insert(0, element);
+    auto setter = std::make_unique<MixerSetter>();
+    EXPECT_EQ(setter->Set(LSoundPlayDevice(0), LDB(-30)), MixerResult::kDone);
+    EXPECT_EQ(cards.Mixer(0), "Master 6 6\n");
+    cards.Insert(0, element + "fault deaf\n");
+    for (const int volume : {-20, -10, 0})
+        EXPECT_EQ(setter->Set(LSoundPlayDevice(0), LDB(volume)), MixerResult::kUnanswered);
+    setter.reset();
+    EXPECT_EQ(cards.Mixer(0), "Master 6 6\n");
+    cards.Insert(0, element);
+    EXPECT_TRUE(Eventually([&] { return cards.Mixer(0) == "Master 36 36\n"; }));
 }
 
 TEST(PlayDevice, IsFoundByTheNameOfItsCard) {

@@ -14,7 +14,7 @@
 namespace {
 
 bool ParseFault(std::istringstream& line, CardFault& fault) {
-    static const std::array<std::pair<const char*, CardFault::Kind>, 8> kinds = {{
+    static const std::array<std::pair<const char*, CardFault::Kind>, 9> kinds = {{
         {"busy", CardFault::Kind::kBusy},
         {"vanish", CardFault::Kind::kVanish},
         {"underrun", CardFault::Kind::kUnderrun},
@@ -23,6 +23,7 @@ bool ParseFault(std::istringstream& line, CardFault& fault) {
         {"again", CardFault::Kind::kAgain},
         {"stall", CardFault::Kind::kStall},
         {"hang", CardFault::Kind::kHang},
+        {"deaf", CardFault::Kind::kDeaf},
     }};
     std::string word;
     line >> word;

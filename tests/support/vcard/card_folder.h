@@ -20,6 +20,7 @@
 //                            -EPIPE however often the stream is prepared; nothing else fails, as
 //                            in PipeWire's plug-in when its server is gone
 //   fault hang 22050         a write does not return for as long as this line stands
+//   fault deaf               its mixer does not return from setting a volume while this line stands
 //
 // A card exists when its `settings` does. Frames of faults count from the opening of a stream.
 #pragma once
@@ -31,7 +32,7 @@
 #include <vector>
 
 struct CardFault {
-    enum class Kind { kBusy, kVanish, kUnderrun, kSuspend, kAgain, kStall, kBreak, kHang };
+    enum class Kind { kBusy, kVanish, kUnderrun, kSuspend, kAgain, kStall, kBreak, kHang, kDeaf };
     Kind kind = Kind::kBusy;
     std::uint64_t frame = 0;
 

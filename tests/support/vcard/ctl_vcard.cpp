@@ -142,6 +142,8 @@ void VirtualControl::Read(snd_ctl_ext_key_t key, long* volumes) {
 }
 
 void VirtualControl::Write(snd_ctl_ext_key_t key, const long* volumes) {
+    while (folder_.Settings().FindFault(CardFault::Kind::kDeaf))
+        ::usleep(2000);
     std::string lines;
     for (std::size_t index = 0; index < Elements().size(); ++index) {
         long values[2] = {};
