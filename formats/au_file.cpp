@@ -6,8 +6,9 @@
 
 namespace {
 
-constexpr std::uint32_t kLinear8 = 2;
-constexpr std::uint32_t kLinear16 = 3;
+bool IsAuHeader(const std::uint8_t* header) {
+    return std::memcmp(header, ".snd", 4) == 0;
+}
 
 template <typename Stored>
 LSoundSource AuSourceOf(HeaderReader& file, std::uint32_t rate, std::uint32_t channels,
@@ -30,7 +31,7 @@ LSoundSource LAuFile::OpenSource(const char* path) {
     // The header-size field is not looked at: samples are taken from offset 24 on, so that an
     // annotation is heard, and the lengths and positions shown for such files depend on it.
     std::uint8_t header[kAuHeaderBytes];
-    if (!file.Read(header, sizeof(header)) || std::memcmp(header, ".snd", 4) != 0)
+    if (!file.Read(header, sizeof(header)) || !IsAuHeader(header))
         return FailedSource(SoundStatus::kInvalidFormat);
     const std::uint32_t dataBytes = LoadBE32(header + 8);
     const std::uint32_t encoding = LoadBE32(header + 12);
@@ -41,9 +42,9 @@ LSoundSource LAuFile::OpenSource(const char* path) {
     switch (encoding) {
         case kAuEncodingMuLaw:
             return AuSourceOf<LSFULAW>(file, rate, channels, dataBytes);
-        case kLinear8:
+        case kAuEncodingLinear8:
             return AuSourceOf<LSFS8>(file, rate, channels, dataBytes);
-        case kLinear16:
+        case kAuEncodingLinear16:
             return AuSourceOf<LSFBE16>(file, rate, channels, dataBytes);
         case kAuEncodingALaw:
             return AuSourceOf<LSFALAW>(file, rate, channels, dataBytes);
@@ -72,7 +73,8 @@ LSoundSink OpenAuSink(const char* path, LAuSettings& settings) {
 std::uint32_t AuEncodingOf(const char* path) {
     HeaderReader file(OpenFileForReading(path));
     std::uint8_t header[kAuHeaderBytes];
-    return file.IsOpen() && file.Read(header, sizeof(header)) ? LoadBE32(header + 12) : 0;
+    const bool isAu = file.IsOpen() && file.Read(header, sizeof(header)) && IsAuHeader(header);
+    return isAu ? LoadBE32(header + 12) : 0;
 }
 
 int WriteHeaderAU(LRawFileDataSoundSinkBase& sink, bool final, std::uint32_t encoding) {
@@ -88,11 +90,11 @@ int WriteHeaderAU(LRawFileDataSoundSinkBase& sink, bool final, std::uint32_t enc
 }
 
 int WriteHeaderAU_16PCM(LRawFileDataSoundSinkBase& sink, bool final) {
-    return WriteHeaderAU(sink, final, kLinear16);
+    return WriteHeaderAU(sink, final, kAuEncodingLinear16);
 }
 
 int WriteHeaderAU_8PCM(LRawFileDataSoundSinkBase& sink, bool final) {
-    return WriteHeaderAU(sink, final, kLinear8);
+    return WriteHeaderAU(sink, final, kAuEncodingLinear8);
 }
 
 int WriteHeaderAU_ALAW(LRawFileDataSoundSinkBase& sink, bool final) {

@@ -6,8 +6,10 @@
 #include "formats/raw_file_data.h"
 
 constexpr int kAuHeaderBytes = 24;
-// The header's encoding words that are no plain PCM.
+// The header's encoding words.
 constexpr std::uint32_t kAuEncodingMuLaw = 1;
+constexpr std::uint32_t kAuEncodingLinear8 = 2;
+constexpr std::uint32_t kAuEncodingLinear16 = 3;
 constexpr std::uint32_t kAuEncodingALaw = 27;
 
 enum LAuCodec : std::int32_t { kAuPcm16 = 0, kAuPcm8 = 1, kAuALaw = 2, kAuMuLaw = 3 };
@@ -25,7 +27,7 @@ public:
     static LSoundSource OpenSource(const char* path);
 };
 
-// The encoding word of a file's header, 0 when it cannot be read.
+// The encoding word of a file's header, 0 of what is no AU file.
 std::uint32_t AuEncodingOf(const char* path);
 
 // An unknown codec writes 16-bit samples at 44100 Hz stereo, whatever else the settings say.

@@ -140,8 +140,11 @@ std::uint16_t AuTag(const char* path) {
             return kWaveTagMuLaw;
         case kAuEncodingALaw:
             return kWaveTagALaw;
-        default:
+        case kAuEncodingLinear8:
+        case kAuEncodingLinear16:
             return kWaveTagPcm;
+        default:
+            return 0;
     }
 }
 
