@@ -88,10 +88,14 @@ class ComponentsTest(DesktopCase):
                 self.assertFalse(os.path.exists(os.path.join(desktop.HOME, "components")))
                 self.assertFalse(os.path.exists(desktop.SPEECH))
                 desktop.wait_until(lambda: not set(glob.glob("/tmp/0*.tar.gz")) - downloads, "no download")
+        self.install(None)  # left by an installer that was killed
+        self.file("components/mp3el/note", OLD)
         self.serve()
         self.save(lectora)
         desktop.wait_until(lambda: os.path.getsize(self.target) > len(OLD) and not os.path.exists(desktop.SPEECH), "the file")
         self.assert_holds_the_engines_sound()
+        with open(os.path.join(desktop.HOME, "components/mp3el.kept1/note")) as note:
+            self.assertEqual(note.read(), OLD)
 
     def assert_holds_the_engines_sound(self):
         own, saved = (os.path.join(desktop.HOME, f"{name}.wav") for name in ("own", "saved"))
