@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """lectora-say with the address of a page, against a server that keeps no promise."""
 import http.server
+import io
 import os
 import shutil
 import signal
@@ -8,11 +9,31 @@ import ssl
 import subprocess
 import threading
 import unittest
+import zipfile
 
 from program_case import SAY, ProgramCase
 
 WORDS = "These are the words of an article that is long enough to be one. " * 8
 PAGE = f"<html><head><title>T</title></head><body><nav><a href=/>Menu entry</a></nav><h1>Title</h1><p>{WORDS}</p></body></html>"
+
+
+def office_text(words):
+    """A packed document: bytes that are no text in any charset."""
+    file = io.BytesIO()
+    with zipfile.ZipFile(file, "w", zipfile.ZIP_DEFLATED) as archive:
+        archive.writestr("mimetype", "application/vnd.oasis.opendocument.text", zipfile.ZIP_STORED)
+        office = "urn:oasis:names:tc:opendocument:xmlns:"
+        archive.writestr("content.xml", f'<o:document-content xmlns:o="{office}office:1.0" xmlns:t="{office}text:1.0">'
+            f"<o:body><o:text><t:p>{words}</t:p></o:text></o:body></o:document-content>")
+    return file.getvalue()
+
+
+# What a server says of the charset, and what it sends.
+CHARSETS = {
+    "/old": ("text/plain; charset=koi8-r", "Да, это слова страницы.".encode("koi8-r")),
+    "/wrong": ("text/html; charset=iso-8859-1", "<p>Да, это слова страницы.".encode()),
+    "/packed": ("application/octet-stream; charset=iso-8859-1", office_text("Да, это слова страницы.")),
+}
 
 
 class Handler(http.server.BaseHTTPRequestHandler):
@@ -21,8 +42,9 @@ class Handler(http.server.BaseHTTPRequestHandler):
         server.asked.append((self.path, dict(self.headers)))
         if self.path == "/page":
             self.answer(PAGE.encode(), "text/html")
-        elif self.path == "/old":
-            self.answer("Да, это слова страницы.".encode("koi8-r"), "text/plain; charset=koi8-r")
+        elif self.path in CHARSETS:
+            kind, body = CHARSETS[self.path]
+            self.answer(body, kind)
         elif self.path.startswith("/to?"):
             self.send_response(302)
             self.send_header("Set-Cookie", "a=b")
@@ -115,7 +137,8 @@ class WebPageTest(ProgramCase):
             self.assertEqual((status, text), (0, "Title\n\n" + WORDS.strip() + "\n"), told)
             self.assertIn("words around the article are left out", told)
         self.assertFalse([heads for _, heads in self.server.asked if "Cookie" in heads])
-        self.assertIn("Да, это слова", self.say(self.server.address("/old"))[1])
+        for path in CHARSETS:
+            self.assertIn("Да, это слова страницы.", self.say(self.server.address(path))[1], path)
 
     def test_no_page_leads_into_this_computer_or_to_a_file(self):
         for target in (
