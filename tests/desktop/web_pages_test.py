@@ -1,6 +1,7 @@
 """Pages from the web: the article, all of it, and addresses given, pasted and dropped."""
 import http.server
 import os
+import ssl
 import subprocess
 import threading
 import unittest
@@ -40,12 +41,27 @@ class Handler(http.server.BaseHTTPRequestHandler):
 class WebPagesTest(DesktopCase):
     def setUp(self):
         super().setUp()
-        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
-        self.server.daemon_threads = True
-        self.server.may_end = threading.Event()
-        threading.Thread(target=self.server.serve_forever, daemon=True).start()
-        for end in (self.server.server_close, self.server.shutdown, self.server.may_end.set):
+        self.server = self.serve()
+
+    def serve(self):
+        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        server.daemon_threads = True
+        server.may_end = threading.Event()
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        for end in (server.server_close, server.shutdown, server.may_end.set):
             self.addCleanup(end)
+        return server
+
+    def serve_with_own_certificate(self):
+        """Its address."""
+        pem = os.path.join(desktop.HOME, "own.pem")
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-keyout", pem, "-out", pem + ".crt", "-days", "2", "-subj", "/CN=127.0.0.1",
+            "-addext", "subjectAltName=IP:127.0.0.1"], check=True, capture_output=True)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(pem + ".crt", pem)
+        server = self.serve()
+        server.socket = context.wrap_socket(server.socket, server_side=True)
+        return f"https://127.0.0.1:{server.server_port}/page"
 
     def address(self, path):
         return f"http://127.0.0.1:{self.server.server_port}{path}"
@@ -81,13 +97,14 @@ class WebPagesTest(DesktopCase):
         desktop.wait_until(lambda: lectora.text() == ARTICLE, "the text before")
 
         # A site that keeps no promise is told in one sentence, and takes no text away.
-        for path, sentence in (
+        for address, sentence in (
+            (self.serve_with_own_certificate(), "127.0.0.1 cannot prove that it is what it says: its certificate is not valid."),
             ("/to?http://127.0.0.2/", "127.0.0.2 is an address inside this computer or network; a page that leads there is not followed."),
             ("/to?file:///etc/passwd", "127.0.0.1 leads to what is no web page."),
             ("/endless", "127.0.0.1 sends more than can be read."),
             ("/mail", "127.0.0.1 answers with something that is no web page."),
         ):
-            self.select(self.address(path))
+            self.select(address if address.startswith("https:") else self.address(address))
             desktop.press_keys("ctrl+b")
             lectora.find("label", sentence)
             lectora.press("push button", "OK")
