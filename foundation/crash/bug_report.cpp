@@ -1,7 +1,9 @@
 #include "foundation/crash/bug_report.h"
 
 #include <cstdio>
+#include <string_view>
 
+#include "foundation/log/log.h"
 #include "foundation/settings/hosts.h"
 #include "foundation/threads/progress.h"
 
@@ -9,9 +11,23 @@ namespace {
 
 constexpr unsigned int kPauseMilliseconds = 600;
 
+// Where there is no page to fill in, what the program wrote down is worth keeping.
+void OpenReportPage(LBugReportDesk& desk, const char* title, std::string_view page) {
+    if (HasWebSite()) {
+        desk.OpenPage(WebAddress(page));
+        return;
+    }
+    const std::string text =
+        "There is no web page for bug reports yet, so nothing is sent. What Lectora wrote down "
+        "about its runs is in the folder\n\n" +
+        std::string(gLLog.Folder()) + "\n\nwhere whoever looks after this computer can read it.";
+    desk.Tell(title, text.c_str());
+}
+
 }  // namespace
 
 void ReportCrash(LBugReportDesk& desk, int signal) {
+    constexpr const char* kTitle = "Abnormal Signal Crash";
     char text[1024];
     std::snprintf(
         text, sizeof text,
@@ -20,8 +36,8 @@ void ReportCrash(LBugReportDesk& desk, int signal) {
         "Yes and then enter the field to tell us exactly what you were doing and that you received "
         "a \"SIGNAL%d\" code.",
         signal);
-    if (desk.AskYesNo("Abnormal Signal Crash", text))
-        desk.OpenPage(WebAddress("/software/bug.html?software=Lectora&version=1.05GTK"));
+    if (desk.AskYesNo(kTitle, text))
+        OpenReportPage(desk, kTitle, "/software/bug.html?software=Lectora&version=1.05GTK");
 }
 
 void ReportHang(LBugReportDesk& desk) {
@@ -38,6 +54,6 @@ void ReportHang(LBugReportDesk& desk) {
             "Would you be willing to complete a Quillon Software Bug Report so our programmers can "
             "try to fix this? Please click Yes and then enter the field to tell us exactly what "
             "you did so we can attempt to repeat it and fix it."))
-        desk.OpenPage(
-            WebAddress("/software/bug.html?software=Lectora&version=1.05&xi=AbTermOrHang-Gtk"));
+        OpenReportPage(desk, kTitle,
+                       "/software/bug.html?software=Lectora&version=1.05&xi=AbTermOrHang-Gtk");
 }

@@ -8,6 +8,7 @@ class LBugReportDesk {
 public:
     virtual bool AskYesNo(const char* title, const char* text) = 0;  // blocks until answered
     virtual void OpenPage(const std::string& address) = 0;           // in the desktop's browser
+    virtual void Tell(const char* title, const char* text) = 0;      // blocks until it is read
 
 protected:
     ~LBugReportDesk() = default;

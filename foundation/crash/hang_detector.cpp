@@ -31,10 +31,17 @@ constexpr std::uint32_t kClockTolerance = 2000;  // milliseconds
 class HelperDesk final : public LBugReportDesk {
 public:
     bool AskYesNo(const char* title, const char* text) override {
+        return Run("--question", title, text);
+    }
+    void OpenPage(const std::string& address) override { OpenInBrowser(address); }
+    void Tell(const char* title, const char* text) override { Run("--message", title, text); }
+
+private:
+    static bool Run(const char* option, const char* title, const char* text) {
         LPipePair pipe = LPipePair::Make();
         if (!pipe.IsOpen())
             return false;
-        const char* const arguments[] = {CrashBoxProgram(), "--question", title, text, nullptr};
+        const char* const arguments[] = {CrashBoxProgram(), option, title, text, nullptr};
         LChildStreams streams;
         streams.output = pipe.writeEnd.Get();
         const LChildProcess box = LChildProcess::Start(arguments, streams);
@@ -47,7 +54,6 @@ public:
         } while (length < 0 && errno == EINTR);
         return length == 3 && std::string_view(answer, 3) == "yes";
     }
-    void OpenPage(const std::string& address) override { OpenInBrowser(address); }
 };
 
 // True when the record tells of a run under the same clock. All in wrapping 32-bit arithmetic.

@@ -8,6 +8,8 @@
 #include "foundation/crash/bug_report.h"
 #include "foundation/crash/hang_detector.h"
 #include "foundation/processes/child_process.h"
+#include "foundation/settings/hosts.h"
+#include "foundation/settings/settings_keys.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -69,7 +71,9 @@ public:
         return asked <= answers_.size() && answers_[asked - 1];
     }
     void OpenPage(const std::string& address) override { page = address; }
+    void Tell(const char*, const char* text) override { told = text; }
     std::size_t asked = 0;
+    std::string told;
     std::string page;
 
 private:
@@ -84,12 +88,19 @@ TEST(BugReport, EveryQuestionMustBeAnsweredYesBeforeThePageOpens) {
                    {ReportHang, {false}, 1, ""},
                    {ReportHang, {true, false}, 2, ""},
                    {ReportHang, {true, true}, 2, page + "&xi=AbTermOrHang-Gtk"}};
-    for (const auto& [report, answers, questions, address] : cases) {
-        RecordingDesk desk(answers);
-        report(desk);
-        EXPECT_EQ(desk.asked, questions);
-        EXPECT_EQ(desk.page.substr(desk.page.empty() ? 0 : desk.page.find('/', 7)), address);
+    for (const char* const host : {"127.0.0.1:1", "any.example:80"}) {
+        kWebHostSetting.Set(host);
+        const bool hasPage = HasWebSite();
+        for (const auto& [report, answers, questions, address] : cases) {
+            RecordingDesk desk(answers);
+            report(desk);
+            EXPECT_EQ(desk.asked, questions);
+            EXPECT_EQ(desk.page, hasPage && !address.empty() ? WebAddress(address) : "");
+            EXPECT_EQ(desk.told.empty(), hasPage || address.empty())
+                << "whoever said yes hears that there is no page";
+        }
     }
+    kWebHostSetting.Delete();
 }
 
 constexpr const char* kMark = "_lectora_rl";
