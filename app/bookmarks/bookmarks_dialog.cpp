@@ -16,7 +16,6 @@ constexpr int kRenameBookmark = 103;
 constexpr int kRemoveBookmark = 104;
 constexpr int kBookmarkName = 105;
 constexpr int kGoToBookmark = 107;
-constexpr int kWhereColumn = 1;
 constexpr int kBookmarksWidth = 420;
 constexpr LRows kBookmarksHeight{8};
 
@@ -85,10 +84,8 @@ std::string BookmarksDialog::WhereOf(const Bookmark& bookmark) const {
 void BookmarksDialog::Fill(std::size_t selected) {
     LVClear(kBookmarkList);
     shown_ = kept_.Of(key_);
-    for (std::size_t index = 0; index < shown_.size(); ++index) {
-        const int row = LVAddString(kBookmarkList, shown_[index].Title().c_str());
-        LVSetColumnString(kBookmarkList, row, kWhereColumn, WhereOf(shown_[index]).c_str());
-    }
+    for (const Bookmark& bookmark : shown_)
+        LVAddRow(kBookmarkList, {bookmark.Title().c_str(), WhereOf(bookmark).c_str()});
     if (!shown_.empty())
         LVSetCurSel(kBookmarkList, static_cast<int>(std::min(selected, shown_.size() - 1)));
     EnableControls();

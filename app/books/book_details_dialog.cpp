@@ -50,10 +50,8 @@ void BookDetailsDlg::InitDialog() {
     LVInit(kChapters, {LListColumns::kPercent, kColumns});
     SetAccessibleName(GetControlByID(kChapters), "Chapters");
     int number = 0;
-    for (const BookChapter& chapter : entry_.plan.chapters) {
-        const int row = LVAddString(kChapters, std::to_string(++number).c_str());
-        LVSetColumnString(kChapters, row, 1, chapter.title.c_str());
-    }
+    for (const BookChapter& chapter : entry_.plan.chapters)
+        LVAddRow(kChapters, {std::to_string(++number).c_str(), chapter.title.c_str()});
     LVSetCurSel(kChapters, 0);
     cover_ = entry_.plan.cover;
     coverPath_ = entry_.coverPath;

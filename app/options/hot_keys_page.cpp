@@ -19,8 +19,6 @@ constexpr int kRemove = 111;
 constexpr int kDesktopKeys = 112;
 constexpr int kCopyCommands = 113;
 constexpr LRows kListHeight{4};
-constexpr int kCommandColumn = 1;
-constexpr int kStateColumn = 2;
 
 constexpr const char* kGroup = "System Wide HotKeys";
 
@@ -78,9 +76,10 @@ void HotkeysDlgImp::FillList(int selectedId) {
     LVClear(kList);
     int selectedRow = 0;
     for (const StoredHotKey& hotKey : LoadHotKeys()) {
-        const int row = LVAddString(kList, KeyText(hotKey.key).c_str(), hotKey.id);
-        LVSetColumnString(kList, row, kCommandColumn, HotKeyCommandLabel(hotKey.command));
-        LVSetColumnString(kList, row, kStateColumn, StateText(hotKey.key));
+        const int row = LVAddRow(kList,
+                                 {KeyText(hotKey.key).c_str(), HotKeyCommandLabel(hotKey.command),
+                                  StateText(hotKey.key)},
+                                 hotKey.id);
         if (hotKey.id == selectedId)
             selectedRow = row;
     }

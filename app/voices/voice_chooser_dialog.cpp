@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int kVoiceColumn = 1;
-constexpr int kEngineColumn = 2;
 constexpr LRows kVoicesHeight{12};
 constexpr int kChooserWidth = 640;
 
@@ -91,9 +89,8 @@ void VoiceChooserDlg::FillList() {
         const ListedVoice& listed = voices_[i];
         if (!IsFoundBy(listed, typed))
             continue;
-        const int row = LVAddString(kVoices, listed.voice.languageTitle.c_str());
-        LVSetColumnString(kVoices, row, kVoiceColumn, listed.voice.shortTitle.c_str());
-        LVSetColumnString(kVoices, row, kEngineColumn, listed.engine.c_str());
+        const int row = LVAddRow(kVoices, {listed.voice.languageTitle.c_str(),
+                                           listed.voice.shortTitle.c_str(), listed.engine.c_str()});
         if (listed.index == wanted)
             selected = row;
         shown_.push_back(i);

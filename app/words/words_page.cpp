@@ -23,8 +23,6 @@ constexpr int kRemoveWord = 111;
 constexpr int kImportWords = 112;
 constexpr int kCount = 113;
 constexpr LRows kWordsHeight{4};
-constexpr int kSaidColumn = 1;
-constexpr int kForColumn = 2;
 // More rows would make the list slow; the others are in the file.
 constexpr std::size_t kMostShown = 2000;
 constexpr std::size_t kLargestImport = 32 << 20;
@@ -61,11 +59,10 @@ void WordsPage::FillList(std::size_t selected) {
     const std::size_t shown = std::min(entries_.size(), kMostShown);
     for (std::size_t i = 0; i < shown; ++i) {
         const Pronunciation& entry = entries_[i];
-        const int row = LVAddString(kWords, entry.text.c_str(), static_cast<int>(i));
-        LVSetColumnString(kWords, row, kSaidColumn,
-                          entry.said.empty() ? "(skipped)" : entry.said.c_str());
-        LVSetColumnString(kWords, row, kForColumn,
-                          entry.where.empty() ? "Every voice" : entry.where.c_str());
+        LVAddRow(kWords,
+                 {entry.text.c_str(), entry.said.empty() ? "(skipped)" : entry.said.c_str(),
+                  entry.where.empty() ? "Every voice" : entry.where.c_str()},
+                 static_cast<int>(i));
     }
     if (shown > 0)
         LVSetCurSel(kWords, static_cast<int>(std::min(selected, shown - 1)));

@@ -75,9 +75,7 @@ class PlacesPage : public LWizardPage {
         LVInit(kPlaces, {LListColumns::kPercent, kColumns});
         std::int64_t bytes = 0;
         for (const LInstallPart& part : InstallParts(OwnTree())) {
-            const int row = LVAddString(kPlaces, part.what);
-            LVSetColumnString(kPlaces, row, 1, part.where.c_str());
-            LVSetColumnString(kPlaces, row, 2, SizeText(part.bytes).c_str());
+            LVAddRow(kPlaces, {part.what, part.where.c_str(), SizeText(part.bytes).c_str()});
             bytes += part.bytes;
         }
         LVSetCurSel(kPlaces, 0);

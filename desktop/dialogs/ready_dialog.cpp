@@ -88,12 +88,9 @@ void LReadyDialog::Look() {
 void LReadyDialog::FillVoices() {
     LVClear(kVoices);
     for (const LVoicePackage& voice : VoicePackages()) {
-        const int row = LVAddString(kVoices, voice.language);
-        const bool isInstalled = IsPackageInstalled(voice.package);
-        LVSetColumnString(kVoices, row, 1, voice.speaker);
-        LVSetColumnString(
-            kVoices, row, 2,
-            (std::string(voice.package) + (isInstalled ? " (installed)" : "")).c_str());
+        const char* const state = IsPackageInstalled(voice.package) ? " (installed)" : "";
+        LVAddRow(kVoices,
+                 {voice.language, voice.speaker, (std::string(voice.package) + state).c_str()});
     }
     LVSetCurSel(kVoices, 0);
 }

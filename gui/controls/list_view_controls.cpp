@@ -90,17 +90,41 @@ void LListViewControls::LVAddImageColumn(int id, const char* name) {
 }
 
 int LListViewControls::LVAddString(int id, const char* text, int data) {
-    return LVInsertString(id, LVGetCount(id), text, data);
+    return InsertRow(id, LVGetCount(id), {text}, data);
+}
+
+int LListViewControls::LVAddRow(int id, std::initializer_list<const char*> texts, int data) {
+    return InsertRow(id, LVGetCount(id), texts, data);
 }
 
 int LListViewControls::LVInsertString(int id, int row, const char* text, int data) {
-    GtkListStore* store = ListStoreOf(ListViewOf(id));
+    return InsertRow(id, row, {text}, data);
+}
+
+int LListViewControls::InsertRow(int id, int row, std::initializer_list<const char*> texts,
+                                 int data) {
+    GtkTreeView* const view = ListViewOf(id);
+    GtkListStore* const store = ListStoreOf(view);
     if (store == nullptr || row < 0)
         return -1;
+    std::vector<gint> columns{kListStoreData, kListStoreUid};
+    std::vector<GValue> values(columns.size() + texts.size(), GValue G_VALUE_INIT);
+    g_value_set_int(g_value_init(&values[0], G_TYPE_INT), data);
+    g_value_set_int(g_value_init(&values[1], G_TYPE_INT), NextUid());
+    const int columnCount = ListColumnCount(view);
+    int column = 0;
+    for (const char* const text : texts) {
+        if (column == columnCount)
+            break;
+        GValue& value = values[columns.size()];
+        columns.push_back(kListStoreText + column++);
+        g_value_set_string(g_value_init(&value, G_TYPE_STRING), DisplayText(text).c_str());
+    }
     GtkTreeIter iter;
-    gtk_list_store_insert_with_values(store, &iter, std::min(row, LVGetCount(id)), kListStoreText,
-                                      DisplayText(text).c_str(), kListStoreData, data,
-                                      kListStoreUid, NextUid(), -1);
+    gtk_list_store_insert_with_valuesv(store, &iter, std::min(row, LVGetCount(id)), columns.data(),
+                                       values.data(), static_cast<gint>(columns.size()));
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        g_value_unset(&values[i]);
     return RowOfIter(store, &iter);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 
 #include "foundation/files/text_buffer.h"
@@ -22,6 +23,9 @@ public:
 
     // The new row, -1 for none; a list that is sorted puts it where it belongs.
     int LVAddString(int id, const char* text, int data = 0);
+    // With a text for each column from the first on. Screen readers hear of a row once, so that a
+    // long list is up at once.
+    int LVAddRow(int id, std::initializer_list<const char*> texts, int data = 0);
     int LVInsertString(int id, int row, const char* text, int data = 0);
     void LVSetString(int id, int row, const char* text);
     void LVSetColumnString(int id, int row, int column, const char* text);
@@ -67,4 +71,5 @@ public:
 
 private:
     GtkTreeView* ListViewOf(int id) const;
+    int InsertRow(int id, int row, std::initializer_list<const char*> texts, int data);
 };
