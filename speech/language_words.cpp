@@ -252,6 +252,13 @@ std::vector<ShownByWords> LanguagesShownByWords(std::string_view text) {
     return shown;
 }
 
+bool IsShownByWords(std::string_view text, std::string_view language) {
+    constexpr double kMoreThanChance = 1.5;
+    const std::vector<ShownByWords> shown = LanguagesShownByWords(text);
+    return !shown.empty() && shown.front().language == language &&
+           shown.front().sum >= kMoreThanChance;
+}
+
 bool IsKnownByWords(std::string_view language) {
     return std::ranges::find(kSmallWords, language, &SmallWords::language) != std::end(kSmallWords);
 }

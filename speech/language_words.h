@@ -13,3 +13,5 @@ struct ShownByWords {
 // Of the languages that are known here, those that show, the one that shows most first.
 std::vector<ShownByWords> LanguagesShownByWords(std::string_view text);
 bool IsKnownByWords(std::string_view language);
+// Whether the text shows it more than any other, and by more than a chance word.
+bool IsShownByWords(std::string_view text, std::string_view language);

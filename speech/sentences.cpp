@@ -4,9 +4,12 @@
 #include <unicode/utext.h>
 
 #include <algorithm>
+#include <map>
+#include <mutex>
 
 #include "foundation/whole_characters.h"
 #include "speech/abbreviations.h"
+#include "speech/language_words.h"
 #include "speech/paragraph_lines.h"
 #include "speech/sentence_rules.h"
 #include "speech/sentence_words.h"
@@ -18,11 +21,29 @@ constexpr std::size_t kWindow = 4096;  // no sentence is longer on purpose
 constexpr std::string_view kWhiteBytes = " \t\r\n\f\v";
 
 constexpr std::size_t kEnoughToTell = 2000;
+// Of a paragraph. Fewer bytes seldom show a language.
+constexpr std::size_t kEnoughOfParagraph = 400;
+constexpr std::size_t kLeastToTell = 40;
+constexpr std::size_t kWhiteAround = 16;  // that a text of one paragraph may have besides
+constexpr std::size_t kMostBreakers = 8;
+constexpr std::size_t kMostLanguages = 64;
 
 // What shows surely, else what its small words look like.
 std::string LanguageSeenIn(std::string_view text, std::string_view likely) {
     const std::string tag = LanguageOf(WholeCharacters(text, kEnoughToTell)).tag;
     return tag.empty() ? std::string(GuessLanguage(text, LanguageOnly(likely))) : tag;
+}
+
+// Of a language once: reading the lists takes longer than a sentence does. Any thread.
+std::shared_ptr<const Abbreviations> AbbreviationsOf(const std::string& language) {
+    static std::mutex mutex;
+    static auto* const known = new std::map<std::string, std::shared_ptr<const Abbreviations>>;
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (const auto found = known->find(language); found != known->end())
+        return found->second;
+    if (known->size() == kMostLanguages)  // a document may name any number
+        known->clear();
+    return known->emplace(language, std::make_shared<const Abbreviations>(language)).first->second;
 }
 
 // The end of the paragraph at the beginning of the text: behind it stands an
@@ -83,8 +104,8 @@ private:
 
 class Sentences::Breaker {
 public:
-    explicit Breaker(std::string_view language)
-        : language_(language), breaks_(language_), abbreviations_(language_) {}
+    explicit Breaker(const std::string& language)
+        : language_(language), breaks_(language_), abbreviations_(AbbreviationsOf(language_)) {}
 
     // Where sentences begin in a part of a paragraph, the first byte apart.
     std::vector<std::size_t> StartsIn(std::string_view part) {
@@ -92,24 +113,26 @@ public:
         const SentenceRules rules(lines.Joined(), language_);
         std::vector<std::size_t> starts = rules.OwnStarts();
         for (const std::size_t end : breaks_.In(lines.Joined()))
-            starts.push_back(rules.StartBehind(end, abbreviations_.EndAt(lines.Joined(), end)));
+            starts.push_back(rules.StartBehind(end, abbreviations_->EndAt(lines.Joined(), end)));
         starts.insert(starts.end(), lines.Starts().begin(), lines.Starts().end());
         std::ranges::sort(starts);
         starts.erase(std::unique(starts.begin(), starts.end()), starts.end());
         return starts;
     }
 
+    const std::string& Language() const { return language_; }
+
 private:
     const std::string language_;
     BreakIterator breaks_;
-    const Abbreviations abbreviations_;
+    const std::shared_ptr<const Abbreviations> abbreviations_;
 };
 
 Sentences::Sentences(std::string_view text, std::string_view language, std::string_view likely)
     : text_(text),
-      breaker_(std::make_unique<Breaker>(
-          language.empty() ? LanguageSeenIn(text, likely)
-                           : std::string(language.substr(0, language.find_first_of("-_"))))) {}
+      isGuessed_(language.empty()),
+      language_(isGuessed_ ? LanguageSeenIn(text, likely)
+                           : std::string(language.substr(0, language.find_first_of("-_")))) {}
 
 Sentences::~Sentences() = default;
 Sentences::Sentences(Sentences&&) noexcept = default;
@@ -125,6 +148,27 @@ bool Sentences::Next(Sentence& sentence) {
     return true;
 }
 
+Sentences::Breaker& Sentences::BreakerFor(std::string_view part) {
+    std::string language = language_;
+    const bool isAll = part.size() + kWhiteAround > std::min(text_.size(), kEnoughToTell);
+    if (isGuessed_ && part.size() >= kLeastToTell && !(at_ < kWhiteAround && isAll)) {
+        const std::string_view enough = WholeCharacters(part, kEnoughOfParagraph);
+        const TextLanguage seen =
+            IsShownByWords(enough, language_) ? TextLanguage{language_} : LanguageOf(enough);
+        // Of what is much alike the sentence ends are, too.
+        if (!seen.tag.empty() && (seen.isSure || !AreMuchAlike(seen.tag, language)))
+            language = seen.tag;
+    }
+    auto known =
+        std::ranges::find(breakers_, language, [](const auto& one) { return one->Language(); });
+    if (known == breakers_.end()) {
+        if (breakers_.size() == kMostBreakers)
+            breakers_.clear();
+        known = breakers_.insert(breakers_.end(), std::make_unique<Breaker>(language));
+    }
+    return **known;
+}
+
 void Sentences::FillWindow() {
     at_ = std::min(text_.find_first_not_of(kWhiteBytes, at_), text_.size());
     const std::string_view ahead = text_.substr(at_, kWindow);
@@ -133,7 +177,7 @@ void Sentences::FillWindow() {
     const std::string_view part =
         isWhole ? ahead.substr(0, paragraph) : ahead.substr(0, CutBefore(ahead, ahead.size() - 1));
     std::vector<std::size_t> starts =
-        part.empty() ? std::vector<std::size_t>{} : breaker_->StartsIn(part);
+        part.empty() ? std::vector<std::size_t>{} : BreakerFor(part).StartsIn(part);
     std::erase_if(starts, [&](std::size_t start) { return start == 0 || start >= part.size(); });
     // What follows may yet belong to the last one of a part.
     const std::size_t end = isWhole || starts.empty() ? part.size() : starts.back();

@@ -23,8 +23,8 @@ struct Sentence {
 // space is in one of them. One thread.
 class Sentences {
 public:
-    // UTF-8, whose bytes outlive this. language is a tag; empty: it is guessed, and where the text
-    // does not show any, it is the likely one.
+    // UTF-8, whose bytes outlive this. language is a tag; empty: that of each paragraph, as far as
+    // it shows, else that of the text's beginning, else the likely one.
     explicit Sentences(std::string_view text, std::string_view language = {},
                        std::string_view likely = "en");
     ~Sentences();
@@ -37,12 +37,15 @@ private:
     class Breaker;
 
     void FillWindow();
+    Breaker& BreakerFor(std::string_view part);
 
     std::string_view text_;
+    bool isGuessed_;
+    std::string language_;  // that is told, or that the beginning shows
     std::size_t at_ = 0;
     bool wasCut_ = false;
     std::deque<Sentence> found_;
-    std::unique_ptr<Breaker> breaker_;
+    std::vector<std::unique_ptr<Breaker>> breakers_;  // of the languages so far
 };
 
 std::vector<Sentence> SentencesOf(std::string_view text, std::string_view language = {});

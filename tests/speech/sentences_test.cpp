@@ -56,6 +56,24 @@ TEST(Sentences, AreThoseOfTheLanguageAndOfListsQuotationsAndHeadings) {
     }
 }
 
+TEST(Sentences, OfEachParagraphAreThoseOfItsLanguage) {
+    const std::string paragraphs[] = {
+        "The meeting on the first floor was long, and nobody knew when it would be over. They all "
+        "stayed.",
+        "Das Fest beginnt am 3. Oktober in der Stadt und endet erst am 9. November, wenn alle nach "
+        "Hause gehen.",
+        "Yes, No. 7 it is.",  // shows nothing: as at the beginning
+        "Она приехала в 1995 г. Москва ей не понравилась, а потом она уехала к своей сестре."};
+    std::string text;
+    std::string seen;
+    for (const std::string& paragraph : paragraphs)
+        text += paragraph + "\n\n";
+    for (const Sentence& sentence : SentencesOf(text))
+        seen += text.substr(sentence.begin, sentence.end - sentence.begin).substr(0, 15) + "|";
+    EXPECT_EQ(seen,
+              "The meeting on |They all stayed|Das Fest beginn|Yes, No. 7 it i|Она прие|Москва е|");
+}
+
 // However a text is cut into what is looked at together, each word is in one sentence.
 TEST(Sentences, HoldEveryWordOnceInTextsOfAnyKind) {
     const char* const parts[] = {"word ",        "Word. ",        "\n",   "\n\n",  "\xc3\xa9",
