@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
 #include <iterator>
+#include <string>
 
 namespace {
 
@@ -85,20 +85,70 @@ void EachPart(std::string_view parts, char mark, Visitor visit) {
     }
 }
 
+struct TellerPart {
+    std::string_view text;
+    std::vector<std::size_t> languages;  // places in kTellers
+};
+
+// All of them by their first two bytes, so that a text is gone through once for all languages.
+struct TellerParts {
+    std::vector<TellerPart> all;
+    std::array<std::vector<std::size_t>, 1U << 10> byBeginning;
+
+    // Of two bytes, or of one that is the last.
+    static std::size_t PlaceOf(std::string_view text) {
+        const auto byte = [text](std::size_t at) {
+            return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
+        };
+        return (byte(0) << 4U ^ byte(1)) % (1U << 10);
+    }
+
+    void Add(std::string_view text, std::size_t language) {
+        auto part = std::ranges::find(all, text, &TellerPart::text);
+        if (part == all.end()) {
+            part = all.insert(part, {text, {}});
+            for (unsigned next = 0; next < 256; ++next) {
+                const std::string any{text[0], static_cast<char>(next)};
+                if (text.size() == 1 || next == static_cast<unsigned char>(text[1]))
+                    byBeginning[PlaceOf(any)].push_back(all.size() - 1);
+            }
+        }
+        part->languages.push_back(language);
+    }
+};
+
+const TellerParts& AllTellers() {
+    static const TellerParts* const parts = [] {
+        auto* const made = new TellerParts;
+        for (std::size_t language = 0; language < std::size(kTellers); ++language)
+            for (const std::string_view one : kTellers[language].parts)
+                EachPart(one, '|', [&](std::string_view part) { made->Add(part, language); });
+        return made;
+    }();
+    return *parts;
+}
+
 }  // namespace
 
-std::size_t CountTellers(std::string_view text, std::string_view language) {
+TellersIn::TellersIn(std::string_view text) : counts_(std::size(kTellers)) {
+    const TellerParts& parts = AllTellers();
+    std::vector<std::size_t> ends(parts.all.size());  // none counts twice where it lies over itself
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const std::string_view rest = text.substr(at);
+        for (const std::size_t index : parts.byBeginning[TellerParts::PlaceOf(rest)]) {
+            const TellerPart& part = parts.all[index];
+            if (at < ends[index] || !rest.starts_with(part.text))
+                continue;
+            ends[index] = at + part.text.size();
+            for (const std::size_t language : part.languages)
+                ++counts_[language];
+        }
+    }
+}
+
+std::size_t TellersIn::Of(std::string_view language) const {
     const auto* const found = std::ranges::find(kTellers, language, &Tellers::language);
-    std::size_t count = 0;
-    if (found == std::end(kTellers))
-        return count;
-    for (const std::string_view parts : found->parts)
-        EachPart(parts, '|', [&](std::string_view part) {
-            for (std::size_t at = text.find(part); at != std::string_view::npos;
-                 at = text.find(part, at + part.size()))
-                ++count;
-        });
-    return count;
+    return found == std::end(kTellers) ? 0 : counts_[static_cast<std::size_t>(found - kTellers)];
 }
 
 bool HasTellers(std::string_view language) {

@@ -48,6 +48,15 @@ constexpr double kSeenSurely = 3;  // where nothing is known here that tells the
 constexpr double kNearly = 1;      // as much
 constexpr double kSureLead = 3;    // of what tells one from those much alike
 
+// A bit for each group of kAlike that it is in.
+unsigned GroupsOf(std::string_view language) {
+    unsigned groups = 0;
+    for (std::size_t i = 0; !language.empty() && i < std::size(kAlike); ++i)
+        if (std::ranges::find(kAlike[i], language) != std::end(kAlike[i]))
+            groups |= 1U << i;
+    return groups;
+}
+
 double SumOf(const std::vector<ShownByWords>& shown, std::string_view language) {
     const auto found = std::ranges::find(shown, language, &ShownByWords::language);
     return found == shown.end() ? 0 : found->sum;
@@ -86,9 +95,9 @@ TextLanguage ToldApart(std::string_view text, std::string language,
     if (language == "sr" && !HoldsScript(text, G_UNICODE_SCRIPT_CYRILLIC))
         language = "hr";
     const OwnedText small(g_utf8_strdown(text.data(), static_cast<gssize>(text.size())));
-    const std::string padded = " " + std::string(small.get()) + " ";
+    const TellersIn tellers(" " + std::string(small.get()) + " ");
     const auto shows = [&](std::string_view one) {
-        return static_cast<double>(CountTellers(padded, one)) + SumOf(shown, one);
+        return static_cast<double>(tellers.Of(one)) + SumOf(shown, one);
     };
     std::vector<std::pair<double, std::string_view>> sums;
     for (const std::string_view other : MuchAlike(language))
@@ -106,33 +115,44 @@ TextLanguage ToldApart(std::string_view text, std::string language,
     return found;
 }
 
-// The words of the language and of those much alike: mostly they share them.
+// What each shows together with those much alike: mostly they share their words.
+std::vector<ShownByWords> SharedWithAlike(const std::vector<ShownByWords>& shown) {
+    std::vector<unsigned> groups;
+    for (const ShownByWords& one : shown)
+        groups.push_back(GroupsOf(one.language));
+    std::vector<ShownByWords> sums = shown;
+    for (std::size_t i = 0; i < shown.size(); ++i)
+        for (std::size_t k = 0; k < shown.size(); ++k)
+            sums[i].sum += i != k && (groups[i] & groups[k]) != 0 ? shown[k].sum : 0;
+    return sums;
+}
+
+// The words of the language and of those much alike, whether or not it shows any itself.
 double SumOfAlike(const std::vector<ShownByWords>& shown, std::string_view language) {
+    const unsigned groups = GroupsOf(language);
     double sum = 0;
     for (const ShownByWords& one : shown)
-        sum += one.language == language || AreMuchAlike(one.language, language) ? one.sum : 0;
+        sum += one.language == language || (groups & GroupsOf(one.language)) != 0 ? one.sum : 0;
     return sum;
 }
 
 // The most that another one shows.
-double SumOfOthers(const std::vector<ShownByWords>& shown, std::string_view language) {
+double SumOfOthers(const std::vector<ShownByWords>& shared, std::string_view language) {
+    const unsigned groups = GroupsOf(language);
     double most = 0;
-    for (const ShownByWords& one : shown)
-        if (one.language != language && !AreMuchAlike(one.language, language))
-            most = std::max(most, SumOfAlike(shown, one.language));
+    for (const ShownByWords& one : shared)
+        if (one.language != language && (groups & GroupsOf(one.language)) == 0)
+            most = std::max(most, one.sum);
     return most;
 }
 
 // maybe: what CLD2 would say.
-std::string ShownAlone(const std::vector<ShownByWords>& shown, std::string_view maybe) {
-    std::string_view best;
-    double most = 0;
-    for (const ShownByWords& one : shown)
-        if (const double sum = SumOfAlike(shown, one.language); sum > most) {
-            best = one.language;
-            most = sum;
-        }
-    const double next = SumOfOthers(shown, best);
+std::string ShownAlone(const std::vector<ShownByWords>& shared, std::string_view maybe) {
+    const auto found = std::ranges::max_element(shared, {}, &ShownByWords::sum);
+    if (found == shared.end())
+        return {};
+    const auto [best, most] = *found;
+    const double next = SumOfOthers(shared, best);
     const bool isShown = best == maybe || AreMuchAlike(best, maybe)
                              ? most >= kEnoughToAgree
                              : most >= kEnoughWords && next <= most - kLead;
@@ -183,10 +203,7 @@ std::vector<std::string_view> SpokenAlike(std::string_view language) {
 }
 
 bool AreMuchAlike(std::string_view one, std::string_view other) {
-    return std::ranges::any_of(kAlike, [&](const auto& group) {
-        return std::ranges::find(group, one) != std::end(group) &&
-               std::ranges::find(group, other) != std::end(group);
-    });
+    return (GroupsOf(one) & GroupsOf(other)) != 0;
 }
 
 TextLanguage LanguageOf(std::string_view text) {
@@ -200,7 +217,8 @@ TextLanguage LanguageOf(std::string_view text) {
         return found;
     const bool isEnough = guess.bytes >= kEnoughForOthers;
     const std::vector<ShownByWords> shown = LanguagesShownByWords(text);
-    const double others = SumOfOthers(shown, guess.tag);
+    const std::vector<ShownByWords> shared = SharedWithAlike(shown);
+    const double others = SumOfOthers(shared, guess.tag);
     const double own = SumOfAlike(shown, guess.tag);
     const bool isContradicted = (own == 0 && others >= kContradicts && IsKnownByWords(guess.tag)) ||
                                 (isEnough && LacksItsLetters(text, guess.tag));
@@ -211,7 +229,7 @@ TextLanguage LanguageOf(std::string_view text) {
         found.isSure = agrees;
         return found;
     }
-    const std::string seen = isKnown ? guess.tag : ShownAlone(shown, guess.tag);
+    const std::string seen = isKnown ? guess.tag : ShownAlone(shared, guess.tag);
     if (seen.empty())
         return found;
     TextLanguage apart = ToldApart(text, seen, shown);
