@@ -3,6 +3,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <atomic>
 
 #include "foundation/processes/pipes.h"
 #include "foundation/settings/setting.h"
@@ -12,6 +13,13 @@
 namespace {
 
 constexpr const char* kVoicesSection = "Voices";
+constexpr std::size_t kMostKept = 200;  // a document may name any number of languages
+
+// How often the user has chosen since the program began.
+std::atomic<unsigned>& Choices() {
+    static std::atomic<unsigned> choices = 0;
+    return choices;
+}
 
 // Where most of its speakers are, when that is not told by its own name ("fr-FR").
 constexpr std::pair<std::string_view, std::string_view> kMainRegions[] = {
@@ -66,6 +74,20 @@ void KeepVoiceForLanguage(const Voice& voice) {
     const std::string key(LanguageOnly(voice.language));
     if (!key.empty() && KeyOf(voice).size() < kTextBufferSize)
         UserSetting<const char*>{kVoicesSection, key.c_str(), ""}.Set(KeyOf(voice));
+    ++Choices();
+}
+
+int VoicesForRun::Of(std::string_view language) {
+    const int voices = CountVoices();
+    const unsigned choices = Choices();
+    if (std::pair(voices, choices) != std::pair(voices_, choices_) || found_.size() > kMostKept)
+        found_.clear();
+    voices_ = voices;
+    choices_ = choices;
+    auto kept = std::ranges::find(found_, language, &std::pair<std::string, int>::first);
+    if (kept == found_.end())
+        kept = found_.emplace(kept, language, VoiceForLanguage(language));
+    return kept->second;
 }
 
 std::string MissingVoicesMessage(const std::vector<std::string>& languages) {

@@ -194,7 +194,8 @@ bool SpeechPieces::NextUnit() {
         const Voice voice = VoiceAt(stretch_.voice);
         tellsTimes_ = EngineOf(voice).timesOption != nullptr;
         units_.emplace(text, voice.charset, voice.language, SaidBy(voice, text, rules_),
-                       SpokenForms(text, voice.language, SaidByEngineOf(voice), rules_.choices));
+                       SpokenForms(text, voice.language, SaidByEngineOf(voice), rules_.choices),
+                       stretch_.language);
     }
     unit.sourceBegin += stretch_.begin;
     unit.sourceEnd += stretch_.begin;

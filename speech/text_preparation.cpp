@@ -31,9 +31,9 @@ bool TextUnits::Stages::BeginsSentence(const PlainWord& word) {
 }
 
 TextUnits::TextUnits(std::string_view text, VoiceCharset charset, std::string_view language,
-                     SaidDifferently said, SpokenForms forms) {
+                     SaidDifferently said, SpokenForms forms, std::string_view ownLanguage) {
     const bool engineSaysEmoji = forms.IsEmojiLeftToEngine();
-    Sentences sentences(text, {}, language.empty() ? "en" : language);
+    Sentences sentences(text, ownLanguage, language.empty() ? "en" : language);
     stages_.reset(new Stages{PlainWords(text, charset, language, std::move(said), std::move(forms)),
                              SayableUnits(charset, engineSaysEmoji), std::move(sentences),
                              std::nullopt});

@@ -26,9 +26,10 @@ class TextUnits {
 public:
     // The text's bytes must outlive this.
     // language is the voice's, for signs that are said in words; said and then forms are asked
-    // about this text.
+    // about this text. Its sentences are those of its own language, which is looked for where it is
+    // not told.
     TextUnits(std::string_view text, VoiceCharset charset, std::string_view language = {},
-              SaidDifferently said = {}, SpokenForms forms = {});
+              SaidDifferently said = {}, SpokenForms forms = {}, std::string_view ownLanguage = {});
     ~TextUnits();
     TextUnits(TextUnits&&) noexcept;
     TextUnits& operator=(TextUnits&&) noexcept;

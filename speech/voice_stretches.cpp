@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "speech/language_voices.h"
-
 namespace {
 
 // What is looked at together; a first sentence is not kept waiting for more.
@@ -38,12 +36,14 @@ VoiceStretches::VoiceStretches(std::string_view text, int voice, bool byLanguage
 bool VoiceStretches::Next(VoiceStretch& stretch) {
     if (ready_.empty() && !Fill())
         return false;
-    stretch = ready_.front();
+    stretch = std::move(ready_.front());
     ready_.pop_front();
     // The first one is wanted at once; later each costs its reader a start.
     while (stretch.end - stretch.begin < enough_ && (!ready_.empty() || Fill()) &&
            ready_.front().voice == stretch.voice) {
         stretch.end = ready_.front().end;
+        if (ready_.front().language != stretch.language)
+            stretch.language.clear();
         ready_.pop_front();
     }
     enough_ = std::min(2 * enough_ + kMostTogether, kMostInOne);
@@ -106,18 +106,20 @@ void VoiceStretches::AddSentences(const std::vector<Sentence>& paragraph) {
         const int voice = VoiceOf(language_);
         if (!ready_.empty() && ready_.back().voice != voice) {
             ready_.back().end = sentence.begin;  // white space belongs to what stands before it
-            ready_.push_back({sentence.begin, sentence.end, voice});
+            ready_.push_back({sentence.begin, sentence.end, voice, language_});
         } else if (ready_.empty()) {
-            ready_.push_back({givenTo_, sentence.end, voice});
+            ready_.push_back({givenTo_, sentence.end, voice, language_});
+        } else if (ready_.back().language != language_) {
+            ready_.back().language.clear();
         }
     }
     ready_.back().end = ahead_ ? ahead_->begin : text_.size();
 }
 
 // Who has no Norwegian voice does not see Danish taken for it.
-TextLanguage VoiceStretches::WithVoice(TextLanguage seen) const {
+TextLanguage VoiceStretches::WithVoice(TextLanguage seen) {
     const auto hasVoice = [this](const std::string& language) {
-        return language == voiceLanguage_ || VoiceForLanguage(language) >= 0;
+        return language == voiceLanguage_ || voices_.Of(language) >= 0;
     };
     if (seen.orElse.empty() || hasVoice(seen.tag))
         return seen;
@@ -147,10 +149,10 @@ std::string VoiceStretches::MarkedLanguage(std::size_t place) const {
 int VoiceStretches::VoiceOf(const std::string& language) {
     if (language == voiceLanguage_)
         return voice_;
-    int voice = VoiceForLanguage(language);
+    int voice = voices_.Of(language);
     for (const std::string_view other : SpokenAlike(language))
         if (voice < 0)
-            voice = other == voiceLanguage_ ? voice_ : VoiceForLanguage(other);
+            voice = other == voiceLanguage_ ? voice_ : voices_.Of(other);
     if (voice >= 0)
         return voice;
     if (std::ranges::find(withoutVoice_, language) == withoutVoice_.end())

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "speech/language_voices.h"
 #include "speech/sentences.h"
 #include "speech/text_language.h"
 
@@ -22,8 +23,9 @@ std::vector<LanguageMark> MarksFrom(const std::vector<LanguageMark>& marks, std:
 
 struct VoiceStretch {
     std::size_t begin;
-    std::size_t end;  // where the next one begins
-    int voice;        // index into the voice table
+    std::size_t end;            // where the next one begins
+    int voice;                  // index into the voice table
+    std::string language = {};  // of all of it, without region; empty: of several, or not looked at
 };
 
 // Whole sentences in order, lazily; every byte of the text is in one of the stretches. One thread.
@@ -46,7 +48,7 @@ private:
     bool Fill();
     void AddParagraph();
     void AddSentences(const std::vector<Sentence>& paragraph);
-    TextLanguage WithVoice(TextLanguage seen) const;
+    TextLanguage WithVoice(TextLanguage seen);
     std::string Judge(const TextLanguage& seen, const std::string& marked) const;
     std::string MarkedLanguage(std::size_t place) const;
     int VoiceOf(const std::string& language);
@@ -54,6 +56,7 @@ private:
     std::string_view text_;
     int voice_;
     std::string voiceLanguage_;
+    VoicesForRun voices_;
     bool byLanguage_;
     std::vector<LanguageMark> marks_;
     Sentences sentences_;

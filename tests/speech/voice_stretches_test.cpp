@@ -100,6 +100,26 @@ TEST(VoiceStretches, GiveEachLanguageItsVoice) {
     });
 }
 
+TEST(VoiceStretches, TakeAVoiceThatIsChosenWhileTheyRun) {
+    WithVoices([] {
+        const std::string two = std::string(kEnglish) + "\n\n" + kGerman + "\n\n";
+        const std::string text = two + two + two;
+        VoiceStretches stretches(text, FindVoice("en-US"), true, {});
+        std::string told;
+        for (VoiceStretch stretch{}; stretches.Next(stretch);) {
+            told += "|" + VoiceAt(stretch.voice).name;
+            if (told == "|en-US|de")
+                KeepVoiceForLanguage(VoiceAt(FindVoice("amy")));
+            if (told == "|en-US|de|en-US|amy") {
+                AddVoices({{"flite", "new", "new", "de", VoiceCharset::kUnicode}});
+                UserSetting<const char*>{"Voices", "de", ""}.Set("flite:new");
+            }
+        }
+        EXPECT_EQ(told, "|en-US|de|en-US|amy|en-US|new");
+        UserSetting<const char*>{"Voices", "de", ""}.Delete();
+    });
+}
+
 TEST(VoiceStretches, GiveWhatMightBeSeveralLanguagesToOneThatHasAVoice) {
     const char* const sentence = "Vi kommer til byen i morgen og ser på husene der.";
     WithVoices([&] { EXPECT_EQ(Spoken(sentence), "|nb"); }, {"en-US", "da", "nb"});
