@@ -1,13 +1,17 @@
 #include "speech/voice_stretches.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <iterator>
+#include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "foundation/settings/setting.h"
 #include "speech/language_voices.h"
 #include "speech/speech_pieces.h"
+#include "speech/speech_reading.h"
 #include "tests/speech/fake_engine.h"
 
 namespace {
@@ -124,6 +128,48 @@ TEST(VoiceStretches, GiveWhatMightBeSeveralLanguagesToOneThatHasAVoice) {
     const char* const sentence = "Vi kommer til byen i morgen og ser på husene der.";
     WithVoices([&] { EXPECT_EQ(Spoken(sentence), "|nb"); }, {"en-US", "da", "nb"});
     WithVoices([&] { EXPECT_EQ(Spoken(sentence), "|da"); }, {"en-US", "da"});
+}
+
+// Of what engines are handed stands each word in "spoken", of each run a byte in "runs".
+class WritingEngines : public FakeEngine {
+public:
+    WritingEngines() : FakeEngine(true) {
+        Script("espeak-ng", Writing("\"$6\"", "\"$8\""));
+        Script("text2wave", Writing("\"$3\"", "\"$5\""));
+    }
+
+private:
+    static std::string Writing(const std::string& text, const std::string& sound) {
+        return "/bin/cat " + text + " >>$here/spoken; echo >>$here/runs; /bin/cp $here/good.wav " +
+               sound;
+    }
+};
+
+TEST(VoiceStretches, SpeakOrTellEachWordOfATextThatChangesItsLanguageWithEach) {
+    const char* const words[] = {"house", "Straße", "дерево", "hlavní", "además", "fenêtre"};
+    constexpr std::size_t kWords = 2000;
+    constexpr std::size_t kMostRuns = 10;
+    std::string text;
+    for (std::size_t i = 0; i < kWords; ++i)
+        text += words[i % std::size(words)] + std::string(i % 20 == 19 ? ". " : " ");
+    WithVoices([&] {
+        AddVoices({{"festival", "kal", "kal", "en-US", VoiceCharset::kAscii}});
+        for (const auto& [voice, count, told] :
+             {std::tuple("en-US", kWords, ""), std::tuple("kal", kWords - 333, "333 words")}) {
+            const WritingEngines engines;
+            LSilentProgress progress;
+            SpeechReading reading(text, FindVoice(voice), engines / "speech.wav",
+                                  ReadingUse::kSaving);
+            reading.SpeakBy({.byLanguage = true});
+            reading.Start();
+            EXPECT_EQ(Process(progress, reading), kProcessDone);
+            std::istringstream spoken(engines.Read("spoken"));
+            EXPECT_EQ(std::distance(std::istream_iterator<std::string>(spoken), {}), count);
+            EXPECT_THAT(reading.Message(), testing::HasSubstr(told));
+            EXPECT_EQ(reading.Message().empty(), *told == '\0');
+            EXPECT_LE(engines.Read("runs").size(), kMostRuns);
+        }
+    });
 }
 
 TEST(VoiceStretches, BelieveTheDocumentWhereTheTextDoesNotTell) {
