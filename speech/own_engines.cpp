@@ -176,9 +176,13 @@ std::vector<SpeechEngine> OwnEngines() {
             if (files->path().extension() == ".engine")
                 paths.push_back(files->path().string());
         std::ranges::sort(paths);
-        for (const std::string& path : paths)
-            if (std::optional<SpeechEngine> engine = EngineIn(path))
+        for (const std::string& path : paths) {
+            std::optional<SpeechEngine> engine = EngineIn(path);
+            // The user's goes before everybody's of its name, whose voices are kept by the same.
+            if (engine &&
+                std::ranges::find(engines, engine->name, &SpeechEngine::name) == engines.end())
                 engines.push_back(std::move(*engine));
+        }
     }
     return engines;
 }

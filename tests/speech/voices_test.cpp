@@ -1,6 +1,6 @@
 #include "speech/voices.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <atomic>
 #include <tuple>
@@ -255,6 +255,40 @@ void FindManyVoicesOfSeveralEngines() {
     CheckHowTheyAreFound();
 }
 
+// What everybody has, and what the user has instead of it, or would have if it could be used.
+void HideTheMachinesEngineBehindTheUsers() {
+    const FakeEngine engine(true);
+    const ScopedVariable home("HOME", engine.Path().c_str());
+    const ScopedVariable root("LECTORA_ROOT", engine.Path().c_str());
+    std::filesystem::remove(engine / "bin/festival");
+    engine.Script("neural", "exit 0");
+    const std::string own = engine / ".quillon/lectora/engines/";
+    const std::string machines = engine / "opt/quillon/lectora/etc/engines/";
+    const auto describe = [](const std::string& path, const std::string& voices,
+                             const char* command = "neural {text} {wav}") {
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        std::ofstream(path) << "[Engine]\nName=Neural\nLanguage=cs\nVoices=" << voices
+                            << "\nCommand=" << command << "\n";
+        std::filesystem::permissions(path, std::filesystem::perms(0600));
+    };
+    describe(machines + "piper.engine", "amy;joe");
+    describe(machines + "other.engine", "amy");
+    describe(machines + "broken.engine", "eve");
+    describe(own + "piper.engine", "amy;eva", "neural --mine {text} {wav}");
+    describe(own + "broken.engine", "eve", "neural");
+    LSilentProgress progress;
+    VoiceListQuery query;
+    ASSERT_EQ(Process(progress, query), kProcessDone);
+    std::string known;
+    for (const Voice& voice : KnownVoices())
+        known += KeyOf(voice) + "|";
+    EXPECT_EQ(known, "own:piper:amy|own:piper:eva|own:broken:eve|own:other:amy|");
+    EXPECT_THAT(EngineOf(VoiceAt(0)).ownCommand, testing::HasSubstr("--mine"));
+    KeepManner(VoiceAt(0), {.pitch = 150});
+    EXPECT_EQ(MannerOf(VoiceAt(3)), VoiceManner());
+    KeepManner(VoiceAt(0), {});
+}
+
 void StopAsking() {
     const FakeEngine engine(true);
     engine.Script("festival", "echo $$ >$here/pid; exec /bin/sleep 60");
@@ -271,6 +305,7 @@ TEST(VoiceList, IsAskedAgainUntilThereIsOne) {
     InFreshProcess(AskInTheBackground);
     InFreshProcess(StopAsking);
     InFreshProcess(FindManyVoicesOfSeveralEngines);
+    InFreshProcess(HideTheMachinesEngineBehindTheUsers);
 }
 
 TEST(VoiceDescription, IsTheInstalledOneOrAsKnown) {
