@@ -273,6 +273,8 @@ void PieceRuns::LeaveOut(const SpeechPiece& piece, SynthesisOutcome why) {
     ++leftOutInRow_;
     // A voice that has never spoken may have been removed: it need not fail as often.
     const bool hasSpoken = haveSpoken_.contains(piece.voice);
+    if (runs_.empty() && !isAtEndOfText_)
+        PullPiece();  // nobody has looked yet whether more follows
     const bool isGone = leftOutInRow_ >= (hasSpoken ? kMaxLeftOutInRow : kSilentInRow) ||
                         (!hasSpoken && isAtEndOfText_);
     if (why == SynthesisOutcome::kNoSound && isGone && GoOnWithAnotherVoice(piece, false))
