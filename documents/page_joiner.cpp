@@ -112,10 +112,19 @@ class PageJoiner {
 public:
     explicit PageJoiner(const DocumentRules& rules) : rules_(rules) {}
 
+    // How words are written, and how high letters are.
+    void Learn(const std::vector<PdfPage>& pages) {
+        for (const PdfPage& page : pages)
+            for (const PdfLine& line : page) {
+                words_.Add(line.text);
+                if (line.height > 0)
+                    heights_[static_cast<int>(std::lround(line.height * 2))] += line.text.size();
+            }
+    }
+
     // These pages are next.
     void Add(std::vector<PdfPage> pages) {
-        for (const PdfPage& page : pages)
-            Learn(page);
+        Learn(pages);
         const auto most = std::max_element(
             heights_.begin(), heights_.end(),
             [](const auto& one, const auto& other) { return one.second < other.second; });
@@ -135,14 +144,6 @@ public:
     }
 
 private:
-    void Learn(const PdfPage& page) {
-        for (const PdfLine& line : page) {
-            words_.Add(line.text);
-            if (line.height > 0)
-                heights_[static_cast<int>(std::lround(line.height * 2))] += line.text.size();
-        }
-    }
-
     void AddPage(const PdfPage& page) {
         emptyPages_ += std::exchange(isPageBegun_, true) ? 1U : 0U;
         const std::size_t notes = NotesFrom(page);
@@ -331,18 +332,25 @@ Document JoinPages(std::vector<PdfPage> pages, const DocumentRules& rules) {
     return joiner.Take();
 }
 
-GrowingPages::GrowingPages(const DocumentRules& rules)
-    : rules_(rules), joiner_(std::make_unique<PageJoiner>(rules)) {}
+GrowingPages::GrowingPages(const DocumentRules& rules, std::vector<PdfPage> known)
+    : rules_(rules), known_(std::move(known)), joiner_(std::make_unique<PageJoiner>(rules)) {
+    joiner_->Learn(known_);
+}
 
 GrowingPages::~GrowingPages() = default;
 
-void GrowingPages::Add(PdfPage page) {
-    pages_.push_back(std::move(page));
-    std::vector<PdfPage> known = pages_;
+void GrowingPages::Add(std::vector<PdfPage> pages) {
+    const std::size_t before = pages_.size();
+    std::ranges::move(pages, std::back_inserter(pages_));
+    std::vector<PdfPage> all = pages_;
+    if (known_.size() > all.size())
+        all.insert(all.end(), known_.begin() + static_cast<std::ptrdiff_t>(all.size()),
+                   known_.end());
     if (!rules_.pageHeads)
-        DropPageHeads(known);
-    known.erase(known.begin(), std::prev(known.end()));
-    joiner_->Add(std::move(known));
+        DropPageHeads(all);
+    all.resize(pages_.size());
+    all.erase(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(before));
+    joiner_->Add(std::move(all));
 }
 
 Document GrowingPages::Beginning() const {

@@ -101,17 +101,20 @@ class PageJoiner;
 
 class GrowingPages {
 public:
-    explicit GrowingPages(const DocumentRules& rules);  // which outlive it
+    // known: pages that are there from the beginning, with empty ones where others are to come:
+    // heads and the letters' usual height show in them too. The rules outlive it.
+    explicit GrowingPages(const DocumentRules& rules, std::vector<PdfPage> known = {});
     ~GrowingPages();
     GrowingPages(const GrowingPages&) = delete;
     GrowingPages& operator=(const GrowingPages&) = delete;
 
-    void Add(PdfPage page);      // the next one
-    Document Beginning() const;  // whole sentences, which stay as they are
-    Document Take();             // all of it, once
+    void Add(std::vector<PdfPage> pages);  // the next ones
+    Document Beginning() const;            // whole sentences, which stay as they are
+    Document Take();                       // all of it, once
 
 private:
     const DocumentRules& rules_;
+    std::vector<PdfPage> known_;
     std::vector<PdfPage> pages_;  // with their heads
     std::unique_ptr<PageJoiner> joiner_;
 };

@@ -1,102 +1,39 @@
 #include "documents/recognised_text.h"
 
-#include <glib.h>
-#include <unicode/uloc.h>
-
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "documents/page_recogniser.h"
 #include "documents/pdf_pages.h"
 #include "documents/problems.h"
 #include "documents/program_output.h"
 #include "documents/small_texts.h"
 #include "documents/text_charset.h"
-#include "foundation/processes/child_process.h"
 
 namespace {
 
-constexpr std::size_t kLargestPicture = 64U << 20;  // of a page
 constexpr std::size_t kMostScans = 2000;
-constexpr int kMostRanges = 20;            // of missing pages that are told
-constexpr std::size_t kMostLanguages = 6;  // each takes time of its own
+constexpr int kMostRanges = 20;  // of missing pages that are told
 
-// Of the user's languages, as this program names them, and English.
-std::vector<std::string> LikelyLanguages() {
-    std::vector<std::string> likely;
-    for (const char* const* name = g_get_language_names(); *name != nullptr; ++name) {
-        const std::string language = uloc_getISO3Language(*name);
-        if (language == "zho")
-            likely.emplace_back("chi");
-        else if (language == "nob" || language == "nno")
-            likely.emplace_back("nor");
-        else if (!language.empty())
-            likely.push_back(language);
-    }
-    likely.emplace_back("eng");
-    return likely;
-}
-
-// What is installed, scripts and the detector of the page's direction aside.
-std::vector<std::string> InstalledLanguages(const ReadingWatch& watch) {
-    std::string list;
-    RunProgram("tesseract --list-langs 2>&1", {}, watch, [&list](std::string_view part) {
-        list += part;
-        return list.size() < kReadAtOnce;
-    });
-    std::vector<std::string> languages;
-    std::size_t at = list.find('\n');
-    while (at != std::string::npos) {
-        const std::size_t end = list.find('\n', ++at);
-        const std::string name = list.substr(at, end == std::string::npos ? end : end - at);
-        at = end;
-        if (!name.empty() && name != "osd" && name != "equ" &&
-            name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_") == std::string::npos)
-            languages.push_back(name);
-    }
-    return languages;
-}
-
-// "deu+eng": the likely ones first, others as far as they fit.
-std::string ChosenLanguages(const ReadingWatch& watch) {
-    std::vector<std::string> languages = InstalledLanguages(watch);
-    auto rest = languages.begin();
-    for (const std::string& likely : LikelyLanguages())
-        rest = std::stable_partition(rest, languages.end(), [&likely](const std::string& name) {
-            return name.starts_with(likely);
-        });
-    std::string chosen;
-    for (std::size_t i = 0; i < std::min(languages.size(), kMostLanguages); ++i)
-        chosen += (i == 0 ? "" : "+") + languages[i];
-    return chosen;
-}
-
+// A document all of whose pages are pictures.
 class Recogniser {
 public:
     Recogniser(const ReadingWatch& watch, const DocumentRules& rules)
-        : rules_(rules), languages_(ChosenLanguages(watch)) {
+        : rules_(rules), reader_(watch) {
         if (watch.WantsBeginning())
             growing_ = std::make_unique<GrowingPages>(rules);
     }
 
-    bool HasLanguage() const { return !languages_.empty(); }
+    const std::string& Lack() const { return reader_.Lack(); }
     std::size_t Pages() const { return pages_; }
     bool HasText() const { return text_.find_first_not_of(" \n\f") != std::string::npos; }
 
-    // One page, or the pages of one file. Lines come as they are recognised, so that those of a
-    // run that is ended are not lost.
     ProgramOutcome Read(std::string_view picture, const ReadingWatch& watch) {
         std::string text;
-        const ProgramOutcome outcome =
-            RunProgram("env OMP_THREAD_LIMIT=1 stdbuf -oL tesseract stdin stdout -l " + languages_,
-                       picture, watch, [&text](std::string_view part) {
-                           text += part;
-                           return text.size() <= kLargestDocumentText;
-                       });
-        if (!text.ends_with('\f'))
-            text += '\f';
+        const ProgramOutcome outcome = reader_.Read(picture, watch, text);
         text_ += text;
         ++pages_;
         if (growing_)
@@ -108,7 +45,7 @@ public:
     void Skip() {
         text_ += '\f';
         if (growing_)
-            growing_->Add({});
+            growing_->Add(std::vector<PdfPage>(1));
     }
 
     Document Take() const {
@@ -129,8 +66,7 @@ private:
         std::vector<PdfPage> pages = PdfPagesOfText(DecodeText(text));
         if (pages.back().empty())  // behind the form feed
             pages.pop_back();
-        for (PdfPage& page : pages)
-            growing_->Add(std::move(page));
+        growing_->Add(std::move(pages));
         Document beginning = growing_->Beginning();
         beginning.isRecognised = true;
         if (!beginning.text.empty())
@@ -138,37 +74,11 @@ private:
     }
 
     const DocumentRules& rules_;
-    std::string languages_;
+    PageRecogniser reader_;
     std::string text_;
     std::size_t pages_ = 0;
     std::unique_ptr<GrowingPages> growing_;  // where the first page is not to wait for the last
 };
-
-std::string Lack(const Recogniser& recogniser) {
-    return recogniser.HasLanguage()
-               ? ""
-               : "The program tesseract knows no language: install the package tesseract-ocr-eng.";
-}
-
-constexpr const char* kNotInstalled =
-    "The text in pictures is read by the program tesseract: install the package tesseract-ocr, by "
-    "\"Check This Computer\" in Lectora's menu Help for example.";
-
-// Grey, as large as an office's page at 300 dots an inch.
-std::string PageCommand(std::size_t page) {
-    const std::string number = std::to_string(page);
-    return "pdftoppm -gray -scale-to 3500 -f " + number + " -l " + number + " - ";
-}
-
-ProgramOutcome DrawPage(std::string_view bytes, std::size_t page, const ReadingWatch& watch,
-                        std::string& picture) {
-    const ProgramOutcome outcome =
-        RunProgram(PageCommand(page), bytes, watch, [&picture](std::string_view part) {
-            picture += part;
-            return picture.size() <= kLargestPicture;
-        });
-    return outcome == ProgramOutcome::kDone && picture.empty() ? ProgramOutcome::kFailed : outcome;
-}
 
 }  // namespace
 
@@ -189,11 +99,9 @@ std::string RangesOf(const std::vector<std::size_t>& pages) {
 
 Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
                      const DocumentRules& rules) {
-    if (!IsProgramInstalled("tesseract"))
-        return DocumentProblem(kNotInstalled);
     Recogniser recogniser(watch, rules);
-    if (std::string lack = Lack(recogniser); !lack.empty())
-        return DocumentProblem(std::move(lack));
+    if (!recogniser.Lack().empty())
+        return DocumentProblem(recogniser.Lack());
     const ProgramOutcome outcome = recogniser.Read(bytes, watch.Anew(kPagePatience));
     if ((outcome == ProgramOutcome::kFailed || outcome == ProgramOutcome::kEnded) &&
         recogniser.HasText() && !watch.WasStopped()) {
@@ -211,18 +119,16 @@ Document ReadPicture(std::string_view bytes, const ReadingWatch& watch,
 
 Document ReadScannedPdf(std::string_view bytes, std::size_t pages, const ReadingWatch& watch,
                         const DocumentRules& rules, std::chrono::seconds patience) {
-    if (!IsProgramInstalled("tesseract"))
-        return DocumentProblem(std::string("The PDF document holds only pictures of its pages. ") +
-                               kNotInstalled);
     Recogniser recogniser(watch, rules);
-    if (std::string lack = Lack(recogniser); !lack.empty())
-        return DocumentProblem(std::move(lack));
+    if (!recogniser.Lack().empty())
+        return DocumentProblem("The PDF document holds only pictures of its pages. " +
+                               recogniser.Lack());
     std::vector<std::size_t> missing;
     std::size_t page = 1;
     for (; page <= kMostScans; ++page) {
         const ReadingWatch pageWatch = watch.Anew(patience);
         std::string picture;
-        ProgramOutcome outcome = DrawPage(bytes, page, pageWatch, picture);
+        ProgramOutcome outcome = DrawPdfPage(bytes, page, pageWatch, picture);
         if (outcome == ProgramOutcome::kFailed && page > pages)
             break;  // behind the last page
         const bool isDrawn = outcome == ProgramOutcome::kDone;

@@ -8,13 +8,11 @@
 #include <vector>
 
 #include "documents/document.h"
+#include "documents/page_recogniser.h"
 #include "documents/reading_watch.h"
 
 // Pages by their numbers, which rise: "2-4, 9 and 31 more".
 std::string RangesOf(const std::vector<std::size_t>& pages);
-
-// A page, of which the program's own bound is half in processor time: others want the computer too.
-constexpr std::chrono::seconds kPagePatience{120};
 
 // Page by page, each with the watch's time anew. What is not installed is told as the problem.
 Document ReadPicture(std::string_view bytes, const ReadingWatch& watch, const DocumentRules& rules);

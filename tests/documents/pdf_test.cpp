@@ -348,21 +348,6 @@ TEST(Pdf, OneWordInAnotherFontMovesNoLineAndLiftsNoNumber) {
               "around 30000 users\n");
 }
 
-TEST(Pdf, ScannedPagesBetweenOthersAreTold) {
-    std::string pdf = PdfOf({{"Words."}, {") Tj /I Do ("}, {}, {"More."}});
-    const std::string fonts = "/Font<</F1 3 0 R>>";
-    for (std::size_t at = pdf.find(fonts); at != std::string::npos; at = pdf.find(fonts, at + 40))
-        pdf.insert(at, "/XObject<</I 5 0 R>>");
-    const std::string pixels(400 * 50, '\0');
-    pdf.insert(pdf.find("trailer"),
-               "5 0 obj <</Subtype/Image/Width 400/Height 400/ColorSpace/"
-               "DeviceGray/BitsPerComponent 1/Length 20000>> stream\n" +
-                   pixels + "\nendstream endobj\n");
-    const Document document = ReadDocument(pdf);
-    EXPECT_EQ(document.text, "Words.\n\nMore.\n");
-    EXPECT_EQ(document.remark, "Pages that hold only pictures, no text, are left out: 2.");
-}
-
 TEST(Pdf, ReadersThatHangFailOrLackAreTold) {
     const ScratchFolder folder;
     folder.WriteProgram("pdftotext", "echo part\nsleep 1000 & wait\n");

@@ -21,6 +21,20 @@
 
 namespace {
 
+// "/I Do" on a page draws a picture.
+std::string PdfWithPictures(const std::vector<std::vector<std::string>>& pages) {
+    std::string pdf = PdfOf(pages);
+    const std::string fonts = "/Font<</F1 3 0 R>>";
+    for (std::size_t at = pdf.find(fonts); at != std::string::npos; at = pdf.find(fonts, at + 40))
+        pdf.insert(at, "/XObject<</I 5 0 R>>");
+    const std::string pixels(400 * 50, '\0');
+    pdf.insert(pdf.find("trailer"),
+               "5 0 obj <</Subtype/Image/Width 400/Height 400/ColorSpace/"
+               "DeviceGray/BitsPerComponent 1/Length 20000>> stream\n" +
+                   pixels + "\nendstream endobj\n");
+    return pdf;
+}
+
 using testing::HasSubstr;
 
 TEST(Programs, RtfIsReadWithWhatItShowsAlone) {
@@ -198,6 +212,44 @@ TEST(Programs, PagesOfAScanThatHangOrFailAreToldAndCostNoOthers) {
     EXPECT_THAT(scan.remark, HasSubstr("missing: 2-4."));
     ASSERT_EQ(scan.pages.size(), 5U) << "each page keeps its number";
     EXPECT_EQ(scan.text.substr(scan.pages[4]), "Page 5.\n");
+}
+
+TEST(Programs, ScannedPagesBetweenOthersAreReadInTheirPlaceOrTold) {
+    const std::string picture = ") Tj /I Do (";
+    const std::string pdf =
+        PdfWithPictures({{"Words."}, {picture}, {}, {picture}, {"More."}, {picture}});
+    const ScratchFolder folder;
+    folder.WriteProgram("pdftoppm",
+                        "while [ $1 != -f ]; do shift; done\n[ $2 = 6 ] && exit 1\necho $2\n");
+    folder.WriteProgram("tesseract",
+                        "[ $1 = --list-langs ] && printf 'List:\\neng\\n' && exit\n"
+                        "case $(cat) in 2) echo Seen on the second page. ;; *) echo '~ oe 1 ,' ;; "
+                        "esac\n");
+    folder.Write("scan.pdf", pdf);
+    const std::string programs = std::getenv("PATH");
+    const ScopedVariable path("PATH", (folder.Path() + ":" + programs).c_str());
+    std::vector<std::string> told;
+    const Document document =
+        LoadGrowingDocument((folder / "scan.pdf").c_str(), {}, {},
+                            [&told](const Document& part) { told.push_back(part.text); });
+    EXPECT_EQ(document.text, "Words.\n\nSeen on the second page.\n\nMore.\n");
+    ASSERT_EQ(document.pages.size(), 5U);
+    EXPECT_EQ(document.text.substr(document.pages[4]), "More.\n");
+    EXPECT_TRUE(document.isRecognised);
+    EXPECT_EQ(document.remark,
+              "The text of pages in pictures was recognised, some of its words may be wrong: 2. "
+              "Pages that hold only pictures, no text, are left out: 4. "
+              "Pages in pictures that took too long or are damaged are missing: 6.");
+    EXPECT_THAT(told, testing::ElementsAre("Words.", "Words.\n\nSeen on the second page.",
+                                           "Words.\n\nSeen on the second page.\n\nMore."));
+    folder.WriteProgram("tesseract", "exit 1\n");
+    const Document lacking = ReadDocument(pdf);
+    EXPECT_EQ(lacking.text, "Words.\n\nMore.\n");
+    EXPECT_FALSE(lacking.isRecognised);
+    EXPECT_EQ(lacking.remark,
+              "Pages that hold only pictures, no text, are left out: 2, 4, 6. The program "
+              "tesseract knows no language: install the package tesseract-ocr-eng.");
+    EXPECT_THAT(ReadDocument(pdf, [] { return true; }).problem, HasSubstr("stopped"));
 }
 
 // A picture of many pages whose recognition is ended; the user's languages come first.
