@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "documents/small_texts.h"
 #include "foundation/processes/child_process.h"
 
 namespace {

@@ -10,7 +10,6 @@
 #include "documents/pdf_pages.h"
 #include "documents/problems.h"
 #include "documents/program_output.h"
-#include "documents/small_texts.h"
 #include "documents/text_charset.h"
 
 namespace {

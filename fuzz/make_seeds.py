@@ -278,6 +278,8 @@ def documents():
     book += "<a type='note'>1</a></p></section></body><binary>c</binary></FictionBook>"
     save("document", "fb2", book.encode())
     save("fiction_book", "fb2", book.encode())
+    rtf = r"{\rtf1\ansi{\deleted a}{\v b}{\footnote c}\uc2 d\u252\'fc\'3f{\uc0\u-10179\u-8704}\u8217 ?e\'92}"
+    save("rtf", "rtf", rtf.encode())
     article = "<title>a b</title><nav><a href=x>c</a></nav><main><div class='share-bar'><a href=y>d</a>"
     article += f"</div><article><h1>a b</h1><p>{'e ' * 150}</p></article><div id=comments>f</div></main>"
     save("page", "article", article.encode())
