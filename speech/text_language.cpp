@@ -118,6 +118,7 @@ TextLanguage ToldApart(std::string_view text, std::string language,
 // What each shows together with those much alike: mostly they share their words.
 std::vector<ShownByWords> SharedWithAlike(const std::vector<ShownByWords>& shown) {
     std::vector<unsigned> groups;
+    groups.reserve(shown.size());
     for (const ShownByWords& one : shown)
         groups.push_back(GroupsOf(one.language));
     std::vector<ShownByWords> sums = shown;
