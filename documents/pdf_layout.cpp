@@ -82,21 +82,11 @@ void PdfLayout::ReadLine(std::string_view line) {
     } else if (line.starts_with("<page ")) {
         pages_.emplace_back();
     } else if (line.starts_with("</page>") && !pages_.empty()) {
+        PutInReadingOrder(pages_.back());
         JoinInitials(pages_.back());
         OrderColumns(pages_.back());
         JoinRows(pages_.back());
         JoinTables(pages_.back());
-    }
-}
-
-void PdfLayout::CountLetters(std::string_view text) {
-    for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at)) {
-        const gunichar letter = g_utf8_get_char(at);
-        if (!g_unichar_isalpha(letter))
-            continue;
-        ++letters_;
-        // Hebrew, Arabic and their kin.
-        rightToLeft_ += (letter >= 0x590 && letter < 0x900) || letter >= 0xFB1D ? 1U : 0U;
     }
 }
 
@@ -125,6 +115,7 @@ void PdfLayout::EndLine() {
     line.left = words_.front().left;
     line.right = words_.back().right;
     line.firstWordWidth = words_.front().right - words_.front().left + line.height / 4;
+    line.lastWordWidth = words_.back().right - words_.back().left + line.height / 4;
     line.blockLeft = blockLeft_;
     line.blockRight = blockRight_;
     line.beginsBlock = std::exchange(beginsBlock_, false);
@@ -153,7 +144,6 @@ void PdfLayout::EndLine() {
         before = &word;
     }
     words_.clear();
-    CountLetters(line.text);
     textSize_ += line.text.size() + sizeof line;
     pages_.back().push_back(std::move(line));
 }

@@ -24,6 +24,7 @@ struct PdfLine {
     double top = 0;
     double height = 0;          // of its letters
     double firstWordWidth = 0;  // with a blank
+    double lastWordWidth = 0;   // the same
     double blockLeft = 0;
     double blockRight = 0;
     bool beginsBlock = false;  // a block is a paragraph, or the part of one in a column or page
@@ -43,8 +44,6 @@ public:
 
     void Feed(std::string_view bytes);
     std::size_t TextSize() const { return textSize_; }
-    // Whether most of it is written from right to left, which this program's output does not show.
-    bool IsRightToLeft() const { return rightToLeft_ * 3 > letters_; }
     std::vector<PdfPage> TakePages() { return std::move(pages_); }
 
 private:
@@ -56,7 +55,6 @@ private:
     void ReadLine(std::string_view line);
     const Word& UsualWord() const;
     void EndLine();
-    void CountLetters(std::string_view text);
 
     bool keepsMarks_;
     std::string rest_;  // of a line that has not come whole
@@ -66,12 +64,14 @@ private:
     double blockRight_ = 0;
     bool beginsBlock_ = false;
     std::size_t textSize_ = 0;
-    std::size_t letters_ = 0;
-    std::size_t rightToLeft_ = 0;
 };
 
 // Pages of plain text: lines, a form feed behind each page, an empty line between blocks.
 std::vector<PdfPage> PdfPagesOfText(std::string_view text);
+
+// Lines come as they are seen, from the left. What is written from right to left gets the order in
+// which it is read; where most of a page is, so do its places, as if it were seen in a mirror.
+void PutInReadingOrder(PdfPage& page);
 
 // A paragraph's large first letter, beside its first lines, is put to its word.
 void JoinInitials(PdfPage& page);

@@ -10,13 +10,11 @@
 #include "documents/problems.h"
 #include "documents/program_output.h"
 #include "documents/recognised_text.h"
-#include "documents/text_charset.h"
 #include "foundation/processes/child_process.h"
 
 namespace {
 
 constexpr const char* kLayoutCommand = "pdftotext -q -bbox-layout -enc UTF-8 - -";
-constexpr const char* kTextCommand = "pdftotext -q -enc UTF-8 -eol unix - -";
 constexpr std::size_t kMostLayout = 4 * kLargestDocumentText;  // lines with their places
 
 Document WithoutText(std::string_view bytes, std::size_t pages, const ReadingWatch& watch,
@@ -36,7 +34,7 @@ Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const Docume
         return DocumentProblem(
             "PDF documents need the program pdftotext: install the package poppler-utils.");
     PdfLayout layout(rules.referenceMarks);
-    ProgramOutcome outcome =
+    const ProgramOutcome outcome =
         RunProgram(kLayoutCommand, bytes, watch, [&layout](std::string_view part) {
             layout.Feed(part);
             return layout.TextSize() <= kMostLayout;
@@ -44,17 +42,6 @@ Document ReadPdf(std::string_view bytes, const ReadingWatch& watch, const Docume
     if (std::string problem = ProgramProblem("pdftotext", outcome, watch); !problem.empty())
         return DocumentProblem(std::move(problem));
     std::vector<PdfPage> pages = layout.TakePages();
-    if (layout.IsRightToLeft()) {
-        // Only as plain text the program turns such words round.
-        std::string text;
-        outcome = RunProgram(kTextCommand, bytes, watch, [&text](std::string_view part) {
-            text += part;
-            return text.size() <= kLargestDocumentText;
-        });
-        if (std::string problem = ProgramProblem("pdftotext", outcome, watch); !problem.empty())
-            return DocumentProblem(std::move(problem));
-        pages = PdfPagesOfText(DecodeText(text));
-    }
     if (std::ranges::none_of(pages, PageHoldsWords))
         return WithoutText(bytes, pages.size(), watch, rules);
     const std::size_t read = pages.size();

@@ -8,6 +8,7 @@
 #include "documents/document.h"
 #include "documents/pdf_pages.h"
 #include "tests/documents/document_files.h"
+#include "tests/documents/placed_words.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -186,27 +187,6 @@ TEST(Pdf, PlacesTellLinesParagraphsHeadingsAndNotes) {
     EXPECT_EQ(document.text.substr(document.pages[1], 8), "the next");
 }
 
-std::string WordAt(double left, double top, double height, const std::string& word) {
-    const auto is = [](const char* name, double value) {
-        return std::string(" ") + name + "=\"" + std::to_string(value) + '"';
-    };
-    return "<word" + is("xMin", left) +
-           is("xMax", left + height / 2 * static_cast<double>(word.size())) + is("yMin", top) +
-           is("yMax", top + height) + ">" + word + "</word>\n";
-}
-
-std::string TextOfBlocks(const std::vector<std::vector<std::string>>& blocks) {
-    PdfLayout layout(false);
-    layout.Feed("<page x>\n");
-    for (const std::vector<std::string>& lines : blocks) {
-        layout.Feed("<block xMin=\"50\" xMax=\"500\">\n");
-        for (const std::string& words : lines)
-            layout.Feed(words + "</line>\n");
-    }
-    layout.Feed("</page>\n");
-    return JoinPages(layout.TakePages(), {}).text;
-}
-
 TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
     EXPECT_EQ(TextOfBlocks({{WordAt(50, 100, 10, "1"), WordAt(50, 120, 10, "1.1")},
                             {WordAt(80, 100, 10, "One"), WordAt(80, 120, 10, "More . . . .")},
@@ -231,93 +211,6 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
         columns[1].push_back(WordAt(70, 100 + 12 * line, 10, "words"));
     }
     EXPECT_THAT(TextOfBlocks(columns), HasSubstr("words\nwords"));
-}
-
-TEST(Pdf, TablesAreReadRowByRowAndColumnsOfTextAreNot) {
-    const auto column = [](double left, const std::vector<std::string>& lines) {
-        std::vector<std::string> block;
-        block.reserve(lines.size());
-        for (const std::string& line : lines)
-            block.push_back(WordAt(left, 100 + 20 * static_cast<double>(block.size()), 10, line));
-        return block;
-    };
-    const std::vector<std::string> names = {"Fruit", "apple", "pears"};
-    const std::vector<std::string> figures = {"Price", "3.40", "12.10"};
-    EXPECT_EQ(TextOfBlocks({column(50, names),
-                            column(200, {"Hue", "red", "green"}),
-                            column(480, figures),
-                            {WordAt(50, 300, 10, "after")}}),
-              "Fruit, Hue, Price\napple, red, 3.40\npears, green, 12.10\n\nafter\n");
-    EXPECT_EQ(TextOfBlocks({column(50, names), column(200, figures)}),
-              "Fruit, Price\napple, 3.40\npears, 12.10\n");
-    // Two addresses side by side, and columns of text.
-    EXPECT_EQ(TextOfBlocks({column(50, names), column(200, {"Ann", "Road", "Town"})}),
-              "Fruit\napple\npears\n\nAnn\nRoad\nTown\n");
-    const std::string full(30, 'w');
-    const std::string text =
-        TextOfBlocks({column(50, {full, full, full + "e"}), column(230, {full, full, full}),
-                      column(400, {full, full, full})});
-    EXPECT_THAT(text, HasSubstr(full + "e\n\n" + full + ' ' + full));
-    // Rows within one block; words of a line that is stretched.
-    const std::string left = WordAt(50, 100, 10, "A") + "</line>\n" + WordAt(150, 100, 10, "1");
-    const std::string right = WordAt(50, 120, 10, "Bb") + "</line>\n" + WordAt(150, 120, 10, "2");
-    EXPECT_EQ(TextOfBlocks({{right, left + "</line>\n" + WordAt(200, 100, 10, "x")}}),
-              "Bb, 2\nA 1, x\n");
-    EXPECT_EQ(TextOfBlocks({{WordAt(50, 80, 10, "Long"), right, WordAt(50, 140, 10, "end")}}),
-              "Long\nBb 2\nend\n");
-    // Three columns of lines that the page's middle column crosses.
-    std::vector<std::vector<std::string>> columns(3);
-    for (int line = 0; line < 20; ++line)
-        for (std::size_t at = 0; at < 3; ++at)
-            columns[at].push_back(
-                WordAt(50 + 170 * static_cast<double>(at), 100 + 12 * line, 10, full + "abc"[at]));
-    EXPECT_THAT(TextOfBlocks(columns), HasSubstr(full + "b " + full + "b"));
-    // Each fifth line's number is a block of its own.
-    std::vector<std::vector<std::string>> numbered(1);
-    for (int line = 1; line <= 15; ++line) {
-        numbered[0].push_back(WordAt(70, 100 + 12 * line, 10, "words"));
-        if (line % 5 == 0)
-            numbered.push_back({WordAt(50, 100 + 12 * line, 10, std::to_string(line))});
-    }
-    EXPECT_THAT(TextOfBlocks(numbered), Not(HasSubstr("10 words")));
-}
-
-TEST(Pdf, ColumnsAreReadOneAfterTheOther) {
-    const auto column = [](double left, int line, const std::string& words) {
-        return WordAt(left, 100 + 12 * line, 10, words + std::to_string(line));
-    };
-    const std::string filling(30, 'x');
-    std::vector<std::string> right;
-    std::vector<std::string> left;
-    std::vector<std::string> both;  // as one line
-    for (int line = 0; line < 9; ++line) {
-        left.push_back(column(50, line, filling + "l"));
-        right.push_back(column(230, line, filling + "r"));
-        both.push_back(left.back() + right.back());
-    }
-    std::vector<std::vector<std::string>> blocks;
-    const std::vector<std::vector<std::vector<std::string>>> bodies = {{right, left}, {both}};
-    for (const auto& body : bodies) {
-        blocks = {{WordAt(80, 80, 10, "A Title Above The Two Columns Of This Page")}};
-        blocks.insert(blocks.end(), body.begin(), body.end());
-        blocks.push_back({WordAt(50, 210, 8, "1 note")});
-        const std::string text = TextOfBlocks(blocks);
-        EXPECT_TRUE(text.starts_with("A Title")) << text;
-        EXPECT_THAT(text, HasSubstr("l7 " + filling + "l8 " + filling + "r0 " + filling + "r1"));
-        EXPECT_TRUE(text.ends_with("r8\n\n1 note\n")) << text;
-    }
-    // So are those of which most lines are items of contents.
-    blocks = {};
-    for (int line = 0; line < 30; ++line)
-        for (const double at : {50.0, 230.0})
-            blocks.push_back({column(at, line, line < 9 ? filling + "-" : "item")});
-    EXPECT_THAT(TextOfBlocks(blocks), HasSubstr("-7 " + filling + "-8\n\nitem9"));
-    // Of a table the rows stay, however long some of its names are.
-    both = {};
-    for (int line = 0; line < 9; ++line)
-        both.push_back(column(50, line, line % 4 == 0 ? filling : "name") +
-                       column(230, line, filling));
-    EXPECT_THAT(TextOfBlocks({both}), HasSubstr("name1 " + filling + "1"));
 }
 
 TEST(Pdf, HostilePagesTakeNoLongerThanTheyAreLong) {
