@@ -1,6 +1,7 @@
 #include "books/book_estimate.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "books/book_sections.h"
 #include "speech/speech_estimate.h"
@@ -18,6 +19,22 @@ double BytesASecond(const BookOrder& order) {
     const int kilobits =
         order.kilobits > 0 ? order.kilobits : SpeechKilobits(order.type, kUsualRate);
     return kilobits * 1000 / 8.0;
+}
+
+// What comes may be said so much more quickly than what is known.
+double QuickestPart(const BookOrder& order) {
+    constexpr double kVoicesDiffer = 0.85;
+    const std::vector<int>& speeds = order.rules.speeds;
+    if (!order.rules.byLanguage || speeds.empty())
+        return kVoicesDiffer;
+    int slowest = order.rules.SpeedOf(order.voice);
+    int fastest = slowest;
+    for (std::size_t voice = 0; voice < speeds.size(); ++voice) {
+        const int speed = order.rules.SpeedOf(static_cast<int>(voice));
+        slowest = std::min(slowest, speed);
+        fastest = std::max(fastest, speed);
+    }
+    return kVoicesDiffer * slowest / fastest;
 }
 
 }  // namespace
@@ -40,6 +57,34 @@ BookEstimate EstimateBook(const BookPlan& plan, const BookOrder& manner) {
     whole.bytesMeanwhile =
         static_cast<long long>(section * whole.seconds * 2 * kUsualRate) + whole.bytes;
     return whole;
+}
+
+double LeastSeconds(const BookOrder& order) {
+    return EstimateBook(order.plan, order).seconds * QuickestPart(order);
+}
+
+// By letters: scripts differ in how many bytes these take.
+double LeastFrames(const BookOrder& order, std::size_t end, double frames, int rate) {
+    constexpr double kSaysSomething = 0.125;  // of the letters
+    double before = 0;
+    double all = 0;
+    double ended = 0;
+    for (const BookChapter& chapter : order.plan.chapters) {
+        const auto letters = static_cast<double>(chapter.letters);
+        all += letters;
+        ended += chapter.end <= end ? 1 : 0;
+        if (chapter.end <= end)
+            before += letters;
+        else if (chapter.begin < end)
+            before += static_cast<double>(
+                LettersIn(std::string_view(order.text).substr(chapter.begin, end - chapter.begin)));
+    }
+    if (before < kSaysSomething * all || before <= 0)
+        return frames;
+    const double silence = order.secondsBetween * rate;
+    const double left = static_cast<double>(order.plan.chapters.size()) - ended;
+    return frames + left * silence +
+           std::max(all - before, 0.0) * (frames - ended * silence) / before * QuickestPart(order);
 }
 
 int SpeechKilobits(SoundType type, int rate) {

@@ -1,6 +1,8 @@
 // How long and how large a book will be, before any of it is spoken.
 #pragma once
 
+#include <cstddef>
+
 #include "books/book_order.h"
 
 struct BookEstimate {
@@ -13,6 +15,11 @@ struct BookEstimate {
 // 15 %.
 BookEstimate EstimateBook(const BookPlan& plan, const BookOrder& manner);
 double SecondsOfChapter(const BookOrder& manner, const BookChapter& chapter);
+
+// What no book of that order falls below, whichever voices and languages are still to come: its
+// seconds, and its frames where the text before a byte has taken so many at a rate.
+double LeastSeconds(const BookOrder& order);
+double LeastFrames(const BookOrder& order, std::size_t end, double frames, int rate);
 
 // What speech needs, in kilobits a second.
 int SpeechKilobits(SoundType type, int rate);

@@ -102,8 +102,8 @@ BookResult BookMaker::Make() {
         return result_;
     }
     // Better now than when all is spoken.
-    if (!IsFolder() && EstimateBook(order_.plan, order_).seconds * kLeastRate >
-                           static_cast<double>(MostFrames(order_.type))) {
+    if (!IsFolder() &&
+        LeastSeconds(order_) * kLeastRate > static_cast<double>(MostFrames(order_.type))) {
         Fail(order_.target + ": " + kBookTooLong);
         return result_;
     }
@@ -241,15 +241,11 @@ bool BookMaker::Keep(std::size_t index, const ChapterSpeech& speech, ChapterToEn
 
 // Told as soon as it shows: the whole takes hours.
 bool BookMaker::IsTooLong(std::size_t index, const SpokenSection& spoken) const {
-    constexpr double kShows = 0.125;  // of the text
-    constexpr double kMargin = 0.95;
     if (order_.HasFileAChapter())
         return false;
-    const double part = static_cast<double>(sections_[index].end) /
-                        static_cast<double>(std::max<std::size_t>(sections_.back().end, 1));
     const auto frames = static_cast<double>(spoken.End());
-    const double expected = part < kShows ? frames : std::max(frames, frames / part * kMargin);
-    return expected > static_cast<double>(MostFrames(order_.type));
+    return LeastFrames(order_, sections_[index].end, frames, spoken.rate) >
+           static_cast<double>(MostFrames(order_.type));
 }
 
 // The end of that speech, for the section with that number.
