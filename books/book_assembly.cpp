@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <utility>
 
 #include "books/book_seam.h"
@@ -65,6 +66,14 @@ BookTags BookAssembly::TagsOf(std::size_t chapter) const {
     return tags;
 }
 
+// What the encoder was given.
+SoundLength BookAssembly::TaggedLength(const SoundLength& length) const {
+    if (order_.type != SoundType::kM4b)
+        return length;
+    const int rate = EncodedRate(order_.type, order_.kilobits, length.rate);
+    return {length.frames * rate / length.rate, rate};
+}
+
 BookJoint BookAssembly::MakeFile(const Sound& sound, BookTags tags, const std::string& path,
                                  LProgress& progress) const {
     const bool isM4b = order_.type == SoundType::kM4b;
@@ -72,11 +81,7 @@ BookJoint BookAssembly::MakeFile(const Sound& sound, BookTags tags, const std::s
     BookJoint joint = JoinBook(order_.type, sound.parts, sound.length, joined, progress);
     if (joint.isStopped || !joint.problem.empty())
         return joint;
-    tags.sound = sound.length;
-    if (isM4b) {
-        const int rate = EncodedRate(order_.type, order_.kilobits, sound.length.rate);
-        tags.sound = {sound.length.frames * rate / sound.length.rate, rate};
-    }
+    tags.sound = TaggedLength(sound.length);
     if (isM4b)
         joint.problem = AddChapters(joined, tags, path, progress);
     joint.isStopped = progress.IsToStop();
@@ -85,15 +90,40 @@ BookJoint BookAssembly::MakeFile(const Sound& sound, BookTags tags, const std::s
     return joint;
 }
 
-BookJoint BookAssembly::MakeChapter(std::size_t chapter, LProgress& progress) const {
+BookAssembly::Sound BookAssembly::SoundOfChapter(std::size_t chapter) const {
     std::size_t first = 0;
     while (sections_[first].chapter < chapter)
         ++first;
     std::size_t end = first;
     while (end < sections_.size() && sections_[end].chapter == chapter)
         ++end;
+    return SoundOf(first, end);
+}
+
+// Its sections are gone: a copy takes the place of what is there.
+std::string BookAssembly::TagAnew(std::size_t chapter) const {
     const std::string path = ChapterPath(chapter);
-    const Sound sound = SoundOf(first, end);
+    WholeFile file(path, WholeFile::Existing::kReplace);
+    std::string problem = file.Problem();
+    std::error_code error;
+    if (problem.empty() &&
+        !std::filesystem::copy_file(path, file.WritePath(),
+                                    std::filesystem::copy_options::overwrite_existing, error))
+        problem = error.message();
+    BookTags tags = TagsOf(chapter);
+    tags.sound = TaggedLength(SoundOfChapter(chapter).length);
+    if (problem.empty())
+        problem = WriteBookTags(file.WritePath(), order_.type, tags);
+    if (problem.empty())
+        problem = file.Commit();
+    if (problem.empty())
+        problem = work_.NoteMade(chapter, path);
+    return problem.empty() ? "" : path + ": " + problem;
+}
+
+BookJoint BookAssembly::MakeChapter(std::size_t chapter, LProgress& progress) const {
+    const std::string path = ChapterPath(chapter);
+    const Sound sound = SoundOfChapter(chapter);
     WholeFile file(path, WholeFile::Existing::kReplace);
     BookJoint joint;
     joint.problem = file.Problem();

@@ -23,15 +23,19 @@ public:
     std::string ChapterPath(std::size_t chapter) const;
     // Its sections are encoded, and go.
     BookJoint MakeChapter(std::size_t chapter, LProgress& progress) const;
+    // Of one that is made: why its tags cannot be the order's, or empty.
+    std::string TagAnew(std::size_t chapter) const;
     // All its sections are encoded, or its chapters made.
     BookJoint MakeBook(LProgress& progress) const;
 
 private:
     struct Sound;
     Sound SoundOf(std::size_t first, std::size_t end) const;
+    Sound SoundOfChapter(std::size_t chapter) const;
     BookTags TagsOf(std::size_t chapter) const;
     BookJoint MakeFile(const Sound& sound, BookTags tags, const std::string& path,
                        LProgress& progress) const;
+    SoundLength TaggedLength(const SoundLength& length) const;
     std::string AddChapters(const std::string& joined, const BookTags& tags,
                             const std::string& path, LProgress& progress) const;
     std::string Publish(WholeFile& file, const Sound& sound, const std::string& path,

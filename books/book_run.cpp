@@ -298,11 +298,14 @@ bool BookMaker::MakeChapters() {
             return true;
         if (!sections_[i].endsChapter)
             continue;
-        if (!work_.IsMade(chapter) || !Exists(assembly_.ChapterPath(chapter))) {
-            const BookJoint made = assembly_.MakeChapter(chapter, progress_);
-            if (made.isStopped || !Fail(made.problem))
-                return false;
-        }
+        const bool isMade = work_.IsMade(chapter) && Exists(assembly_.ChapterPath(chapter));
+        BookJoint made;
+        if (!isMade)
+            made = assembly_.MakeChapter(chapter, progress_);
+        else if (!order_.isReadAlong && !work_.HasTags(chapter))
+            made.problem = assembly_.TagAnew(chapter);
+        if (made.isStopped || !Fail(made.problem))
+            return false;
         chaptersMade_ = chapter + 1;
     }
     return true;
@@ -325,7 +328,7 @@ bool BookMaker::MakeBook() {
 }  // namespace
 
 BookResult MakeBook(BookOrder order, LProgress& progress) {
-    if (order.rules.saysDifferently)
+    if (order.rules.saysDifferently && order.rules.pronunciations == nullptr)
         order.rules.pronunciations = CurrentPronunciations();
     return BookMaker(order, progress).Make();
 }

@@ -19,5 +19,5 @@ struct BookResult {
 // Blocks. Unfinished work stands in a hidden folder beside the target, or in it, and goes when the
 // book is done; the same order goes on with it.
 //
-// The pronunciation list is that of the beginning, whoever changes it meanwhile.
+// The pronunciation list is the order's, or that of the beginning, whoever changes it meanwhile.
 BookResult MakeBook(BookOrder order, LProgress& progress);

@@ -105,6 +105,8 @@ bool TagMp3(TagStream& stream, const BookTags& tags) {
     if (!file.isOpen())
         return false;
     TagLib::ID3v2::Tag& tag = *file.ID3v2Tag(true);
+    while (!tag.frameList().isEmpty())
+        tag.removeFrame(tag.frameList().front());
     for (const auto& [id, text] : {std::pair{"TIT2", tags.title},
                                    {"TPE1", tags.author},
                                    {"TALB", tags.album},
@@ -141,6 +143,8 @@ std::string ClockTime(long long milliseconds) {
 }
 
 void FillComments(TagLib::Ogg::XiphComment& comments, const BookTags& tags) {
+    while (!comments.fieldListMap().isEmpty())
+        comments.removeFields(comments.fieldListMap().begin()->first);
     comments.setTitle(Utf8(tags.title));
     comments.setArtist(Utf8(tags.author));
     comments.setAlbum(Utf8(tags.album));
@@ -163,6 +167,7 @@ bool TagOpus(TagStream& stream, const BookTags& tags) {
     if (!file.isValid())
         return false;
     FillComments(*file.tag(), tags);
+    file.tag()->removeAllPictures();
     if (!tags.cover.empty())
         file.tag()->addPicture(XiphPicture(tags.cover));
     return file.save();
@@ -173,6 +178,7 @@ bool TagFlac(TagStream& stream, const BookTags& tags) {
     if (!file.isValid())
         return false;
     FillComments(*file.xiphComment(true), tags);
+    file.removePictures();
     if (!tags.cover.empty())
         file.addPicture(XiphPicture(tags.cover));
     return file.save();
@@ -198,6 +204,7 @@ bool TagMp4(TagStream& stream, const BookTags& tags) {
     tag.setAlbum(Utf8(tags.album));
     if (tags.track > 0)
         tag.setItem("trkn", TagLib::MP4::Item(tags.track, tags.tracks));
+    tag.removeItem("covr");
     if (!tags.cover.empty()) {
         const bool isPng = PictureType(tags.cover) == std::string_view("image/png");
         TagLib::MP4::CoverArtList covers;

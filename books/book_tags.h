@@ -25,9 +25,9 @@ struct BookTags {
     SoundLength sound;  // of M4B, whose players leave out what the encoder adds
 };
 
-// Into the finished file, whatever its name: ID3v2.4 with CHAP and CTOC frames, Vorbis comments
-// with CHAPTERnnn, MP4 atoms (whose chapters ffmpeg writes: ChapterMetadata). WAV takes none. Why
-// that cannot be, or empty.
+// Into the finished file, whatever its name, in place of those that it has: ID3v2.4 with CHAP and
+// CTOC frames, Vorbis comments with CHAPTERnnn, MP4 atoms (whose chapters ffmpeg writes:
+// ChapterMetadata). WAV takes none. Why that cannot be, or empty.
 std::string WriteBookTags(const std::string& path, SoundType type, const BookTags& tags);
 
 // ffmpeg's text form of chapters.

@@ -1,7 +1,6 @@
 #include "books/book_work.h"
 
 #include <fcntl.h>
-#include <glib.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,31 +9,18 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <functional>
-#include <map>
-#include <memory>
 #include <set>
 #include <sstream>
 
+#include "books/book_key.h"
 #include "books/book_order.h"
-#include "books/book_sections.h"
 #include "books/subtitles.h"
 #include "formats/whole_file.h"
 #include "foundation/files/file_io.h"
-#include "speech/language_voices.h"
-#include "speech/pronunciations.h"
-#include "speech/voice_table.h"
 
 namespace {
 
 constexpr std::size_t kMostContent = 64U << 20;
-
-std::string FolderFor(const std::string& target) {
-    if (target.back() == '/')
-        return target + ".lectora-book/";
-    const std::size_t name = target.rfind('/') + 1;
-    return target.substr(0, name) + "." + target.substr(name, 200) + ".lectora-book/";
-}
 
 // As this program calls what stands in its folder.
 bool IsOwnName(const std::string& name) {
@@ -43,38 +29,16 @@ bool IsOwnName(const std::string& name) {
     return end != std::string::npos && end >= begin + 5 && name[end] == '.';
 }
 
-std::string SpokenBy(const BookOrder& order, int voice) {
-    const VoiceManner manner = order.rules.MannerAt(voice);
-    return KeyOf(VoiceAt(voice)) + " " + std::to_string(order.rules.SpeedOf(voice)) + " " +
-           std::to_string(manner.pitch) + " " + std::to_string(manner.volume) + " " +
-           manner.variant;
-}
-
-// What decides which voice says which words how.
-void AddRules(const BookOrder& order, const std::function<void(const std::string&)>& add) {
-    const SpeakingRules& rules = order.rules;
-    add(rules.pronunciations ? FormatPronunciations(rules.pronunciations->Entries()) : "");
-    for (const bool choice : {rules.choices.spellsCapitals, rules.choices.saysPunctuation,
-                              rules.choices.saysEmoji, rules.byLanguage, rules.saysHosts})
-        add(choice ? "yes" : "no");
-    if (!rules.byLanguage)
-        return;
-    for (const LanguageMark& mark : rules.marks)
-        add(mark.tag + " " + std::to_string(mark.begin));
-    std::map<std::string, std::string> voices;  // by language
-    for (const Voice& voice : KnownVoices()) {
-        const std::string language = voice.language.substr(0, voice.language.find('-'));
-        if (voices.contains(language))
-            continue;
-        voices[language] = SpokenBy(order, VoiceForLanguage(language));
-    }
-    for (const auto& [language, voice] : voices)
-        add(language + " " + voice);
-}
-
 }  // namespace
 
-BookWork::BookWork(const BookOrder& order) : order_(order), folder_(FolderFor(order.target)) {}
+std::string WorkFolderFor(const std::string& target) {
+    if (target.back() == '/')
+        return target + ".lectora-book/";
+    const std::size_t name = target.rfind('/') + 1;
+    return target.substr(0, name) + "." + target.substr(name, 200) + ".lectora-book/";
+}
+
+BookWork::BookWork(const BookOrder& order) : order_(order), folder_(WorkFolderFor(order.target)) {}
 
 std::string BookWork::Path(std::size_t index, const char* ending) const {
     char name[64];
@@ -111,11 +75,16 @@ std::string BookWork::NoteMade(std::size_t chapter, const std::string& path) con
         const std::string beside = SubtitlesPath(path, *order_.subtitles);
         names += beside.substr(beside.rfind('/') + 1) + "\n";
     }
-    return Write(Path(chapter, "made"), names);
+    const std::string problem = Write(Path(chapter, "tags"), TagsKey(order_));
+    return problem.empty() ? Write(Path(chapter, "made"), names) : problem;
 }
 
 bool BookWork::IsMade(std::size_t chapter) const {
     return ::access(Path(chapter, "made").c_str(), F_OK) == 0;
+}
+
+bool BookWork::HasTags(std::size_t chapter) const {
+    return ContentOf(Path(chapter, "tags")) == TagsKey(order_);
 }
 
 // The names of what an unfinished run has put into the book's folder.
@@ -139,33 +108,6 @@ bool BookWork::HoldsOthers(const std::set<std::string>& made) const {
         if (entry.path().filename() != ".lectora-book" && !made.contains(entry.path().filename()))
             return true;
     return false;
-}
-
-// Of all that the sound depends on.
-std::string BookWork::KeyOf() const {
-    const std::unique_ptr<GChecksum, decltype(&g_checksum_free)> sum(
-        g_checksum_new(G_CHECKSUM_SHA256), &g_checksum_free);
-    const auto add = [&sum](const std::string& part) {
-        const std::string framed = std::to_string(part.size()) + ":" + part;
-        g_checksum_update(sum.get(), reinterpret_cast<const guchar*>(framed.data()),
-                          static_cast<gssize>(framed.size()));
-    };
-    add("3");  // the form of what is kept
-    add(order_.text);
-    add(SpokenBy(order_, order_.voice));
-    AddRules(order_, add);
-    add(std::to_string(static_cast<int>(order_.type)) + " " + std::to_string(order_.kilobits) +
-        " " + std::to_string(order_.evensLoudness) + " " + std::to_string(order_.secondsBetween) +
-        " " + std::to_string(order_.subtitles ? static_cast<int>(*order_.subtitles) : -1) + " " +
-        std::to_string(order_.isReadAlong));
-    for (const std::string& part :
-         {order_.plan.title, order_.plan.author, order_.plan.language, order_.plan.cover})
-        add(part);
-    for (const DocumentHeading& heading : order_.plan.headings)
-        add(std::to_string(heading.begin));
-    for (const BookSection& section : SectionsOf(order_))
-        add(order_.plan.chapters[section.chapter].title + " " + std::to_string(section.begin));
-    return g_checksum_get_string(sum.get());
 }
 
 std::string BookWork::Open() {
@@ -207,12 +149,17 @@ std::string BookWork::OpenFolder() {
 // What another order has left goes, and the chapters that it had finished of an unfinished book;
 // what else is in a folder is the user's, and stays until a whole chapter replaces it.
 std::string BookWork::Claim(const std::string& found) {
-    const std::string key = KeyOf();
+    const std::string key = BookKey(order_);
+    const bool isFolder = order_.target.back() == '/';
+    // That what stands there may be replaced holds for the book, however it is gone on with.
+    const std::string mayReplace = folder_ + "may-replace";
+    if (isFolder && order_.overwrites)
+        if (std::string problem = Write(mayReplace, ""); !problem.empty())
+            return problem;
     if (found == key)
         return "";
-    const bool isFolder = order_.target.back() == '/';
     const std::set<std::string> made = isFolder ? Made() : std::set<std::string>{};
-    if (isFolder && !order_.overwrites && HoldsOthers(made)) {
+    if (isFolder && ::access(mayReplace.c_str(), F_OK) != 0 && HoldsOthers(made)) {
         if (found.empty())
             Remove();
         return order_.target + ": holds other files";

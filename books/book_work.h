@@ -28,9 +28,9 @@ public:
     // Of a book with a file for each chapter: that the file with that path is one of this run's.
     std::string NoteMade(std::size_t chapter, const std::string& path) const;
     bool IsMade(std::size_t chapter) const;
+    bool HasTags(std::size_t chapter) const;  // as the order has them
 
 private:
-    std::string KeyOf() const;
     std::string OpenFolder();
     std::string Claim(const std::string& found);
     std::set<std::string> Made() const;
@@ -40,6 +40,9 @@ private:
     std::string folder_;  // with its slash
     UniqueFd lock_;
 };
+
+// That folder of a target, with its slash.
+std::string WorkFolderFor(const std::string& target);
 
 // Why that cannot be, or empty.
 std::string WriteInto(const WholeFile& file, const std::string& content);

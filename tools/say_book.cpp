@@ -1,11 +1,13 @@
 #include "tools/say_book.h"
 
 #include <cstdio>
+#include <optional>
 #include <utility>
 
 #include "books/book_cover.h"
 #include "books/book_estimate.h"
 #include "books/book_run.h"
+#include "books/unfinished_book.h"
 #include "playback/settings_keys.h"
 #include "speech/voice_manner.h"
 #include "speech/voice_table.h"
@@ -69,6 +71,19 @@ std::string FillOrder(const BookWish& wish, const Document& document, BookOrder&
     return problem.empty() ? "" : *wish.cover + ": " + problem;
 }
 
+// What is lost of it is told before it is.
+void GoOnWith(const UnfinishedBook& unfinished, bool asBegun, const std::string& subject,
+              BookOrder& order) {
+    if (asBegun && unfinished.asBegun) {
+        order = *unfinished.asBegun;
+        return;
+    }
+    Complain(kSayProgram, subject + ": was begun with " + unfinished.difference + "; " +
+                              std::to_string(unfinished.pieces) +
+                              " finished chapters or parts are made anew" +
+                              (unfinished.asBegun ? " (not so with --as-begun)" : ""));
+}
+
 }  // namespace
 
 int SayBook(const SayOptions& options, const SayJob& job, const Document& document, int voice,
@@ -92,6 +107,8 @@ int SayBook(const SayOptions& options, const SayJob& job, const Document& docume
     }
     if (!order.plan.remark.empty())
         Complain(kSayProgram, subject + ": " + order.plan.remark);
+    if (const std::optional<UnfinishedBook> unfinished = FindUnfinished(order))
+        GoOnWith(*unfinished, options.book->asBegun, subject, order);
     const std::size_t chapters = order.plan.chapters.size();
     BookResult result;
     {

@@ -18,6 +18,9 @@ const char kBookHelp[] =
     "      --title=TITLE, --author=AUTHOR, --cover=PICTURE\n"
     "                       in place of the document's; an empty one leaves it out\n"
     "      --subtitles=FORM beside an audiobook its sentences: srt, vtt or lrc\n"
+    "      --as-begun       go on with an unfinished audiobook in the voice and manner that it "
+    "was\n"
+    "                       begun with, where they are others now; else it is begun anew\n"
     "      --plan           print an audiobook's chapters, length and size, and make none\n";
 
 namespace {
@@ -62,6 +65,8 @@ bool TakeBookOption(int option, const char* value, BookWish& wish) {
         case kCover:
             wish.cover = value;
             return true;
+        case kAsBegun:
+            return wish.asBegun = true;
         default:
             return wish.isOnlyPlanned = true;
     }

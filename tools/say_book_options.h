@@ -12,6 +12,7 @@ struct BookWish {
     bool inChapters = false;   // a file each
     bool isReadAlong = false;  // an EPUB with text and sound (books/read_along.h)
     bool isOnlyPlanned = false;
+    bool asBegun = false;            // one that was begun in another manner goes on in that
     int kilobits = 0;                // a second; 0: what serves speech
     std::optional<int> speed = 100;  // percent of the voices' own; none: as each is listened to
     int secondsBetween = 1;
@@ -33,6 +34,7 @@ enum BookOption : int {
     kAuthor,
     kCover,
     kPlan,
+    kAsBegun,
     kBookOptionsEnd
 };
 

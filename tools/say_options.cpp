@@ -55,6 +55,7 @@ const option kSayOptions[] = {{"voice", required_argument, nullptr, 'v'},
                               {"author", required_argument, nullptr, kAuthor},
                               {"cover", required_argument, nullptr, kCover},
                               {"plan", no_argument, nullptr, kPlan},
+                              {"as-begun", no_argument, nullptr, kAsBegun},
                               {"help", no_argument, nullptr, kSayHelp},
                               {"version", no_argument, nullptr, kSayVersion},
                               {nullptr, 0, nullptr, 0}};

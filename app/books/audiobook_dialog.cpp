@@ -1,7 +1,6 @@
 #include "app/books/audiobook_dialog.h"
 
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 
 #include <algorithm>
 #include <optional>
@@ -9,6 +8,7 @@
 
 #include "app/books/book_details_dialog.h"
 #include "app/books/book_needs.h"
+#include "app/books/book_questions.h"
 #include "app/books/book_words.h"
 #include "app/saving/suggested_name.h"
 #include "app/settings_keys.h"
@@ -23,13 +23,6 @@ namespace {
 
 constexpr guint kFollowMs = 500;
 constexpr const char* kBoxTitle = "Save as Audiobook";
-
-std::optional<double> FreeBytes(const std::string& folder) {
-    struct statvfs disk = {};
-    if (::statvfs(folder.c_str(), &disk) != 0)
-        return std::nullopt;
-    return static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_frsize);
-}
 
 }  // namespace
 
@@ -293,21 +286,9 @@ bool AudiobookDialog::IsReadyToStart(const BookChoices& choices) {
         SetControlInvalid(kBookFolder, "There is no such folder.", "Folder");
         return false;
     }
-    return HasWhatBooksNeed(Widget(), kBoxTitle, choices.type) && IsOpen() && HasRoom(choices);
-}
-
-bool AudiobookDialog::HasRoom(const BookChoices& choices) {
-    const BookEstimate whole = list_.EstimateOfOpen(OrderOf(choices, ChosenVoiceOf()));
-    const auto needed = static_cast<double>(whole.bytes + whole.bytesMeanwhile);
-    const std::optional<double> free = FreeBytes(choices.folder);
-    if (!free || needed <= *free)
-        return true;
-    const std::string details = "Making them takes about " + SizeText(needed) + ", and " +
-                                SizeText(*free) + " are free in " + choices.folder +
-                                ". Finished chapters are kept when the disk is full.";
-    return MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kBoxTitle,
-                         "The disk is too small for these books. Start all the same?",
-                         details.c_str()) == GTK_RESPONSE_YES;
+    return HasWhatBooksNeed(Widget(), kBoxTitle, choices.type) && IsOpen() &&
+           AsksOfRoom(Widget(), kBoxTitle, choices.folder,
+                      list_.EstimateOfOpen(OrderOf(choices, ChosenVoiceOf())));
 }
 
 void AudiobookDialog::CmStart() {
@@ -323,7 +304,11 @@ void AudiobookDialog::CmStart() {
         MessageBoxRun(Widget(), GTK_MESSAGE_QUESTION, GTK_BUTTONS_YES_NO, kBoxTitle,
                       "Replace what is there?", names.c_str()) != GTK_RESPONSE_YES)
         return;
-    if (!list_.Start(choices, ChosenVoiceOf(), taken))
+    const BegunOtherwise begun = list_.BegunOtherwiseThan(choices, ChosenVoiceOf());
+    bool asBegun = false;
+    if (!IsOpen() || !AsksOfUnfinished(Widget(), kBoxTitle, begun, asBegun) || !IsOpen())
+        return;
+    if (!list_.Start(choices, ChosenVoiceOf(), taken, asBegun))
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
                       "There is no room for temporary files.", "");
     FocusControl(kDocuments);  // the button is off now

@@ -41,7 +41,6 @@ private:
     void CmPause();
     void CmStart();
     bool IsReadyToStart(const BookChoices& choices);
-    bool HasRoom(const BookChoices& choices);
     void ShowBooks();
     void ShowEstimate(const BookOrder& manner);
     void ShowRow(int row, int column, const std::string& text);

@@ -49,14 +49,14 @@ std::vector<KeptBook> LoadKeptBooks() {
     while (!rest.empty()) {
         std::string_view line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-        std::array<std::string, 6> columns;
+        std::array<std::string, 7> columns;
         for (std::string& column : columns) {
             column = line.substr(0, line.find('\t'));
             line.remove_prefix(std::min(column.size() + 1, line.size()));
         }
         if (!columns[0].empty())
-            books.push_back(
-                {columns[0], columns[1], columns[2], columns[3], columns[4], columns[5]});
+            books.push_back({columns[0], columns[1], columns[2], columns[3], columns[4], columns[5],
+                             columns[6]});
     }
     return books;
 }
@@ -67,7 +67,7 @@ void StoreKeptBooks(const std::vector<KeptBook>& books) {
         if (!book.path.empty() && FitsIntoLine(book.path) && FitsIntoLine(book.coverPath))
             content += book.path + '\t' + book.title + '\t' + book.author + '\t' + book.language +
                        '\t' + book.coverPath + '\t' + (FitsIntoLine(book.voice) ? book.voice : "") +
-                       '\n';
+                       '\t' + (FitsIntoLine(book.target) ? book.target : "") + '\n';
     if (content.empty())
         RemovePrivateFile(kKeptBooks);
     else
@@ -82,7 +82,8 @@ KeptBook KeptOf(const BookEntry& entry) {
             plan.author,
             plan.language,
             isCoverTaken ? kCoverTaken : entry.coverPath,
-            entry.voice};
+            entry.voice,
+            entry.begunAt};
 }
 
 std::string Restore(const KeptBook& kept, BookEntry& entry) {
@@ -90,6 +91,7 @@ std::string Restore(const KeptBook& kept, BookEntry& entry) {
     entry.plan.author = kept.author;
     entry.plan.language = kept.language;
     entry.voice = kept.voice;
+    entry.begunAt = kept.target;
     std::string problem;
     if (kept.coverPath == kCoverTaken)
         entry.plan.cover.clear();

@@ -19,6 +19,7 @@ struct BookEntry {
     std::optional<std::size_t> number;  // in the queue, once it is there
     std::string target;                 // where it goes, then
     std::string voice;                  // its key, then
+    std::string begunAt;                // where it went before its title was changed
     bool isToldOf = false;              // how it ended
 };
 
@@ -39,6 +40,7 @@ struct KeptBook {
     std::string language = {};
     std::string coverPath = {};  // "": the document's, "-": none
     std::string voice = {};
+    std::string target = {};
 };
 std::vector<KeptBook> LoadKeptBooks();
 void StoreKeptBooks(const std::vector<KeptBook>& books);

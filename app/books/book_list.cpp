@@ -3,7 +3,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
+
+#include "books/unfinished_book.h"
 
 namespace {
 
@@ -77,6 +80,10 @@ std::set<std::string> BookList::TakenTargets(const BookChoices& choices) {
             continue;
         entries_[i].target =
             TargetOf(entries_[i], choices.folder, EndingOf(choices), choices.inChapters, others);
+        if (!entries_[i].begunAt.empty()) {
+            MoveUnfinished(entries_[i].begunAt, entries_[i].target);
+            entries_[i].begunAt = entries_[i].target;
+        }
         others.push_back(entries_[i].target);
         if (IsTaken(entries_[i].target, choices))
             taken.insert(entries_[i].target);
@@ -84,7 +91,32 @@ std::set<std::string> BookList::TakenTargets(const BookChoices& choices) {
     return taken;
 }
 
-bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced) {
+BookOrder BookList::OrderOfEntry(const BookEntry& entry, const BookOrder& manner) const {
+    BookOrder order = manner;
+    order.plan = entry.plan;
+    order.text = entry.text;
+    order.rules.marks = entry.marks;
+    order.target = entry.target;
+    return order;
+}
+
+BegunOtherwise BookList::BegunOtherwiseThan(const BookChoices& choices, int voice) const {
+    const BookOrder manner = OrderOf(choices, voice);
+    BegunOtherwise books;
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        const std::optional<UnfinishedBook> book =
+            IsOpen(i) ? FindUnfinished(OrderOfEntry(entries_[i], manner)) : std::nullopt;
+        if (!book)
+            continue;
+        std::string& lines = book->asBegun ? books.canGoOn : books.cannot;
+        lines += (lines.empty() ? "" : "\n") + entries_[i].plan.title + ": begun with " +
+                 book->difference + ".";
+    }
+    return books;
+}
+
+bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced,
+                     bool asBegun) {
     if (folder_ == nullptr || !folder_->IsMade())
         folder_ = std::make_unique<WorkFolder>("lectora-books");
     if (!folder_->IsMade())
@@ -94,14 +126,14 @@ bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::
         if (!IsOpen(i))
             continue;
         BookEntry& entry = entries_[i];
-        BookOrder order = manner;
-        order.plan = entry.plan;
-        order.text = entry.text;
-        order.rules.marks = entry.marks;
-        order.target = entry.target;
+        BookOrder order = OrderOfEntry(entry, manner);
+        if (std::optional<UnfinishedBook> book = asBegun ? FindUnfinished(order) : std::nullopt;
+            book && book->asBegun)
+            order = *std::move(book->asBegun);
         order.overwrites = replaced.contains(entry.target);
         order.engineFolder = folder_->Path();
-        entry.voice = KeyOf(VoiceAt(voice));
+        entry.voice = KeyOf(VoiceAt(order.voice));
+        entry.begunAt = entry.target;
         entry.isToldOf = false;
         entry.number = queue_.Add(std::move(order));
     }

@@ -12,6 +12,13 @@
 #include "books/book_queue.h"
 #include "foundation/files/work_folder.h"
 
+// Unfinished books that were begun otherwise than they are ordered now, a line each: its title and
+// how.
+struct BegunOtherwise {
+    std::string canGoOn;  // as they were begun
+    std::string cannot;
+};
+
 // GUI thread. Its end breaks off what is at work, which a later run of the program goes on with.
 class BookList {
 public:
@@ -32,9 +39,12 @@ public:
 
     // Of where the open ones would go, what stands there already, or has subtitles there.
     std::set<std::string> TakenTargets(const BookChoices& choices);
-    // Makes these, in the place of what stands at the targets that are named; false: there is no
-    // place for temporary files.
-    bool Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced);
+    // Of the open ones. Behind TakenTargets.
+    BegunOtherwise BegunOtherwiseThan(const BookChoices& choices, int voice) const;
+    // Makes these, in the place of what stands at the targets that are named, those that were begun
+    // otherwise as they were begun or anew; false: there is no place for temporary files.
+    bool Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced,
+               bool asBegun);
     void BreakOff(std::size_t index);
     BookQueue& Queue() { return queue_; }
     const BookQueue& Queue() const { return queue_; }
@@ -45,6 +55,7 @@ public:
 
 private:
     void Keep() const;
+    BookOrder OrderOfEntry(const BookEntry& entry, const BookOrder& manner) const;
 
     std::unique_ptr<WorkFolder> folder_;  // the engines'
     std::vector<BookEntry> entries_;

@@ -77,6 +77,36 @@ class BookTroubleTest(BookCase):
         self.check(*command)
         self.assertEqual(len(self.heard("tale.opus")), 900 * 17 * 800 + 16000)
 
+    def test_an_unfinished_book_goes_on_as_it_was_begun_and_takes_new_tags(self):
+        self.install_encoder()
+        self.book("book.epub", TITLES, TEXTS)
+        for kind in ("mp3", "opus", "m4b", "flac"):
+            self.tell_engine("text2wave slow 1")
+            command = (SAY, "--audiobook=chapters", "-t", kind, "-o", kind + "/", "book.epub", "--speed")
+            first = f"{kind}/01 One = a; #1.{kind}"
+            self.stopped((*command, "150"), signal.SIGINT, kind + "/.lectora-book/00001.made")
+            length = float(self.probed(first)["format"]["duration"])
+            self.tell_engine("")
+            runs = len(self.said())
+            changed = (*command, "120", "--author", "Bo", "--cover=", "--title=Tide", "--as-begun")
+            self.check(*changed)
+            self.assertNotIn("wonderful", str(self.said()[runs:]))
+            told = self.probed(first)
+            found = told["format"].get("tags", {}) | told["streams"][0].get("tags", {})
+            tags = {name.lower(): value for name, value in found.items()}
+            self.assertEqual((tags["artist"], tags["album"], tags["title"]), ("Bo", "Tide", TITLES[0]))
+            self.assertEqual([stream["codec_type"] for stream in told["streams"]], ["audio"])
+            self.assertAlmostEqual(float(told["format"]["duration"]), length, delta=0.001)
+
+    def test_what_is_finished_of_a_book_begun_otherwise_is_lost_with_a_word(self):
+        self.tell_engine("text2wave slow 1")
+        self.book("book.epub", TITLES, TEXTS)
+        command = (SAY, "--audiobook=chapters", "-t", "flac", "-o", "spoken/", "book.epub")
+        self.check(*command)
+        # That it may be replaced is said once.
+        self.stopped((*command, "-f", "--speed=150"), signal.SIGINT, "spoken/.lectora-book/00001.made")
+        self.check(*command, "--speed=120", says="begun with a speed of 150 %; ")
+
     def test_what_was_finished_under_another_pronunciation_list_is_not_used(self):
         self.tell_engine("text2wave slow 1")
         self.book("book.epub", TITLES, TEXTS)
@@ -84,7 +114,7 @@ class BookTroubleTest(BookCase):
         self.stopped(command, signal.SIGINT, "spoken/01 One = a; #1.flac")
         with open(self.home + "/.quillon/lectora/pronunciations.txt", "w") as words:
             words.write("wonderful\tdull\n")
-        self.check(*command)
+        self.check(*command, says="was begun with other rules of speaking")
         self.assertEqual(len([text for _, text in self.said() if "dull dull worlds" in text]), 1)
 
     def test_what_goes_wrong_is_told_and_keeps_what_is_whole(self):
@@ -135,7 +165,7 @@ class BookTroubleTest(BookCase):
         other = [word.replace("spoken/", "other/").replace("flac", "opus") for word in command]
         told = self.stopped(other, signal.SIGINT, "other/.lectora-book/00001.made")
         self.assertIn("of 3 chapters are kept", told)
-        self.check(*[word.replace("opus", "flac") for word in other])
+        self.check(*[word.replace("opus", "flac") for word in other], says="was begun with another format; 1 finished")
         self.assertEqual(sorted(os.listdir(self.path("other"))), sorted(whole))
 
     def test_a_disk_that_is_full_when_the_cover_is_put_in_is_told_of(self):
