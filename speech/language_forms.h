@@ -32,6 +32,16 @@ struct LanguageForms {
     std::span<const WrittenForm> abbreviations;  // the longer before its beginning
     std::span<const WrittenForm> fractions;      // "1/2"
     std::span<const WrittenForm> punctuation;    // for who wants to hear it
+    std::string_view range = {};                 // between the numbers of "5–10"
+    std::string_view score = {};                 // between those of "3:2"
+    std::string_view dayRange = {};           // between days of one month, both said by their place
+    std::string_view andHalf = {};            // behind the number of "1½"
+    std::string_view ofFraction = " ";        // between a fraction and its unit, but for a half
+    std::span<const WrittenForm> units = {};  // of this language alone
+    std::span<const WrittenForm> moneyScales = {};  // "Mio." of "1,2 Mio. €"
+    std::string_view atSign = {};  // of an e-mail address, with the blanks around it
+    std::string_view dot = {};
+    std::string_view orderedNouns = {};  // behind "2.", a blank around each: "Weltkrieg"
 };
 
 // Null for a language that has no table.

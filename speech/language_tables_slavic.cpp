@@ -22,6 +22,9 @@ constexpr WrittenForm kRussianShort[] = {{"т. е.", "то есть"},
                                          {"тел.", "телефон"},
                                          {"проф.", "профессор"},
                                          {"акад.", "академик"},
+                                         {"долл.", "долларов"},
+                                         {"д. #", "дом"},
+                                         {"24/7", "24 на 7"},
                                          {"гл. #", "глава"},
                                          {"стр. #", "страница"},
                                          {"с. #", "страница"},
@@ -32,6 +35,11 @@ constexpr WrittenForm kRussianShort[] = {{"т. е.", "то есть"},
                                          {"см. A", "смотри"},
                                          {"№ ", "номер "},
                                          {"№", "номер "}};
+constexpr WrittenForm kRussianUnits[] = {{"ст. л.", "tablespoon"},
+                                         {"ч. л.", "teaspoon"},
+                                         {"мин", "minute"},
+                                         {"ч", "hour"},
+                                         {"кв. м", "square-meter"}};
 constexpr WrittenForm kRussianFractions[] = {{"1/2", "одна вторая"},
                                              {"1/3", "одна треть"},
                                              {"2/3", "две трети"},
@@ -77,11 +85,16 @@ constexpr WrittenForm kCzechShort[] = {{"např.", "například"},
                                        {"mil.", "milionů"},
                                        {"mld.", "miliard"},
                                        {"stol.", "století"},
+                                       {"č. p. #", "číslo popisné"},
+                                       {"př. Kr.", "před Kristem"},
+                                       {"24/7", "24 7"},
                                        {"č. #", "číslo"},
                                        {"str. #", "strana"},
                                        {"s. #", "strana"},
                                        {"obr. #", "obrázek"},
                                        {"kap. #", "kapitola"}};
+constexpr WrittenForm kCzechScales[] = {{"mil.", " milionů "}, {"mld.", " miliard "}};
+constexpr WrittenForm kCzechUnitSigns[] = {{"hod", "hour"}};
 constexpr WrittenForm kCzechFractions[] = {{"1/2", "jedna polovina"},
                                            {"1/3", "jedna třetina"},
                                            {"2/3", "dvě třetiny"},
@@ -108,7 +121,7 @@ const LanguageForms kRussianForms = {
     .beforeMan = "",
     .beforeWoman = "",
     .ofTheDay = " к ко ",
-    .ofThatDay = "",
+    .ofThatDay = " на по сегодня завтра ",
     .men =
         " Пётр Петр Николай Александр Павел Иван Людовик Генрих Карл Фридрих Вильгельм "
         "Наполеон Филипп Эдуард Георг Иоанн Пий Бенедикт Фёдор Василий ",
@@ -116,7 +129,12 @@ const LanguageForms kRussianForms = {
     .counted = " глава том часть раздел ",
     .abbreviations = kRussianShort,
     .fractions = kRussianFractions,
-    .punctuation = kRussianMarks};
+    .punctuation = kRussianMarks,
+    .dayRange = "по",
+    .andHalf = " с половиной",
+    .units = kRussianUnits,
+    .atSign = " собака ",
+    .dot = " точка "};
 
 const LanguageForms kCzechForms = {
     .language = "cs",
@@ -140,4 +158,12 @@ const LanguageForms kCzechForms = {
     .counted = " kapitola svazek část díl ",
     .abbreviations = kCzechShort,
     .fractions = kCzechFractions,
-    .punctuation = kCzechMarks};
+    .punctuation = kCzechMarks,
+    .range = " až ",
+    .score = " ku ",
+    .dayRange = "do",
+    .andHalf = " a půl",
+    .units = kCzechUnitSigns,
+    .moneyScales = kCzechScales,
+    .atSign = " zavináč ",
+    .dot = " tečka "};

@@ -107,6 +107,7 @@ constexpr RuleSet kRuleSets[] = {
     {"ru", OrdinalOf::kMan, "%spellout-ordinal-masculine"},
     {"ru", OrdinalOf::kWoman, "%spellout-ordinal-feminine"},
     {"ru", OrdinalOf::kDay, "%spellout-ordinal-neuter-genitive"},
+    {"ru", OrdinalOf::kThatDay, "%spellout-ordinal-neuter"},
     {"ru", OrdinalOf::kTheDay, "%spellout-ordinal-neuter-dative"},
 };
 
@@ -196,4 +197,16 @@ std::string OrdinalWords(std::string_view language, OrdinalOf of, int number) {
         if (rules.language == language && rules.of == of)
             return SpelledOut(language, rules.name, number);
     return {};
+}
+
+std::string PlaceWords(std::string_view language, OrdinalOf of, int number) {
+    constexpr std::string_view kLanguages = " fr es it ru ";
+    if (kLanguages.find(" " + std::string(language) + " ") == std::string_view::npos ||
+        number < 1 || number > kMostOrdinal)
+        return {};
+    const char* const rules = of == OrdinalOf::kWoman     ? "%spellout-ordinal-feminine"
+                              : of == OrdinalOf::kTheDay  ? "%spellout-ordinal-masculine-genitive"
+                              : of == OrdinalOf::kThatDay ? "%spellout-ordinal-masculine-locative"
+                                                          : "%spellout-ordinal-masculine";
+    return SpelledOut(language, rules, number);
 }

@@ -21,3 +21,6 @@ enum class OrdinalOf {
 };
 // Empty where the language says plain numbers there, or for a number that nobody counts so.
 std::string OrdinalWords(std::string_view language, OrdinalOf of, int number);
+// "vingtième", "первая": of what is counted by its place, in French, Spanish, Italian and Russian;
+// kTheDay is its genitive, kThatDay its locative there. Empty elsewhere.
+std::string PlaceWords(std::string_view language, OrdinalOf of, int number);

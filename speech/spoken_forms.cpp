@@ -88,21 +88,24 @@ std::optional<std::size_t> SpokenForms::FormAt(std::size_t at) {
 }
 
 std::optional<std::size_t> SpokenForms::NumberAt(std::size_t at) {
-    for (const auto form :
-         {&SpokenForms::Phone, &SpokenForms::Date, &SpokenForms::DottedDay, &SpokenForms::Clock,
-          &SpokenForms::Fraction, &SpokenForms::Abbreviation})
+    for (const auto form : {&SpokenForms::Phone, &SpokenForms::Date, &SpokenForms::DaysOfMonth,
+                            &SpokenForms::DottedDay, &SpokenForms::Clock, &SpokenForms::Fraction,
+                            &SpokenForms::MixedNumber, &SpokenForms::Score, &SpokenForms::Place,
+                            &SpokenForms::Range, &SpokenForms::Abbreviation})
         if (const auto end = (this->*form)(at))
             return end;
     Amount amount;
     if (!ReadAmount(at, amount))
         return std::nullopt;
     const auto money = MoneyBefore(amount);
-    return money ? money : WithUnit(amount);
+    const auto scaled = money ? money : ScaledMoney(amount);
+    return scaled ? scaled : WithUnit(amount);
 }
 
 std::optional<std::size_t> SpokenForms::WordAt(std::size_t at) {
     for (const auto form :
-         {&SpokenForms::MoneyBehindSign, &SpokenForms::Abbreviation, &SpokenForms::RomanNumeral,
+         {&SpokenForms::MoneyBehindSign, &SpokenForms::Abbreviation, &SpokenForms::Fraction,
+          &SpokenForms::Place, &SpokenForms::Mail, &SpokenForms::RomanNumeral,
           &SpokenForms::WebAddress, &SpokenForms::Capitals})
         if (const auto end = (this->*form)(at))
             return end;
@@ -201,7 +204,9 @@ std::string SpokenForms::DayWords(int day, std::size_t at) const {
     std::string words = OrdinalWords(language_, of, day);
     if (!words.empty())
         return words;
-    return day == 1 && language_ == "fr" ? "premier" : std::to_string(day);
+    if (day == 1 && (language_ == "fr" || language_ == "it"))
+        return language_ == "fr" ? "premier" : "primo";
+    return std::to_string(day);
 }
 
 // "25.12.2026", "12/25/2026", "2026-12-25".
@@ -254,25 +259,10 @@ std::optional<std::size_t> SpokenForms::DottedDay(std::size_t at) {
     }
     const std::size_t month = BehindBlank(end);
     if (month == end ||
-        std::ranges::find(forms_->months, WordBehind(month)) == forms_->months.end())
+        (!IsMonth(WordBehind(month)) && !IsAmong(forms_->orderedNouns, WordBehind(month))))
         return std::nullopt;
     said_ = DayWords(day, at);
     return end;
-}
-
-std::optional<std::size_t> SpokenForms::Fraction(std::size_t at) {
-    if ((byEngine_ & kSaysFractions) != 0)
-        return std::nullopt;
-    for (const WrittenForm& form : forms_->fractions) {
-        const std::size_t end = at + form.written.size();
-        const bool goesOn = end < text_.size() && (text_[end] == '/' || text_[end] == '.') &&
-                            end + 1 < text_.size() && IsDigit(text_[end + 1]);
-        if (text_.substr(at).starts_with(form.written) && EndsToken(end) && !goesOn) {
-            said_ = form.said;
-            return end;
-        }
-    }
-    return std::nullopt;
 }
 
 // "17:45 Uhr", of which the engines say the hour twice, and "17h45".
@@ -282,7 +272,7 @@ std::optional<std::size_t> SpokenForms::Clock(std::size_t at) {
     const int hour = ReadDigits(end, 2);
     const bool isGerman = language_ == "de";
     if (hour < 0 || hour > 24 || (!isGerman && language_ != "fr") || end >= text_.size() ||
-        text_[end] != (isGerman ? ':' : 'h'))
+        !(isGerman ? text_[end] == ':' || text_[end] == '.' : text_[end] == 'h'))
         return std::nullopt;
     const std::size_t begin = ++end;
     const int minute = ReadDigits(end, 2);

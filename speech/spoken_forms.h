@@ -48,6 +48,12 @@ private:
     std::optional<std::size_t> Date(std::size_t at);
     std::optional<std::size_t> DottedDay(std::size_t at);
     std::optional<std::size_t> Fraction(std::size_t at);
+    std::optional<std::size_t> MixedNumber(std::size_t at);
+    std::optional<std::size_t> Score(std::size_t at);
+    std::optional<std::size_t> Range(std::size_t at);
+    std::optional<std::size_t> DaysOfMonth(std::size_t at);
+    std::optional<std::size_t> Place(std::size_t at);
+    std::optional<std::size_t> ScaledMoney(const Amount& amount);
     std::optional<std::size_t> Clock(std::size_t at);
     std::optional<std::size_t> Phone(std::size_t at);
     std::optional<std::size_t> MoneyBehindSign(std::size_t at);
@@ -55,11 +61,14 @@ private:
     std::optional<std::size_t> WithUnit(const Amount& amount);
     std::optional<std::size_t> Abbreviation(std::size_t at);
     std::optional<std::size_t> RomanNumeral(std::size_t at);
+    std::optional<std::size_t> Mail(std::size_t at);
     std::optional<std::size_t> WebAddress(std::size_t at);
     std::optional<std::size_t> Capitals(std::size_t at);
     std::optional<std::size_t> Emoji(std::size_t at);
     std::optional<std::size_t> Punctuation(std::size_t at);
 
+    const WrittenForm* UnitAt(std::size_t at, std::size_t& end) const;
+    bool IsMonth(const std::string& word) const;
     bool ReadAmount(std::size_t at, Amount& amount) const;
     int ReadDigits(std::size_t& at, std::size_t most) const;  // -1: none, or more of them
     std::size_t BehindBlank(std::size_t at) const;            // at itself where none stands

@@ -16,6 +16,8 @@ namespace {
 constexpr std::size_t kFewestCapitals = 2;
 constexpr std::size_t kMostCapitals = 8;
 constexpr std::size_t kLongestRoman = 7;
+constexpr std::size_t kLongestMail = 100;
+constexpr std::string_view kListEnds = " etc. usw. usf. ecc. atd. apod. и т. д. и т.д. ";
 constexpr char32_t kFirstPicture = 0x2190;
 constexpr gunichar kJoiner = 0x200D;
 constexpr gunichar kPictureStyle = 0xFE0F;
@@ -29,12 +31,13 @@ const WrittenForm* FormBeginning(std::span<const WrittenForm> forms, std::string
 // English, as in "$3m" and "$3 million".
 constexpr WrittenForm kMoneyScales[] = {{" thousand", " thousand"}, {" million", " million"},
                                         {" billion", " billion"},   {" trillion", " trillion"},
-                                        {"k", " thousand"},         {"m", " million"},
-                                        {"bn", " billion"}};
+                                        {"k", " thousand"},         {"K", " thousand"},
+                                        {"M", " million"},          {"B", " billion"},
+                                        {"m", " million"},          {"bn", " billion"}};
 
 // "3 million euros" of "1 euro" and "3 million", whose noun is that of many.
-std::string ScaledMoney(std::string_view currency, const std::string& number,
-                        std::string_view scale) {
+std::string EnglishScaled(std::string_view currency, const std::string& number,
+                          std::string_view scale) {
     const std::string many = MoneyWords("en", currency, "2");
     return number + std::string(scale) + many.substr(std::min(many.find(' '), many.size()));
 }
@@ -71,7 +74,7 @@ std::optional<std::size_t> SpokenForms::MoneyBehindSign(std::size_t at) {
     if (language_ == "en") {
         const WrittenForm* const scale = FormBeginning(kMoneyScales, text_.substr(amount.end));
         if (scale != nullptr && EndsToken(amount.end + scale->written.size())) {
-            said_ = ScaledMoney(sign->said, amount.plain, scale->said);
+            said_ = EnglishScaled(sign->said, amount.plain, scale->said);
             return amount.end + scale->written.size();
         }
     }
@@ -92,23 +95,6 @@ std::optional<std::size_t> SpokenForms::MoneyBefore(const Amount& amount) {
     const std::size_t end = place + sign->written.size();
     said_ = MoneyWords(language_, sign->said, amount.plain);
     return said_.empty() || !EndsToken(end) ? std::nullopt : std::optional(end);
-}
-
-std::optional<std::size_t> SpokenForms::WithUnit(const Amount& amount) {
-    const std::size_t place = BehindBlank(amount.end);
-    for (const WrittenForm& unit : UnitSigns()) {
-        const std::size_t end = place + unit.written.size();
-        if (!text_.substr(place).starts_with(unit.written) || !EndsToken(end) ||
-            text_.substr(end).starts_with("²") || text_.substr(end).starts_with("³") ||
-            text_.substr(end).starts_with("/"))
-            continue;
-        // "the 5 g" may be the letter: what is one letter stands right behind its number.
-        if (unit.written.size() == 1 && place > amount.end + 1)
-            continue;
-        said_ = UnitWords(language_, unit.said, amount.plain);
-        return said_.empty() ? std::nullopt : std::optional(end);
-    }
-    return std::nullopt;
 }
 
 // Behind a form "#" asks for a number, and "A" for a capital letter.
@@ -132,9 +118,39 @@ std::optional<std::size_t> SpokenForms::Abbreviation(std::size_t at) {
             continue;
         }
         said_ = form.said;
-        return end;
+        // The stop of what ends lists is the sentence's, too.
+        const std::size_t next = BehindBlank(end);
+        const bool endsSentence =
+            kListEnds.find(" " + std::string(written) + " ") != std::string_view::npos &&
+            next > end && g_unichar_isupper(CharacterAt(next)) != FALSE;
+        return endsSentence ? end - 1 : end;
     }
     return std::nullopt;
+}
+
+// "joe@example.com".
+std::optional<std::size_t> SpokenForms::Mail(std::size_t at) {
+    const std::string_view rest = text_.substr(at, kLongestMail);
+    const auto isPart = [](char byte) {
+        return g_ascii_isalnum(byte) || std::string_view("._-+").find(byte) != std::string::npos;
+    };
+    std::size_t sign = 0;
+    while (sign < rest.size() && isPart(rest[sign]))
+        ++sign;
+    if (forms_->atSign.empty() || sign == 0 || sign == rest.size() || rest[sign] != '@')
+        return std::nullopt;
+    std::size_t end = sign + 1;
+    while (end < rest.size() && isPart(rest[end]))
+        ++end;
+    while (!g_ascii_isalnum(rest[end - 1]) && end > sign + 1)
+        --end;
+    if (rest.substr(sign, end - sign).find('.') == std::string_view::npos || !EndsToken(at + end))
+        return std::nullopt;
+    for (const char byte : rest.substr(0, end))
+        said_ += byte == '@'   ? std::string(forms_->atSign)
+                 : byte == '.' ? std::string(forms_->dot)
+                               : std::string(1, byte);
+    return at + end;
 }
 
 // "Henry VIII", "Chapter IV". A single letter is one only behind a ruler's name or a word that

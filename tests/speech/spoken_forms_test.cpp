@@ -44,7 +44,7 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "plus 1, 5 5 5, 1 2 3, 4 5 6 7 or 5 5 5, 1 2 3, 4 5 6 7."},
         {"en", "1/2 cup, 1/2/3, 3.14, v1.2.3, 1990s, 12:30",
          "one half cup, 1/2/3, 3.14, v1.2.3, 1990s, 12:30"},
-        {"en", "https://www.example.com/a joe@www.org", "example.com/a joe@www.org"},
+        {"en", "https://www.example.com/a joe@www.org", "example.com/a joe at www dot org"},
         {"de", "Am 25.12.2026, Der 3. Mai, 31.31.2026, Die IV",
          "Am fünfundzwanzigsten Dezember 2026, Der dritte Mai, 31.31.2026, Die IV"},
         {"de", "17:45 Uhr, 1.234,50 €, z. B. S. 5",
@@ -63,6 +63,28 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "евро"},
         {"cs", "1. května, Karel IV. byl, 250 Kč, např. č. 5",
          "prvního května, Karel čtvrtý byl, 250 korun, například číslo 5"},
+        {"en", "$5M, 5–10 km, 1½ cups, about 20 min. later, won 3:2, John 3:5, on Sept. 11",
+         "5 million dollars, 5 to 10 kilometers, 1 and a half cups, about 20 minutes later, won 3 "
+         "to 2, John 3:5, on September 11"},
+        {"de", "Vom 1. bis 5. Mai, 1/4 kg, ½ l, 1,2 Mio. €, im 19. Jahrhundert, Vom 1. bis 5. Da",
+         "Vom ersten bis fünften Mai, ein Viertel Kilogramm, ein halb Liter, 1,2 Millionen Euro, "
+         "im neunzehnten Jahrhundert, Vom ersten bis fünften. Da"},
+        {"de", "8.30 Uhr, 2 EL, Äpfel usw. Er, usw. und",
+         "8 Uhr 30, 2 Esslöffel, Äpfel und so "
+         "weiter. Er, und so weiter und"},
+        {"fr", "le XXe siècle, François Ier, la 1re, Tél. N° 5, 10 k€, 1/4 l, ½ l, Vie, 24h/24",
+         "le vingtième siècle, François premier, la première, téléphone numéro 5, 10 mille euros, "
+         "un quart de litre, un demi litre, Vie, 24 heures sur 24"},
+        {"es", "la 5ª, 1.er, 1,2 M€, 1/4 kg",
+         "la quinta, primer, 1,2 millones de euros, un cuarto "
+         "de kilogramo"},
+        {"it", "il XX secolo, il 2º, 01/05/2024, 5 mld €",
+         "il ventesimo secolo, il secondo, primo maggio 2024, 5 miliardi di euro"},
+        {"ru", "с 1 по 5 мая, на 5 мая, сегодня 5 мая, в XX веке, 1-й, 2-я, 1/4 кг, 5 мая",
+         "с первого по пятое мая, на пятое мая, сегодня пятое мая, в двадцатом веке, первый, "
+         "вторая, одна четверть килограмма, пятого мая"},
+        {"cs", "od 1. do 5. května, 5–10 km, 5 mld. Kč, 2 hod. a",
+         "od prvního do pátého května, 5 až 10 kilometrů, 5 miliard korun, 2 hodiny a"},
         {"fi", "25.12.2026 70 kg", "25.12.2026 70 kg"},
     };
     for (const auto& [language, written, said] : cases)

@@ -1,0 +1,256 @@
+// Amounts and what is counted by its place: fractions, ranges, units, "XXe", "1. bis 5.".
+#include <glib.h>
+
+#include <algorithm>
+#include <array>
+
+#include "speech/number_words.h"
+#include "speech/spoken_forms.h"
+
+namespace {
+
+constexpr WrittenForm kVulgarFractions[] = {
+    {"½", "1/2"}, {"¼", "1/4"}, {"¾", "3/4"}, {"⅓", "1/3"}, {"⅔", "2/3"}};
+constexpr std::string_view kEnDash = "–";
+constexpr std::size_t kMostPlaceDigits = 2;
+constexpr std::size_t kMostRomanLetters = 7;
+
+struct PlaceEnding {
+    std::string_view language;
+    std::string_view written;
+    OrdinalOf of;
+};
+// The longer before its beginning.
+constexpr PlaceEnding kPlaceEndings[] = {
+    {"fr", "ère", OrdinalOf::kWoman}, {"fr", "ème", OrdinalOf::kMan},
+    {"fr", "er", OrdinalOf::kMan},    {"fr", "re", OrdinalOf::kWoman},
+    {"fr", "e", OrdinalOf::kMan},     {"fr", "ᵉ", OrdinalOf::kMan},
+    {"es", ".º", OrdinalOf::kMan},    {"es", ".ª", OrdinalOf::kWoman},
+    {"es", "º", OrdinalOf::kMan},     {"es", "ª", OrdinalOf::kWoman},
+    {"it", "º", OrdinalOf::kMan},     {"it", "ª", OrdinalOf::kWoman},
+    {"ru", "-й", OrdinalOf::kMan},    {"ru", "-я", OrdinalOf::kWoman},
+    {"ru", "-го", OrdinalOf::kTheDay}};
+// Behind a Roman numeral that says which of them.
+constexpr PlaceEnding kCenturies[] = {{"it", "secolo", OrdinalOf::kMan},
+                                      {"ru", "век", OrdinalOf::kMan},
+                                      {"ru", "века", OrdinalOf::kTheDay},
+                                      {"ru", "веке", OrdinalOf::kThatDay}};
+
+std::string WithoutNumber(const std::string& words) {
+    return words.substr(std::min(words.find(' '), words.size() - 1) + 1);
+}
+
+}  // namespace
+
+bool SpokenForms::IsMonth(const std::string& word) const {
+    return std::ranges::find(forms_->months, word) != forms_->months.end();
+}
+
+// What stands at the place; its end comes behind the stop of a short form within a sentence.
+const WrittenForm* SpokenForms::UnitAt(std::size_t at, std::size_t& end) const {
+    for (const auto units : {forms_->units, UnitSigns()})
+        for (const WrittenForm& unit : units) {
+            end = at + unit.written.size();
+            const std::string_view rest = text_.substr(std::min(end, text_.size()));
+            if (!text_.substr(at).starts_with(unit.written) || !EndsToken(end) ||
+                rest.starts_with("²") || rest.starts_with("³") || rest.starts_with("/"))
+                continue;
+            const std::size_t next = BehindBlank(end + 1);
+            if (rest.starts_with(".") && next > end + 1 &&
+                (g_unichar_islower(CharacterAt(next)) != FALSE ||
+                 g_unichar_isdigit(CharacterAt(next)) != FALSE))
+                ++end;
+            return &unit;
+        }
+    return nullptr;
+}
+
+std::optional<std::size_t> SpokenForms::WithUnit(const Amount& amount) {
+    const std::size_t place = BehindBlank(amount.end);
+    std::size_t end = 0;
+    const WrittenForm* const unit = UnitAt(place, end);
+    // "the 5 g" may be the letter: what is one letter stands right behind its number.
+    if (unit == nullptr || (unit->written.size() == 1 && place > amount.end + 1))
+        return std::nullopt;
+    said_ = UnitWords(language_, unit->said, amount.plain);
+    return said_.empty() ? std::nullopt : std::optional(end);
+}
+
+// "1/2", "½", "1/4 kg".
+std::optional<std::size_t> SpokenForms::Fraction(std::size_t at) {
+    if ((byEngine_ & kSaysFractions) != 0)
+        return std::nullopt;
+    std::string_view written;
+    std::size_t end = at;
+    for (const WrittenForm& vulgar : kVulgarFractions)
+        if (text_.substr(at).starts_with(vulgar.written)) {
+            written = vulgar.said;
+            end = at + vulgar.written.size();
+        }
+    for (const WrittenForm& form : forms_->fractions) {
+        if (written.empty() && text_.substr(at).starts_with(form.written))
+            end = at + form.written.size();
+        else if (written != form.written)
+            continue;
+        const bool goesOn = end + 1 < text_.size() && (text_[end] == '/' || text_[end] == '.') &&
+                            g_ascii_isdigit(text_[end + 1]);
+        if (!EndsToken(end) || goesOn)
+            return std::nullopt;
+        said_ = form.said;
+        const std::size_t place = BehindBlank(end);
+        std::size_t behind = 0;
+        const WrittenForm* const unit = place > end ? UnitAt(place, behind) : nullptr;
+        if (unit == nullptr)
+            return end;
+        // The words of a part are those of 1.5 where nouns have cases.
+        const bool hasCases = language_ == "ru" || language_ == "cs";
+        said_ += form.written == "1/2" ? " " : forms_->ofFraction;
+        said_ += WithoutNumber(UnitWords(language_, unit->said, hasCases ? "1.5" : "1"));
+        return behind;
+    }
+    return std::nullopt;
+}
+
+// "1½".
+std::optional<std::size_t> SpokenForms::MixedNumber(std::size_t at) {
+    const std::string_view half = kVulgarFractions[0].written;
+    Amount amount;
+    if ((byEngine_ & kSaysFractions) != 0 || !ReadAmount(at, amount) ||
+        !text_.substr(amount.end).starts_with(half) || !EndsToken(amount.end + half.size()))
+        return std::nullopt;
+    said_ = std::string(text_.substr(at, amount.end - at)) + std::string(forms_->andHalf);
+    return amount.end + half.size();
+}
+
+// "won 3:2"; behind a name it may be a verse.
+std::optional<std::size_t> SpokenForms::Score(std::size_t at) {
+    std::size_t end = at;
+    if (forms_->score.empty() || ReadDigits(end, 2) < 0 || end >= text_.size() || text_[end] != ':')
+        return std::nullopt;
+    const std::size_t second = ++end;
+    if (ReadDigits(end, 1) < 0 || !EndsToken(end) || text_.substr(end).starts_with(":"))
+        return std::nullopt;
+    const std::string before = WordBefore(at);
+    if (before.empty() || g_unichar_islower(g_utf8_get_char(before.c_str())) == FALSE)
+        return std::nullopt;
+    said_ = std::string(text_.substr(at, second - 1 - at)) + std::string(forms_->score) +
+            std::string(text_.substr(second, end - second));
+    return end;
+}
+
+// "5–10", "5-10 km": a hyphen stands in many other numbers, too.
+std::optional<std::size_t> SpokenForms::Range(std::size_t at) {
+    Amount first;
+    if (forms_->range.empty() || !ReadAmount(at, first))
+        return std::nullopt;
+    const std::string_view rest = text_.substr(first.end);
+    const bool isDash = rest.starts_with(kEnDash);
+    if (!isDash && !rest.starts_with("-"))
+        return std::nullopt;
+    const std::size_t second = first.end + (isDash ? kEnDash.size() : 1);
+    Amount last;
+    if (!ReadAmount(second, last))
+        return std::nullopt;
+    auto end = MoneyBefore(last);
+    end = end ? end : WithUnit(last);
+    if (!end) {
+        const std::string_view behind = text_.substr(last.end);
+        const bool goesOn = behind.starts_with("-") || behind.starts_with(kEnDash);
+        if (!isDash || goesOn || !EndsToken(last.end))
+            return std::nullopt;
+        said_ = text_.substr(second, last.end - second);
+        end = last.end;
+    }
+    said_ = std::string(text_.substr(at, first.end - at)) + std::string(forms_->range) + said_;
+    return end;
+}
+
+// "1. bis 5.", "1 по 5 мая": the days that begin and end a stretch of a month.
+std::optional<std::size_t> SpokenForms::DaysOfMonth(std::size_t at) {
+    if (forms_->dayRange.empty())
+        return std::nullopt;
+    std::size_t end = at;
+    int days[2] = {};
+    std::size_t begins[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        begins[i] = end;
+        days[i] = ReadDigits(end, 2);
+        if (days[i] < 1 || days[i] > 31)
+            return std::nullopt;
+        if (forms_->hasDottedDays && !text_.substr(end++).starts_with("."))
+            return std::nullopt;
+        if (i == 1)
+            break;
+        const std::size_t word = BehindBlank(end);
+        end = word + forms_->dayRange.size();
+        if (!text_.substr(word).starts_with(forms_->dayRange) || BehindBlank(end) == end)
+            return std::nullopt;
+        end = BehindBlank(end);
+    }
+    const std::string behind = WordBehind(BehindBlank(end));
+    const bool goesOn =
+        IsMonth(behind) ||
+        (!behind.empty() && g_unichar_islower(g_utf8_get_char(behind.c_str())) != FALSE);
+    if (!IsMonth(behind) && !forms_->hasDottedDays)
+        return std::nullopt;
+    said_ = DayWords(days[0], at) + " " + std::string(forms_->dayRange) + " " +
+            DayWords(days[1], begins[1]);
+    return goesOn ? end : end - 1;  // that stop is the sentence's, too
+}
+
+// "1er", "XXe", "3.ª", "2-я", "XX secolo".
+std::optional<std::size_t> SpokenForms::Place(std::size_t at) {
+    std::size_t end = at;
+    int number = ReadDigits(end, kMostPlaceDigits);
+    const bool isRoman = end == at;
+    if (isRoman) {
+        while (end < text_.size() && end - at < kMostRomanLetters &&
+               std::string_view("IVX").find(text_[end]) != std::string_view::npos)
+            ++end;
+        number = end == at ? 0 : RomanValue(text_.substr(at, end - at));
+    }
+    if (number < 1)
+        return std::nullopt;
+    const std::string behind = WordBehind(BehindBlank(end));
+    for (const PlaceEnding& century : kCenturies)
+        if (isRoman && EndsToken(end) && century.language == language_ &&
+            behind == century.written) {
+            said_ = PlaceWords(language_, century.of, number);
+            return said_.empty() ? std::nullopt : std::optional(end);
+        }
+    for (const PlaceEnding& ending : kPlaceEndings) {
+        const std::size_t last = end + ending.written.size();
+        if (ending.language != language_ || (isRoman && language_ != "fr") ||
+            !text_.substr(end).starts_with(ending.written) || !EndsToken(last))
+            continue;
+        said_ = PlaceWords(language_, ending.of, number);
+        return said_.empty() ? std::nullopt : std::optional(last);
+    }
+    return std::nullopt;
+}
+
+// "1,2 Mio. €", "10 k€".
+std::optional<std::size_t> SpokenForms::ScaledMoney(const Amount& amount) {
+    if ((byEngine_ & kSaysMoney) != 0)
+        return std::nullopt;
+    const std::size_t place = BehindBlank(amount.end);
+    for (const WrittenForm& scale : forms_->moneyScales) {
+        if (!text_.substr(place).starts_with(scale.written))
+            continue;
+        const std::size_t behind = BehindBlank(place + scale.written.size());
+        for (const WrittenForm& sign : CurrencySigns()) {
+            const std::size_t end = behind + sign.written.size();
+            if (!text_.substr(behind).starts_with(sign.written) || !EndsToken(end))
+                continue;
+            const std::string noun = WithoutNumber(MoneyWords(language_, sign.said, "5"));
+            std::string number = amount.plain;
+            std::ranges::replace(number, '.', forms_->decimalMark);
+            said_ = number + std::string(scale.said);
+            if (language_ == "fr" && scale.said.ends_with(" de ") && noun.starts_with("e"))
+                said_.replace(said_.size() - 2, 2, "'");
+            said_ += noun;
+            return end;
+        }
+    }
+    return std::nullopt;
+}
