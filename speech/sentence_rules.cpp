@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr std::size_t kLongestSeenWord = 400;
 constexpr gunichar kLittleSection = 0x104A;  // the Burmese comma, which ICU takes for a stop
 constexpr gunichar kFirstArmenian = 0x0530;
 constexpr gunichar kFirstDevanagari = 0x0900;
@@ -90,8 +91,13 @@ SentenceRules::Around SentenceRules::Look(std::size_t end) const {
 // Of the word that ends there, without its opening marks.
 std::size_t SentenceRules::WordBegin(std::size_t stop) const {
     std::size_t begin = stop;
-    while (begin > 0 && !IsWhite(CharacterAt(text_, Before(text_, begin))))
+    while (begin > 0 && stop - begin < kLongestSeenWord) {
+        const gunichar before = CharacterAt(text_, Before(text_, begin));
+        // "山田B.": a word behind others that no blank parts.
+        if (IsWhite(before) || (before >= kFirstIdeograph && begin < stop))
+            break;
         begin = Before(text_, begin);
+    }
     const std::string_view opening = "\"'([{";
     while (begin < stop && (opening.find(text_[begin]) != std::string_view::npos))
         ++begin;
@@ -100,21 +106,13 @@ std::size_t SentenceRules::WordBegin(std::size_t stop) const {
         begin += BytesOf(CharacterAt(text_, begin));
     // "l'Ing."
     for (const std::string_view mark : {"'", "’"})
-        if (const std::size_t elided = text_.substr(0, stop).rfind(mark);
-            elided != std::string_view::npos && elided >= begin &&
-            elided + mark.size() + 1 < stop) {
-            const std::size_t behind = elided + mark.size();
+        if (const std::size_t elided = text_.substr(begin, stop - begin).rfind(mark);
+            elided != std::string_view::npos && begin + elided + mark.size() + 1 < stop) {
+            const std::size_t behind = begin + elided + mark.size();
             const std::string_view word = text_.substr(behind, stop - behind);
             if (word != "est" && word != "ago")  // "de l’est.": no short forms there
                 begin = behind;
         }
-    // A word behind others that no blank parts: "山田B."
-    for (std::size_t place = begin; place < stop;) {
-        const gunichar character = CharacterAt(text_, place);
-        place += BytesOf(character);
-        if (character >= kFirstIdeograph && place < stop)
-            begin = place;
-    }
     return begin;
 }
 
