@@ -26,7 +26,7 @@ int WaitingBytes(int fd) {
     return ::ioctl(fd, FIONREAD, &waiting) == 0 ? waiting : 0;
 }
 
-// What is no list fills the table as it always has.
+// An answer that is no whole list is read by the old rules, which make up to ten names of it.
 void KeepFestivalVoices(const std::string& reply) {
     std::vector<std::string> names = FestivalVoiceNames(reply);
     if (names.empty())

@@ -196,10 +196,15 @@ void CheckTheChosenOne() {
     keptNumber.Delete();
     // Nothing is chosen: a voice of the user's language, whatever the engines list first.
     EXPECT_EQ(ChosenVoice(), 12);
+    EXPECT_FALSE(IsChosenVoiceMissing()) << "nobody has chosen";
     KeepChosenVoice(10);
     EXPECT_EQ(ChosenVoice(), 10);
+    EXPECT_FALSE(IsChosenVoiceMissing());
+    // Another one reads until it is there again, and is not kept in its place.
     kept.Set("festival:removed");
     EXPECT_EQ(ChosenVoice(), 12);
+    EXPECT_TRUE(IsChosenVoiceMissing());
+    EXPECT_EQ(kept.Get(), "festival:removed");
     // What an earlier version kept is read once.
     kept.Delete();
     keptNumber.Set(1);
