@@ -112,6 +112,7 @@ void VoiceChooserDlg::NoteSelection() {
         return;
     TakeManner();
     voice_ = voice;
+    hasPicked_ = true;
     ShowManner();
 }
 
@@ -165,8 +166,10 @@ void VoiceChooserDlg::Command(int command) {
         NoteSelection();
     else if (command == kHear)
         Hear();
-    else if (command == kChosenByPress)
+    else if (command == kChosenByPress) {
+        hasPicked_ = true;
         DoOKButton();
+    }
 }
 
 void VoiceChooserDlg::Hear() {
@@ -183,6 +186,8 @@ bool ChooseVoice(GtkWidget* parent) {
     VoiceChooserDlg dialog(std::max(0, ChosenVoice()));
     if (!dialog.Run(parent))
         return false;
-    KeepChosenVoice(dialog.Chosen());
+    // One that is missing now stays kept until another is picked.
+    if (dialog.HasPicked() || !IsChosenVoiceMissing())
+        KeepChosenVoice(dialog.Chosen());
     return true;
 }

@@ -19,6 +19,8 @@ public:
 
     bool Run(GtkWidget* parent);  // modal; true: OK
     int Chosen() const { return voice_; }
+    // Whether the user has selected it, or pressed it: one that only stands selected is no choice.
+    bool HasPicked() const { return hasPicked_; }
 
     void InitDialog() override;
     void EnableControls() override;
@@ -48,6 +50,7 @@ private:
     const std::vector<ListedVoice> voices_;
     std::vector<std::size_t> shown_;  // of voices_, row by row
     int voice_;
+    bool hasPicked_ = false;
     std::vector<VoiceVariant> variants_;  // of the selected voice's engine, as they are shown
     std::map<int, VoiceManner> changed_;  // of voices, for OK to keep
     VoiceSample sample_;

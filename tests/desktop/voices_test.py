@@ -32,6 +32,19 @@ class VoicesTest(DesktopCase):
         self.card.wait_for(self.card.next_stream(), "close")
         self.assertEqual(self.said()[-1], ("(voice_voice290)", "Some text."))
 
+    def test_a_missing_voice_stays_kept_until_another_is_picked(self):
+        desktop.tell_engine("festival voices 3")
+        self.store("settings", voice="festival:removed")
+        lectora = self.start()
+        for keys, kept in ((("Return",), "festival:removed"), (("Down", "Return"), "festival:voice2")):
+            lectora.focus()
+            desktop.press_keys("ctrl+shift+v")
+            dialog = lectora.active_window("dialog", "Choose a Voice")
+            desktop.wait_until(lambda: lectora.has_keyboard(dialog), "the keyboard")
+            desktop.press_keys(*keys)
+            desktop.wait_until(lambda: next(lectora.walk("dialog"), None) is None, "the chooser's end")
+            self.assertEqual(self.setting("settings", "voice"), kept)
+
     def test_a_voice_keeps_its_manner_and_speaks_in_it(self):
         desktop.tell_engine("festival voices 1", "espeak-ng voices")
         self.store("settings", voice="espeak-ng:en-us")
