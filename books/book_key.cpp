@@ -150,11 +150,10 @@ void TakeVoice(std::string_view line, BookOrder& order) {
 }
 
 void TakeWords(std::string_view words, BookOrder& order) {
-    std::size_t leftOut = 0;
     order.rules.saysDifferently = !words.empty();
     order.rules.pronunciations =
         words.empty() ? nullptr
-                      : std::make_shared<const Pronunciations>(ParsePronunciations(words, leftOut));
+                      : std::make_shared<const Pronunciations>(ParsePronunciations(words).entries);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@ struct Pronunciation {
     std::string where;       // language tag or voice key; empty: everywhere
     bool isPattern = false;  // text is a regular expression, said may refer to it ("\1")
     bool heedsCase = false;
+    std::string above = {};  // in its file, which keeps it: lines that say nothing, with their ends
 
     bool operator==(const Pronunciation&) const = default;
 };

@@ -20,19 +20,31 @@
 // Empty, or why there can be no such entry, in a sentence for the user.
 std::string ProblemOf(const Pronunciation& entry);
 
-// Lines that say nothing that can be used are counted in leftOut.
-std::vector<Pronunciation> ParsePronunciations(std::string_view file, std::size_t& leftOut);
+struct PronunciationList {
+    std::vector<Pronunciation> entries;
+    std::string below = {};   // what stands behind the last entry and says nothing
+    std::size_t leftOut = 0;  // lines that nothing can be made of; they are kept as they are
+    int error = 0;            // the errno with which the file could not be read
+};
+
+PronunciationList ParsePronunciations(std::string_view file);
+std::string FormatPronunciationList(const PronunciationList& list);
+// The entries alone, for who asks whether others say the same.
 std::string FormatPronunciations(const std::vector<Pronunciation>& entries);
+// What stands above it stays.
+void RemovePronunciation(PronunciationList& list, std::size_t entry);
 
 // The same of a list that another program has written: two columns, parted by a tab, "=", ";" or
 // ",", whichever most lines have, the words perhaps in quotation marks.
 std::vector<Pronunciation> ImportPronunciations(std::string_view file, std::size_t& leftOut);
 
-// The user's own list and, behind it, the one that an administrator has made for everybody. What
-// cannot be read is an empty list; the log says so.
-std::vector<Pronunciation> LoadOwnPronunciations();
-std::vector<Pronunciation> LoadMachinePronunciations();
-// 0 or the errno.
-int StoreOwnPronunciations(const std::vector<Pronunciation>& entries);
+// The user's own list and, behind it, the one that an administrator has made for everybody. The log
+// tells what cannot be read.
+PronunciationList LoadOwnPronunciations();
+PronunciationList LoadMachinePronunciations();
+std::string OwnPronunciationsPath();
+// 0 or the errno: EFBIG for a list that could not be read again. What replaces a list that could
+// not be read is refused with its error.
+int StoreOwnPronunciations(const PronunciationList& list);
 // Changes whenever one of the two files does.
 std::string PronunciationFilesState();

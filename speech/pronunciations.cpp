@@ -177,8 +177,8 @@ std::shared_ptr<const Pronunciations> CurrentPronunciations() {
     Loaded& loaded = TheLoaded();
     const std::lock_guard<std::mutex> lock(loaded.mutex);
     if (const std::string now = PronunciationFilesState(); !loaded.list || now != loaded.state) {
-        std::vector<Pronunciation> entries = LoadOwnPronunciations();
-        std::ranges::move(LoadMachinePronunciations(), std::back_inserter(entries));
+        std::vector<Pronunciation> entries = LoadOwnPronunciations().entries;
+        std::ranges::move(LoadMachinePronunciations().entries, std::back_inserter(entries));
         loaded.list = std::make_shared<Pronunciations>(std::move(entries));
         loaded.state = now;
     }

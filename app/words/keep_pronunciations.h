@@ -1,10 +1,13 @@
-// The user's pronunciation list, told of when it cannot be kept.
+// The user's pronunciation list, told of when it cannot be read or kept.
 #pragma once
 
 #include <gtk/gtk.h>
 
-#include <vector>
+#include <string>
 
 #include "speech/pronunciation_file.h"
 
-bool KeepPronunciations(GtkWidget* parent, const std::vector<Pronunciation>& entries);
+// Why the list cannot be read, in a sentence; empty when it was.
+std::string ReadingProblem(const PronunciationList& list);
+
+bool KeepPronunciations(GtkWidget* parent, const PronunciationList& list);

@@ -5,6 +5,7 @@
 #include "app/words/keep_pronunciations.h"
 #include "gui/accessible.h"
 #include "gui/windows/dialog_gen_context.h"
+#include "gui/windows/message_box.h"
 #include "speech/chosen_voice.h"
 #include "speech/pronunciations.h"
 #include "speech/text_language.h"
@@ -76,9 +77,12 @@ void SayDifferentlyDlg::InitDialog() {
 
 Pronunciation SayDifferentlyDlg::Entered() const {
     const auto place = static_cast<std::size_t>(std::max(0, PDLGetCurSel(kFor)));
-    return {OnOneLine(GetText(kWordText)), OnOneLine(GetText(kSaid)),
-            place < places_.size() ? places_[place] : "", GetCheck(kIsPattern),
-            GetCheck(kHeedsCase)};
+    return {OnOneLine(GetText(kWordText)),
+            OnOneLine(GetText(kSaid)),
+            place < places_.size() ? places_[place] : "",
+            GetCheck(kIsPattern),
+            GetCheck(kHeedsCase),
+            entry_.above};
 }
 
 void SayDifferentlyDlg::Command(int command) {
@@ -110,7 +114,13 @@ bool SayDifferentlyDlg::CmOk() {
 }
 
 void SayDifferently(GtkWidget* parent, const std::string& text) {
-    std::vector<Pronunciation> entries = LoadOwnPronunciations();
+    PronunciationList list = LoadOwnPronunciations();
+    if (const std::string problem = ReadingProblem(list); !problem.empty()) {
+        MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                      "The word could not be kept.", problem.c_str());
+        return;
+    }
+    std::vector<Pronunciation>& entries = list.entries;
     const std::string wanted = OnOneLine(text);
     auto found = std::ranges::find_if(entries, [&wanted](const Pronunciation& entry) {
         return !entry.isPattern && entry.text == wanted;
@@ -119,5 +129,5 @@ void SayDifferently(GtkWidget* parent, const std::string& text) {
     if (found == entries.end())
         found = entries.insert(entries.begin(), {wanted, wanted, "", false, false});
     if (SayDifferentlyDlg(*found).Run(parent))
-        KeepPronunciations(parent, entries);
+        KeepPronunciations(parent, list);
 }

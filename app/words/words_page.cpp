@@ -50,15 +50,21 @@ void WordsPage::InitDialog() {
     SetAccessibleName(GetControlByID(kWords), kWordsGroup);
     HandleLVSelChange(kWords);
     HandleLVDoubleClick(kWords, kChangeWord);
-    entries_ = LoadOwnPronunciations();
+    Load();
+}
+
+void WordsPage::Load() {
+    state_ = PronunciationFilesState();
+    list_ = LoadOwnPronunciations();
     FillList(0);
 }
 
 void WordsPage::FillList(std::size_t selected) {
     LVClear(kWords);
-    const std::size_t shown = std::min(entries_.size(), kMostShown);
+    const std::vector<Pronunciation>& entries = list_.entries;
+    const std::size_t shown = std::min(entries.size(), kMostShown);
     for (std::size_t i = 0; i < shown; ++i) {
-        const Pronunciation& entry = entries_[i];
+        const Pronunciation& entry = entries[i];
         LVAddRow(kWords,
                  {entry.text.c_str(), entry.said.empty() ? "(skipped)" : entry.said.c_str(),
                   entry.where.empty() ? "Every voice" : entry.where.c_str()},
@@ -66,9 +72,15 @@ void WordsPage::FillList(std::size_t selected) {
     }
     if (shown > 0)
         LVSetCurSel(kWords, static_cast<int>(std::min(selected, shown - 1)));
-    const std::string count = "The first " + std::to_string(shown) + " of " +
-                              std::to_string(entries_.size()) + " entries are shown.";
-    SetStaticText(kCount, shown < entries_.size() ? count.c_str() : "");
+    std::string told = ReadingProblem(list_);
+    if (shown < entries.size())
+        told = "The first " + std::to_string(shown) + " of " + std::to_string(entries.size()) +
+               " entries are shown.";
+    if (list_.leftOut > 0)
+        told += (told.empty() ? "" : " ") + std::to_string(list_.leftOut) +
+                (list_.leftOut == 1 ? " line" : " lines") +
+                " of the list cannot be used and are kept as they are.";
+    SetStaticText(kCount, told.c_str());
     EnableControls();
 }
 
@@ -76,6 +88,8 @@ void WordsPage::EnableControls() {
     const bool hasSelection = LVGetFirstSel(kWords) >= 0;
     EnableControl(kChangeWord, hasSelection);
     EnableControl(kRemoveWord, hasSelection);
+    EnableControl(kAddWord, list_.error == 0);
+    EnableControl(kImportWords, list_.error == 0);
 }
 
 void WordsPage::Command(int command) {
@@ -91,30 +105,40 @@ void WordsPage::Command(int command) {
         Remove(index);
 }
 
-void WordsPage::Keep(std::vector<Pronunciation> entries, std::size_t selected) {
-    if (!KeepPronunciations(Widget(), entries))
-        return;
-    entries_ = std::move(entries);
+// Another program, or the key for a single word, may have written it since it was read.
+bool WordsPage::Keep(PronunciationList list, std::size_t selected) {
+    if (state_ != PronunciationFilesState()) {
+        Load();
+        MessageBoxRun(Widget(), GTK_MESSAGE_WARNING, GTK_BUTTONS_OK, "Lectora",
+                      "The list was changed by another program.",
+                      "It is shown as it is now. Please make your change again.");
+        return false;
+    }
+    if (!KeepPronunciations(Widget(), list))
+        return false;
+    state_ = PronunciationFilesState();
+    list_ = std::move(list);
     FillList(selected);
+    return true;
 }
 
 void WordsPage::Add() {
-    std::vector<Pronunciation> entries = entries_;
-    Pronunciation& added = *entries.insert(entries.begin(), Pronunciation());
+    PronunciationList list = list_;
+    Pronunciation& added = *list.entries.insert(list.entries.begin(), Pronunciation());
     if (SayDifferentlyDlg(added).Run(Widget()))
-        Keep(std::move(entries), 0);
+        Keep(std::move(list), 0);
 }
 
 void WordsPage::Change(std::size_t index) {
-    std::vector<Pronunciation> entries = entries_;
-    if (SayDifferentlyDlg(entries[index]).Run(Widget()))
-        Keep(std::move(entries), index);
+    PronunciationList list = list_;
+    if (SayDifferentlyDlg(list.entries[index]).Run(Widget()))
+        Keep(std::move(list), index);
 }
 
 void WordsPage::Remove(std::size_t index) {
-    std::vector<Pronunciation> entries = entries_;
-    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(index));
-    Keep(std::move(entries), index);
+    PronunciationList list = list_;
+    RemovePronunciation(list, index);
+    Keep(std::move(list), index);
 }
 
 // What is there already stays in front.
@@ -125,14 +149,15 @@ void WordsPage::Import() {
         return;
     std::string file;
     const UniqueFd opened = OpenFileForReading(path.c_str());
-    std::vector<Pronunciation> entries = entries_;
+    PronunciationList list = list_;
     std::size_t leftOut = 0;
     if (opened.IsOpen() && ReadWholeFile(opened.Get(), kLargestImport, file))
         std::ranges::move(ImportPronunciations(DecodeText(file), leftOut),
-                          std::back_inserter(entries));
-    const std::size_t imported = entries.size() - entries_.size();
-    if (imported > 0)
-        Keep(std::move(entries), entries_.size());
+                          std::back_inserter(list.entries));
+    const std::size_t present = list_.entries.size();
+    const std::size_t imported = list.entries.size() - present;
+    if (imported > 0 && !Keep(std::move(list), present))
+        return;
     const std::string told = imported == 0 ? "Nothing could be imported from " + path + "."
                                            : std::to_string(imported) + " entries were imported.";
     std::string detail;

@@ -1,7 +1,7 @@
 // The page "Words" of the options: the user's pronunciation list.
 #pragma once
 
-#include <vector>
+#include <string>
 
 #include "gui/windows/property_sheet.h"
 #include "speech/pronunciation_file.h"
@@ -17,13 +17,15 @@ public:
 
 private:
     void FillList(std::size_t selected);
-    void Keep(std::vector<Pronunciation> entries, std::size_t selected);
+    void Load();
+    bool Keep(PronunciationList list, std::size_t selected);
     void Add();
     void Change(std::size_t index);
     void Remove(std::size_t index);
     void Import();
 
-    std::vector<Pronunciation> entries_;
+    PronunciationList list_;
+    std::string state_;  // of the files when the list was read or kept
 };
 
 void DlgGenWordsPage(LDialogGenContext& context);

@@ -48,8 +48,25 @@ class WordsTest(DesktopCase):
         lectora.press("page tab", "Words")
         desktop.wait_until(lambda: any(cell.name == "Nguyen" for cell in lectora.find_all("table cell")), "the list")
         self.picture("options-words")
+        # A list that somebody else changes meanwhile, or that cannot be read, is left as it is.
+        path = os.path.join(desktop.HOME, ".quillon/lectora/pronunciations.txt")
+        self.file(path, "alpha\tay\nbeta\tbee\n")
         lectora.press("push button", "Remove")
-        desktop.wait_until(lambda: self.kept() == [], "the list to be empty")
+        lectora.wait_for_box("The list was changed by another program.")
+        lectora.press("push button", "OK")
+        desktop.wait_until(lambda: any(cell.name == "alpha" for cell in lectora.find_all("table cell")), "the list as it is")
+        lectora.press("push button", "Remove")
+        desktop.wait_until(lambda: self.kept() == ["beta\tbee"], "the first to be gone")
+        lectora.press("push button", "Cancel")
+        os.rename(path, path + ".own")
+        os.symlink(path + ".own", path)
+        lectora.focus()
+        desktop.press_keys("ctrl+d")
+        lectora.wait_for_box("The word could not be kept.")
+        self.picture("words-unread")
+        lectora.press("push button", "OK")
+        self.assertEqual(self.kept(), ["beta\tbee"])
+        self.assertTrue(os.path.islink(path))
 
 
 if __name__ == "__main__":

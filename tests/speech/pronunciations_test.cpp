@@ -14,8 +14,7 @@
 namespace {
 
 std::shared_ptr<const Pronunciations> ListOf(const std::string& file) {
-    std::size_t leftOut = 0;
-    return std::make_shared<Pronunciations>(ParsePronunciations(file, leftOut));
+    return std::make_shared<Pronunciations>(ParsePronunciations(file).entries);
 }
 
 std::string Said(const std::string& file, const std::string& text,
@@ -151,11 +150,18 @@ TEST(Pronunciations, SurviveTheirFileAndOtherProgramsFiles) {
                                                 {"#1", "number one", "de", false, true},
                                                 {"a(b)", "\\1", "festival:kal", true, true}};
     std::size_t leftOut = 9;
-    EXPECT_EQ(ParsePronunciations(FormatPronunciations(entries), leftOut), entries);
-    EXPECT_EQ(leftOut, 0U);
-    EXPECT_EQ(ParsePronunciations(" \t\nok\r\n\xFF\tbad\n" + std::string(500, 'x'), leftOut),
-              (std::vector<Pronunciation>{{"ok", "", "", false, false}}));
-    EXPECT_EQ(leftOut, 2U);
+    const std::string file = FormatPronunciationList({entries});
+    EXPECT_EQ(ParsePronunciations(file).entries, entries);
+    EXPECT_EQ(FormatPronunciationList(ParsePronunciations(file)), file);
+    // What people wrote beside it, and in other charsets, stays where it is.
+    const std::string by = "# family\n \t\nM\xFCller\tmew-ler\n";
+    PronunciationList list = ParsePronunciations(by + "one\ntwo\r\n" + std::string(500, 'x'));
+    ASSERT_EQ(list.entries.size(), 2U);
+    EXPECT_EQ(list.leftOut, 2U);
+    RemovePronunciation(list, 0);
+    list.entries.insert(list.entries.begin(), {"new", "knew", "", false, false});
+    EXPECT_THAT(FormatPronunciationList(list),
+                testing::EndsWith("\nnew\tknew\n" + by + "two\t\n" + std::string(500, 'x') + "\n"));
     for (const Pronunciation& bad : {Pronunciation{" ", "x", "", false, false},
                                      {"(", "x", "", true, false},
                                      {"a", "\\g<", "", true, false},
@@ -188,12 +194,24 @@ TEST(Pronunciations, AreReadFromTheUserAndTheMachine) {
     const std::string machines = folder / "root/etc/lectora/pronunciations.txt";
     std::ofstream(machines) << "cat\tschool's\ndog\tschool's\n";
     EXPECT_EQ(say("cat dog"), "school's school's");
-    ASSERT_EQ(StoreOwnPronunciations({{"cat", "mine", "", false, false}}), 0);
+    ASSERT_EQ(StoreOwnPronunciations({{{"cat", "mine", "", false, false}}}), 0);
     EXPECT_EQ(say("cat dog"), "mine school's");
     ::chmod(machines.c_str(), 0666);
     EXPECT_EQ(say("cat dog"), "mine school's") << "nothing has changed but who may write";
     std::ofstream(machines) << "dog\tplanted\n";
     EXPECT_EQ(say("cat dog"), "mine dog");
+    // A list that cannot be read is not taken for an empty one, which would be written over it.
+    const std::string own = OwnPronunciationsPath();
+    std::filesystem::rename(own, folder / "moved");
+    EXPECT_EQ(LoadOwnPronunciations().error, 0);
+    std::filesystem::create_symlink(folder / "moved", own);
+    const PronunciationList unread = LoadOwnPronunciations();
+    EXPECT_NE(unread.error, 0);
+    EXPECT_EQ(StoreOwnPronunciations(unread), unread.error);
+    EXPECT_TRUE(std::filesystem::is_symlink(own));
+    PronunciationList large;
+    large.below.assign(33 << 20, '#');
+    EXPECT_EQ(StoreOwnPronunciations(large), EFBIG);
 }
 
 }  // namespace
