@@ -82,6 +82,10 @@ void PlaceKeeper::Hear(const ReadingNews& news) {
         offer_.Close();
     if (now_.key.empty() || offer_.IsOpen() || isAwaited_)
         return;
+    if (!kKeepTextSetting.Get()) {  // since it began
+        now_ = {};
+        return;
+    }
     if (news.IsNew() && news.end == ReadingEnd::kToItsEnd)
         TellTrouble(places_.Forget(now_.key));
     else if (news.stretch && news.stretch->sourceBegin != now_.place)

@@ -1,6 +1,7 @@
 #include "app/reading/kept_places.h"
 
 #include <glib.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <utility>
@@ -72,14 +73,21 @@ KeptPlaces::KeptPlaces() {
         places_.push_back({std::move(fields[at]), std::move(fields[at + 1]),
                            NumberOfField(fields[at + 2]), NumberOfField(fields[at + 3]),
                            std::move(fields[at + 4])});
+    isThere_ = !places_.empty();
+}
+
+bool KeptPlaces::IsForgotten() const {
+    return isThere_ && ::access(PrivateFilePath(kPlacesFile).c_str(), F_OK) != 0;
 }
 
 std::optional<KeptPlace> KeptPlaces::Find(const std::string& key) const {
     const auto found = std::ranges::find(places_, key, &KeptPlace::key);
-    return found == places_.end() ? std::nullopt : std::optional(*found);
+    return found == places_.end() || IsForgotten() ? std::nullopt : std::optional(*found);
 }
 
 int KeptPlaces::Keep(KeptPlace place) {
+    if (IsForgotten())
+        places_.clear();
     place.sentence.resize(WholeCharacters(place.sentence, kMostSentence).size());
     std::erase_if(places_, [&](const KeptPlace& each) { return each.key == place.key; });
     places_.insert(places_.begin(), std::move(place));
@@ -89,6 +97,8 @@ int KeptPlaces::Keep(KeptPlace place) {
 }
 
 int KeptPlaces::Forget(const std::string& key) {
+    if (IsForgotten())
+        places_.clear();
     return std::erase_if(places_, [&](const KeptPlace& each) { return each.key == key; }) == 0
                ? 0
                : Write();
@@ -98,10 +108,12 @@ void ForgetKeptPlaces() {
     RemovePrivateFile(kPlacesFile);
 }
 
-int KeptPlaces::Write() const {
+int KeptPlaces::Write() {
     std::vector<std::string> fields;
     for (const KeptPlace& each : places_)
         fields.insert(fields.end(), {each.key, each.digest, std::to_string(each.size),
                                      std::to_string(each.place), each.sentence});
-    return WriteKeptFields(kPlacesFile, fields);
+    const int error = WriteKeptFields(kPlacesFile, fields);
+    isThere_ = isThere_ || error == 0;
+    return error;
 }

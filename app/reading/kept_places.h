@@ -29,7 +29,8 @@ std::optional<std::size_t> FindPlace(const KeptPlace& kept, std::string_view tex
 std::optional<std::size_t> FindPlace(const KeptPlace& kept, std::string_view text,
                                      const std::string& key);
 
-// The user's store of the newest ones, written whole at each change. GUI thread.
+// The user's store of the newest ones, written whole at each change. Once its file is gone it holds
+// nothing: its user has had it forgotten. GUI thread.
 class KeptPlaces {
 public:
     static constexpr std::size_t kMost = 200;
@@ -41,9 +42,11 @@ public:
     int Forget(const std::string& key);  // likewise
 
 private:
-    int Write() const;
+    bool IsForgotten() const;
+    int Write();
 
     std::vector<KeptPlace> places_;  // newest first
+    bool isThere_ = false;           // the file, as far as this object knows
 };
 
 // What was kept is gone from the disk.

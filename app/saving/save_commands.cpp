@@ -83,6 +83,8 @@ void SaveCommands::CmSaveFromSelection() {
 void SaveCommands::CmSaveTextAs() {
     if (parts_.turn.IsTaken() || !parts_.sources.AwaitAll())
         return;
+    // What comes meanwhile waits: it would be taken for what was saved.
+    const CommandTurn::Hold hold(parts_.turn);
     const std::string text = parts_.text.Text();
     const std::string path =
         SaveTextAs(parts_.window.Widget(), text, SuggestedName(text, parts_.text.File()));

@@ -35,6 +35,12 @@ class WindowTest(DesktopCase):
         lectora = self.start()
         window = lectora.window()
         desktop.xdotool("windowsize", "--sync", window, 640, 480)
+        # A second start brings it to the front, where it stands.
+        desktop.xdotool("windowmove", "--sync", window, 420, 300)
+        place = desktop.xdotool("getwindowgeometry", window)
+        subprocess.run([os.path.join(desktop.BUILD, "bin/lectora")], check=True, timeout=desktop.PATIENCE)
+        lectora.settle()
+        self.assertEqual(desktop.xdotool("getwindowgeometry", window), place)
         # The window manager's button for it, at the right of the title.
         desktop.xdotool("mousemove", "--window", window, "--", 614, -10, "click", 1)
         desktop.wait_until(lambda: lectora.text_box().queryComponent().getExtents(0).width > 900, "the large window")

@@ -36,6 +36,13 @@ TEST(KeptPlacesTest, TheNewestAreThereAtTheNextStart) {
     EXPECT_EQ(places.Find("5")->Percent(), 45);
     EXPECT_EQ(places.Find("7")->sentence, "Two.");
     EXPECT_EQ(places.Find("7")->digest, KeyOfText(text));
+    // What was forgotten stays so, and what comes later is kept alone.
+    KeptPlaces before;
+    ForgetKeptPlaces();
+    EXPECT_FALSE(before.Find("7"));
+    EXPECT_EQ(before.Keep(PlaceIn(text, "Two.", "new")), 0);
+    EXPECT_FALSE(before.Find("7") || KeptPlaces().Find("7"));
+    EXPECT_TRUE(before.Find("new") && KeptPlaces().Find("new"));
     // Whatever stands in the file.
     for (const char* file : {"reading-places", "bookmarks"})
         home.Write(std::string(".quillon/lectora/") + file, std::string("a\0b\0-1\0x", 8));
