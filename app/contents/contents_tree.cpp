@@ -3,14 +3,17 @@
 #include <gdk/gdkkeysyms.h>
 
 #include <algorithm>
+#include <string>
 
+#include "foundation/owned_text.h"
 #include "gui/accessible.h"
 #include "gui/display_text.h"
 #include "gui/gobject_ref.h"
 
 namespace {
 
-enum Column : int { kTitle, kNumber, kWeight, kColumns };
+// The tip is the title as markup.
+enum Column : int { kTitle, kNumber, kWeight, kTip, kColumns };
 
 // As many are seen at once: what is longer is folded to its highest entries.
 constexpr std::size_t kMostUnfolded = 40;
@@ -18,7 +21,7 @@ constexpr std::size_t kMostUnfolded = 40;
 }  // namespace
 
 GtkWidget* ContentsTree::Create() {
-    rows_ = gtk_tree_store_new(kColumns, G_TYPE_STRING, G_TYPE_INT, G_TYPE_INT);
+    rows_ = gtk_tree_store_new(kColumns, G_TYPE_STRING, G_TYPE_INT, G_TYPE_INT, G_TYPE_STRING);
     GtkWidget* tree = gtk_tree_view_new_with_model(GTK_TREE_MODEL(rows_));
     g_object_unref(rows_);
     tree_ = GTK_TREE_VIEW(tree);
@@ -29,7 +32,7 @@ GtkWidget* ContentsTree::Create() {
                                                         kWeight, nullptr));
     gtk_tree_view_set_headers_visible(tree_, TRUE);
     gtk_tree_view_set_search_column(tree_, kTitle);
-    gtk_tree_view_set_tooltip_column(tree_, kTitle);
+    gtk_tree_view_set_tooltip_column(tree_, kTip);
     SetAccessibleName(tree, "Contents");
     signals_.Connect(tree, "row-activated", G_CALLBACK(GCActivated), this);
     signals_.Connect(tree, "key-press-event", G_CALLBACK(GCKeyPress), this);
@@ -54,9 +57,11 @@ void ContentsTree::Fill(const std::vector<OutlineEntry>& outline) {
         const OutlineEntry& entry = outline[i];
         above.resize(std::min(above.size(), static_cast<std::size_t>(entry.depth)));
         GtkTreeIter row;
+        const std::string title = DisplayText(entry.title);
+        const OwnedText tip(g_markup_escape_text(title.c_str(), -1));
         gtk_tree_store_insert_with_values(rows_, &row, above.empty() ? nullptr : &above.back(), -1,
-                                          kTitle, DisplayText(entry.title).c_str(), kNumber,
-                                          static_cast<int>(i), kWeight, PANGO_WEIGHT_NORMAL, -1);
+                                          kTitle, title.c_str(), kNumber, static_cast<int>(i),
+                                          kWeight, PANGO_WEIGHT_NORMAL, kTip, tip.get(), -1);
         above.push_back(row);
         iters_.push_back(row);
     }
