@@ -16,6 +16,12 @@ constexpr std::size_t kLongestNumber = 3;
 constexpr std::string_view kPowered[] = {"sin",  "cos",  "tan",  "cot", "sec", "csc",
                                          "sinh", "cosh", "tanh", "log", "exp", "mol"};
 
+// Ends of words of length, which have powers behind a number: "12 Meter²", but "the meter²".
+constexpr std::string_view kLengths[] = {"meter",  "meters", "metre",  "metres", "metro", "metros",
+                                         "metri",  "metrů",  "metry",  "metrów", "mètre", "mètres",
+                                         "метр",   "метра",  "метров", "foot",   "feet",  "inch",
+                                         "inches", "mile",   "miles",  "yard",   "yards"};
+
 bool IsDigits(std::string_view text) {
     return !text.empty() &&
            std::all_of(text.begin(), text.end(), [](char sign) { return g_ascii_isdigit(sign); });
@@ -32,6 +38,16 @@ std::string_view LastWord(std::string_view text) {
         begin = letter;
     }
     return text.substr(static_cast<std::size_t>(begin - text.data()));
+}
+
+bool IsLength(std::string_view word, std::string_view text) {
+    text.remove_suffix(word.size());
+    const std::size_t last = text.find_last_not_of(" \n\xc2\xa0");
+    std::string small(word);
+    std::transform(small.begin(), small.end(), small.begin(), g_ascii_tolower);
+    return last != std::string_view::npos && g_ascii_isdigit(text[last]) &&
+           std::any_of(std::begin(kLengths), std::end(kLengths),
+                       [&small](std::string_view length) { return small.ends_with(length); });
 }
 
 bool EndsLikeSentence(std::string_view text) {
@@ -63,6 +79,8 @@ bool IsReferenceMark(std::string_view raised, std::string_view before, bool isLi
     const std::string_view word = LastWord(before);
     if (word.empty())
         return EndsLikeSentence(before);
+    if ((mark == "2" || mark == "3") && IsLength(word, before))
+        return false;
     return mark.size() <= kLongestNumber &&
            g_utf8_strlen(word.data(), static_cast<gssize>(word.size())) >=
                static_cast<glong>(kShortestWord) &&

@@ -68,6 +68,8 @@ TEST(Html, MarksThatPointToNotesAreNotRead) {
          "all[1][2], of[citation needed] it [3] (so[4])."},
         {"5 m<sup>2</sup>, 10<sup>-6</sup>, sin<sup>2</sup> x, 4<sup>th</sup>",
          "5 m², 10⁻⁶, sin² x, 4th", "5 m², 10⁻⁶, sin² x, 4th"},
+        {"12 Meter<sup>2</sup>, a meter<sup>2</sup>, 3 feet<sup>7</sup>.",
+         "12 Meter², a meter, 3 feet.", "12 Meter², a meter[2], 3 feet[7]."},
         {"x<a epub:type='noteref' href='n.html#1'>1</a>y<a role='doc-noteref'><sup>1</sup></a>",
          "xy", "x1y[1]"},
         {"a<sup>Note<h2>b</h2><p>c<sup>4</sup><p>d", "aNote\n\nb\n\nc⁴\n\nd",
