@@ -46,12 +46,15 @@ public:
 OdtListener::OdtListener(TextFlow& flow, const DocumentRules& rules, ObjectContent objects)
     : flow_(flow), rules_(rules), objects_(std::move(objects)) {}
 
-bool OdtListener::IsLeftOut(std::string_view name) const {
+bool OdtListener::IsLeftOut(std::string_view name, const MarkupAttributes& attributes) const {
     if (name == "annotation" || name == "tracked-changes" || name == "forms" ||
-        name == "hidden-text" || name == "hidden-paragraph" || name == "ruby-text" ||
-        name == "binary-data" || name == "script" || name == "note-citation" || name == "notes" ||
-        name == "page-number" || name == "master-styles")
+        name == "ruby-text" || name == "binary-data" || name == "script" ||
+        name == "note-citation" || name == "notes" || name == "page-number" ||
+        name == "master-styles")
         return true;
+    // What a condition hides at times.
+    if (name == "hidden-text" || name == "hidden-paragraph")
+        return attributes.Value("is-hidden") != "false";
     return name == "note" && !rules_.notes;
 }
 
@@ -67,7 +70,7 @@ bool OdtListener::BeginFact(std::string_view name) {
 }
 
 bool OdtListener::EvElement(std::string_view name, const MarkupAttributes& attributes) {
-    if (IsLeftOut(name))
+    if (IsLeftOut(name, attributes))
         return false;
     if (name == "math" || formula_.IsOpen())
         return formula_.Begin(MathPart(name));

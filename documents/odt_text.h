@@ -54,7 +54,7 @@ private:
         bool isNote;
     };
 
-    bool IsLeftOut(std::string_view name) const;
+    bool IsLeftOut(std::string_view name, const MarkupAttributes& attributes) const;
     bool BeginFact(std::string_view name);
     void BeginStyle(std::string_view name, const MarkupAttributes& attributes);
     void BeginList(const MarkupAttributes& attributes);

@@ -42,45 +42,54 @@ std::vector<std::string> PptxSlides(const ZipIndex& index) {
     return names;
 }
 
-// "arabicPeriod", "alphaLcParenR", "romanUcParenBoth".
-void SlideListener::BeginNumber(const MarkupAttributes& attributes) {
-    const std::string_view type = attributes.Value("type");
-    int& count = counts_[level_];
-    count = count == 0 ? NumberIn(attributes.Value("startAt"), 1) : count + 1;
-    const bool isSmall = type.find("Lc") != std::string_view::npos;
+// "arabicPeriod", "alphaLcParenR", "romanUcParenBoth". One of another kind or start begins anew.
+std::string SlideListener::NextNumber() {
+    List& list = lists_[level_];
+    if (list.count == 0 || list.numbering != numbering_)
+        list = {numbering_, numbering_.start};
+    else
+        ++list.count;
+    const std::string& type = numbering_.type;
+    const bool isSmall = type.find("Lc") != std::string::npos;
     const char* const format = type.starts_with("alpha")   ? isSmall ? "a" : "A"
                                : type.starts_with("roman") ? isSmall ? "i" : "I"
                                                            : "1";
-    number_ = ListNumber(count, format);
-    if (type.ends_with("Period"))
-        number_ += ".";
-    else if (type.ends_with("ParenBoth"))
-        number_ = "(" + number_ + ")";
-    else if (type.ends_with("ParenR"))
-        number_ += ")";
+    const std::string number = ListNumber(list.count, format);
+    return type.ends_with("Period")      ? number + "."
+           : type.ends_with("ParenBoth") ? "(" + number + ")"
+           : type.ends_with("ParenR")    ? number + ")"
+                                         : number;
 }
 
-// Of a paragraph: what has no number ends the list on its level, and every one those below.
+// Of a paragraph: one without a word has no number; what has none ends the list on its level, and
+// every one those below.
 void SlideListener::BeginWords() {
     if (std::exchange(hasBegun_, true))
         return;
-    std::fill(counts_.begin() + static_cast<std::ptrdiff_t>(level_ + (number_.empty() ? 0 : 1)),
-              counts_.end(), 0);
-    if (!number_.empty() && cells_ == 0)
-        flow_.AddListMark(std::exchange(number_, {}));
+    const bool isItem = !numbering_.type.empty();
+    std::fill(lists_.begin() + static_cast<std::ptrdiff_t>(level_ + (isItem ? 1 : 0)), lists_.end(),
+              List());
+    if (!isItem)
+        return;
+    const std::string number = NextNumber();
+    if (cells_ == 0)
+        flow_.AddListMark(number);
 }
 
 bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& attributes) {
     if (name == "Fallback" || name == "timing" || name == "rt")
         return false;
+    if (name == "oMath" || formula_.IsOpen())
+        return formula_.Begin(OfficeMathPart(name));
     if (name == "sp") {
         isTitle_ = false;
-        counts_ = {};
+        lists_ = {};
     } else if (name == "pPr") {
         level_ = std::min(static_cast<std::size_t>(NumberIn(attributes.Value("lvl"))),
                           kMostListLevels - 1);
     } else if (name == "buAutoNum" && !hasBegun_) {
-        BeginNumber(attributes);
+        numbering_ = {std::string(attributes.Value("type")),
+                      std::max(NumberIn(attributes.Value("startAt"), 1), 1)};
     } else if (name == "rPr") {
         isRaised_ = NumberIn(attributes.Value("baseline")) > 0;
     } else if (name == "ph") {
@@ -92,7 +101,7 @@ bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& att
     } else if (name == "p") {
         level_ = 0;
         hasBegun_ = isRaised_ = false;
-        number_.clear();
+        numbering_ = {};
         if (isTitle_ && cells_ == 0)
             flow_.BeginHeading(1);
     } else if (name == "t") {
@@ -112,7 +121,13 @@ bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& att
 }
 
 void SlideListener::EvElementEnd(std::string_view name) {
-    if (name == "t" && texts_ > 0) {
+    if (formula_.IsOpen()) {
+        formula_.End();
+        if (!formula_.IsOpen() && !isFurniture_) {
+            BeginWords();
+            flow_.Add(formula_.Take());
+        }
+    } else if (name == "t" && texts_ > 0) {
         --texts_;
     } else if (name == "r") {
         isRaised_ = false;
@@ -131,6 +146,8 @@ void SlideListener::EvElementEnd(std::string_view name) {
 }
 
 void SlideListener::EvText(std::string_view text) {
+    if (formula_.IsOpen())
+        return formula_.AddText(text);
     if (texts_ == 0 || isFurniture_)
         return;
     BeginWords();

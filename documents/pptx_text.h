@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "documents/formula_text.h"
 #include "documents/markup_listener.h"
 #include "documents/office_drawings.h"
 #include "documents/small_texts.h"
@@ -29,13 +30,25 @@ public:
 private:
     TextFlow& flow_;
     bool keepsMarks_;
-    void BeginNumber(const MarkupAttributes& attributes);
+    struct Numbering {
+        std::string type;  // empty: none
+        int start = 1;
+
+        bool operator==(const Numbering&) const = default;
+    };
+    struct List {
+        Numbering numbering;
+        int count = 0;
+    };
+
+    std::string NextNumber();
     void BeginWords();
 
     OfficeDrawings& drawings_;
-    std::array<int, kMostListLevels> counts_ = {};  // of the shape's lists
+    FormulaText formula_;
+    std::array<List, kMostListLevels> lists_ = {};  // of the shape
     std::size_t level_ = 0;                         // of the paragraph
-    std::string number_;                            // that it has
+    Numbering numbering_;                           // that it has
     bool hasBegun_ = false;
     bool isRaised_ = false;
     int texts_ = 0;

@@ -148,6 +148,11 @@ TEST(Office, NoWordOfAnOdtIsLost) {
          "list-item></text:list></text:list-item><text:list-item><text:p>"
          "w</text:p></text:list-item></text:list>",
          "1 x\n\na y\n\n1 own\n\nb z\n\n2 w"},
+        {"what a condition hides, and does not now",
+         "<text:p>It <text:hidden-text "
+         "text:is-hidden='true'>no</text:hidden-text><text:hidden-text "
+         "text:is-hidden='false'>is</text:hidden-text></text:p>",
+         "It is"},
         {"formula", "<text:p>So <math><msup><mi>c</mi><mn>2</mn></msup></math></text:p>", "So c²"},
     };
     for (const auto& item : cases)
@@ -243,6 +248,26 @@ TEST(Office, SlidesAreReadInOrderWithTheirTitlesAsHeadings) {
     EXPECT_EQ(pptx.text, "A\n\none\n\na) more\n\nB\n\ntwo\n\na) more");
     EXPECT_EQ(pptx.headings.size(), 2U);
     EXPECT_EQ(pptx.pages.size(), 2U);
+
+    const auto item = [](const std::string& numbering, const std::string& content) {
+        return "<a:p><a:pPr><a:buAutoNum type='arabicPeriod' " + numbering + "/></a:pPr>" +
+               content + "</a:p>";
+    };
+    const auto words = [](const std::string& text) { return "<a:r><a:t>" + text + "</a:t></a:r>"; };
+    EXPECT_EQ(
+        ReadDocument(
+            ZipOf({{"ppt/presentation.xml", "<p:p><p:sldId id='1' r:id='r'/></p:p>"},
+                   {"ppt/_rels/presentation.xml.rels",
+                    "<R><Relationship Id='r' Target='slides/slide1.xml'/></R>"},
+                   {"ppt/slides/slide1.xml",
+                    "<p:sld><p:sp>" + item("startAt='4'", words("four")) + item("startAt='4'", "") +
+                        item("startAt='4'", words("five")) + item("startAt='9'", words("nine")) +
+                        item("startAt='9'",
+                             "<m:oMath><m:f><m:num><m:r><m:t>a</m:t></m:r></m:num><m:den><m:r>"
+                             "<m:t>b</m:t></m:r></m:den></m:f></m:oMath>") +
+                        "</p:sp></p:sld>"}}))
+            .text,
+        "4. four\n\n5. five\n\n9. nine\n\n10. a/b");
 
     const Document odp = ReadDocument(
         ZipOf({{"content.xml",
