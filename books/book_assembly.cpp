@@ -149,9 +149,12 @@ BookJoint BookAssembly::MakeBook(LProgress& progress) const {
     BookJoint joint;
     joint.problem = file.Problem();
     if (joint.problem.empty() && order_.isReadAlong) {
-        joint.problem = WriteWithText(file.WritePath());
-        if (joint.problem.empty())
-            joint.problem = file.Commit();
+        joint.problem = WriteWithText(file.WritePath(), progress);
+        joint.isStopped = progress.IsToStop();
+        if (joint.isStopped)
+            joint.problem.clear();
+        else if (joint.problem.empty())
+            joint.problem = Commit(file);
     } else if (joint.problem.empty()) {
         const Sound sound = SoundOf(0, sections_.size());
         BookTags tags = TagsOf(0);
@@ -199,7 +202,7 @@ std::string BookAssembly::AddChapters(const std::string& joined, const BookTags&
 std::string BookAssembly::Publish(WholeFile& file, const Sound& sound, const std::string& path,
                                   WholeFile::Existing existing) const {
     if (!order_.subtitles)
-        return file.Commit();
+        return Commit(file);
     std::vector<SubtitleLine> all;
     for (std::size_t i = 0; i < sound.begins.size(); ++i) {
         for (SubtitleLine line : LoadSubtitles(ContentOf(work_.Path(sound.first + i, "lines")))) {
@@ -210,15 +213,22 @@ std::string BookAssembly::Publish(WholeFile& file, const Sound& sound, const std
     const std::string beside = SubtitlesPath(path, *order_.subtitles);
     WholeFile subtitles(beside, existing);
     std::string problem = WriteInto(subtitles, SubtitleText(*order_.subtitles, all));
-    if (problem.empty())
-        problem = file.Commit();
-    if (!problem.empty())
-        return problem;
-    problem = subtitles.Commit();
-    return problem.empty() ? "" : beside + ": " + problem;
+    if (problem.empty()) {
+        problem = Commit(file);
+        if (!problem.empty())
+            return problem;
+        problem = subtitles.Commit();
+    }
+    return problem.empty() ? "" : "its subtitles " + beside + ": " + problem;
 }
 
-std::string BookAssembly::WriteWithText(const std::string& path) const {
+// Noted before, so that whoever finds both knows the book for done.
+std::string BookAssembly::Commit(WholeFile& file) const {
+    const std::string problem = order_.target.back() == '/' ? "" : work_.NoteDone(file.WritePath());
+    return problem.empty() ? file.Commit() : problem;
+}
+
+std::string BookAssembly::WriteWithText(const std::string& path, LProgress& progress) const {
     std::vector<ReadAlongChapter> chapters;
     for (std::size_t i = 0; i < order_.plan.chapters.size(); ++i)
         chapters.push_back({ChapterPath(i), {}});
@@ -234,5 +244,6 @@ std::string BookAssembly::WriteWithText(const std::string& path) const {
             chapters[chapter].lines.push_back(std::move(line));
         }
     }
-    return WriteReadAlong(path, order_.plan, order_.text, VoiceAt(order_.voice).language, chapters);
+    return WriteReadAlong(path, order_.plan, order_.text, VoiceAt(order_.voice).language, chapters,
+                          progress);
 }

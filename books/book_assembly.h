@@ -40,7 +40,8 @@ private:
                             const std::string& path, LProgress& progress) const;
     std::string Publish(WholeFile& file, const Sound& sound, const std::string& path,
                         WholeFile::Existing existing) const;
-    std::string WriteWithText(const std::string& path) const;
+    std::string Commit(WholeFile& file) const;
+    std::string WriteWithText(const std::string& path, LProgress& progress) const;
 
     const BookOrder& order_;
     const BookWork& work_;

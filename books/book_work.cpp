@@ -29,6 +29,12 @@ bool IsOwnName(const std::string& name) {
     return end != std::string::npos && end >= begin + 5 && name[end] == '.';
 }
 
+// Which a file keeps under another name.
+std::string FileNumber(const std::string& path) {
+    struct stat info = {};
+    return ::stat(path.c_str(), &info) == 0 ? std::to_string(info.st_ino) : "";
+}
+
 }  // namespace
 
 std::string WorkFolderFor(const std::string& target) {
@@ -83,6 +89,10 @@ bool BookWork::IsMade(std::size_t chapter) const {
     return ::access(Path(chapter, "made").c_str(), F_OK) == 0;
 }
 
+std::string BookWork::NoteDone(const std::string& path) const {
+    return Write(folder_ + "done", FileNumber(path));
+}
+
 bool BookWork::HasTags(std::size_t chapter) const {
     return ContentOf(Path(chapter, "tags")) == TagsKey(order_);
 }
@@ -117,8 +127,10 @@ std::string BookWork::Open() {
     if (order_.target.back() != '/' && ::stat(order_.target.c_str(), &info) == 0) {
         if (!S_ISREG(info.st_mode))
             return order_.target + ": is not a regular file";
-        if (!order_.overwrites)
+        if (!order_.overwrites) {
+            RemoveIfDone();
             return order_.target + ": " + WholeFile::kExists;
+        }
     }
     if (order_.target.back() != '/' && order_.subtitles && !order_.overwrites) {
         const std::string beside = SubtitlesPath(order_.target, *order_.subtitles);
@@ -127,6 +139,13 @@ std::string BookWork::Open() {
     }
     const std::string problem = OpenFolder();
     return problem.empty() ? Claim(ContentOf(folder_ + "key")) : problem;
+}
+
+// What a run has left that was killed when the book had its name.
+void BookWork::RemoveIfDone() {
+    const std::string done = ContentOf(folder_ + "done");
+    if (!done.empty() && done == FileNumber(order_.target) && OpenFolder().empty())
+        Remove();
 }
 
 // It is no link: what stands in it is removed.

@@ -28,10 +28,13 @@ public:
     // Of a book with a file for each chapter: that the file with that path is one of this run's.
     std::string NoteMade(std::size_t chapter, const std::string& path) const;
     bool IsMade(std::size_t chapter) const;
+    // That the file with that path is the book, about to take its name.
+    std::string NoteDone(const std::string& path) const;
     bool HasTags(std::size_t chapter) const;  // as the order has them
 
 private:
     std::string OpenFolder();
+    void RemoveIfDone();
     std::string Claim(const std::string& found);
     std::set<std::string> Made() const;
     bool HoldsOthers(const std::set<std::string>& made) const;

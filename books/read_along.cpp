@@ -75,7 +75,7 @@ public:
           language_(std::move(language)),
           chapters_(chapters) {}
 
-    std::string Write();
+    std::string Write(LProgress& progress);
 
 private:
     std::string PageHead(const std::string& title) const;
@@ -238,7 +238,7 @@ std::string ReadAlong::Package() const {
            "</spine></package>\n";
 }
 
-std::string ReadAlong::Write() {
+std::string ReadAlong::Write(LProgress& progress) {
     zip_.Add("mimetype", "application/epub+zip");  // first, as readers of the format want it
     zip_.Add("META-INF/container.xml", std::string(kXml) + kContainer);
     zip_.Add("book/package.opf", Package());
@@ -251,7 +251,7 @@ std::string ReadAlong::Write() {
         if (chapters_[i].lines.empty())
             continue;
         zip_.Add("book/" + Number(i) + ".smil", Overlay(i));
-        zip_.AddFile("book/" + Number(i) + ".mp3", chapters_[i].sound);
+        zip_.AddFile("book/" + Number(i) + ".mp3", chapters_[i].sound, progress);
     }
     return zip_.Finish();
 }
@@ -260,9 +260,9 @@ std::string ReadAlong::Write() {
 
 std::string WriteReadAlong(const std::string& path, const BookPlan& plan, const std::string& text,
                            const std::string& voiceLanguage,
-                           const std::vector<ReadAlongChapter>& chapters) {
+                           const std::vector<ReadAlongChapter>& chapters, LProgress& progress) {
     const std::string language = !plan.language.empty()   ? plan.language
                                  : !voiceLanguage.empty() ? voiceLanguage
                                                           : "und";
-    return ReadAlong(path, plan, text, language, chapters).Write();
+    return ReadAlong(path, plan, text, language, chapters).Write(progress);
 }

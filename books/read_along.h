@@ -7,6 +7,7 @@
 
 #include "books/book_plan.h"
 #include "books/subtitles.h"
+#include "foundation/threads/progress.h"
 
 struct ReadAlongChapter {
     std::string sound;                // an MP3 file
@@ -14,7 +15,8 @@ struct ReadAlongChapter {
 };
 
 // The text's paragraphs and headings, the sound a chapter, the plan's tags and cover. Of one that
-// says nothing of its language, the language is the voice's. Empty, or why it cannot be written.
+// says nothing of its language, the language is the voice's. Empty, or why it cannot be written;
+// cut where the progress is to stop.
 std::string WriteReadAlong(const std::string& path, const BookPlan& plan, const std::string& text,
                            const std::string& voiceLanguage,
-                           const std::vector<ReadAlongChapter>& chapters);
+                           const std::vector<ReadAlongChapter>& chapters, LProgress& progress);

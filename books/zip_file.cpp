@@ -86,7 +86,7 @@ void ZipFile::Add(const std::string& name, std::string_view content) {
     Put(content);
 }
 
-void ZipFile::AddFile(const std::string& name, const std::string& path) {
+void ZipFile::AddFile(const std::string& name, const std::string& path, LProgress& progress) {
     const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rbe"));
     if (!file) {
         problem_ = problem_.empty() ? std::strerror(errno) : problem_;
@@ -94,8 +94,8 @@ void ZipFile::AddFile(const std::string& name, const std::string& path) {
     }
     std::vector<char> block(65536);
     const auto read = [&] {
-        return std::string_view(block.data(),
-                                std::fread(block.data(), 1, block.size(), file.get()));
+        const std::size_t most = progress.IsToStop() ? 0 : block.size();
+        return std::string_view(block.data(), std::fread(block.data(), 1, most, file.get()));
     };
     std::uint32_t checksum = 0;
     std::uint64_t size = 0;
@@ -109,7 +109,7 @@ void ZipFile::AddFile(const std::string& name, const std::string& path) {
         Put(bytes);
         size -= std::min<std::uint64_t>(size, bytes.size());
     }
-    if (problem_.empty() && (std::ferror(file.get()) != 0 || size > 0))
+    if (problem_.empty() && (progress.IsToStop() || std::ferror(file.get()) != 0 || size > 0))
         problem_ = "a finished chapter cannot be read";
 }
 

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "foundation/threads/progress.h"
+
 // Names are UTF-8. One thread.
 class ZipFile {
 public:
@@ -16,7 +18,8 @@ public:
     explicit ZipFile(const std::string& path);
 
     void Add(const std::string& name, std::string_view content);
-    void AddFile(const std::string& name, const std::string& path);
+    // Only a part of it where the progress is to stop, which is a problem then.
+    void AddFile(const std::string& name, const std::string& path, LProgress& progress);
     // Empty, or what went wrong since the beginning: not all of it is there then.
     std::string Finish();
 

@@ -12,7 +12,7 @@ namespace {
 
 bool Stands(const std::string& path) {
     struct stat info = {};
-    return ::stat(path.c_str(), &info) == 0;
+    return ::lstat(path.c_str(), &info) == 0;
 }
 
 // What stands at the path is a book, or something else of the user's; an unfinished folder of ours

@@ -98,6 +98,18 @@ class BookTroubleTest(BookCase):
             self.assertEqual([stream["codec_type"] for stream in told["streams"]], ["audio"])
             self.assertAlmostEqual(float(told["format"]["duration"]), length, delta=0.001)
 
+    def test_what_a_run_left_that_was_killed_when_its_book_was_done_goes(self):
+        self.save("tale.txt", b"Some words.")
+        command = (SAY, "--audiobook", "-o", "tale.flac", "tale.txt")
+        self.check(*command)
+        work = self.path(".tale.flac.lectora-book/")
+        for number, is_left in ((1, True), (os.stat(self.path("tale.flac")).st_ino, False)):
+            os.makedirs(work, exist_ok=True)
+            self.save(work + "key", b"4 ")
+            self.save(work + "done", str(number).encode())
+            self.check(*command, status=1, says="tale.flac: exists already")
+            self.assertEqual(os.path.exists(work), is_left)
+
     def test_what_is_finished_of_a_book_begun_otherwise_is_lost_with_a_word(self):
         self.tell_engine("text2wave slow 1")
         self.book("book.epub", TITLES, TEXTS)
