@@ -65,6 +65,7 @@ private:
     std::optional<std::size_t> WebAddress(std::size_t at);
     std::optional<std::size_t> Capitals(std::size_t at);
     std::optional<std::size_t> Emoji(std::size_t at);
+    std::size_t EmojiEnd(std::size_t at) const;
     std::optional<std::size_t> Punctuation(std::size_t at);
 
     const WrittenForm* UnitAt(std::size_t at, std::size_t& end) const;

@@ -7,6 +7,7 @@
 #include <cctype>
 
 #include "foundation/owned_text.h"
+#include "speech/emoji_names.h"
 #include "speech/number_words.h"
 #include "speech/sentence_words.h"
 #include "speech/spoken_forms.h"
@@ -211,19 +212,8 @@ std::optional<std::size_t> SpokenForms::Capitals(std::size_t at) {
                                                                                : std::optional(end);
 }
 
-// Left out where they are not wanted; said where the engine does not, by voices that speak the
-// language of their names.
-std::optional<std::size_t> SpokenForms::Emoji(std::size_t at) {
-    const gunichar first = CharacterAt(at);
-    const bool isBehindWord = at > 0 && g_ascii_isspace(text_[at - 1]) == FALSE;
-    if (first < kFirstPicture || u_hasBinaryProperty(static_cast<UChar32>(first), UCHAR_EMOJI) == 0)
-        return std::nullopt;
-    const std::string name =
-        choices_.saysEmoji && (byEngine_ & kSaysEmoji) == 0 && language_ == "en"
-            ? NameOfCharacter(first)
-            : "";
-    if (choices_.saysEmoji && name.empty())
-        return std::nullopt;
+// What only changes the picture before, or joins another to it, is a part of it.
+std::size_t SpokenForms::EmojiEnd(std::size_t at) const {
     std::size_t end = at + SizeAt(at);
     while (IsModifier(CharacterAt(end)) || CharacterAt(end) == kJoiner) {
         const bool joins = CharacterAt(end) == kJoiner;
@@ -231,9 +221,31 @@ std::optional<std::size_t> SpokenForms::Emoji(std::size_t at) {
         if (joins)
             end += SizeAt(end);
     }
-    end = std::min(end, text_.size());
-    if (!name.empty())
-        said_ = Apart(name, isBehindWord, !EndsToken(end) || CharacterAt(end) >= kFirstPicture);
+    return std::min(end, text_.size());
+}
+
+// Left out where they are not wanted; said where the engine does not, by voices that speak the
+// language of their names.
+std::optional<std::size_t> SpokenForms::Emoji(std::size_t at) {
+    const gunichar first = CharacterAt(at);
+    const bool isBehindWord = at > 0 && g_ascii_isspace(text_[at - 1]) == FALSE;
+    if (first < kFirstPicture || u_hasBinaryProperty(static_cast<UChar32>(first), UCHAR_EMOJI) == 0)
+        return std::nullopt;
+    std::size_t end = EmojiEnd(at);
+    if (!choices_.saysEmoji)
+        return end;
+    if ((byEngine_ & kSaysEmoji) != 0)
+        return std::nullopt;
+    std::string name;
+    if (const auto known = FindEmojiName(language_, text_.substr(at))) {
+        name = known->name;
+        end = at + known->size;
+    } else if (language_ == "en") {
+        name = NameOfCharacter(first);
+    }
+    if (name.empty())
+        return std::nullopt;
+    said_ = Apart(name, isBehindWord, !EndsToken(end) && CharacterAt(end) < kFirstPicture);
     return end;
 }
 

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
+#include <tuple>
 
 #include "speech/text_preparation.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -106,6 +109,35 @@ TEST(SpokenForms, AreLeftToTheEngineOrSaidByChoice) {
 }
 
 // What is highlighted is the text as it is written.
+TEST(SpokenForms, PicturesAreCalledByTheirNameInTheVoicesLanguage) {
+    const ScratchFolder root;
+    const ScopedVariable machine("LECTORA_ROOT", root.Path().c_str());
+    std::filesystem::create_directories(root / "opt/quillon/lectora/share");
+    std::filesystem::copy(LECTORA_EMOJI, root / "opt/quillon/lectora/share/emoji");
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"en", "Nice 👍🏽!", "Nice thumbs up!"},
+        {"en", "I ❤️ it", "I red heart it"},
+        {"de", "Sie ist 👩‍🚀.", "Sie ist Astronautin."},
+        {"de", "In 🇩🇪🇫🇷", "In Flagge, Deutschland Flagge, Frankreich"},
+        {"fr", "Oui 😀", "Oui visage rieur"},
+        {"es", "Sí👍", "Sí pulgar hacia arriba"},
+        {"it", "Ok 👍", "Ok pollice in su"},
+        {"ru", "Да 👍", "Да большой палец вверх"},
+        {"cs", "Ano 👍", "Ano palec nahoru"},
+        {"nl", "Ja 👍", "Ja 👍"},
+    };
+    for (const auto& [language, text, said] : cases)
+        EXPECT_EQ(SaidIn(language, text), said);
+    // A file that is damaged, or is none.
+    for (const std::string content : {"\xff\t\xff\n", "\t\n\n👍\n"}) {
+        const ScratchFolder other;
+        const ScopedVariable there("LECTORA_ROOT", other.Path().c_str());
+        std::filesystem::create_directories(other / "opt/quillon/lectora/share/emoji");
+        other.Write("opt/quillon/lectora/share/emoji/en.txt", content);
+        EXPECT_EQ(SaidIn("en", "Nice 👍"), "Nice thumbs up sign");
+    }
+}
+
 TEST(SpokenForms, EmojiAloneAreHandedToTheEngineThatSaysThem) {
     for (const auto& [says, told] :
          {std::pair{kSaysEmoji, "Great.\n\n👍\n\nBye."}, {SaidByEngine{0}, "Great.\n\n\n\nBye."}}) {
