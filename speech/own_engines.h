@@ -1,6 +1,6 @@
 // Engines that the user has described: a key file each, named "*.engine", in the user's
-// ".quillon/lectora/engines" and, for everybody, in "/opt/quillon/lectora/etc/engines". Of two files
-// of one name the user's counts, when it can be used.
+// ".quillon/lectora/engines" and, for everybody, in "/opt/quillon/lectora/etc/engines". Of two
+// files of one name the user's counts, when it can be used.
 //
 //   [Engine]
 //   Name=Piper
