@@ -104,8 +104,11 @@ std::optional<std::size_t> SpokenForms::Fraction(std::size_t at) {
             return end;
         // The words of a part are those of 1.5 where nouns have cases.
         const bool hasCases = language_ == "ru" || language_ == "cs";
-        said_ += form.written == "1/2" ? " " : forms_->ofFraction;
-        said_ += WithoutNumber(UnitWords(language_, unit->said, hasCases ? "1.5" : "1"));
+        const std::string noun =
+            WithoutNumber(UnitWords(language_, unit->said, hasCases ? "1.5" : "1"));
+        if (noun.empty())
+            return end;
+        said_ += std::string(form.written == "1/2" ? " " : forms_->ofFraction) + noun;
         return behind;
     }
     return std::nullopt;
@@ -141,7 +144,10 @@ std::optional<std::size_t> SpokenForms::Score(std::size_t at) {
 // "5–10", "5-10 km": a hyphen stands in many other numbers, too.
 std::optional<std::size_t> SpokenForms::Range(std::size_t at) {
     Amount first;
-    if (forms_->range.empty() || !ReadAmount(at, first))
+    // "2024–10–05" is none.
+    const std::string_view before = text_.substr(0, at);
+    if (before.ends_with('-') || before.ends_with(kEnDash) || forms_->range.empty() ||
+        !ReadAmount(at, first))
         return std::nullopt;
     const std::string_view rest = text_.substr(first.end);
     const bool isDash = rest.starts_with(kEnDash);
@@ -155,7 +161,8 @@ std::optional<std::size_t> SpokenForms::Range(std::size_t at) {
     end = end ? end : WithUnit(last);
     if (!end) {
         const std::string_view behind = text_.substr(last.end);
-        const bool goesOn = behind.starts_with("-") || behind.starts_with(kEnDash);
+        const bool goesOn = behind.starts_with("-") || behind.starts_with(kEnDash) ||
+                            (behind.size() > 1 && behind[0] == '.' && g_ascii_isdigit(behind[1]));
         if (!isDash || goesOn || !EndsToken(last.end))
             return std::nullopt;
         said_ = text_.substr(second, last.end - second);
@@ -223,6 +230,10 @@ std::optional<std::size_t> SpokenForms::Place(std::size_t at) {
         if (ending.language != language_ || (isRoman && language_ != "fr") ||
             !text_.substr(end).starts_with(ending.written) || !EndsToken(last))
             continue;
+        // Many type the sign for degrees.
+        if (const std::string noun = WordBehind(BehindBlank(last));
+            ending.written == "º" && (noun == "C" || noun == "F" || noun.starts_with("grad")))
+            return std::nullopt;
         said_ = PlaceWords(language_, ending.of, number);
         return said_.empty() ? std::nullopt : std::optional(last);
     }

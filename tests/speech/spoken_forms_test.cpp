@@ -78,6 +78,8 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
         {"fr", "le XXe siècle, François Ier, la 1re, Tél. N° 5, 10 k€, 1/4 l, ½ l, Vie, 24h/24",
          "le vingtième siècle, François premier, la première, téléphone numéro 5, 10 mille euros, "
          "un quart de litre, un demi litre, Vie, 24 heures sur 24"},
+        {"en", "on 2024–10–05", "on 2024–10–05"},
+        {"it", "20º C, 2º piano", "20º C, secondo piano"},
         {"es", "la 5ª, 1.er, 1,2 M€, 1/4 kg",
          "la quinta, primer, 1,2 millones de euros, un cuarto "
          "de kilogramo"},
