@@ -1,7 +1,7 @@
 #include "speech/pronunciations.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <ctime>
@@ -150,9 +150,9 @@ TEST(Pronunciations, SurviveTheirFileAndOtherProgramsFiles) {
                                                 {"#1", "number one", "de", false, true},
                                                 {"a(b)", "\\1", "festival:kal", true, true}};
     std::size_t leftOut = 9;
-    const std::string file = FormatPronunciationList({entries});
-    EXPECT_EQ(ParsePronunciations(file).entries, entries);
-    EXPECT_EQ(FormatPronunciationList(ParsePronunciations(file)), file);
+    const std::string written = FormatPronunciationList({entries});
+    EXPECT_EQ(ParsePronunciations(written).entries, entries);
+    EXPECT_EQ(FormatPronunciationList(ParsePronunciations(written)), written);
     // What people wrote beside it, and in other charsets, stays where it is.
     const std::string by = "# family\n \t\nM\xFCller\tmew-ler\n";
     PronunciationList list = ParsePronunciations(by + "one\ntwo\r\n" + std::string(500, 'x'));
