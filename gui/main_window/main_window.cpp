@@ -167,11 +167,10 @@ void LMainWindow::Minimise() {
 void LMainWindow::CmOpen() {
     if (!IsOpen())
         return;
-    // A window that only lies behind others stays where its user has put it since.
-    if (gtk_widget_get_visible(Widget()))
-        StorePlacement();
     gtk_window_deiconify(GTK_WINDOW(Widget()));
-    ApplyPlacement();
+    // One that only lies behind others stays where its user has put it since.
+    if (!gtk_widget_get_visible(Widget()))
+        ApplyPlacement();
     gtk_widget_show_all(Widget());
     gtk_window_present(GTK_WINDOW(Widget()));
 }
