@@ -99,13 +99,12 @@ bool IsAmong(std::string_view words, const std::string& word) {
 }
 
 int RomanValue(std::string_view letters) {
-    constexpr std::string_view kTens[] = {"", "X", "XX", "XXX"};
     constexpr std::string_view kOnes[] = {"",  "I",  "II",  "III",  "IV",
                                           "V", "VI", "VII", "VIII", "IX"};
-    for (int value = 1; value < 40; ++value) {
-        const std::string_view tens = kTens[value / 10];
-        if (letters.starts_with(tens) && letters.substr(tens.size()) == kOnes[value % 10])
-            return value;
-    }
-    return 0;
+    constexpr std::size_t kMostTens = 3;
+    const std::size_t tens = std::min(letters.find_first_not_of('X'), letters.size());
+    const auto* const ones = std::ranges::find(kOnes, letters.substr(tens));
+    return tens > kMostTens || ones == std::end(kOnes)
+               ? 0
+               : static_cast<int>(tens) * 10 + static_cast<int>(ones - std::begin(kOnes));
 }
