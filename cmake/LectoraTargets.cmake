@@ -52,12 +52,9 @@ function(lectora_test name)
                  $<TARGET_FILE:${name}_tests>)
         set_tests_properties(${name} PROPERTIES ${properties})
     else()
-        # The settings stores and the log make their folders before main; tests keep them out of the real ones.
-        file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/test-home" "${CMAKE_BINARY_DIR}/test-root")
+        # Each program makes itself a home and a root (tests/support/own_root.cpp).
         include(GoogleTest)
         gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES ${properties}
-            # Two properties, because a list does not survive the way to CTest.
-            ENVIRONMENT "HOME=${CMAKE_BINARY_DIR}/test-home"
-            ENVIRONMENT_MODIFICATION "LECTORA_ROOT=set:${CMAKE_BINARY_DIR}/test-root")
+            ENVIRONMENT_MODIFICATION "LECTORA_ROOT=unset:")
     endif()
 endfunction()
