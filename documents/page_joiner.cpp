@@ -193,7 +193,7 @@ private:
         if (line.text.empty())
             return;
         const bool wasDivided = last_ != nullptr && HeadingLevel(line) == headingLevel_ &&
-                                (!line.beginsBlock || BeginsSmall(line.text)) &&
+                                (!line.beginsBlock || BeginsSmall(line.text)) && !line.beginsItem &&
                                 JoinDividedWord(line.text);
         if (!wasDivided) {
             const char* const parting = Parting(line, beginsPage);
@@ -257,13 +257,13 @@ private:
         if (IsBullet(last_->text))
             return " ";
         const bool goesOn = !(last_->isRow && line.beginsBlock) && !EndsSentence(document_.text) &&
-                            !IsBullet(line.text) && HoldsLetters(last_->text) &&
+                            !line.beginsItem && !IsBullet(line.text) && HoldsLetters(last_->text) &&
                             (beginsPage ? !g_unichar_isupper(g_utf8_get_char(line.text.c_str()))
                                         : BeginsSmall(line.text) && IsFull(*last_, line));
         if (line.beginsBlock || beginsPage)
             return !goesOn ? "\n\n" : line.height > 0 ? " " : "\n";
-        if (line.isRow || line.height <= 0 || !IsFull(*last_, line) || !HoldsLetters(line.text) ||
-            !HoldsLetters(last_->text))
+        if (line.isRow || line.beginsItem || line.height <= 0 || !IsFull(*last_, line) ||
+            !HoldsLetters(line.text) || !HoldsLetters(last_->text))
             return "\n";
         const bool isIndented = line.left > line.blockLeft + line.height * kIndent;
         return isIndented && EndsSentence(last_->text) ? "\n\n" : " ";

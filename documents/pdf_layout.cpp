@@ -85,6 +85,7 @@ void PdfLayout::ReadLine(std::string_view line) {
         PutInReadingOrder(pages_.back());
         JoinInitials(pages_.back());
         OrderColumns(pages_.back());
+        FindItems(pages_.back());
         JoinRows(pages_.back());
         JoinTables(pages_.back());
     }

@@ -29,6 +29,7 @@ struct PdfLine {
     double blockRight = 0;
     bool beginsBlock = false;  // a block is a paragraph, or the part of one in a column or page
     bool beginsColumn = false;
+    bool beginsItem = false;  // of a list: its text begins with the item's mark or number
     bool isRow = false;     // of a table
     std::vector<Gap> gaps;  // from left to right
 
@@ -78,6 +79,10 @@ void JoinInitials(PdfPage& page);
 
 // Two columns are read one after the other, with what stands across them before or behind.
 void OrderColumns(PdfPage& page);
+
+// Lines that begin with an item's mark or number begin anew, and get the mark that a printer has put
+// into a column of its own.
+void FindItems(PdfPage& page);
 
 // Chapters' numbers and, in contents, pages' numbers, that stand in columns of their own, are put
 // to the lines that they belong to.

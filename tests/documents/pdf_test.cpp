@@ -213,6 +213,35 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
     EXPECT_THAT(TextOfBlocks(columns), HasSubstr("words\nwords"));
 }
 
+TEST(Pdf, ItemsBeginLinesWithTheirMarksWhereverThesePrint) {
+    const auto line = [](double at, double left, const char* text, double right = 499) {
+        return "<word xMin=\"" + std::to_string(left) + "\" yMin=\"" + std::to_string(at) +
+               "\" xMax=\"" + std::to_string(right) + "\" yMax=\"" + std::to_string(at + 10) +
+               "\">" + text + "</word>\n";
+    };
+    // Marks in a column of their own, one of them a sign that only its font knows.
+    EXPECT_EQ(TextOfBlocks({{line(101, 90, "\u2022", 93)},
+                            {line(121, 90, "\uF0B7", 93)},
+                            {line(100, 108, "full line"), line(110, 108, "goes on", 200),
+                             line(120, 108, "full line")}}),
+              "\u2022 full line goes on\n\u2022 full line\n");
+    // Numbers in the block: those that count, and one that stands out before its room.
+    EXPECT_EQ(TextOfBlocks({{line(100, 50, "in"), line(110, 50, "4. Four"),
+                             line(120, 50, "5. Five"), line(130, 50, "of")}}),
+              "in\n4. Four\n5. Five of\n");
+    EXPECT_EQ(TextOfBlocks({{line(100, 70, "in"), line(110, 50, "9.", 60) + line(110, 70, "Nine"),
+                             line(120, 70, "of")}}),
+              "in\n9. Nine of\n");
+    // A sentence may end in a number; a dash alone is an empty cell.
+    EXPECT_EQ(TextOfBlocks({{line(100, 50, "in"), line(110, 50, "1984. Then")}}),
+              "in 1984. Then\n");
+    EXPECT_EQ(
+        TextOfBlocks({{line(100, 50, "in"), line(110, 50, "8.", 60) + line(110, 70, "Then")}}),
+        "in 8. Then\n");
+    EXPECT_THAT(TextOfBlocks({{line(100, 50, "-", 53)}, {line(100, 60, "cell")}}),
+                Not(HasSubstr("- cell")));
+}
+
 TEST(Pdf, HostilePagesTakeNoLongerThanTheyAreLong) {
     const std::clock_t begin = std::clock();
     std::string divided;
@@ -227,6 +256,7 @@ TEST(Pdf, HostilePagesTakeNoLongerThanTheyAreLong) {
     for (int line = 0; line < 20000; ++line) {
         row.push_back({WordAt(600, 50, 10, "Word")});
         row.push_back({WordAt(590, 50, 10, "1")});
+        row.push_back({WordAt(590, 50, 10, "\u2022")});
     }
     EXPECT_GT(TextOfBlocks(row).size(), 100000U);
     EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC);
