@@ -67,14 +67,6 @@ bool IsHiddenByStyle(const MarkupAttributes& attributes) {
            attributes.Value("class").find("math") == std::string_view::npos;
 }
 
-// A file's name tells nothing of the picture.
-bool IsFileName(std::string_view description) {
-    for (const std::string_view ending : {".jpg", ".jpeg", ".png", ".gif", ".svg", ".webp"})
-        if (description.ends_with(ending) && description.find(' ') == std::string_view::npos)
-            return true;
-    return false;
-}
-
 }  // namespace
 
 bool PageListener::IsLeftOut(std::string_view name, const MarkupAttributes& attributes) const {
@@ -132,7 +124,7 @@ void PageListener::BeginWords(std::string_view name, const MarkupAttributes& att
     if (name == "br") {
         flow_.EndLine();
     } else if (name == "img" || (name == "input" && attributes.Value("type") == "image")) {
-        if (!IsFileName(attributes.Value("alt")) && raisedDepth_ == 0)
+        if (raisedDepth_ == 0)
             flow_.AddPicture(attributes.Value("alt"));
     } else if (name == "q") {
         flow_.Add("“");
@@ -146,6 +138,9 @@ void PageListener::BeginWords(std::string_view name, const MarkupAttributes& att
     } else if (name == "a" && (attributes.Value("href").find('#') != std::string_view::npos ||
                                IsNoteLink(attributes))) {
         element.isReference = true;
+        // A note's own number, which styles set apart from its text.
+        element.endsNumber = attributes.HasWord("class", "sdfootnotesym") ||
+                             attributes.HasWord("class", "sdendnotesym");
         ++references_;
         raisedHasReference_ = raisedHasReference_ || raisedDepth_ > 0;
     }
@@ -244,6 +239,8 @@ void PageListener::EvElementEnd(std::string_view) {
         EndRaised();
     if (element.isReference)
         --references_;
+    if (element.endsNumber)
+        flow_.AddBlank();
     preformatted_ -= element.isPreformatted ? 1 : 0;
     if (element.isCode && --code_ == 0)
         flow_.SetCode(false);

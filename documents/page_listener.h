@@ -31,6 +31,7 @@ private:
         bool isCode = false;
         bool isRaised = false;
         bool isReference = false;  // a link within pages
+        bool endsNumber = false;   // of a note, before its text
         bool isHeading = false;
         bool isFormulaPart = false;
         bool endsQuote = false;

@@ -45,6 +45,16 @@ bool IsReference(std::string_view mark) {
     return AreNumbersOfNotes(mark);
 }
 
+// What programs put in where nobody has described the picture.
+bool IsFileName(std::string_view description) {
+    if (description.starts_with("fig: "))
+        description.remove_prefix(5);
+    for (const std::string_view ending : {".jpg", ".jpeg", ".png", ".gif", ".svg", ".webp"})
+        if (description.ends_with(ending) && description.find(' ') == std::string_view::npos)
+            return true;
+    return false;
+}
+
 }  // namespace
 
 void TextFlow::Add(std::string_view text) {
@@ -89,7 +99,8 @@ void TextFlow::AddRaised(std::string_view text) {
 }
 
 void TextFlow::AddPicture(std::string_view description) {
-    if (description.find_first_not_of(kWhiteSpace) == std::string_view::npos)
+    if (description.find_first_not_of(kWhiteSpace) == std::string_view::npos ||
+        IsFileName(description))
         return;
     // A sign that is shown as a picture.
     if (description.size() <= 8 && std::none_of(description.begin(), description.end(), [](char c) {
@@ -97,9 +108,30 @@ void TextFlow::AddPicture(std::string_view description) {
         }))
         return Add(description);
     AddBlank();
-    Add("Picture: ");
-    Add(description);
+    Add("Picture:");
+    pictureBegin_ = text_.size() + 1;
     AddBlank();
+    Add(description);
+    pictureEnd_ = text_.size();
+    AddBlank();
+}
+
+void TextFlow::DropRepeatedCaption() {
+    const std::size_t caption = text_.find_first_not_of(" \n", pictureEnd_);
+    if (pictureBegin_ >= pictureEnd_ || caption == std::string::npos)
+        return;
+    const std::string_view description =
+        std::string_view(text_).substr(pictureBegin_, pictureEnd_ - pictureBegin_);
+    const auto endsBefore = [caption](const auto& list) {
+        return list.empty() || list.back().begin < caption;
+    };
+    const bool nothingBegins = endsBefore(structure_.chapters) &&
+                               endsBefore(structure_.languages) &&
+                               endsBefore(structure_.headings) && !heading_ &&
+                               (structure_.pages.empty() || structure_.pages.back() < caption);
+    if (nothingBegins && std::string_view(text_).substr(caption) == description)
+        text_.resize(pictureEnd_);
+    pictureBegin_ = pictureEnd_ = 0;
 }
 
 void TextFlow::AddListMark(std::string_view mark) {
@@ -167,9 +199,14 @@ bool TextFlow::IsTooLong() const {
     return text_.size() > kLargestDocumentText;
 }
 
+std::string TextFlow::Take() {
+    DropRepeatedCaption();
+    return std::move(text_);
+}
+
 Document TextFlow::TakeDocument() {
     EndHeading();
-    structure_.text = std::move(text_);
+    structure_.text = Take();
     return std::move(structure_);
 }
 
@@ -190,6 +227,8 @@ void TextFlow::AddWord(std::string_view word) {
 }
 
 void TextFlow::PartFromLast() {
+    if (lineEnds_ > 0)
+        DropRepeatedCaption();
     if (text_.empty()) {
         // Nothing to part it from.
     } else if (lineEnds_ > 0) {

@@ -20,6 +20,7 @@ public:
     void AddLines(std::string_view text);
     // Digits above the line become such of their own, so that a power is told from a number.
     void AddRaised(std::string_view text);
+    // Says what a picture shows; a caption behind it that only repeats that is not said again.
     void AddPicture(std::string_view description);
     void AddBlank() { blank_ = true; }
     // A list's number, which stands before the next word in a new paragraph.
@@ -45,7 +46,7 @@ public:
     bool IsTooLong() const;
     std::size_t Size() const { return text_.size(); }
     std::string_view Text() const { return text_; }
-    std::string Take() { return std::move(text_); }
+    std::string Take();
     // The text with what was remembered; nothing else of the document is filled in.
     Document TakeDocument();
 
@@ -53,6 +54,7 @@ private:
     void AddWord(std::string_view word);
     void PartFromLast();
     void NoteWhatBegins();
+    void DropRepeatedCaption();
     void DropReferenceMarks();
     bool DropReferenceMark();
 
@@ -63,6 +65,9 @@ private:
     std::string listMark_;
     int lineEnds_ = 0;
     bool cellEnded_ = false;
+    // Of the last picture's description, while what follows it may be the same; equal: none.
+    std::size_t pictureBegin_ = 0;
+    std::size_t pictureEnd_ = 0;
     bool isCode_ = false;
     std::size_t codeEnd_ = 0;  // where the last code ended
     bool isPageBegun_ = false;

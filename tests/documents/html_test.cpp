@@ -40,6 +40,11 @@ TEST(Html, NoMarkupSwallowsTheTextBehindIt) {
          "a b Picture: x & y"},
         {"<html><body>figure.<img alt='Figure one'>b <img alt='😀'><img alt='a.png'>",
          "figure. Picture: Figure one b 😀"},
+        {"<html><body><img alt='A  cat'><p>A cat</p><p>A cat</p><img alt='Dogs'><p>Dogs run</p>"
+         "<img alt='b'><h2>b</h2><img alt='fig: c.png'><figure><img alt='d'>d</figure>",
+         "Picture: A cat\n\nA cat\n\nPicture: Dogs\n\nDogs run\n\nPicture: b\n\nb\n\n"
+         "Picture: d"},
+        {"<html><body><p><a class=sdfootnotesym href='#a'>1</a>The note", "1 The note"},
         {"<html><body>a<div style='display: none'>no</div>b<a href='x=", "a\n\nb"},
     };
     for (const auto& item : cases)
