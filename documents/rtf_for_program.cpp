@@ -19,6 +19,8 @@ constexpr std::size_t kAskedAfter = 65536;  // bytes
 constexpr std::pair<std::string_view, std::string_view> kGroups[] = {
     {"{\\deleted", "{\\*\\deleted"},
     {"{\\*\\fldinst", "{\\*\\linkplace"},
+    // A link's words, marked as if whoever does not know links could do without.
+    {"{\\*\\fldrslt", "{\\fldrslt"},
     {"{\\v ", "{\\*\\vhidden "},
     {"{\\v\\", "{\\*\\vhidden\\"},
     {"{\\footnote", ""},
@@ -116,8 +118,10 @@ private:
     }
 
     void PassStandIns() {
-        for (int i = 0; i < standIns_.back() && !rest_.empty(); ++i) {
-            if (rest_[0] == '{' || rest_[0] == '}')
+        for (int i = 0; i < standIns_.back(); ++i) {
+            // Line ends of the file are none of the text.
+            rest_.remove_prefix(std::min(rest_.find_first_not_of("\r\n"), rest_.size()));
+            if (rest_.empty() || rest_[0] == '{' || rest_[0] == '}')
                 return;
             std::size_t number = 0;
             const bool isWord = rest_[0] == '\\';

@@ -42,15 +42,16 @@ TEST(Programs, RtfIsReadWithWhatItShowsAlone) {
         "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0 Times;}}{\\info{\\title The Title}}\\f0 "
         "Caf\\'e9 and \\u8212- \\ldblquote so\\rdblquote .\\par It{\\deleted gone} has{\\v hid} a "
         "word{\\footnote A note.}.\\par "
-        "{\\field{\\*\\fldinst{HYPERLINK \"#a\"}}{\\fldrslt{A link}}}\\par}";
+        "{\\field{\\*\\fldinst{HYPERLINK \"#a\"}}{\\fldrslt{A}}} "
+        "{\\field{\\*\\fldinst{HYPERLINK \"#b\"}}{\\*\\fldrslt{link}}}\\par}";
     const Document whole = ReadDocument(rtf);
     // Letters by their numbers, with what stands for them in old readers.
-    EXPECT_EQ(
-        ReadDocument("{\\rtf1\\ansi\\ansicpg1252\\pard So: \\u8220\"Gr\\u246?\\u223?e\\u8221\" "
-                     "\\uc0\\u1087 \\u1088\\u1080  {\\uc2\\u233\\'c3\\'a9t\\u233 ??} "
-                     "\\u-10179\\u-8704  end.{\\*\\footnote A {\\b note}.}\\par}")
-            .text,
-        "So: “Größe” при été 😀 end. (Note:) A note.");
+    EXPECT_EQ(ReadDocument(
+                  "{\\rtf1\\ansi\\ansicpg1252\\pard So: \\u8220\r\n\"Gr\\u246?\\u223\n?e\\u8221\" "
+                  "\\uc0\\u1087 \\u1088\\u1080  {\\uc2\\u233\\'c3\\'a9t\\u233 ??} "
+                  "\\u-10179\\u-8704  end.{\\*\\footnote A {\\b note}.}\\par}")
+                  .text,
+              "So: “Größe” при été 😀 end. (Note:) A note.");
     EXPECT_EQ(whole.title, "The Title");
     EXPECT_THAT(whole.text, testing::StartsWith("Café and — “so”.\nIt has a word"));
     EXPECT_THAT(whole.text, HasSubstr("(Note:) A note"));
