@@ -21,7 +21,7 @@ constexpr std::string_view kIjekavian =
 constexpr std::string_view kSerbian =
     " šta | neko | niko |fajl|podrazum|interfej|tačk|tačn|opšt|sistem|računar|korišće|hiljad|"
     "muzik|fudbal|univerz|januar|februar|avgust|septemb|oktob|novemb|decemb|tisat|nisat|lisat|"
-    "kisat|risat| da li |saobrać";
+    "kisat| da li |saobrać";
 // What Slovenia says otherwise than they all.
 constexpr std::string_view kSouthSlavic = "ć|đ| su | u | i | nije | kao | ili |og ";
 
@@ -29,24 +29,26 @@ constexpr Tellers kTellers[] = {
     {"da",
      {" af |tion|hed |heden|ede |efter| ud| op |øj|ej| at |æ|øg|igt |uden|brug|sprog|mellem|hvad |"
       "nogen|noget|meget| mig | dig | blev | blive| have |erne |øb|dsk|inde|kend|find|uge |ade |"
-      "dt |f "}},
+      "dt |f |ærk|æn|giv|lad|ræk"}},
     {"nb",
      {" av |sjon|het |heten|etter| ut|pp |øy|ei| å |les |noe|lig |uten|bruk|nn |mellom| hva |"
-      " mye | meg | deg |ll |tt |gj|kj|ss |ene |kk |øk|finne|sj|rte | bare |ett "}},
-    {"sv", {"ä|ö| och | att | inte | är |ning|a |ett |ck|mn|ch|x|bort"}},
+      " mye | meg | deg |ll |tt |gj|kj|ss |ene |kk |øk|finne|sj|rte | bare |ett "
+      "|erk|endr|inn|king|ytt|utt| ble |fei"}},
+    {"sv", {"ä|ö| och | att | inte | är |a |ar |ett |ck|mn|ch|x|bort"}},
     {"es",
      {" y | los | las | el | del |pue|fue|mue|nue|uev|tie|mie|vie|ier|nea |jo |ja |aje|ede |dad |"
-      "iones |sin |udo|cha |cho|ales |uestr|hac| una |illo |illa |uelt|ieron |ñ|ón "}},
+      "iones |sin |udo|cha |cho|ales |uestr|hac| una |illo |illa |uelt|ieron |ñ|ón | un "
+      "|ción|ien|chiv|os |do |to "}},
     {"gl",
      {" non |unha|óns |ións |bel | x|xect|xe |iñ|oñ|áis|ous|ou |ei |duci|use |nx|rx|axe|áxi|xer|"
       "xir|xen| dun| nun|eiro|eira|dade | moi | hai |oxe|uxi| ten | cun|ñ|ón | o | os | ao | co |"
-      " coa | cos "}},
+      " coa | cos | un |ción|os |do |to "}},
     {"pt",
      {"ã|õ| um|em |vel|lh|nh|ê|ç|ss|zi|m | não | com | muit|aco|ô|qua|â|eve|eiro|eira|ou |ei |"
-      "dade | o | os | ao |gem |ns "}},
+      "dade | o | os | ao |gem |ns |os |do |to "}},
     {"ca",
      {"t |'|à|ls |ció |sió |xer|txe|eix|itx|è| les | els | amb | per |ix |tz|tge|·l|cions|ny|ons |"
-      "tat|rs |ll |ï| i |cs | hi |ment |ò|st | el | del "}},
+      "tat|rs |ll |ï| i |cs | hi |ment |ò|st | el | del | un "}},
     {"nl", {"ij|z|tie|sch|een |ren |nen |den |ten |ken |len |ven |cht|c"}},
     {"af", {"nie |sk|gs |die |'n |’n |y|ê|ô|kon|sie |sies |ir |ië|lik|oor |ing "}},
     {"bg", {"ъ| се |ият |й|я|щ|ю"}},
@@ -54,18 +56,19 @@ constexpr Tellers kTellers[] = {
     {"uk", {"і|ї|є|ґ|й|я|щ|ю"}},
     {"be", {"ў|і|ы|э|ё|й|я|ю"}},
     {"sr",
-     {"ј|љ|њ|ђ|ћ|џ| gde | vreme|reč|mesto|mest|išete| da vid|uopšte|izvešt|nedelj|sledeć|posled|"
+     {"ј|љ|њ|ђ|ћ|џ|gde | vreme | reči |rečnik|mesto|išete| da "
+      "vid|uopšte|izvešt|nedelj|sledeć|posled|"
       " uvek | pre | posle |svet| lep| deo |uspe|odoz",
       kSerbian, kSouthSlavic}},
     {"hr",
      {"irat|sučelj|točk|točn|opć|sustav|računal|korište|pogrešk|izvješ|posluži|tisuć|europ|vrijed|"
       " što |tijek| rabi|redak|redk|tvrtk|glazb|sveučil| tko | netko | nitko |siječ|ožuj|kolov|"
-      "listop|prosin|zrak|naziv|redb|valja",
+      "listop|prosin|zrak|naziv|redb|valja|zadan|dopušt|oguć|treba|iji |izvan|ijet|tipk",
       kIjekavian, kSouthSlavic}},
     {"bs", {kSerbian, kIjekavian, kSouthSlavic}},
     {"sl",
      {" ni |ega |če |tev | v |dp|zp|vz|vs| z | in |šč|goč|loč|lahko|napa| ki |ev |čas|emu |jo |"
-      "več| ob | kot | bo | ter |ljen|mesto|sistem|vredno| ne |ost "}},
+      "več| ob | kot | bo | ter |mesto|sistem|vredno|ej|naj| ali |žn|vrstic|okn|štev|rj"}},
 };
 
 struct Letters {

@@ -41,6 +41,8 @@ constexpr std::array<std::string_view, 2> kSpokenAlike[] = {
 constexpr double kEnoughWords = 1.5;
 constexpr double kEnoughToAgree = 0.8;
 constexpr double kContradicts = 1.9;
+constexpr double kShowsEnglish = 0.6;
+constexpr double kWeakScore = 850;  // of CLD2; English has mostly above 1,000
 constexpr double kManyWords = 2;
 constexpr double kLead = 0.7;
 constexpr double kSeenFirst = 0.01;
@@ -162,7 +164,8 @@ std::string ShownAlone(const std::vector<ShownByWords>& shared, std::string_view
 
 struct Guess {
     std::string tag;
-    int bytes = 0;  // letters', of what was looked at
+    int bytes = 0;     // letters', of what was looked at
+    double score = 0;  // the more often its letters stand together so in the language
     bool isGood = false;
 };
 
@@ -177,6 +180,7 @@ Guess GuessOf(std::string_view text) {
         text.data(), static_cast<int>(text.size()), true, &hints, 0, languages, percents, scores,
         nullptr, &guess.bytes, &isReliable);
     guess.tag = LanguageOnly(CLD2::LanguageCode(language));
+    guess.score = scores[0];
     // What is much alike is shared out among several.
     int percent = percents[0];
     for (const int i : {1, 2})
@@ -221,8 +225,11 @@ TextLanguage LanguageOf(std::string_view text) {
     const std::vector<ShownByWords> shared = SharedWithAlike(shown);
     const double others = SumOfOthers(shared, guess.tag);
     const double own = SumOfAlike(shown, guess.tag);
-    const bool isContradicted = (own == 0 && others >= kContradicts && IsKnownByWords(guess.tag)) ||
-                                (isEnough && LacksItsLetters(text, guess.tag));
+    const bool isContradicted =
+        (own == 0 && others >= kContradicts && IsKnownByWords(guess.tag)) ||
+        // CLD2 takes short texts whose words it does not know for English.
+        (guess.tag == "en" && guess.score < kWeakScore && own < kShowsEnglish && others > own) ||
+        ((isEnough || own < others) && LacksItsLetters(text, guess.tag));
     const bool isKnown = guess.isGood && !isContradicted;
     const bool agrees = isKnown && isEnough && own >= others;
     if (isKnown && isEnough && MuchAlike(guess.tag).empty()) {

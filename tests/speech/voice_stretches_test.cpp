@@ -130,6 +130,34 @@ TEST(VoiceStretches, GiveWhatMightBeSeveralLanguagesToOneThatHasAVoice) {
     WithVoices([&] { EXPECT_EQ(Spoken(sentence), "|da"); }, {"en-US", "da"});
 }
 
+TEST(VoiceStretches, TellShortSentencesOfRelativesFromEnglishAndEachOther) {
+    WithVoices(
+        [] {
+            for (const auto& [tag, text] : {
+                     std::pair("es",
+                               "No hay bases de datos para revisar. Mover la ventana a la "
+                               "esquina inferior izquierda."),
+                     std::pair("es",
+                               "Mostrar el archivo siendo aplicado o fusionado. Formato de "
+                               "máquina para los nuevos."),
+                     std::pair("gl",
+                               "Mostrar a data da semana no calendario. Mover a xanela á "
+                               "esquina inferior esquerda."),
+                     std::pair("hr",
+                               "Ne dopusti aplikacijama pristup kameri. Savjeti ponašanja "
+                               "polja teksta."),
+                     std::pair("hr", "Vremenska oznaka je izvan dopuštenoga raspona."),
+                     std::pair("nb",
+                               "Autentisering kreves for å hente attributter. Volumet var "
+                               "tomt eller inneholdt bare tegn."),
+                 })
+                EXPECT_EQ(Spoken(text), std::string("|") + tag) << text;
+            // A heading without small words stays English.
+            EXPECT_EQ(Spoken("Automatic Pronunciation Correction Settings"), "|en-US");
+        },
+        {"en-US", "es", "gl", "pt", "ca", "hr", "sr", "sl", "da", "nb", "sv"});
+}
+
 // Of what engines are handed stands each word in "spoken", of each run a byte in "runs".
 class WritingEngines : public FakeEngine {
 public:
