@@ -22,7 +22,8 @@ struct LanguageForms {
     std::string_view date;                    // "{d} {m} {y}"
     std::array<std::string_view, 12> months;  // as in a date
     std::string_view plus;                    // of a phone number
-    std::string_view beforeMan;               // before an ordinal behind a name: "the ", "der "
+    std::string_view minus;
+    std::string_view beforeMan;  // before an ordinal behind a name: "the ", "der "
     std::string_view beforeWoman;
     std::string_view ofTheDay;   // articles before a date
     std::string_view ofThatDay;  // words before a date that change it, a blank around each

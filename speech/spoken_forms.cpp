@@ -15,6 +15,7 @@ namespace {
 constexpr std::size_t kLongestAmount = 30;  // bytes
 constexpr std::size_t kLongestWord = 60;
 constexpr std::size_t kLongestCharacter = 4;
+constexpr std::string_view kMinus = "\xe2\x88\x92";
 constexpr std::string_view kHardBlanks[] = {"\xc2\xa0", "\xe2\x80\xaf"};
 
 bool IsDigit(char byte) {
@@ -84,7 +85,26 @@ std::optional<std::size_t> SpokenForms::FormAt(std::size_t at) {
             return end;
     if (!BeginsToken(at))
         return std::nullopt;
+    if (const auto end = Negative(at))
+        return end;
     return IsDigit(byte) || byte == '+' ? NumberAt(at) : WordAt(at);
+}
+
+// "-5 °C", not "3 -5" and not "a-5".
+std::optional<std::size_t> SpokenForms::Negative(std::size_t at) {
+    const std::size_t number = at + (text_.substr(at).starts_with(kMinus) ? kMinus.size()
+                                     : text_[at] == '-'                   ? 1
+                                                                          : 0);
+    const bool isBehindGap =
+        at == 0 || std::string_view(" \n\t(").find(text_[at - 1]) != std::string_view::npos;
+    const bool isBehindNumber = at > 1 && IsDigit(text_[at - 2]) && text_[at - 1] == ' ';
+    Amount amount;
+    if (number == at || !isBehindGap || isBehindNumber || !ReadAmount(number, amount))
+        return std::nullopt;
+    const auto end = NumberAt(number);
+    const std::string said = end ? said_ : std::string(text_.substr(number, amount.end - number));
+    said_ = std::string(forms_->minus) + " " + said;
+    return end ? end : amount.end;
 }
 
 std::optional<std::size_t> SpokenForms::NumberAt(std::size_t at) {
@@ -209,6 +229,12 @@ std::string SpokenForms::DayWords(int day, std::size_t at) const {
     return std::to_string(day);
 }
 
+// Whether "am" or the like stands before.
+bool SpokenForms::IsOnThatDay(std::size_t at) const {
+    const OwnedText small(g_utf8_strdown(WordBefore(at).c_str(), -1));
+    return IsAmong(forms_->ofThatDay, small.get());
+}
+
 // "25.12.2026", "12/25/2026", "2026-12-25".
 std::optional<std::size_t> SpokenForms::Date(std::size_t at) {
     std::size_t end = at;
@@ -224,6 +250,9 @@ std::optional<std::size_t> SpokenForms::Date(std::size_t at) {
         if (end >= text_.size() || (i == 1 && text_[end] != mark))
             return std::nullopt;
         mark = text_[end++];
+        // "25. 12. 2026"
+        if (mark == '.' && forms_->hasDottedDays)
+            end = BehindBlank(end);
     }
     const bool isIso = mark == '-' && sizes[0] == 4 && sizes[1] == 2 && sizes[2] == 2;
     const bool isUsual =
@@ -257,6 +286,15 @@ std::optional<std::size_t> SpokenForms::DottedDay(std::size_t at) {
             return std::nullopt;
         ++end;
     }
+    // "Am 24.12." leaves out its year.
+    std::size_t second = end;
+    const int number = forms_->hasDottedDays ? ReadDigits(second, 2) : -1;
+    if (number >= 1 && number <= 12 && CharacterAt(second) == '.' &&
+        !IsLetterOrDigit(CharacterAt(second + 1)) && IsOnThatDay(at)) {
+        said_ = DayWords(day, at) + " " +
+                std::string(forms_->months[static_cast<std::size_t>(number - 1)]);
+        return second + 1;
+    }
     const std::size_t month = BehindBlank(end);
     if (month == end ||
         (!IsMonth(WordBehind(month)) && !IsAmong(forms_->orderedNouns, WordBehind(month))))
@@ -265,32 +303,47 @@ std::optional<std::size_t> SpokenForms::DottedDay(std::size_t at) {
     return end;
 }
 
-// "17:45 Uhr", of which the engines say the hour twice, and "17h45".
+// "17:45 Uhr", of which the engines say the hour twice, "17h45", "ore 17.30", "17.30 hod.".
 std::optional<std::size_t> SpokenForms::Clock(std::size_t at) {
-    constexpr std::string_view kUhr = "Uhr";
+    static constexpr struct {
+        std::string_view language;
+        std::string_view marks;
+        std::string_view before;                // words, a blank around each; empty: none is asked
+        std::string_view behind;                // the minutes; empty: the same
+        std::array<std::string_view, 3> hours;  // of one, of two to four, of many
+    } kClocks[] = {{"de", ":.", "", "Uhr", {" Uhr", " Uhr", " Uhr"}},
+                   {"fr", "h", "", "", {" heure", " heures", " heures"}},
+                   {"it", ".", " ore alle dalle ", "", {" e", " e", " e"}},
+                   {"cs", ":.", "", "hod.", {" hodina", " hodiny", " hodin"}}};
+    const auto* const clock = std::ranges::find_if(
+        kClocks, [this](const auto& each) { return each.language == language_; });
     std::size_t end = at;
     const int hour = ReadDigits(end, 2);
-    const bool isGerman = language_ == "de";
-    if (hour < 0 || hour > 24 || (!isGerman && language_ != "fr") || end >= text_.size() ||
-        !(isGerman ? text_[end] == ':' || text_[end] == '.' : text_[end] == 'h'))
+    if (clock == std::end(kClocks) || hour < 0 || hour > 24 || end >= text_.size() ||
+        clock->marks.find(text_[end]) == std::string_view::npos)
         return std::nullopt;
+    const bool isColon = text_[end] == ':';
     const std::size_t begin = ++end;
     const int minute = ReadDigits(end, 2);
     if (minute < 0 || minute > 59 || end - begin != 2)
         return std::nullopt;
-    if (isGerman) {
-        end = BehindBlank(end);
-        if (!text_.substr(end).starts_with(kUhr))
+    const OwnedText before(g_utf8_strdown(WordBefore(at).c_str(), -1));
+    if (!clock->before.empty() && !IsAmong(clock->before, before.get()))
+        return std::nullopt;
+    if (!clock->behind.empty()) {
+        const std::size_t unit = BehindBlank(end);
+        // "9:00 bis 17:30 Uhr"
+        const bool isFirst = isColon && language_ == "de" && WordBehind(unit) == "bis";
+        if (!isFirst && !text_.substr(unit).starts_with(clock->behind))
             return std::nullopt;
-        end += kUhr.size();
+        end = isFirst ? end : unit + clock->behind.size();
     }
     if (!EndsToken(end))
         return std::nullopt;
-    said_ = std::to_string(hour) +
-            (isGerman   ? " Uhr"
-             : hour < 2 ? " heure"
-                        : " heures") +
-            (minute == 0 ? "" : " " + std::to_string(minute));
+    said_ = std::to_string(hour);
+    if (minute != 0 || language_ != "it")
+        said_ += clock->hours[hour < 2 ? 0 : hour < 5 ? 1 : 2];
+    said_ += minute == 0 ? "" : " " + std::to_string(minute);
     return end;
 }
 

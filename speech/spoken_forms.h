@@ -45,6 +45,7 @@ private:
     std::optional<std::size_t> FormAt(std::size_t at);  // its end; its words are in said_
     std::optional<std::size_t> NumberAt(std::size_t at);
     std::optional<std::size_t> WordAt(std::size_t at);
+    std::optional<std::size_t> Negative(std::size_t at);
     std::optional<std::size_t> Date(std::size_t at);
     std::optional<std::size_t> DottedDay(std::size_t at);
     std::optional<std::size_t> Fraction(std::size_t at);
@@ -81,6 +82,8 @@ private:
     std::string WordBefore(std::size_t at) const;
     std::string WordBehind(std::size_t at) const;
     std::string DayWords(int day, std::size_t at) const;
+    bool IsOnThatDay(std::size_t at) const;
+    bool GoesOnBehind(std::size_t at) const;
 
     std::string_view text_;
     std::string language_;  // without region

@@ -43,6 +43,18 @@ std::string EnglishScaled(std::string_view currency, const std::string& number,
     return number + std::string(scale) + many.substr(std::min(many.find(' '), many.size()));
 }
 
+// "Tél." of the form "tél."
+bool BeginsAsSentence(std::string_view text, std::string_view written) {
+    const gunichar first = g_utf8_get_char(written.data());
+    const auto size = static_cast<std::size_t>(g_unichar_to_utf8(first, nullptr));
+    std::array<char, 6> capital{};
+    const auto sizeOfCapital =
+        static_cast<std::size_t>(g_unichar_to_utf8(g_unichar_toupper(first), capital.data()));
+    return g_unichar_islower(first) != FALSE &&
+           text.starts_with(std::string_view(capital.data(), sizeOfCapital)) &&
+           text.substr(sizeOfCapital).starts_with(written.substr(size));
+}
+
 bool IsModifier(gunichar character) {
     return character == kPictureStyle || (character >= 0x1F3FB && character <= 0x1F3FF);
 }
@@ -105,9 +117,12 @@ std::optional<std::size_t> SpokenForms::Abbreviation(std::size_t at) {
         const bool isConditional = form.written.ends_with(" #") || form.written.ends_with(" A");
         const std::string_view written =
             form.written.substr(0, form.written.size() - (isConditional ? 2 : 0));
-        if (!rest.starts_with(written))
+        const bool isCapitalised = BeginsAsSentence(rest, written);
+        if (!isCapitalised && !rest.starts_with(written))
             continue;
         const std::size_t end = at + written.size();
+        if (isCapitalised && !isConditional && !GoesOnBehind(end))
+            continue;
         if (isConditional) {
             const std::size_t next = BehindBlank(end);
             const bool asksForNumber = form.written.back() == '#';
@@ -123,10 +138,21 @@ std::optional<std::size_t> SpokenForms::Abbreviation(std::size_t at) {
         const std::size_t next = BehindBlank(end);
         const bool endsSentence =
             kListEnds.find(" " + std::string(written) + " ") != std::string_view::npos &&
-            next > end && g_unichar_isupper(CharacterAt(next)) != FALSE;
+            (next >= text_.size() || text_[next] == '\n' ||
+             (next > end && g_unichar_isupper(CharacterAt(next)) != FALSE));
         return endsSentence ? end - 1 : end;
     }
     return std::nullopt;
+}
+
+// Whether what stands behind shows that the stop before it ends no sentence.
+bool SpokenForms::GoesOnBehind(std::size_t at) const {
+    const std::size_t next = BehindBlank(at);
+    const gunichar character = CharacterAt(next);
+    return text_.substr(at).starts_with(":") || text_.substr(at).starts_with(",") ||
+           (next > at &&
+            (g_unichar_islower(character) != FALSE || g_unichar_isdigit(character) != FALSE ||
+             character == '+' || character == '('));
 }
 
 // "joe@example.com".

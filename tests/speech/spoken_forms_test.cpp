@@ -66,6 +66,15 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "евро"},
         {"cs", "1. května, Karel IV. byl, 250 Kč, např. č. 5",
          "prvního května, Karel čtvrtý byl, 250 korun, například číslo 5"},
+        {"en", "It was -5 °C, (−5), 3 -5, a-5, and so on, etc.",
+         "It was minus 5 degrees Celsius, (minus 5), 3 -5, a-5, and so on, et cetera."},
+        {"de", "Am 25. 12. 2026, am 24.12. zu, die 24.12. und, 9:00 bis 17:30 Uhr",
+         "Am fünfundzwanzigsten Dezember 2026, am vierundzwanzigsten Dezember zu, die 24.12. und, "
+         "9 "
+         "Uhr bis 17 Uhr 30"},
+        {"it", "alle 17.30, ore 9.00, capitolo 17.30", "alle 17 e 30, ore 9, capitolo 17.30"},
+        {"cs", "Např. v 17.30 hod. a ve 3:05 hod., kapitola 17.30",
+         "například v 17 hodin 30 a ve 3 hodiny 5, kapitola 17.30"},
         {"en", "$5M, 5–10 km, 1½ cups, about 20 min. later, won 3:2, John 3:5, on Sept. 11",
          "5 million dollars, 5 to 10 kilometers, 1 and a half cups, about 20 minutes later, won 3 "
          "to 2, John 3:5, on September 11"},
