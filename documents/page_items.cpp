@@ -49,18 +49,18 @@ std::optional<Mark> MarkOf(std::string_view line) {
 }
 
 // "3.", "(b)", "[12]": what one line begins with, and the next one goes on with.
-struct Number {
+struct ItemNumber {
     std::string style;  // the signs around it, and whether it is a letter
     int value = 0;
     std::size_t bytes = 0;
 };
 
-std::optional<Number> NumberOf(std::string_view line) {
+std::optional<ItemNumber> ItemNumberOf(std::string_view line) {
     const std::size_t end = line.find(' ');
     if (end == std::string_view::npos || end > kMostDigits + 2)
         return std::nullopt;
     std::string_view inner = line.substr(0, end);
-    Number number;
+    ItemNumber number;
     number.bytes = end;
     if (inner.starts_with('(') || inner.starts_with('[')) {
         number.style += inner.front();
@@ -178,7 +178,7 @@ private:
         const PdfLine* above = nullptr;
         for (PdfLine& line : page_) {
             const PdfLine* const formerly = std::exchange(above, &line);
-            const auto number = line.height > 0 ? NumberOf(line.text) : std::nullopt;
+            const auto number = line.height > 0 ? ItemNumberOf(line.text) : std::nullopt;
             if (!number)
                 continue;
             const bool standsOut = formerly == nullptr || line.beginsBlock ||
