@@ -18,10 +18,15 @@ constexpr double kMostOfLetters = 0.65;  // of a column's, where its long lines 
 constexpr double kMostCrossing = 0.34;
 // Of how many lines beside the gutter one narrow line across it makes these a column in the middle.
 constexpr std::size_t kLeastBetween = 8;
+constexpr double kGutter = 0.6;         // of the letters' height, at least
 constexpr double kSmallLetters = 0.93;  // of the letters' usual height: those of notes
 
 double BottomOf(const PdfLine& line) {
     return line.top + line.height;
+}
+
+bool MayBeGutter(const PdfLine& line, const PdfLine::Gap& gap) {
+    return gap.right - gap.left > line.height * kGutter;
 }
 
 bool IsOnlyDigits(std::string_view text) {
@@ -83,10 +88,11 @@ private:
                     --changes[placeOf(right) + 1];
                 }
             };
-            for (const PdfLine::Gap& gap : line.gaps) {
-                add(gap.left);
-                left = gap.right;
-            }
+            for (const PdfLine::Gap& gap : line.gaps)
+                if (MayBeGutter(line, gap)) {
+                    add(gap.left);
+                    left = gap.right;
+                }
             add(line.right);
         }
         std::partial_sum(changes.begin(), changes.end(), changes.begin());
@@ -109,7 +115,7 @@ private:
         for (const PdfLine& line : page_) {
             lines_.push_back(line);
             for (const PdfLine::Gap& gap : line.gaps)
-                if (gap.left < gutter_ && gap.right > gutter_) {
+                if (gap.left < gutter_ && gap.right > gutter_ && MayBeGutter(line, gap)) {
                     PdfLine& first = lines_.back();
                     PdfLine second = line;
                     first.right = gap.left;
@@ -120,6 +126,11 @@ private:
                     second.firstWordWidth =
                         line.height / 2 *
                         static_cast<double>(std::min(second.text.find(' '), second.text.size()));
+                    std::erase_if(first.gaps, [&gap](const auto& one) { return one.at >= gap.at; });
+                    std::erase_if(second.gaps,
+                                  [&gap](const auto& one) { return one.at <= gap.at; });
+                    for (PdfLine::Gap& behind : second.gaps)
+                        behind.at -= gap.at;
                     lines_.push_back(std::move(second));
                     break;
                 }

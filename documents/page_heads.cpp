@@ -176,6 +176,11 @@ std::vector<std::pair<std::size_t, bool>> OuterLines(const PdfPage& page) {
     return outer;
 }
 
+// What stands in a table's row with others is no line by itself.
+bool StandsInRow(const PdfPage& page, std::size_t line) {
+    return page[line].isInRow || (line + 1 < page.size() && page[line + 1].isInRow);
+}
+
 // On three pages or more, and on nearly every other one of those between.
 bool IsRunning(const std::set<std::size_t>& pages) {
     const std::size_t span = pages.empty() ? 0 : *pages.rbegin() - *pages.begin() + 1;
@@ -218,7 +223,8 @@ private:
     void ForEachHead(const Take& take) const {
         for (std::size_t page = 0; page < pages_.size(); ++page)
             for (const auto& [line, isBelow] : OuterLines(pages_[page]))
-                if (pages_[page][line].text.size() <= kLongestHead) {
+                if (pages_[page][line].text.size() <= kLongestHead &&
+                    !StandsInRow(pages_[page], line)) {
                     Head head = HeadOf(pages_[page][line], page, isBelow);
                     head.isHigh = usualHeight_ > 0 &&
                                   pages_[page][line].height > usualHeight_ * kLargeLetters;

@@ -15,6 +15,7 @@ namespace {
 // side.
 constexpr double kBesideMark = 0.4;
 constexpr double kLargestItemGap = 5;
+constexpr double kRoomBehind = 0.6;
 constexpr int kMostOnLine = 32;                   // lines at one height that are looked at
 constexpr std::size_t kLongestMarkedLine = 1000;  // gets no more marks
 constexpr std::size_t kMostDigits = 3;
@@ -84,7 +85,8 @@ std::optional<ItemNumber> ItemNumberOf(std::string_view line) {
 }
 
 bool LeavesRoomBehind(const PdfLine& line, std::size_t bytes) {
-    return !line.gaps.empty() && line.gaps.front().at == bytes + 1;
+    return !line.gaps.empty() && line.gaps.front().at == bytes + 1 &&
+           line.gaps.front().right - line.gaps.front().left > line.height * kRoomBehind;
 }
 
 class PageItems {

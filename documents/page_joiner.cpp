@@ -192,9 +192,10 @@ private:
     void AddLine(const PdfLine& line, bool beginsPage) {
         if (line.text.empty())
             return;
-        const bool wasDivided = last_ != nullptr && HeadingLevel(line) == headingLevel_ &&
-                                (!line.beginsBlock || BeginsSmall(line.text)) && !line.beginsItem &&
-                                JoinDividedWord(line.text);
+        const bool wasDivided =
+            last_ != nullptr && HeadingLevel(line) == headingLevel_ && !line.beginsCell &&
+            !line.beginsItem && (line.isInRow || !line.isRow || !last_->isRow) &&
+            (!line.beginsBlock || BeginsSmall(line.text)) && JoinDividedWord(line.text);
         if (!wasDivided) {
             const char* const parting = Parting(line, beginsPage);
             const bool isParagraph = std::string_view(parting) == "\n\n";
@@ -252,6 +253,8 @@ private:
 
     // What stands between the last line and this one.
     const char* Parting(const PdfLine& line, bool beginsPage) const {
+        if (line.isInRow && last_ != nullptr && !isBehindNotes_)
+            return " ";
         if (last_ == nullptr || isBehindNotes_ || HeadingLevel(line) != headingLevel_)
             return "\n\n";
         if (IsBullet(last_->text))

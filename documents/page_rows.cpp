@@ -39,6 +39,8 @@ public:
         for (std::size_t begin = 0, end = 0; begin < page_.size(); begin = end) {
             for (end = begin + 1; end < page_.size() && !page_[end].beginsBlock;)
                 ++end;
+            if (page_[begin].isRow)
+                continue;
             if (std::all_of(At(begin), At(end),
                             [](const PdfLine& line) { return IsLabel(line.text); }))
                 labels_.emplace_back(begin, end);

@@ -106,6 +106,8 @@ private:
 
     // Its columns: each line of one has its place in a row of the other.
     bool IsBeside(const LineBlock& left, const LineBlock& right) const {
+        if (page_[left.begin].isRow || page_[right.begin].isRow)
+            return false;
         if (left.Lines() < kLeastRows || left.Lines() != right.Lines() || right.left <= left.right)
             return false;
         for (std::size_t row = 0; row < left.Lines(); ++row)
@@ -185,7 +187,7 @@ private:
         }
         const bool holdsRows = parted > 1 || rows == 1;
         for (std::size_t i = block.begin; i < block.end; ++i) {
-            const double gap = i == block.begin ? 0 : GapBefore(i);
+            const double gap = i == block.begin || page_[i].isRow ? 0 : GapBefore(i);
             if (gap <= kLeastWordGap || joined_.back().text.size() > kLongestTableRow)
                 joined_.push_back(page_[i]);
             else if (gap > kLeastCellGap && holdsRows)

@@ -16,7 +16,7 @@ constexpr double kLargestLength = 1e6;
 // Of the letters' height: what parts words, what may part columns, what a mark may stand apart, and
 // what lifts a small number above its line.
 constexpr double kLeastGap = 0.1;
-constexpr double kWideGap = 0.6;
+constexpr double kWideGap = 0.3;
 constexpr double kLargestMarkGap = 0.18;
 constexpr double kSmall = 0.85;
 constexpr double kLifted = 0.12;
@@ -86,6 +86,7 @@ void PdfLayout::ReadLine(std::string_view line) {
         JoinInitials(pages_.back());
         OrderColumns(pages_.back());
         FindItems(pages_.back());
+        JoinGrids(pages_.back());
         JoinRows(pages_.back());
         JoinTables(pages_.back());
     }

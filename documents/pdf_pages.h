@@ -11,7 +11,7 @@
 // Lengths are in points, from the page's upper left corner. A line without height is one of which
 // nothing is known but its text.
 struct PdfLine {
-    // Between two words, wider than words are parted by: one may be another column's.
+    // Between two words, wider than most that part words: one may be another column's.
     struct Gap {
         double left;
         double right;
@@ -30,8 +30,10 @@ struct PdfLine {
     bool beginsBlock = false;  // a block is a paragraph, or the part of one in a column or page
     bool beginsColumn = false;
     bool beginsItem = false;  // of a list: its text begins with the item's mark or number
-    bool isRow = false;     // of a table
-    std::vector<Gap> gaps;  // from left to right
+    bool isRow = false;       // of a table
+    bool isInRow = false;     // goes on with the row that the line before it is of
+    bool beginsCell = false;  // the same with a cell of its own
+    std::vector<Gap> gaps;    // from left to right
 
     double Middle() const { return top + height / 2; }
 };
@@ -80,9 +82,12 @@ void JoinInitials(PdfPage& page);
 // Two columns are read one after the other, with what stands across them before or behind.
 void OrderColumns(PdfPage& page);
 
-// Lines that begin with an item's mark or number begin anew, and get the mark that a printer has put
-// into a column of its own.
+// Lines that begin with an item's mark or number begin anew, and get the mark that a printer has
+// put into a column of its own.
 void FindItems(PdfPage& page);
+
+// Tables whose cells stand in lines of their own, some of several lines, some empty, become rows.
+void JoinGrids(PdfPage& page);
 
 // Chapters' numbers and, in contents, pages' numbers, that stand in columns of their own, are put
 // to the lines that they belong to.

@@ -1,6 +1,7 @@
 // PDF: the order in which what stands side by side is read.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -92,6 +93,87 @@ TEST(Pdf, TablesAreReadRowByRowAndColumnsOfTextAreNot) {
             numbered.push_back({WordAt(50, 100 + 12 * line, 10, std::to_string(line))});
     }
     EXPECT_THAT(TextOfBlocks(numbered), Not(HasSubstr("10 words")));
+}
+
+// Words of a cell, in letters of several widths.
+std::string CellAt(double left, double top, const std::string& words) {
+    std::string cell;
+    for (std::size_t at = 0, end = 0; at < words.size(); at = end + 1) {
+        end = std::min(words.find(' ', at), words.size());
+        const double letter = 4 + 0.3 * (words[at] % 5);
+        cell += WordAt(left, top, 10, words.substr(at, end - at));
+        const std::size_t right = cell.rfind("xMax=\"") + 6;
+        left += letter * static_cast<double>(end - at);
+        cell.replace(right, cell.find('"', right) - right, std::to_string(left));
+        left += 2.4;
+    }
+    return cell;
+}
+
+TEST(Pdf, TablesAreReadRowByRowWhateverTheirCellsHold) {
+    const std::string wide =
+        "Stock of the towns by the sea as it was counted in the last week of the year by us";
+    const auto paragraph = [&wide](double top) {
+        return std::vector<std::string>{CellAt(50, top, wide)};
+    };
+    const struct {
+        const char* what;
+        std::vector<std::vector<std::string>> blocks;
+        std::string read;
+    } cases[] = {
+        {"empty cells, the first of them too, between captions",
+         {{CellAt(50, 100, "Town"), CellAt(50, 120, "Aldbury"), CellAt(50, 160, "Cromer"),
+           CellAt(50, 180, "Dover")},
+          {CellAt(50, 80, wide), CellAt(130, 100, "Oars"), CellAt(130, 120, "12")},
+          {CellAt(200, 100, "Sails"), CellAt(200, 140, "30"), CellAt(200, 160, "6")},
+          {CellAt(270, 100, "Note"), CellAt(270, 140, "closed today"), CellAt(270, 180, "new")},
+          paragraph(200)},
+         wide +
+             "\n\nTown, Oars, Sails, Note\nAldbury, 12\n30, closed today\nCromer, 6\nDover, "
+             "new\n\n" +
+             wide + "\n"},
+        {"cells of several lines, and no room between rows",
+         {{CellAt(50, 100, "Tool"), CellAt(50, 112, "Plane"), CellAt(50, 148, "Saw")},
+          {CellAt(120, 100, "Use"), CellAt(120, 112, "Takes shavings from"),
+           CellAt(120, 124, "boards that are un-"), CellAt(120, 136, "even"),
+           CellAt(120, 148, "Parts wood")},
+          {CellAt(250, 100, "Care"), CellAt(250, 112, "Dry and oiled"),
+           CellAt(250, 148, "Hung on a nail by"), CellAt(250, 160, "the bench")}},
+         "Tool, Use, Care\nPlane, Takes shavings from boards that are uneven, Dry and oiled\n"
+         "Saw, Parts wood, Hung on a nail by the bench\n"},
+        {"those in the middle of their rows",
+         {{CellAt(50, 100, "Tool"), CellAt(50, 118, "Plane"), CellAt(50, 148, "Saw")},
+          {CellAt(120, 100, "Use"), CellAt(120, 112, "Takes shavings from"),
+           CellAt(120, 124, "boards"), CellAt(120, 148, "Parts wood")},
+          {CellAt(250, 100, "Care"), CellAt(250, 118, "Dry and oiled"),
+           CellAt(250, 136, "Hung on a nail by"), CellAt(250, 148, "the bench or in a"),
+           CellAt(250, 160, "drawer")}},
+         "Tool, Use, Care\nPlane, Takes shavings from boards, Dry and oiled\n"
+         "Saw, Parts wood, Hung on a nail by the bench or in a drawer\n"},
+        {"two columns, and rows with room between them",
+         {{CellAt(50, 112, "Tool"), CellAt(50, 142, "Plane"), CellAt(50, 178, "Saw")},
+          {CellAt(120, 112, "What for"), CellAt(120, 136, "Takes shavings from"),
+           CellAt(120, 148, "boards"), CellAt(120, 172, "Parts Oak"), CellAt(120, 184, "Elm")},
+          {CellAt(250, 106, "In how"), CellAt(250, 118, "many days"), CellAt(250, 142, "4"),
+           CellAt(250, 178, "7")}},
+         "Tool, What for, In how many days\nPlane, Takes shavings from boards, 4\n"
+         "Saw, Parts Oak Elm, 7\n"},
+        {"cells that stand as near as words",
+         {{CellAt(50, 100, "Town") + CellAt(92, 100, "Oars") + CellAt(120, 100, "Sails")},
+          {CellAt(50, 120, "Aldbury") + CellAt(92, 120, "12")},
+          {CellAt(50, 140, "Bath"), CellAt(50, 160, "Cromer")},
+          {CellAt(92, 140, "4") + CellAt(120, 140, "30")},
+          {CellAt(92, 160, "5") + CellAt(120, 160, "6")}},
+         "Town, Oars, Sails\nAldbury, 12\nBath, 4, 30\nCromer, 5, 6\n"},
+        {"kinds of definitions at the margin",
+         {{CellAt(50, 100, "struct") + CellAt(100, 100, "sha one")},
+          {CellAt(50, 120, "struct") + CellAt(100, 120, "sha two")},
+          {CellAt(50, 140, "struct") + CellAt(100, 140, "sha six")},
+          {CellAt(450, 100, "[Type]"), CellAt(450, 120, "[Type]"), CellAt(450, 140, "[Type]")}},
+         "struct sha one\n\nstruct sha two\n\nstruct sha six\n\n[Type] [Type] [Type]\n"},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(TextOfBlocks(item.blocks), item.read) << item.what;
 }
 
 TEST(Pdf, ColumnsAreReadOneAfterTheOther) {

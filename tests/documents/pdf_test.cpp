@@ -259,6 +259,12 @@ TEST(Pdf, HostilePagesTakeNoLongerThanTheyAreLong) {
         row.push_back({WordAt(590, 50, 10, "\u2022")});
     }
     EXPECT_GT(TextOfBlocks(row).size(), 100000U);
+    std::vector<std::vector<std::string>> cells;
+    for (int line = 0; line < 20000; ++line) {
+        cells.push_back({WordAt(50 + line % 7 * 70, 12 * (line / 7), 10, "Cell")});
+        cells.push_back({WordAt(50 + line % 5 * 70, line, 10, "lone")});
+    }
+    EXPECT_GT(TextOfBlocks(cells).size(), 100000U);
     EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC);
 }
 
