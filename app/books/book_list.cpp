@@ -24,6 +24,20 @@ bool IsTaken(const std::string& target, const BookChoices& choices) {
     return Stands(target) || (choices.subtitles && Stands(stem + EndingOf(*choices.subtitles)));
 }
 
+// Where a book that goes on in the format in which it was begun belongs, whatever is chosen now;
+// what is finished of it is there, then.
+std::string TargetOfItsFormat(const BookOrder& order) {
+    if (order.target.back() == '/')
+        return order.target;
+    BookChoices begun;
+    begun.type = order.type;
+    begun.isReadAlong = order.isReadAlong;
+    const std::string target =
+        order.target.substr(0, order.target.rfind('.') + 1) + EndingOf(begun);
+    MoveUnfinished(order.target, target);
+    return target;
+}
+
 }  // namespace
 
 bool BookList::Add(BookEntry entry, bool again) {
@@ -75,12 +89,14 @@ std::set<std::string> BookList::TakenTargets(const BookChoices& choices) {
         if (!IsOpen(i))
             others.push_back(entries_[i].target);
     std::set<std::string> taken;
+    bool hasMoved = false;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         if (!IsOpen(i))
             continue;
         entries_[i].target =
             TargetOf(entries_[i], choices.folder, EndingOf(choices), choices.inChapters, others);
-        if (!entries_[i].begunAt.empty()) {
+        if (!entries_[i].begunAt.empty() && entries_[i].begunAt != entries_[i].target) {
+            hasMoved = true;
             MoveUnfinished(entries_[i].begunAt, entries_[i].target);
             entries_[i].begunAt = entries_[i].target;
         }
@@ -88,6 +104,8 @@ std::set<std::string> BookList::TakenTargets(const BookChoices& choices) {
         if (IsTaken(entries_[i].target, choices))
             taken.insert(entries_[i].target);
     }
+    if (hasMoved)
+        Keep();  // also where the user starts nothing, then
     return taken;
 }
 
@@ -128,8 +146,10 @@ bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::
         BookEntry& entry = entries_[i];
         BookOrder order = OrderOfEntry(entry, manner);
         if (std::optional<UnfinishedBook> book = asBegun ? FindUnfinished(order) : std::nullopt;
-            book && book->asBegun)
+            book && book->asBegun) {
             order = *std::move(book->asBegun);
+            entry.target = order.target = TargetOfItsFormat(order);
+        }
         order.overwrites = replaced.contains(entry.target);
         order.engineFolder = folder_->Path();
         entry.voice = KeyOf(VoiceAt(order.voice));
@@ -174,7 +194,7 @@ std::vector<std::size_t> BookList::TakeEnds() {
 void BookList::Keep() const {
     std::vector<KeptBook> books;
     for (std::size_t i = 0; i < entries_.size(); ++i)
-        if (entries_[i].number && !IsDone(i))
+        if ((entries_[i].number || !entries_[i].begunAt.empty()) && !IsDone(i))
             books.push_back(KeptOf(entries_[i]));
     StoreKeptBooks(books);
 }

@@ -101,6 +101,8 @@ class AudiobooksTest(DesktopCase):
         desktop.tell_engine()
         desktop.forget_engine_calls()
         lectora.find("combo box", "Voice:").querySelection().selectChild(1)
+        formats = lectora.find("combo box", "Format:")
+        formats.querySelection().selectChild([each.name.startswith("WAV") for each in formats[0]].index(True))
         lectora.press("push button", "Title and Cover...")
         lectora.active_window("dialog", "About This Book")
         desktop.press_keys("ctrl+a", *"Tide", "Return")
