@@ -263,7 +263,8 @@ std::string BookMaker::KeepLead(std::size_t index, const std::string& speech, Sp
         spoken.leadLevels.push_back({std::max(level.first - begin, 0), level.change});
     }
     const std::vector<int> samples = SamplesOf(source);
-    WholeFile file(work_.Path(index, "lead"), WholeFile::Existing::kReplace);
+    WholeFile file(work_.Path(index, "lead"), WholeFile::Existing::kReplace,
+                   WholeFile::Unfinished::kLeave);
     if (!file.Problem().empty())
         return file.Problem();
     const LSoundSink lead = LWaveFile::OpenSinkPCM(file.WritePath().c_str(), spoken.rate, 1, 16, 0);

@@ -13,6 +13,9 @@ namespace {
 // save.
 constexpr double kFewestSections = 24;
 constexpr double kLeastSection = 4'000;  // bytes, which speak for some four minutes
+// The last ones get shorter, so that encoders end at nearly the same time.
+constexpr double kShareOfRest = 0.25;
+constexpr double kLeastLastSection = 1'000;
 
 std::size_t EndOfPart(std::string_view text, std::size_t begin, std::size_t wanted) {
     const std::size_t least = begin + (wanted - begin) / 2;
@@ -49,17 +52,27 @@ double LongestSection(double size) {
 }
 
 std::vector<BookSection> SectionsOf(const BookOrder& order) {
-    const auto longest =
-        static_cast<std::size_t>(LongestSection(static_cast<double>(order.text.size())));
+    const auto size = static_cast<double>(order.text.size());
+    const auto longestAt = [size](std::size_t begin) {
+        const double rest = size - static_cast<double>(begin);
+        return static_cast<std::size_t>(
+            std::min(LongestSection(size), std::max(rest * kShareOfRest, kLeastLastSection)));
+    };
     std::vector<BookSection> sections;
     for (std::size_t i = 0; i < order.plan.chapters.size(); ++i) {
         const BookChapter& chapter = order.plan.chapters[i];
         std::size_t begin = chapter.begin;
-        for (const std::size_t end : EndsOfParts(order.text, chapter.begin, chapter.end, longest)) {
-            const bool beginsFile = begin == chapter.begin && (i == 0 || order.HasFileAChapter());
-            sections.push_back({i, begin, end, beginsFile, end == chapter.end});
-            begin = end;
-        }
+        do {
+            const std::size_t longest = longestAt(begin);
+            for (const std::size_t end : EndsOfParts(order.text, begin, chapter.end, longest)) {
+                const bool beginsFile =
+                    begin == chapter.begin && (i == 0 || order.HasFileAChapter());
+                sections.push_back({i, begin, end, beginsFile, end == chapter.end});
+                begin = end;
+                if (longestAt(begin) < longest)
+                    break;
+            }
+        } while (begin < chapter.end);
     }
     return sections;
 }

@@ -68,7 +68,7 @@ std::string WriteInto(const WholeFile& file, const std::string& content) {
 }
 
 std::string BookWork::Write(const std::string& path, const std::string& content) const {
-    WholeFile file(path, WholeFile::Existing::kReplace);
+    WholeFile file(path, WholeFile::Existing::kReplace, WholeFile::Unfinished::kLeave);
     std::string problem = WriteInto(file, content);
     if (problem.empty())
         problem = file.Commit();
@@ -162,6 +162,8 @@ std::string BookWork::OpenFolder() {
     // Not every file system has locks.
     if (::flock(lock_.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return order_.target + ": another program is at work on this book";
+    // Once, and not for each of its files: of a long book there are ten thousand.
+    RemoveUnfinishedFiles(folder_);
     return "";
 }
 

@@ -120,7 +120,7 @@ void ChapterEncoder::Worker::ThreadFunction() {
 }
 
 std::string ChapterEncoder::Worker::Encode(const ChapterToEncode& chapter) {
-    WholeFile file(chapter.path, WholeFile::Existing::kReplace);
+    WholeFile file(chapter.path, WholeFile::Existing::kReplace, WholeFile::Unfinished::kLeave);
     if (!file.Problem().empty())
         return file.Problem();
     const std::string problem = Write(chapter, file.WritePath());

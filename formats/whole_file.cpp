@@ -101,7 +101,7 @@ private:
 
 }  // namespace
 
-WholeFile::WholeFile(const std::string& path, Existing existing)
+WholeFile::WholeFile(const std::string& path, Existing existing, Unfinished unfinished)
     : finalPath_(path), existing_(existing) {
     struct stat info;
     struct stat link;
@@ -125,13 +125,14 @@ WholeFile::WholeFile(const std::string& path, Existing existing)
     } else {
         if (exists)
             finalPath_ = ResolveLinks(path);
-        MakeTemporary(exists ? &info : nullptr);
+        MakeTemporary(exists ? &info : nullptr, unfinished);
     }
 }
 
-void WholeFile::MakeTemporary(const struct stat* replaced) {
+void WholeFile::MakeTemporary(const struct stat* replaced, Unfinished unfinished) {
     writePath_ = TemporaryPattern(finalPath_);
-    RemoveUnfinishedFiles(writePath_.substr(0, writePath_.rfind('/') + 1));
+    if (unfinished == Unfinished::kRemove)
+        RemoveUnfinishedFiles(writePath_.substr(0, writePath_.rfind('/') + 1));
     held_ = OpenTemporary(writePath_);
     const UniqueFd& file = held_;
     if (!file.IsOpen()) {

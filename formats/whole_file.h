@@ -14,9 +14,13 @@
 class WholeFile {
 public:
     enum class Existing { kRefuse, kReplace };
+    // What killed processes have left beside it. Looking for that takes longer the more files the
+    // folder holds.
+    enum class Unfinished { kRemove, kLeave };
 
     // Problem() tells why the file cannot be made; empty when it can.
-    WholeFile(const std::string& path, Existing existing);
+    WholeFile(const std::string& path, Existing existing,
+              Unfinished unfinished = Unfinished::kRemove);
     ~WholeFile();  // takes away what was not committed, as the process's own exit does
     WholeFile(const WholeFile&) = delete;
     WholeFile& operator=(const WholeFile&) = delete;
@@ -33,7 +37,7 @@ public:
     std::string Commit();
 
 private:
-    void MakeTemporary(const struct stat* replaced);
+    void MakeTemporary(const struct stat* replaced, Unfinished unfinished);
 
     std::string finalPath_;
     std::string writePath_;
@@ -44,6 +48,6 @@ private:
     UniqueFd held_;  // a lock on the temporary file, which tells other processes that it is in use
 };
 
-// Takes away what killed processes of this user have left of unfinished files in the folder; each
-// WholeFile does so in its own.
+// Takes away what killed processes of this user have left of unfinished files in the folder; a
+// WholeFile does so in its own unless told otherwise.
 void RemoveUnfinishedFiles(const std::string& folder);
