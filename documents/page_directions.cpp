@@ -15,6 +15,7 @@ constexpr std::string_view kWithinNumbers = ".,:/+-";
 constexpr std::string_view kBesideNumbers = "%$#";
 constexpr double kSameLine = 0.4;      // of the letters' height
 constexpr std::size_t kLeastName = 3;  // letters before a number that belongs to them: "Windows 11"
+constexpr std::size_t kMostSignsOfNumber = 8;  // "-", "%" before its digits: more are none of it
 
 enum class Direction { kNone, kLeft, kRight, kDigit };  // of reading, what begins on the right
 
@@ -188,7 +189,7 @@ private:
     // Numbers, and words from left to right with the numbers that belong to them.
     std::size_t IslandEnd(std::size_t begin, std::size_t end) const {
         std::size_t at = begin;
-        while (at < end && IsOfNumber(signs_[at].letter))
+        while (at < std::min(end, begin + kMostSignsOfNumber) && IsOfNumber(signs_[at].letter))
             ++at;
         at = NumberEnd(at, end);
         if (at == begin || (at < end && signs_[at].direction == Direction::kLeft))
@@ -305,6 +306,17 @@ void Mirror(PdfLine& line, double width) {
         turn(gap.left, gap.right);
         gap.at = line.text.size() - gap.at + 1;
     }
+    // One within words that stay as they stand is at another place by now.
+    std::erase_if(line.gaps, [&line](const PdfLine::Gap& gap) {
+        const std::string& text = line.text;
+        if (gap.at < 2 || gap.at >= text.size() || text[gap.at - 1] != ' ')
+            return true;
+        const auto isRight = [](const char* at) {
+            return DirectionOf(g_utf8_get_char(at)) == Direction::kRight;
+        };
+        const char* const before = g_utf8_find_prev_char(text.data(), text.data() + gap.at - 1);
+        return before == nullptr || (!isRight(before) && !isRight(text.data() + gap.at));
+    });
 }
 
 }  // namespace

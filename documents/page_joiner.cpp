@@ -58,8 +58,13 @@ bool IsBullet(std::string_view line) {
 bool EndsSentence(std::string_view text) {
     text.remove_prefix(text.size() - std::min(text.size(), kLongestWord));
     const std::size_t last = text.find_last_not_of("\"')]\n \xe2\x80\x99\x9d");
+    constexpr std::string_view kStops[] = {".", "!", "?",  ":",  ";", "।",
+                                           "۔", "؟", "。", "！", "？"};
     return last != std::string_view::npos &&
-           std::string_view(".!?:;").find(text[last]) != std::string_view::npos;
+           std::any_of(std::begin(kStops), std::end(kStops),
+                       [whole = text.substr(0, last + 1)](std::string_view stop) {
+                           return whole.ends_with(stop);
+                       });
 }
 
 bool BeginsSmall(std::string_view line) {

@@ -31,10 +31,20 @@ bool IsText(const std::string& recognised) {
     const char* const end = recognised.c_str() + recognised.size();
     for (const char* at = recognised.c_str(); at < end; at = g_utf8_next_char(at)) {
         const gunichar sign = g_utf8_get_char(at);
-        word = g_unichar_isalnum(sign) ? word + 1 : 0;
-        if (word == kShortestSeenWord)
+        const bool isOfWord = g_unichar_isalnum(sign) || g_unichar_ismark(sign);
+        // A letter that is a syllable or a word of its own, blanks between them or not.
+        const bool isWord = isOfWord && g_unichar_iswide(sign);
+        word = isOfWord && !isWord ? word + 1 : 0;
+        // Scripts without capitals write many words with two signs.
+        const std::size_t shortest =
+            g_unichar_ismark(sign) || g_unichar_type(sign) == G_UNICODE_OTHER_LETTER
+                ? kShortestSeenWord - 1
+                : kShortestSeenWord;
+        if (isWord)
+            ++inWords;
+        else if (word == shortest)
             inWords += word;
-        else if (word > kShortestSeenWord)
+        else if (word > shortest)
             ++inWords;
         signs += g_unichar_isspace(sign) ? 0 : 1;
     }

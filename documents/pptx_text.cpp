@@ -123,9 +123,12 @@ bool SlideListener::EvElement(std::string_view name, const MarkupAttributes& att
 void SlideListener::EvElementEnd(std::string_view name) {
     if (formula_.IsOpen()) {
         formula_.End();
-        if (!formula_.IsOpen() && !isFurniture_) {
-            BeginWords();
-            flow_.Add(formula_.Take());
+        if (!formula_.IsOpen()) {
+            const std::string words = formula_.Take();
+            if (!isFurniture_) {
+                BeginWords();
+                flow_.Add(words);
+            }
         }
     } else if (name == "t" && texts_ > 0) {
         --texts_;

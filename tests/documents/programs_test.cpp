@@ -224,7 +224,7 @@ TEST(Programs, ScannedPagesBetweenOthersAreReadInTheirPlaceOrTold) {
                         "while [ $1 != -f ]; do shift; done\n[ $2 = 6 ] && exit 1\necho $2\n");
     folder.WriteProgram("tesseract",
                         "[ $1 = --list-langs ] && printf 'List:\\neng\\n' && exit\n"
-                        "case $(cat) in 2) echo Seen on the second page. ;; *) echo '~ oe 1 ,' ;; "
+                        "case $(cat) in 2) echo यह दूसरे पन्ने पर लिखा है। ;; *) echo '~ oe 1 ,' ;; "
                         "esac\n");
     folder.Write("scan.pdf", pdf);
     const std::string programs = std::getenv("PATH");
@@ -233,7 +233,7 @@ TEST(Programs, ScannedPagesBetweenOthersAreReadInTheirPlaceOrTold) {
     const Document document =
         LoadGrowingDocument((folder / "scan.pdf").c_str(), {}, {},
                             [&told](const Document& part) { told.push_back(part.text); });
-    EXPECT_EQ(document.text, "Words.\n\nSeen on the second page.\n\nMore.\n");
+    EXPECT_EQ(document.text, "Words.\n\nयह दूसरे पन्ने पर लिखा है।\n\nMore.\n");
     ASSERT_EQ(document.pages.size(), 5U);
     EXPECT_EQ(document.text.substr(document.pages[4]), "More.\n");
     EXPECT_TRUE(document.isRecognised);
@@ -241,8 +241,8 @@ TEST(Programs, ScannedPagesBetweenOthersAreReadInTheirPlaceOrTold) {
               "The text of pages in pictures was recognised, some of its words may be wrong: 2. "
               "Pages that hold only pictures, no text, are left out: 4. "
               "Pages in pictures that took too long or are damaged are missing: 6.");
-    EXPECT_THAT(told, testing::ElementsAre("Words.", "Words.\n\nSeen on the second page.",
-                                           "Words.\n\nSeen on the second page.\n\nMore."));
+    EXPECT_THAT(told, testing::ElementsAre("Words.", "Words.\n\nयह दूसरे पन्ने पर लिखा है।",
+                                           "Words.\n\nयह दूसरे पन्ने पर लिखा है।\n\nMore."));
     folder.WriteProgram("tesseract", "exit 1\n");
     const Document lacking = ReadDocument(pdf);
     EXPECT_EQ(lacking.text, "Words.\n\nMore.\n");
