@@ -143,6 +143,11 @@ std::string BookWork::Open() {
 
 // What a run has left that was killed when the book had its name.
 void BookWork::RemoveIfDone() {
+    // Its subtitles may still have to be made of what is there.
+    struct stat info = {};
+    if (order_.subtitles &&
+        ::lstat(SubtitlesPath(order_.target, *order_.subtitles).c_str(), &info) != 0)
+        return;
     const std::string done = ContentOf(folder_ + "done");
     if (!done.empty() && done == FileNumber(order_.target) && OpenFolder().empty())
         Remove();

@@ -1,5 +1,7 @@
 #include "tools/say_book.h"
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <optional>
 #include <utility>
@@ -7,7 +9,9 @@
 #include "books/book_cover.h"
 #include "books/book_estimate.h"
 #include "books/book_run.h"
+#include "books/subtitles.h"
 #include "books/unfinished_book.h"
+#include "formats/whole_file.h"
 #include "playback/settings_keys.h"
 #include "speech/voice_manner.h"
 #include "speech/voice_table.h"
@@ -71,17 +75,26 @@ std::string FillOrder(const BookWish& wish, const Document& document, BookOrder&
     return problem.empty() ? "" : *wish.cover + ": " + problem;
 }
 
-// What is lost of it is told before it is.
-void GoOnWith(const UnfinishedBook& unfinished, bool asBegun, const std::string& subject,
-              BookOrder& order) {
+// What is lost of it is told before it is. Gives back why it cannot go on; "": it can.
+std::string GoOnWith(const UnfinishedBook& unfinished, bool asBegun, const std::string& subject,
+                     BookOrder& order) {
     if (asBegun && unfinished.asBegun) {
+        const bool areWished = order.subtitles == unfinished.asBegun->subtitles;
         order = *unfinished.asBegun;
-        return;
+        // Leave to replace the book is none to replace what the command did not name.
+        if (!areWished && order.subtitles && order.target.back() != '/') {
+            struct stat info = {};
+            const std::string beside = SubtitlesPath(order.target, *order.subtitles);
+            if (::lstat(beside.c_str(), &info) == 0)
+                return beside + ": " + WholeFile::kExists;
+        }
+        return "";
     }
     Complain(kSayProgram, subject + ": was begun with " + unfinished.difference + "; " +
                               std::to_string(unfinished.pieces) +
                               " finished chapters or parts are made anew" +
                               (unfinished.asBegun ? " (not so with --as-begun)" : ""));
+    return "";
 }
 
 }  // namespace
@@ -108,7 +121,12 @@ int SayBook(const SayOptions& options, const SayJob& job, const Document& docume
     if (!order.plan.remark.empty())
         Complain(kSayProgram, subject + ": " + order.plan.remark);
     if (const std::optional<UnfinishedBook> unfinished = FindUnfinished(order))
-        GoOnWith(*unfinished, options.book->asBegun, subject, order);
+        if (const std::string problem =
+                GoOnWith(*unfinished, options.book->asBegun, subject, order);
+            !problem.empty()) {
+            Complain(kSayProgram, subject + ": " + problem);
+            return kExitFailed;
+        }
     const std::size_t chapters = order.plan.chapters.size();
     BookResult result;
     {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "books/subtitles.h"
 #include "books/unfinished_book.h"
 
 namespace {
@@ -22,6 +23,13 @@ bool IsTaken(const std::string& target, const BookChoices& choices) {
         return Stands(target) && !Stands(target + ".lectora-book");
     const std::string stem = target.substr(0, target.rfind('.') + 1);
     return Stands(target) || (choices.subtitles && Stands(stem + EndingOf(*choices.subtitles)));
+}
+
+// Of a book that goes on as begun, with subtitles that are not chosen now: nobody was asked whether
+// these may be replaced.
+bool IsUnaskedTaken(const BookOrder& order, const BookChoices& choices) {
+    return order.subtitles && order.subtitles != choices.subtitles && order.target.back() != '/' &&
+           Stands(SubtitlesPath(order.target, *order.subtitles));
 }
 
 // Where a book that goes on in the format in which it was begun belongs, whatever is chosen now;
@@ -150,7 +158,7 @@ bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::
             order = *std::move(book->asBegun);
             entry.target = order.target = TargetOfItsFormat(order);
         }
-        order.overwrites = replaced.contains(entry.target);
+        order.overwrites = replaced.contains(entry.target) && !IsUnaskedTaken(order, choices);
         order.engineFolder = folder_->Path();
         entry.voice = KeyOf(VoiceAt(order.voice));
         entry.begunAt = entry.target;

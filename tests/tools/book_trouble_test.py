@@ -109,6 +109,23 @@ class BookTroubleTest(BookCase):
             self.save(work + "done", str(number).encode())
             self.check(*command, status=1, says="tale.flac: exists already")
             self.assertEqual(os.path.exists(work), is_left)
+        # What its subtitles are made of stays until they stand, and leave to replace it is none for others.
+        os.makedirs(work)
+        self.save(work + "key", b"4 ")
+        self.save(work + "done", str(os.stat(self.path("tale.flac")).st_ino).encode())
+        self.check(*command, "--subtitles=srt", status=1, says="tale.flac: exists already")
+        self.assertTrue(os.path.exists(work))
+
+    def test_a_book_that_goes_on_as_begun_replaces_no_subtitles_that_nobody_named(self):
+        self.tell_engine("text2wave slow 1")
+        self.book("book.epub", TITLES, TEXTS)
+        command = (SAY, "--audiobook", "-o", "tale.flac", "book.epub")
+        self.stopped((*command, "--subtitles=srt"), signal.SIGINT, ".tale.flac.lectora-book/00001.part")
+        self.tell_engine("")
+        for name in ("tale.srt", "tale.flac"):
+            self.save(name, b"mine")
+        self.check(*command, "-f", "--as-begun", status=1, says="tale.srt: exists already")
+        self.assertEqual(open(self.path("tale.srt"), "rb").read(), b"mine")
 
     def test_what_is_finished_of_a_book_begun_otherwise_is_lost_with_a_word(self):
         self.tell_engine("text2wave slow 1")
