@@ -77,19 +77,20 @@ bool SendAll(int fd, const void* data, std::size_t size) {
     return true;
 }
 
-bool SendNumber(int fd, std::size_t number) {
-    const auto word = static_cast<std::int32_t>(number);
-    return SendAll(fd, &word, sizeof word);
-}
-
-// No header, no terminators, host byte order: the peer is always this program on this machine.
-// False: the instance has closed the connection, as it does with one that says nothing for long.
-bool SendArguments(int fd, const std::vector<std::string>& arguments) {
-    return SendNumber(fd, arguments.size()) &&
-           std::ranges::all_of(arguments, [fd](const std::string& argument) {
-               return SendNumber(fd, argument.size()) &&
-                      SendAll(fd, argument.data(), argument.size());
-           });
+// No header, no terminators, host byte order: the peer is always this program on this machine. In
+// one piece, which the connection holds whole where it is not endless.
+std::string MessageOf(const std::vector<std::string>& arguments) {
+    std::string message;
+    const auto add = [&message](std::size_t number) {
+        const auto word = static_cast<std::int32_t>(number);
+        message.append(reinterpret_cast<const char*>(&word), sizeof word);
+    };
+    add(arguments.size());
+    for (const std::string& argument : arguments) {
+        add(argument.size());
+        message += argument;
+    }
+    return message;
 }
 
 // The first byte of what an instance says. One that takes the command line and has no more to say
@@ -130,6 +131,12 @@ std::string ReceiveRest(int fd) {
 void Say(int fd, Sign sign, const std::string& text = "") {
     const std::string message = static_cast<char>(sign) + text.substr(0, kMostAnswer);
     static_cast<void>(!::send(fd, message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT));
+}
+
+// Of a command line that does not come whole nothing is done: its sender tries again, or tells.
+bool DropPart(std::vector<std::string>& arguments) {
+    arguments.clear();
+    return true;
 }
 
 int MillisecondsSince(const timespec& time) {
@@ -282,14 +289,19 @@ RunOnceSocket::Claim RunOnceSocket::AskRunning(const std::string& path,
 
 RunOnceSocket::Claim RunOnceSocket::HandOver(const std::vector<std::string>& arguments,
                                              int milliseconds, bool claims) {
+    const std::string message = MessageOf(arguments);
     for (int tries = 0; tries < kMostTries; ++tries) {
         UniqueFd client;
         const Claim claim =
             claims ? ClaimOnce(client, milliseconds) : AskOnce(client, milliseconds);
         Sign sign = Sign::kNone;
         if (claim == Claim::kHandedOver) {
-            const bool isSent = SendArguments(client.Get(), arguments);
-            sign = isSent ? AwaitSign(client.Get(), milliseconds) : Sign::kEnding;
+            // One that closes the connection ends; one that takes nothing for so long is busy.
+            const bool isSent = SendAll(client.Get(), message.data(), message.size());
+            const bool isBusy = !isSent && (errno == EAGAIN || errno == EWOULDBLOCK);
+            sign = isSent   ? AwaitSign(client.Get(), milliseconds)
+                   : isBusy ? Sign::kNone
+                            : Sign::kEnding;
             if (sign == Sign::kPromised)
                 sign = AwaitSign(client.Get(), kPromisedMilliseconds);
         }
@@ -322,10 +334,10 @@ bool RunOnceSocket::Receive(HandedOver& handed) const {
     for (std::int32_t index = 0; index < count && index < kMaxArguments; ++index) {
         std::int32_t length = 0;
         if (!reader.ReadNumber(length) || length < 0 || length > kMaxArgumentBytes)
-            break;
+            return DropPart(arguments);
         std::string argument(static_cast<std::size_t>(length), '\0');
         if (!reader.Read(argument.data(), argument.size()))
-            break;
+            return DropPart(arguments);
         arguments.push_back(argument);
     }
     handed.connection = std::move(connection);
