@@ -235,6 +235,16 @@ bool SpokenForms::IsOnThatDay(std::size_t at) const {
     return IsAmong(forms_->ofThatDay, small.get());
 }
 
+// "der 2. Weltkrieg", not "Platz 3. Mal sehen".
+bool SpokenForms::IsOrdered(std::size_t at, const std::string& noun) const {
+    if (!IsAmong(forms_->orderedNouns, noun))
+        return false;
+    const std::string before = WordBefore(at);
+    const OwnedText small(g_utf8_strdown(before.c_str(), -1));
+    return before.empty() || g_unichar_islower(g_utf8_get_char(before.c_str())) != FALSE ||
+           IsAmong(forms_->ofTheDay, small.get()) || IsAmong(forms_->ofThatDay, small.get());
+}
+
 // "25.12.2026", "12/25/2026", "2026-12-25".
 std::optional<std::size_t> SpokenForms::Date(std::size_t at) {
     std::size_t end = at;
@@ -295,9 +305,11 @@ std::optional<std::size_t> SpokenForms::DottedDay(std::size_t at) {
                 std::string(forms_->months[static_cast<std::size_t>(number - 1)]);
         return second + 1;
     }
+    // "1° maggio"
+    if (day == 1 && language_ == "it" && text_.substr(end).starts_with("°"))
+        end += std::string_view("°").size();
     const std::size_t month = BehindBlank(end);
-    if (month == end ||
-        (!IsMonth(WordBehind(month)) && !IsAmong(forms_->orderedNouns, WordBehind(month))))
+    if (month == end || (!IsMonth(WordBehind(month)) && !IsOrdered(at, WordBehind(month))))
         return std::nullopt;
     said_ = DayWords(day, at);
     return end;

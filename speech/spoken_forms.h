@@ -83,6 +83,7 @@ private:
     std::string WordBehind(std::size_t at) const;
     std::string DayWords(int day, std::size_t at) const;
     bool IsOnThatDay(std::size_t at) const;
+    bool IsOrdered(std::size_t at, const std::string& noun) const;
     bool GoesOnBehind(std::size_t at) const;
 
     std::string_view text_;

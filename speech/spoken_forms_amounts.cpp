@@ -9,6 +9,10 @@
 
 namespace {
 
+// Verses and times.
+constexpr std::string_view kBeforeOtherPairs =
+    " verse chapter psalm at vers kapitel psaume um alle a las ";
+constexpr std::string_view kTrueMinus = "\xe2\x88\x92";
 constexpr WrittenForm kVulgarFractions[] = {
     {"½", "1/2"}, {"¼", "1/4"}, {"¾", "3/4"}, {"⅓", "1/3"}, {"⅔", "2/3"}};
 constexpr std::string_view kEnDash = "–";
@@ -134,7 +138,8 @@ std::optional<std::size_t> SpokenForms::Score(std::size_t at) {
     if (ReadDigits(end, 1) < 0 || !EndsToken(end) || text_.substr(end).starts_with(":"))
         return std::nullopt;
     const std::string before = WordBefore(at);
-    if (before.empty() || g_unichar_islower(g_utf8_get_char(before.c_str())) == FALSE)
+    if (before.empty() || g_unichar_islower(g_utf8_get_char(before.c_str())) == FALSE ||
+        IsAmong(kBeforeOtherPairs, before) || WordBehind(BehindBlank(end)) == "Uhr")
         return std::nullopt;
     said_ = std::string(text_.substr(at, second - 1 - at)) + std::string(forms_->score) +
             std::string(text_.substr(second, end - second));
@@ -146,8 +151,10 @@ std::optional<std::size_t> SpokenForms::Range(std::size_t at) {
     Amount first;
     // "2024–10–05" is none.
     const std::string_view before = text_.substr(0, at);
-    if (before.ends_with('-') || before.ends_with(kEnDash) || forms_->range.empty() ||
-        !ReadAmount(at, first))
+    for (const std::string_view sign : {std::string_view("-"), kEnDash, kTrueMinus})
+        if (before.ends_with(sign))
+            return std::nullopt;
+    if (forms_->range.empty() || !ReadAmount(at, first))
         return std::nullopt;
     const std::string_view rest = text_.substr(first.end);
     const bool isDash = rest.starts_with(kEnDash);
@@ -163,7 +170,8 @@ std::optional<std::size_t> SpokenForms::Range(std::size_t at) {
         const std::string_view behind = text_.substr(last.end);
         const bool goesOn = behind.starts_with("-") || behind.starts_with(kEnDash) ||
                             (behind.size() > 1 && behind[0] == '.' && g_ascii_isdigit(behind[1]));
-        if (!isDash || goesOn || !EndsToken(last.end))
+        const bool isPhone = first.plain.size() == 3 && last.plain.size() == 4;  // "555–1234"
+        if (!isDash || goesOn || isPhone || !EndsToken(last.end))
             return std::nullopt;
         said_ = text_.substr(second, last.end - second);
         end = last.end;
@@ -178,9 +186,8 @@ std::optional<std::size_t> SpokenForms::DaysOfMonth(std::size_t at) {
         return std::nullopt;
     std::size_t end = at;
     int days[2] = {};
-    std::size_t begins[2] = {};
+    std::size_t second = at;  // whose words in Russian are those behind "по"
     for (int i = 0; i < 2; ++i) {
-        begins[i] = end;
         days[i] = ReadDigits(end, 2);
         if (days[i] < 1 || days[i] > 31)
             return std::nullopt;
@@ -193,15 +200,16 @@ std::optional<std::size_t> SpokenForms::DaysOfMonth(std::size_t at) {
         if (!text_.substr(word).starts_with(forms_->dayRange) || BehindBlank(end) == end)
             return std::nullopt;
         end = BehindBlank(end);
+        second = forms_->hasDottedDays ? at : end;
     }
     const std::string behind = WordBehind(BehindBlank(end));
     const bool goesOn =
-        IsMonth(behind) ||
+        IsMonth(behind) || IsAmong(forms_->orderedNouns, behind) ||
         (!behind.empty() && g_unichar_islower(g_utf8_get_char(behind.c_str())) != FALSE);
     if (!IsMonth(behind) && !forms_->hasDottedDays)
         return std::nullopt;
     said_ = DayWords(days[0], at) + " " + std::string(forms_->dayRange) + " " +
-            DayWords(days[1], begins[1]);
+            DayWords(days[1], second);
     return goesOn ? end : end - 1;  // that stop is the sentence's, too
 }
 

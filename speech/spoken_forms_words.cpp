@@ -21,6 +21,7 @@ constexpr std::size_t kLongestMail = 100;
 constexpr std::string_view kListEnds = " etc. usw. usf. ecc. atd. apod. и т. д. и т.д. ";
 constexpr char32_t kFirstPicture = 0x2190;
 constexpr gunichar kJoiner = 0x200D;
+constexpr int kMostPartsOfPicture = 16;
 constexpr gunichar kPictureStyle = 0xFE0F;
 
 const WrittenForm* FormBeginning(std::span<const WrittenForm> forms, std::string_view text) {
@@ -241,7 +242,9 @@ std::optional<std::size_t> SpokenForms::Capitals(std::size_t at) {
 // What only changes the picture before, or joins another to it, is a part of it.
 std::size_t SpokenForms::EmojiEnd(std::size_t at) const {
     std::size_t end = at + SizeAt(at);
-    while (IsModifier(CharacterAt(end)) || CharacterAt(end) == kJoiner) {
+    for (int parts = 0; parts < kMostPartsOfPicture &&
+                        (IsModifier(CharacterAt(end)) || CharacterAt(end) == kJoiner);
+         ++parts) {
         const bool joins = CharacterAt(end) == kJoiner;
         end += SizeAt(end);
         if (joins)
@@ -257,11 +260,11 @@ std::optional<std::size_t> SpokenForms::Emoji(std::size_t at) {
     const bool isBehindWord = at > 0 && g_ascii_isspace(text_[at - 1]) == FALSE;
     if (first < kFirstPicture || u_hasBinaryProperty(static_cast<UChar32>(first), UCHAR_EMOJI) == 0)
         return std::nullopt;
+    if (choices_.saysEmoji && (byEngine_ & kSaysEmoji) != 0)
+        return std::nullopt;
     std::size_t end = EmojiEnd(at);
     if (!choices_.saysEmoji)
         return end;
-    if ((byEngine_ & kSaysEmoji) != 0)
-        return std::nullopt;
     std::string name;
     if (const auto known = FindEmojiName(language_, text_.substr(at))) {
         name = known->name;

@@ -66,6 +66,13 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "евро"},
         {"cs", "1. května, Karel IV. byl, 250 Kč, např. č. 5",
          "prvního května, Karel čtvrtý byl, 250 korun, například číslo 5"},
+        {"fr", "Voici nos 3 enfants", "Voici nos 3 enfants"},
+        {"it", "un angolo di 1° nel cielo, il 1° maggio",
+         "un angolo di 1° nel cielo, il primo maggio"},
+        {"de", "in die 1. bis 5. Klasse, auf Platz 3. Mal sehen, Der 2. Weltkrieg, um 9:5 Uhr",
+         "in die erste bis fünfte Klasse, auf Platz 3. Mal sehen, Der zweite Weltkrieg, um 9:5 "
+         "Uhr"},
+        {"en", "Call 555–1234, 10−5–3, verse 3:2", "Call 555–1234, 10−5–3, verse 3:2"},
         {"en", "It was -5 °C, (−5), 3 -5, a-5, and so on, etc.",
          "It was minus 5 degrees Celsius, (minus 5), 3 -5, a-5, and so on, et cetera."},
         {"de", "Am 25. 12. 2026, am 24.12. zu, die 24.12. und, 9:00 bis 17:30 Uhr",
