@@ -176,7 +176,9 @@ TEST_F(RunOnceTest, BrokenMessagesNeitherCrashNorHang) {
     server_.ClaimPath(path_, {});
     const std::tuple<std::string, std::vector<std::string>, bool> cases[] = {
         {"", {}, true},
-        {Word(3) + Word(1) + "a" + Word(5) + "b", {}, true},  // its sender tells, and is asked again
+        {Word(3) + Word(1) + "a" + Word(5) + "b",
+         {},
+         true},  // its sender tells, and is asked again
         {Word(2) + Word(-7), {}, true},
         {Word(1) + Word(0x7fffffff), {}, true},
         {Word(-1), {}, false}};  // a negative count stops listening for good
