@@ -73,7 +73,7 @@ std::optional<ItemNumber> ItemNumberOf(std::string_view line) {
     inner.remove_suffix(1);
     if (inner.size() == 1 && g_ascii_isalpha(inner.front())) {
         number.style += g_ascii_islower(inner.front()) ? 'a' : 'A';
-        number.value = inner.front();
+        number.value = static_cast<unsigned char>(inner.front());
         return number;
     }
     if (inner.empty() || inner.size() > kMostDigits ||

@@ -40,8 +40,7 @@ std::string TargetOfItsFormat(const BookOrder& order) {
     BookChoices begun;
     begun.type = order.type;
     begun.isReadAlong = order.isReadAlong;
-    const std::string target =
-        order.target.substr(0, order.target.rfind('.') + 1) + EndingOf(begun);
+    std::string target = order.target.substr(0, order.target.rfind('.') + 1) + EndingOf(begun);
     MoveUnfinished(order.target, target);
     return target;
 }
