@@ -261,8 +261,8 @@ TEST(Pdf, HostilePagesTakeNoLongerThanTheyAreLong) {
     EXPECT_GT(TextOfBlocks(row).size(), 100000U);
     std::vector<std::vector<std::string>> cells;
     for (int line = 0; line < 20000; ++line) {
-        const int row = line / 7;
-        cells.push_back({WordAt(50 + line % 7 * 70, 12 * row, 10, "Cell")});
+        const int tableRow = line / 7;
+        cells.push_back({WordAt(50 + line % 7 * 70, 12 * tableRow, 10, "Cell")});
         cells.push_back({WordAt(50 + line % 5 * 70, line, 10, "lone")});
     }
     EXPECT_GT(TextOfBlocks(cells).size(), 100000U);
