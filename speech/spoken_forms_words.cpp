@@ -114,11 +114,12 @@ std::optional<std::size_t> SpokenForms::MoneyBefore(const Amount& amount) {
 // Behind a form "#" asks for a number, and "A" for a capital letter.
 std::optional<std::size_t> SpokenForms::Abbreviation(std::size_t at) {
     const std::string_view rest = text_.substr(at);
+    const bool mayBegin = g_unichar_isupper(CharacterAt(at)) != FALSE;
     for (const WrittenForm& form : forms_->abbreviations) {
         const bool isConditional = form.written.ends_with(" #") || form.written.ends_with(" A");
         const std::string_view written =
             form.written.substr(0, form.written.size() - (isConditional ? 2 : 0));
-        const bool isCapitalised = BeginsAsSentence(rest, written);
+        const bool isCapitalised = mayBegin && BeginsAsSentence(rest, written);
         if (!isCapitalised && !rest.starts_with(written))
             continue;
         const std::size_t end = at + written.size();
