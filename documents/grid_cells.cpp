@@ -91,7 +91,7 @@ std::vector<PdfLine> WordsApart(const PdfLine& line, double leastGap) {
     const double letter = LetterWidth(line);
     const bool isStretched = IsStretched(line);
     for (PdfLine::Gap gap : line.gaps) {
-        if (gap.at <= begin || !MayPart(line, gap))
+        if (gap.at <= begin + 1 || !MayPart(line, gap))  // no part is empty
             continue;
         const double width = gap.right - gap.left;
         // A blank that is as wide as letters are, as on typewriters, is nothing but a blank.
