@@ -29,7 +29,7 @@ constexpr int kReceiveLimitMilliseconds = 1000;
 constexpr int kTurnLimitMilliseconds = 1000;
 constexpr int kMostTries = 100;
 constexpr useconds_t kBetweenTriesMicroseconds = 100000;
-constexpr std::int32_t kMaxArguments = 65536;
+constexpr std::int32_t kMaxArguments = 1 << 20;  // more than the system starts a program with
 constexpr std::int32_t kMaxArgumentBytes = 1 << 20;
 
 sockaddr_un AddressOf(const std::string& path) {
@@ -331,7 +331,9 @@ bool RunOnceSocket::Receive(HandedOver& handed) const {
         return true;
     if (count < 0)
         return false;
-    for (std::int32_t index = 0; index < count && index < kMaxArguments; ++index) {
+    if (count > kMaxArguments)
+        return true;
+    for (std::int32_t index = 0; index < count; ++index) {
         std::int32_t length = 0;
         if (!reader.ReadNumber(length) || length < 0 || length > kMaxArgumentBytes)
             return DropPart(arguments);

@@ -77,6 +77,26 @@ TEST_F(RunOnceTest, SecondStartHandsItsWholeCommandLineOver) {
         << "it waits until somebody does what it asks for";
     handed = {};
     EXPECT_EQ(RunOnceSocket::Claim::kHandedOver, second.get());
+    // All the files of a large folder.
+    const std::vector<std::string> many(100000, "a name of 20 letters");
+    second = StartSecond(many);
+    AwaitConnection();
+    EXPECT_TRUE(server_.Receive(handed));
+    EXPECT_EQ(handed.arguments, many);
+    handed = {};
+    EXPECT_EQ(RunOnceSocket::Claim::kHandedOver, second.get());
+}
+
+TEST_F(RunOnceTest, OfALongCommandLineThatABusyInstanceDoesNotTakeNothingIsDone) {
+    server_.ClaimPath(path_, {});
+    const std::vector<std::string> files(400, std::string(1000, 'x'));
+    EXPECT_EQ(RunOnceSocket::Claim::kBusy, StartSecond(files, 200).get());
+    EXPECT_EQ(second_.BusyProcess(), ::getpid());
+    HandedOver handed;
+    EXPECT_TRUE(server_.Receive(handed));
+    EXPECT_THAT(handed.arguments, IsEmpty());
+    pollfd entry{server_.ListeningFd(), POLLIN, 0};
+    EXPECT_EQ(0, ::poll(&entry, 1, 0)) << "it was handed over more than once";
 }
 
 TEST_F(RunOnceTest, AStartThatOnlyAsksTakesNoPlaceAndHearsWhatBecameOfIt) {
