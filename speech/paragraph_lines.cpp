@@ -10,6 +10,8 @@ namespace {
 
 // Beyond this a line was wrapped by its width, not ended on purpose.
 constexpr std::size_t kShortLine = 55;
+constexpr gunichar kMiddleDot = 0x00B7;
+constexpr gunichar kEllipsis = 0x2026;
 
 bool BeginsItem(std::string_view line) {
     const gunichar first = CharacterAt(line, 0);
@@ -41,15 +43,42 @@ bool BeginsCapital(std::string_view line) {
     return g_unichar_isupper(first) != 0 || g_unichar_isdigit(first) != 0;
 }
 
+// Of an entry in a table of contents the row of dots that leads to its page, with the stop before
+// it; empty: there is none.
+std::string_view LeaderOf(std::string_view line) {
+    constexpr int kLeastDots = 4;
+    constexpr std::size_t kLongestPage = 8;  // "xviii", "A-12"
+    const std::size_t end = line.find_last_not_of("0123456789-ivxlcdmABCDEFGHIVXLM") + 1;
+    if (end == line.size() || line.size() - end > kLongestPage)
+        return {};
+    int dots = 0;
+    std::size_t begin = end;
+    for (std::size_t at = end; at > 0; at = begin) {
+        begin = Before(line, at);
+        const gunichar character = CharacterAt(line, begin);
+        const bool isDot = character == '.' || character == kMiddleDot || character == kEllipsis;
+        if (isDot)
+            dots += character == kEllipsis ? 3 : 1;
+        else if (!IsWhite(character) && !IsStop(character)) {
+            begin = at;
+            break;
+        }
+    }
+    return dots < kLeastDots ? std::string_view() : line.substr(begin, end - begin);
+}
+
 }  // namespace
 
 ParagraphLines::ParagraphLines(std::string_view paragraph) : joined_(paragraph) {
     std::vector<std::pair<std::size_t, std::string_view>> lines;
+    std::vector<std::string_view> leaders;  // of each
     for (std::size_t at = 0; at <= paragraph.size();) {
         const std::size_t end = std::min(paragraph.find('\n', at), paragraph.size());
         const std::string_view line = Trimmed(paragraph.substr(at, end - at));
-        if (!line.empty())
+        if (!line.empty()) {
             lines.emplace_back(static_cast<std::size_t>(line.data() - paragraph.data()), line);
+            leaders.push_back(LeaderOf(line));
+        }
         at = end + 1;
     }
     std::ranges::replace(joined_, '\n', ' ');
@@ -59,6 +88,9 @@ ParagraphLines::ParagraphLines(std::string_view paragraph) : joined_(paragraph) 
     for (std::size_t at = joined_.find(kLineSeparator); at != std::string::npos;
          at = joined_.find(kLineSeparator, at))
         joined_.replace(at, kLineSeparator.size(), kLineSeparator.size(), ' ');
+    for (const std::string_view leader : leaders)
+        std::fill_n(joined_.begin() + (leader.empty() ? 0 : leader.data() - paragraph.data()),
+                    leader.size(), ' ');
     // Short lines of which none ends in a stop are a list, whatever they begin
     // with.
     const bool isList = lines.size() > 2 && std::ranges::all_of(lines, [](const auto& line) {
@@ -70,7 +102,9 @@ ParagraphLines::ParagraphLines(std::string_view paragraph) : joined_(paragraph) 
         const bool followsHeading = before.size() < kShortLine && !EndsInStop(before) &&
                                     !EndsOpen(before) && BeginsCapital(line) &&
                                     (i == 1 || EndsInStop(lines[i - 2].second));
-        if (BeginsItem(line) || isList || followsHeading)
+        const bool isEntry =
+            !leaders[i - 1].empty() || (!leaders[i].empty() && BeginsCapital(line));
+        if (BeginsItem(line) || isList || followsHeading || isEntry)
             starts_.push_back(lines[i].first);
     }
 }
