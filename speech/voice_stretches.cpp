@@ -116,16 +116,21 @@ void VoiceStretches::AddSentences(const std::vector<Sentence>& paragraph) {
     ready_.back().end = ahead_ ? ahead_->begin : text_.size();
 }
 
-// Who has no Norwegian voice does not see Danish taken for it.
+// Who has no Norwegian voice does not see Danish taken for it, and a listing that looks a little
+// like Javanese is no reason to tell of a voice that is missing.
 TextLanguage VoiceStretches::WithVoice(TextLanguage seen) {
     const auto hasVoice = [this](const std::string& language) {
         return language == voiceLanguage_ || voices_.Of(language) >= 0;
     };
-    if (seen.orElse.empty() || hasVoice(seen.tag))
+    if (seen.tag.empty() || hasVoice(seen.tag))
         return seen;
     const auto other = std::ranges::find_if(seen.orElse, hasVoice);
     if (other != seen.orElse.end())
         seen.tag = *other;
+    else if (!seen.isSure && std::ranges::none_of(SpokenAlike(seen.tag), [&](auto alike) {
+                 return hasVoice(std::string(alike));
+             }))
+        return {};
     return seen;
 }
 

@@ -221,6 +221,10 @@ TEST(VoiceStretches, TellLanguagesWithoutVoiceAndMakePiecesOfOneVoice) {
             "A ház az utca végén sok éve üresen állt, és senki sem tudta, hogy kié.";
         EXPECT_EQ(Spoken(std::string(kEnglish) + "\n\n" + hungarian + "\n\n" + hungarian),
                   "|en-US The text is partly in Hungarian");
+        // What only looks a little like Javanese.
+        EXPECT_EQ(Spoken(std::string(kEnglish) +
+                         "\n\n#: data/hello.desktop.in:3 msgid \"Hello\"\nmsgstr \"\""),
+                  "|en-US");
         const std::string text = std::string(kEnglish) + " " + kGermanSentence + "\n\n" + kEnglish;
         SpeechPieces pieces(text, FindVoice("en-US"), ReadingUse::kSaving, {.byLanguage = true});
         std::string told;
