@@ -13,9 +13,11 @@ namespace {
 constexpr std::size_t kLongestLabel = 8;
 constexpr std::size_t kLeastNumberedLines = 8;   // when each line is
 constexpr std::size_t kLeastNumbersOfLines = 3;  // when only every fifth is, for example
+constexpr std::size_t kLeastNumbersOfPages = 4;  // of contents
 // Of the letters' height: how far lines of one row stand apart, above each other and side by side.
 constexpr double kSameRow = 0.4;
 constexpr double kLargestLabelGap = 5;
+constexpr double kHeadApart = 1.3;         // of the distance of lines
 constexpr int kMostBeside = 32;            // lines of a row that are looked at
 constexpr std::size_t kLongestRow = 1000;  // gets no more labels
 
@@ -24,6 +26,14 @@ bool IsLabel(std::string_view text) {
     return !text.empty() && text.size() <= kLongestLabel &&
            (text.find_first_not_of("0123456789.") == std::string_view::npos ||
             text.find_first_not_of("ivxlc") == std::string_view::npos);
+}
+
+bool IsNumber(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+std::string_view LastWordOf(std::string_view text) {
+    return text.substr(text.find_last_of(' ') + 1);
 }
 
 bool HoldsLeader(std::string_view text) {
@@ -49,11 +59,13 @@ public:
                     rows_.emplace(page_[i].Middle(), i);
         }
         areLinesNumbered_ = AreLinesNumbered();
+        JoinNumbersOfPages();
         for (const auto& [begin, end] : labels_)
-            JoinBlock(begin, end);
+            if (!isTaken_[begin])
+                JoinBlock(begin, end);
         for (PdfLine& line : page_)
             if (HoldsLeader(line.text) && g_ascii_isalnum(line.text.back()))
-                line.right = line.left;  // nothing goes on behind a page's number
+                EndRow(line);
         std::size_t kept = 0;
         for (std::size_t i = 0; i < page_.size(); ++i)
             if (!isTaken_[i] && kept++ != i)
@@ -62,8 +74,77 @@ public:
     }
 
 private:
+    // Nothing goes on behind a page's number.
+    static void EndRow(PdfLine& line) { line.right = line.left; }
+
     PdfPage::iterator At(std::size_t index) {
         return page_.begin() + static_cast<std::ptrdiff_t>(index);
+    }
+
+    struct NumberAtSide {
+        double right;
+        double top;
+        int value;
+        std::size_t at;
+        PdfLine* line;  // to which it is put; none: it stands in its line
+    };
+    using NumbersAtSide = std::vector<NumberAtSide>;
+
+    // Numbers below each other that rise, each at the end of a line's row: of contents, whether
+    // dots lead to them or not.
+    void JoinNumbersOfPages() {
+        NumbersAtSide numbers;
+        for (const auto& [begin, end] : labels_)
+            for (std::size_t i = begin; i < end; ++i)
+                if (PdfLine* const line = Beside(page_[i], false);
+                    line != nullptr && IsNumber(page_[i].text) && Beside(page_[i], true) == nullptr)
+                    numbers.push_back(
+                        {page_[i].right, page_[i].top, NumberIn(page_[i].text), i, line});
+        for (const auto& [middle, i] : rows_)
+            if (const std::string_view last = LastWordOf(page_[i].text);
+                HoldsLeader(page_[i].text) && IsNumber(last))
+                numbers.push_back({page_[i].right, page_[i].top, NumberIn(last), i, nullptr});
+        std::ranges::sort(numbers, {}, &NumberAtSide::right);
+        for (auto begin = numbers.begin(), end = begin; begin != numbers.end(); begin = end) {
+            const double most = begin->right + page_[begin->at].height * kSameRow;
+            end = std::find_if(begin, numbers.end(),
+                               [most](const auto& number) { return number.right > most; });
+            NumbersAtSide column(begin, end);
+            std::ranges::sort(column, {}, &NumberAtSide::top);
+            DropOwnNumber(column);
+            if (!AreNumbersOfPages(column))
+                continue;
+            for (const NumberAtSide& number : column)
+                if (number.line != nullptr) {
+                    number.line->text +=
+                        (HoldsLeader(number.line->text) ? " " : ", ") + page_[number.at].text;
+                    EndRow(*number.line);
+                    isTaken_[number.at] = true;
+                }
+        }
+    }
+
+    // Neither of lines nor of steps.
+    static bool AreNumbersOfPages(const NumbersAtSide& column) {
+        return column.size() >= kLeastNumbersOfPages &&
+               std::ranges::is_sorted(column, {}, &NumberAtSide::value) &&
+               column.front().value + static_cast<int>(column.size()) - 1 != column.back().value;
+    }
+
+    // This page's, which stands apart, above or below all else.
+    void DropOwnNumber(NumbersAtSide& column) const {
+        if (column.size() < 2)
+            return;
+        double apart = HUGE_VAL;
+        for (std::size_t i = 1; i < column.size(); ++i)
+            apart = std::min(apart, (column[i].top - column[i - 1].top) * kHeadApart);
+        const auto [above, below] = std::ranges::minmax(page_, {}, &PdfLine::top);
+        const double slack = page_[column.front().at].height * kSameRow;
+        if (column[1].top - column[0].top > apart && column[0].top < above.top + slack)
+            column.erase(column.begin());
+        else if (column.back().top - std::prev(column.end(), 2)->top > apart &&
+                 column.back().top > below.top - slack)
+            column.pop_back();
     }
 
     // Only the labels of a whole block: one that finds no line is no chapter's and no page's.

@@ -34,6 +34,11 @@ bool EndsInStop(std::string_view line) {
     return false;
 }
 
+bool EndsInFigure(std::string_view line) {
+    const std::size_t number = line.find_last_not_of("0123456789") + 1;
+    return number < line.size() && number > 0 && IsWhite(CharacterAt(line, Before(line, number)));
+}
+
 bool EndsOpen(std::string_view line) {
     return line.ends_with(',') || line.ends_with('-') || line.ends_with('(');
 }
@@ -96,14 +101,19 @@ ParagraphLines::ParagraphLines(std::string_view paragraph) : joined_(paragraph) 
     const bool isList = lines.size() > 2 && std::ranges::all_of(lines, [](const auto& line) {
                             return line.second.size() < kShortLine && !EndsInStop(line.second);
                         });
+    // Of which most end in a number: of contents or of a table.
+    const auto numbers =
+        std::ranges::count_if(lines, [](const auto& line) { return EndsInFigure(line.second); });
+    const bool areRows = numbers > 2 && numbers * 3 > std::ssize(lines) * 2;
     for (std::size_t i = 1; i < lines.size(); ++i) {
         const std::string_view before = lines[i - 1].second;
         const std::string_view line = lines[i].second;
         const bool followsHeading = before.size() < kShortLine && !EndsInStop(before) &&
                                     !EndsOpen(before) && BeginsCapital(line) &&
                                     (i == 1 || EndsInStop(lines[i - 2].second));
-        const bool isEntry =
-            !leaders[i - 1].empty() || (!leaders[i].empty() && BeginsCapital(line));
+        const bool isEntry = !leaders[i - 1].empty() ||
+                             (!leaders[i].empty() && BeginsCapital(line)) ||
+                             (areRows && EndsInFigure(before) && !EndsOpen(before));
         if (BeginsItem(line) || isList || followsHeading || isEntry)
             starts_.push_back(lines[i].first);
     }

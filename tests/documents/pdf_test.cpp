@@ -194,6 +194,19 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
                             {WordAt(50, 140, 10, "2 Two........ 14"),
                              WordAt(50, 160, 10, "3 Three...... 15")}}),
               "1 One 3\n1.1 More . . . . 12\n\n2 Two........ 14\n3 Three...... 15\n");
+    // Each title and number a block of its own, without dots; above them this page's number.
+    std::vector<std::vector<std::string>> blocks;
+    const auto add = [&blocks](int top, const std::string& title, const std::string& page) {
+        blocks.push_back({WordAt(50, top, 10, title)});
+        blocks.push_back({WordAt(480, top, 10, page)});
+    };
+    add(60, "Contents", "12");
+    add(100, "First", "17");
+    add(120, "Second", "19");
+    add(140, "Third", "19");
+    add(160, "Fourth", "24");
+    EXPECT_EQ(TextOfBlocks(blocks),
+              "Contents\n\n12\n\nFirst, 17\n\nSecond, 19\n\nThird, 19\n\nFourth, 24\n");
     // A paragraph's large first letter.
     EXPECT_EQ(TextOfBlocks({{WordAt(63, 100, 10, "nce upon"), WordAt(63, 112, 10, "a time"),
                              WordAt(50, 124, 10, "he went.")},
