@@ -1,6 +1,8 @@
 #include "documents/page_surroundings.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -23,7 +25,10 @@ public:
         SumUp(parts_);
         const std::size_t words = parts_[0].words;
         LeaveOutWhere([this](std::size_t i) { return Holds(i, PartSign::kSurely); });
-        LeaveOutWhere([this](std::size_t i) { return Holds(i, PartSign::kMatter); });
+        const std::set<std::size_t> posts = KinOfPosts();
+        LeaveOutWhere([this, &posts](std::size_t i) {
+            return Holds(i, PartSign::kMatter) && !posts.contains(parts_[i].kin);
+        });
         if (IsLeftOut(title_))
             title_ = 0;
         FindMatter();
@@ -78,6 +83,32 @@ private:
         const PagePart& part = parts_[i];
         return part.sign == sign && !HasTitle(i) && part.prose * 2 <= parts_[0].prose &&
                (part.prose > 0 || part.text * 2 <= parts_[0].text);
+    }
+
+    // What is called comments is the matter of a page that has no other, or of which one of them is
+    // most: the posts of a thread.
+    std::set<std::size_t> KinOfPosts() const {
+        struct Kin {
+            std::size_t prose = 0;
+            std::size_t end = 0;  // behind the last one, in which others may stand
+        };
+        std::map<std::size_t, Kin> kins;
+        std::set<std::size_t> posts;
+        const std::size_t all = parts_[0].prose;
+        for (std::size_t i = 1; i < parts_.size(); ++i) {
+            const PagePart& part = parts_[i];
+            if (part.sign != PartSign::kMatter || part.kin == 0 || IsLeftOut(i))
+                continue;
+            Kin& kin = kins[part.kin];
+            if (i < kin.end)
+                continue;
+            kin.prose += part.prose;
+            kin.end = part.end;
+            const std::size_t others = all - std::min(all, kin.prose);
+            if (part.prose * 2 > all || (others * 5 <= all && others < kLongBlock))
+                posts.insert(part.kin);
+        }
+        return posts;
     }
 
     // The one element that says that it holds the page's matter.
