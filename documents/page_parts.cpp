@@ -6,7 +6,6 @@
 #include <functional>
 
 #include "documents/small_texts.h"
-#include "documents/surrounding_names.h"
 #include "foundation/whole_characters.h"
 
 namespace {
@@ -96,7 +95,10 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
     part.kin = names.empty() ? 0 : std::hash<std::string_view>()(names.substr(0, names.find(' ')));
     part.sign = SignOf(name, attributes, part);
     const bool isOfPage = name != "head" && name != "title";
-    const bool isPart = isOfPage && (!IsOneOf(name, kPartsOfLines) || part.sign != PartSign::kNone);
+    part.postName = PostNameOfClass(names);
+    const bool isPart =
+        isOfPage && (!IsOneOf(name, kPartsOfLines) || part.sign != PartSign::kNone ||
+                     part.postName == PostName::kBeside);
     isPart_.push_back(isPart);
     isLink_.push_back(isLink);
     linkDepth_ += isLink ? 1 : 0;

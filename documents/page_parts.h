@@ -8,6 +8,7 @@
 
 #include "documents/html_reader.h"
 #include "documents/markup_listener.h"
+#include "documents/surrounding_names.h"
 
 // What an element says of itself that lets it surround an article.
 enum class PartSign {
@@ -24,6 +25,7 @@ struct PagePart {
     std::size_t parent = 0;  // in the list, before it; of the first one itself
     std::size_t end = 0;     // in the list, behind all that it holds
     PartSign sign = PartSign::kNone;
+    PostName postName = PostName::kNone;
     bool isMain = false;
     bool isArticle = false;
     std::size_t kin = 0;       // the same for all of one class; 0: of none

@@ -29,6 +29,7 @@ public:
         LeaveOutWhere([this, &posts](std::size_t i) {
             return Holds(i, PartSign::kMatter) && !posts.contains(parts_[i].kin);
         });
+        LeaveOutBesidePosts();
         if (IsLeftOut(title_))
             title_ = 0;
         FindMatter();
@@ -109,6 +110,35 @@ private:
                 posts.insert(part.kin);
         }
         return posts;
+    }
+
+    // Of the posts of a thread: dates, buttons, what their writers put below everything.
+    void LeaveOutBesidePosts() {
+        struct Kin {
+            std::size_t posts = 0;
+            std::size_t end = 0;  // behind the last one, in which others may stand
+        };
+        std::map<std::size_t, Kin> kins;
+        for (std::size_t i = 1; i < parts_.size(); ++i)
+            if (Kin& kin = kins[parts_[i].kin]; i >= kin.end && IsPost(i) && !IsLeftOut(i)) {
+                ++kin.posts;
+                kin.end = parts_[i].end;
+            }
+        LeaveOutWhere([this, &kins](std::size_t i) {
+            const PagePart& part = parts_[i];
+            const bool isBeside = part.postName == PostName::kBeside ||
+                                  (part.sign == PartSign::kPlace && part.prose == 0);
+            if (!isBeside || HasTitle(i))
+                return false;
+            for (std::size_t post = part.parent; post != 0; post = parts_[post].parent)
+                if (IsPost(post) && kins[parts_[post].kin].posts > 1)
+                    return parts_[post].text > part.text;
+            return false;
+        });
+    }
+    bool IsPost(std::size_t i) const {
+        const PagePart& part = parts_[i];
+        return part.postName == PostName::kPost && part.kin != 0 && part.prose > 0;
     }
 
     // The one element that says that it holds the page's matter.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kMostWords = 12;  // of one name
 
-constexpr SortedNames<105> kMatterWords = {"aboutauthor",
+constexpr SortedNames<112> kMatterWords = {"aboutauthor",
                                            "abouttheauthor",
                                            "ad",
                                            "ads",
@@ -43,6 +43,8 @@ constexpr SortedNames<105> kMatterWords = {"aboutauthor",
                                            "disqus",
                                            "editsection",
                                            "feedback",
+                                           "forumquickjump",
+                                           "forumrules",
                                            "gdpr",
                                            "jumpbox",
                                            "jumplink",
@@ -52,18 +54,22 @@ constexpr SortedNames<105> kMatterWords = {"aboutauthor",
                                            "mostread",
                                            "mostviewed",
                                            "navbox",
+                                           "navpopupmenu",
                                            "newsletter",
                                            "newsletters",
                                            "noprint",
                                            "onetrust",
                                            "online",
                                            "outbrain",
+                                           "pagelinks",
                                            "pager",
                                            "pagination",
                                            "paging",
                                            "partager",
                                            "paywall",
                                            "popular",
+                                           "popupbody",
+                                           "popupmenu",
                                            "postprofile",
                                            "printfooter",
                                            "privacy",
@@ -74,6 +80,7 @@ constexpr SortedNames<105> kMatterWords = {"aboutauthor",
                                            "promotions",
                                            "publicidad",
                                            "publicite",
+                                           "quickjump",
                                            "reactions",
                                            "readmore",
                                            "readnext",
@@ -154,6 +161,42 @@ constexpr SortedNames<106> kPlainWords = {
     "wrapper", "zone"};
 static_assert(std::is_sorted(kPlainWords.begin(), kPlainWords.end()));
 
+constexpr SortedNames<10> kPostWords = {"answer",        "comment", "message",  "post",  "postbit",
+                                        "postbitlegacy", "posting", "postitem", "reply", "topic"};
+static_assert(std::is_sorted(kPostWords.begin(), kPostWords.end()));
+
+constexpr SortedNames<30> kBesidePostWords = {"controls",
+                                              "edited",
+                                              "expandlink",
+                                              "infos",
+                                              "ipscommentmeta",
+                                              "keyinfo",
+                                              "lastedit",
+                                              "lastedited",
+                                              "likes",
+                                              "linkback",
+                                              "linkbacks",
+                                              "messagelastedit",
+                                              "messageuserextras",
+                                              "messageusertitle",
+                                              "moderatorbar",
+                                              "modified",
+                                              "nodecontrols",
+                                              "postcounter",
+                                              "postdate",
+                                              "postfoot",
+                                              "postinfo",
+                                              "postlikes",
+                                              "postmeta",
+                                              "quickbuttons",
+                                              "replyplaceholder",
+                                              "signature",
+                                              "signaturecontainer",
+                                              "textcontrols",
+                                              "timegap",
+                                              "undermessage"};
+static_assert(std::is_sorted(kBesidePostWords.begin(), kBesidePostWords.end()));
+
 // "relatedNews__title-2" as "related", "news", "title".
 std::vector<std::string> WordsOfName(std::string_view name) {
     std::vector<std::string> words;
@@ -194,13 +237,21 @@ SurroundingName Judged(std::string_view name, std::size_t mostOwnWords) {
     return judged;
 }
 
-SurroundingName JudgedAll(std::string_view names, std::size_t mostOwnWords) {
-    SurroundingName judged = SurroundingName::kNone;
+// Each of the names that blanks part.
+template <typename Take>
+void ForEachName(std::string_view names, Take take) {
     while (!names.empty()) {
         const std::size_t end = std::min(names.find_first_of(kWhiteSpace), names.size());
-        judged = std::max(judged, Judged(names.substr(0, end), mostOwnWords));
+        take(names.substr(0, end));
         names.remove_prefix(std::min(end + 1, names.size()));
     }
+}
+
+SurroundingName JudgedAll(std::string_view names, std::size_t mostOwnWords) {
+    SurroundingName judged = SurroundingName::kNone;
+    ForEachName(names, [&](std::string_view name) {
+        judged = std::max(judged, Judged(name, mostOwnWords));
+    });
     return judged;
 }
 
@@ -212,4 +263,25 @@ SurroundingName SurroundingNameOfClass(std::string_view names) {
 
 SurroundingName SurroundingNameOfId(std::string_view name) {
     return JudgedAll(name, 1);
+}
+
+PostName PostNameOfClass(std::string_view names) {
+    PostName judged = PostName::kNone;
+    ForEachName(names, [&](std::string_view name) {
+        const std::vector<std::string> words = WordsOfName(name);
+        if (words.size() > kMostWords)
+            return;
+        std::string joined;
+        for (const std::string& word : words)
+            joined += word;
+        const auto isBeside = [](const std::string& word) {
+            return IsOneOf(word, kBesidePostWords);
+        };
+        const auto isPost = [](const std::string& word) { return IsOneOf(word, kPostWords); };
+        if (isBeside(joined) || std::ranges::any_of(words, isBeside))
+            judged = PostName::kBeside;
+        else if (std::ranges::any_of(words, isPost))
+            judged = std::max(judged, PostName::kPost);
+    });
+    return judged;
 }

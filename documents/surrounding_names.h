@@ -14,3 +14,12 @@ enum class SurroundingName {
 // headings too, so that only one word before it may be the page's own.
 SurroundingName SurroundingNameOfClass(std::string_view names);
 SurroundingName SurroundingNameOfId(std::string_view name);
+
+enum class PostName {
+    kNone,
+    kPost,   // of a thread: a message, a comment, an answer
+    kBeside  // in a post beside its words, such as when it was written and what can be done with it
+};
+
+// The same of a thread's posts: what these words mean elsewhere they do not tell.
+PostName PostNameOfClass(std::string_view names);
