@@ -12,6 +12,7 @@
 namespace {
 
 constexpr std::size_t kLongestLine = 65536;
+constexpr std::size_t kLongestReference = 16;  // "&amp;", and what ends a word
 constexpr double kLargestLength = 1e6;
 // Of the letters' height: what parts words, what may part columns, what a mark may stand apart, and
 // what lifts a small number above its line.
@@ -57,13 +58,31 @@ bool IsAllDigits(std::string_view text) {
 void PdfLayout::Feed(std::string_view bytes) {
     while (!bytes.empty()) {
         const std::size_t end = bytes.find('\n');
-        if (rest_.size() < kLongestLine)
-            rest_ += bytes.substr(0, end);
+        rest_ += bytes.substr(0, end);
         if (end == std::string_view::npos)
-            return;
+            return CutLongLine();
         ReadLine(std::exchange(rest_, {}));
         bytes.remove_prefix(end + 1);
     }
+}
+
+// A word goes on as another one at its place, which no blank parts from it; of what is none nobody
+// needs so much.
+void PdfLayout::CutLongLine() {
+    if (rest_.size() < kLongestLine)
+        return;
+    const std::size_t begin = rest_.find('>') + 1;
+    const bool isWord = rest_.find("<word ") == rest_.find_first_not_of(' ');
+    std::size_t cut = rest_.size() - kLongestReference;
+    if (!isWord || begin == 0 || begin + kLongestReference > cut)
+        return rest_.resize(kLongestLine);
+    if (const std::size_t reference = rest_.rfind('&', cut); reference + kLongestReference > cut)
+        cut = reference;
+    while (cut > begin && (static_cast<unsigned char>(rest_[cut]) & 0xC0U) == 0x80U)
+        --cut;
+    textSize_ += cut - begin;
+    ReadLine(rest_.substr(0, cut) + "</word>");
+    rest_.erase(begin, cut - begin);
 }
 
 void PdfLayout::ReadLine(std::string_view line) {

@@ -55,6 +55,7 @@ private:
         double left, right, top, bottom;
     };
 
+    void CutLongLine();
     void ReadLine(std::string_view line);
     const Word& UsualWord() const;
     void EndLine();

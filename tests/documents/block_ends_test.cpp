@@ -10,6 +10,7 @@
 #include "documents/document.h"
 #include "documents/pdf_pages.h"
 #include "tests/documents/document_files.h"
+#include "tests/documents/placed_words.h"
 
 namespace {
 
@@ -109,6 +110,25 @@ TEST(BlockEnds, AreNowhereInTheLayoutOfPages) {
         const std::string whole = text(layout, 0);
         for (std::size_t end = 1; end < layout.size(); end += 1 + maker.Number(20))
             ASSERT_EQ(text(layout, end), whole) << end << layout;
+    }
+}
+
+TEST(BlockEnds, AreNowhereInAWordThatIsLongerThanAnyBlock) {
+    std::string word;
+    std::string shown;
+    for (int i = 0; i < 30000; ++i) {
+        word += "é&amp;x";
+        shown += "é&x";
+    }
+    const std::string layout = "<page x>\n<block xMin=\"50\" xMax=\"500\">\n" +
+                               WordAt(50, 100, 10, "Before") +
+                               "<word xMin=\"90\" xMax=\"900\" yMin=\"100\" yMax=\"110\">" + word +
+                               "</word>\n</line>\n</page>\n";
+    for (const std::size_t block : {997U, 8192U, 65537U}) {
+        PdfLayout reader(false);
+        for (std::size_t at = 0; at < layout.size(); at += block)
+            reader.Feed(std::string_view(layout).substr(at, block));
+        EXPECT_TRUE(JoinPages(reader.TakePages(), {}).text == "Before " + shown + "\n") << block;
     }
 }
 
