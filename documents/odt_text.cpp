@@ -190,8 +190,12 @@ void OdtListener::BeginParagraph(std::string_view name, const MarkupAttributes& 
         Flow().BeginHeading(NumberIn(attributes.Value("outline-level"), 1));
     else
         Flow().EndParagraph();
-    if (!itemMark_.empty())
-        Flow().AddListMark(std::exchange(itemMark_, {}));
+    if (itemMark_.empty())
+        return;
+    Flow().AddListMark(std::exchange(itemMark_, {}));
+    // Lists below this item are no parts of those that stood below the one before it.
+    for (std::size_t level = lists_.size(); level < kMostListLevels; ++level)
+        reached_[level] = continued_[level] = 0;
 }
 
 // A note, a text box or a shape. One that stands in no paragraph is read where it stands.

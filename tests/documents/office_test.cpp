@@ -113,7 +113,18 @@ TEST(Office, NoWordOfADocxIsLost) {
     EXPECT_EQ(document.languages[1].tag, "de-DE");
 }
 
+std::string OdtList(const std::string& item, const std::string& attributes = "") {
+    return "<text:list text:style-name='L' " + attributes + "><text:list-item>" + item +
+           "</text:list-item></text:list>";
+}
+
 TEST(Office, NoWordOfAnOdtIsLost) {
+    const auto belowItem = [](const std::string& item, const std::string& below,
+                              const std::string& attributes = "") {
+        return OdtList(item + "<text:list><text:list-item><text:p>" + below +
+                           "</text:p></text:list-item></text:list>",
+                       attributes);
+    };
     const struct {
         const char* what;
         std::string body;
@@ -148,6 +159,15 @@ TEST(Office, NoWordOfAnOdtIsLost) {
          "list-item></text:list></text:list-item><text:list-item><text:p>"
          "w</text:p></text:list-item></text:list>",
          "1 x\n\na y\n\n1 own\n\nb z\n\n2 w"},
+        {"a list that goes on with an item of its own before those below it",
+         "<text:list-style style:name='L'><text:list-level-style-number text:level='1' "
+         "style:num-format='1'/><text:list-level-style-number text:level='2' "
+         "style:num-format='a'/></text:list-style>" +
+             belowItem("<text:p>x</text:p>", "y") +
+             belowItem("<text:p>v</text:p>", "w", "text:continue-numbering='true'") +
+             OdtList("<text:p>u</text:p>", "text:continue-numbering='true'") +
+             belowItem("", "z", "text:continue-numbering='true'"),
+         "1 x\n\na y\n\n2 v\n\na w\n\n3 u\n\na z"},
         {"what a condition hides, and does not now",
          "<text:p>It <text:hidden-text "
          "text:is-hidden='true'>no</text:hidden-text><text:hidden-text "
