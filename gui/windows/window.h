@@ -78,6 +78,8 @@ public:
     bool IsModeless() const { return modeless_; }
     void SetAppIcon(int number);
 
+    // The keyboard goes on from a disabled control, and back when the control is enabled again and
+    // the user has not moved on.
     void EnableControl(int id, bool enabled);
     bool IsControlEnabled(int id) const;
     // With its frame or scroll bars. What is hidden before the window is shown stays hidden.

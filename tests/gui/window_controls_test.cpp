@@ -316,4 +316,20 @@ TEST_F(WindowControls, MessagesBetweenWindows) {
     EXPECT_THAT(recorder.got, ElementsAre(1, -2, 3));
 }
 
+TEST_F(WindowControls, TheKeyboardGoesOnFromADisabledControlAndBack) {
+    const auto focus = [this] { return gtk_window_get_focus(GTK_WINDOW(dialog.Widget())); };
+    dialog.FocusControl(kButton);
+    dialog.EnableControl(kButton, false);
+    GtkWidget* const next = focus();
+    ASSERT_NE(next, nullptr);
+    EXPECT_NE(next, dialog.GetControlByID(kButton));
+    dialog.EnableControl(kButton, true);
+    EXPECT_EQ(focus(), dialog.GetControlByID(kButton));
+    // The user who went elsewhere stays there.
+    dialog.EnableControl(kButton, false);
+    dialog.FocusControl(kCool);
+    dialog.EnableControl(kButton, true);
+    EXPECT_EQ(focus(), dialog.GetControlByID(kCool));
+}
+
 }  // namespace
