@@ -86,13 +86,21 @@ void LReadyDialog::Look() {
 }
 
 void LReadyDialog::FillVoices() {
-    LVClear(kVoices);
-    for (const LVoicePackage& voice : VoicePackages()) {
-        const char* const state = IsPackageInstalled(voice.package) ? " (installed)" : "";
-        LVAddRow(kVoices,
-                 {voice.language, voice.speaker, (std::string(voice.package) + state).c_str()});
+    const bool isFirst = LVGetCount(kVoices) == 0;
+    for (const LVoicePackage& voice : VoicePackages())
+        if (isFirst)
+            LVAddRow(kVoices, {voice.language, voice.speaker, voice.package});
+    if (isFirst)
+        LVSetCurSel(kVoices, 0);
+    // In place: the user's ticks and row stay. The user may have sorted the rows.
+    for (int row = 0; row < LVGetCount(kVoices); ++row) {
+        char text[kTextBufferSize];
+        LVGetColumnString(kVoices, row, 2, text);
+        const std::string shown = text;
+        const std::string package = shown.substr(0, shown.find(' '));
+        const bool isInstalled = IsPackageInstalled(package.c_str());
+        LVSetColumnString(kVoices, row, 2, (package + (isInstalled ? " (installed)" : "")).c_str());
     }
-    LVSetCurSel(kVoices, 0);
 }
 
 void LReadyDialog::Show() {
