@@ -3,10 +3,20 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <vector>
 
 namespace {
 
-using Folder = std::filesystem::directory_iterator;
+// What is in a folder, as far as it can be read: a card may be pulled out meanwhile. (The range-for
+// over a folder would throw then.)
+std::vector<std::filesystem::path> PathsIn(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> paths;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error))
+        paths.push_back(entry->path());
+    return paths;
+}
 
 // "/proc/asound/card0/pcm0p/sub0/status" is "closed", or lines of which one tells the owner.
 std::string OwnerIn(const std::filesystem::path& status) {
@@ -30,12 +40,11 @@ bool IsPlayback(const std::string& name) {
 }  // namespace
 
 std::string CardHolder(int card, const std::string& kernelFolder) {
-    std::error_code error;
-    for (const auto& pcm : Folder(kernelFolder + "/asound/card" + std::to_string(card), error)) {
-        if (!IsPlayback(pcm.path().filename().string()))
+    for (const auto& pcm : PathsIn(kernelFolder + "/asound/card" + std::to_string(card))) {
+        if (!IsPlayback(pcm.filename().string()))
             continue;
-        for (const auto& stream : Folder(pcm.path(), error)) {
-            const std::string owner = OwnerIn(stream.path() / "status");
+        for (const auto& stream : PathsIn(pcm)) {
+            const std::string owner = OwnerIn(stream / "status");
             std::ifstream file(kernelFolder + "/" + owner + "/comm");
             if (std::string name; !owner.empty() && std::getline(file, name))
                 return name;
