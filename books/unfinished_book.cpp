@@ -1,11 +1,15 @@
 #include "books/unfinished_book.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "books/book_key.h"
 #include "books/book_work.h"
+#include "foundation/files/file_io.h"
 #include "speech/pronunciations.h"
 #include "speech/voice_table.h"
 
@@ -69,20 +73,25 @@ std::optional<UnfinishedBook> FindUnfinished(const BookOrder& order) {
     return book;
 }
 
-void MoveUnfinished(const std::string& from, const std::string& target) {
-    if (from == target || (from.back() == '/') != (target.back() == '/'))
-        return;
+bool MoveUnfinished(const std::string& from, const std::string& target) {
+    if (from == target)
+        return true;
     const bool isFolder = from.back() == '/';
     const std::string work = WorkFolderFor(from);
     const std::string old = isFolder ? from : work;
     const std::string fresh = isFolder ? target : WorkFolderFor(target);
-    // What a folder held before is the user's.
-    if (::access((work + "key").c_str(), F_OK) != 0 ||
-        ::access((work + "may-replace").c_str(), F_OK) == 0)
-        return;
+    const UniqueFd key = OpenRegularFile((work + "key").c_str(), O_RDWR | O_NOFOLLOW);
+    if (!key.IsOpen())
+        return true;  // there is none
+    // What a folder held before is the user's; and another program may be at work on the book.
+    if (isFolder != (target.back() == '/') || ::access((work + "may-replace").c_str(), F_OK) == 0 ||
+        (::flock(key.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK))
+        return false;
     const auto bare = [](const std::string& path) { return path.substr(0, path.size() - 1); };
     // A link or a file there is left alone, too.
     std::error_code error;
-    if (!fs::exists(fs::symlink_status(bare(fresh), error)))
-        fs::rename(bare(old), bare(fresh), error);
+    if (fs::exists(fs::symlink_status(bare(fresh), error)))
+        return false;
+    fs::rename(bare(old), bare(fresh), error);  // not to another disk
+    return !error;
 }

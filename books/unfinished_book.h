@@ -19,5 +19,6 @@ struct UnfinishedBook {
 std::optional<UnfinishedBook> FindUnfinished(const BookOrder& order);
 
 // Of a book that is to have another name: what is unfinished goes to where the new target looks
-// for it, as far as nothing stands there. Both are files, or both folders of chapters.
-void MoveUnfinished(const std::string& from, const std::string& target);
+// for it. False: it stays where it is, as the other is on another disk or taken, another program
+// is at work on it, or one is a file and the other a folder of chapters.
+bool MoveUnfinished(const std::string& from, const std::string& target);

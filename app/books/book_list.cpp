@@ -41,7 +41,7 @@ std::string TargetOfItsFormat(const BookOrder& order) {
     begun.type = order.type;
     begun.isReadAlong = order.isReadAlong;
     std::string target = order.target.substr(0, order.target.rfind('.') + 1) + EndingOf(begun);
-    MoveUnfinished(order.target, target);
+    MoveUnfinished(order.target, target);  // else it begins anew there
     return target;
 }
 
@@ -103,9 +103,10 @@ std::set<std::string> BookList::TakenTargets(const BookChoices& choices) {
         entries_[i].target =
             TargetOf(entries_[i], choices.folder, EndingOf(choices), choices.inChapters, others);
         if (!entries_[i].begunAt.empty() && entries_[i].begunAt != entries_[i].target) {
-            hasMoved = true;
-            MoveUnfinished(entries_[i].begunAt, entries_[i].target);
-            entries_[i].begunAt = entries_[i].target;
+            if (MoveUnfinished(entries_[i].begunAt, entries_[i].target)) {
+                hasMoved = true;
+                entries_[i].begunAt = entries_[i].target;
+            }
         }
         others.push_back(entries_[i].target);
         if (IsTaken(entries_[i].target, choices))
@@ -131,11 +132,14 @@ BegunOtherwise BookList::BegunOtherwiseThan(const BookChoices& choices, int voic
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         const std::optional<UnfinishedBook> book =
             IsOpen(i) ? FindUnfinished(OrderOfEntry(entries_[i], manner)) : std::nullopt;
-        if (!book)
+        const std::string& begunAt = entries_[i].begunAt;
+        const bool isElsewhere =
+            IsOpen(i) && !book && !begunAt.empty() && begunAt != entries_[i].target;
+        if (!book && !isElsewhere)
             continue;
-        std::string& lines = book->asBegun ? books.canGoOn : books.cannot;
-        lines += (lines.empty() ? "" : "\n") + entries_[i].plan.title + ": begun with " +
-                 book->difference + ".";
+        std::string& lines = book && book->asBegun ? books.canGoOn : books.cannot;
+        lines += (lines.empty() ? "" : "\n") + entries_[i].plan.title + ": begun " +
+                 (isElsewhere ? "as " + begunAt : "with " + book->difference) + ".";
     }
     return books;
 }
