@@ -20,6 +20,7 @@ std::tm Epoch() {
     return parts;
 }
 
+// Or above it, where the screen ends.
 void PlaceBelow(GtkWidget* popUp, GtkWidget* button) {
     int x = 0;
     int y = 0;
@@ -34,7 +35,10 @@ void PlaceBelow(GtkWidget* popUp, GtkWidget* button) {
     gtk_widget_size_request(popUp, &size);
     const GdkRectangle monitor = MonitorOf(button);
     const int right = monitor.x + monitor.width - size.width;
-    gtk_window_move(GTK_WINDOW(popUp), std::min(x, right), y + place.height);
+    const bool fits = y + place.height + size.height <= monitor.y + monitor.height;
+    const int top = fits ? y + place.height : y - size.height;
+    gtk_window_move(GTK_WINDOW(popUp), std::max(monitor.x, std::min(x, right)),
+                    std::max(monitor.y, top));
 }
 
 GtkWidget* NewPopUp(GtkWidget* owner, GtkWidget* content) {

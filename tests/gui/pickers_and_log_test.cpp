@@ -70,6 +70,21 @@ GtkWidget* FindCalendar() {
     return calendar;
 }
 
+TEST_F(DateTimePicker, TheCalendarOfALowWindowIsOnTheScreen) {
+    dialog.DTPInitDateOnly(20);
+    PumpPending();
+    gtk_window_move(GTK_WINDOW(dialog.Widget()), 0, gdk_screen_height() - 60);
+    PumpPending();
+    gtk_button_clicked(ButtonOf(dialog, 20));
+    GtkWidget* const popUp = gtk_widget_get_toplevel(FindCalendar());
+    int top = 0;
+    gdk_window_get_origin(gtk_widget_get_window(popUp), nullptr, &top);
+    GtkRequisition size;
+    gtk_widget_size_request(popUp, &size);
+    EXPECT_LE(top + size.height, gdk_screen_height());
+    EXPECT_GE(top, 0);
+}
+
 TEST_F(DateTimePicker, TheCalendarChoosesTheDayAndGoesWithItsWindow) {
     dialog.DTPInitDateOnly(20);
     dialog.DTPSetDateTime(20, LDateTime::FromLocal(2026, 11, 21, 0, 0, 0));
