@@ -12,6 +12,7 @@
 namespace {
 
 constexpr std::size_t kMostSides = 20;
+constexpr std::size_t kLargestObjects = 32U << 20;  // all of a document
 // What holds text beside that of the paragraph it is anchored in.
 constexpr SortedNames<14> kSides = {
     "caption",         "circle",  "connector", "custom-shape", "ellipse",  "line",
@@ -39,6 +40,39 @@ public:
     void EvText(std::string_view text) override { formula.AddText(text); }
 
     FormulaText formula;
+};
+
+// What a chart, a table or a text in an object's own file says: its titles, then its figures row by
+// row.
+class ObjectListener : public MarkupListener {
+public:
+    explicit ObjectListener(TextFlow& flow) : flow_(flow) {}
+
+    bool EvElement(std::string_view name, const MarkupAttributes&) override {
+        if (name == "p" || name == "h")
+            ++paragraphs_;
+        else if (IsCell(name))
+            ++cells_;
+        return name != "styles" && name != "automatic-styles" && name != "annotation";
+    }
+    void EvElementEnd(std::string_view name) override {
+        if ((name == "p" || name == "h") && --paragraphs_ == 0 && cells_ == 0)
+            flow_.EndParagraph();
+        else if (name == "table-row")
+            flow_.EndParagraph();
+        else if (IsCell(name) && --cells_ == 0)
+            flow_.EndCell();
+    }
+    // Charts have no number where a cell was empty.
+    void EvText(std::string_view text) override {
+        if (paragraphs_ > 0 && (cells_ == 0 || text != "NaN"))
+            flow_.Add(text);
+    }
+
+private:
+    TextFlow& flow_;
+    int paragraphs_ = 0;
+    int cells_ = 0;
 };
 
 }  // namespace
@@ -93,8 +127,10 @@ bool OdtListener::EvElement(std::string_view name, const MarkupAttributes& attri
         BeginItem(attributes);
     else if (name == "frame")
         isSlideTitle_ = attributes.Value("class") == "title";
-    else if (name == "object" && paragraphs_ > 0)
+    else if (name == "object" && attributes.Has("href"))
         AddObject(attributes.Value("href"));
+    else if (name == "object-ole" || name == "plugin")
+        ++leftOutObjects_;
     else if (bodies_ > 0 && (name == "title" || name == "desc"))
         ++descriptions_;
     else if (IsCell(name))
@@ -224,12 +260,46 @@ void OdtListener::EndSide() {
 
 void OdtListener::AddObject(std::string_view address) {
     const std::string_view content = objects_ ? objects_(address) : std::string_view();
-    if (content.find("math") == std::string_view::npos)
-        return;
     MathListener listener;
-    ParseXml(content, listener);
+    if (content.find("math") != std::string_view::npos)
+        ParseXml(content, listener);
+    const std::string formula = listener.formula.Take();
+    if (formula.empty())
+        return AddWordsOf(content);
+    if (paragraphs_ == 0)
+        Flow().EndParagraph();
     Flow().AddBlank();
-    Flow().Add(listener.formula.Take());
+    Flow().Add(formula);
+}
+
+// Behind its paragraph.
+void OdtListener::AddWordsOf(std::string_view object) {
+    objectBytes_ += object.size();
+    TextFlow flow;
+    if (object.find("<chart:chart") != std::string_view::npos) {
+        flow.Add("Chart:");
+        flow.AddBlank();
+    }
+    const std::size_t empty = flow.Size();
+    if (objectBytes_ <= kLargestObjects && behind_.size() < kMostBehind) {
+        ObjectListener listener(flow);
+        ParseXml(object, listener);
+    }
+    if (flow.Size() == empty) {
+        ++leftOutObjects_;
+    } else if (paragraphs_ > 0) {
+        behind_.push_back(flow.Take());
+    } else {
+        Flow().EndParagraph();
+        Flow().AddLines(flow.Take());
+        Flow().EndParagraph();
+    }
+}
+
+std::string OdtListener::Remark() const {
+    return leftOutObjects_ == 0 ? ""
+                                : "Other objects that were put into the document are left out: " +
+                                      std::to_string(leftOutObjects_) + ".";
 }
 
 void OdtListener::EndParagraph() {

@@ -33,6 +33,7 @@ public:
 
     const std::string& Title() const { return title_; }
     const std::string& Author() const { return author_; }
+    std::string Remark() const;  // how many objects could not be read; empty for none
 
 private:
     struct Level {
@@ -65,6 +66,7 @@ private:
     void EndParagraph();
     void EndSide();
     void AddObject(std::string_view address);
+    void AddWordsOf(std::string_view object);
     TextFlow& Flow() { return sides_.empty() ? flow_ : sides_.back().flow; }
 
     TextFlow& flow_;
@@ -80,6 +82,8 @@ private:
     std::vector<std::string> behind_;
     std::string itemMark_;  // of an item that has begun
     FormulaText formula_;
+    std::size_t objectBytes_ = 0;
+    int leftOutObjects_ = 0;
     int bodies_ = 0;
     int paragraphs_ = 0;
     int cells_ = 0;

@@ -100,8 +100,10 @@ Document ReadOdt(std::string_view bytes, const ZipIndex& index, const ReadingWat
         return index.Content(index.Find("", std::string(address) + "/content.xml"));
     });
     ParseXml(index.Content("styles.xml"), listener);
-    return Finished(ReadXmlEntry(bytes, "content.xml", listener, flow, watch), flow,
-                    index.Content("meta.xml"));
+    Document document = Finished(ReadXmlEntry(bytes, "content.xml", listener, flow, watch), flow,
+                                 index.Content("meta.xml"));
+    document.remark = listener.Remark();
+    return document;
 }
 
 std::string DocxMainPart(const ZipIndex& index) {
@@ -128,6 +130,7 @@ Document ReadFlatOdt(std::string_view bytes, const ReadingWatch& watch,
     Document document = flow.TakeDocument();
     document.title = listener.Title();
     document.author = listener.Author();
+    document.remark = listener.Remark();
     return document;
 }
 

@@ -180,17 +180,31 @@ TEST(Office, NoWordOfAnOdtIsLost) {
 
     const std::string head = "<office:document xmlns:text='t'><office:body>";
     const Document odt = ReadDocument(ZipOf(
-        {{"content.xml", head + "<text:h text:outline-level='3'>Head</text:h><text:p>m"
-                                "<text:span text:style-name='T'>2</text:span> "
-                                "<draw:object xlink:href='./Object 1'/></text:p></office:body>"
-                                "</office:document>"},
+        {{"content.xml",
+          head + "<text:h text:outline-level='3'>Head</text:h><text:p>m"
+                 "<text:span text:style-name='T'>2</text:span> "
+                 "<draw:object xlink:href='./Object 1'/><draw:object xlink:href='./Object 2'/>"
+                 "<draw:object-ole xlink:href='./Object 3'/><draw:object "
+                 "xlink:href='./gone'/></text:p></office:body></office:document>"},
+         {"Object 2/content.xml",
+          "<d "
+          "xmlns:math='m'><office:chart><chart:chart><chart:title><text:p>Ferries</text:p></"
+          "chart:title><table:table>"
+          "<table:table-row><table:table-cell><text:p/></table:table-cell><table:table-cell>"
+          "<text:p>Late</text:p></table:table-cell></table:table-row><table:table-row>"
+          "<table:table-cell><text:p>May</text:p></table:table-cell><table:table-cell><text:p>0.3"
+          "</text:p><svg:desc>local-table.B2</svg:desc></table:table-cell></table:table-row>"
+          "<table:table-row><table:table-cell><text:p>June</text:p></table:table-cell>"
+          "<table:table-cell><text:p>NaN</text:p></table:table-cell></table:table-row>"
+          "</table:table></chart:chart></office:chart></d>"},
          {"Object 1/content.xml", "<math><mi>a</mi><mo>=</mo><mi>b</mi></math>"},
          {"styles.xml",
           "<s><style:default-style style:family='paragraph'><style:text-properties "
           "fo:language='cs' fo:country='CZ'/></style:default-style><style:style style:name='T'>"
           "<style:text-properties style:text-position='super 58%'/></style:style></s>"},
          {"meta.xml", "<m><dc:title>T</dc:title></m>"}}));
-    EXPECT_EQ(odt.text, "Head\n\nm² a = b");
+    EXPECT_EQ(odt.text, "Head\n\nm² a = b\n\nChart: Ferries\n\nLate\n\nMay, 0.3\n\nJune");
+    EXPECT_EQ(odt.remark, "Other objects that were put into the document are left out: 2.");
     EXPECT_EQ(odt.title, "T");
     EXPECT_EQ(odt.headings.at(0).level, 3);
     EXPECT_EQ(odt.languages.at(0).tag, "cs-CZ");
