@@ -1,6 +1,7 @@
 #include "gui/widgets/value_area.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -46,7 +47,8 @@ gboolean SetCurrent(AtkValue* accessible, const GValue* wanted) {
         return FALSE;
     GValue number = G_VALUE_INIT;
     g_value_init(&number, G_TYPE_DOUBLE);
-    const bool understood = g_value_transform(wanted, &number) != FALSE;
+    const bool understood =
+        g_value_transform(wanted, &number) != FALSE && !std::isnan(g_value_get_double(&number));
     if (understood)
         value->set(area, std::clamp(g_value_get_double(&number), value->lowest, value->highest));
     g_value_unset(&number);

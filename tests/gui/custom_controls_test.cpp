@@ -1,6 +1,7 @@
 // The controls that draw themselves, in a real window.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <string>
@@ -79,6 +80,17 @@ TEST_F(DBEdit, TheProgramSetsItWithinItsRangeAndSilently) {
     LDBEdit::Init(5, box_);
     EXPECT_EQ(Level(), 0) << "wiring again keeps the level";
     EXPECT_TRUE(told_.empty());
+}
+
+TEST_F(DBEdit, AScreenReaderSetsNoValueThatIsNoNumber) {
+    AtkObject* const accessible = gtk_widget_get_accessible(display_);
+    ASSERT_TRUE(ATK_IS_VALUE(accessible));
+    LDBEdit::SetLevel(box_, LDB(-12));
+    GValue value = G_VALUE_INIT;
+    g_value_init(&value, G_TYPE_DOUBLE);
+    g_value_set_double(&value, std::nan(""));
+    EXPECT_FALSE(atk_value_set_current_value(ATK_VALUE(accessible), &value));
+    EXPECT_EQ(Level(), -12);
 }
 
 TEST_F(DBEdit, ThePointerGrabsTheHandleNearItAndJumpsFromAfar) {
