@@ -322,6 +322,14 @@ bool BookMaker::MakeBook() {
     progress_.SetFirstLabel("Joining the chapters");
     if (order_.type == SoundType::kWav && order_.plan.chapters.size() > 1)
         result_.remarks.emplace_back("WAV files hold no titles and chapters.");
+    // Players look for names with three digits.
+    constexpr std::size_t kMostNumbered = 1000;
+    if (const std::size_t chapters = order_.plan.chapters.size();
+        chapters > kMostNumbered &&
+        (order_.type == SoundType::kOpus || order_.type == SoundType::kFlac))
+        result_.remarks.push_back("Many players show only the first " +
+                                  std::to_string(kMostNumbered) + " of the " +
+                                  std::to_string(chapters) + " chapters of such a file.");
     const BookJoint made = assembly_.MakeBook(progress_);
     return !made.isStopped && Fail(made.problem);
 }
