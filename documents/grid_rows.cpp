@@ -28,6 +28,8 @@ constexpr double kLeastAligned = 0.7;  // of the lines, with others of their col
 constexpr double kAligned = 0.3;       // of the letters' height
 constexpr double kWide = 0.8;          // of its column's width: a line that goes on
 constexpr std::size_t kLongestKey = 40;
+constexpr std::size_t kLeastKeys = 4;
+constexpr double kLongerThanKeys = 1.5;
 constexpr std::size_t kLongestWords = 18;  // of a line's letters: more may be running text
 
 bool IsFigureCell(std::string_view text) {
@@ -158,7 +160,30 @@ private:
             return false;
         if (IsRunningText(0) || HoldsMargin() || HoldsEntries() || BreaksSentences())
             return false;
-        return columns >= kLeastGridColumns || HoldsFigures(1);
+        return columns >= kLeastGridColumns || HoldsFigures(1) || AreKeysWithTexts();
+    }
+
+    // Names and, beside each of them, what they are: longer, of one line, none as wide as all
+    // others, as lines of running text and of verse would be.
+    bool AreKeysWithTexts() const {
+        std::size_t keys = 0;
+        std::size_t texts = 0;
+        std::size_t several = 0;  // words: two addresses may stand so, too
+        std::size_t wide = 0;
+        for (const GridBand& band : grid_.bands) {
+            if (band.size() != 2 || band[0].column == band[1].column ||
+                band[0].line.text.size() > kLongestKey)
+                return false;
+            keys += band[0].line.text.size();
+            texts += band[1].line.text.size();
+            const std::string& key = band[0].line.text;
+            several += key.front() == '-' || key.find(' ') == std::string::npos ? 0U : 1U;
+            wide += IsWide(band[1]) ? 1U : 0U;
+        }
+        const auto rows = static_cast<double>(grid_.bands.size());
+        return grid_.bands.size() >= kLeastKeys && rows == static_cast<double>(rows_.size()) &&
+               static_cast<double>(texts) > static_cast<double>(keys) * kLongerThanKeys &&
+               several * 3 <= grid_.bands.size() && wide * 2 < grid_.bands.size();
     }
 
     // Few rows may stand so by chance.

@@ -150,6 +150,23 @@ TEST(Pdf, TablesAreReadRowByRowWhateverTheirCellsHold) {
            CellAt(250, 160, "drawer")}},
          "Tool, Use, Care\nPlane, Takes shavings from boards, Dry and oiled\n"
          "Saw, Parts wood, Hung on a nail by the bench or in a drawer\n"},
+        {"names and what they are; two addresses are none",
+         {{CellAt(50, 100, "push"), CellAt(50, 112, "down"), CellAt(50, 124, "right"),
+           CellAt(50, 136, "rule")},
+          {CellAt(120, 100, "remembers where we are"), CellAt(120, 112, "moves to the next"),
+           CellAt(120, 124, "moves to the side"),
+           CellAt(120, 136, "draws a black bar over all that is there")},
+          paragraph(180),
+          {CellAt(50, 220, "Ann Lee"), CellAt(50, 232, "3 High Road"), CellAt(50, 244, "Dover"),
+           CellAt(50, 256, "by hand")},
+          {CellAt(140, 220, "The Harbour Company of Dover"),
+           CellAt(140, 232, "17 Long Pier Street"), CellAt(140, 244, "Dover in Kent"),
+           CellAt(140, 256, "by the next post")}},
+         "push, remembers where we are\ndown, moves to the next\nright, moves to the side\n"
+         "rule, draws a black bar over all that is there\n\n" +
+             wide +
+             "\n\nAnn Lee\n3 High Road\nDover\nby hand\n\nThe Harbour Company of Dover\n"
+             "17 Long Pier Street\nDover in Kent\nby the next post\n"},
         {"two columns, and rows with room between them",
          {{CellAt(50, 112, "Tool"), CellAt(50, 142, "Plane"), CellAt(50, 178, "Saw")},
           {CellAt(120, 112, "What for"), CellAt(120, 136, "Takes shavings from"),
