@@ -6,57 +6,28 @@
 #include <iterator>
 #include <map>
 #include <memory>
-#include <set>
 #include <utility>
 
+#include "documents/divided_words.h"
 #include "documents/pdf_pages.h"
 #include "documents/small_texts.h"
 
 namespace {
 
-constexpr std::string_view kHyphens[] = {"-", "\xe2\x80\x90", "\xc2\xad"};
-constexpr std::string_view kSoft = "\xc2\xad";
 // Letters are higher than those of the text by this: a heading; or lower: a footnote.
 constexpr double kHeading = 1.12;
 constexpr double kHigherHeading = 1.3;
 constexpr double kHighestHeading = 1.6;
 constexpr double kNote = 0.93;
 constexpr std::size_t kLongestHeading = 200;
-constexpr double kIndent = 0.8;  // of the letters' height
-// Bytes that are looked at of what stands in one: a text without an end costs no more.
-constexpr std::size_t kLongestWord = 200;
-
-char32_t CharacterBefore(std::string_view text, std::size_t at) {
-    std::size_t begin = at;
-    while (begin > 0 && (static_cast<unsigned char>(text[begin - 1]) & 0xC0U) == 0x80U)
-        --begin;
-    return begin == 0 ? 0 : g_utf8_get_char(text.data() + begin - 1);
-}
-
-// Letters at the end or the beginning of a text, as one word.
-std::string_view LastLetters(std::string_view text) {
-    std::size_t begin = text.size();
-    while (begin > 0 && text.size() - begin < kLongestWord &&
-           g_unichar_isalpha(CharacterBefore(text, begin)))
-        begin = static_cast<std::size_t>(g_utf8_find_prev_char(text.data(), text.data() + begin) -
-                                         text.data());
-    return text.substr(begin);
-}
-
-std::string_view FirstLetters(std::string_view text) {
-    const char* at = text.data();
-    const char* const end = text.data() + std::min(text.size(), kLongestWord);
-    while (at < end && g_unichar_isalpha(g_utf8_get_char(at)))
-        at = g_utf8_next_char(at);
-    return text.substr(0, static_cast<std::size_t>(at - text.data()));
-}
-
+constexpr double kIndent = 0.8;            // of the letters' height
+constexpr std::size_t kLongestLast = 200;  // bytes of a text's end
 bool IsBullet(std::string_view line) {
     return line == "\xe2\x80\xa2" || line == "\xe2\x97\xa6" || line == "\xe2\x96\xaa";
 }
 
 bool EndsSentence(std::string_view text) {
-    text.remove_prefix(text.size() - std::min(text.size(), kLongestWord));
+    text.remove_prefix(text.size() - std::min(text.size(), kLongestLast));
     const std::size_t last = text.find_last_not_of("\"')]\n \xe2\x80\x99\x9d");
     constexpr std::string_view kStops[] = {".", "!", "?",  ":",  ";", "।",
                                            "۔", "؟", "。", "！", "？"};
@@ -71,45 +42,12 @@ bool BeginsSmall(std::string_view line) {
     return !line.empty() && g_unichar_islower(g_utf8_get_char(line.data()));
 }
 
-bool AreCapitals(std::string_view text) {
-    for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at))
-        if (!g_unichar_isupper(g_utf8_get_char(at)))
-            return false;
-    return true;
-}
-
 bool HoldsLetters(std::string_view text) {
     for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at))
         if (g_unichar_isalpha(g_utf8_get_char(at)))
             return true;
     return false;
 }
-
-// The words within lines, to know how one that is divided at a line's end is written.
-class WordList {
-public:
-    void Add(std::string_view line) {
-        std::size_t at = 0;
-        while (at < line.size()) {
-            const std::string_view word = FirstLetters(line.substr(at));
-            if (word.empty()) {
-                at += std::max<std::size_t>(
-                    static_cast<std::size_t>(g_utf8_next_char(line.data() + at) - line.data()) - at,
-                    1);
-                continue;
-            }
-            words_.emplace(word);
-            at += word.size();
-            if (at < line.size() && line[at] == '-')
-                if (const std::string_view next = FirstLetters(line.substr(at + 1)); !next.empty())
-                    words_.insert(std::string(word) + "-" + std::string(next));
-        }
-    }
-    bool Holds(const std::string& word) const { return words_.contains(word); }
-
-private:
-    std::set<std::string, std::less<>> words_;
-};
 
 }  // namespace
 
@@ -121,7 +59,7 @@ public:
     void Learn(const std::vector<PdfPage>& pages) {
         for (const PdfPage& page : pages)
             for (const PdfLine& line : page) {
-                words_.Add(line.text);
+                words_.Learn(line.text);
                 if (line.height > 0)
                     heights_[static_cast<int>(std::lround(line.height * 2))] += line.text.size();
             }
@@ -185,7 +123,7 @@ private:
         for (const PdfLine& note : std::exchange(notes_, {})) {
             if (note.beginsBlock || text.empty())
                 text += text.empty() ? "" : "\n\n";
-            else if (!JoinDividedWord(note.text))
+            else if (!words_.Join(document_.text, note.text))
                 text += ' ';
             else
                 continue;
@@ -200,7 +138,7 @@ private:
         const bool wasDivided =
             last_ != nullptr && HeadingLevel(line) == headingLevel_ && !line.beginsCell &&
             !line.beginsItem && (line.isInRow || !line.isRow || !last_->isRow) &&
-            (!line.beginsBlock || BeginsSmall(line.text)) && JoinDividedWord(line.text);
+            (!line.beginsBlock || BeginsSmall(line.text)) && words_.Join(document_.text, line.text);
         if (!wasDivided) {
             const char* const parting = Parting(line, beginsPage);
             const bool isParagraph = std::string_view(parting) == "\n\n";
@@ -281,48 +219,10 @@ private:
         return line.blockRight - line.right < next.firstWordWidth;
     }
 
-    // True when the line began with the rest of a word and has been added.
-    bool JoinDividedWord(std::string_view line) {
-        std::string& text = document_.text;
-        for (const std::string_view hyphen : kHyphens) {
-            if (!text.ends_with(hyphen))
-                continue;
-            const std::string_view before =
-                std::string_view(text).substr(0, text.size() - hyphen.size());
-            const std::string first(LastLetters(before));
-            const std::string second(FirstLetters(line));
-            if (hyphen != kSoft && (second.empty() || first.empty())) {
-                const bool isRange = !before.empty() && g_ascii_isdigit(before.back()) &&
-                                     !line.empty() && g_ascii_isdigit(line.front());
-                // "--name" of a command.
-                const bool isOption = before.ends_with(" -") && !second.empty();
-                if (!isRange && !isOption)
-                    return false;
-            } else if (hyphen == kSoft || !KeepsHyphen(before, first, second)) {
-                text.resize(before.size());
-            }
-            text += line;
-            return true;
-        }
-        return false;
-    }
-    bool KeepsHyphen(std::string_view before, const std::string& first,
-                     const std::string& second) const {
-        // "ELE-MENT", not "T-SHIRT".
-        const bool areCapitals = first.size() > 1 && AreCapitals(first + second);
-        if ((!BeginsSmall(second) && !areCapitals) || words_.Holds(first + "-" + second))
-            return true;
-        if (words_.Holds(first + second))
-            return false;
-        // "state-of-the-" goes on as it began.
-        const std::size_t at = before.size() - first.size();
-        return at > 0 && before[at - 1] == '-' && words_.Holds(second);
-    }
-
     const DocumentRules& rules_;
     std::deque<PdfPage> pages_;  // last_ is one of their lines
     Document document_;
-    WordList words_;
+    DividedWords words_;
     std::map<int, std::size_t> heights_;  // in half points, weighed by their letters
     double bodyHeight_ = 0;
     std::vector<PdfLine> notes_;  // that wait for their paragraph's end

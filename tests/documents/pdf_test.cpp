@@ -114,6 +114,12 @@ TEST(Pdf, DividedWordsAreWrittenAsElsewhereInTheText) {
          "a well-known example of well-known words\n"},
         {"state-of-\nthe-art the state-of-the-\nart is",
          "state-of-the-art the state-of-the-art is\n"},
+        {"at http://example.org/an-\nother/\nplace, www.example.\norg/x. See www.a.org.\nmore "
+         "http://b.org/\nName: c",
+         "at http://example.org/an-other/place, www.example.org/x. See www.a.org.\nmore "
+         "http://b.org/\nName: c\n"},
+        {"Haupt-\nund Neben-\nsatz of a 16-\nbit or 8-\nto 16-\nbit thous-\nand, for a thousand",
+         "Haupt-\nund Nebensatz of a 16-bit or 8-\nto 16-bit thousand, for a thousand\n"},
         {"the infor-\nmation and art-\nwork, information",
          "the information and artwork, information\n"},
         {"the ELE-\nMENT of T-\nSHIRT", "the ELEMENT of T-SHIRT\n"},
