@@ -1,6 +1,8 @@
 // The window that tells what the machine lacks, while it looks anew.
 #include "desktop/dialogs/ready_dialog.h"
 
+#include <gtest/gtest.h>
+
 #include "tests/gui/gui_fixtures.h"
 
 namespace {
