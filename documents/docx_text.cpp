@@ -76,7 +76,7 @@ bool DocxListener::EvElement(std::string_view name, const MarkupAttributes& attr
     if (name == "oMath" || formula_.IsOpen())
         return formula_.Begin(OfficeMathPart(name));
     if (name == "altChunk") {
-        ++otherFiles_;
+        AddOtherFile(attributes.Value("id"));
     } else if (name == "p") {
         paragraphs_.emplace_back();
     } else if (name == "txbxContent") {
@@ -90,6 +90,18 @@ bool DocxListener::EvElement(std::string_view name, const MarkupAttributes& attr
         EvContent(name, attributes);
     }
     return true;
+}
+
+// It stands between paragraphs, as some of its own.
+void DocxListener::AddOtherFile(std::string_view identifier) {
+    const std::string text = otherFile_ ? otherFile_(identifier) : std::string();
+    if (text.empty()) {
+        ++otherFiles_;
+        return;
+    }
+    Flow().EndParagraph();
+    Flow().AddLines(text);
+    Flow().EndParagraph();
 }
 
 void DocxListener::EvProperty(std::string_view name, const MarkupAttributes& attributes) {

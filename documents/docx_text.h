@@ -5,9 +5,11 @@
 // was deleted under tracked changes and hidden text are not read.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "documents/docx_styles.h"
@@ -27,7 +29,11 @@ public:
     void SetNotes(const DocxNotes* footnotes, const DocxNotes* endnotes);
     void SetDrawings(OfficeDrawings* drawings) { drawings_ = drawings; }  // of the document
 
-    // How many whole files stand in the text that are not read.
+    // Gives the text of the whole file with that identifier that stands in the text; empty where it
+    // is not read.
+    using OtherFile = std::function<std::string(std::string_view identifier)>;
+    void SetOtherFile(OtherFile otherFile) { otherFile_ = std::move(otherFile); }
+    // How many of them are not read.
     int OtherFiles() const { return otherFiles_; }
 
     bool EvElement(std::string_view name, const MarkupAttributes& attributes) override;
@@ -51,6 +57,7 @@ private:
 
     void EvProperty(std::string_view name, const MarkupAttributes& attributes);
     void EvContent(std::string_view name, const MarkupAttributes& attributes);
+    void AddOtherFile(std::string_view identifier);
     void AddNote(const DocxNotes* notes, const MarkupAttributes& attributes);
     void BeginParagraph();
     void EndParagraph();
@@ -65,6 +72,7 @@ private:
     const DocxNotes* footnotes_ = nullptr;
     const DocxNotes* endnotes_ = nullptr;
     OfficeDrawings* drawings_ = nullptr;
+    OtherFile otherFile_;
     std::vector<Paragraph> paragraphs_;  // a text box's stand within another
     std::vector<TextBox> boxes_;         // that are open
     std::vector<std::string> behind_;    // what follows the paragraph

@@ -168,22 +168,29 @@ Document OfficeDrawings::Take(std::string_view element, const MarkupAttributes& 
     const bool isChart = element == "chart";
     if (!isChart && element != "relIds")
         return {};
-    const auto drawing = targets_.find(attributes.Value(isChart ? "id" : "dm"));
-    if (drawing == targets_.end())
-        return {};
-    const std::string name = index_.Find(folder_, drawing->second);
-    targets_.erase(drawing);
-    // Several identifiers may lead to one file.
-    if (bytes_ > kLargestDrawings || !taken_.insert(name).second)
+    const std::string_view content = TakeFile(attributes.Value(isChart ? "id" : "dm"));
+    if (content.empty())
         return {};
     TextFlow flow;
     flow.Add(isChart ? "Chart:" : "Diagram:");
     flow.AddBlank();
     const std::size_t empty = flow.Size();
     DrawingListener listener(flow);
-    const std::string_view content = index_.Content(name);
-    bytes_ += content.size();
     ParseXml(content, listener);
     listener.EndDrawing();
     return flow.Size() > empty ? flow.TakeDocument() : Document();
+}
+
+std::string_view OfficeDrawings::TakeFile(std::string_view identifier) {
+    const auto target = targets_.find(identifier);
+    if (target == targets_.end())
+        return {};
+    const std::string name = index_.Find(folder_, target->second);
+    targets_.erase(target);
+    // Several identifiers may lead to one file.
+    if (bytes_ > kLargestDrawings || !taken_.insert(name).second)
+        return {};
+    const std::string_view content = index_.Content(name);
+    bytes_ += content.size();
+    return content;
 }

@@ -20,6 +20,10 @@ public:
     // title and its figures row by row. Empty for other elements, and when it was taken before.
     Document Take(std::string_view element, const MarkupAttributes& attributes);
 
+    // The file with that identifier, as it is; once, and empty when there is none or all of them
+    // are too large. Lives as long as the index.
+    std::string_view TakeFile(std::string_view identifier);
+
 private:
     const ZipIndex& index_;
     std::string folder_;

@@ -4,13 +4,16 @@
 #include <utility>
 #include <vector>
 
+#include "documents/document_kind.h"
 #include "documents/docx_text.h"
 #include "documents/epub_text.h"
+#include "documents/html_text.h"
 #include "documents/odt_text.h"
 #include "documents/office_drawings.h"
 #include "documents/pptx_text.h"
 #include "documents/problems.h"
 #include "documents/small_texts.h"
+#include "documents/text_charset.h"
 #include "documents/xml_text.h"
 #include "documents/zip_index.h"
 #include "foundation/whole_characters.h"
@@ -48,6 +51,19 @@ Document Finished(std::string problem, TextFlow& flow, std::string_view facts) {
     return document;
 }
 
+// Of pages and plain text. Another document in it might hold yet another one.
+std::string TextOfOtherFile(std::string_view bytes, const ReadingWatch& watch,
+                            const DocumentRules& rules) {
+    const DocumentKind kind = KindOf(bytes);
+    if (kind == DocumentKind::kPlainText)
+        return DecodeText(bytes);
+    if (kind != DocumentKind::kHtml)
+        return {};
+    DocumentRules whole = rules;
+    whole.wholePage = true;
+    return ReadPage(bytes, watch, whole).text;
+}
+
 Document ReadDocx(std::string_view bytes, const ZipIndex& index, const std::string& mainPart,
                   const ReadingWatch& watch, const DocumentRules& rules) {
     DocxStyles styles(index.Content("word/styles.xml"), index.Content("word/numbering.xml"));
@@ -58,6 +74,9 @@ Document ReadDocx(std::string_view bytes, const ZipIndex& index, const std::stri
     listener.SetNotes(&footnotes, &endnotes);
     OfficeDrawings drawings(index, mainPart);
     listener.SetDrawings(&drawings);
+    listener.SetOtherFile([&](std::string_view identifier) {
+        return TextOfOtherFile(drawings.TakeFile(identifier), watch, rules);
+    });
     Document document = Finished(ReadXmlEntry(bytes, mainPart, listener, flow, watch), flow,
                                  index.Content("docProps/core.xml"));
     if (document.problem.empty() && listener.OtherFiles() > 0)

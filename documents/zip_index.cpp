@@ -23,6 +23,10 @@ bool TellsAboutOthers(std::string_view name) {
     for (const std::string_view ending : {".opf", ".ncx", "/content.xml"})
         if (name.ends_with(ending))
             return true;
+    // Whole files that stand in a document.
+    for (const std::string_view ending : {".htm", ".html", ".xhtml", ".txt"})
+        if (name.starts_with("word/") && name.ends_with(ending))
+            return true;
     for (const std::string_view known :
          {"word/styles.xml", "word/numbering.xml", "word/footnotes.xml", "word/endnotes.xml",
           "ppt/presentation.xml", "styles.xml", "meta.xml", "mimetype"})

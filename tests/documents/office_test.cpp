@@ -105,6 +105,19 @@ TEST(Office, NoWordOfADocxIsLost) {
                               notes));
     EXPECT_EQ(ReadDocument(DocxWith("<w:altChunk/>" + Paragraph(RunOf("a")), notes)).remark,
               "Other files that were put into the document are left out: 1.");
+    const Document withFiles = ReadDocument(DocxWith(
+        Paragraph(RunOf("a")) +
+            "<w:altChunk r:id='r1'/><w:altChunk r:id='r2'/><w:altChunk "
+            "r:id='r3'/><w:altChunk r:id='r1'/>" +
+            Paragraph(RunOf("b")),
+        {{"word/_rels/document.xml.rels",
+          "<R><Relationship Id='r1' Target='/word/one.htm'/><Relationship Id='r2' "
+          "Target='two.txt'/><Relationship Id='r3' Target='three.rtf'/></R>"},
+         {"word/one.htm", "<html><body><nav>x</nav><p>One &amp; all</p><p>Two</p></body></html>"},
+         {"word/two.txt", "Plain text."},
+         {"word/three.rtf", "{\\rtf1 Three}"}}));
+    EXPECT_EQ(withFiles.text, "a\n\nx\n\nOne & all\n\nTwo\n\nPlain text.\n\nb");
+    EXPECT_EQ(withFiles.remark, "Other files that were put into the document are left out: 2.");
     EXPECT_EQ(document.title + document.author, "TAnn");
     ASSERT_EQ(document.headings.size(), 1U);
     EXPECT_EQ(document.headings[0].level, 2);
