@@ -6,6 +6,7 @@
 
 #include "books/codec_frames.h"
 #include "books/part_file.h"
+#include "books/unseen_progress.h"
 #include "formats/sndfile_file.h"
 #include "formats/wave_file.h"
 #include "sound/source_to_sink.h"
@@ -18,16 +19,6 @@ std::int64_t FramesOf(const std::vector<BookPart>& parts) {
         frames += OpenSndfileSource(part.path.c_str())->GetEndSample();
     return frames;
 }
-
-// Shows nothing, and is stopped with the whole.
-class JoiningPart final : public LSilentProgress {
-public:
-    explicit JoiningPart(LProgress& whole) : whole_(whole) {}
-    bool IsToStop() override { return whole_.IsToStop(); }
-
-private:
-    LProgress& whole_;
-};
 
 // FLAC and WAV lose nothing when they are decoded.
 void JoinSamples(SoundType type, const std::vector<BookPart>& parts, const std::string& path,
@@ -49,7 +40,7 @@ void JoinSamples(SoundType type, const std::vector<BookPart>& parts, const std::
                        : LWaveFile::OpenSinkPCM(path.c_str(), source->SampleRate(),
                                                 source->Channels(), 16, 0);
         LPRSourceToSink request{"", source, sink};
-        JoiningPart unseen(progress);
+        UnseenProgress unseen(progress);
         joint.isStopped = Process(unseen, request) == kProcessStopped;
         if (joint.isStopped)
             return;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "books/book_order.h"
+#include "books/unseen_progress.h"
 #include "formats/wave_file.h"
 #include "sound/source_to_sink.h"
 #include "speech/piece_runs.h"
@@ -15,7 +16,8 @@ constexpr int kRateOfSilence = 22050;  // of a book without a word
 
 class ChapterTaker final : public SpokenPieceTaker {
 public:
-    ChapterTaker(std::string_view text, const SpeechFile& file) : text_(text), file_(file) {}
+    ChapterTaker(std::string_view text, const SpeechFile& file, LProgress& progress)
+        : text_(text), file_(file), progress_(progress) {}
 
     SynthesisOutcome TakePiece(const LSoundSource& sound, const SpeechPiece& piece) override {
         if (!isOpen_)
@@ -24,10 +26,12 @@ public:
         if (std::string voice = KeyOf(VoiceAt(piece.voice));
             voices_.empty() || voices_.back().voice != voice)
             voices_.push_back({first, std::move(voice)});
-        LSilentProgress unseen;
+        UnseenProgress unseen(progress_);  // a slow disk takes a minute for a long piece
         LPRSourceToSink request{"", sound, sink_};
-        if (Process(unseen, request) != kProcessDone)
-            return SynthesisOutcome::kCannotWrite;
+        const LProcessResult written = Process(unseen, request);
+        if (written != kProcessDone)
+            return written == kProcessStopped ? SynthesisOutcome::kStopped
+                                              : SynthesisOutcome::kCannotWrite;
         SpokenTimes times = piece.times;
         times.Stretch(sound->SampleRate(), sink_->SampleRate());
         AddLines(piece, times, first);
@@ -84,6 +88,7 @@ private:
 
     std::string_view text_;
     const SpeechFile& file_;
+    LProgress& progress_;
     LSoundSink sink_;
     bool isOpen_ = false;
     std::vector<SubtitleLine> lines_;
@@ -166,7 +171,7 @@ ChapterSpeech SpeakBookChapter(const BookOrder& order, const BookChapter& chapte
                       static_cast<double>(chapter.end) / size);
     const double behind = static_cast<double>(chapter.end) / size;
     ShareOfBook end(progress, behind, behind);
-    ChapterTaker taker(text, file);
+    ChapterTaker taker(text, file, progress);
     const ReadingUse use = order.NeedsTimes() ? ReadingUse::kSavingSentences : ReadingUse::kSaving;
     PieceRuns runs(text, order.voice, order.engineFolder, use, taker,
                    RulesFrom(order, chapter.begin));
