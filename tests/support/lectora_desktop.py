@@ -171,7 +171,10 @@ class Lectora(Process):
         text = self.text_box().queryText()
         at, end, runs = 0, text.characterCount, []
         while at < end:
-            attributes, start, at = text.getAttributeRun(at, False)
+            begin = at
+            attributes, start, at = text.getAttributeRun(begin, False)
+            if at <= begin:  # another text has come that is shorter
+                break
             if any(each.startswith("bg-color:") for each in attributes):
                 runs.append((text.getText(start, at), attributes))
             elif runs:
