@@ -15,6 +15,7 @@
 #include "app/text/document_loading.h"
 #include "foundation/files/file.h"
 #include "gui/accessible.h"
+#include "gui/control_focus.h"
 #include "gui/windows/message_box.h"
 
 using namespace AudiobookControls;
@@ -160,7 +161,8 @@ void AudiobookDialog::EnableControls() {
     bool canStart = false;
     for (std::size_t i = 0; i < list_.Count(); ++i)
         canStart = canStart || list_.IsOpen(i);
-    gtk_dialog_set_response_sensitive(GTK_DIALOG(Widget()), GTK_RESPONSE_OK, canStart ? 1 : 0);
+    SetControlSensitive(gtk_dialog_get_widget_for_response(GTK_DIALOG(Widget()), GTK_RESPONSE_OK),
+                        canStart);
     EnableControl(kPause, list_.Queue().IsAtWork());
     if (const bool isPaused = list_.Queue().IsPaused();
         std::exchange(saysGoOn_, isPaused) != isPaused)

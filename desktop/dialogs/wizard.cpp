@@ -1,6 +1,7 @@
 #include "desktop/dialogs/wizard.h"
 
 #include "gui/accessible.h"
+#include "gui/control_focus.h"
 #include "gui/display_text.h"
 #include "gui/minimum_size.h"
 #include "gui/windows/dialog_frame.h"
@@ -101,17 +102,18 @@ void LWizard::GCBack(GtkButton*, gpointer wizard) {
 
 void LWizard::EnableFinish(bool enabled) {
     if (forward_ != nullptr)
-        gtk_widget_set_sensitive(forward_, enabled);
+        SetControlSensitive(forward_, enabled);
 }
 
 void LWizard::EnableBack(bool enabled) {
     if (back_ != nullptr)
-        gtk_widget_set_sensitive(back_, enabled);
+        SetControlSensitive(back_, enabled);
 }
 
 void LWizard::EnableCancel(bool enabled) {
     if (window_)
-        gtk_dialog_set_response_sensitive(GTK_DIALOG(Window()), GTK_RESPONSE_CANCEL, enabled);
+        SetControlSensitive(
+            gtk_dialog_get_widget_for_response(GTK_DIALOG(Window()), GTK_RESPONSE_CANCEL), enabled);
 }
 
 bool LWizard::Open(GtkWidget* parent, const char* title) {

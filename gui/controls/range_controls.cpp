@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "gui/control_focus.h"
 #include "gui/display_text.h"
 
 namespace {
@@ -99,7 +100,7 @@ void LRangeControls::UDSetInt(int id, int value) {
 
 void LRangeControls::UDEnable(int id, bool enabled) {
     if (auto* field = ControlAs<GtkSpinButton>(id, GTK_TYPE_SPIN_BUTTON))
-        gtk_widget_set_sensitive(GTK_WIDGET(field), enabled);
+        SetControlSensitive(GTK_WIDGET(field), enabled);
 }
 
 void LRangeControls::PBSetProgress(int id, double fraction) {

@@ -3,6 +3,7 @@
 #include "foundation/settings/hosts.h"
 #include "gui/accessible.h"
 #include "gui/content_box.h"
+#include "gui/control_focus.h"
 #include "gui/display_text.h"
 #include "gui/gtk_children.h"
 #include "gui/icons.h"
@@ -179,7 +180,7 @@ void LToolBar::SetToolBarItemCheck(int command, bool checked) {
 
 void LToolBar::EnableToolBarItem(int command, bool enabled) {
     if (GtkWidget* item = GetToolItemFromID(command))
-        gtk_widget_set_sensitive(item, enabled);
+        SetControlSensitive(item, enabled);
 }
 
 void LToolBar::HideToolBarItem(int command, bool hidden) {

@@ -1,6 +1,7 @@
 #include "gui/menus/action.h"
 
 #include "gui/accessible.h"
+#include "gui/control_focus.h"
 #include "gui/menus/menu_builder.h"
 #include "gui/mnemonic.h"
 
@@ -67,9 +68,9 @@ void LAction::ShowAll() const {
 
 void LAction::Show(const Proxy& proxy) const {
     if (proxy.whenOff == WhenOff::kHidden)
-        gtk_widget_set_visible(proxy.widget, isEnabled_);
+        SetControlVisible(proxy.widget, isEnabled_);
     else
-        gtk_widget_set_sensitive(proxy.widget, isEnabled_);
+        SetControlSensitive(proxy.widget, isEnabled_);
     if (GTK_IS_CHECK_MENU_ITEM(proxy.widget))
         gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(proxy.widget), isChecked_);
     if (!label_.empty())

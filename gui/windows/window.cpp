@@ -1,6 +1,7 @@
 #include "gui/windows/window.h"
 
 #include "gui/accessible.h"
+#include "gui/control_focus.h"
 #include "gui/display_text.h"
 #include "gui/icons.h"
 #include "gui/windows/help_page.h"
@@ -11,48 +12,6 @@ namespace {
 GtkWidget* PlacedWidget(GtkWidget* control) {
     GtkWidget* parent = control != nullptr ? gtk_widget_get_parent(control) : nullptr;
     return GTK_IS_SCROLLED_WINDOW(parent) ? parent : control;
-}
-
-// Where a window's keyboard was when its control was disabled, and where it went meanwhile; on the
-// window, for comparison only: either may be gone.
-constexpr const char* kDisabledFocus = "lectora-disabled-focus";
-constexpr const char* kStandInFocus = "lectora-stand-in-focus";
-constexpr int kMostSteps = 50;  // out of a control that holds others
-
-bool IsWithin(GtkWidget* widget, GtkWidget* control) {
-    return widget == control || gtk_widget_is_ancestor(widget, control) != FALSE;
-}
-
-// GTK would leave the keyboard nowhere, and a screen reader silent: on to the next control, or to
-// the window's first one where there is no next.
-void DisableAndMoveOn(GtkWidget* control, GtkWidget* window) {
-    const auto focus = [window] { return gtk_window_get_focus(GTK_WINDOW(window)); };
-    const auto isAt = [&] { return focus() != nullptr && IsWithin(focus(), control); };
-    const bool wasAt = isAt();
-    if (wasAt && g_object_get_data(G_OBJECT(window), kStandInFocus) != focus())
-        g_object_set_data(G_OBJECT(window), kDisabledFocus, control);
-    for (int step = 0; step < kMostSteps && isAt(); ++step)
-        gtk_widget_child_focus(window, GTK_DIR_TAB_FORWARD);
-    gtk_widget_set_sensitive(control, FALSE);
-    if (wasAt && focus() == nullptr)
-        gtk_widget_child_focus(window, GTK_DIR_TAB_FORWARD);
-    if (wasAt)
-        g_object_set_data(G_OBJECT(window), kStandInFocus, focus());
-}
-
-// Unless the user has gone elsewhere.
-void GiveFocusBack(GtkWidget* control, GtkWidget* window) {
-    if (g_object_get_data(G_OBJECT(window), kDisabledFocus) != control)
-        return;
-    GtkWidget* const now = gtk_window_get_focus(GTK_WINDOW(window));
-    if (now == g_object_get_data(G_OBJECT(window), kStandInFocus)) {
-        if (gtk_widget_get_can_focus(control))
-            gtk_widget_grab_focus(control);
-        else
-            gtk_widget_child_focus(control, GTK_DIR_TAB_FORWARD);
-    }
-    g_object_set_data(G_OBJECT(window), kDisabledFocus, nullptr);
-    g_object_set_data(G_OBJECT(window), kStandInFocus, nullptr);
 }
 
 }  // namespace
@@ -136,15 +95,8 @@ bool LWindow::TakeAnswer(int command) {
 }
 
 void LWindow::EnableControl(int id, bool enabled) {
-    GtkWidget* const control = GetControlByID(id);
-    if (control == nullptr || IsControlEnabled(id) == enabled)
-        return;
-    GtkWidget* const window = gtk_widget_get_toplevel(control);
-    if (!enabled && GTK_IS_WINDOW(window))
-        DisableAndMoveOn(control, window);
-    gtk_widget_set_sensitive(control, enabled);
-    if (enabled && GTK_IS_WINDOW(window))
-        GiveFocusBack(control, window);
+    if (GtkWidget* const control = GetControlByID(id))
+        SetControlSensitive(control, enabled);
 }
 
 bool LWindow::IsControlEnabled(int id) const {
@@ -158,10 +110,7 @@ void LWindow::ShowControl(int id, bool shown) {
         return;
     // Showing the window shows everything in it that does not say otherwise.
     gtk_widget_set_no_show_all(placed, !shown);
-    if (shown)
-        gtk_widget_show_all(placed);
-    else
-        gtk_widget_hide(placed);
+    SetControlVisible(placed, shown);
 }
 
 void LWindow::FocusControl(int id) {

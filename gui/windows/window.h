@@ -78,8 +78,7 @@ public:
     bool IsModeless() const { return modeless_; }
     void SetAppIcon(int number);
 
-    // The keyboard goes on from a disabled control, and back when the control is enabled again and
-    // the user has not moved on.
+    // The keyboard does not stay where it could do nothing: gui/control_focus.h.
     void EnableControl(int id, bool enabled);
     bool IsControlEnabled(int id) const;
     // With its frame or scroll bars. What is hidden before the window is shown stays hidden.

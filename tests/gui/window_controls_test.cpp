@@ -316,15 +316,17 @@ TEST_F(WindowControls, MessagesBetweenWindows) {
     EXPECT_THAT(recorder.got, ElementsAre(1, -2, 3));
 }
 
-TEST_F(WindowControls, TheKeyboardGoesOnFromADisabledControlAndBack) {
+TEST_F(WindowControls, TheKeyboardGoesOnFromADisabledOrHiddenControlAndBack) {
     const auto focus = [this] { return gtk_window_get_focus(GTK_WINDOW(dialog.Widget())); };
-    dialog.FocusControl(kButton);
-    dialog.EnableControl(kButton, false);
-    GtkWidget* const next = focus();
-    ASSERT_NE(next, nullptr);
-    EXPECT_NE(next, dialog.GetControlByID(kButton));
-    dialog.EnableControl(kButton, true);
-    EXPECT_EQ(focus(), dialog.GetControlByID(kButton));
+    for (const auto set : {&LWindow::EnableControl, &LWindow::ShowControl}) {
+        dialog.FocusControl(kButton);
+        (dialog.*set)(kButton, false);
+        GtkWidget* const next = focus();
+        ASSERT_NE(next, nullptr);
+        EXPECT_NE(next, dialog.GetControlByID(kButton));
+        (dialog.*set)(kButton, true);
+        EXPECT_EQ(focus(), dialog.GetControlByID(kButton));
+    }
     // The user who went elsewhere stays there.
     dialog.EnableControl(kButton, false);
     dialog.FocusControl(kCool);
