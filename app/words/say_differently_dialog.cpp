@@ -1,6 +1,7 @@
 #include "app/words/say_differently_dialog.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "app/words/keep_pronunciations.h"
 #include "gui/accessible.h"
@@ -45,6 +46,23 @@ void DlgGenSayDifferently(LDialogGenContext& context) {
     context.AddCheckBox(kHeedsCase, "Only with these capitals");
     context.AddCheckBox(kIsPattern, "The text is a pattern (regular expression)");
     context.AddSpecialOkCancelHelp(kHear, "Hear It", kOkCancelHelp);
+}
+
+// None: the user has been told why it cannot be read.
+std::optional<PronunciationList> LoadedList(GtkWidget* parent) {
+    PronunciationList list = LoadOwnPronunciations();
+    const std::string problem = ReadingProblem(list);
+    if (problem.empty())
+        return list;
+    MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
+                  "The word could not be kept.", problem.c_str());
+    return std::nullopt;
+}
+
+std::vector<Pronunciation>::iterator EntryOf(const std::string& text, PronunciationList& list) {
+    return std::ranges::find_if(list.entries, [&text](const Pronunciation& entry) {
+        return !entry.isPattern && entry.text == text;
+    });
 }
 
 }  // namespace
@@ -114,20 +132,26 @@ bool SayDifferentlyDlg::CmOk() {
 }
 
 void SayDifferently(GtkWidget* parent, const std::string& text) {
-    PronunciationList list = LoadOwnPronunciations();
-    if (const std::string problem = ReadingProblem(list); !problem.empty()) {
-        MessageBoxRun(parent, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "Lectora",
-                      "The word could not be kept.", problem.c_str());
-        return;
-    }
-    std::vector<Pronunciation>& entries = list.entries;
     const std::string wanted = OnOneLine(text);
-    auto found = std::ranges::find_if(entries, [&wanted](const Pronunciation& entry) {
-        return !entry.isPattern && entry.text == wanted;
-    });
+    std::optional<PronunciationList> list = LoadedList(parent);
+    if (!list)
+        return;
+    const auto present = EntryOf(wanted, *list);
+    Pronunciation entry =
+        present == list->entries.end() ? Pronunciation{wanted, wanted, "", false, false} : *present;
+    if (!SayDifferentlyDlg(entry).Run(parent))
+        return;
+    // Anew: another program may have written it while the dialog was open.
+    list = LoadedList(parent);
+    if (!list)
+        return;
+    const auto place = EntryOf(wanted, *list);
     // What was added last goes before what would say otherwise.
-    if (found == entries.end())
-        found = entries.insert(entries.begin(), {wanted, wanted, "", false, false});
-    if (SayDifferentlyDlg(*found).Run(parent))
-        KeepPronunciations(parent, list);
+    const bool isNew = place == list->entries.end();
+    entry.above = isNew ? "" : place->above;
+    if (isNew)
+        list->entries.insert(list->entries.begin(), entry);
+    else
+        *place = entry;
+    KeepPronunciations(parent, *list);
 }
