@@ -65,8 +65,13 @@ MixerResult MixerSetter::Set(LSoundPlayDevice device, LDB volume) {
         wishes_->isBusy = true;
         wishes_->done.Reset();
     }
-    (new SettingThread(wishes_))->StartDetached(threads, 0);
-    wishes_->done.Ref().WaitSignal(kMostWaitedMilliseconds);
+    const bool isStarted = (new SettingThread(wishes_))->StartDetached(threads, 0);
+    if (isStarted)
+        wishes_->done.Ref().WaitSignal(kMostWaitedMilliseconds);
     const std::lock_guard lock(wishes_->mutex);
+    if (!isStarted) {
+        wishes_->isBusy = false;  // the next volume tries again
+        return MixerResult::kFailed;
+    }
     return wishes_->isBusy ? MixerResult::kUnanswered : wishes_->answer;
 }

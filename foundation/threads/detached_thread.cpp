@@ -1,6 +1,6 @@
 #include "foundation/threads/detached_thread.h"
 
-void LDetachedThread::StartDetached(LDetachedThreadsOwner& owner, int priority) {
+bool LDetachedThread::StartDetached(LDetachedThreadsOwner& owner, int priority) {
     // Under the owner's mutex until the end: the thread cannot reach Destruct, and so delete
     // itself, before.
     const std::lock_guard lock(owner.mutex_);
@@ -9,6 +9,7 @@ void LDetachedThread::StartDetached(LDetachedThreadsOwner& owner, int priority) 
     next_ = owner.first_;
     owner.first_ = this;
     Launch(priority, &DetachedEntry);
+    return hasHandle_;
 }
 
 void* LDetachedThread::DetachedEntry(void* self) {

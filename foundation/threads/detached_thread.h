@@ -12,8 +12,9 @@ class LDetachedThreadsOwner;
 class LDetachedThread : public LThread {
 public:
     // Puts the thread on the owner's list and runs it; deleted when ThreadFunction returns, or by
-    // the owner. A thread that cannot be created stays on the list until the owner is stopped.
-    void StartDetached(LDetachedThreadsOwner& owner, int priority);
+    // the owner. False: it could not be created, never runs, and stays on the list until the owner
+    // is stopped.
+    bool StartDetached(LDetachedThreadsOwner& owner, int priority);
 
 private:
     friend class LDetachedThreadsOwner;

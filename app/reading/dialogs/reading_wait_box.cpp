@@ -66,7 +66,8 @@ void ReadingWaitBox::Show() {
     gtk_window_set_focus_on_map(GTK_WINDOW(box_), FALSE);
     gtk_widget_show_all(box_);
     patience_.Start(kTellMilliseconds, [this] {
-        TellScreenReader(box_, "Waiting for the first sentence. Escape stops.");
+        if (box_ != nullptr)  // it went with its parent
+            TellScreenReader(box_, "Waiting for the first sentence. Escape stops.");
     });
     Pulse();
 }
