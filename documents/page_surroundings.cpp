@@ -86,52 +86,50 @@ private:
                (part.prose > 0 || part.text * 2 <= parts_[0].text);
     }
 
+    // Of those of each kin that pass the test, the ones that stand in no other of them.
+    template <typename Test, typename Take>
+    void ForEachOutermost(Test isOne, Take take) const {
+        std::map<std::size_t, std::size_t> ends;  // of the last one, for each kin
+        for (std::size_t i = 1; i < parts_.size(); ++i) {
+            const PagePart& part = parts_[i];
+            if (part.kin == 0 || !isOne(i) || IsLeftOut(i) || i < ends[part.kin])
+                continue;
+            ends[part.kin] = part.end;
+            take(part);
+        }
+    }
+
     // What is called comments is the matter of a page that has no other, or of which one of them is
     // most: the posts of a thread.
     std::set<std::size_t> KinOfPosts() const {
-        struct Kin {
-            std::size_t prose = 0;
-            std::size_t end = 0;  // behind the last one, in which others may stand
-        };
-        std::map<std::size_t, Kin> kins;
+        std::map<std::size_t, std::size_t> prose;
         std::set<std::size_t> posts;
         const std::size_t all = parts_[0].prose;
-        for (std::size_t i = 1; i < parts_.size(); ++i) {
-            const PagePart& part = parts_[i];
-            if (part.sign != PartSign::kMatter || part.kin == 0 || IsLeftOut(i))
-                continue;
-            Kin& kin = kins[part.kin];
-            if (i < kin.end)
-                continue;
-            kin.prose += part.prose;
-            kin.end = part.end;
-            const std::size_t others = all - std::min(all, kin.prose);
+        const auto isComment = [this](std::size_t i) {
+            return parts_[i].sign == PartSign::kMatter;
+        };
+        ForEachOutermost(isComment, [&](const PagePart& part) {
+            const std::size_t sum = prose[part.kin] += part.prose;
+            const std::size_t others = all - std::min(all, sum);
             if (part.prose * 2 > all || (others * 5 <= all && others < kLongBlock))
                 posts.insert(part.kin);
-        }
+        });
         return posts;
     }
 
     // Of the posts of a thread: dates, buttons, what their writers put below everything.
     void LeaveOutBesidePosts() {
-        struct Kin {
-            std::size_t posts = 0;
-            std::size_t end = 0;  // behind the last one, in which others may stand
-        };
-        std::map<std::size_t, Kin> kins;
-        for (std::size_t i = 1; i < parts_.size(); ++i)
-            if (Kin& kin = kins[parts_[i].kin]; i >= kin.end && IsPost(i) && !IsLeftOut(i)) {
-                ++kin.posts;
-                kin.end = parts_[i].end;
-            }
-        LeaveOutWhere([this, &kins](std::size_t i) {
+        std::map<std::size_t, std::size_t> posts;  // how many of each kin
+        ForEachOutermost([this](std::size_t i) { return IsPost(i); },
+                         [&posts](const PagePart& post) { ++posts[post.kin]; });
+        LeaveOutWhere([this, &posts](std::size_t i) {
             const PagePart& part = parts_[i];
             const bool isBeside = part.postName == PostName::kBeside ||
                                   (part.sign == PartSign::kPlace && part.prose == 0);
             if (!isBeside || HasTitle(i))
                 return false;
             for (std::size_t post = part.parent; post != 0; post = parts_[post].parent)
-                if (IsPost(post) && kins[parts_[post].kin].posts > 1)
+                if (IsPost(post) && posts[parts_[post].kin] > 1)
                     return parts_[post].text > part.text;
             return false;
         });
