@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "documents/small_texts.h"
+
 namespace {
 
 constexpr std::string_view kHyphens[] = {"-", "\xe2\x80\x90", "\xc2\xad"};
@@ -35,10 +37,6 @@ std::string_view FirstLetters(std::string_view text) {
     while (at < end && g_unichar_isalpha(g_utf8_get_char(at)))
         at = g_utf8_next_char(at);
     return text.substr(0, static_cast<std::size_t>(at - text.data()));
-}
-
-bool IsSmallFirst(std::string_view line) {
-    return !line.empty() && g_unichar_islower(g_utf8_get_char(line.data()));
 }
 
 bool AreCapitals(std::string_view text) {
@@ -131,7 +129,7 @@ bool DividedWords::KeepsHyphen(std::string_view before, const std::string& first
                                const std::string& second) const {
     // "ELE-MENT", not "T-SHIRT".
     const bool areCapitals = first.size() > 1 && AreCapitals(first + second);
-    if ((!IsSmallFirst(second) && !areCapitals) || Holds(first + "-" + second))
+    if ((!BeginsLower(second) && !areCapitals) || Holds(first + "-" + second))
         return true;
     if (Holds(first + second))
         return false;

@@ -38,10 +38,6 @@ bool IsFigureCell(std::string_view text) {
     return digits > 0 && digits * 2 >= static_cast<std::ptrdiff_t>(text.size());
 }
 
-bool BeginsLower(const GridCell& cell) {
-    return g_unichar_islower(g_utf8_get_char(cell.line.text.c_str()));
-}
-
 const GridCell* CellIn(const GridBand& band, std::size_t column) {
     const auto cell = std::find_if(band.begin(), band.end(),
                                    [column](const GridCell& one) { return one.column == column; });
@@ -99,7 +95,7 @@ private:
             for (std::size_t band = parts_[i]; band < end; ++band)
                 if (const GridCell* const key = CellIn(grid_.bands[band], 0); key != nullptr) {
                     ++ofPart;
-                    lower += BeginsLower(*key) ? 1U : 0U;
+                    lower += BeginsLower(key->line.text) ? 1U : 0U;
                 }
             keys += ofPart;
             single += ofPart < 2 ? 1U : 0U;
@@ -141,15 +137,16 @@ private:
             return false;
         const GridBand& cells = grid_.bands[band];
         if (const GridCell* const key = CellIn(cells, 0); key != nullptr)
-            return !areKeysLower_ && BeginsLower(*key) && CellIn(grid_.bands[band - 1], 0);
+            return !areKeysLower_ && BeginsLower(key->line.text) &&
+                   CellIn(grid_.bands[band - 1], 0);
         bool areWords = true;
         for (const GridCell& cell : cells) {
             const GridCell* const above = CellIn(grid_.bands[band - 1], cell.column);
             if (above == nullptr ||
                 (IsFigureCell(cell.line.text) && IsFigureCell(above->line.text)))
                 return false;
-            areWords =
-                areWords && !BeginsLower(cell) && above->line.text.find(' ') == std::string::npos;
+            areWords = areWords && !BeginsLower(cell.line.text) &&
+                       above->line.text.find(' ') == std::string::npos;
         }
         return cells.size() < 2 || !areWords;
     }
@@ -300,7 +297,7 @@ private:
                 if (above == nullptr || !IsWide(*above))
                     continue;
                 ++begun;
-                broken += BeginsLower(cell) ? 1U : 0U;
+                broken += BeginsLower(cell.line.text) ? 1U : 0U;
             }
         return broken > 1 && broken * 3 > begun;
     }

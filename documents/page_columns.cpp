@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "documents/pdf_pages.h"
+#include "documents/small_texts.h"
 
 namespace {
 
@@ -27,10 +28,6 @@ double BottomOf(const PdfLine& line) {
 
 bool MayBeGutter(const PdfLine& line, const PdfLine::Gap& gap) {
     return gap.right - gap.left > line.height * kGutter;
-}
-
-bool IsOnlyDigits(std::string_view text) {
-    return text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 // Two columns of running text, and what stands across them.
@@ -176,7 +173,7 @@ private:
                 const std::size_t side = SideOf(line);
                 ++beside[side];
                 letters[side] += line.text.size();
-                numbers[side] += IsOnlyDigits(line.text) ? 1U : 0U;
+                numbers[side] += AreDigits(line.text) ? 1U : 0U;
                 if (!IsLong(line))
                     continue;
                 ++longOnes[side];

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "documents/page_grid.h"
+#include "documents/small_texts.h"
 
 namespace {
 
@@ -26,18 +27,12 @@ constexpr double kLargeWords = 1.25;   // of the table's first line's height
 constexpr double kBetweenLines = 0.8;  // of the distance of a cell's lines
 constexpr double kNextLine = 1.1;      // the same
 
-// A line of contents: between a title and the number of its page.
-bool HoldsDots(const PdfLine& line) {
-    return line.text.find(". . .") != std::string::npos ||
-           line.text.find("....") != std::string::npos;
-}
-
 class PageGrids {
 public:
     explicit PageGrids(PdfPage& page) : page_(page) {}
 
     void Join() {
-        if (std::count_if(page_.begin(), page_.end(), HoldsDots) >= kLeastOfContents)
+        if (std::ranges::count_if(page_, HoldsLeader, &PdfLine::text) >= kLeastOfContents)
             return;
         for (std::size_t begin = 0, end = 0; begin < page_.size(); begin = end) {
             for (end = begin + 1; end < page_.size() && !page_[end].beginsColumn;)

@@ -38,10 +38,6 @@ bool EndsSentence(std::string_view text) {
                        });
 }
 
-bool BeginsSmall(std::string_view line) {
-    return !line.empty() && g_unichar_islower(g_utf8_get_char(line.data()));
-}
-
 bool HoldsLetters(std::string_view text) {
     for (const char* at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at))
         if (g_unichar_isalpha(g_utf8_get_char(at)))
@@ -138,7 +134,7 @@ private:
         const bool wasDivided =
             last_ != nullptr && HeadingLevel(line) == headingLevel_ && !line.beginsCell &&
             !line.beginsItem && (line.isInRow || !line.isRow || !last_->isRow) &&
-            (!line.beginsBlock || BeginsSmall(line.text)) && words_.Join(document_.text, line.text);
+            (!line.beginsBlock || BeginsLower(line.text)) && words_.Join(document_.text, line.text);
         if (!wasDivided) {
             const char* const parting = Parting(line, beginsPage);
             const bool isParagraph = std::string_view(parting) == "\n\n";
@@ -205,7 +201,7 @@ private:
         const bool goesOn = !(last_->isRow && line.beginsBlock) && !EndsSentence(document_.text) &&
                             !line.beginsItem && !IsBullet(line.text) && HoldsLetters(last_->text) &&
                             (beginsPage ? !g_unichar_isupper(g_utf8_get_char(line.text.c_str()))
-                                        : BeginsSmall(line.text) && IsFull(*last_, line));
+                                        : BeginsLower(line.text) && IsFull(*last_, line));
         if (line.beginsBlock || beginsPage)
             return !goesOn ? "\n\n" : line.height > 0 ? " " : "\n";
         if (line.isRow || line.beginsItem || line.height <= 0 || !IsFull(*last_, line) ||

@@ -28,17 +28,8 @@ bool IsLabel(std::string_view text) {
             text.find_first_not_of("ivxlc") == std::string_view::npos);
 }
 
-bool IsNumber(std::string_view text) {
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
 std::string_view LastWordOf(std::string_view text) {
     return text.substr(text.find_last_of(' ') + 1);
-}
-
-bool HoldsLeader(std::string_view text) {
-    return text.find(". . .") != std::string_view::npos ||
-           text.find("....") != std::string_view::npos;
 }
 
 class PageRows {
@@ -97,12 +88,13 @@ private:
         for (const auto& [begin, end] : labels_)
             for (std::size_t i = begin; i < end; ++i)
                 if (PdfLine* const line = Beside(page_[i], false);
-                    line != nullptr && IsNumber(page_[i].text) && Beside(page_[i], true) == nullptr)
+                    line != nullptr && AreDigits(page_[i].text) &&
+                    Beside(page_[i], true) == nullptr)
                     numbers.push_back(
                         {page_[i].right, page_[i].top, NumberIn(page_[i].text), i, line});
         for (const auto& [middle, i] : rows_)
             if (const std::string_view last = LastWordOf(page_[i].text);
-                HoldsLeader(page_[i].text) && IsNumber(last))
+                HoldsLeader(page_[i].text) && AreDigits(last))
                 numbers.push_back({page_[i].right, page_[i].top, NumberIn(last), i, nullptr});
         std::ranges::sort(numbers, {}, &NumberAtSide::right);
         for (auto begin = numbers.begin(), end = begin; begin != numbers.end(); begin = end) {

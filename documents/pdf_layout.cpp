@@ -8,6 +8,7 @@
 #include "documents/html_tokens.h"
 #include "documents/pdf_pages.h"
 #include "documents/reference_mark.h"
+#include "documents/small_texts.h"
 
 namespace {
 
@@ -47,10 +48,6 @@ std::string RaisedDigits(std::string_view digits) {
     for (const char digit : digits)
         raised += kRaised[digit - '0'];
     return raised;
-}
-
-bool IsAllDigits(std::string_view text) {
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 }  // namespace
@@ -143,7 +140,7 @@ void PdfLayout::EndLine() {
     const Word* before = nullptr;
     for (const Word& word : words_) {
         const double height = word.bottom - word.top;
-        const bool isRaised = before != nullptr && IsAllDigits(word.text) &&
+        const bool isRaised = before != nullptr && AreDigits(word.text) &&
                               height < line.height * kSmall &&
                               word.left - before->right < line.height * kLargestMarkGap &&
                               word.bottom < usual.bottom - line.height * kLifted;
@@ -153,7 +150,7 @@ void PdfLayout::EndLine() {
             continue;
         }
         // A note's own number is set small, or above the line, before its text.
-        const bool followsMark = before == &words_.front() && IsAllDigits(before->text) &&
+        const bool followsMark = before == &words_.front() && AreDigits(before->text) &&
                                  (before->bottom - before->top < line.height * kSmall ||
                                   before->bottom < usual.bottom - line.height * kLifted);
         if (followsMark ||

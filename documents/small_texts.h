@@ -1,6 +1,8 @@
 // Small things that the readers of several kinds of documents do with names and numbers.
 #pragma once
 
+#include <glib.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -28,6 +30,20 @@ inline int NumberIn(std::string_view text, int otherwise = 0) {
     char* end = nullptr;
     const long number = std::strtol(beginning.c_str(), &end, 10);
     return end == beginning.c_str() ? otherwise : static_cast<int>(number);
+}
+
+inline bool AreDigits(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+inline bool BeginsLower(std::string_view text) {
+    return !text.empty() && g_unichar_islower(g_utf8_get_char(text.data())) != FALSE;
+}
+
+// Of a line of contents: the row of dots between a title and the number of its page.
+inline bool HoldsLeader(std::string_view text) {
+    return text.find(". . .") != std::string_view::npos ||
+           text.find("....") != std::string_view::npos;
 }
 
 // "h1" to "h6".
