@@ -7,12 +7,12 @@
 #include <utility>
 
 #include "app/books/book_details_dialog.h"
+#include "app/books/book_loading.h"
 #include "app/books/book_needs.h"
 #include "app/books/book_questions.h"
+#include "app/books/book_text.h"
 #include "app/books/book_words.h"
-#include "app/saving/suggested_name.h"
 #include "app/settings_keys.h"
-#include "app/text/document_loading.h"
 #include "foundation/files/file.h"
 #include "gui/accessible.h"
 #include "gui/control_focus.h"
@@ -221,20 +221,24 @@ void AudiobookDialog::AddKeptBooks() {
 
 void AudiobookDialog::AddFiles(const std::vector<KeptBook>& books, bool again) {
     std::string problems;
-    for (const KeptBook& book : books) {
-        const std::optional<Document> document =
-            LoadDocumentUnderDialog(Widget(), book.path.c_str(), false);
-        if (!document || !IsOpen())  // cancelled, or the window is gone
+    const auto add = [&problems](const std::string& what, const std::string& problem) {
+        if (!problem.empty())
+            problems += (problems.empty() ? "" : "\n") + what + ": " + problem;
+    };
+    for (auto book = books.begin(); book != books.end(); ++book) {
+        std::string problem;
+        std::optional<BookEntry> entry = LoadBookEntry(Widget(), *book, problem);
+        if (!IsOpen() || (!entry && problem.empty())) {
+            if (!again)  // cancelled: the next run may have more time
+                list_.KeepForLater({book, books.end()});
             break;
-        if (!document->problem.empty()) {
-            problems += (problems.empty() ? "" : "\n") + book.path + ": " + document->problem;
-            continue;
         }
-        BookEntry entry = EntryOf(*document, book.path, SuggestedName("", book.path));
-        const std::string lost = book.title.empty() ? "" : Restore(book, entry);
-        if (!lost.empty())
-            problems += (problems.empty() ? "" : "\n") + book.coverPath + ": " + lost;
-        Add(std::move(entry), again);
+        add(IsBookText(book->path) ? book->title : book->path, problem);
+        if (!entry)
+            continue;
+        if (!book->title.empty())
+            add(book->coverPath, Restore(*book, *entry));
+        Add(*std::move(entry), again);
     }
     if (!problems.empty() && IsOpen())
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,

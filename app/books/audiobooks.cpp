@@ -2,10 +2,10 @@
 
 #include <gdk/gdkkeysyms.h>
 
-#include <algorithm>
 #include <optional>
 #include <string>
 
+#include "app/books/book_text.h"
 #include "app/commands/command_numbers.h"
 #include "app/saving/suggested_name.h"
 #include "app/text/document_loading.h"
@@ -52,22 +52,8 @@ void Audiobooks::AddText() {
         document = *loaded;
     }
     const std::string name = SuggestedName(text, file);
-    if (document.text == text) {
+    if (document.text == text)
         dialog_.Add(EntryOf(document, file, name), false);
-        return;
-    }
-    Document edited;
-    edited.text = text;
-    edited.title = document.title;
-    edited.author = document.author;
-    edited.cover = document.cover;
-    edited.languages = parts_.text.Structure().Languages();
-    for (const OutlineEntry& entry : parts_.text.Structure().Now().outline) {
-        const std::size_t end = std::min(text.find('\n', entry.begin), text.size());
-        if (entry.begin < end)
-            edited.headings.push_back({entry.begin, end, entry.depth + 1});
-        if (entry.begin < end && entry.isChapter)
-            edited.chapters.push_back({entry.begin, entry.title});
-    }
-    dialog_.Add(EntryOf(edited, "", name), false);
+    else
+        dialog_.Add(EntryOfText(text, structure.Now(), document, name), false);
 }

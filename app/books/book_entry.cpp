@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <string_view>
 
+#include "app/books/book_text.h"
 #include "books/book_cover.h"
 #include "foundation/files/private_file.h"
 
@@ -72,18 +74,18 @@ void StoreKeptBooks(const std::vector<KeptBook>& books) {
         RemovePrivateFile(kKeptBooks);
     else
         WritePrivateFile(kKeptBooks, content);
+    std::set<std::string> texts;
+    for (const KeptBook& book : books)
+        texts.insert(book.path);
+    RemoveBookTexts(texts);
 }
 
 KeptBook KeptOf(const BookEntry& entry) {
     const BookPlan& plan = entry.plan;
     const bool isCoverTaken = plan.cover.empty() && !entry.documentsCover.empty();
-    return {entry.path,
-            plan.title,
-            plan.author,
-            plan.language,
-            isCoverTaken ? kCoverTaken : entry.coverPath,
-            entry.voice,
-            entry.begunAt};
+    return {
+        entry.path.empty() ? entry.keptAs : entry.path, plan.title,  plan.author,  plan.language,
+        isCoverTaken ? kCoverTaken : entry.coverPath,   entry.voice, entry.begunAt};
 }
 
 std::string Restore(const KeptBook& kept, BookEntry& entry) {

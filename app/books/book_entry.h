@@ -12,6 +12,7 @@
 struct BookEntry {
     std::string path;  // of the document; empty: the text was typed, or came from a program
     std::string text;
+    std::string structure;  // of such a text, as lines of structure_text.h
     std::vector<LanguageMark> marks;
     BookPlan plan;  // its tags as the user has changed them
     std::string documentsCover;
@@ -20,6 +21,7 @@ struct BookEntry {
     std::string target;                 // where it goes, then
     std::string voice;                  // its key, then
     std::string begunAt;                // where it went before its title was changed
+    std::string keptAs;                 // the file of a text that is in no document, once begun
     bool isToldOf = false;              // how it ended
 };
 
@@ -32,9 +34,8 @@ std::string TargetOf(const BookEntry& entry, const std::string& folder, const ch
                      bool inChapters, const std::vector<std::string>& others);
 
 // What is not done yet, from one run of the program to the next: what a restart has to begin with.
-// Texts that are in no file are not among them.
 struct KeptBook {
-    std::string path;
+    std::string path;        // or the name of a text of book_text.h
     std::string title = {};  // empty: the document's tags
     std::string author = {};
     std::string language = {};
@@ -43,6 +44,7 @@ struct KeptBook {
     std::string target = {};
 };
 std::vector<KeptBook> LoadKeptBooks();
+// And removes the texts of all others.
 void StoreKeptBooks(const std::vector<KeptBook>& books);
 KeptBook KeptOf(const BookEntry& entry);
 // What is wrong with the picture that the user had chosen, which is the document's then; empty for

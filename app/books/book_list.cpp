@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/books/book_text.h"
 #include "books/subtitles.h"
 #include "books/unfinished_book.h"
 
@@ -165,6 +166,8 @@ bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::
         order.engineFolder = folder_->Path();
         entry.voice = KeyOf(VoiceAt(order.voice));
         entry.begunAt = entry.target;
+        if (entry.path.empty() && entry.keptAs.empty())
+            entry.keptAs = StoreBookText(entry);
         entry.isToldOf = false;
         entry.number = queue_.Add(std::move(order));
     }
@@ -207,5 +210,6 @@ void BookList::Keep() const {
     for (std::size_t i = 0; i < entries_.size(); ++i)
         if ((entries_[i].number || !entries_[i].begunAt.empty()) && !IsDone(i))
             books.push_back(KeptOf(entries_[i]));
+    books.insert(books.end(), later_.begin(), later_.end());
     StoreKeptBooks(books);
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/books/book_choices.h"
@@ -30,6 +31,8 @@ public:
     // again.
     bool Add(BookEntry entry, bool again);
     void Remove(std::size_t index);
+    // Those of a former run that are not in the list, and wait for the next one.
+    void KeepForLater(std::vector<KeptBook> books) { later_ = std::move(books); }
     bool IsOpen(std::size_t index) const;  // neither done nor on its way
     bool IsOnItsWay(std::size_t index) const { return !IsOpen(index) && !IsDone(index); }
     bool IsDone(std::size_t index) const;
@@ -59,5 +62,6 @@ private:
 
     std::unique_ptr<WorkFolder> folder_;  // the engines'
     std::vector<BookEntry> entries_;
+    std::vector<KeptBook> later_;
     BookQueue queue_;  // last: ends before what its engines write into
 };

@@ -37,6 +37,10 @@ class AudiobooksTest(DesktopCase):
         lectora = self.start(story)
         desktop.wait_until(lambda: "Last words." in lectora.text(), "the text")
         self.card.wait_for(self.card.next_stream(), "close")
+        # What was edited is in no document.
+        lectora.focus()
+        desktop.press_keys("ctrl+End", "x")
+        desktop.wait_until(lambda: lectora.text().endswith("x"), "the letter")
         self.open_dialog(lectora)
         desktop.wait_until(lambda: [row[0] for row in self.rows(lectora)] == ["Of the Sea"], "the window's text")
         lectora.press("push button", "Add...")
@@ -64,6 +68,7 @@ class AudiobooksTest(DesktopCase):
         lectora.process.kill()
         lectora.process.wait()
         kept = self.kept()
+        self.assertEqual(len(self.texts()), 1)
 
         desktop.tell_engine()
         lectora = self.start()
@@ -81,6 +86,7 @@ class AudiobooksTest(DesktopCase):
             self.assertEqual([chapter["tags"]["title"] for chapter in told["chapters"]], ["One", "Two", "Three"])
             self.assertEqual(told["format"]["tags"]["TITLE"], title)
         desktop.wait_until(lambda: "Tide: Saved as" in lectora.status(), "what became of it")
+        self.assertEqual(self.texts(), [])
         self.open_dialog(lectora)
         self.assertEqual([row[3] for row in self.rows(lectora)], ["Done", "Done"])
         self.picture("audiobook-done")
@@ -146,6 +152,9 @@ class AudiobooksTest(DesktopCase):
         desktop.wait_until(lambda: self.state(lectora, 0) == "Broken off", "the end of the book")
         left = [name for _, _, names in os.walk(desktop.HOME) for name in names if name.endswith((".mp3", ".wav", ".part"))]
         self.assertEqual(left, [])
+
+    def texts(self):
+        return [name for name in os.listdir(os.path.join(desktop.HOME, ".quillon/lectora")) if name.startswith("audiobook-text")]
 
     def kept(self):
         folder = os.path.join(desktop.HOME, ".Of the Sea.flac.lectora-book")
