@@ -37,10 +37,7 @@ void ToolCommands::AddCommands(CommandSet& commands) {
 
 void ToolCommands::CmOptions() {
     hotKeys_.Stop();
-    voices_.TakeFrom([this] {
-        OptDlg(window_.Widget());
-        return true;
-    });
+    voices_.TakeFrom([this] { OptDlg(window_.Widget()); });
     // The window may have been closed meanwhile.
     if (window_.IsOpen())
         hotKeys_.Start();

@@ -123,7 +123,7 @@ void GeneralDlgImp::EnableControls() {
 void GeneralDlgImp::Command(int command) {
     if (command == kFormatSettings)
         ShowFormatSettings();
-    else if (command == kVoiceButton && ChooseVoice(Widget()))
+    else if (command == kVoiceButton && ChooseVoice(Widget()).isTaken)
         ShowVoice();
 }
 

@@ -34,8 +34,13 @@ void VoiceChooserDlg::Generate(LDialogGenContext& context) {
 bool VoiceChooserDlg::Run(GtkWidget* parent) {
     if (!Open(parent, {"Choose a Voice", false, Generate}, true))
         return false;
-    for (const auto& [index, manner] : changed_)
-        KeepManner(VoiceAt(index), manner);
+    for (const auto& [index, manner] : changed_) {
+        const Voice voice = VoiceAt(index);
+        if (manner == MannerOf(voice))  // changed and changed back
+            continue;
+        KeepManner(voice, manner);
+        hasKeptManners_ = true;
+    }
     return true;
 }
 
@@ -182,12 +187,12 @@ void VoiceChooserDlg::Hear() {
     sample_.Hear(Widget(), SampleSentence(VoiceAt(voice_).language), voice_, std::move(manners));
 }
 
-bool ChooseVoice(GtkWidget* parent) {
+VoiceChosen ChooseVoice(GtkWidget* parent) {
     VoiceChooserDlg dialog(std::max(0, ChosenVoice()));
     if (!dialog.Run(parent))
-        return false;
+        return {};
     // One that is missing now stays kept until another is picked.
     if (dialog.HasPicked() || !IsChosenVoiceMissing())
         KeepChosenVoice(dialog.Chosen());
-    return true;
+    return {.isTaken = true, .hasOtherManners = dialog.HasKeptManners()};
 }

@@ -21,6 +21,8 @@ public:
     int Chosen() const { return voice_; }
     // Whether the user has selected it, or pressed it: one that only stands selected is no choice.
     bool HasPicked() const { return hasPicked_; }
+    // Whether OK has given any voice another pitch, volume or variant.
+    bool HasKeptManners() const { return hasKeptManners_; }
 
     void InitDialog() override;
     void EnableControls() override;
@@ -51,10 +53,16 @@ private:
     std::vector<std::size_t> shown_;  // of voices_, row by row
     int voice_;
     bool hasPicked_ = false;
+    bool hasKeptManners_ = false;
     std::vector<VoiceVariant> variants_;  // of the selected voice's engine, as they are shown
     std::map<int, VoiceManner> changed_;  // of voices, for OK to keep
     VoiceSample sample_;
 };
 
-// The user's choice, which is kept; false when he took none.
-bool ChooseVoice(GtkWidget* parent);
+struct VoiceChosen {
+    bool isTaken = false;          // else nothing has changed
+    bool hasOtherManners = false;  // a voice, chosen or not, is to speak otherwise than before
+};
+
+// The user's choice, which is kept.
+VoiceChosen ChooseVoice(GtkWidget* parent);

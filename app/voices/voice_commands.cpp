@@ -49,16 +49,24 @@ void VoiceCommands::CmChoose() {
         tell_("The speech engine has not told its voices yet.");
         return;
     }
-    TakeFrom([this] { return ChooseVoice(window_.Widget()); });
+    // It tells what it changes: the manners of hundreds of voices take long to read beforehand.
+    const VoiceChosen chosen = ChooseVoice(window_.Widget());
+    if (chosen.isTaken)
+        Take(chosen.hasOtherManners);
 }
 
-void VoiceCommands::TakeFrom(const std::function<bool()>& dialog) {
-    // The reading's own, and those that it has for other languages.
+void VoiceCommands::TakeFrom(const std::function<void()>& dialog) {
     const std::vector<VoiceManner> before = MannersOfVoices();
-    if (!dialog() || !window_.IsOpen())
+    dialog();
+    Take(MannersOfVoices() != before);
+}
+
+// Of whichever voice: a reading has its own and those for other languages.
+void VoiceCommands::Take(bool hasOtherManners) {
+    if (!window_.IsOpen())
         return;
     TakeSettings();
-    if (MannersOfVoices() != before)
+    if (hasOtherManners)
         change_.BeginAnew();
 }
 

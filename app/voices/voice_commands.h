@@ -17,11 +17,11 @@ public:
 
     void AddCommands();
     void CreateIndicator();  // in the status bar, once it is there
-    // Takes what is chosen in the dialog, if that answers true; a reading goes on as its voice is
-    // to speak now.
-    void TakeFrom(const std::function<bool()>& dialog);
+    // Takes what is chosen in the dialog; a reading goes on as its voice is to speak now.
+    void TakeFrom(const std::function<void()>& dialog);
 
 private:
+    void Take(bool hasOtherManners);
     void TakeSettings();
     void EvListChanged();
     void CmChoose();

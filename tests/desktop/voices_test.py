@@ -78,6 +78,13 @@ class VoicesTest(DesktopCase):
         self.card.wait_for(self.card.next_stream(), "close")
         options = next(call for call in desktop.engine_calls() if call.startswith("espeak-ng "))
         self.assertIn("espeak-ng -b 1 -p 90 -a 80 -v en-us+f2 -f ", options)
+        lectora.set_text("Some more of it. " * 100)
+        lectora.press("toggle button", "Read Aloud")
+        self.card.wait_for(self.card.next_stream(), "first")
+        open_chooser(lectora)
+        desktop.press_keys("alt+p", "ctrl+a", *"100", "alt+o")
+        otherwise = "espeak-ng -b 1 -a 80 -v en-us+f2 -f "
+        desktop.wait_until(lambda: any(otherwise in call for call in desktop.engine_calls()), "another manner meanwhile")
 
 
 if __name__ == "__main__":
