@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <set>
 #include <sstream>
+#include <vector>
 
 #include "books/book_key.h"
 #include "books/book_order.h"
@@ -123,22 +124,28 @@ bool BookWork::HoldsOthers(const std::set<std::string>& made) const {
 std::string BookWork::Open() {
     if (order_.target.back() == '/' && ::mkdir(order_.target.c_str(), 0777) != 0 && errno != EEXIST)
         return order_.target + ": " + std::strerror(errno);
-    struct stat info = {};
-    if (order_.target.back() != '/' && ::stat(order_.target.c_str(), &info) == 0) {
-        if (!S_ISREG(info.st_mode))
-            return order_.target + ": is not a regular file";
-        if (!order_.overwrites) {
-            RemoveIfDone();
-            return order_.target + ": " + WholeFile::kExists;
-        }
-    }
-    if (order_.target.back() != '/' && order_.subtitles && !order_.overwrites) {
-        const std::string beside = SubtitlesPath(order_.target, *order_.subtitles);
-        if (::lstat(beside.c_str(), &info) == 0)
-            return beside + ": " + WholeFile::kExists;
-    }
-    const std::string problem = OpenFolder();
+    std::string problem = order_.target.back() == '/' ? "" : ProblemOfFiles();
+    if (problem.empty())
+        problem = OpenFolder();
     return problem.empty() ? Claim(ContentOf(folder_ + "key")) : problem;
+}
+
+// What could not be published when all is spoken is told before a word is.
+std::string BookWork::ProblemOfFiles() {
+    std::vector<std::string> paths = {order_.target};
+    if (order_.subtitles)
+        paths.push_back(SubtitlesPath(order_.target, *order_.subtitles));
+    const auto existing =
+        order_.overwrites ? WholeFile::Existing::kReplace : WholeFile::Existing::kRefuse;
+    for (const std::string& path : paths) {
+        const WholeFile file(path, existing, WholeFile::Unfinished::kLeave);
+        if (path == order_.target && file.Problem() == WholeFile::kExists)
+            RemoveIfDone();
+        if (!file.Problem().empty() || file.IsDevice())
+            return path + ": " +
+                   (file.IsDevice() ? std::string("is not a regular file") : file.Problem());
+    }
+    return "";
 }
 
 // What a run has left that was killed when the book had its name.

@@ -34,6 +34,7 @@ public:
 
 private:
     std::string OpenFolder();
+    std::string ProblemOfFiles();
     void RemoveIfDone();
     std::string Claim(const std::string& found);
     std::set<std::string> Made() const;

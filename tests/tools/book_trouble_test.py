@@ -184,6 +184,10 @@ class BookTroubleTest(BookCase):
         subtitled = (SAY, "--audiobook", "--subtitles=srt", "-o", "own.flac", "book.epub")
         self.check(*subtitled, status=1, says="own.srt: exists already")
         self.assertEqual(self.load("own.srt"), b"mine")
+        os.remove(self.path("own.srt"))
+        os.symlink("nowhere", self.path("own.srt"))
+        self.check(*subtitled, "-f", status=1, says="own.srt: is a link to a file that does not exist")
+        self.assertEqual(self.said(), [], "it is told before hours are spoken")
         command = (SAY, "--audiobook=chapters", "-t", "flac", "--subtitles=srt", "-o", "spoken/", "book.epub")
         self.check(*command)
         whole = {name: self.load("spoken/" + name) for name in os.listdir(self.path("spoken"))}
