@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr int kMostNumber = 100;  // behind a title
+
 bool Stands(const std::string& path) {
     struct stat info = {};
     return ::lstat(path.c_str(), &info) == 0;
@@ -34,15 +36,18 @@ bool IsUnaskedTaken(const BookOrder& order, const BookChoices& choices) {
 }
 
 // Where a book that goes on in the format in which it was begun belongs, whatever is chosen now;
-// what is finished of it is there, then.
+// what is finished of it is there, then. Another unfinished book may have the name.
 std::string TargetOfItsFormat(const BookOrder& order) {
     if (order.target.back() == '/')
         return order.target;
     BookChoices begun;
     begun.type = order.type;
     begun.isReadAlong = order.isReadAlong;
-    std::string target = order.target.substr(0, order.target.rfind('.') + 1) + EndingOf(begun);
-    MoveUnfinished(order.target, target);  // else it begins anew there
+    const std::string stem = order.target.substr(0, order.target.rfind('.'));
+    const std::string ending = std::string(".") + EndingOf(begun);
+    std::string target = stem + ending;
+    for (int number = 2; number <= kMostNumber && !MoveUnfinished(order.target, target); ++number)
+        target = stem + " " + std::to_string(number) + ending;
     return target;
 }
 
