@@ -79,6 +79,7 @@ bool PageParts::IsTooLarge() const {
 }
 
 bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attributes) {
+    parts_[open_].hasButtons |= name == "button";
     if (IsOneOf(name, kNeverText))
         return false;
     isInTitle_ = name == "title";
@@ -93,9 +94,12 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
     part.isContainer = IsOneOf(name, kContainers) || name.find('-') != std::string_view::npos;
     const std::string_view names = attributes.Value("class");
     part.kin = names.empty() ? 0 : std::hash<std::string_view>()(names.substr(0, names.find(' ')));
+    part.classes = std::hash<std::string_view>()(names);
     part.sign = SignOf(name, attributes, part);
     const bool isOfPage = name != "head" && name != "title";
     part.postName = PostNameOfClass(names);
+    if (PostNameOfClass(attributes.Value("data-role")) == PostName::kBeside)
+        part.postName = PostName::kBeside;
     const bool isPart =
         isOfPage && (!IsOneOf(name, kPartsOfLines) || part.sign != PartSign::kNone ||
                      part.postName == PostName::kBeside);
@@ -104,10 +108,16 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
     linkDepth_ += isLink ? 1 : 0;
     if (isLink)
         ++parts_[open_].links;
+    if (isPart) {
+        open_ = parts_.size();
+        parts_.push_back(part);
+    }
+    parts_[open_].hasTime |= name == "time" || IsNameOfTime(names);
+    parts_[open_].namesWriter |= IsNameOfWriter(names) ||
+                                 attributes.HasWord("itemprop", "author") ||
+                                 attributes.HasWord("rel", "author");
     if (!isPart)
         return true;
-    open_ = parts_.size();
-    parts_.push_back(part);
     if (part.isHeading && headings_.size() < kMostHeadings)
         headings_.push_back({open_, name == "h1", {}});
     return true;
@@ -173,8 +183,8 @@ PageTitle PageParts::Title() const {
         if (best == nullptr && heading.isFirstLevel)
             best = &heading;
     if (best == nullptr)
-        return {headings_.empty() ? 0 : headings_.front().part, false};
-    return {best->part, true};
+        return {headings_.empty() ? 0 : headings_.front().part};
+    return {best->part, true, length > 0};
 }
 
 void SumUp(std::vector<PagePart>& parts) {

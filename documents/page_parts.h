@@ -29,9 +29,14 @@ struct PagePart {
     bool isMain = false;
     bool isArticle = false;
     std::size_t kin = 0;       // the same for all of one class; 0: of none
+    std::size_t classes = 0;   // the same for all that have the same ones
     bool isContainer = false;  // of paragraphs, and none itself
     bool isHeading = false;
     bool isLeftOut = false;
+    // In itself or in parts of its lines.
+    bool hasTime = false;
+    bool hasButtons = false;
+    bool namesWriter = false;  // of a post
     // Of itself, without its children, unless they are parts of a line.
     std::size_t ownText = 0;
     std::size_t ownLinked = 0;
@@ -48,6 +53,7 @@ struct PagePart {
 struct PageTitle {
     std::size_t part = 0;  // a heading; 0: the page has none
     bool isSure = false;   // it is not only the first of them
+    bool isNamed = false;  // by the page's own title
 };
 
 // Asked by one page; the first part is the page.

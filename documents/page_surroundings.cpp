@@ -8,6 +8,7 @@
 
 #include "documents/html_reader.h"
 #include "documents/page_parts.h"
+#include "documents/page_threads.h"
 
 namespace {
 
@@ -19,7 +20,10 @@ constexpr std::size_t kLongPart = 800;
 class Judge {
 public:
     Judge(std::vector<PagePart> parts, PageTitle title)
-        : parts_(std::move(parts)), title_(title.part), isTitleSure_(title.isSure) {}
+        : parts_(std::move(parts)),
+          title_(title.part),
+          isTitleSure_(title.isSure),
+          isTitleNamed_(title.isNamed) {}
 
     PageSurroundings Find() {
         SumUp(parts_);
@@ -40,11 +44,13 @@ public:
         LeaveOutWhere([this](std::size_t i) { return IsBesides(i); });
         PruneBesidePath();
         SumUp(parts_);
-
         PageSurroundings found;
-        const PagePart& read = parts_[article_];
-        if (read.text < kLeastArticle)
+        if (parts_[article_].text < kLeastArticle)
             return found;
+        LeaveOutAroundPosts(parts_, article_, {title_, isTitleSure_, isTitleNamed_});
+        SumUp(parts_);
+
+        const PagePart& read = parts_[article_];
         found.words = words - std::min(words, read.words);
         if (article_ != 0)
             found.article = read.at;
@@ -244,6 +250,7 @@ private:
     std::vector<PagePart> parts_;
     std::size_t title_;  // all of these in the list; 0: there is none, or it is the page
     bool isTitleSure_;
+    bool isTitleNamed_;
     std::size_t matter_ = 0;   // the element that says so
     std::size_t article_ = 0;  // of which alone is read
     std::vector<std::size_t> path_;

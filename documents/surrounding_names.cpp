@@ -165,8 +165,9 @@ constexpr SortedNames<10> kPostWords = {"answer",        "comment", "message",  
                                         "postbitlegacy", "posting", "postitem", "reply", "topic"};
 static_assert(std::is_sorted(kPostWords.begin(), kPostWords.end()));
 
-constexpr SortedNames<30> kBesidePostWords = {"controls",
+constexpr SortedNames<33> kBesidePostWords = {"controls",
                                               "edited",
+                                              "eventpost",
                                               "expandlink",
                                               "infos",
                                               "ipscommentmeta",
@@ -176,6 +177,7 @@ constexpr SortedNames<30> kBesidePostWords = {"controls",
                                               "likes",
                                               "linkback",
                                               "linkbacks",
+                                              "membersignature",
                                               "messagelastedit",
                                               "messageuserextras",
                                               "messageusertitle",
@@ -194,8 +196,15 @@ constexpr SortedNames<30> kBesidePostWords = {"controls",
                                               "signaturecontainer",
                                               "textcontrols",
                                               "timegap",
-                                              "undermessage"};
+                                              "undermessage",
+                                              "usertitle"};
 static_assert(std::is_sorted(kBesidePostWords.begin(), kBesidePostWords.end()));
+
+constexpr SortedNames<9> kWriterWords = {"author", "byline",   "creator", "fn",      "name",
+                                         "nick",   "nickname", "poster",  "username"};
+static_assert(std::is_sorted(kWriterWords.begin(), kWriterWords.end()));
+constexpr SortedNames<4> kTimeWords = {"date", "datetime", "time", "timestamp"};
+static_assert(std::is_sorted(kTimeWords.begin(), kTimeWords.end()));
 
 // "relatedNews__title-2" as "related", "news", "title".
 std::vector<std::string> WordsOfName(std::string_view name) {
@@ -255,6 +264,16 @@ SurroundingName JudgedAll(std::string_view names, std::size_t mostOwnWords) {
     return judged;
 }
 
+template <std::size_t kCount>
+bool EndsAnyWith(std::string_view names, const SortedNames<kCount>& lastWords) {
+    bool isOne = false;
+    ForEachName(names, [&](std::string_view name) {
+        const std::vector<std::string> words = WordsOfName(name);
+        isOne = isOne || (!words.empty() && IsOneOf(words.back(), lastWords));
+    });
+    return isOne;
+}
+
 }  // namespace
 
 SurroundingName SurroundingNameOfClass(std::string_view names) {
@@ -271,17 +290,26 @@ PostName PostNameOfClass(std::string_view names) {
         const std::vector<std::string> words = WordsOfName(name);
         if (words.size() > kMostWords)
             return;
-        std::string joined;
-        for (const std::string& word : words)
-            joined += word;
-        const auto isBeside = [](const std::string& word) {
-            return IsOneOf(word, kBesidePostWords);
-        };
+        bool isBeside = false;
+        std::string joined;  // "edited", "lastedited", "messagelastedited"
+        for (std::size_t i = words.size(); i-- > 0;) {
+            joined.insert(0, words[i]);
+            isBeside = isBeside || IsOneOf(words[i], kBesidePostWords) ||
+                       IsOneOf(joined, kBesidePostWords);
+        }
         const auto isPost = [](const std::string& word) { return IsOneOf(word, kPostWords); };
-        if (isBeside(joined) || std::ranges::any_of(words, isBeside))
+        if (isBeside)
             judged = PostName::kBeside;
         else if (std::ranges::any_of(words, isPost))
             judged = std::max(judged, PostName::kPost);
     });
     return judged;
+}
+
+bool IsNameOfWriter(std::string_view names) {
+    return EndsAnyWith(names, kWriterWords);
+}
+
+bool IsNameOfTime(std::string_view names) {
+    return EndsAnyWith(names, kTimeWords);
 }

@@ -23,3 +23,6 @@ enum class PostName {
 
 // The same of a thread's posts: what these words mean elsewhere they do not tell.
 PostName PostNameOfClass(std::string_view names);
+// Whether one of these says that it names who wrote a post, or when, by its last word.
+bool IsNameOfWriter(std::string_view names);
+bool IsNameOfTime(std::string_view names);
