@@ -29,17 +29,19 @@ def is_translated(original, translated):
     return sum(word in english for word in words) <= MOST_ENGLISH * len(words)
 
 
-def programs(language):
-    if "--others" not in sys.argv[1:]:
-        return PROGRAMS
-    catalogs = sorted(os.listdir(f"/usr/share/locale/{language}/LC_MESSAGES"))
-    names = [name[:-3] for name in catalogs if name.endswith(".mo")]
-    return [name for name in names if name.split("-")[0] not in PROGRAMS and not name.startswith("iso")]
+def all_programs(language):
+    folder = f"/usr/share/locale/{language}/LC_MESSAGES"
+    catalogs = sorted(os.listdir(folder)) if os.path.isdir(folder) else []
+    return [name[:-3] for name in catalogs if name.endswith(".mo") and not name.startswith("iso")]
 
 
-def messages(language):
+def other_programs(language):
+    return [name for name in all_programs(language) if name.split("-")[0] not in PROGRAMS]
+
+
+def messages(language, programs):
     found = set()
-    for program in programs(language):
+    for program in programs:
         try:
             with open(f"/usr/share/locale/{language}/LC_MESSAGES/{program}.mo", "rb") as file:
                 catalog = gettext.GNUTranslations(file)._catalog
@@ -47,7 +49,7 @@ def messages(language):
             continue
         for original, translated in catalog.items():
             text = re.sub(r"\s+", " ", translated.strip()) if isinstance(translated, str) else ""
-            enough = len(text.split()) >= 4 or (language == "ja" and len(text) > 12)
+            enough = len(text.split()) >= 4 or (language[:2] in ("ja", "zh") and len(text) > 12)
             if original and enough and is_translated(original, text) and not NO_PROSE.search(text):
                 found.add(text)
     return sorted(found)
@@ -68,7 +70,7 @@ def paragraphs(texts, least, most):
 def main():
     random.seed(1)
     for language in LANGUAGES:
-        texts = messages(language)
+        texts = messages(language, other_programs(language) if "--others" in sys.argv[1:] else PROGRAMS)
         random.shuffle(texts)
         for least, most in SIZES:
             for _, text in zip(range(MOST), paragraphs(texts, least, most)):
