@@ -59,7 +59,7 @@ PartSign SignOf(std::string_view name, const MarkupAttributes& attributes, const
     const std::string_view role = attributes.Value("role");
     if (name == "nav" || name == "form" || name == "dialog" || IsOneOf(role, kSurroundingRoles))
         return PartSign::kSurely;
-    if (name == "body" || name == "html" || part.isMain || part.isArticle || part.isHeading)
+    if (part.isPage || part.isMain || part.isArticle || part.isHeading)
         return PartSign::kNone;
     SurroundingName named = SurroundingNameOfClass(attributes.Value("class"));
     if (!IsNamedByHeading(name, attributes))
@@ -88,8 +88,10 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
     part.at = reader_->Position();
     part.parent = open_;
     const std::string_view role = attributes.Value("role");
+    part.isPage = name == "body" || name == "html";
     part.isMain = name == "main" || role == "main";
     part.isArticle = name == "article" || role == "article";
+    part.isAside = name == "aside" || role == "complementary";
     part.isHeading = IsHeadingName(name);
     part.isContainer = IsOneOf(name, kContainers) || name.find('-') != std::string_view::npos;
     const std::string_view names = attributes.Value("class");
@@ -100,9 +102,11 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
     part.postName = PostNameOfClass(names);
     if (PostNameOfClass(attributes.Value("data-role")) == PostName::kBeside)
         part.postName = PostName::kBeside;
-    const bool isPart =
-        isOfPage && (!IsOneOf(name, kPartsOfLines) || part.sign != PartSign::kNone ||
-                     part.postName == PostName::kBeside);
+    const bool isBlock = !IsOneOf(name, kPartsOfLines) || part.sign != PartSign::kNone ||
+                         part.postName == PostName::kBeside;
+    const bool isTime = name == "time" || IsNameOfTime(names);
+    part.isInLine = !isBlock && isTime;
+    const bool isPart = isOfPage && (isBlock || isTime);
     isPart_.push_back(isPart);
     isLink_.push_back(isLink);
     linkDepth_ += isLink ? 1 : 0;
@@ -112,7 +116,7 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
         open_ = parts_.size();
         parts_.push_back(part);
     }
-    parts_[open_].hasTime |= name == "time" || IsNameOfTime(names);
+    parts_[open_].hasTime |= isTime;
     parts_[open_].namesWriter |= IsNameOfWriter(names) ||
                                  attributes.HasWord("itemprop", "author") ||
                                  attributes.HasWord("rel", "author");
@@ -162,6 +166,7 @@ void PageParts::EvText(std::string_view text) {
 std::vector<PagePart> PageParts::Take() {
     parts_[0].end = parts_.size();
     parts_[0].isContainer = true;
+    parts_[0].isPage = true;
     return std::move(parts_);
 }
 
@@ -188,17 +193,28 @@ PageTitle PageParts::Title() const {
 }
 
 void SumUp(std::vector<PagePart>& parts) {
+    struct Line {
+        std::size_t text = 0;
+        std::size_t linked = 0;
+    };
+    std::vector<Line> lines;
+    lines.reserve(parts.size());
     for (PagePart& part : parts) {
         part.text = part.ownText;
         part.linked = part.ownLinked;
         part.words = part.ownWords;
-        const bool isProse = part.ownText >= kLeastProse && part.ownLinked * 2 <= part.ownText;
-        part.prose = isProse ? part.ownText : 0;
-        part.longest = isProse ? part.ownText - part.ownLinked : 0;
+        part.prose = 0;
+        part.longest = 0;
+        lines.push_back({part.ownText, part.ownLinked});
     }
-    for (std::size_t i = parts.size(); i-- > 1;) {
-        const PagePart& part = parts[i];
-        if (part.isLeftOut)
+    for (std::size_t i = parts.size(); i-- > 0;) {
+        PagePart& part = parts[i];
+        const Line& line = lines[i];
+        if (!part.isInLine && line.text >= kLeastProse && line.linked * 2 <= line.text) {
+            part.prose += line.text;
+            part.longest = std::max(part.longest, line.text - line.linked);
+        }
+        if (i == 0 || part.isLeftOut)
             continue;
         PagePart& parent = parts[part.parent];
         parent.text += part.text;
@@ -206,5 +222,9 @@ void SumUp(std::vector<PagePart>& parts) {
         parent.words += part.words;
         parent.prose += part.prose;
         parent.longest = std::max(parent.longest, part.longest);
+        if (part.isInLine) {
+            lines[part.parent].text += line.text;
+            lines[part.parent].linked += line.linked;
+        }
     }
 }

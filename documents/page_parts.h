@@ -26,12 +26,15 @@ struct PagePart {
     std::size_t end = 0;     // in the list, behind all that it holds
     PartSign sign = PartSign::kNone;
     PostName postName = PostName::kNone;
+    bool isPage = false;  // the page, its root or its body
     bool isMain = false;
     bool isArticle = false;
+    bool isAside = false;
     std::size_t kin = 0;       // the same for all of one class; 0: of none
     std::size_t classes = 0;   // the same for all that have the same ones
     bool isContainer = false;  // of paragraphs, and none itself
     bool isHeading = false;
+    bool isInLine = false;  // as long as nobody leaves it out, it is of its parent's line
     bool isLeftOut = false;
     // In itself or in parts of its lines.
     bool hasTime = false;

@@ -41,7 +41,8 @@ public:
             title_ = 0;
         article_ = title_ == 0 || IsIn(title_, matter_) ? matter_ : 0;
         FindPath();
-        LeaveOutWhere([this](std::size_t i) { return IsBesides(i); });
+        FindWhetherProseIsAbove();
+        LeaveOutWhere([this](std::size_t i) { return IsBesides(i) || IsAboveTitle(i); });
         PruneBesidePath();
         SumUp(parts_);
         PageSurroundings found;
@@ -198,6 +199,14 @@ private:
         inner_ = matter_ != 0 ? matter_ : above == 0 ? path_.back() : body_;
     }
 
+    void FindWhetherProseIsAbove() {
+        for (std::size_t i = 1; i < title_; ++i)
+            if (parts_[i].isLeftOut)
+                i = parts_[i].end - 1;
+            else if (parts_[i].end <= title_ && parts_[i].prose > 0)
+                isProseAbove_ = true;
+    }
+
     // Whether it is one of several: of a thread's posts, a list's teasers.
     bool HasKin(std::size_t part) const {
         const std::size_t parent = parts_[part].parent;
@@ -216,9 +225,18 @@ private:
             return false;
         const bool isLinks =
             part.sign == PartSign::kMarked ? IsLinks(part) : part.linked * 2 > part.text;
-        const bool isFoot = title_ == 0 && matter_ == 0 && part.sign == PartSign::kMarked;
-        const bool isAround = (isFoot || !IsIn(i, inner_)) && part.longest < kLongBlock;
+        const bool isFoot = part.sign == PartSign::kMarked &&
+                            (parts_[part.parent].isPage || (title_ == 0 && matter_ == 0));
+        const bool isBehind = part.isAside && i >= parts_[path_.back()].end;
+        const bool isAround = (isFoot || isBehind || !IsIn(i, inner_)) && part.longest < kLongBlock;
         return isLinks || isAround || !IsIn(i, body_);
+    }
+
+    // A bar of links, in whatever it stands with the title.
+    bool IsAboveTitle(std::size_t i) const {
+        const PagePart& part = parts_[i];
+        return isTitleSure_ && !isProseAbove_ && part.end <= title_ && !part.isHeading &&
+               part.isContainer && part.prose == 0 && part.text > 0 && part.linked == part.text;
     }
 
     // What stands beside the way to the article.
@@ -230,7 +248,7 @@ private:
             // Between the title and the end there may be more of the article, behind hardly.
             const bool isBehind = inner_ != body_ && IsIn(inner_, next);
             for (std::size_t i = open + 1; i < parts_[open].end; i = parts_[i].end)
-                if (i != next && !HasTitle(i) && !parts_[i].isLeftOut &&
+                if (i != next && !HasTitle(i) && !parts_[i].isLeftOut && !parts_[i].isInLine &&
                     (isOutside || (isBehind && i > next) ? IsForeign(parts_[i]) : IsTail(i, next)))
                     parts_[i].isLeftOut = true;
         }
@@ -251,8 +269,9 @@ private:
     std::size_t title_;  // all of these in the list; 0: there is none, or it is the page
     bool isTitleSure_;
     bool isTitleNamed_;
-    std::size_t matter_ = 0;   // the element that says so
-    std::size_t article_ = 0;  // of which alone is read
+    bool isProseAbove_ = false;  // the title
+    std::size_t matter_ = 0;     // the element that says so
+    std::size_t article_ = 0;    // of which alone is read
     std::vector<std::size_t> path_;
     std::size_t body_ = 0;   // the lowest of it that holds title and prose
     std::size_t inner_ = 0;  // holds prose, but may lack the title

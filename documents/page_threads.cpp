@@ -7,7 +7,7 @@
 namespace {
 
 constexpr std::size_t kLongestNote = 250;  // letters of what is told of the thread itself
-constexpr std::size_t kLongestWriter = 60;
+constexpr std::size_t kLongestOfSigner = 60;
 
 class Thread {
 public:
@@ -232,12 +232,13 @@ private:
         return false;
     }
     // Questions with answers in a manual are called as posts are, but nobody signs them.
-    bool IsWrittenByPeople() const {
-        const auto isSigned = [this](const Post& post) {
-            return holds_[post.whole].time || holds_[post.whole].writer;
-        };
-        return std::ranges::count_if(posts_, isSigned) * 2 >=
-               static_cast<std::ptrdiff_t>(posts_.size());
+    bool IsWrittenByPeople() {
+        std::size_t written = 0;
+        for (const Post& post : posts_) {
+            written += holds_[post.whole].time || holds_[post.whole].writer ? 1 : 0;
+            isSigned_ = isSigned_ || holds_[post.whole].writer;
+        }
+        return written * 2 >= posts_.size();
     }
     // Who speaks must be heard, though it stands among the labels. When none of these says so, it
     // may be the first.
@@ -251,7 +252,7 @@ private:
                 continue;
             const bool isHeard = !IsLeftOut(i);
             post.hasWriter = isHeard && part.namesWriter;
-            if (!isHeard && part.namesWriter && part.ownText < kLongestWriter && unheard == 0)
+            if (!isHeard && part.namesWriter && part.ownText < kLongestOfSigner && unheard == 0)
                 unheard = i;
             else if (isHeard && part.isHeading)
                 heading = i;
@@ -303,9 +304,10 @@ private:
         const bool isWriter = holds.writer && !isWriterTold;
         if (part.postName == PostName::kBeside && part.text < kLongestNote)
             return !holds.isInPost || !isWriter;
-        if (part.prose > 0)
+        if (part.prose > 0 || (part.isInLine && parts_[part.parent].ownText > kLongestOfSigner))
             return false;
-        if (!holds.isInPost && holds.isLikePost)
+        // The news of a day are told by their hours.
+        if (holds.isInPost ? holds.time && !isSigned_ : holds.isLikePost)
             return false;
         if (!holds.isInPost && i < posts_.front().whole)
             return !isProseBefore_ && (title_.isNamed || !holds.heading);
@@ -324,6 +326,7 @@ private:
     std::vector<bool> isBody_;
     std::vector<Holds> holds_;
     std::vector<Post> posts_;
+    bool isSigned_ = false;  // by those who wrote them
     bool isProseBefore_ = false;
 };
 

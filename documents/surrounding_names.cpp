@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kMostWords = 12;  // of one name
 
-constexpr SortedNames<112> kMatterWords = {"aboutauthor",
+constexpr SortedNames<114> kMatterWords = {"aboutauthor",
                                            "abouttheauthor",
                                            "ad",
                                            "ads",
@@ -48,6 +48,7 @@ constexpr SortedNames<112> kMatterWords = {"aboutauthor",
                                            "gdpr",
                                            "jumpbox",
                                            "jumplink",
+                                           "jumptorecipe",
                                            "kommentar",
                                            "kommentare",
                                            "leaderboard",
@@ -84,6 +85,7 @@ constexpr SortedNames<112> kMatterWords = {"aboutauthor",
                                            "reactions",
                                            "readmore",
                                            "readnext",
+                                           "reciperating",
                                            "recirculation",
                                            "recommend",
                                            "recommendation",
@@ -228,11 +230,12 @@ SurroundingName Judged(std::string_view name, std::size_t mostOwnWords) {
     const std::vector<std::string> words = WordsOfName(name);
     if (words.size() > kMostWords)
         return SurroundingName::kNone;
-    std::string joined;  // "author-box"
-    for (const std::string& word : words)
-        joined += word;
-    if (IsOneOf(joined, kMatterWords))
-        return SurroundingName::kMatter;
+    std::string joined;  // "box", "author-box", "post-author-box"
+    for (std::size_t i = words.size(); i-- > 0;) {
+        joined.insert(0, words[i]);
+        if (i + 1 < words.size() && (i == 0 || mostOwnWords > 1) && IsOneOf(joined, kMatterWords))
+            return SurroundingName::kMatter;
+    }
     SurroundingName judged = SurroundingName::kNone;
     for (std::size_t i = 0; i < words.size(); ++i) {
         if (IsOneOf(words[i], kMatterWords))
