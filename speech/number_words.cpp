@@ -7,7 +7,10 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
 
 namespace {
 
@@ -111,11 +114,29 @@ constexpr RuleSet kRuleSets[] = {
     {"ru", OrdinalOf::kTheDay, "%spellout-ordinal-neuter-dative"},
 };
 
+struct CloseNumberFormat {
+    void operator()(UNumberFormat* format) const { unum_close(format); }
+};
+using NumberFormat = std::unique_ptr<UNumberFormat, CloseNumberFormat>;
+
 std::string SpelledOut(std::string_view language, const char* ruleSet, int number) {
+    // Opening one takes some 10 ms: a chronicle would take minutes. Never destroyed: threads may
+    // still use them at the program's end.
+    static std::mutex mutex;
+    static auto& formats = *new std::map<std::string, NumberFormat, std::less<>>;
+    const std::lock_guard lock(mutex);
     UErrorCode error = U_ZERO_ERROR;
-    const std::string locale(language);
-    const std::unique_ptr<UNumberFormat, decltype(&unum_close)> format(
-        unum_open(UNUM_SPELLOUT, nullptr, 0, locale.c_str(), nullptr, &error), unum_close);
+    auto known = formats.find(language);
+    if (known == formats.end()) {
+        const std::string locale(language);
+        known = formats
+                    .emplace(locale,
+                             unum_open(UNUM_SPELLOUT, nullptr, 0, locale.c_str(), nullptr, &error))
+                    .first;
+    }
+    const NumberFormat& format = known->second;
+    if (format == nullptr)
+        return {};
     const Utf16 name = ToUtf16(ruleSet, error);
     unum_setTextAttribute(format.get(), UNUM_DEFAULT_RULESET, name.data(), -1, &error);
     Utf16 words{};
