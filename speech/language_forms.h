@@ -11,6 +11,13 @@ struct WrittenForm {
     std::string_view said;
 };
 
+// "Mio." of "1,2 Mio. €".
+struct ScaleForm {
+    std::string_view written;
+    int zeros;
+    bool isOfMoney = false;  // a scale only before a currency's sign
+};
+
 enum class DateOrder { kDayFirst, kMonthFirst };
 
 struct LanguageForms {
@@ -35,12 +42,17 @@ struct LanguageForms {
     std::span<const WrittenForm> punctuation;    // for who wants to hear it
     std::string_view range = {};                 // between the numbers of "5–10"
     std::string_view score = {};                 // between those of "3:2"
-    std::string_view dayRange = {};           // between days of one month, both said by their place
-    std::string_view andHalf = {};            // behind the number of "1½"
-    std::string_view ofFraction = " ";        // between a fraction and its unit, but for a half
+    std::string_view dayRange = {};      // between days of one month, both said by their place
+    std::string_view andHalf = {};       // behind the number of "1½"
+    std::string_view andFraction = " ";  // between the number and the fraction of "2 1/4"
+    std::string_view oneAndHalf = {};    // "1½", where it is a word of its own
+    // Between a fraction and its unit, but for a half; where there is a word, units stand before
+    // the fraction of "2½ kg".
+    std::string_view ofFraction = " ";
     std::span<const WrittenForm> units = {};  // of this language alone
-    std::span<const WrittenForm> moneyScales = {};  // "Mio." of "1,2 Mio. €"
-    std::string_view atSign = {};  // of an e-mail address, with the blanks around it
+    std::span<const ScaleForm> scales = {};
+    std::string_view ofScale = " ";  // between millions and their currency
+    std::string_view atSign = {};    // of an e-mail address, with the blanks around it
     std::string_view dot = {};
     std::string_view orderedNouns = {};  // behind "2.", a blank around each: "Weltkrieg"
 };

@@ -115,7 +115,7 @@ constexpr WrittenForm kGermanShort[] = {{"z. B.", "zum Beispiel"},
                                         {"Abs. #", "Absatz"}};
 constexpr WrittenForm kGermanUnits[] = {
     {"EL", "tablespoon"}, {"TL", "teaspoon"}, {"Min", "minute"}, {"Std", "hour"}};
-constexpr WrittenForm kGermanScales[] = {{"Mio.", " Millionen "}, {"Mrd.", " Milliarden "}};
+constexpr ScaleForm kGermanScales[] = {{"Mio.", 6}, {"Mrd.", 9}, {"Tsd.", 3}};
 constexpr WrittenForm kGermanFractions[] = {{"1/2", "ein halb"},
                                             {"1/3", "ein Drittel"},
                                             {"2/3", "zwei Drittel"},
@@ -171,6 +171,7 @@ const LanguageForms kEnglishForms = {.language = "en",
                                      .range = " to ",
                                      .score = " to ",
                                      .andHalf = " and a half",
+                                     .andFraction = " and ",
                                      .atSign = " at ",
                                      .dot = " dot "};
 
@@ -196,6 +197,7 @@ const LanguageForms kBritishForms = {.language = "en-GB",
                                      .range = " to ",
                                      .score = " to ",
                                      .andHalf = " and a half",
+                                     .andFraction = " and ",
                                      .atSign = " at ",
                                      .dot = " dot "};
 
@@ -228,8 +230,9 @@ const LanguageForms kGermanForms = {
     .score = " zu ",
     .dayRange = "bis",
     .andHalf = " ein halb",
+    .oneAndHalf = "eineinhalb",
     .units = kGermanUnits,
-    .moneyScales = kGermanScales,
+    .scales = kGermanScales,
     .atSign = " ät ",
     .dot = " Punkt ",
     .orderedNouns =

@@ -37,8 +37,8 @@ constexpr WrittenForm kFrenchShort[] = {{"p. ex.", "par exemple"},
                                         {"vol. #", "volume"},
                                         {"fig. #", "figure"}};
 constexpr WrittenForm kFrenchUnits[] = {{"c. à s.", "tablespoon"}, {"c. à c.", "teaspoon"}};
-constexpr WrittenForm kFrenchScales[] = {
-    {"k", " mille "}, {"M", " millions de "}, {"Md", " milliards de "}, {"Mds", " milliards de "}};
+constexpr ScaleForm kFrenchScales[] = {
+    {"k", 3, true}, {"M", 6, true}, {"Mds", 9, true}, {"Md", 9, true}};
 constexpr WrittenForm kFrenchFractions[] = {{"1/2", "un demi"},
                                             {"1/3", "un tiers"},
                                             {"2/3", "deux tiers"},
@@ -104,7 +104,7 @@ constexpr WrittenForm kSpanishShort[] = {{"p. ej.", "por ejemplo"},
                                          {"1.ª", "primera"},
                                          {"2.ª", "segunda"},
                                          {"3.ª", "tercera"}};
-constexpr WrittenForm kSpanishScales[] = {{"k", " mil "}, {"M", " millones de "}};
+constexpr ScaleForm kSpanishScales[] = {{"k", 3, true}, {"mill.", 6}, {"M", 6, true}};
 constexpr WrittenForm kSpanishFractions[] = {{"1/2", "un medio"},
                                              {"1/3", "un tercio"},
                                              {"2/3", "dos tercios"},
@@ -140,7 +140,7 @@ constexpr WrittenForm kItalianShort[] = {
     {"d.C.", "dopo Cristo"},   {"sec.", "secolo"},       {"n. #", "numero"},
     {"pag. #", "pagina"},      {"pagg. #", "pagine"},    {"p. #", "pagina"},
     {"cap. #", "capitolo"},    {"art. #", "articolo"},   {"vol. #", "volume"}};
-constexpr WrittenForm kItalianScales[] = {{"mln", " milioni di "}, {"mld", " miliardi di "}};
+constexpr ScaleForm kItalianScales[] = {{"mln", 6}, {"mld", 9}};
 constexpr WrittenForm kItalianFractions[] = {{"1/2", "un mezzo"},
                                              {"1/3", "un terzo"},
                                              {"2/3", "due terzi"},
@@ -190,9 +190,11 @@ const LanguageForms kFrenchForms = {
     .range = " à ",
     .score = " à ",
     .andHalf = " et demi",
+    .andFraction = " et ",
     .ofFraction = " de ",
     .units = kFrenchUnits,
-    .moneyScales = kFrenchScales,
+    .scales = kFrenchScales,
+    .ofScale = " de ",
     .atSign = " arobase ",
     .dot = " point "};
 
@@ -222,8 +224,10 @@ const LanguageForms kSpanishForms = {
     .range = " a ",
     .score = " a ",
     .andHalf = " y medio",
+    .andFraction = " y ",
     .ofFraction = " de ",
-    .moneyScales = kSpanishScales,
+    .scales = kSpanishScales,
+    .ofScale = " de ",
     .atSign = " arroba ",
     .dot = " punto "};
 
@@ -254,7 +258,9 @@ const LanguageForms kItalianForms = {
     .range = " a ",
     .score = " a ",
     .andHalf = " e mezzo",
+    .andFraction = " e ",
     .ofFraction = " di ",
-    .moneyScales = kItalianScales,
+    .scales = kItalianScales,
+    .ofScale = " di ",
     .atSign = " chiocciola ",
     .dot = " punto "};

@@ -33,6 +33,7 @@ constexpr WrittenForm kRussianShort[] = {{"т. е.", "то есть"},
                                          {"им. A", "имени"},
                                          {"г. A", "город"},
                                          {"см. A", "смотри"},
+                                         {"гг.", "годы"},
                                          {"№ ", "номер "},
                                          {"№", "номер "}};
 constexpr WrittenForm kRussianUnits[] = {{"ст. л.", "tablespoon"},
@@ -93,7 +94,8 @@ constexpr WrittenForm kCzechShort[] = {{"např.", "například"},
                                        {"s. #", "strana"},
                                        {"obr. #", "obrázek"},
                                        {"kap. #", "kapitola"}};
-constexpr WrittenForm kCzechScales[] = {{"mil.", " milionů "}, {"mld.", " miliard "}};
+constexpr ScaleForm kCzechScales[] = {{"mil.", 6}, {"mld.", 9}, {"tis.", 3}};
+constexpr ScaleForm kRussianScales[] = {{"тыс.", 3}, {"млн", 6}, {"млрд", 9}};
 constexpr WrittenForm kCzechUnitSigns[] = {{"hod", "hour"}};
 constexpr WrittenForm kCzechFractions[] = {{"1/2", "jedna polovina"},
                                            {"1/3", "jedna třetina"},
@@ -133,7 +135,9 @@ const LanguageForms kRussianForms = {
     .punctuation = kRussianMarks,
     .dayRange = "по",
     .andHalf = " с половиной",
+    .andFraction = " и ",
     .units = kRussianUnits,
+    .scales = kRussianScales,
     .atSign = " собака ",
     .dot = " точка "};
 
@@ -165,7 +169,8 @@ const LanguageForms kCzechForms = {
     .score = " ku ",
     .dayRange = "do",
     .andHalf = " a půl",
+    .andFraction = " a ",
     .units = kCzechUnitSigns,
-    .moneyScales = kCzechScales,
+    .scales = kCzechScales,
     .atSign = " zavináč ",
     .dot = " tečka "};

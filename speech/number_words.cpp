@@ -207,6 +207,11 @@ std::string MoneyWords(std::string_view language, std::string_view currency,
     return words;
 }
 
+std::string ScaledWords(std::string_view language, std::string_view number, int zeros) {
+    return Formatted(language, "compact-long .######",
+                     std::string(number) + "E" + std::to_string(zeros));
+}
+
 std::string OrdinalWords(std::string_view language, OrdinalOf of, int number) {
     if (number < 1 || number > MostCounted(language))
         return {};
@@ -230,4 +235,14 @@ std::string PlaceWords(std::string_view language, OrdinalOf of, int number) {
                               : of == OrdinalOf::kThatDay ? "%spellout-ordinal-masculine-locative"
                                                           : "%spellout-ordinal-masculine";
     return SpelledOut(language, rules, number);
+}
+
+std::string RussianPlaceWords(RussianCase wanted, int number) {
+    constexpr const char* kRules[] = {
+        "%spellout-ordinal-masculine", "%spellout-ordinal-masculine-genitive",
+        "%spellout-ordinal-masculine-dative", "%spellout-ordinal-masculine-locative"};
+    const std::string words = SpelledOut("ru", kRules[static_cast<int>(wanted)], number);
+    // Nobody says the one of its thousand.
+    constexpr std::string_view kOne = "одна ";
+    return words.starts_with(kOne) ? words.substr(kOne.size()) : words;
 }

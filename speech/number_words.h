@@ -12,6 +12,9 @@ std::string UnitWords(std::string_view language, std::string_view unit, std::str
 std::string MoneyWords(std::string_view language, std::string_view currency,
                        std::string_view number);
 
+// "1,2 Millionen" of "1.2" with six zeros.
+std::string ScaledWords(std::string_view language, std::string_view number, int zeros);
+
 enum class OrdinalOf {
     kMan,     // "Heinrich der Achte", "Филипп второй"
     kWoman,   // "Elisabeth die Zweite", "Екатерина вторая"
@@ -24,3 +27,7 @@ std::string OrdinalWords(std::string_view language, OrdinalOf of, int number);
 // "vingtième", "первая": of what is counted by its place, in French, Spanish, Italian and Russian;
 // kTheDay is its genitive, kThatDay its locative there. Empty elsewhere.
 std::string PlaceWords(std::string_view language, OrdinalOf of, int number);
+
+enum class RussianCase { kNominative, kGenitive, kDative, kLocative };
+// "тысяча девятьсот сорок пятом": of a year or a century.
+std::string RussianPlaceWords(RussianCase wanted, int number);

@@ -45,6 +45,17 @@ bool IsRomanNumeral(std::string_view word) {
     return !word.empty() && word.find_first_not_of("IVXLCDM") == std::string_view::npos;
 }
 
+// "3" of "2.–3" and "2./3".
+std::string_view LastDayOf(std::string_view word) {
+    constexpr std::string_view kDigits = "0123456789";
+    const std::size_t day = word.find_last_not_of(kDigits) + 1;
+    for (const std::string_view sign : {".–", ".-", "./"})
+        if (const std::string_view head = word.substr(0, day);
+            head.ends_with(sign) && head.find_first_not_of(kDigits) == head.size() - sign.size())
+            return word.substr(day);
+    return word;
+}
+
 }  // namespace
 
 SentenceRules::SentenceRules(std::string_view paragraph, std::string_view language)
@@ -264,10 +275,11 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
         return false;
     if (CharactersIn(word) == 1 && g_unichar_isalpha(CharacterAt(word, 0)) != 0)
         return LetterEnds(around);
-    const bool isNumber = word.find_first_not_of("0123456789") == std::string_view::npos;
-    if (isNumber && word.size() < 3 && isBeforeNumber)  // "12. 5. 2012"
+    const std::string_view day = LastDayOf(word);
+    const bool isNumber = day.find_first_not_of("0123456789") == std::string_view::npos;
+    if (isNumber && day.size() < 3 && isBeforeNumber)  // "12. 5. 2012"
         return false;
-    if (isNumber && word.size() < 3 && HasDottedOrdinals(language_))
+    if (isNumber && day.size() < 3 && HasDottedOrdinals(language_))
         return BeginsSentences(around.next) || IsHouseNumber(around);
     // Polish has the ordinal's stop behind figures alone.
     if (IsRomanNumeral(word) && word.size() > 1 && HasDottedOrdinals(language_) &&

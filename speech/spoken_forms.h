@@ -2,12 +2,17 @@
 // "25 km/h", "z. B.", "Henry VIII".
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "speech/language_forms.h"
+#include "speech/number_words.h"
 #include "speech/pronunciations.h"
+
+constexpr std::string_view kTrueMinus = "\xe2\x88\x92";
+constexpr std::string_view kEnDash = "–";
 
 // What an engine says well by itself, joined by "|".
 using SaidByEngine = unsigned;
@@ -48,13 +53,14 @@ private:
     std::optional<std::size_t> Negative(std::size_t at);
     std::optional<std::size_t> Date(std::size_t at);
     std::optional<std::size_t> DottedDay(std::size_t at);
+    std::optional<std::size_t> Year(std::size_t at);
     std::optional<std::size_t> Fraction(std::size_t at);
     std::optional<std::size_t> MixedNumber(std::size_t at);
     std::optional<std::size_t> Score(std::size_t at);
     std::optional<std::size_t> Range(std::size_t at);
     std::optional<std::size_t> DaysOfMonth(std::size_t at);
     std::optional<std::size_t> Place(std::size_t at);
-    std::optional<std::size_t> ScaledMoney(const Amount& amount);
+    std::optional<std::size_t> Scaled(const Amount& amount);
     std::optional<std::size_t> Clock(std::size_t at);
     std::optional<std::size_t> Phone(std::size_t at);
     std::optional<std::size_t> MoneyBehindSign(std::size_t at);
@@ -81,7 +87,15 @@ private:
     bool EndsToken(std::size_t at) const;
     std::string WordBefore(std::size_t at) const;
     std::string WordBehind(std::size_t at) const;
+    const WrittenForm* FractionAt(std::size_t at, std::size_t& end) const;
     std::string DayWords(int day, std::size_t at) const;
+    RussianCase CaseAt(std::size_t at) const;
+    using RussianNouns = std::array<std::string_view, 4>;  // by RussianCase
+    static constexpr RussianNouns kRussianYears = {"год", "года", "году", "году"};
+    static constexpr RussianNouns kRussianCenturies = {"век", "века", "веку", "веке"};
+    std::optional<std::size_t> RussianShort(std::size_t at, int number, std::size_t end,
+                                            const RussianNouns& nouns);
+    std::string SmallWordBefore(std::size_t at) const;
     bool IsOnThatDay(std::size_t at) const;
     bool IsOrdered(std::size_t at, const std::string& noun) const;
     bool GoesOnBehind(std::size_t at) const;

@@ -12,10 +12,9 @@ namespace {
 // Verses and times.
 constexpr std::string_view kBeforeOtherPairs =
     " verse chapter psalm at vers kapitel psaume um alle a las ";
-constexpr std::string_view kTrueMinus = "\xe2\x88\x92";
+constexpr std::string_view kHalf = "1/2";
 constexpr WrittenForm kVulgarFractions[] = {
     {"½", "1/2"}, {"¼", "1/4"}, {"¾", "3/4"}, {"⅓", "1/3"}, {"⅔", "2/3"}};
-constexpr std::string_view kEnDash = "–";
 constexpr std::size_t kMostPlaceDigits = 2;
 constexpr std::size_t kMostRomanLetters = 7;
 
@@ -36,6 +35,7 @@ constexpr PlaceEnding kPlaceEndings[] = {
     {"ru", "-го", OrdinalOf::kTheDay}};
 // Behind a Roman numeral that says which of them.
 constexpr PlaceEnding kCenturies[] = {{"it", "secolo", OrdinalOf::kMan},
+                                      {"it", "sec", OrdinalOf::kMan},
                                       {"ru", "век", OrdinalOf::kMan},
                                       {"ru", "века", OrdinalOf::kTheDay},
                                       {"ru", "веке", OrdinalOf::kThatDay}};
@@ -45,10 +45,6 @@ std::string WithoutNumber(const std::string& words) {
 }
 
 }  // namespace
-
-bool SpokenForms::IsMonth(const std::string& word) const {
-    return std::ranges::find(forms_->months, word) != forms_->months.end();
-}
 
 // What stands at the place; its end comes behind the stop of a short form within a sentence.
 const WrittenForm* SpokenForms::UnitAt(std::size_t at, std::size_t& end) const {
@@ -80,12 +76,10 @@ std::optional<std::size_t> SpokenForms::WithUnit(const Amount& amount) {
     return said_.empty() ? std::nullopt : std::optional(end);
 }
 
-// "1/2", "½", "1/4 kg".
-std::optional<std::size_t> SpokenForms::Fraction(std::size_t at) {
-    if ((byEngine_ & kSaysFractions) != 0)
-        return std::nullopt;
+// "1/2", "½"; its end comes behind it.
+const WrittenForm* SpokenForms::FractionAt(std::size_t at, std::size_t& end) const {
     std::string_view written;
-    std::size_t end = at;
+    end = at;
     for (const WrittenForm& vulgar : kVulgarFractions)
         if (text_.substr(at).starts_with(vulgar.written)) {
             written = vulgar.said;
@@ -98,35 +92,63 @@ std::optional<std::size_t> SpokenForms::Fraction(std::size_t at) {
             continue;
         const bool goesOn = end + 1 < text_.size() && (text_[end] == '/' || text_[end] == '.') &&
                             g_ascii_isdigit(text_[end + 1]);
-        if (!EndsToken(end) || goesOn)
-            return std::nullopt;
-        said_ = form.said;
-        const std::size_t place = BehindBlank(end);
-        std::size_t behind = 0;
-        const WrittenForm* const unit = place > end ? UnitAt(place, behind) : nullptr;
-        if (unit == nullptr)
-            return end;
-        // The words of a part are those of 1.5 where nouns have cases.
-        const bool hasCases = language_ == "ru" || language_ == "cs";
-        const std::string noun =
-            WithoutNumber(UnitWords(language_, unit->said, hasCases ? "1.5" : "1"));
-        if (noun.empty())
-            return end;
-        said_ += std::string(form.written == "1/2" ? " " : forms_->ofFraction) + noun;
-        return behind;
+        return EndsToken(end) && !goesOn ? &form : nullptr;
     }
-    return std::nullopt;
+    return nullptr;
 }
 
-// "1½".
-std::optional<std::size_t> SpokenForms::MixedNumber(std::size_t at) {
-    const std::string_view half = kVulgarFractions[0].written;
-    Amount amount;
-    if ((byEngine_ & kSaysFractions) != 0 || !ReadAmount(at, amount) ||
-        !text_.substr(amount.end).starts_with(half) || !EndsToken(amount.end + half.size()))
+// "1/2", "½", "1/4 kg".
+std::optional<std::size_t> SpokenForms::Fraction(std::size_t at) {
+    std::size_t end = 0;
+    const WrittenForm* const form = FractionAt(at, end);
+    if (form == nullptr || (byEngine_ & kSaysFractions) != 0)
         return std::nullopt;
-    said_ = std::string(text_.substr(at, amount.end - at)) + std::string(forms_->andHalf);
-    return amount.end + half.size();
+    said_ = form->said;
+    const std::size_t place = BehindBlank(end);
+    std::size_t behind = 0;
+    const WrittenForm* const unit = place > end ? UnitAt(place, behind) : nullptr;
+    if (unit == nullptr)
+        return end;
+    // The words of a part are those of 1.5 where nouns have cases.
+    const bool hasCases = language_ == "ru" || language_ == "cs";
+    const std::string noun =
+        WithoutNumber(UnitWords(language_, unit->said, hasCases ? "1.5" : "1"));
+    if (noun.empty())
+        return end;
+    said_ += std::string(form->written == kHalf ? " " : forms_->ofFraction) + noun;
+    return behind;
+}
+
+// "1½", "2 1/4 kg", "2½ kg".
+std::optional<std::size_t> SpokenForms::MixedNumber(std::size_t at) {
+    Amount amount;
+    std::size_t end = 0;
+    if ((byEngine_ & kSaysFractions) != 0 || !ReadAmount(at, amount) ||
+        amount.plain.find('.') != std::string::npos)
+        return std::nullopt;
+    const WrittenForm* const form = FractionAt(BehindBlank(amount.end), end);
+    if (form == nullptr)
+        return std::nullopt;
+    const bool isHalf = form->written == kHalf;
+    const bool isOneAndHalf = isHalf && amount.plain == "1" && !forms_->oneAndHalf.empty();
+    const std::string part = isOneAndHalf
+                                 ? ""
+                                 : std::string(isHalf ? forms_->andHalf : forms_->andFraction) +
+                                       std::string(isHalf ? "" : form->said);
+    said_ = isOneAndHalf ? std::string(forms_->oneAndHalf)
+                         : std::string(text_.substr(at, amount.end - at));
+    std::size_t behind = 0;
+    const WrittenForm* const unit = UnitAt(BehindBlank(end), behind);
+    const std::string noun =
+        unit == nullptr ? "" : WithoutNumber(UnitWords(language_, unit->said, amount.plain + ".5"));
+    // "2 kilogrammes et demi"
+    const bool isNounFirst = forms_->ofFraction != " ";
+    if (!noun.empty() && isNounFirst)
+        said_ += " " + noun;
+    said_ += part;
+    if (!noun.empty() && !isNounFirst)
+        said_ += " " + noun;
+    return noun.empty() ? end : behind;
 }
 
 // "won 3:2"; behind a name it may be a verse.
@@ -180,39 +202,6 @@ std::optional<std::size_t> SpokenForms::Range(std::size_t at) {
     return end;
 }
 
-// "1. bis 5.", "1 по 5 мая": the days that begin and end a stretch of a month.
-std::optional<std::size_t> SpokenForms::DaysOfMonth(std::size_t at) {
-    if (forms_->dayRange.empty())
-        return std::nullopt;
-    std::size_t end = at;
-    int days[2] = {};
-    std::size_t second = at;  // whose words in Russian are those behind "по"
-    for (int i = 0; i < 2; ++i) {
-        days[i] = ReadDigits(end, 2);
-        if (days[i] < 1 || days[i] > 31)
-            return std::nullopt;
-        if (forms_->hasDottedDays && !text_.substr(end++).starts_with("."))
-            return std::nullopt;
-        if (i == 1)
-            break;
-        const std::size_t word = BehindBlank(end);
-        end = word + forms_->dayRange.size();
-        if (!text_.substr(word).starts_with(forms_->dayRange) || BehindBlank(end) == end)
-            return std::nullopt;
-        end = BehindBlank(end);
-        second = forms_->hasDottedDays ? at : end;
-    }
-    const std::string behind = WordBehind(BehindBlank(end));
-    const bool goesOn =
-        IsMonth(behind) || IsAmong(forms_->orderedNouns, behind) ||
-        (!behind.empty() && g_unichar_islower(g_utf8_get_char(behind.c_str())) != FALSE);
-    if (!IsMonth(behind) && !forms_->hasDottedDays)
-        return std::nullopt;
-    said_ = DayWords(days[0], at) + " " + std::string(forms_->dayRange) + " " +
-            DayWords(days[1], second);
-    return goesOn ? end : end - 1;  // that stop is the sentence's, too
-}
-
 // "1er", "XXe", "3.ª", "2-я", "XX secolo".
 std::optional<std::size_t> SpokenForms::Place(std::size_t at) {
     std::size_t end = at;
@@ -226,7 +215,10 @@ std::optional<std::size_t> SpokenForms::Place(std::size_t at) {
     }
     if (number < 1)
         return std::nullopt;
-    const std::string behind = WordBehind(BehindBlank(end));
+    const std::size_t place = BehindBlank(end);
+    const std::string behind = WordBehind(place);
+    if (isRoman && language_ == "ru" && place > end && behind == "в")
+        return RussianShort(at, number, place + behind.size(), kRussianCenturies);
     for (const PlaceEnding& century : kCenturies)
         if (isRoman && EndsToken(end) && century.language == language_ &&
             behind == century.written) {
@@ -248,28 +240,32 @@ std::optional<std::size_t> SpokenForms::Place(std::size_t at) {
     return std::nullopt;
 }
 
-// "1,2 Mio. €", "10 k€".
-std::optional<std::size_t> SpokenForms::ScaledMoney(const Amount& amount) {
-    if ((byEngine_ & kSaysMoney) != 0)
-        return std::nullopt;
+// "1,2 Mio. €", "10 k€", "5 Mrd. Menschen".
+std::optional<std::size_t> SpokenForms::Scaled(const Amount& amount) {
     const std::size_t place = BehindBlank(amount.end);
-    for (const WrittenForm& scale : forms_->moneyScales) {
+    for (const ScaleForm& scale : forms_->scales) {
+        const std::size_t end = place + scale.written.size();
         if (!text_.substr(place).starts_with(scale.written))
             continue;
-        const std::size_t behind = BehindBlank(place + scale.written.size());
+        const std::string words = ScaledWords(language_, amount.plain, scale.zeros);
+        const std::size_t behind = BehindBlank(end);
         for (const WrittenForm& sign : CurrencySigns()) {
-            const std::size_t end = behind + sign.written.size();
-            if (!text_.substr(behind).starts_with(sign.written) || !EndsToken(end))
+            const std::size_t last = behind + sign.written.size();
+            if ((byEngine_ & kSaysMoney) != 0 || !text_.substr(behind).starts_with(sign.written) ||
+                !EndsToken(last))
                 continue;
             const std::string noun = WithoutNumber(MoneyWords(language_, sign.said, "5"));
-            std::string number = amount.plain;
-            std::ranges::replace(number, '.', forms_->decimalMark);
-            said_ = number + std::string(scale.said);
-            if (language_ == "fr" && scale.said.ends_with(" de ") && noun.starts_with("e"))
-                said_.replace(said_.size() - 2, 2, "'");
-            said_ += noun;
-            return end;
+            std::string of(scale.zeros > 3 ? forms_->ofScale : " ");
+            if (of == " de " && language_ == "fr" && noun.starts_with("e"))
+                of = " d'";
+            said_ = words + of + noun;
+            return last;
         }
+        const bool isWhole = scale.written.ends_with('.') || EndsToken(end);
+        if (scale.isOfMoney || !isWhole || words.empty())
+            continue;
+        said_ = words;
+        return end;
     }
     return std::nullopt;
 }

@@ -94,7 +94,22 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
         {"fr", "le XXe siècle, François Ier, la 1re, Tél. N° 5, 10 k€, 1/4 l, ½ l, Vie, 24h/24",
          "le vingtième siècle, François premier, la première, téléphone numéro 5, 10 mille euros, "
          "un quart de litre, un demi litre, Vie, 24 heures sur 24"},
-        {"en", "on 2024–10–05", "on 2024–10–05"},
+        {"en", "on 2024–10–05, 2½ kg, 2 1/4 tsp. salt, EUR5@a.b",
+         "on 2024–10–05, 2 and a half kilograms, 2 and one quarter teaspoons salt, EUR5 at a dot "
+         "b"},
+        {"de", "1½ TL, 2½ kg, vom 2.–3. Mai, 1 Mio. Menschen",
+         "eineinhalb Teelöffel, 2 ein halb Kilogramm, vom zweiten bis dritten Mai, 1 Million "
+         "Menschen"},
+        {"fr", "2½ kg, 1,2 M€", "2 kilogrammes et demi, 1,2 million d'euros"},
+        {"it", "nel XIX sec. e", "nel diciannovesimo secolo e"},
+        {"ru", "в 1945 г. была, к 1945 г. и, мая 1945 г. и, 05.09.1945, с 1941 по 1945 год",
+         "в тысяча девятьсот сорок пятом году была, к тысяча девятьсот сорок пятому году и, мая "
+         "тысяча девятьсот сорок пятого года и, пятого сентября тысяча девятьсот сорок пятого "
+         "года, с тысяча девятьсот сорок первого по тысяча девятьсот сорок пятый год"},
+        {"ru", "в XIX в. был, начало XIX в., 1,2 млн руб. и, 2 тыс. человек, в 1945",
+         "в девятнадцатом веке был, начало девятнадцатого века, 1,2 миллиона рублей и, 2 тысячи "
+         "человек, в 1945"},
+        {"cs", "1,2 mil. Kč", "1,2 milionu korun"},
         {"it", "20º C, 2º piano", "20º C, secondo piano"},
         {"es", "la 5ª, 1.er, 1,2 M€, 1/4 kg",
          "la quinta, primer, 1,2 millones de euros, un cuarto "
