@@ -124,7 +124,7 @@ bool BookWork::HoldsOthers(const std::set<std::string>& made) const {
 std::string BookWork::Open() {
     if (order_.target.back() == '/' && ::mkdir(order_.target.c_str(), 0777) != 0 && errno != EEXIST)
         return order_.target + ": " + std::strerror(errno);
-    std::string problem = order_.target.back() == '/' ? "" : ProblemOfFiles();
+    std::string problem = order_.target.back() == '/' ? ProblemOfChapters() : ProblemOfFiles();
     if (problem.empty())
         problem = OpenFolder();
     return problem.empty() ? Claim(ContentOf(folder_ + "key")) : problem;
@@ -144,6 +144,24 @@ std::string BookWork::ProblemOfFiles() {
         if (!file.Problem().empty() || file.IsDevice())
             return path + ": " +
                    (file.IsDevice() ? std::string("is not a regular file") : file.Problem());
+    }
+    return "";
+}
+
+// Of what stands in the place of chapters: there are many, of which most are not there yet.
+std::string BookWork::ProblemOfChapters() const {
+    for (std::size_t i = 0; i < order_.plan.chapters.size(); ++i) {
+        const std::string sound = order_.target + ChapterFileName(order_, i);
+        for (const std::string& path :
+             {sound, order_.subtitles ? SubtitlesPath(sound, *order_.subtitles) : sound}) {
+            struct stat info = {};
+            if (::lstat(path.c_str(), &info) != 0 || S_ISREG(info.st_mode))
+                continue;
+            const WholeFile file(path, WholeFile::Existing::kReplace,
+                                 WholeFile::Unfinished::kLeave);
+            if (!file.Problem().empty())
+                return path + ": " + file.Problem();
+        }
     }
     return "";
 }

@@ -35,6 +35,7 @@ public:
 private:
     std::string OpenFolder();
     std::string ProblemOfFiles();
+    std::string ProblemOfChapters() const;
     void RemoveIfDone();
     std::string Claim(const std::string& found);
     std::set<std::string> Made() const;

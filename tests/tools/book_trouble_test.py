@@ -194,6 +194,11 @@ class BookTroubleTest(BookCase):
         self.tell_engine("text2wave slow 1")
         self.stopped((*command, "-f", "--speed=150"), signal.SIGINT, "spoken/.lectora-book/key")
         self.assertEqual({name: self.load("spoken/" + name) for name in whole}, whole)
+        runs = len(self.said())
+        os.remove(self.path("spoken/03 Third.srt"))
+        os.symlink("nowhere", self.path("spoken/03 Third.srt"))
+        self.check(*command, "-f", status=1, says="03 Third.srt: is a link to a file that does not exist")
+        self.assertEqual(len(self.said()), runs)
         # Only an unfinished run's own chapters go when another format is made there.
         other = [word.replace("spoken/", "other/").replace("flac", "opus") for word in command]
         told = self.stopped(other, signal.SIGINT, "other/.lectora-book/00001.made")
