@@ -18,6 +18,8 @@ constexpr std::size_t kNamedMissing = 3;
 struct Chapter {
     Document document;
     bool isRead = false;
+    EpubContents contents = EpubContents::kNone;
+    bool isLeftOut = false;
 };
 using Chapters = std::map<std::string, Chapter, std::less<>>;  // by name in the archive
 
@@ -105,27 +107,45 @@ private:
         TextFlow flow(rules_.referenceMarks);
         flow.SetLanguage(book_.language);
         PageFacts facts;
-        std::string problem = ReadHtml(page, watch_, rules_, flow, facts);
+        std::string problem = ReadHtml(WithoutLastLinks(page), watch_, rules_, flow, facts);
         chapter.document = flow.TakeDocument();
         chapter.isRead = true;
+        chapter.contents = ContentsIn(page);
         return problem;
     }
 
     Document Join() {
         TextFlow flow(rules_.referenceMarks);
         flow.SetLanguage(book_.language);
+        LeaveOutContents();
         for (const EpubChapter& chapter : book_.chapters) {
             const auto found = chapters_.find(chapter.name);
             if (chapter.name.empty() || !found->second.isRead) {
                 missing_.push_back(chapter.address);
                 continue;
             }
+            if (found->second.isLeftOut)
+                continue;
             if (const auto title = book_.titles.find(chapter.name); title != book_.titles.end())
                 flow.BeginChapter(title->second);
             // A book that names a chapter twice has it once.
             flow.Append(std::exchange(found->second.document, {}));
         }
         return flow.TakeDocument();
+    }
+
+    // Those that say so, and links that converters put behind the last chapter.
+    void LeaveOutContents() {
+        bool isLast = true;
+        for (auto at = book_.chapters.rbegin(); at != book_.chapters.rend(); ++at) {
+            Chapter& chapter = chapters_.find(at->name)->second;
+            const bool isContents = chapter.contents != EpubContents::kNone;
+            chapter.isLeftOut = chapter.contents == EpubContents::kMarked || (isContents && isLast);
+            isLast = isLast && (isContents || chapter.document.text.empty());
+        }
+        if (isLast)  // there is nothing else
+            for (auto& [name, chapter] : chapters_)
+                chapter.isLeftOut = false;
     }
 
     std::string Remark() const {

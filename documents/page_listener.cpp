@@ -21,13 +21,13 @@ constexpr SortedNames<22> kUnread = {
     "map",        "noembed",        "noframes", "noscript", "object",   "rp",       "rt",
     "script",     "select",         "style",    "svg",      "template", "textarea", "video",
     "xmp"};
-constexpr SortedNames<41> kParagraphs = {
-    "address",  "article",    "aside",   "blockquote", "body",   "caption", "center",
-    "dd",       "details",    "dialog",  "dir",        "div",    "dl",      "dt",
-    "fieldset", "figcaption", "figure",  "footer",     "form",   "h1",      "h2",
-    "h3",       "h4",         "h5",      "h6",         "header", "hgroup",  "hr",
-    "legend",   "li",         "main",    "menu",       "nav",    "ol",      "p",
-    "pre",      "section",    "summary", "table",      "tr",     "ul"};
+constexpr SortedNames<42> kParagraphs = {
+    "address",   "article",    "aside",   "blockquote", "body",   "caption", "center",
+    "dd",        "details",    "dialog",  "dir",        "div",    "dl",      "dt",
+    "fieldset",  "figcaption", "figure",  "footer",     "form",   "h1",      "h2",
+    "h3",        "h4",         "h5",      "h6",         "header", "hgroup",  "hr",
+    "legend",    "li",         "main",    "menu",       "nav",    "ol",      "p",
+    "pagebreak", "pre",        "section", "summary",    "table",  "tr",      "ul"};
 static_assert(std::is_sorted(kUnread.begin(), kUnread.end()));
 static_assert(std::is_sorted(kParagraphs.begin(), kParagraphs.end()));
 

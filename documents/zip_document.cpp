@@ -134,7 +134,7 @@ std::string DocxMainPart(const ZipIndex& index) {
 }
 
 bool IsBook(const ZipIndex& index) {
-    return index.Has("META-INF/container.xml") ||
+    return index.Has("META-INF/container.xml") || index.Has("metadata.opf") ||  // HTMLZ
            index.Content("mimetype").starts_with("application/epub+zip");
 }
 

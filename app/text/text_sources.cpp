@@ -94,7 +94,7 @@ std::string TextSources::ChooseFile() {
     static constexpr char kFilters[] =
         "Text Documents\0*.txt;*.text;*.TXT;*\0"
         "Web Pages\0*.html;*.htm;*.xhtml;*.HTML;*.HTM\0"
-        "Books\0*.epub;*.fb2;*.mobi;*.azw3;*.azw;*.prc;*.EPUB;*.FB2;*.MOBI;*.AZW3\0"
+        "Books\0*.epub;*.fb2;*.mobi;*.azw3;*.azw;*.prc;*.htmlz;*.EPUB;*.FB2;*.MOBI;*.AZW3\0"
         "Word Processor Documents\0*.odt;*.fodt;*.docx;*.rtf;*.ODT;*.DOCX;*.RTF\0"
         "Presentations\0*.odp;*.pptx;*.ODP;*.PPTX\0"
         "PDF and DjVu Documents\0*.pdf;*.djvu;*.PDF;*.DJVU\0"

@@ -111,6 +111,35 @@ TEST(Book, FactsChaptersAndHeadingsAreKept) {
     EXPECT_EQ(languages, "de-AT:Head;fr:deux;de-AT:Last;");
 }
 
+TEST(Book, ContentsAreLeftOutWhereTheySaySoOrStandBehindTheLastChapter) {
+    const std::string links =
+        "<h1>Contents</h1><ol><li>1. <a href='a.xhtml'>Tides</a> ... 3<li><a "
+        "href='a.xhtml#b'>Oars</a><li><a href='a.xhtml#c'>Sails</a></ol>";
+    const auto textOf = [](const std::string& first, const std::string& second) {
+        return ReadDocument(BookOf({{"a.xhtml", "OEBPS/a.xhtml", first},
+                                    {"b.xhtml", "OEBPS/b.xhtml", second}}))
+            .text;
+    };
+    EXPECT_EQ(textOf("<h1>Tides</h1>", links), "Tides");
+    EXPECT_EQ(textOf("<nav epub:type='toc'>" + links + "</nav>", "<h1>Tides</h1>"), "Tides");
+    EXPECT_THAT(textOf(links, "<h1>Tides</h1>"), HasSubstr("Oars")) << "the author may want it";
+    EXPECT_THAT(textOf(links, ""), HasSubstr("Oars"));
+    EXPECT_THAT(textOf("<h1>Tides</h1>", links + "are told of"), HasSubstr("are told of"));
+    EXPECT_THAT(textOf("One",
+                       "<a href='http://a'>One</a> <a href='http://b'>Two</a> <a "
+                       "href='http://c'>Three</a>"),
+                HasSubstr("Three"));
+    EXPECT_EQ(textOf("One<mbp:pagebreak/>Two<mbp:pagebreak/><p><b>Contents</b></p><p><a "
+                     "href='#1'>Tides</a></p><p><a href='#2'>Oars</a></p><a "
+                     "href='#3'>Sails</a><mbp:pagebreak/>",
+                     ""),
+              "One\n\nTwo");
+    const Document page = ReadDocument(ZipOf(
+        {{"index.html", "<html><body><h1>One</h1>words</body></html>"},
+         {"metadata.opf", "<package><metadata><dc:title>Tale</dc:title></metadata></package>"}}));
+    EXPECT_EQ(page.text + "|" + page.title, "One\n\nwords|Tale");
+}
+
 TEST(Book, CopyProtectionIsToldByName) {
     const Page page{"a.xhtml", "OEBPS/a.xhtml", "one"};
     const std::string encryption = "<e><CipherReference URI='OEBPS/a.xhtml'/></e>";
