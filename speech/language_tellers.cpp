@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <string>
 
@@ -88,8 +90,17 @@ void EachPart(std::string_view parts, char mark, Visitor visit) {
     }
 }
 
+// The first eight bytes of a text, or what it has of them.
+std::uint64_t BeginningOf(std::string_view text) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, text.data(), std::min(text.size(), sizeof bytes));
+    return bytes;
+}
+
 struct TellerPart {
     std::string_view text;
+    std::uint64_t beginning;
+    std::uint64_t mask;                  // the bytes of a beginning that it has
     std::vector<std::size_t> languages;  // places in kTellers
 };
 
@@ -109,7 +120,9 @@ struct TellerParts {
     void Add(std::string_view text, std::size_t language) {
         auto part = std::ranges::find(all, text, &TellerPart::text);
         if (part == all.end()) {
-            part = all.insert(part, {text, {}});
+            const std::string_view ones("\xff\xff\xff\xff\xff\xff\xff\xff", 8);
+            part = all.insert(
+                part, {text, BeginningOf(text), BeginningOf(ones.substr(0, text.size())), {}});
             for (unsigned next = 0; next < 256; ++next) {
                 const std::string any{text[0], static_cast<char>(next)};
                 if (text.size() == 1 || next == static_cast<unsigned char>(text[1]))
@@ -138,9 +151,11 @@ TellersIn::TellersIn(std::string_view text) : counts_(std::size(kTellers)) {
     std::vector<std::size_t> ends(parts.all.size());  // none counts twice where it lies over itself
     for (std::size_t at = 0; at < text.size(); ++at) {
         const std::string_view rest = text.substr(at);
+        const std::uint64_t beginning = BeginningOf(rest);
         for (const std::size_t index : parts.byBeginning[TellerParts::PlaceOf(rest)]) {
             const TellerPart& part = parts.all[index];
-            if (at < ends[index] || !rest.starts_with(part.text))
+            if ((beginning & part.mask) != part.beginning || at < ends[index] ||
+                !rest.starts_with(part.text))
                 continue;
             ends[index] = at + part.text.size();
             for (const std::size_t language : part.languages)

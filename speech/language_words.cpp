@@ -9,8 +9,6 @@
 #include <iterator>
 #include <unordered_map>
 
-#include "foundation/owned_text.h"
-
 namespace {
 
 struct SmallWords {
@@ -220,19 +218,41 @@ const std::unordered_map<std::string_view, Languages>& LanguagesOfWords() {
     return *words;
 }
 
+bool IsPlain(char c) {
+    return static_cast<unsigned char>(c) < 0x80;
+}
+
 std::size_t EndOfWord(std::string_view text) {
     std::size_t at = 0;
-    while (at < text.size() && g_unichar_isalpha(g_utf8_get_char(text.data() + at)) != 0)
+    while (at < text.size() &&
+           (IsPlain(text[at]) ? g_ascii_isalpha(text[at])
+                              : g_unichar_isalpha(g_utf8_get_char(text.data() + at))) != 0)
         at += static_cast<std::size_t>(g_utf8_skip[static_cast<unsigned char>(text[at])]);
     return at;
 }
 
 }  // namespace
 
-std::vector<ShownByWords> LanguagesShownByWords(std::string_view text) {
-    const OwnedText small(g_utf8_strdown(text.data(), static_cast<gssize>(text.size())));
+std::string InSmallLetters(std::string_view text) {
+    std::string small;
+    small.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        if (IsPlain(text[at])) {
+            small += g_ascii_tolower(text[at++]);
+            continue;
+        }
+        std::array<char, 6> bytes{};
+        const int size =
+            g_unichar_to_utf8(g_unichar_tolower(g_utf8_get_char(text.data() + at)), bytes.data());
+        small.append(bytes.data(), static_cast<std::size_t>(size));
+        at += static_cast<std::size_t>(g_utf8_skip[static_cast<unsigned char>(text[at])]);
+    }
+    return small;
+}
+
+std::vector<ShownByWords> LanguagesShownByWords(std::string_view small) {
     std::array<double, std::size(kSmallWords)> sums{};
-    for (std::string_view rest = small.get(); !rest.empty();) {
+    for (std::string_view rest = small; !rest.empty();) {
         const std::size_t size = EndOfWord(rest);
         const auto found = LanguagesOfWords().find(rest.substr(0, size));
         if (found != LanguagesOfWords().end())
@@ -254,7 +274,7 @@ std::vector<ShownByWords> LanguagesShownByWords(std::string_view text) {
 
 bool IsShownByWords(std::string_view text, std::string_view language) {
     constexpr double kMoreThanChance = 1.5;
-    const std::vector<ShownByWords> shown = LanguagesShownByWords(text);
+    const std::vector<ShownByWords> shown = LanguagesShownByWords(InSmallLetters(text));
     return !shown.empty() && shown.front().language == language &&
            shown.front().sum >= kMoreThanChance;
 }

@@ -1,6 +1,7 @@
 // The small words that show a language, and what shows one of languages that are much alike.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -10,8 +11,11 @@ struct ShownByWords {
     double sum;
 };
 
-// Of the languages that are known here, those that show, the one that shows most first.
-std::vector<ShownByWords> LanguagesShownByWords(std::string_view text);
+// Valid UTF-8, letter by letter, whatever the user's locale makes of an "I".
+std::string InSmallLetters(std::string_view text);
+// Of the languages that are known here, those that show, the one that shows most first; the text is
+// in small letters.
+std::vector<ShownByWords> LanguagesShownByWords(std::string_view small);
 bool IsKnownByWords(std::string_view language);
 // Whether the text shows it more than any other, and by more than a chance word.
 bool IsShownByWords(std::string_view text, std::string_view language);

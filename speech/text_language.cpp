@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 
-#include "foundation/owned_text.h"
 #include "speech/language_tellers.h"
 #include "speech/language_words.h"
 
@@ -50,13 +49,26 @@ constexpr double kSeenSurely = 3;  // where nothing is known here that tells the
 constexpr double kNearly = 1;      // as much
 constexpr double kSureLead = 3;    // of what tells one from those much alike
 
-// A bit for each group of kAlike that it is in.
+// Of a tag of two small letters; of any other one beyond all of them.
+constexpr std::size_t kAlphabet = 26;
+constexpr std::size_t PlaceOfTag(std::string_view tag) {
+    const auto letter = [tag](std::size_t at) { return static_cast<std::size_t>(tag[at] - 'a'); };
+    const bool isTag = tag.size() == 2 && letter(0) < kAlphabet && letter(1) < kAlphabet;
+    return isTag ? letter(0) * kAlphabet + letter(1) : kAlphabet * kAlphabet;
+}
+
+// A bit for each group of kAlike that a language is in: asked for hundreds of times a sentence.
 unsigned GroupsOf(std::string_view language) {
-    unsigned groups = 0;
-    for (std::size_t i = 0; !language.empty() && i < std::size(kAlike); ++i)
-        if (std::ranges::find(kAlike[i], language) != std::end(kAlike[i]))
-            groups |= 1U << i;
-    return groups;
+    static_assert(std::size(kAlike) <= 8);
+    static const auto kGroups = [] {
+        std::array<unsigned char, kAlphabet * kAlphabet + 1> groups{};
+        for (std::size_t i = 0; i < std::size(kAlike); ++i)
+            for (const std::string_view one : kAlike[i])
+                if (!one.empty())
+                    groups[PlaceOfTag(one)] |= static_cast<unsigned char>(1U << i);
+        return groups;
+    }();
+    return kGroups[PlaceOfTag(language)];
 }
 
 double SumOf(const std::vector<ShownByWords>& shown, std::string_view language) {
@@ -86,8 +98,8 @@ double SeenFirst(std::string_view language) {
     return HasTellers(language) ? kSeenFirst : kSeenSurely;
 }
 
-// The one of those much alike that the text shows.
-TextLanguage ToldApart(std::string_view text, std::string language,
+// The one of those much alike that the text shows; small: the same in small letters.
+TextLanguage ToldApart(std::string_view text, const std::string& small, std::string language,
                        const std::vector<ShownByWords>& shown) {
     TextLanguage found;
     if (!shown.empty() && shown[0].sum >= kManyWords && IsKnownByWords(language) &&
@@ -96,8 +108,7 @@ TextLanguage ToldApart(std::string_view text, std::string language,
     // What is Serbian in Latin letters has to show it: mostly it has its own.
     if (language == "sr" && !HoldsScript(text, G_UNICODE_SCRIPT_CYRILLIC))
         language = "hr";
-    const OwnedText small(g_utf8_strdown(text.data(), static_cast<gssize>(text.size())));
-    const TellersIn tellers(" " + std::string(small.get()) + " ");
+    const TellersIn tellers(" " + small + " ");
     const auto shows = [&](std::string_view one) {
         return static_cast<double>(tellers.Of(one)) + SumOf(shown, one);
     };
@@ -220,8 +231,9 @@ TextLanguage LanguageOf(std::string_view text) {
     found.isLong = guess.bytes >= kEnoughForAlike;
     if (guess.bytes < kFewestBytes)
         return found;
+    const std::string small = InSmallLetters(text);
     const bool isEnough = guess.bytes >= kEnoughForOthers;
-    const std::vector<ShownByWords> shown = LanguagesShownByWords(text);
+    const std::vector<ShownByWords> shown = LanguagesShownByWords(small);
     const std::vector<ShownByWords> shared = SharedWithAlike(shown);
     const double others = SumOfOthers(shared, guess.tag);
     const double own = SumOfAlike(shown, guess.tag);
@@ -240,7 +252,7 @@ TextLanguage LanguageOf(std::string_view text) {
     const std::string seen = isKnown ? guess.tag : ShownAlone(shared, guess.tag);
     if (seen.empty())
         return found;
-    TextLanguage apart = ToldApart(text, seen, shown);
+    TextLanguage apart = ToldApart(text, small, seen, shown);
     apart.isLong = found.isLong;
     apart.isSure = apart.isSure && agrees;
     return apart;
