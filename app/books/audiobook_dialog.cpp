@@ -314,9 +314,10 @@ void AudiobookDialog::CmStart() {
     bool asBegun = false;
     if (!IsOpen() || !AsksOfUnfinished(Widget(), kBoxTitle, begun, asBegun) || !IsOpen())
         return;
-    if (!list_.Start(choices, ChosenVoiceOf(), taken, asBegun))
+    if (const std::string problems = list_.Start(choices, ChosenVoiceOf(), taken, asBegun);
+        !problems.empty())
         MessageBoxRun(Widget(), GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, kBoxTitle,
-                      "There is no room for temporary files.", "");
+                      "Not everything goes as you have asked.", problems.c_str());
     FocusControl(kDocuments);  // the button is off now
     FollowWork();
 }

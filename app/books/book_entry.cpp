@@ -5,7 +5,7 @@
 #include <set>
 #include <string_view>
 
-#include "app/books/book_text.h"
+#include "app/text/kept_text.h"
 #include "books/book_cover.h"
 #include "foundation/files/private_file.h"
 
@@ -63,21 +63,23 @@ std::vector<KeptBook> LoadKeptBooks() {
     return books;
 }
 
-void StoreKeptBooks(const std::vector<KeptBook>& books) {
+int StoreKeptBooks(const std::vector<KeptBook>& books) {
     std::string content;
     for (const KeptBook& book : books)
         if (!book.path.empty() && FitsIntoLine(book.path) && FitsIntoLine(book.coverPath))
             content += book.path + '\t' + book.title + '\t' + book.author + '\t' + book.language +
                        '\t' + book.coverPath + '\t' + (FitsIntoLine(book.voice) ? book.voice : "") +
                        '\t' + (FitsIntoLine(book.target) ? book.target : "") + '\n';
+    int error = 0;
     if (content.empty())
         RemovePrivateFile(kKeptBooks);
     else
-        WritePrivateFile(kKeptBooks, content);
+        error = WritePrivateFile(kKeptBooks, content);
     std::set<std::string> texts;
     for (const KeptBook& book : books)
         texts.insert(book.path);
     RemoveBookTexts(texts);
+    return error;
 }
 
 KeptBook KeptOf(const BookEntry& entry) {

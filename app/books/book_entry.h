@@ -44,8 +44,8 @@ struct KeptBook {
     std::string target = {};
 };
 std::vector<KeptBook> LoadKeptBooks();
-// And removes the texts of all others.
-void StoreKeptBooks(const std::vector<KeptBook>& books);
+// And removes the texts of all others. 0 or the errno.
+int StoreKeptBooks(const std::vector<KeptBook>& books);
 KeptBook KeptOf(const BookEntry& entry);
 // What is wrong with the picture that the user had chosen, which is the document's then; empty for
 // nothing.

@@ -1,5 +1,6 @@
 #include "app/books/book_list.h"
 
+#include <glib.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -33,6 +34,10 @@ bool IsTaken(const std::string& target, const BookChoices& choices) {
 bool IsUnaskedTaken(const BookOrder& order, const BookChoices& choices) {
     return order.subtitles && order.subtitles != choices.subtitles && order.target.back() != '/' &&
            Stands(SubtitlesPath(order.target, *order.subtitles));
+}
+
+void AddLine(std::string& lines, const std::string& line) {
+    lines += (lines.empty() ? "" : "\n") + line;
 }
 
 // Where a book that goes on in the format in which it was begun belongs, whatever is chosen now;
@@ -150,12 +155,13 @@ BegunOtherwise BookList::BegunOtherwiseThan(const BookChoices& choices, int voic
     return books;
 }
 
-bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced,
-                     bool asBegun) {
+std::string BookList::Start(const BookChoices& choices, int voice,
+                            const std::set<std::string>& replaced, bool asBegun) {
     if (folder_ == nullptr || !folder_->IsMade())
         folder_ = std::make_unique<WorkFolder>("lectora-books");
     if (!folder_->IsMade())
-        return false;
+        return "There is no room for temporary files.";
+    std::string problems;
     const BookOrder manner = OrderOf(choices, voice);
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         if (!IsOpen(i))
@@ -171,13 +177,17 @@ bool BookList::Start(const BookChoices& choices, int voice, const std::set<std::
         order.engineFolder = folder_->Path();
         entry.voice = KeyOf(VoiceAt(order.voice));
         entry.begunAt = entry.target;
-        if (entry.path.empty() && entry.keptAs.empty())
-            entry.keptAs = StoreBookText(entry);
+        if (const int error = entry.path.empty() && entry.keptAs.empty() ? StoreBookText(entry) : 0;
+            error != 0)
+            AddLine(problems, entry.plan.title + ": its text cannot be kept for the next start: " +
+                                  g_strerror(error) + ".");
         entry.isToldOf = false;
         entry.number = queue_.Add(std::move(order));
     }
-    Keep();
-    return true;
+    if (const int error = Keep(); error != 0)
+        AddLine(problems, std::string("The list cannot be kept for the next start: ") +
+                              g_strerror(error) + ".");
+    return problems;
 }
 
 void BookList::BreakOff(std::size_t index) {
@@ -210,11 +220,11 @@ std::vector<std::size_t> BookList::TakeEnds() {
     return ends;
 }
 
-void BookList::Keep() const {
+int BookList::Keep() const {
     std::vector<KeptBook> books;
     for (std::size_t i = 0; i < entries_.size(); ++i)
         if ((entries_[i].number || !entries_[i].begunAt.empty()) && !IsDone(i))
             books.push_back(KeptOf(entries_[i]));
     books.insert(books.end(), later_.begin(), later_.end());
-    StoreKeptBooks(books);
+    return StoreKeptBooks(books);
 }

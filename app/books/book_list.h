@@ -45,9 +45,9 @@ public:
     // Of the open ones. Behind TakenTargets.
     BegunOtherwise BegunOtherwiseThan(const BookChoices& choices, int voice) const;
     // Makes these, in the place of what stands at the targets that are named, those that were begun
-    // otherwise as they were begun or anew; false: there is no place for temporary files.
-    bool Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced,
-               bool asBegun);
+    // otherwise as they were begun or anew. What does not go as it was asked, a line each.
+    std::string Start(const BookChoices& choices, int voice, const std::set<std::string>& replaced,
+                      bool asBegun);
     void BreakOff(std::size_t index);
     BookQueue& Queue() { return queue_; }
     const BookQueue& Queue() const { return queue_; }
@@ -57,7 +57,7 @@ public:
     std::vector<std::size_t> TakeEnds();
 
 private:
-    void Keep() const;
+    int Keep() const;  // 0 or the errno
     BookOrder OrderOfEntry(const BookEntry& entry, const BookOrder& manner) const;
 
     std::unique_ptr<WorkFolder> folder_;  // the engines'

@@ -5,23 +5,21 @@
 
 #include <algorithm>
 
-#include "foundation/files/file.h"
-#include "foundation/files/folder_iterator.h"
+#include "app/settings_keys.h"
+#include "app/text/kept_text.h"
 #include "foundation/files/private_file.h"
 #include "foundation/leading_number.h"
-#include "foundation/log/log.h"
 #include "foundation/owned_text.h"
 
 namespace {
 
-constexpr std::string_view kPrefix = "audiobook-text-";
 constexpr std::size_t kLargest = 512U << 20;  // more than a document may have
 
 // By its content: what was changed in it, or is not whole, is not what was stored.
 std::string FileNameOf(const std::string& content) {
     const OwnedText sum(g_compute_checksum_for_data(
         G_CHECKSUM_SHA256, reinterpret_cast<const guchar*>(content.data()), content.size()));
-    return std::string(kPrefix) + sum.get() + ".txt";
+    return kBookTextPrefix + std::string(sum.get()) + ".txt";
 }
 
 }  // namespace
@@ -47,17 +45,17 @@ BookEntry EntryOfText(const std::string& text, const KeptStructure& structure,
 }
 
 // A line with the bytes of structure and text, then these, then the cover.
-std::string StoreBookText(const BookEntry& entry) {
+int StoreBookText(BookEntry& entry) {
+    if (!kKeepTextSetting.Get())
+        return 0;
     const std::string content = std::to_string(entry.structure.size()) + ' ' +
                                 std::to_string(entry.text.size()) + '\n' + entry.structure +
                                 entry.text + entry.documentsCover;
-    std::string file = FileNameOf(content);
+    const std::string file = FileNameOf(content);
     const int error = content.size() > kLargest ? EFBIG : WritePrivateFile(file.c_str(), content);
     if (error == 0)
-        return file;
-    LOGWARNF("Audiobooks: the text of \"%s\" cannot be kept: %s", entry.plan.title.c_str(),
-             g_strerror(error));
-    return {};
+        entry.keptAs = file;
+    return error;
 }
 
 std::optional<BookEntry> LoadBookText(const std::string& file, const std::string& name) {
@@ -85,16 +83,5 @@ std::optional<BookEntry> LoadBookText(const std::string& file, const std::string
 }
 
 bool IsBookText(std::string_view file) {
-    return file.starts_with(kPrefix);
-}
-
-void RemoveBookTexts(const std::set<std::string>& kept) {
-    const std::string folder = PrivateFilePath("");
-    std::set<std::string> old;
-    LFile::FolderIteratorAllFiles files;
-    for (files.Open(folder.c_str()); files.Next();)
-        if (IsBookText(files.Name()) && !kept.contains(files.Name()))
-            old.insert(files.Name());
-    for (const std::string& file : old)
-        RemovePrivateFile(file.c_str());
+    return file.starts_with(kBookTextPrefix);
 }

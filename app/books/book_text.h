@@ -2,7 +2,6 @@
 #pragma once
 
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 
@@ -15,10 +14,8 @@ BookEntry EntryOfText(const std::string& text, const KeptStructure& structure,
                       const Document& original, const std::string& name);
 
 // Keeps such an entry's text, structure and cover in a file of the user's own, which is called by
-// what it holds; its name, empty where it could not be written (the log tells why). GUI thread.
-std::string StoreBookText(const BookEntry& entry);
+// what it holds, unless the user has nothing kept. 0 or the errno. GUI thread.
+int StoreBookText(BookEntry& entry);
 // None: it is not there any more, or not what was stored.
 std::optional<BookEntry> LoadBookText(const std::string& file, const std::string& name);
 bool IsBookText(std::string_view file);
-// All but these.
-void RemoveBookTexts(const std::set<std::string>& kept);

@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <string_view>
 
 #include "app/reading/kept_bookmarks.h"
 #include "app/reading/kept_queue.h"
 #include "app/settings_keys.h"
+#include "foundation/files/file.h"
+#include "foundation/files/folder_iterator.h"
 #include "foundation/files/private_file.h"
 
 namespace {
@@ -132,4 +135,17 @@ void ForgetKeptText() {
     ForgetKeptPlaces();
     ForgetKeptBookmarks();
     ForgetKeptQueue();
+    RemoveBookTexts({});
+}
+
+void RemoveBookTexts(const std::set<std::string>& kept) {
+    const std::string folder = PrivateFilePath("");
+    std::set<std::string> old;
+    LFile::FolderIteratorAllFiles files;
+    for (files.Open(folder.c_str()); files.Next();)
+        if (std::string_view(files.Name()).starts_with(kBookTextPrefix) &&
+            !kept.contains(files.Name()))
+            old.insert(files.Name());
+    for (const std::string& file : old)
+        RemovePrivateFile(file.c_str());
 }

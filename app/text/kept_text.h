@@ -5,6 +5,7 @@
 #include <gtk/gtk.h>
 
 #include <functional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -69,5 +70,11 @@ private:
     guint pauseMs_ = 0;  // between two writes
 };
 
-// What was kept is gone from the disk, with the places and bookmarks of all texts.
+// What was kept is gone from the disk, with the places and bookmarks of all texts, and what
+// unfinished audiobooks are made of.
 void ForgetKeptText();
+
+// Private files that hold the texts of unfinished audiobooks begin so.
+inline constexpr char kBookTextPrefix[] = "audiobook-text-";
+// All but these.
+void RemoveBookTexts(const std::set<std::string>& kept);
