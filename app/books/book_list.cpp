@@ -8,12 +8,11 @@
 #include <utility>
 
 #include "app/books/book_text.h"
+#include "books/book_work.h"
 #include "books/subtitles.h"
 #include "books/unfinished_book.h"
 
 namespace {
-
-constexpr int kMostNumber = 100;  // behind a title
 
 bool Stands(const std::string& path) {
     struct stat info = {};
@@ -40,9 +39,9 @@ void AddLine(std::string& lines, const std::string& line) {
     lines += (lines.empty() ? "" : "\n") + line;
 }
 
-// Where a book that goes on in the format in which it was begun belongs, whatever is chosen now;
-// what is finished of it is there, then. Another unfinished book may have the name.
-std::string TargetOfItsFormat(const BookOrder& order) {
+// Takes what is finished of a book to a free name in the format in which it was begun, whatever is
+// chosen now. Empty: it cannot be moved.
+std::string MoveToItsFormat(const BookOrder& order) {
     if (order.target.back() == '/')
         return order.target;
     BookChoices begun;
@@ -51,9 +50,15 @@ std::string TargetOfItsFormat(const BookOrder& order) {
     const std::string stem = order.target.substr(0, order.target.rfind('.'));
     const std::string ending = std::string(".") + EndingOf(begun);
     std::string target = stem + ending;
-    for (int number = 2; number <= kMostNumber && !MoveUnfinished(order.target, target); ++number)
+    if (target == order.target)
+        return target;
+    const auto isFree = [&target] {
+        const std::string work = WorkFolderFor(target);
+        return !Stands(target) && !Stands(work.substr(0, work.size() - 1));
+    };
+    for (int number = 2; !isFree(); ++number)
         target = stem + " " + std::to_string(number) + ending;
-    return target;
+    return MoveUnfinished(order.target, target) ? target : "";
 }
 
 }  // namespace
@@ -141,16 +146,16 @@ BegunOtherwise BookList::BegunOtherwiseThan(const BookChoices& choices, int voic
     const BookOrder manner = OrderOf(choices, voice);
     BegunOtherwise books;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
-        const std::optional<UnfinishedBook> book =
-            IsOpen(i) ? FindUnfinished(OrderOfEntry(entries_[i], manner)) : std::nullopt;
-        const std::string& begunAt = entries_[i].begunAt;
-        const bool isElsewhere =
-            IsOpen(i) && !book && !begunAt.empty() && begunAt != entries_[i].target;
-        if (!book && !isElsewhere)
+        if (!IsOpen(i))
             continue;
-        std::string& lines = book && book->asBegun ? books.canGoOn : books.cannot;
-        lines += (lines.empty() ? "" : "\n") + entries_[i].plan.title + ": begun " +
-                 (isElsewhere ? "as " + begunAt : "with " + book->difference) + ".";
+        const BookEntry& entry = entries_[i];
+        const std::string begun = entry.plan.title + ": begun ";
+        if (const auto book = FindUnfinished(OrderOfEntry(entry, manner)))
+            AddLine(book->asBegun ? books.canGoOn : books.cannot,
+                    begun + "with " + book->difference + ".");
+        // It could not be moved, maybe because of what stands there.
+        if (!entry.begunAt.empty() && entry.begunAt != entry.target)
+            AddLine(books.cannot, begun + "as " + entry.begunAt + ".");
     }
     return books;
 }
@@ -170,8 +175,16 @@ std::string BookList::Start(const BookChoices& choices, int voice,
         BookOrder order = OrderOfEntry(entry, manner);
         if (std::optional<UnfinishedBook> book = asBegun ? FindUnfinished(order) : std::nullopt;
             book && book->asBegun) {
+            const std::string target = MoveToItsFormat(*book->asBegun);
+            if (target.empty()) {
+                AddLine(problems, entry.plan.title +
+                                      ": what is finished of it cannot be moved, as "
+                                      "another program is at work on it, maybe. It "
+                                      "is not started.");
+                continue;
+            }
             order = *std::move(book->asBegun);
-            entry.target = order.target = TargetOfItsFormat(order);
+            entry.target = order.target = target;
         }
         order.overwrites = replaced.contains(entry.target) && !IsUnaskedTaken(order, choices);
         order.engineFolder = folder_->Path();

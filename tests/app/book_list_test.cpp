@@ -1,13 +1,17 @@
 // Unfinished audiobooks: what they are made of at the next start, and where they lie.
 #include "app/books/book_list.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include "app/books/book_text.h"
 #include "app/settings_keys.h"
 #include "app/text/kept_text.h"
 #include "books/book_key.h"
+#include "books/book_work.h"
+#include "foundation/files/file_io.h"
 #include "foundation/files/private_file.h"
 #include "tests/support/scratch_folder.h"
 
@@ -83,6 +87,63 @@ TEST_F(BookTexts, ThatCannotBeKeptAreTold) {
     list.TakenTargets(choices);
     EXPECT_THAT(list.Start(choices, 0, {}, false),
                 AllOf(HasSubstr("Of the Sea: its text cannot be kept"), HasSubstr("The list")));
+}
+
+// With a finished section.
+void LeaveUnfinished(const std::string& target, const std::string& key) {
+    std::filesystem::create_directory(WorkFolderFor(target));
+    for (const auto& [name, content] : {std::pair{"key", key}, {"00001.part", std::string()}})
+        std::ofstream(WorkFolderFor(target) + name) << content;
+}
+
+struct BegunBook : BookTexts {
+    BookChoices choices;
+    BookList list;
+    BegunBook() {
+        choices.folder = home.Path();
+        list.Add(EditedTale(), false);
+    }
+    // As a book of that type.
+    std::string KeyAs(SoundType type) {
+        choices.type = type;
+        BookOrder order = OrderOf(choices, 0);
+        order.plan = list.At(0).plan;
+        order.text = list.At(0).text;
+        order.rules.marks = list.At(0).marks;
+        order.target = home / "any.file";
+        return BookKey(order);
+    }
+};
+
+TEST_F(BegunBook, GoesOnInItsOwnFormatUnderAFreeNameOrIsNotStarted) {
+    const std::string key = KeyAs(SoundType::kFlac);
+    LeaveUnfinished(home / "Of the Sea.wav", key);
+    LeaveUnfinished(home / "Of the Sea 2.flac", "another's");
+    home.Write("Of the Sea.flac", "a finished one");
+    choices.type = SoundType::kWav;
+    list.TakenTargets(choices);
+    ASSERT_THAT(list.BegunOtherwiseThan(choices, 0).canGoOn, HasSubstr("another format"));
+    const std::string lock = WorkFolderFor(home / "Of the Sea.wav") + "key";
+    {
+        const UniqueFd other = OpenRegularFile(lock.c_str(), O_RDWR);
+        ASSERT_EQ(0, ::flock(other.Get(), LOCK_EX));
+        EXPECT_THAT(list.Start(choices, 0, {}, true), HasSubstr("cannot be moved"));
+        EXPECT_TRUE(list.IsOpen(0));
+        EXPECT_EQ(ContentOf(lock), key);
+    }
+    EXPECT_EQ(list.Start(choices, 0, {}, true), "");
+    EXPECT_EQ(list.At(0).target, home / "Of the Sea 3.flac");
+    EXPECT_FALSE(home.Has(".Of the Sea.wav.lectora-book"));
+}
+
+TEST_F(BegunBook, IsNamedBesideAnotherThatHasItsPlace) {
+    const std::string key = KeyAs(SoundType::kFlac);
+    LeaveUnfinished(home / "Old.flac", key);
+    LeaveUnfinished(home / "Of the Sea.flac", "another's");
+    list.Change(0).begunAt = home / "Old.flac";
+    list.TakenTargets(choices);
+    EXPECT_THAT(list.BegunOtherwiseThan(choices, 0).cannot,
+                AllOf(HasSubstr("another text"), HasSubstr("begun as " + (home / "Old.flac"))));
 }
 
 }  // namespace
