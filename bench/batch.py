@@ -15,6 +15,7 @@ import time
 
 TOP = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
 SAY = os.path.join(TOP, "build/bin/lectora-say")
+MOST_SECONDS = 30  # a document of some sentences
 WORDS = "harbour lantern window thirty promise yellow engine mountain silver question butter window".split()
 
 
@@ -44,7 +45,11 @@ def make(folder, documents, kills):
                 pass
             # What a crash leaves is the worst; the engine of that moment goes on alone.
             run.send_signal(random.choice((signal.SIGKILL, signal.SIGKILL, signal.SIGTERM, signal.SIGINT)))
-        told = run.communicate()[1].decode()
+        try:
+            told = run.communicate(timeout=60 + MOST_SECONDS * len(documents))[1].decode()
+        except subprocess.TimeoutExpired:
+            os.killpg(run.pid, signal.SIGKILL)
+            sys.exit(f"run {runs} does not end")
         others = [line for line in told.splitlines() if not re.search("exists already|stopped", line)]
         if others:
             sys.exit("\n".join(others))
