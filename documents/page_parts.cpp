@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
 
 #include "documents/small_texts.h"
 #include "foundation/whole_characters.h"
@@ -47,12 +48,25 @@ std::string InOneLine(std::string_view text) {
     return line;
 }
 
+// By the first of its classes, of which those of posts may be numbered.
+std::size_t KinOf(std::string_view names) {
+    std::string name(names.substr(0, names.find(' ')));
+    std::erase_if(name, [](char sign) { return g_ascii_isdigit(sign); });
+    return name.empty() ? 0 : std::hash<std::string>()(name);
+}
+
 // Identifiers of sections are made of their headings, whatever these are about.
 bool IsNamedByHeading(std::string_view name, const MarkupAttributes& attributes) {
     const std::string_view names = attributes.Value("class");
     return name == "section" || names.find("section") != std::string_view::npos ||
            names.find("sect") != std::string_view::npos ||
            names.find("level") != std::string_view::npos;
+}
+
+bool IsFieldSeen(std::string_view name, const MarkupAttributes& attributes) {
+    const std::string_view type = attributes.Value("type");
+    return name == "select" || name == "textarea" ||
+           (name == "input" && type != "hidden" && type != "submit" && type != "button");
 }
 
 PartSign SignOf(std::string_view name, const MarkupAttributes& attributes, const PagePart& part) {
@@ -80,6 +94,7 @@ bool PageParts::IsTooLarge() const {
 
 bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attributes) {
     parts_[open_].hasButtons |= name == "button";
+    parts_[open_].hasFields |= IsFieldSeen(name, attributes);
     if (IsOneOf(name, kNeverText))
         return false;
     isInTitle_ = name == "title";
@@ -88,6 +103,7 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
     part.at = reader_->Position();
     part.parent = open_;
     const std::string_view role = attributes.Value("role");
+    part.isForm = name == "form";
     part.isPage = name == "body" || name == "html";
     part.isMain = name == "main" || role == "main";
     part.isArticle = name == "article" || role == "article";
@@ -95,7 +111,7 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
     part.isHeading = IsHeadingName(name);
     part.isContainer = IsOneOf(name, kContainers) || name.find('-') != std::string_view::npos;
     const std::string_view names = attributes.Value("class");
-    part.kin = names.empty() ? 0 : std::hash<std::string_view>()(names.substr(0, names.find(' ')));
+    part.kin = KinOf(names);
     part.classes = std::hash<std::string_view>()(names);
     part.sign = SignOf(name, attributes, part);
     const bool isOfPage = name != "head" && name != "title";
@@ -167,6 +183,18 @@ std::vector<PagePart> PageParts::Take() {
     parts_[0].end = parts_.size();
     parts_[0].isContainer = true;
     parts_[0].isPage = true;
+    SumUp(parts_);
+    // Forms around what is written, ready to be changed by who wrote it, are none.
+    std::set<std::size_t> texts;
+    for (std::size_t i = parts_.size(); i-- > 1;) {
+        const PagePart& part = parts_[i];
+        parts_[part.parent].hasFields |= part.hasFields;
+        if (part.isForm && !part.hasFields && part.prose > 0)
+            texts.insert(part.kin);
+    }
+    for (PagePart& part : parts_)
+        if (part.isForm && !part.hasFields && texts.contains(part.kin))
+            part.sign = PartSign::kNone;
     return std::move(parts_);
 }
 

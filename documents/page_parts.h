@@ -27,6 +27,7 @@ struct PagePart {
     PartSign sign = PartSign::kNone;
     PostName postName = PostName::kNone;
     bool isPage = false;  // the page, its root or its body
+    bool isForm = false;
     bool isMain = false;
     bool isArticle = false;
     bool isAside = false;
@@ -39,6 +40,7 @@ struct PagePart {
     // In itself or in parts of its lines.
     bool hasTime = false;
     bool hasButtons = false;
+    bool hasFields = false;    // that are seen, of forms
     bool namesWriter = false;  // of a post
     // Of itself, without its children, unless they are parts of a line.
     std::size_t ownText = 0;
@@ -66,7 +68,7 @@ public:
 
     void SetReader(const HtmlReader& reader) { reader_ = &reader; }
     bool IsTooLarge() const;
-    // When the page is read.
+    // When the page is read; the parts summed up.
     PageTitle Title() const;
     std::vector<PagePart> Take();
 

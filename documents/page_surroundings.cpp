@@ -16,6 +16,7 @@ namespace {
 constexpr std::size_t kLeastArticle = 200;
 constexpr std::size_t kLongBlock = 250;  // what notices and teasers hardly have
 constexpr std::size_t kLongPart = 800;
+constexpr std::size_t kLongWay = 3;  // parts one within the other that name themselves
 
 class Judge {
 public:
@@ -26,12 +27,11 @@ public:
           isTitleNamed_(title.isNamed) {}
 
     PageSurroundings Find() {
-        SumUp(parts_);
         const std::size_t words = parts_[0].words;
         LeaveOutWhere([this](std::size_t i) { return Holds(i, PartSign::kSurely); });
-        const std::set<std::size_t> posts = KinOfPosts();
-        LeaveOutWhere([this, &posts](std::size_t i) {
-            return Holds(i, PartSign::kMatter) && !posts.contains(parts_[i].kin);
+        const std::vector<bool> holdsPosts = HoldersOf(KinOfPosts());
+        LeaveOutWhere([this, &holdsPosts](std::size_t i) {
+            return Holds(i, PartSign::kMatter) && !holdsPosts[i];
         });
         LeaveOutBesidePosts();
         if (IsLeftOut(title_))
@@ -42,6 +42,7 @@ public:
         article_ = title_ == 0 || IsIn(title_, matter_) ? matter_ : 0;
         FindPath();
         FindWhetherProseIsAbove();
+        way_ = WayToText(0);
         LeaveOutWhere([this](std::size_t i) { return IsBesides(i) || IsAboveTitle(i); });
         PruneBesidePath();
         SumUp(parts_);
@@ -102,12 +103,12 @@ private:
             if (part.kin == 0 || !isOne(i) || IsLeftOut(i) || i < ends[part.kin])
                 continue;
             ends[part.kin] = part.end;
-            take(part);
+            take(i);
         }
     }
 
     // What is called comments is the matter of a page that has no other, or of which one of them is
-    // most: the posts of a thread.
+    // most, or that begins with one that is not called so: the posts of a thread.
     std::set<std::size_t> KinOfPosts() const {
         std::map<std::size_t, std::size_t> prose;
         std::set<std::size_t> posts;
@@ -115,24 +116,68 @@ private:
         const auto isComment = [this](std::size_t i) {
             return parts_[i].sign == PartSign::kMatter;
         };
-        ForEachOutermost(isComment, [&](const PagePart& part) {
+        const std::vector<std::size_t> first = WayToText(0, false);
+        ForEachOutermost(isComment, [&](std::size_t i) {
+            const PagePart& part = parts_[i];
+            const bool isFirst = prose[part.kin] == 0 && part.prose > 0;
             const std::size_t sum = prose[part.kin] += part.prose;
             const std::size_t others = all - std::min(all, sum);
-            if (part.prose * 2 > all || (others * 5 <= all && others < kLongBlock))
+            if (part.prose * 2 > all || (others * 2 <= all && others < kLongBlock) ||
+                (isFirst && AreAlike(WayToText(i), first)))
                 posts.insert(part.kin);
         });
         return posts;
+    }
+    // The kin of what holds the longest text of a part, from within, a few of them.
+    std::vector<std::size_t> WayToText(std::size_t whole, bool isMatterSeen = true) const {
+        const auto unlinked = [this](std::size_t i) {
+            return parts_[i].ownText - parts_[i].ownLinked;
+        };
+        std::size_t longest = whole;
+        for (std::size_t i = whole; i < parts_[whole].end; ++i)
+            if (parts_[i].isLeftOut || (!isMatterSeen && parts_[i].sign == PartSign::kMatter))
+                i = parts_[i].end - 1;
+            else if (unlinked(i) > unlinked(longest))
+                longest = i;
+        std::vector<std::size_t> way;
+        for (std::size_t i = longest; i != whole && way.size() < kLongWay; i = parts_[i].parent)
+            if (parts_[i].kin != 0)
+                way.push_back(parts_[i].kin);
+        return way;
+    }
+    // Answers may differ from what they answer in something around the text.
+    static bool AreAlike(const std::vector<std::size_t>& way,
+                         const std::vector<std::size_t>& other) {
+        const auto isShared = [&other](std::size_t kin) {
+            return std::ranges::find(other, kin) != other.end();
+        };
+        return !way.empty() && !other.empty() && way[0] == other[0] &&
+               std::ranges::count_if(way, isShared) > 1;
+    }
+    std::vector<bool> HoldersOf(const std::set<std::size_t>& kins) const {
+        std::vector<bool> holders(parts_.size());
+        for (std::size_t i = parts_.size(); i-- > 1;) {
+            if (kins.contains(parts_[i].kin) && parts_[i].text > 0 && !parts_[i].isLeftOut)
+                holders[i] = true;
+            if (holders[i])
+                holders[parts_[i].parent] = true;
+        }
+        return holders;
     }
 
     // Of the posts of a thread: dates, buttons, what their writers put below everything.
     void LeaveOutBesidePosts() {
         std::map<std::size_t, std::size_t> posts;  // how many of each kin
         ForEachOutermost([this](std::size_t i) { return IsPost(i); },
-                         [&posts](const PagePart& post) { ++posts[post.kin]; });
-        LeaveOutWhere([this, &posts](std::size_t i) {
+                         [&](std::size_t i) { ++posts[parts_[i].kin]; });
+        std::set<std::size_t> prose;  // kin of what holds it in any post
+        for (const PagePart& part : parts_)
+            if (part.prose > 0)
+                prose.insert(part.kin);
+        LeaveOutWhere([&](std::size_t i) {
             const PagePart& part = parts_[i];
             const bool isBeside = part.postName == PostName::kBeside ||
-                                  (part.sign == PartSign::kPlace && part.prose == 0);
+                                  (part.sign == PartSign::kPlace && !prose.contains(part.kin));
             if (!isBeside || HasTitle(i))
                 return false;
             for (std::size_t post = part.parent; post != 0; post = parts_[post].parent)
@@ -221,7 +266,8 @@ private:
         const PagePart& part = parts_[i];
         if ((part.sign != PartSign::kPlace && part.sign != PartSign::kMarked) || HasTitle(i))
             return false;
-        if (part.prose * 2 > parts_[0].prose || part.text * 2 > parts_[0].text)
+        if (part.prose * 2 > parts_[0].prose || part.text * 2 > parts_[0].text ||
+            (part.postName == PostName::kPost && std::ranges::find(way_, part.kin) != way_.end()))
             return false;
         const bool isLinks =
             part.sign == PartSign::kMarked ? IsLinks(part) : part.linked * 2 > part.text;
@@ -249,6 +295,7 @@ private:
             const bool isBehind = inner_ != body_ && IsIn(inner_, next);
             for (std::size_t i = open + 1; i < parts_[open].end; i = parts_[i].end)
                 if (i != next && !HasTitle(i) && !parts_[i].isLeftOut && !parts_[i].isInLine &&
+                    !AreAlike(WayToText(i), way_) &&
                     (isOutside || (isBehind && i > next) ? IsForeign(parts_[i]) : IsTail(i, next)))
                     parts_[i].isLeftOut = true;
         }
@@ -273,8 +320,9 @@ private:
     std::size_t matter_ = 0;     // the element that says so
     std::size_t article_ = 0;    // of which alone is read
     std::vector<std::size_t> path_;
-    std::size_t body_ = 0;   // the lowest of it that holds title and prose
-    std::size_t inner_ = 0;  // holds prose, but may lack the title
+    std::vector<std::size_t> way_;  // kin of what holds the longest text
+    std::size_t body_ = 0;          // the lowest of it that holds title and prose
+    std::size_t inner_ = 0;         // holds prose, but may lack the title
 };
 
 }  // namespace

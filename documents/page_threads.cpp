@@ -6,8 +6,12 @@
 
 namespace {
 
-constexpr std::size_t kLongestNote = 250;  // letters of what is told of the thread itself
+constexpr std::size_t kLongestNote = 200;  // letters of what is told of a thread or a post
+constexpr std::size_t kShortestWords = 12;
 constexpr std::size_t kLongestOfSigner = 60;
+// More than any page has: of the names of posts, of the elements around the words of one.
+constexpr int kMostKin = 32;
+constexpr int kMostLevels = 32;
 
 class Thread {
 public:
@@ -55,7 +59,7 @@ private:
     std::size_t ProseOf(const Parts& parts) const {
         std::size_t prose = 0;
         for (const std::size_t i : parts)
-            prose += parts_[i].prose;
+            prose += prose_[i];
         return prose;
     }
     std::size_t TextOf(const Parts& parts) const {
@@ -65,7 +69,7 @@ private:
         return text;
     }
 
-    // Outermost ones of each kin that calls itself posts.
+    // Of each kin that calls itself posts, answers within others too.
     std::map<std::size_t, Parts> NamedPosts() const {
         std::map<std::size_t, Parts> posts;
         for (std::size_t i = article_ + 1; i < parts_[article_].end; ++i) {
@@ -73,9 +77,7 @@ private:
             if (part.isLeftOut) {
                 i = part.end - 1;
             } else if (part.postName == PostName::kPost && part.kin != 0 && part.text > 0) {
-                Parts& kin = posts[part.kin];
-                if (kin.empty() || i >= parts_[kin.back()].end)
-                    kin.push_back(i);
+                posts[part.kin].push_back(i);
             }
         }
         return posts;
@@ -84,29 +86,41 @@ private:
     // What is no label: neither links nor what calls itself a date, a name, a button.
     void SumUpPlain() {
         plain_.assign(parts_.size(), 0);
-        for (std::size_t i = parts_[article_].end; i-- > article_ + 1;) {
+        prose_.assign(parts_.size(), 0);
+        std::vector<std::size_t> below(parts_.size());  // letters of prose of what parts hold
+        for (std::size_t i = parts_[article_].end; i-- > article_;) {
             const PagePart& part = parts_[i];
             if (part.isLeftOut)
                 continue;
+            const std::size_t line = part.prose - below[i];
+            const bool isSigned = part.namesWriter && line <= kLongestNote;
+            prose_[i] += isSigned ? 0 : line;
             plain_[i] += part.ownText;
-            if (part.hasTime || part.namesWriter || part.hasButtons || part.isHeading ||
+            if (isSigned || part.hasTime || part.hasButtons || part.isHeading ||
                 part.postName == PostName::kBeside || part.sign != PartSign::kNone ||
                 part.linked * 2 > part.text)
                 plain_[i] = 0;
+            if (i == article_)
+                break;
+            below[part.parent] += part.prose;
+            prose_[part.parent] += prose_[i];
             plain_[part.parent] += plain_[i];
         }
     }
 
     // Of posts within posts, such as an article in an item of a list, those that tell most.
     void FindBodies() {
-        const std::size_t all = parts_[article_].prose;
+        const std::size_t all = prose_[article_];
         std::size_t text = 0;
+        int tried = 0;
         for (auto& [kin, posts] : NamedPosts()) {
             const std::size_t prose = ProseOf(posts);
-            if (posts.size() < 2 || prose == 0 || prose * 2 < all)
+            if (posts.size() < 2 || prose == 0 || prose * 2 < all || ++tried > kMostKin)
                 continue;
-            while (GoDown(posts)) {
-            }
+            FindHolders(posts);
+            for (int level = 0; level < kMostLevels && GoDown(posts);)
+                ++level;
+            KeepOutermost(posts);
             if (text == 0 || TextOf(posts) < text) {
                 text = TextOf(posts);
                 bodies_ = posts;
@@ -129,15 +143,30 @@ private:
         }
         bodies_.insert(bodies_.end(), more.begin(), more.end());
         std::ranges::sort(bodies_);
-        if (ProseOf(bodies_) * 5 < all * 4)
+        if (ProseOf(bodies_) * 5 < all * 3)
             bodies_.clear();
     }
 
+    void FindHolders(const Parts& posts) {
+        holdsPost_.assign(parts_.size(), false);
+        for (const std::size_t post : posts)
+            for (std::size_t i = post; !holdsPost_[i]; i = parts_[i].parent)
+                holdsPost_[i] = true;
+    }
+    void KeepOutermost(Parts& posts) const {
+        std::ranges::sort(posts);
+        Parts outermost;
+        for (const std::size_t post : posts)
+            if (outermost.empty() || post >= parts_[outermost.back()].end)
+                outermost.push_back(post);
+        posts = outermost;
+    }
+
     // To the one child that holds nearly all that each post says, unless something of its words may
-    // stand beside that one.
+    // stand beside that one. Some, such as deleted ones, may be made otherwise.
     bool GoDown(Parts& posts) const {
         const auto hasMore = [this](std::size_t a, std::size_t b) {
-            return parts_[a].prose < parts_[b].prose;
+            return OwnProse(a) < OwnProse(b);
         };
         const std::size_t longest = *std::ranges::max_element(posts, hasMore);
         const Parts children = ChildrenOf(longest);
@@ -145,24 +174,36 @@ private:
             return false;
         const PagePart& like = parts_[*std::ranges::max_element(children, hasMore)];
         Parts below;
+        std::size_t others = 0;
+        std::size_t proseAbove = 0;
+        std::size_t proseBelow = 0;
         for (const std::size_t post : posts) {
             const std::size_t child =
                 parts_[post].ownText > parts_[post].ownLinked || !like.isContainer
                     ? 0
                     : ChildLike(like, ChildrenOf(post));
-            if (child == 0)
-                return false;
-            below.push_back(child);
+            others += child == 0 ? 1 : 0;
+            below.push_back(child == 0 ? post : child);
+            proseAbove += OwnProse(post);
+            proseBelow += OwnProse(below.back());
         }
-        if (ProseOf(below) * 10 < ProseOf(posts) * 9)
+        if (others * 3 > posts.size() || proseBelow * 10 < proseAbove * 9)
             return false;
         posts = below;
         return true;
     }
+    // Without that of answers within.
+    std::size_t OwnProse(std::size_t part) const {
+        std::size_t prose = prose_[part];
+        for (std::size_t i = part + 1; i < parts_[part].end; i = parts_[i].end)
+            if (holdsPost_[i] && !parts_[i].isLeftOut)
+                prose -= std::min(prose, prose_[i]);
+        return prose;
+    }
     Parts ChildrenOf(std::size_t part) const {
         Parts children;
         for (std::size_t i = part + 1; i < parts_[part].end; i = parts_[i].end)
-            if (!parts_[i].isLeftOut && parts_[i].text > 0)
+            if (!parts_[i].isLeftOut && parts_[i].text > 0 && !holdsPost_[i])
                 children.push_back(i);
         return children;
     }
@@ -209,8 +250,8 @@ private:
             const Holds& parent = holds_[parts_[i].parent];
             Holds& holds = holds_[i];
             holds.isInPost = parent.isInPost || parent.bodies == 1;
-            holds.isLikePost =
-                parent.isLikePost || (holds.bodies == 0 && holds.writer && plain_[i] > 0);
+            holds.isLikePost = parent.isLikePost ||
+                               (holds.bodies == 0 && holds.writer && plain_[i] > kShortestWords);
         }
     }
     void FindPosts() {
@@ -223,7 +264,7 @@ private:
         const std::size_t first = posts_.front().whole;
         for (std::size_t i = article_ + 1; i < first; ++i)
             isProseBefore_ =
-                isProseBefore_ || (parts_[i].prose > 0 && parts_[i].end <= first && !IsLeftOut(i));
+                isProseBefore_ || (prose_[i] > 0 && parts_[i].end <= first && !IsLeftOut(i));
     }
     bool IsLeftOut(std::size_t part) const {
         for (std::size_t i = part; i != 0; i = parts_[i].parent)
@@ -246,25 +287,33 @@ private:
         std::size_t unheard = 0;
         std::size_t heading = 0;
         std::size_t label = 0;
+        std::size_t signer = 0;  // behind what names the writer in its first part
         for (std::size_t i = post.whole; i < post.body && !post.hasWriter; ++i) {
             const PagePart& part = parts_[i];
+            if (part.namesWriter)
+                signer = part.end;
             if (part.ownText == 0)
                 continue;
             const bool isHeard = !IsLeftOut(i);
-            post.hasWriter = isHeard && part.namesWriter;
-            if (!isHeard && part.namesWriter && part.ownText < kLongestOfSigner && unheard == 0)
+            const bool isWriter = i < signer;
+            signer = 0;
+            post.hasWriter = isHeard && isWriter;
+            if (!isHeard && isWriter && part.ownText < kLongestOfSigner && unheard == 0)
                 unheard = i;
             else if (isHeard && part.isHeading)
                 heading = i;
             else if (isHeard && label == 0)
+                label = i;
+            if (post.hasWriter)
                 label = i;
         }
         if (!post.hasWriter && unheard != 0) {
             ReadAlone(unheard);
             label = unheard;
         }
+        const bool isLabel = post.hasWriter || heading == 0;
         post.hasWriter = post.hasWriter || unheard != 0 || heading != 0;
-        if (unheard != 0 || (!post.hasWriter && !holds_[post.whole].writer))
+        if (isLabel || unheard != 0)
             for (; label > post.whole; label = parts_[label].parent)
                 holds_[label].writer = true;
     }
@@ -304,7 +353,7 @@ private:
         const bool isWriter = holds.writer && !isWriterTold;
         if (part.postName == PostName::kBeside && part.text < kLongestNote)
             return !holds.isInPost || !isWriter;
-        if (part.prose > 0 || (part.isInLine && parts_[part.parent].ownText > kLongestOfSigner))
+        if (prose_[i] > 0 || (part.isInLine && parts_[part.parent].ownText > kLongestOfSigner))
             return false;
         // The news of a day are told by their hours.
         if (holds.isInPost ? holds.time && !isSigned_ : holds.isLikePost)
@@ -321,8 +370,10 @@ private:
     std::vector<PagePart>& parts_;
     std::size_t article_;
     PageTitle title_;
-    std::vector<std::size_t> plain_;  // letters
-    Parts bodies_;                    // of the posts; in order, none in another
+    std::vector<std::size_t> plain_;  // letters, of all parts, as the next
+    std::vector<std::size_t> prose_;
+    Parts bodies_;                 // of the posts; in order, none in another
+    std::vector<bool> holdsPost_;  // or is one, of those that are looked at
     std::vector<bool> isBody_;
     std::vector<Holds> holds_;
     std::vector<Post> posts_;

@@ -300,7 +300,9 @@ PostName PostNameOfClass(std::string_view names) {
             isBeside = isBeside || IsOneOf(words[i], kBesidePostWords) ||
                        IsOneOf(joined, kBesidePostWords);
         }
-        const auto isPost = [](const std::string& word) { return IsOneOf(word, kPostWords); };
+        const auto isPost = [](const std::string& word) {
+            return IsOneOf(word, kPostWords) || word.ends_with("post") || word.ends_with("comment");
+        };
         if (isBeside)
             judged = PostName::kBeside;
         else if (std::ranges::any_of(words, isPost))
