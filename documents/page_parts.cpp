@@ -15,7 +15,8 @@ constexpr std::size_t kMostElements = 300000;
 constexpr std::size_t kMostHeadings = 1000;
 constexpr std::size_t kLongestHeadingText = 300;
 constexpr std::size_t kShortestTitle = 4;
-constexpr std::size_t kLeastProse = 60;  // letters of a block: less is a label
+constexpr std::size_t kLongestReplyMark = 4;  // "Re", "Antw"
+constexpr std::size_t kLeastProse = 60;       // letters of a block: less is a label
 
 constexpr SortedNames<10> kSurroundingRoles = {"alertdialog", "dialog",     "listbox", "menu",
                                                "menubar",     "navigation", "search",  "status",
@@ -184,6 +185,7 @@ std::vector<PagePart> PageParts::Take() {
     parts_[0].isContainer = true;
     parts_[0].isPage = true;
     SumUp(parts_);
+    FindRepeatedTitles();
     // Forms around what is written, ready to be changed by who wrote it, are none.
     std::set<std::size_t> texts;
     for (std::size_t i = parts_.size(); i-- > 1;) {
@@ -196,6 +198,23 @@ std::vector<PagePart> PageParts::Take() {
         if (part.isForm && !part.hasFields && texts.contains(part.kin))
             part.sign = PartSign::kNone;
     return std::move(parts_);
+}
+
+// "Re: Title" in every post of a thread.
+void PageParts::FindRepeatedTitles() {
+    const PageTitle title = Title();
+    const auto textOf = [](const Heading& heading) {
+        const std::string text = InOneLine(heading.text);
+        const std::size_t colon = text.find(": ");
+        return colon <= kLongestReplyMark ? text.substr(colon + 2) : text;
+    };
+    const auto isTitle = [&title](const Heading& heading) { return heading.part == title.part; };
+    const auto found = std::ranges::find_if(headings_, isTitle);
+    if (found == headings_.end() || !title.isNamed)
+        return;
+    const std::string text = textOf(*found);
+    for (const Heading& heading : headings_)
+        parts_[heading.part].repeatsTitle = !isTitle(heading) && textOf(heading) == text;
 }
 
 // The heading that the page's own title names, the longest of several; else the first of the first

@@ -35,7 +35,8 @@ struct PagePart {
     std::size_t classes = 0;   // the same for all that have the same ones
     bool isContainer = false;  // of paragraphs, and none itself
     bool isHeading = false;
-    bool isInLine = false;  // as long as nobody leaves it out, it is of its parent's line
+    bool repeatsTitle = false;  // a heading, as of a reply
+    bool isInLine = false;      // as long as nobody leaves it out, it is of its parent's line
     bool isLeftOut = false;
     // In itself or in parts of its lines.
     bool hasTime = false;
@@ -77,6 +78,8 @@ public:
     void EvText(std::string_view text) override;
 
 private:
+    void FindRepeatedTitles();
+
     struct Heading {
         std::size_t part;
         bool isFirstLevel;

@@ -241,7 +241,7 @@ private:
                 continue;
             holds.time = holds.time || part.hasTime;
             holds.writer = holds.writer || part.namesWriter;
-            holds.heading = holds.heading || part.isHeading;
+            holds.heading = holds.heading || (part.isHeading && !part.repeatsTitle);
             parent.time = parent.time || holds.time;
             parent.writer = parent.writer || holds.writer;
             parent.heading = parent.heading || holds.heading;
@@ -300,9 +300,9 @@ private:
             post.hasWriter = isHeard && isWriter;
             if (!isHeard && isWriter && part.ownText < kLongestOfSigner && unheard == 0)
                 unheard = i;
-            else if (isHeard && part.isHeading)
+            else if (isHeard && part.isHeading && !part.repeatsTitle)
                 heading = i;
-            else if (isHeard && label == 0)
+            else if (isHeard && label == 0 && !part.repeatsTitle)
                 label = i;
             if (post.hasWriter)
                 label = i;
@@ -363,8 +363,8 @@ private:
         if (!holds.isInPost && i > posts_.back().whole)
             return true;
         const bool isTime = holds.time || part.linked * 2 > part.text;
-        return (isTime || (holds.isInPost && part.kin != 0)) && (isWriterTold || !holds.writer) &&
-               !holds.heading;
+        return (isTime || (holds.isInPost && (part.kin != 0 || part.repeatsTitle))) &&
+               (isWriterTold || !holds.writer) && !holds.heading;
     }
 
     std::vector<PagePart>& parts_;

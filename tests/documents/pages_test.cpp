@@ -10,6 +10,7 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "documents/document.h"
 
@@ -48,12 +49,16 @@ std::set<std::string> Words(const std::string& text, const std::string& beginnin
     return words;
 }
 
+std::string ReadPage(const std::filesystem::path& path) {
+    std::ifstream stream(path);
+    return Written({std::istreambuf_iterator<char>(stream), {}});
+}
+
 TEST(Pages, ArticlesArriveWholeAndHardlyAnythingElse) {
     std::size_t foreign = 0;
     std::size_t read = 0;
     for (const auto& file : std::filesystem::directory_iterator(PAGES_FOLDER)) {
-        std::ifstream stream(file.path());
-        const std::string page = Written({std::istreambuf_iterator<char>(stream), {}});
+        const std::string page = ReadPage(file.path());
         const Document document = ReadDocument(page);
         EXPECT_EQ(Words(document.text, kArticle), Words(page, kArticle)) << file.path();
         const std::size_t more = Words(document.text, kForeign).size();
@@ -68,6 +73,22 @@ TEST(Pages, ArticlesArriveWholeAndHardlyAnythingElse) {
     }
     ASSERT_GT(read, 3000U);
     EXPECT_LE(foreign * 100, read) << foreign << " of " << read;
+}
+
+// Not again above each reply.
+TEST(Pages, TitlesOfThreadsAreReadOnce) {
+    const std::pair<const char*, std::string> kThreads[] = {
+        {"forum_bbpress.html", "Fixing a dripping tap"},
+        {"forum_smf.html", "Moths in the wardrobe"},
+        {"forum_vanilla.html", "Fixing a dripping tap"},
+        {"forum_vbulletin.html", "Old clock stops at night"}};
+    for (const auto& [file, title] : kThreads) {
+        const std::string text =
+            ReadDocument(ReadPage(std::filesystem::path(PAGES_FOLDER) / file)).text;
+        const std::size_t at = text.find(title);
+        EXPECT_NE(at, std::string::npos) << file;
+        EXPECT_EQ(text.rfind(title), at) << file;
+    }
 }
 
 }  // namespace
