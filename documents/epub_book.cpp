@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::size_t kMostChapters = 20000;
 constexpr const char* kOnlyPage = "index.html";
-constexpr std::string_view kSheetEnd = "<mbp:pagebreak";
-constexpr std::size_t kLongestEmptySheet = 200;  // behind the last one
-constexpr std::size_t kLongestTitle = 40;
-constexpr int kLeastLinks = 3;  // of contents
 
 class ContainerListener : public MarkupListener {
 public:
@@ -130,43 +126,6 @@ private:
     bool isInTitle_ = false;
 };
 
-// Counts links into the book; what else the page says ends it.
-class LinksListener : public MarkupListener {
-public:
-    bool EvElement(std::string_view name, const MarkupAttributes& attributes) override {
-        const std::string_view address = attributes.Value("href");
-        if (name == "a" && !address.empty() && address.find(':') == std::string_view::npos) {
-            ++links;
-            isInLink_ = true;
-        }
-        isMarked = isMarked || attributes.HasWord("epub:type", "toc");
-        headings_ += IsHeadingName(name) ? 1 : 0;
-        saysMore = saysMore || name == "img" || name == "svg" || name == "image";
-        return name != "head" && name != "script" && name != "style";
-    }
-    void EvElementEnd(std::string_view name) override {
-        isInLink_ = isInLink_ && name != "a";
-        headings_ -= IsHeadingName(name) && headings_ > 0 ? 1 : 0;
-    }
-    // Numbers and dots stand before and behind titles.
-    void EvText(std::string_view text) override {
-        if (isInLink_ || headings_ > 0 ||
-            text.find_first_not_of(" \t\r\n.0123456789\xc2\xa0") == std::string_view::npos)
-            return;
-        saysMore = saysMore || links > 0 || text.size() > titleLeft_;
-        titleLeft_ -= std::min(titleLeft_, text.size());
-    }
-
-    int links = 0;
-    bool saysMore = false;
-    bool isMarked = false;
-
-private:
-    std::size_t titleLeft_ = kLongestTitle;  // "Table of Contents", which may be no heading
-    bool isInLink_ = false;
-    int headings_ = 0;
-};
-
 std::string PackageName(const ZipIndex& index) {
     ContainerListener listener;
     ParseXml(index.Content("META-INF/container.xml"), listener);
@@ -214,29 +173,6 @@ void ReadEpubContents(std::string_view page, const ZipIndex& index, EpubBook& bo
     HtmlReader reader(text, titles);
     while (reader.ReadSome()) {
     }
-}
-
-EpubContents ContentsIn(std::string_view page) {
-    const std::string text = DecodeMarkup(page);
-    LinksListener listener;
-    HtmlReader reader(text, listener);
-    while (!listener.saysMore && reader.ReadSome()) {
-    }
-    if (listener.saysMore || listener.links < kLeastLinks)
-        return EpubContents::kNone;
-    return listener.isMarked ? EpubContents::kMarked : EpubContents::kLinks;
-}
-
-std::string_view WithoutLastLinks(std::string_view page) {
-    for (std::size_t last = page.rfind(kSheetEnd); last != std::string_view::npos && last > 0;
-         last = page.rfind(kSheetEnd, last - 1)) {
-        const std::string_view sheet = page.substr(last);
-        if (ContentsIn(sheet) != EpubContents::kNone)
-            return page.substr(0, last);
-        if (sheet.size() > kLongestEmptySheet)
-            break;
-    }
-    return page;
 }
 
 std::vector<std::string> EpubEncryptedFiles(const ZipIndex& index) {

@@ -29,13 +29,5 @@ EpubBook ReadEpubPackage(const ZipIndex& index);
 // Titles out of a contents page of today's books, "nav.xhtml".
 void ReadEpubContents(std::string_view page, const ZipIndex& index, EpubBook& book);
 
-enum class EpubContents { kNone, kLinks, kMarked };
-// Whether a page of a book holds nothing but links to its other pages below a title, and whether
-// it calls itself the contents.
-EpubContents ContentsIn(std::string_view page);
-// Of a page that is a whole book of old Kindles, without the last of its sheets where that holds
-// such links: converters put the contents there, behind the book.
-std::string_view WithoutLastLinks(std::string_view page);
-
 // The names of the files that are encrypted.
 std::vector<std::string> EpubEncryptedFiles(const ZipIndex& index);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "documents/epub_book.h"
+#include "documents/epub_contents.h"
 #include "documents/html_text.h"
 #include "documents/problems.h"
 #include "documents/zip_entries.h"
@@ -18,7 +19,7 @@ constexpr std::size_t kNamedMissing = 3;
 struct Chapter {
     Document document;
     bool isRead = false;
-    EpubContents contents = EpubContents::kNone;
+    EpubContents contents;  // it is nothing else
     bool isLeftOut = false;
 };
 using Chapters = std::map<std::string, Chapter, std::less<>>;  // by name in the archive
@@ -104,13 +105,23 @@ private:
     }
 
     std::string ReadChapter(std::string_view page, Chapter& chapter) const {
+        chapter.isRead = true;
+        const EpubContents last = ContentsOnLastSheet(page);
+        if (last.AreThere()) {
+            std::string problem = ReadText(page.substr(0, last.begin), chapter.document);
+            if (!problem.empty() || AreTitlesIn({chapter.document.text}, last))
+                return problem;
+        }
+        chapter.contents = ContentsIn(page);
+        return ReadText(page, chapter.document);
+    }
+
+    std::string ReadText(std::string_view page, Document& document) const {
         TextFlow flow(rules_.referenceMarks);
         flow.SetLanguage(book_.language);
         PageFacts facts;
-        std::string problem = ReadHtml(WithoutLastLinks(page), watch_, rules_, flow, facts);
-        chapter.document = flow.TakeDocument();
-        chapter.isRead = true;
-        chapter.contents = ContentsIn(page);
+        std::string problem = ReadHtml(page, watch_, rules_, flow, facts);
+        document = flow.TakeDocument();
         return problem;
     }
 
@@ -134,14 +145,20 @@ private:
         return flow.TakeDocument();
     }
 
-    // Those that say so, and links that converters put behind the last chapter.
+    // Those that say so, and those behind the last chapter that only repeat its headings.
     void LeaveOutContents() {
+        std::vector<std::string_view> texts;
+        for (const EpubChapter& chapter : book_.chapters)
+            if (const Chapter& read = chapters_.find(chapter.name)->second;
+                !read.contents.AreThere())
+                texts.emplace_back(read.document.text);
         bool isLast = true;
         for (auto at = book_.chapters.rbegin(); at != book_.chapters.rend(); ++at) {
             Chapter& chapter = chapters_.find(at->name)->second;
-            const bool isContents = chapter.contents != EpubContents::kNone;
-            chapter.isLeftOut = chapter.contents == EpubContents::kMarked || (isContents && isLast);
-            isLast = isLast && (isContents || chapter.document.text.empty());
+            const bool isContents = chapter.contents.AreThere();
+            chapter.isLeftOut = chapter.contents.isMarked ||
+                                (isContents && isLast && AreTitlesIn(texts, chapter.contents));
+            isLast = isLast && (chapter.isLeftOut || chapter.document.text.empty());
         }
         if (isLast)  // there is nothing else
             for (auto& [name, chapter] : chapters_)

@@ -111,7 +111,7 @@ TEST(Book, FactsChaptersAndHeadingsAreKept) {
     EXPECT_EQ(languages, "de-AT:Head;fr:deux;de-AT:Last;");
 }
 
-TEST(Book, ContentsAreLeftOutWhereTheySaySoOrStandBehindTheLastChapter) {
+TEST(Book, ContentsAreLeftOutWhereTheySaySoOrRepeatHeadingsBehindTheLastChapter) {
     const std::string links =
         "<h1>Contents</h1><ol><li>1. <a href='a.xhtml'>Tides</a> ... 3<li><a "
         "href='a.xhtml#b'>Oars</a><li><a href='a.xhtml#c'>Sails</a></ol>";
@@ -120,7 +120,13 @@ TEST(Book, ContentsAreLeftOutWhereTheySaySoOrStandBehindTheLastChapter) {
                                     {"b.xhtml", "OEBPS/b.xhtml", second}}))
             .text;
     };
-    EXPECT_EQ(textOf("<h1>Tides</h1>", links), "Tides");
+    const std::string chapters = "<h1>Tides</h1><p>Oars</p><p>Sails!</p>";
+    EXPECT_EQ(textOf(chapters, links), "Tides\n\nOars\n\nSails!");
+    EXPECT_THAT(textOf("<h1>Tides</h1>Oars and sails.", links), HasSubstr("Tides ... 3\n\n2. Oars"))
+        << "an index";
+    EXPECT_EQ(textOf(chapters + "<h2>Oars</h2>",
+                     "<a href='#'>Tides</a><a href='#'>Oars. Sails</a><a href='#'>Oars</a>"),
+              "Tides\n\nOars\n\nSails!\n\nOars");
     EXPECT_EQ(textOf("<nav epub:type='toc'>" + links + "</nav>", "<h1>Tides</h1>"), "Tides");
     EXPECT_THAT(textOf(links, "<h1>Tides</h1>"), HasSubstr("Oars")) << "the author may want it";
     EXPECT_THAT(textOf(links, ""), HasSubstr("Oars"));
@@ -129,11 +135,11 @@ TEST(Book, ContentsAreLeftOutWhereTheySaySoOrStandBehindTheLastChapter) {
                        "<a href='http://a'>One</a> <a href='http://b'>Two</a> <a "
                        "href='http://c'>Three</a>"),
                 HasSubstr("Three"));
-    EXPECT_EQ(textOf("One<mbp:pagebreak/>Two<mbp:pagebreak/><p><b>Contents</b></p><p><a "
-                     "href='#1'>Tides</a></p><p><a href='#2'>Oars</a></p><a "
-                     "href='#3'>Sails</a><mbp:pagebreak/>",
-                     ""),
-              "One\n\nTwo");
+    const std::string sheet =
+        "<mbp:pagebreak/><p><b>Contents</b></p><p><a href='#1'>Tides</a></p><p><a "
+        "href='#2'>Oars</a></p><a href='#3'>Sails</a><mbp:pagebreak/>";
+    EXPECT_EQ(textOf(chapters + sheet, ""), "Tides\n\nOars\n\nSails!");
+    EXPECT_THAT(textOf("Tides and oars." + sheet, ""), HasSubstr("Contents\n\nTides\n\nOars"));
     const Document page = ReadDocument(ZipOf(
         {{"index.html", "<html><body><h1>One</h1>words</body></html>"},
          {"metadata.opf", "<package><metadata><dc:title>Tale</dc:title></metadata></package>"}}));
