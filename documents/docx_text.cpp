@@ -25,8 +25,10 @@ bool IsOff(const MarkupAttributes& attributes) {
 // Each note's text by its number.
 class NotesListener : public MarkupListener {
 public:
-    NotesListener(DocxStyles& styles, const DocumentRules& rules)
-        : flow_(rules.referenceMarks), inner_(flow_, styles, rules) {}
+    NotesListener(DocxStyles& styles, const DocumentRules& rules, DocxListener::OtherFile otherFile)
+        : flow_(rules.referenceMarks), inner_(flow_, styles, rules) {
+        inner_.SetOtherFile(std::move(otherFile));
+    }
 
     bool EvElement(std::string_view name, const MarkupAttributes& attributes) override {
         if (name == "footnotes" || name == "endnotes")
@@ -56,8 +58,9 @@ private:
 
 }  // namespace
 
-DocxNotes ReadDocxNotes(std::string_view xml, DocxStyles& styles, const DocumentRules& rules) {
-    NotesListener listener(styles, rules);
+DocxNotes ReadDocxNotes(std::string_view xml, DocxStyles& styles, const DocumentRules& rules,
+                        DocxListener::OtherFile otherFile) {
+    NotesListener listener(styles, rules, std::move(otherFile));
     ParseXml(xml, listener);
     return std::move(listener.notes);
 }
@@ -94,14 +97,8 @@ bool DocxListener::EvElement(std::string_view name, const MarkupAttributes& attr
 
 // It stands between paragraphs, as some of its own.
 void DocxListener::AddOtherFile(std::string_view identifier) {
-    const std::string text = otherFile_ ? otherFile_(identifier) : std::string();
-    if (text.empty()) {
-        ++otherFiles_;
-        return;
-    }
-    Flow().EndParagraph();
-    Flow().AddLines(text);
-    Flow().EndParagraph();
+    if (otherFile_)
+        Flow().Append(otherFile_(identifier));
 }
 
 void DocxListener::EvProperty(std::string_view name, const MarkupAttributes& attributes) {

@@ -29,12 +29,10 @@ public:
     void SetNotes(const DocxNotes* footnotes, const DocxNotes* endnotes);
     void SetDrawings(OfficeDrawings* drawings) { drawings_ = drawings; }  // of the document
 
-    // Gives the text of the whole file with that identifier that stands in the text; empty where it
-    // is not read.
-    using OtherFile = std::function<std::string(std::string_view identifier)>;
+    // Gives the whole file with that identifier that stands in the text; without a word where it is
+    // not read.
+    using OtherFile = std::function<Document(std::string_view identifier)>;
     void SetOtherFile(OtherFile otherFile) { otherFile_ = std::move(otherFile); }
-    // How many of them are not read.
-    int OtherFiles() const { return otherFiles_; }
 
     bool EvElement(std::string_view name, const MarkupAttributes& attributes) override;
     void EvElementEnd(std::string_view name) override;
@@ -79,11 +77,11 @@ private:
     FormulaText formula_;
     int texts_ = 0;
     int cells_ = 0;
-    int otherFiles_ = 0;
     bool isHidden_ = false;
     bool isRaised_ = false;
     std::string language_;  // of the run
 };
 
 // The notes in "word/footnotes.xml" or "word/endnotes.xml".
-DocxNotes ReadDocxNotes(std::string_view xml, DocxStyles& styles, const DocumentRules& rules);
+DocxNotes ReadDocxNotes(std::string_view xml, DocxStyles& styles, const DocumentRules& rules,
+                        DocxListener::OtherFile otherFile);

@@ -51,37 +51,50 @@ Document Finished(std::string problem, TextFlow& flow, std::string_view facts) {
     return document;
 }
 
-// Of pages and plain text. Another document in it might hold yet another one.
-std::string TextOfOtherFile(std::string_view bytes, const ReadingWatch& watch,
-                            const DocumentRules& rules) {
+// Pages and plain text. Another document in it might hold yet another one.
+Document OtherFile(std::string_view bytes, const ReadingWatch& watch, const DocumentRules& rules) {
     const DocumentKind kind = KindOf(bytes);
+    if (kind == DocumentKind::kHtml) {
+        DocumentRules whole = rules;
+        whole.wholePage = true;
+        return ReadPage(bytes, watch, whole);
+    }
+    TextFlow flow(rules.referenceMarks);
     if (kind == DocumentKind::kPlainText)
-        return DecodeText(bytes);
-    if (kind != DocumentKind::kHtml)
-        return {};
-    DocumentRules whole = rules;
-    whole.wholePage = true;
-    return ReadPage(bytes, watch, whole).text;
+        flow.AddLines(DecodeText(bytes));
+    return flow.TakeDocument();
 }
 
 Document ReadDocx(std::string_view bytes, const ZipIndex& index, const std::string& mainPart,
                   const ReadingWatch& watch, const DocumentRules& rules) {
+    int leftOut = 0;
+    const auto filesOf = [&](OfficeDrawings& part) {
+        return [&](std::string_view identifier) {
+            Document file = OtherFile(part.TakeFile(identifier), watch, rules);
+            leftOut += file.text.empty() ? 1 : 0;
+            return file;
+        };
+    };
     DocxStyles styles(index.Content("word/styles.xml"), index.Content("word/numbering.xml"));
-    const DocxNotes footnotes = ReadDocxNotes(index.Content("word/footnotes.xml"), styles, rules);
-    const DocxNotes endnotes = ReadDocxNotes(index.Content("word/endnotes.xml"), styles, rules);
+    const auto notesIn = [&](std::string_view name) {
+        OfficeDrawings files(index, name);
+        return rules.notes ? ReadDocxNotes(index.Content(name), styles, rules, filesOf(files))
+                           : DocxNotes();
+    };
+    const DocxNotes footnotes = notesIn("word/footnotes.xml");
+    const DocxNotes endnotes = notesIn("word/endnotes.xml");
     TextFlow flow(rules.referenceMarks);
     DocxListener listener(flow, styles, rules);
     listener.SetNotes(&footnotes, &endnotes);
     OfficeDrawings drawings(index, mainPart);
     listener.SetDrawings(&drawings);
-    listener.SetOtherFile([&](std::string_view identifier) {
-        return TextOfOtherFile(drawings.TakeFile(identifier), watch, rules);
-    });
+    listener.SetOtherFile(filesOf(drawings));
     Document document = Finished(ReadXmlEntry(bytes, mainPart, listener, flow, watch), flow,
                                  index.Content("docProps/core.xml"));
-    if (document.problem.empty() && listener.OtherFiles() > 0)
-        document.remark = "Other files that were put into the document are left out: " +
-                          std::to_string(listener.OtherFiles()) + ".";
+    if (document.problem.empty() && leftOut > 0)
+        document.remark =
+            "Other files that were put into the document are left out: " + std::to_string(leftOut) +
+            ".";
     return document;
 }
 

@@ -109,15 +109,25 @@ TEST(Office, NoWordOfADocxIsLost) {
         Paragraph(RunOf("a")) +
             "<w:altChunk r:id='r1'/><w:altChunk r:id='r2'/><w:altChunk "
             "r:id='r3'/><w:altChunk r:id='r1'/>" +
-            Paragraph(RunOf("b")),
+            Paragraph(RunOf("b") + "<w:r><w:footnoteReference w:id='2'/></w:r>"),
         {{"word/_rels/document.xml.rels",
           "<R><Relationship Id='r1' Target='/word/one.htm'/><Relationship Id='r2' "
           "Target='two.txt'/><Relationship Id='r3' Target='three.rtf'/></R>"},
-         {"word/one.htm", "<html><body><nav>x</nav><p>One &amp; all</p><p>Two</p></body></html>"},
+         {"word/one.htm", "<html><body><nav>x</nav><h3>One &amp; all</h3><p>Two</p></body></html>"},
          {"word/two.txt", "Plain text."},
-         {"word/three.rtf", "{\\rtf1 Three}"}}));
-    EXPECT_EQ(withFiles.text, "a\n\nx\n\nOne & all\n\nTwo\n\nPlain text.\n\nb");
-    EXPECT_EQ(withFiles.remark, "Other files that were put into the document are left out: 2.");
+         {"word/three.rtf", "{\\rtf1 Three}"},
+         {"word/_rels/footnotes.xml.rels",
+          "<R><Relationship Id='r1' Target='two.txt'/><Relationship Id='r3' "
+          "Target='three.rtf'/></R>"},
+         {"word/footnotes.xml", "<w:footnotes><w:footnote w:id='2'>" + Paragraph(RunOf("See")) +
+                                    "<w:altChunk r:id='r1'/><w:altChunk r:id='r3'/></w:footnote>"
+                                    "</w:footnotes>"}}));
+    EXPECT_EQ(withFiles.text,
+              "a\n\nx\n\nOne & all\n\nTwo\n\nPlain text.\n\nb\n\nNote: See\n\nPlain text.");
+    EXPECT_EQ(withFiles.remark, "Other files that were put into the document are left out: 3.");
+    ASSERT_EQ(withFiles.headings.size(), 1U);
+    EXPECT_EQ(withFiles.headings[0].level, 3);
+    EXPECT_EQ(withFiles.text.substr(withFiles.headings[0].begin, 9), "One & all");
     EXPECT_EQ(document.title + document.author, "TAnn");
     ASSERT_EQ(document.headings.size(), 1U);
     EXPECT_EQ(document.headings[0].level, 2);
