@@ -119,7 +119,15 @@ struct CloseNumberFormat {
 };
 using NumberFormat = std::unique_ptr<UNumberFormat, CloseNumberFormat>;
 
-std::string SpelledOut(std::string_view language, const char* ruleSet, int number) {
+bool IsOf(const UNumberFormat* format, std::string_view language) {
+    UErrorCode error = U_ZERO_ERROR;
+    const char* const locale =
+        format == nullptr ? nullptr : unum_getLocaleByType(format, ULOC_ACTUAL_LOCALE, &error);
+    return U_SUCCESS(error) && locale != nullptr && language == locale;
+}
+
+// number: plain, with a point. Empty where ICU would say it in the user's own language instead.
+std::string SpelledOut(std::string_view language, const char* ruleSet, std::string_view number) {
     // Opening one takes some 10 ms: a chronicle would take minutes. Never destroyed: threads may
     // still use them at the program's end.
     static std::mutex mutex;
@@ -135,14 +143,20 @@ std::string SpelledOut(std::string_view language, const char* ruleSet, int numbe
                     .first;
     }
     const NumberFormat& format = known->second;
-    if (format == nullptr)
+    if (!IsOf(format.get(), language))
         return {};
+    error = U_ZERO_ERROR;
     const Utf16 name = ToUtf16(ruleSet, error);
     unum_setTextAttribute(format.get(), UNUM_DEFAULT_RULESET, name.data(), -1, &error);
     Utf16 words{};
     const int length =
-        unum_format(format.get(), number, words.data(), kMostLetters, nullptr, &error);
+        unum_formatDecimal(format.get(), number.data(), static_cast<int>(number.size()),
+                           words.data(), kMostLetters, nullptr, &error);
     return U_FAILURE(error) ? "" : ToUtf8(words, length, error);
+}
+
+std::string SpelledOut(std::string_view language, const char* ruleSet, int number) {
+    return SpelledOut(language, ruleSet, std::to_string(number));
 }
 
 // Czech, which ICU has no ordinals for: those of days are in the genitive.
@@ -210,6 +224,10 @@ std::string MoneyWords(std::string_view language, std::string_view currency,
 std::string ScaledWords(std::string_view language, std::string_view number, int zeros) {
     return Formatted(language, "compact-long .######",
                      std::string(number) + "E" + std::to_string(zeros));
+}
+
+std::string CountWords(std::string_view language, std::string_view number) {
+    return SpelledOut(language, "%spellout-numbering", number);
 }
 
 std::string OrdinalWords(std::string_view language, OrdinalOf of, int number) {

@@ -15,6 +15,9 @@ std::string MoneyWords(std::string_view language, std::string_view currency,
 // "1,2 Millionen" of "1.2" with six zeros.
 std::string ScaledWords(std::string_view language, std::string_view number, int zeros);
 
+// "עשרים וחמש" of "25", as in counting.
+std::string CountWords(std::string_view language, std::string_view number);
+
 enum class OrdinalOf {
     kMan,     // "Heinrich der Achte", "Филипп второй"
     kWoman,   // "Elisabeth die Zweite", "Екатерина вторая"

@@ -159,6 +159,7 @@ std::vector<SpeechEngine> EnginesWithRows() {
     // Measured with a recogniser (bench/fast_speech.py): up to three times stretching is as clear.
     rows[1].speaksFasterFrom = 310;
     rows[1].says = kSaysEmoji;
+    rows[1].omitsNumbersIn = " he tk cv nog qya sjn ";
     rows[2].name = "flite";
     rows[2].title = "Flite";
     rows[2].program = "flite";
@@ -192,7 +193,10 @@ int SpeedOfEngine(const Voice& voice, int wanted) {
 
 SaidByEngine SaidByEngineOf(const Voice& voice) {
     const SpeechEngine engine = EngineOf(voice);
-    return engine.says | (LanguageOnly(voice.language) == "en" ? engine.saysEnglish : 0);
+    const std::string language(LanguageOnly(voice.language));
+    const bool isOmitted = engine.omitsNumbersIn.find(" " + language + " ") != std::string::npos;
+    return engine.says | (language == "en" ? engine.saysEnglish : 0) |
+           (isOmitted ? kOmitsNumbers : 0);
 }
 
 std::string SynthesisCommand(std::string_view voice, std::string_view textPath,

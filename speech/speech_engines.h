@@ -38,11 +38,12 @@ struct SpeechEngine {
     std::string (*timesOption)(std::string_view timesPath) = nullptr;
     // It loads its voice, which takes long, before it reads the text, from a pipe as well.
     bool loadsBeforeText = false;
-    bool needsLineEnd = false;     // else it leaves out a last sentence of one word
-    bool takesManner = false;      // its command is told it (voice_manner.h); else we see to it
-    int speaksFasterFrom = 0;      // percent of a voice's speed; below, and with 0, it is ours
-    SaidByEngine says = 0;         // well, in any language
-    SaidByEngine saysEnglish = 0;  // in English beside that
+    bool needsLineEnd = false;        // else it leaves out a last sentence of one word
+    bool takesManner = false;         // its command is told it (voice_manner.h); else we see to it
+    int speaksFasterFrom = 0;         // percent of a voice's speed; below, and with 0, it is ours
+    SaidByEngine says = 0;            // well, in any language
+    SaidByEngine saysEnglish = 0;     // in English beside that
+    std::string_view omitsNumbersIn;  // tags of languages, with blanks around each
     // A user's own: "{text}", "{wav}", "{voice}" and "{rate}" stand for words; and its voices.
     std::string ownCommand;
     std::vector<Voice> ownVoices;
@@ -58,7 +59,7 @@ SpeechEngine EngineOf(const Voice& voice);
 // that is not the whole, 100: then the sound is to be stretched.
 int SpeedOfEngine(const Voice& voice, int wanted);
 
-// What the voice's engine says well by itself in its language.
+// What the voice's engine says well by itself in its language, and what it omits.
 SaidByEngine SaidByEngineOf(const Voice& voice);
 
 // The engine's command line; the voice name is quoted in any case.

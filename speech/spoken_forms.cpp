@@ -68,8 +68,11 @@ std::optional<std::size_t> SpokenForms::FormAt(std::size_t at) {
     if (static_cast<unsigned char>(byte) >= 0x80)
         if (const auto end = Emoji(at))
             return end;
-    if (forms_ == nullptr)
+    if (forms_ == nullptr) {
+        if ((byEngine_ & kOmitsNumbers) != 0 && IsDigit(byte))
+            return CountedAt(at);
         return BeginsToken(at) ? Capitals(at) : std::nullopt;
+    }
     if (choices_.saysPunctuation)
         if (const auto end = Punctuation(at))
             return end;
@@ -110,6 +113,47 @@ std::optional<std::size_t> SpokenForms::NumberAt(std::size_t at) {
     const auto money = MoneyBefore(amount);
     const auto scaled = money ? money : Scaled(amount);
     return scaled ? scaled : WithUnit(amount);
+}
+
+// Any digits, wherever they stand; those that count nothing one by one.
+std::optional<std::size_t> SpokenForms::CountedAt(std::size_t at) {
+    constexpr std::size_t kMostAtOnce = 40;
+    constexpr std::size_t kMostCounted = 12;
+    const auto is = [this](std::size_t place, char mark) {
+        return place < text_.size() && text_[place] == mark;
+    };
+    const auto digitsAt = [this](std::size_t place) {
+        std::size_t count = 0;
+        while (place + count < text_.size() && count < kMostAtOnce && IsDigit(text_[place + count]))
+            ++count;
+        return count;
+    };
+    std::size_t end = at + digitsAt(at);
+    std::string number(text_.substr(at, end - at));
+    if (number.size() <= 3)
+        for (; is(end, ',') && digitsAt(end + 1) == 3 && number.size() < kMostCounted; end += 4)
+            number += text_.substr(end + 1, 3);
+    const bool isCounted =
+        number.size() == 1 || (number.size() <= kMostCounted && number[0] != '0');
+    const std::size_t fraction = is(end, '.') ? digitsAt(end + 1) : 0;
+    // "25.12.2026" is none.
+    const bool isDate = (at > 1 && text_[at - 1] == '.' && IsDigit(text_[at - 2])) ||
+                        (is(end + 1 + fraction, '.') && digitsAt(end + 2 + fraction) > 0);
+    if (isCounted && fraction > 0 && fraction <= kMostCounted && !isDate) {
+        number += text_.substr(end, 1 + fraction);
+        end += 1 + fraction;
+    }
+    std::string words;
+    if (isCounted)
+        words = CountWords(language_, number);
+    else
+        for (const char digit : number)
+            words += (words.empty() ? "" : " ") + CountWords(language_, std::string(1, digit));
+    if (words.empty())
+        return std::nullopt;
+    const bool isBehindLatin = at > 0 && g_ascii_isalpha(text_[at - 1]);
+    said_ = (isBehindLatin ? " " : "") + words + (EndsToken(end) ? "" : " ");
+    return end;
 }
 
 std::optional<std::size_t> SpokenForms::WordAt(std::size_t at) {

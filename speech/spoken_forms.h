@@ -20,6 +20,7 @@ constexpr SaidByEngine kSaysMoney = 1u << 0;
 constexpr SaidByEngine kSaysFractions = 1u << 1;
 constexpr SaidByEngine kSaysRomanNumerals = 1u << 2;
 constexpr SaidByEngine kSaysEmoji = 1u << 3;
+constexpr SaidByEngine kOmitsNumbers = 1u << 4;  // nothing is heard of digits
 
 // The user's choices.
 struct SpeakingChoices {
@@ -49,6 +50,7 @@ private:
 
     std::optional<std::size_t> FormAt(std::size_t at);  // its end; its words are in said_
     std::optional<std::size_t> NumberAt(std::size_t at);
+    std::optional<std::size_t> CountedAt(std::size_t at);
     std::optional<std::size_t> WordAt(std::size_t at);
     std::optional<std::size_t> Negative(std::size_t at);
     std::optional<std::size_t> Date(std::size_t at);

@@ -6,6 +6,7 @@
 #include <string>
 #include <tuple>
 
+#include "speech/speech_engines.h"
 #include "speech/text_preparation.h"
 #include "tests/support/scratch_folder.h"
 
@@ -142,6 +143,20 @@ TEST(SpokenForms, AreLeftToTheEngineOrSaidByChoice) {
 }
 
 // What is highlighted is the text as it is written.
+TEST(SpokenForms, NumbersThatAnEngineOmitsAreWords) {
+    const Voice hebrew{"espeak-ng", "he", "", "he", VoiceCharset::kUnicode};
+    const SaidByEngine omits = SaidByEngineOf(hebrew);
+    for (const auto& [written, said] :
+         {std::pair("יש לי 25 ספרים ו-3 עטים.", "יש לי עשרים וחמש ספרים ו-שלוש עטים."),
+          std::pair("1,984 3.5 12:30", "אלף תשע מאות שמונים וארבע שלוש נקודה חמש שתים עשרה:שלושים"),
+          std::pair("25.12.2026", "עשרים וחמש.שתים עשרה.אלפיים עשרים ושש"),
+          std::pair("A4x", "A ארבע x"), std::pair("07", "אפס שבע")})
+        EXPECT_EQ(SaidIn("he", written, omits), said) << written;
+    // Nobody is to hear the user's own language there.
+    EXPECT_EQ(SaidIn("tk", "3", omits), "3");
+    EXPECT_EQ(SaidIn("he", "3"), "3");
+}
+
 TEST(SpokenForms, PicturesAreCalledByTheirNameInTheVoicesLanguage) {
     const ScratchFolder root;
     const ScopedVariable machine("LECTORA_ROOT", root.Path().c_str());
