@@ -49,10 +49,11 @@ std::string InOneLine(std::string_view text) {
     return line;
 }
 
-// By the first of its classes, of which those of posts may be numbered.
-std::size_t KinOf(std::string_view names) {
+// By the first of its classes, which numbers each of several posts.
+std::size_t KinOf(std::string_view names, PostName postName) {
     std::string name(names.substr(0, names.find(' ')));
-    std::erase_if(name, [](char sign) { return g_ascii_isdigit(sign); });
+    if (postName == PostName::kPost)
+        std::erase_if(name, [](char sign) { return g_ascii_isdigit(sign); });
     return name.empty() ? 0 : std::hash<std::string>()(name);
 }
 
@@ -112,13 +113,13 @@ bool PageParts::EvElement(std::string_view name, const MarkupAttributes& attribu
     part.isHeading = IsHeadingName(name);
     part.isContainer = IsOneOf(name, kContainers) || name.find('-') != std::string_view::npos;
     const std::string_view names = attributes.Value("class");
-    part.kin = KinOf(names);
     part.classes = std::hash<std::string_view>()(names);
     part.sign = SignOf(name, attributes, part);
     const bool isOfPage = name != "head" && name != "title";
     part.postName = PostNameOfClass(names);
     if (PostNameOfClass(attributes.Value("data-role")) == PostName::kBeside)
         part.postName = PostName::kBeside;
+    part.kin = KinOf(names, part.postName);
     const bool isBlock = !IsOneOf(name, kPartsOfLines) || part.sign != PartSign::kNone ||
                          part.postName == PostName::kBeside;
     const bool isTime = name == "time" || IsNameOfTime(names);

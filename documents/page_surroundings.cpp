@@ -116,20 +116,26 @@ private:
         const auto isComment = [this](std::size_t i) {
             return parts_[i].sign == PartSign::kMatter;
         };
-        const std::vector<std::size_t> first = WayToText(0, false);
+        const Way first = WayToText(0, false);
+        const bool isMostMatter = ProseOfMatter() * 2 >= all;
         ForEachOutermost(isComment, [&](std::size_t i) {
             const PagePart& part = parts_[i];
             const bool isFirst = prose[part.kin] == 0 && part.prose > 0;
             const std::size_t sum = prose[part.kin] += part.prose;
             const std::size_t others = all - std::min(all, sum);
             if (part.prose * 2 > all || (others * 2 <= all && others < kLongBlock) ||
-                (isFirst && AreAlike(WayToText(i), first)))
+                (isFirst &&
+                 (AreAlike(WayToText(i), first) || (isMostMatter && AreSame(WayToText(i), first)))))
                 posts.insert(part.kin);
         });
         return posts;
     }
-    // The kin of what holds the longest text of a part, from within, a few of them.
-    std::vector<std::size_t> WayToText(std::size_t whole, bool isMatterSeen = true) const {
+    // To the longest text of a part.
+    struct Way {
+        std::vector<std::size_t> kin;  // of what holds it, from within, a few of them
+        bool isPost = false;           // one of these calls itself so
+    };
+    Way WayToText(std::size_t whole, bool isMatterSeen = true) const {
         const auto unlinked = [this](std::size_t i) {
             return parts_[i].ownText - parts_[i].ownLinked;
         };
@@ -139,20 +145,37 @@ private:
                 i = parts_[i].end - 1;
             else if (unlinked(i) > unlinked(longest))
                 longest = i;
-        std::vector<std::size_t> way;
-        for (std::size_t i = longest; i != whole && way.size() < kLongWay; i = parts_[i].parent)
-            if (parts_[i].kin != 0)
-                way.push_back(parts_[i].kin);
+        Way way;
+        for (std::size_t i = longest; i != whole && way.kin.size() < kLongWay; i = parts_[i].parent)
+            if (parts_[i].kin != 0) {
+                way.kin.push_back(parts_[i].kin);
+                way.isPost = way.isPost || parts_[i].postName == PostName::kPost;
+            }
         return way;
     }
-    // Answers may differ from what they answer in something around the text.
-    static bool AreAlike(const std::vector<std::size_t>& way,
-                         const std::vector<std::size_t>& other) {
+    // Answers may differ from what they answer in something around the text. One or two names in
+    // common may be those of any paragraph.
+    static bool AreAlike(const Way& way, const Way& other) {
         const auto isShared = [&other](std::size_t kin) {
-            return std::ranges::find(other, kin) != other.end();
+            return std::ranges::find(other.kin, kin) != other.kin.end();
         };
-        return !way.empty() && !other.empty() && way[0] == other[0] &&
-               std::ranges::count_if(way, isShared) > 1;
+        if (way.kin.empty() || other.kin.empty() || way.kin[0] != other.kin[0])
+            return false;
+        return way.isPost && other.isPost && std::ranges::count_if(way.kin, isShared) > 1;
+    }
+    static bool AreSame(const Way& way, const Way& other) {
+        return way.kin == other.kin && way.kin.size() == kLongWay;
+    }
+    std::size_t ProseOfMatter() const {
+        std::size_t prose = 0;
+        for (std::size_t i = 1; i < parts_.size(); ++i) {
+            const bool isMatter = parts_[i].sign == PartSign::kMatter;
+            if (isMatter && !parts_[i].isLeftOut)
+                prose += parts_[i].prose;
+            if (isMatter || parts_[i].isLeftOut)
+                i = parts_[i].end - 1;
+        }
+        return prose;
     }
     std::vector<bool> HoldersOf(const std::set<std::size_t>& kins) const {
         std::vector<bool> holders(parts_.size());
@@ -267,7 +290,8 @@ private:
         if ((part.sign != PartSign::kPlace && part.sign != PartSign::kMarked) || HasTitle(i))
             return false;
         if (part.prose * 2 > parts_[0].prose || part.text * 2 > parts_[0].text ||
-            (part.postName == PostName::kPost && std::ranges::find(way_, part.kin) != way_.end()))
+            (part.postName == PostName::kPost &&
+             std::ranges::find(way_.kin, part.kin) != way_.kin.end()))
             return false;
         const bool isLinks =
             part.sign == PartSign::kMarked ? IsLinks(part) : part.linked * 2 > part.text;
@@ -320,9 +344,9 @@ private:
     std::size_t matter_ = 0;     // the element that says so
     std::size_t article_ = 0;    // of which alone is read
     std::vector<std::size_t> path_;
-    std::vector<std::size_t> way_;  // kin of what holds the longest text
-    std::size_t body_ = 0;          // the lowest of it that holds title and prose
-    std::size_t inner_ = 0;         // holds prose, but may lack the title
+    Way way_;                // to the longest text
+    std::size_t body_ = 0;   // the lowest of it that holds title and prose
+    std::size_t inner_ = 0;  // holds prose, but may lack the title
 };
 
 }  // namespace
