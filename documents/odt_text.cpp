@@ -26,10 +26,6 @@ bool IsRaised(const MarkupAttributes& attributes) {
     return position.starts_with("super") || NumberIn(position) > 0;
 }
 
-bool IsCell(std::string_view name) {
-    return name == "table-cell" || name == "covered-table-cell";
-}
-
 // The formula in an object's own file.
 class MathListener : public MarkupListener {
 public:
@@ -40,39 +36,6 @@ public:
     void EvText(std::string_view text) override { formula.AddText(text); }
 
     FormulaText formula;
-};
-
-// What a chart, a table or a text in an object's own file says: its titles, then its figures row by
-// row.
-class ObjectListener : public MarkupListener {
-public:
-    explicit ObjectListener(TextFlow& flow) : flow_(flow) {}
-
-    bool EvElement(std::string_view name, const MarkupAttributes&) override {
-        if (name == "p" || name == "h")
-            ++paragraphs_;
-        else if (IsCell(name))
-            ++cells_;
-        return name != "styles" && name != "automatic-styles" && name != "annotation";
-    }
-    void EvElementEnd(std::string_view name) override {
-        if ((name == "p" || name == "h") && --paragraphs_ == 0 && cells_ == 0)
-            flow_.EndParagraph();
-        else if (name == "table-row")
-            flow_.EndParagraph();
-        else if (IsCell(name) && --cells_ == 0)
-            flow_.EndCell();
-    }
-    // Charts have no number where a cell was empty.
-    void EvText(std::string_view text) override {
-        if (paragraphs_ > 0 && (cells_ == 0 || text != "NaN"))
-            flow_.Add(text);
-    }
-
-private:
-    TextFlow& flow_;
-    int paragraphs_ = 0;
-    int cells_ = 0;
 };
 
 }  // namespace
@@ -103,9 +66,27 @@ bool OdtListener::BeginFact(std::string_view name) {
     return fact_ != nullptr;
 }
 
+// Flat documents hold their objects whole.
+bool OdtListener::BeginInObject(std::string_view name, const MarkupAttributes& attributes) {
+    if (!object_)
+        object_.emplace();
+    return object_->EvElement(name, attributes);
+}
+
+void OdtListener::EndInObject(std::string_view name) {
+    object_->EvElementEnd(name);
+    if (object_->IsOpen())
+        return;
+    std::string words = object_->Take();
+    object_.reset();
+    AddWordsOfObject(std::move(words));
+}
+
 bool OdtListener::EvElement(std::string_view name, const MarkupAttributes& attributes) {
     if (IsLeftOut(name, attributes))
         return false;
+    if (object_ || (bodies_ > 0 && name == "document"))
+        return BeginInObject(name, attributes);
     if (name == "math" || formula_.IsOpen())
         return formula_.Begin(MathPart(name));
     if (BeginFact(name))
@@ -133,7 +114,7 @@ bool OdtListener::EvElement(std::string_view name, const MarkupAttributes& attri
         ++leftOutObjects_;
     else if (bodies_ > 0 && (name == "title" || name == "desc"))
         ++descriptions_;
-    else if (IsCell(name))
+    else if (IsOdtCell(name))
         ++cells_;
     return !IsOneOf(name, kSides) || BeginSide(name);
 }
@@ -265,33 +246,30 @@ void OdtListener::AddObject(std::string_view address) {
         ParseXml(content, listener);
     const std::string formula = listener.formula.Take();
     if (formula.empty())
-        return AddWordsOf(content);
+        return AddWordsOfObject(WordsOf(content));
     if (paragraphs_ == 0)
         Flow().EndParagraph();
     Flow().AddBlank();
     Flow().Add(formula);
 }
 
-// Behind its paragraph.
-void OdtListener::AddWordsOf(std::string_view object) {
+std::string OdtListener::WordsOf(std::string_view object) {
     objectBytes_ += object.size();
-    TextFlow flow;
-    if (object.find("<chart:chart") != std::string_view::npos) {
-        flow.Add("Chart:");
-        flow.AddBlank();
-    }
-    const std::size_t empty = flow.Size();
-    if (objectBytes_ <= kLargestObjects && behind_.size() < kMostBehind) {
-        ObjectListener listener(flow);
+    OdtObjectListener listener;
+    if (objectBytes_ <= kLargestObjects)
         ParseXml(object, listener);
-    }
-    if (flow.Size() == empty) {
+    return listener.Take();
+}
+
+// Behind its paragraph.
+void OdtListener::AddWordsOfObject(std::string words) {
+    if (words.empty() || behind_.size() >= kMostBehind) {
         ++leftOutObjects_;
     } else if (paragraphs_ > 0) {
-        behind_.push_back(flow.Take());
+        behind_.push_back(std::move(words));
     } else {
         Flow().EndParagraph();
-        Flow().AddLines(flow.Take());
+        Flow().AddLines(words);
         Flow().EndParagraph();
     }
 }
@@ -322,7 +300,9 @@ void OdtListener::EndParagraph() {
 
 void OdtListener::EvElementEnd(std::string_view name) {
     fact_ = nullptr;
-    if (formula_.IsOpen()) {
+    if (object_) {
+        EndInObject(name);
+    } else if (formula_.IsOpen()) {
         formula_.End();
         if (!formula_.IsOpen())
             Flow().Add(formula_.Take());
@@ -343,7 +323,7 @@ void OdtListener::EvElementEnd(std::string_view name) {
         Flow().AddPicture(std::exchange(description_, {}));
     } else if (name == "table-row" && cells_ == 0) {
         Flow().EndParagraph();
-    } else if (IsCell(name) && cells_ > 0) {
+    } else if (IsOdtCell(name) && cells_ > 0) {
         --cells_;
     } else if (IsOneOf(name, kSides)) {
         EndSide();
@@ -355,7 +335,9 @@ void OdtListener::EvElementEnd(std::string_view name) {
 }
 
 void OdtListener::EvText(std::string_view text) {
-    if (fact_ != nullptr && fact_->size() + text.size() < kLongestFact)
+    if (object_)
+        object_->EvText(text);
+    else if (fact_ != nullptr && fact_->size() + text.size() < kLongestFact)
         *fact_ += text;
     else if (formula_.IsOpen())
         formula_.AddText(text);

@@ -9,6 +9,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -16,6 +17,7 @@
 
 #include "documents/formula_text.h"
 #include "documents/markup_listener.h"
+#include "documents/odt_object.h"
 #include "documents/small_texts.h"
 #include "documents/text_flow.h"
 
@@ -66,7 +68,10 @@ private:
     void EndParagraph();
     void EndSide();
     void AddObject(std::string_view address);
-    void AddWordsOf(std::string_view object);
+    std::string WordsOf(std::string_view object);
+    void AddWordsOfObject(std::string words);
+    bool BeginInObject(std::string_view name, const MarkupAttributes& attributes);
+    void EndInObject(std::string_view name);
     TextFlow& Flow() { return sides_.empty() ? flow_ : sides_.back().flow; }
 
     TextFlow& flow_;
@@ -83,6 +88,7 @@ private:
     std::string itemMark_;  // of an item that has begun
     FormulaText formula_;
     std::size_t objectBytes_ = 0;
+    std::optional<OdtObjectListener> object_;  // that is open in a flat document
     int leftOutObjects_ = 0;
     int bodies_ = 0;
     int paragraphs_ = 0;

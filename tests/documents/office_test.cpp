@@ -196,6 +196,14 @@ TEST(Office, NoWordOfAnOdtIsLost) {
          "text:is-hidden='true'>no</text:hidden-text><text:hidden-text "
          "text:is-hidden='false'>is</text:hidden-text></text:p>",
          "It is"},
+        {"chart in a flat document",
+         "<text:p>So<draw:object><office:document><office:styles><text:p>no</text:p>"
+         "</office:styles><office:body><office:chart><chart:chart><chart:title><text:p>Ferries"
+         "</text:p></chart:title><table:table-row><table:table-cell><text:p>May</text:p>"
+         "</table:table-cell><table:table-cell><text:p>3</text:p></table:table-cell>"
+         "</table:table-row></chart:chart></office:chart></office:body></office:document>"
+         "</draw:object> it is.</text:p><text:p>Next</text:p>",
+         "So it is.\n\nChart: Ferries\n\nMay, 3\n\nNext"},
         {"formula", "<text:p>So <math><msup><mi>c</mi><mn>2</mn></msup></math></text:p>", "So c²"},
     };
     for (const auto& item : cases)
