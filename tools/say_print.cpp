@@ -10,6 +10,7 @@
 #include "speech/character_tables.h"
 #include "speech/sentences.h"
 #include "speech/speech_pieces.h"
+#include "speech/synthesis.h"
 #include "speech/voice_table.h"
 #include "tools/interruption.h"
 #include "tools/say_document.h"
@@ -64,6 +65,8 @@ std::string InForm(const SayOptions& options, const std::string& text, int voice
         for (const TextUnit& unit : piece.units)
             AppendLine(ForTerminal(unit.text, VoiceAt(piece.voice).charset), printed);
     told = pieces.Message();
+    if (printed.empty() && told.empty())
+        told = SynthesisMessage(SynthesisOutcome::kNothingToSay);
     return printed;
 }
 

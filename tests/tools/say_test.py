@@ -63,6 +63,7 @@ class SayTest(EngineCase):
         self.assertEqual(
             self.check(SAY, "--text=spoken", input="yes да".encode(), says="1 word in Cyrillic"), "yes\n"
         )
+        self.assertEqual(self.check(SAY, "--text=spoken", input=b"...", says="There is nothing in this text"), "")
         self.save("b.html", f"<html><nav><a href=x>Menu</a></nav><p>{'word ' * 60}".encode())
         article = self.check(SAY, "--text", "b.html", says="--whole-page reads them")
         self.assertEqual(article, ("word " * 60).strip() + "\n")
