@@ -190,9 +190,17 @@ private:
 
     // Of the posts of a thread: dates, buttons, what their writers put below everything.
     void LeaveOutBesidePosts() {
-        std::map<std::size_t, std::size_t> posts;  // how many of each kin
+        struct Kin {
+            std::size_t posts = 0;
+            std::size_t written = 0;  // of them by somebody, or sometime
+        };
+        std::map<std::size_t, Kin> kins;
         ForEachOutermost([this](std::size_t i) { return IsPost(i); },
-                         [&](std::size_t i) { ++posts[parts_[i].kin]; });
+                         [&](std::size_t i) {
+                             Kin& kin = kins[parts_[i].kin];
+                             ++kin.posts;
+                             kin.written += IsWritten(i) ? 1 : 0;
+                         });
         std::set<std::size_t> prose;  // kin of what holds it in any post
         for (const PagePart& part : parts_)
             if (part.prose > 0)
@@ -204,10 +212,17 @@ private:
             if (!isBeside || HasTitle(i))
                 return false;
             for (std::size_t post = part.parent; post != 0; post = parts_[post].parent)
-                if (IsPost(post) && posts[parts_[post].kin] > 1)
+                if (const Kin& kin = kins[parts_[post].kin];
+                    IsPost(post) && kin.posts > 1 && kin.written * 2 >= kin.posts)
                     return parts_[post].text > part.text;
             return false;
         });
+    }
+    bool IsWritten(std::size_t post) const {
+        for (std::size_t i = post; i < parts_[post].end; ++i)
+            if (parts_[i].hasTime || parts_[i].namesWriter)
+                return true;
+        return false;
     }
     bool IsPost(std::size_t i) const {
         const PagePart& part = parts_[i];

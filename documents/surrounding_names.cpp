@@ -202,8 +202,10 @@ constexpr SortedNames<33> kBesidePostWords = {"controls",
                                               "usertitle"};
 static_assert(std::is_sorted(kBesidePostWords.begin(), kBesidePostWords.end()));
 
-constexpr SortedNames<9> kWriterWords = {"author", "byline",   "creator", "fn",      "name",
-                                         "nick",   "nickname", "poster",  "username"};
+// Names of other things are told as well.
+constexpr SortedNames<12> kWriterWords = {"author",      "authorname", "byline",      "creator",
+                                          "displayname", "membername", "messagename", "nick",
+                                          "nickname",    "poster",     "screenname",  "username"};
 static_assert(std::is_sorted(kWriterWords.begin(), kWriterWords.end()));
 constexpr SortedNames<4> kTimeWords = {"date", "datetime", "time", "timestamp"};
 static_assert(std::is_sorted(kTimeWords.begin(), kTimeWords.end()));
@@ -272,7 +274,9 @@ bool EndsAnyWith(std::string_view names, const SortedNames<kCount>& lastWords) {
     bool isOne = false;
     ForEachName(names, [&](std::string_view name) {
         const std::vector<std::string> words = WordsOfName(name);
-        isOne = isOne || (!words.empty() && IsOneOf(words.back(), lastWords));
+        const std::size_t count = words.size();
+        isOne = isOne || (count > 0 && IsOneOf(words.back(), lastWords)) ||
+                (count > 1 && IsOneOf(words[count - 2] + words.back(), lastWords));
     });
     return isOne;
 }
