@@ -50,18 +50,21 @@ struct Rank {
 
 ListedVoice Listed(int index, Voice voice, const std::vector<SpeechEngine>& engines) {
     const auto engine = std::ranges::find(engines, voice.engine, &SpeechEngine::name);
-    ListedVoice listed{index, std::move(voice), "", ""};
+    ListedVoice listed{index, std::move(voice), ""};
     listed.engine = engine == engines.end() ? listed.voice.engine : engine->title;
     if (listed.voice.languageTitle.empty())
         listed.voice.languageTitle = "Other languages";
     if (listed.voice.shortTitle.empty())
         listed.voice.shortTitle = listed.voice.title;
-    const Voice& named = listed.voice;
-    listed.words =
-        Folded(named.title + "\n" + named.languageTitle + "\n" + listed.engine + "\n" + named.name +
-               "\n" + named.language + "\n" + EnglishNameOfLanguage(named.language) + "\n" +
-               OwnNameOfLanguage(named.language));
     return listed;
+}
+
+// The names of languages cost most of what hundreds of voices do.
+std::string WordsOf(const ListedVoice& listed) {
+    const Voice& named = listed.voice;
+    return Folded(named.title + "\n" + named.languageTitle + "\n" + listed.engine + "\n" +
+                  named.name + "\n" + named.language + "\n" +
+                  EnglishNameOfLanguage(named.language) + "\n" + OwnNameOfLanguage(named.language));
 }
 
 // Languages in the order in which a user looks for them.
@@ -111,8 +114,10 @@ std::vector<ListedVoice> VoicesToChooseFrom() {
     return voices;
 }
 
-bool IsFoundBy(const ListedVoice& voice, const std::string& typed) {
+bool IsFoundBy(ListedVoice& voice, const std::string& typed) {
     std::istringstream words(Folded(typed));
+    if (voice.words.empty() && !typed.empty())
+        voice.words = WordsOf(voice);
     for (std::string word; words >> word;)
         if (voice.words.find(word) == std::string::npos)
             return false;

@@ -7,10 +7,10 @@
 #include "speech/voice_table.h"
 
 struct ListedVoice {
-    int index;           // into the voice table
-    Voice voice;         // with a title for its language in any case
-    std::string engine;  // as people know it
-    std::string words;   // what it is found by, folded
+    int index;               // into the voice table
+    Voice voice;             // with a title for its language in any case
+    std::string engine;      // as people know it
+    std::string words = {};  // what it is found by, folded; made when it is first looked for
 };
 
 // All of the table, language by language: the user's own, then those used last, then by name; the
@@ -18,7 +18,7 @@ struct ListedVoice {
 std::vector<ListedVoice> VoicesToChooseFrom();
 
 // Whether each word of what was typed is in the words of the voice, whatever its capitals.
-bool IsFoundBy(const ListedVoice& voice, const std::string& typed);
+bool IsFoundBy(ListedVoice& voice, const std::string& typed);
 
 // The keys of the voices used last, newest first, kept for the user. GUI thread.
 std::vector<std::string> VoicesUsedLast();

@@ -91,7 +91,7 @@ void VoiceChooserDlg::FillList() {
     LVClear(kVoices);
     int selected = 0;
     for (std::size_t i = 0; i < voices_.size(); ++i) {
-        const ListedVoice& listed = voices_[i];
+        ListedVoice& listed = voices_[i];
         if (!IsFoundBy(listed, typed))
             continue;
         const int row = LVAddRow(kVoices, {listed.voice.languageTitle.c_str(),

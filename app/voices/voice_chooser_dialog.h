@@ -49,7 +49,7 @@ private:
     void TakeManner();
     void Hear();
 
-    const std::vector<ListedVoice> voices_;
+    std::vector<ListedVoice> voices_;
     std::vector<std::size_t> shown_;  // of voices_, row by row
     int voice_;
     bool hasPicked_ = false;

@@ -218,7 +218,7 @@ void CheckTheChosenOne() {
 std::string Found(const std::string& typed) {
     std::string found;
     std::string language;
-    for (const ListedVoice& listed : VoicesToChooseFrom()) {
+    for (ListedVoice& listed : VoicesToChooseFrom()) {
         if (!IsFoundBy(listed, typed))
             continue;
         if (listed.voice.languageTitle != language)
