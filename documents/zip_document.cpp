@@ -151,6 +151,31 @@ bool IsBook(const ZipIndex& index) {
            index.Content("mimetype").starts_with("application/epub+zip");
 }
 
+std::string CutFiles(const std::vector<std::string>& names) {
+    std::string remark =
+        "Parts of the document are too large and not wholly read: " + std::to_string(names.size()) +
+        ", \"";
+    remark += WholeCharacters(names.front(), kLongestFact);
+    return remark + (names.size() == 1 ? "\"." : "\" first.");
+}
+
+Document ReadIndexed(std::string_view bytes, const ZipIndex& index, const ReadingWatch& watch,
+                     const DocumentRules& rules) {
+    if (index.isEncrypted ||
+        index.Content("META-INF/manifest.xml").find("encryption-data") != std::string_view::npos)
+        return DocumentProblem(kProtectedDocument);
+    if (IsBook(index))
+        return ReadEpub(bytes, index, watch, rules);
+    if (const std::string name = DocxMainPart(index); !name.empty())
+        return ReadDocx(bytes, index, name, watch, rules);
+    if (index.Has("ppt/presentation.xml"))
+        return ReadPptx(bytes, index, watch, rules);
+    if (index.Has("content.xml"))
+        return ReadOdt(bytes, index, watch, rules);
+    return DocumentProblem(index.isBroken ? kDamagedDocument
+                                          : "The archive holds no document that can be read.");
+}
+
 }  // namespace
 
 Document ReadFlatOdt(std::string_view bytes, const ReadingWatch& watch,
@@ -171,17 +196,8 @@ Document ReadZipDocument(std::string_view bytes, const ReadingWatch& watch,
     const ZipIndex index = ReadZipIndex(bytes, watch);
     if (watch.IsToEnd())
         return DocumentProblem(watch.Problem());
-    if (index.isEncrypted ||
-        index.Content("META-INF/manifest.xml").find("encryption-data") != std::string_view::npos)
-        return DocumentProblem(kProtectedDocument);
-    if (IsBook(index))
-        return ReadEpub(bytes, index, watch, rules);
-    if (const std::string name = DocxMainPart(index); !name.empty())
-        return ReadDocx(bytes, index, name, watch, rules);
-    if (index.Has("ppt/presentation.xml"))
-        return ReadPptx(bytes, index, watch, rules);
-    if (index.Has("content.xml"))
-        return ReadOdt(bytes, index, watch, rules);
-    return DocumentProblem(index.isBroken ? kDamagedDocument
-                                          : "The archive holds no document that can be read.");
+    Document document = ReadIndexed(bytes, index, watch, rules);
+    if (document.problem.empty() && !index.cutFiles.empty())
+        document.remark += (document.remark.empty() ? "" : " ") + CutFiles(index.cutFiles);
+    return document;
 }

@@ -12,7 +12,8 @@
 
 namespace {
 
-constexpr std::size_t kMaxSmallFile = 8U << 20;
+constexpr std::size_t kMaxSmallFile = 16U << 20;
+constexpr std::size_t kMaxSmallFiles = 64U << 20;  // all of them, which are in memory at once
 
 bool TellsAboutOthers(std::string_view name) {
     for (const std::string_view beginning :
@@ -90,13 +91,20 @@ std::string ZipIndex::Find(std::string_view folder, std::string_view address) co
 ZipIndex ReadZipIndex(std::string_view bytes, const ReadingWatch& watch) {
     ZipIndex index;
     ZipEntries entries(bytes);
+    std::size_t room = kMaxSmallFiles;
     while (!watch.IsToEnd() && entries.Next()) {
         const std::string& name = entries.Name();
         index.names.insert(name);
         index.plainNames.emplace(Folded(WithoutDots(name)), name);
         index.isEncrypted = index.isEncrypted || entries.IsEncrypted();
-        if (TellsAboutOthers(name))
-            entries.ReadAll(kMaxSmallFile, index.contents[name]);
+        if (!TellsAboutOthers(name))
+            continue;
+        std::string& content = index.contents[name];
+        room += content.size();  // of one of the same name, whose place it takes
+        const bool isWhole = entries.ReadAll(std::min(room, kMaxSmallFile), content);
+        if (!isWhole && !entries.IsEntryBroken())
+            index.cutFiles.push_back(name);
+        room -= content.size();
     }
     index.isBroken = entries.IsBroken();
     return index;

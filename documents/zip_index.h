@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "documents/markup_listener.h"
 #include "documents/reading_watch.h"
@@ -14,6 +15,7 @@ struct ZipIndex {
     std::set<std::string, std::less<>> names;
     std::map<std::string, std::string> plainNames;  // in small letters and without "..": the name
     std::map<std::string, std::string, std::less<>> contents;
+    std::vector<std::string> cutFiles;  // names of those whose content is not whole: too large
     bool isEncrypted = false;
     bool isBroken = false;
 

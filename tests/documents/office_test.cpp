@@ -128,6 +128,10 @@ TEST(Office, NoWordOfADocxIsLost) {
     ASSERT_EQ(withFiles.headings.size(), 1U);
     EXPECT_EQ(withFiles.headings[0].level, 3);
     EXPECT_EQ(withFiles.text.substr(withFiles.headings[0].begin, 9), "One & all");
+    const Document large = ReadDocument(DocxWith(
+        Paragraph(RunOf("b")), {{"word/charts/chart1.xml", std::string((16U << 20) + 1, ' ')}}));
+    EXPECT_EQ(large.text, "b");
+    EXPECT_THAT(large.remark, testing::HasSubstr("read: 1, \"word/charts/chart1.xml\"."));
     EXPECT_EQ(document.title + document.author, "TAnn");
     ASSERT_EQ(document.headings.size(), 1U);
     EXPECT_EQ(document.headings[0].level, 2);
