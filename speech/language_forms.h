@@ -51,6 +51,8 @@ struct LanguageForms {
     std::string_view ofFraction = " ";
     std::span<const WrittenForm> units = {};  // of this language alone
     std::span<const ScaleForm> scales = {};
+    // Of "½" before a noun: the nouns, a blank around each, and their word.
+    std::span<const WrittenForm> halves = {};
     std::string_view ofScale = " ";  // between millions and their currency
     std::string_view atSign = {};    // of an e-mail address, with the blanks around it
     std::string_view dot = {};

@@ -44,11 +44,12 @@ constexpr WrittenForm kEnglishShort[] = {{"e.g.", "for example"},
                                          {"24/7", "twenty-four seven"},
                                          {"ca. #", "about"},
                                          {"c. #", "about"}};
-constexpr WrittenForm kEnglishFractions[] = {{"1/2", "one half"},
-                                             {"1/3", "one third"},
-                                             {"2/3", "two thirds"},
-                                             {"1/4", "one quarter"},
-                                             {"3/4", "three quarters"}};
+constexpr WrittenForm kEnglishFractions[] = {
+    {"1/2", "one half"},      {"1/3", "one third"},      {"2/3", "two thirds"},
+    {"1/4", "one quarter"},   {"3/4", "three quarters"}, {"1/5", "one fifth"},
+    {"2/5", "two fifths"},    {"3/5", "three fifths"},   {"4/5", "four fifths"},
+    {"1/6", "one sixth"},     {"5/6", "five sixths"},    {"1/8", "one eighth"},
+    {"3/8", "three eighths"}, {"5/8", "five eighths"},   {"7/8", "seven eighths"}};
 constexpr WrittenForm kEnglishMarks[] = {{".", "period"},
                                          {",", "comma"},
                                          {";", "semicolon"},
@@ -116,11 +117,18 @@ constexpr WrittenForm kGermanShort[] = {{"z. B.", "zum Beispiel"},
 constexpr WrittenForm kGermanUnits[] = {
     {"EL", "tablespoon"}, {"TL", "teaspoon"}, {"Min", "minute"}, {"Std", "hour"}};
 constexpr ScaleForm kGermanScales[] = {{"Mio.", 6}, {"Mrd.", 9}, {"Tsd.", 3}};
-constexpr WrittenForm kGermanFractions[] = {{"1/2", "ein halb"},
-                                            {"1/3", "ein Drittel"},
-                                            {"2/3", "zwei Drittel"},
-                                            {"1/4", "ein Viertel"},
-                                            {"3/4", "drei Viertel"}};
+constexpr WrittenForm kGermanFractions[] = {
+    {"1/2", "ein halb"},     {"1/3", "ein Drittel"},   {"2/3", "zwei Drittel"},
+    {"1/4", "ein Viertel"},  {"3/4", "drei Viertel"},  {"1/5", "ein Fünftel"},
+    {"2/5", "zwei Fünftel"}, {"3/5", "drei Fünftel"},  {"4/5", "vier Fünftel"},
+    {"1/6", "ein Sechstel"}, {"5/6", "fünf Sechstel"}, {"1/8", "ein Achtel"},
+    {"3/8", "drei Achtel"},  {"5/8", "fünf Achtel"},   {"7/8", "sieben Achtel"}};
+constexpr WrittenForm kGermanHalves[] = {
+    {" Stunde Minute Sekunde Tasse Flasche Seite Million Packung Dose Zwiebel Zitrone Portion "
+     "Tonne Tablette Stange Gurke ",
+     "eine halbe"},
+    {" Liter Teelöffel Esslöffel Meter Kilometer Zentimeter Becher Tag Monat Apfel ", "ein halber"},
+    {" Jahr Kilo Kilogramm Gramm Glas Pfund Dutzend Jahrhundert Päckchen Bund ", "ein halbes"}};
 constexpr WrittenForm kGermanMarks[] = {{".", "Punkt"},
                                         {",", "Komma"},
                                         {";", "Strichpunkt"},
@@ -233,6 +241,7 @@ const LanguageForms kGermanForms = {
     .oneAndHalf = "eineinhalb",
     .units = kGermanUnits,
     .scales = kGermanScales,
+    .halves = kGermanHalves,
     .atSign = " ät ",
     .dot = " Punkt ",
     .orderedNouns =

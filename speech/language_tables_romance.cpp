@@ -39,11 +39,16 @@ constexpr WrittenForm kFrenchShort[] = {{"p. ex.", "par exemple"},
 constexpr WrittenForm kFrenchUnits[] = {{"c. à s.", "tablespoon"}, {"c. à c.", "teaspoon"}};
 constexpr ScaleForm kFrenchScales[] = {
     {"k", 3, true}, {"M", 6, true}, {"Mds", 9, true}, {"Md", 9, true}};
-constexpr WrittenForm kFrenchFractions[] = {{"1/2", "un demi"},
-                                            {"1/3", "un tiers"},
-                                            {"2/3", "deux tiers"},
-                                            {"1/4", "un quart"},
-                                            {"3/4", "trois quarts"}};
+constexpr WrittenForm kFrenchFractions[] = {
+    {"1/2", "un demi"},         {"1/3", "un tiers"},         {"2/3", "deux tiers"},
+    {"1/4", "un quart"},        {"3/4", "trois quarts"},     {"1/5", "un cinquième"},
+    {"2/5", "deux cinquièmes"}, {"3/5", "trois cinquièmes"}, {"4/5", "quatre cinquièmes"},
+    {"1/6", "un sixième"},      {"5/6", "cinq sixièmes"},    {"1/8", "un huitième"},
+    {"3/8", "trois huitièmes"}, {"5/8", "cinq huitièmes"},   {"7/8", "sept huitièmes"}};
+constexpr WrittenForm kFrenchHalves[] = {
+    {" heure minute seconde tasse cuillère cuillerée bouteille livre journée douzaine page année "
+     "tonne botte gousse ",
+     "une demi"}};
 constexpr WrittenForm kFrenchMarks[] = {{".", "point"},
                                         {",", "virgule"},
                                         {";", "point-virgule"},
@@ -105,11 +110,19 @@ constexpr WrittenForm kSpanishShort[] = {{"p. ej.", "por ejemplo"},
                                          {"2.ª", "segunda"},
                                          {"3.ª", "tercera"}};
 constexpr ScaleForm kSpanishScales[] = {{"k", 3, true}, {"mill.", 6}, {"M", 6, true}};
-constexpr WrittenForm kSpanishFractions[] = {{"1/2", "un medio"},
-                                             {"1/3", "un tercio"},
-                                             {"2/3", "dos tercios"},
-                                             {"1/4", "un cuarto"},
-                                             {"3/4", "tres cuartos"}};
+constexpr WrittenForm kSpanishFractions[] = {
+    {"1/2", "un medio"},     {"1/3", "un tercio"},     {"2/3", "dos tercios"},
+    {"1/4", "un cuarto"},    {"3/4", "tres cuartos"},  {"1/5", "un quinto"},
+    {"2/5", "dos quintos"},  {"3/5", "tres quintos"},  {"4/5", "cuatro quintos"},
+    {"1/6", "un sexto"},     {"5/6", "cinco sextos"},  {"1/8", "un octavo"},
+    {"3/8", "tres octavos"}, {"5/8", "cinco octavos"}, {"7/8", "siete octavos"}};
+constexpr WrittenForm kSpanishHalves[] = {
+    {" hora taza cucharada cucharadita cebolla botella copa página docena libra onza manzana lata "
+     "barra tonelada ",
+     "media"},
+    {" litro kilo kilogramo vaso limón kilómetro metro centímetro año día mes siglo minuto "
+     "pimiento pepino tomate millón ",
+     "medio"}};
 constexpr WrittenForm kSpanishMarks[] = {{".", "punto"},
                                          {",", "coma"},
                                          {";", "punto y coma"},
@@ -141,11 +154,17 @@ constexpr WrittenForm kItalianShort[] = {
     {"pag. #", "pagina"},      {"pagg. #", "pagine"},    {"p. #", "pagina"},
     {"cap. #", "capitolo"},    {"art. #", "articolo"},   {"vol. #", "volume"}};
 constexpr ScaleForm kItalianScales[] = {{"mln", 6}, {"mld", 9}};
-constexpr WrittenForm kItalianFractions[] = {{"1/2", "un mezzo"},
-                                             {"1/3", "un terzo"},
-                                             {"2/3", "due terzi"},
-                                             {"1/4", "un quarto"},
-                                             {"3/4", "tre quarti"}};
+constexpr WrittenForm kItalianFractions[] = {
+    {"1/2", "un mezzo"},   {"1/3", "un terzo"},      {"2/3", "due terzi"},
+    {"1/4", "un quarto"},  {"3/4", "tre quarti"},    {"1/5", "un quinto"},
+    {"2/5", "due quinti"}, {"3/5", "tre quinti"},    {"4/5", "quattro quinti"},
+    {"1/6", "un sesto"},   {"5/6", "cinque sesti"},  {"1/8", "un ottavo"},
+    {"3/8", "tre ottavi"}, {"5/8", "cinque ottavi"}, {"7/8", "sette ottavi"}};
+constexpr WrittenForm kItalianHalves[] = {
+    {" ora tazza cipolla bottiglia pagina dozzina libbra mela tonnellata bustina ", "mezza"},
+    {" litro chilo chilogrammo bicchiere cucchiaio cucchiaino limone chilometro metro centimetro "
+     "anno giorno mese secolo minuto ettaro ",
+     "mezzo"}};
 constexpr WrittenForm kItalianMarks[] = {{".", "punto"},
                                          {",", "virgola"},
                                          {";", "punto e virgola"},
@@ -194,6 +213,7 @@ const LanguageForms kFrenchForms = {
     .ofFraction = " de ",
     .units = kFrenchUnits,
     .scales = kFrenchScales,
+    .halves = kFrenchHalves,
     .ofScale = " de ",
     .atSign = " arobase ",
     .dot = " point "};
@@ -227,6 +247,7 @@ const LanguageForms kSpanishForms = {
     .andFraction = " y ",
     .ofFraction = " de ",
     .scales = kSpanishScales,
+    .halves = kSpanishHalves,
     .ofScale = " de ",
     .atSign = " arroba ",
     .dot = " punto "};
@@ -261,6 +282,7 @@ const LanguageForms kItalianForms = {
     .andFraction = " e ",
     .ofFraction = " di ",
     .scales = kItalianScales,
+    .halves = kItalianHalves,
     .ofScale = " di ",
     .atSign = " chiocciola ",
     .dot = " punto "};

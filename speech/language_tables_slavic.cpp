@@ -41,11 +41,12 @@ constexpr WrittenForm kRussianUnits[] = {{"ст. л.", "tablespoon"},
                                          {"мин", "minute"},
                                          {"ч", "hour"},
                                          {"кв. м", "square-meter"}};
-constexpr WrittenForm kRussianFractions[] = {{"1/2", "одна вторая"},
-                                             {"1/3", "одна треть"},
-                                             {"2/3", "две трети"},
-                                             {"1/4", "одна четверть"},
-                                             {"3/4", "три четверти"}};
+constexpr WrittenForm kRussianFractions[] = {
+    {"1/2", "половина"},      {"1/3", "одна треть"},   {"2/3", "две трети"},
+    {"1/4", "одна четверть"}, {"3/4", "три четверти"}, {"1/5", "одна пятая"},
+    {"2/5", "две пятых"},     {"3/5", "три пятых"},    {"4/5", "четыре пятых"},
+    {"1/6", "одна шестая"},   {"5/6", "пять шестых"},  {"1/8", "одна восьмая"},
+    {"3/8", "три восьмых"},   {"5/8", "пять восьмых"}, {"7/8", "семь восьмых"}};
 constexpr WrittenForm kRussianMarks[] = {{".", "точка"},
                                          {",", "запятая"},
                                          {";", "точка с запятой"},
@@ -97,11 +98,14 @@ constexpr WrittenForm kCzechShort[] = {{"např.", "například"},
 constexpr ScaleForm kCzechScales[] = {{"mil.", 6}, {"mld.", 9}, {"tis.", 3}};
 constexpr ScaleForm kRussianScales[] = {{"тыс.", 3}, {"млн", 6}, {"млрд", 9}};
 constexpr WrittenForm kCzechUnitSigns[] = {{"hod", "hour"}};
-constexpr WrittenForm kCzechFractions[] = {{"1/2", "jedna polovina"},
-                                           {"1/3", "jedna třetina"},
-                                           {"2/3", "dvě třetiny"},
-                                           {"1/4", "jedna čtvrtina"},
-                                           {"3/4", "tři čtvrtiny"}};
+constexpr WrittenForm kCzechFractions[] = {{"1/2", "půl"},          {"1/3", "jedna třetina"},
+                                           {"2/3", "dvě třetiny"},  {"1/4", "jedna čtvrtina"},
+                                           {"3/4", "tři čtvrtiny"}, {"1/5", "jedna pětina"},
+                                           {"2/5", "dvě pětiny"},   {"3/5", "tři pětiny"},
+                                           {"4/5", "čtyři pětiny"}, {"1/6", "jedna šestina"},
+                                           {"5/6", "pět šestin"},   {"1/8", "jedna osmina"},
+                                           {"3/8", "tři osminy"},   {"5/8", "pět osmin"},
+                                           {"7/8", "sedm osmin"}};
 constexpr WrittenForm kCzechMarks[] = {
     {".", "tečka"},     {",", "čárka"},           {";", "středník"},      {":", "dvojtečka"},
     {"!", "vykřičník"}, {"?", "otazník"},         {"(", "levá závorka"},  {")", "pravá závorka"},

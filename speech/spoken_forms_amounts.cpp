@@ -13,8 +13,12 @@ namespace {
 constexpr std::string_view kBeforeOtherPairs =
     " verse chapter psalm at vers kapitel psaume um alle a las ";
 constexpr std::string_view kHalf = "1/2";
-constexpr WrittenForm kVulgarFractions[] = {
-    {"½", "1/2"}, {"¼", "1/4"}, {"¾", "3/4"}, {"⅓", "1/3"}, {"⅔", "2/3"}};
+constexpr WrittenForm kVulgarFractions[] = {{"½", "1/2"}, {"¼", "1/4"}, {"¾", "3/4"}, {"⅓", "1/3"},
+                                            {"⅔", "2/3"}, {"⅕", "1/5"}, {"⅖", "2/5"}, {"⅗", "3/5"},
+                                            {"⅘", "4/5"}, {"⅙", "1/6"}, {"⅚", "5/6"}, {"⅛", "1/8"},
+                                            {"⅜", "3/8"}, {"⅝", "5/8"}, {"⅞", "7/8"}};
+// "1/5" may as well be the first of five: what is less than a quarter's part asks for a unit.
+constexpr char kMostSureParts = '4';
 constexpr std::size_t kMostPlaceDigits = 2;
 constexpr std::size_t kMostRomanLetters = 7;
 
@@ -92,7 +96,10 @@ const WrittenForm* SpokenForms::FractionAt(std::size_t at, std::size_t& end) con
             continue;
         const bool goesOn = end + 1 < text_.size() && (text_[end] == '/' || text_[end] == '.') &&
                             g_ascii_isdigit(text_[end + 1]);
-        return EndsToken(end) && !goesOn ? &form : nullptr;
+        std::size_t behind = 0;
+        const bool isSure = !written.empty() || form.written.back() <= kMostSureParts ||
+                            UnitAt(BehindBlank(end), behind) != nullptr;
+        return EndsToken(end) && !goesOn && isSure ? &form : nullptr;
     }
     return nullptr;
 }
@@ -107,14 +114,22 @@ std::optional<std::size_t> SpokenForms::Fraction(std::size_t at) {
     const std::size_t place = BehindBlank(end);
     std::size_t behind = 0;
     const WrittenForm* const unit = place > end ? UnitAt(place, behind) : nullptr;
-    if (unit == nullptr)
-        return end;
     // The words of a part are those of 1.5 where nouns have cases.
     const bool hasCases = language_ == "ru" || language_ == "cs";
     const std::string noun =
-        WithoutNumber(UnitWords(language_, unit->said, hasCases ? "1.5" : "1"));
-    if (noun.empty())
+        unit == nullptr ? WordBehind(place)
+                        : WithoutNumber(UnitWords(language_, unit->said, hasCases ? "1.5" : "1"));
+    for (const WrittenForm& half : forms_->halves)
+        if (form->written == kHalf && IsAmong(half.written, noun.substr(0, noun.find(' '))))
+            said_ = half.said;
+    if (unit == nullptr || noun.empty())
         return end;
+    // But "one eighth teaspoon salt".
+    if (form->written != kHalf && language_ == "en" && !noun.ends_with("spoon"))
+        said_ +=
+            std::string_view("oh").find(noun[0]) == std::string_view::npos || noun.starts_with("he")
+                ? " of a"
+                : " of an";
     said_ += std::string(form->written == kHalf ? " " : forms_->ofFraction) + noun;
     return behind;
 }

@@ -87,7 +87,7 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "5 million dollars, 5 to 10 kilometers, 1 and a half cups, about 20 minutes later, won 3 "
          "to 2, John 3:5, on September 11"},
         {"de", "Vom 1. bis 5. Mai, 1/4 kg, ½ l, 1,2 Mio. €, im 19. Jahrhundert, Vom 1. bis 5. Da",
-         "Vom ersten bis fünften Mai, ein Viertel Kilogramm, ein halb Liter, 1,2 Millionen Euro, "
+         "Vom ersten bis fünften Mai, ein Viertel Kilogramm, ein halber Liter, 1,2 Millionen Euro, "
          "im neunzehnten Jahrhundert, Vom ersten bis fünften. Da"},
         {"de", "8.30 Uhr, 2 EL, Äpfel usw. Er, usw. und",
          "8 Uhr 30, 2 Esslöffel, Äpfel und so "
@@ -102,6 +102,11 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "eineinhalb Teelöffel, 2 ein halb Kilogramm, vom zweiten bis dritten Mai, 1 Million "
          "Menschen"},
         {"fr", "2½ kg, 1,2 M€", "2 kilogrammes et demi, 1,2 million d'euros"},
+        {"en", "⅛ cup, 3/8 lb, step 1/5, 3/4 ft, 1/4 hr, ⅛ tsp, 1⅛ kg",
+         "one eighth cup, three eighths of a pound, step 1/5, three quarters of a foot, one "
+         "quarter of an hour, one eighth teaspoon, 1 and one eighth kilograms"},
+        {"de", "½ Stunde, 1/2 TL, ½", "eine halbe Stunde, ein halber Teelöffel, ein halb"},
+        {"fr", "½ c. à s., ½ verre", "une demi cuillère à soupe, un demi verre"},
         {"it", "nel XIX sec. e", "nel diciannovesimo secolo e"},
         {"ru", "в 1945 г. была, к 1945 г. и, мая 1945 г. и, 05.09.1945, с 1941 по 1945 год",
          "в тысяча девятьсот сорок пятом году была, к тысяча девятьсот сорок пятому году и, мая "
