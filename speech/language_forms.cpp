@@ -68,7 +68,7 @@ constexpr WrittenForm kUnits[] = {{"km/h", "kilometer-per-hour"},
                                   {"W", "watt"}};
 
 constexpr WrittenForm kMoneySigns[] = {
-    {"$", "USD"},    {"€", "EUR"},  {"£", "GBP"},   {"¥", "JPY"},   {"₽", "RUB"},
+    {"US$", "USD"},  {"$", "USD"},  {"€", "EUR"},   {"£", "GBP"},   {"¥", "JPY"},  {"₽", "RUB"},
     {"руб.", "RUB"}, {"Kč", "CZK"}, {"EUR", "EUR"}, {"USD", "USD"}, {"GBP", "GBP"}};
 
 }  // namespace

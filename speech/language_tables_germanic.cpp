@@ -35,6 +35,10 @@ constexpr WrittenForm kEnglishShort[] = {{"e.g.", "for example"},
                                          {"Fig. #", "Figure"},
                                          {"Jan. #", "January"},
                                          {"Feb. #", "February"},
+                                         {"Mar. #", "March"},
+                                         {"Apr. #", "April"},
+                                         {"Jun. #", "June"},
+                                         {"Jul. #", "July"},
                                          {"Aug. #", "August"},
                                          {"Sept. #", "September"},
                                          {"Sep. #", "September"},
@@ -114,9 +118,13 @@ constexpr WrittenForm kGermanShort[] = {{"z. B.", "zum Beispiel"},
                                         {"S. #", "Seite"},
                                         {"Art. #", "Artikel"},
                                         {"Abs. #", "Absatz"}};
-constexpr WrittenForm kGermanUnits[] = {
-    {"EL", "tablespoon"}, {"TL", "teaspoon"}, {"Min", "minute"}, {"Std", "hour"}};
-constexpr ScaleForm kGermanScales[] = {{"Mio.", 6}, {"Mrd.", 9}, {"Tsd.", 3}};
+constexpr WrittenForm kGermanUnits[] = {{"EL", "tablespoon"},
+                                        {"TL", "teaspoon"},
+                                        {"Min", "minute"},
+                                        {"Std", "hour"},
+                                        {"Sek", "second"}};
+constexpr ScaleForm kGermanScales[] = {
+    {"Mio.", 6}, {"Mrd.", 9}, {"Tsd.", 3}, {"Mio", 6}, {"Mrd", 9}};
 constexpr WrittenForm kGermanFractions[] = {
     {"1/2", "ein halb"},     {"1/3", "ein Drittel"},   {"2/3", "zwei Drittel"},
     {"1/4", "ein Viertel"},  {"3/4", "drei Viertel"},  {"1/5", "ein Fünftel"},

@@ -36,11 +36,9 @@ constexpr WrittenForm kRussianShort[] = {{"т. е.", "то есть"},
                                          {"гг.", "годы"},
                                          {"№ ", "номер "},
                                          {"№", "номер "}};
-constexpr WrittenForm kRussianUnits[] = {{"ст. л.", "tablespoon"},
-                                         {"ч. л.", "teaspoon"},
-                                         {"мин", "minute"},
-                                         {"ч", "hour"},
-                                         {"кв. м", "square-meter"}};
+constexpr WrittenForm kRussianUnits[] = {
+    {"ст. л.", "tablespoon"}, {"ч. л.", "teaspoon"}, {"мин", "minute"}, {"сек", "second"},
+    {"л. с.", "horsepower"},  {"л", "liter"},        {"ч", "hour"},     {"кв. м", "square-meter"}};
 constexpr WrittenForm kRussianFractions[] = {
     {"1/2", "половина"},      {"1/3", "одна треть"},   {"2/3", "две трети"},
     {"1/4", "одна четверть"}, {"3/4", "три четверти"}, {"1/5", "одна пятая"},
@@ -97,7 +95,7 @@ constexpr WrittenForm kCzechShort[] = {{"např.", "například"},
                                        {"kap. #", "kapitola"}};
 constexpr ScaleForm kCzechScales[] = {{"mil.", 6}, {"mld.", 9}, {"tis.", 3}};
 constexpr ScaleForm kRussianScales[] = {{"тыс.", 3}, {"млн", 6}, {"млрд", 9}};
-constexpr WrittenForm kCzechUnitSigns[] = {{"hod", "hour"}};
+constexpr WrittenForm kCzechUnitSigns[] = {{"hod", "hour"}, {"sek", "second"}};
 constexpr WrittenForm kCzechFractions[] = {{"1/2", "půl"},          {"1/3", "jedna třetina"},
                                            {"2/3", "dvě třetiny"},  {"1/4", "jedna čtvrtina"},
                                            {"3/4", "tři čtvrtiny"}, {"1/5", "jedna pětina"},

@@ -107,6 +107,10 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "quarter of an hour, one eighth teaspoon, 1 and one eighth kilograms"},
         {"de", "½ Stunde, 1/2 TL, ½", "eine halbe Stunde, ein halber Teelöffel, ein halb"},
         {"fr", "½ c. à s., ½ verre", "une demi cuillère à soupe, un demi verre"},
+        {"en", "US$5 million on Mar. 5", "5 million dollars on March 5"},
+        {"de", "5 Mio €", "5 Millionen Euro"},
+        {"es", "el 1er premio", "el primer premio"},
+        {"ru", "1/2 л, 90 л. с. и 5 сек. до", "половина литра, 90 лошадиных сил и 5 секунд до"},
         {"it", "nel XIX sec. e", "nel diciannovesimo secolo e"},
         {"ru", "в 1945 г. была, к 1945 г. и, мая 1945 г. и, 05.09.1945, с 1941 по 1945 год",
          "в тысяча девятьсот сорок пятом году была, к тысяча девятьсот сорок пятому году и, мая "
