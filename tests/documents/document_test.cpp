@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
+#include <ctime>
 #include <string>
 
 #include "documents/text_charset.h"
@@ -197,7 +197,8 @@ TEST(Documents, HostileMarkupEndsInTime) {
         unclosed += "</i><p ";
         attributes += "a" + std::to_string(i) + "=b ";
     }
-    const auto start = std::chrono::steady_clock::now();
+    // Of the processor: others may be busy, too.
+    const std::clock_t start = std::clock();
     EXPECT_EQ(ReadDocument(nested + "a").text, "a");
     EXPECT_EQ(ReadDocument(attributes + ">a").text, "a");
     std::string noEnds = "<html>a";
@@ -207,7 +208,7 @@ TEST(Documents, HostileMarkupEndsInTime) {
     EXPECT_THAT(ReadDocument(DocxOf(attributes + ">")).problem, HasSubstr("damaged"));
     EXPECT_EQ(ReadDocument(unclosed).problem, "");
     EXPECT_EQ(ReadDocument("<html>a<!--" + std::string(20 << 20, '-')).text, "a");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 30);
     for (const std::string& bytes : {nested, DocxOf("<w:p/>"), EpubOf({}), OdtXmlOf("")})
         EXPECT_THAT(ReadDocument(bytes, [] { return true; }).problem, HasSubstr("stopped"));
 }
