@@ -2,13 +2,68 @@
 
 namespace {
 
-// Where a window's keyboard was when its control went, and where it is meanwhile; on the window,
-// for comparison only: either may be gone.
-constexpr const char* kLostFocus = "lectora-lost-focus";
-constexpr const char* kStandInFocus = "lectora-stand-in-focus";
-constexpr int kMostSteps = 50;  // out of a control that holds others
+constexpr const char* kLentFocus = "lectora-lent-focus";  // on the window
+constexpr int kMostSteps = 50;                            // out of a control that holds others
 
 using Setter = void (*)(GtkWidget* control, gboolean canBeUsed);
+
+// A control that may end at any time; by the GUI thread alone, so that one that is there stays
+// while it is looked at.
+class WeakControl {
+public:
+    WeakControl() { g_weak_ref_init(&reference_, nullptr); }
+    WeakControl(const WeakControl&) = delete;
+    WeakControl& operator=(const WeakControl&) = delete;
+    ~WeakControl() { g_weak_ref_clear(&reference_); }
+
+    void Set(GtkWidget* control) { g_weak_ref_set(&reference_, control); }
+    GtkWidget* Get() {
+        gpointer const control = g_weak_ref_get(&reference_);
+        if (control != nullptr)
+            g_object_unref(control);
+        return static_cast<GtkWidget*>(control);
+    }
+
+private:
+    GWeakRef reference_{};
+};
+
+// Where a window's keyboard was when its control went, and where it is meanwhile.
+struct LentFocus {
+    WeakControl lost;
+    WeakControl standIn;
+
+    void Forget() {
+        lost.Set(nullptr);
+        standIn.Set(nullptr);
+    }
+};
+
+// Who works in the control that stands in has come to stay. A button is only pressed, as "Pause" is
+// while what started the reading waits for its end; a lone Ctrl quiets a screen reader.
+gboolean StayWhereKeysAreTyped(GtkWidget* window, GdkEventKey* event, gpointer lent) {
+    GtkWidget* const focus = gtk_window_get_focus(GTK_WINDOW(window));
+    if (event->is_modifier == 0 && !GTK_IS_BUTTON(focus))
+        static_cast<LentFocus*>(lent)->Forget();
+    return FALSE;
+}
+
+gboolean StayWhereIsClicked(GtkWidget* /*window*/, GdkEventButton* /*event*/, gpointer lent) {
+    static_cast<LentFocus*>(lent)->Forget();
+    return FALSE;
+}
+
+LentFocus& LentFocusOf(GtkWidget* window) {
+    auto* lent = static_cast<LentFocus*>(g_object_get_data(G_OBJECT(window), kLentFocus));
+    if (lent == nullptr) {
+        lent = new LentFocus;
+        g_object_set_data_full(G_OBJECT(window), kLentFocus, lent,
+                               [](gpointer data) { delete static_cast<LentFocus*>(data); });
+        g_signal_connect(window, "key-press-event", G_CALLBACK(StayWhereKeysAreTyped), lent);
+        g_signal_connect(window, "button-press-event", G_CALLBACK(StayWhereIsClicked), lent);
+    }
+    return *lent;
+}
 
 bool IsWithin(GtkWidget* widget, GtkWidget* control) {
     return widget == control || gtk_widget_is_ancestor(widget, control) != FALSE;
@@ -18,31 +73,30 @@ bool IsWithin(GtkWidget* widget, GtkWidget* control) {
 void TakeAway(GtkWidget* control, GtkWidget* window, Setter set) {
     const auto focus = [window] { return gtk_window_get_focus(GTK_WINDOW(window)); };
     const auto isAt = [&] { return focus() != nullptr && IsWithin(focus(), control); };
-    const bool wasAt = isAt();
-    if (wasAt && g_object_get_data(G_OBJECT(window), kStandInFocus) != focus())
-        g_object_set_data(G_OBJECT(window), kLostFocus, control);
+    if (!isAt()) {
+        set(control, FALSE);
+        return;
+    }
+    LentFocus& lent = LentFocusOf(window);
+    if (lent.standIn.Get() != focus())
+        lent.lost.Set(focus());
     for (int step = 0; step < kMostSteps && isAt(); ++step)
         gtk_widget_child_focus(window, GTK_DIR_TAB_FORWARD);
     set(control, FALSE);
-    if (wasAt && focus() == nullptr)
+    if (focus() == nullptr)
         gtk_widget_child_focus(window, GTK_DIR_TAB_FORWARD);
-    if (wasAt)
-        g_object_set_data(G_OBJECT(window), kStandInFocus, focus());
+    lent.standIn.Set(focus());
 }
 
 // Unless the user has gone elsewhere.
 void GiveFocusBack(GtkWidget* control, GtkWidget* window) {
-    if (g_object_get_data(G_OBJECT(window), kLostFocus) != control)
+    LentFocus& lent = LentFocusOf(window);
+    GtkWidget* const lost = lent.lost.Get();
+    if (lost == nullptr || !IsWithin(lost, control))
         return;
-    GtkWidget* const now = gtk_window_get_focus(GTK_WINDOW(window));
-    if (now == g_object_get_data(G_OBJECT(window), kStandInFocus)) {
-        if (gtk_widget_get_can_focus(control))
-            gtk_widget_grab_focus(control);
-        else
-            gtk_widget_child_focus(control, GTK_DIR_TAB_FORWARD);
-    }
-    g_object_set_data(G_OBJECT(window), kLostFocus, nullptr);
-    g_object_set_data(G_OBJECT(window), kStandInFocus, nullptr);
+    if (gtk_window_get_focus(GTK_WINDOW(window)) == lent.standIn.Get())
+        gtk_widget_grab_focus(lost);
+    lent.Forget();
 }
 
 // With what it holds, unless it is left out when its window is shown.

@@ -121,7 +121,10 @@ bool SendEvent(GtkWidget* widget, GdkEventType type, Fill fill) {
 }
 
 inline void SendKey(GtkWidget* widget, GdkEventType type, guint key) {
-    SendEvent(widget, type, [key](GdkEvent& event) { event.key.keyval = key; });
+    SendEvent(widget, type, [key](GdkEvent& event) {
+        event.key.keyval = key;
+        event.key.is_modifier = key >= GDK_KEY_Shift_L && key <= GDK_KEY_Hyper_R;
+    });
 }
 
 // As the window manager does when it makes the window the active one.

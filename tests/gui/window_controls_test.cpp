@@ -332,6 +332,18 @@ TEST_F(WindowControls, TheKeyboardGoesOnFromADisabledOrHiddenControlAndBack) {
     dialog.FocusControl(kCool);
     dialog.EnableControl(kButton, true);
     EXPECT_EQ(focus(), dialog.GetControlByID(kCool));
+    PumpPending();  // what was hidden gets its place, by which the controls are in order
+    // So does who has typed where the keyboard went meanwhile, but not who has only pressed it.
+    for (const auto [control, key, returns] : {std::tuple(int{kEntry}, GDK_KEY_a, false),
+                                               std::tuple(int{kEntry}, GDK_KEY_Control_L, true),
+                                               std::tuple(int{kButton}, GDK_KEY_F3, true)}) {
+        dialog.FocusControl(control);
+        GtkWidget* const before = focus();
+        dialog.EnableControl(control, false);
+        SendKey(dialog.Widget(), GDK_KEY_PRESS, static_cast<guint>(key));
+        dialog.EnableControl(control, true);
+        EXPECT_EQ(focus() == before, returns) << control << " " << key;
+    }
 }
 
 }  // namespace
