@@ -76,10 +76,21 @@ void QueueDialog::EnableControls() {
     const int row = LVGetFirstSel(kFileList);
     const auto index = static_cast<std::size_t>(std::max(row, 0));
     chosen_ = row >= 0 && index < shown_.size() ? std::optional(shown_[index].id) : std::nullopt;
-    EnableControl(kSooner, row > 0);
-    EnableControl(kLater, chosen_ && index + 1 < shown_.size());
+    EnableMove(kSooner, row > 0);
+    EnableMove(kLater, chosen_ && index + 1 < shown_.size());
     EnableControl(kRemoveFile, chosen_.has_value());
     EnableControl(kRemoveAll, chosen_.has_value());
+}
+
+// A move that has come to its end stays under the keyboard: on the control beside it one press more
+// would undo what was done, or read the file.
+void QueueDialog::EnableMove(int button, bool isPossible) {
+    EnableControl(button, isPossible || gtk_widget_is_focus(GetControlByID(button)));
+}
+
+void QueueDialog::Move(int steps) {
+    if (!queue_.Move(*chosen_, steps))
+        gtk_widget_error_bell(Widget());
 }
 
 void QueueDialog::Command(int command) {
@@ -88,9 +99,9 @@ void QueueDialog::Command(int command) {
     if (command == kReadFileNow)
         DoOKButton();
     else if (command == kSooner)
-        queue_.Move(*chosen_, -1);
+        Move(-1);
     else if (command == kLater)
-        queue_.Move(*chosen_, 1);
+        Move(1);
     else if (command == kRemoveFile)
         queue_.Remove(*chosen_);
     else if (command == kRemoveAll)

@@ -24,6 +24,8 @@ public:
 
 private:
     void Fill();
+    void EnableMove(int button, bool isPossible);
+    void Move(int steps);
 
     ReadingQueue& queue_;
     const std::function<std::string(const std::string&)> withProgress_;

@@ -27,14 +27,15 @@ void ReadingQueue::AddAside(QueuedText text) {
 }
 
 // Those in front begin by themselves, whichever these are.
-void ReadingQueue::Move(int id, int step) {
+bool ReadingQueue::Move(int id, int step) {
     const auto from = Find(id);
     if (from == texts_.end() || (step < 0 && from == texts_.begin()) ||
         (step > 0 && std::next(from) == texts_.end()))
-        return;
+        return false;
     std::swap(from->id, (from + step)->id);
     std::swap(from->text, (from + step)->text);
     Tell();
+    return true;
 }
 
 void ReadingQueue::MoveToFront(int id) {

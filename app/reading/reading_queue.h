@@ -35,7 +35,8 @@ public:
 
     void Add(QueuedText text);  // behind those that are to come
     void AddAside(QueuedText text);
-    void Move(int id, int step);  // among the files: -1 sooner, 1 later
+    // Among the files: -1 sooner, 1 later. False when it is the first or last already.
+    bool Move(int id, int step);
     void MoveToFront(int id);
     void Remove(int id);
     void Clear();
