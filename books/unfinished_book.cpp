@@ -83,7 +83,8 @@ bool MoveUnfinished(const std::string& from, const std::string& target) {
     const UniqueFd key = OpenRegularFile((work + "key").c_str(), O_RDWR | O_NOFOLLOW);
     if (!key.IsOpen())
         return errno == ENOENT || errno == ENOTDIR;  // there is none
-    // What a folder held before is the user's; and another program may be at work on the book.
+    // What a folder held before is the user's; and another program may be at work on the book
+    // (which a file system without locks cannot say).
     if (isFolder != (target.back() == '/') || ::access((work + "may-replace").c_str(), F_OK) == 0 ||
         (::flock(key.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK))
         return false;

@@ -29,8 +29,10 @@ constexpr int kReceiveLimitMilliseconds = 1000;
 constexpr int kTurnLimitMilliseconds = 1000;
 constexpr int kMostTries = 100;
 constexpr useconds_t kBetweenTriesMicroseconds = 100000;
-constexpr std::int32_t kMaxArguments = 1 << 20;  // more than the system starts a program with
+// More than the system starts a program with.
+constexpr std::int32_t kMaxArguments = 1 << 20;
 constexpr std::int32_t kMaxArgumentBytes = 1 << 20;
+constexpr std::size_t kMaxCommandLineBytes = 8U << 20;
 
 sockaddr_un AddressOf(const std::string& path) {
     sockaddr_un address{};
@@ -332,10 +334,14 @@ bool RunOnceSocket::Receive(HandedOver& handed) const {
     if (count < 0)
         return false;
     if (count > kMaxArguments)
-        return true;
+        return DropPart(arguments);
+    std::size_t total = 0;
     for (std::int32_t index = 0; index < count; ++index) {
         std::int32_t length = 0;
         if (!reader.ReadNumber(length) || length < 0 || length > kMaxArgumentBytes)
+            return DropPart(arguments);
+        total += static_cast<std::size_t>(length);
+        if (total > kMaxCommandLineBytes)
             return DropPart(arguments);
         std::string argument(static_cast<std::size_t>(length), '\0');
         if (!reader.Read(argument.data(), argument.size()))

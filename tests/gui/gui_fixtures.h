@@ -69,11 +69,7 @@ public:
     }
     void CmHelp() override { calls += "help "; }
     void EnableControls() override { ++enableCalls; }
-    void Command(int command) override {
-        commands.push_back(command);
-        if (onCommand)
-            onCommand(command);
-    }
+    void Command(int command) override { commands.push_back(command); }
 
     std::string calls;
     std::vector<int> commands;
@@ -81,7 +77,6 @@ public:
     int okRefusals = 0;  // the answer is no so many times
     int cancelRefusals = 0;
     std::function<void()> onInit;
-    std::function<void(int)> onCommand;
 };
 
 using RecordingDialog = Recorder<LDialog>;
