@@ -87,20 +87,23 @@ void LReadyDialog::Look() {
 
 void LReadyDialog::FillVoices() {
     const bool isFirst = LVGetCount(kVoices) == 0;
-    for (const LVoicePackage& voice : VoicePackages())
-        if (isFirst)
-            LVAddRow(kVoices, {voice.language, voice.speaker, voice.package});
+    for (int index = 0; isFirst && index < static_cast<int>(VoicePackages().size()); ++index) {
+        const LVoicePackage& voice = VoicePackages()[static_cast<std::size_t>(index)];
+        LVAddRow(kVoices, {voice.language, voice.speaker, voice.package}, index);
+    }
     if (isFirst)
         LVSetCurSel(kVoices, 0);
-    // In place: the user's ticks and row stay. The user may have sorted the rows.
+    // In place: the user's ticks and row stay.
     for (int row = 0; row < LVGetCount(kVoices); ++row) {
-        char text[kTextBufferSize];
-        LVGetColumnString(kVoices, row, 2, text);
-        const std::string shown = text;
-        const std::string package = shown.substr(0, shown.find(' '));
-        const bool isInstalled = IsPackageInstalled(package.c_str());
-        LVSetColumnString(kVoices, row, 2, (package + (isInstalled ? " (installed)" : "")).c_str());
+        const char* const package = PackageAt(row);
+        const std::string note = IsPackageInstalled(package) ? " (installed)" : "";
+        LVSetColumnString(kVoices, row, 2, (package + note).c_str());
     }
+}
+
+// The user may have sorted the rows.
+const char* LReadyDialog::PackageAt(int row) const {
+    return VoicePackages()[static_cast<std::size_t>(LVGetItemData(kVoices, row))].package;
 }
 
 void LReadyDialog::Show() {
@@ -154,14 +157,10 @@ void LReadyDialog::Show() {
 
 std::vector<std::string> LReadyDialog::ChosenVoices() const {
     std::vector<std::string> packages;
-    for (int row = 0; row < LVGetCount(kVoices); ++row) {
-        char text[kTextBufferSize];
-        LVGetColumnString(kVoices, row, 2, text);
-        const std::string_view package = text;
-        // The package service fails where everything is installed already.
-        if (LVGetCheck(kVoices, row) && package.find(' ') == std::string_view::npos)
-            packages.emplace_back(package);
-    }
+    // The package service fails where everything is installed already.
+    for (int row = 0; row < LVGetCount(kVoices); ++row)
+        if (LVGetCheck(kVoices, row) && !IsPackageInstalled(PackageAt(row)))
+            packages.emplace_back(PackageAt(row));
     return packages;
 }
 

@@ -48,6 +48,7 @@ private:
     void Look();
     void Show();
     void FillVoices();
+    const char* PackageAt(int row) const;
     std::vector<std::string> ChosenVoices() const;
     void Install(const std::vector<std::string>& packages);
 

@@ -48,6 +48,8 @@ TEST(ReadyDialog, ACheckLeavesTheUserWhereTheyAre) {
             EXPECT_EQ(focus(), dialog.GetControlByID(kAgainButton));
             EXPECT_EQ(dialog.LVGetFirstSel(kVoiceList), 2);
             EXPECT_TRUE(dialog.LVGetCheck(kVoiceList, 1));
+            // With the package that it is mute without.
+            EXPECT_NE(dialog.LVFindColumnString(kVoiceList, 2, "festvox-hi-nsk festival-hi"), -1);
         },
         [&] { PressEscape(dialog.Widget()); },
     });
