@@ -57,6 +57,8 @@ void FitToScreen(GtkWidget* window, GtkWidget* content) {
     const int width = tooWide > 0 ? inner.width - tooWide : inner.width + kScrollBar;
     const int height = tooHigh > 0 ? inner.height - tooHigh : inner.height + kScrollBar;
     gtk_widget_set_size_request(scrolled, std::max(width, 1), std::max(height, 1));
+    // The least size that was set before its content grew leaves no room for the bar.
+    gtk_widget_set_size_request(window, -1, -1);
     gtk_box_pack_start(GTK_BOX(box), scrolled, TRUE, TRUE, 0);
     gtk_box_reorder_child(GTK_BOX(box), scrolled, position);
     gtk_widget_show(gtk_bin_get_child(GTK_BIN(scrolled)));
