@@ -126,7 +126,7 @@ void LMainWindow::StorePlacement() {
 void LMainWindow::LayoutBase(int& left, int& top, int&, int& height) {
     left = 0;
     top = 0;
-    height = std::max(0, height - LStatusBar::kHeight - GetMenuBarHeight() - GetToolBarHeight());
+    height = std::max(0, height - GetStatusBarHeight() - GetMenuBarHeight() - GetToolBarHeight());
 }
 
 void LMainWindow::Layout() {

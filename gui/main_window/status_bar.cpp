@@ -1,5 +1,6 @@
 #include "gui/main_window/status_bar.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "gui/accessible.h"
@@ -29,7 +30,15 @@ GtkWidget* LStatusBar::CreateStatusBar() {
     GtkWidget* strut = gtk_vbox_new(FALSE, 0);
     gtk_widget_set_size_request(strut, 0, kHeight);
     gtk_box_pack_end(GTK_BOX(bar_), strut, FALSE, FALSE, 0);
+    gtk_widget_show_all(bar_);  // what is not shown takes no height
     return bar_;
+}
+
+int LStatusBar::GetStatusBarHeight() const {
+    GtkRequisition size{};
+    if (bar_ != nullptr)
+        gtk_widget_size_request(bar_, &size);
+    return std::max(kHeight, size.height);
 }
 
 void LStatusBar::AddToStatusBar(GtkWidget* widget) {

@@ -9,7 +9,9 @@
 
 class LStatusBar {
 public:
-    static constexpr int kHeight = 24;  // pixels
+    static constexpr int kHeight = 24;  // pixels, at least
+
+    int GetStatusBarHeight() const;  // pixels; with large letters it needs more
 
     // Replaces the text; plain, copied. Does nothing before the window exists.
     void SetStatusText(const char* text);

@@ -93,6 +93,26 @@ TEST(MainWindow, RunsInOrderAndComesBackWhereItWas) {
     EXPECT_EQ(LUserSettingGet("Settings", "Installed"), "1");
 }
 
+TEST(MainWindow, ControlsGiveTheStatusBarTheRoomThatLargeLettersNeed) {
+    GtkSettings* const settings = gtk_settings_get_default();
+    gchar* font = nullptr;
+    g_object_get(settings, "gtk-font-name", &font, nullptr);
+    g_object_set(settings, "gtk-font-name", "Sans 30", nullptr);
+    TestWindow window;
+    const UserScript user({[&] {
+        int whole = 0;
+        gtk_window_get_size(GTK_WINDOW(window.Widget()), nullptr, &whole);
+        const GtkWidget* const bar = FindChild(window.Widget(), GTK_TYPE_STATUSBAR);
+        EXPECT_GT(bar->allocation.height, LStatusBar::kHeight);
+        EXPECT_EQ(window.laidOut.second, whole - bar->allocation.height);
+        window.CmExit();
+    }});
+    window.Run("Lectora", nullptr, 0);
+    EXPECT_TRUE(user.IsDone());
+    g_object_set(settings, "gtk-font-name", font, nullptr);
+    g_free(font);
+}
+
 void Ask(GdkWindow* window, glong number) {
     gdk_property_change(window, gdk_atom_intern(kTellWhenIdle, FALSE),
                         gdk_atom_intern("CARDINAL", FALSE), 32, GDK_PROP_MODE_REPLACE,
