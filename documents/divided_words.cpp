@@ -51,22 +51,42 @@ bool GoesOnBehindHyphen(std::string_view second, bool isBehindDigit) {
     constexpr std::string_view kWords[] = {"and", "bis", "eller", "och", "oder", "og",
                                            "or",  "tai", "to",    "und", "vagy", "és"};
     const auto* const found = std::find(std::begin(kWords), std::end(kWords), second);
-    // "fact-or", "pho-to" are divided so.
-    return found != std::end(kWords) && (isBehindDigit || (second != "or" && second != "to"));
+    // "fact-or", "pho-to", "Kür-bis" are divided so.
+    const bool mayEndWord = second == "or" || second == "to" || second == "bis";
+    return found != std::end(kWords) && (isBehindDigit || !mayEndWord);
+}
+
+bool BeginsAddress(std::string_view text) {
+    return text.starts_with("http://") || text.starts_with("https://") || text.starts_with("www.");
+}
+
+// "releases/stable" or "page2.html", and no word of the sentence that goes on.
+bool IsPartOfAddress(std::string_view word) {
+    word = word.substr(0, word.find_last_not_of(".,;:!?)") + 1);
+    if (word.find_first_of("/_=&?%") != std::string_view::npos)
+        return true;
+    const bool hasDigits = std::ranges::any_of(word, [](char c) { return g_ascii_isdigit(c); });
+    const bool hasLetters = std::ranges::any_of(word, [](char c) { return g_ascii_isalpha(c); });
+    // Not "e.g.".
+    const std::size_t stop = word.rfind('.');
+    return hasLetters && (hasDigits || (stop != std::string_view::npos && stop + 2 < word.size()));
 }
 
 // An address is broken where its parts end, and gets no hyphen: "http://example.org/a-" "page/2".
 bool GoesOnAddress(std::string_view text, std::string_view line) {
     text = text.substr(text.size() - std::min(text.size(), kLongestDivided));
     const std::string_view last = text.substr(text.find_last_of(" \n(<\"") + 1);
-    if (!last.starts_with("http://") && !last.starts_with("https://") && !last.starts_with("www."))
+    if (!BeginsAddress(last))
         return false;
     const std::string_view next = line.substr(0, line.find(' '));
     // "Source:" begins a line of a listing.
-    if (next.empty() || next.ends_with(':') ||
+    if (next.empty() || next.ends_with(':') || BeginsAddress(next) ||
         (!g_ascii_isalnum(next.front()) && next.front() != '~'))
         return false;
-    constexpr std::string_view kParts = "/-_=&?%";
+    // Many an address ends so.
+    if (last.back() == '/')
+        return IsPartOfAddress(next);
+    constexpr std::string_view kParts = "-_=&?%";
     // A stop may be the sentence's.
     return kParts.find(last.back()) != std::string_view::npos ||
            (last.back() == '.' && g_ascii_islower(next.front()) &&

@@ -114,14 +114,17 @@ TEST(Pdf, DividedWordsAreWrittenAsElsewhereInTheText) {
          "a well-known example of well-known words\n"},
         {"state-of-\nthe-art the state-of-the-\nart is",
          "state-of-the-art the state-of-the-art is\n"},
-        {"at http://example.org/an-\nother/\nplace, www.example.\norg/x. See www.a.org.\nmore "
+        {"at http://example.org/an-\nother/\nplace/x, www.example.\norg/x. See www.a.org.\nmore "
          "http://b.org/\nName: c",
-         "at http://example.org/an-other/place, www.example.org/x. See www.a.org.\nmore "
+         "at http://example.org/an-other/place/x, www.example.org/x. See www.a.org.\nmore "
          "http://b.org/\nName: c\n"},
+        {"See http://b.org/\nwhich tells of http://c.org/\nhttp://d.org/\nwww.e.org/\ne.g. this",
+         "See http://b.org/\nwhich tells of http://c.org/\nhttp://d.org/\nwww.e.org/\ne.g. this\n"},
         {"Haupt-\nund Neben-\nsatz of a 16-\nbit or 8-\nto 16-\nbit thous-\nand, for a thousand",
          "Haupt-\nund Nebensatz of a 16-bit or 8-\nto 16-bit thousand, for a thousand\n"},
         {"the infor-\nmation and art-\nwork, information",
          "the information and artwork, information\n"},
+        {"ein K\u00FCr-\nbis, 5-\nbis 6-\nmal", "ein Kürbis, 5-\nbis 6-mal\n"},
         {"the ELE-\nMENT of T-\nSHIRT", "the ELEMENT of T-SHIRT\n"},
         {"use --\nall or -\nb", "use --all or -\nb\n"},
         {"from 1990-\n1995 by Jean-\nPaul", "from 1990-1995 by Jean-Paul\n"},
