@@ -97,13 +97,14 @@ private:
                 HoldsLeader(page_[i].text) && AreDigits(last))
                 numbers.push_back({page_[i].right, page_[i].top, NumberIn(last), i, nullptr});
         std::ranges::sort(numbers, {}, &NumberAtSide::right);
+        const auto [above, below] = std::ranges::minmax_element(page_, {}, &PdfLine::top);
         for (auto begin = numbers.begin(), end = begin; begin != numbers.end(); begin = end) {
             const double most = begin->right + page_[begin->at].height * kSameRow;
             end = std::find_if(begin, numbers.end(),
                                [most](const auto& number) { return number.right > most; });
             NumbersAtSide column(begin, end);
             std::ranges::sort(column, {}, &NumberAtSide::top);
-            DropOwnNumber(column);
+            DropOwnNumber(column, above->top, below->top);
             if (!AreNumbersOfPages(column))
                 continue;
             for (const NumberAtSide& number : column)
@@ -116,26 +117,39 @@ private:
         }
     }
 
-    // Neither of lines nor of steps.
+    // Neither of steps, one by one, nor of every fifth line of a poem or a play.
     static bool AreNumbersOfPages(const NumbersAtSide& column) {
-        return column.size() >= kLeastNumbersOfPages &&
-               std::ranges::is_sorted(column, {}, &NumberAtSide::value) &&
-               column.front().value + static_cast<int>(column.size()) - 1 != column.back().value;
+        if (column.size() < kLeastNumbersOfPages ||
+            !std::ranges::is_sorted(column, {}, &NumberAtSide::value))
+            return false;
+        // The first line has its number often, too: 1, 5, 10.
+        const int step = column[2].value - column[1].value;
+        bool areEven = step > 0 && (step == 1 || column[1].value % step == 0) &&
+                       (column[0].value == 1 || column[0].value == column[1].value - step);
+        for (std::size_t i = 2; areEven && i < column.size(); ++i)
+            areEven = column[i].value - column[i - 1].value == step;
+        // What is in a contents does not go on behind its page.
+        const auto goesOn = std::ranges::count_if(column, [](const NumberAtSide& number) {
+            return number.line != nullptr && !number.line->text.empty() &&
+                   std::string_view(",;.!?").find(number.line->text.back()) !=
+                       std::string_view::npos &&
+                   !HoldsLeader(number.line->text);
+        });
+        return !areEven && static_cast<std::size_t>(goesOn) * 2 < column.size();
     }
 
     // This page's, which stands apart, above or below all else.
-    void DropOwnNumber(NumbersAtSide& column) const {
-        if (column.size() < 2)
+    void DropOwnNumber(NumbersAtSide& column, double above, double below) const {
+        if (column.size() < kLeastNumbersOfPages)
             return;
         double apart = HUGE_VAL;
         for (std::size_t i = 1; i < column.size(); ++i)
             apart = std::min(apart, (column[i].top - column[i - 1].top) * kHeadApart);
-        const auto [above, below] = std::ranges::minmax(page_, {}, &PdfLine::top);
         const double slack = page_[column.front().at].height * kSameRow;
-        if (column[1].top - column[0].top > apart && column[0].top < above.top + slack)
+        if (column[1].top - column[0].top > apart && column[0].top < above + slack)
             column.erase(column.begin());
         else if (column.back().top - std::prev(column.end(), 2)->top > apart &&
-                 column.back().top > below.top - slack)
+                 column.back().top > below - slack)
             column.pop_back();
     }
 

@@ -233,6 +233,17 @@ TEST(Pdf, ContentsAreReadLineByLineWhateverColumnsTheirNumbersStandIn) {
         columns[1].push_back(WordAt(70, 100 + 12 * line, 10, "words"));
     }
     EXPECT_THAT(TextOfBlocks(columns), HasSubstr("words\nwords"));
+    // Of a poem's at the right, every fifth, and those of verses, which come unevenly.
+    for (const auto& [words, numbers] : {std::pair("went", std::array{1, 5, 10, 15, 20}),
+                                         std::pair("away,", std::array{2, 5, 9, 14, 20})}) {
+        std::vector<std::vector<std::string>> poem;
+        for (const int number : numbers) {
+            poem.push_back({WordAt(50, 100 + 12 * number, 10, words)});
+            poem.push_back(
+                {WordAt(number < 10 ? 485 : 480, 100 + 12 * number, 10, std::to_string(number))});
+        }
+        EXPECT_THAT(TextOfBlocks(poem), Not(HasSubstr(", ")));
+    }
 }
 
 TEST(Pdf, ItemsBeginLinesWithTheirMarksWhereverThesePrint) {
@@ -286,6 +297,7 @@ TEST(Pdf, HostilePagesTakeNoLongerThanTheyAreLong) {
         const int tableRow = line / 7;
         cells.push_back({WordAt(50 + line % 7 * 70, 12 * tableRow, 10, "Cell")});
         cells.push_back({WordAt(50 + line % 5 * 70, line, 10, "lone")});
+        cells.push_back({WordAt(900 + line / 2 * 9, line, 10, std::to_string(line))});
     }
     EXPECT_GT(TextOfBlocks(cells).size(), 100000U);
     EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC);
