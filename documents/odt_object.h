@@ -22,12 +22,21 @@ public:
     std::string Take();
 
 private:
+    TextFlow& Flow() { return notesOpen_ > 0 ? note_ : flow_; }
+    void EndParagraph();
+
     TextFlow flow_;
+    TextFlow note_;
+    std::string notes_;      // of the paragraph, for behind it
     std::size_t empty_ = 0;  // its size without a word of the object
     int depth_ = 0;
     int paragraphs_ = 0;
     int cells_ = 0;
+    int notesOpen_ = 0;
 };
+
+// What is no text of the document, wherever it stands in it.
+bool IsLeftOutOfOdt(std::string_view name, const MarkupAttributes& attributes);
 
 inline bool IsOdtCell(std::string_view name) {
     return name == "table-cell" || name == "covered-table-cell";

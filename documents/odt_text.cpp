@@ -30,12 +30,14 @@ bool IsRaised(const MarkupAttributes& attributes) {
 class MathListener : public MarkupListener {
 public:
     bool EvElement(std::string_view name, const MarkupAttributes&) override {
-        return formula.Begin(MathPart(name));
+        isThere = isThere || name == "math";
+        return isThere && formula.Begin(MathPart(name));
     }
     void EvElementEnd(std::string_view) override { formula.End(); }
     void EvText(std::string_view text) override { formula.AddText(text); }
 
     FormulaText formula;
+    bool isThere = false;
 };
 
 }  // namespace
@@ -44,15 +46,8 @@ OdtListener::OdtListener(TextFlow& flow, const DocumentRules& rules, ObjectConte
     : flow_(flow), rules_(rules), objects_(std::move(objects)) {}
 
 bool OdtListener::IsLeftOut(std::string_view name, const MarkupAttributes& attributes) const {
-    if (name == "annotation" || name == "tracked-changes" || name == "forms" ||
-        name == "ruby-text" || name == "binary-data" || name == "script" ||
-        name == "note-citation" || name == "notes" || name == "page-number" ||
-        name == "master-styles")
-        return true;
-    // What a condition hides at times.
-    if (name == "hidden-text" || name == "hidden-paragraph")
-        return attributes.Value("is-hidden") != "false";
-    return name == "note" && !rules_.notes;
+    return IsLeftOutOfOdt(name, attributes) || name == "script" ||
+           (name == "note" && !rules_.notes);
 }
 
 bool OdtListener::BeginFact(std::string_view name) {
@@ -239,26 +234,25 @@ void OdtListener::EndSide() {
         behind_.push_back((side.isNote ? "Note: " : "") + text);
 }
 
+// A small file may name one large object many times.
 void OdtListener::AddObject(std::string_view address) {
-    const std::string_view content = objects_ ? objects_(address) : std::string_view();
-    MathListener listener;
-    if (content.find("math") != std::string_view::npos)
-        ParseXml(content, listener);
-    const std::string formula = listener.formula.Take();
-    if (formula.empty())
-        return AddWordsOfObject(WordsOf(content));
+    std::string_view content;
+    if (objects_ && objectBytes_ <= kLargestObjects)
+        content = objects_(address);
+    objectBytes_ += content.size();
+    if (objectBytes_ > kLargestObjects)
+        return AddWordsOfObject("");
+    MathListener math;
+    ParseXml(content, math);
+    if (!math.isThere) {
+        OdtObjectListener words;
+        ParseXml(content, words);
+        return AddWordsOfObject(words.Take());
+    }
     if (paragraphs_ == 0)
         Flow().EndParagraph();
     Flow().AddBlank();
-    Flow().Add(formula);
-}
-
-std::string OdtListener::WordsOf(std::string_view object) {
-    objectBytes_ += object.size();
-    OdtObjectListener listener;
-    if (objectBytes_ <= kLargestObjects)
-        ParseXml(object, listener);
-    return listener.Take();
+    Flow().Add(math.formula.Take());
 }
 
 // Behind its paragraph.

@@ -68,7 +68,6 @@ private:
     void EndParagraph();
     void EndSide();
     void AddObject(std::string_view address);
-    std::string WordsOf(std::string_view object);
     void AddWordsOfObject(std::string words);
     bool BeginInObject(std::string_view name, const MarkupAttributes& attributes);
     void EndInObject(std::string_view name);

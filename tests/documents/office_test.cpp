@@ -208,6 +208,12 @@ TEST(Office, NoWordOfAnOdtIsLost) {
          "</table:table-row></chart:chart></office:chart></office:body></office:document>"
          "</draw:object> it is.</text:p><text:p>Next</text:p>",
          "So it is.\n\nChart: Ferries\n\nMay, 3\n\nNext"},
+        {"text in a flat document",
+         "<text:p>So<draw:object><office:document><office:text><text:tracked-changes><text:p>no"
+         "</text:p></text:tracked-changes><text:p>one<text:s/>two<text:line-break/>three<text:note>"
+         "<text:note-citation>1</text:note-citation><text:p>why</text:p></text:note> four</text:p>"
+         "</office:text></office:document></draw:object> it is.</text:p>",
+         "So it is.\n\none two\nthree four\n\nNote: why"},
         {"formula", "<text:p>So <math><msup><mi>c</mi><mn>2</mn></msup></math></text:p>", "So c²"},
     };
     for (const auto& item : cases)
@@ -243,6 +249,17 @@ TEST(Office, NoWordOfAnOdtIsLost) {
     EXPECT_EQ(odt.title, "T");
     EXPECT_EQ(odt.headings.at(0).level, 3);
     EXPECT_EQ(odt.languages.at(0).tag, "cs-CZ");
+
+    // What a small file names so often is read up to a bound.
+    std::string named = head + "<text:p>So";
+    for (int i = 0; i < 20; ++i)
+        named += "<draw:object xlink:href='./Object 1'/>";
+    const std::string large = "<math a='" + std::string(2 << 20, 'a') + "'/>";
+    EXPECT_EQ(
+        ReadDocument(ZipOf({{"content.xml", named + "</text:p></office:body></office:document>"},
+                            {"Object 1/content.xml", large}}))
+            .remark,
+        "Other objects that were put into the document are left out: 5.");
 }
 
 TEST(Office, DiagramsAndChartsAreReadWhereTheyStand) {
