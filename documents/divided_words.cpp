@@ -63,7 +63,7 @@ bool BeginsAddress(std::string_view text) {
 // "releases/stable" or "page2.html", and no word of the sentence that goes on.
 bool IsPartOfAddress(std::string_view word) {
     word = word.substr(0, word.find_last_not_of(".,;:!?)") + 1);
-    if (word.find_first_of("/_=&?%") != std::string_view::npos)
+    if (word.find_first_of("/_=&?%#") != std::string_view::npos)
         return true;
     const bool hasDigits = std::ranges::any_of(word, [](char c) { return g_ascii_isdigit(c); });
     const bool hasLetters = std::ranges::any_of(word, [](char c) { return g_ascii_isalpha(c); });
@@ -75,17 +75,25 @@ bool IsPartOfAddress(std::string_view word) {
 // An address is broken where its parts end, and gets no hyphen: "http://example.org/a-" "page/2".
 bool GoesOnAddress(std::string_view text, std::string_view line) {
     text = text.substr(text.size() - std::min(text.size(), kLongestDivided));
-    const std::string_view last = text.substr(text.find_last_of(" \n(<\"") + 1);
+    const std::size_t begin = text.find_last_of(" \n(<\"") + 1;
+    const std::string_view last = text.substr(begin);
     if (!BeginsAddress(last))
         return false;
     const std::string_view next = line.substr(0, line.find(' '));
     // "Source:" begins a line of a listing.
+    if (last.ends_with("://"))
+        return next.starts_with("www.");
     if (next.empty() || next.ends_with(':') || BeginsAddress(next) ||
         (!g_ascii_isalnum(next.front()) && next.front() != '~'))
         return false;
-    // Many an address ends so.
-    if (last.back() == '/')
-        return IsPartOfAddress(next);
+    // Many an address ends so. One in brackets goes on until they close.
+    if (last.back() == '/') {
+        const char opener = begin > 0 ? text[begin - 1] : ' ';
+        const char closer = opener == '(' ? ')' : '>';
+        const bool isBracketed = opener == '(' || opener == '<';
+        return IsPartOfAddress(next) ||
+               (isBracketed && next.find(closer) != std::string_view::npos);
+    }
     constexpr std::string_view kParts = "-_=&?%";
     // A stop may be the sentence's.
     return kParts.find(last.back()) != std::string_view::npos ||

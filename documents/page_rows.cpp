@@ -32,6 +32,13 @@ std::string_view LastWordOf(std::string_view text) {
     return text.substr(text.find_last_of(' ') + 1);
 }
 
+// No title ends in a comma or a stop, but for the dots before its page.
+bool IsOfSentence(std::string_view line) {
+    constexpr std::string_view kMarks = ",;.!?";
+    return line.size() > 1 && kMarks.find(line.back()) != std::string_view::npos &&
+           line[line.size() - 2] != ' ' && !HoldsLeader(line);
+}
+
 class PageRows {
 public:
     explicit PageRows(PdfPage& page) : page_(page), isTaken_(page.size()) {}
@@ -123,19 +130,16 @@ private:
             !std::ranges::is_sorted(column, {}, &NumberAtSide::value))
             return false;
         // The first line has its number often, too: 1, 5, 10.
-        const int step = column[2].value - column[1].value;
-        bool areEven = step > 0 && (step == 1 || column[1].value % step == 0) &&
-                       (column[0].value == 1 || column[0].value == column[1].value - step);
+        const int first = column[1].value;
+        const int step = column[2].value - first;
+        bool areEven = step > 0 && (step == 1 || first % step == 0) &&
+                       (column[0].value == first - step || (step > 1 && column[0].value == 1));
         for (std::size_t i = 2; areEven && i < column.size(); ++i)
             areEven = column[i].value - column[i - 1].value == step;
-        // What is in a contents does not go on behind its page.
-        const auto goesOn = std::ranges::count_if(column, [](const NumberAtSide& number) {
-            return number.line != nullptr && !number.line->text.empty() &&
-                   std::string_view(",;.!?").find(number.line->text.back()) !=
-                       std::string_view::npos &&
-                   !HoldsLeader(number.line->text);
+        const auto goOn = std::ranges::count_if(column, [](const NumberAtSide& number) {
+            return number.line != nullptr && IsOfSentence(number.line->text);
         });
-        return !areEven && static_cast<std::size_t>(goesOn) * 2 < column.size();
+        return !areEven && static_cast<std::size_t>(goOn) * 2 < column.size();
     }
 
     // This page's, which stands apart, above or below all else.
