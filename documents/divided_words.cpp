@@ -82,7 +82,7 @@ bool GoesOnAddress(std::string_view text, std::string_view line) {
     const std::string_view next = line.substr(0, line.find(' '));
     // "Source:" begins a line of a listing.
     if (last.ends_with("://"))
-        return next.starts_with("www.");
+        return !next.starts_with("http");
     if (next.empty() || next.ends_with(':') || BeginsAddress(next) ||
         (!g_ascii_isalnum(next.front()) && next.front() != '~'))
         return false;

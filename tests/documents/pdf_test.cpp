@@ -118,8 +118,10 @@ TEST(Pdf, DividedWordsAreWrittenAsElsewhereInTheText) {
          "http://b.org/\nName: c",
          "at http://example.org/an-other/place/x, www.example.org/x. See www.a.org.\nmore "
          "http://b.org/\nName: c\n"},
-        {"See http://b.org/\nwhich tells of http://c.org/\nhttp://d.org/\nwww.e.org/\ne.g. this",
-         "See http://b.org/\nwhich tells of http://c.org/\nhttp://d.org/\nwww.e.org/\ne.g. this\n"},
+        {"See http://b.org/\nwhich tells of http://c.org/\nhttp://d.org/\nwww.e.org/\ne.g. "
+         "http://\nf.org",
+         "See http://b.org/\nwhich tells of http://c.org/\nhttp://d.org/\nwww.e.org/\ne.g. "
+         "http://f.org\n"},
         {"Haupt-\nund Neben-\nsatz of a 16-\nbit or 8-\nto 16-\nbit thous-\nand, for a thousand",
          "Haupt-\nund Nebensatz of a 16-bit or 8-\nto 16-bit thousand, for a thousand\n"},
         {"the infor-\nmation and art-\nwork, information",
