@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "foundation/white_space.h"
+#include "speech/language_forms.h"
 #include "speech/sentence_characters.h"
 
 namespace {
@@ -48,13 +49,33 @@ bool BeginsCapital(std::string_view line) {
     return g_unichar_isupper(first) != 0 || g_unichar_isdigit(first) != 0;
 }
 
+bool BeginsSmall(std::string_view line) {
+    return g_unichar_islower(CharacterAt(line, 0)) != 0;
+}
+
+// "12", "xviii", "A-12"; not the "I" of somebody who hesitates.
+bool IsPage(std::string_view word) {
+    constexpr std::string_view kDigits = "0123456789";
+    const bool isOfAppendix = word.size() > 2 && g_ascii_isupper(word[0]) && word[1] == '-';
+    const std::string_view number = word.substr(isOfAppendix ? 2 : 0);
+    if (number.find_first_not_of(kDigits) == std::string_view::npos)
+        return true;
+    std::string capitals(word);
+    std::ranges::transform(capitals, capitals.begin(), g_ascii_toupper);
+    const bool isOneCase =
+        capitals == word
+            ? word.size() > 1
+            : std::ranges::all_of(word, [](char letter) { return g_ascii_islower(letter) != 0; });
+    return isOneCase && RomanValue(capitals) > 0;
+}
+
 // Of an entry in a table of contents the row of dots that leads to its page, with the stop before
 // it; empty: there is none.
 std::string_view LeaderOf(std::string_view line) {
     constexpr int kLeastDots = 4;
-    constexpr std::size_t kLongestPage = 8;  // "xviii", "A-12"
-    const std::size_t end = line.find_last_not_of("0123456789-ivxlcdmABCDEFGHIVXLM") + 1;
-    if (end == line.size() || line.size() - end > kLongestPage)
+    constexpr std::size_t kLongestPage = 8;
+    const std::size_t end = line.find_last_of(" .\xb7\xa6\xa0") + 1;  // the dots' last bytes
+    if (end == line.size() || line.size() - end > kLongestPage || !IsPage(line.substr(end)))
         return {};
     int dots = 0;
     std::size_t begin = end;
@@ -104,14 +125,20 @@ ParagraphLines::ParagraphLines(std::string_view paragraph) : joined_(paragraph) 
     // Of which most end in a number: of contents or of a table.
     const auto numbers =
         std::ranges::count_if(lines, [](const auto& line) { return EndsInFigure(line.second); });
-    const bool areRows = numbers > 2 && numbers * 3 > std::ssize(lines) * 2;
+    // In prose a line ends in a year at times, and the next one goes on.
+    const auto goesOn = std::ranges::adjacent_find(lines, [](const auto& line, const auto& next) {
+        return EndsInFigure(line.second) && BeginsSmall(next.second);
+    });
+    const bool areRows =
+        numbers > 2 && (numbers == std::ssize(lines) ||
+                        (numbers * 3 > std::ssize(lines) * 2 && goesOn == lines.end()));
     for (std::size_t i = 1; i < lines.size(); ++i) {
         const std::string_view before = lines[i - 1].second;
         const std::string_view line = lines[i].second;
         const bool followsHeading = before.size() < kShortLine && !EndsInStop(before) &&
                                     !EndsOpen(before) && BeginsCapital(line) &&
                                     (i == 1 || EndsInStop(lines[i - 2].second));
-        const bool isEntry = !leaders[i - 1].empty() ||
+        const bool isEntry = (!leaders[i - 1].empty() && !BeginsSmall(line)) ||
                              (!leaders[i].empty() && BeginsCapital(line)) ||
                              (areRows && EndsInFigure(before) && !EndsOpen(before));
         if (BeginsItem(line) || isList || followsHeading || isEntry)
