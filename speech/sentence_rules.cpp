@@ -263,6 +263,8 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
         return true;
     if (IsStreet(around))
         return g_unichar_isupper(around.nextCharacter) != 0;
+    if (IsMonthBehindDay(around))
+        return !isBeforeNumber && !isBeforeSmall && BeginsSentences(around.next);
     if (const auto ends = EndsBehind(word, around.previous); ends)
         return *ends && !isBeforeSmall && !isBeforeNumber && !IsDateAhead(around);
     if (UsuallyEndsSentence(word))
@@ -286,6 +288,12 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
         language_ != "pl")
         return BeginsSentences(around.next);
     return !isBeforeSmall && (!isAbbreviation || BeginsSentences(around.next));
+}
+
+// "le 14 juil. 2020", "am 5. Jan. in Hamburg"
+bool SentenceRules::IsMonthBehindDay(const Around& around) {
+    const std::string_view day = around.previous;
+    return EndsInNumber(day.substr(0, day.find_last_not_of('.') + 1)) && IsShortMonth(around.word);
 }
 
 // "W 1918 r. Polska odzyskała niepodległość."

@@ -31,6 +31,7 @@ private:
     bool IsDotOfAbbreviation(const Around& around) const;
     bool WordEnds(const Around& around, bool isAbbreviation) const;
     bool IsDateAhead(const Around& around) const;
+    static bool IsMonthBehindDay(const Around& around);
     bool IsStreet(const Around& around) const;
     bool IsHouseNumber(const Around& around) const;
     bool LetterEnds(const Around& around) const;

@@ -180,7 +180,7 @@ bool SentenceRules::IsUnseenStop(std::size_t blank) const {
                !IsItemMark(blank);
     return around.stops == 1 && letters > 3 && g_unichar_isalpha(CharacterAt(word, 0)) != 0 &&
            !enclosures_.Hold(blank) && !NeedsNumber(word) && !NeedsWhatFollows(word, language_) &&
-           !MayEndSentence(word);
+           !MayEndSentence(word) && !IsMonthBehindDay(around);
 }
 
 // "world.Today is", but neither "www.Example.com" nor "3.5".

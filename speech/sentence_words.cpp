@@ -108,6 +108,14 @@ constexpr std::string_view kNeedsNumber =
     "§ kl godz hod ob вж фиг табл ап бл чл кв д рис гл стр номер бр kap rys tab zob obr č Č abb "
     "Abb "
     "afb εικ αρ κεφ μέρος पृ ";
+// Of any language: what day and year stand around in one is nothing else in another.
+constexpr std::string_view kMonths =
+    " jan janv feb febr févr fev mar mär avr abr apr mai mag may maj giu jun juin jul juil juill "
+    "lug "
+    "aug ago août sep sept set sett oct okt ott out nov dec dez dic déc des ene gen led úno bře "
+    "dub "
+    "kvě čvn čvc srp zář říj lis pro sty lut kwi cze lip sie wrz paź gru янв фев февр мар апр июн "
+    "июл авг сен сент окт ноя нояб дек ";
 constexpr std::string_view kMayEnd =
     " Calif Conn Tenn Ariz Ill Wis Minn Okla Wash Fla App Co co Inc Ltd Corp Jr Sr Bros "
     "Esq etc Etc a.m p.m A.M P.M U.S U.K E.U enz osv o.s.v "
@@ -266,6 +274,13 @@ bool UsuallyEndsSentence(std::string_view word) {
 
 bool NeedsNumber(std::string_view word) {
     return Holds(kNeedsNumber, word) || word.ends_with("str");  // "Bahnhofstr. 5"
+}
+
+bool IsShortMonth(std::string_view word) {
+    gchar* const small = g_utf8_strdown(word.data(), static_cast<gssize>(word.size()));
+    const bool isMonth = Holds(kMonths, small);
+    g_free(small);
+    return isMonth;
 }
 
 bool MayEndSentence(std::string_view word) {

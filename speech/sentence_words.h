@@ -16,6 +16,7 @@ std::string_view GuessLanguage(std::string_view text, std::string_view otherwise
 bool NeedsWhatFollows(std::string_view word, std::string_view language);
 // The same before a number alone: "p" of "p. 55".
 bool NeedsNumber(std::string_view word);
+bool IsShortMonth(std::string_view word);  // "Jan", "juil"
 // Stands behind something and may end a sentence: "Co", "Jr", "p.m".
 bool MayEndSentence(std::string_view word);
 // "etc", "usw": mostly does, before a capital letter.
