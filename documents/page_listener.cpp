@@ -16,11 +16,10 @@ constexpr std::size_t kLongestRaised = 200;  // bytes of what may be a mark
 
 // What a page holds but does not show, or not as text.
 constexpr SortedNames<6> kCode = {"code", "kbd", "pre", "samp", "tt", "var"};
-constexpr SortedNames<22> kUnread = {
+constexpr SortedNames<21> kUnread = {
     "annotation", "annotation-xml", "applet",   "audio",    "canvas",   "datalist", "iframe",
     "map",        "noembed",        "noframes", "noscript", "object",   "rp",       "rt",
-    "script",     "select",         "style",    "svg",      "template", "textarea", "video",
-    "xmp"};
+    "script",     "select",         "svg",      "template", "textarea", "video",    "xmp"};
 constexpr SortedNames<42> kParagraphs = {
     "address",   "article",    "aside",   "blockquote", "body",   "caption", "center",
     "dd",        "details",    "dialog",  "dir",        "div",    "dl",      "dt",
@@ -97,6 +96,11 @@ bool PageListener::EvHeadElement(std::string_view name, const MarkupAttributes& 
 bool PageListener::EvElement(std::string_view name, const MarkupAttributes& attributes) {
     if (name == "head" || name == "title" || name == "meta" || name == "link" || name == "base")
         return EvHeadElement(name, attributes);
+    if (name == "style") {
+        isInStyle_ = true;
+        open_.push_back({.isStyle = true});
+        return true;
+    }
     if (IsLeftOut(name, attributes)) {
         if (IsOneOf(name, kParagraphs))
             flow_.EndParagraph();
@@ -154,6 +158,8 @@ void PageListener::BeginBlock(std::string_view name, const MarkupAttributes& att
             DropRaising();
         flow_.EndParagraph();
     }
+    if (raisedDepth_ == 0)
+        BeginLayout(name, attributes, element);
     element.isCode = IsOneOf(name, kCode);
     if (element.isCode && code_++ == 0)
         flow_.SetCode(true);
@@ -180,6 +186,19 @@ void PageListener::BeginBlock(std::string_view name, const MarkupAttributes& att
         flow_.BeginHeading(IsHeadingName(name) ? name[1] - '0'
                                                : NumberIn(attributes.Value("aria-level"), 2));
     }
+}
+
+// Styles make lines of what is written without a blank between.
+void PageListener::BeginLayout(std::string_view name, const MarkupAttributes& attributes,
+                               Element& element) {
+    element.layout = styles_.LayoutOf(name, attributes);
+    if (element.isParagraph || name == "td" || name == "th")
+        element.layout.isLines = false;
+    element.standsApart = !open_.empty() && open_.back().layout.partsChildren;
+    if (element.layout.isLines)
+        flow_.EndOpenLine();
+    else if (element.standsApart)
+        flow_.AddBlank();
 }
 
 void PageListener::BeginListItem(const MarkupAttributes& attributes) {
@@ -228,6 +247,10 @@ void PageListener::EvElementEnd(std::string_view) {
     const Element element = open_.back();
     open_.pop_back();
     isInTitle_ = false;
+    if (element.isStyle) {
+        styles_.Learn(std::exchange(style_, {}));
+        isInStyle_ = false;
+    }
     if (element.isFormulaPart) {
         formula_.End();
         if (!formula_.IsOpen())
@@ -256,10 +279,17 @@ void PageListener::EvElementEnd(std::string_view) {
         flow_.EndHeading();
     if (element.isParagraph)
         flow_.EndParagraph();
+    if (element.layout.isLines)
+        flow_.EndOpenLine();
+    else if (element.standsApart)
+        flow_.AddBlank();
 }
 
 void PageListener::EvText(std::string_view text) {
-    if (isInTitle_)
+    if (isInStyle_)
+        style_ += text.substr(
+            0, PageStyles::kMostBytes - std::min(style_.size(), PageStyles::kMostBytes));
+    else if (isInTitle_)
         title_ += text;
     else if (formula_.IsOpen())
         formula_.AddText(text);

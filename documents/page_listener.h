@@ -8,6 +8,7 @@
 #include "documents/document.h"
 #include "documents/formula_text.h"
 #include "documents/markup_listener.h"
+#include "documents/page_styles.h"
 #include "documents/text_flow.h"
 
 class PageListener : public MarkupListener {
@@ -27,6 +28,9 @@ public:
 private:
     struct Element {
         bool isParagraph = false;
+        PageLayout layout;         // by its styles
+        bool standsApart = false;  // from what is beside it
+        bool isStyle = false;
         bool isPreformatted = false;
         bool isCode = false;
         bool isRaised = false;
@@ -49,6 +53,7 @@ private:
     bool IsLeftOut(std::string_view name, const MarkupAttributes& attributes) const;
     void BeginWords(std::string_view name, const MarkupAttributes& attributes, Element& element);
     void BeginBlock(std::string_view name, const MarkupAttributes& attributes, Element& element);
+    void BeginLayout(std::string_view name, const MarkupAttributes& attributes, Element& element);
     void BeginListItem(const MarkupAttributes& attributes);
     void BeginLanguage(std::string_view tag, Element& element);
     void AddRaised(std::string_view text);
@@ -69,6 +74,9 @@ private:
     std::string raised_;  // the text above the line
     bool raisedHasReference_ = false;
     bool isInTitle_ = false;
+    PageStyles styles_;
+    std::string style_;  // of the element that is open
+    bool isInStyle_ = false;
     std::string title_;
     std::string author_;
 };

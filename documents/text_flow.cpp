@@ -143,6 +143,10 @@ void TextFlow::EndLine() {
     lineEnds_ = std::min(lineEnds_ + 1, 2);
 }
 
+void TextFlow::EndOpenLine() {
+    lineEnds_ = std::max(lineEnds_, 1);
+}
+
 void TextFlow::EndParagraph() {
     lineEnds_ = 2;
 }

@@ -26,6 +26,7 @@ public:
     // A list's number, which stands before the next word in a new paragraph.
     void AddListMark(std::string_view mark);
     void EndLine();
+    void EndOpenLine();  // nothing where a line has ended
     void EndParagraph();
     // In a row of a table: a comma parts it from the next one.
     void EndCell() { cellEnded_ = true; }

@@ -142,6 +142,28 @@ TEST(Html, HeadingsLanguagesAndTitleAreKept) {
     EXPECT_EQ(languages, "enin;deja;enb\n;");
 }
 
+TEST(Html, WhatStylesPutIntoLinesIsNotGluedTogether) {
+    const std::string head =
+        "<style>/* em{display:block} */ @import 'a'; @media print{b{display:block}} .v, span.w "
+        "{color:red; display : block !important} i.n{display:inline-flex} .v .u{display:block}"
+        "</style>";
+    const struct {
+        const char* page;
+        const char* text;
+    } cases[] = {
+        {"<p>a<span class='x v'>b</span><span class=w>c</span><a class=w>d</a>e", "a\nb\nc\nde"},
+        {"<p>a<em>b</em><b>c</b><u class=u>d</u>", "abcd"},
+        {"<h1><span class=d-block>One</span><span style='Top:1;display:block'>Two</span></h1>a",
+         "One\nTwo\n\na"},
+        {"<div class='flex m-2'><a>b</a><a>c</a></div><i class=n>d<b>e</b><b>f</b></i>g",
+         "b c\n\nd e f g"},
+        {"<table><tr><td class=flex>a<td class=flex>b</table>", "a, b"},
+        {"<p>a<span class=v style='display:inline'>b</span>c", "abc"},
+    };
+    for (const auto& item : cases)
+        EXPECT_EQ(ReadDocument(head + item.page).text, item.text) << item.page;
+}
+
 TEST(Html, WhatAPageSaysOfItsCharsetCountsLessThanWhatItHolds) {
     const std::string latin2 = "Dvo\xf8\xe1k";
     const struct {
