@@ -74,6 +74,8 @@ void PlainWords::Read() {
 void PlainWords::AddCharacter(char32_t character) {
     if (character == 0)
         return;
+    if (areDigitsSilent_ && character >= '0' && character <= '9')
+        unsayable_.Add(character, characterBegin_, reader_.At());
     if (character < 0x80)
         AddAscii(static_cast<char>(character));
     else

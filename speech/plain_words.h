@@ -35,7 +35,8 @@ public:
           charset_(charset),
           language_(language.substr(0, 2)),
           said_(std::move(said)),
-          forms_(std::move(forms)) {}
+          forms_(std::move(forms)),
+          areDigitsSilent_(forms_.AreDigitsSilent()) {}
 
     // False at the end.
     bool Next(PlainWord& word);
@@ -89,6 +90,7 @@ private:
     std::string language_;
     SaidDifferently said_;
     SpokenForms forms_;
+    bool areDigitsSilent_;
     UnsayableText unsayable_;
     std::string out_;              // what was read ahead, and a little of what was taken
     std::vector<Source> sources_;  // for each byte of out_

@@ -61,6 +61,10 @@ std::optional<SaidDifferently::Stretch> SpokenForms::At(std::size_t at) {
     return std::nullopt;
 }
 
+bool SpokenForms::AreDigitsSilent() const {
+    return (byEngine_ & kOmitsNumbers) != 0 && CountWords(language_, "1").empty();
+}
+
 std::optional<std::size_t> SpokenForms::FormAt(std::size_t at) {
     const char byte = text_[at];
     if (byte == ' ' || byte == '\n')

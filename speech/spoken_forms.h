@@ -39,6 +39,8 @@ public:
                 SpeakingChoices choices);
 
     bool IsEmojiLeftToEngine() const { return isOn_ && (byEngine_ & kSaysEmoji) != 0; }
+    // The engine says no digits in this language, and nobody here knows their words.
+    bool AreDigitsSilent() const;
     // Of a form that begins here.
     std::optional<SaidDifferently::Stretch> At(std::size_t at);
 

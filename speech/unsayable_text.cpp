@@ -22,8 +22,12 @@ constexpr ScriptName kScripts[] = {
     {G_UNICODE_SCRIPT_BENGALI, "Bengali"},
 };
 
+constexpr const char* kNumbers = "numbers";
+
 // Empty for a sign.
 std::string ScriptOf(char32_t character) {
+    if (g_ascii_isdigit(static_cast<gchar>(character)) && character < 0x80)
+        return kNumbers;
     if (g_unichar_isalpha(character) == 0)
         return {};
     const auto* const known =
@@ -32,9 +36,11 @@ std::string ScriptOf(char32_t character) {
 }
 
 std::string Counted(std::size_t amount, const std::string& script) {
-    std::string text = std::to_string(amount) + (script.empty() ? " sign" : " word");
+    const bool isNumber = script == kNumbers;
+    std::string text = std::to_string(amount);
+    text += isNumber ? " number" : script.empty() ? " sign" : " word";
     text += amount == 1 ? "" : "s";
-    return script.empty() ? text : text + " in " + script;
+    return script.empty() || isNumber ? text : text + " in " + script;
 }
 
 }  // namespace

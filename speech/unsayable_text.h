@@ -20,7 +20,7 @@ public:
 
 private:
     struct Kind {
-        std::string name;  // "in Cyrillic"; empty: signs
+        std::string name;  // "Cyrillic", "numbers"; empty: signs
         std::size_t amount;
     };
 

@@ -142,6 +142,17 @@ TEST(TextPreparation, WhatTheVoiceCannotSayIsToldByKindAndAmount) {
         }
         EXPECT_EQ(units.Unsayable().Message(), told);
     }
+    // Of an engine that says no digits: in a language whose numbers have words here, and in none.
+    for (const auto& [language, told] :
+         {std::pair("he", ""), std::pair("tk",
+                                         "2 numbers were left out, because the chosen voice "
+                                         "cannot say them.")}) {
+        const std::string text = "Bu 25 we 7.";
+        TextUnits units(text, kUtf8, language, {}, SpokenForms(text, language, kOmitsNumbers, {}));
+        for (TextUnit unit; units.Next(unit);) {
+        }
+        EXPECT_EQ(units.Unsayable().Message(), told);
+    }
 }
 
 // Each unit with the stretch of the user's text that it stands for.
