@@ -3,7 +3,12 @@
 
 namespace {
 
-constexpr WrittenForm kFrenchShort[] = {{"p. ex.", "par exemple"},
+constexpr WrittenForm kFrenchShort[] = {{"2nde", "seconde"},
+                                        {"2nd", "second"},
+                                        {"1ers", "premiers"},
+                                        {"1res", "premières"},
+                                        {"1ères", "premières"},
+                                        {"p. ex.", "par exemple"},
                                         {"p.ex.", "par exemple"},
                                         {"c.-à-d.", "c'est-à-dire"},
                                         {"etc.", "et cetera"},
@@ -66,7 +71,8 @@ constexpr WrittenForm kFrenchMarks[] = {{".", "point"},
                                         {"…", "points de suspension"},
                                         {"/", "barre oblique"}};
 
-constexpr WrittenForm kSpanishShort[] = {{"p. ej.", "por ejemplo"},
+constexpr WrittenForm kSpanishShort[] = {{"s. I", "siglo"},
+                                         {"p. ej.", "por ejemplo"},
                                          {"p.ej.", "por ejemplo"},
                                          {"etc.", "etcétera"},
                                          {"Sr.", "señor"},
@@ -240,7 +246,7 @@ const LanguageForms kSpanishForms = {
         " Felipe Carlos Fernando Alfonso Juan Pablo Pío Benedicto Gregorio León Enrique Luis "
         "Jaime Pedro Sancho Ramiro Alejandro Nicolás Guillermo Eduardo Jorge Napoleón Federico ",
     .women = " Isabel Catalina María Juana ",
-    .counted = " capítulo siglo tomo parte volumen acto libro artículo ",
+    .counted = " capítulo siglo s tomo parte volumen acto libro artículo ",
     .abbreviations = kSpanishShort,
     .fractions = kSpanishFractions,
     .punctuation = kSpanishMarks,

@@ -58,6 +58,8 @@ private:
     std::optional<std::size_t> Date(std::size_t at);
     std::optional<std::size_t> DottedDay(std::size_t at);
     std::optional<std::size_t> Year(std::size_t at);
+    std::optional<std::size_t> YearSpan(std::size_t at, int year, std::size_t end);
+    std::optional<std::size_t> RussianPlace(int number, std::size_t end);
     std::optional<std::size_t> Fraction(std::size_t at);
     std::optional<std::size_t> MixedNumber(std::size_t at);
     std::optional<std::size_t> Score(std::size_t at);
@@ -81,6 +83,7 @@ private:
 
     const WrittenForm* UnitAt(std::size_t at, std::size_t& end) const;
     bool IsMonth(const std::string& word) const;
+    int MonthAt(std::size_t at, std::size_t& end) const;
     bool ReadAmount(std::size_t at, Amount& amount) const;
     int ReadDigits(std::size_t& at, std::size_t most) const;  // -1: none, or more of them
     std::size_t BehindBlank(std::size_t at) const;            // at itself where none stands

@@ -20,6 +20,7 @@ constexpr WrittenForm kVulgarFractions[] = {{"½", "1/2"}, {"¼", "1/4"}, {"¾",
 // "1/5" may as well be the first of five: what is less than a quarter's part asks for a unit.
 constexpr char kMostSureParts = '4';
 constexpr std::size_t kMostPlaceDigits = 2;
+constexpr std::size_t kMostYearDigits = 4;
 constexpr std::size_t kMostRomanLetters = 7;
 
 struct PlaceEnding {
@@ -154,10 +155,11 @@ std::optional<std::size_t> SpokenForms::MixedNumber(std::size_t at) {
                          : std::string(text_.substr(at, amount.end - at));
     std::size_t behind = 0;
     const WrittenForm* const unit = UnitAt(BehindBlank(end), behind);
-    const std::string noun =
-        unit == nullptr ? "" : WithoutNumber(UnitWords(language_, unit->said, amount.plain + ".5"));
-    // "2 kilogrammes et demi"
+    // "1 chilogrammo e mezzo", "2 kilogrammes et demi"
     const bool isNounFirst = forms_->ofFraction != " ";
+    const std::string counted = amount.plain + (isNounFirst ? "" : ".5");
+    const std::string noun =
+        unit == nullptr ? "" : WithoutNumber(UnitWords(language_, unit->said, counted));
     if (!noun.empty() && isNounFirst)
         said_ += " " + noun;
     said_ += part;
@@ -220,7 +222,12 @@ std::optional<std::size_t> SpokenForms::Range(std::size_t at) {
 // "1er", "XXe", "3.ª", "2-я", "XX secolo".
 std::optional<std::size_t> SpokenForms::Place(std::size_t at) {
     std::size_t end = at;
-    int number = ReadDigits(end, kMostPlaceDigits);
+    int number = language_ == "ru" ? ReadDigits(end, kMostYearDigits) : -1;
+    if (number > 0)
+        if (const auto last = RussianPlace(number, end))
+            return last;
+    end = at;
+    number = ReadDigits(end, kMostPlaceDigits);
     const bool isRoman = end == at;
     if (isRoman) {
         while (end < text_.size() && end - at < kMostRomanLetters &&
@@ -240,6 +247,13 @@ std::optional<std::size_t> SpokenForms::Place(std::size_t at) {
             said_ = PlaceWords(language_, century.of, number);
             return said_.empty() ? std::nullopt : std::optional(end);
         }
+    // "Im XX. Jahrhundert"
+    if (const std::size_t noun = BehindBlank(end + 1); isRoman && language_ == "de" &&
+                                                       CharacterAt(end) == '.' && noun > end + 1 &&
+                                                       IsOrdered(at, WordBehind(noun))) {
+        said_ = DayWords(number, at);
+        return end + 1;
+    }
     for (const PlaceEnding& ending : kPlaceEndings) {
         const std::size_t last = end + ending.written.size();
         if (ending.language != language_ || (isRoman && language_ != "fr") ||
@@ -253,6 +267,30 @@ std::optional<std::size_t> SpokenForms::Place(std::size_t at) {
         return said_.empty() ? std::nullopt : std::optional(last);
     }
     return std::nullopt;
+}
+
+// "90-е годы", "в 1990-х", "5-е место".
+std::optional<std::size_t> SpokenForms::RussianPlace(int number, std::size_t end) {
+    constexpr std::string_view kMany = "-е";
+    constexpr std::string_view kOfMany = "-х";
+    const std::string_view rest = text_.substr(end);
+    const std::size_t last = end + kMany.size();
+    const bool isOfMany = rest.starts_with(kOfMany);
+    if ((!isOfMany && !rest.starts_with(kMany)) || !EndsToken(last))
+        return std::nullopt;
+    const std::string noun = WordBehind(BehindBlank(last));
+    if (!isOfMany && (noun.ends_with("о") || noun.ends_with("е"))) {
+        said_ = OrdinalWords(language_, OrdinalOf::kThatDay, number);
+        return said_.empty() ? std::nullopt : std::optional(last);
+    }
+    // "3-х" is no ordinal.
+    const std::string one = RussianPlaceWords(RussianCase::kNominative, number);
+    constexpr std::string_view kEnding = "ый";
+    const bool isThird = one.ends_with("ий");
+    if (number < 5 || isThird || one.size() <= kEnding.size())
+        return std::nullopt;
+    said_ = one.substr(0, one.size() - kEnding.size()) + (isOfMany ? "ых" : "ые");
+    return last;
 }
 
 // "1,2 Mio. €", "10 k€", "5 Mrd. Menschen".

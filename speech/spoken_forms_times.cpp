@@ -6,6 +6,7 @@
 
 #include "foundation/owned_text.h"
 #include "speech/number_words.h"
+#include "speech/sentence_words.h"
 #include "speech/spoken_forms.h"
 
 namespace {
@@ -23,6 +24,29 @@ constexpr std::string_view kBeforeDative = " к ко ";
 
 bool SpokenForms::IsMonth(const std::string& word) const {
     return std::ranges::find(forms_->months, word) != forms_->months.end();
+}
+
+// 0 for January; -1 where none stands. Short forms are beginnings of the names; their end comes
+// behind the stop.
+int SpokenForms::MonthAt(std::size_t at, std::size_t& end) const {
+    constexpr glong kShortest = 3;
+    const std::string word = WordBehind(at);
+    end = at + word.size();
+    int month = -1;
+    for (int i = 0; i < static_cast<int>(forms_->months.size()); ++i) {
+        const std::string_view name = forms_->months[static_cast<std::size_t>(i)];
+        if (name == word)
+            return i;
+        if (!name.starts_with(word))
+            continue;
+        if (month >= 0)  // "jui." of "juin" and "juillet"
+            return -1;
+        month = i;
+    }
+    if (CharacterAt(end) != '.' || g_utf8_strlen(word.c_str(), -1) < kShortest)
+        return -1;
+    ++end;
+    return month;
 }
 
 std::string SpokenForms::DayWords(int day, std::size_t at) const {
@@ -97,7 +121,7 @@ std::optional<std::size_t> SpokenForms::Date(std::size_t at) {
     return end;
 }
 
-// The day of "3. Mai", "25 декабря", "1 mai"; the month is read as it stands.
+// The day of "3. Mai", "25 декабря", "1 mai", with the month where that is a short form.
 std::optional<std::size_t> SpokenForms::DottedDay(std::size_t at) {
     std::size_t end = at;
     const int day = ReadDigits(end, 2);
@@ -120,11 +144,16 @@ std::optional<std::size_t> SpokenForms::DottedDay(std::size_t at) {
     // "1° maggio"
     if (day == 1 && language_ == "it" && text_.substr(end).starts_with("°"))
         end += std::string_view("°").size();
-    const std::size_t month = BehindBlank(end);
-    if (month == end || (!IsMonth(WordBehind(month)) && !IsOrdered(at, WordBehind(month))))
+    const std::size_t place = BehindBlank(end);
+    std::size_t behind = 0;
+    const int month = MonthAt(place, behind);
+    if (place == end || (month < 0 && !IsOrdered(at, WordBehind(place))))
         return std::nullopt;
     said_ = DayWords(day, at);
-    return end;
+    if (month < 0 || text_[behind - 1] != '.')
+        return end;
+    said_ += " " + std::string(forms_->months[static_cast<std::size_t>(month)]);
+    return GoesOnBehind(behind) ? behind : behind - 1;  // that stop is the sentence's, too
 }
 
 std::string SpokenForms::SmallWordBefore(std::size_t at) const {
@@ -136,8 +165,10 @@ std::string SpokenForms::SmallWordBefore(std::size_t at) const {
 // in the genitive.
 RussianCase SpokenForms::CaseAt(std::size_t at) const {
     const std::string before = SmallWordBefore(at);
-    const bool isFirst = before.empty() || (at > 1 && text_.substr(0, at).ends_with(". "));
-    return isFirst || before == "по"          ? RussianCase::kNominative  // the accusative, too
+    const bool isBehindStop = at > 1 && text_.substr(0, at).ends_with(". ");
+    const bool isFirst = isBehindStop ? !IsShortMonth(WordBefore(at - 2)) : before.empty();
+    return isFirst || before == "по" || before == "за"
+               ? RussianCase::kNominative  // the accusative, too
            : IsAmong(kBeforeLocative, before) ? RussianCase::kLocative
            : IsAmong(kBeforeDative, before)   ? RussianCase::kDative
                                               : RussianCase::kGenitive;
@@ -155,12 +186,40 @@ std::optional<std::size_t> SpokenForms::RussianShort(std::size_t at, int number,
     return GoesOnBehind(end + 1) ? end + 1 : end;
 }
 
+// "в 1941–1945 гг.", "1941-1945 годы", whose first year ends there.
+std::optional<std::size_t> SpokenForms::YearSpan(std::size_t at, int year, std::size_t end) {
+    static constexpr RussianNouns kNouns = {"годы", "годов", "годам", "годах"};
+    const std::size_t dash = BehindBlank(end);
+    const std::string_view rest = text_.substr(dash);
+    const std::size_t sign = rest.starts_with(kEnDash) ? kEnDash.size() : rest.starts_with("-");
+    std::size_t last = BehindBlank(dash + sign);
+    const int second = sign == 0 ? -1 : ReadDigits(last, 4);
+    const std::size_t place = BehindBlank(last);
+    const std::string word = WordBehind(place);
+    const auto* const noun = std::ranges::find(kNouns, word);
+    const bool isShort = word == "гг" && CharacterAt(place + word.size()) == '.';
+    if (second < 1000 || place == last || (!isShort && noun == kNouns.end()))
+        return std::nullopt;
+    const RussianCase wanted =
+        isShort ? CaseAt(at) : static_cast<RussianCase>(noun - kNouns.begin());
+    const std::string first = RussianPlaceWords(wanted, year) + " – ";
+    if (!isShort) {
+        said_ = first + RussianPlaceWords(wanted, second);
+        return last;
+    }
+    const auto behind = RussianShort(at, second, place + word.size(), kNouns);
+    said_ = first + said_;
+    return behind;
+}
+
 // "в 1945 г.", "1945 года", "с 1941 по 1945 гг.": Russians count years by their place.
 std::optional<std::size_t> SpokenForms::Year(std::size_t at) {
     std::size_t end = at;
     const int year = language_ == "ru" ? ReadDigits(end, 4) : -1;
     if (year < 1000)
         return std::nullopt;
+    if (const auto span = YearSpan(at, year, end))
+        return span;
     const std::size_t place = BehindBlank(end);
     const std::string word = WordBehind(place);
     if (place > end && word == "г")
@@ -185,6 +244,7 @@ std::optional<std::size_t> SpokenForms::DaysOfMonth(std::size_t at) {
         return std::nullopt;
     std::size_t end = at;
     int days[2] = {};
+    bool isBoth = false;
     std::size_t second = at;  // whose words in Russian are those behind "по"
     for (int i = 0; i < 2; ++i) {
         days[i] = ReadDigits(end, 2);
@@ -194,10 +254,12 @@ std::optional<std::size_t> SpokenForms::DaysOfMonth(std::size_t at) {
             return std::nullopt;
         if (i == 1)
             break;
-        // "2.–3. Mai"
-        if (const std::string_view rest = text_.substr(end);
-            forms_->hasDottedDays && (rest.starts_with(kEnDash) || rest.starts_with("-"))) {
-            end += rest.starts_with("-") ? 1 : kEnDash.size();
+        // "2.–3. Mai", "2./3. Mai"
+        const std::string_view rest = text_.substr(end);
+        isBoth = rest.starts_with("/");
+        if (forms_->hasDottedDays &&
+            (isBoth || rest.starts_with(kEnDash) || rest.starts_with("-"))) {
+            end += rest.starts_with(kEnDash) ? kEnDash.size() : 1;
             continue;
         }
         const std::size_t word = BehindBlank(end);
@@ -213,7 +275,8 @@ std::optional<std::size_t> SpokenForms::DaysOfMonth(std::size_t at) {
         (!behind.empty() && g_unichar_islower(g_utf8_get_char(behind.c_str())) != FALSE);
     if (!IsMonth(behind) && !forms_->hasDottedDays)
         return std::nullopt;
-    said_ = DayWords(days[0], at) + " " + std::string(forms_->dayRange) + " " +
+    const std::string_view both = language_ == "de" ? "und" : "a";
+    said_ = DayWords(days[0], at) + " " + std::string(isBoth ? both : forms_->dayRange) + " " +
             DayWords(days[1], second);
     return goesOn ? end : end - 1;  // that stop is the sentence's, too
 }

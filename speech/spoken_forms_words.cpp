@@ -116,7 +116,8 @@ std::optional<std::size_t> SpokenForms::Abbreviation(std::size_t at) {
     const std::string_view rest = text_.substr(at);
     const bool mayBegin = g_unichar_isupper(CharacterAt(at)) != FALSE;
     for (const WrittenForm& form : forms_->abbreviations) {
-        const bool isConditional = form.written.ends_with(" #") || form.written.ends_with(" A");
+        const bool isConditional = form.written.ends_with(" #") || form.written.ends_with(" A") ||
+                                   form.written.ends_with(" I");
         const std::string_view written =
             form.written.substr(0, form.written.size() - (isConditional ? 2 : 0));
         const bool isCapitalised = mayBegin && BeginsAsSentence(rest, written);
@@ -127,10 +128,13 @@ std::optional<std::size_t> SpokenForms::Abbreviation(std::size_t at) {
             continue;
         if (isConditional) {
             const std::size_t next = BehindBlank(end);
-            const bool asksForNumber = form.written.back() == '#';
             const gunichar character = CharacterAt(next);
-            if (next == end || (asksForNumber ? g_unichar_isdigit(character) == FALSE
-                                              : g_unichar_isupper(character) == FALSE))
+            const bool isAsked =
+                form.written.back() == '#' ? g_unichar_isdigit(character) != FALSE
+                : form.written.back() == 'A'
+                    ? g_unichar_isupper(character) != FALSE
+                    : std::string_view("IVX").find(text_[next]) != std::string_view::npos;
+            if (next == end || !isAsked)
                 continue;
         } else if (g_ascii_isalnum(written.back()) && !EndsToken(end)) {
             continue;
@@ -200,7 +204,8 @@ std::optional<std::size_t> SpokenForms::RomanNumeral(std::size_t at) {
                            g_unichar_isupper(g_utf8_get_char(before.c_str())) != FALSE &&
                            (!BeginsSentences(before) || text_.substr(at, end - at) != "IV");
     const OwnedText small(g_utf8_strdown(before.c_str(), -1));
-    const bool isCounted = IsAmong(forms_->counted, small.get());
+    const bool isShort = at > 1 && text_.substr(0, at).ends_with(". ");  // "s. XIX"
+    const bool isCounted = IsAmong(forms_->counted, isShort ? WordBefore(at - 2) : small.get());
     if (!isMan && !isWoman && !isCounted && (!isCapital || end - at == 1))
         return std::nullopt;
     if (isMan || isWoman)

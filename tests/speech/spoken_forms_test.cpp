@@ -120,6 +120,20 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
          "в девятнадцатом веке был, начало девятнадцатого века, 1,2 миллиона рублей и, 2 тысячи "
          "человек, в 1945"},
         {"cs", "1,2 mil. Kč", "1,2 milionu korun"},
+        {"ru", "5 янв. 2024 г. и, в 1941–1945 гг. и, 2020-2021 годы, в 90-е годы, 5-е место, в 3-х",
+         "пятого января две тысячи двадцать четвертого года и, в тысяча девятьсот сорок первом – "
+         "тысяча девятьсот сорок пятом годах и, две тысячи двадцатый – две тысячи двадцать первый "
+         "годы, в девяностые годы, пятое место, в трёх"},
+        {"ru", "в 1990-х. Был. 1945 г. был",
+         "в тысяча девятьсот девяностых. Был. тысяча девятьсот сорок пятый год был"},
+        {"de", "Am 5. Jan. kam, am 2./3. Mai, im XX. Jahrhundert, der 9. Dez. Er",
+         "Am fünften Januar kam, am zweiten und dritten Mai, im zwanzigsten Jahrhundert, der "
+         "neunte "
+         "Dezember. Er"},
+        {"fr", "le 14 juil. 2020, le 3 jui. x, les 1ers",
+         "le 14 juillet 2020, le 3 jui. x, les premiers"},
+        {"es", "el s. XIX, 5 ene. 2024, s. Pedro", "el siglo 19, 5 enero 2024, s. Pedro"},
+        {"it", "1½ kg, 2½ kg", "1 chilogrammo e mezzo, 2 chilogrammi e mezzo"},
         {"it", "20º C, 2º piano", "20º C, secondo piano"},
         {"es", "la 5ª, 1.er, 1,2 M€, 1/4 kg",
          "la quinta, primer, 1,2 millones de euros, un cuarto "
