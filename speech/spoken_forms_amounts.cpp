@@ -57,7 +57,9 @@ const WrittenForm* SpokenForms::UnitAt(std::size_t at, std::size_t& end) const {
         for (const WrittenForm& unit : units) {
             end = at + unit.written.size();
             const std::string_view rest = text_.substr(std::min(end, text_.size()));
-            if (!text_.substr(at).starts_with(unit.written) || !EndsToken(end) ||
+            // "5 in. wide", not "5 in all".
+            const bool isWord = unit.written == "in" && !rest.starts_with(".");
+            if (!text_.substr(at).starts_with(unit.written) || !EndsToken(end) || isWord ||
                 rest.starts_with("²") || rest.starts_with("³") || rest.starts_with("/"))
                 continue;
             const std::size_t next = BehindBlank(end + 1);
@@ -76,6 +78,8 @@ std::optional<std::size_t> SpokenForms::WithUnit(const Amount& amount) {
     const WrittenForm* const unit = UnitAt(place, end);
     // "the 5 g" may be the letter: what is one letter stands right behind its number.
     if (unit == nullptr || (unit->written.size() == 1 && place > amount.end + 1))
+        return std::nullopt;
+    if (unit->written == "m" && place == amount.end && language_ == "en")  // "5m people"
         return std::nullopt;
     said_ = UnitWords(language_, unit->said, amount.plain);
     return said_.empty() ? std::nullopt : std::optional(end);
@@ -127,10 +131,10 @@ std::optional<std::size_t> SpokenForms::Fraction(std::size_t at) {
         return end;
     // But "one eighth teaspoon salt".
     if (form->written != kHalf && language_ == "en" && !noun.ends_with("spoon"))
-        said_ +=
-            std::string_view("oh").find(noun[0]) == std::string_view::npos || noun.starts_with("he")
-                ? " of a"
-                : " of an";
+        said_ += std::string_view("ohi").find(noun[0]) == std::string_view::npos ||
+                         noun.starts_with("he")
+                     ? " of a"
+                     : " of an";
     said_ += std::string(form->written == kHalf ? " " : forms_->ofFraction) + noun;
     return behind;
 }
