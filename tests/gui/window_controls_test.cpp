@@ -332,7 +332,12 @@ TEST_F(WindowControls, TheKeyboardGoesOnFromADisabledOrHiddenControlAndBack) {
     dialog.FocusControl(kCool);
     dialog.EnableControl(kButton, true);
     EXPECT_EQ(focus(), dialog.GetControlByID(kCool));
-    PumpPending();  // what was hidden gets its place, by which the controls are in order
+    // What was hidden gets its place, by which the controls are in order.
+    ASSERT_TRUE(PumpUntil([&] {
+        dialog.FocusControl(kButton);
+        gtk_widget_child_focus(dialog.Widget(), GTK_DIR_TAB_FORWARD);
+        return focus() == dialog.GetControlByID(kCheck);
+    }));
     // So does who has typed where the keyboard went meanwhile, but not who has only pressed it.
     for (const auto [control, key, returns] : {std::tuple(int{kEntry}, GDK_KEY_a, false),
                                                std::tuple(int{kEntry}, GDK_KEY_Control_L, true),
