@@ -11,6 +11,7 @@
 #include "foundation/files/file.h"
 #include "foundation/files/folder_iterator.h"
 #include "foundation/files/private_file.h"
+#include "foundation/owned_text.h"
 
 namespace {
 
@@ -19,6 +20,23 @@ constexpr const char* kPlaceFile = "text-place";  // the cursor's in decimal, a 
 constexpr std::size_t kMostPlaceBytes = 1 << 16;
 constexpr const char* kStructureFile = "text-structure";
 constexpr std::size_t kMostStructureBytes = 16 << 20;
+
+constexpr std::string_view kOfTextLine = "of ";  // its checksum, before the structure's own lines
+
+// A crash between the two files must not give a text the structure of another.
+std::string WithText(const std::string& structure, std::string_view text) {
+    if (structure.empty())
+        return {};
+    const OwnedText sum(g_compute_checksum_for_data(
+        G_CHECKSUM_SHA1, reinterpret_cast<const guchar*>(text.data()), text.size()));
+    return std::string(kOfTextLine) + sum.get() + "\n" + structure;
+}
+
+std::string StructureOf(std::string_view text, const std::string& kept) {
+    const std::size_t begin = kept.starts_with(kOfTextLine) ? kept.find('\n') + 1 : 0;
+    const std::string structure = kept.substr(begin);
+    return begin == 0 || WithText(structure, text) == kept ? structure : std::string();
+}
 
 // A crash loses at most so much; a text that takes long to write is written less often.
 constexpr guint kPauseMs = 2000;
@@ -41,7 +59,8 @@ void KeptText::Restore() {
         g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) == FALSE)
         return;
     gtk_text_buffer_set_text(buffer_, text.data(), static_cast<gint>(text.size()));
-    ReadPrivateFile(kStructureFile, kMostStructureBytes, keptStructure_);
+    if (std::string kept; ReadPrivateFile(kStructureFile, kMostStructureBytes, kept))
+        keptStructure_ = StructureOf(text, kept);
     std::string place;
     ReadPrivateFile(kPlaceFile, kMostPlaceBytes, place);
     int offset = 0;
@@ -120,8 +139,9 @@ void KeptText::Keep() {
     if (!isTextDue_ && !isPlaceDue_)
         return;
     if (isTextDue_) {
-        isTextDue_ = !Write(kTextFile, lines_->Text());
-        Write(kStructureFile, structure_ ? structure_() : "");
+        const std::string text(lines_->Text());
+        Write(kStructureFile, WithText(structure_ ? structure_() : "", text));
+        isTextDue_ = !Write(kTextFile, text);
     }
     GtkTextIter at;
     gtk_text_buffer_get_iter_at_mark(buffer_, &at, gtk_text_buffer_get_insert(buffer_));

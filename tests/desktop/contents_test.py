@@ -114,7 +114,17 @@ class ContentsTest(DesktopCase):
         # Another day, and then another text, which has none.
         kept = os.path.join(desktop.HOME, ".quillon/lectora/text-structure")
         desktop.wait_until(lambda: os.path.exists(kept) and "chapter 20 " in open(kept).read(), "the structure to be kept")
+        text = lectora.text()
+        words = os.path.join(os.path.dirname(kept), "text")
+        desktop.wait_until(lambda: open(words).read() == text, "the text to be kept")
         lectora.end()
+        # A crash between the two gives no text the contents of another.
+        open(words, "w").write("So " + text)
+        lectora = self.start()
+        desktop.wait_until(lambda: lectora.text() == "So " + text, "another text")
+        self.assertFalse(self.cells(lectora))
+        lectora.end()
+        open(words, "w").write(text)
         lectora = self.start()
         desktop.wait_until(lambda: self.cells(lectora) == rows, "the contents")
         lectora.set_text("Only words.")
