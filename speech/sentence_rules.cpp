@@ -263,8 +263,8 @@ bool SentenceRules::WordEnds(const Around& around, bool isAbbreviation) const {
         return true;
     if (IsStreet(around))
         return g_unichar_isupper(around.nextCharacter) != 0;
-    if (IsMonthBehindDay(around))
-        return !isBeforeNumber && !isBeforeSmall && BeginsSentences(around.next);
+    if (IsMonthBehindDay(around) && (isBeforeNumber || BeginsSentences(around.next)))
+        return !isBeforeNumber;
     if (const auto ends = EndsBehind(word, around.previous); ends)
         return *ends && !isBeforeSmall && !isBeforeNumber && !IsDateAhead(around);
     if (UsuallyEndsSentence(word))

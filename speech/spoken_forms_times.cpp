@@ -152,6 +152,9 @@ std::optional<std::size_t> SpokenForms::DottedDay(std::size_t at) {
     said_ = DayWords(day, at);
     if (month < 0 || text_[behind - 1] != '.')
         return end;
+    // "ha vinto in 3 set."
+    if (!forms_->hasDottedDays && !GoesOnBehind(behind))
+        return std::nullopt;
     said_ += " " + std::string(forms_->months[static_cast<std::size_t>(month)]);
     return GoesOnBehind(behind) ? behind : behind - 1;  // that stop is the sentence's, too
 }

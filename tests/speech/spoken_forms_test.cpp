@@ -136,7 +136,8 @@ TEST(SpokenForms, AreSaidAsPeopleOfTheLanguageSayThem) {
         {"en", "8,849 m high, 5m people, 5/8 in. wide, 5 in all, 5 in. Then",
          "8,849 meters high, 5m people, five eighths of an inch wide, 5 in all, 5 inches. Then"},
         {"ru", "21 м и 10 м/с", "21 метр и 10 метров в секунду"},
-        {"it", "1½ kg, 2½ kg", "1 chilogrammo e mezzo, 2 chilogrammi e mezzo"},
+        {"it", "1½ kg, 2½ kg, 5 gen. 2024, in 3 set. Poi",
+         "1 chilogrammo e mezzo, 2 chilogrammi e mezzo, 5 gennaio 2024, in 3 set. Poi"},
         {"it", "20º C, 2º piano", "20º C, secondo piano"},
         {"es", "la 5ª, 1.er, 1,2 M€, 1/4 kg",
          "la quinta, primer, 1,2 millones de euros, un cuarto "
