@@ -193,6 +193,7 @@ private:
         struct Kin {
             std::size_t posts = 0;
             std::size_t written = 0;  // of them by somebody, or sometime
+            std::size_t signedBy = 0;
         };
         std::map<std::size_t, Kin> kins;
         ForEachOutermost([this](std::size_t i) { return IsPost(i); },
@@ -200,6 +201,7 @@ private:
                              Kin& kin = kins[parts_[i].kin];
                              ++kin.posts;
                              kin.written += IsWritten(i) ? 1 : 0;
+                             kin.signedBy += IsSigned(i) ? 1 : 0;
                          });
         std::set<std::size_t> prose;  // kin of what holds it in any post
         for (const PagePart& part : parts_)
@@ -211,18 +213,26 @@ private:
                                   (part.sign == PartSign::kPlace && !prose.contains(part.kin));
             if (!isBeside || HasTitle(i))
                 return false;
+            // A letter that nobody else signs is signed by its signature.
+            const bool isOfSigned = part.postName == PostName::kBeside;
             for (std::size_t post = part.parent; post != 0; post = parts_[post].parent)
                 if (const Kin& kin = kins[parts_[post].kin];
-                    IsPost(post) && kin.posts > 1 && kin.written * 2 >= kin.posts)
+                    IsPost(post) && kin.posts > 1 &&
+                    (isOfSigned ? kin.signedBy : kin.written) * 2 >= kin.posts)
                     return parts_[post].text > part.text;
             return false;
         });
     }
+    bool IsSigned(std::size_t post) const {
+        return std::any_of(At(post), At(parts_[post].end),
+                           [](const PagePart& part) { return part.namesWriter; });
+    }
     bool IsWritten(std::size_t post) const {
-        for (std::size_t i = post; i < parts_[post].end; ++i)
-            if (parts_[i].hasTime || parts_[i].namesWriter)
-                return true;
-        return false;
+        return IsSigned(post) || std::any_of(At(post), At(parts_[post].end),
+                                             [](const PagePart& part) { return part.hasTime; });
+    }
+    std::vector<PagePart>::const_iterator At(std::size_t part) const {
+        return parts_.begin() + static_cast<std::ptrdiff_t>(part);
     }
     bool IsPost(std::size_t i) const {
         const PagePart& part = parts_[i];

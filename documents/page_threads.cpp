@@ -351,7 +351,8 @@ private:
         if (holds.bodies > 0 || holds.title || (part.text == 0 && !part.hasButtons))
             return false;
         const bool isWriter = holds.writer && !isWriterTold;
-        if (part.postName == PostName::kBeside && part.text < kLongestNote)
+        if (part.postName == PostName::kBeside && part.text < kLongestNote &&
+            (isSigned_ || !holds.isInPost))
             return !holds.isInPost || !isWriter;
         if (prose_[i] > 0 || (part.isInLine && parts_[part.parent].ownText > kLongestOfSigner))
             return false;

@@ -76,6 +76,24 @@ TEST(Pages, ArticlesArriveWholeAndHardlyAnythingElse) {
 }
 
 // Not again above each reply.
+// They are called as the posts of a thread are, and dated.
+TEST(Pages, LettersKeepTheirSignaturesAndManualsTheirParts) {
+    std::string page = "<title>Letters</title><h1>Letters</h1>";
+    for (const std::string name : {"Ann", "Ben", "Cleo"}) {
+        page += "<div class='message letter'><time>5 May</time><p>";
+        for (int i = 0; i < 10; ++i)
+            page += "The people of the valley built a mill beside the river. ";
+        page += "</p><p class=controls>" + name +
+                " turned the knob, and waited until the lamp was "
+                "lit again.</p><p class=signature>" +
+                name + ", Dover</p></div>";
+    }
+    const std::string text = ReadDocument(page).text;
+    for (const std::string name : {"Ann", "Ben", "Cleo"})
+        for (const char* const words : {" turned the knob", ", Dover"})
+            EXPECT_THAT(text, testing::HasSubstr(name + words));
+}
+
 TEST(Pages, TitlesOfThreadsAreReadOnce) {
     const std::pair<const char*, std::string> kThreads[] = {
         {"forum_bbpress.html", "Fixing a dripping tap"},
