@@ -98,7 +98,8 @@ bool PageListener::EvElement(std::string_view name, const MarkupAttributes& attr
         return EvHeadElement(name, attributes);
     if (name == "style") {
         isInStyle_ = true;
-        open_.push_back({.isStyle = true});
+        open_.emplace_back();
+        open_.back().isStyle = true;
         return true;
     }
     if (IsLeftOut(name, attributes)) {
