@@ -339,9 +339,9 @@ TEST_F(WindowControls, TheKeyboardGoesOnFromADisabledOrHiddenControlAndBack) {
         return focus() == dialog.GetControlByID(kCheck);
     }));
     // So does who has typed where the keyboard went meanwhile, but not who has only pressed it.
-    for (const auto [control, key, returns] : {std::tuple(int{kEntry}, GDK_KEY_a, false),
-                                               std::tuple(int{kEntry}, GDK_KEY_Control_L, true),
-                                               std::tuple(int{kButton}, GDK_KEY_F3, true)}) {
+    for (const auto& [control, key, returns] : {std::tuple(int{kEntry}, GDK_KEY_a, false),
+                                                std::tuple(int{kEntry}, GDK_KEY_Control_L, true),
+                                                std::tuple(int{kButton}, GDK_KEY_F3, true)}) {
         dialog.FocusControl(control);
         GtkWidget* const before = focus();
         dialog.EnableControl(control, false);
