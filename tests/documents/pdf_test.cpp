@@ -299,7 +299,8 @@ TEST(Pdf, HostilePagesTakeNoLongerThanTheyAreLong) {
         const int tableRow = line / 7;
         cells.push_back({WordAt(50 + line % 7 * 70, 12 * tableRow, 10, "Cell")});
         cells.push_back({WordAt(50 + line % 5 * 70, line, 10, "lone")});
-        cells.push_back({WordAt(900 + line / 2 * 9, line, 10, std::to_string(line))});
+        const int pair = line / 2;
+        cells.push_back({WordAt(900 + pair * 9, line, 10, std::to_string(line))});
     }
     EXPECT_GT(TextOfBlocks(cells).size(), 100000U);
     EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC);
